@@ -1,0 +1,601 @@
+// The slice of the Windows CE API that the program is written against: every type, constant and
+// function that it uses, by its real name and with its real value, and nothing else.
+//
+// On Windows the system's own headers take this file's place (platform/win32). Everywhere else the
+// declarations below are met by platform/qt. Shapes, ranges and results are those of the real
+// calls; where the slice does less, the declaration says so, and docs/platform.md lists the state
+// of each call. All calls belong to the thread that owns the windows unless marked [any thread].
+#ifndef QUILL_PLATFORM_WINDOWS_CE_H
+#define QUILL_PLATFORM_WINDOWS_CE_H
+
+#if defined(_WIN32)
+#include "win32/device.h"
+#else
+
+#include <sys/select.h>  // its fd_set and select are spent here, so that the names can be WinSock's
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+// ---------------------------------------------------------------- types
+
+typedef uint8_t BYTE;
+typedef uint16_t WORD;
+typedef uint32_t DWORD;
+typedef int BOOL;
+typedef int INT;
+typedef unsigned int UINT;
+typedef int32_t LONG;
+typedef uint32_t ULONG;
+typedef char16_t WCHAR;
+typedef WCHAR TCHAR;
+typedef WCHAR* LPWSTR;
+typedef const WCHAR* LPCWSTR;
+typedef const char* LPCSTR;
+typedef char* LPSTR;
+typedef void* LPVOID;
+typedef const void* LPCVOID;
+typedef uintptr_t UINT_PTR;
+typedef intptr_t INT_PTR;
+typedef intptr_t LONG_PTR;
+typedef uintptr_t DWORD_PTR;
+typedef UINT_PTR WPARAM;
+typedef LONG_PTR LPARAM;
+typedef LONG_PTR LRESULT;
+typedef WORD ATOM;
+typedef DWORD COLORREF;  // 0x00BBGGRR
+
+typedef struct SliceWindow* HWND;
+typedef struct SliceMenu* HMENU;
+typedef struct SliceModule* HINSTANCE;
+typedef HINSTANCE HMODULE;
+typedef struct SliceAccelerators* HACCEL;
+typedef struct SliceDeviceContext* HDC;
+typedef struct SliceGdiObject* HGDIOBJ;
+typedef HGDIOBJ HBRUSH;
+typedef HGDIOBJ HPEN;
+typedef HGDIOBJ HFONT;
+typedef struct SliceIcon* HICON;
+typedef HICON HCURSOR;
+typedef struct SliceKey* HKEY;
+typedef struct SliceHandle* HANDLE;
+
+#define TEXT(quote) u##quote
+#define CALLBACK
+#define WINAPI
+#define TRUE 1
+#define FALSE 0
+#define LOWORD(l) (static_cast<WORD>(static_cast<DWORD_PTR>(l) & 0xffff))
+#define HIWORD(l) (static_cast<WORD>((static_cast<DWORD_PTR>(l) >> 16) & 0xffff))
+#define MAKELONG(a, b) \
+    (static_cast<LONG>(static_cast<WORD>(a) | (static_cast<DWORD>(static_cast<WORD>(b)) << 16)))
+#define MAKELPARAM(l, h) (static_cast<LPARAM>(static_cast<DWORD>(MAKELONG(l, h))))
+#define MAKEINTRESOURCE(i) (reinterpret_cast<LPCWSTR>(static_cast<UINT_PTR>(static_cast<WORD>(i))))
+#define RGB(r, g, b)                                                            \
+    (static_cast<COLORREF>(static_cast<BYTE>(r) | (static_cast<BYTE>(g) << 8) | \
+                           (static_cast<DWORD>(static_cast<BYTE>(b)) << 16)))
+
+struct POINT {
+    LONG x, y;
+};
+struct SIZE {
+    LONG cx, cy;
+};
+struct RECT {
+    LONG left, top, right, bottom;
+};
+
+// ---------------------------------------------------------------- the program's entry
+
+// Defined by the program; the host calls it once on the window thread.
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, int show);
+
+// ---------------------------------------------------------------- windows
+
+typedef LRESULT(CALLBACK* WNDPROC)(HWND, UINT, WPARAM, LPARAM);
+
+struct WNDCLASSW {
+    UINT style;
+    WNDPROC lpfnWndProc;
+    int cbClsExtra;
+    int cbWndExtra;
+    HINSTANCE hInstance;
+    HICON hIcon;
+    HCURSOR hCursor;
+    HBRUSH hbrBackground;
+    LPCWSTR lpszMenuName;
+    LPCWSTR lpszClassName;
+};
+
+struct CREATESTRUCTW {
+    LPVOID lpCreateParams;
+    HINSTANCE hInstance;
+    HMENU hMenu;
+    HWND hwndParent;
+    int cy, cx, y, x;
+    LONG style;
+    LPCWSTR lpszName;
+    LPCWSTR lpszClass;
+    DWORD dwExStyle;
+};
+
+#define CS_DBLCLKS 0x0008u
+#define CW_USEDEFAULT (static_cast<int>(0x80000000))
+#define WS_CHILD 0x40000000u
+#define WS_VISIBLE 0x10000000u
+#define WS_VSCROLL 0x00200000u
+#define WS_HSCROLL 0x00100000u
+#define SW_HIDE 0
+#define SW_SHOW 5
+#define STATUSCLASSNAME TEXT("msctls_statusbar32")  // the common controls' status window
+
+ATOM RegisterClassW(const WNDCLASSW* window_class);
+// Child windows take their id in `menu`. Sends WM_CREATE; -1 from it destroys the window again.
+HWND CreateWindowExW(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x, int y,
+                     int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
+                     LPVOID parameter);
+BOOL DestroyWindow(HWND window);
+BOOL IsWindow(HWND window);
+BOOL IsWindowVisible(HWND window);
+BOOL ShowWindow(HWND window, int show);
+BOOL UpdateWindow(HWND window);
+BOOL EnableWindow(HWND window, BOOL enable);
+BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
+BOOL GetClientRect(HWND window, RECT* rect);
+BOOL GetWindowRect(HWND window, RECT* rect);  // in the coordinates of the device's screen
+BOOL SetWindowTextW(HWND window, LPCWSTR text);
+int GetWindowTextW(HWND window, LPWSTR text, int size);
+HWND GetDlgItem(HWND parent, int id);  // any child window by its id
+HWND GetParent(HWND window);
+HWND SetFocus(HWND window);
+HWND GetActiveWindow();
+BOOL SetForegroundWindow(HWND window);
+// A top-level window by class, in this program or in another one that runs on the same device
+// root; the other program's window takes SetForegroundWindow, ShowWindow and
+// SendMessageW(WM_PAINT).
+HWND FindWindowW(LPCWSTR class_name, LPCWSTR title);
+BOOL InvalidateRect(HWND window, const RECT* rect, BOOL erase);
+
+struct SCROLLINFO {
+    UINT cbSize;
+    UINT fMask;
+    int nMin, nMax;
+    UINT nPage;
+    int nPos;
+    int nTrackPos;
+};
+#define SB_HORZ 0
+#define SB_VERT 1
+#define SB_LINEUP 0
+#define SB_LINEDOWN 1
+#define SB_PAGEUP 2
+#define SB_PAGEDOWN 3
+#define SB_THUMBPOSITION 4
+#define SB_THUMBTRACK 5
+#define SB_ENDSCROLL 8
+#define SIF_RANGE 0x0001u
+#define SIF_PAGE 0x0002u
+#define SIF_POS 0x0004u
+// A bar whose page covers its whole range is hidden, which gives its room to the client area.
+int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw);
+BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info);
+
+#define SM_CXSCREEN 0
+#define SM_CYSCREEN 1
+#define SM_CXVSCROLL 2
+#define SM_CYHSCROLL 3
+int GetSystemMetrics(int index);
+
+// ---------------------------------------------------------------- messages
+
+struct MSG {
+    HWND hwnd;
+    UINT message;
+    WPARAM wParam;
+    LPARAM lParam;
+    DWORD time;
+    POINT pt;
+};
+
+#define WM_CREATE 0x0001u
+#define WM_DESTROY 0x0002u
+#define WM_SIZE 0x0005u
+#define WM_SETFOCUS 0x0007u
+#define WM_PAINT 0x000Fu
+#define WM_CLOSE 0x0010u
+#define WM_QUIT 0x0012u
+#define WM_ERASEBKGND 0x0014u
+#define WM_SETTINGCHANGE 0x001Au
+#define WM_HELP 0x0053u
+#define WM_KEYDOWN 0x0100u
+#define WM_KEYUP 0x0101u
+#define WM_CHAR 0x0102u
+#define WM_SYSKEYDOWN 0x0104u
+#define WM_SYSKEYUP 0x0105u
+#define WM_SYSCHAR 0x0106u
+#define WM_COMMAND 0x0111u
+#define WM_TIMER 0x0113u
+#define WM_HSCROLL 0x0114u
+#define WM_VSCROLL 0x0115u
+#define WM_MOUSEMOVE 0x0200u
+#define WM_LBUTTONDOWN 0x0201u
+#define WM_LBUTTONUP 0x0202u
+#define WM_LBUTTONDBLCLK 0x0203u
+#define WM_RASDIALEVENT 0xCCCDu
+#define PM_REMOVE 0x0001u
+#define SIZE_RESTORED 0
+#define SIZE_MINIMIZED 1
+
+BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last);
+BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove);
+BOOL TranslateMessage(const MSG* message);
+LRESULT DispatchMessageW(const MSG* message);
+LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+LRESULT SendMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam);  // [any thread]
+void PostQuitMessage(int exit_code);
+
+typedef void(CALLBACK* TIMERPROC)(HWND, UINT, UINT_PTR, DWORD);
+UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure);
+BOOL KillTimer(HWND window, UINT_PTR id);
+
+HACCEL LoadAcceleratorsW(HINSTANCE instance, LPCWSTR table);
+int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message);
+
+// ---------------------------------------------------------------- keys
+
+#define VK_BACK 0x08
+#define VK_TAB 0x09
+#define VK_RETURN 0x0D
+#define VK_SHIFT 0x10
+#define VK_CONTROL 0x11
+#define VK_MENU 0x12
+#define VK_CAPITAL 0x14
+#define VK_ESCAPE 0x1B
+#define VK_SPACE 0x20
+#define VK_PRIOR 0x21
+#define VK_NEXT 0x22
+#define VK_END 0x23
+#define VK_HOME 0x24
+#define VK_LEFT 0x25
+#define VK_UP 0x26
+#define VK_RIGHT 0x27
+#define VK_DOWN 0x28
+#define VK_INSERT 0x2D
+#define VK_DELETE 0x2E
+#define VK_F1 0x70
+#define VK_F20 0x83
+#define VK_F24 0x87
+#define VK_LSHIFT 0xA0
+#define VK_RSHIFT 0xA1
+#define VK_LCONTROL 0xA2
+#define VK_RCONTROL 0xA3
+#define VK_LMENU 0xA4
+#define VK_RMENU 0xA5
+#define KEYEVENTF_KEYUP 0x0002u
+#define KEYEVENTF_SILENT 0x0004u
+typedef int16_t SHORT;
+SHORT GetKeyState(int virtual_key);  // bit 15: down, bit 0: toggled
+// [any thread] A synthetic key. With KEYEVENTF_SILENT it only counts as activity of the user.
+void keybd_event(BYTE virtual_key, BYTE scan_code, DWORD flags, DWORD_PTR extra);
+
+// ---------------------------------------------------------------- GDI
+
+struct PAINTSTRUCT {
+    HDC hdc;
+    BOOL fErase;
+    RECT rcPaint;
+};
+
+#define LF_FACESIZE 32
+struct LOGFONTW {
+    LONG lfHeight;
+    LONG lfWidth;
+    LONG lfEscapement;
+    LONG lfOrientation;
+    LONG lfWeight;
+    BYTE lfItalic;
+    BYTE lfUnderline;
+    BYTE lfStrikeOut;
+    BYTE lfCharSet;
+    BYTE lfOutPrecision;
+    BYTE lfClipPrecision;
+    BYTE lfQuality;
+    BYTE lfPitchAndFamily;
+    WCHAR lfFaceName[LF_FACESIZE];
+};
+
+struct TEXTMETRICW {
+    LONG tmHeight;
+    LONG tmAscent;
+    LONG tmDescent;
+    LONG tmInternalLeading;
+    LONG tmExternalLeading;
+    LONG tmAveCharWidth;
+    LONG tmMaxCharWidth;
+    BYTE tmPitchAndFamily;  // TMPF_FIXED_PITCH set means a variable pitch
+};
+#define TMPF_FIXED_PITCH 0x01
+#define DEFAULT_CHARSET 1
+#define FW_NORMAL 400
+#define FW_BOLD 700
+#define FIXED_PITCH 0x01
+#define WHITE_BRUSH 0
+#define PS_SOLID 0
+#define OPAQUE 2
+#define TRANSPARENT 1
+#define ETO_OPAQUE 0x0002u
+#define ETO_CLIPPED 0x0004u
+#define DT_NOPREFIX 0x0800u
+#define DT_SINGLELINE 0x0020u
+#define DT_CALCRECT 0x0400u
+#define HORZRES 8
+#define VERTRES 10
+
+HDC BeginPaint(HWND window, PAINTSTRUCT* paint);  // sends WM_ERASEBKGND when an erase is due
+BOOL EndPaint(HWND window, const PAINTSTRUCT* paint);
+HDC GetDC(HWND window);  // for measuring; null gives the screen
+int ReleaseDC(HWND window, HDC dc);
+HGDIOBJ GetStockObject(int index);
+HGDIOBJ SelectObject(HDC dc, HGDIOBJ object);
+BOOL DeleteObject(HGDIOBJ object);
+HFONT CreateFontIndirectW(const LOGFONTW* font);  // a positive height is that of the whole cell
+HBRUSH CreateSolidBrush(COLORREF color);
+HPEN CreatePen(int style, int width, COLORREF color);
+COLORREF SetTextColor(HDC dc, COLORREF color);
+COLORREF SetBkColor(HDC dc, COLORREF color);
+int SetBkMode(HDC dc, int mode);
+int FillRect(HDC dc, const RECT* rect, HBRUSH brush);
+// `advances` holds one width a character: the glyphs stand at the running sum, whatever the font.
+BOOL ExtTextOutW(HDC dc, int x, int y, UINT options, const RECT* rect, LPCWSTR text, UINT count,
+                 const INT* advances);
+int DrawTextW(HDC dc, LPCWSTR text, int count, RECT* rect, UINT format);  // DT_CALCRECT alone
+BOOL Polyline(HDC dc, const POINT* points, int count);  // the last point itself is not drawn
+BOOL GetTextMetricsW(HDC dc, TEXTMETRICW* metrics);
+int GetDeviceCaps(HDC dc, int index);  // HORZRES, VERTRES
+
+typedef int(CALLBACK* FONTENUMPROCW)(const LOGFONTW*, const TEXTMETRICW*, DWORD type, LPARAM);
+// Every fixed-pitch family, the desktop's own monospace first; a 0 from the procedure stops.
+int EnumFontFamiliesW(HDC dc, LPCWSTR family, FONTENUMPROCW procedure, LPARAM parameter);
+
+// ---------------------------------------------------------------- message boxes and sound
+
+#define MB_OK 0x0000u
+#define MB_OKCANCEL 0x0001u
+#define MB_ICONERROR 0x0010u
+#define MB_ICONQUESTION 0x0020u
+#define MB_ICONEXCLAMATION 0x0030u
+#define MB_ICONASTERISK 0x0040u
+#define MB_ICONINFORMATION MB_ICONASTERISK
+#define IDOK 1
+#define IDCANCEL 2
+int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
+BOOL MessageBeep(UINT type);
+
+// ---------------------------------------------------------------- shell and common controls
+
+struct SIPINFO {
+    DWORD cbSize;
+    DWORD fdwFlags;
+    RECT rcVisibleDesktop;
+    RECT rcSipRect;
+    DWORD dwImDataSize;
+    LPVOID pvImData;
+};
+#define SPI_SETSIPINFO 224
+#define SPI_GETSIPINFO 225
+#define SIPF_ON 0x00000001u
+BOOL SHSipInfo(UINT action, UINT parameter, LPVOID info, UINT flags);
+
+HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id);
+BOOL CommandBar_Show(HWND bar, BOOL show);
+int CommandBar_Height(HWND bar);
+void CommandBar_Destroy(HWND bar);
+
+// ---------------------------------------------------------------- libraries
+
+HMODULE LoadLibraryW(LPCWSTR name);
+typedef INT_PTR (*FARPROC)();
+FARPROC GetProcAddressW(HMODULE library, LPCWSTR name);
+BOOL FreeLibrary(HMODULE library);
+
+// ---------------------------------------------------------------- registry
+
+#define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<UINT_PTR>(0x80000002u)))
+#define REG_SZ 1u
+#define REG_DWORD 4u
+#define REG_OPTION_NON_VOLATILE 0u
+#define KEY_QUERY_VALUE 0x0001u
+#define KEY_SET_VALUE 0x0002u
+#define ERROR_SUCCESS 0
+#define ERROR_FILE_NOT_FOUND 2
+#define ERROR_ACCESS_DENIED 5
+#define ERROR_INVALID_HANDLE 6
+#define ERROR_INVALID_PARAMETER 87
+#define ERROR_BUFFER_TOO_SMALL 603
+#define ERROR_MORE_DATA 234
+
+LONG RegOpenKeyExW(HKEY key, LPCWSTR sub_key, DWORD options, DWORD access, HKEY* result);
+LONG RegCreateKeyExW(HKEY key, LPCWSTR sub_key, DWORD reserved, LPWSTR class_name, DWORD options,
+                     DWORD access, LPVOID security, HKEY* result, DWORD* disposition);
+LONG RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE* data,
+                      DWORD* size);
+LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
+                    DWORD size);
+LONG RegDeleteValueW(HKEY key, LPCWSTR name);
+LONG RegFlushKey(HKEY key);
+LONG RegCloseKey(HKEY key);
+
+// ---------------------------------------------------------------- sockets (WinSock 1.1)
+
+typedef UINT_PTR SOCKET;  // never given out twice in a run
+#define INVALID_SOCKET (static_cast<SOCKET>(~static_cast<SOCKET>(0)))
+#define SOCKET_ERROR (-1)
+#undef AF_INET
+#undef INADDR_NONE
+#define AF_INET 2
+#undef SOCK_STREAM
+#define SOCK_STREAM 1
+#define SD_BOTH 2
+#define FIONBIO 0x8004667Eu
+#undef INADDR_NONE
+#define INADDR_NONE 0xFFFFFFFFu
+#define WSAEWOULDBLOCK 10035
+#define WSAENOTSOCK 10038
+#define WSAEHOSTUNREACH 10065
+#define MAKEWORD(low, high) \
+    (static_cast<WORD>(static_cast<BYTE>(low) | (static_cast<WORD>(static_cast<BYTE>(high)) << 8)))
+
+typedef unsigned long WINSOCK_ULONG;  // the `u_long` of ioctlsocket
+struct WSADATA {
+    WORD wVersion;
+    WORD wHighVersion;
+};
+struct IN_ADDR {
+    uint32_t s_addr;  // network byte order
+};
+struct SOCKADDR_IN {
+    int16_t sin_family;
+    uint16_t sin_port;  // network byte order
+    IN_ADDR sin_addr;
+    char sin_zero[8];
+};
+struct SOCKADDR {
+    uint16_t sa_family;
+    char sa_data[14];
+};
+struct HOSTENT {
+    char* h_name;
+    char** h_aliases;
+    int16_t h_addrtype;
+    int16_t h_length;
+    char** h_addr_list;
+};
+typedef struct timeval TIMEVAL;
+struct SliceSocketSet {
+    UINT fd_count;
+    SOCKET fd_array[64];
+};
+
+// Some names of WinSock are those of the host's own socket calls. Where the shapes differ they are
+// overloads; where they do not, the call is written through a macro with arguments, which leaves
+// fields of the same name as they are.
+int SliceStartup(WORD version, WSADATA* data);
+int SliceCleanup();
+int SliceLastError();  // [any thread] of this thread
+SOCKET SliceSocket(int family, int type, int protocol);
+int SliceIoctl(SOCKET socket, unsigned command, WINSOCK_ULONG* argument);
+int SliceConnect(SOCKET socket, const SOCKADDR* address, int size);
+int SliceSelect(int ignored, SliceSocketSet* read, SliceSocketSet* write, SliceSocketSet* except,
+                const TIMEVAL* timeout);                            // [any thread]
+int SliceReceive(SOCKET socket, char* bytes, int size, int flags);  // [any thread]
+int SliceSend(SOCKET socket, const char* bytes, int size, int flags);
+int SliceShutdown(SOCKET socket, int how);
+int SliceCloseSocket(SOCKET socket);
+HOSTENT* SliceHostByName(const char* name);
+uint32_t SliceDottedAddress(const char* text);
+uint16_t SliceNetworkShort(uint16_t value);
+
+#undef FD_ZERO
+#undef FD_SET
+#undef FD_ISSET
+#define fd_set SliceSocketSet
+#define FD_ZERO(set) ((set)->fd_count = 0)
+#define FD_SET(s, set)                                                      \
+    do {                                                                    \
+        if ((set)->fd_count < 64) (set)->fd_array[(set)->fd_count++] = (s); \
+    } while (0)
+inline int SliceSetHolds(const SliceSocketSet* set, SOCKET socket) {
+    for (UINT i = 0; i < set->fd_count; i++)
+        if (set->fd_array[i] == socket) return 1;
+    return 0;
+}
+#define FD_ISSET(s, set) SliceSetHolds(set, s)
+#define WSAStartup(version, data) SliceStartup(version, data)
+#define WSACleanup() SliceCleanup()
+#define WSAGetLastError() SliceLastError()
+#define socket(family, type, protocol) SliceSocket(family, type, protocol)
+#define ioctlsocket(s, command, argument) SliceIoctl(s, command, argument)
+#define closesocket(s) SliceCloseSocket(s)
+inline int connect(SOCKET s, const SOCKADDR* address, int size) {
+    return SliceConnect(s, address, size);
+}
+inline int select(int ignored, SliceSocketSet* read, SliceSocketSet* write, SliceSocketSet* except,
+                  const TIMEVAL* timeout) {
+    return SliceSelect(ignored, read, write, except, timeout);
+}
+inline int recv(SOCKET s, char* bytes, int size, int flags) {
+    return SliceReceive(s, bytes, size, flags);
+}
+inline int send(SOCKET s, const char* bytes, int size, int flags) {
+    return SliceSend(s, bytes, size, flags);
+}
+inline int shutdown(SOCKET s, int how) { return SliceShutdown(s, how); }
+#define gethostbyname(name) SliceHostByName(name)
+#define inet_addr(text) SliceDottedAddress(text)
+#define htons(value) SliceNetworkShort(value)
+
+// ---------------------------------------------------------------- remote access
+
+typedef struct SliceDialUp* HRASCONN;
+#define RAS_MaxEntryName 20
+struct RASENTRYNAMEW {
+    DWORD dwSize;
+    WCHAR szEntryName[RAS_MaxEntryName + 1];
+};
+// The entries are the system's dial-up peers (/etc/ppp/peers). ERROR_BUFFER_TOO_SMALL with the
+// room needed in *size when not all of them fit.
+DWORD RasEnumEntriesW(LPWSTR reserved, LPWSTR phone_book, RASENTRYNAMEW* entries, DWORD* size,
+                      DWORD* count);
+DWORD RasHangUpW(HRASCONN connection);
+
+// ---------------------------------------------------------------- threads, events, time
+
+typedef DWORD(WINAPI* LPTHREAD_START_ROUTINE)(LPVOID);
+#define WAIT_OBJECT_0 0u
+#define WAIT_TIMEOUT 258u
+#define WAIT_FAILED 0xFFFFFFFFu
+#define INFINITE 0xFFFFFFFFu
+// All of these: [any thread].
+HANDLE CreateThread(LPVOID security, DWORD stack, LPTHREAD_START_ROUTINE procedure, LPVOID argument,
+                    DWORD flags, DWORD* id);
+HANDLE CreateEventW(LPVOID security, BOOL manual_reset, BOOL signalled, LPCWSTR name);
+BOOL SetEvent(HANDLE event);
+BOOL ResetEvent(HANDLE event);
+DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+BOOL CloseHandle(HANDLE handle);
+void Sleep(DWORD milliseconds);
+DWORD GetTickCount();
+
+struct SYSTEMTIME {
+    WORD wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds;
+};
+void GetSystemTime(SYSTEMTIME* time);  // UTC
+
+// ---------------------------------------------------------------- files
+
+// Paths are the device's: they begin with a backslash, at the device's root folder.
+FILE* _wfopen(LPCWSTR path, LPCWSTR mode);
+BOOL DeleteFileW(LPCWSTR path);
+
+// ---------------------------------------------------------------- text
+
+#define CP_ACP 0u  // the ANSI code page: 1252
+int MultiByteToWideChar(UINT code_page, DWORD flags, LPCSTR bytes, int size, LPWSTR text,
+                        int capacity);
+int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, LPSTR bytes,
+                        int capacity, LPCSTR fallback, BOOL* used_fallback);
+// %d %i %u %x %X %c %s (wide) %S (narrow) %%, with -, 0, width and precision; at most 1023
+// characters and the terminator are written. Returns the characters without the terminator.
+int wsprintfW(LPWSTR text, LPCWSTR format, ...);
+int lstrlenW(LPCWSTR text);
+LPWSTR lstrcpyW(LPWSTR to, LPCWSTR from);
+LPWSTR lstrcpynW(LPWSTR to, LPCWSTR from, int capacity);  // terminator included
+int lstrcmpW(LPCWSTR a, LPCWSTR b);
+int lstrcmpiW(LPCWSTR a, LPCWSTR b);
+
+#endif
+#endif
