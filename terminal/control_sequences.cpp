@@ -1,0 +1,277 @@
+// Control sequences: parameters are collected as text and read as numbers when a final asks for
+// them.
+#include "terminal/control_sequences.h"
+
+#include <array>
+#include <bit>
+#include <cstring>
+
+#include "terminal/cursor.h"
+#include "terminal/erase.h"
+#include "terminal/escape_sequences.h"
+#include "terminal/modes.h"
+#include "terminal/rendition.h"
+#include "terminal/reports.h"
+#include "terminal/split_regions.h"
+
+void BeginControlSequence() {
+    ParserState& parser = session.parser;
+    parser.parser_state = kStateControlSequence;
+    parser.param_len = 0;
+    parser.params[0] = 0;
+    parser.params[1] = 0;
+}
+
+// Pieces between semicolons; what is not a digit is skipped, and a number too large wraps.
+static void ParseParameters() {
+    ParserState& parser = session.parser;
+    DWORD value = 0;
+    int count = 0;
+    for (int i = 0; i < parser.param_len; ++i) {
+        const char c = parser.param_text[i];
+        if (c == ';') {
+            parser.params[count++] = static_cast<int>(value);
+            value = 0;
+        } else if (c >= '0' && c <= '9') {
+            value = value * 10 + static_cast<DWORD>(c - '0');
+        }
+    }
+    parser.params[count++] = static_cast<int>(value);
+    parser.param_count = count;
+}
+
+// ---------------------------------------------------------------- finals with a choice in them
+
+static void ConformanceResetOrSplit() {
+    ParserState& parser = session.parser;
+    if (parser.quote_flag) {
+        SetConformanceLevel();
+    } else if (parser.bang_flag) {
+        parser.bang_flag = 0;
+        TerminalReset(0);
+    } else {
+        DefineSplit();
+    }
+}
+
+static void ConfidenceTest() {
+    const ParserState& parser = session.parser;
+    if (parser.params[0] != 2) return;
+    if (parser.params[1] == 1) {
+        TerminalReset(0);
+        return;
+    }
+    BlankScreen(0);
+    MoveCursor(1, 1);
+}
+
+static void Ignore() {}
+
+// ---------------------------------------------------------------- the finals
+
+typedef void (*FinalHandler)();
+
+struct FinalRow {
+    BYTE byte;
+    FinalHandler act;
+    bool parses;   // reads its parameters first
+    bool replies;  // may place a reply
+};
+
+// clang-format off
+static constexpr FinalRow kFinalRows[] = {
+    // final, action,                  parses, replies
+    {'@',     InsertCharacters,        true,   false},
+    {'A',     CursorUp,                true,   false},
+    {'B',     CursorDown,              true,   false},
+    {'C',     CursorRight,             true,   false},
+    {'D',     CursorLeft,              true,   false},
+    {'H',     CursorPositionTo,        true,   false},
+    {'J',     EraseInDisplay,          true,   false},
+    {'K',     EraseInLine,             true,   false},
+    {'L',     InsertOneLine,           false,  false},
+    {'M',     DeleteSomeLines,         true,   false},
+    {'P',     DeleteCharacters,        true,   false},
+    {'X',     EraseCharacters,         true,   false},
+    {'c',     ReplyDeviceAttributes,   false,  true },
+    {'f',     CursorPositionTo,        true,   false},
+    {'g',     ClearTabStops,           true,   false},
+    {'h',     SetModes,                true,   false},
+    {'i',     Ignore,                  true,   false},
+    {'l',     ResetModes,              true,   false},
+    {'m',     SelectRendition,         true,   false},
+    {'n',     ReplyDeviceStatus,       true,   true },
+    {'p',     ConformanceResetOrSplit, true,   false},
+    {'q',     SelectProtection,        true,   false},
+    {'r',     SetScrollingRegion,      true,   false},
+    {'s',     SwitchRegion,            true,   false},
+    {'x',     ReplyTerminalParameters, true,   true },
+    {'y',     ConfidenceTest,          true,   false},
+};
+// clang-format on
+
+static constexpr std::array<FinalRow, 256> kFinals = [] {
+    std::array<FinalRow, 256> table{};
+    for (const FinalRow& row : kFinalRows) table[row.byte] = row;
+    return table;
+}();
+
+// ---------------------------------------------------------------- what may come before the final
+
+// Zeros in front are kept as one, so that they never fill the buffer.
+static void CollectParameter(BYTE b) {
+    ParserState& parser = session.parser;
+    parser.bang_flag = 0;
+    parser.quote_flag = 0;
+    const bool more_zeros = b == '0' && parser.param_len == 1 && parser.param_text[0] == '0';
+    if (more_zeros) return;
+    parser.param_text[parser.param_len++] = static_cast<char>(b);
+    if (parser.param_len < kParamTextSize) return;
+    parser.param_len = 0;
+    parser.parser_state = kStateGround;
+}
+
+static void NotePrivate(BYTE) { session.parser.private_flag = 1; }
+static void NoteSecondary(BYTE) { session.parser.secondary_flag = 1; }
+static void NoteBang(BYTE) { session.parser.bang_flag = 1; }
+static void NoteQuote(BYTE) { session.parser.quote_flag = 1; }
+
+static void AnswerEquals(BYTE) {
+    session.parser.parser_state = kStateGround;
+    ReplyNotImplemented();
+}
+
+static void RemoveParameter(BYTE) {
+    if (session.parser.param_len > 0) {
+        --session.parser.param_len;
+    } else {
+        session.parser.parser_state = kStateGround;
+    }
+}
+
+static void EscapeAgain(BYTE) {
+    session.parser.param_len = 0;
+    BeginEscape();
+}
+
+typedef void (*InnerHandler)(BYTE b);
+
+struct InnerRow {
+    BYTE first;
+    BYTE last;
+    InnerHandler act;
+};
+
+// clang-format off
+static constexpr InnerRow kInnerRows[] = {
+    {'0',  '9',  CollectParameter},
+    {';',  ';',  CollectParameter},
+    {'\'', '\'', CollectParameter},
+    {'?',  '?',  NotePrivate     },
+    {'>',  '>',  NoteSecondary   },
+    {'!',  '!',  NoteBang        },
+    {'"',  '"',  NoteQuote       },
+    {'=',  '=',  AnswerEquals    },
+    {8,    8,    RemoveParameter },
+    {27,   27,   EscapeAgain     },
+};
+// clang-format on
+
+static constexpr std::array<InnerHandler, 256> kInner = [] {
+    std::array<InnerHandler, 256> table{};
+    for (const InnerRow& row : kInnerRows) {
+        for (size_t b = row.first; b <= row.last; ++b) table[b] = row.act;
+    }
+    return table;
+}();
+
+static constexpr std::array<BYTE, 256> kParameterBytes = [] {
+    std::array<BYTE, 256> table{};
+    for (size_t b = 0; b < table.size(); ++b) table[b] = kInner[b] == CollectParameter;
+    return table;
+}();
+
+void ControlSequenceByte(BYTE b) {
+    if (const InnerHandler act = kInner[b]) {
+        act(b);
+        return;
+    }
+    session.parser.parser_state = kStateGround;
+    const FinalRow& final = kFinals[b];
+    if (!final.act) return;
+    if (final.parses) ParseParameters();
+    final.act();
+}
+
+int CollectParameters(const BYTE* bytes, int count) {
+    ParserState& parser = session.parser;
+    int len = parser.param_len;
+    int taken = 0;
+    for (; taken < count && len < kParamTextSize - 1; ++taken) {
+        const BYTE b = bytes[taken];
+        if (!kParameterBytes[b]) break;
+        const bool more_zeros = b == '0' && len == 1 && parser.param_text[0] == '0';
+        if (!more_zeros) parser.param_text[len++] = static_cast<char>(b);
+    }
+    parser.param_len = len;
+    if (taken > 0) parser.bang_flag = parser.quote_flag = 0;
+    return taken;
+}
+
+// ---------------------------------------------------------------- whole sequences
+//
+// A host that moves the cursor about sends little else than short sequences with one or two
+// numbers. Read digit by digit, each of them costs several mispredicted branches, so the eight
+// bytes after ESC [ are looked at together, as the bytes of one 64-bit word (the first the lowest).
+
+static const uint64_t kEveryByte = 0x0101010101010101;
+static const int kLongestNumber = 2;  // digits
+
+static uint64_t LoadEight(const void* bytes) {
+    static_assert(std::endian::native == std::endian::little, "the first byte must be the lowest");
+    uint64_t word;
+    memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+// The number in the lowest `count` bytes, each 0..9. A count below 1 yields 0; at most 2.
+static int NumberOf(uint64_t digits, int count) {
+    const uint64_t two = digits << (8 * (kLongestNumber - count));
+    return static_cast<int>((two & 0x0F) * 10 + (two >> 8 & 0x0F));
+}
+
+int RunCommonSequence(const BYTE* bytes, int count) {
+    if (count < 10) return 0;
+    const uint64_t word = LoadEight(bytes + 2);
+    const uint64_t ends = (word & 0xF0 * kEveryByte) ^ 0x30 * kEveryByte;  // not 0 to ?
+    if (ends == 0) return 0;
+    const int length = std::countr_zero(ends) / 8;  // of the parameters
+    const uint64_t inside = (1ULL << (8 * length)) - 1;
+    const uint64_t digits = word & 0x0F * kEveryByte;
+    const uint64_t marks = (digits + 0x06 * kEveryByte) & inside & (0x10 * kEveryByte);  // : to ?
+    const int first = marks ? std::countr_zero(marks) / 8 : length;
+    const int second = length - first - 1;  // digits after the semicolon, -1 without one
+    if (first > kLongestNumber || second > kLongestNumber) return 0;
+    if (marks && ((marks & (marks - 1)) || bytes[2 + first] != ';')) return 0;
+    const bool leading_zeros = (word & inside & 0xFFFF) == 0x3030;
+    const BYTE final_byte = static_cast<BYTE>(word >> (8 * length));
+    const FinalRow& final = kFinals[final_byte];
+    if (!final.parses || final.replies || leading_zeros) return 0;
+
+    ParserState& parser = session.parser;
+    const uint64_t text = (LoadEight(parser.param_text) & ~inside) | (word & inside);
+    memcpy(parser.param_text, &text, sizeof text);
+    parser.param_len = length;
+    parser.private_flag = 0;
+    parser.secondary_flag = 0;
+    if (length > 0) parser.bang_flag = parser.quote_flag = 0;
+    parser.params[0] = NumberOf(digits, first);
+    parser.params[1] = NumberOf(digits >> (8 * first) >> 8, second);
+    parser.param_count = marks ? 2 : 1;
+    if (final_byte >= 'A' && final_byte <= 'D') {
+        StepCursor(final_byte - 'A');
+    } else {
+        final.act();
+    }
+    return 2 + length + 1;
+}

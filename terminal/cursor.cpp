@@ -1,0 +1,159 @@
+// Cursor movement, tab stops, the saved cursor and the scrolling region.
+#include "terminal/cursor.h"
+
+#include <algorithm>
+
+static int FirstParam() { return session.parser.params[0]; }
+static int SecondParam() { return session.parser.params[1]; }
+
+// ---------------------------------------------------------------- control characters
+
+void LineFeed() {
+    ScreenBuffer& screen = session.screen;
+    if (screen.cursor_row == screen.bottom_margin) {
+        DeleteLines(1, screen.top_margin, screen.bottom_margin);
+    } else {
+        screen.cursor_row = HoldRow(screen.cursor_row + 1);
+    }
+    ClampColumn();
+}
+
+void NextLine() {
+    LineFeed();
+    session.screen.cursor_col = 1;
+}
+
+void ReverseIndex() {
+    ScreenBuffer& screen = session.screen;
+    if (screen.cursor_row == screen.top_margin) {
+        InsertLines(1, screen.top_margin, screen.bottom_margin);
+    } else {
+        screen.cursor_row = HoldRow(screen.cursor_row - 1);
+    }
+    ClampColumn();
+}
+
+void Backspace() {
+    if (session.screen.cursor_col > 1) --session.screen.cursor_col;
+}
+
+void CarriageReturn() { session.screen.cursor_col = 1; }
+
+void Tab() {
+    ScreenBuffer& screen = session.screen;
+    int col = screen.cursor_col;
+    if (col < screen.columns) ++col;
+    while (col < screen.columns && screen.tab_stops[col] != 0) ++col;
+    screen.cursor_col = screen.tab_stops[col] == 0 ? col : screen.columns - 1;
+    ClampColumn();
+}
+
+void SetTabStop() { session.screen.tab_stops[session.screen.cursor_col] = 0; }
+
+void ClearTabStops() {
+    ScreenBuffer& screen = session.screen;
+    if (FirstParam() == 0) screen.tab_stops[screen.cursor_col] = 1;
+    if (FirstParam() == 3) std::fill_n(screen.tab_stops, kTabColumns, BYTE{1});
+}
+
+// ---------------------------------------------------------------- control sequences
+
+struct StepRow {
+    int up, down, right, left;
+};
+
+// clang-format off
+static const StepRow kSteps[] = {
+    {1, 0, 0, 0},  // CSI A
+    {0, 1, 0, 0},  // CSI B
+    {0, 0, 1, 0},  // CSI C
+    {0, 0, 0, 1},  // CSI D
+};
+// clang-format on
+
+// Up and down stop at the region's edge, or from outside of it at the screen's. One procedure for
+// all four, and products in place of branches, since hosts send them in no order that a processor
+// could foresee.
+void StepCursor(int direction) {
+    if (session.parser.param_count != 1) return;
+    const ScreenBuffer& screen = session.screen;
+    const StepRow& step = kSteps[direction];
+    const int distance = AtMost(AtLeast(FirstParam(), 1), kScreenColumns);
+    const int row = screen.cursor_row;
+    const int highest = row < screen.top_margin ? 1 : screen.top_margin;
+    const int lowest = row > screen.bottom_margin ? screen.rows : screen.bottom_margin;
+    const int above = 1 + step.up * (highest - 1);
+    const int below = kRingLines - step.down * (kRingLines - lowest);
+    const int moved = row + (step.down - step.up) * distance;
+    PlaceCursor(AtMost(AtLeast(moved, above), below),
+                screen.cursor_col + (step.right - step.left) * distance);
+}
+
+void CursorUp() { StepCursor(0); }
+void CursorDown() { StepCursor(1); }
+void CursorRight() { StepCursor(2); }
+void CursorLeft() { StepCursor(3); }
+
+// With origin mode on, row 0 is the row above the region.
+void CursorPositionTo() {
+    const ScreenBuffer& screen = session.screen;
+    int row = AtMost(FirstParam(), screen.rows);
+    if (session.modes.origin_mode) row = AtMost(row + screen.top_margin - 1, screen.rows);
+    session.parser.pending_wrap = 0;
+    PlaceCursor(AtLeast(row, 1), SecondParam());
+}
+
+// A single parameter is disregarded: the region becomes the whole screen.
+void SetScrollingRegion() {
+    ScreenBuffer& screen = session.screen;
+    int top = 1, bottom = screen.rows;
+    if (session.parser.param_count >= 2) {
+        top = FirstParam() == 0 ? 1 : FirstParam();
+        bottom = SecondParam() == 0 ? 1 : SecondParam();
+    }
+    if (top < 1 || bottom > screen.rows || bottom <= top) return;
+    screen.top_margin = top;
+    screen.bottom_margin = bottom;
+    MoveCursor(top, 1);
+}
+
+// ---------------------------------------------------------------- VT52
+
+void Vt52Up() { MoveCursor(session.screen.cursor_row - 1, session.screen.cursor_col); }
+
+void Vt52Down() {
+    const ScreenBuffer& screen = session.screen;
+    MoveCursor(AtMost(screen.cursor_row + 1, screen.rows), screen.cursor_col);
+}
+
+void Vt52Right() {
+    ++session.screen.cursor_col;
+    ClampColumn();
+}
+
+void Vt52Left() { Backspace(); }
+
+void Vt52Home() { MoveCursor(1, 1); }
+
+// ---------------------------------------------------------------- the saved cursor
+
+void SaveCursor() {
+    SavedCursor& saved = session.parser.saved;
+    saved.attr = session.screen.current_attr;
+    saved.pending_wrap = static_cast<int>(session.parser.pending_wrap);
+    saved.col = session.screen.cursor_col;
+    saved.row = session.screen.cursor_row;
+    saved.g0_set = session.modes.g0_set;
+    saved.g1_set = session.modes.g1_set;
+    saved.graphic_active = session.modes.graphic_active;
+}
+
+void RestoreCursor() {
+    const SavedCursor& saved = session.parser.saved;
+    session.screen.current_attr = saved.attr;
+    session.parser.pending_wrap = static_cast<DWORD>(saved.pending_wrap);
+    session.modes.g0_set = saved.g0_set;
+    session.modes.g1_set = saved.g1_set;
+    session.modes.graphic_active = saved.graphic_active;
+    MoveCursor(saved.row, saved.col);
+}

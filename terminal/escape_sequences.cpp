@@ -1,0 +1,188 @@
+// Sequences of ESC and one or two more bytes. Each procedure that takes a byte sets the state back
+// to ground first, so a byte that it does not know ends the sequence and is dropped.
+#include "terminal/escape_sequences.h"
+
+#include <algorithm>
+#include <array>
+
+#include "terminal/control_sequences.h"
+#include "terminal/cursor.h"
+#include "terminal/erase.h"
+#include "terminal/modes.h"
+#include "terminal/reports.h"
+#include "terminal/screen_buffer.h"
+
+static const int kLineDrawingSet = 128;
+
+typedef void (*EscapeHandler)();
+
+struct EscapeRow {
+    BYTE byte;
+    EscapeHandler ansi;
+    EscapeHandler vt52;
+};
+
+void BeginEscape() {
+    session.parser.parser_state = kStateEscape;
+    session.parser.secondary_flag = 0;
+    session.parser.private_flag = 0;
+}
+
+static void AwaitSpaceSequence() {
+    session.parser.space_flag = 1;
+    session.parser.parser_state = kStateEscape;
+}
+
+static void AwaitLineSize() { session.parser.parser_state = kStateLineSize; }
+static void AwaitG0() { session.parser.parser_state = kStateDesignateG0; }
+static void AwaitG1() { session.parser.parser_state = kStateDesignateG1; }
+
+static void BeginDeviceControl() {
+    session.parser.parser_state = kStateDeviceControl;
+    session.parser.string_last = 0;
+}
+
+static void BeginVt52Address() {
+    session.parser.parser_state = kStateVt52Address;
+    session.parser.vt52_address_count = 0;
+}
+
+static void KeypadApplicationOn() { session.modes.keypad_application = 1; }
+static void KeypadApplicationOff() { session.modes.keypad_application = 0; }
+
+static void ChooseReplies(int eight_bit) {
+    if (!session.parser.space_flag) return;
+    session.parser.space_flag = 0;
+    SelectReplies(eight_bit);
+}
+
+static void SevenBitReplies() { ChooseReplies(0); }
+static void EightBitReplies() { ChooseReplies(1); }
+static void FullReset() { TerminalReset(0); }
+
+static constexpr EscapeHandler kNothing = nullptr;
+
+// clang-format off
+static constexpr EscapeRow kEscapeRows[] = {
+    // byte, ANSI mode,               VT52 mode
+    {kEsc,   BeginEscape,             BeginEscape           },
+    {' ',    AwaitSpaceSequence,      AwaitSpaceSequence    },
+    {'#',    AwaitLineSize,           AwaitLineSize         },
+    {'(',    AwaitG0,                 AwaitG0               },
+    {')',    AwaitG1,                 AwaitG1               },
+    {'7',    SaveCursor,              SaveCursor            },
+    {'8',    RestoreCursor,           RestoreCursor         },
+    {'<',    LeaveVt52,               LeaveVt52             },
+    {'=',    KeypadApplicationOn,     KeypadApplicationOn   },
+    {'>',    KeypadApplicationOff,    KeypadApplicationOff  },
+    {'A',    kNothing,                Vt52Up                },
+    {'B',    kNothing,                Vt52Down              },
+    {'C',    kNothing,                Vt52Right             },
+    {'D',    LineFeed,                Vt52Left              },
+    {'E',    NextLine,                NextLine              },
+    {'F',    SevenBitReplies,         kNothing              },
+    {'G',    EightBitReplies,         kNothing              },
+    {'H',    SetTabStop,              Vt52Home              },
+    {'I',    kNothing,                ReverseIndex          },
+    {'J',    kNothing,                Vt52EraseToEndOfScreen},
+    {'K',    kNothing,                Vt52EraseToEndOfLine  },
+    {'M',    ReverseIndex,            ReverseIndex          },
+    {'P',    BeginDeviceControl,      BeginDeviceControl    },
+    {'Y',    kNothing,                BeginVt52Address      },
+    {'Z',    ReplyPrimaryAttributes,  ReplyVt52Identity     },
+    {'[',    BeginControlSequence,    BeginControlSequence  },
+    {'c',    FullReset,               FullReset             },
+};
+
+struct LineSizeRow {
+    BYTE byte;
+    void (*act)(int row);
+};
+
+static void FillWithAlignment(int) {
+    for (int row = 1; row <= session.screen.rows; ++row) FillLine(row, 'E', 0);
+}
+
+static const LineSizeRow kLineSizeRows[] = {
+    {'3', SetDoubleTop     },
+    {'4', SetDoubleBottom  },
+    {'5', SetSingleWidth   },
+    {'6', SetDoubleWidth   },
+    {'8', FillWithAlignment},
+};
+// clang-format on
+
+static constexpr std::array<EscapeRow, 256> kEscapes = [] {
+    std::array<EscapeRow, 256> table{};
+    for (const EscapeRow& row : kEscapeRows) table[row.byte] = row;
+    return table;
+}();
+
+void EscapeByte(BYTE b) {
+    session.parser.parser_state = kStateGround;
+    const EscapeRow& row = kEscapes[b];
+    const EscapeHandler act = session.modes.vt52_mode ? row.vt52 : row.ansi;
+    if (act) act();
+}
+
+void LineSizeByte(BYTE b) {
+    session.parser.parser_state = kStateGround;
+    if (b == kEsc) BeginEscape();
+    const int cursor_row = session.screen.cursor_row;
+    for (const LineSizeRow& row : kLineSizeRows) {
+        if (row.byte == b) row.act(cursor_row);
+    }
+    MarkRow(cursor_row);
+    ClampColumn();
+}
+
+// ---------------------------------------------------------------- character sets
+
+static void Designate(BYTE b, int* set, bool invoked) {
+    session.parser.parser_state = kStateGround;
+    if (b == kEsc) BeginEscape();
+    if (b != '0' && b != 'A' && b != 'B') return;
+    *set = b == '0' ? kLineDrawingSet : 0;
+    if (invoked) session.modes.graphic_active = *set;
+}
+
+void DesignateG0Byte(BYTE b) { Designate(b, &session.modes.g0_set, session.modes.g0_invoked != 0); }
+void DesignateG1Byte(BYTE b) { Designate(b, &session.modes.g1_set, session.modes.g0_invoked == 0); }
+
+void ShiftOut() {
+    session.modes.graphic_active = session.modes.g1_set;
+    session.modes.g0_invoked = 0;
+}
+
+void ShiftIn() {
+    session.modes.graphic_active = session.modes.g0_set;
+    session.modes.g0_invoked = 1;
+}
+
+// ---------------------------------------------------------------- VT52 address, device control
+
+void Vt52AddressByte(BYTE b) {
+    ParserState& parser = session.parser;
+    parser.parser_state = kStateGround;
+    if (b == kEsc) {
+        parser.vt52_address_count = 0;
+        BeginEscape();
+        return;
+    }
+    if (parser.vt52_address_count == 0) {
+        parser.vt52_address[0] = b;
+        parser.vt52_address_count = 1;
+        parser.parser_state = kStateVt52Address;
+        return;
+    }
+    parser.vt52_address[1] = b;
+    parser.vt52_address_count = 2;
+    MoveCursor(std::min(parser.vt52_address[0] - 31, session.screen.rows),
+               parser.vt52_address[1] - 31);
+}
+
+void DeviceControlByte(BYTE b) {
+    ParserState& parser = session.parser;
+    if (parser.string_last == kEsc && b == '\\') parser.parser_state = kStateGround;
+    parser.string_last = b;
+}

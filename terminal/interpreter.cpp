@@ -1,0 +1,154 @@
+// The states, the ground state's control characters, and the quick way through a whole chunk.
+#include "terminal/interpreter.h"
+
+#include <array>
+
+#include "terminal/control_sequences.h"
+#include "terminal/cursor.h"
+#include "terminal/escape_sequences.h"
+#include "terminal/printable_bytes.h"
+#include "terminal/reports.h"
+#include "terminal/text_output.h"
+
+// ---------------------------------------------------------------- ground state
+
+static void Bell() {
+    if (session.settings.bell) MessageBeep(MB_ICONASTERISK);
+}
+
+// An 8-bit introducer stands for ESC and the byte 64 below it.
+static void Introduce(BYTE second) {
+    BeginEscape();
+    EscapeByte(second);
+}
+
+static void IntroduceInd() { Introduce('D'); }
+static void IntroduceRi() { Introduce('M'); }
+static void IntroduceSs3() { Introduce('O'); }
+static void IntroduceDcs() { Introduce('P'); }
+static void IntroduceCsi() { Introduce('['); }
+
+typedef void (*ControlHandler)();
+
+struct ControlRow {
+    BYTE byte;
+    ControlHandler act;
+};
+
+// clang-format off
+static constexpr ControlRow kControlRows[] = {
+    {5,              ReplyAnswerback},
+    {7,              Bell           },
+    {8,              Backspace      },
+    {9,              Tab            },
+    {10,             LineFeed       },
+    {13,             CarriageReturn },
+    {14,             ShiftOut       },
+    {15,             ShiftIn        },
+    {kEsc,           BeginEscape    },
+    {kIntroducerInd, IntroduceInd   },
+    {kIntroducerRi,  IntroduceRi    },
+    {kIntroducerSs3, IntroduceSs3   },
+    {kIntroducerDcs, IntroduceDcs   },
+    {kIntroducerCsi, IntroduceCsi   },
+};
+// clang-format on
+
+static constexpr std::array<ControlHandler, 256> kControls = [] {
+    std::array<ControlHandler, 256> table{};
+    for (const ControlRow& row : kControlRows) table[row.byte] = row.act;
+    return table;
+}();
+
+static void GroundByte(BYTE b) {
+    if (kPrintableBytes[b]) {
+        WritePrintable(b);
+    } else if (const ControlHandler act = kControls[b]) {
+        act();
+    }
+}
+
+// ---------------------------------------------------------------- states
+
+typedef void (*StateHandler)(BYTE b);
+
+static const int kStates = 8;
+
+// clang-format off
+static constexpr StateHandler kStateHandlers[kStates] = {
+    GroundByte,           // 0
+    EscapeByte,           // 1
+    ControlSequenceByte,  // 2
+    LineSizeByte,         // 3
+    DesignateG0Byte,      // 4
+    DesignateG1Byte,      // 5
+    Vt52AddressByte,      // 6
+    DeviceControlByte,    // 7
+};
+// clang-format on
+
+static void RunByte(BYTE b) { kStateHandlers[session.parser.parser_state](b); }
+
+int TerminalFeedByte(BYTE b) {
+    RunByte(b);
+    return static_cast<int>(session.parser.reply_pending);
+}
+
+const char* TerminalTakeReply() {
+    if (!session.parser.reply_pending) return nullptr;
+    session.parser.reply_pending = 0;
+    return session.parser.reply_text;
+}
+
+// ---------------------------------------------------------------- whole chunks
+
+// One bit a state: the byte may place a reply there.
+static constexpr std::array<BYTE, 256> kMayReply = [] {
+    std::array<BYTE, 256> table{};
+    table[5] = 1 << kStateGround;
+    table['Z'] = 1 << kStateEscape;
+    for (char c : {'=', 'c', 'n', 'x'}) {
+        table[static_cast<BYTE>(c)] = 1 << kStateControlSequence;
+    }
+    return table;
+}();
+
+static bool MayReply(BYTE b) { return kMayReply[b] >> session.parser.parser_state & 1; }
+
+// In the ground state: a run of text, a whole control sequence, or one byte.
+static int RunGround(const BYTE* bytes, int count) {
+    if (kPrintableBytes[bytes[0]]) {
+        if (const int cells = WriteCells(bytes, count)) return cells;
+        WritePrintable(bytes[0]);
+        return 1;
+    }
+    if (bytes[0] == kEsc && count > 1 && bytes[1] == '[') {
+        if (const int whole = RunCommonSequence(bytes, count)) return whole;
+    }
+    if (MayReply(bytes[0])) return 0;
+    GroundByte(bytes[0]);
+    return 1;
+}
+
+// In any other state: a run of parameters, or one byte.
+static int RunSequence(const BYTE* bytes, int count) {
+    if (session.parser.parser_state == kStateControlSequence) {
+        if (const int run = CollectParameters(bytes, count)) return run;
+    }
+    if (MayReply(bytes[0])) return 0;
+    RunByte(bytes[0]);
+    return 1;
+}
+
+int TerminalFeedText(const BYTE* bytes, int count) {
+    int done = 0;
+    while (done < count) {
+        const BYTE* front = bytes + done;
+        const int left = count - done;
+        const bool ground = session.parser.parser_state == kStateGround;
+        const int run = ground ? RunGround(front, left) : RunSequence(front, left);
+        if (run == 0) break;
+        done += run;
+    }
+    return done;
+}

@@ -1,0 +1,198 @@
+// The two resets, the mode tables, the choice of replies, and the readers.
+#include "terminal/modes.h"
+
+#include <algorithm>
+
+#include "terminal/cursor.h"
+#include "terminal/erase.h"
+#include "terminal/screen_buffer.h"
+#include "terminal/split_regions.h"
+
+// ---------------------------------------------------------------- resets
+
+void SetDefaultTabStops() {
+    std::fill_n(session.screen.tab_stops, kTabColumns, BYTE{1});
+    for (int col = 9; col < kTabColumns; col += 8) session.screen.tab_stops[col] = 0;
+}
+
+// What both resets set alike.
+static void ResetCommon() {
+    TerminalModes& modes = session.modes;
+    modes.insert_mode = 0;
+    modes.autowrap = 1;
+    modes.origin_mode = 0;
+    modes.keypad_application = 0;
+    modes.autorepeat = 1;
+    modes.cursor_visible = 1;
+    modes.vt52_mode = 0;
+    modes.vt100_level = 0;
+    modes.c1_replies = 0;
+    modes.g0_set = 0;
+    modes.g0_invoked = 1;
+    modes.graphic_active = 0;
+
+    session.parser.parser_state = 0;
+    session.parser.bang_flag = 0;
+    session.parser.quote_flag = 0;
+
+    session.screen.top_margin = 1;
+    session.screen.bottom_margin = session.screen.rows;
+    ResetSplit();
+    SetDefaultTabStops();
+    MoveCursor(1, 1);
+}
+
+void TerminalStart() {
+    ResetCommon();
+    session.modes.newline_mode = 0;
+    session.modes.g1_set = 0;
+    session.parser.param_len = 0;
+    session.parser.reply_pending = 0;
+    SavedCursor& saved = session.parser.saved;
+    saved.attr = 0;
+    saved.pending_wrap = 0;
+    saved.g0_set = 0;
+    saved.g1_set = 0;
+    saved.graphic_active = 0;
+}
+
+void TerminalReset(int keep_screen) {
+    if (!keep_screen) {
+        BlankScreen(1);
+        ResetAttr();
+    }
+    ResetCommon();
+    session.modes.g1_set = 1;
+    session.split.lower.row = 1;
+}
+
+// ---------------------------------------------------------------- set and reset mode
+
+typedef void (*ModeProcedure)();
+
+struct ModeRow {
+    int mode;
+    ModeProcedure set;
+    ModeProcedure reset;
+};
+
+static void InsertOn() { session.modes.insert_mode = 1; }
+static void InsertOff() { session.modes.insert_mode = 0; }
+static void EchoOff() { session.modes.localecho = 0; }
+static void EchoOn() { session.modes.localecho = 1; }
+static void NewlineOn() { session.modes.newline_mode = 1; }
+static void NewlineOff() { session.modes.newline_mode = 0; }
+
+static void KeypadOn() { session.modes.keypad_application = 1; }
+static void KeypadOff() { session.modes.keypad_application = 0; }
+static void IgnoreMode() {}
+static void EnterVt52() { session.modes.vt52_mode = 1; }
+static void WrapOn() { session.modes.autowrap = 1; }
+static void WrapOff() { session.modes.autowrap = 0; }
+static void RepeatOn() { session.modes.autorepeat = 1; }
+static void RepeatOff() { session.modes.autorepeat = 0; }
+static void CursorOn() { session.modes.cursor_visible = 1; }
+static void CursorOff() { session.modes.cursor_visible = 0; }
+
+// Asked for 80 or 132 columns, the screen is blanked and stays as wide as it is.
+static void ChangeWidth() {
+    BlankScreen(0);
+    session.parser.pending_wrap = 0;
+    MoveCursor(1, 1);
+}
+
+static void ReverseOn() {
+    session.modes.screen_reverse = 1;
+    MarkAllRows();
+}
+
+static void ReverseOff() {
+    session.modes.screen_reverse = 0;
+    MarkAllRows();
+}
+
+static void OriginOn() {
+    session.modes.origin_mode = 1;
+    MoveCursor(session.screen.top_margin, session.screen.cursor_col);
+}
+
+static void OriginOff() {
+    session.modes.origin_mode = 0;
+    MoveCursor(1, 1);
+}
+
+// clang-format off
+static const ModeRow kAnsiModes[] = {
+    { 4, InsertOn,    InsertOff  },
+    {12, EchoOff,     EchoOn     },
+    {20, NewlineOn,   NewlineOff },
+};
+
+static const ModeRow kPrivateModes[] = {
+    { 1, KeypadOn,    KeypadOff  },
+    { 2, IgnoreMode,  EnterVt52  },  // ESC < leaves it
+    { 3, ChangeWidth, ChangeWidth},
+    { 5, ReverseOn,   ReverseOff },
+    { 6, OriginOn,    OriginOff  },
+    { 7, WrapOn,      WrapOff    },
+    { 8, RepeatOn,    RepeatOff  },
+    {25, CursorOn,    CursorOff  },
+};
+// clang-format on
+
+template <size_t kRows>
+static void ChangeMode(const ModeRow (&rows)[kRows], int mode, bool set) {
+    for (const ModeRow& row : rows) {
+        if (row.mode == mode) (set ? row.set : row.reset)();
+    }
+}
+
+static void ChangeModes(bool set) {
+    const ParserState& parser = session.parser;
+    for (int i = 0; i < parser.param_count; ++i) {
+        if (parser.private_flag) {
+            ChangeMode(kPrivateModes, parser.params[i], set);
+        } else {
+            ChangeMode(kAnsiModes, parser.params[i], set);
+        }
+    }
+    ClampColumn();
+}
+
+void SetModes() { ChangeModes(true); }
+void ResetModes() { ChangeModes(false); }
+
+// ---------------------------------------------------------------- the choice of replies
+
+void SetConformanceLevel() {
+    ParserState& parser = session.parser;
+    parser.quote_flag = 0;
+    if (parser.params[0] == 61) {
+        session.modes.vt100_level = 1;
+        return;
+    }
+    session.modes.vt100_level = 0;
+    session.modes.c1_replies = parser.params[1] == 1 ? 0 : 1;
+}
+
+void SelectReplies(int eight_bit) {
+    if (eight_bit && session.modes.vt100_level) return;
+    session.modes.c1_replies = eight_bit ? 1 : 0;
+}
+
+void LeaveVt52() {
+    session.modes.vt52_mode = 0;
+    session.modes.vt100_level = 1;
+    session.modes.c1_replies = 0;
+}
+
+// ---------------------------------------------------------------- readers
+
+int CursorPosition() { return session.screen.cursor_col + 256 * session.screen.cursor_row; }
+DWORD NewlineMode() { return session.modes.newline_mode; }
+void SetNewlineMode(DWORD on) { session.modes.newline_mode = on; }
+DWORD Autowrap() { return session.modes.autowrap; }
+void SetAutowrap(DWORD on) { session.modes.autowrap = on; }
+DWORD CursorVisible() { return session.modes.cursor_visible; }
+DWORD KeypadApplication() { return session.modes.keypad_application; }
+DWORD ScreenReverse() { return session.modes.screen_reverse; }

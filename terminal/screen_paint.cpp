@@ -1,0 +1,66 @@
+// What painting reads: the selection's rectangle, rows with their selection marked, and which rows
+// blink.
+#include <algorithm>
+#include <cstring>
+
+#include "terminal/screen_buffer.h"
+
+void SetSelection(int start_col, int start_row, int end_col, int end_row) {
+    ScreenBuffer& screen = session.screen;
+    screen.selection_active = start_col < 1 ? 0 : 1;
+    if (!screen.selection_active) return;
+    screen.selection_start_col = start_col;
+    screen.selection_start_row = start_row;
+    screen.selection_end_col = end_col;
+    screen.selection_end_row = end_row;
+}
+
+// The columns run from the upper point's to the lower point's; points on one row are put in order.
+static void MarkSelectedCells(int row) {
+    ScreenBuffer& screen = session.screen;
+    int first_col = screen.selection_start_col, first_row = screen.selection_start_row;
+    int last_col = screen.selection_end_col, last_row = screen.selection_end_row;
+    if (first_row > last_row) {
+        std::swap(first_row, last_row);
+        std::swap(first_col, last_col);
+    } else if (first_row == last_row && first_col > last_col) {
+        std::swap(first_col, last_col);
+    }
+    if (row < first_row || row > last_row) return;
+    first_col = std::max(first_col, 1);
+    last_col = std::min(last_col, screen.columns);
+    for (int col = first_col; col <= last_col; ++col) screen.paint_row[col] |= kCellReverse;
+}
+
+const DWORD* GetPaintRow(int row) {
+    ScreenBuffer& screen = session.screen;
+    if (!RowExists(row)) {
+        std::fill_n(screen.paint_row, kSlotWords, kBlank);
+        screen.paint_row[0] = 0;
+        return screen.paint_row;
+    }
+    if (!screen.selection_active) return RowWords(row);
+    memcpy(screen.paint_row, RowWords(row), sizeof screen.paint_row);
+    MarkSelectedCells(row);
+    return screen.paint_row;
+}
+
+static bool RowBlinks(int row) {
+    const DWORD* words = RowWords(row);
+    DWORD seen = 0;
+    for (int col = 1; col <= session.screen.columns; ++col) seen |= words[col];
+    return (seen & kCellBlink) != 0;
+}
+
+int AnyBlinking() {
+    for (int row = 1; row <= kScreenRows; ++row) {
+        if (RowBlinks(row)) return 1;
+    }
+    return 0;
+}
+
+void MarkBlinkingRows() {
+    for (int row = 1; row <= kScreenRows; ++row) {
+        if (RowBlinks(row)) MarkRow(row);
+    }
+}

@@ -1,0 +1,41 @@
+// The way of the host's bytes into the terminal and of the terminal's replies back to the host.
+#include "terminal/terminal_write.h"
+
+#include <cstring>
+
+#include "app/session_state.h"
+#include "app/status_bar.h"
+#include "telnet/session_send.h"
+#include "terminal/interpreter.h"
+#include "terminal/modes.h"
+#include "terminal/view.h"
+
+static void DropSelection() {
+    if (!session.screen.selection_active) return;
+    session.screen.selection_active = 0;
+    RepaintTerminal();
+}
+
+static void SendReply() {
+    const char* reply = TerminalTakeReply();
+    if (!reply) return;
+    SessionSend(reinterpret_cast<const BYTE*>(reply), static_cast<int>(strlen(reply)), 0);
+}
+
+static void Feed(const BYTE* bytes, int count) {
+    while (count > 0) {
+        int fed = TerminalFeedText(bytes, count);
+        if (fed < count && TerminalFeedByte(bytes[fed++])) SendReply();
+        bytes += fed;
+        count -= fed;
+    }
+}
+
+void TerminalWrite(const BYTE* bytes, int count) {
+    int cursor = CursorPosition();
+    DropSelection();
+    Feed(bytes, count);
+    if (session.settings.followcursor) FollowCursor();
+    RefreshTerminal();
+    if (CursorPosition() != cursor) UpdateStatus();
+}
