@@ -1,0 +1,85 @@
+// The way of the host's bytes into the terminal: selection, replies, following, status.
+#include "terminal/terminal_write.h"
+#include "program_double.h"
+#include "terminal/screen_buffer.h"
+
+static void Write(const std::string& bytes) {
+    TerminalWrite(reinterpret_cast<const BYTE*>(bytes.data()), static_cast<int>(bytes.size()));
+}
+
+class HostBytes : public TerminalWindow {};
+
+TEST_F(HostBytes, TextIsShownByTheNextPaint) {
+    Write("abc");
+    EXPECT_GE(gdi.invalidations, 1);
+    EXPECT_EQ(gdi.erasing_invalidations, 0);
+    EXPECT_FALSE(session.view.full_repaint);
+    Lines drawn = Paint();
+    ASSERT_FALSE(drawn.empty());
+    EXPECT_EQ(drawn[0], "text 0,0 24x16 'abc' 111111 on eeeeee");
+}
+
+TEST_F(HostBytes, OnlyTheRowsOfTheTextArePainted) {
+    Write("\033[7;1Hx\033[9;1H");
+    Paint();
+    std::vector<int> painted;
+    for (int row = 1; row <= 24; ++row) {
+        if (!DrawnInRow(row, 16).empty()) painted.push_back(row);
+    }
+    EXPECT_EQ(painted, (std::vector<int>{1, 7, 9}));  // the cursor came from 1 and went to 9
+}
+
+TEST_F(HostBytes, ASelectionIsDroppedAndTheWholeWindowRepainted) {
+    SetSelection(3, 2, 5, 4);
+    Write("x");
+    EXPECT_FALSE(session.screen.selection_active);
+    EXPECT_TRUE(session.view.full_repaint);
+    EXPECT_EQ(Paint()[0], "fill 0,0 640x384 eeeeee");
+}
+
+TEST_F(HostBytes, EachReplyIsSentWholeAndAtOnceWithoutEscaping) {
+    Write("a\033[6nb\005\033[6n");
+    EXPECT_EQ(program_calls, (Lines{"SessionSend 0 \033[1;2R", "SessionSend 0 QUILL",
+                                    "SessionSend 0 \033[1;3R", "UpdateStatus"}));
+}
+
+TEST_F(HostBytes, TheStatusIsUpdatedOnlyWhenTheCursorMoved) {
+    Write("\033[1m\007");
+    EXPECT_EQ(program_calls, Lines{});
+    Write("x");
+    EXPECT_EQ(program_calls, Lines{"UpdateStatus"});
+    program_calls.clear();
+    Write("y\b");
+    EXPECT_EQ(program_calls, Lines{});
+}
+
+TEST_F(HostBytes, TheViewFollowsTheCursorOnlyWithTheSetting) {
+    Resize(640, 192);
+    session.settings.followcursor = 0;
+    Write("\033[20;1H");
+    EXPECT_EQ(session.view.view_top, 0);
+    session.settings.followcursor = 1;
+    Write("x");
+    EXPECT_EQ(session.view.view_top, 20 - session.view.visible_rows);
+}
+
+TEST_F(HostBytes, TheViewFollowsBeforeTheStatusIsUpdated) {
+    Resize(640, 192);
+    Write("\033[24;80Hx\033[6n");
+    EXPECT_EQ(session.view.view_top, 24 - session.view.visible_rows);
+    EXPECT_EQ(program_calls.back(), "UpdateStatus");
+}
+
+TEST_F(HostBytes, NoBytesAreFine) {
+    TerminalWrite(nullptr, 0);
+    EXPECT_EQ(program_calls, Lines{});
+}
+
+TEST_F(HostBytes, WithoutAWindowNothingIsAskedFor) {
+    session.client_window = nullptr;
+    session.view.visible_rows = 0;
+    Write("x");
+    EXPECT_EQ(gdi.invalidations, 0);
+    EXPECT_EQ(gdi.scroll_calls, 0);
+    session.client_window = TestWindow();
+}
