@@ -1,0 +1,70 @@
+// Stream sockets of the host as WinSock needs them: shared between threads, closed under a waiting
+// one, and with the end of a connection request kept apart from data. Results are 0 or more, or
+// a negative errno. This header and its .cpp stay free of windows_ce.h, whose macros take the
+// names of the calls used here.
+#ifndef QUILL_PLATFORM_QT_POSIX_SOCKETS_H
+#define QUILL_PLATFORM_QT_POSIX_SOCKETS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+enum class SocketState { kFresh, kConnecting, kConnected, kFailed };
+
+// The descriptor is closed when the last thread lets go of the object.
+class StreamSocket {
+  public:
+    static int Open(std::shared_ptr<StreamSocket>* opened);
+    ~StreamSocket();
+    StreamSocket(const StreamSocket&) = delete;
+    StreamSocket& operator=(const StreamSocket&) = delete;
+
+    int SetBlocking(bool blocking);
+    // -EINPROGRESS for a request under way on a socket that does not block; how it ends is for
+    // WaitForSockets to say, never for this call.
+    int Connect(uint32_t address, uint16_t port);  // both in network byte order
+    int Receive(void* bytes, size_t size, int flags);
+    int Send(const void* bytes, size_t size, int flags);
+    int Shutdown(int how);
+    // Wakes every thread that waits for the socket; all calls fail from then on.
+    void Close();
+
+    bool IsClosed();
+    SocketState State();  // looks first whether a request under way has ended
+    int descriptor() const { return descriptor_; }
+    int wake_descriptor() const { return wake_; }
+
+  private:
+    StreamSocket(int descriptor, int wake) : descriptor_(descriptor), wake_(wake) {}
+    SocketState LookAtRequest();
+    int Usable();
+    int BeginConnect(uint32_t address, uint16_t port, bool* blocking);
+
+    const int descriptor_;
+    const int wake_;  // readable once the socket is closed
+    std::mutex mutex_;
+    bool closed_ = false;
+    bool blocking_ = true;
+    SocketState state_ = SocketState::kFresh;
+    int pending_error_ = 0;  // of the connection, for the next transfer to report
+};
+
+struct SocketWait {
+    std::shared_ptr<StreamSocket> socket;
+    bool want_read = false;
+    bool want_write = false;
+    bool want_except = false;
+    bool can_read = false;
+    bool can_write = false;
+    bool has_except = false;  // the request failed, or urgent data came
+};
+// How many of the wants are met; 0 after `microseconds` (below 0: no end). -ENOTSOCK as soon as one
+// of the sockets is closed.
+int WaitForSockets(std::vector<SocketWait>* waits, int64_t microseconds);
+
+// Whether an interface is up that leads anywhere but back.
+bool HasNetworkInterface();
+
+#endif

@@ -1,0 +1,71 @@
+// The loopback peer on POSIX sockets.
+#include "tests/platform/loopback_peer.h"
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+LoopbackPeer::LoopbackPeer() {
+    listening_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof(address);
+    bind(listening_, reinterpret_cast<sockaddr*>(&address), size);
+    listen(listening_, 16);
+    getsockname(listening_, reinterpret_cast<sockaddr*>(&address), &size);
+    port_ = ntohs(address.sin_port);
+}
+
+LoopbackPeer::~LoopbackPeer() {
+    CloseConnection();
+    StopListening();
+}
+
+bool LoopbackPeer::Accept() {
+    CloseConnection();
+    connection_ = accept4(listening_, nullptr, nullptr, SOCK_CLOEXEC);
+    return connection_ >= 0;
+}
+
+void LoopbackPeer::Send(const std::string& bytes) {
+    size_t sent = 0;
+    while (sent < bytes.size()) {
+        const ssize_t count =
+            send(connection_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+        if (count <= 0) return;
+        sent += static_cast<size_t>(count);
+    }
+}
+
+void LoopbackPeer::SendUrgent(char byte) { send(connection_, &byte, 1, MSG_OOB | MSG_NOSIGNAL); }
+
+std::string LoopbackPeer::Receive(size_t size) {
+    std::string bytes(size, '\0');
+    size_t received = 0;
+    while (received < size) {
+        const ssize_t count = recv(connection_, bytes.data() + received, size - received, 0);
+        if (count <= 0) break;
+        received += static_cast<size_t>(count);
+    }
+    bytes.resize(received);
+    return bytes;
+}
+
+void LoopbackPeer::CloseConnection() {
+    if (connection_ >= 0) close(connection_);
+    connection_ = -1;
+}
+
+void LoopbackPeer::ResetConnection() {
+    const linger at_once = {1, 0};
+    setsockopt(connection_, SOL_SOCKET, SO_LINGER, &at_once, sizeof(at_once));
+    CloseConnection();
+}
+
+void LoopbackPeer::StopListening() {
+    if (listening_ >= 0) close(listening_);
+    listening_ = -1;
+}
+
+uint16_t UnusedPort() { return LoopbackPeer().port(); }

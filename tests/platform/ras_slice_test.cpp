@@ -1,0 +1,98 @@
+// Dial-up entries out of a folder of peers.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+#include "platform/qt/device_root.h"
+#include "platform/qt/testing_services.h"
+#include "windows_ce.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class DialUpEntries : public testing::Test {
+  protected:
+    void SetUp() override {
+        services_test_hooks = ServicesTestHooks();
+        services_test_hooks.dial_up_folder = DeviceRoot() + "/peers";
+        fs::create_directory(services_test_hooks.dial_up_folder);
+    }
+    void TearDown() override {
+        fs::remove_all(services_test_hooks.dial_up_folder);
+        services_test_hooks = ServicesTestHooks();
+    }
+    static void Make(const std::string& name) {
+        std::ofstream(services_test_hooks.dial_up_folder + "/" + name) << "/dev/ttyS0\n";
+    }
+    // With room for that many entries.
+    DWORD Enumerate(size_t room) {
+        entries.assign(room + 1, {});
+        entries[0].dwSize = sizeof(RASENTRYNAMEW);
+        size = static_cast<DWORD>(room * sizeof(RASENTRYNAMEW));
+        return RasEnumEntriesW(nullptr, nullptr, room ? entries.data() : nullptr, &size, &count);
+    }
+    std::u16string Name(size_t i) const { return entries[i].szEntryName; }
+
+    std::vector<RASENTRYNAMEW> entries;
+    DWORD size = 0;
+    DWORD count = 99;
+};
+
+}  // namespace
+
+TEST_F(DialUpEntries, ComeInOrder) {
+    Make("provider");
+    Make("home");
+    EXPECT_EQ(0u, Enumerate(10));
+    ASSERT_EQ(2u, count);
+    EXPECT_EQ(u"home", Name(0));
+    EXPECT_EQ(u"provider", Name(1));
+    EXPECT_EQ(2 * sizeof(RASENTRYNAMEW), size);
+}
+
+TEST_F(DialUpEntries, NoneAreNoError) {
+    EXPECT_EQ(0u, Enumerate(5));
+    EXPECT_EQ(0u, count);
+    fs::remove_all(services_test_hooks.dial_up_folder);
+    EXPECT_EQ(0u, Enumerate(5));
+    EXPECT_EQ(0u, count);
+}
+
+TEST_F(DialUpEntries, TooLittleRoomGivesTheSizeAndTheFirst) {
+    for (const char* name : {"a", "b", "c"}) Make(name);
+    EXPECT_EQ(static_cast<DWORD>(ERROR_BUFFER_TOO_SMALL), Enumerate(1));
+    EXPECT_EQ(3 * sizeof(RASENTRYNAMEW), size);
+    EXPECT_EQ(1u, count);
+    EXPECT_EQ(u"a", Name(0));
+    EXPECT_EQ(u"", Name(1));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_BUFFER_TOO_SMALL), Enumerate(0));
+    EXPECT_EQ(3 * sizeof(RASENTRYNAMEW), size);
+}
+
+TEST_F(DialUpEntries, BackupsHiddenFilesAndLongNamesAreNone) {
+    for (const char* name :
+         {".hidden", "peer~", "peer.bak", "peer.dpkg-old", "#peer#", "name-of-21-characters"})
+        Make(name);
+    Make("name-of-20-character");
+    fs::create_directory(services_test_hooks.dial_up_folder + "/folder");
+    EXPECT_EQ(0u, Enumerate(20));
+    ASSERT_EQ(1u, count);
+    EXPECT_EQ(u"name-of-20-character", Name(0));
+}
+
+TEST_F(DialUpEntries, WrongStructureSizeIsRefused) {
+    RASENTRYNAMEW entry = {};
+    size = sizeof(entry);
+    EXPECT_EQ(632u, RasEnumEntriesW(nullptr, nullptr, &entry, &size, &count));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER),
+              RasEnumEntriesW(nullptr, nullptr, &entry, nullptr, &count));
+}
+
+TEST(HangUp, NoConnectionIsAnInvalidHandle) {
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_HANDLE), RasHangUpW(nullptr));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_HANDLE),
+              RasHangUpW(reinterpret_cast<HRASCONN>(static_cast<UINT_PTR>(0x1234))));
+}

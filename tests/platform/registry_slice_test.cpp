@@ -1,0 +1,308 @@
+// The registry's file: crash safety, several processes, rights.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sqlite3.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "platform/qt/device_root.h"
+#include "platform/qt/registry.h"
+#include "windows_ce.h"
+
+namespace {
+
+const LPCWSTR kPath = TEXT("Software\\QUILLWARE\\TELNET");
+constexpr int kValues = 130;
+
+std::string RegistryFile() { return DeviceRoot() + "/registry.db"; }
+
+void RemoveRegistry() {
+    CloseRegistry();
+    for (const auto& entry : std::filesystem::directory_iterator(DeviceRoot()))
+        std::filesystem::remove_all(entry.path());
+}
+
+LONG Save(LPCWSTR name, DWORD type, const void* data, DWORD size) {
+    HKEY key = nullptr;
+    LONG error = RegCreateKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, nullptr, 0, KEY_SET_VALUE, nullptr,
+                                 &key, nullptr);
+    if (error != ERROR_SUCCESS) return error;
+    error = RegSetValueExW(key, name, 0, type, static_cast<const BYTE*>(data), size);
+    RegFlushKey(key);
+    RegCloseKey(key);
+    return error;
+}
+
+LONG SaveNumber(int index, DWORD number) {
+    WCHAR name[20];
+    wsprintfW(name, TEXT("key%d"), index);
+    return Save(name, REG_DWORD, &number, sizeof(number));
+}
+
+bool LoadNumber(int index, DWORD* number) {
+    WCHAR name[20];
+    wsprintfW(name, TEXT("key%d"), index);
+    HKEY key = nullptr;
+    DWORD size = sizeof(*number);
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS)
+        return false;
+    const LONG error =
+        RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(number), &size);
+    RegCloseKey(key);
+    return error == ERROR_SUCCESS;
+}
+
+std::string IntegrityOfFile() {
+    sqlite3* database = nullptr;
+    sqlite3_open(RegistryFile().c_str(), &database);
+    std::string text;
+    const auto take = [](void* result, int, char** columns, char**) {
+        *static_cast<std::string*>(result) += columns[0];
+        return 0;
+    };
+    sqlite3_exec(database, "PRAGMA integrity_check", take, &text, nullptr);
+    sqlite3_close(database);
+    return text;
+}
+
+// How far the saving process has come: the generation that it writes, and the value in it that it
+// is about to write (kValues: all are written). One number, so that a kill never parts the two.
+using Progress = std::atomic<DWORD>;
+
+DWORD ProgressAt(DWORD generation, int index) {
+    return generation << 8 | static_cast<DWORD>(index);
+}
+
+[[noreturn]] void SaveForEver(Progress* progress) {
+    for (DWORD generation = (*progress >> 8) + 1;; generation++) {
+        for (int i = 0; i < kValues; i++) {
+            *progress = ProgressAt(generation, i);
+            if (SaveNumber(i, generation) != ERROR_SUCCESS) _exit(1);
+        }
+        *progress = ProgressAt(generation, kValues);
+    }
+}
+
+int WaitFor(pid_t child) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status;
+}
+
+// Runs in a process of its own; 0 stands for success.
+template <typename Procedure>
+pid_t Fork(Procedure procedure) {
+    const pid_t child = fork();
+    if (child == 0) _exit(procedure());
+    return child;
+}
+
+Progress* SharedProgress() {
+    void* memory =
+        mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    return new (memory) Progress{};
+}
+
+mode_t ModeOf(const std::string& path) {
+    struct stat status = {};
+    stat(path.c_str(), &status);
+    return status.st_mode & 0777;
+}
+
+class RegistryFileOnDisk : public testing::Test {
+  protected:
+    void SetUp() override { RemoveRegistry(); }
+    void TearDown() override { RemoveRegistry(); }
+};
+
+}  // namespace
+
+TEST_F(RegistryFileOnDisk, ProcessKilledInTheMiddleOfASaveLeavesEachValueOldOrNew) {
+    Progress* progress = SharedProgress();
+    std::mt19937 random(7);
+    *progress = ProgressAt(0, kValues);
+    for (int i = 0; i < kValues; i++) ASSERT_EQ(ERROR_SUCCESS, SaveNumber(i, 0));
+    int in_the_middle = 0;
+    for (int round = 0; round < 100; round++) {
+        CloseRegistry();
+        const DWORD before = *progress;
+        const pid_t child = fork();
+        if (child == 0) SaveForEver(progress);
+        while (*progress == before) usleep(50);  // until it has begun
+        usleep(static_cast<useconds_t>(random() % 15000));
+        kill(child, SIGKILL);
+        ASSERT_TRUE(WIFSIGNALED(WaitFor(child)));
+        const DWORD generation = *progress >> 8;
+        const int reached = static_cast<int>(*progress & 0xFF);
+        in_the_middle += reached > 0 && reached < kValues;
+        for (int i = 0; i < kValues; i++) {
+            DWORD number = 0;
+            ASSERT_TRUE(LoadNumber(i, &number)) << i;
+            ASSERT_TRUE(number == generation || number == generation - 1) << i;
+            ASSERT_EQ(i < reached || (i == reached && number == generation), number == generation);
+        }
+        CloseRegistry();
+        ASSERT_EQ("ok", IntegrityOfFile());
+        // The next child goes on from one even generation.
+        for (int i = 0; i < kValues; i++) SaveNumber(i, generation);
+        *progress = ProgressAt(generation, kValues);
+    }
+    EXPECT_GT(in_the_middle, 0);
+    EXPECT_FALSE(std::filesystem::exists(RegistryFile() + ".damaged"));
+    munmap(progress, sizeof(*progress));
+}
+
+TEST_F(RegistryFileOnDisk, ProcessKilledAtItsFirstStepsLeavesASoundFile) {
+    Progress* progress = SharedProgress();
+    std::mt19937 random(8);
+    for (int round = 0; round < 100; round++) {
+        RemoveRegistry();
+        *progress = 0;
+        const pid_t child = fork();
+        if (child == 0) SaveForEver(progress);
+        usleep(static_cast<useconds_t>(random() % 4000));
+        kill(child, SIGKILL);
+        WaitFor(child);
+        ASSERT_EQ(ERROR_SUCCESS, SaveNumber(0, 77));
+        DWORD number = 0;
+        ASSERT_TRUE(LoadNumber(0, &number));
+        ASSERT_EQ(77u, number);
+        CloseRegistry();
+        ASSERT_EQ("ok", IntegrityOfFile());
+        ASSERT_FALSE(std::filesystem::exists(RegistryFile() + ".damaged"));
+    }
+    munmap(progress, sizeof(*progress));
+}
+
+TEST_F(RegistryFileOnDisk, TwoProcessesShareIt) {
+    const auto save_from = [](int first) {
+        for (int i = 0; i < 200; i++)
+            if (SaveNumber(first + i, static_cast<DWORD>(first + i)) != ERROR_SUCCESS) return 1;
+        return 0;
+    };
+    const pid_t one = Fork([&] { return save_from(0); });
+    const pid_t other = Fork([&] { return save_from(200); });
+    EXPECT_EQ(0, WaitFor(one));
+    EXPECT_EQ(0, WaitFor(other));
+    for (int i = 0; i < 400; i++) {
+        DWORD number = 0;
+        ASSERT_TRUE(LoadNumber(i, &number)) << i;
+        ASSERT_EQ(static_cast<DWORD>(i), number);
+    }
+}
+
+TEST_F(RegistryFileOnDisk, OneProcessReadsWhatAnotherJustWrote) {
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 10));
+    DWORD number = 0;
+    sqlite3* database = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open(RegistryFile().c_str(), &database));
+    EXPECT_EQ(SQLITE_OK,
+              sqlite3_exec(database, "UPDATE registry SET data = x'0B000000' WHERE name = 'KEY1'",
+                           nullptr, nullptr, nullptr));
+    EXPECT_TRUE(LoadNumber(1, &number));
+    EXPECT_EQ(11u, number);
+    sqlite3_close(database);
+}
+
+TEST_F(RegistryFileOnDisk, OnlyTheUserMayReadIt) {
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 10));
+    EXPECT_EQ(0600u, ModeOf(RegistryFile()));
+    EXPECT_EQ(0600u, ModeOf(RegistryFile() + "-wal"));
+    EXPECT_EQ(0600u, ModeOf(RegistryFile() + "-shm"));
+    CloseRegistry();
+    chmod(RegistryFile().c_str(), 0644);
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 11));
+    EXPECT_EQ(0600u, ModeOf(RegistryFile()));
+    EXPECT_EQ(0600u, ModeOf(RegistryFile() + "-wal"));
+}
+
+TEST_F(RegistryFileOnDisk, ClosingKeepsKeysOpen) {
+    HKEY key = nullptr;
+    DWORD number = 3, size = 4;
+    ASSERT_EQ(ERROR_SUCCESS,
+              RegCreateKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, nullptr, 0,
+                              KEY_SET_VALUE | KEY_QUERY_VALUE, nullptr, &key, nullptr));
+    EXPECT_EQ(ERROR_SUCCESS,
+              RegSetValueExW(key, TEXT("a"), 0, REG_DWORD, reinterpret_cast<BYTE*>(&number), 4));
+    CloseRegistry();
+    EXPECT_FALSE(std::filesystem::exists(RegistryFile() + "-wal"));
+    number = 0;
+    EXPECT_EQ(ERROR_SUCCESS, RegQueryValueExW(key, TEXT("a"), nullptr, nullptr,
+                                              reinterpret_cast<BYTE*>(&number), &size));
+    EXPECT_EQ(3u, number);
+    RegCloseKey(key);
+}
+
+namespace {
+
+// Every call on a folder that cannot be used; 0 when each gave an error.
+int CountSuccesses() {
+    HKEY key = nullptr;
+    DWORD number = 0, size = 4;
+    BYTE* bytes = reinterpret_cast<BYTE*>(&number);
+    int successes = 0;
+    successes += SaveNumber(1, 1) == ERROR_SUCCESS;
+    successes += RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, 3, &key) == ERROR_SUCCESS;
+    successes += RegOpenKeyExW(HKEY_LOCAL_MACHINE, nullptr, 0, 3, &key) == ERROR_SUCCESS;
+    key = HKEY_LOCAL_MACHINE;
+    successes += RegQueryValueExW(key, u"a", nullptr, nullptr, bytes, &size) == ERROR_SUCCESS;
+    successes += RegSetValueExW(key, u"a", 0, REG_DWORD, bytes, 4) == ERROR_SUCCESS;
+    successes += RegDeleteValueW(key, u"a") == ERROR_SUCCESS;
+    successes += RegFlushKey(key) == ERROR_SUCCESS;
+    return successes;
+}
+
+}  // namespace
+
+TEST_F(RegistryFileOnDisk, MissingFolderGivesErrors) {
+    const std::string root = DeviceRoot();
+    SetDeviceRoot(root + "/gone");
+    EXPECT_EQ(0, CountSuccesses());
+    EXPECT_FALSE(std::filesystem::exists(root + "/gone"));
+    SetDeviceRoot(root);
+    EXPECT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
+}
+
+TEST_F(RegistryFileOnDisk, ReadOnlyFolderGivesErrors) {
+    chmod(DeviceRoot().c_str(), 0555);
+    const pid_t child = Fork([] {
+        if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+        return CountSuccesses();
+    });
+    EXPECT_EQ(0, WEXITSTATUS(WaitFor(child)));
+    chmod(DeviceRoot().c_str(), 0700);
+}
+
+TEST_F(RegistryFileOnDisk, ReadOnlyFileGivesErrorsAndStays) {
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
+    CloseRegistry();
+    chmod(RegistryFile().c_str(), 0444);
+    chmod(DeviceRoot().c_str(), 0755);
+    const pid_t child = Fork([] {
+        if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+        return CountSuccesses();
+    });
+    EXPECT_EQ(0, WEXITSTATUS(WaitFor(child)));
+    EXPECT_FALSE(std::filesystem::exists(RegistryFile() + ".damaged"));
+}
+
+TEST_F(RegistryFileOnDisk, FileTakenAwayIsBegunAfresh) {
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
+    std::filesystem::rename(RegistryFile(), RegistryFile() + ".kept");
+    std::filesystem::remove(RegistryFile() + "-wal");
+    std::filesystem::remove(RegistryFile() + "-shm");
+    DWORD number = 0;
+    EXPECT_FALSE(LoadNumber(1, &number));
+    EXPECT_EQ(ERROR_SUCCESS, SaveNumber(1, 2));
+    EXPECT_TRUE(LoadNumber(1, &number));
+    EXPECT_EQ(2u, number);
+}

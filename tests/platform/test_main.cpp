@@ -1,0 +1,18 @@
+// Runs the tests on a device of their own: an empty folder that is gone afterwards.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "platform/qt/device_root.h"
+#include "platform/qt/registry.h"
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    std::string folder = std::filesystem::temp_directory_path().string() + "/quill-test-XXXXXX";
+    if (!mkdtemp(folder.data())) return 1;
+    SetDeviceRoot(folder);
+    const int result = RUN_ALL_TESTS();
+    CloseRegistry();
+    std::filesystem::remove_all(folder);
+    return result;
+}

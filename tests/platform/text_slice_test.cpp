@@ -1,0 +1,69 @@
+// Text with the host's side: UTF-8, case, and formats that no program should hand over.
+#include <gtest/gtest.h>
+
+#include "platform/qt/wide_text.h"
+#include "windows_ce.h"
+
+TEST(WideText, Utf8AndBack) {
+    const std::u16string text = u"a\u00e9\u20ac\U0001F600";
+    EXPECT_EQ("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", Utf8FromWide(text));
+    EXPECT_EQ(text, WideFromUtf8(Utf8FromWide(text)));
+    EXPECT_EQ(u"\uFFFD", WideFromUtf8("\xFF"));
+}
+
+TEST(WideText, HalvesOfPairsStayApart) {
+    const std::u16string high(1, 0xD800), other(1, 0xD801), low(1, 0xDC00);
+    EXPECT_NE(Utf8FromWide(high), Utf8FromWide(other));
+    EXPECT_NE(Utf8FromWide(high), Utf8FromWide(low));
+    EXPECT_EQ(6u, Utf8FromWide(low + high).size());
+}
+
+TEST(WideText, CaseNeverFallsIntoAscii) {
+    EXPECT_EQ(u'A', UpperUnit(u'a'));
+    EXPECT_EQ(0x0178, UpperUnit(0x00FF));
+    EXPECT_EQ(0x0131, UpperUnit(0x0131));  // would be I
+    EXPECT_EQ(0x212A, LowerUnit(0x212A));  // the sign for kelvin would be k
+}
+
+TEST(WsprintfLimits, HugeWidthsAreCut) {
+    WCHAR text[1024];
+    EXPECT_EQ(1023, wsprintfW(text, u"%99999999999999999999d", 1));
+    EXPECT_EQ(1023, wsprintfW(text, u"%.99999999999999999999d", 1));
+    EXPECT_EQ(1, wsprintfW(text, u"%.99999999999999999999s", u"x"));
+    EXPECT_EQ(1023, wsprintfW(text, u"%-2000S|", "x"));
+}
+
+TEST(WsprintfLimits, LongNarrowTextIsCut) {
+    WCHAR text[1024];
+    EXPECT_EQ(1023, wsprintfW(text, u"%S", std::string(5000, 'x').c_str()));
+}
+
+TEST(WsprintfLimits, PrecisionNeedsNoTerminator) {
+    const char narrow[3] = {'a', 'b', 'c'};
+    const WCHAR wide[3] = {u'a', u'b', u'c'};
+    WCHAR text[1024];
+    EXPECT_EQ(6, wsprintfW(text, u"%.3S%.3s", narrow, wide));
+    EXPECT_EQ(std::u16string(u"abcabc"), text);
+}
+
+TEST(WsprintfLimits, BrokenFormatsEndQuietly) {
+    WCHAR text[1024];
+    EXPECT_EQ(0, wsprintfW(text, u"%"));
+    EXPECT_EQ(0, wsprintfW(text, u"%-05.3"));
+    EXPECT_EQ(1, wsprintfW(text, u"%q"));
+    wsprintfW(text, u"%s|%S", static_cast<LPCWSTR>(nullptr), static_cast<LPCSTR>(nullptr));
+    EXPECT_EQ(std::u16string(u"(null)|(null)"), text);
+}
+
+TEST(CodePageArguments, WrongOnesGiveNothing) {
+    WCHAR unit;
+    char byte;
+    EXPECT_EQ(0, MultiByteToWideChar(CP_ACP, 0, nullptr, 1, &unit, 1));
+    EXPECT_EQ(0, MultiByteToWideChar(CP_ACP, 0, "a", -5, &unit, 1));
+    EXPECT_EQ(0, MultiByteToWideChar(CP_ACP, 0, "a", 1, &unit, -1));
+    EXPECT_EQ(0, MultiByteToWideChar(CP_ACP, 0, "a", 1, nullptr, 1));
+    EXPECT_EQ(0, MultiByteToWideChar(65001, 0, "a", 1, &unit, 1));
+    EXPECT_EQ(0, WideCharToMultiByte(CP_ACP, 0, nullptr, 1, &byte, 1, nullptr, nullptr));
+    EXPECT_EQ(0, WideCharToMultiByte(CP_ACP, 0, u"a", -5, &byte, 1, nullptr, nullptr));
+    EXPECT_EQ(0, WideCharToMultiByte(CP_ACP, 0, u"a", 1, nullptr, 1, nullptr, nullptr));
+}

@@ -1,0 +1,68 @@
+// The clock set by hand, and what becomes of threads that nobody waits for.
+#include <gtest/gtest.h>
+
+#include "platform/qt/testing_services.h"
+#include "windows_ce.h"
+
+namespace {
+
+SYSTEMTIME TimeAt(int64_t milliseconds) {
+    services_test_hooks.system_time = milliseconds;
+    SYSTEMTIME time = {};
+    GetSystemTime(&time);
+    services_test_hooks.system_time = -1;
+    return time;
+}
+
+DWORD WINAPI CloseItself(LPVOID event) {
+    SetEvent(static_cast<HANDLE>(event));
+    return 0;
+}
+
+}  // namespace
+
+TEST(SystemTimeSet, FirstMomentIsAThursday) {
+    const SYSTEMTIME time = TimeAt(0);
+    EXPECT_EQ(1970, time.wYear);
+    EXPECT_EQ(1, time.wMonth);
+    EXPECT_EQ(1, time.wDay);
+    EXPECT_EQ(4, time.wDayOfWeek);
+    EXPECT_EQ(0, time.wMilliseconds);
+}
+
+TEST(SystemTimeSet, LeapDayToTheMillisecond) {
+    const SYSTEMTIME time = TimeAt(951868799987);  // 2000-02-29 23:59:59.987, a Tuesday
+    EXPECT_EQ(2000, time.wYear);
+    EXPECT_EQ(2, time.wMonth);
+    EXPECT_EQ(29, time.wDay);
+    EXPECT_EQ(2, time.wDayOfWeek);
+    EXPECT_EQ(23, time.wHour);
+    EXPECT_EQ(59, time.wMinute);
+    EXPECT_EQ(59, time.wSecond);
+    EXPECT_EQ(987, time.wMilliseconds);
+}
+
+TEST(Threads, ManyShortOnesComeAndGo) {
+    for (int i = 0; i < 300; i++) {
+        HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        HANDLE thread = CreateThread(nullptr, 0, CloseItself, event, 0, nullptr);
+        ASSERT_NE(nullptr, thread);
+        CloseHandle(thread);
+        ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event, INFINITE));
+        CloseHandle(event);
+    }
+}
+
+TEST(Threads, SuspendedStartIsRefused) {
+    EXPECT_EQ(nullptr, CreateThread(nullptr, 0, CloseItself, nullptr, 4, nullptr));
+}
+
+TEST(Events, NameJoinsTheSameEvent) {
+    HANDLE one = CreateEventW(nullptr, TRUE, FALSE, TEXT("quill test"));
+    HANDLE other = CreateEventW(nullptr, TRUE, FALSE, TEXT("quill test"));
+    EXPECT_NE(one, other);
+    SetEvent(one);
+    CloseHandle(one);
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(other, 0));
+    CloseHandle(other);
+}

@@ -1,0 +1,275 @@
+// What stands behind the sockets: numbers, descriptors, threads, a machine without a network.
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "platform/qt/testing_services.h"
+#include "tests/platform/loopback_peer.h"
+#include "windows_ce.h"
+
+namespace {
+
+size_t OpenDescriptors() {
+    const std::filesystem::directory_iterator list("/proc/self/fd");
+    return static_cast<size_t>(std::distance(begin(list), end(list)));
+}
+
+SOCKET NewSocket() {
+    const SOCKET number = socket(AF_INET, SOCK_STREAM, 0);
+    WINSOCK_ULONG on = 1;
+    ioctlsocket(number, FIONBIO, &on);
+    return number;
+}
+
+int Connect(SOCKET number, const char* address, uint16_t port) {
+    SOCKADDR_IN peer = {};
+    peer.sin_family = AF_INET;
+    peer.sin_port = htons(port);
+    peer.sin_addr.s_addr = inet_addr(address);
+    return connect(number, reinterpret_cast<SOCKADDR*>(&peer), sizeof(peer)) == 0
+               ? 0
+               : WSAGetLastError();
+}
+
+class WinsockInside : public testing::Test {
+  protected:
+    void SetUp() override {
+        WSADATA data;
+        services_test_hooks = ServicesTestHooks();
+        ASSERT_EQ(0, WSAStartup(MAKEWORD(1, 1), &data));
+    }
+    void TearDown() override {
+        services_test_hooks = ServicesTestHooks();
+        WSACleanup();
+    }
+};
+
+int SelectForReading(SOCKET number) {
+    fd_set read, except;
+    FD_ZERO(&read);
+    FD_ZERO(&except);
+    FD_SET(number, &read);
+    FD_SET(number, &except);
+    TIMEVAL timeout = {20, 0};
+    return select(0, &read, nullptr, &except, &timeout);
+}
+
+// Waits and reads until its socket is closed under it.
+void ReadUntilClosed(SOCKET number, std::atomic<int>* error) {
+    char bytes[3000];
+    while (SelectForReading(number) >= 0) {
+        const int count = recv(number, bytes, sizeof(bytes), 0);
+        if (count < 0 && WSAGetLastError() != WSAEWOULDBLOCK) break;
+    }
+    *error = WSAGetLastError();
+}
+
+// In a process of its own, on a network without an interface.
+template <typename Procedure>
+int WithoutNetwork(Procedure procedure) {
+    const pid_t child = fork();
+    if (child == 0) _exit(unshare(CLONE_NEWNET) == 0 ? procedure() : 77);
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WEXITSTATUS(status);
+}
+
+}  // namespace
+
+TEST_F(WinsockInside, NumbersAreNeverGivenOutTwice) {
+    std::set<SOCKET> seen;
+    for (int i = 0; i < 1000; i++) {
+        const SOCKET number = NewSocket();
+        EXPECT_TRUE(seen.insert(number).second);
+        closesocket(number);
+    }
+}
+
+TEST_F(WinsockInside, ManyConnectionsLeaveNoDescriptorOpen) {
+    LoopbackPeer peer;
+    const size_t before = OpenDescriptors();
+    for (int i = 0; i < 500; i++) {
+        const SOCKET number = NewSocket();
+        const int error = Connect(number, "127.0.0.1", peer.port());
+        ASSERT_TRUE(error == 0 || error == WSAEWOULDBLOCK) << error;
+        ASSERT_TRUE(peer.Accept());
+        shutdown(number, SD_BOTH);
+        ASSERT_EQ(0, closesocket(number));
+    }
+    peer.CloseConnection();
+    EXPECT_EQ(before, OpenDescriptors());
+}
+
+TEST_F(WinsockInside, RefusedConnectionsLeaveNoDescriptorOpen) {
+    const uint16_t port = UnusedPort();
+    const size_t before = OpenDescriptors();
+    for (int i = 0; i < 200; i++) {
+        const SOCKET number = NewSocket();
+        ASSERT_EQ(WSAEWOULDBLOCK, Connect(number, "127.0.0.1", port));
+        ASSERT_EQ(1, SelectForReading(number));
+        closesocket(number);
+    }
+    EXPECT_EQ(before, OpenDescriptors());
+}
+
+TEST_F(WinsockInside, CleanupClosesWhatIsOpen) {
+    const size_t before = OpenDescriptors();
+    WSADATA data;
+    const SOCKET number = NewSocket();
+    WSACleanup();
+    EXPECT_EQ(before, OpenDescriptors());
+    ASSERT_EQ(0, WSAStartup(MAKEWORD(1, 1), &data));
+    EXPECT_EQ(SOCKET_ERROR, closesocket(number));
+    EXPECT_EQ(WSAENOTSOCK, WSAGetLastError());
+}
+
+TEST_F(WinsockInside, ThreadsOfClosedSessionsNeverReadTheNextOne) {
+    LoopbackPeer peer;
+    for (int i = 0; i < 50; i++) {
+        const SOCKET number = NewSocket();
+        Connect(number, "127.0.0.1", peer.port());
+        ASSERT_TRUE(peer.Accept());
+        peer.Send("text of the host");
+        std::atomic<int> error = 0;
+        std::thread reader(ReadUntilClosed, number, &error);
+        if (i % 2) std::this_thread::yield();
+        shutdown(number, SD_BOTH);
+        closesocket(number);
+        const SOCKET next = NewSocket();
+        reader.join();
+        EXPECT_EQ(WSAENOTSOCK, error);
+        EXPECT_EQ(0, closesocket(next));
+    }
+}
+
+TEST_F(WinsockInside, SeveralThreadsWaitForOneSocket) {
+    LoopbackPeer peer;
+    const SOCKET number = NewSocket();
+    Connect(number, "127.0.0.1", peer.port());
+    ASSERT_TRUE(peer.Accept());
+    std::atomic<int> errors[4] = {};
+    std::vector<std::thread> readers;
+    for (std::atomic<int>& error : errors) readers.emplace_back(ReadUntilClosed, number, &error);
+    for (int i = 0; i < 20; i++) {
+        peer.Send("x");
+        send(number, "y", 1, 0);
+    }
+    closesocket(number);
+    for (std::thread& reader : readers) reader.join();
+    for (std::atomic<int>& error : errors) EXPECT_EQ(WSAENOTSOCK, error);
+}
+
+TEST_F(WinsockInside, EndOfAConnectionDoesNotKeepAnIdleWaitBusy) {
+    LoopbackPeer peer;
+    const SOCKET number = NewSocket();
+    Connect(number, "127.0.0.1", peer.port());
+    ASSERT_TRUE(peer.Accept());
+    peer.ResetConnection();
+    ASSERT_EQ(1, SelectForReading(number));
+    fd_set except;
+    FD_ZERO(&except);
+    FD_SET(number, &except);
+    TIMEVAL timeout = {0, 100000};
+    rusage before, after;
+    getrusage(RUSAGE_THREAD, &before);
+    EXPECT_EQ(0, select(0, nullptr, nullptr, &except, &timeout));
+    getrusage(RUSAGE_THREAD, &after);
+    EXPECT_GT(after.ru_nvcsw, before.ru_nvcsw);  // it slept
+}
+
+TEST_F(WinsockInside, AddressOfNobodyIsRefused) {
+    EXPECT_EQ(10049, Connect(NewSocket(), "0.0.0.0", 23));
+    EXPECT_EQ(10049, Connect(NewSocket(), "127.0.0.1", 0));
+}
+
+TEST_F(WinsockInside, SecondRequestOnOneSocketIsRefused) {
+    LoopbackPeer peer;
+    const SOCKET number = NewSocket();
+    Connect(number, "127.0.0.1", peer.port());
+    ASSERT_TRUE(peer.Accept());
+    const int error = Connect(number, "127.0.0.1", peer.port());
+    EXPECT_EQ(10056, error);
+}
+
+TEST_F(WinsockInside, WithoutAnInterfaceEveryAddressIsUnreachableAtOnce) {
+    const int result = WithoutNetwork([] {
+        if (Connect(NewSocket(), "127.0.0.1", 23) != WSAEHOSTUNREACH) return 1;
+        if (Connect(NewSocket(), "192.0.2.1", 23) != WSAEHOSTUNREACH) return 2;
+        const SOCKET blocking = socket(AF_INET, SOCK_STREAM, 0);
+        return Connect(blocking, "127.0.0.1", 23) == WSAEHOSTUNREACH ? 0 : 3;
+    });
+    if (result == 77) GTEST_SKIP() << "no right to make a network of its own";
+    EXPECT_EQ(0, result);
+}
+
+TEST_F(WinsockInside, UnreachableSocketCanTryAgain) {
+    const int result = WithoutNetwork([] {
+        const SOCKET number = NewSocket();
+        if (Connect(number, "192.0.2.1", 23) != WSAEHOSTUNREACH) return 1;
+        return Connect(number, "192.0.2.1", 23) == WSAEHOSTUNREACH ? 0 : 2;
+    });
+    if (result == 77) GTEST_SKIP() << "no right to make a network of its own";
+    EXPECT_EQ(0, result);
+}
+
+TEST_F(WinsockInside, EmptyNameDoesNotResolve) {
+    EXPECT_EQ(nullptr, gethostbyname(""));
+    EXPECT_EQ(nullptr, gethostbyname(nullptr));
+    EXPECT_EQ(2, services_test_hooks.host_lookups);
+}
+
+TEST_F(WinsockInside, OtherKindsOfSocketAreRefused) {
+    EXPECT_EQ(INVALID_SOCKET, socket(23, SOCK_STREAM, 0));
+    EXPECT_EQ(INVALID_SOCKET, socket(AF_INET, 2, 0));
+    EXPECT_EQ(INVALID_SOCKET, socket(AF_INET, SOCK_STREAM, 17));
+}
+
+TEST_F(WinsockInside, WrongArgumentsAreErrors) {
+    const SOCKET number = NewSocket();
+    char byte = 0;
+    SOCKADDR short_address = {};
+    EXPECT_EQ(SOCKET_ERROR, connect(number, nullptr, 16));
+    EXPECT_EQ(SOCKET_ERROR, connect(number, &short_address, 3));
+    EXPECT_EQ(SOCKET_ERROR, connect(number, &short_address, 16));
+    EXPECT_EQ(SOCKET_ERROR, recv(number, nullptr, 5, 0));
+    EXPECT_EQ(SOCKET_ERROR, recv(number, &byte, -1, 0));
+    EXPECT_EQ(SOCKET_ERROR, recv(number, &byte, 1, 0x4000));
+    EXPECT_EQ(SOCKET_ERROR, send(number, &byte, -1, 0));
+    EXPECT_EQ(SOCKET_ERROR, ioctlsocket(number, FIONBIO, nullptr));
+    EXPECT_EQ(SOCKET_ERROR, ioctlsocket(number, 5, nullptr));
+    EXPECT_EQ(SOCKET_ERROR, shutdown(number, 3));
+    TIMEVAL negative = {-1, 0};
+    fd_set set = {65, {number}};
+    EXPECT_EQ(SOCKET_ERROR, select(0, &set, nullptr, nullptr, nullptr));
+    set.fd_count = 1;
+    EXPECT_EQ(SOCKET_ERROR, select(0, &set, nullptr, nullptr, &negative));
+}
+
+TEST_F(WinsockInside, HooksMakeCallsFail) {
+    WSADATA data;
+    const SOCKET number = NewSocket();
+    services_test_hooks.fail_startup = services_test_hooks.fail_socket = true;
+    services_test_hooks.fail_host_lookup = true;
+    services_test_hooks.force_connect_error = WSAEHOSTUNREACH;
+    EXPECT_EQ(10091, WSAStartup(MAKEWORD(1, 1), &data));
+    EXPECT_EQ(INVALID_SOCKET, socket(AF_INET, SOCK_STREAM, 0));
+    EXPECT_EQ(WSAEHOSTUNREACH, Connect(number, "127.0.0.1", 1));
+    EXPECT_EQ(nullptr, gethostbyname("localhost"));
+}
+
+TEST(WinsockVersion, OlderThanOneOneIsRefused) {
+    WSADATA data;
+    EXPECT_EQ(10092, WSAStartup(MAKEWORD(1, 0), &data));
+    EXPECT_EQ(10093, [] {
+        socket(AF_INET, SOCK_STREAM, 0);
+        return WSAGetLastError();
+    }());
+}
