@@ -1,0 +1,202 @@
+// The controls that windows carry: scroll bars, the status window, the command bar.
+#include <QScrollBar>
+
+#include "gdi.h"
+#include "testing.h"
+#include "window_widget.h"
+
+namespace {
+
+constexpr int kScrollBarSize = 13;
+
+ScrollBarState* BarOf(Window* window, int bar) {
+    return !window ? nullptr : bar == SB_VERT ? &window->vertical : &window->horizontal;
+}
+
+struct ActionRow {
+    QAbstractSlider::SliderAction action;
+    WORD code;
+};
+
+const ActionRow kActions[] = {
+    {QAbstractSlider::SliderSingleStepSub, SB_LINEUP},
+    {QAbstractSlider::SliderSingleStepAdd, SB_LINEDOWN},
+    {QAbstractSlider::SliderPageStepSub, SB_PAGEUP},
+    {QAbstractSlider::SliderPageStepAdd, SB_PAGEDOWN},
+    {QAbstractSlider::SliderMove, SB_THUMBPOSITION},
+};
+
+// The program decides where the bar goes: it hears the action, and sets the position itself.
+void QueueScroll(HWND handle, int bar, QScrollBar* widget, int action) {
+    Window* window = FindWindowRecord(handle);
+    if (!window) return;
+    const int wanted = widget->sliderPosition();
+    for (const ActionRow& row : kActions)
+        if (row.action == action)
+            QueueInput(handle, bar == SB_VERT ? WM_VSCROLL : WM_HSCROLL,
+                       static_cast<WPARAM>(static_cast<DWORD>(MAKELONG(row.code, wanted))), 0);
+    if (action != QAbstractSlider::SliderMove)
+        widget->setSliderPosition(BarOf(window, bar)->position);
+}
+
+void AttachBar(Window& window, int bar) {
+    ScrollBarState& state = *BarOf(&window, bar);
+    const HWND handle = window.handle;
+    auto* widget =
+        new QScrollBar(bar == SB_VERT ? Qt::Vertical : Qt::Horizontal, window.widget.data());
+    widget->setFocusPolicy(Qt::NoFocus);
+    widget->hide();
+    QObject::connect(widget, &QScrollBar::actionTriggered, widget,
+                     [=](int action) { QueueScroll(handle, bar, widget, action); });
+    state.bar = widget;
+}
+
+bool BarWanted(const ScrollBarState& state) {
+    const int span = state.maximum - state.minimum;
+    return state.bar && span > 0 && static_cast<int>(state.page) <= span;
+}
+
+// The status window keeps itself at the bottom of its parent, one line high.
+void PlaceStatus(Window& window) {
+    const Window* parent = FindWindowRecord(window.parent);
+    if (!parent) return;
+    const QRect room = ClientArea(*parent);
+    const int height = StatusHeight();
+    window.widget->setGeometry(0, room.height() - height, room.width(), height);
+}
+
+void PaintStatus(Window& window) {
+    PAINTSTRUCT paint;
+    HDC dc = BeginPaint(window.handle, &paint);
+    if (!dc) return;
+    const QRect area = window.widget->rect();
+    const QPalette& colors = window.widget->palette();
+    const QString text = FromWide(window.text.c_str());
+    dc->painter->fillRect(area, colors.color(QPalette::Window));
+    dc->painter->fillRect(area.left(), area.top(), area.width(), 1, colors.color(QPalette::Mid));
+    dc->painter->setPen(colors.color(QPalette::WindowText));
+    dc->painter->setFont(window.widget->font());
+    dc->painter->drawText(area.adjusted(4, 1, -4, 0), Qt::AlignVCenter | Qt::AlignLeft, text);
+    window.widget->setAccessibleName(text.simplified());
+    const RECT whole = {0, 0, area.width(), area.height()};
+    RecordText(window.handle, 0, 0, &whole, window.text, 0, 0, 0);
+    EndPaint(window.handle, &paint);
+}
+
+LRESULT CALLBACK StatusProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+    Window* window = FindWindowRecord(handle);
+    if (message == WM_PAINT) return PaintStatus(*window), 0;
+    if (message == WM_ERASEBKGND) return 1;
+    if (message != WM_CREATE && message != WM_SIZE)
+        return DefWindowProcW(handle, message, wparam, lparam);
+    PlaceStatus(*window);
+    return 0;
+}
+
+LRESULT CALLBACK CommandBarProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message != WM_ERASEBKGND) return DefWindowProcW(handle, message, wparam, lparam);
+    const Window* window = FindWindowRecord(handle);
+    const QColor color = window->widget->palette().color(QPalette::Window);
+    RECT area;
+    GetClientRect(handle, &area);
+    const HBRUSH brush = CreateSolidBrush(RGB(color.red(), color.green(), color.blue()));
+    FillRect(reinterpret_cast<HDC>(wparam), &area, brush);
+    DeleteObject(brush);
+    return 1;
+}
+
+}  // namespace
+
+int StatusHeight() { return QFontMetrics(QApplication::font()).height() + 4; }
+
+void RegisterControls() {
+    RegisterSystemClass(STATUSCLASSNAME, StatusProcedure);
+    RegisterSystemClass(u"QuillCommandBar", CommandBarProcedure);
+}
+
+void AttachScrollBars(Window& window, DWORD style) {
+    if (style & WS_VSCROLL) AttachBar(window, SB_VERT);
+    if (style & WS_HSCROLL) AttachBar(window, SB_HORZ);
+}
+
+void ArrangeScrollBars(Window& window) {
+    if (!window.widget) return;
+    const QRect area = ClientArea(window);
+    if (window.vertical.bar) {
+        window.vertical.bar->setGeometry(area.width(), 0, kScrollBarSize, area.height());
+        window.vertical.bar->setVisible(window.vertical.shown);
+    }
+    if (window.horizontal.bar) {
+        window.horizontal.bar->setGeometry(0, area.height(), area.width(), kScrollBarSize);
+        window.horizontal.bar->setVisible(window.horizontal.shown);
+    }
+}
+
+int SetScrollInfo(HWND handle, int bar, const SCROLLINFO* info, BOOL) {
+    Window* window = FindWindowRecord(handle);
+    ScrollBarState* state = BarOf(window, bar);
+    if (!state || !state->bar || !info) return 0;
+    if (info->fMask & SIF_RANGE) state->minimum = info->nMin, state->maximum = info->nMax;
+    if (info->fMask & SIF_PAGE) state->page = info->nPage;
+    if (info->fMask & SIF_POS) state->position = info->nPos;
+    const int last =
+        std::max(state->minimum, state->maximum - std::max(static_cast<int>(state->page) - 1, 0));
+    state->position = std::clamp(state->position, state->minimum, last);
+    {
+        const QSignalBlocker quiet(state->bar);
+        state->bar->setRange(state->minimum, last);
+        state->bar->setPageStep(static_cast<int>(state->page));
+        state->bar->setSingleStep(1);
+        state->bar->setValue(state->position);
+    }
+    const bool wanted = BarWanted(*state);
+    if (wanted != state->shown) {
+        state->shown = wanted;
+        ArrangeScrollBars(*window);
+        InvalidateRect(handle, nullptr, TRUE);
+        SendSize(*window);
+    }
+    return state->position;
+}
+
+BOOL GetScrollInfo(HWND handle, int bar, SCROLLINFO* info) {
+    const ScrollBarState* state = BarOf(FindWindowRecord(handle), bar);
+    if (!state || !state->bar || !info) return FALSE;
+    info->nMin = state->minimum;
+    info->nMax = state->maximum;
+    info->nPage = state->page;
+    info->nPos = state->position;
+    info->nTrackPos = state->bar->sliderPosition();
+    return TRUE;
+}
+
+int GetSystemMetrics(int index) {
+    switch (index) {
+        case SM_CXSCREEN:
+            return DeviceScreen()->width();
+        case SM_CYSCREEN:
+            return DeviceScreen()->height();
+        case SM_CXVSCROLL:
+        case SM_CYHSCROLL:
+            return kScrollBarSize;
+        default:
+            return 0;
+    }
+}
+
+HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id) {
+    RECT room;
+    if (!GetClientRect(parent, &room)) return nullptr;
+    return CreateWindowExW(0, u"QuillCommandBar", nullptr, WS_CHILD | WS_VISIBLE, 0, 0, room.right,
+                           kCommandBarHeight, parent,
+                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
+}
+
+BOOL CommandBar_Show(HWND bar, BOOL show) { return ShowWindow(bar, show ? SW_SHOW : SW_HIDE); }
+
+int CommandBar_Height(HWND bar) {
+    RECT rect;
+    return GetWindowRect(bar, &rect) ? rect.bottom - rect.top : 0;
+}
+
+void CommandBar_Destroy(HWND bar) { DestroyWindow(bar); }

@@ -1,0 +1,242 @@
+// Painting: device contexts over QPainter, pens, brushes and text on a grid of cells.
+#include "gdi.h"
+
+#include <array>
+#include <cmath>
+#include <QGlyphRun>
+#include <QGuiApplication>
+#include <QScreen>
+#include <set>
+
+#include "testing.h"
+#include "window_widget.h"
+
+namespace {
+
+std::set<SliceGdiObject*> g_objects;
+// What a new context holds, as on the device.
+SliceGdiObject g_white_brush{SliceGdiObject::Kind::kBrush, 0x00FFFFFF, 1, nullptr};
+SliceGdiObject g_black_pen{SliceGdiObject::Kind::kPen, 0, 1, nullptr};
+SliceGdiObject g_system_font{SliceGdiObject::Kind::kFont, 0, 1, nullptr};
+
+void SelectDefaults(SliceDeviceContext& dc) {
+    dc.brush = &g_white_brush;
+    dc.pen = &g_black_pen;
+    dc.font = &g_system_font;
+}
+
+HGDIOBJ AddObject(SliceGdiObject::Kind kind, COLORREF color, int width) {
+    auto* object = new SliceGdiObject{kind, color, width, nullptr};
+    g_objects.insert(object);
+    return object;
+}
+
+bool Known(HGDIOBJ object) { return object == &g_white_brush || g_objects.contains(object); }
+
+QRect FromRect(const RECT& rect) {
+    return QRect(QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1));
+}
+
+void DrawMissingGlyph(QPainter& painter, const FontData& font, double x, double y, char16_t c) {
+    painter.setFont(font.font);
+    painter.drawText(QPointF(x, y), QString(QChar(c)));
+}
+
+// One run of glyphs, each at its own place.
+void DrawGlyphs(SliceDeviceContext& dc, const FontData& font, int x, int y, LPCWSTR text,
+                UINT count, const INT* advances) {
+    constexpr UINT kMost = 256;
+    std::array<quint32, kMost> glyphs;
+    std::array<QPointF, kMost> places;
+    const double baseline = y + font.height - font.descent;
+    QPainter& painter = *dc.painter;
+    painter.setPen(ColorOf(dc.text_color));
+    int used = 0;
+    double left = x;
+    for (UINT i = 0; i < count; i++) {
+        const char16_t c = text[i];
+        const quint32 glyph = c < 256 ? font.glyphs[c] : 0;
+        if (glyph && c != u' ' && used < static_cast<int>(kMost)) {
+            glyphs[static_cast<size_t>(used)] = glyph;
+            places[static_cast<size_t>(used++)] = QPointF(left, baseline);
+        } else if (c > u' ') {
+            DrawMissingGlyph(painter, font, left, baseline, c);
+        }
+        left += advances ? advances[i] : font.raw.averageCharWidth();
+    }
+    if (used == 0) return;
+    QGlyphRun run;
+    run.setRawFont(font.raw);
+    run.setRawData(glyphs.data(), places.data(), used);
+    painter.drawGlyphRun(QPointF(0, 0), run);
+}
+
+}  // namespace
+
+COLORREF BrushColor(HBRUSH brush) { return Known(brush) ? brush->color : 0x00FFFFFF; }
+
+void ReleaseGdi() {
+    for (SliceGdiObject* object : g_objects) delete object;
+    g_objects.clear();
+    ForgetFonts();
+}
+
+HDC BeginPaint(HWND handle, PAINTSTRUCT* paint) {
+    Window* window = FindWindowRecord(handle);
+    *paint = PAINTSTRUCT{};
+    if (!window || !window->widget || !window->widget->painting()) return nullptr;
+    auto* dc = new SliceDeviceContext;
+    dc->window = handle;
+    SelectDefaults(*dc);
+    dc->painter = std::make_unique<QPainter>(window->widget.data());
+    paint->hdc = dc;
+    const QRect area = window->invalid.boundingRect() & ClientArea(*window);
+    paint->rcPaint = RECT{area.left(), area.top(), area.right() + 1, area.bottom() + 1};
+    dc->painter->setClipRect(ClientArea(*window));
+    const bool erase = window->erase;
+    window->erase = false;
+    window->invalid = QRegion();
+    RecordPaint(handle);
+    if (erase)
+        paint->fErase =
+            !CallWindowProcedure(*window, WM_ERASEBKGND, reinterpret_cast<WPARAM>(dc), 0);
+    return dc;
+}
+
+BOOL EndPaint(HWND, const PAINTSTRUCT* paint) {
+    delete paint->hdc;
+    return TRUE;
+}
+
+HDC GetDC(HWND window) {
+    auto* dc = new SliceDeviceContext;
+    dc->window = window;
+    SelectDefaults(*dc);
+    return dc;
+}
+
+int ReleaseDC(HWND, HDC dc) {
+    delete dc;
+    return 1;
+}
+
+HGDIOBJ GetStockObject(int index) { return index == WHITE_BRUSH ? &g_white_brush : nullptr; }
+
+HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
+    if (!dc || !Known(object)) return nullptr;
+    switch (object->kind) {
+        case SliceGdiObject::Kind::kFont:
+            return std::exchange(dc->font, object);
+        case SliceGdiObject::Kind::kPen:
+            return std::exchange(dc->pen, object);
+        case SliceGdiObject::Kind::kBrush:
+            return std::exchange(dc->brush, object);
+    }
+    return nullptr;
+}
+
+BOOL DeleteObject(HGDIOBJ object) {
+    if (g_objects.erase(object) == 0) return FALSE;
+    delete object;
+    return TRUE;
+}
+
+HFONT CreateFontIndirectW(const LOGFONTW* wanted) {
+    auto* object = AddObject(SliceGdiObject::Kind::kFont, 0, 1);
+    object->font = MakeFont(*wanted);
+    return object;
+}
+
+HBRUSH CreateSolidBrush(COLORREF color) {
+    return AddObject(SliceGdiObject::Kind::kBrush, color, 1);
+}
+
+HPEN CreatePen(int, int width, COLORREF color) {
+    return AddObject(SliceGdiObject::Kind::kPen, color, std::max(width, 1));
+}
+
+COLORREF SetTextColor(HDC dc, COLORREF color) {
+    return dc ? std::exchange(dc->text_color, color) : 0;
+}
+
+COLORREF SetBkColor(HDC dc, COLORREF color) {
+    return dc ? std::exchange(dc->back_color, color) : 0;
+}
+
+int SetBkMode(HDC dc, int mode) { return dc ? std::exchange(dc->back_mode, mode) : 0; }
+
+int FillRect(HDC dc, const RECT* rect, HBRUSH brush) {
+    if (!dc || !dc->painter) return 0;
+    dc->painter->fillRect(FromRect(*rect), ColorOf(BrushColor(brush)));
+    RecordFill(dc->window, *rect, BrushColor(brush));
+    return 1;
+}
+
+BOOL ExtTextOutW(HDC dc, int x, int y, UINT options, const RECT* rect, LPCWSTR text, UINT count,
+                 const INT* advances) {
+    if (!dc || !dc->painter) return FALSE;
+    if (rect && (options & ETO_OPAQUE))
+        dc->painter->fillRect(FromRect(*rect), ColorOf(dc->back_color));
+    const FontData& font = FontOf(dc);
+    const bool clip = rect && (options & ETO_CLIPPED) && font.overhangs;
+    if (clip) {
+        dc->painter->save();
+        dc->painter->setClipRect(FromRect(*rect), Qt::IntersectClip);
+    }
+    DrawGlyphs(*dc, font, x, y, text, count, advances);
+    if (clip) dc->painter->restore();
+    RecordText(dc->window, x, y, rect, std::u16string(text, count), dc->text_color, dc->back_color,
+               advances && count ? advances[0] : 0);
+    return TRUE;
+}
+
+int DrawTextW(HDC dc, LPCWSTR text, int count, RECT* rect, UINT format) {
+    if (!dc || !rect || !(format & DT_CALCRECT)) return 0;
+    const FontData& font = FontOf(dc);
+    const QString shown = QString::fromUtf16(text, count < 0 ? -1 : count);
+    double width = 0;
+    const auto glyphs = font.raw.glyphIndexesForString(shown);
+    for (const QPointF& advance : font.raw.advancesForGlyphIndexes(glyphs)) width += advance.x();
+    rect->right = rect->left + static_cast<LONG>(std::lround(width));
+    rect->bottom = rect->top + font.height;
+    return font.height;
+}
+
+BOOL Polyline(HDC dc, const POINT* points, int count) {
+    if (!dc || !dc->painter || count < 2) return FALSE;
+    const COLORREF color = dc->pen && Known(dc->pen) ? dc->pen->color : 0;
+    const int width = dc->pen && Known(dc->pen) ? dc->pen->width : 1;
+    for (int i = 1; i < count; i++) {
+        const POINT a = points[i - 1], b = points[i];
+        const auto low = [](LONG p, LONG q) { return p <= q ? p : q + 1; };
+        if (a.y == b.y) {
+            dc->painter->fillRect(low(a.x, b.x), a.y, std::abs(b.x - a.x), width, ColorOf(color));
+        } else if (a.x == b.x) {
+            dc->painter->fillRect(a.x, low(a.y, b.y), width, std::abs(b.y - a.y), ColorOf(color));
+        } else {
+            dc->painter->setPen(QPen(ColorOf(color), width));
+            dc->painter->drawLine(a.x, a.y, b.x, b.y);
+        }
+        RecordLine(dc->window, a, b, color);
+    }
+    return TRUE;
+}
+
+BOOL GetTextMetricsW(HDC dc, TEXTMETRICW* metrics) {
+    if (!dc) return FALSE;
+    const FontData& font = FontOf(dc);
+    *metrics = TEXTMETRICW{};
+    metrics->tmHeight = font.height;
+    metrics->tmDescent = static_cast<LONG>(std::lround(font.descent));
+    metrics->tmAscent = metrics->tmHeight - metrics->tmDescent;
+    metrics->tmExternalLeading = static_cast<LONG>(std::lround(font.leading));
+    metrics->tmAveCharWidth = static_cast<LONG>(std::lround(font.raw.averageCharWidth()));
+    metrics->tmMaxCharWidth = static_cast<LONG>(std::ceil(font.raw.maxCharWidth()));
+    metrics->tmPitchAndFamily = font.fixed ? 0 : TMPF_FIXED_PITCH;
+    return TRUE;
+}
+
+int GetDeviceCaps(HDC, int index) {
+    const QSize size = DeviceScreen()->size();
+    return index == HORZRES ? size.width() : index == VERTRES ? size.height() : 0;
+}

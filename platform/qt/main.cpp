@@ -1,0 +1,91 @@
+// The desktop program: reads the host's options, opens the device and runs the program on it.
+#include <unistd.h>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QScreen>
+#include <QTimer>
+
+#include "host.h"
+#include "testing.h"
+
+namespace {
+
+constexpr double kUsualScale = 2;  // the device's small pixels, readable on a desktop
+constexpr int kTitleBarPixels = 40;
+constexpr int kQuietMilliseconds = 1000;
+constexpr int kLongestMilliseconds = 15000;
+
+void WriteText(const QString& path) {
+    QFile file(path);
+    if (path.isEmpty() || !file.open(QIODevice::WriteOnly)) return;
+    QString text;
+    for (const Window* window : AllWindows()) {
+        for (const QString& line : ScreenText(window->handle)) text += line + '\n';
+    }
+    file.write(text.toUtf8());
+}
+
+// A picture and the text of a session that has come to rest, and then the end.
+void WatchForRest(const HostOptions& options) {
+    auto* timer = new QTimer(qApp);
+    auto* started = new QElapsedTimer;
+    started->start();
+    KeepScreenText(true);
+    AnswerMessageBoxes(true);
+    QObject::connect(timer, &QTimer::timeout, timer, [=, last = -1, quiet = 0]() mutable {
+        const int paints = PaintCount();
+        quiet = paints == last ? quiet + timer->interval() : 0;
+        last = paints;
+        const bool rest = quiet >= kQuietMilliseconds && paints > 0;
+        if (!rest && started->elapsed() < kLongestMilliseconds) return;
+        timer->stop();
+        if (!options.snapshot.isEmpty()) DeviceScreen()->grab().save(options.snapshot);
+        WriteText(options.text);
+        PostQuitMessage(0);
+    });
+    timer->start(100);
+}
+
+// The largest scale up to the usual one that leaves the whole device on the desktop; asked while
+// the usual one is in force.
+double ScaleThatFits(const QSize& device) {
+    const QSizeF room = QSizeF(QGuiApplication::primaryScreen()->availableSize()) * kUsualScale;
+    double scale = kUsualScale;
+    while (scale > 1 && (device.width() * scale > room.width() ||
+                         device.height() * scale + kTitleBarPixels > room.height()))
+        scale -= 0.25;
+    return scale;
+}
+
+// The toolkit reads its scale once, when it starts; for another one the program starts again.
+void StartAgain(std::vector<char*> arguments, double scale) {
+    std::string option = "--scale", value = QByteArray::number(scale).toStdString();
+    arguments.insert(arguments.begin() + 1, {option.data(), value.data()});
+    execv("/proc/self/exe", arguments.data());
+}
+
+void SetScale(double scale) { qputenv("QT_SCALE_FACTOR", QByteArray::number(scale)); }
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::vector<char*> given(argv, argv + argc + 1);
+    HostOptions options;
+    if (!TakeHostOptions(&argc, argv, &options)) return 2;
+    const bool choose = options.scale == 0 && qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR");
+    if (choose || options.scale > 0) SetScale(choose ? kUsualScale : options.scale);
+    QApplication::setApplicationName("quill");
+    QApplication::setApplicationDisplayName("");
+    QApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    OpenDevice(options);
+    const double scale = choose ? ScaleThatFits(DeviceScreen()->size()) : kUsualScale;
+    if (scale != kUsualScale) StartAgain(given, scale);
+    if (!options.snapshot.isEmpty() || !options.text.isEmpty()) WatchForRest(options);
+    const int result = WinMain(nullptr, nullptr, nullptr, SW_SHOW);
+    CloseDevice();
+    return result;
+}

@@ -1,0 +1,73 @@
+// Message boxes and beeps.
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
+#include "testing.h"
+
+namespace {
+
+QPointer<QMessageBox> g_shown;
+bool g_answer = false;
+int g_beeps = 0;
+UINT g_last_beep = 0;
+
+struct IconRow {
+    UINT type;
+    QMessageBox::Icon icon;
+};
+
+const IconRow kIcons[] = {
+    {MB_ICONERROR, QMessageBox::Critical},
+    {MB_ICONQUESTION, QMessageBox::Question},
+    {MB_ICONEXCLAMATION, QMessageBox::Warning},
+    {MB_ICONASTERISK, QMessageBox::Information},
+};
+
+QMessageBox::Icon IconOf(UINT type) {
+    for (const IconRow& row : kIcons)
+        if (row.type == (type & 0xF0u)) return row.icon;
+    return QMessageBox::NoIcon;
+}
+
+}  // namespace
+
+int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
+    Window* window = TopLevelOf(FindWindowRecord(owner));
+    QMessageBox box(window ? DeviceScreen() : nullptr);
+    box.setWindowTitle(FromWide(caption));
+    box.setTextFormat(Qt::PlainText);
+    box.setText(FromWide(text));
+    box.setIcon(IconOf(type));
+    QPushButton* ok = box.addButton(QMessageBox::Ok);
+    if ((type & 0xFu) == MB_OKCANCEL) box.addButton(QMessageBox::Cancel);
+    box.setDefaultButton(ok);
+    box.setWindowModality(Qt::ApplicationModal);
+    const QPointer<QMessageBox> outer = g_shown;
+    g_shown = &box;
+    box.show();
+    if (g_answer) QTimer::singleShot(0, ok, &QPushButton::click);
+    RunModalLoop([&] { return !box.isVisible(); });
+    g_shown = outer;
+    // Esc and the close button of a box with OK alone count as OK.
+    const bool single = (type & 0xFu) == MB_OK;
+    return box.clickedButton() == ok || (single && !QuitPosted()) ? IDOK : IDCANCEL;
+}
+
+BOOL MessageBeep(UINT type) {
+    g_beeps++;
+    g_last_beep = type;
+    // A host that rings without end would otherwise fill the desktop's queue.
+    static QElapsedTimer since;
+    if (!since.isValid() || since.elapsed() >= 100) {
+        since.start();
+        QApplication::beep();
+    }
+    return TRUE;
+}
+
+QMessageBox* ShownMessageBox() { return g_shown; }
+void AnswerMessageBoxes(bool answer) { g_answer = answer; }
+int BeepCount() { return g_beeps; }
+UINT LastBeep() { return g_last_beep; }

@@ -1,0 +1,325 @@
+// The message queue of the window thread: posted messages, input, paints and timers in the order
+// of the real one, over Qt's event loop.
+//
+// Paints are paced: one is given out when the queue is idle, and at the latest when a frame is due
+// while messages keep coming; two paints are at least a frame apart.
+#include <atomic>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <QAbstractEventDispatcher>
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include "accelerators.h"
+#include "window_widget.h"
+
+namespace {
+
+constexpr int kFrameMilliseconds = 16;
+
+struct QueuedMessage {
+    MSG message;
+    QString characters;  // of a key press
+    KeyStates keys;      // when it happened
+};
+
+std::mutex g_posted_mutex;
+std::deque<MSG> g_posted;
+std::atomic<bool> g_waiting{false};
+std::atomic<QAbstractEventDispatcher*> g_dispatcher{nullptr};
+
+std::deque<QueuedMessage> g_input;
+std::deque<MSG> g_timers;
+QString g_key_characters;  // what TranslateMessage makes of the key taken last
+bool g_quit = false;
+int g_quit_code = 0;
+QElapsedTimer g_since_paint;
+
+using TimerKey = std::pair<HWND, UINT_PTR>;
+std::map<TimerKey, std::unique_ptr<QTimer>> g_running_timers;
+
+MSG MakeMessage(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    return MSG{window, message, wparam, lparam, GetTickCount(), POINT{0, 0}};
+}
+
+bool Fits(const MSG& message, HWND window, UINT first, UINT last) {
+    if (window && message.hwnd != window) return false;
+    return (first == 0 && last == 0) || (message.message >= first && message.message <= last);
+}
+
+bool TakePosted(MSG* message, HWND window, UINT first, UINT last, bool remove) {
+    const std::lock_guard<std::mutex> lock(g_posted_mutex);
+    for (auto entry = g_posted.begin(); entry != g_posted.end(); ++entry) {
+        if (!Fits(*entry, window, first, last)) continue;
+        *message = *entry;
+        if (remove) g_posted.erase(entry);
+        return true;
+    }
+    return false;
+}
+
+bool TakeInput(MSG* message, HWND window, UINT first, UINT last, bool remove) {
+    for (auto entry = g_input.begin(); entry != g_input.end(); ++entry) {
+        if (!Fits(entry->message, window, first, last)) continue;
+        *message = entry->message;
+        g_key_characters = entry->characters;
+        TakeKeyStates(entry->keys);
+        if (remove) g_input.erase(entry);
+        return true;
+    }
+    return false;
+}
+
+bool TakeTimer(MSG* message, HWND window, UINT first, UINT last, bool remove) {
+    for (auto entry = g_timers.begin(); entry != g_timers.end(); ++entry) {
+        if (!Fits(*entry, window, first, last)) continue;
+        *message = *entry;
+        if (remove) g_timers.erase(entry);
+        return true;
+    }
+    return false;
+}
+
+Window* InvalidWindow() {
+    for (Window* window : AllWindows()) {
+        if (window->invalid.isEmpty() || !window->widget) continue;
+        if (window->widget->isVisible()) return window;
+        window->invalid = QRegion();  // shown again, it is painted whole
+    }
+    return nullptr;
+}
+
+int MillisecondsToFrame() {
+    if (!g_since_paint.isValid()) return 0;
+    const qint64 passed = g_since_paint.elapsed();
+    return passed >= kFrameMilliseconds ? 0 : kFrameMilliseconds - static_cast<int>(passed);
+}
+
+bool TakePaint(MSG* message, HWND window, UINT first, UINT last) {
+    const Window* invalid = InvalidWindow();
+    if (!invalid || MillisecondsToFrame() > 0) return false;
+    *message = MakeMessage(invalid->handle, WM_PAINT, 0, 0);
+    return Fits(*message, window, first, last);
+}
+
+// Input that arrives while the queue is never empty is looked for once a frame.
+void CollectInput(bool wait) {
+    if (wait && g_dispatcher.load() == nullptr)
+        g_dispatcher.store(QAbstractEventDispatcher::instance());
+    if (!wait) return QCoreApplication::processEvents();
+    g_waiting.store(true);
+    bool empty;
+    {
+        const std::lock_guard<std::mutex> lock(g_posted_mutex);
+        empty = g_posted.empty();
+    }
+    QCoreApplication::processEvents(empty ? QEventLoop::WaitForMoreEvents : QEventLoop::AllEvents);
+    g_waiting.store(false);
+}
+
+// One step of the queue: a message, or false after Qt's events have had their turn.
+bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove, bool wait) {
+    if (TakePaint(message, window, first, last)) {
+        CollectInput(false);
+        return FindWindowRecord(message->hwnd) != nullptr;
+    }
+    if (TakePosted(message, window, first, last, remove)) return true;
+    if (TakeInput(message, window, first, last, remove)) return true;
+    if (g_quit) {
+        *message = MakeMessage(nullptr, WM_QUIT, static_cast<WPARAM>(g_quit_code), 0);
+        return true;
+    }
+    CollectInput(false);
+    if (!g_input.empty()) return TakeInput(message, window, first, last, remove);
+    if (TakePosted(message, window, first, last, remove)) return true;
+    if (TakePaint(message, window, first, last)) return true;
+    if (TakeTimer(message, window, first, last, remove)) return true;
+    if (!wait) return false;
+    if (InvalidWindow()) {
+        QTimer::singleShot(MillisecondsToFrame(), Qt::PreciseTimer, qApp, [] {});
+    }
+    CollectInput(true);
+    return false;
+}
+
+}  // namespace
+
+LRESULT CallWindowProcedure(Window& window, UINT message, WPARAM wparam, LPARAM lparam) {
+    return window.window_class->procedure(window.handle, message, wparam, lparam);
+}
+
+void QueueInput(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    g_input.push_back(
+        {MakeMessage(window, message, wparam, lparam), QString(), CurrentKeyStates()});
+}
+
+void QueueKey(HWND window, UINT message, WPARAM key, LPARAM flags, const QString& characters) {
+    g_input.push_back({MakeMessage(window, message, key, flags), characters, CurrentKeyStates()});
+}
+
+bool QuitPosted() { return g_quit; }
+
+void ForgetWindowMessages(HWND window) {
+    {
+        const std::lock_guard<std::mutex> lock(g_posted_mutex);
+        std::erase_if(g_posted, [&](const MSG& m) { return m.hwnd == window; });
+    }
+    std::erase_if(g_input, [&](const QueuedMessage& m) { return m.message.hwnd == window; });
+    std::erase_if(g_timers, [&](const MSG& m) { return m.hwnd == window; });
+    std::erase_if(g_running_timers, [&](const auto& t) { return t.first.first == window; });
+}
+
+void ResetMessages() {
+    {
+        const std::lock_guard<std::mutex> lock(g_posted_mutex);
+        g_posted.clear();
+    }
+    g_input.clear();
+    g_timers.clear();
+    g_running_timers.clear();
+    g_key_characters.clear();
+    g_quit = false;
+    g_since_paint.invalidate();
+    g_dispatcher.store(nullptr);
+}
+
+BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last) {
+    while (!Step(message, window, first, last, true, true)) {
+    }
+    if (message->message != WM_QUIT) return TRUE;
+    g_quit = false;
+    return FALSE;
+}
+
+BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove) {
+    return Step(message, window, first, last, remove & PM_REMOVE, false);
+}
+
+void RunModalLoop(const std::function<bool()>& done) {
+    MSG message;
+    while (!done() && !g_quit) {
+        if (!Step(&message, nullptr, 0, 0, true, true)) continue;
+        if (message.message == WM_QUIT) return;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+BOOL TranslateMessage(const MSG* message) {
+    const bool plain = message->message == WM_KEYDOWN;
+    if (!plain && message->message != WM_SYSKEYDOWN) return FALSE;
+    const std::u16string characters = ToWide(g_key_characters);
+    const KeyStates keys = TakenKeyStates();
+    g_key_characters.clear();
+    // Characters come next, before any other input.
+    auto place = g_input.begin();
+    for (const char16_t character : characters)
+        place = g_input.insert(place, {MakeMessage(message->hwnd, plain ? WM_CHAR : WM_SYSCHAR,
+                                                   character, message->lParam),
+                                       QString(), keys}) +
+                1;
+    return TRUE;
+}
+
+LRESULT DispatchMessageW(const MSG* message) {
+    Window* window = FindWindowRecord(message->hwnd);
+    if (!window) return 0;
+    if (message->message != WM_PAINT)
+        return CallWindowProcedure(*window, message->message, message->wParam, message->lParam);
+    g_since_paint.start();
+    window->widget->PaintInvalid();
+    return 0;
+}
+
+LRESULT SendMessageW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (IsOtherInstance(handle)) {
+        if (message == WM_PAINT) AskOtherInstance("paint");
+        return 0;
+    }
+    Window* window = FindWindowRecord(handle);
+    if (!window) return 0;
+    if (message != WM_PAINT || window->widget->painting())
+        return CallWindowProcedure(*window, message, wparam, lparam);
+    InvalidateRect(handle, nullptr, TRUE);
+    window->widget->PaintInvalid();
+    return 0;
+}
+
+BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    {
+        const std::lock_guard<std::mutex> lock(g_posted_mutex);
+        g_posted.push_back(MakeMessage(window, message, wparam, lparam));
+    }
+    QAbstractEventDispatcher* dispatcher = g_dispatcher.load();
+    if (dispatcher && g_waiting.load()) dispatcher->wakeUp();
+    return TRUE;
+}
+
+void PostQuitMessage(int exit_code) {
+    g_quit = true;
+    g_quit_code = exit_code;
+}
+
+UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure) {
+    if (!FindWindowRecord(window)) return 0;
+    auto& timer = g_running_timers[{window, id}];
+    timer = std::make_unique<QTimer>();
+    QObject::connect(timer.get(), &QTimer::timeout, qApp, [window, id, procedure] {
+        for (const MSG& waiting : g_timers)
+            if (waiting.hwnd == window && waiting.wParam == id) return;
+        g_timers.push_back(MakeMessage(window, WM_TIMER, id, reinterpret_cast<LPARAM>(procedure)));
+    });
+    timer->start(static_cast<int>(milliseconds));
+    return id;
+}
+
+BOOL KillTimer(HWND window, UINT_PTR id) {
+    std::erase_if(g_timers, [&](const MSG& m) { return m.hwnd == window && m.wParam == id; });
+    return g_running_timers.erase({window, id}) > 0;
+}
+
+LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+    Window* window = FindWindowRecord(handle);
+    if (!window) return 0;
+    if (message == WM_CLOSE) {
+        DestroyWindow(handle);
+    } else if (message == WM_PAINT) {
+        PAINTSTRUCT paint;
+        BeginPaint(handle, &paint);
+        EndPaint(handle, &paint);
+    } else if (message == WM_ERASEBKGND && window->window_class->background) {
+        RECT area;
+        GetClientRect(handle, &area);
+        FillRect(reinterpret_cast<HDC>(wparam), &area, window->window_class->background);
+        return 1;
+    }
+    (void)lparam;
+    return 0;
+}
+
+namespace {
+
+bool AcceleratorFits(const AcceleratorRow& row, const MSG& message) {
+    const bool key = row.flags & kAcceleratorKey;
+    const bool down = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
+    if (key ? !down : message.message != WM_CHAR) return false;
+    if (message.wParam != row.key) return false;
+    if (!key) return true;
+    const auto held = [](int virtual_key) { return (GetKeyState(virtual_key) & 0x8000) != 0; };
+    return held(VK_SHIFT) == ((row.flags & kAcceleratorShift) != 0) &&
+           held(VK_CONTROL) == ((row.flags & kAcceleratorControl) != 0) &&
+           held(VK_MENU) == ((row.flags & kAcceleratorAlt) != 0);
+}
+
+}  // namespace
+
+int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message) {
+    if (!table || !FindWindowRecord(window)) return 0;
+    for (const AcceleratorRow& row : table->rows) {
+        if (!AcceleratorFits(row, *message)) continue;
+        SendMessageW(window, WM_COMMAND, static_cast<WPARAM>(row.command | (1u << 16)), 0);
+        return 1;
+    }
+    return 0;
+}
