@@ -1,0 +1,138 @@
+// The command table.
+#include "app/commands.h"
+
+#include "app/connection.h"
+#include "app/keys.h"
+#include "app/session_state.h"
+#include "config/settings.h"
+#include "resources/resource_ids.h"
+#include "terminal/terminal_font.h"
+#include "terminal/view.h"
+
+namespace {
+
+bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
+
+bool Agreed(LPCWSTR question) {
+    return MessageBoxW(session.main_window, question, TEXT("Warning"),
+                       MB_OKCANCEL | MB_ICONEXCLAMATION) == IDOK;
+}
+
+bool MayEnd(LPCWSTR question) {
+    return !(session.settings.confirm_exit == 1 && Connected()) || Agreed(question);
+}
+
+void HangUp() {
+    if (session.ras_connection) RasHangUpW(session.ras_connection);
+    session.ras_connection = nullptr;
+}
+
+void ConnectOrDisconnect(WORD) {
+    if (Connected()) {
+        if (MayEnd(TEXT("Do you really want to close this session"))) SessionClose();
+    } else if (session.connect_pending) {
+        if (Agreed(TEXT("I am busy making a connection. Do you want to cancel the request")))
+            SessionClose();
+    }
+}
+
+void Exit(WORD) {
+    if (!MayEnd(TEXT("Do you really want to close this program"))) return;
+    HangUp();
+    DestroyWindow(session.main_window);
+}
+
+void ResetConfiguration(WORD) {
+    if (!Agreed(TEXT("Do you really want to reset the configuration"))) return;
+    if (!Agreed(TEXT("Are you sure!"))) return;
+    ResetSettings();
+    MessageBoxW(session.main_window, TEXT("Program will exit to complete the reset"),
+                TEXT("Information"), MB_OK | MB_ICONINFORMATION);
+    session.save_settings = 0;
+    DestroyWindow(session.main_window);
+}
+
+void Larger(WORD) {
+    LargerFont();
+    RepaintTerminal();
+}
+
+void Smaller(WORD) {
+    if (session.settings.fsize < 2) return;
+    SmallerFont();
+    RepaintTerminal();
+}
+
+void FunctionKey(WORD id) { SendVirtualKey(VK_F1 + (id - IDM_F1)); }
+
+struct KeyCommand {
+    WORD id;
+    int virtual_key;
+};
+
+// clang-format off
+const KeyCommand kKeyCommands[] = {
+    {IDM_KEY_ENTER,     VK_RETURN},
+    {IDM_KEY_ESC,       VK_ESCAPE},
+    {IDM_KEY_UP,        VK_UP},
+    {IDM_KEY_DOWN,      VK_DOWN},
+    {IDM_KEY_LEFT,      VK_LEFT},
+    {IDM_KEY_RIGHT,     VK_RIGHT},
+    {IDM_KEY_PAGE_UP,   VK_PRIOR},
+    {IDM_KEY_PAGE_DOWN, VK_NEXT},
+};
+// clang-format on
+
+void NamedKey(WORD id) {
+    for (const KeyCommand& row : kKeyCommands)
+        if (row.id == id) SendVirtualKey(row.virtual_key);
+}
+
+struct CommandRow {
+    WORD first;
+    WORD last;
+    void (*run)(WORD id);
+};
+
+// clang-format off
+const CommandRow kCommands[] = {
+    {IDM_CONNECT,      IDM_CONNECT,       ConnectOrDisconnect},
+    {IDM_EXIT,         IDM_EXIT,          Exit},
+    {IDM_RESET,        IDM_RESET,         ResetConfiguration},
+    {IDM_F1,           IDM_F20,           FunctionKey},
+    {IDM_KEY_ENTER,    IDM_KEY_ENTER,     NamedKey},
+    {IDM_KEY_ESC,      IDM_KEY_ESC,       NamedKey},
+    {IDM_KEY_UP,       IDM_KEY_UP,        NamedKey},
+    {IDM_KEY_DOWN,     IDM_KEY_DOWN,      NamedKey},
+    {IDM_KEY_LEFT,     IDM_KEY_LEFT,      NamedKey},
+    {IDM_KEY_RIGHT,    IDM_KEY_RIGHT,     NamedKey},
+    {IDM_KEY_PAGE_UP,  IDM_KEY_PAGE_UP,   NamedKey},
+    {IDM_KEY_PAGE_DOWN, IDM_KEY_PAGE_DOWN, NamedKey},
+    {IDM_LARGER_FONT,  IDM_LARGER_FONT,   Larger},
+    {IDM_SMALLER_FONT, IDM_SMALLER_FONT,  Smaller},
+};
+// clang-format on
+
+}  // namespace
+
+void RunCommand(WORD id) {
+    for (const CommandRow& row : kCommands)
+        if (id >= row.first && id <= row.last) return row.run(id);
+}
+
+void ExitProgram() { Exit(IDM_EXIT); }
+
+void CloseByMinimising() {
+    if (session.settings.xbox != 1) return;
+    if (session.settings.confirm_exit == 1 && Connected()) {
+        SetForegroundWindow(session.main_window);
+        if (!Agreed(TEXT("Do you really want to close Quill Telnet"))) return;
+    }
+    HangUp();
+    PostQuitMessage(0);
+}
+
+void KeepDeviceAwake() {
+    if (!Connected() || session.settings.alive != 1) return;
+    keybd_event(VK_F24, 0, KEYEVENTF_KEYUP | KEYEVENTF_SILENT, 0);
+}

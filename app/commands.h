@@ -1,0 +1,19 @@
+// The commands of menus, accelerators and buttons.
+#ifndef QUILL_APP_COMMANDS_H
+#define QUILL_APP_COMMANDS_H
+
+#include "windows_ce.h"
+
+// Carries out the command of that id; an unknown one does nothing.
+void RunCommand(WORD id);
+
+// The close button's way out: asks while a session is up and `confirm_exit` is set.
+void ExitProgram();
+
+// Minimising ends the program when `xbox` is set, with the same question.
+void CloseByMinimising();
+
+// A synthetic key while a session is up and `alive` is set keeps the device powered.
+void KeepDeviceAwake();
+
+#endif

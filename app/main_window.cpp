@@ -1,0 +1,140 @@
+// The main window's message table and layout.
+#include "app/main_window.h"
+
+#include "app/commands.h"
+#include "app/connection.h"
+#include "app/keys.h"
+#include "app/session_state.h"
+#include "app/status_bar.h"
+#include "telnet/socket_event.h"
+#include "terminal/terminal_window.h"
+#include "terminal/view.h"
+
+namespace {
+
+void MakeCommandBar() {
+    session.command_bar = CommandBar_Create(session.instance, session.main_window, kCommandBarId);
+    session.command_bar_height = session.command_bar ? CommandBar_Height(session.command_bar) : 0;
+}
+
+void MakeClientWindow() {
+    RECT room;
+    GetClientRect(session.main_window, &room);
+    session.client_window = CreateWindowExW(
+        0, TEXT("ClientWnd"), nullptr, WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL, 0,
+        session.command_bar_height, room.right, room.bottom - session.command_bar_height,
+        session.main_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(kClientWindowId)),
+        session.instance, nullptr);
+}
+
+LRESULT OnCreate(HWND window, WPARAM, LPARAM) {
+    session.main_window = window;
+    MakeCommandBar();
+    MakeClientWindow();
+    if (!session.client_window) {
+        DestroyWindow(window);
+        return -1;
+    }
+    RECT client;
+    GetClientRect(session.client_window, &client);
+    session.client_width = client.right;
+    RebuildStatusBar();
+    RebuildMenuBar();
+    return 0;
+}
+
+LRESULT OnClose(HWND, WPARAM, LPARAM) {
+    ExitProgram();
+    return 0;
+}
+
+LRESULT OnSize(HWND, WPARAM wparam, LPARAM) {
+    if (wparam == SIZE_MINIMIZED) CloseByMinimising();
+    LayoutMainWindow();
+    return 0;
+}
+
+LRESULT OnCommand(HWND, WPARAM wparam, LPARAM) {
+    RunCommand(LOWORD(wparam));
+    return 0;
+}
+
+LRESULT OnTimer(HWND, WPARAM, LPARAM) {
+    BlinkTick();
+    KeepDeviceAwake();
+    return 0;
+}
+
+LRESULT OnDestroy(HWND, WPARAM, LPARAM) {
+    PostQuitMessage(0);
+    return 0;
+}
+
+LRESULT OnSocketData(HWND, WPARAM wparam, LPARAM) {
+    OnSocketEvent(wparam);
+    return 0;
+}
+
+LRESULT OnSocketConnected(HWND, WPARAM, LPARAM) {
+    OnConnected();
+    return 0;
+}
+
+LRESULT OnKey(HWND, WPARAM wparam, LPARAM) {
+    OnKeyDown(static_cast<int>(wparam));
+    UpdateStatus();
+    return 0;
+}
+
+LRESULT OnCharacter(HWND, WPARAM wparam, LPARAM) {
+    OnTypedCharacter(static_cast<WCHAR>(wparam));
+    return 0;
+}
+
+struct MessageRow {
+    UINT message;
+    LRESULT (*handler)(HWND window, WPARAM wparam, LPARAM lparam);
+};
+
+// Searched in this order.
+// clang-format off
+const MessageRow kMessages[] = {
+    {WM_CREATE,           OnCreate},
+    {WM_CLOSE,            OnClose},
+    {WM_SIZE,             OnSize},
+    {WM_COMMAND,          OnCommand},
+    {WM_TIMER,            OnTimer},
+    {WM_DESTROY,          OnDestroy},
+    {WM_SOCKET_DATA,      OnSocketData},
+    {WM_SOCKET_CONNECTED, OnSocketConnected},
+    {WM_KEYDOWN,          OnKey},
+    {WM_CHAR,             OnCharacter},
+};
+// clang-format on
+
+}  // namespace
+
+LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    for (const MessageRow& row : kMessages)
+        if (row.message == message) return row.handler(window, wparam, lparam);
+    return DefWindowProcW(window, message, wparam, lparam);
+}
+
+void RebuildMenuBar() {
+    if (!IsWindow(session.main_window)) return;
+    if (session.command_bar) CommandBar_Destroy(session.command_bar);
+    MakeCommandBar();
+    UpdateStatus();
+}
+
+void LayoutMainWindow() {
+    if (!session.client_window) return;
+    RECT room;
+    GetClientRect(session.main_window, &room);
+    if (session.command_bar)
+        MoveWindow(session.command_bar, 0, 0, room.right, session.command_bar_height, TRUE);
+    MoveWindow(session.client_window, 0, session.command_bar_height, room.right,
+               room.bottom - session.command_bar_height, FALSE);
+    PlaceStatusBar();
+    LayoutTerminal();
+}

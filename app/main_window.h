@@ -1,0 +1,15 @@
+// The main window (class "TELNET"): its message table, its layout and its menu bar.
+#ifndef QUILL_APP_MAIN_WINDOW_H
+#define QUILL_APP_MAIN_WINDOW_H
+
+#include "windows_ce.h"
+
+LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+
+// Makes the command bar anew for the session's state.
+void RebuildMenuBar();
+
+// The client window fills the main window below the command bar.
+void LayoutMainWindow();
+
+#endif

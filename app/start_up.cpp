@@ -1,0 +1,114 @@
+// The program's entry point.
+#include "app/start_up.h"
+
+#include "app/connection.h"
+#include "app/main_window.h"
+#include "app/receive_thread.h"
+#include "app/session_state.h"
+#include "config/settings.h"
+#include "resources/resource_ids.h"
+#include "terminal/screen_buffer.h"
+#include "terminal/terminal_window.h"
+
+namespace {
+
+constexpr int kMenuBarPixels = 26;
+constexpr UINT kTimerId = 1;
+constexpr UINT kTimerMilliseconds = 1000;
+
+bool HandOverToFirstInstance() {
+    const HWND first = FindWindowW(TEXT("TELNET"), nullptr);
+    if (!first) return false;
+    SetForegroundWindow(first);
+    ShowWindow(first, SW_SHOW);
+    SendMessageW(first, WM_PAINT, 0, 0);
+    return true;
+}
+
+void FindColorDialog() {
+    session.common_dialogs = LoadLibraryW(TEXT("COMMDLG.DLL"));
+    if (!session.common_dialogs) return;
+    session.choose_color = reinterpret_cast<ChooseColorProcedure>(
+        reinterpret_cast<void*>(GetProcAddressW(session.common_dialogs, TEXT("ChooseColor"))));
+}
+
+BOOL RegisterMainWindow(HINSTANCE instance) {
+    WNDCLASSW main_class = {};
+    main_class.style = CS_DBLCLKS;
+    main_class.lpfnWndProc = MainWindowProcedure;
+    main_class.hInstance = instance;
+    main_class.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
+    main_class.lpszClassName = TEXT("TELNET");
+    return RegisterClassW(&main_class) != 0;
+}
+
+int StartSockets() {
+    WSADATA data;
+    if (WSAStartup(MAKEWORD(1, 1), &data) == 0) return 1;
+    MessageBoxW(session.main_window, TEXT("cannot find WinSock DLL. Maybe TCP/IP is missing"),
+                TEXT("Error"), MB_OK | MB_ICONERROR);
+    return 0;
+}
+
+int RunMessageLoop() {
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0)) {
+        if (TranslateAcceleratorW(session.main_window, session.accelerators, &message)) continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    return static_cast<int>(message.wParam);
+}
+
+int RunSessions() {
+    if (session.settings.autoconnect == 1) {
+        SessionConnect();
+        RebuildMenuBar();
+    }
+    const int result = RunMessageLoop();
+    SessionClose();
+    EndReceiving();
+    WSACleanup();
+    return result;
+}
+
+}  // namespace
+
+int InitApplication(HINSTANCE instance) {
+    if (!RegisterMainWindow(instance)) return 1;
+    if (!RegisterClientWindow(instance)) return 2;
+    FindColorDialog();
+    return 0;
+}
+
+HWND InitInstance(HINSTANCE instance, int show) {
+    session.instance = instance;
+    SIPINFO sip = {};
+    sip.cbSize = sizeof(sip);
+    SHSipInfo(SPI_GETSIPINFO, 0, &sip, 0);
+    const RECT& desktop = sip.rcVisibleDesktop;
+    const int reduction = sip.fdwFlags & SIPF_ON ? 0 : kMenuBarPixels;
+    const HWND window = CreateWindowExW(0, TEXT("TELNET"), TEXT("Quill TELNET"), WS_VISIBLE,
+                                        CW_USEDEFAULT, CW_USEDEFAULT, desktop.right - desktop.left,
+                                        desktop.bottom - desktop.top - reduction, nullptr, nullptr,
+                                        instance, nullptr);
+    if (!window) return nullptr;
+    ShowWindow(window, show);
+    UpdateWindow(window);
+    if (session.command_bar) CommandBar_Show(session.command_bar, TRUE);
+    SetTimer(window, kTimerId, kTimerMilliseconds, nullptr);
+    return window;
+}
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int show) {
+    if (HandOverToFirstInstance()) return 0;
+    if (const int failure = InitApplication(instance)) return failure;
+    ClearAll();
+    std::memset(session.custom_colors, 0, sizeof(session.custom_colors));
+    if (!InitInstance(instance, show)) return 16;
+    session.accelerators = LoadAcceleratorsW(instance, MAKEINTRESOURCE(IDR_ACCELERATORS));
+    int result = 0;
+    if (StartSockets()) result = RunSessions();
+    if (session.save_settings == 1) SaveSettings();
+    return result;
+}
