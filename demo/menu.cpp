@@ -1,0 +1,88 @@
+// The main menu: numbered choices, each number after a blank and before a full stop, so that a tap
+// on one can choose it.
+#include <cstdio>
+#include "demo/pages.h"
+#include "demo/screen_text.h"
+
+namespace {
+
+struct Choice {
+    const char* number;
+    const char* label;
+    const char* about;
+    const Screen* screen;
+};
+
+// clang-format off
+const Choice kChoices[] = {
+    {"1",  "Line drawing",        "frames and every special graphics glyph", &kLineDrawingPage},
+    {"2",  "Double-size lines",   "double width, double height",             &kDoubleSizePage},
+    {"3",  "Attributes",          "bold, underline, blink, reverse",         &kAttributesPage},
+    {"4",  "Scrolling region",    "rows 5 to 20 move, the others stay",      &kRegionsPage},
+    {"5",  "Slow stream",         "the gate's log, a line each 0.2 seconds", &kSlowStreamPage},
+    {"6",  "Fast stream",         "5,000 stock lines at full speed",         &kFastStreamPage},
+    {"7",  "Tabs and addressing", "tab stops, a curve drawn point by point", &kTabsPage},
+    {"8",  "8-bit characters",    "code page 1252",                          &kCharactersPage},
+    {"9",  "Goods received",      "a form with fields",                      &kFormPage},
+    {"10", "Ships in port",       "a long list with menu numbers",           &kShipListPage},
+    {"11", "Device reports",      "what this terminal says of itself",       &kReportsPage},
+    {"12", "Keys",                "the bytes that each key sends",           &kKeysPage},
+    {"0",  "Log out",             "",                                        &kGoodbyeScreen},
+};
+// clang-format on
+
+constexpr int kFirstRow = 6, kChoiceRow = 22;
+
+void WriteChoice(std::string& out, int row, const Choice& choice) {
+    char text[100];
+    snprintf(text, sizeof text, " %2s. %-22s%s", choice.number, choice.label, choice.about);
+    WriteAt(out, row, 8, text);
+}
+
+void AskChoice(Session& session) {
+    StartLine(session, false);
+    WriteAt(session.out, kChoiceRow, 8, "Choice: \x1b[K");
+}
+
+void EnterMenu(Session& session) {
+    std::string& out = session.out;
+    WriteTitle(out, "Main menu");
+    WriteStyled(out, 3, 8, "1", "Good day, " + session.name + ".");
+    const std::string& type = session.telnet.terminal_type;
+    WriteAt(out, 3, 50, "Terminal: " + (type.empty() ? std::string("unknown") : Fit(type, 18)));
+    WriteBox(out, 5, 5, 16, 72, "What would you like to see?");
+    int row = kFirstRow;
+    for (const Choice& choice : kChoices) {
+        WriteChoice(out, choice.screen == &kGoodbyeScreen ? row + 1 : row, choice);
+        ++row;
+    }
+    WriteHint(out, "Type a number and Enter");
+    AskChoice(session);
+}
+
+void Choose(Session& session) {
+    for (const Choice& choice : kChoices) {
+        if (session.line.text == choice.number) return ShowScreen(session, *choice.screen);
+    }
+    WriteAt(session.out, kChoiceRow, 30, "\x1b[KThere is no such choice.");
+    StartLine(session, false);
+    WriteAt(session.out, kChoiceRow, 8, "Choice: " + std::string(14, ' ') + std::string(14, '\b'));
+}
+
+void TypedMenu(Session& session, const std::string& bytes) {
+    for (const char byte : bytes) {
+        if (!TakeLineByte(session, byte)) continue;
+        if (session.line.text.empty()) {
+            AskChoice(session);
+            continue;
+        }
+        Choose(session);
+        if (session.screen != &kMenuScreen) return;
+    }
+}
+
+}  // namespace
+
+const Screen kMenuScreen = {EnterMenu, TypedMenu, nullptr};
+
+void BackToMenu(Session& session, const std::string&) { ShowScreen(session, kMenuScreen); }

@@ -1,0 +1,116 @@
+// Pages that show how single cells and lines look: line drawing, double-size lines, attributes.
+#include "demo/pages.h"
+#include "demo/screen_text.h"
+
+namespace {
+
+// A frame divided into three by three compartments.
+void WriteGrid(std::string& out, int row, int col) {
+    // clang-format off
+    const char* const kGrid[] = {
+        "lqqqqqqqwqqqqqqqwqqqqqqqk",
+        "x       x       x       x",
+        "tqqqqqqqnqqqqqqqnqqqqqqqu",
+        "x       x       x       x",
+        "tqqqqqqqnqqqqqqqnqqqqqqqu",
+        "x       x       x       x",
+        "mqqqqqqqvqqqqqqqvqqqqqqqj",
+    };
+    const char* const kBays[] = {"Bay A", "Bay B", "Bay C", "Bay D", "Bay E",
+                                 "Bay F", "Bay G", "Bay H", "Bay J"};
+    // clang-format on
+    for (const char* line : kGrid) WriteGraphics(out, row++, col, line);
+    for (int i = 0; i < 9; ++i) WriteAt(out, row - 6 + i / 3 * 2, col + 2 + i % 3 * 8, kBays[i]);
+}
+
+// Every glyph of the DEC special graphics set (0x5F to 0x7E) beside the letter that selects it.
+void WriteGlyphs(std::string& out, int row, int col) {
+    for (int i = 0; i < 32; ++i) {
+        const std::string letter(1, static_cast<char>(0x5F + i));
+        const int at_row = row + i / 8 * 2;
+        const int at_col = col + i % 8 * 8;
+        WriteAt(out, at_row, at_col, letter + "  ");
+        out += "\x1b(0" + letter + letter + letter + "\x1b(B";
+    }
+}
+
+void WriteNested(std::string& out, int row, int col) {
+    WriteBox(out, row, col, 8, 34, "Yard");
+    WriteBox(out, row + 1, col + 3, 6, 28, "Warehouse 2");
+    WriteBox(out, row + 2, col + 6, 4, 22, "Cold store");
+    WriteGraphics(out, row + 3, col + 8, "aaaaaaaaaaaaaaaaaa");
+    WriteGraphics(out, row + 4, col + 8, "opqrsopqrsopqrsopq");
+}
+
+void EnterLineDrawing(Session& session) {
+    std::string& out = session.out;
+    WriteTitle(out, "Line drawing");
+    WriteGrid(out, 4, 6);
+    WriteNested(out, 3, 40);
+    WriteAt(out, 13, 6, "The special graphics set, each glyph after its letter:");
+    WriteGlyphs(out, 15, 10);
+    WriteHint(out, kAnyKey);
+}
+
+void EnterDoubleSize(Session& session) {
+    std::string& out = session.out;
+    WriteTitle(out, "Double-size lines");
+    WriteAt(out, 4, 5, "\x1b#3Berth 7 is free");
+    WriteAt(out, 5, 5, "\x1b#4Berth 7 is free");
+    WriteAt(out, 7, 5, "\x1b#6Double width: 40 columns a line");
+    WriteAt(out, 9, 5, "\x1b#5Single width: this line has 80 columns as always");
+    WriteStyled(out, 11, 5, "1", "\x1b#3Bold, twice as high");
+    WriteStyled(out, 12, 5, "1", "\x1b#4Bold, twice as high");
+    WriteStyled(out, 14, 5, "4", "\x1b#6Underlined and wide");
+    WriteStyled(out, 16, 5, "7", "\x1b#3 Reverse ");
+    WriteStyled(out, 17, 5, "7", "\x1b#4 Reverse ");
+    WriteAt(out, 19, 5, "\x1b#6\x1b(0lqqqqqqqqqqwqqqqqqqqqqk\x1b(B");
+    WriteAt(out, 20, 5, "\x1b#6\x1b(0x\x1b(B  Wide    \x1b(0x\x1b(B  frame   \x1b(0x\x1b(B");
+    WriteAt(out, 21, 5, "\x1b#6\x1b(0mqqqqqqqqqqvqqqqqqqqqqj\x1b(B");
+    WriteHint(out, kAnyKey);
+}
+
+struct Style {
+    const char* rendition;
+    const char* label;
+};
+
+// clang-format off
+const Style kStyles[] = {
+    {"0",       "plain"},            {"1",       "bold"},
+    {"4",       "underline"},        {"1;4",     "bold underline"},
+    {"5",       "blink"},            {"1;5",     "bold blink"},
+    {"4;5",     "underline blink"},  {"1;4;5",   "bold underline blink"},
+    {"7",       "reverse"},          {"1;7",     "bold reverse"},
+    {"4;7",     "underline reverse"},{"1;4;7",   "bold underline reverse"},
+    {"5;7",     "blink reverse"},    {"1;5;7",   "bold blink reverse"},
+    {"4;5;7",   "underl. blink rev."},{"1;4;5;7", "all four at once"},
+};
+// clang-format on
+
+void EnterAttributes(Session& session) {
+    std::string& out = session.out;
+    WriteTitle(out, "Attributes");
+    WriteBox(out, 3, 5, 12, 72, "The sixteen combinations");
+    int number = 0;
+    for (const Style& style : kStyles) {
+        const int row = 5 + number / 2;
+        const int col = number % 2 == 0 ? 8 : 42;
+        WriteAt(out, row, col, Fit(style.rendition, 8));
+        WriteStyled(out, row, col + 8, style.rendition, style.label);
+        ++number;
+    }
+    WriteAt(out, 16, 6, "Low stock is ");
+    out += "\x1b[1mbold\x1b[0m, overdue goods \x1b[5mblink\x1b[0m, the chosen line is reverse:";
+    WriteStyled(out, 18, 6, "7", Fit("  HS-1042   Hemp rope, 24 mm          Bay C      180 m", 70));
+    WriteAt(out, 19, 6, "  HS-1043   Sailcloth No. 4           Bay C       65 m");
+    WriteAt(out, 20, 6, "  HS-1044   ");
+    out += "\x1b[1mStockholm tar, 5 l        Bay F        3\x1b[0m";
+    WriteHint(out, kAnyKey);
+}
+
+}  // namespace
+
+const Screen kLineDrawingPage = {EnterLineDrawing, BackToMenu, nullptr};
+const Screen kDoubleSizePage = {EnterDoubleSize, BackToMenu, nullptr};
+const Screen kAttributesPage = {EnterAttributes, BackToMenu, nullptr};

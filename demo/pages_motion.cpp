@@ -1,0 +1,97 @@
+// Pages about movement: a scrolling region that runs by itself, tab stops, cursor addressing.
+#include <cmath>
+#include <cstdio>
+#include "demo/pages.h"
+#include "demo/screen_text.h"
+
+namespace {
+
+constexpr int kRegionTop = 5, kRegionBottom = 20;
+constexpr int kLinesEachWay = 24;
+constexpr long long kScrollPause = 120;
+
+std::string CraneLine(int number) {
+    char text[80];
+    snprintf(text, sizeof text, "   Crane %d   lift %03d   %-10s %4d kg", number % 3 + 1, number,
+             number % 2 == 0 ? "ship-quay" : "quay-yard", 400 + number * 37 % 1900);
+    return text;
+}
+
+void EnterRegions(Session& session) {
+    std::string& out = session.out;
+    WriteTitle(out, "Scrolling region");
+    WriteAt(out, 3, 4, "Rows 5 to 20 scroll up and down; nothing else on the screen moves.");
+    WriteGraphics(out, 4, 1, std::string(80, 'q'));
+    WriteGraphics(out, 21, 1, std::string(80, 'q'));
+    WriteAt(out, 22, 4, "These two rows below the region");
+    WriteAt(out, 23, 4, "stay where they are.");
+    WriteHint(out, kAnyKey);
+    out += "\x1b[5;20r";
+    session.wake = Now();
+}
+
+// Upwards by line feeds on the region's last row, then downwards by reverse index on its first.
+void TickRegions(Session& session) {
+    const bool up = session.step % (2 * kLinesEachWay) < kLinesEachWay;
+    MoveTo(session.out, up ? kRegionBottom : kRegionTop, 1);
+    session.out += up ? "\r\n" : "\x1bM";
+    session.out += CraneLine(session.step);
+    ++session.step;
+    session.wake = Now() + kScrollPause;
+}
+
+void WriteRuler(std::string& out, int row) {
+    std::string ruler;
+    for (int col = 1; col <= 80; ++col)
+        ruler += col % 10 == 0 ? static_cast<char>('0' + col / 10) : '.';
+    WriteAt(out, row, 1, ruler);
+}
+
+// A table whose columns are tab stops of its own; the usual stops are put back afterwards.
+void WriteTabTable(std::string& out, int row) {
+    out += "\x1b[3g";
+    for (const int stop : {6, 30, 46, 62}) {
+        MoveTo(out, row, stop);
+        out += "\x1bH";
+    }
+    WriteAt(out, row, 1, "\r\tArticle\tBay\tIn stock\tOn order\r\n");
+    out += "\tHemp rope, 24 mm\tC\t180 m\t-\r\n";
+    out += "\tBrass lanterns\tA\t12\t24\r\n";
+    out += "\tStockholm tar\tF\t3\t40\r\n";
+    out += "\x1b[3g";
+    for (int stop = 9; stop <= 80; stop += 8) {
+        MoveTo(out, row, stop);
+        out += "\x1bH";
+    }
+}
+
+// The tide of one day: every point set by its own address, from right to left.
+void WriteTide(std::string& out, int top) {
+    for (int col = 74; col >= 8; --col) {
+        const double phase = (col - 8) * 3.14159265 / 16.5;
+        WriteAt(out, top + 4 + static_cast<int>(std::lround(4 * std::cos(phase))), col, "*");
+    }
+    WriteAt(out, top, 2, "high");
+    WriteAt(out, top + 8, 2, "low");
+}
+
+void EnterTabs(Session& session) {
+    std::string& out = session.out;
+    WriteTitle(out, "Tabs and addressing");
+    WriteRuler(out, 3);
+    WriteAt(out, 4, 1, "1\t9\t17\t25\t33\t41\t49\t57\t65\t73");
+    WriteTabTable(out, 6);
+    WriteAt(out, 11, 4, "The tide today, each point written to its own address:");
+    WriteTide(out, 13);
+    WriteHint(out, kAnyKey);
+    // A round trip by relative motion ends where it began.
+    WriteAt(out, 11, 60,
+            "\x1b"
+            "7\x1b[2A\x1b[5C\x1b[2B\x1b[5D\x1b"
+            "8(ends here)");
+}
+
+}  // namespace
+
+const Screen kRegionsPage = {EnterRegions, BackToMenu, TickRegions};
+const Screen kTabsPage = {EnterTabs, BackToMenu, nullptr};

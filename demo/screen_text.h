@@ -1,0 +1,31 @@
+// Small procedures that write terminal output: cursor addressing, attributes, boxes, title bars.
+// Rows and columns count from 1 on a screen of 24 by 80 (ECMA-48, DEC VT100 private sequences).
+#ifndef QUILL_DEMO_SCREEN_TEXT_H
+#define QUILL_DEMO_SCREEN_TEXT_H
+
+#include <string>
+
+// Modes, margins, attributes and character sets as at the start; screen blank, cursor home.
+void ClearScreen(std::string& out);
+
+void MoveTo(std::string& out, int row, int col);
+void WriteAt(std::string& out, int row, int col, const std::string& text);
+
+// Text between the given graphic rendition ("1;7") and attributes off.
+void WriteStyled(std::string& out, int row, int col, const char* rendition,
+                 const std::string& text);
+
+// Text in the special graphics set, for example "lqqk".
+void WriteGraphics(std::string& out, int row, int col, const std::string& text);
+
+// A frame of `height` by `width` cells with a title in its upper edge ("" for none).
+void WriteBox(std::string& out, int row, int col, int height, int width, const std::string& title);
+
+// Row 1 as a reverse bar with the page's title, row 24 as a reverse bar with a hint.
+void WriteTitle(std::string& out, const std::string& title);
+void WriteHint(std::string& out, const std::string& hint);
+
+// `text` cut or filled with blanks to `width`.
+std::string Fit(const std::string& text, int width);
+
+#endif

@@ -1,0 +1,161 @@
+// Sockets and polling. A session whose client does not read is not read from either, and its page
+// waits, so no client can make this host keep more than a screenful or two for it.
+#include "demo/server.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <memory>
+#include <vector>
+#include "demo/session.h"
+
+namespace {
+
+constexpr size_t kMostSessions = 64;
+
+using Sessions = std::vector<std::unique_ptr<Session>>;
+
+volatile sig_atomic_t g_stop = 0;
+
+void OnStopSignal(int) { g_stop = 1; }
+
+// SIGTERM and SIGINT are let in only while ppoll waits; returns the mask to wait with.
+sigset_t CatchStopSignals() {
+    struct sigaction action = {};
+    action.sa_handler = OnStopSignal;
+    sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGINT, &action, nullptr);
+    sigset_t blocked, before;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGTERM);
+    sigaddset(&blocked, SIGINT);
+    sigprocmask(SIG_BLOCK, &blocked, &before);
+    sigdelset(&before, SIGTERM);
+    sigdelset(&before, SIGINT);
+    return before;
+}
+
+void Accept(int listener, Sessions& sessions) {
+    const int client = accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (client < 0) return;
+    const int on = 1;
+    setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    // Little is on its way at a time, so a key pressed during a stream is felt at once.
+    const int on_its_way = 32768;
+    setsockopt(client, SOL_SOCKET, SO_SNDBUF, &on_its_way, sizeof on_its_way);
+    sessions.push_back(std::make_unique<Session>());
+    SessionStart(*sessions.back(), client);
+}
+
+bool WouldBlock() { return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR; }
+
+void Drop(Session& session) {
+    close(session.socket);
+    session.socket = -1;
+}
+
+void Flush(Session& session) {
+    while (!session.out.empty()) {
+        const ssize_t sent =
+            send(session.socket, session.out.data(), session.out.size(), MSG_NOSIGNAL);
+        if (sent < 0 && WouldBlock()) return;
+        if (sent <= 0) return Drop(session);
+        session.out.erase(0, static_cast<size_t>(sent));
+    }
+    if (session.ending) Drop(session);
+}
+
+void Read(Session& session) {
+    char bytes[256];
+    const ssize_t count = recv(session.socket, bytes, sizeof bytes, 0);
+    if (count < 0 && WouldBlock()) return;
+    if (count <= 0) return Drop(session);
+    SessionReceive(session, bytes, static_cast<size_t>(count));
+}
+
+bool HasRoom(const Session& session) { return session.out.size() < kOutLimit; }
+
+// A session that is ending is still read, so that a client that goes away is noticed.
+short WantedEvents(const Session& session) {
+    const int read = HasRoom(session) ? POLLIN : 0;
+    const int write = session.out.empty() ? 0 : POLLOUT;
+    return static_cast<short>(read | write);
+}
+
+void Attend(Session& session, int events) {
+    if ((events & (POLLERR | POLLNVAL)) != 0) return Drop(session);
+    if ((events & (POLLIN | POLLHUP)) != 0) Read(session);
+    if (session.socket < 0) return;
+    const bool due = session.wake != 0 && session.wake <= Now() && HasRoom(session);
+    if (due && session.screen->tick != nullptr) session.screen->tick(session);
+    Flush(session);
+}
+
+// Milliseconds until the next page is due, -1 for never.
+long long Wait(const Sessions& sessions) {
+    long long first = -1;
+    for (const auto& session : sessions) {
+        if (session->wake == 0 || !HasRoom(*session)) continue;
+        const long long left = std::max(0LL, session->wake - Now());
+        if (first < 0 || left < first) first = left;
+    }
+    return first;
+}
+
+void PollOnce(int listener, bool accepting, Sessions& sessions, const sigset_t& mask) {
+    const bool room = accepting && sessions.size() < kMostSessions;
+    std::vector<pollfd> polled;
+    polled.push_back({room ? listener : -1, POLLIN, 0});
+    for (const auto& session : sessions) {
+        polled.push_back({session->socket, WantedEvents(*session), 0});
+    }
+    const long long wait = Wait(sessions);
+    const timespec limit = {static_cast<time_t>(wait / 1000),
+                            static_cast<long>(wait % 1000) * 1000000L};
+    if (ppoll(polled.data(), polled.size(), wait < 0 ? nullptr : &limit, &mask) < 0) return;
+    for (size_t i = 0; i < sessions.size(); ++i) Attend(*sessions[i], polled[i + 1].revents);
+    std::erase_if(sessions, [](const auto& session) { return session->socket < 0; });
+    if ((polled[0].revents & POLLIN) != 0) Accept(listener, sessions);
+}
+
+}  // namespace
+
+int ListenOnLoopback(int& port) {
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (listener < 0) return -1;
+    const int on = 1;
+    setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    if (bind(listener, reinterpret_cast<sockaddr*>(&address), size) < 0 ||
+        listen(listener, 32) < 0 ||
+        getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) < 0) {
+        close(listener);
+        return -1;
+    }
+    port = ntohs(address.sin_port);
+    return listener;
+}
+
+void Serve(int listener, bool once) {
+    const sigset_t mask = CatchStopSignals();
+    Sessions sessions;
+    bool accepting = true;
+    while (g_stop == 0) {
+        PollOnce(listener, accepting, sessions, mask);
+        if (once && !sessions.empty()) accepting = false;
+        if (!accepting && sessions.empty()) break;
+    }
+    close(listener);
+    for (const auto& session : sessions) close(session->socket);
+}
