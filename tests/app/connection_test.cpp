@@ -1,0 +1,305 @@
+// The connection manager against a host whose every byte the test decides.
+#include <gtest/gtest.h>
+
+#include "app/session_state.h"
+#include "platform/qt/testing.h"
+#include "platform/qt/testing_services.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+const char kClosed[] = "Error: Connection to the UNIX Host has been closed...";
+const char kNotPossible[] = "Error: Not possible to create a session to the UNIX Host";
+
+TEST(Connection, BytesOfTheHostReachTheGridAndTheGlass) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\r\nsecond line");
+        EXPECT_TRUE(
+            Eventually([] { return DrawnText().find("second line") != std::string::npos; }));
+    });
+}
+
+TEST(Connection, TypedTextReachesTheHost) {
+    FakeHost host;
+    WithSession(host, [&] {
+        TypeText("ls -l\n");
+        EXPECT_EQ(host.Read(6), "ls -l\r");
+    });
+}
+
+TEST(Connection, SilentHostNeverBringsTheSessionOnline) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        Sleep(700);
+        OnWindowThread([] {
+            EXPECT_EQ(session.connected, 0u);
+            EXPECT_EQ(session.connect_pending, 1u);
+            EXPECT_EQ(StatusText().substr(0, 10), "   request");
+        });
+    });
+}
+
+TEST(Connection, ConnectingWhileARequestIsPendingDoesNothing) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        Connect();
+        EXPECT_EQ(AwaitBox(200), "");
+        host.Send("x");
+        EXPECT_TRUE(Online());
+    });
+}
+
+TEST(Connection, ConnectingWhileOnlineShowsAlreadyASession) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ConnectLater();
+        DismissBox("Error: Already a session to the UNIX Host");
+        host.Send(" again");
+        EXPECT_TRUE(TerminalShows("hello again"));
+    });
+}
+
+TEST(Connection, DottedAddressIsNeverLookedUpByName) {
+    FakeHost host;
+    services_test_hooks.host_lookups = 0;
+    WithSession(host, [] {});
+    EXPECT_EQ(services_test_hooks.host_lookups, 0);
+}
+
+TEST(Connection, NameIsLookedUp) {
+    FakeHost host;
+    services_test_hooks.host_lookups = 0;
+    RunProgram({}, [&] {
+        SetHost(u"localhost", host.port);
+        Connect();
+        EXPECT_TRUE(host.Accept());
+    });
+    EXPECT_EQ(services_test_hooks.host_lookups, 1);
+}
+
+TEST(Connection, UnknownNameIsReportedAndTheNextConnectWorks) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"no-such-host.invalid", host.port);
+        ConnectLater();
+        DismissBox("Error: Cannot connect to the UNIX Host");
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("x");
+        EXPECT_TRUE(Online());
+    });
+}
+
+TEST(Connection, RefusedConnectionShowsNotPossibleAndTheNextConnectWorks) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", RefusingPort());
+        Connect();
+        DismissBox(kNotPossible);
+        EXPECT_TRUE(Offline());
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("x");
+        EXPECT_TRUE(Online());
+    });
+}
+
+TEST(Connection, OnlyTheLowSixteenBitsOfThePortCount) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port + 65536);
+        Connect();
+        EXPECT_TRUE(host.Accept());
+        OnWindowThread([] { EXPECT_EQ(session.peer.sin_family, 2); });
+    });
+}
+
+TEST(Connection, NoSocketIsReported) {
+    RunProgram({.before = [] { services_test_hooks.fail_socket = true; }}, [&] {
+        SetHost(u"127.0.0.1", 23);
+        ConnectLater();
+        DismissBox("Error: Cannot open the socket interface. Maybe TCP/IP is missing");
+        services_test_hooks = {};
+    });
+}
+
+TEST(Connection, OtherErrorsAreShownWithTheirNumber) {
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", 23);
+        services_test_hooks.force_connect_error = 10051;
+        ConnectLater();
+        DismissBox("Error: Connection to the UNIX Host has failed (10051)");
+        services_test_hooks = {};
+        EXPECT_TRUE(Offline());
+    });
+}
+
+TEST(Connection, WithoutNetworkAndEntriesTheQuestionHasAnEmptyName) {
+    RunProgram({}, [&] {
+        services_test_hooks.dial_up_folder = FreshRoot();
+        services_test_hooks.force_connect_error = WSAEHOSTUNREACH;
+        SetHost(u"127.0.0.1", 23);
+        ConnectLater();
+        EXPECT_EQ(AwaitBox(),
+                  "Request: No active network. Should I dial a network using modem () ?");
+        PressCancel();
+        EXPECT_TRUE(Offline());
+        OnWindowThread([] { EXPECT_EQ(session.dial_request, 0u); });
+        services_test_hooks = {};
+    });
+}
+
+TEST(Connection, WithoutNetworkTheFirstEntryIsTakenAndKept) {
+    const std::string peers = FreshRoot();
+    fclose(fopen((peers + "/ward").c_str(), "w"));
+    fclose(fopen((peers + "/annex").c_str(), "w"));
+    RunProgram({}, [&] {
+        services_test_hooks.dial_up_folder = peers;
+        services_test_hooks.force_connect_error = WSAEHOSTUNREACH;
+        SetHost(u"127.0.0.1", 23);
+        ConnectLater();
+        DismissBox("Request: No active network. Should I dial a network using modem (annex) ?");
+        EXPECT_TRUE(Eventually([] { return session.dial_request == 1; }));
+        OnWindowThread([] { EXPECT_EQ(std::u16string(session.settings.ras), u"annex"); });
+        services_test_hooks = {};
+    });
+}
+
+TEST(Connection, ANamedEntryIsAskedFor) {
+    RunProgram({}, [&] {
+        services_test_hooks.force_connect_error = WSAEHOSTUNREACH;
+        SetHost(u"127.0.0.1", 23);
+        OnWindowThread([] { lstrcpyW(session.settings.ras, u"depot"); });
+        ConnectLater();
+        EXPECT_EQ(AwaitBox(),
+                  "Request: No active network. Should I dial a network using modem (depot) ?");
+        PressCancel();
+        services_test_hooks = {};
+    });
+}
+
+TEST(Connection, DisconnectByCommandShowsNoMessage) {
+    FakeHost host;
+    WithSession(host, [&] {
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(host.Closed());
+        EXPECT_TRUE(Offline());
+        EXPECT_EQ(AwaitBox(300), "");
+        OnWindowThread([] { EXPECT_EQ(StatusText().substr(0, 10), "   offline"); });
+    });
+}
+
+TEST(Connection, HostThatDropsTheLineIsReported) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Drop();
+        DismissBox(kClosed);
+        EXPECT_TRUE(Offline());
+    });
+}
+
+TEST(Connection, HostThatResetsTheLineIsReported) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Reset();
+        DismissBox(kClosed);
+        EXPECT_TRUE(Offline());
+    });
+}
+
+TEST(Connection, HostThatDropsBeforeAnyByteCountsAsClosed) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Drop();
+        DismissBox(kClosed);
+    });
+}
+
+TEST(Connection, ExitOnDisconnectEndsTheProgramWithoutAMessage) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.settings.exit_dis = 1; });
+        host.Drop();
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_FALSE(ProgramRuns());
+    });
+}
+
+TEST(Connection, ExitOnDisconnectHoldsForTheUsersOwnDisconnectToo) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.settings.exit_dis = 1; });
+        PostToMain(WM_COMMAND, 40011);
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_FALSE(ProgramRuns());
+    });
+}
+
+TEST(Connection, CancellingARequestClosesItsSocketAndReportsIt) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        PostToMain(WM_COMMAND, 40011);
+        DismissBox("Warning: I am busy making a connection. Do you want to cancel the request");
+        DismissBox(kNotPossible);
+        EXPECT_TRUE(host.Closed());
+        EXPECT_TRUE(Offline());
+    });
+}
+
+// A chunk that the window thread has not taken yet keeps the thread from reading on: what the host
+// sends then waits in the sockets, and the host is held up.
+TEST(Connection, SlowTerminalSlowsTheSocket) {
+    FakeHost host;
+    WithSession(host, [&] {
+        size_t sent = 0;
+        OnWindowThread([&] {
+            const std::string block(65536, 'x');
+            for (int idle = 0; idle < 100;) {
+                const size_t n = host.TrySend(block);
+                sent += n;
+                idle = n > 0 ? 0 : idle + 1;
+                if (n == 0) Sleep(2);
+            }
+            EXPECT_LE(session.receive_count, 3000);
+            EXPECT_EQ(session.receive_ready, 0u);
+        });
+        EXPECT_GT(sent, 0u);
+        host.Send("\033[2J\033[Hall of it");
+        EXPECT_TRUE(TerminalShows("all of it"));
+    });
+}
+
+TEST(Connection, LocalEchoShowsTypedCharactersUntilTheHostEchoes) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\377\375\001\033[12l\033[2J\033[H");
+        ASSERT_TRUE(
+            Eventually([] { return session.modes.localecho == 1 && TerminalRow(1).empty(); }));
+        TypeText("abc");
+        EXPECT_TRUE(TerminalShows("abc"));
+        host.Send("\377\373\001");
+        ASSERT_TRUE(Eventually([] { return session.modes.localecho == 0; }));
+        TypeText("d");
+        host.ReadSome(200);
+        OnWindowThread([] { EXPECT_EQ(TerminalRow(1), "abc"); });
+    });
+}
+
+}  // namespace

@@ -1,0 +1,182 @@
+// Start-up: the order of things, the exit codes, one program a device.
+#include <gtest/gtest.h>
+#include <filesystem>
+#include <QProcess>
+
+#include "app/session_state.h"
+#include "config/settings.h"
+#include "platform/qt/testing.h"
+#include "platform/qt/testing_services.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/person.h"
+
+namespace {
+
+const char kImportNotice[] = "Quill Telnet: Installing configuration from file \\mconfig.cfg ";
+
+void RegisterTaken(LPCWSTR name) {
+    WNDCLASSW taken = {};
+    taken.lpfnWndProc = DefWindowProcW;
+    taken.lpszClassName = name;
+    ASSERT_NE(RegisterClassW(&taken), 0);
+}
+
+TEST(StartUp, FirstStartShowsAnOfflineWindow) {
+    EXPECT_EQ(
+        RunProgram({},
+                   [] {
+                       ASSERT_TRUE(Eventually([] { return IsWindowVisible(session.main_window); }));
+                       OnWindowThread([] {
+                           EXPECT_EQ(Title(), "Quill Telnet  []");
+                           EXPECT_EQ(StatusText(), "   offline    row: 1  column: 1     ");
+                           EXPECT_NE(session.accelerators, nullptr);
+                       });
+                   }),
+        0);
+}
+
+TEST(StartUp, ClassTakenEndsWithCode1) {
+    EXPECT_EQ(RunProgram({.before = [] { RegisterTaken(u"TELNET"); }}, [] {}), 1);
+}
+
+TEST(StartUp, ClientClassTakenEndsWithCode2) {
+    EXPECT_EQ(RunProgram({.before = [] { RegisterTaken(u"ClientWnd"); }}, [] {}), 2);
+}
+
+TEST(StartUp, NoMainWindowEndsWithCode16) {
+    EXPECT_EQ(RunProgram({.before = [] { RefuseWindows(u"TELNET"); }}, [] {}), 16);
+}
+
+TEST(StartUp, NoClientWindowDestroysTheMainWindowAndEndsWithCode16) {
+    EXPECT_EQ(RunProgram({.before = [] { RefuseWindows(u"ClientWnd"); }}, [] {}), 16);
+}
+
+TEST(StartUp, WithoutSocketLibraryTheErrorIsShownAndTheProgramEnds) {
+    Stage stage{.config = "autoconnect = 1\nhost = \"127.0.0.1\"\n",
+                .before = [] { services_test_hooks.fail_startup = true; }};
+    EXPECT_EQ(RunProgram(stage,
+                         [] {
+                             DismissBox(kImportNotice);
+                             DismissBox("Error: cannot find WinSock DLL. Maybe TCP/IP is missing");
+                             for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+                             EXPECT_FALSE(ProgramRuns());
+                         }),
+              0);
+    services_test_hooks = {};
+}
+
+TEST(StartUp, WithoutSocketLibraryTheSettingsAreStillSaved) {
+    const std::string root = FreshRoot();
+    RunProgram({.root = root, .before = [] { services_test_hooks.fail_startup = true; }},
+               [] { PressOk(); });
+    services_test_hooks = {};
+    RunProgram({.root = root, .before = [] { EXPECT_EQ(ReadNumber(u"fsize", 99), 8u); }}, [] {});
+}
+
+TEST(StartUp, AutoconnectWithEmptyHostReportsItAtOnce) {
+    RunProgram({.config = "autoconnect = 1\n"}, [] {
+        DismissBox(kImportNotice);
+        DismissBox("Error: Cannot connect to the UNIX Host");
+    });
+}
+
+TEST(StartUp, ConfigurationFileTakesEffectInTheSameRun) {
+    FakeHost host;
+    const std::string root = FreshRoot();
+    RunProgram({.root = root, .config = host.Config()}, [&] {
+        DismissBox(kImportNotice);
+        EXPECT_TRUE(host.Accept());
+        EXPECT_FALSE(std::filesystem::exists(root + "/mconfig.cfg"));
+    });
+    RunProgram({.root = root}, [&] {
+        EXPECT_TRUE(host.Accept()) << "the settings were kept";
+        EXPECT_EQ(AwaitBox(300), "") << "the notice is shown once only";
+    });
+}
+
+TEST(StartUp, SettingsAreSavedAtExit) {
+    const std::string root = FreshRoot();
+    RunProgram({.root = root}, [] { OnWindowThread([] { session.settings.fsize = 11; }); });
+    RunProgram({.root = root},
+               [] { OnWindowThread([] { EXPECT_EQ(session.settings.fsize, 11u); }); });
+}
+
+TEST(StartUp, CloseButtonEndsTheProgramWithCode0) {
+    EXPECT_EQ(RunProgram({},
+                         [] {
+                             PostToMain(WM_CLOSE);
+                             for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+                             EXPECT_FALSE(ProgramRuns());
+                         }),
+              0);
+}
+
+int StartSecond(const std::string& root) {
+    QProcess second;
+    second.start(QUILL_PROGRAM, {"-platform", "offscreen", "--scale", "1", "--root",
+                                 QString::fromStdString(root)});
+    EXPECT_TRUE(second.waitForFinished(20000));
+    return second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
+}
+
+TEST(StartUp, SecondStartShowsTheFirstAndEndsWithCode0) {
+    const std::string root = FreshRoot();
+    RunProgram({.root = root}, [&] {
+        OnWindowThread([] { DeviceScreen()->hide(); });
+        EXPECT_EQ(StartSecond(root), 0);
+        EXPECT_TRUE(Eventually([] { return DeviceScreen()->isVisible(); }));
+    });
+}
+
+TEST(StartUp, SecondStartLeavesTheFirstSessionAlone) {
+    FakeHost host;
+    const std::string root = FreshRoot();
+    RunProgram({.root = root, .config = host.Config()}, [&] {
+        DismissBox(kImportNotice);
+        ASSERT_TRUE(host.Accept());
+        host.Send("still here");
+        ASSERT_TRUE(TerminalShows("still here"));
+        EXPECT_EQ(StartSecond(root), 0);
+        host.Send(", and after");
+        EXPECT_TRUE(TerminalShows("still here, and after"));
+    });
+}
+
+TEST(StartUp, ResetLeavesNoValueAndEndsTheProgram) {
+    const std::string root = FreshRoot();
+    RunProgram({.root = root}, [] { OnWindowThread([] { SaveSettings(); }); });
+    RunProgram({.root = root}, [] {
+        PostToMain(WM_COMMAND, 40111);
+        DismissBox("Warning: Do you really want to reset the configuration");
+        DismissBox("Warning: Are you sure!");
+        DismissBox("Information: Program will exit to complete the reset");
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_FALSE(ProgramRuns());
+    });
+    RunProgram({.root = root,
+                .before =
+                    [] {
+                        EXPECT_EQ(ReadNumber(u"fsize", 77), 77u);
+                        EXPECT_EQ(ReadNumber(u"tbar0", 77), 77u);
+                        EXPECT_EQ(std::u16string(ReadString(u"key65", u"none")), u"none");
+                    }},
+               [] {});
+}
+
+TEST(StartUp, ResetIsCalledOffByEitherCancel) {
+    RunProgram({}, [] {
+        PostToMain(WM_COMMAND, 40111);
+        EXPECT_NE(AwaitBox(), "");
+        PressCancel();
+        EXPECT_TRUE(Eventually([] { return ShownMessageBox() == nullptr; }));
+        PostToMain(WM_COMMAND, 40111);
+        DismissBox("Warning: Do you really want to reset the configuration");
+        EXPECT_TRUE(Eventually([] { return ShownMessageBox() != nullptr; }));
+        PressCancel();
+        EXPECT_EQ(AwaitBox(200), "");
+        OnWindowThread([] { EXPECT_EQ(session.save_settings, 1u); });
+        EXPECT_TRUE(ProgramRuns());
+    });
+}
+
+}  // namespace
