@@ -1,0 +1,126 @@
+# What ./run and ./test need from the system's package manager (Debian 12, Ubuntu 24.04), and how it
+# is got. Sourced by both; plain POSIX sh.
+
+# Two names for one thing: the first is taken that is installed or can be had.
+# NAME|OTHER is written with a bar.
+PACKAGES_BUILD="g++ cmake ninja-build qt6-base-dev libsqlite3-dev binutils-mingw-w64-x86-64"
+PACKAGES_SHOW="fonts-dejavu-core"
+PACKAGES_HEADLESS="xvfb"
+# libkrb5-3 is for the unpacked telnetd of the peer tests, libvterm-dev for the benchmarks.
+PACKAGES_TEST="libgtest-dev clang libclang-rt-dev|libclang-rt-14-dev|libclang-rt-18-dev
+    xvfb xauth x11-utils xdotool imagemagick socat libkrb5-3 libvterm-dev"
+TOOLS_BUILD="c++ cmake ninja x86_64-w64-mingw32-windres"
+
+is_installed() {
+    [ "$(dpkg-query -W -f '${Status}' "$1" 2>/dev/null)" = "install ok installed" ]
+}
+
+can_be_had() {
+    [ -n "$(apt-cache madison "$1" 2>/dev/null)" ]
+}
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        echo "This needs root and there is no sudo: $*" >&2
+        return 1
+    fi
+}
+
+# Names of what is missing, one alternative of each choice.
+missing_packages() {
+    for choice; do
+        found=
+        first=
+        for name in $(echo "$choice" | tr '|' ' '); do
+            if is_installed "$name"; then
+                found=yes
+                break
+            fi
+            [ -n "$first" ] || ! can_be_had "$name" || first=$name
+        done
+        [ -n "$found" ] || echo "${first:-${choice%%|*}}"
+    done
+}
+
+all_can_be_had() {
+    for name; do
+        can_be_had "$name" || return 1
+    done
+}
+
+apt_quietly() {
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=300 "$@" \
+        >"$packages_log" 2>&1
+}
+
+install_with_apt() {
+    packages_log=$(mktemp "${TMPDIR:-/tmp}/quill-packages.XXXXXX")
+    missing=$(missing_packages "$@")
+    if [ -n "$missing" ] && ! all_can_be_had $missing; then
+        echo "Fetching the package lists ..."
+        apt_quietly update || cat "$packages_log" >&2
+        missing=$(missing_packages "$@")
+    fi
+    if [ -n "$missing" ]; then
+        echo "Installing:" $missing
+        if ! apt_quietly install -y --no-install-recommends $missing; then
+            # The lists may be older than what the servers have.
+            apt_quietly update &&
+                apt_quietly install -y --no-install-recommends $missing || {
+                tail -n 20 "$packages_log" >&2
+                rm -f "$packages_log"
+                echo "These packages could not be installed:" $missing >&2
+                return 1
+            }
+        fi
+    fi
+    rm -f "$packages_log"
+}
+
+# install_packages PACKAGES...: installs what is missing. Without apt-get it prints the list and
+# succeeds if the tools for building are there.
+install_packages() {
+    if command -v apt-get >/dev/null && command -v dpkg-query >/dev/null; then
+        install_with_apt "$@"
+        return
+    fi
+    echo "There is no apt-get here. These packages (Debian's names) are needed:"
+    for choice; do echo "    ${choice%%|*}"; done
+    for tool in $TOOLS_BUILD; do
+        command -v "$tool" >/dev/null || {
+            echo "$tool is missing; install it and start again." >&2
+            return 1
+        }
+    done
+}
+
+# configure_preset PRESET [CMAKE OPTIONS...] and build_preset PRESET [TARGETS...]: quiet but for
+# the builder's own progress line on a terminal; the log is shown when something fails.
+configure_preset() {
+    mkdir -p build
+    cmake --preset "$@" >"build/$1-configure.log" 2>&1 || {
+        tail -n 40 "build/$1-configure.log" >&2
+        return 1
+    }
+}
+
+build_preset() {
+    preset=$1
+    shift
+    targets=
+    [ $# -eq 0 ] || targets="--target $*"
+    if [ -t 1 ]; then
+        cmake --build --preset "$preset" -j "$(job_count)" $targets
+        return
+    fi
+    cmake --build --preset "$preset" -j "$(job_count)" $targets >"build/$preset-build.log" 2>&1 || {
+        grep -A 15 FAILED "build/$preset-build.log" >&2 || tail -n 40 "build/$preset-build.log" >&2
+        return 1
+    }
+}
+
+job_count() { echo "${QUILL_JOBS:-$(getconf _NPROCESSORS_ONLN)}"; }

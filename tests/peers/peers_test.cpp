@@ -1,0 +1,160 @@
+// The program against real servers: logins typed by a person, what the terminal type brings,
+// much output, a test suite for terminals.
+#include <gtest/gtest.h>
+#include <QProcess>
+
+#include "app/session_state.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+// A server script that prints its port; it ends when its input closes.
+struct Server {
+    explicit Server(const QString& script, const QStringList& arguments = {}) {
+        process.start(QUILL_PEERS "/" + script, arguments);
+        process.waitForReadyRead(120000);
+        port = process.readLine().trimmed().toInt();
+        if (port == 0) process.waitForFinished(10000);
+    }
+    ~Server() {
+        process.closeWriteChannel();
+        if (!process.waitForFinished(10000)) process.kill(), process.waitForFinished();
+    }
+    bool Skipped() const {
+        return process.state() == QProcess::NotRunning && process.exitCode() == 77;
+    }
+    QProcess process;
+    int port = 0;
+};
+
+#define START_OR_SKIP(server)                                                                      \
+    if ((server).Skipped()) GTEST_SKIP() << (server).process.readAllStandardError().toStdString(); \
+    ASSERT_GT((server).port, 0) << (server).process.readAllStandardError().toStdString()
+
+void LogIn() {
+    ASSERT_TRUE(TerminalShows("ogin:")) << TerminalText();
+    TypeText("visitor\n");
+    ASSERT_TRUE(TerminalShows("assword:")) << TerminalText();
+    TypeText("warehouse7\n");
+    ASSERT_TRUE(TerminalShows("$ ")) << TerminalText();
+}
+
+void ClearAndRun(const std::string& command) {
+    TypeText("clear\n");
+    ASSERT_TRUE(Eventually([] { return TerminalRow(1) == "$"; })) << TerminalText();
+    TypeText(command + "\n");
+}
+
+void WithLogin(Server& server, const std::function<void()>& person) {
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", server.port);
+        Connect();
+        LogIn();
+        if (!testing::Test::HasFatalFailure()) person();
+    });
+}
+
+// 20,000 numbered lines and their checksum, taken from the screen's end and by the pager's way.
+void ManyLines() {
+    ClearAndRun("seq 1 20000 | sed 's/^/line /'; echo \"the \"end");
+    ASSERT_TRUE(Eventually(
+        [] { return TerminalText().find("line 20000\nthe end") != std::string::npos; }, 60000))
+        << TerminalText();
+    for (int back = 0; back < 20; back++) {
+        const std::string line = "line " + std::to_string(20000 - back);
+        EXPECT_NE(TerminalText().find(line), std::string::npos) << line;
+    }
+}
+
+TEST(InetutilsTelnetd, LoginTypedByAPerson) {
+    Server server("telnetd.sh");
+    START_OR_SKIP(server);
+    WithLogin(server, [] {
+        ClearAndRun("id -un");
+        EXPECT_TRUE(TerminalShows("\nvisitor\n")) << TerminalText();
+        OnWindowThread([] { EXPECT_EQ(session.modes.localecho, 0u) << "the host echoes"; });
+    });
+}
+
+TEST(InetutilsTelnetd, TerminalTypeAndSizeArrive) {
+    Server server("telnetd.sh");
+    START_OR_SKIP(server);
+    WithLogin(server, [] {
+        ClearAndRun("echo type=$TERM; stty -a");
+        EXPECT_TRUE(TerminalShows("type=vt220")) << TerminalText();
+        EXPECT_TRUE(TerminalShows("erase = ")) << TerminalText();
+        EXPECT_TRUE(TerminalShows(" echo ")) << TerminalText();
+    });
+}
+
+TEST(InetutilsTelnetd, TwentyThousandLinesIntact) {
+    Server server("telnetd.sh");
+    START_OR_SKIP(server);
+    WithLogin(server, [] { ManyLines(); });
+}
+
+TEST(InetutilsTelnetd, VttestDrawsItsFirstScreen) {
+    Server server("telnetd.sh");
+    START_OR_SKIP(server);
+    WithLogin(server, [] {
+        ClearAndRun("vttest 24x80.80");
+        ASSERT_TRUE(TerminalShows("Choose test type:")) << TerminalText();
+        TypeText("1\n");
+        ASSERT_TRUE(TerminalShows("The screen should be cleared")) << TerminalText();
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(1), std::string(80, '*'));
+            EXPECT_EQ(TerminalRow(24), std::string(80, '*'));
+            EXPECT_EQ(TerminalRow(2), "*" + std::string(78, '+') + "*");
+        });
+    });
+}
+
+TEST(InetutilsTelnetd, TheServersEndIsReported) {
+    Server server("telnetd.sh");
+    START_OR_SKIP(server);
+    WithLogin(server, [] {
+        TypeText("exit\n");
+        DismissBox("Error: Connection to the UNIX Host has been closed...");
+    });
+}
+
+TEST(BusyboxTelnetd, LoginTypedByAPerson) {
+    Server server("busybox_telnetd.sh");
+    START_OR_SKIP(server);
+    WithLogin(server, [] {
+        ClearAndRun("id -un");
+        EXPECT_TRUE(TerminalShows("\nvisitor\n")) << TerminalText();
+    });
+}
+
+TEST(BusyboxTelnetd, TwentyThousandLinesIntact) {
+    Server server("busybox_telnetd.sh");
+    START_OR_SKIP(server);
+    WithLogin(server, [] { ManyLines(); });
+}
+
+TEST(NoNetwork, QuestionIsAskedWhereNoInterfaceIsUp) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root for a network name space";
+    QProcess inside;
+    inside.start("unshare",
+                 {"-n", QCoreApplication::applicationFilePath(), "--gtest_also_run_disabled_tests",
+                  "--gtest_filter=NoNetwork.DISABLED_Inside"});
+    ASSERT_TRUE(inside.waitForFinished(60000));
+    EXPECT_EQ(inside.exitCode(), 0) << inside.readAll().toStdString();
+}
+
+// Run by the test above in a network name space without interfaces.
+TEST(NoNetwork, DISABLED_Inside) {
+    RunProgram({}, [] {
+        SetHost(u"192.0.2.1", 23);
+        OnWindowThread([] { lstrcpyW(session.settings.ras, u"depot"); });
+        ConnectLater();
+        EXPECT_EQ(AwaitBox(),
+                  "Request: No active network. Should I dial a network using modem (depot) ?");
+        PressCancel();
+        EXPECT_TRUE(Offline());
+    });
+}
+
+}  // namespace

@@ -1,0 +1,72 @@
+#!/bin/sh
+# Serves a command, inetd style, on a free port of 127.0.0.1, in name spaces of its own: a throwaway
+# copy of /etc with the user "visitor" (password "warehouse7", shell bash, prompt "$ ", vttest on
+# its path), throwaway login records, and process numbers of its own, so that everything it started
+# ends with it. The machine's own files are not written.
+# Prints the port as its first line. Runs until its standard input closes or it gets SIGTERM.
+# Exit codes: 0 ended as told, 77 not possible here (not root, no name spaces, a tool missing),
+# other than that an error.
+# Usage: serve.sh "COMMAND ARGUMENTS"; what unpack.sh unpacked stands in /mnt/peers.
+set -eu
+[ $# -eq 1 ] || { echo "usage: serve.sh COMMAND" >&2; exit 2; }
+
+skip() { echo "serve.sh: $1" >&2; exit 77; }
+
+# Inside the name spaces.
+serve_inside() {
+    here=$(cd "$(dirname "$0")" && pwd)
+    peers=${QUILL_PEERS_DIR:-$here/../../build/peers}
+    mount -t tmpfs -o mode=755 quill-peers /mnt
+    mkdir /mnt/etc /mnt/home /mnt/peers /mnt/log
+    mount --bind "$peers/root" /mnt/peers
+    cp -a /etc/. /mnt/etc/
+    mount --bind /mnt/etc /etc
+    mount --bind /mnt/log /var/log
+    : >/mnt/utmp
+    [ ! -e /run/utmp ] || mount --bind /mnt/utmp /run/utmp
+    printf '%s\n' 'auth required pam_unix.so' 'account required pam_unix.so' \
+        'session required pam_permit.so' >/etc/pam.d/login
+    useradd -d /mnt/home/visitor -m -s /bin/bash visitor >/dev/null 2>&1
+    echo visitor:warehouse7 | chpasswd
+    : >/mnt/home/visitor/.hushlogin
+    printf '%s\n' "PS1='\$ '" 'PATH=$PATH:/mnt/peers/usr/bin' 'unset PROMPT_COMMAND' \
+        >/mnt/home/visitor/.bash_profile
+
+    cd /
+
+    # Debug level 2 makes socat say which port it got.
+    # The environment is always the same: nothing of the caller's, and no start-up files.
+    env -i PATH="$PATH" HOME=/mnt TERM=vt100 SHELL=/bin/sh socat -d -d -lf/mnt/socat.log \
+        TCP4-LISTEN:0,bind=127.0.0.1,reuseaddr,fork,nodelay EXEC:"$1",nofork </dev/null >&2 &
+    port=
+    tries=0
+    while [ -z "$port" ] && [ $tries -lt 100 ]; do
+        sleep 0.05
+        port=$(sed -n 's/.*listening on .*127\.0\.0\.1:\([0-9]*\).*/\1/p' /mnt/socat.log 2>/dev/null)
+        tries=$((tries + 1))
+    done
+    [ -n "$port" ] || { cat /mnt/socat.log >&2; exit 1; }
+    echo "$port"
+    exec >/dev/null
+    cat >/dev/null
+}
+
+if [ "${QUILL_PEERS_INSIDE:-}" = 1 ]; then
+    serve_inside "$1"
+    exit 0
+fi
+
+[ "$(id -u)" = 0 ] || skip "needs root for a login in name spaces of its own"
+for tool in unshare socat useradd chpasswd mount; do
+    command -v "$tool" >/dev/null || skip "$tool is missing"
+done
+[ -x /bin/login ] || skip "/bin/login is missing"
+unshare -m -p -f --mount-proc true 2>/dev/null || skip "name spaces are not allowed here"
+
+exec 3<&0
+QUILL_PEERS_INSIDE=1 unshare -m -p -f --mount-proc --kill-child=KILL "$0" "$1" <&3 &
+space=$!
+exec 3<&-
+# unshare itself lets SIGTERM pass; its end takes all within along.
+trap 'kill -KILL $space 2>/dev/null; exit 0' TERM INT HUP
+wait $space
