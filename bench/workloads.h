@@ -1,0 +1,16 @@
+// The byte streams that the engine benchmark feeds, each a quarter of a megabyte or a recording.
+#ifndef QUILL_BENCH_WORKLOADS_H
+#define QUILL_BENCH_WORKLOADS_H
+
+#include <string>
+#include <vector>
+
+struct Workload {
+    const char* name;
+    std::string text;
+};
+
+// Always the same bytes. A recording that cannot be read ends the program with a message.
+std::vector<Workload> MakeWorkloads();
+
+#endif

@@ -1,0 +1,58 @@
+// Any bytes into the terminal, three times: one by one with its bounds checked after each, as one
+// chunk, and cut where the input's first four bytes say. All must end alike and answer alike.
+#include <cstdio>
+#include <cstdlib>
+
+#include "terminal/screen_buffer.h"
+#include "tests/terminal/terminal_state.h"
+
+static const size_t kCutBytes = 4;
+
+BOOL MessageBeep(UINT) { return TRUE; }
+
+static void Require(const std::string& wrong, const char* when) {
+    if (wrong.empty()) return;
+    fprintf(stderr, "%s: %s\n", when, wrong.c_str());
+    abort();
+}
+
+static void FeedChecked(const std::string& bytes, std::string* replies) {
+    for (char c : bytes) {
+        FeedByteByByte(std::string(1, c), replies);
+        Require(FieldOutOfBounds(), "out of bounds");
+    }
+}
+
+static void FeedCut(const std::string& bytes, const uint8_t* cuts, std::string* replies) {
+    size_t turn = 0;
+    for (size_t at = 0; at < bytes.size();) {
+        const size_t length = cuts[turn++ % kCutBytes] + size_t{1};
+        FeedWhole(bytes.substr(at, length), replies);
+        at += length;
+    }
+}
+
+static void ReadEveryRow() {
+    SetSelection(1, 1, kScreenColumns, kScreenRows);
+    for (int row = 1; row <= kRingLines; ++row) GetPaintRow(row);
+    AnyBlinking();
+    MarkBlinkingRows();
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size < kCutBytes) return 0;
+    const std::string bytes(reinterpret_cast<const char*>(data) + kCutBytes, size - kCutBytes);
+    std::string one_by_one, whole, cut;
+    NewTerminal();
+    FeedChecked(bytes, &one_by_one);
+    const TerminalSnapshot expected = TakeSnapshot();
+    NewTerminal();
+    FeedWhole(bytes, &whole);
+    Require(FirstDifference(expected, TakeSnapshot()), "whole differs");
+    NewTerminal();
+    FeedCut(bytes, data, &cut);
+    Require(FirstDifference(expected, TakeSnapshot()), "cut differs");
+    Require(one_by_one == whole && one_by_one == cut ? "" : "replies", "replies differ");
+    ReadEveryRow();
+    return 0;
+}
