@@ -6,8 +6,7 @@ namespace {
 
 void WriteBanner(std::string& out) {
     const char* name = "HARBOUR STORES";
-    WriteAt(out, 3, 14, std::string("\x1b#3") + name);
-    WriteAt(out, 4, 14, std::string("\x1b#4") + name);
+    WriteAt(out, 4, 16, std::string("\x1b[1m").append(name).append("\x1b[m"));
     WriteGraphics(out, 6, 16, std::string(48, 'q'));
     WriteAt(out, 7, 16, "Quay 4, North Basin     stock and shipping desk");
     WriteGraphics(out, 8, 16, std::string(48, 'q'));

@@ -33,6 +33,13 @@ QRect InitialPlace(int x, int y, int width, int height) {
     return QRect(x, y, std::max(width, 0), std::max(height, 0));
 }
 
+std::vector<HWND> ChildrenOf(HWND parent) {
+    std::vector<HWND> children;
+    for (const auto& entry : g_windows)
+        if (entry.second->parent == parent) children.push_back(entry.second->handle);
+    return children;
+}
+
 void RemoveWindow(HWND handle) {
     Window* window = FindWindowRecord(handle);
     if (!window) return;
@@ -130,9 +137,9 @@ BOOL DestroyWindow(HWND handle) {
     if (!window || window->destroying) return FALSE;
     window->destroying = true;
     CallWindowProcedure(*window, WM_DESTROY, 0, 0);
-    for (Window* other : AllWindows())
-        if (other->parent == handle) DestroyWindow(other->handle);
-    if (FindWindowRecord(handle) && !window->parent) StopServingInstances();
+    for (const HWND child : ChildrenOf(handle)) DestroyWindow(child);
+    window = FindWindowRecord(handle);
+    if (window && !window->parent) StopServingInstances();
     RemoveWindow(handle);
     return TRUE;
 }

@@ -263,6 +263,15 @@ TEST(Connection, CancellingARequestClosesItsSocketAndReportsIt) {
     });
 }
 
+TEST(Connection, UrgentDataOfTheHostEndsTheSession) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.SendUrgent('!');
+        DismissBox(kClosed);
+        EXPECT_TRUE(Offline());
+    });
+}
+
 // A chunk that the window thread has not taken yet keeps the thread from reading on: what the host
 // sends then waits in the sockets, and the host is held up.
 TEST(Connection, SlowTerminalSlowsTheSocket) {

@@ -65,6 +65,8 @@ bool FakeHost::Send(const std::string& bytes) {
     return true;
 }
 
+void FakeHost::SendUrgent(char byte) { ::send(connection, &byte, 1, MSG_OOB | MSG_NOSIGNAL); }
+
 size_t FakeHost::TrySend(const std::string& bytes) {
     const ssize_t n = ::send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
     return n > 0 ? static_cast<size_t>(n) : 0;

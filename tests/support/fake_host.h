@@ -14,6 +14,7 @@ struct FakeHost {
 
     bool Accept(int milliseconds = 10000);  // the next connection, which replaces the one before
     bool Send(const std::string& bytes);
+    void SendUrgent(char byte);
     size_t TrySend(const std::string& bytes);                  // what the sockets take at once
     std::string Read(size_t count, int milliseconds = 10000);  // exactly, or what came in time
     std::string ReadSome(int milliseconds);                    // what comes within the time

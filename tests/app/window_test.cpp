@@ -1,0 +1,200 @@
+// The terminal as it stands drawn on the real window.
+#include <gtest/gtest.h>
+
+#include "app/session_state.h"
+#include "platform/qt/testing.h"
+#include "terminal/terminal_font.h"
+#include "terminal/view.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+bool Drawn(const std::string& text) {
+    return Eventually([&] { return DrawnText().find(text) != std::string::npos; });
+}
+
+QColor PixelOf(const QImage& picture, int row, int column, int x, int y) {
+    RECT client;
+    GetWindowRect(session.client_window, &client);
+    return picture.pixelColor(client.left + (column - 1) * session.view.cell_width + x,
+                              client.top + (row - 1) * session.view.cell_height + y);
+}
+
+TEST(Window, DefaultScreenShowsAll24RowsAnd80ColumnsWithoutScrollBars) {
+    FakeHost host;
+    Stage stage;
+    stage.width = 0;  // the size that the host chooses
+    stage.config = host.Config();
+    RunProgram(stage, [&] {
+        DismissBox("Quill Telnet: Installing configuration from file \\mconfig.cfg ");
+        ASSERT_TRUE(host.Accept());
+        host.Send("\033[24;80HX");
+        ASSERT_TRUE(Drawn("X"));
+        OnWindowThread([] {
+            EXPECT_GE(session.view.visible_rows, 24);
+            EXPECT_EQ(session.view.visible_columns, 80);
+            RECT whole, client;
+            GetWindowRect(session.client_window, &whole);
+            GetClientRect(session.client_window, &client);
+            EXPECT_EQ(whole.right - whole.left, client.right);
+            EXPECT_EQ(whole.bottom - whole.top, client.bottom);
+        });
+    });
+}
+
+TEST(Window, NarrowDeviceScrollsBothWays) {
+    FakeHost host;
+    Stage stage;
+    stage.width = 240, stage.height = 200;
+    stage.config = host.Config("followcursor = 0\n");
+    RunProgram(stage, [&] {
+        DismissBox("Quill Telnet: Installing configuration from file \\mconfig.cfg ");
+        ASSERT_TRUE(host.Accept());
+        host.Send("\033[1;1Htop left\033[24;70Hfar corner");
+        ASSERT_TRUE(Drawn("top left"));
+        OnWindowThread([] {
+            EXPECT_LT(session.view.visible_rows, 24);
+            EXPECT_LT(session.view.visible_columns, 80);
+            SendMessageW(session.client_window, WM_VSCROLL, SB_PAGEDOWN, 0);
+            SendMessageW(session.client_window, WM_HSCROLL,
+                         static_cast<WPARAM>(static_cast<DWORD>(MAKELONG(SB_THUMBPOSITION, 79))),
+                         0);
+        });
+        EXPECT_TRUE(Drawn("far corner"));
+    });
+}
+
+TEST(Window, FollowingTheCursorBringsItIntoView) {
+    FakeHost host;
+    Stage stage;
+    stage.width = 240, stage.height = 200;
+    stage.config = host.Config();
+    RunProgram(stage, [&] {
+        DismissBox("Quill Telnet: Installing configuration from file \\mconfig.cfg ");
+        ASSERT_TRUE(host.Accept());
+        host.Send("x");
+        ASSERT_TRUE(Drawn("x"));
+        host.Send("\033[24;70Hhere");
+        EXPECT_TRUE(Drawn("here"));
+    });
+}
+
+TEST(Window, GlyphsStandOnTheCellGrid) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\033[2J\033[H\033[7m" + std::string(80, ' ') +
+                  "\033[m\r\n\033(0x\033(B\033[2;80H|");
+        ASSERT_TRUE(Drawn("|"));
+        const QImage picture = Picture();
+        OnWindowThread([&] {
+            const int width = session.view.cell_width, height = session.view.cell_height;
+            EXPECT_EQ(PixelOf(picture, 1, 1, 0, 0), QColor(Qt::black));
+            EXPECT_EQ(PixelOf(picture, 1, 80, width - 1, height - 1), QColor(Qt::black));
+            EXPECT_EQ(PixelOf(picture, 2, 1, width / 2, 0), QColor(Qt::black)) << "the bar";
+            EXPECT_EQ(PixelOf(picture, 2, 1, width - 1, 0), QColor(Qt::white));
+        });
+    });
+}
+
+TEST(Window, CursorIsASteadyBlockInItsColour) {
+    FakeHost host;
+    WithSession(host, [&] {
+        for (int tick = 0; tick < 2; tick++) {
+            OnWindowThread([] {
+                session.settings.blink = 1;
+                BlinkTick();
+                UpdateWindow(session.client_window);
+            });
+            const QImage picture = Picture();
+            OnWindowThread([&] { EXPECT_EQ(PixelOf(picture, 1, 6, 0, 0), QColor(128, 128, 128)); });
+        }
+    });
+}
+
+TEST(Window, BoldBlinkingCellVanishesOnAlternateTicks) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\033[2J\033[H\033[1;5mMMMM\033[m");
+        ASSERT_TRUE(Drawn("MMMM"));
+        int coloured = 0, vanished = 0;
+        for (int tick = 0; tick < 2; tick++) {
+            OnWindowThread([] { BlinkTick(); });
+            const QImage picture = Picture();
+            OnWindowThread([&] {
+                bool bold = false;
+                for (int y = 0; y < session.view.cell_height; y++)
+                    bold |= PixelOf(picture, 1, 2, session.view.cell_width / 2, y).red() >
+                            PixelOf(picture, 1, 2, session.view.cell_width / 2, y).green() + 20;
+                bold ? coloured++ : vanished++;
+            });
+        }
+        EXPECT_EQ(coloured, 1);
+        EXPECT_EQ(vanished, 1);
+    });
+}
+
+TEST(Window, PaintsComeByTheFrameAndNotByTheChunk) {
+    FakeHost host;
+    WithSession(host, [&] {
+        std::string block;
+        for (int i = 0; i < 400; i++) block += "a line of the fast stream that scrolls by\r\n";
+        int before = 0, after = 0;
+        OnWindowThread([&] { before = PaintCount(); });
+        size_t sent = 0;
+        for (; sent < 30000000; sent += block.size()) host.Send(block);
+        host.Send("the end");
+        ASSERT_TRUE(TerminalShows("the end"));
+        OnWindowThread([&] { after = PaintCount(); });
+        const int chunks = static_cast<int>(sent / kReceiveSize);
+        EXPECT_LT(after - before, chunks / 4);
+        EXPECT_GT(after - before, 0);
+    });
+}
+
+TEST(Window, FontGrowsAndShrinksWithTheKeysOfTheAccelerators) {
+    RunProgram({}, [] {
+        ASSERT_TRUE(Eventually([] { return session.view.font != nullptr; }));
+        int height = 0;
+        OnWindowThread([&] { height = session.view.cell_height; });
+        PostToMain(WM_COMMAND, 40009);
+        EXPECT_TRUE(Eventually([&] { return session.view.cell_height == height + 1; }));
+        PostToMain(WM_COMMAND, 40010);
+        EXPECT_TRUE(Eventually([&] { return session.view.cell_height == height; }));
+        OnWindowThread([] { session.settings.fsize = 25; });
+        PostToMain(WM_COMMAND, 40009);
+        OnWindowThread([] {});
+        EXPECT_TRUE(Eventually([] { return session.settings.fsize == 25; }));
+    });
+}
+
+struct Size {
+    int width, height;
+};
+const Size kSizes[] = {{100, 80},  {4000, 3000}, {240, 320}, {640, 240}, {101, 2000},
+                       {3999, 81}, {350, 200},   {349, 200}, {800, 600}};
+
+TEST(Window, EverySizeOfTheDeviceWhileTheHostFloods) {
+    FakeHost host;
+    WithSession(host, [&] {
+        for (const Size& size : kSizes) {
+            for (int i = 0; i < 40; i++)
+                host.Send("flooding with text, \033[7mreverse\033[m _,\r\n");
+            ResizeDevice(size.width, size.height);
+            for (int i = 0; i < 40; i++) host.Send("\033[5mblinking\033[m and \033(0lqk\033(B\r\n");
+            OnWindowThread([] {
+                UpdateWindow(session.client_window);
+                EXPECT_GE(session.view.visible_rows, 0);
+                EXPECT_LE(session.view.visible_rows, 25);
+                EXPECT_GE(session.view.visible_columns, 0);
+                EXPECT_LE(session.view.visible_columns, 80);
+            });
+        }
+        host.Send("\033[2J\033[Hdone");
+        EXPECT_TRUE(TerminalShows("done"));
+        EXPECT_TRUE(Drawn("done"));
+    });
+}
+
+}  // namespace
