@@ -1,0 +1,196 @@
+// Sessions at their edges: ends that meet other steps half way, windows while the host floods.
+#include <gtest/gtest.h>
+#include <QInputMethodEvent>
+
+#include "app/connection.h"
+#include "app/main_window.h"
+#include "app/session_state.h"
+#include "platform/qt/testing.h"
+#include "platform/qt/window_widget.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+const char kClosed[] = "Error: Connection to the UNIX Host has been closed...";
+const char kMayClose[] = "Warning: Do you really want to close this program";
+
+// Sends without end until the program has closed its side.
+struct Flood {
+    explicit Flood(FakeHost& to) : host(to) {
+        for (int i = 0; i < 200; i++) block += "a line of the fast stream that scrolls by\r\n";
+    }
+    void Pour(int milliseconds) {
+        for (int passed = 0; passed < milliseconds; passed++) {
+            host.TrySend(block);
+            Sleep(1);
+        }
+    }
+    FakeHost& host;
+    std::string block;
+};
+
+TEST(SessionEdges, ConnectRightAfterADisconnectThatEndsTheProgramEndsIt) {
+    FakeHost host;
+    int code = -1;
+    code = RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("hello");
+        ASSERT_TRUE(TerminalShows("hello"));
+        OnWindowThread([] {
+            session.settings.exit_dis = 1;
+            SessionClose();
+            SessionConnect();
+            EXPECT_EQ(session.socket.load(), INVALID_SOCKET);
+        });
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_FALSE(ProgramRuns());
+    });
+    EXPECT_EQ(code, 0);
+}
+
+TEST(SessionEdges, StatusLineIsPaintedWhileTheHostFloods) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Flood flood(host);
+        flood.Pour(200);
+        OnWindowThread([] { StartRecording(); });
+        flood.Pour(500);
+        OnWindowThread([] {
+            int status = 0, terminal = 0;
+            for (const DrawCall& call : RecordedCalls()) {
+                status += call.window == session.status_window;
+                terminal += call.window == session.client_window;
+            }
+            EXPECT_GT(status, 0);
+            EXPECT_GT(terminal, 0);
+            StopRecording();
+        });
+    });
+}
+
+TEST(SessionEdges, RebuiltMenuBarsLeaveNoWidgetBehind) {
+    RunProgram({}, [] {
+        const auto widgets = [] { return DeviceScreen()->findChildren<QWidget*>().size(); };
+        qsizetype before = 0;
+        ASSERT_TRUE(Eventually([] { return session.view.font != nullptr; }));
+        OnWindowThread([&] { before = widgets(); });
+        for (int i = 0; i < 20; i++) PostToMain(WM_SOCKET_CONNECTED);
+        EXPECT_TRUE(Eventually([&] { return widgets() == before; }, 2000));
+    });
+}
+
+TEST(SessionEdges, CommittedTextAfterAKeyWithoutCharacterReachesTheHost) {
+    FakeHost host;
+    WithSession(host, [&] {
+        PressKey(Qt::Key_Up);
+        EXPECT_EQ(host.Read(3), "\033[A");
+        OnWindowThread([] {
+            QInputMethodEvent event;
+            event.setCommitString(QString(u"\u00e9t\u00e9"));
+            QApplication::sendEvent(QApplication::focusWidget(), &event);
+        });
+        EXPECT_EQ(host.Read(3), "\xe9t\xe9");
+    });
+}
+
+TEST(SessionEdges, MinimisingEndsTheProgramWhileTheHostFloods) {
+    FakeHost host;
+    int ended = 0;
+    WithSession(host, [&] {
+        Flood flood(host);
+        flood.Pour(100);
+        OnWindowThread([] { session.settings.xbox = 1, session.settings.confirm_exit = 0; });
+        PostToMain(WM_SIZE, SIZE_MINIMIZED);
+        for (int i = 0; i < 100 && ProgramRuns(); i++) flood.Pour(20);
+        ended = !ProgramRuns();
+    });
+    EXPECT_EQ(ended, 1);
+}
+
+TEST(SessionEdges, DataGoesOnWhileTheCloseQuestionIsOpen) {
+    FakeHost host;
+    int ended = 0;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.settings.confirm_exit = 1; });
+        PostToMain(WM_CLOSE);
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        host.Send("\r\nunder the box");
+        EXPECT_TRUE(TerminalShows("under the box"));
+        PressCancel();
+        EXPECT_TRUE(Eventually([] { return ShownMessageBox() == nullptr; }));
+        PostToMain(WM_CLOSE);
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        Flood flood(host);
+        flood.Pour(100);
+        PressOk();
+        for (int i = 0; i < 100 && ProgramRuns(); i++) flood.Pour(20);
+        ended = !ProgramRuns();
+    });
+    EXPECT_EQ(ended, 1);
+}
+
+TEST(SessionEdges, HostThatDropsUnderTheCloseQuestionIsReportedOnTop) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.settings.confirm_exit = 1; });
+        PostToMain(WM_CLOSE);
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        host.Drop();
+        EXPECT_TRUE(Eventually([] {
+            return ShownMessageBox() && ShownMessageBox()->text().contains("has been closed");
+        }));
+        DismissBox(kClosed);
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        PressOk();
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_FALSE(ProgramRuns());
+    });
+}
+
+TEST(SessionEdges, ExitOnDisconnectEndsTheProgramUnderAnOpenQuestion) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.settings.confirm_exit = session.settings.exit_dis = 1; });
+        PostToMain(WM_CLOSE);
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        host.Drop();
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_FALSE(ProgramRuns());
+    });
+}
+
+TEST(SessionEdges, TwoClosesAtOnceAskTwiceAndEndOnce) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] {
+            session.settings.confirm_exit = session.settings.xbox = 1;
+            PostMessageW(session.main_window, WM_SIZE, SIZE_MINIMIZED, 0);
+            PostMessageW(session.main_window, WM_CLOSE, 0, 0);
+        });
+        EXPECT_TRUE(Eventually([] {
+            return ShownMessageBox() && ShownMessageBox()->text().contains("this program");
+        }));
+        PressOk();
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_FALSE(ProgramRuns());
+    });
+}
+
+TEST(SessionEdges, CloseWhileARequestIsPendingEndsTheProgram) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        PostToMain(WM_CLOSE);
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_FALSE(ProgramRuns());
+        EXPECT_TRUE(host.Closed());
+    });
+}
+
+}  // namespace
