@@ -36,9 +36,14 @@ int FinishLastSession() {
     CloseSocket();
     if (!AwaitReceiveThread()) return 0;
     MSG message;
-    while (
-        PeekMessageW(&message, session.main_window, WM_SOCKET_DATA, WM_SOCKET_CONNECTED, PM_REMOVE))
+    while (PeekMessageW(&message, session.main_window, WM_SOCKET_DATA, WM_SOCKET_CONNECTED,
+                        PM_REMOVE)) {
+        if (message.message == WM_QUIT) {  // it passes every filter
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return 0;
+        }
         DispatchMessageW(&message);
+    }
     return 1;
 }
 
@@ -120,8 +125,8 @@ int RequestConnection(uint32_t address) {
         UpdateStatus();
         return 1;
     }
-    UpdateStatus();
     const int error = WSAGetLastError();
+    UpdateStatus();
     if (error == WSAEWOULDBLOCK) return 1;
     error == WSAEHOSTUNREACH ? AskToDial() : TellConnectError(error);
     session.connect_pending = 0;

@@ -128,9 +128,8 @@ void RebuildMenuBar() {
 }
 
 void LayoutMainWindow() {
-    if (!session.client_window) return;
     RECT room;
-    GetClientRect(session.main_window, &room);
+    if (!session.client_window || !GetClientRect(session.main_window, &room)) return;
     if (session.command_bar)
         MoveWindow(session.command_bar, 0, 0, room.right, session.command_bar_height, TRUE);
     MoveWindow(session.client_window, 0, session.command_bar_height, room.right,

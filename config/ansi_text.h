@@ -5,8 +5,8 @@
 
 #include "windows_ce.h"
 
-// Converts up to `capacity` - 1 units, fewer where the text ends before, and terminates. Returns the
-// length in bytes. What the code page does not hold becomes its default character.
+// Converts up to `capacity` - 1 units, fewer where the text ends before, and terminates. Returns
+// the length in bytes. What the code page does not hold becomes its default character.
 int AnsiFromWide(LPCWSTR text, char* bytes, int capacity);
 
 // The other way; returns the length in units.

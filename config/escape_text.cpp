@@ -15,9 +15,7 @@ void Emit(Output* output, int value) {
     if (output->count < output->capacity) output->bytes[output->count++] = static_cast<BYTE>(value);
 }
 
-bool IsOctalDigit(char c) {
-    return c >= '0' && c <= '7';
-}
+bool IsOctalDigit(char c) { return c >= '0' && c <= '7'; }
 
 // The digits at `text` as a value; moves past them.
 int TakeValue(const char** text) {

@@ -86,9 +86,9 @@ constexpr int kNotMapped = -1;
 struct KeyRange {
     int first;  // virtual keys
     int last;
-    int row;               // of `first` without modifiers, or kNotMapped
-    int row_shift;         // with Shift
-    int row_control;       // with Ctrl
+    int row;                // of `first` without modifiers, or kNotMapped
+    int row_shift;          // with Shift
+    int row_control;        // with Ctrl
     int row_shift_control;  // with both
 };
 
@@ -117,9 +117,7 @@ constexpr int kSavedUnits = 80;  // of a sequence or a default, terminator not c
 constexpr int kNameSize = 16;
 constexpr LPCWSTR kValueFormat = TEXT("key%d");
 
-bool EitherDown(int left, int right) {
-    return GetKeyState(left) != 0 || GetKeyState(right) != 0;
-}
+bool EitherDown(int left, int right) { return GetKeyState(left) != 0 || GetKeyState(right) != 0; }
 
 int RowOfRange(const KeyRange& range) {
     const bool shift = EitherDown(VK_LSHIFT, VK_RSHIFT);
@@ -188,6 +186,4 @@ void SaveKeyMap() {
     }
 }
 
-void DeleteKeyMap() {
-    DeleteNumberedValues(kValueFormat, kKeyRows);
-}
+void DeleteKeyMap() { DeleteNumberedValues(kValueFormat, kKeyRows); }

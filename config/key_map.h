@@ -17,9 +17,9 @@ struct KeyMapEntry {
 
 extern KeyMapEntry key_map[kKeyRows + 1];
 
-// The bytes of the row of a virtual key, with the modifiers that are down, NUL-terminated, so that a
-// 0 byte among them ends them. Null for a key that is not mapped. Good until the next call of this
-// or of UnescapeKeyText.
+// The bytes of the row of a virtual key, with the modifiers that are down, NUL-terminated, so that
+// a 0 byte among them ends them. Null for a key that is not mapped. Good until the next call of
+// this or of UnescapeKeyText.
 //
 // Shift moves function keys on by 20 rows (so Shift+F13 to F20 are rows 32 to 39) and Tab to
 // SHIFTTAB; digits count only with Ctrl. A modifier counts as down if its left or right key has any

@@ -113,9 +113,7 @@ LPCWSTR ReadString(LPCWSTR name, LPCWSTR fallback) {
     return text;
 }
 
-void WriteNumber(LPCWSTR name, DWORD value) {
-    WriteValue(name, REG_DWORD, &value, sizeof value);
-}
+void WriteNumber(LPCWSTR name, DWORD value) { WriteValue(name, REG_DWORD, &value, sizeof value); }
 
 void WriteString(LPCWSTR name, LPCWSTR text) {
     const DWORD units = static_cast<DWORD>(lstrlenW(text)) + 1;

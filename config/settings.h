@@ -11,9 +11,9 @@
 // more bytes is unreadable.
 DWORD ReadNumber(LPCWSTR name, DWORD fallback);
 
-// A value of any type as text of at most kSettingUnits - 1 units, cut there if it has no terminator.
-// A value of more than 80 bytes is unreadable. The result is good until the next call, or is
-// `fallback` itself.
+// A value of any type as text of at most kSettingUnits - 1 units, cut there if it has no
+// terminator. A value of more than 80 bytes is unreadable. The result is good until the next call,
+// or is `fallback` itself.
 LPCWSTR ReadString(LPCWSTR name, LPCWSTR fallback);
 
 void WriteNumber(LPCWSTR name, DWORD value);

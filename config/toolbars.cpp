@@ -63,6 +63,7 @@ DWORD OnBar(const ToolbarButton& button, int barNumber) {
 }  // namespace
 
 int ToolbarAction(int position, int barNumber) {
+    if (position < 0) return 0;
     for (const ToolbarButton* button = toolbar_buttons; button->name; button++)
         if (OnBar(*button, barNumber) && position-- == 0) return button->action;
     return 0;
@@ -89,6 +90,4 @@ void SaveToolbars() {
     }
 }
 
-void DeleteToolbars() {
-    DeleteNumberedValues(kValueFormat, kToolbarRows);
-}
+void DeleteToolbars() { DeleteNumberedValues(kValueFormat, kToolbarRows); }

@@ -57,12 +57,15 @@ bool Stale() {
 
 }  // namespace
 
+// A message box shown on the way lets other messages run, and a new session may begin in them: its
+// turn on the buffer is not this event's to give.
 void OnSocketEvent(WPARAM kind) {
+    const SOCKET served = session.socket.load(std::memory_order_acquire);
     if (kind == 1) {
         session.connect_pending = 0;
         SessionClosed();
     } else if (kind == 0 && !Stale()) {
         session.settings.ssh == 0 ? TakeTelnetChunk() : TakeSshChunk();
     }
-    HandBackBuffer();
+    if (session.socket.load(std::memory_order_acquire) == served) HandBackBuffer();
 }

@@ -28,8 +28,7 @@ static void BlankRows(int first, int last, bool selective, int reset_line_attr) 
 
 void BlankScreen(int reset_line_attr) { BlankRows(1, session.screen.rows, false, reset_line_attr); }
 
-// ---------------------------------------------------------------- CSI J and
-// CSI K
+// ---------------------------------------------------------------- CSI J and K
 
 typedef void (*EraseProcedure)(bool selective);
 

@@ -127,6 +127,7 @@ static int ScrollTarget(int code, const BarEvent& event) {
 
 static void Scroll(int bar, int code, int position, int cells, int visible, int* first) {
     int target = ScrollTarget(code, {*first, visible, position});
+    if (target == *first) return;  // as it may stand past the screen's end, only a step clamps it
     target = std::clamp(target, 0, std::max(cells - visible, 0));
     if (target == *first) return;
     *first = target;

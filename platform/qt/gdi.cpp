@@ -37,9 +37,13 @@ QRect FromRect(const RECT& rect) {
     return QRect(QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1));
 }
 
-void DrawMissingGlyph(QPainter& painter, const FontData& font, double x, double y, char16_t c) {
+// Of another font, so it may be wider than its cell.
+void DrawMissingGlyph(QPainter& painter, const FontData& font, const QRectF& cell, char16_t c) {
+    painter.save();
+    painter.setClipRect(cell, Qt::IntersectClip);
     painter.setFont(font.font);
-    painter.drawText(QPointF(x, y), QString(QChar(c)));
+    painter.drawText(QPointF(cell.left(), cell.bottom() - font.descent), QString(QChar(c)));
+    painter.restore();
 }
 
 // One run of glyphs, each at its own place.
@@ -56,13 +60,14 @@ void DrawGlyphs(SliceDeviceContext& dc, const FontData& font, int x, int y, LPCW
     for (UINT i = 0; i < count; i++) {
         const char16_t c = text[i];
         const quint32 glyph = c < 256 ? font.glyphs[c] : 0;
+        const double width = advances ? advances[i] : font.raw.averageCharWidth();
         if (glyph && c != u' ' && used < static_cast<int>(kMost)) {
             glyphs[static_cast<size_t>(used)] = glyph;
             places[static_cast<size_t>(used++)] = QPointF(left, baseline);
         } else if (c > u' ') {
-            DrawMissingGlyph(painter, font, left, baseline, c);
+            DrawMissingGlyph(painter, font, QRectF(left, y, width, font.height), c);
         }
-        left += advances ? advances[i] : font.raw.averageCharWidth();
+        left += width;
     }
     if (used == 0) return;
     QGlyphRun run;

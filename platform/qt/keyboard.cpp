@@ -28,6 +28,8 @@ const KeyRow kModifiers[] = {
 };
 // clang-format on
 
+constexpr int kProcessKey = 0xE5;  // a key press that the input method took
+
 KeyStates g_down;   // as the last event left them
 KeyStates g_taken;  // as they were for the message taken last
 
@@ -108,7 +110,10 @@ void QueueKeyEvent(HWND window, QKeyEvent* event, bool down) {
              event->isAutoRepeat() ? 1 << 30 : 0, down ? CharactersOf(*event, key) : QString());
 }
 
+// The input method's key press comes before its characters, as on the device.
 void QueueCommittedText(HWND window, const QString& text) {
+    if (text.isEmpty()) return;
+    QueueKey(window, WM_KEYDOWN, kProcessKey, 0, QString());
     for (const QChar character : text) QueueInput(window, WM_CHAR, character.unicode(), 0);
 }
 

@@ -35,6 +35,7 @@ QString g_key_characters;  // what TranslateMessage makes of the key taken last
 bool g_quit = false;
 int g_quit_code = 0;
 QElapsedTimer g_since_paint;
+HWND g_painted_last = nullptr;
 
 using TimerKey = std::pair<HWND, UINT_PTR>;
 std::map<TimerKey, std::unique_ptr<QTimer>> g_running_timers;
@@ -81,13 +82,19 @@ bool TakeTimer(MSG* message, HWND window, UINT first, UINT last, bool remove) {
     return false;
 }
 
+// The windows take turns, so that one that is never valid does not keep the others from painting.
 Window* InvalidWindow() {
+    Window* oldest = nullptr;
     for (Window* window : AllWindows()) {
         if (window->invalid.isEmpty() || !window->widget) continue;
-        if (window->widget->isVisible()) return window;
-        window->invalid = QRegion();  // shown again, it is painted whole
+        if (!window->widget->isVisible()) {
+            window->invalid = QRegion();  // shown again, it is painted whole
+            continue;
+        }
+        if (std::less<>()(g_painted_last, window->handle)) return window;
+        if (!oldest) oldest = window;
     }
-    return nullptr;
+    return oldest;
 }
 
 int MillisecondsToFrame() {
@@ -105,6 +112,8 @@ bool TakePaint(MSG* message, HWND window, UINT first, UINT last) {
 
 // Input that arrives while the queue is never empty is looked for once a frame.
 void CollectInput(bool wait) {
+    // The toolkit leaves this to its own loop, which never runs here.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     if (wait && g_dispatcher.load() == nullptr)
         g_dispatcher.store(QAbstractEventDispatcher::instance());
     if (!wait) return QCoreApplication::processEvents();
@@ -181,6 +190,7 @@ void ResetMessages() {
     g_key_characters.clear();
     g_quit = false;
     g_since_paint.invalidate();
+    g_painted_last = nullptr;
     g_dispatcher.store(nullptr);
 }
 
@@ -193,7 +203,9 @@ BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last) {
 }
 
 BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove) {
-    return Step(message, window, first, last, remove & PM_REMOVE, false);
+    if (!Step(message, window, first, last, remove & PM_REMOVE, false)) return FALSE;
+    if (message->message == WM_QUIT && (remove & PM_REMOVE)) g_quit = false;
+    return TRUE;
 }
 
 void RunModalLoop(const std::function<bool()>& done) {
@@ -228,6 +240,7 @@ LRESULT DispatchMessageW(const MSG* message) {
     if (message->message != WM_PAINT)
         return CallWindowProcedure(*window, message->message, message->wParam, message->lParam);
     g_since_paint.start();
+    g_painted_last = window->handle;
     window->widget->PaintInvalid();
     return 0;
 }

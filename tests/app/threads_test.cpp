@@ -92,11 +92,34 @@ TEST(Threads, RequestsCancelledAtOnceLeaveTheNextSessionAlone) {
             });
             ASSERT_TRUE(host.Accept());
             ASSERT_TRUE(host.Accept());
+            Sleep(10);
+            OnWindowThread(
+                [] { EXPECT_EQ(session.connect_pending, 1u) << "the end of the request before"; });
             host.Send("kept");
             ASSERT_TRUE(TerminalShows("kept"));
             Close();
             ASSERT_TRUE(Offline());
         }
+        AnswerMessageBoxes(false);
+    });
+}
+
+TEST(Threads, SessionsThatTheHostDropsLeaveNoSocketOpen) {
+    FakeHost host;
+    const Stage stage{.before = [] { AnswerMessageBoxes(true); }};
+    RunProgram(stage, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        size_t files = 0;
+        for (int i = 0; i < 60; i++) {
+            Connect();
+            ASSERT_TRUE(host.Accept());
+            host.Send("short");
+            ASSERT_TRUE(TerminalShows("short"));
+            host.Drop();
+            ASSERT_TRUE(Offline());
+            if (i == 20) OnWindowThread([&] { files = OpenFiles(); });
+        }
+        OnWindowThread([&] { EXPECT_LE(OpenFiles(), files + 2); });
         AnswerMessageBoxes(false);
     });
 }

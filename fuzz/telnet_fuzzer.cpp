@@ -1,0 +1,151 @@
+// Any bytes of a host through the Telnet engine, three times: one by one with the state's bounds
+// checked after each, in chunks of the buffer's size, and cut where the input's first bytes say.
+// All must show and send alike. In the first byte, bit 0 is the trace and bit 1 a subnegotiation
+// that the last connection broke off.
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "app/connection.h"
+#include "app/receive_thread.h"
+#include "app/session_state.h"
+#include "telnet/socket_event.h"
+#include "telnet/telnet_engine.h"
+#include "terminal/interpreter.h"
+#include "terminal/terminal_write.h"
+#include "terminal/view.h"
+
+struct Outcome {
+    std::string wire, display;
+    TelnetState telnet;
+    DWORD localecho;
+};
+
+static const size_t kHeadBytes = 5;
+static const SOCKET kSocket = 7;
+static std::string wire, display;
+static int wakes;
+
+// ---------------------------------------------------------------- the platform and the program
+
+int SliceSend(SOCKET, const char* bytes, int size, int) {
+    wire.append(bytes, static_cast<size_t>(size));
+    return size;
+}
+
+int TerminalFeedByte(BYTE b) {
+    display += static_cast<char>(b);
+    return 0;
+}
+
+const char* TerminalTakeReply() { return nullptr; }
+
+void TerminalWrite(const BYTE* bytes, int count) {
+    display.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
+}
+
+void RefreshTerminal() {}
+void SessionClosed() {}
+void WakeReceiveThread() { wakes++; }
+
+// ---------------------------------------------------------------- the runs
+
+static void Require(bool holds, const char* what) {
+    if (holds) return;
+    fprintf(stderr, "broken: %s\n", what);
+    abort();
+}
+
+static void Connect(uint8_t flags) {
+    wire.clear();
+    display.clear();
+    session.telnet = {};
+    session.telnet.in_subneg = flags >> 1 & 1;
+    session.modes.localecho = 0;
+    session.settings = {};
+    session.settings.nego = flags & 1;
+    lstrcpyW(session.settings.termtype, TEXT("vt220"));
+    session.connected = 1;
+    session.socket = kSocket;
+    TelnetReset();
+}
+
+static void Receive(const std::string& bytes) {
+    wakes = 0;
+    session.receive_count = static_cast<int>(bytes.size());
+    bytes.copy(session.receive_buffer, kReceiveSize);
+    session.receive_ready = 0;
+    OnSocketEvent(0);
+    Require(session.receive_ready == 1 && wakes == 1, "the buffer is handed back");
+}
+
+static Outcome Take() { return {wire, display, session.telnet, session.modes.localecho}; }
+
+static void CheckBounds() {
+    const TelnetState& t = session.telnet;
+    Require(t.iac_seen <= 1 && t.in_subneg <= 1, "flags");
+    Require(t.subneg_count >= 0 && t.subneg_count <= kSubnegSize, "subneg_count");
+    Require(t.last_command == 0 || (t.last_command >= 250 && t.last_command <= 254),
+            "last_command");
+}
+
+static void CheckTables() {
+    const TelnetState& t = session.telnet;
+    Require(t.my_options[0] == 0, "binary is never offered");
+    for (int i = 0; i < kTelnetOptions; i++) {
+        const int most = i == 0 || i == 1 || i == 3 || i == 24;
+        Require(t.his_options[i] <= most && t.my_options[i] <= most, "only known options are on");
+    }
+}
+
+static Outcome RunByteByByte(const std::string& bytes, uint8_t flags) {
+    Connect(flags);
+    for (char c : bytes) {
+        const BYTE b = static_cast<BYTE>(c);
+        if (!TelnetReceiveByte(b)) display += c;
+        CheckBounds();
+    }
+    CheckTables();
+    return Take();
+}
+
+static Outcome RunCut(const std::string& bytes, uint8_t flags, const uint8_t* cuts, size_t count) {
+    Connect(flags);
+    size_t turn = 0;
+    for (size_t at = 0; at < bytes.size();) {
+        const size_t length = count ? cuts[turn++ % count] + size_t{1} : kReceiveSize;
+        Receive(bytes.substr(at, length));
+        at += length;
+    }
+    CheckBounds();
+    return Take();
+}
+
+// The staging area of a chunk is no state.
+static bool SameTelnet(const TelnetState& a, const TelnetState& b) {
+    return a.iac_seen == b.iac_seen && a.last_command == b.last_command &&
+           a.in_subneg == b.in_subneg && a.subneg_count == b.subneg_count &&
+           memcmp(a.subneg_buffer, b.subneg_buffer, kSubnegSize) == 0 &&
+           memcmp(a.his_options, b.his_options, kTelnetOptions) == 0 &&
+           memcmp(a.my_options, b.my_options, kTelnetOptions) == 0;
+}
+
+// Data and trace lines of one chunk change places, as the chunk's data is shown last; so what is
+// shown is compared only without the trace.
+static void RequireSame(const Outcome& a, const Outcome& b, bool traced) {
+    Require(a.wire == b.wire, "sent alike");
+    Require(a.display.size() == b.display.size(), "shown as much");
+    Require(traced || a.display == b.display, "shown alike");
+    Require(SameTelnet(a.telnet, b.telnet), "the same state");
+    Require(a.localecho == b.localecho, "the same echo");
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size < kHeadBytes) return 0;
+    const std::string bytes(reinterpret_cast<const char*>(data) + kHeadBytes, size - kHeadBytes);
+    const uint8_t flags = data[0];
+    const Outcome expected = RunByteByByte(bytes, flags);
+    RequireSame(expected, RunCut(bytes, flags, nullptr, 0), flags & 1);
+    RequireSame(expected, RunCut(bytes, flags, data + 1, kHeadBytes - 1), flags & 1);
+    return 0;
+}

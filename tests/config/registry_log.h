@@ -1,0 +1,18 @@
+// The registry's calls in their order, written down on their way to the registry.
+#ifndef QUILL_TESTS_CONFIG_REGISTRY_LOG_H
+#define QUILL_TESTS_CONFIG_REGISTRY_LOG_H
+
+#include <string>
+#include <vector>
+
+struct RegistryCall {
+    std::string call;  // "read", "write", "delete", "flush", "close"
+    std::string name;  // of the value; empty for the last two
+};
+
+extern std::vector<RegistryCall> registry_log;
+
+// The names of the values for which `call` was made.
+std::vector<std::string> LoggedNames(const std::string& call);
+
+#endif

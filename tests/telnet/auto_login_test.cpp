@@ -1,0 +1,142 @@
+// Automatic login.
+#include <gtest/gtest.h>
+
+#include "telnet/auto_login.h"
+#include "telnet/telnet_engine.h"
+#include "tests/telnet/outside.h"
+
+namespace {
+
+void NewLogin(const char* search1, const char* response1, const char* search2 = "",
+              const char* response2 = "") {
+    NewSession();
+    SetText(session.settings.sear1, search1);
+    SetText(session.settings.resp1, response1);
+    SetText(session.settings.sear2, search2);
+    SetText(session.settings.resp2, response2);
+    ArmAutoLogin();
+}
+
+}  // namespace
+
+TEST(AutoLogin, DefaultSearchSendsTheNameOnceInTheSession) {
+    NewLogin("ogin", "user\\015");
+    Receive("Welcome\r\n");
+    EXPECT_EQ(Sent(), "");
+    Receive("host Login: ");
+    EXPECT_EQ(Sent(), "user\r");
+    Receive("Last login: today");
+    EXPECT_EQ(Sent(), "");
+}
+
+TEST(AutoLogin, NewConnectArmsAgain) {
+    NewLogin("ogin", "user");
+    Receive("login:");
+    Sent();
+    TelnetReset();
+    ArmAutoLogin();
+    Receive("login:");
+    EXPECT_EQ(Sent(), "user");
+}
+
+TEST(AutoLogin, ArmingNeedsBothTexts) {
+    NewLogin("", "response", "search", "");
+    EXPECT_EQ(session.login.login_armed1, 0u);
+    EXPECT_EQ(session.login.login_armed2, 0u);
+    Receive("search response");
+    EXPECT_EQ(Sent(), "");
+    NewLogin("a", "b", "c", "d");
+    EXPECT_EQ(session.login.login_armed1, 1u);
+    EXPECT_EQ(session.login.login_armed2, 1u);
+}
+
+TEST(AutoLogin, ArmingDisarmsAPairThatWasEmptied) {
+    NewLogin("a", "b", "c", "d");
+    SetText(session.settings.resp1, "");
+    SetText(session.settings.sear2, "");
+    ArmAutoLogin();
+    Receive("abcd");
+    EXPECT_EQ(Sent(), "");
+}
+
+TEST(AutoLogin, BothPairsOnOneChunkInTheirOrder) {
+    NewLogin("ogin", "name\\015", "assword", "secret\\015");
+    Receive("password after login");
+    EXPECT_EQ(Sent(), "name\rsecret\r");
+}
+
+TEST(AutoLogin, SecondPairMayComeFirst) {
+    NewLogin("ogin", "name", "assword", "secret");
+    Receive("Password:");
+    EXPECT_EQ(Sent(), "secret");
+    Receive("login:");
+    EXPECT_EQ(Sent(), "name");
+    Receive("login: Password:");
+    EXPECT_EQ(Sent(), "");
+}
+
+TEST(AutoLogin, SearchIsCaseSensitive) {
+    NewLogin("ogin", "name");
+    Receive("LOGIN: oGin");
+    EXPECT_EQ(Sent(), "");
+}
+
+TEST(AutoLogin, TextSplitAcrossChunksIsNotFound) {
+    NewLogin("ogin", "name");
+    Receive("lo");
+    Receive("gin:");
+    EXPECT_EQ(Sent(), "");
+    EXPECT_EQ(session.login.login_armed1, 1u);
+}
+
+TEST(AutoLogin, TextOfALongerChunkBeforeIsNotFound) {
+    NewLogin("ogin", "name");
+    std::memcpy(session.telnet.display_buffer, "xxlogin", 7);
+    Receive("ab");
+    EXPECT_EQ(Sent(), "");
+}
+
+TEST(AutoLogin, CommandsInTheMiddleOfTheTextDoNotHideIt) {
+    NewLogin("ogin", "name");
+    Receive("lo" + Iac(252, 5) + "gin:");
+    EXPECT_EQ(Sent(), "name");
+}
+
+TEST(AutoLogin, FoundAtTheEndsOfTheChunkAndAfterAZeroByte) {
+    for (const char* text : {"ogin", "ogin:", "login"}) {
+        NewLogin("ogin", "name");
+        Receive(std::string("\0", 1) + text);
+        EXPECT_EQ(Sent(), "name") << text;
+    }
+}
+
+TEST(AutoLogin, ChunkOfCommandsAloneIsNotSearched) {
+    NewLogin("\xFF", "name");
+    Receive(Iac(252, 5));
+    EXPECT_EQ(outside.sends, 0);
+    EXPECT_EQ(outside.terminal_writes, 0);
+}
+
+TEST(AutoLogin, ComesAfterTheTerminal) {
+    NewLogin("ogin", "name");
+    Receive("login:");
+    EXPECT_EQ(outside.order, "WS");
+}
+
+TEST(AutoLogin, SshSessionsSendNothing) {
+    NewLogin("ogin", "name");
+    session.settings.ssh = 1;
+    session.banner_sent = 1;
+    Receive("login:");
+    EXPECT_EQ(outside.sends, 0);
+    EXPECT_EQ(session.login.login_armed1, 1u);
+}
+
+TEST(AutoLogin, TextsOfFullLengthAreWhole) {
+    const std::string search(kSettingUnits - 1, 's'), response(kSettingUnits - 1, 'r');
+    NewLogin(search.c_str(), response.c_str());
+    Receive(search.substr(1));
+    EXPECT_EQ(Sent(), "");
+    Receive(search);
+    EXPECT_EQ(Sent(), response);
+}

@@ -1,0 +1,191 @@
+// What is done with a notification, and that the buffer is handed back whatever it is.
+#include <gtest/gtest.h>
+
+#include "telnet/auto_login.h"
+#include "telnet/socket_event.h"
+#include "telnet/telnet_engine.h"
+#include "tests/telnet/outside.h"
+
+namespace {
+
+void ExpectHandedBack() {
+    EXPECT_EQ(session.receive_ready.load(), 1u);
+    EXPECT_EQ(outside.wakes, 1);
+    outside.wakes = 0;
+}
+
+void NewSshSession(DWORD type2) {
+    NewSession();
+    session.settings.ssh = 1;
+    session.settings.ssh_type2 = type2;
+}
+
+void ExpectIdentification(DWORD type2, const char* line) {
+    NewSshSession(type2);
+    Receive("SSH-9.9-host\r\n");
+    EXPECT_EQ(Sent(), line);
+    EXPECT_EQ(session.banner_sent, 1u);
+    EXPECT_EQ(Shown(), "");
+    ExpectHandedBack();
+    Receive("SSH-9.9-host\r\n");
+    EXPECT_EQ(Sent(), "");
+    ExpectHandedBack();
+}
+
+}  // namespace
+
+TEST(SocketEvent, DataGoesToTheTerminalOnce) {
+    NewSession();
+    Receive("some text");
+    EXPECT_EQ(Shown(), "some text");
+    EXPECT_EQ(outside.terminal_writes, 1);
+    ExpectHandedBack();
+}
+
+TEST(SocketEvent, CommandsAreTakenOutOfTheData) {
+    NewSession();
+    Receive("so" + Iac(253, 31) + "me" + "\xFF\xFA\x18\x01\xFF\xF0" + Iac(251, 1) + "text");
+    EXPECT_EQ(Shown(), "sometext");
+    EXPECT_EQ(outside.terminal_writes, 1);
+    ExpectHandedBack();
+}
+
+TEST(SocketEvent, ChunkOfNegotiationAloneShowsNothingAndChecksNoLogin) {
+    NewSession();
+    SetText(session.settings.sear1, "\xFF");
+    SetText(session.settings.resp1, "name");
+    ArmAutoLogin();
+    Receive(Iac(253, 31));
+    EXPECT_EQ(Sent(), Iac(252, 31));
+    EXPECT_EQ(outside.terminal_writes, 0);
+    ExpectHandedBack();
+}
+
+TEST(SocketEvent, WithoutBytesNothingIsDone) {
+    for (int count : {0, -1, -2147483647 - 1}) {
+        NewSession();
+        session.receive_buffer[0] = 'x';
+        session.receive_count = count;
+        OnSocketEvent(0);
+        EXPECT_EQ(outside.order, "");
+        ExpectHandedBack();
+    }
+}
+
+TEST(SocketEvent, FullBufferOfDataIsShownWhole) {
+    NewSession();
+    std::string bytes;
+    for (int i = 0; i < kReceiveSize; i++) bytes += static_cast<char>(i % 255);
+    Receive(bytes);
+    EXPECT_EQ(Shown(), bytes);
+    ExpectHandedBack();
+}
+
+TEST(SocketEvent, FullBufferOfCommandsIsAnswered) {
+    NewSession();
+    std::string bytes, replies;
+    for (int i = 0; i < kReceiveSize / 3; i++) {
+        bytes += Iac(251, 31);
+        replies += Iac(254, 31);
+    }
+    Receive(bytes);
+    EXPECT_EQ(Sent(), replies);
+    ExpectHandedBack();
+}
+
+TEST(SocketEvent, CommandMayReachAcrossChunks) {
+    NewSession();
+    Receive("a\xFF");
+    Receive("\xFD");
+    Receive(
+        "\x1F"
+        "b");
+    EXPECT_EQ(Shown(), "ab");
+    EXPECT_EQ(Sent(), Iac(252, 31));
+}
+
+TEST(SocketEvent, StaleNotificationIsPassedOver) {
+    NewSession();
+    session.receive_buffer[0] = 'x';
+    session.receive_count = 1;
+    session.connected = 0;
+    OnSocketEvent(0);
+    ExpectHandedBack();
+    session.connected = 1;  // receive_ready is 1 already
+    OnSocketEvent(0);
+    ExpectHandedBack();
+    EXPECT_EQ(outside.order, "");
+}
+
+TEST(SocketEvent, StaleNotificationOfAnSshSessionSendsNoLine) {
+    NewSshSession(1);
+    session.connected = 0;
+    OnSocketEvent(0);
+    EXPECT_EQ(outside.sends, 0);
+    EXPECT_EQ(session.banner_sent, 0u);
+    ExpectHandedBack();
+}
+
+TEST(SocketEvent, EndOfTheConnectionRunsTheClosedRoutine) {
+    for (DWORD connected : {0u, 1u}) {
+        for (DWORD ready : {0u, 1u}) {
+            NewSession();
+            session.connected = connected;
+            session.receive_ready = ready;
+            session.connect_pending = 1;
+            session.receive_count = 5;
+            OnSocketEvent(1);
+            EXPECT_EQ(outside.closed, 1);
+            EXPECT_EQ(session.connect_pending, 0u);
+            EXPECT_EQ(outside.order, "");
+            ExpectHandedBack();
+        }
+    }
+}
+
+TEST(SocketEvent, EndOfAnSshConnectionRunsTheClosedRoutine) {
+    NewSshSession(1);
+    OnSocketEvent(1);
+    EXPECT_EQ(outside.closed, 1);
+    EXPECT_EQ(outside.sends, 0);
+    ExpectHandedBack();
+}
+
+TEST(SocketEvent, OtherKindsOnlyHandTheBufferBack) {
+    for (WPARAM kind : {WPARAM{2}, WPARAM{107}, ~WPARAM{0}}) {
+        NewSession();
+        session.connect_pending = 1;
+        session.receive_count = 3;
+        OnSocketEvent(kind);
+        EXPECT_EQ(outside.closed, 0);
+        EXPECT_EQ(outside.order, "");
+        EXPECT_EQ(session.connect_pending, 1u);
+        ExpectHandedBack();
+    }
+}
+
+TEST(SocketEvent, Ssh2IdentificationIsAnsweredOnce) { ExpectIdentification(1, "SSH-2.0-1.0.00\n"); }
+
+TEST(SocketEvent, Ssh1IdentificationIsAnsweredOnce) { ExpectIdentification(0, "SSH-1.5-1.0.00\n"); }
+
+TEST(SocketEvent, IdentificationThatFailedIsSentOnTheNextChunk) {
+    NewSshSession(1);
+    outside.fail_from_send = 1;
+    Receive("SSH-2.0-host\n");
+    EXPECT_EQ(session.banner_sent, 0u);
+    ExpectHandedBack();
+    outside.fail_from_send = 0;
+    Receive("SSH-2.0-host\n");
+    EXPECT_EQ(Sent(), "SSH-2.0-1.0.00\n");
+    EXPECT_EQ(session.banner_sent, 1u);
+    ExpectHandedBack();
+}
+
+TEST(SocketEvent, TelnetCommandsInAnSshSessionAreNotAnswered) {
+    NewSshSession(0);
+    session.banner_sent = 1;
+    Receive(Iac(251, 1) + "text");
+    EXPECT_EQ(outside.order, "");
+    EXPECT_EQ(session.telnet.last_command, 0u);
+    ExpectHandedBack();
+}
