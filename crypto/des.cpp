@@ -1,0 +1,202 @@
+// DES and triple DES.
+//
+// Both halves of a block are kept expanded (DesExpand) through all rounds: the tables give what
+// an S-box contributes in that form already, so a round is eight look-ups by byte and their XOR.
+#include "crypto/des.h"
+
+#include "crypto/byte_order.h"
+#include "crypto/des_tables.h"
+#include "crypto/wipe.h"
+
+static constexpr DesRoundTable kRoundTable = MakeDesRoundTable();
+
+// The round keys of one pass over a block, in the order of their use.
+struct RoundKeys {
+    uint64_t key[16];
+};
+
+struct Halves {
+    uint64_t left;
+    uint64_t right;
+};
+
+static uint32_t RotateKeyHalf(uint32_t half, int shift) {
+    return (half << shift | half >> (28 - shift)) & 0x0FFFFFFFu;
+}
+
+static uint64_t Select(uint64_t value, int bits, const uint8_t* choice, int count) {
+    uint64_t result = 0;
+    for (int i = 0; i < count; i++) result = result << 1 | (value >> (bits - choice[i]) & 1);
+    return result;
+}
+
+void DesSetKey(uint32_t leftWord, uint32_t rightWord, DesContext* context) {
+    uint64_t key = uint64_t{leftWord} << 32 | rightWord;
+    uint64_t chosen = Select(key, 64, kDesPermutedChoice1, 56);
+    uint32_t c = static_cast<uint32_t>(chosen >> 28), d = chosen & 0x0FFFFFFFu;
+    for (int round = 0; round < 16; round++) {
+        c = RotateKeyHalf(c, kDesKeyShifts[round]);
+        d = RotateKeyHalf(d, kDesKeyShifts[round]);
+        uint64_t subkey = Select(uint64_t{c} << 28 | d, 56, kDesPermutedChoice2, 48);
+        uint32_t odd = 0, even = 0;
+        for (int box = 0; box < 8; box += 2) {
+            odd = odd << 8 | (subkey >> (42 - 6 * box) & 0x3F);
+            even = even << 8 | (subkey >> (36 - 6 * box) & 0x3F);
+        }
+        context->subkeysOdd[round] = odd;
+        context->subkeysEven[round] = even;
+    }
+    memset(context->encryptIv, 0, sizeof(context->encryptIv));
+    memset(context->decryptIv, 0, sizeof(context->decryptIv));
+}
+
+static void LoadKeys(RoundKeys* keys, const DesContext* context, bool decrypt) {
+    for (int i = 0; i < 16; i++) {
+        int round = decrypt ? 15 - i : i;
+        keys->key[i] = uint64_t{context->subkeysOdd[round]} << 32 | context->subkeysEven[round];
+    }
+}
+
+// Swaps the bits of a and b that lie `shift` apart under the mask.
+static inline void SwapBits(uint32_t& a, uint32_t& b, int shift, uint32_t mask) {
+    uint32_t difference = (a >> shift ^ b) & mask;
+    b ^= difference;
+    a ^= difference << shift;
+}
+
+static inline Halves InitialPermutation(uint32_t left, uint32_t right) {
+    SwapBits(left, right, 4, 0x0F0F0F0Fu);
+    SwapBits(left, right, 16, 0x0000FFFFu);
+    SwapBits(right, left, 2, 0x33333333u);
+    SwapBits(right, left, 8, 0x00FF00FFu);
+    SwapBits(left, right, 1, 0x55555555u);
+    return {DesExpand(left), DesExpand(right)};
+}
+
+static inline void FinalPermutation(Halves halves, uint32_t output[2]) {
+    uint32_t left = DesContract(halves.left), right = DesContract(halves.right);
+    SwapBits(left, right, 1, 0x55555555u);
+    SwapBits(right, left, 8, 0x00FF00FFu);
+    SwapBits(right, left, 2, 0x33333333u);
+    SwapBits(left, right, 16, 0x0000FFFFu);
+    SwapBits(left, right, 4, 0x0F0F0F0Fu);
+    output[0] = left;
+    output[1] = right;
+}
+
+static inline uint64_t RoundFunction(uint64_t half, uint64_t key) {
+    uint64_t x = half ^ key;
+    uint64_t a = kRoundTable[0][x >> 56] ^ kRoundTable[1][x >> 24 & 0xFF];
+    uint64_t b = kRoundTable[2][x >> 48 & 0xFF] ^ kRoundTable[3][x >> 16 & 0xFF];
+    uint64_t c = kRoundTable[4][x >> 40 & 0xFF] ^ kRoundTable[5][x >> 8 & 0xFF];
+    uint64_t d = kRoundTable[6][x >> 32 & 0xFF] ^ kRoundTable[7][x & 0xFF];
+    return (a ^ b) ^ (c ^ d);
+}
+
+// Sixteen rounds and the exchange of the halves that ends them. The next pass of a triple
+// encryption takes the result as it is: final and initial permutation would undo each other.
+static inline Halves Rounds(Halves halves, const RoundKeys* keys) {
+    for (int i = 0; i < 16; i += 2) {
+        halves.left ^= RoundFunction(halves.right, keys->key[i]);
+        halves.right ^= RoundFunction(halves.left, keys->key[i + 1]);
+    }
+    return {halves.right, halves.left};
+}
+
+void DesEncryptBlock(uint32_t left, uint32_t right, uint32_t output[2], const DesContext* context) {
+    RoundKeys keys;
+    LoadKeys(&keys, context, false);
+    FinalPermutation(Rounds(InitialPermutation(left, right), &keys), output);
+    Wipe(&keys, sizeof(keys));
+}
+
+void DesDecryptBlock(uint32_t left, uint32_t right, uint32_t output[2], const DesContext* context) {
+    RoundKeys keys;
+    LoadKeys(&keys, context, true);
+    FinalPermutation(Rounds(InitialPermutation(left, right), &keys), output);
+    Wipe(&keys, sizeof(keys));
+}
+
+// The two CBC loops over a block cipher of `passes` passes.
+template <int passes>
+static inline void EncryptBlock(uint32_t block[2], const RoundKeys* keys) {
+    Halves halves = InitialPermutation(block[0], block[1]);
+    for (int pass = 0; pass < passes; pass++) halves = Rounds(halves, keys + pass);
+    FinalPermutation(halves, block);
+}
+
+template <int passes>
+static void ChainEncrypt(uint8_t* output, const uint8_t* input, int length, const RoundKeys* keys,
+                         uint32_t iv[2]) {
+    uint32_t block[2] = {iv[0], iv[1]};
+    for (; length > 0; length -= 8, input += 8, output += 8) {
+        block[0] ^= LoadBig<uint32_t>(input);
+        block[1] ^= LoadBig<uint32_t>(input + 4);
+        EncryptBlock<passes>(block, keys);
+        StoreBig<uint32_t>(output, block[0]);
+        StoreBig<uint32_t>(output + 4, block[1]);
+    }
+    iv[0] = block[0];
+    iv[1] = block[1];
+}
+
+template <int passes>
+static void ChainDecrypt(uint8_t* output, const uint8_t* input, int length, const RoundKeys* keys,
+                         uint32_t iv[2]) {
+    uint32_t before[2] = {iv[0], iv[1]};
+    for (; length > 0; length -= 8, input += 8, output += 8) {
+        const uint32_t cipher[2] = {LoadBig<uint32_t>(input), LoadBig<uint32_t>(input + 4)};
+        uint32_t block[2] = {cipher[0], cipher[1]};
+        EncryptBlock<passes>(block, keys);
+        StoreBig<uint32_t>(output, block[0] ^ before[0]);
+        StoreBig<uint32_t>(output + 4, block[1] ^ before[1]);
+        before[0] = cipher[0];
+        before[1] = cipher[1];
+    }
+    iv[0] = before[0];
+    iv[1] = before[1];
+}
+
+void DesCbcEncrypt(uint8_t* output, const uint8_t* input, int length, DesContext* context) {
+    RoundKeys keys;
+    LoadKeys(&keys, context, false);
+    ChainEncrypt<1>(output, input, length, &keys, context->encryptIv);
+    Wipe(&keys, sizeof(keys));
+}
+
+void DesCbcDecrypt(uint8_t* output, const uint8_t* input, int length, DesContext* context) {
+    RoundKeys keys;
+    LoadKeys(&keys, context, true);
+    ChainDecrypt<1>(output, input, length, &keys, context->decryptIv);
+    Wipe(&keys, sizeof(keys));
+}
+
+void TripleDesCbcEncrypt(uint8_t* output, const uint8_t* input, int length,
+                         DesContext contexts[3]) {
+    RoundKeys keys[3];
+    for (int i = 0; i < 3; i++) LoadKeys(&keys[i], &contexts[i], i == 1);
+    ChainEncrypt<3>(output, input, length, keys, contexts[0].encryptIv);
+    Wipe(keys, sizeof(keys));
+}
+
+void TripleDesCbcDecrypt(uint8_t* output, const uint8_t* input, int length,
+                         DesContext contexts[3]) {
+    RoundKeys keys[3];
+    for (int i = 0; i < 3; i++) LoadKeys(&keys[i], &contexts[2 - i], i != 1);
+    ChainDecrypt<3>(output, input, length, keys, contexts[0].decryptIv);
+    Wipe(keys, sizeof(keys));
+}
+
+void TripleDesPassesEncrypt(uint8_t* output, const uint8_t* input, int length,
+                            DesContext contexts[3]) {
+    DesCbcEncrypt(output, input, length, &contexts[0]);
+    DesCbcDecrypt(output, output, length, &contexts[1]);
+    DesCbcEncrypt(output, output, length, &contexts[2]);
+}
+
+void TripleDesPassesDecrypt(uint8_t* output, const uint8_t* input, int length,
+                            DesContext contexts[3]) {
+    DesCbcDecrypt(output, input, length, &contexts[2]);
+    DesCbcEncrypt(output, output, length, &contexts[1]);
+    DesCbcDecrypt(output, output, length, &contexts[0]);
+}

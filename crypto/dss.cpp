@@ -1,0 +1,136 @@
+// ssh-dss: keys and signatures.
+#include "crypto/dss.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "crypto/byte_order.h"
+#include "crypto/sha1.h"
+
+static const char kName[] = "ssh-dss";
+static const int kNameLength = 7;
+static const int kNumberSize = 20;  // bytes of r and of s
+static const int kSignatureSize = 2 * kNumberSize;
+
+// What is left of a blob. Nothing is read past its end.
+struct BlobReader {
+    const uint8_t* bytes;
+    int length;
+};
+
+// Takes `count` bytes from the front; null when there are fewer.
+static const uint8_t* TakeBytes(BlobReader* reader, int count) {
+    if (count < 0 || count > reader->length) return nullptr;
+    const uint8_t* taken = reader->bytes;
+    reader->bytes += count;
+    reader->length -= count;
+    return taken;
+}
+
+// Takes a `string`; null when its length or its bytes are not all there.
+static const uint8_t* TakeString(BlobReader* reader, int* length) {
+    const uint8_t* size = TakeBytes(reader, 4);
+    if (size == nullptr) return nullptr;
+    uint32_t stated = LoadBig<uint32_t>(size);
+    if (stated > static_cast<uint32_t>(reader->length)) return nullptr;
+    *length = static_cast<int>(stated);
+    return TakeBytes(reader, *length);
+}
+
+static Bignum TakeNumber(BlobReader* reader) {
+    int length = 0;
+    const uint8_t* bytes = TakeString(reader, &length);
+    return bytes == nullptr ? nullptr : BignumFromBytes(bytes, length);
+}
+
+static bool InRange(ConstBignum a, int max_bits) {
+    int bits = BignumBitLength(a);
+    return bits > 0 && bits <= max_bits;
+}
+
+static bool Usable(const DssKey* key) {
+    return key->p != nullptr && key->q != nullptr && key->g != nullptr && key->y != nullptr &&
+           InRange(key->p, kDssMaxPrimeBits) && InRange(key->q, kDssMaxOrderBits);
+}
+
+DssKey* DssParseKey(const uint8_t* blob, int length) {
+    BlobReader reader = {blob, length};
+    int name_length = 0;
+    const uint8_t* name = TakeString(&reader, &name_length);
+    if (name == nullptr || name_length < kNameLength) return nullptr;
+    if (memcmp(name, kName, kNameLength) != 0) return nullptr;
+    DssKey* key = static_cast<DssKey*>(calloc(1, sizeof(DssKey)));
+    if (key == nullptr) return nullptr;
+    key->p = TakeNumber(&reader);
+    key->q = TakeNumber(&reader);
+    key->g = TakeNumber(&reader);
+    key->y = TakeNumber(&reader);
+    if (Usable(key)) return key;
+    DssFreeKey(key);
+    return nullptr;
+}
+
+void DssFreeKey(DssKey* key) {
+    if (key == nullptr) return;
+    BignumFree(key->p);
+    BignumFree(key->q);
+    BignumFree(key->g);
+    BignumFree(key->y);
+    free(key);
+}
+
+// The 40 bytes of r and s; null when the blob is neither of the two forms.
+static const uint8_t* SignatureBytes(const uint8_t* blob, int length) {
+    if (length == kSignatureSize) return blob;
+    BlobReader reader = {blob, length};
+    int name_length = 0;
+    const uint8_t* name = TakeString(&reader, &name_length);
+    if (name == nullptr || name_length != kNameLength) return nullptr;
+    if (memcmp(name, kName, kNameLength) != 0) return nullptr;
+    if (TakeBytes(&reader, 4) == nullptr) return nullptr;
+    return TakeBytes(&reader, kSignatureSize);
+}
+
+// (g^u1 * y^u2 mod p) mod q with u1 = h * w mod q and u2 = r * w mod q, as FIPS 186-2 names them.
+static Bignum Recompute(const DssKey* key, ConstBignum h, ConstBignum r, ConstBignum w) {
+    Bignum u1 = BignumModMul(h, w, key->q);
+    Bignum u2 = BignumModMul(r, w, key->q);
+    Bignum g_part = BignumModPow(key->g, u1, key->p);
+    Bignum y_part = BignumModPow(key->y, u2, key->p);
+    Bignum product = BignumModMul(g_part, y_part, key->p);
+    Bignum v = BignumMod(product, key->q);
+    BignumFree(u1);
+    BignumFree(u2);
+    BignumFree(g_part);
+    BignumFree(y_part);
+    BignumFree(product);
+    return v;
+}
+
+static bool Matches(const DssKey* key, ConstBignum r, ConstBignum s, ConstBignum h) {
+    if (BignumBitLength(r) == 0 || BignumCompare(r, key->q) >= 0) return false;
+    if (BignumBitLength(s) == 0 || BignumCompare(s, key->q) >= 0) return false;
+    Bignum w = BignumModInverse(s, key->q);
+    if (w == nullptr) return false;  // q is no prime
+    Bignum v = Recompute(key, h, r, w);
+    bool good = BignumCompare(v, r) == 0;
+    BignumFree(w);
+    BignumFree(v);
+    return good;
+}
+
+bool DssVerify(const DssKey* key, const uint8_t* signatureBlob, int signatureLength,
+               const uint8_t* data, int dataLength) {
+    const uint8_t* signature = SignatureBytes(signatureBlob, signatureLength);
+    if (signature == nullptr) return false;
+    uint8_t digest[kSha1Size];
+    Sha1(data, dataLength, digest);
+    Bignum r = BignumFromBytes(signature, kNumberSize);
+    Bignum s = BignumFromBytes(signature + kNumberSize, kNumberSize);
+    Bignum h = BignumFromBytes(digest, kSha1Size);
+    bool good = Matches(key, r, s, h);
+    BignumFree(r);
+    BignumFree(s);
+    BignumFree(h);
+    return good;
+}

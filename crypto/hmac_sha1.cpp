@@ -1,0 +1,88 @@
+// HMAC-SHA1, one-shot and as the MAC of SSH-2.
+#include "crypto/hmac_sha1.h"
+
+#include <cstring>
+
+#include "crypto/byte_order.h"
+#include "crypto/wipe.h"
+
+static const int kPadSize = 64;
+static const uint8_t kInnerPad = 0x36;
+static const uint8_t kOuterPad = 0x5C;
+
+static MacKeyPair outgoing;
+static MacKeyPair incoming;
+
+static void PreparePad(Sha1Context* context, uint8_t fill, const uint8_t* key, int keyLength) {
+    uint8_t pad[kPadSize];
+    memset(pad, fill, sizeof(pad));
+    for (int i = 0; i < keyLength && i < kPadSize; i++) pad[i] ^= key[i];
+    Sha1Init(context);
+    Sha1Update(context, pad, kPadSize);
+    Wipe(pad, sizeof(pad));
+}
+
+void HmacSha1Prepare(Sha1Context* inner, Sha1Context* outer, const uint8_t* key, int keyLength) {
+    PreparePad(inner, kInnerPad, key, keyLength);
+    PreparePad(outer, kOuterPad, key, keyLength);
+}
+
+// Ends both hashes; the inner one has been fed its message.
+static void Finish(Sha1Context* inner, Sha1Context* outer, uint8_t mac[kSha1Size]) {
+    uint8_t digest[kSha1Size];
+    Sha1Final(inner, digest);
+    Sha1Update(outer, digest, kSha1Size);
+    Sha1Final(outer, mac);
+    Wipe(digest, sizeof(digest));
+}
+
+void HmacSha1(const uint8_t* key, int keyLength, const uint8_t* bytes, int length,
+              uint8_t mac[kSha1Size]) {
+    MacKeyPair pair;
+    HmacSha1Prepare(&pair.inner, &pair.outer, key, keyLength);
+    Sha1Update(&pair.inner, bytes, length);
+    Finish(&pair.inner, &pair.outer, mac);
+}
+
+static void PacketMac(const MacKeyPair* keys, const uint8_t* packet, int length,
+                      uint32_t sequenceNumber, uint8_t mac[kSha1Size]) {
+    MacKeyPair pair = *keys;
+    uint8_t sequence[4];
+    StoreBig<uint32_t>(sequence, sequenceNumber);
+    Sha1Update(&pair.inner, sequence, sizeof(sequence));
+    Sha1Update(&pair.inner, packet, length);
+    Finish(&pair.inner, &pair.outer, mac);
+}
+
+static void SetOutgoingKey(const uint8_t* key) {
+    HmacSha1Prepare(&outgoing.inner, &outgoing.outer, key, kMacKeySize);
+}
+
+static void SetIncomingKey(const uint8_t* key) {
+    HmacSha1Prepare(&incoming.inner, &incoming.outer, key, kMacKeySize);
+}
+
+static void Generate(uint8_t* packet, int length, uint32_t sequenceNumber) {
+    PacketMac(&outgoing, packet, length, sequenceNumber, packet + length);
+}
+
+static int Verify(const uint8_t* packet, int length, uint32_t sequenceNumber) {
+    uint8_t mac[kSha1Size];
+    PacketMac(&incoming, packet, length, sequenceNumber, mac);
+    return memcmp(mac, packet + length, kSha1Size) == 0;
+}
+
+const MacAlgorithm kHmacSha1 = {
+    .name = "hmac-sha1",
+    .setOutgoingKey = SetOutgoingKey,
+    .setIncomingKey = SetIncomingKey,
+    .generate = Generate,
+    .verify = Verify,
+    .nameRef = kHmacSha1.name,
+    .macLength = kSha1Size,
+};
+
+void WipeMacKeys() {
+    Wipe(&outgoing, sizeof(outgoing));
+    Wipe(&incoming, sizeof(incoming));
+}

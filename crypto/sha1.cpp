@@ -1,0 +1,133 @@
+// SHA-1: buffering, padding and the portable compression function.
+#include "crypto/sha1.h"
+
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+
+#include "crypto/byte_order.h"
+#include "crypto/sha1_compress.h"
+#include "crypto/wipe.h"
+
+static Sha1Compressor BestCompressor() {
+    Sha1Compressor fast = Sha1CompressWithInstructions();
+    return fast != nullptr ? fast : Sha1CompressPortable;
+}
+
+Sha1Compressor sha1_compressor = BestCompressor();
+
+static inline uint32_t Choose(uint32_t x, uint32_t y, uint32_t z) { return ((y ^ z) & x) ^ z; }
+
+static inline uint32_t Parity(uint32_t x, uint32_t y, uint32_t z) { return x ^ y ^ z; }
+
+static inline uint32_t Majority(uint32_t x, uint32_t y, uint32_t z) {
+    return (x & y) + (z & (x ^ y));
+}
+
+// w holds the last 16 words of the message schedule, round.
+static inline uint32_t Schedule(uint32_t w[16], int t) {
+    uint32_t word = w[(t + 13) & 15] ^ w[(t + 8) & 15] ^ w[(t + 2) & 15] ^ w[t & 15];
+    return w[t & 15] = std::rotl(word, 1);
+}
+
+#define SHA1_ROUND(f, k, a, b, c, d, e, word)     \
+    e += std::rotl(a, 5) + f(b, c, d) + k + word; \
+    b = std::rotl(b, 30);
+
+#define SHA1_FIVE(f, k, t, word)                  \
+    SHA1_ROUND(f, k, a, b, c, d, e, word(t));     \
+    SHA1_ROUND(f, k, e, a, b, c, d, word(t + 1)); \
+    SHA1_ROUND(f, k, d, e, a, b, c, word(t + 2)); \
+    SHA1_ROUND(f, k, c, d, e, a, b, word(t + 3)); \
+    SHA1_ROUND(f, k, b, c, d, e, a, word(t + 4));
+
+static void CompressBlock(uint32_t state[5], const uint8_t* block, uint32_t w[16]) {
+    for (int t = 0; t < 16; t++) w[t] = LoadBig<uint32_t>(block + 4 * t);
+    auto word = [w](int t) { return t < 16 ? w[t] : Schedule(w, t); };
+    uint32_t a = state[0], b = state[1], c = state[2], d = state[3], e = state[4];
+    for (int t = 0; t < 20; t += 5) {
+        SHA1_FIVE(Choose, 0x5a827999u, t, word)
+    }
+    for (int t = 20; t < 40; t += 5) {
+        SHA1_FIVE(Parity, 0x6ed9eba1u, t, word)
+    }
+    for (int t = 40; t < 60; t += 5) {
+        SHA1_FIVE(Majority, 0x8f1bbcdcu, t, word)
+    }
+    for (int t = 60; t < 80; t += 5) {
+        SHA1_FIVE(Parity, 0xca62c1d6u, t, word)
+    }
+    state[0] += a;
+    state[1] += b;
+    state[2] += c;
+    state[3] += d;
+    state[4] += e;
+}
+
+void Sha1CompressPortable(uint32_t state[5], const uint8_t* blocks, int count) {
+    uint32_t w[16];
+    for (; count > 0; count--, blocks += 64) CompressBlock(state, blocks, w);
+    Wipe(w, sizeof(w));
+}
+
+void Sha1Init(Sha1Context* context) {
+    static const uint32_t kInitial[5] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476,
+                                         0xc3d2e1f0};
+    memcpy(context->state, kInitial, sizeof(kInitial));
+    context->blockUsed = 0;
+    context->bytesHigh = 0;
+    context->bytesLow = 0;
+}
+
+void Sha1Update(Sha1Context* context, const uint8_t* bytes, int length) {
+    if (length <= 0) return;
+    uint32_t left = static_cast<uint32_t>(length);
+    context->bytesLow += left;
+    if (context->bytesLow < left) context->bytesHigh++;
+    if (context->blockUsed != 0) {
+        uint32_t taken = left < 64 - context->blockUsed ? left : 64 - context->blockUsed;
+        memcpy(context->block + context->blockUsed, bytes, taken);
+        context->blockUsed += taken;
+        if (context->blockUsed < 64) return;
+        sha1_compressor(context->state, context->block, 1);
+        bytes += taken;
+        left -= taken;
+    }
+    if (left >= 64) sha1_compressor(context->state, bytes, static_cast<int>(left / 64));
+    context->blockUsed = left % 64;
+    memcpy(context->block, bytes + (left - left % 64), left % 64);
+}
+
+void Sha1Final(Sha1Context* context, uint8_t digest[kSha1Size]) {
+    static const uint8_t kPadding[64] = {0x80};
+    uint8_t bits[8];
+    StoreBig<uint32_t>(bits, context->bytesHigh << 3 | context->bytesLow >> 29);
+    StoreBig<uint32_t>(bits + 4, context->bytesLow << 3);
+    int used = static_cast<int>(context->blockUsed);
+    Sha1Update(context, kPadding, used < 56 ? 56 - used : 120 - used);
+    Sha1Update(context, bits, sizeof(bits));
+    for (int i = 0; i < 5; i++) StoreBig<uint32_t>(digest + 4 * i, context->state[i]);
+    Wipe(context, sizeof(*context));
+}
+
+void Sha1(const uint8_t* bytes, int length, uint8_t digest[kSha1Size]) {
+    Sha1Context context;
+    Sha1Init(&context);
+    Sha1Update(&context, bytes, length);
+    Sha1Final(&context, digest);
+}
+
+void Sha1UpdateString(Sha1Context* context, const uint8_t* bytes, int length) {
+    uint8_t size[4];
+    if (length < 0) length = 0;
+    StoreBig<uint32_t>(size, static_cast<uint32_t>(length));
+    Sha1Update(context, size, sizeof(size));
+    Sha1Update(context, bytes, length);
+}
+
+void Sha1UpdateMpint(Sha1Context* context, ConstBignum integer) {
+    int length = 0;
+    uint8_t* body = EncodeMpint(integer, &length);
+    Sha1UpdateString(context, body, length);
+    WipeAndFree(body, static_cast<size_t>(length));
+}

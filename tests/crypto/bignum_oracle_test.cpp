@@ -1,0 +1,169 @@
+// Multiprecision integers against GMP: every result, every size from 1 to 2,100 bits, random
+// operands and shapes that trip arithmetic up, in both forms of the row loops.
+#include <gtest/gtest.h>
+
+#include "crypto/bignum.h"
+#include "crypto/long_division.h"
+#include "crypto_test_support.h"
+
+static const int kMaxBits = 2100;
+
+// Runs the rest of a test with the portable row loops, or the fastest.
+class BignumOracle : public testing::TestWithParam<bool> {
+  protected:
+    void SetUp() override {
+        if (LongDivisionUseWide(GetParam()) != GetParam()) GTEST_SKIP() << "no wide vectors here";
+    }
+    void TearDown() override { LongDivisionUseWide(true); }
+};
+INSTANTIATE_TEST_SUITE_P(Rows, BignumOracle, testing::Values(false, true),
+                         [](const auto& info) { return info.param ? "wide" : "portable"; });
+
+static void ExpectEqual(Bignum result, const Mpz& wanted, const char* what) {
+    Number owned(result);
+    ASSERT_EQ(NumberHex(result), wanted.Hex()) << what;
+}
+
+static void CheckDivision(ConstBignum a, ConstBignum m) {
+    Mpz za(a), zm(m), quotient, remainder;
+    mpz_fdiv_qr(quotient.value, remainder.value, za.value, zm.value);
+    Number r(BignumMod(a, m)), q(BignumDiv(a, m));
+    ASSERT_EQ(r.get()[0], m[0]);
+    ASSERT_EQ(q.get()[0], a[0]);
+    ASSERT_EQ(NumberHex(r.get()), remainder.Hex()) << za.Hex() << " mod " << zm.Hex();
+    ASSERT_EQ(NumberHex(q.get()), quotient.Hex()) << za.Hex() << " div " << zm.Hex();
+}
+
+static void CheckProducts(ConstBignum a, ConstBignum b, ConstBignum m) {
+    Mpz za(a), zb(b), zm(m), wanted;
+    mpz_mul(wanted.value, za.value, zb.value);
+    mpz_add(wanted.value, wanted.value, zm.value);
+    ExpectEqual(BignumMulAdd(a, b, m), wanted, "a*b + c");
+    mpz_mul(wanted.value, za.value, zb.value);
+    mpz_mod(wanted.value, wanted.value, zm.value);
+    ExpectEqual(BignumModMul(a, b, m), wanted, "a*b mod m");
+}
+
+static void CheckPower(ConstBignum a, ConstBignum exponent, ConstBignum m) {
+    Mpz za(a), ze(exponent), zm(m), wanted;
+    mpz_powm(wanted.value, za.value, ze.value, zm.value);
+    ExpectEqual(BignumModPow(a, exponent, m), wanted, "a^e mod m");
+}
+
+static void CheckInverse(ConstBignum a, ConstBignum m) {
+    Mpz za(a), zm(m), wanted;
+    Number result(BignumModInverse(a, m));
+    if (mpz_cmp_ui(zm.value, 1) <= 0 || mpz_sgn(za.value) == 0) return;
+    bool coprime = mpz_invert(wanted.value, za.value, zm.value) != 0;
+    ASSERT_EQ(result != nullptr, coprime);
+    if (!coprime) return;
+    ASSERT_EQ(NumberHex(result.get()), wanted.Hex());
+}
+
+static void CheckOrder(ConstBignum a, ConstBignum b) {
+    Mpz za(a), zb(b);
+    int wanted = mpz_cmp(za.value, zb.value);
+    ASSERT_EQ(BignumCompare(a, b), (wanted > 0) - (wanted < 0));
+    ASSERT_EQ(BignumBitLength(a),
+              mpz_sgn(za.value) == 0 ? 0 : static_cast<int>(mpz_sizeinbase(za.value, 2)));
+    uint16_t small = static_cast<uint16_t>(1 + RandomBelow(65535));
+    ASSERT_EQ(BignumModSmall(a, small), mpz_fdiv_ui(za.value, small));
+}
+
+static Number RandomOperand(int max_bits) {
+    return RandomNumber(RandomBelow(max_bits + 1), RandomBelow(6));
+}
+
+TEST_P(BignumOracle, EverySizeMultipliesAndDividesExactly) {
+    for (int bits = 1; bits <= kMaxBits && !HasFatalFailure(); bits++) {
+        for (int shape = 0; shape < 3; shape++) {
+            Number a = RandomNumber(bits, shape), b = RandomOperand(kMaxBits);
+            Number m = RandomNumber(1 + RandomBelow(bits), RandomBelow(6));
+            CheckProducts(a.get(), b.get(), m.get());
+            CheckProducts(b.get(), m.get(), a.get());
+            CheckDivision(a.get(), m.get());
+            CheckDivision(b.get(), a.get());
+            CheckOrder(a.get(), b.get());
+        }
+    }
+}
+
+TEST_P(BignumOracle, EverySizeRaisesToAShortPower) {
+    for (int bits = 1; bits <= kMaxBits && !HasFatalFailure(); bits++) {
+        Number a = RandomOperand(kMaxBits), m = RandomNumber(bits, bits % 7 == 0 ? 1 : 0);
+        CheckPower(a.get(), RandomNumber(1 + RandomBelow(17), 0).get(), m.get());
+    }
+}
+
+TEST_P(BignumOracle, EverySizeInverts) {
+    for (int bits = 1; bits <= kMaxBits && !HasFatalFailure(); bits++) {
+        Number m = RandomNumber(bits, RandomBelow(6));
+        CheckInverse(RandomOperand(bits).get(), m.get());
+    }
+}
+
+TEST_P(BignumOracle, LongExponentsOfAnyShapeAreExact) {
+    for (int round = 0; round < 60 && !HasFatalFailure(); round++) {
+        Number a = RandomOperand(kMaxBits), m = RandomNumber(1 + RandomBelow(1100), round % 6);
+        CheckPower(a.get(), RandomNumber(RandomBelow(300), RandomBelow(6)).get(), m.get());
+    }
+}
+
+TEST_P(BignumOracle, EqualOperandsZeroOneAllOnesAndPowersOfTwoMeetEachOther) {
+    std::vector<Number> numbers;
+    for (int bits : {0, 1, 2, 15, 16, 17, 31, 32, 33, 64, 160, 1023, 1024, 1025, 2100}) {
+        for (int shape = 1; shape < 6; shape++) numbers.push_back(RandomNumber(bits, shape));
+    }
+    for (const Number& a : numbers) {
+        for (const Number& b : numbers) {
+            if (BignumBitLength(b.get()) == 0) continue;
+            CheckDivision(a.get(), b.get());
+            CheckProducts(a.get(), a.get(), b.get());
+            CheckOrder(a.get(), b.get());
+            if (HasFatalFailure()) return;
+        }
+    }
+}
+
+// Quotient estimates that have to be corrected: dividends just below, at and above multiples.
+TEST_P(BignumOracle, DividendsBesideAMultipleOfTheDivisorAreExact) {
+    for (int round = 0; round < 3000 && !HasFatalFailure(); round++) {
+        Number m = RandomNumber(17 + RandomBelow(300), RandomBelow(6));
+        Number q = RandomNumber(1 + RandomBelow(300), RandomBelow(6));
+        Mpz product(m.get()), zq(q.get());
+        mpz_mul(product.value, product.value, zq.value);
+        for (int offset = -1; offset <= 1; offset++) {
+            Mpz dividend;
+            offset < 0 ? mpz_sub_ui(dividend.value, product.value, 1)
+                       : mpz_add_ui(dividend.value, product.value, static_cast<unsigned>(offset));
+            CheckDivision(FromMpz(dividend).get(), m.get());
+        }
+    }
+}
+
+// More words than a column takes rows without carrying.
+TEST_P(BignumOracle, NumbersOfThousandsOfWordsAreExact) {
+    for (int shape : {0, 1}) {
+        Number a = RandomNumber(16 * 5000, shape), b = RandomNumber(16 * 4500, shape);
+        CheckProducts(a.get(), b.get(), a.get());
+        Number m = RandomNumber(16 * 2100 + 3, shape);
+        CheckProducts(a.get(), b.get(), m.get());
+        CheckDivision(a.get(), m.get());
+        CheckDivision(a.get(), RandomNumber(40, 0).get());
+    }
+}
+
+TEST(BignumWire, EveryFormOfRandomNumbersReadsBack) {
+    for (int bits = 0; bits <= kMaxBits; bits++) {
+        Number a = RandomNumber(bits, RandomBelow(6));
+        ByteString form(static_cast<size_t>(BignumSsh1Size(a.get())));
+        BignumToSsh1Bytes(form.data(), a.get());
+        Number back(BignumFromSsh1Bytes(form.data(), Size(form)));
+        ASSERT_EQ(BignumCompare(a.get(), back.get()), 0) << bits;
+        Mpz za(a.get());
+        for (int i = 0; i < bits + 20; i++) {
+            ASSERT_EQ(BignumBit(a.get(), i), mpz_tstbit(za.value, static_cast<mp_bitcnt_t>(i)));
+            ASSERT_EQ(BignumByte(a.get(), i / 8) >> (i % 8) & 1, BignumBit(a.get(), i));
+        }
+    }
+}

@@ -1,0 +1,281 @@
+// Ciphers against libcrypto on random input. Blowfish and single DES live in its legacy provider,
+// which is loaded here.
+#include <gtest/gtest.h>
+#include <openssl/evp.h>
+#include <openssl/provider.h>
+
+#include "crypto/blowfish.h"
+#include "crypto/byte_order.h"
+#include "crypto/ciphers.h"
+#include "crypto/des.h"
+#include "crypto_test_support.h"
+
+static const int kRounds = 3000;
+
+// An encryption or decryption stream of libcrypto without padding.
+class Peer {
+  public:
+    Peer(const char* name, const ByteString& key, const ByteString& iv, bool encrypt) {
+        static OSSL_PROVIDER* const kLegacy = OSSL_PROVIDER_load(nullptr, "legacy");
+        static OSSL_PROVIDER* const kDefault = OSSL_PROVIDER_load(nullptr, "default");
+        EXPECT_NE(kLegacy, nullptr);
+        EXPECT_NE(kDefault, nullptr);
+        cipher_ = EVP_CIPHER_fetch(nullptr, name, nullptr);
+        context_ = EVP_CIPHER_CTX_new();
+        EXPECT_NE(cipher_, nullptr) << name;
+        EXPECT_EQ(EVP_CipherInit_ex(context_, cipher_, nullptr, nullptr, nullptr, encrypt), 1);
+        EXPECT_EQ(EVP_CIPHER_CTX_set_key_length(context_, Size(key)), 1);
+        EXPECT_EQ(EVP_CipherInit_ex(context_, nullptr, nullptr, key.data(), iv.data(), encrypt), 1);
+        EVP_CIPHER_CTX_set_padding(context_, 0);
+    }
+    Peer(const Peer&) = delete;
+    Peer& operator=(const Peer&) = delete;
+    ~Peer() {
+        EVP_CIPHER_CTX_free(context_);
+        EVP_CIPHER_free(cipher_);
+    }
+    ByteString Run(ByteString text) {
+        int size = 0;
+        EXPECT_EQ(EVP_CipherUpdate(context_, text.data(), &size, text.data(), Size(text)), 1);
+        EXPECT_EQ(size, Size(text));
+        return text;
+    }
+
+  private:
+    EVP_CIPHER* cipher_;
+    EVP_CIPHER_CTX* context_;
+};
+
+static void SetDesKeys(const ByteString& key, DesContext* contexts) {
+    for (size_t i = 0; i < key.size() / 8; i++) {
+        DesSetKey(LoadBig<uint32_t>(&key[8 * i]), LoadBig<uint32_t>(&key[8 * i + 4]), &contexts[i]);
+    }
+}
+
+static void SetIv(const ByteString& iv, uint32_t words[2]) {
+    words[0] = LoadBig<uint32_t>(iv.data());
+    words[1] = LoadBig<uint32_t>(iv.data() + 4);
+}
+
+static ByteString RandomBlocks() { return RandomBytes(8 * (1 + RandomBelow(20))); }
+
+// One key, then streams both ways over several texts.
+template <typename Encrypt, typename Decrypt>
+static void CompareStreams(const char* name, const ByteString& key, const ByteString& iv,
+                           Encrypt encrypt, Decrypt decrypt) {
+    Peer forth(name, key, iv, true), back(name, key, iv, false);
+    for (int text = 0; text < 3; text++) {
+        const ByteString blocks = RandomBlocks();
+        ByteString ours = blocks;
+        encrypt(&ours);
+        ASSERT_EQ(ToHex(ours), ToHex(forth.Run(blocks))) << name;
+        ours = blocks;
+        decrypt(&ours);
+        ASSERT_EQ(ToHex(ours), ToHex(back.Run(blocks))) << name;
+    }
+}
+
+TEST(CipherOracle, DesCbc) {
+    for (int round = 0; round < kRounds && !HasFatalFailure(); round++) {
+        const ByteString key = RandomBytes(8), iv = RandomBytes(8);
+        DesContext context;
+        SetDesKeys(key, &context);
+        SetIv(iv, context.encryptIv);
+        SetIv(iv, context.decryptIv);
+        CompareStreams(
+            "DES-CBC", key, iv,
+            [&](ByteString* text) {
+                DesCbcEncrypt(text->data(), text->data(), Size(*text), &context);
+            },
+            [&](ByteString* text) {
+                DesCbcDecrypt(text->data(), text->data(), Size(*text), &context);
+            });
+    }
+}
+
+TEST(CipherOracle, TripleDesOfSsh2) {
+    for (int round = 0; round < kRounds && !HasFatalFailure(); round++) {
+        const ByteString key = RandomBytes(24), iv = RandomBytes(8);
+        kTripleDesCbc.setOutgoingKey(key.data());
+        kTripleDesCbc.setIncomingKey(key.data());
+        kTripleDesCbc.setOutgoingIv(iv.data());
+        kTripleDesCbc.setIncomingIv(iv.data());
+        CompareStreams(
+            "DES-EDE3-CBC", key, iv,
+            [](ByteString* text) { kTripleDesCbc.encrypt(text->data(), Size(*text)); },
+            [](ByteString* text) { kTripleDesCbc.decrypt(text->data(), Size(*text)); });
+    }
+}
+
+TEST(CipherOracle, BlowfishOfSsh2) {
+    for (int round = 0; round < kRounds / 3 && !HasFatalFailure(); round++) {
+        const ByteString key = RandomBytes(16), iv = RandomBytes(8);
+        kBlowfishCbc.setOutgoingKey(key.data());
+        kBlowfishCbc.setIncomingKey(key.data());
+        kBlowfishCbc.setOutgoingIv(iv.data());
+        kBlowfishCbc.setIncomingIv(iv.data());
+        CompareStreams(
+            "BF-CBC", key, iv,
+            [](ByteString* text) { kBlowfishCbc.encrypt(text->data(), Size(*text)); },
+            [](ByteString* text) { kBlowfishCbc.decrypt(text->data(), Size(*text)); });
+    }
+}
+
+TEST(CipherOracle, BlowfishWithKeysOfEveryLength) {
+    static BlowfishContext forth, back;
+    for (int length = 1; length <= 72 && !HasFatalFailure(); length++) {
+        const ByteString key = RandomBytes(length), iv = RandomBytes(8);
+        BlowfishSetKey(&forth, key.data(), length);
+        SetIv(iv, forth.iv);
+        back = forth;
+        CompareStreams(
+            "BF-CBC", key, iv,
+            [&](ByteString* text) {
+                BlowfishCbcEncrypt(text->data(), text->data(), Size(*text), &forth);
+            },
+            [&](ByteString* text) {
+                BlowfishCbcDecrypt(text->data(), text->data(), Size(*text), &back);
+            });
+    }
+}
+
+// What SSH-1 makes of a buffer, put together from libcrypto's single passes.
+TEST(CipherOracle, TripleDesOfSsh1IsThreePasses) {
+    const ByteString zero(8);
+    for (int round = 0; round < kRounds / 2; round++) {
+        const ByteString key = RandomBytes(32);
+        ByteString part[3];
+        for (size_t i = 0; i < 3; i++) part[i].assign(&key[8 * i], &key[8 * i] + 8);
+        Peer first("DES-CBC", part[0], zero, true), second("DES-CBC", part[1], zero, false);
+        Peer third("DES-CBC", part[2], zero, true);
+        kSsh1TripleDes.setKey(key.data());
+        for (int text = 0; text < 3; text++) {
+            const ByteString blocks = RandomBlocks();
+            ByteString ours = blocks;
+            kSsh1TripleDes.encrypt(ours.data(), Size(ours));
+            ASSERT_EQ(ToHex(ours), ToHex(third.Run(second.Run(first.Run(blocks)))));
+            kSsh1TripleDes.decrypt(ours.data(), Size(ours));
+            ASSERT_EQ(ToHex(ours), ToHex(blocks));
+        }
+    }
+}
+
+static ByteString SwapWords(ByteString text) {
+    for (size_t i = 0; i < text.size(); i += 4) {
+        std::swap(text[i], text[i + 3]);
+        std::swap(text[i + 1], text[i + 2]);
+    }
+    return text;
+}
+
+TEST(CipherOracle, BlowfishOfSsh1IsTheCommonOneWithEachWordReversed) {
+    const ByteString zero(8);
+    for (int round = 0; round < kRounds / 6; round++) {
+        const ByteString key = RandomBytes(32);
+        Peer forth("BF-CBC", key, zero, true), back("BF-CBC", key, zero, false);
+        kSsh1Blowfish.setKey(key.data());
+        for (int text = 0; text < 3; text++) {
+            const ByteString blocks = RandomBlocks();
+            ByteString ours = blocks;
+            kSsh1Blowfish.encrypt(ours.data(), Size(ours));
+            ASSERT_EQ(ToHex(ours), ToHex(SwapWords(forth.Run(SwapWords(blocks)))));
+            ours = blocks;
+            kSsh1Blowfish.decrypt(ours.data(), Size(ours));
+            ASSERT_EQ(ToHex(ours), ToHex(SwapWords(back.Run(SwapWords(blocks)))));
+        }
+    }
+}
+
+TEST(CipherOracle, DesOfSsh1) {
+    const ByteString zero(8);
+    for (int round = 0; round < kRounds && !HasFatalFailure(); round++) {
+        const ByteString key = RandomBytes(8);
+        kSsh1Des.setKey(key.data());
+        CompareStreams(
+            "DES-CBC", key, zero,
+            [](ByteString* text) { kSsh1Des.encrypt(text->data(), Size(*text)); },
+            [](ByteString* text) { kSsh1Des.decrypt(text->data(), Size(*text)); });
+    }
+}
+
+// The Monte Carlo test of NIST SP 800-20, ECB encryption and CBC encryption and decryption, beside
+// libcrypto. The standard has 400 keys of 10,000 blocks each; these are the first of them.
+static const int kMonteKeys = 12;
+static const int kMonteBlocks = 10000;
+
+struct Monte {
+    ByteString last[3];  // the last three results, the newest first
+    void Take(const ByteString& result) {
+        last[2] = last[1];
+        last[1] = last[0];
+        last[0] = result;
+    }
+};
+
+static ByteString Xor(ByteString a, const ByteString& b) {
+    for (size_t i = 0; i < a.size(); i++) a[i] = static_cast<uint8_t>(a[i] ^ b[i]);
+    return a;
+}
+
+static void NextKey(ByteString* key, const Monte& results) {
+    ByteString mask = results.last[0];
+    mask.insert(mask.end(), results.last[1].begin(), results.last[1].end());
+    mask.insert(mask.end(), results.last[2].begin(), results.last[2].end());
+    *key = Xor(*key, mask);
+}
+
+TEST(CipherOracle, MonteCarloTripleDesEcb) {
+    ByteString key = FromHex("0123456789abcdeffedcba98765432100f1e2d3c4b5a6978");
+    ByteString block = FromHex("4e6f772069732074");
+    for (int k = 0; k < kMonteKeys; k++) {
+        DesContext contexts[3];
+        SetDesKeys(key, contexts);
+        Peer peer("DES-EDE3-ECB", key, ByteString(8), true);
+        ByteString theirs = block;
+        Monte results;
+        for (int i = 0; i < kMonteBlocks; i++) {
+            uint32_t b[2] = {LoadBig<uint32_t>(&block[0]), LoadBig<uint32_t>(&block[4])};
+            DesEncryptBlock(b[0], b[1], b, &contexts[0]);
+            DesDecryptBlock(b[0], b[1], b, &contexts[1]);
+            DesEncryptBlock(b[0], b[1], b, &contexts[2]);
+            StoreBig<uint32_t>(&block[0], b[0]);
+            StoreBig<uint32_t>(&block[4], b[1]);
+            theirs = peer.Run(theirs);
+            if (i >= kMonteBlocks - 3) results.Take(block);
+        }
+        ASSERT_EQ(ToHex(block), ToHex(theirs)) << k;
+        NextKey(&key, results);
+    }
+}
+
+static void MonteCarloCbc(bool encrypt) {
+    ByteString key = FromHex("23456789abcdef01dcba9876543210fe1e2d3c4b5a69780f");
+    ByteString input = FromHex("6d65206f6f6b2061"), iv = FromHex("1234567890abcdef");
+    for (int k = 0; k < kMonteKeys; k++) {
+        DesContext contexts[3];
+        SetDesKeys(key, contexts);
+        SetIv(iv, contexts[0].encryptIv);
+        SetIv(iv, contexts[0].decryptIv);
+        Peer peer("DES-EDE3-CBC", key, iv, encrypt);
+        ByteString theirs, before = iv, next = input;
+        Monte results;
+        for (int i = 0; i < kMonteBlocks; i++) {
+            ByteString output = next;
+            (encrypt ? TripleDesCbcEncrypt : TripleDesCbcDecrypt)(output.data(), output.data(), 8,
+                                                                  contexts);
+            theirs = peer.Run(next);
+            // Encryption takes the output before last as its next input, decryption the last.
+            next = encrypt ? before : output;
+            before = output;
+            if (i >= kMonteBlocks - 3) results.Take(output);
+        }
+        ASSERT_EQ(ToHex(results.last[0]), ToHex(theirs)) << k;
+        NextKey(&key, results);
+        input = encrypt ? results.last[1] : results.last[0];
+        iv = results.last[0];
+    }
+}
+
+TEST(CipherOracle, MonteCarloTripleDesCbcEncryption) { MonteCarloCbc(true); }
+
+TEST(CipherOracle, MonteCarloTripleDesCbcDecryption) { MonteCarloCbc(false); }

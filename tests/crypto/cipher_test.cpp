@@ -1,0 +1,340 @@
+// Ciphers, modes and the records of both SSH versions: the edge cases, by name.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "crypto/blowfish.h"
+#include "crypto/byte_order.h"
+#include "crypto/ciphers.h"
+#include "crypto/des.h"
+#include "crypto_test_support.h"
+
+static void SetDesKey(DesContext* context, const uint8_t* key) {
+    DesSetKey(LoadBig<uint32_t>(key), LoadBig<uint32_t>(key + 4), context);
+}
+
+TEST(Des, SchedulingAKeyClearsBothChainingValues) {
+    DesContext context;
+    memset(&context, 0xAA, sizeof(context));
+    DesSetKey(1, 2, &context);
+    EXPECT_EQ(context.encryptIv[0] | context.encryptIv[1], 0u);
+    EXPECT_EQ(context.decryptIv[0] | context.decryptIv[1], 0u);
+}
+
+TEST(Des, ParityBitsOfTheKeyDoNotCount) {
+    uint32_t first[2], second[2];
+    DesContext context;
+    DesSetKey(0x01234567, 0x89ABCDEF, &context);
+    DesEncryptBlock(1, 2, first, &context);
+    DesSetKey(0x01234567 ^ 0x01010101, 0x89ABCDEF ^ 0x01010101, &context);
+    DesEncryptBlock(1, 2, second, &context);
+    EXPECT_EQ(first[0], second[0]);
+    EXPECT_EQ(first[1], second[1]);
+}
+
+TEST(Des, WeakKeyEncryptsBackToThePlaintext) {
+    uint32_t block[2];
+    DesContext context;
+    DesSetKey(0x01010101, 0x01010101, &context);
+    DesEncryptBlock(0x12345678, 0x9ABCDEF0, block, &context);
+    EXPECT_NE(block[0], 0x12345678u);
+    DesEncryptBlock(block[0], block[1], block, &context);
+    EXPECT_EQ(block[0], 0x12345678u);
+    EXPECT_EQ(block[1], 0x9ABCDEF0u);
+}
+
+TEST(Des, OneContextCarriesAnEncryptionAndADecryptionStream) {
+    const ByteString key = RandomBytes(8), text = RandomBytes(64);
+    DesContext sender, both;
+    SetDesKey(&sender, key.data());
+    SetDesKey(&both, key.data());
+    ByteString theirs = text, ours = text, plain(64);
+    DesCbcEncrypt(theirs.data(), theirs.data(), 64, &sender);
+    for (int at = 0; at < 64; at += 8) {
+        DesCbcEncrypt(&ours[static_cast<size_t>(at)], &text[static_cast<size_t>(at)], 8, &both);
+        DesCbcDecrypt(&plain[static_cast<size_t>(at)], &theirs[static_cast<size_t>(at)], 8, &both);
+    }
+    EXPECT_EQ(ToHex(ours), ToHex(theirs));
+    EXPECT_EQ(ToHex(plain), ToHex(text));
+}
+
+TEST(Des, LengthThatIsNoMultipleOfEightIsRoundedUp) {
+    const ByteString key = RandomBytes(8), text = RandomBytes(24);
+    for (int length = 17; length <= 24; length++) {
+        DesContext rounded, whole;
+        SetDesKey(&rounded, key.data());
+        SetDesKey(&whole, key.data());
+        ByteString a(24), b(24);
+        DesCbcEncrypt(a.data(), text.data(), length, &rounded);
+        DesCbcEncrypt(b.data(), text.data(), 24, &whole);
+        EXPECT_EQ(ToHex(a), ToHex(b)) << length;
+    }
+}
+
+TEST(TripleDes, ThreeEqualKeysAreSingleDesInCbc) {
+    const ByteString key = RandomBytes(8), text = RandomBytes(80);
+    DesContext single, triple[3];
+    SetDesKey(&single, key.data());
+    for (DesContext& context : triple) SetDesKey(&context, key.data());
+    ByteString a = text, b = text;
+    DesCbcEncrypt(a.data(), a.data(), 80, &single);
+    TripleDesCbcEncrypt(b.data(), b.data(), 80, triple);
+    EXPECT_EQ(ToHex(a), ToHex(b));
+    DesCbcDecrypt(a.data(), a.data(), 80, &single);
+    TripleDesCbcDecrypt(b.data(), b.data(), 80, triple);
+    EXPECT_EQ(ToHex(a), ToHex(text));
+    EXPECT_EQ(ToHex(b), ToHex(text));
+}
+
+// The two triple-DES modes over `count` blocks with the same keys and IVs of zero.
+static bool ModesAgree(int count) {
+    const ByteString key = RandomBytes(24), text = RandomBytes(8 * count);
+    DesContext outer[3], passes[3];
+    for (int i = 0; i < 3; i++) {
+        SetDesKey(&outer[i], key.data() + 8 * i);
+        SetDesKey(&passes[i], key.data() + 8 * i);
+    }
+    ByteString a = text, b = text;
+    TripleDesCbcEncrypt(a.data(), a.data(), 8 * count, outer);
+    TripleDesPassesEncrypt(b.data(), b.data(), 8 * count, passes);
+    return a == b;
+}
+
+TEST(TripleDes, ThreePassesEqualTheOuterChainOnOneBlockAlone) {
+    EXPECT_TRUE(ModesAgree(1));
+    for (int count = 2; count < 6; count++) EXPECT_FALSE(ModesAgree(count)) << count;
+}
+
+TEST(TripleDes, ThreePassesUseSixChainingValues) {
+    const ByteString key = RandomBytes(24);
+    DesContext contexts[3];
+    for (int i = 0; i < 3; i++) SetDesKey(&contexts[i], key.data() + 8 * i);
+    ByteString buffer = RandomBytes(16);
+    TripleDesPassesEncrypt(buffer.data(), buffer.data(), 16, contexts);
+    EXPECT_NE(contexts[0].encryptIv[0], 0u);
+    EXPECT_NE(contexts[1].decryptIv[0], 0u);
+    EXPECT_NE(contexts[2].encryptIv[0], 0u);
+    EXPECT_EQ(contexts[0].decryptIv[0] | contexts[1].encryptIv[0] | contexts[2].decryptIv[0], 0u);
+    TripleDesPassesDecrypt(buffer.data(), buffer.data(), 16, contexts);
+    EXPECT_NE(contexts[0].decryptIv[0], 0u);
+    EXPECT_NE(contexts[1].encryptIv[0], 0u);
+    EXPECT_NE(contexts[2].decryptIv[0], 0u);
+}
+
+TEST(Blowfish, SchedulingAKeyKeepsTheChainingValue) {
+    static BlowfishContext context;
+    context.iv[0] = 0x1234;
+    context.iv[1] = 0x5678;
+    BlowfishSetKey(&context, reinterpret_cast<const uint8_t*>("key"), 3);
+    EXPECT_EQ(context.iv[0], 0x1234u);
+    EXPECT_EQ(context.iv[1], 0x5678u);
+}
+
+TEST(Blowfish, KeyWrapsAroundWhenItsLengthIsNoMultipleOfFour) {
+    static BlowfishContext context, wrapped;
+    const ByteString key = RandomBytes(5);
+    ByteString repeated;
+    for (int i = 0; i < 72; i++) repeated.push_back(key[static_cast<size_t>(i % 5)]);
+    BlowfishSetKey(&context, key.data(), 5);
+    BlowfishSetKey(&wrapped, repeated.data(), 72);
+    EXPECT_EQ(memcmp(context.p, wrapped.p, sizeof(context.p)), 0);
+}
+
+TEST(Blowfish, NoKeyLeavesTheContextAlone) {
+    static BlowfishContext context, before;
+    BlowfishSetKey(&context, nullptr, 0);
+    EXPECT_EQ(memcmp(&context, &before, sizeof(context)), 0);
+}
+
+TEST(Blowfish, LittleEndianBlocksEncipherTheWordsFromTheirLowestByteOn) {
+    static BlowfishContext context;
+    const ByteString key = RandomBytes(32);
+    BlowfishSetKey(&context, key.data(), 32);
+    uint32_t wanted[2];
+    BlowfishEncryptBlock(0x03020100, 0x07060504, wanted, &context);
+    ByteString block = FromHex("0001020304050607");
+    BlowfishLittleCbcEncrypt(block.data(), block.data(), 8, &context);
+    EXPECT_EQ(LoadLittle<uint32_t>(block.data()), wanted[0]);
+    EXPECT_EQ(LoadLittle<uint32_t>(block.data() + 4), wanted[1]);
+}
+
+// ---------------------------------------------------------------- the records
+
+class SshCiphers : public testing::Test {
+  protected:
+    ByteString key = RandomBytes(40);
+    ByteString iv = RandomBytes(40);
+    void TearDown() override { WipeCipherKeys(); }
+    void Install(const CipherAlgorithm& cipher) {
+        cipher.setOutgoingKey(key.data());
+        cipher.setIncomingKey(key.data());
+        cipher.setOutgoingIv(iv.data());
+        cipher.setIncomingIv(iv.data());
+    }
+};
+
+TEST_F(SshCiphers, RecordsOfSsh2HoldTheirNamesAndSizes) {
+    EXPECT_STREQ(kTripleDesCbc.name, "3des-cbc");
+    EXPECT_EQ(kTripleDesCbc.nameRef, kTripleDesCbc.name);
+    EXPECT_EQ(kTripleDesCbc.blockSize, 8);
+    EXPECT_EQ(kTripleDesCbc.keyBits, 168);
+    EXPECT_STREQ(kBlowfishCbc.name, "blowfish-cbc");
+    EXPECT_EQ(kBlowfishCbc.nameRef, kBlowfishCbc.name);
+    EXPECT_EQ(kBlowfishCbc.blockSize, 8);
+    EXPECT_EQ(kBlowfishCbc.keyBits, 128);
+}
+
+TEST_F(SshCiphers, RecordsOfSsh1HoldTheirNamesAndSizes) {
+    EXPECT_STREQ(kSsh1BlowfishName, "Blowfish");
+    EXPECT_STREQ(kSsh1TripleDesName, "3DES encryption");
+    EXPECT_STREQ(kSsh1DesName, "DES encryption");
+    for (const Ssh1Cipher* cipher : {&kSsh1Blowfish, &kSsh1TripleDes, &kSsh1Des}) {
+        EXPECT_EQ(cipher->blockSize, 8);
+    }
+}
+
+TEST_F(SshCiphers, TripleDesTakes24BytesOfKeyAndBlowfish16) {
+    const struct {
+        const CipherAlgorithm* cipher;
+        size_t used;
+    } kRows[] = {{&kTripleDesCbc, 24}, {&kBlowfishCbc, 16}};
+    for (const auto& row : kRows) {
+        const ByteString text = RandomBytes(16);
+        ByteString first = text, beyond = text, within = text;
+        Install(*row.cipher);
+        row.cipher->encrypt(first.data(), 16);
+        key[row.used] = static_cast<uint8_t>(key[row.used] ^ 0x10);
+        Install(*row.cipher);
+        row.cipher->encrypt(beyond.data(), 16);
+        EXPECT_EQ(ToHex(first), ToHex(beyond));
+        key[row.used - 1] = static_cast<uint8_t>(key[row.used - 1] ^ 0x10);
+        Install(*row.cipher);
+        row.cipher->encrypt(within.data(), 16);
+        EXPECT_NE(ToHex(first), ToHex(within));
+    }
+}
+
+TEST_F(SshCiphers, TripleDesIvSetBeforeItsKeyIsLost) {
+    const ByteString text = RandomBytes(8);
+    ByteString early = text, zero = text;
+    kTripleDesCbc.setOutgoingIv(iv.data());
+    kTripleDesCbc.setOutgoingKey(key.data());
+    kTripleDesCbc.encrypt(early.data(), 8);
+    kTripleDesCbc.setOutgoingKey(key.data());
+    kTripleDesCbc.encrypt(zero.data(), 8);
+    EXPECT_EQ(ToHex(early), ToHex(zero));
+}
+
+TEST_F(SshCiphers, DirectionsOfSsh2AreIndependent) {
+    for (const CipherAlgorithm* cipher : {&kTripleDesCbc, &kBlowfishCbc}) {
+        Install(*cipher);
+        const ByteString text = RandomBytes(32);
+        ByteString sent = text;
+        cipher->encrypt(sent.data(), 32);
+        const ByteString other = RandomBytes(40);
+        cipher->setOutgoingKey(other.data());
+        cipher->setOutgoingIv(other.data());
+        cipher->decrypt(sent.data(), 32);
+        EXPECT_EQ(ToHex(sent), ToHex(text)) << cipher->name;
+    }
+}
+
+// A stream in one call and in many, both ways.
+template <typename Cipher, typename Start>
+static void ExpectOneStream(const Cipher& cipher, Start start) {
+    const ByteString text = RandomBytes(200);
+    ByteString whole = text, cut = text;
+    start();
+    cipher.encrypt(whole.data(), 200);
+    start();
+    for (int at = 0; at < 200;) {
+        int piece = std::min(8 * (1 + RandomBelow(4)), 200 - at);
+        cipher.encrypt(cut.data() + at, piece);
+        at += piece;
+    }
+    EXPECT_EQ(ToHex(cut), ToHex(whole));
+    for (int at = 0; at < 200; at += 40) cipher.decrypt(cut.data() + at, 40);
+    EXPECT_EQ(ToHex(cut), ToHex(text));
+}
+
+TEST_F(SshCiphers, OneCallAndManyCallsGiveTheSameBytes) {
+    ExpectOneStream(kTripleDesCbc, [&] { Install(kTripleDesCbc); });
+    ExpectOneStream(kBlowfishCbc, [&] { Install(kBlowfishCbc); });
+    for (const Ssh1Cipher* cipher : {&kSsh1Blowfish, &kSsh1TripleDes, &kSsh1Des}) {
+        ExpectOneStream(*cipher, [&] { cipher->setKey(key.data()); });
+    }
+}
+
+TEST_F(SshCiphers, LengthIsRoundedUpToWholeBlocks) {
+    const ByteString text = RandomBytes(32);
+    ByteString rounded = text, whole = text;
+    Install(kTripleDesCbc);
+    kTripleDesCbc.encrypt(rounded.data(), 28);  // as a packet of 4 + 28 bytes is handed over
+    Install(kTripleDesCbc);
+    kTripleDesCbc.encrypt(whole.data(), 32);
+    EXPECT_EQ(ToHex(rounded), ToHex(whole));
+}
+
+TEST_F(SshCiphers, Ssh1TripleDesIsNotTheOneOfSsh2BeyondABlock) {
+    const ByteString text = RandomBytes(16);
+    ByteString ssh1 = text, ssh2 = text;
+    kSsh1TripleDes.setKey(key.data());
+    kSsh1TripleDes.encrypt(ssh1.data(), 16);
+    kTripleDesCbc.setOutgoingKey(key.data());  // leaves an IV of zero
+    kTripleDesCbc.encrypt(ssh2.data(), 16);
+    EXPECT_EQ(ToHex(ssh1.data(), 8), ToHex(ssh2.data(), 8));
+    EXPECT_NE(ToHex(ssh1), ToHex(ssh2));
+}
+
+TEST_F(SshCiphers, Ssh1BlowfishReadsBlocksFromTheLowestByte) {
+    static BlowfishContext context;
+    uint32_t wanted[2];
+    BlowfishSetKey(&context, key.data(), 32);
+    BlowfishEncryptBlock(0x03020100, 0x07060504, wanted, &context);
+    ByteString block = FromHex("0001020304050607");
+    kSsh1Blowfish.setKey(key.data());
+    kSsh1Blowfish.encrypt(block.data(), 8);
+    EXPECT_EQ(LoadLittle<uint32_t>(block.data()), wanted[0]);
+    EXPECT_EQ(LoadLittle<uint32_t>(block.data() + 4), wanted[1]);
+}
+
+TEST_F(SshCiphers, Ssh1SetKeyStartsEveryChainAtZero) {
+    for (const Ssh1Cipher* cipher : {&kSsh1Blowfish, &kSsh1TripleDes, &kSsh1Des}) {
+        const ByteString text = RandomBytes(24);
+        ByteString first = text, again = text;
+        cipher->setKey(key.data());
+        cipher->encrypt(first.data(), 24);
+        cipher->decrypt(again.data(), 24);
+        cipher->setKey(key.data());
+        again = text;
+        cipher->encrypt(again.data(), 24);
+        EXPECT_EQ(ToHex(first), ToHex(again));
+    }
+}
+
+TEST_F(SshCiphers, Ssh1DirectionsDoNotDisturbEachOther) {
+    for (const Ssh1Cipher* cipher : {&kSsh1Blowfish, &kSsh1TripleDes, &kSsh1Des}) {
+        const ByteString text = RandomBytes(64);
+        ByteString sent = text, alone = text;
+        cipher->setKey(key.data());
+        cipher->encrypt(alone.data(), 64);
+        cipher->setKey(key.data());
+        for (int at = 0; at < 64; at += 16) {
+            ByteString noise = RandomBytes(16);
+            cipher->encrypt(sent.data() + at, 16);
+            cipher->decrypt(noise.data(), 16);
+        }
+        EXPECT_EQ(ToHex(sent), ToHex(alone));
+    }
+}
+
+TEST_F(SshCiphers, WipeForgetsKeysAndChains) {
+    const ByteString text = RandomBytes(16);
+    ByteString keyed = text, wiped = text;
+    Install(kTripleDesCbc);
+    kTripleDesCbc.encrypt(keyed.data(), 16);
+    Install(kTripleDesCbc);
+    WipeCipherKeys();
+    kTripleDesCbc.encrypt(wiped.data(), 16);
+    EXPECT_NE(ToHex(keyed), ToHex(wiped));
+}

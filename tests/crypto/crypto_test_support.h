@@ -1,0 +1,48 @@
+// What the tests of crypto/ share: random input with a fixed seed, bridges to GMP, short forms for
+// byte strings, and the clock behind SeedRandom.
+#ifndef QUILL_TESTS_CRYPTO_CRYPTO_TEST_SUPPORT_H
+#define QUILL_TESTS_CRYPTO_CRYPTO_TEST_SUPPORT_H
+
+#include <gmp.h>
+
+#include <memory>
+#include <random>
+#include <string>
+
+#include "crypto/bignum.h"
+#include "vector_file.h"
+
+extern std::mt19937_64 random_engine;  // the same numbers in every run
+
+int RandomBelow(int limit);  // 0 .. limit - 1
+ByteString RandomBytes(int count);
+inline int Size(const ByteString& bytes) { return static_cast<int>(bytes.size()); }
+
+extern int clock_milliseconds;  // what GetSystemTime tells
+
+// A Bignum that releases itself.
+struct BignumRelease {
+    void operator()(Bignum a) const { BignumFree(a); }
+};
+typedef std::unique_ptr<uint16_t, BignumRelease> Number;
+
+Number FromHexNumber(const std::string& digits);
+std::string NumberHex(ConstBignum a);  // without leading zeros; "0" for zero, "null" for null
+
+// An mpz_t that clears itself.
+struct Mpz {
+    mpz_t value;
+    Mpz() { mpz_init(value); }
+    explicit Mpz(ConstBignum a);
+    Mpz(const Mpz&) = delete;
+    Mpz& operator=(const Mpz&) = delete;
+    ~Mpz() { mpz_clear(value); }
+    std::string Hex() const;
+};
+Number FromMpz(const Mpz& a);
+
+// Of exactly `bits` bits (0: zero): all random, or one of the shapes that trip arithmetic up, such
+// as all ones or a power of two, by `shape` 0 to 5.
+Number RandomNumber(int bits, int shape);
+
+#endif

@@ -1,0 +1,230 @@
+// Hashes and MAC: the edge cases, by name.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "crypto/hmac_sha1.h"
+#include "crypto/md5.h"
+#include "crypto/sha1.h"
+#include "crypto/sha512.h"
+#include "crypto_test_support.h"
+
+static std::string Sha1Hex(const ByteString& message) {
+    uint8_t digest[kSha1Size];
+    Sha1(message.data(), Size(message), digest);
+    return ToHex(digest, kSha1Size);
+}
+
+// Of a repeated "a", where the padding needs a block of its own or does not.
+TEST(Sha1, PaddingBoundariesGiveTheStandardDigests) {
+    const struct {
+        int length;
+        const char* digest;
+    } kRows[] = {
+        {0, "da39a3ee5e6b4b0d3255bfef95601890afd80709"},
+        {55, "c1c8bbdc22796e28c0e15163d20899b65621d65a"},
+        {56, "c2db330f6083854c99d4b5bfb6e8f29f201be699"},
+        {63, "03f09f5b158a7a8cdad920bddc29b81c18a551f5"},
+        {64, "0098ba824b5c16427bd7a1122a5a442a25ec644d"},
+        {65, "11655326c708d70319be2610e8a57d9a5b959d3b"},
+    };
+    for (const auto& row : kRows) {
+        EXPECT_EQ(Sha1Hex(ByteString(static_cast<size_t>(row.length), 'a')), row.digest)
+            << row.length;
+    }
+}
+
+TEST(Sha1, StartHasTheFieldsAndInitialValuesOfTheStandard) {
+    Sha1Context context;
+    Sha1Init(&context);
+    const uint32_t kInitial[5] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476, 0xc3d2e1f0};
+    EXPECT_EQ(memcmp(context.state, kInitial, sizeof(kInitial)), 0);
+    EXPECT_EQ(context.blockUsed, 0u);
+    EXPECT_EQ(context.bytesHigh, 0u);
+    EXPECT_EQ(context.bytesLow, 0u);
+}
+
+TEST(Sha1, BlockFillsAndEmptiesAsInputComes) {
+    Sha1Context context;
+    ByteString bytes(200, 7);
+    Sha1Init(&context);
+    Sha1Update(&context, bytes.data(), 63);
+    EXPECT_EQ(context.blockUsed, 63u);
+    Sha1Update(&context, bytes.data(), 1);
+    EXPECT_EQ(context.blockUsed, 0u);
+    Sha1Update(&context, bytes.data(), 130);
+    EXPECT_EQ(context.blockUsed, 2u);
+    EXPECT_EQ(context.bytesLow, 194u);
+}
+
+TEST(Sha1, LowByteCountCarriesIntoTheHighOne) {
+    Sha1Context context;
+    Sha1Init(&context);
+    context.bytesLow = 0xFFFFFFC0u;
+    ByteString bytes(65, 1);
+    Sha1Update(&context, bytes.data(), 65);
+    EXPECT_EQ(context.bytesHigh, 1u);
+    EXPECT_EQ(context.bytesLow, 1u);
+}
+
+// The length field of the padding is the byte count in bits over both words: the same last block,
+// built by hand and fed as a whole block, gives the same state.
+TEST(Sha1, LengthFieldHoldsSixtyFourBitsOfBitCount) {
+    Sha1Context context, by_hand;
+    Sha1Init(&context);
+    context.bytesHigh = 0x12345678;
+    context.bytesLow = 0x9ABCDEC0;
+    by_hand = context;
+    uint8_t digest[kSha1Size], block[64] = {0x80};
+    const uint64_t bits = 0x123456789ABCDEC0ull << 3;
+    for (int i = 0; i < 8; i++) block[56 + i] = static_cast<uint8_t>(bits >> (56 - 8 * i));
+    Sha1Final(&context, digest);
+    Sha1Update(&by_hand, block, 64);
+    for (int i = 0; i < kSha1Size; i++) {
+        ASSERT_EQ(digest[i], by_hand.state[i / 4] >> (24 - i % 4 * 8) & 0xFF);
+    }
+}
+
+TEST(Sha1, CopyOfAContextIsASecondHashOfTheSameStart) {
+    Sha1Context first, second;
+    Sha1Init(&first);
+    Sha1Update(&first, reinterpret_cast<const uint8_t*>("abc"), 3);
+    second = first;
+    Sha1Update(&first, reinterpret_cast<const uint8_t*>("other end"), 9);
+    uint8_t digest[kSha1Size];
+    Sha1Final(&second, digest);
+    EXPECT_EQ(ToHex(digest, kSha1Size), "a9993e364706816aba3e25717850c26c9cd0d89d");
+}
+
+TEST(Sha1, FinalWipesTheContext) {
+    Sha1Context context;
+    uint8_t digest[kSha1Size];
+    Sha1Init(&context);
+    Sha1Update(&context, reinterpret_cast<const uint8_t*>("secret"), 6);
+    Sha1Final(&context, digest);
+    const Sha1Context zero = {};
+    EXPECT_EQ(memcmp(&context, &zero, sizeof(zero)), 0);
+}
+
+TEST(Sha1, NegativeLengthFeedsNothing) {
+    EXPECT_EQ(Sha1Hex({}), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
+    uint8_t digest[kSha1Size];
+    Sha1(nullptr, -5, digest);
+    EXPECT_EQ(ToHex(digest, kSha1Size), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
+}
+
+static std::string FedWith(void (*feed)(Sha1Context* context)) {
+    Sha1Context context;
+    uint8_t digest[kSha1Size];
+    Sha1Init(&context);
+    feed(&context);
+    Sha1Final(&context, digest);
+    return ToHex(digest, kSha1Size);
+}
+
+TEST(Sha1, UpdateStringFeedsTheLengthAndTheBytes) {
+    EXPECT_EQ(FedWith([](Sha1Context* context) {
+                  Sha1UpdateString(context, reinterpret_cast<const uint8_t*>("ssh-dss"), 7);
+                  Sha1UpdateString(context, nullptr, 0);
+              }),
+              Sha1Hex(FromHex("000000077373682d64737300000000")));
+}
+
+TEST(Sha1, UpdateMpintFeedsTheWireFormOfTheNumber) {
+    EXPECT_EQ(FedWith([](Sha1Context* context) {
+                  Sha1UpdateMpint(context, FromHexNumber("80").get());
+                  Sha1UpdateMpint(context, FromHexNumber("0").get());
+                  Sha1UpdateMpint(context, FromHexNumber("09a378f9b2e332a7").get());
+              }),
+              Sha1Hex(FromHex("00000002008000000000"
+                              "0000000809a378f9b2e332a7")));
+}
+
+static std::string Mac(const ByteString& key, const ByteString& message) {
+    uint8_t mac[kSha1Size];
+    HmacSha1(key.data(), Size(key), message.data(), Size(message), mac);
+    return ToHex(mac, kSha1Size);
+}
+
+TEST(HmacSha1, KeyOf65BytesOrMoreCountsByItsFirst64) {
+    const ByteString message = RandomBytes(100);
+    ByteString key = RandomBytes(64);
+    const std::string mac = Mac(key, message);
+    for (int extra = 1; extra < 40; extra++) {
+        key.push_back(static_cast<uint8_t>(extra));
+        ASSERT_EQ(Mac(key, message), mac);
+    }
+    key[63] = static_cast<uint8_t>(key[63] ^ 1);
+    EXPECT_NE(Mac(key, message), mac);
+}
+
+class SshMacTest : public testing::Test {
+  protected:
+    ByteString key = RandomBytes(40);
+    ByteString packet = RandomBytes(64);
+    void SetUp() override {
+        kHmacSha1.setOutgoingKey(key.data());
+        kHmacSha1.setIncomingKey(key.data());
+        packet.resize(64 + 20);
+    }
+    void TearDown() override { WipeMacKeys(); }
+};
+
+TEST_F(SshMacTest, RecordNamesTheAlgorithm) {
+    EXPECT_STREQ(kHmacSha1.name, "hmac-sha1");
+    EXPECT_EQ(kHmacSha1.nameRef, kHmacSha1.name);
+    EXPECT_EQ(kHmacSha1.macLength, 20);
+}
+
+TEST_F(SshMacTest, GeneratePutsTheMacOfSequenceNumberAndPacketBehindThePacket) {
+    kHmacSha1.generate(packet.data(), 64, 0x01020304);
+    ByteString message = FromHex("01020304");
+    message.insert(message.end(), packet.begin(), packet.begin() + 64);
+    ByteString used(key.begin(), key.begin() + 20);  // the first 20 bytes alone
+    EXPECT_EQ(ToHex(packet.data() + 64, 20), Mac(used, message));
+}
+
+TEST_F(SshMacTest, VerifyTakesTheMacAndRefusesItWithAnyBitChanged) {
+    kHmacSha1.generate(packet.data(), 64, 7);
+    EXPECT_EQ(kHmacSha1.verify(packet.data(), 64, 7), 1);
+    for (int bit = 0; bit < (64 + 20) * 8; bit++) {
+        uint8_t& byte = packet[static_cast<size_t>(bit / 8)];
+        byte = static_cast<uint8_t>(byte ^ 1 << bit % 8);
+        ASSERT_EQ(kHmacSha1.verify(packet.data(), 64, 7), 0) << bit;
+        byte = static_cast<uint8_t>(byte ^ 1 << bit % 8);
+    }
+    EXPECT_EQ(kHmacSha1.verify(packet.data(), 64, 7), 1);
+}
+
+TEST_F(SshMacTest, VerifyRefusesAnotherSequenceNumber) {
+    kHmacSha1.generate(packet.data(), 64, 7);
+    for (int bit = 0; bit < 32; bit++) {
+        EXPECT_EQ(kHmacSha1.verify(packet.data(), 64, 7 ^ 1u << bit), 0);
+    }
+}
+
+TEST_F(SshMacTest, DirectionsShareNoKey) {
+    const ByteString other = RandomBytes(20);
+    kHmacSha1.setIncomingKey(other.data());
+    kHmacSha1.generate(packet.data(), 64, 1);
+    EXPECT_EQ(kHmacSha1.verify(packet.data(), 64, 1), 0);
+    kHmacSha1.setOutgoingKey(other.data());
+    kHmacSha1.generate(packet.data(), 64, 1);
+    EXPECT_EQ(kHmacSha1.verify(packet.data(), 64, 1), 1);
+}
+
+TEST_F(SshMacTest, MacIsUsedManyTimesWithoutASecondKey) {
+    kHmacSha1.generate(packet.data(), 64, 1);
+    const ByteString first = packet;
+    kHmacSha1.generate(packet.data(), 32, 2);
+    packet = first;
+    std::fill(packet.begin() + 64, packet.end(), uint8_t{0});
+    kHmacSha1.generate(packet.data(), 64, 1);
+    EXPECT_EQ(ToHex(packet), ToHex(first));
+}
+
+TEST_F(SshMacTest, WipedKeysVerifyNothing) {
+    kHmacSha1.generate(packet.data(), 64, 1);
+    WipeMacKeys();
+    EXPECT_EQ(kHmacSha1.verify(packet.data(), 64, 1), 0);
+}

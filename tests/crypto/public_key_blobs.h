@@ -1,0 +1,27 @@
+// Keys and signatures of libcrypto in the forms in which SSH carries them.
+#ifndef QUILL_TESTS_CRYPTO_PUBLIC_KEY_BLOBS_H
+#define QUILL_TESTS_CRYPTO_PUBLIC_KEY_BLOBS_H
+
+#define OPENSSL_SUPPRESS_DEPRECATED
+#include <openssl/dsa.h>
+#include <openssl/rsa.h>
+
+#include <string>
+
+#include "vector_file.h"
+
+// A new key pair over the first group of dss.data (1,024 and 160 bits).
+DSA* MakeDsaKey();
+ByteString KeyBlob(const DSA* dsa, const std::string& name = "ssh-dss");
+// r and s over the SHA-1 of the data, or over a digest as it stands: 40 bytes.
+ByteString Sign(DSA* dsa, const ByteString& data);
+ByteString SignDigest(DSA* dsa, const ByteString& digest);
+ByteString WrapSignature(const ByteString& signature, const std::string& name = "ssh-dss");
+ByteString RsaBlob(const RSA* rsa);  // uint32 bits, exponent, modulus
+
+std::string BigHex(const BIGNUM* number);  // as NumberHex
+
+ByteString SshString(const ByteString& bytes);
+ByteString operator+(ByteString a, const ByteString& b);
+
+#endif
