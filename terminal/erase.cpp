@@ -107,7 +107,7 @@ void DeleteCharacters() {
 }
 
 // The rows that insert and delete line move: from the cursor's row to the end of the region, or of
-// the part below or above it, that the cursor is in.
+// the lines below or above it, that the cursor is in.
 static void LinesFromCursor(int* first, int* last) {
     const ScreenBuffer& screen = session.screen;
     const int row = screen.cursor_row;
