@@ -98,14 +98,20 @@ void Sha1Update(Sha1Context* context, const uint8_t* bytes, int length) {
     memcpy(context->block, bytes + (left - left % 64), left % 64);
 }
 
+// 0x80 and zeros up to the last eight bytes of a block, one block on if they are taken already, and
+// there the length in bits.
 void Sha1Final(Sha1Context* context, uint8_t digest[kSha1Size]) {
-    static const uint8_t kPadding[64] = {0x80};
-    uint8_t bits[8];
-    StoreBig<uint32_t>(bits, context->bytesHigh << 3 | context->bytesLow >> 29);
-    StoreBig<uint32_t>(bits + 4, context->bytesLow << 3);
-    int used = static_cast<int>(context->blockUsed);
-    Sha1Update(context, kPadding, used < 56 ? 56 - used : 120 - used);
-    Sha1Update(context, bits, sizeof(bits));
+    uint8_t* block = context->block;
+    uint32_t used = context->blockUsed;
+    block[used++] = 0x80;
+    memset(block + used, 0, 64 - used);
+    if (used > 56) {
+        sha1_compressor(context->state, block, 1);
+        memset(block, 0, 56);
+    }
+    StoreBig<uint32_t>(block + 56, context->bytesHigh << 3 | context->bytesLow >> 29);
+    StoreBig<uint32_t>(block + 60, context->bytesLow << 3);
+    sha1_compressor(context->state, block, 1);
     for (int i = 0; i < 5; i++) StoreBig<uint32_t>(digest + 4 * i, context->state[i]);
     Wipe(context, sizeof(*context));
 }

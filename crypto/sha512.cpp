@@ -65,14 +65,14 @@ static inline void NextWords(uint64_t w[16]) {
 static void CompressBlock(uint64_t state[8], const uint8_t* block, uint64_t w[16],
                           uint64_t sums[16]) {
     for (int t = 0; t < 16; t++) w[t] = LoadBig<uint64_t>(block + 8 * t);
-    SHA512_LOAD_STATE
+    SHA512_LOAD_STATE;
     for (int t = 0; t < 80; t += 16) {
         if (t > 0) NextWords(w);
         for (int i = 0; i < 16; i++) sums[i] = w[i] + kSha512Constants[t + i];
-        SHA512_EIGHT_ROUNDS(sums, SHA512_NOTHING)
-        SHA512_EIGHT_ROUNDS((sums + 8), SHA512_NOTHING)
+        SHA512_EIGHT_ROUNDS(sums, SHA512_NOTHING);
+        SHA512_EIGHT_ROUNDS((sums + 8), SHA512_NOTHING);
     }
-    SHA512_ADD_STATE
+    SHA512_ADD_STATE;
 }
 
 void Sha512CompressPortable(uint64_t state[8], const uint8_t* blocks, int count) {

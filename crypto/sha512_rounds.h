@@ -18,22 +18,22 @@
 // its sum here, beside the first steps of this one.
 #define SHA512_ROUND(a, b, c, d, e, f, g, h, bc, ab, word) \
     {                                                      \
+        uint64_t sigma1 = std::rotr(e, 41);                \
         h = SHA512_AS_WRITTEN(h + (word));                 \
         a = SHA512_AS_WRITTEN(a + sigma0);                 \
-        uint64_t sigma1 = std::rotr(e, 41);                \
         uint64_t chosen = e & f;                           \
         chosen = SHA512_AS_WRITTEN(chosen + (~e & g));     \
         sigma1 ^= std::rotr(e, 18);                        \
-        sigma1 ^= std::rotr(e, 14);                        \
         h = SHA512_AS_WRITTEN(h + chosen);                 \
+        sigma1 ^= std::rotr(e, 14);                        \
         sigma0 = std::rotr(a, 39);                         \
         ab = a ^ b;                                        \
         h = SHA512_AS_WRITTEN(h + sigma1);                 \
         d = SHA512_AS_WRITTEN(d + h);                      \
         sigma0 ^= std::rotr(a, 34);                        \
         bc &= ab;                                          \
-        sigma0 ^= std::rotr(a, 28);                        \
         bc ^= b;                                           \
+        sigma0 ^= std::rotr(a, 28);                        \
         h = SHA512_AS_WRITTEN(h + bc);                     \
     }
 
@@ -59,7 +59,7 @@
 #define SHA512_LOAD_STATE                                            \
     uint64_t a = state[0], b = state[1], c = state[2], d = state[3]; \
     uint64_t e = state[4], f = state[5], g = state[6], h = state[7]; \
-    uint64_t ab, bc = b ^ c, sigma0 = 0;
+    uint64_t ab, bc = b ^ c, sigma0 = 0
 
 #define SHA512_ADD_STATE    \
     state[0] += a + sigma0; \
@@ -69,7 +69,7 @@
     state[4] += e;          \
     state[5] += f;          \
     state[6] += g;          \
-    state[7] += h;
+    state[7] += h
 
 #define SHA512_NOTHING(i)
 

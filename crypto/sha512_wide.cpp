@@ -61,43 +61,63 @@ WIDE_TARGET static inline void StorePair(Schedule* schedule, int t, Words words)
     memcpy(&schedule->words[1][t], reinterpret_cast<const uint8_t*>(&sums) + 16, 16);
 }
 
-#define NEXT_PAIR(i)                                                                               \
-    x[i] += SmallSigma0(Between(x[i], x[(i + 1) & 7])) + Between(x[(i + 4) & 7], x[(i + 5) & 7]) + \
-            SmallSigma1(x[(i + 7) & 7]);
+// The pair sixteen words on, out of the pairs 0, 1, 4, 5 and 7 from here, and its sums to word t.
+#define NEXT_PAIR(t, x0, x1, x4, x5, x7)                                    \
+    x0 += SmallSigma0(Between(x0, x1)) + Between(x4, x5) + SmallSigma1(x7); \
+    StorePair(schedule, t, x0);
 
-#define SCHEDULE_LOW(i) NEXT_PAIR(i) StorePair(schedule, t + 16 + 2 * i, x[i]);
-#define SCHEDULE_HIGH(i) NEXT_PAIR(4 + i) StorePair(schedule, t + 24 + 2 * i, x[4 + i]);
+// clang-format off
+#define SCHEDULE_LOW(i) SCHEDULE_LOW_##i
+#define SCHEDULE_HIGH(i) SCHEDULE_HIGH_##i
+#define SCHEDULE_LOW_0 NEXT_PAIR(t + 16, x0, x1, x4, x5, x7)
+#define SCHEDULE_LOW_1 NEXT_PAIR(t + 18, x1, x2, x5, x6, x0)
+#define SCHEDULE_LOW_2 NEXT_PAIR(t + 20, x2, x3, x6, x7, x1)
+#define SCHEDULE_LOW_3 NEXT_PAIR(t + 22, x3, x4, x7, x0, x2)
+#define SCHEDULE_HIGH_0 NEXT_PAIR(t + 24, x4, x5, x0, x1, x3)
+#define SCHEDULE_HIGH_1 NEXT_PAIR(t + 26, x5, x6, x1, x2, x4)
+#define SCHEDULE_HIGH_2 NEXT_PAIR(t + 28, x6, x7, x2, x3, x5)
+#define SCHEDULE_HIGH_3 NEXT_PAIR(t + 30, x7, x0, x3, x4, x6)
+// clang-format on
+
+// Loads pair i of both blocks.
+#define FIRST_PAIR(i)                                       \
+    Words x##i = LoadPair(first + 16 * i, second + 16 * i); \
+    StorePair(schedule, 2 * i, x##i)
 
 // The first block, and the schedules of both; the second may be the first again. The two loops stay
 // functions of their own: each needs all registers there are.
 [[gnu::noinline]] WIDE_TARGET static void CompressFirst(uint64_t state[8], const uint8_t* first,
                                                         const uint8_t* second, Schedule* schedule) {
-    Words x[8];
-    for (int i = 0; i < 8; i++) {
-        x[i] = LoadPair(first + 16 * i, second + 16 * i);
-        StorePair(schedule, 2 * i, x[i]);
-    }
-    SHA512_LOAD_STATE
+    FIRST_PAIR(0);
+    FIRST_PAIR(1);
+    FIRST_PAIR(2);
+    FIRST_PAIR(3);
+    FIRST_PAIR(4);
+    FIRST_PAIR(5);
+    FIRST_PAIR(6);
+    FIRST_PAIR(7);
+    SHA512_LOAD_STATE;
     const uint64_t* w = schedule->words[0];
     int t = 0;
     for (; t < 64; t += 16) {
-        SHA512_EIGHT_ROUNDS((w + t), SCHEDULE_LOW)
-        SHA512_EIGHT_ROUNDS((w + t + 8), SCHEDULE_HIGH)
+        SHA512_EIGHT_ROUNDS((w + t), SCHEDULE_LOW);
+        SHA512_EIGHT_ROUNDS((w + t + 8), SCHEDULE_HIGH);
     }
-    SHA512_EIGHT_ROUNDS((w + t), SHA512_NOTHING)
-    SHA512_EIGHT_ROUNDS((w + t + 8), SHA512_NOTHING)
-    SHA512_ADD_STATE
+    SHA512_EIGHT_ROUNDS((w + t), SHA512_NOTHING);
+    SHA512_EIGHT_ROUNDS((w + t + 8), SHA512_NOTHING);
+    SHA512_ADD_STATE;
 }
 
 [[gnu::noinline]] WIDE_TARGET static void CompressSecond(uint64_t state[8],
                                                          const Schedule* schedule) {
-    SHA512_LOAD_STATE
+    SHA512_LOAD_STATE;
     const uint64_t* w = schedule->words[1];
+#pragma GCC unroll 5
     for (int t = 0; t < 80; t += 16, w += 16) {
-        SHA512_EIGHT_ROUNDS(w, SHA512_NOTHING)
-        SHA512_EIGHT_ROUNDS((w + 8), SHA512_NOTHING)
+        SHA512_EIGHT_ROUNDS(w, SHA512_NOTHING);
+        SHA512_EIGHT_ROUNDS((w + 8), SHA512_NOTHING);
     }
-    SHA512_ADD_STATE
+    SHA512_ADD_STATE;
 }
 
 static void CompressWide(uint64_t state[8], const uint8_t* blocks, int count) {
