@@ -45,15 +45,19 @@ static void CompressBlock(uint32_t state[5], const uint8_t* block, uint32_t w[16
     for (int t = 0; t < 16; t++) w[t] = LoadBig<uint32_t>(block + 4 * t);
     auto word = [w](int t) { return t < 16 ? w[t] : Schedule(w, t); };
     uint32_t a = state[0], b = state[1], c = state[2], d = state[3], e = state[4];
+#pragma GCC unroll 4
     for (int t = 0; t < 20; t += 5) {
         SHA1_FIVE(Choose, 0x5a827999u, t, word)
     }
+#pragma GCC unroll 4
     for (int t = 20; t < 40; t += 5) {
         SHA1_FIVE(Parity, 0x6ed9eba1u, t, word)
     }
+#pragma GCC unroll 4
     for (int t = 40; t < 60; t += 5) {
         SHA1_FIVE(Majority, 0x8f1bbcdcu, t, word)
     }
+#pragma GCC unroll 4
     for (int t = 60; t < 80; t += 5) {
         SHA1_FIVE(Parity, 0xca62c1d6u, t, word)
     }

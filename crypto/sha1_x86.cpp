@@ -14,8 +14,8 @@
 #define FOUR_ROUNDS(group, e, e_next, w0, w1, w2, w3) \
     e = _mm_sha1nexte_epu32(e, w0);                   \
     e_next = abcd;                                    \
-    w1 = _mm_sha1msg2_epu32(w1, w0);                  \
     abcd = _mm_sha1rnds4_epu32(abcd, e, (group) / 5); \
+    w1 = _mm_sha1msg2_epu32(w1, w0);                  \
     w3 = _mm_sha1msg1_epu32(w3, w0);                  \
     w2 = _mm_xor_si128(w2, w0);
 
