@@ -55,6 +55,15 @@ void ScreenWidget::focusInEvent(QFocusEvent*) {
     if (Window* window = ProgramWindow()) window->widget->setFocus();
 }
 
+// Until the focus has come back from a box that closed, the keys come here.
+void ScreenWidget::keyPressEvent(QKeyEvent* event) {
+    if (Window* window = ProgramWindow()) QueueKeyEvent(window->handle, event, true);
+}
+
+void ScreenWidget::keyReleaseEvent(QKeyEvent* event) {
+    if (Window* window = ProgramWindow()) QueueKeyEvent(window->handle, event, false);
+}
+
 QWidget* DeviceScreen() { return g_screen.get(); }
 
 MenuStrip* ShellMenuStrip() { return g_screen ? g_screen->strip() : nullptr; }
