@@ -106,11 +106,11 @@ LRESULT OnSocketConnected(HWND, WPARAM, LPARAM) {
     return 0;
 }
 
-// A key that the host does not get has its usual meaning: F10 opens the menu.
+// In a session every key is the host's. Offline they have their usual meaning: F10 opens the menu.
 LRESULT OnKey(HWND window, WPARAM wparam, LPARAM lparam) {
     OnKeyDown(static_cast<int>(wparam));
     UpdateStatus();
-    return session.key_sent ? 0 : DefWindowProcW(window, WM_KEYDOWN, wparam, lparam);
+    return Connected() ? 0 : DefWindowProcW(window, WM_KEYDOWN, wparam, lparam);
 }
 
 LRESULT OnCharacter(HWND, WPARAM wparam, LPARAM) {

@@ -239,6 +239,9 @@ TEST(Menus, F10IsTheHostsInASession) {
     WithSession(host, [&] {
         PressKey(Qt::Key_F10);
         EXPECT_EQ(host.Read(5), "\033[21~");
+        PressKey(Qt::Key_F10, Qt::ShiftModifier);
+        TypeText("x");
+        EXPECT_EQ(host.Read(1), "x") << "with Shift its row is empty";
         OnWindowThread([] { EXPECT_EQ(QApplication::activePopupWidget(), nullptr); });
     });
 }
