@@ -370,6 +370,23 @@ TEST_F(DialogSlice, InnerOneIsOnTopUntilItCloses) {
               }));
 }
 
+// What a loop waits for may come while it only looks whether anything has come.
+TEST_F(DialogSlice, ModalLoopSeesItsEndAtOnce) {
+    bool done = false, late = false;
+    QTimer rescue;
+    rescue.setSingleShot(true);
+    QObject::connect(&rescue, &QTimer::timeout, [&] { late = true; });
+    rescue.start(3000);
+    QTimer::singleShot(0, [&] { done = true; });
+    RunModalLoop([&] { return done; });
+    EXPECT_FALSE(late);
+    QTimer::singleShot(0, [] { PostQuitMessage(5); });
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0)) DispatchMessageW(&message);
+    EXPECT_FALSE(late);
+    EXPECT_EQ(5u, message.wParam);
+}
+
 TEST_F(DialogSlice, MessageBoxStandsOverTheDialog) {
     On(kEverything, [] {
         QTimer::singleShot(0, [] {
