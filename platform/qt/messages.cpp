@@ -310,7 +310,7 @@ LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) 
         GetClientRect(handle, &area);
         FillRect(reinterpret_cast<HDC>(wparam), &area, window->window_class->background);
         return 1;
-    } else if (message == WM_KEYDOWN && wparam == VK_F10 && !window->parent) {
+    } else if (message == WM_KEYDOWN && wparam == VK_F10 && IsProgramWindow(*window)) {
         ActivateMenuBar();
     }
     (void)lparam;
