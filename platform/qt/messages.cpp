@@ -87,7 +87,7 @@ bool TakeTimer(MSG* message, HWND window, UINT first, UINT last, bool remove) {
 Window* InvalidWindow() {
     Window* oldest = nullptr;
     for (Window* window : AllWindows()) {
-        if (window->invalid.isEmpty() || !window->widget) continue;
+        if (window->invalid.isEmpty() || !PaintedWidget(*window)) continue;
         if (!window->widget->isVisible()) {
             window->invalid = QRegion();  // shown again, it is painted whole
             continue;
@@ -118,18 +118,20 @@ void CollectInput(bool wait) {
     if (wait && g_dispatcher.load() == nullptr)
         g_dispatcher.store(QAbstractEventDispatcher::instance());
     if (!wait) return QCoreApplication::processEvents();
-    g_waiting.store(true);
+    const bool outer = g_waiting.exchange(true);
     bool empty;
     {
         const std::lock_guard<std::mutex> lock(g_posted_mutex);
         empty = g_posted.empty();
     }
     QCoreApplication::processEvents(empty ? QEventLoop::WaitForMoreEvents : QEventLoop::AllEvents);
-    g_waiting.store(false);
+    g_waiting.store(outer);
 }
 
-// One step of the queue: a message, or false after Qt's events have had their turn.
-bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove, bool wait) {
+// One step of the queue: a message, or false after Qt's events have had their turn. They may have
+// brought what the caller waits for, so that is asked last.
+bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
+          const std::function<bool()>& may_wait) {
     if (TakePaint(message, window, first, last)) {
         CollectInput(false);
         return FindWindowRecord(message->hwnd) != nullptr;
@@ -145,7 +147,7 @@ bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove, bool wa
     if (TakePosted(message, window, first, last, remove)) return true;
     if (TakePaint(message, window, first, last)) return true;
     if (TakeTimer(message, window, first, last, remove)) return true;
-    if (!wait) return false;
+    if (g_quit || !may_wait()) return false;
     if (InvalidWindow()) {
         QTimer::singleShot(MillisecondsToFrame(), Qt::PreciseTimer, qApp, [] {});
     }
@@ -196,7 +198,7 @@ void ResetMessages() {
 }
 
 BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last) {
-    while (!Step(message, window, first, last, true, true)) {
+    while (!Step(message, window, first, last, true, [] { return true; })) {
     }
     if (message->message != WM_QUIT) return TRUE;
     g_quit = false;
@@ -204,7 +206,7 @@ BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last) {
 }
 
 BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove) {
-    if (!Step(message, window, first, last, remove & PM_REMOVE, false)) return FALSE;
+    if (!Step(message, window, first, last, remove & PM_REMOVE, [] { return false; })) return FALSE;
     if (message->message == WM_QUIT && (remove & PM_REMOVE)) g_quit = false;
     return TRUE;
 }
@@ -212,7 +214,7 @@ BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove)
 void RunModalLoop(const std::function<bool()>& done) {
     MSG message;
     while (!done() && !g_quit) {
-        if (!Step(&message, nullptr, 0, 0, true, true)) continue;
+        if (!Step(&message, nullptr, 0, 0, true, [&] { return !done(); })) continue;
         if (message.message == WM_QUIT) return;
         TranslateMessage(&message);
         DispatchMessageW(&message);
@@ -242,7 +244,7 @@ LRESULT DispatchMessageW(const MSG* message) {
         return CallWindowProcedure(*window, message->message, message->wParam, message->lParam);
     g_since_paint.start();
     g_painted_last = window->handle;
-    window->widget->PaintInvalid();
+    if (WindowWidget* widget = PaintedWidget(*window)) widget->PaintInvalid();
     return 0;
 }
 
@@ -253,10 +255,11 @@ LRESULT SendMessageW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
     }
     Window* window = FindWindowRecord(handle);
     if (!window) return 0;
-    if (message != WM_PAINT || window->widget->painting())
+    WindowWidget* widget = PaintedWidget(*window);
+    if (message != WM_PAINT || !widget || widget->painting())
         return CallWindowProcedure(*window, message, wparam, lparam);
     InvalidateRect(handle, nullptr, TRUE);
-    window->widget->PaintInvalid();
+    widget->PaintInvalid();
     return 0;
 }
 
@@ -307,7 +310,7 @@ LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) 
         GetClientRect(handle, &area);
         FillRect(reinterpret_cast<HDC>(wparam), &area, window->window_class->background);
         return 1;
-    } else if (message == WM_KEYDOWN && wparam == VK_F10 && !window->parent) {
+    } else if (message == WM_KEYDOWN && wparam == VK_F10 && IsProgramWindow(*window)) {
         ActivateMenuBar();
     }
     (void)lparam;

@@ -32,7 +32,8 @@ void ShowInputPanel(bool show) {
     ShellInputPanel()->setVisible(show);
     ShellMenuStrip()->panel_button()->setChecked(show);
     for (const Window* window : AllWindows())
-        if (!window->parent) PostMessageW(window->handle, WM_SETTINGCHANGE, SPI_SETSIPINFO, 0);
+        if (IsProgramWindow(*window))
+            PostMessageW(window->handle, WM_SETTINGCHANGE, SPI_SETSIPINFO, 0);
 }
 
 BOOL SHSipInfo(UINT action, UINT, LPVOID info, UINT) {
