@@ -65,6 +65,8 @@ struct SessionState {
 
     // Owner: the dialogs of config/.
     int dialog_result = 0;  // what the dialog closed last left; -1: it was cancelled
+    DWORD connect_request =
+        0;  // the Connect dialog was closed by OK, the last time that it was shown
 
     // Owner: telnet/.
     TelnetState telnet;
