@@ -150,7 +150,7 @@ void DestroyAllWindows() {
         if (!DestroyWindow(last)) RemoveWindow(last);
     }
     for (auto entry = g_classes.begin(); entry != g_classes.end();)
-        entry = entry->second->name == STATUSCLASSNAME || entry->first == u"QuillCommandBar"
+        entry = entry->second->name == STATUSCLASSNAME || entry->first == kCommandBarClass
                     ? std::next(entry)
                     : g_classes.erase(entry);
 }
