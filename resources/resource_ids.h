@@ -4,10 +4,14 @@
 
 #define IDR_ACCELERATORS 3
 
+#define IDB_DISCONNECT 1539 /* the other buttons' bitmaps: config/toolbars.cpp */
+
 #define IDM_EXIT 40002
 #define IDM_LARGER_FONT 40009
 #define IDM_SMALLER_FONT 40010
 #define IDM_CONNECT 40011
+#define IDM_TOOLBAR_FIRST 40020 /* plus the button's position */
+#define IDM_TOOLBAR_LAST 40069
 #define IDM_RESET 40111
 #define IDM_F1 40114
 #define IDM_F20 40133
