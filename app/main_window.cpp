@@ -6,6 +6,7 @@
 #include "app/keys.h"
 #include "app/session_state.h"
 #include "app/status_bar.h"
+#include "app/toolbar_commands.h"
 #include "telnet/socket_event.h"
 #include "terminal/terminal_window.h"
 #include "terminal/view.h"
@@ -29,6 +30,8 @@ void MakeClientWindow() {
 
 LRESULT OnCreate(HWND window, WPARAM, LPARAM) {
     session.main_window = window;
+    RECT whole;
+    if (GetWindowRect(window, &whole)) session.main_width = whole.right - whole.left;
     MakeCommandBar();
     MakeClientWindow();
     if (!session.client_window) {
@@ -124,6 +127,7 @@ void RebuildMenuBar() {
     if (!IsWindow(session.main_window)) return;
     if (session.command_bar) CommandBar_Destroy(session.command_bar);
     MakeCommandBar();
+    ShowToolbar();
     UpdateStatus();
 }
 
