@@ -3,6 +3,7 @@
 #include "config/dialog_tools.h"
 #include "config/dialogs.h"
 #include "config/property_pages.h"
+#include "config/toolbar_page.h"
 #include "resources/resource_ids.h"
 
 namespace {
@@ -14,6 +15,7 @@ struct PageRow {
 
 const PageRow kPages[] = {
     {IDD_OTHER_PAGE, OtherPageProc},
+    {IDD_TOOLBAR_PAGE, ToolbarPageProc},
     {IDD_KEYBOARD_PAGE, KeyboardPageProc},
 };
 constexpr UINT kPageCount = static_cast<UINT>(sizeof kPages / sizeof kPages[0]);

@@ -28,6 +28,7 @@
 #define IDD_ABOUT 103
 #define IDD_FONT 104
 #define IDD_CONNECT 108
+#define IDD_TOOLBAR_PAGE 113
 #define IDD_CONNECT_ADVANCED 118
 #define IDD_AUTO_LOGIN 127
 #define IDD_OTHER_PAGE 1051
@@ -59,6 +60,10 @@
 #define IDC_NEGO 1248
 #define IDC_HOTSPOT 1249
 #define IDC_ALIVE 1251
+
+#define IDC_BAR1 1244 /* Properties, Toolbar */
+#define IDC_BAR2 1245
+#define IDC_BAR3 1247
 
 #define IDC_KEYS 1221 /* Properties, Keyboard */
 #define IDC_KEYSTROKE 1222
