@@ -1,4 +1,5 @@
 // The "Properties" sheet.
+#include "app/main_window.h"
 #include "app/session_state.h"
 #include "config/dialog_tools.h"
 #include "config/dialogs.h"
@@ -39,6 +40,7 @@ void ShowPropertiesSheet() {
     sheet.nPages = kPageCount;
     sheet.ppsp = pages;
     PropertySheetW(&sheet);
+    RebuildMenuBar();  // the page "Toolbar" may have changed its buttons
     SettingsChanged();
     SaveIfEnabled();
 }
