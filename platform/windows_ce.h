@@ -72,6 +72,7 @@ typedef struct SliceHandle* HANDLE;
 #define HIWORD(l) (static_cast<WORD>((static_cast<DWORD_PTR>(l) >> 16) & 0xffff))
 #define MAKELONG(a, b) \
     (static_cast<LONG>(static_cast<WORD>(a) | (static_cast<DWORD>(static_cast<WORD>(b)) << 16)))
+#define MAKEWPARAM(l, h) (static_cast<WPARAM>(static_cast<DWORD>(MAKELONG(l, h))))
 #define MAKELPARAM(l, h) (static_cast<LPARAM>(static_cast<DWORD>(MAKELONG(l, h))))
 #define MAKEINTRESOURCE(i) (reinterpret_cast<LPCWSTR>(static_cast<UINT_PTR>(static_cast<WORD>(i))))
 #define RGB(r, g, b)                                                            \
@@ -128,6 +129,9 @@ struct CREATESTRUCTW {
 #define WS_VISIBLE 0x10000000u
 #define WS_VSCROLL 0x00200000u
 #define WS_HSCROLL 0x00100000u
+#define WS_DISABLED 0x08000000u
+#define WS_GROUP 0x00020000u
+#define WS_TABSTOP 0x00010000u
 #define SW_HIDE 0
 #define SW_SHOW 5
 #define STATUSCLASSNAME TEXT("msctls_statusbar32")  // the common controls' status window
@@ -143,14 +147,24 @@ BOOL IsWindowVisible(HWND window);
 BOOL ShowWindow(HWND window, int show);
 BOOL UpdateWindow(HWND window);
 BOOL EnableWindow(HWND window, BOOL enable);
+BOOL IsWindowEnabled(HWND window);
 BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
+#define SWP_NOSIZE 0x0001u
+#define SWP_NOMOVE 0x0002u
+#define SWP_NOZORDER 0x0004u
+#define SWP_NOACTIVATE 0x0010u
+// The order of windows stays as it is: SWP_NOZORDER and SWP_NOACTIVATE are to be given.
+BOOL SetWindowPos(HWND window, HWND after, int x, int y, int width, int height, UINT flags);
 BOOL GetClientRect(HWND window, RECT* rect);
 BOOL GetWindowRect(HWND window, RECT* rect);  // in the coordinates of the device's screen
+BOOL ClientToScreen(HWND window, POINT* point);
+BOOL ScreenToClient(HWND window, POINT* point);
 BOOL SetWindowTextW(HWND window, LPCWSTR text);
 int GetWindowTextW(HWND window, LPWSTR text, int size);
 HWND GetDlgItem(HWND parent, int id);  // any child window by its id
-HWND GetParent(HWND window);
+HWND GetParent(HWND window);           // of a dialog: its owner
 HWND SetFocus(HWND window);
+HWND GetFocus();
 HWND GetActiveWindow();
 BOOL SetForegroundWindow(HWND window);
 // A top-level window by class, in this program or in another one that runs on the same device
@@ -204,11 +218,15 @@ struct MSG {
 #define WM_DESTROY 0x0002u
 #define WM_SIZE 0x0005u
 #define WM_SETFOCUS 0x0007u
+#define WM_SETTEXT 0x000Cu
+#define WM_GETTEXT 0x000Du
+#define WM_GETTEXTLENGTH 0x000Eu
 #define WM_PAINT 0x000Fu
 #define WM_CLOSE 0x0010u
 #define WM_QUIT 0x0012u
 #define WM_ERASEBKGND 0x0014u
 #define WM_SETTINGCHANGE 0x001Au
+#define WM_NOTIFY 0x004Eu
 #define WM_HELP 0x0053u
 #define WM_KEYDOWN 0x0100u
 #define WM_KEYUP 0x0101u
@@ -216,6 +234,7 @@ struct MSG {
 #define WM_SYSKEYDOWN 0x0104u
 #define WM_SYSKEYUP 0x0105u
 #define WM_SYSCHAR 0x0106u
+#define WM_INITDIALOG 0x0110u
 #define WM_COMMAND 0x0111u
 #define WM_TIMER 0x0113u
 #define WM_HSCROLL 0x0114u
@@ -224,6 +243,8 @@ struct MSG {
 #define WM_LBUTTONDOWN 0x0201u
 #define WM_LBUTTONUP 0x0202u
 #define WM_LBUTTONDBLCLK 0x0203u
+#define WM_USER 0x0400u
+#define WM_APP 0x8000u
 #define WM_RASDIALEVENT 0xCCCDu
 #define PM_REMOVE 0x0001u
 #define SIZE_RESTORED 0
@@ -375,6 +396,230 @@ int EnumFontFamiliesW(HDC dc, LPCWSTR family, FONTENUMPROCW procedure, LPARAM pa
 int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
 BOOL MessageBeep(UINT type);
 
+// ---------------------------------------------------------------- dialogs
+
+typedef INT_PTR(CALLBACK* DLGPROC)(HWND, UINT, WPARAM, LPARAM);
+
+// Shows the dialog of a template (DIALOG or DIALOGEX) over its owner until EndDialog, and returns
+// what that was given; -1 when there is no such template, it is damaged, or the owner is no window;
+// 0 when the program ends meanwhile. The owner gets no input; posted messages and timers of every
+// window go on. A child as the owner stands for its top-level window.
+//
+// The procedure returns TRUE for what it has dealt with. Not dealt with, WM_CLOSE becomes
+// WM_COMMAND with IDCANCEL; Esc gives IDCANCEL; Enter presses the default button, or gives IDOK.
+// TRUE from WM_INITDIALOG (`lparam` is the parameter) puts the focus on the first control with
+// WS_TABSTOP. A dialog is never larger than the device's screen: what does not fit is scrolled.
+INT_PTR DialogBoxParamW(HINSTANCE instance, LPCWSTR name, HWND owner, DLGPROC procedure,
+                        LPARAM parameter);
+BOOL EndDialog(HWND dialog, INT_PTR result);  // the dialog goes when its procedure has returned
+BOOL MapDialogRect(HWND dialog, RECT* rect);  // dialog units to pixels
+
+#define DWLP_MSGRESULT 0  // the answer to the message in hand, with TRUE from the procedure
+#define DWLP_USER 16      // the program's own
+LONG_PTR SetWindowLongPtrW(HWND dialog, int index, LONG_PTR value);  // dialogs and pages only
+LONG_PTR GetWindowLongPtrW(HWND dialog, int index);
+
+int GetDlgCtrlID(HWND control);
+BOOL SetDlgItemTextW(HWND dialog, int id, LPCWSTR text);
+UINT GetDlgItemTextW(HWND dialog, int id, LPWSTR text, int size);
+BOOL SetDlgItemInt(HWND dialog, int id, UINT value, BOOL is_signed);
+// 0, and FALSE in *translated, for a text that is no number or does not fit in 32 bits.
+UINT GetDlgItemInt(HWND dialog, int id, BOOL* translated, BOOL is_signed);
+LRESULT SendDlgItemMessageW(HWND dialog, int id, UINT message, WPARAM wparam, LPARAM lparam);
+BOOL CheckDlgButton(HWND dialog, int id, UINT check);
+UINT IsDlgButtonChecked(HWND dialog, int id);
+BOOL CheckRadioButton(HWND dialog, int first, int last, int checked);  // clears the others
+
+#define DS_ABSALIGN 0x0001u
+#define DS_SETFONT 0x0040u
+#define DS_CENTER 0x0800u
+
+// ---------------------------------------------------------------- controls of dialogs
+
+// Each notifies its dialog by WM_COMMAND: MAKEWPARAM(id, code) and the control's handle. Nothing is
+// notified of what the program itself sets, but for EN_CHANGE. Texts are UTF-16 throughout.
+
+// Buttons. The plain kinds only notify; the automatic ones change their mark first.
+#define BS_PUSHBUTTON 0x0000u
+#define BS_DEFPUSHBUTTON 0x0001u
+#define BS_CHECKBOX 0x0002u
+#define BS_AUTOCHECKBOX 0x0003u
+#define BS_RADIOBUTTON 0x0004u
+#define BS_GROUPBOX 0x0007u
+#define BS_AUTORADIOBUTTON 0x0009u  // clears the others from one WS_GROUP to the next
+#define BST_UNCHECKED 0x0000
+#define BST_CHECKED 0x0001
+#define BN_CLICKED 0
+#define BM_GETCHECK 0x00F0u
+#define BM_SETCHECK 0x00F1u
+#define BM_CLICK 0x00F5u  // as if the user had clicked
+
+// Static texts. "&" marks the letter that leads to the next control, but for SS_NOPREFIX.
+#define SS_CENTER 0x0001u
+#define SS_RIGHT 0x0002u
+#define SS_NOPREFIX 0x0080u
+
+// Edits of one line.
+#define ES_CENTER 0x0001u
+#define ES_RIGHT 0x0002u
+#define ES_PASSWORD 0x0020u
+#define ES_AUTOHSCROLL 0x0080u  // the slice scrolls every edit
+#define ES_READONLY 0x0800u
+#define ES_NUMBER 0x2000u  // the user can type digits only
+#define EN_CHANGE 0x0300
+#define EM_GETSEL 0x00B0u
+#define EM_SETSEL 0x00B1u
+#define EM_REPLACESEL 0x00C2u
+#define EM_LIMITTEXT 0x00C5u  // units that the user can type; 0: as many as there is room for
+#define EM_SETLIMITTEXT EM_LIMITTEXT
+
+// List boxes with a single selection.
+#define LBS_NOTIFY 0x0001u
+#define LBS_SORT 0x0002u
+#define LB_ERR (-1)
+#define LBN_SELCHANGE 1
+#define LBN_DBLCLK 2
+#define LB_ADDSTRING 0x0180u
+#define LB_INSERTSTRING 0x0181u  // at a row, never sorted; -1: at the end
+#define LB_DELETESTRING 0x0182u  // the rows that are left
+#define LB_RESETCONTENT 0x0184u
+#define LB_SETCURSEL 0x0186u
+#define LB_GETCURSEL 0x0188u
+#define LB_GETTEXT 0x0189u
+#define LB_GETTEXTLEN 0x018Au
+#define LB_GETCOUNT 0x018Bu
+#define LB_SELECTSTRING 0x018Cu  // by how it begins, without case, after row `wparam`
+#define LB_GETTOPINDEX 0x018Eu
+#define LB_SETTOPINDEX 0x0197u
+#define LB_GETITEMDATA 0x0199u
+#define LB_SETITEMDATA 0x019Au
+#define LB_FINDSTRINGEXACT 0x01A2u  // without case
+
+// Combo boxes.
+#define CBS_DROPDOWN 0x0002u        // with an edit
+#define CBS_DROPDOWNLIST 0x0003u
+#define CBS_AUTOHSCROLL 0x0040u
+#define CBS_SORT 0x0100u
+#define CB_ERR (-1)
+#define CBN_SELCHANGE 1
+#define CBN_EDITCHANGE 5
+#define CB_LIMITTEXT 0x0141u
+#define CB_SETEDITSEL 0x0142u
+#define CB_ADDSTRING 0x0143u
+#define CB_DELETESTRING 0x0144u
+#define CB_GETCOUNT 0x0146u
+#define CB_GETCURSEL 0x0147u
+#define CB_GETLBTEXT 0x0148u
+#define CB_GETLBTEXTLEN 0x0149u
+#define CB_INSERTSTRING 0x014Au
+#define CB_RESETCONTENT 0x014Bu
+#define CB_SELECTSTRING 0x014Du
+#define CB_SETCURSEL 0x014Eu
+#define CB_GETITEMDATA 0x0150u
+#define CB_SETITEMDATA 0x0151u
+#define CB_FINDSTRINGEXACT 0x0158u
+
+// ---------------------------------------------------------------- property sheets
+
+struct NMHDR {
+    HWND hwndFrom;
+    UINT_PTR idFrom;
+    UINT code;
+};
+struct PSHNOTIFY {
+    NMHDR hdr;
+    LPARAM lParam;
+};
+
+// WM_NOTIFY to a page, from the sheet (GetParent of the page). The answers go by DWLP_MSGRESULT.
+#define PSN_FIRST (0U - 200U)
+#define PSN_SETACTIVE (PSN_FIRST - 0)
+#define PSN_KILLACTIVE (PSN_FIRST - 1)   // TRUE: the page stays. Before PSN_APPLY too
+#define PSN_APPLY (PSN_FIRST - 2)        // OK, to every page that has been shown
+#define PSN_RESET (PSN_FIRST - 3)        // Cancel, likewise
+#define PSN_QUERYCANCEL (PSN_FIRST - 9)  // TRUE: the sheet stays
+#define PSNRET_NOERROR 0
+#define PSNRET_INVALID 1           // the sheet stays, with this page on top
+
+struct PROPSHEETPAGEW {
+    DWORD dwSize;
+    DWORD dwFlags;
+    HINSTANCE hInstance;
+    union {
+        LPCWSTR pszTemplate;
+        const void* pResource;
+    };
+    union {
+        HICON hIcon;
+        LPCWSTR pszIcon;
+    };
+    LPCWSTR pszTitle;
+    DLGPROC pfnDlgProc;
+    LPARAM lParam;
+    void* pfnCallback;
+    UINT* pcRefParent;
+};
+typedef const PROPSHEETPAGEW* LPCPROPSHEETPAGEW;
+#define PSP_DEFAULT 0x0000u        // the tab shows the template's caption
+#define PSP_USETITLE 0x0008u       // the tab shows pszTitle
+
+struct PROPSHEETHEADERW {
+    DWORD dwSize;
+    DWORD dwFlags;
+    HWND hwndParent;
+    HINSTANCE hInstance;
+    union {
+        HICON hIcon;
+        LPCWSTR pszIcon;
+    };
+    LPCWSTR pszCaption;
+    UINT nPages;
+    union {
+        UINT nStartPage;
+        LPCWSTR pStartPage;
+    };
+    union {
+        LPCPROPSHEETPAGEW ppsp;
+        void* phpage;
+    };
+    void* pfnCallback;
+};
+typedef const PROPSHEETHEADERW* LPCPROPSHEETHEADERW;
+#define PSH_PROPSHEETPAGE 0x0008u  // required: the pages are given by ppsp
+#define PSH_NOAPPLYNOW 0x0080u     // required: there is no Apply button
+
+// Modal. The pages are made when they are first shown; `lparam` of a page's WM_INITDIALOG is its
+// PROPSHEETPAGEW. 1 after OK, 0 after Cancel, -1 when the sheet cannot be shown.
+INT_PTR PropertySheetW(LPCPROPSHEETHEADERW header);
+
+#define PSM_SETCURSEL (WM_USER + 101)  // by index; through PSN_KILLACTIVE and PSN_SETACTIVE
+#define PSM_PRESSBUTTON (WM_USER + 113)
+#define PSM_GETCURRENTPAGEHWND (WM_USER + 118)
+#define PSBTN_OK 3
+#define PSBTN_CANCEL 5
+
+// ---------------------------------------------------------------- common dialogs
+
+// Found at run time as "ChooseColor" of "COMMDLG.DLL". FALSE after Cancel, and when the template
+// that CC_ENABLETEMPLATE names is missing. The slice shows the desktop's own chooser in place of
+// that template.
+struct CHOOSECOLORW {
+    DWORD lStructSize;
+    HWND hwndOwner;
+    HWND hInstance;  // the module of the template
+    COLORREF rgbResult;
+    COLORREF* lpCustColors;  // 16, in and out
+    DWORD Flags;
+    LPARAM lCustData;
+    void* lpfnHook;
+    LPCWSTR lpTemplateName;
+};
+typedef CHOOSECOLORW* LPCHOOSECOLORW;
+#define CC_RGBINIT 0x00000001u  // rgbResult is the first colour
+#define CC_FULLOPEN 0x00000002u
+#define CC_ENABLETEMPLATE 0x00000020u
+#define CC_ANYCOLOR 0x00000100u
+
 // ---------------------------------------------------------------- shell and common controls
 
 struct SIPINFO {
@@ -398,7 +643,7 @@ void CommandBar_Destroy(HWND bar);
 // ---------------------------------------------------------------- libraries
 
 HMODULE LoadLibraryW(LPCWSTR name);
-typedef INT_PTR (*FARPROC)();
+typedef INT_PTR (*FARPROC)();  // cast through void (*)(), which compilers take for any procedure
 FARPROC GetProcAddressW(HMODULE library, LPCWSTR name);
 BOOL FreeLibrary(HMODULE library);
 
