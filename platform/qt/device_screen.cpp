@@ -11,7 +11,7 @@ std::unique_ptr<ScreenWidget> g_screen;
 
 Window* ProgramWindow() {
     for (Window* window : AllWindows())
-        if (!window->parent) return window;
+        if (IsProgramWindow(*window)) return window;
     return nullptr;
 }
 

@@ -89,7 +89,9 @@ void ReleaseGdi() {
 HDC BeginPaint(HWND handle, PAINTSTRUCT* paint) {
     Window* window = FindWindowRecord(handle);
     *paint = PAINTSTRUCT{};
-    if (!window || !window->widget || !window->widget->painting()) return nullptr;
+    if (!window || !window->widget || !PaintedWidget(*window) ||
+        !PaintedWidget(*window)->painting())
+        return nullptr;
     auto* dc = new SliceDeviceContext;
     dc->window = handle;
     SelectDefaults(*dc);

@@ -1,8 +1,50 @@
-// Libraries that a program looks up at run time. This device carries none of them.
-#include "slice.h"
+// Libraries that a program looks up at run time: the device carries that of the common dialogs.
+#include "color_dialog.h"
+#include "testing.h"
+#include "wide_text.h"
 
-HMODULE LoadLibraryW(LPCWSTR) { return nullptr; }
+typedef void (*AnyProcedure)();
 
-FARPROC GetProcAddressW(HMODULE, LPCWSTR) { return nullptr; }
+struct ProcedureRow {
+    LPCWSTR name;  // null ends the table
+    AnyProcedure procedure;
+};
 
-BOOL FreeLibrary(HMODULE) { return FALSE; }
+struct SliceModule {
+    LPCWSTR name;
+    const ProcedureRow* procedures;
+};
+
+namespace {
+
+const ProcedureRow kCommonDialogs[] = {
+    {u"ChooseColor", reinterpret_cast<AnyProcedure>(ShowColorDialog)},
+    {nullptr, nullptr},
+};
+
+SliceModule g_libraries[] = {{u"COMMDLG.DLL", kCommonDialogs}};
+
+bool g_missing = false;
+
+bool IsLibrary(HMODULE library) {
+    return library >= std::begin(g_libraries) && library < std::end(g_libraries);
+}
+
+}  // namespace
+
+HMODULE LoadLibraryW(LPCWSTR name) {
+    for (SliceModule& library : g_libraries)
+        if (name && !g_missing && CompareWithoutCase(name, library.name) == 0) return &library;
+    return nullptr;
+}
+
+FARPROC GetProcAddressW(HMODULE library, LPCWSTR name) {
+    if (!IsLibrary(library) || !name) return nullptr;
+    for (const ProcedureRow* row = library->procedures; row->name; row++)
+        if (lstrcmpW(row->name, name) == 0) return reinterpret_cast<FARPROC>(row->procedure);
+    return nullptr;
+}
+
+BOOL FreeLibrary(HMODULE library) { return IsLibrary(library); }
+
+void TakeLibrariesAway(bool missing) { g_missing = missing; }

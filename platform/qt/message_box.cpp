@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include "dialogs.h"
 #include "testing.h"
 
 namespace {
@@ -35,7 +36,7 @@ QMessageBox::Icon IconOf(UINT type) {
 
 int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
     Window* window = TopLevelOf(FindWindowRecord(owner));
-    QMessageBox box(window ? DeviceScreen() : nullptr);
+    QMessageBox box(window ? TopMostWidget() : nullptr);
     box.setWindowTitle(FromWide(caption));
     box.setTextFormat(Qt::PlainText);
     box.setText(FromWide(text));

@@ -86,7 +86,7 @@ bool TakeTimer(MSG* message, HWND window, UINT first, UINT last, bool remove) {
 Window* InvalidWindow() {
     Window* oldest = nullptr;
     for (Window* window : AllWindows()) {
-        if (window->invalid.isEmpty() || !window->widget) continue;
+        if (window->invalid.isEmpty() || !PaintedWidget(*window)) continue;
         if (!window->widget->isVisible()) {
             window->invalid = QRegion();  // shown again, it is painted whole
             continue;
@@ -241,7 +241,7 @@ LRESULT DispatchMessageW(const MSG* message) {
         return CallWindowProcedure(*window, message->message, message->wParam, message->lParam);
     g_since_paint.start();
     g_painted_last = window->handle;
-    window->widget->PaintInvalid();
+    if (WindowWidget* widget = PaintedWidget(*window)) widget->PaintInvalid();
     return 0;
 }
 
@@ -252,10 +252,11 @@ LRESULT SendMessageW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
     }
     Window* window = FindWindowRecord(handle);
     if (!window) return 0;
-    if (message != WM_PAINT || window->widget->painting())
+    WindowWidget* widget = PaintedWidget(*window);
+    if (message != WM_PAINT || !widget || widget->painting())
         return CallWindowProcedure(*window, message, wparam, lparam);
     InvalidateRect(handle, nullptr, TRUE);
-    window->widget->PaintInvalid();
+    widget->PaintInvalid();
     return 0;
 }
 

@@ -5,6 +5,7 @@
 
 #include <bitset>
 #include <functional>
+#include <memory>
 #include <QApplication>
 #include <QPointer>
 #include <QRegion>
@@ -18,6 +19,8 @@
 class QScrollBar;
 class QLabel;
 class WindowWidget;
+struct DialogData;
+struct ControlData;
 
 struct WindowClass {
     std::u16string name;
@@ -42,22 +45,27 @@ struct Window {
     HWND parent = nullptr;
     int id = 0;
     std::u16string text;
-    QPointer<WindowWidget> widget;
+    QPointer<QWidget> widget;  // a WindowWidget where the program paints
     ScrollBarState vertical;
     ScrollBarState horizontal;
     QRegion invalid;    // to be painted
     bool erase = true;  // the next BeginPaint sends WM_ERASEBKGND
     bool destroying = false;
+    std::shared_ptr<DialogData> dialog;    // of dialogs, sheets and pages
+    std::shared_ptr<ControlData> control;  // of their controls
 };
 
-inline QString FromWide(LPCWSTR text) { return text ? QString::fromUtf16(text) : QString(); }
+inline QString FromWide(LPCWSTR text) { return QString(reinterpret_cast<const QChar*>(text)); }
 inline std::u16string ToWide(const QString& text) { return text.toStdU16String(); }
 
 // windows.cpp
+Window* AddWindow(const WindowClass* window_class, HWND parent, int id);  // without a widget
 Window* FindWindowRecord(HWND handle);  // null for a window that is gone
 std::vector<Window*> AllWindows();      // oldest first
 Window* TopLevelOf(Window* window);
-QRect ClientArea(const Window& window);  // the widget less its shown scroll bars
+bool IsProgramWindow(const Window& window);         // top-level, and no dialog
+WindowWidget* PaintedWidget(const Window& window);  // null where the program does not paint
+QRect ClientArea(const Window& window);             // the widget less its shown scroll bars
 void RegisterSystemClass(LPCWSTR name, WNDPROC procedure);
 void PlaceWindow(Window& window, const QRect& rect);  // moves, and sends WM_SIZE on a new size
 void SendSize(Window& window);

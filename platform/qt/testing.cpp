@@ -86,6 +86,8 @@ bool WindowRefused(LPCWSTR class_name) { return !g_refused.empty() && g_refused 
 
 void ForgetRecords() {
     g_refused.clear();
+    ForgetDialogs();
+    TakeLibrariesAway(false);
     g_calls.clear();
     g_text.clear();
     g_recording = false;

@@ -3,6 +3,7 @@
 #ifndef QUILL_PLATFORM_QT_TESTING_H
 #define QUILL_PLATFORM_QT_TESTING_H
 
+#include <QColorDialog>
 #include <QMessageBox>
 
 #include "slice.h"
@@ -30,9 +31,36 @@ QStringList ScreenText(HWND window);
 QMessageBox* ShownMessageBox();        // null while none is shown
 void AnswerMessageBoxes(bool answer);  // each box presses its own default button
 
+// Dialogs, property sheets and the chooser of colours. They are modal: what a person is to do in
+// one is given before it opens. Each call takes the next function and runs it, from the message
+// loop, once the dialog stands on the screen.
+void OnNextDialog(const std::function<void()>& person);
+bool DialogsAwaited();  // functions that no dialog has taken yet
+HWND ShownDialog();     // the dialog or sheet on top; null while none is open
+HWND ShownPage();       // the same, but of a sheet the page on top
+QString DialogTitle();
+QColorDialog* ShownColorDialog();
+
+// What a person does on the dialog on top; false where there is no such control, or it is hidden
+// or switched off.
+QWidget* DialogWidgetOf(int id);  // the desktop's own; null: no such control
+bool ClickControl(int id);        // with the mouse, in its middle (a check box: on its mark)
+bool TypeInto(int id, const QString& text);  // over what stands there
+bool ClickEntry(int id, int row);            // of a list, or of a combo box
+bool DoubleClickEntry(int id, int row);      // of a list
+bool PressInDialog(int key, int modifiers = 0, const QString& text = QString());
+void TurnPage(int index);  // of a property sheet
+QString ControlText(int id);
+bool ControlChecked(int id);
+QStringList ControlEntries(int id);  // of a list or combo box
+
+void TakeLibrariesAway(bool missing);  // LoadLibraryW finds nothing
+
 // Windows of that class cannot be made, as when the device is out of memory; null: all can.
 void RefuseWindows(LPCWSTR class_name);
 bool WindowRefused(LPCWSTR class_name);
+
+void AnnounceDialog();  // a dialog has come up
 
 // gdi.cpp and message_box.cpp report here.
 void RecordText(HWND window, int x, int y, const RECT* rect, const std::u16string& text,
@@ -41,5 +69,6 @@ void RecordFill(HWND window, const RECT& rect, COLORREF color);
 void RecordLine(HWND window, POINT from, POINT to, COLORREF color);
 void RecordPaint(HWND window);
 void ForgetRecords();
+void ForgetDialogs();
 
 #endif

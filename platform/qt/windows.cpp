@@ -3,6 +3,7 @@
 #include <memory>
 #include <QScrollBar>
 
+#include "dialogs.h"
 #include "testing.h"
 #include "window_widget.h"
 
@@ -13,18 +14,6 @@ std::map<UINT_PTR, std::unique_ptr<Window>> g_windows;  // ordered by age
 UINT_PTR g_next_handle = 0x10;
 
 UINT_PTR Number(HWND handle) { return reinterpret_cast<UINT_PTR>(handle); }
-
-Window* AddWindow(const WindowClass* window_class, HWND parent, int id) {
-    auto window = std::make_unique<Window>();
-    Window* result = window.get();
-    const UINT_PTR number = g_next_handle += 4;
-    window->handle = reinterpret_cast<HWND>(number);
-    window->window_class = window_class;
-    window->parent = parent;
-    window->id = id;
-    g_windows[number] = std::move(window);
-    return result;
-}
 
 QRect InitialPlace(int x, int y, int width, int height) {
     const QRect room = MainWindowArea();
@@ -51,7 +40,24 @@ void RemoveWindow(HWND handle) {
     g_windows.erase(Number(handle));
 }
 
+// Dialogs are desktop windows of their own.
+QPoint CornerOnScreen(const Window& window) {
+    return DeviceScreen()->mapFromGlobal(window.widget->mapToGlobal(QPoint(0, 0)));
+}
+
 }  // namespace
+
+Window* AddWindow(const WindowClass* window_class, HWND parent, int id) {
+    auto window = std::make_unique<Window>();
+    Window* result = window.get();
+    const UINT_PTR number = g_next_handle += 4;
+    window->handle = reinterpret_cast<HWND>(number);
+    window->window_class = window_class;
+    window->parent = parent;
+    window->id = id;
+    g_windows[number] = std::move(window);
+    return result;
+}
 
 Window* FindWindowRecord(HWND handle) {
     const auto found = g_windows.find(Number(handle));
@@ -67,6 +73,12 @@ std::vector<Window*> AllWindows() {
 Window* TopLevelOf(Window* window) {
     while (window && window->parent) window = FindWindowRecord(window->parent);
     return window;
+}
+
+bool IsProgramWindow(const Window& window) { return !window.parent && !window.dialog; }
+
+WindowWidget* PaintedWidget(const Window& window) {
+    return qobject_cast<WindowWidget*>(window.widget.data());
 }
 
 void RegisterSystemClass(LPCWSTR name, WNDPROC procedure) {
@@ -139,7 +151,7 @@ BOOL DestroyWindow(HWND handle) {
     CallWindowProcedure(*window, WM_DESTROY, 0, 0);
     for (const HWND child : ChildrenOf(handle)) DestroyWindow(child);
     window = FindWindowRecord(handle);
-    if (window && !window->parent) StopServingInstances();
+    if (window && IsProgramWindow(*window)) StopServingInstances();
     RemoveWindow(handle);
     return TRUE;
 }
@@ -168,7 +180,7 @@ BOOL ShowWindow(HWND handle, int show) {
     if (!window || !window->widget) return FALSE;
     const BOOL before = window->widget->isVisible();
     window->widget->setVisible(show != SW_HIDE);
-    if (!window->parent && show != SW_HIDE) {
+    if (IsProgramWindow(*window) && show != SW_HIDE) {
         DeviceScreen()->show();
         window->widget->setFocus();
     }
@@ -178,7 +190,8 @@ BOOL ShowWindow(HWND handle, int show) {
 BOOL UpdateWindow(HWND handle) {
     Window* window = FindWindowRecord(handle);
     if (!window || !window->widget) return FALSE;
-    if (!window->widget->painting()) window->widget->PaintInvalid();
+    WindowWidget* widget = PaintedWidget(*window);
+    if (widget && !widget->painting()) widget->PaintInvalid();
     return TRUE;
 }
 
@@ -205,6 +218,7 @@ void SendSize(Window& window) {
 
 void PlaceWindow(Window& window, const QRect& rect) {
     if (!window.widget) return;
+    if (window.dialog) return PlaceDialog(window, rect);
     const bool resized = window.widget->size() != rect.size();
     const HWND handle = window.handle;
     window.widget->setGeometry(rect);
@@ -234,18 +248,51 @@ BOOL GetClientRect(HWND handle, RECT* rect) {
 BOOL GetWindowRect(HWND handle, RECT* rect) {
     const Window* window = FindWindowRecord(handle);
     if (!window || !rect || !window->widget) return FALSE;
-    const QPoint corner = window->widget->mapTo(DeviceScreen(), QPoint(0, 0));
+    const QPoint corner = CornerOnScreen(*window);
     *rect = RECT{corner.x(), corner.y(), corner.x() + window->widget->width(),
                  corner.y() + window->widget->height()};
     return TRUE;
 }
 
+BOOL SetWindowPos(HWND handle, HWND, int x, int y, int width, int height, UINT flags) {
+    Window* window = FindWindowRecord(handle);
+    if (!window || !window->widget) return FALSE;
+    const Window* parent = window->dialog ? nullptr : FindWindowRecord(window->parent);
+    QRect place(CornerOnScreen(*window), window->widget->size());
+    if (parent) place.translate(-CornerOnScreen(*parent));
+    if (!(flags & SWP_NOMOVE)) place.moveTo(x, y);
+    if (!(flags & SWP_NOSIZE)) place.setSize(QSize(std::max(width, 0), std::max(height, 0)));
+    PlaceWindow(*window, place);
+    return TRUE;
+}
+
+BOOL ClientToScreen(HWND handle, POINT* point) {
+    const Window* window = FindWindowRecord(handle);
+    if (!window || !window->widget || !point) return FALSE;
+    const QPoint corner = CornerOnScreen(*window);
+    point->x += corner.x();
+    point->y += corner.y();
+    return TRUE;
+}
+
+BOOL ScreenToClient(HWND handle, POINT* point) {
+    const Window* window = FindWindowRecord(handle);
+    if (!window || !window->widget || !point) return FALSE;
+    const QPoint corner = CornerOnScreen(*window);
+    point->x -= corner.x();
+    point->y -= corner.y();
+    return TRUE;
+}
+
 BOOL SetWindowTextW(HWND handle, LPCWSTR text) {
     Window* window = FindWindowRecord(handle);
-    if (!window) return FALSE;
+    if (!window || !text) return FALSE;
+    if (window->control)
+        return SendMessageW(handle, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text)) == TRUE;
     if (window->text == text) return TRUE;
     window->text = text;
-    if (!window->parent) SetDeviceTitle(FromWide(text));
+    if (IsProgramWindow(*window)) SetDeviceTitle(FromWide(text));
+    if (window->dialog && window->widget) window->widget->setWindowTitle(FromWide(text));
     if (window->window_class->name == STATUSCLASSNAME) InvalidateRect(handle, nullptr, FALSE);
     return TRUE;
 }
@@ -253,13 +300,17 @@ BOOL SetWindowTextW(HWND handle, LPCWSTR text) {
 int GetWindowTextW(HWND handle, LPWSTR text, int size) {
     const Window* window = FindWindowRecord(handle);
     if (!text || size < 1) return 0;
+    if (window && window->control)
+        return static_cast<int>(SendMessageW(handle, WM_GETTEXT, static_cast<WPARAM>(size),
+                                             reinterpret_cast<LPARAM>(text)));
     lstrcpynW(text, window ? window->text.c_str() : u"", size);
     return lstrlenW(text);
 }
 
 HWND GetDlgItem(HWND parent, int id) {
     for (const Window* window : AllWindows())
-        if (window->parent == parent && window->id == id && parent) return window->handle;
+        if (parent && window->parent == parent && window->id == id && !window->dialog)
+            return window->handle;
     return nullptr;
 }
 
@@ -270,15 +321,32 @@ HWND GetParent(HWND handle) {
 
 HWND SetFocus(HWND handle) {
     Window* window = FindWindowRecord(handle);
+    const HWND before = GetFocus();
     if (window && window->widget) window->widget->setFocus();
+    return before;
+}
+
+HWND GetFocus() {
+    const QWidget* focus = QApplication::focusWidget();
+    if (!focus) focus = TopMostWidget()->focusWidget();
+    for (; focus; focus = focus->parentWidget())
+        for (const Window* window : AllWindows())
+            if (window->widget == focus) return window->handle;
     return nullptr;
 }
 
 HWND GetActiveWindow() {
-    if (QApplication::activeWindow() != DeviceScreen()) return nullptr;
+    const QWidget* active = QApplication::activeWindow();
     for (const Window* window : AllWindows())
-        if (!window->parent) return window->handle;
+        if (active && (IsProgramWindow(*window) ? active == DeviceScreen()
+                                                : window->dialog && window->widget == active))
+            return window->handle;
     return nullptr;
+}
+
+BOOL IsWindowEnabled(HWND handle) {
+    const Window* window = FindWindowRecord(handle);
+    return window && window->widget && window->widget->isEnabled();
 }
 
 BOOL SetForegroundWindow(HWND handle) {
@@ -296,7 +364,8 @@ BOOL SetForegroundWindow(HWND handle) {
 
 HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
     for (const Window* window : AllWindows()) {
-        if (window->parent || (class_name && window->window_class->name != class_name)) continue;
+        if (!IsProgramWindow(*window) || (class_name && window->window_class->name != class_name))
+            continue;
         if (!title || window->text == title) return window->handle;
     }
     return title ? nullptr : FindOtherInstance();
@@ -305,6 +374,7 @@ HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
 BOOL InvalidateRect(HWND handle, const RECT* rect, BOOL erase) {
     Window* window = FindWindowRecord(handle);
     if (!window || !window->widget) return FALSE;
+    if (!PaintedWidget(*window)) return window->widget->update(), TRUE;
     const QRect area = ClientArea(*window);
     window->invalid +=
         rect

@@ -1,0 +1,13 @@
+// Buttons, static texts and edits of dialogs.
+#ifndef QUILL_PLATFORM_QT_DIALOG_BUTTONS_H
+#define QUILL_PLATFORM_QT_DIALOG_BUTTONS_H
+
+#include "dialogs.h"
+
+extern const ControlClass kButtonClass;
+extern const ControlClass kEditClass;
+extern const ControlClass kStaticClass;
+
+void ShowLabel(Window& window);  // a static's text; its "&" marks a letter once it has a buddy
+
+#endif

@@ -1,0 +1,182 @@
+// List boxes of dialogs.
+#include <QKeyEvent>
+#include <QListWidget>
+#include <QScrollBar>
+
+#include "dialogs.h"
+
+namespace {
+
+// A list that has entries changed by a double tap takes the space bar for one.
+class ListBox : public QListWidget {
+  public:
+    using QListWidget::QListWidget;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool tap = event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier;
+        if (tap && currentItem()) return (void)emit itemDoubleClicked(currentItem());
+        QListWidget::keyPressEvent(event);
+    }
+};
+
+QListWidget* ListOf(const Window& window) {
+    return qobject_cast<QListWidget*>(window.widget.data());
+}
+
+QListWidgetItem* ItemAt(const Window& window, WPARAM row) {
+    const auto* list = ListOf(window);
+    return row < static_cast<WPARAM>(list->count()) ? list->item(static_cast<int>(row)) : nullptr;
+}
+
+QStringList Entries(const QListWidget* list) {
+    QStringList entries;
+    for (int i = 0; i < list->count(); i++) entries << list->item(i)->text();
+    return entries;
+}
+
+QWidget* MakeListBox(HWND control, const DialogItem& item, QWidget* parent) {
+    auto* list = new ListBox(parent);
+    list->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+    list->setUniformItemSizes(true);
+    list->setTabKeyNavigation(false);
+    if (!(item.style & LBS_NOTIFY)) return list;
+    QObject::connect(list, &QListWidget::itemSelectionChanged, list,
+                     [control] { QueueNotice(control, LBN_SELCHANGE); });
+    QObject::connect(list, &QListWidget::itemDoubleClicked, list,
+                     [control] { QueueNotice(control, LBN_DBLCLK); });
+    return list;
+}
+
+// An insertion leaves the selection on its entry.
+int Insert(QListWidget* list, int row, const QString& text) {
+    const QSignalBlocker quiet(list);
+    list->insertItem(row, text);
+    return row;
+}
+
+int SortedRow(const QListWidget* list, const QString& text) {
+    int row = 0;
+    while (row < list->count() && list->item(row)->text().compare(text, Qt::CaseInsensitive) <= 0)
+        row++;
+    return row;
+}
+
+LRESULT AddEntry(Window& window, WPARAM, LPARAM text) {
+    QListWidget* list = ListOf(window);
+    const QString entry = FromWide(reinterpret_cast<LPCWSTR>(text));
+    const bool sorted = window.control->style & LBS_SORT;
+    return Insert(list, sorted ? SortedRow(list, entry) : list->count(), entry);
+}
+
+LRESULT InsertEntry(Window& window, WPARAM row, LPARAM text) {
+    QListWidget* list = ListOf(window);
+    const int place = static_cast<int>(row) == -1 ? list->count() : static_cast<int>(row);
+    if (place < 0 || place > list->count()) return LB_ERR;
+    return Insert(list, place, FromWide(reinterpret_cast<LPCWSTR>(text)));
+}
+
+LRESULT DeleteEntry(Window& window, WPARAM row, LPARAM) {
+    QListWidget* list = ListOf(window);
+    QListWidgetItem* item = ItemAt(window, row);
+    if (!item) return LB_ERR;
+    const QSignalBlocker quiet(list);
+    const bool selected = item->isSelected();
+    delete list->takeItem(static_cast<int>(row));
+    if (selected) list->clearSelection();
+    return list->count();
+}
+
+LRESULT Reset(Window& window, WPARAM, LPARAM) {
+    const QSignalBlocker quiet(ListOf(window));
+    ListOf(window)->clear();
+    return 0;
+}
+
+LRESULT Select(Window& window, WPARAM row, LPARAM) {
+    QListWidget* list = ListOf(window);
+    const QSignalBlocker quiet(list);
+    if (!ItemAt(window, row)) return list->setCurrentRow(-1), list->clearSelection(), LB_ERR;
+    list->setCurrentRow(static_cast<int>(row));
+    return static_cast<LRESULT>(row);
+}
+
+LRESULT Selected(Window& window, WPARAM, LPARAM) {
+    const QListWidget* list = ListOf(window);
+    const auto selected = list->selectedItems();
+    return selected.isEmpty() ? LB_ERR : list->row(selected.front());
+}
+
+LRESULT GetEntry(Window& window, WPARAM row, LPARAM buffer) {
+    const QListWidgetItem* item = ItemAt(window, row);
+    return item ? CopyText(item->text(), SIZE_MAX, buffer) : LB_ERR;
+}
+
+LRESULT GetEntryLength(Window& window, WPARAM row, LPARAM) {
+    const QListWidgetItem* item = ItemAt(window, row);
+    return item ? item->text().size() : LB_ERR;
+}
+
+LRESULT Count(Window& window, WPARAM, LPARAM) { return ListOf(window)->count(); }
+
+LRESULT SelectByText(Window& window, WPARAM after, LPARAM text) {
+    const QString wanted = FromWide(reinterpret_cast<LPCWSTR>(text));
+    const int row = FindEntry(Entries(ListOf(window)), static_cast<int>(after), wanted, false);
+    return row < 0 ? LB_ERR : Select(window, static_cast<WPARAM>(row), 0);
+}
+
+LRESULT FindExact(Window& window, WPARAM after, LPARAM text) {
+    const QString wanted = FromWide(reinterpret_cast<LPCWSTR>(text));
+    return FindEntry(Entries(ListOf(window)), static_cast<int>(after), wanted, true);
+}
+
+// The lines are laid out late; the bar counts lines once they are.
+LRESULT GetTop(Window& window, WPARAM, LPARAM) {
+    QListWidget* list = ListOf(window);
+    list->scrollTo(QModelIndex());
+    list->doItemsLayout();
+    return list->verticalScrollBar()->value();
+}
+
+LRESULT SetTop(Window& window, WPARAM row, LPARAM) {
+    QListWidget* list = ListOf(window);
+    if (!ItemAt(window, row)) return LB_ERR;
+    list->doItemsLayout();
+    list->verticalScrollBar()->setValue(static_cast<int>(row));
+    return 0;
+}
+
+LRESULT GetData(Window& window, WPARAM row, LPARAM) {
+    const QListWidgetItem* item = ItemAt(window, row);
+    return item ? static_cast<LRESULT>(item->data(Qt::UserRole).toLongLong()) : LB_ERR;
+}
+
+LRESULT SetData(Window& window, WPARAM row, LPARAM data) {
+    QListWidgetItem* item = ItemAt(window, row);
+    if (!item) return LB_ERR;
+    item->setData(Qt::UserRole, static_cast<qlonglong>(data));
+    return 0;
+}
+
+const MessageRow kListMessages[] = {
+    {LB_ADDSTRING, AddEntry},
+    {LB_INSERTSTRING, InsertEntry},
+    {LB_DELETESTRING, DeleteEntry},
+    {LB_RESETCONTENT, Reset},
+    {LB_SETCURSEL, Select},
+    {LB_GETCURSEL, Selected},
+    {LB_GETTEXT, GetEntry},
+    {LB_GETTEXTLEN, GetEntryLength},
+    {LB_GETCOUNT, Count},
+    {LB_SELECTSTRING, SelectByText},
+    {LB_GETTOPINDEX, GetTop},
+    {LB_SETTOPINDEX, SetTop},
+    {LB_GETITEMDATA, GetData},
+    {LB_SETITEMDATA, SetData},
+    {LB_FINDSTRINGEXACT, FindExact},
+    {0, nullptr},
+};
+
+}  // namespace
+
+const ControlClass kListBoxClass = {0x83, u"ListBox", MakeListBox, kListMessages};
