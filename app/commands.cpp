@@ -53,6 +53,8 @@ void ResetConfiguration(WORD) {
     DestroyWindow(session.main_window);
 }
 
+void Help(WORD) { ShowHelp(); }
+
 void Larger(WORD) {
     LargerFont();
     RepaintTerminal();
@@ -100,6 +102,7 @@ const CommandRow kCommands[] = {
     {IDM_CONNECT,      IDM_CONNECT,       ConnectOrDisconnect},
     {IDM_EXIT,         IDM_EXIT,          Exit},
     {IDM_RESET,        IDM_RESET,         ResetConfiguration},
+    {IDM_HELP,         IDM_HELP,          Help},
     {IDM_F1,           IDM_F20,           FunctionKey},
     {IDM_KEY_ENTER,    IDM_KEY_ENTER,     NamedKey},
     {IDM_KEY_ESC,      IDM_KEY_ESC,       NamedKey},
@@ -120,6 +123,16 @@ const CommandRow kCommands[] = {
 void RunCommand(WORD id) {
     for (const CommandRow& row : kCommands)
         if (id >= row.first && id <= row.last) return row.run(id);
+}
+
+void ShowHelp() {
+    WCHAR page[] = TEXT("telnet.htm");
+    PROCESS_INFORMATION viewer = {};
+    if (!CreateProcessW(TEXT("PegHelp.exe"), page, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                        nullptr, &viewer))
+        return;
+    if (viewer.hProcess) CloseHandle(viewer.hProcess);
+    if (viewer.hThread) CloseHandle(viewer.hThread);
 }
 
 void ExitProgram() { Exit(IDM_EXIT); }

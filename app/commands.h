@@ -7,6 +7,9 @@
 // Carries out the command of that id; an unknown one does nothing.
 void RunCommand(WORD id);
 
+// Starts the help viewer on the program's page and does not wait for it.
+void ShowHelp();
+
 // The close button's way out: asks while a session is up and `confirm_exit` is set.
 void ExitProgram();
 

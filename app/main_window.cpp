@@ -3,9 +3,11 @@
 
 #include "app/commands.h"
 #include "app/connection.h"
+#include "app/input_panel.h"
 #include "app/keys.h"
 #include "app/session_state.h"
 #include "app/status_bar.h"
+#include "resources/resource_ids.h"
 #include "app/toolbar_commands.h"
 #include "telnet/socket_event.h"
 #include "terminal/terminal_window.h"
@@ -16,6 +18,18 @@ namespace {
 void MakeCommandBar() {
     session.command_bar = CommandBar_Create(session.instance, session.main_window, kCommandBarId);
     session.command_bar_height = session.command_bar ? CommandBar_Height(session.command_bar) : 0;
+}
+
+bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
+
+void MakeMenuBar() {
+    SHMENUBARINFO bar = {};
+    bar.cbSize = sizeof(bar);
+    bar.hwndParent = session.main_window;
+    bar.dwFlags = SHCMBF_HMENU;
+    bar.nToolBarId = Connected() ? IDR_MENU_ONLINE : IDR_MENU_OFFLINE;
+    bar.hInstRes = session.instance;
+    session.menu_bar = SHCreateMenuBar(&bar) ? bar.hwndMB : nullptr;
 }
 
 void MakeClientWindow() {
@@ -57,6 +71,18 @@ LRESULT OnSize(HWND, WPARAM wparam, LPARAM) {
     return 0;
 }
 
+LRESULT OnHelp(HWND, WPARAM, LPARAM) {
+    ShowHelp();
+    return 0;
+}
+
+LRESULT OnSettingChange(HWND window, WPARAM wparam, LPARAM lparam) {
+    if (wparam != SPI_SETSIPINFO || GetActiveWindow() != window)
+        return DefWindowProcW(window, WM_SETTINGCHANGE, wparam, lparam);
+    FollowInputPanel();
+    return 0;
+}
+
 LRESULT OnCommand(HWND, WPARAM wparam, LPARAM) {
     RunCommand(LOWORD(wparam));
     return 0;
@@ -83,10 +109,11 @@ LRESULT OnSocketConnected(HWND, WPARAM, LPARAM) {
     return 0;
 }
 
-LRESULT OnKey(HWND, WPARAM wparam, LPARAM) {
+// In a session every key is the host's. Offline they have their usual meaning: F10 opens the menu.
+LRESULT OnKey(HWND window, WPARAM wparam, LPARAM lparam) {
     OnKeyDown(static_cast<int>(wparam));
     UpdateStatus();
-    return 0;
+    return Connected() ? 0 : DefWindowProcW(window, WM_KEYDOWN, wparam, lparam);
 }
 
 LRESULT OnCharacter(HWND, WPARAM wparam, LPARAM) {
@@ -105,7 +132,9 @@ const MessageRow kMessages[] = {
     {WM_CREATE,           OnCreate},
     {WM_CLOSE,            OnClose},
     {WM_SIZE,             OnSize},
+    {WM_HELP,             OnHelp},
     {WM_COMMAND,          OnCommand},
+    {WM_SETTINGCHANGE,    OnSettingChange},
     {WM_TIMER,            OnTimer},
     {WM_DESTROY,          OnDestroy},
     {WM_SOCKET_DATA,      OnSocketData},
@@ -126,8 +155,10 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, L
 void RebuildMenuBar() {
     if (!IsWindow(session.main_window)) return;
     if (session.command_bar) CommandBar_Destroy(session.command_bar);
+    if (session.menu_bar) DestroyWindow(session.menu_bar);
     MakeCommandBar();
     ShowToolbar();
+    MakeMenuBar();
     UpdateStatus();
 }
 

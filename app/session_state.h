@@ -27,6 +27,7 @@ struct SessionState {
     HWND command_bar = nullptr;
     HWND client_window = nullptr;
     HACCEL accelerators = nullptr;
+    HWND menu_bar = nullptr;
     HMODULE common_dialogs = nullptr;
     ChooseColorProcedure choose_color = nullptr;  // null: no colour dialog on this device
     COLORREF custom_colors[16] = {};              // of the colour dialog, for the run
@@ -34,6 +35,9 @@ struct SessionState {
     int main_width = 0;                           // pixels of the main window when it was made
     int client_width = 0;                         // pixels of the client window when it was made
     DWORD key_sent = 0;  // the key table sent something for the key press being handled
+
+    // Owner: app/input_panel.cpp.
+    DWORD input_panel_up = 0;  // as the shell told it last
 
     // Owner: app/status_bar.cpp.
     HWND status_window = nullptr;  // null while hidden

@@ -27,12 +27,30 @@ function(quill_program name)
     target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${QUILL_WARNINGS}>)
 endfunction()
 
+# Code of the tests themselves is neither optimised nor watched by the address sanitizer: that halves
+# the time it takes to build, and the program that it drives is watched all the same. The thread
+# sanitizer has to see both sides.
+set(QUILL_TEST_OPTIONS -O0)
+if(QUILL_SANITIZE MATCHES address)
+    list(APPEND QUILL_TEST_OPTIONS -fno-sanitize=all)
+endif()
+
 # quill_test(NAME LABEL FILES...): a GoogleTest program; each of its tests is a test of its own for
 # ctest, carrying the label. Libraries are linked by the caller with target_link_libraries.
 function(quill_test name label)
     quill_program(${name} ${ARGN})
+    target_compile_options(${name} PRIVATE ${QUILL_TEST_OPTIONS})
     target_link_libraries(${name} PRIVATE GTest::gtest)
     gtest_discover_tests(${name} TEST_PREFIX "${label}." DISCOVERY_TIMEOUT 60
                          PROPERTIES LABELS "${label}" TIMEOUT 120
                          ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()
+
+# quill_person_tests(TARGETS...): tests that drive the running program, with the headers that all of
+# them read compiled once.
+function(quill_person_tests)
+    foreach(name ${ARGN})
+        target_link_libraries(${name} PRIVATE test_support)
+        target_precompile_headers(${name} REUSE_FROM test_support)
+    endforeach()
 endfunction()

@@ -134,7 +134,7 @@ int BignumSsh2Size(ConstBignum a) { return (BignumBitLength(a) + 8) / 8 + 4; }
 uint8_t* EncodeMpint(ConstBignum a, int* length) {
     int bits = BignumBitLength(a);
     int count = bits == 0 ? 0 : (bits + 8) / 8;
-    uint8_t* body = static_cast<uint8_t*>(malloc(static_cast<size_t>(count) + 1));
+    uint8_t* body = static_cast<uint8_t*>(calloc(static_cast<size_t>(count) + 1, 1));
     *length = body == nullptr ? 0 : count;
     if (body != nullptr) BignumToBytes(body, count, a);
     return body;

@@ -24,7 +24,8 @@ extern const uint8_t kDhPrime[128];  // big-endian
 // Loads the group; an earlier one is released first.
 void DhSetup(DhContext* context);
 // Chooses a new exponent, 1 < x < q, of at most `bits` random bits (0, or more than q has: as many
-// as q) and returns e, which stays the context's. Values of an earlier exchange are released.
+// as q; never 1, which no such exponent has) and returns e, which stays the context's. Values of an
+// earlier exchange are released.
 ConstBignum DhGenerate(DhContext* context, int bits);
 // f^x mod p, owned by the caller; null unless 0 < f < p (RFC 4253, 8) and an exponent is there.
 Bignum DhSharedSecret(const DhContext* context, ConstBignum f);

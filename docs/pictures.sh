@@ -1,10 +1,76 @@
 #!/bin/sh
-# Takes the pictures of this folder from the running program, on an X server of its own.
-# Usage: docs/pictures.sh      (after a build of the preset release)
+# Takes the pictures of this folder from the running program, on an X server of its own, in sessions
+# with the demo host.
+# Usage: docs/pictures.sh [NAME...]      (after a build of the preset release)
 set -eu
 cd "$(dirname "$0")/.."
-whole=$(mktemp "${TMPDIR:-/tmp}/quill-picture.XXXXXX.png")
-trap 'rm -f "$whole"' EXIT
-tests/peers/outside_test.sh build/release/platform/qt/quill build/release/demo/quill_demo_host "$whole"
-convert "$whole" -trim +repage docs/session.png
-echo "docs/session.png"
+program=build/release/platform/qt/quill
+demo=build/release/demo/quill_demo_host
+work=$(mktemp -d "${TMPDIR:-/tmp}/quill-pictures.XXXXXX")
+server= host= client=
+clean_up() {
+    for each in $client $host $server; do kill "$each" 2>/dev/null || :; done
+    wait
+    rm -rf "$work"
+}
+trap clean_up EXIT
+
+await_line() {
+    tries=0
+    while [ "$(wc -l <"$1")" -lt 1 ]; do
+        [ $tries -lt 100 ] || { echo "pictures.sh: nothing came into $1" >&2; exit 1; }
+        sleep 0.1
+        tries=$((tries + 1))
+    done
+    head -n 1 "$1"
+}
+
+: >"$work/display"
+Xvfb -displayfd 3 -screen 0 1400x1000x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
+server=$!
+DISPLAY=:$(await_line "$work/display")
+export DISPLAY QT_QPA_PLATFORM=xcb
+
+# picture NAME SCREEN SCALE ACTIONS: a session, logged in, then the actions, then the picture. An
+# empty SCREEN is the size that the program chooses.
+picture() {
+    name=$1 screen=$2 scale=$3 actions=$4
+    rm -rf "$work/root"
+    mkdir "$work/root"
+    : >"$work/host"
+    "$demo" >"$work/host" &
+    host=$!
+    port=$(await_line "$work/host")
+    printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "${port##*:}" >"$work/root/mconfig.cfg"
+    "$program" --root "$work/root" ${screen:+--screen $screen} --scale "$scale" 2>/dev/null &
+    client=$!
+    timeout 20 xdotool search --sync --name '^Quill Telnet$' >/dev/null
+    sleep 1
+    xdotool key Return
+    sleep 2
+    xdotool type --delay 20 anna
+    xdotool key Return
+    sleep 0.5
+    xdotool type --delay 20 secret
+    xdotool key Return
+    sleep 1
+    eval "$actions"
+    sleep 1
+    import -window root "$work/whole.png"
+    kill "$client" "$host"
+    wait "$client" "$host" 2>/dev/null || :
+    convert "$work/whole.png" -trim +repage -colors 64 -depth 8 "docs/$name.png"
+    echo "docs/$name.png"
+}
+
+# tap X Y: in pixels of the device, at the scale of the picture.
+tap() { xdotool mousemove $(($1 * scale)) $(($2 * scale)) click 1; }
+strike() { xdotool key --delay 50 "$@"; }
+
+session() { picture session '' 2 ':'; }
+menu() { picture menu '' 2 'strike alt+s; sleep 0.5; strike Down Down'; }
+handheld() { picture handheld 240x320 2 ':'; }
+panel() { picture panel 240x320 2 'tap 223 307'; }
+wide() { picture wide 640x240 2 ':'; }
+
+for each in ${*:-session menu handheld panel wide}; do $each; done

@@ -287,7 +287,14 @@ int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message);
 #define VK_DOWN 0x28
 #define VK_INSERT 0x2D
 #define VK_DELETE 0x2E
+#define VK_NUMPAD0 0x60
+#define VK_MULTIPLY 0x6A
+#define VK_ADD 0x6B
+#define VK_SUBTRACT 0x6D
+#define VK_DECIMAL 0x6E
+#define VK_DIVIDE 0x6F
 #define VK_F1 0x70
+#define VK_F10 0x79
 #define VK_F20 0x83
 #define VK_F24 0x87
 #define VK_LSHIFT 0xA0
@@ -296,6 +303,10 @@ int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message);
 #define VK_RCONTROL 0xA3
 #define VK_LMENU 0xA4
 #define VK_RMENU 0xA5
+#define VK_OEM_PLUS 0xBB
+#define VK_OEM_COMMA 0xBC
+#define VK_OEM_MINUS 0xBD
+#define VK_OEM_PERIOD 0xBE
 #define KEYEVENTF_KEYUP 0x0002u
 #define KEYEVENTF_SILENT 0x0004u
 typedef int16_t SHORT;
@@ -646,6 +657,21 @@ struct TBBUTTON {
 };
 #define TBSTATE_ENABLED 0x04
 #define TBSTYLE_BUTTON 0x00
+// The menu bar at the bottom of the screen, from the menu resource `nToolBarId`; its entries send
+// WM_COMMAND to hwndParent. The bar is a window, which DestroyWindow takes away again.
+struct SHMENUBARINFO {
+    DWORD cbSize;
+    HWND hwndParent;
+    DWORD dwFlags;  // SHCMBF_HMENU
+    UINT nToolBarId;
+    HINSTANCE hInstRes;
+    int nBmpId;
+    int cBmpImages;
+    HWND hwndMB;  // out: the bar
+    COLORREF clrBk;
+};
+#define SHCMBF_HMENU 0x0010u
+BOOL SHCreateMenuBar(SHMENUBARINFO* info);
 
 HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id);
 BOOL CommandBar_Show(HWND bar, BOOL show);
@@ -660,6 +686,20 @@ BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button);
 // tips[i] belongs to the button at index i; it is also what a screen reader calls it. The texts
 // and the array stay the caller's and must outlive the bar.
 BOOL CommandBar_AddToolTips(HWND bar, UINT count, LPWSTR* tips);
+
+// ---------------------------------------------------------------- other programs
+
+struct PROCESS_INFORMATION {
+    HANDLE hProcess;
+    HANDLE hThread;
+    DWORD dwProcessId;
+    DWORD dwThreadId;
+};
+// "PegHelp.exe" with a page's name is the desktop's viewer on the program's help page, which gives
+// no handles; there is no other program.
+BOOL CreateProcessW(LPCWSTR program, LPWSTR arguments, LPVOID process_security,
+                    LPVOID thread_security, BOOL inherit, DWORD flags, LPVOID environment,
+                    LPCWSTR folder, LPVOID start_up, PROCESS_INFORMATION* process);
 
 // ---------------------------------------------------------------- libraries
 

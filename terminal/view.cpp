@@ -78,6 +78,13 @@ void MeasureView() {
     PlaceStatusBar();
 }
 
+void CoverRows(int rows) {
+    session.view.covered_rows = rows;
+    if (rows > 0) return;
+    session.view.view_top = 0;
+    session.view.view_left = 0;
+}
+
 // ---------------------------------------------------------------- scrolling
 
 static void SetBarPosition(int bar, int position) {

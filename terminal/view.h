@@ -18,6 +18,10 @@ void LayoutTerminal();   // as RepaintTerminal, after the geometry was measured 
 // one.
 void MeasureView();
 
+// The input panel covers that many rows, from 0 on, at the next measuring. None covered any more
+// takes the view back to row 1, column 1.
+void CoverRows(int rows);
+
 // A scroll bar's event: one of SB_..., and the position that goes with SB_THUMBPOSITION. The view
 // stays on the screen's rows and columns.
 void ScrollRows(int code, int position);

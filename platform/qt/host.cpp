@@ -6,6 +6,7 @@
 
 #include "device_root.h"
 #include "gdi.h"
+#include "menu_bar.h"
 #include "registry.h"
 #include "resources.h"
 #include "testing.h"
@@ -111,6 +112,7 @@ void OpenDevice(const HostOptions& options) {
     SetResourceImage(quill_resources, static_cast<size_t>(quill_resources_end - quill_resources));
     SetSystemFont();
     RegisterControls();
+    RegisterMenuBar();
     OpenDeviceScreen(QSize(kNarrowestPixels, 300));
     DeviceScreen()->resize(options.screen.isEmpty() ? ScreenForTerminal() : options.screen);
 }

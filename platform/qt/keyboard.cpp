@@ -2,7 +2,7 @@
 #include <QInputMethod>
 #include <QKeyEvent>
 
-#include "slice.h"
+#include "testing.h"
 
 namespace {
 
@@ -21,6 +21,18 @@ const KeyRow kKeys[] = {
     {Qt::Key_Insert, VK_INSERT},     {Qt::Key_Delete, VK_DELETE}, {Qt::Key_CapsLock, VK_CAPITAL},
 };
 
+// The number pad while it gives digits.
+const KeyRow kPadKeys[] = {
+    {Qt::Key_Asterisk, VK_MULTIPLY}, {Qt::Key_Plus, VK_ADD},        {Qt::Key_Minus, VK_SUBTRACT},
+    {Qt::Key_Period, VK_DECIMAL},    {Qt::Key_Comma, VK_DECIMAL},   {Qt::Key_Slash, VK_DIVIDE},
+};
+
+// Punctuation that accelerators name, by either character of its key.
+const KeyRow kPunctuation[] = {
+    {Qt::Key_Plus, VK_OEM_PLUS},   {Qt::Key_Equal, VK_OEM_PLUS},
+    {Qt::Key_Minus, VK_OEM_MINUS}, {Qt::Key_Underscore, VK_OEM_MINUS},
+};
+
 // X11 keysyms of the modifiers, by which left and right differ.
 const KeyRow kModifiers[] = {
     {0xffe1, VK_LSHIFT},   {0xffe2, VK_RSHIFT}, {0xffe3, VK_LCONTROL}, {0xffe4, VK_RCONTROL},
@@ -32,6 +44,7 @@ constexpr int kProcessKey = 0xE5;  // a key press that the input method took
 
 KeyStates g_down;   // as the last event left them
 KeyStates g_taken;  // as they were for the message taken last
+int g_silent_keys = 0;
 
 int ModifierKey(const QKeyEvent& event) {
     for (const KeyRow& row : kModifiers)
@@ -55,14 +68,28 @@ int DigitKey(const QKeyEvent& event) {
     return code == 19 ? '0' : static_cast<int>('1' + (code - 10));
 }
 
+template <size_t count>
+int FindKey(const KeyRow (&rows)[count], int key) {
+    for (const KeyRow& row : rows)
+        if (row.key == key) return row.virtual_key;
+    return 0;
+}
+
+int PadKey(const QKeyEvent& event) {
+    if (event.key() >= Qt::Key_0 && event.key() <= Qt::Key_9)
+        return VK_NUMPAD0 + (event.key() - Qt::Key_0);
+    return FindKey(kPadKeys, event.key());
+}
+
 int VirtualKey(const QKeyEvent& event) {
-    for (const KeyRow& row : kKeys)
-        if (row.key == event.key()) return row.virtual_key;
+    if (const int key = FindKey(kKeys, event.key())) return key;
+    if (event.modifiers() & Qt::KeypadModifier) return PadKey(event);
     if (event.key() >= Qt::Key_F1 && event.key() <= Qt::Key_F24)
         return VK_F1 + (event.key() - Qt::Key_F1);
     if (const int digit = DigitKey(event)) return digit;
-    if (event.key() >= Qt::Key_0 && event.key() <= Qt::Key_Z) return event.key();
-    return 0;
+    const bool digit_or_letter = (event.key() >= Qt::Key_0 && event.key() <= Qt::Key_9) ||
+                                 (event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z);
+    return digit_or_letter ? event.key() : FindKey(kPunctuation, event.key());
 }
 
 // What the key types: as on the device, Ctrl with a letter is a control character, and the keys
@@ -105,9 +132,11 @@ void QueueKeyEvent(HWND window, QKeyEvent* event, bool down) {
         (event->modifiers() & Qt::AltModifier) && !(event->modifiers() & Qt::ControlModifier);
     const UINT message =
         down ? (system ? WM_SYSKEYDOWN : WM_KEYDOWN) : (system ? WM_SYSKEYUP : WM_KEYUP);
+    const QString characters = down ? CharactersOf(*event, key) : QString();
+    if (key == 0 && characters.isEmpty()) return;  // a key that the device has not
     g_down[static_cast<size_t>(key)] = down;
     QueueKey(window, message, static_cast<WPARAM>(GenericKey(key)),
-             event->isAutoRepeat() ? 1 << 30 : 0, down ? CharactersOf(*event, key) : QString());
+             event->isAutoRepeat() ? 1 << 30 : 0, characters);
 }
 
 // The input method's key press comes before its characters, as on the device.
@@ -117,7 +146,10 @@ void QueueCommittedText(HWND window, const QString& text) {
     for (const QChar character : text) QueueInput(window, WM_CHAR, character.unicode(), 0);
 }
 
+int SilentKeyCount() { return g_silent_keys; }
+
 void ResetKeyboard() {
+    g_silent_keys = 0;
     g_down.reset();
     g_taken.reset();
 }
@@ -133,7 +165,10 @@ SHORT GetKeyState(int virtual_key) {
 }
 
 void keybd_event(BYTE virtual_key, BYTE, DWORD flags, DWORD_PTR) {
-    if (flags & KEYEVENTF_SILENT) return;
+    if (flags & KEYEVENTF_SILENT) {
+        g_silent_keys++;
+        return;
+    }
     const bool down = !(flags & KEYEVENTF_KEYUP);
     g_down[virtual_key] = down;
     if (HWND window = GetActiveWindow())

@@ -51,6 +51,7 @@ int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
     if (g_answer) QTimer::singleShot(0, ok, &QPushButton::click);
     RunModalLoop([&] { return !box.isVisible(); });
     g_shown = outer;
+    if (window) ReturnFocus();
     // Esc and the close button of a box with OK alone count as OK.
     const bool single = (type & 0xFu) == MB_OK;
     return box.clickedButton() == ok || (single && !QuitPosted()) ? IDOK : IDCANCEL;

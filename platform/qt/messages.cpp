@@ -12,6 +12,7 @@
 #include <QTimer>
 
 #include "accelerators.h"
+#include "menu_bar.h"
 #include "window_widget.h"
 
 namespace {
@@ -307,6 +308,8 @@ LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) 
         GetClientRect(handle, &area);
         FillRect(reinterpret_cast<HDC>(wparam), &area, window->window_class->background);
         return 1;
+    } else if (message == WM_KEYDOWN && wparam == VK_F10 && !window->parent) {
+        ActivateMenuBar();
     }
     (void)lparam;
     return 0;

@@ -27,6 +27,7 @@ struct WindowClass {
     UINT style = 0;
     WNDPROC procedure = nullptr;
     HBRUSH background = nullptr;
+    bool system = false;  // the slice's own, there from the start
 };
 
 struct ScrollBarState {
@@ -109,6 +110,7 @@ QWidget* DeviceScreen();
 void OpenDeviceScreen(QSize size);
 void CloseDeviceScreen();
 void SetDeviceTitle(const QString& title);
+void ReturnFocus();      // to the program's window, after a box or dialog over it has closed
 QRect MainWindowArea();  // the room of a top-level window: the screen above the menu bar
 
 // gdi.cpp

@@ -23,6 +23,7 @@ std::vector<DrawCall> RecordedCalls();
 int PaintCount();  // WM_PAINTs since the program's start
 int BeepCount();
 UINT LastBeep();
+int SilentKeyCount();  // synthetic keys that only keep the device awake, since the start
 
 // The text that stands on a window, line by line as it was drawn last; blanks at the end cut.
 void KeepScreenText(bool keep);

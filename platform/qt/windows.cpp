@@ -85,6 +85,7 @@ void RegisterSystemClass(LPCWSTR name, WNDPROC procedure) {
     auto window_class = std::make_unique<WindowClass>();
     window_class->name = name;
     window_class->procedure = procedure;
+    window_class->system = true;
     g_classes[name] = std::move(window_class);
 }
 
@@ -162,9 +163,7 @@ void DestroyAllWindows() {
         if (!DestroyWindow(last)) RemoveWindow(last);
     }
     for (auto entry = g_classes.begin(); entry != g_classes.end();)
-        entry = entry->second->name == STATUSCLASSNAME || entry->first == kCommandBarClass
-                    ? std::next(entry)
-                    : g_classes.erase(entry);
+        entry = entry->second->system ? std::next(entry) : g_classes.erase(entry);
 }
 
 BOOL IsWindow(HWND handle) { return FindWindowRecord(handle) != nullptr; }

@@ -75,7 +75,9 @@ TEST(SessionEdges, RebuiltMenuBarsLeaveNoWidgetBehind) {
     RunProgram({}, [] {
         const auto widgets = [] { return DeviceScreen()->findChildren<QWidget*>().size(); };
         qsizetype before = 0;
-        ASSERT_TRUE(Eventually([] { return session.view.font != nullptr; }));
+        ASSERT_TRUE(Eventually([] { return session.menu_bar != nullptr; }));
+        PostToMain(WM_SOCKET_CONNECTED);
+        OnWindowThread([] {});
         OnWindowThread([&] { before = widgets(); });
         for (int i = 0; i < 20; i++) PostToMain(WM_SOCKET_CONNECTED);
         EXPECT_TRUE(Eventually([&] { return widgets() == before; }, 2000));

@@ -2,8 +2,11 @@
 // operands and shapes that trip arithmetic up, in both forms of the row loops.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "crypto/bignum.h"
 #include "crypto/long_division.h"
+#include "crypto/wipe.h"
 #include "crypto_test_support.h"
 
 static const int kMaxBits = 2100;
@@ -125,6 +128,23 @@ TEST_P(BignumOracle, EqualOperandsZeroOneAllOnesAndPowersOfTwoMeetEachOther) {
     }
 }
 
+TEST_P(BignumOracle, OneNumberInEveryPlaceIsTakenForEach) {
+    for (int bits = 1; bits <= kMaxBits && !HasFatalFailure(); bits++) {
+        Number a = RandomNumber(bits, bits % 6);
+        CheckProducts(a.get(), a.get(), a.get());
+        CheckDivision(a.get(), a.get());
+        CheckOrder(a.get(), a.get());
+        CheckInverse(a.get(), a.get());
+        if (bits <= 200) CheckPower(a.get(), a.get(), a.get());
+    }
+}
+
+TEST_P(BignumOracle, EverySizeInvertsNumbersFarAboveTheModulus) {
+    for (int bits = 2; bits <= 400 && !HasFatalFailure(); bits++) {
+        CheckInverse(RandomOperand(kMaxBits).get(), RandomNumber(bits, RandomBelow(6)).get());
+    }
+}
+
 // Quotient estimates that have to be corrected: dividends just below, at and above multiples.
 TEST_P(BignumOracle, DividendsBesideAMultipleOfTheDivisorAreExact) {
     for (int round = 0; round < 3000 && !HasFatalFailure(); round++) {
@@ -165,5 +185,97 @@ TEST(BignumWire, EveryFormOfRandomNumbersReadsBack) {
             ASSERT_EQ(BignumBit(a.get(), i), mpz_tstbit(za.value, static_cast<mp_bitcnt_t>(i)));
             ASSERT_EQ(BignumByte(a.get(), i / 8) >> (i % 8) & 1, BignumBit(a.get(), i));
         }
+    }
+}
+
+// The same value with so many more words of zero on top.
+static Number Padded(const Number& a, int words) {
+    Number padded(BignumNew(a.get()[0] + words));
+    memcpy(padded.get() + 1, a.get() + 1, size_t{a.get()[0]} * sizeof(uint16_t));
+    return padded;
+}
+
+TEST(BignumSizes, EverySizeShiftsByAnyCount) {
+    for (int bits = 0; bits <= kMaxBits; bits++) {
+        Number a = Padded(RandomNumber(bits, RandomBelow(6)), RandomBelow(3));
+        for (int count : {0, 1, 15, 16, 17, RandomBelow(bits + 40), bits - 1, bits, bits + 1}) {
+            if (count < 0) continue;
+            Number shifted(BignumShiftRight(a.get(), count));
+            Mpz wanted(a.get());
+            mpz_fdiv_q_2exp(wanted.value, wanted.value, static_cast<mp_bitcnt_t>(count));
+            ASSERT_EQ(NumberHex(shifted.get()), wanted.Hex()) << bits << " >> " << count;
+            ASSERT_EQ(shifted.get()[0], std::max(0, bits - count + 15) / 16);
+        }
+    }
+}
+
+TEST(BignumSizes, EveryPowerOfTwoHasOneBitAndItsWords) {
+    for (int bit = 0; bit <= kMaxBits; bit++) {
+        Number a(BignumPowerOfTwo(bit));
+        Mpz wanted;
+        mpz_setbit(wanted.value, static_cast<mp_bitcnt_t>(bit));
+        ASSERT_EQ(NumberHex(a.get()), wanted.Hex());
+        ASSERT_EQ(a.get()[0], bit / 16 + 1);
+    }
+}
+
+TEST(BignumSizes, EverySizeSetsAndClearsEachBit) {
+    for (int bits = 1; bits <= kMaxBits; bits += bits < 70 ? 1 : 29) {
+        Number a = RandomNumber(bits, 0);
+        Mpz wanted(a.get());
+        for (int i = 0; i < 16 * a.get()[0]; i++) {
+            bool set = RandomBelow(2) == 1;
+            BignumSetBit(a.get(), i, set);
+            set ? mpz_setbit(wanted.value, static_cast<mp_bitcnt_t>(i))
+                : mpz_clrbit(wanted.value, static_cast<mp_bitcnt_t>(i));
+            ASSERT_EQ(BignumBit(a.get(), i), set);
+        }
+        ASSERT_EQ(NumberHex(a.get()), wanted.Hex()) << bits;
+    }
+}
+
+TEST(BignumSizes, EverySizeIsCopiedNormalisedAndComparedWhateverItsWords) {
+    for (int bits = 0; bits <= kMaxBits; bits++) {
+        Number a = RandomNumber(bits, RandomBelow(6)), padded = Padded(a, 1 + RandomBelow(4));
+        Number copy(BignumCopy(padded.get()));
+        ASSERT_EQ(copy.get()[0], padded.get()[0]);
+        ASSERT_EQ(memcmp(copy.get(), padded.get(), 2 * (size_t{copy.get()[0]} + 1)), 0);
+        ASSERT_EQ(BignumCompare(a.get(), padded.get()), 0);
+        ASSERT_EQ(BignumBitLength(padded.get()), bits);
+        BignumNormalise(copy.get());
+        ASSERT_EQ(copy.get()[0], std::max(1, (bits + 15) / 16));
+        ASSERT_EQ(NumberHex(copy.get()), NumberHex(a.get()));
+    }
+}
+
+// The sizes hold, and the mpint is the one GMP's bytes make.
+TEST(BignumSizes, EverySizeGoesToBytesAndBackAndToAnMpint) {
+    for (int bits = 0; bits <= kMaxBits; bits++) {
+        Number a = Padded(RandomNumber(bits, RandomBelow(6)), RandomBelow(3));
+        const std::string digits = bits == 0 ? "" : NumberHex(a.get());
+        const ByteString magnitude = FromHex(digits);
+        ByteString bytes(magnitude.size() + 3, 0xEE);
+        BignumToBytes(bytes.data(), Size(bytes), a.get());
+        ASSERT_EQ(ToHex(bytes), "000000" + ToHex(magnitude));
+        Number back(BignumFromBytes(bytes.data(), Size(bytes)));
+        ASSERT_EQ(back.get()[0], (Size(bytes) + 1) / 2);
+        ASSERT_EQ(BignumCompare(back.get(), a.get()), 0);
+        int length = -1;
+        uint8_t* body = EncodeMpint(a.get(), &length);
+        ASSERT_EQ(ToHex(body, static_cast<size_t>(length)),
+                  (bits > 0 && bits % 8 == 0 ? "00" : "") + ToHex(magnitude));
+        ASSERT_LE(length + 4, BignumSsh2Size(a.get()));
+        ASSERT_EQ(BignumSsh2Size(a.get()), (bits + 8) / 8 + 4);
+        ASSERT_EQ(BignumSsh1Size(a.get()), Size(magnitude) + 2);
+        WipeAndFree(body, static_cast<size_t>(length));
+    }
+}
+
+TEST(BignumSizes, From32BitNumbersOfEverySizeAreTheirValues) {
+    for (int round = 0; round < 5000; round++) {
+        uint32_t value = static_cast<uint32_t>(random_engine() >> 32) >> RandomBelow(32);
+        Number a(BignumFromUint32(value));
+        ASSERT_EQ(a.get()[0], value > 0xFFFF ? 2 : 1);
+        ASSERT_EQ(mpz_get_ui(Mpz(a.get()).value), value);
     }
 }

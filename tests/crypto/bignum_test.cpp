@@ -235,6 +235,16 @@ TEST(Bignum, ModulusIsShiftedByNothingWhenItsTopBitIsSetAndBy15AtMost) {
     }
 }
 
+TEST(Bignum, ResultsOfAllTheWordsThereAreFitAndLargerOnesAreNull) {
+    Number largest = RandomNumber(16 * kBignumMaxWords, 1), two(BignumFromUint32(2));
+    Number same(BignumMulAdd(largest.get(), BignumOne, BignumZero));
+    ASSERT_NE(same, nullptr);
+    EXPECT_EQ(BignumCompare(same.get(), largest.get()), 0);
+    EXPECT_EQ(BignumMulAdd(largest.get(), BignumOne, BignumOne), nullptr);
+    EXPECT_EQ(BignumMulAdd(largest.get(), two.get(), BignumZero), nullptr);
+    EXPECT_EQ(NumberHex(Number(BignumMod(largest.get(), two.get())).get()), "1");
+}
+
 TEST(Bignum, PowerOfZeroIsOneButZeroModuloOne) {
     Number five = FromHexNumber("5"), seven = FromHexNumber("7");
     EXPECT_EQ(NumberHex(Number(BignumModPow(five.get(), BignumZero, seven.get())).get()), "1");

@@ -1,7 +1,10 @@
 // Ciphers, modes and the records of both SSH versions: the edge cases, by name.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <functional>
 
 #include "crypto/blowfish.h"
 #include "crypto/byte_order.h"
@@ -32,15 +35,49 @@ TEST(Des, ParityBitsOfTheKeyDoNotCount) {
     EXPECT_EQ(first[1], second[1]);
 }
 
-TEST(Des, WeakKeyEncryptsBackToThePlaintext) {
-    uint32_t block[2];
+static uint64_t Encrypt(uint64_t key, uint64_t block) {
     DesContext context;
-    DesSetKey(0x01010101, 0x01010101, &context);
-    DesEncryptBlock(0x12345678, 0x9ABCDEF0, block, &context);
-    EXPECT_NE(block[0], 0x12345678u);
-    DesEncryptBlock(block[0], block[1], block, &context);
-    EXPECT_EQ(block[0], 0x12345678u);
-    EXPECT_EQ(block[1], 0x9ABCDEF0u);
+    uint32_t words[2];
+    DesSetKey(static_cast<uint32_t>(key >> 32), static_cast<uint32_t>(key), &context);
+    DesEncryptBlock(static_cast<uint32_t>(block >> 32), static_cast<uint32_t>(block), words,
+                    &context);
+    return uint64_t{words[0]} << 32 | words[1];
+}
+
+// FIPS 74, 3.6: the keys whose schedule reads the same from either end, and the pairs of keys of
+// which each undoes the other.
+TEST(Des, WeakAndSemiWeakKeysUndoTheirPartners) {
+    const uint64_t kPairs[][2] = {
+        {0x0101010101010101, 0x0101010101010101}, {0xFEFEFEFEFEFEFEFE, 0xFEFEFEFEFEFEFEFE},
+        {0xE0E0E0E0F1F1F1F1, 0xE0E0E0E0F1F1F1F1}, {0x1F1F1F1F0E0E0E0E, 0x1F1F1F1F0E0E0E0E},
+        {0x01FE01FE01FE01FE, 0xFE01FE01FE01FE01}, {0x1FE01FE00EF10EF1, 0xE01FE01FF10EF10E},
+        {0x01E001E001F101F1, 0xE001E001F101F101}, {0x1FFE1FFE0EFE0EFE, 0xFE1FFE1FFE0EFE0E},
+        {0x011F011F010E010E, 0x1F011F010E010E01}, {0xE0FEE0FEF1FEF1FE, 0xFEE0FEE0FEF1FEF1},
+    };
+    for (const auto& pair : kPairs) {
+        for (int round = 0; round < 20; round++) {
+            const uint64_t block = random_engine();
+            EXPECT_NE(Encrypt(pair[0], block), block);
+            EXPECT_EQ(Encrypt(pair[1], Encrypt(pair[0], block)), block);
+            EXPECT_EQ(Encrypt(pair[0], Encrypt(pair[1], block)), block);
+        }
+    }
+}
+
+TEST(Des, ComplementOfKeyAndBlockGivesTheComplementOfTheResult) {
+    for (int round = 0; round < 500; round++) {
+        const uint64_t key = random_engine(), block = random_engine();
+        EXPECT_EQ(Encrypt(~key, ~block), ~Encrypt(key, block));
+    }
+}
+
+TEST(Des, EachBitOfBlockAndKeyButParityChangesTheResult) {
+    const uint64_t key = random_engine(), block = random_engine();
+    const uint64_t result = Encrypt(key, block);
+    for (int bit = 0; bit < 64; bit++) {
+        EXPECT_NE(Encrypt(key, block ^ uint64_t{1} << bit), result) << bit;
+        EXPECT_EQ(Encrypt(key ^ uint64_t{1} << bit, block) == result, bit % 8 == 0) << bit;
+    }
 }
 
 TEST(Des, OneContextCarriesAnEncryptionAndADecryptionStream) {
@@ -263,6 +300,99 @@ TEST_F(SshCiphers, OneCallAndManyCallsGiveTheSameBytes) {
     for (const Ssh1Cipher* cipher : {&kSsh1Blowfish, &kSsh1TripleDes, &kSsh1Des}) {
         ExpectOneStream(*cipher, [&] { cipher->setKey(key.data()); });
     }
+}
+
+TEST_F(SshCiphers, NoLengthChangesNeitherBytesNorChains) {
+    auto check = [](const auto& cipher, auto start) {
+        const ByteString text = RandomBytes(16);
+        ByteString plain = text, disturbed = text, untouched = text;
+        start();
+        cipher.encrypt(plain.data(), 16);
+        start();
+        for (int length : {0, -1, -8, -1000}) {
+            cipher.encrypt(nullptr, length);
+            cipher.decrypt(nullptr, length);
+            cipher.encrypt(untouched.data(), length);
+        }
+        cipher.encrypt(disturbed.data(), 16);
+        EXPECT_EQ(ToHex(disturbed), ToHex(plain));
+        EXPECT_EQ(ToHex(untouched), ToHex(text));
+    };
+    check(kTripleDesCbc, [&] { Install(kTripleDesCbc); });
+    check(kBlowfishCbc, [&] { Install(kBlowfishCbc); });
+    for (const Ssh1Cipher* cipher : {&kSsh1Blowfish, &kSsh1TripleDes, &kSsh1Des}) {
+        check(*cipher, [&] { cipher->setKey(key.data()); });
+    }
+}
+
+// Blocks that lie anywhere, from one buffer to another and in place.
+TEST_F(SshCiphers, ModesGiveTheSameInPlaceAndFromBufferToBufferAtAnyAddress) {
+    static BlowfishContext blowfish;
+    BlowfishSetKey(&blowfish, key.data(), 16);
+    DesContext des[3];
+    for (int i = 0; i < 3; i++) SetDesKey(&des[i], key.data() + 8 * i);
+    const std::function<void(uint8_t*, const uint8_t*, int)> kModes[] = {
+        [&](uint8_t* to, const uint8_t* from, int n) { DesCbcEncrypt(to, from, n, des); },
+        [&](uint8_t* to, const uint8_t* from, int n) { DesCbcDecrypt(to, from, n, des); },
+        [&](uint8_t* to, const uint8_t* from, int n) { TripleDesCbcEncrypt(to, from, n, des); },
+        [&](uint8_t* to, const uint8_t* from, int n) { TripleDesCbcDecrypt(to, from, n, des); },
+        [&](uint8_t* to, const uint8_t* from, int n) { TripleDesPassesEncrypt(to, from, n, des); },
+        [&](uint8_t* to, const uint8_t* from, int n) { TripleDesPassesDecrypt(to, from, n, des); },
+        [&](uint8_t* to, const uint8_t* from, int n) {
+            BlowfishCbcEncrypt(to, from, n, &blowfish);
+        },
+        [&](uint8_t* to, const uint8_t* from, int n) {
+            BlowfishCbcDecrypt(to, from, n, &blowfish);
+        },
+        [&](uint8_t* to, const uint8_t* from, int n) {
+            BlowfishLittleCbcEncrypt(to, from, n, &blowfish);
+        },
+        [&](uint8_t* to, const uint8_t* from, int n) {
+            BlowfishLittleCbcDecrypt(to, from, n, &blowfish);
+        },
+    };
+    const BlowfishContext blowfish_before = blowfish;
+    const std::vector<DesContext> des_before(des, des + 3);
+    for (const auto& mode : kModes) {
+        for (size_t offset = 0; offset < 8; offset++) {
+            const ByteString text = RandomBytes(64 + 8);
+            ByteString in_place = text, apart(64 + 8, 0xEE);
+            blowfish = blowfish_before;
+            std::copy(des_before.begin(), des_before.end(), des);
+            mode(&in_place[offset], &in_place[offset], 64);
+            blowfish = blowfish_before;
+            std::copy(des_before.begin(), des_before.end(), des);
+            mode(&apart[offset], &text[offset], 64);
+            EXPECT_EQ(ToHex(&apart[offset], 64), ToHex(&in_place[offset], 64));
+            for (size_t i = 0; i < apart.size(); i++) {
+                if (i >= offset && i < offset + 64) continue;
+                EXPECT_EQ(apart[i], 0xEE);
+                EXPECT_EQ(in_place[i], text[i]);
+            }
+        }
+    }
+}
+
+// The order in which the fields of the records and contexts stand.
+TEST_F(SshCiphers, ContextsAndRecordsKeepTheOrderOfTheirFields) {
+    EXPECT_EQ(offsetof(DesContext, subkeysOdd), 0u);
+    EXPECT_EQ(offsetof(DesContext, subkeysEven), 64u);
+    EXPECT_EQ(offsetof(DesContext, encryptIv), 128u);
+    EXPECT_EQ(offsetof(DesContext, decryptIv), 136u);
+    EXPECT_EQ(offsetof(BlowfishContext, boxes), 0u);
+    EXPECT_EQ(offsetof(BlowfishContext, p), 4096u);
+    EXPECT_EQ(offsetof(BlowfishContext, iv), 4096u + 72u);
+    const size_t kAlgorithm[] = {
+        offsetof(CipherAlgorithm, name),           offsetof(CipherAlgorithm, setOutgoingIv),
+        offsetof(CipherAlgorithm, setOutgoingKey), offsetof(CipherAlgorithm, setIncomingIv),
+        offsetof(CipherAlgorithm, setIncomingKey), offsetof(CipherAlgorithm, encrypt),
+        offsetof(CipherAlgorithm, decrypt),        offsetof(CipherAlgorithm, nameRef),
+        offsetof(CipherAlgorithm, blockSize),      offsetof(CipherAlgorithm, keyBits)};
+    EXPECT_TRUE(std::is_sorted(std::begin(kAlgorithm), std::end(kAlgorithm)));
+    EXPECT_EQ(kAlgorithm[1], 16u);
+    const size_t kSsh1[] = {offsetof(Ssh1Cipher, setKey), offsetof(Ssh1Cipher, encrypt),
+                            offsetof(Ssh1Cipher, decrypt), offsetof(Ssh1Cipher, blockSize)};
+    EXPECT_TRUE(std::is_sorted(std::begin(kSsh1), std::end(kSsh1)));
 }
 
 TEST_F(SshCiphers, LengthIsRoundedUpToWholeBlocks) {

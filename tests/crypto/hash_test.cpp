@@ -1,6 +1,8 @@
 // Hashes and MAC: the edge cases, by name.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "crypto/hmac_sha1.h"
@@ -138,6 +140,96 @@ TEST(Sha1, UpdateMpintFeedsTheWireFormOfTheNumber) {
               }),
               Sha1Hex(FromHex("00000002008000000000"
                               "0000000809a378f9b2e332a7")));
+}
+
+// ---------------------------------------------------------------- counts of long inputs
+
+// As LengthFieldHoldsSixtyFourBitsOfBitCount: 128 bits of it, big-endian.
+TEST(Sha512, LengthFieldHoldsAllBitsOfTheBitCount) {
+    Sha512Context context, by_hand;
+    Sha512Init(&context);
+    context.bytesHigh = 0x0123456789ABCDEF;
+    context.bytesLow = 0xFEDCBA9876543200;
+    by_hand = context;
+    uint8_t digest[kSha512Size], block[128] = {0x80};
+    const uint64_t high = context.bytesHigh << 3 | context.bytesLow >> 61;
+    const uint64_t low = context.bytesLow << 3;
+    for (int i = 0; i < 8; i++) {
+        block[112 + i] = static_cast<uint8_t>(high >> (56 - 8 * i));
+        block[120 + i] = static_cast<uint8_t>(low >> (56 - 8 * i));
+    }
+    Sha512Final(&context, digest);
+    Sha512Update(&by_hand, block, 128);
+    for (int i = 0; i < kSha512Size; i++) {
+        ASSERT_EQ(digest[i], by_hand.state[i / 8] >> (56 - i % 8 * 8) & 0xFF);
+    }
+}
+
+TEST(Sha512, LowByteCountCarriesIntoTheHighOne) {
+    Sha512Context context;
+    Sha512Init(&context);
+    context.bytesLow = ~uint64_t{0} - 127;
+    const ByteString bytes(129, 1);
+    Sha512Update(&context, bytes.data(), 129);
+    EXPECT_EQ(context.bytesHigh, 1u);
+    EXPECT_EQ(context.bytesLow, 1u);
+}
+
+// Little-endian, and without the bits above 64, as the standard has it.
+TEST(Md5, LengthFieldHoldsTheLowSixtyFourBitsOfTheBitCount) {
+    Md5Context context, by_hand;
+    Md5Init(&context);
+    context.bitCount = 0xFEDCBA9876543200;
+    by_hand = context;
+    uint8_t digest[kMd5Size], block[64] = {0x80};
+    for (int i = 0; i < 8; i++) block[56 + i] = static_cast<uint8_t>(context.bitCount >> 8 * i);
+    Md5Final(&context, digest);
+    Md5Update(&by_hand, block, 64);
+    for (int i = 0; i < kMd5Size; i++) {
+        ASSERT_EQ(digest[i], by_hand.state[i / 4] >> i % 4 * 8 & 0xFF);
+    }
+    Md5Init(&context);
+    context.bitCount = ~uint64_t{0} - 511;
+    Md5Update(&context, block, 64);
+    EXPECT_EQ(context.bitCount, 0u);
+}
+
+TEST(Hashes, NoInputFeedsNothing) {
+    for (int length : {0, -1, -64}) {
+        Sha1Context sha1;
+        Sha512Context sha512;
+        Md5Context md5;
+        uint8_t digest[kSha512Size];
+        Sha1Init(&sha1);
+        Sha1Update(&sha1, nullptr, length);
+        Sha1Final(&sha1, digest);
+        EXPECT_EQ(ToHex(digest, kSha1Size), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
+        Md5Init(&md5);
+        Md5Update(&md5, nullptr, length);
+        Md5Final(&md5, digest);
+        EXPECT_EQ(ToHex(digest, kMd5Size), "d41d8cd98f00b204e9800998ecf8427e");
+        Sha512Init(&sha512);
+        Sha512Update(&sha512, nullptr, length);
+        Sha512Final(&sha512, digest);
+        EXPECT_EQ(ToHex(digest, 8), "cf83e1357eefb8bd");
+    }
+}
+
+TEST(Hashes, ContextsAndTheMacKeepTheOrderOfTheirFields) {
+    EXPECT_EQ(offsetof(Sha1Context, state), 0u);
+    EXPECT_EQ(offsetof(Sha1Context, block), 20u);
+    EXPECT_EQ(offsetof(Sha1Context, blockUsed), 84u);
+    EXPECT_EQ(offsetof(Sha1Context, bytesHigh), 88u);
+    EXPECT_EQ(offsetof(Sha1Context, bytesLow), 92u);
+    EXPECT_EQ(offsetof(MacKeyPair, inner), 0u);
+    EXPECT_EQ(offsetof(MacKeyPair, outer), sizeof(Sha1Context));
+    const size_t kRecord[] = {
+        offsetof(MacAlgorithm, name),           offsetof(MacAlgorithm, setOutgoingKey),
+        offsetof(MacAlgorithm, setIncomingKey), offsetof(MacAlgorithm, generate),
+        offsetof(MacAlgorithm, verify),         offsetof(MacAlgorithm, nameRef),
+        offsetof(MacAlgorithm, macLength)};
+    EXPECT_TRUE(std::is_sorted(std::begin(kRecord), std::end(kRecord)));
+    EXPECT_EQ(sizeof(kHmacSha1.name), 12u);
 }
 
 static std::string Mac(const ByteString& key, const ByteString& message) {

@@ -163,6 +163,43 @@ TEST_F(MalformedDss, SignatureNameLengthOfEveryLieIsRefused) {
     }
 }
 
+TEST_F(MalformedDss, NoBytesAndNegativeLengthsAreRefused) {
+    OwnedKey key = Parse(blob);
+    for (int length : {0, -1, -40, -2147483647 - 1}) {
+        EXPECT_EQ(DssParseKey(nullptr, length), nullptr) << length;
+        EXPECT_FALSE(DssVerify(key.get(), nullptr, length, data.data(), 20)) << length;
+        EXPECT_FALSE(DssVerify(key.get(), signature.data(), 40, nullptr, length)) << length;
+    }
+}
+
+// A number with its top bit set and no zero byte before it would be negative as an mpint; it is
+// taken as it stands. Zero bytes in front, of which an mpint has one at most, do no harm.
+TEST_F(MalformedDss, NumbersAreTakenAsUnsignedWhateverZerosStandBefore) {
+    const ByteString name = SshString(FromHex("7373682d647373")), some = SshString({11});
+    OwnedKey high = Parse(name + SshString({0xFF, 0x01}) + some + some + some);
+    ASSERT_NE(high, nullptr);
+    EXPECT_EQ(NumberHex(high->p), "ff01");
+    OwnedKey padded = Parse(name + SshString(ByteString(300) + FromHex("ff01")) +
+                            SshString(ByteString(9) + ByteString{11}) + some + some);
+    ASSERT_NE(padded, nullptr);
+    EXPECT_EQ(BignumCompare(padded->p, high->p), 0);
+    EXPECT_EQ(BignumCompare(padded->q, high->q), 0);
+}
+
+// As many words as a number may have, and more.
+TEST_F(MalformedDss, NumbersOfHundredsOfThousandsOfBitsEndInAnAnswer) {
+    const ByteString name = SshString(FromHex("7373682d647373"));
+    const ByteString p = SshString(FromHex("10001")), q = SshString(FromHex("fff1"));
+    const ByteString huge = RandomBytes(2 * kBignumMaxWords);
+    OwnedKey key = Parse(name + p + q + SshString(huge) + SshString(huge));
+    ASSERT_NE(key, nullptr);
+    ByteString halves(40);
+    halves[19] = halves[39] = 7;
+    Verify(key.get(), halves, data);
+    EXPECT_EQ(Parse(name + p + q + SshString(huge) + SshString(huge + ByteString{1})), nullptr);
+    EXPECT_EQ(Parse(name + SshString(huge) + q + p + p), nullptr);
+}
+
 // ---------------------------------------------------------------- RSA
 
 static ByteString RsaBytes(int exponent_bits, int modulus_bits) {
@@ -235,5 +272,18 @@ TEST(MalformedRsa, LengthOfTheModulusIsThatOfItsValueNotOfItsBitCount) {
     EXPECT_EQ(key.bytes, 1);
     uint8_t byte = 5;
     EXPECT_FALSE(RsaEncrypt(&byte, 1, &key));
+    RsaReleaseKey(&key);
+}
+
+TEST(MalformedRsa, NoBytesAndNegativeLengthsAreRefused) {
+    RsaKey key;
+    for (int length : {0, -1, -2147483647 - 1}) {
+        const uint8_t byte = 0;
+        const uint8_t* end = nullptr;
+        EXPECT_EQ(RsaParseKey(&byte, length, &key, &end), 0);
+        EXPECT_EQ(end, &byte);
+        EXPECT_EQ(key.modulus, nullptr);
+    }
+    RsaReleaseKey(&key);
     RsaReleaseKey(&key);
 }

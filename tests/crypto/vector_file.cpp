@@ -39,14 +39,20 @@ ByteString Hex(const Vector& vector, const std::string& field) {
     return FromHex(Text(vector, field));
 }
 
+static int DigitValue(char digit) {
+    if (digit >= '0' && digit <= '9') return digit - '0';
+    if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
+    if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
+    ADD_FAILURE() << "no hexadecimal digit: " << digit;
+    return 0;
+}
+
 ByteString FromHex(const std::string& digits) {
-    std::string even = digits.size() % 2 == 0 ? digits : "0" + digits;
-    ByteString bytes;
-    for (size_t i = 0; i < even.size(); i += 2) {
-        size_t used = 0;
-        int value = std::stoi(even.substr(i, 2), &used, 16);
-        EXPECT_EQ(used, 2u) << digits;
-        bytes.push_back(static_cast<uint8_t>(value));
+    ByteString bytes((digits.size() + 1) / 2);
+    size_t odd = digits.size() % 2;
+    for (size_t i = 0; i < digits.size(); i++) {
+        uint8_t& byte = bytes[(i + odd) / 2];
+        byte = static_cast<uint8_t>(byte << 4 | DigitValue(digits[i]));
     }
     return bytes;
 }

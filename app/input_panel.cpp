@@ -1,0 +1,43 @@
+// What the shell's input panel leaves of the terminal.
+#include "app/input_panel.h"
+
+#include <algorithm>
+
+#include "app/session_state.h"
+#include "terminal/view.h"
+
+namespace {
+
+bool HorizontalBarShown() { return session.view.visible_columns < session.screen.columns; }
+
+// The panel covers the status bar and the horizontal scroll bar before it covers a row; a row that
+// it only touches counts.
+int CoveredRows(const RECT& panel) {
+    if (session.view.cell_height < 1) return 0;
+    int height = panel.bottom - panel.top - session.status_height;
+    if (HorizontalBarShown()) height -= GetSystemMetrics(SM_CYHSCROLL);
+    return std::max(height / session.view.cell_height + 1, 0);
+}
+
+void PanelUp(const RECT& panel) {
+    const bool changed = !session.input_panel_up;
+    session.input_panel_up = 1;
+    CoverRows(CoveredRows(panel));
+    if (changed && session.connected.load(std::memory_order_acquire)) LayoutTerminal();
+}
+
+void PanelDown() {
+    if (!session.input_panel_up) return;
+    session.input_panel_up = 0;
+    CoverRows(0);
+    LayoutTerminal();
+}
+
+}  // namespace
+
+void FollowInputPanel() {
+    SIPINFO panel = {};
+    panel.cbSize = sizeof(panel);
+    if (!SHSipInfo(SPI_GETSIPINFO, 0, &panel, 0)) return;
+    panel.fdwFlags& SIPF_ON ? PanelUp(panel.rcSipRect) : PanelDown();
+}

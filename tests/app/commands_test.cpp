@@ -1,0 +1,323 @@
+// The command table and the main window's own messages, by what a person sees of them.
+#include <gtest/gtest.h>
+#include <QDesktopServices>
+#include <QFile>
+#include <QUrl>
+
+#include "app/commands.h"
+#include "app/connection.h"
+#include "app/main_window.h"
+#include "app/session_state.h"
+#include "platform/qt/testing.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+const char kMayClose[] = "Warning: Do you really want to close this session";
+const char kMayExit[] = "Warning: Do you really want to close this program";
+const char kMayMinimise[] = "Warning: Do you really want to close Quill Telnet";
+const char kMayCancel[] =
+    "Warning: I am busy making a connection. Do you want to cancel the request";
+
+bool Ended() {
+    for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+    return !ProgramRuns();
+}
+
+void ConfirmExit(bool confirm) {
+    OnWindowThread([=] { session.settings.confirm_exit = confirm; });
+}
+
+void ExpectWarningWithBothButtons() {
+    OnWindowThread([] {
+        ASSERT_NE(ShownMessageBox(), nullptr);
+        EXPECT_EQ(ShownMessageBox()->icon(), QMessageBox::Warning);
+        EXPECT_EQ(ShownMessageBox()->standardButtons(), QMessageBox::Ok | QMessageBox::Cancel);
+    });
+}
+
+TEST(Commands, DisconnectActsAtOnceWithoutConfirmExit) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ConfirmExit(false);
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(Offline());
+        EXPECT_TRUE(host.Closed());
+        OnWindowThread([] { EXPECT_EQ(ShownMessageBox(), nullptr); });
+    });
+}
+
+TEST(Commands, DisconnectAsksWithConfirmExit) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ConfirmExit(true);
+        PostToMain(WM_COMMAND, 40011);
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        ExpectWarningWithBothButtons();
+        PressCancel();
+        host.Send("\r\nstill here");
+        EXPECT_TRUE(TerminalShows("still here"));
+        PostToMain(WM_COMMAND, 40011);
+        DismissBox(kMayClose);
+        EXPECT_TRUE(Offline());
+    });
+}
+
+TEST(Commands, PendingRequestIsCancelledAfterAQuestion) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        PostToMain(WM_COMMAND, 40011);
+        ASSERT_EQ(AwaitBox(), kMayCancel);
+        ExpectWarningWithBothButtons();
+        PressCancel();
+        OnWindowThread([] { EXPECT_EQ(session.connect_pending, 1u); });
+        PostToMain(WM_COMMAND, 40011);
+        DismissBox(kMayCancel);
+        EXPECT_TRUE(host.Closed());
+    });
+}
+
+TEST(Commands, ExitActsAtOnceOffline) {
+    EXPECT_EQ(RunProgram({},
+                         [] {
+                             OnWindowThread([] { session.settings.confirm_exit = 1; });
+                             PostToMain(WM_COMMAND, 40002);
+                             EXPECT_TRUE(Ended());
+                         }),
+              0);
+}
+
+TEST(Commands, ExitActsAtOnceWithoutConfirmExit) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ConfirmExit(false);
+        PostToMain(WM_COMMAND, 40002);
+        EXPECT_TRUE(Ended());
+        EXPECT_TRUE(host.Closed());
+    });
+}
+
+TEST(Commands, ExitAsksWithConfirmExitInASession) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ConfirmExit(true);
+        for (const UINT message : {WM_COMMAND, WM_CLOSE}) {
+            PostToMain(message, 40002);
+            ASSERT_EQ(AwaitBox(), kMayExit);
+            ExpectWarningWithBothButtons();
+            PressCancel();
+            ASSERT_TRUE(Eventually([] { return ShownMessageBox() == nullptr; }));
+        }
+        PostToMain(WM_COMMAND, 40002);
+        DismissBox(kMayExit);
+        EXPECT_TRUE(Ended());
+    });
+}
+
+TEST(Commands, MinimisingEndsTheProgramOnlyWithXbox) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.settings.xbox = 0, session.settings.confirm_exit = 0; });
+        PostToMain(WM_SIZE, SIZE_MINIMIZED);
+        host.Send("\r\nbehind the other windows");
+        EXPECT_TRUE(TerminalShows("behind the other windows"));
+        OnWindowThread([] { session.settings.xbox = 1; });
+        PostToMain(WM_SIZE, SIZE_MINIMIZED);
+        EXPECT_TRUE(Ended());
+    });
+}
+
+TEST(Commands, MinimisingAsksWithConfirmExitInASession) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.settings.xbox = 1, session.settings.confirm_exit = 1; });
+        PostToMain(WM_SIZE, SIZE_MINIMIZED);
+        ASSERT_EQ(AwaitBox(), kMayMinimise);
+        ExpectWarningWithBothButtons();
+        PressCancel();
+        EXPECT_TRUE(Eventually([] { return ShownMessageBox() == nullptr; }));
+        OnWindowThread([] { EXPECT_EQ(session.connected, 1u); });
+        PostToMain(WM_SIZE, SIZE_MINIMIZED);
+        DismissBox(kMayMinimise);
+        EXPECT_TRUE(Ended());
+    });
+}
+
+TEST(Commands, MinimisingOfflineAsksNothing) {
+    EXPECT_EQ(RunProgram({},
+                         [] {
+                             OnWindowThread([] {
+                                 session.settings.xbox = 1, session.settings.confirm_exit = 1;
+                             });
+                             PostToMain(WM_SIZE, SIZE_MINIMIZED);
+                             EXPECT_TRUE(Ended());
+                         }),
+              0);
+}
+
+TEST(Commands, SessionKeepsTheDeviceAwakeWhileAliveIsSet) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        OnWindowThread([] { session.settings.alive = 1; });
+        PostToMain(WM_TIMER, 1);
+        OnWindowThread([] {});
+        OnWindowThread([] { EXPECT_EQ(SilentKeyCount(), 0) << "offline the timer sends nothing"; });
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("x");
+        ASSERT_TRUE(Online());
+        PostToMain(WM_TIMER, 1);
+        EXPECT_TRUE(Eventually([] { return SilentKeyCount() > 0; }));
+        int before = 0;
+        OnWindowThread([&] { session.settings.alive = 0, before = SilentKeyCount(); });
+        PostToMain(WM_TIMER, 1);
+        OnWindowThread([] {});
+        OnWindowThread([&] { EXPECT_EQ(SilentKeyCount(), before); });
+        EXPECT_EQ(host.ReadSome(50), "") << "the host hears none of it";
+    });
+}
+
+TEST(Commands, TimerTurnsTheBlinkPhase) {
+    RunProgram({}, [] {
+        DWORD phase = 0;
+        OnWindowThread([&] { phase = session.view.blink_phase; });
+        PostToMain(WM_TIMER, 1);
+        EXPECT_TRUE(Eventually([&] { return session.view.blink_phase != phase; }));
+    });
+}
+
+TEST(Commands, SmallerFontStopsAtTheSecondSize) {
+    RunProgram({}, [] {
+        OnWindowThread([] { session.settings.fsize = 2; });
+        PostToMain(WM_COMMAND, 40010);
+        EXPECT_TRUE(Eventually([] { return session.settings.fsize == 1; }));
+        PostToMain(WM_COMMAND, 40010);
+        OnWindowThread([] {});
+        OnWindowThread([] { EXPECT_EQ(session.settings.fsize, 1u); });
+    });
+}
+
+// Stands in the way of the desktop's viewer, and keeps what it was given.
+QUrl g_opened;
+
+class Viewer : public QObject {
+    Q_OBJECT
+  public Q_SLOTS:
+    void Open(const QUrl& url) { g_opened = url; }
+};
+
+TEST(Commands, HelpOpensThePageInTheDesktopsViewer) {
+    RunProgram({}, [] {
+        auto viewer = std::make_unique<Viewer>();
+        OnWindowThread([&] { QDesktopServices::setUrlHandler("file", viewer.get(), "Open"); });
+        for (const auto& [message, id] : {std::pair(WM_COMMAND, 40113), std::pair(WM_HELP, 0)}) {
+            g_opened.clear();
+            PostToMain(message, static_cast<WPARAM>(id));
+            ASSERT_TRUE(Eventually([] { return !g_opened.isEmpty(); }));
+            QFile page(g_opened.toLocalFile());
+            ASSERT_TRUE(page.open(QIODevice::ReadOnly));
+            EXPECT_TRUE(page.fileName().endsWith("/telnet.htm"));
+            EXPECT_TRUE(page.readAll().contains("<title>Quill Telnet - Help</title>"));
+        }
+        OnWindowThread([] { QDesktopServices::unsetUrlHandler("file"); });
+    });
+}
+
+TEST(Commands, EveryOtherNumberDoesNothing) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] {
+            for (int id = 0; id <= 0xFFFF; id++)
+                if (id < 100 || (id > 200 && id < 40000) || id > 40170)
+                    SendMessageW(session.main_window, WM_COMMAND, static_cast<WPARAM>(id), 0);
+        });
+        EXPECT_EQ(host.ReadSome(50), "");
+        OnWindowThread([] { EXPECT_EQ(session.connected, 1u); });
+    });
+}
+
+TEST(Commands, CommandsGoOnBehindAnOpenQuestion) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ConfirmExit(true);
+        PostToMain(WM_COMMAND, 40011);
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        PostToMain(WM_COMMAND, 40118);
+        EXPECT_EQ(host.Read(5), "\033[15~");
+        PressCancel();
+        ASSERT_TRUE(Eventually([] { return ShownMessageBox() == nullptr; }));
+        TypeText("x");
+        EXPECT_EQ(host.Read(1), "x");
+    });
+}
+
+struct ExitCase {
+    const char* name;
+    void (*prepare)(FakeHost&);
+    const char* question;
+};
+
+void Nothing(FakeHost&) {}
+void Pending(FakeHost& host) {
+    SetHost(u"127.0.0.1", host.port);
+    Connect();
+    ASSERT_TRUE(host.Accept());
+}
+void InSession(FakeHost& host) {
+    Pending(host);
+    host.Send("x");
+    ASSERT_TRUE(Online());
+}
+void Flooded(FakeHost& host) {
+    InSession(host);
+    for (int i = 0; i < 50; i++) host.TrySend(std::string(4000, 'x'));
+}
+void Dropped(FakeHost& host) {
+    InSession(host);
+    host.Drop();
+    DismissBox("Error: Connection to the UNIX Host has been closed...");
+}
+void PanelUp(FakeHost& host) {
+    InSession(host);
+    OnWindowThread([] {
+        SIPINFO panel = {};
+        panel.cbSize = sizeof(panel);
+        panel.fdwFlags = SIPF_ON;
+        SHSipInfo(SPI_SETSIPINFO, 0, &panel, 0);
+    });
+}
+
+const ExitCase kExits[] = {
+    {"Offline", Nothing, nullptr},      {"Pending", Pending, nullptr},
+    {"InSession", InSession, kMayExit}, {"Flooded", Flooded, kMayExit},
+    {"Dropped", Dropped, nullptr},      {"PanelUp", PanelUp, kMayExit},
+};
+
+class ExitInEveryState : public testing::TestWithParam<ExitCase> {};
+
+TEST_P(ExitInEveryState, EndsTheProgramWithCode0) {
+    FakeHost host;
+    const int code = RunProgram({}, [&] {
+        ConfirmExit(true);
+        GetParam().prepare(host);
+        PostToMain(WM_CLOSE);
+        if (GetParam().question) {
+            DismissBox(GetParam().question);
+        }
+        EXPECT_TRUE(Ended());
+    });
+    EXPECT_EQ(code, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, ExitInEveryState, testing::ValuesIn(kExits),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
+
+#include "commands_test.moc"

@@ -1,0 +1,290 @@
+// The input panel: a keyboard for the stylus, and the rows that it leaves to the terminal.
+#include <gtest/gtest.h>
+#include <QtTest/QTest>
+
+#include "app/session_state.h"
+#include "platform/qt/input_panel.h"
+#include "platform/qt/menu_bar.h"
+#include "platform/qt/slice.h"
+#include "terminal/view.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+Stage SmallDevice(int width = 240, int height = 320) {
+    Stage stage;
+    stage.width = width, stage.height = height;
+    return stage;
+}
+
+void TapPanelButton() {
+    OnWindowThread([] { QTest::mouseClick(ShellMenuStrip()->panel_button(), Qt::LeftButton); });
+}
+
+PanelKey* KeyLabelled(const QString& label) {
+    for (PanelKey* key : ShellInputPanel()->findChildren<PanelKey*>())
+        if (key->accessibleName() == label) return key;
+    return nullptr;
+}
+
+void Tap(const QString& label) {
+    OnWindowThread([&] {
+        PanelKey* key = KeyLabelled(label);
+        ASSERT_NE(key, nullptr) << label.toStdString();
+        QTest::mouseClick(key, Qt::LeftButton);
+    });
+}
+
+bool Covered(int rows) {
+    return Eventually([=] { return session.view.covered_rows == rows; });
+}
+
+int RowsExpected(bool with_bar) {
+    const int height =
+        kInputPanelHeight - session.status_height - (with_bar ? GetSystemMetrics(SM_CYHSCROLL) : 0);
+    return height / session.view.cell_height + 1;
+}
+
+// A small device with a session, on which the person acts.
+void OnSmallDevice(FakeHost& host, const std::function<void()>& person) {
+    RunProgram(SmallDevice(), [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("hello");
+        ASSERT_TRUE(TerminalShows("hello"));
+        person();
+    });
+}
+
+TEST(InputPanel, ButtonShowsAndHidesItAndTheShellTellsSo) {
+    RunProgram(SmallDevice(), [] {
+        ASSERT_TRUE(Eventually([] { return session.view.cell_height > 0; }));
+        for (const bool up : {true, false}) {
+            TapPanelButton();
+            OnWindowThread([&] {
+                SIPINFO panel = {};
+                panel.cbSize = sizeof(panel);
+                ASSERT_TRUE(SHSipInfo(SPI_GETSIPINFO, 0, &panel, 0));
+                EXPECT_EQ(panel.fdwFlags & SIPF_ON, up ? SIPF_ON : 0u);
+                EXPECT_EQ(panel.rcSipRect.bottom - panel.rcSipRect.top, kInputPanelHeight);
+                EXPECT_EQ(panel.rcSipRect.bottom, 320 - 26);
+                EXPECT_EQ(panel.rcVisibleDesktop.bottom, up ? 320 - 26 - kInputPanelHeight : 320);
+            });
+        }
+    });
+}
+
+TEST(InputPanel, CoveredRowsAreCountedFromItsHeight) {
+    FakeHost host;
+    OnSmallDevice(host, [] {
+        int wanted = 0;
+        OnWindowThread([&] {
+            UpdateWindow(session.client_window);
+            ASSERT_LT(session.view.visible_columns, 80) << "there is a horizontal bar";
+            wanted = RowsExpected(true);
+        });
+        TapPanelButton();
+        EXPECT_TRUE(Covered(wanted));
+        TapPanelButton();
+        EXPECT_TRUE(Covered(0));
+    });
+}
+
+TEST(InputPanel, CoveredRowsWithoutAHorizontalBar) {
+    FakeHost host;
+    WithSession(host, [] {
+        int wanted = 0;
+        OnWindowThread([&] {
+            UpdateWindow(session.client_window);
+            ASSERT_EQ(session.view.visible_columns, 80);
+            wanted = RowsExpected(false);
+        });
+        TapPanelButton();
+        EXPECT_TRUE(Covered(wanted));
+    });
+}
+
+TEST(InputPanel, CoveredRowsWithoutAStatusBar) {
+    FakeHost host;
+    OnSmallDevice(host, [] {
+        int wanted = 0;
+        OnWindowThread([&] {
+            session.settings.hidestatus = 1;
+            PostMessageW(session.main_window, WM_SETTINGCHANGE, 0, 0);
+            session.status_height = 0;
+            UpdateWindow(session.client_window);
+            wanted = RowsExpected(true);
+        });
+        TapPanelButton();
+        EXPECT_TRUE(Covered(wanted));
+    });
+}
+
+TEST(InputPanel, CursorRowStaysOutOfTheCoveredRows) {
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        TapPanelButton();
+        ASSERT_TRUE(Eventually([] { return session.view.covered_rows > 0; }));
+        host.Send("\033[24;1Hat the foot");
+        ASSERT_TRUE(TerminalShows("at the foot"));
+        EXPECT_TRUE(Eventually([] {
+            UpdateWindow(session.client_window);
+            const int row = session.screen.cursor_row - session.view.view_top;
+            RECT client;
+            GetWindowRect(session.client_window, &client);
+            return client.top + row * session.view.cell_height <=
+                   ShellInputPanel()->geometry().top();
+        }));
+    });
+}
+
+TEST(InputPanel, HidingItTakesTheViewBackToTheTop) {
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        OnWindowThread([] { session.settings.followcursor = 0; });
+        TapPanelButton();
+        ASSERT_TRUE(Eventually([] { return session.view.covered_rows > 0; }));
+        OnWindowThread([] {
+            UpdateWindow(session.client_window);
+            session.view.view_top = 3, session.view.view_left = 5;
+        });
+        TapPanelButton();
+        EXPECT_TRUE(Covered(0));
+        OnWindowThread([] {
+            EXPECT_EQ(session.view.view_top, 0);
+            EXPECT_EQ(session.view.view_left, 0);
+        });
+    });
+}
+
+TEST(InputPanel, OfflineTheRowsAreCountedAndTheTerminalLeftAlone) {
+    RunProgram(SmallDevice(), [] {
+        ASSERT_TRUE(Eventually([] { return session.view.visible_rows > 0; }));
+        int before = 0;
+        OnWindowThread([&] { before = session.view.visible_rows; });
+        TapPanelButton();
+        ASSERT_TRUE(Eventually([] { return session.view.covered_rows > 0; }));
+        OnWindowThread([&] {
+            UpdateWindow(session.client_window);
+            EXPECT_EQ(session.view.visible_rows, before);
+        });
+    });
+}
+
+TEST(InputPanel, OtherSettingChangesDoNothing) {
+    FakeHost host;
+    OnSmallDevice(host, [] {
+        OnWindowThread([] {
+            ShellInputPanel()->show();
+            SendMessageW(session.main_window, WM_SETTINGCHANGE, 47, 0);
+            EXPECT_EQ(session.view.covered_rows, 0);
+            SendMessageW(session.main_window, WM_SETTINGCHANGE, SPI_SETSIPINFO, 0);
+            EXPECT_GT(session.view.covered_rows, 0);
+        });
+    });
+}
+
+TEST(InputPanel, EveryKeyReachesTheHostAsOnAKeyboard) {
+    const struct {
+        const char* label;
+        const char* bytes;
+    } rows[] = {
+        {"Esc", "\033"},      {"1", "1"},           {"0", "0"},           {"-", "-"},
+        {"=", "="},           {"Bksp", "\b"},       {"Tab", "\t"},        {"q", "q"},
+        {"p", "p"},           {"[", "["},           {"\\", "\\"},         {"a", "a"},
+        {"l", "l"},           {";", ";"},           {"'", "'"},           {"Enter", "\r"},
+        {"z", "z"},           {"m", "m"},           {",", ","},           {"/", "/"},
+        {"Del", "\177"},      {"`", "`"},           {"Space", " "},       {"\u2191", "\033[A"},
+        {"\u2190", "\033[D"}, {"\u2193", "\033[B"}, {"\u2192", "\033[C"},
+    };
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        TapPanelButton();
+        for (const auto& row : rows) {
+            Tap(QString::fromUtf8(row.label));
+            EXPECT_EQ(host.Read(std::strlen(row.bytes)), row.bytes) << row.label;
+        }
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+TEST(InputPanel, LatchesHoldForOneKey) {
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        TapPanelButton();
+        Tap("Shift"), Tap("A"), Tap("a");
+        EXPECT_EQ(host.Read(2), "Aa");
+        Tap("Shift"), Tap("!"), Tap("1");
+        EXPECT_EQ(host.Read(2), "!1");
+        Tap("Ctl"), Tap("c");
+        EXPECT_EQ(host.Read(1), "\x03");
+        Tap("Ctl"), Tap("5");
+        EXPECT_EQ(host.Read(5), "\033[15~");
+        Tap("Ctl"), Tap("Shift"), Tap(")");
+        EXPECT_EQ(host.Read(5), "\033[34~");
+        Tap("Fn"), Tap("F5");
+        EXPECT_EQ(host.Read(5), "\033[15~");
+        Tap("Shift"), Tap("Fn"), Tap("F1");
+        EXPECT_EQ(host.Read(5), "\033[25~");
+        Tap("Fn"), Tap("PU");
+        EXPECT_EQ(host.Read(3), "\2335~");
+        Tap("Shift"), Tap("Shift"), Tap("a");
+        EXPECT_EQ(host.Read(1), "a") << "a latch tapped twice is off again";
+    });
+}
+
+TEST(InputPanel, CapitalsHoldUntilTappedAgain) {
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        TapPanelButton();
+        Tap("CAP"), Tap("A"), Tap("B"), Tap("1");
+        Tap("Shift"), Tap("a");
+        Tap("CAP"), Tap("c");
+        EXPECT_EQ(host.Read(5), "AB1ac");
+    });
+}
+
+TEST(InputPanel, KeysFillItWithoutOverlapOnEveryWidth) {
+    RunProgram(SmallDevice(), [] {
+        ASSERT_TRUE(Eventually([] { return session.view.font != nullptr; }));
+        TapPanelButton();
+        for (const int width : {100, 240, 241, 640, 1279, 4000}) {
+            ResizeDevice(width, 320);
+            OnWindowThread([=] {
+                QRegion taken;
+                for (PanelKey* key : ShellInputPanel()->findChildren<PanelKey*>()) {
+                    EXPECT_FALSE(taken.intersects(key->geometry())) << width;
+                    taken += key->geometry();
+                }
+                EXPECT_EQ(taken.boundingRect(), ShellInputPanel()->rect());
+                EXPECT_EQ(taken.rectCount(), 1) << width;
+            });
+        }
+    });
+}
+
+TEST(InputPanel, EverySizeOfTheDeviceWhileItIsUpAndTheHostFloods) {
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        TapPanelButton();
+        const QSize sizes[] = {{100, 80}, {4000, 3000}, {240, 320}, {640, 240}, {101, 2000}};
+        for (const QSize& size : sizes) {
+            for (int i = 0; i < 40; i++) host.Send("flooding with text\r\n");
+            ResizeDevice(size.width(), size.height());
+            OnWindowThread([] {
+                UpdateWindow(session.client_window);
+                EXPECT_GE(session.view.visible_rows, 0);
+                EXPECT_LE(session.view.visible_rows, 25);
+            });
+        }
+        ResizeDevice(240, 320);
+        TapPanelButton();
+        host.Send("\033[2J\033[Hdone");
+        EXPECT_TRUE(TerminalShows("done"));
+    });
+}
+
+}  // namespace

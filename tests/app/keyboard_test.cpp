@@ -1,0 +1,210 @@
+// A desktop's keyboard: each key press reaches the host once, as the bytes of its row or as its
+// character.
+#include <gtest/gtest.h>
+#include <QKeyEvent>
+
+#include "app/session_state.h"
+#include "config/key_map.h"
+#include "platform/qt/slice.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+constexpr quint32 kLeftShift = 0xffe1, kRightShift = 0xffe2;
+constexpr quint32 kLeftControl = 0xffe3, kRightControl = 0xffe4;
+constexpr quint32 kLevel3Shift = 0xfe03;  // AltGr
+
+void Give(QEvent::Type type, int key, Qt::KeyboardModifiers modifiers, quint32 symbol,
+          const QString& text = QString(), quint32 code = 0, bool repeat = false) {
+    OnWindowThread([=] {
+        QKeyEvent event(type, key, modifiers, code, symbol, 0, text, repeat);
+        QApplication::sendEvent(QApplication::focusWidget(), &event);
+    });
+}
+
+void Strike(int key, Qt::KeyboardModifiers modifiers, const QString& text = QString()) {
+    Give(QEvent::KeyPress, key, modifiers, 1, text);
+    Give(QEvent::KeyRelease, key, modifiers, 1, text);
+}
+
+struct ModifierCase {
+    int key;
+    quint32 symbol;
+    Qt::KeyboardModifier modifier;
+    int struck;
+    const char* bytes;
+};
+
+TEST(Keyboard, LeftAndRightModifiersBothCount) {
+    const ModifierCase cases[] = {
+        {Qt::Key_Shift, kLeftShift, Qt::ShiftModifier, Qt::Key_F1, "\033[25~"},
+        {Qt::Key_Shift, kRightShift, Qt::ShiftModifier, Qt::Key_F1, "\033[25~"},
+        {Qt::Key_Control, kLeftControl, Qt::ControlModifier, Qt::Key_5, "\033[15~"},
+        {Qt::Key_Control, kRightControl, Qt::ControlModifier, Qt::Key_5, "\033[15~"},
+    };
+    FakeHost host;
+    WithSession(host, [&] {
+        for (const ModifierCase& row : cases) {
+            Give(QEvent::KeyPress, row.key, Qt::NoModifier, row.symbol);
+            Strike(row.struck, row.modifier);
+            Give(QEvent::KeyRelease, row.key, row.modifier, row.symbol);
+            EXPECT_EQ(host.Read(5), row.bytes) << row.symbol;
+        }
+        Strike(Qt::Key_F1, Qt::NoModifier);
+        EXPECT_EQ(host.Read(2), "\217P") << "the last one is up again";
+    });
+}
+
+TEST(Keyboard, LostReleaseOfAModifierDoesNotStick) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Give(QEvent::KeyPress, Qt::Key_Shift, Qt::NoModifier, kLeftShift);
+        Strike(Qt::Key_F1, Qt::NoModifier);
+        EXPECT_EQ(host.Read(2), "\217P");
+    });
+}
+
+TEST(Keyboard, CtrlWithALetterIsItsControlCharacter) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Strike(Qt::Key_C, Qt::ControlModifier, "\x03");
+        Strike(Qt::Key_Z, Qt::ControlModifier, "\x1a");
+        EXPECT_EQ(host.Read(2), "\x03\x1a");
+    });
+}
+
+TEST(Keyboard, ControlCharactersAreDroppedWhileEscapeIacIsSet) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.telnet.escape_iac = 1; });
+        Strike(Qt::Key_C, Qt::ControlModifier, "\x03");
+        TypeText("x");
+        EXPECT_EQ(host.Read(1), "x");
+    });
+}
+
+TEST(Keyboard, NumberPadTypesDigitsAndSignsWhateverCtrlSays) {
+    FakeHost host;
+    WithSession(host, [&] {
+        for (int digit = 0; digit <= 9; digit++)
+            Strike(Qt::Key_0 + digit, Qt::KeypadModifier, QString::number(digit));
+        Strike(Qt::Key_Plus, Qt::KeypadModifier, "+");
+        Strike(Qt::Key_Period, Qt::KeypadModifier, ".");
+        Strike(Qt::Key_5, Qt::KeypadModifier | Qt::ControlModifier, "5");
+        EXPECT_EQ(host.Read(13), "0123456789+.5") << "Ctrl 5 is the key of the upper row";
+        Strike(Qt::Key_Home, Qt::KeypadModifier);
+        EXPECT_EQ(host.Read(3), "\2331~");
+        Strike(Qt::Key_Enter, Qt::KeypadModifier, "\r");
+        EXPECT_EQ(host.Read(1), "\r");
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+TEST(Keyboard, HeldKeyRepeats) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Give(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier, 1);
+        for (int i = 0; i < 4; i++) {
+            Give(QEvent::KeyRelease, Qt::Key_Up, Qt::NoModifier, 1, "", 0, true);
+            Give(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier, 1, "", 0, true);
+        }
+        Give(QEvent::KeyRelease, Qt::Key_Up, Qt::NoModifier, 1);
+        EXPECT_EQ(host.Read(15), "\033[A\033[A\033[A\033[A\033[A");
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+TEST(Keyboard, AltGrCharactersOfEuropeanLayoutsAreTyped) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Give(QEvent::KeyPress, Qt::Key_AltGr, Qt::NoModifier, kLevel3Shift);
+        Give(QEvent::KeyPress, Qt::Key_At, Qt::GroupSwitchModifier, '@', "@", 24);
+        Give(QEvent::KeyRelease, Qt::Key_At, Qt::GroupSwitchModifier, '@', "@", 24);
+        Give(QEvent::KeyPress, Qt::Key_BraceLeft, Qt::GroupSwitchModifier, '{', "{", 16);
+        Give(QEvent::KeyRelease, Qt::Key_BraceLeft, Qt::GroupSwitchModifier, '{', "{", 16);
+        Give(QEvent::KeyRelease, Qt::Key_AltGr, Qt::GroupSwitchModifier, kLevel3Shift);
+        EXPECT_EQ(host.Read(2), "@{") << "{ lies on the key of 7";
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+TEST(Keyboard, CharactersGoThroughTheAnsiCodePageOneByteEach) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Strike(0, Qt::NoModifier, QString(QChar(0xe9)));
+        Strike(0, Qt::NoModifier, QString(QChar(0x20ac)));
+        Strike(0, Qt::NoModifier, QString(QChar(0x4e2d)));
+        EXPECT_EQ(host.Read(3), "\xe9\x80?");
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+TEST(Keyboard, OneKeyPressReachesTheHostOnce) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Strike(Qt::Key_Escape, Qt::NoModifier, "\033");
+        Strike(Qt::Key_Return, Qt::NoModifier, "\r");
+        Strike(Qt::Key_Tab, Qt::NoModifier, "\t");
+        Strike(Qt::Key_Backspace, Qt::NoModifier, "\b");
+        EXPECT_EQ(host.Read(4), "\033\r\t\b");
+        OnWindowThread([] { SetKeyText(&key_map[39], u"\\177"); });
+        Strike(Qt::Key_Backspace, Qt::NoModifier, "\b");
+        Strike(Qt::Key_Delete, Qt::NoModifier, "\177");
+        EXPECT_EQ(host.Read(2), "\177\177") << "a changed Backspace goes as its row alone";
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+TEST(Keyboard, NewlineModeMakesEnterSendALineFeedToo) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\033[20hnl");
+        ASSERT_TRUE(TerminalShows("nl"));
+        Strike(Qt::Key_Return, Qt::NoModifier, "\r");
+        EXPECT_EQ(host.Read(2), "\r\n");
+    });
+}
+
+TEST(Keyboard, ArrowsKeepTheirFormInApplicationMode) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\033[?1h\033=app");
+        ASSERT_TRUE(TerminalShows("app"));
+        Strike(Qt::Key_Left, Qt::NoModifier);
+        EXPECT_EQ(host.Read(3), "\033[D");
+    });
+}
+
+TEST(Keyboard, SequencesOf255BytesAndMoreAreNotSent) {
+    FakeHost host;
+    WithSession(host, [&] {
+        for (const auto& [letters, sent] :
+             {std::pair(1, true), std::pair(254, true), std::pair(255, false)}) {
+            const std::u16string text(static_cast<size_t>(letters), u'k');
+            OnWindowThread([&] { SetKeyText(&key_map[0], text.c_str()); });
+            Strike(Qt::Key_F1, Qt::NoModifier);
+            TypeText("|");
+            const std::string expected =
+                (sent ? std::string(static_cast<size_t>(letters), 'k') : std::string()) + "|";
+            EXPECT_EQ(host.Read(expected.size()), expected);
+        }
+    });
+}
+
+TEST(Keyboard, EmptySequencesAndThoseWithAZeroSendWhatIsBeforeIt) {
+    FakeHost host;
+    WithSession(host, [&] {
+        for (const auto& [text, sent] : {std::pair(u"", ""), std::pair(u"ab\\000cd", "ab"),
+                                         std::pair(u"\\000", ""), std::pair(u"\\", "")}) {
+            OnWindowThread([&, text = text] { SetKeyText(&key_map[1], text); });
+            Strike(Qt::Key_F2, Qt::NoModifier);
+            TypeText("|");
+            const std::string expected = std::string(sent) + "|";
+            EXPECT_EQ(host.Read(expected.size()), expected);
+        }
+    });
+}
+
+}  // namespace

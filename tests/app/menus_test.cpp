@@ -1,0 +1,263 @@
+// The menu bars: what they hold, how a person reaches it, and what each entry does.
+#include <gtest/gtest.h>
+#include <QMenu>
+#include <QtTest/QTest>
+
+#include "app/session_state.h"
+#include "config/key_map.h"
+#include "platform/qt/menu_bar.h"
+#include "platform/qt/testing.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+QMenu* MenuOf(const QString& title) {
+    for (QAction* action : ShellMenuStrip()->bar()->actions())
+        if (action->text() == title) return action->menu();
+    return nullptr;
+}
+
+QStringList Entries(const QString& title) {
+    QStringList result;
+    if (const QMenu* menu = MenuOf(title))
+        for (const QAction* action : menu->actions())
+            if (!action->isSeparator())
+                result << action->text() + " " + QString::number(action->data().toInt());
+    return result;
+}
+
+QStringList BarTitles() {
+    QStringList result;
+    for (const QAction* action : ShellMenuStrip()->bar()->actions()) result << action->text();
+    return result;
+}
+
+QAction* EntryOf(int id) {
+    for (QAction* title : ShellMenuStrip()->bar()->actions())
+        for (QAction* action : title->menu()->actions())
+            if (action->data().toInt() == id) return action;
+    return nullptr;
+}
+
+void Choose(int id) {
+    OnWindowThread([=] {
+        QAction* action = EntryOf(id);
+        ASSERT_NE(action, nullptr) << id;
+        action->trigger();
+    });
+}
+
+bool FileMenuReads(const QString& first) {
+    return Eventually([&] {
+        const QStringList entries = Entries("&File");
+        return !entries.isEmpty() && entries.first() == first;
+    });
+}
+
+bool Shown(const QString& title) {
+    return Eventually([&] { return MenuOf(title) && MenuOf(title)->isVisible(); });
+}
+
+// A key as the desktop gives it, with the shortcuts that come before it.
+void Strike(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    OnWindowThread([=] {
+        QWidget* target = QApplication::activePopupWidget();
+        if (!target) target = QApplication::focusWidget();
+        ASSERT_NE(target, nullptr);
+        QTest::keyClick(target, key, modifiers);
+    });
+}
+
+void Ready() { ASSERT_TRUE(FileMenuReads("&Connect... 40011")); }
+
+TEST(Menus, FileMenuReadsConnectOfflineAndDisconnectOnline) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        ASSERT_TRUE(FileMenuReads("&Connect... 40011"));
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("x");
+        EXPECT_TRUE(FileMenuReads("&Disconnect... 40011"));
+        host.Drop();
+        DismissBox("Error: Connection to the UNIX Host has been closed...");
+        EXPECT_TRUE(FileMenuReads("&Connect... 40011"));
+    });
+}
+
+TEST(Menus, BothBarsHoldEveryEntryWithItsCommand) {
+    QStringList function_keys;
+    for (int key = 1; key <= 20; key++)
+        function_keys << QString("F%1 %2").arg(key).arg(40113 + key);
+    const QStringList keys = {"Enter 40153",      "Esc 40156",        "Arrow Up 40159",
+                              "Arrow Down 40160", "Arrow Left 40157", "Arrow Right 40158",
+                              "Page Up 40138",    "Page Down 40140"};
+    const QStringList settings = {"&Font... 40004",
+                                  "&Properties... 40012",
+                                  "&Auto Login... 126",
+                                  "B&ackground Color... 40101",
+                                  "&Cursor Color... 40102",
+                                  "Color &Text... 40103",
+                                  "Color &Bold... 40104",
+                                  "&Reset configuration... 40111",
+                                  "&Help 40113",
+                                  "A&bout... 40003"};
+    FakeHost host;
+    RunProgram({}, [&] {
+        for (const char* first : {"&Connect... 40011", "&Disconnect... 40011"}) {
+            ASSERT_TRUE(FileMenuReads(first));
+            OnWindowThread([&] {
+                EXPECT_EQ(BarTitles(), QStringList({"&File", "F&x", "&Keys", "&Settings"}));
+                EXPECT_EQ(Entries("&File"), QStringList({first, "E&xit 40002"}));
+                EXPECT_EQ(Entries("F&x"), function_keys);
+                EXPECT_EQ(Entries("&Keys"), keys);
+                EXPECT_EQ(Entries("&Settings"), settings);
+            });
+            if (session.connected) break;
+            SetHost(u"127.0.0.1", host.port);
+            Connect();
+            ASSERT_TRUE(host.Accept());
+            host.Send("x");
+        }
+        EXPECT_EQ(session.connected, 1u);
+    });
+}
+
+TEST(Menus, EachFunctionKeyEntrySendsItsRow) {
+    FakeHost host;
+    WithSession(host, [&] {
+        for (int key = 0; key < 20; key++) {
+            std::string expected;
+            OnWindowThread([&] { expected = UnescapeKeyText(key_map[key].text); });
+            Choose(40114 + key);
+            EXPECT_EQ(host.Read(expected.size()), expected) << key_map[key].name;
+        }
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+TEST(Menus, EachEntryOfTheKeysMenuSendsItsKey) {
+    const struct {
+        int id;
+        const char* bytes;
+    } rows[] = {{40153, "\r"},     {40156, "\033"},   {40159, "\033[A"}, {40160, "\033[B"},
+                {40157, "\033[D"}, {40158, "\033[C"}, {40138, "\2335~"}, {40140, "\2336~"}};
+    FakeHost host;
+    WithSession(host, [&] {
+        for (const auto& row : rows) {
+            Choose(row.id);
+            EXPECT_EQ(host.Read(std::strlen(row.bytes)), row.bytes) << row.id;
+        }
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+TEST(Menus, KeysAndFunctionKeysDoNothingOffline) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        Ready();
+        for (int id = 40114; id <= 40133; id++) Choose(id);
+        for (int id : {40153, 40156, 40159, 40160, 40157, 40158, 40138, 40140}) Choose(id);
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("x");
+        EXPECT_EQ(host.ReadSome(100), "") << "nothing was kept for later";
+        EXPECT_EQ(StatusText(), "    online    row: 1  column: 2     ");
+    });
+}
+
+TEST(Menus, TappedTitleOpensItsMenuUpward) {
+    RunProgram({}, [] {
+        Ready();
+        OnWindowThread([] {
+            QMenuBar* bar = ShellMenuStrip()->bar();
+            QTest::mouseClick(bar, Qt::LeftButton, {},
+                              bar->actionGeometry(bar->actions()[2]).center());
+        });
+        ASSERT_TRUE(Shown("&Keys"));
+        OnWindowThread([] {
+            QMenuBar* bar = ShellMenuStrip()->bar();
+            EXPECT_LE(MenuOf("&Keys")->geometry().bottom(), bar->mapToGlobal(QPoint(0, 0)).y());
+            EXPECT_EQ(ShellMenuStrip()->height(), 26);
+            EXPECT_EQ(ShellMenuStrip()->geometry().bottom(), DeviceScreen()->rect().bottom());
+        });
+    });
+}
+
+TEST(Menus, TappedEntrySendsItsCommand) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] {
+            QMenuBar* bar = ShellMenuStrip()->bar();
+            QTest::mouseClick(bar, Qt::LeftButton, {},
+                              bar->actionGeometry(bar->actions()[1]).center());
+        });
+        ASSERT_TRUE(Shown("F&x"));
+        OnWindowThread([] {
+            QMenu* menu = MenuOf("F&x");
+            QTest::mouseClick(menu, Qt::LeftButton, {},
+                              menu->actionGeometry(EntryOf(40118)).center());
+        });
+        EXPECT_EQ(host.Read(5), "\033[15~");
+        TypeText("after");
+        EXPECT_EQ(host.Read(5), "after") << "the keys are the terminal's again";
+    });
+}
+
+TEST(Menus, AltWithALetterAndTheArrowsReachEveryEntry) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Strike(Qt::Key_K, Qt::AltModifier);
+        ASSERT_TRUE(Shown("&Keys"));
+        Strike(Qt::Key_Down);
+        Strike(Qt::Key_Down);
+        Strike(Qt::Key_Return);
+        EXPECT_EQ(host.Read(3), "\033[A") << "the third entry";
+        Strike(Qt::Key_X, Qt::AltModifier);
+        ASSERT_TRUE(Shown("F&x"));
+        Strike(Qt::Key_Left);
+        ASSERT_TRUE(Shown("&File"));
+        Strike(Qt::Key_Escape);
+        EXPECT_TRUE(Eventually([] { return !QApplication::activePopupWidget(); }));
+        EXPECT_EQ(host.ReadSome(100), "") << "keys of the menu are not the host's";
+    });
+}
+
+TEST(Menus, F10OpensThemOffline) {
+    RunProgram({}, [] {
+        Ready();
+        PressKey(Qt::Key_F10);
+        EXPECT_TRUE(Shown("&File"));
+    });
+}
+
+TEST(Menus, F10IsTheHostsInASession) {
+    FakeHost host;
+    WithSession(host, [&] {
+        PressKey(Qt::Key_F10);
+        EXPECT_EQ(host.Read(5), "\033[21~");
+        PressKey(Qt::Key_F10, Qt::ShiftModifier);
+        TypeText("x");
+        EXPECT_EQ(host.Read(1), "x") << "with Shift its row is empty";
+        OnWindowThread([] { EXPECT_EQ(QApplication::activePopupWidget(), nullptr); });
+    });
+}
+
+TEST(Menus, OpenMenuClosesWhenTheSessionEnds) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Strike(Qt::Key_S, Qt::AltModifier);
+        ASSERT_TRUE(Shown("&Settings"));
+        host.Drop();
+        DismissBox("Error: Connection to the UNIX Host has been closed...");
+        OnWindowThread([] { EXPECT_EQ(QApplication::activePopupWidget(), nullptr); });
+        EXPECT_TRUE(FileMenuReads("&Connect... 40011"));
+        Strike(Qt::Key_F, Qt::AltModifier);
+        EXPECT_TRUE(Shown("&File"));
+    });
+}
+
+}  // namespace

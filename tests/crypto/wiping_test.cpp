@@ -1,0 +1,252 @@
+// What held a secret is wiped before it is released: every heap block, seen by the sanitizer's
+// hook as it goes, and the working space on the stack, searched once a procedure has returned.
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <cstring>
+#include <functional>
+
+#include "crypto/blowfish.h"
+#include "crypto/byte_order.h"
+#include "crypto/ciphers.h"
+#include "crypto/des.h"
+#include "crypto/diffie_hellman.h"
+#include "crypto/hmac_sha1.h"
+#include "crypto/md5.h"
+#include "crypto/rsa.h"
+#include "crypto/sha512.h"
+#include "crypto/sha512_compress.h"
+#include "crypto/wipe.h"
+#include "crypto_test_support.h"
+
+// ---------------------------------------------------------------- heap
+
+extern "C" {
+// Of the sanitizers' runtime; null in a build without one.
+[[gnu::weak]] int __sanitizer_install_malloc_and_free_hooks(void (*)(const volatile void*, size_t),
+                                                            void (*)(const volatile void*));
+[[gnu::weak]] size_t __sanitizer_get_allocated_size(const volatile void*);
+}
+
+static bool watching = false;
+static int blocks_released = 0;
+static int blocks_not_wiped = 0;
+
+static void SeeAllocation(const volatile void*, size_t) {}
+
+static void SeeRelease(const volatile void* block) {
+    if (!watching || block == nullptr) return;
+    watching = false;
+    const volatile uint8_t* bytes = static_cast<const volatile uint8_t*>(block);
+    size_t left = __sanitizer_get_allocated_size(block);
+    while (left > 0 && bytes[left - 1] == 0) left--;
+    blocks_released++;
+    if (left > 0) blocks_not_wiped++;
+    watching = true;
+}
+
+class HeapWiping : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (__sanitizer_install_malloc_and_free_hooks == nullptr) {
+            GTEST_SKIP() << "the allocator has no hooks in this build";
+        }
+        static const int kInstalled =
+            __sanitizer_install_malloc_and_free_hooks(SeeAllocation, SeeRelease);
+        ASSERT_NE(kInstalled, 0);
+    }
+    // Runs what allocates and releases nothing but the blocks of crypto/.
+    template <typename Work>
+    static void Watch(Work work) {
+        blocks_released = blocks_not_wiped = 0;
+        watching = true;
+        work();
+        watching = false;
+    }
+};
+
+TEST_F(HeapWiping, HookTellsAWipedBlockFromOneThatIsNot) {
+    Watch([] {
+        void* volatile block = malloc(40);
+        memset(block, 1, 40);
+        WipeAndFree(block, 39);
+        block = malloc(40);
+        memset(block, 1, 40);
+        WipeAndFree(block, 40);
+    });
+    EXPECT_EQ(blocks_released, 2);
+    EXPECT_EQ(blocks_not_wiped, 1);
+}
+
+TEST_F(HeapWiping, KeyAgreementLeavesNothing) {
+    clock_milliseconds = 3;
+    Watch([] {
+        DhContext context = {};
+        for (int bits : {kDhExponentBits, 0}) {
+            DhSetup(&context);
+            ConstBignum e = DhGenerate(&context, bits);
+            BignumFree(DhSharedSecret(&context, e));
+        }
+        DhForget(&context);
+    });
+    EXPECT_GE(blocks_released, 18);
+    EXPECT_EQ(blocks_not_wiped, 0);
+}
+
+TEST_F(HeapWiping, HashingOfASecretNumberLeavesNothing) {
+    for (int bits : {0, 1, 7, 8, 15, 16, 17, 1023, 1024}) {
+        Number secret = RandomNumber(bits, 0);
+        Sha1Context context;
+        Sha1Init(&context);
+        Watch([&] { Sha1UpdateMpint(&context, secret.get()); });
+        EXPECT_EQ(blocks_released, 1);
+        EXPECT_EQ(blocks_not_wiped, 0) << bits;
+    }
+}
+
+TEST_F(HeapWiping, EncryptionWithAPublicKeyLeavesNothing) {
+    const Number modulus = RandomNumber(1024, 0), exponent(BignumFromUint32(35));
+    const RsaKey key = {1024, 128, modulus.get(), exponent.get()};
+    uint8_t buffer[128] = "the session key";
+    Watch([&] { EXPECT_TRUE(RsaEncrypt(buffer, 32, &key)); });
+    EXPECT_GE(blocks_released, 3);
+    EXPECT_EQ(blocks_not_wiped, 0);
+}
+
+TEST_F(HeapWiping, EveryOperationOnIntegersLeavesNothing) {
+    const Number a = RandomNumber(700, 0), b = RandomNumber(300, 0), m = RandomNumber(512, 0);
+    Watch([&] {
+        BignumFree(BignumCopy(a.get()));
+        BignumFree(BignumShiftRight(a.get(), 33));
+        BignumFree(BignumMod(a.get(), m.get()));
+        BignumFree(BignumDiv(a.get(), b.get()));
+        BignumFree(BignumMulAdd(a.get(), b.get(), m.get()));
+        BignumFree(BignumModMul(a.get(), b.get(), m.get()));
+        BignumFree(BignumModPow(a.get(), b.get(), m.get()));
+        BignumFree(BignumModInverse(b.get(), m.get()));
+    });
+    EXPECT_GE(blocks_released, 8 + 5);
+    EXPECT_EQ(blocks_not_wiped, 0);
+}
+
+// ---------------------------------------------------------------- stack
+
+static const size_t kStackSize = 1 << 20;
+static const size_t kPatternSize = 16;  // long enough not to stand there by chance
+
+// Reads what the sanitizer may hold for out of use.
+__attribute__((no_sanitize("address"))) static int Occurrences(const uint8_t* memory, size_t size,
+                                                               const uint8_t* pattern) {
+    int count = 0;
+    for (size_t at = 0; at + kPatternSize <= size; at++) {
+        size_t same = 0;
+        while (same < kPatternSize && memory[at + same] == pattern[same]) same++;
+        if (same == kPatternSize) count++;
+    }
+    return count;
+}
+
+// How often the first 16 bytes at `secret` stand on the stack on which `work` has run.
+static int LeftOnStack(const void* secret, const std::function<void()>& work) {
+    static uint8_t* const kStack = static_cast<uint8_t*>(aligned_alloc(4096, kStackSize));
+    memset(kStack, 0, kStackSize);
+    pthread_attr_t attributes;
+    pthread_t thread;
+    pthread_attr_init(&attributes);
+    EXPECT_EQ(pthread_attr_setstack(&attributes, kStack, kStackSize), 0);
+    auto run = [](void* argument) -> void* {
+        volatile uint8_t depth[kStackSize / 4];  // keeps what the end of a thread does off the rest
+        depth[0] = 0;
+        (*static_cast<const std::function<void()>*>(argument))();
+        return reinterpret_cast<void*>(uintptr_t{depth[0]});
+    };
+    EXPECT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)),
+              0);
+    EXPECT_EQ(pthread_join(thread, nullptr), 0);
+    pthread_attr_destroy(&attributes);
+    return Occurrences(kStack, kStackSize, static_cast<const uint8_t*>(secret));
+}
+
+TEST(StackWiping, SearchFindsWhatIsLeftThere) {
+    const ByteString secret = RandomBytes(16);
+    EXPECT_GT(LeftOnStack(secret.data(),
+                          [&] {
+                              [[maybe_unused]] volatile uint8_t copy[16];
+                              for (size_t i = 0; i < 16; i++) copy[i] = secret[i];
+                          }),
+              0);
+}
+
+TEST(StackWiping, DesLeavesNoRoundKeys) {
+    static DesContext contexts[3];
+    static uint8_t text[32];
+    DesSetKey(0x01234567, 0x89ABCDEF, &contexts[0]);
+    contexts[1] = contexts[2] = contexts[0];
+    auto round_key = [](int i) {
+        return uint64_t{contexts[0].subkeysOdd[i]} << 32 | contexts[0].subkeysEven[i];
+    };
+    const uint64_t forth[2] = {round_key(0), round_key(1)};
+    const uint64_t back[2] = {round_key(15), round_key(14)};
+    const std::function<void()> kUses[] = {
+        [] { DesCbcEncrypt(text, text, 32, contexts); },
+        [] { DesCbcDecrypt(text, text, 32, contexts); },
+        [] { TripleDesCbcEncrypt(text, text, 32, contexts); },
+        [] { TripleDesCbcDecrypt(text, text, 32, contexts); },
+        [] { TripleDesPassesEncrypt(text, text, 32, contexts); },
+        [] { TripleDesPassesDecrypt(text, text, 32, contexts); },
+        [] {
+            static uint32_t block[2];
+            DesEncryptBlock(1, 2, block, contexts);
+        },
+        [] {
+            static uint32_t block[2];
+            DesDecryptBlock(1, 2, block, contexts);
+        },
+    };
+    for (size_t i = 0; i < std::size(kUses); i++) {
+        EXPECT_EQ(LeftOnStack(forth, kUses[i]) + LeftOnStack(back, kUses[i]), 0) << i;
+    }
+}
+
+TEST(StackWiping, HmacLeavesNeitherKeyNorPadsNorPreparedContexts) {
+    const ByteString key = RandomBytes(20), message = RandomBytes(100);
+    static uint8_t packet[120];
+    static Sha1Context inner, outer;
+    HmacSha1Prepare(&inner, &outer, key.data(), 20);
+    ByteString inner_pad = key, outer_pad = key;
+    for (uint8_t& byte : inner_pad) byte = static_cast<uint8_t>(byte ^ 0x36);
+    for (uint8_t& byte : outer_pad) byte = static_cast<uint8_t>(byte ^ 0x5C);
+    const std::function<void()> kUses[] = {
+        [&] { HmacSha1(key.data(), 20, message.data(), 100, packet); },
+        [&] { kHmacSha1.setOutgoingKey(key.data()); },
+        [] { kHmacSha1.generate(packet, 100, 1); },
+        [&] { kHmacSha1.setIncomingKey(key.data()); },
+        [] { EXPECT_EQ(kHmacSha1.verify(packet, 100, 1), 1); },
+    };
+    for (const std::function<void()>& use : kUses) {
+        EXPECT_EQ(LeftOnStack(key.data(), use), 0);
+        EXPECT_EQ(LeftOnStack(inner_pad.data(), use), 0);
+        EXPECT_EQ(LeftOnStack(outer_pad.data(), use), 0);
+        EXPECT_EQ(LeftOnStack(inner.state, use), 0);
+        EXPECT_EQ(LeftOnStack(outer.state, use), 0);
+    }
+    WipeMacKeys();
+}
+
+TEST(StackWiping, HashesLeaveNothingOfTheirMessage) {
+    const ByteString message = RandomBytes(40);
+    static uint8_t digest[kSha512Size];
+    auto md5 = [&] {
+        Md5Context context;
+        Md5Init(&context);
+        Md5Update(&context, message.data(), 40);
+        Md5Final(&context, digest);
+    };
+    EXPECT_EQ(LeftOnStack(message.data(), [&] { Sha1(message.data(), 40, digest); }), 0);
+    // With vectors, a compiler asked for little leaves what it loads where it was loaded.
+    Sha512Compressor fastest = sha512_compressor;
+    sha512_compressor = Sha512CompressPortable;
+    EXPECT_EQ(LeftOnStack(message.data(), [&] { Sha512(message.data(), 40, digest); }), 0);
+    sha512_compressor = fastest;
+    EXPECT_EQ(LeftOnStack(message.data(), md5), 0);
+}

@@ -1,0 +1,102 @@
+#!/bin/sh
+# Every key of keys.table, plain and with its modifiers, struck with xdotool on the running program
+# under Xvfb in a session with inetutils telnetd, whose end keeps the bytes that arrive.
+# Exit code 77: not possible here.
+# Usage: keys_outside_test.sh PROGRAM
+set -eu
+here=$(cd "$(dirname "$0")" && pwd)
+for tool in Xvfb xdotool od; do
+    command -v $tool >/dev/null || { echo "keys_outside_test.sh: $tool is missing" >&2; exit 77; }
+done
+program=$1
+work=$(mktemp -d "${TMPDIR:-/tmp}/quill-keys.XXXXXX")
+server= client= telnetd=
+clean_up() {
+    for each in $client $telnetd $server; do kill "$each" 2>/dev/null || :; done
+    wait
+    rm -rf "$work"
+}
+trap clean_up EXIT
+fail() { echo "keys_outside_test.sh: $1" >&2; exit 1; }
+
+# await SECONDS COMMAND...: until it succeeds.
+await() {
+    tries=$(($1 * 10))
+    shift
+    until "$@" >/dev/null 2>&1; do
+        tries=$((tries - 1))
+        [ $tries -gt 0 ] || return 1
+        sleep 0.1
+    done
+}
+
+# The options settle the terminal first.
+cat >"$work/record.sh" <<END
+#!/bin/sh
+sleep 2
+stty raw -echo -istrip
+: >$work/recording
+exec cat >$work/bytes
+END
+chmod 755 "$work" "$work/record.sh"
+: >"$work/bytes"
+mkfifo "$work/hold"
+"$here/telnetd.sh" -E "$work/record.sh" <"$work/hold" >"$work/port" 2>"$work/telnetd.log" &
+telnetd=$!
+exec 4>"$work/hold"
+await 60 test -s "$work/port" || {
+    cat "$work/telnetd.log" >&2
+    wait $telnetd || exit $?
+    fail "no telnetd"
+}
+
+: >"$work/display"
+Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
+server=$!
+await 20 test -s "$work/display" || fail "no X server"
+DISPLAY=:$(head -n 1 "$work/display")
+export DISPLAY QT_QPA_PLATFORM=xcb
+
+mkdir "$work/root"
+printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "$(head -n 1 "$work/port")" >"$work/root/mconfig.cfg"
+"$program" --root "$work/root" --scale 1 2>/dev/null &
+client=$!
+timeout 30 xdotool search --sync --name '^Quill Telnet$' >/dev/null || fail "no notice was shown"
+sleep 1
+xdotool key Return
+await 30 test -e "$work/recording" || fail "the session did not begin"
+sleep 1
+
+# xdotool lends the X server's keymap the keys it lacks for as long as the delay.
+strike() {
+    case $1 in
+        *F1[3-9] | *F20) xdotool key --delay 150 "$1" ;;
+        *) xdotool key --delay 1 "$1" ;;
+    esac
+}
+
+# Rows are struck one after the other, each closed by a bar, by which they are told apart.
+: >"$work/expected"
+rows=0
+while read -r key plain shift ctrl both; do
+    case $key in '#'* | '') continue ;; esac
+    for pair in "$key $plain" "shift+$key $shift" "ctrl+$key $ctrl" "ctrl+shift+$key $both"; do
+        strike "${pair%% *}"
+        bytes=${pair#* }
+        [ "$bytes" = - ] || printf "$bytes" >>"$work/expected"
+    done
+    strike bar
+    printf '|' >>"$work/expected"
+    rows=$((rows + 1))
+done <"$here/keys.table"
+
+same() { cmp -s "$work/expected" "$work/bytes"; }
+await 20 same || {
+    # One line a row, of what was to come and what came.
+    for each in expected bytes; do
+        od -An -v -tx1 -w1 "$work/$each" | tr -d '\n' | sed 's/ 7c/ |\n/g' >"$work/$each.rows"
+    done
+    diff "$work/expected.rows" "$work/bytes.rows" >&2 || :
+    fail "other bytes arrived"
+}
+echo "$rows keys, each plain and with its modifiers: $(wc -c <"$work/bytes") bytes arrived as they should"
