@@ -4,6 +4,7 @@
 #include "app/connection.h"
 #include "app/keys.h"
 #include "app/session_state.h"
+#include "app/toolbar_commands.h"
 #include "config/settings.h"
 #include "resources/resource_ids.h"
 #include "terminal/terminal_font.h"
@@ -113,6 +114,7 @@ const CommandRow kCommands[] = {
     {IDM_KEY_PAGE_DOWN, IDM_KEY_PAGE_DOWN, NamedKey},
     {IDM_LARGER_FONT,  IDM_LARGER_FONT,   Larger},
     {IDM_SMALLER_FONT, IDM_SMALLER_FONT,  Smaller},
+    {IDM_TOOLBAR_FIRST, IDM_TOOLBAR_LAST, RunToolbarCommand},
 };
 // clang-format on
 

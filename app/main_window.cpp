@@ -8,6 +8,7 @@
 #include "app/session_state.h"
 #include "app/status_bar.h"
 #include "resources/resource_ids.h"
+#include "app/toolbar_commands.h"
 #include "telnet/socket_event.h"
 #include "terminal/terminal_window.h"
 #include "terminal/view.h"
@@ -43,6 +44,8 @@ void MakeClientWindow() {
 
 LRESULT OnCreate(HWND window, WPARAM, LPARAM) {
     session.main_window = window;
+    RECT whole;
+    if (GetWindowRect(window, &whole)) session.main_width = whole.right - whole.left;
     MakeCommandBar();
     MakeClientWindow();
     if (!session.client_window) {
@@ -154,6 +157,7 @@ void RebuildMenuBar() {
     if (session.command_bar) CommandBar_Destroy(session.command_bar);
     if (session.menu_bar) DestroyWindow(session.menu_bar);
     MakeCommandBar();
+    ShowToolbar();
     MakeMenuBar();
     UpdateStatus();
 }

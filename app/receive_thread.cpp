@@ -47,6 +47,8 @@ bool ServeSocket(SOCKET socket) {
     const int result = WaitForSocket(socket, &readable, &failed);
     if (result == 0) return true;
     if (result == SOCKET_ERROR || FD_ISSET(socket, &failed)) return false;
+    // The user's close shuts the socket first, which reads like the host's end.
+    if (session.socket.load(std::memory_order_acquire) != socket) return false;
     ReportConnected();
     if (!OwnTurn() || !FD_ISSET(socket, &readable)) return true;
     return ReceiveChunk(socket);

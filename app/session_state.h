@@ -32,6 +32,7 @@ struct SessionState {
     ChooseColorProcedure choose_color = nullptr;  // null: no colour dialog on this device
     COLORREF custom_colors[16] = {};              // of the colour dialog, for the run
     int command_bar_height = 0;                   // pixels
+    int main_width = 0;                           // pixels of the main window when it was made
     int client_width = 0;                         // pixels of the client window when it was made
     DWORD key_sent = 0;  // the key table sent something for the key press being handled
 
@@ -43,10 +44,14 @@ struct SessionState {
     int status_height = 0;         // pixels; 0 while hidden
     DWORD narrow_screen = 0;       // 1: less than 350 pixels wide
 
+    // Owner: app/toolbar_commands.cpp.
+    int toolbar = 1;  // the bar that is shown, 1..3
+
     // Owner: app/connection.cpp.
     DWORD connect_pending = 0;  // a connect request is under way
     DWORD closing = 0;          // the user closed the session: no "closed" message
     DWORD dial_request = 0;     // the user agreed to dial; the timer starts it
+    DWORD dialling = 0;         // a dial is in progress
     HRASCONN ras_connection = nullptr;
     SOCKADDR_IN peer = {};
 
@@ -66,6 +71,11 @@ struct SessionState {
     // Owner: config/settings.cpp.
     Settings settings = {};
     DWORD save_settings = 1;  // cleared by a reset, so that the exit does not save
+
+    // Owner: the dialogs of config/.
+    int dialog_result = 0;  // what the dialog closed last left; -1: it was cancelled
+    DWORD connect_request =
+        0;  // the Connect dialog was closed by OK, the last time that it was shown
 
     // Owner: telnet/.
     TelnetState telnet;

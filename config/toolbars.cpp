@@ -55,12 +55,12 @@ DWORD DefaultValue(const ToolbarButton& button) {
     return Compose(bars[0], bars[1], bars[2]);
 }
 
+}  // namespace
+
 DWORD OnBar(const ToolbarButton& button, int barNumber) {
     const DWORD bars[kToolbars] = {button.onBar1, button.onBar2, button.onBar3};
     return barNumber >= 1 && barNumber <= kToolbars ? bars[barNumber - 1] : 0;
 }
-
-}  // namespace
 
 int ToolbarAction(int position, int barNumber) {
     if (position < 0) return 0;

@@ -646,6 +646,17 @@ struct SIPINFO {
 #define SIPF_ON 0x00000001u
 BOOL SHSipInfo(UINT action, UINT parameter, LPVOID info, UINT flags);
 
+struct TBBUTTON {
+    int iBitmap;    // the picture's index, from CommandBar_AddBitmap
+    int idCommand;  // of the WM_COMMAND that a press sends to the bar's parent
+    BYTE fsState;
+    BYTE fsStyle;
+    BYTE bReserved[sizeof(void*) - 2];
+    DWORD_PTR dwData;
+    INT_PTR iString;  // -1: no text beside the picture
+};
+#define TBSTATE_ENABLED 0x04
+#define TBSTYLE_BUTTON 0x00
 // The menu bar at the bottom of the screen, from the menu resource `nToolBarId`; its entries send
 // WM_COMMAND to hwndParent. The bar is a window, which DestroyWindow takes away again.
 struct SHMENUBARINFO {
@@ -666,6 +677,15 @@ HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id);
 BOOL CommandBar_Show(HWND bar, BOOL show);
 int CommandBar_Height(HWND bar);
 void CommandBar_Destroy(HWND bar);
+// Adds `count` pictures of 16x16 pixels, side by side in one bitmap resource; returns the index of
+// the first, or -1. Black, dark grey (0x808080) and white stand for the colours of the desktop's
+// buttons, light grey (0xC0C0C0) for the bar itself. Where there is a bitmap `id` + 10000, it
+// holds the same pictures drawn at 32x32, for screens with more pixels.
+int CommandBar_AddBitmap(HWND bar, HINSTANCE instance, int id, int count, int width, int height);
+BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button);
+// tips[i] belongs to the button at index i; it is also what a screen reader calls it. The texts
+// and the array stay the caller's and must outlive the bar.
+BOOL CommandBar_AddToolTips(HWND bar, UINT count, LPWSTR* tips);
 
 // ---------------------------------------------------------------- other programs
 

@@ -1,4 +1,4 @@
-// The controls that windows carry: scroll bars, the status window, the command bar.
+// The controls that windows carry: scroll bars and the status window.
 #include <QScrollBar>
 
 #include "gdi.h"
@@ -93,25 +93,13 @@ LRESULT CALLBACK StatusProcedure(HWND handle, UINT message, WPARAM wparam, LPARA
     return 0;
 }
 
-LRESULT CALLBACK CommandBarProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message != WM_ERASEBKGND) return DefWindowProcW(handle, message, wparam, lparam);
-    const Window* window = FindWindowRecord(handle);
-    const QColor color = window->widget->palette().color(QPalette::Window);
-    RECT area;
-    GetClientRect(handle, &area);
-    const HBRUSH brush = CreateSolidBrush(RGB(color.red(), color.green(), color.blue()));
-    FillRect(reinterpret_cast<HDC>(wparam), &area, brush);
-    DeleteObject(brush);
-    return 1;
-}
-
 }  // namespace
 
 int StatusHeight() { return QFontMetrics(QApplication::font()).height() + 4; }
 
 void RegisterControls() {
     RegisterSystemClass(STATUSCLASSNAME, StatusProcedure);
-    RegisterSystemClass(u"QuillCommandBar", CommandBarProcedure);
+    RegisterCommandBar();
 }
 
 void AttachScrollBars(Window& window, DWORD style) {
@@ -183,20 +171,3 @@ int GetSystemMetrics(int index) {
             return 0;
     }
 }
-
-HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id) {
-    RECT room;
-    if (!GetClientRect(parent, &room)) return nullptr;
-    return CreateWindowExW(0, u"QuillCommandBar", nullptr, WS_CHILD | WS_VISIBLE, 0, 0, room.right,
-                           kCommandBarHeight, parent,
-                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
-}
-
-BOOL CommandBar_Show(HWND bar, BOOL show) { return ShowWindow(bar, show ? SW_SHOW : SW_HIDE); }
-
-int CommandBar_Height(HWND bar) {
-    RECT rect;
-    return GetWindowRect(bar, &rect) ? rect.bottom - rect.top : 0;
-}
-
-void CommandBar_Destroy(HWND bar) { DestroyWindow(bar); }

@@ -82,8 +82,14 @@ void ForgetWindowMessages(HWND window);
 void ResetMessages();
 bool QuitPosted();
 
-// controls.cpp
+// command_bar.cpp
 inline constexpr int kCommandBarHeight = 26;
+inline constexpr int kBarPicture = 16;       // pixels of a picture's sides
+inline constexpr int kTwiceAsLarge = 10000;  // from a bitmap's number to that of the larger one
+inline constexpr LPCWSTR kCommandBarClass = u"QuillCommandBar";
+void RegisterCommandBar();
+
+// controls.cpp
 void RegisterControls();
 int StatusHeight();  // of a status window, pixels
 void AttachScrollBars(Window& window, DWORD style);

@@ -42,13 +42,16 @@ void SendKey(QEvent::Type type, int key, Qt::KeyboardModifiers modifiers, const 
     QApplication::sendEvent(target, &event);
 }
 
+// Waits until the box is gone, so that it is not taken for the next one.
 void PressButton(QMessageBox::StandardButton button) {
-    OnWindowThread([=] {
-        QMessageBox* box = ShownMessageBox();
+    QPointer<QMessageBox> box;
+    OnWindowThread([&] {
+        box = ShownMessageBox();
         ASSERT_NE(box, nullptr) << "no message box is shown";
         ASSERT_NE(box->button(button), nullptr) << "the box has no such button";
         box->button(button)->click();
     });
+    Eventually([&] { return box.isNull(); });
 }
 
 }  // namespace

@@ -1,0 +1,77 @@
+// The toolbar's actions.
+#include "app/toolbar_commands.h"
+
+#include "app/commands.h"
+#include "app/connection.h"
+#include "app/keys.h"
+#include "app/main_window.h"
+#include "app/session_state.h"
+#include "config/toolbars.h"
+#include "resources/resource_ids.h"
+#include "terminal/terminal_write.h"
+
+namespace {
+
+constexpr int kPixelsPerButton = 21;
+
+bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
+
+void AbortDialling() {
+    static const char text[] = "Abort modem dialing\r\n";
+    TerminalWrite(reinterpret_cast<const BYTE*>(text), sizeof(text) - 1);
+    if (session.ras_connection) RasHangUpW(session.ras_connection);
+    session.ras_connection = nullptr;
+}
+
+bool MayCloseSession() {
+    return session.settings.confirm_exit == 0 ||
+           MessageBoxW(session.main_window, TEXT("Do you really want to close this session"),
+                       TEXT("Warning"), MB_OKCANCEL | MB_ICONEXCLAMATION) == IDOK;
+}
+
+// Offline and while connecting it is the menu's command. Here any `confirm_exit` but 0 asks.
+void ConnectOrDisconnect() {
+    if (session.dialling) {
+        AbortDialling();
+    } else if (!Connected()) {
+        RunCommand(IDM_CONNECT);
+    } else if (MayCloseSession()) {
+        SessionClose();
+    }
+    RebuildMenuBar();
+}
+
+void Larger() { RunCommand(IDM_LARGER_FONT); }
+void Smaller() { RunCommand(IDM_SMALLER_FONT); }
+
+void SwapToolbar() {
+    session.toolbar = session.toolbar % kToolbars + 1;
+    RebuildMenuBar();
+}
+
+struct ActionRow {
+    int action;
+    void (*run)();
+};
+
+// clang-format off
+const ActionRow kActions[] = {
+    {kActionConnect,     ConnectOrDisconnect},
+    {kActionLargerFont,  Larger},
+    {kActionSmallerFont, Smaller},
+    {kActionSwapToolbar, SwapToolbar},
+};
+// clang-format on
+
+}  // namespace
+
+void ShowToolbar() {
+    BuildToolbar(session.command_bar, session.toolbar, session.main_width / kPixelsPerButton);
+}
+
+void RunToolbarCommand(WORD id) {
+    const int action = ToolbarAction(id - IDM_TOOLBAR_FIRST, session.toolbar);
+    for (const ActionRow& row : kActions)
+        if (row.action == action) return row.run();
+    if (action) SendVirtualKey(action);
+}

@@ -1,0 +1,74 @@
+// Dispatch, marks, texts and placement of the settings dialogs.
+#include "config/dialog_tools.h"
+
+#include <algorithm>
+
+#include "app/session_state.h"
+#include "config/settings.h"
+#include "terminal/view.h"
+
+static bool RunDialogCommand(HWND dialog, WPARAM wparam, const DialogCommand* commands) {
+    for (; commands->run; commands++) {
+        if (commands->id != LOWORD(wparam) || commands->code != HIWORD(wparam)) continue;
+        commands->run(dialog);
+        return true;
+    }
+    return false;
+}
+
+INT_PTR RunDialogMessage(HWND dialog, UINT message, WPARAM wparam, void (*open)(HWND dialog),
+                         const DialogCommand* commands) {
+    if (message == WM_COMMAND) return RunDialogCommand(dialog, wparam, commands) ? TRUE : FALSE;
+    if (message != WM_INITDIALOG) return FALSE;
+    open(dialog);
+    return TRUE;  // the first control that takes the tabulator has the focus
+}
+
+void CancelDialog(HWND dialog) {
+    session.dialog_result = -1;
+    EndDialog(dialog, IDCANCEL);
+}
+
+void ShowMarks(HWND dialog, const MarkRow* rows) {
+    for (; rows->id; rows++)
+        CheckDlgButton(dialog, rows->id, *rows->field ? BST_CHECKED : BST_UNCHECKED);
+}
+
+void TakeMarks(HWND dialog, const MarkRow* rows) {
+    for (; rows->id; rows++)
+        *rows->field = IsDlgButtonChecked(dialog, rows->id) == BST_CHECKED ? 1 : 0;
+}
+
+void ShowTexts(HWND dialog, const TextRow* rows) {
+    for (; rows->id; rows++) {
+        const WPARAM limit = static_cast<WPARAM>(rows->units) - 1;
+        SendDlgItemMessageW(dialog, rows->id, EM_LIMITTEXT, limit, 0);
+        SetDlgItemTextW(dialog, rows->id, rows->field);
+    }
+}
+
+void TakeTexts(HWND dialog, const TextRow* rows) {
+    for (; rows->id; rows++) GetDlgItemTextW(dialog, rows->id, rows->field, rows->units);
+}
+
+void CentreDialog(HWND dialog) {
+    const HWND parent = GetParent(dialog);
+    RECT room, box;
+    if (!GetClientRect(parent, &room) || !GetWindowRect(dialog, &box)) return;
+    const int width = box.right - box.left, height = box.bottom - box.top;
+    POINT corner = {std::max(0, (room.right - width) / 2), std::max(0, (room.bottom - height) / 2)};
+    ClientToScreen(parent, &corner);
+    MoveWindow(dialog, corner.x, corner.y, width, height, TRUE);
+}
+
+INT_PTR RunDialog(WORD id, DLGPROC procedure) {
+    session.dialog_result = 0;
+    return DialogBoxParamW(session.instance, MAKEINTRESOURCE(id), session.main_window, procedure,
+                           0);
+}
+
+void SettingsChanged() { RepaintTerminal(); }
+
+void SaveIfEnabled() {
+    if (session.save_settings) SaveSettings();
+}
