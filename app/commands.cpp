@@ -5,6 +5,7 @@
 #include "app/keys.h"
 #include "app/session_state.h"
 #include "app/toolbar_commands.h"
+#include "config/dialogs.h"
 #include "config/settings.h"
 #include "resources/resource_ids.h"
 #include "terminal/terminal_font.h"
@@ -34,6 +35,8 @@ void ConnectOrDisconnect(WORD) {
     } else if (session.connect_pending) {
         if (Agreed(TEXT("I am busy making a connection. Do you want to cancel the request")))
             SessionClose();
+    } else {
+        ShowConnectDialog();
     }
 }
 
@@ -98,8 +101,16 @@ struct CommandRow {
 // clang-format off
 const CommandRow kCommands[] = {
     {IDM_CONNECT,      IDM_CONNECT,       ConnectOrDisconnect},
+    {IDM_FONT,         IDM_FONT,          [](WORD) { ShowFontDialog(); }},
+    {IDM_PROPERTIES,   IDM_PROPERTIES,    [](WORD) { ShowPropertiesSheet(); }},
+    {IDM_AUTO_LOGIN,   IDM_AUTO_LOGIN,    [](WORD) { ShowAutoLoginDialog(); }},
     {IDM_EXIT,         IDM_EXIT,          Exit},
     {IDM_RESET,        IDM_RESET,         ResetConfiguration},
+    {IDM_COLOR_BG,     IDM_COLOR_BG,      [](WORD) { ChooseBackgroundColor(); }},
+    {IDM_COLOR_CURSOR, IDM_COLOR_CURSOR,  [](WORD) { ChooseCursorColor(); }},
+    {IDM_COLOR_TEXT,   IDM_COLOR_TEXT,    [](WORD) { ChooseTextColor(); }},
+    {IDM_COLOR_BOLD,   IDM_COLOR_BOLD,    [](WORD) { ChooseBoldColor(); }},
+    {IDM_ABOUT,        IDM_ABOUT,         [](WORD) { ShowAboutDialog(); }},
     {IDM_F1,           IDM_F20,           FunctionKey},
     {IDM_KEY_ENTER,    IDM_KEY_ENTER,     NamedKey},
     {IDM_KEY_ESC,      IDM_KEY_ESC,       NamedKey},

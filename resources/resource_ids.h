@@ -6,12 +6,20 @@
 
 #define IDB_DISCONNECT 1539 /* the other buttons' bitmaps: config/toolbars.cpp */
 
+#define IDM_AUTO_LOGIN 126
 #define IDM_EXIT 40002
+#define IDM_ABOUT 40003
+#define IDM_FONT 40004
 #define IDM_LARGER_FONT 40009
 #define IDM_SMALLER_FONT 40010
 #define IDM_CONNECT 40011
+#define IDM_PROPERTIES 40012
 #define IDM_TOOLBAR_FIRST 40020 /* plus the button's position */
 #define IDM_TOOLBAR_LAST 40069
+#define IDM_COLOR_BG 40101
+#define IDM_COLOR_CURSOR 40102
+#define IDM_COLOR_TEXT 40103
+#define IDM_COLOR_BOLD 40104
 #define IDM_RESET 40111
 #define IDM_F1 40114
 #define IDM_F20 40133
