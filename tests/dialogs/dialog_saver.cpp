@@ -1,0 +1,39 @@
+// A program that does nothing but change settings in a dialog and save them by OK, until it is
+// killed. Usage: dialog_saver ROOT. Writes a line when the first save is about to begin.
+#include <cstdio>
+
+#include "app/session_state.h"
+#include "config/settings.h"
+#include "resources/resource_ids.h"
+#include "tests/dialogs/dialog_person.h"
+#include "tests/dialogs/saved_texts.h"
+#include "tests/support/person.h"
+
+namespace {
+
+// The other settings change too, so that a save writes new values all over the file.
+void Turn(int turn) {
+    OnWindowThread([=] {
+        for (const SavedNumber& number : saved_numbers)
+            session.settings.*number.field = number.values[turn];
+    });
+    const HWND dialog = OpenDialog(IDM_AUTO_LOGIN, "Auto Login");
+    for (const SavedText& text : saved_texts) TypeInto(dialog, text.id, text.values[turn]);
+    if (turn == 0) std::puts("saving"), std::fflush(stdout);
+    ClickControl(dialog, IDOK);
+    Closed(dialog);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) return 2;
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    Stage stage;
+    stage.root = argv[1];
+    return RunProgram(stage, [] {
+        for (int turn = 0; turn < 100000; turn++) Turn(turn % 2);
+    });
+}

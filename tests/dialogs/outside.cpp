@@ -1,0 +1,159 @@
+// The dialogs under an X server, worked by its mouse and its keyboard (xdotool); run by
+// outside_test.sh. What is stored is read back by SQLite itself.
+#include <gtest/gtest.h>
+#include <QThread>
+
+#include "app/session_state.h"
+#include "platform/qt/slice.h"
+#include "resources/resource_ids.h"
+#include "tests/dialogs/dialog_person.h"
+#include "tests/dialogs/stored.h"
+#include "tests/support/person.h"
+
+namespace {
+
+void Xdotool(const std::string& what) {
+    ASSERT_EQ(std::system(("xdotool " + what).c_str()), 0) << what;
+    QThread::msleep(60);
+}
+
+void Type(const std::string& text) { Xdotool("type --delay 15 '" + text + "'"); }
+void Key(const std::string& keys) { Xdotool("key --delay 15 " + keys); }
+
+// The desktop's place of a point of the control, `across` from its left edge; 0: its middle.
+void MouseOn(HWND dialog, int id, int across = 0) {
+    QPoint place;
+    OnWindowThread([&] {
+        const Window* control = FindWindowRecord(GetDlgItem(dialog, id));
+        ASSERT_NE(control, nullptr) << id;
+        const QRect room = control->widget->rect();
+        place = QPoint(across ? across : room.center().x(), room.center().y());
+        place = control->widget->mapToGlobal(place) * control->widget->devicePixelRatioF();
+    });
+    Xdotool("mousemove " + std::to_string(place.x()) + " " + std::to_string(place.y()));
+    Xdotool("click 1");
+    QThread::msleep(100);
+}
+
+// Over what stands in the field.
+void TypeInField(HWND dialog, int id, const std::string& text) {
+    MouseOn(dialog, id, 8);
+    Key("ctrl+a");
+    Type(text);
+}
+
+// The accelerators of the main window, so that nothing but keys opens the dialogs.
+HWND OpenByKeys(const std::string& keys, const std::string& caption) {
+    EXPECT_TRUE(Eventually([] { return QApplication::activeWindow() == DeviceScreen(); }));
+    Key(keys);
+    return AwaitDialog(caption);
+}
+
+Stage FreshStage() {
+    Stage stage;
+    stage.root = FreshRoot();
+    return stage;
+}
+
+TEST(OutsideDialogs, ConnectByMouse) {
+    const Stage stage = FreshStage();
+    RunProgram(stage, [&] {
+        const HWND connect = OpenByKeys("ctrl+shift+n", "Connect");
+        TypeInField(connect, IDC_HOST, "no.invalid");
+        MouseOn(connect, IDC_ADVANCED);
+        const HWND advanced = AwaitDialog("Connect Advanced");
+        MouseOn(advanced, IDC_CONFIRM_EXIT, 6);
+        MouseOn(advanced, IDC_SSH1, 6);
+        MouseOn(advanced, IDC_BLOWFISH, 6);
+        TypeInField(advanced, IDC_PORT, "65559");
+        MouseOn(advanced, IDOK);
+        ASSERT_TRUE(Closed(advanced));
+        MouseOn(connect, IDOK);
+        ASSERT_TRUE(Closed(connect));
+        EXPECT_EQ(AwaitBox(), "Error: Cannot connect to the UNIX Host");
+        Key("Return");
+        EXPECT_EQ(StoredText(stage.root, "host"), u"no.invalid");
+        EXPECT_EQ(StoredText(stage.root, "hist0a"), u"no.invalid");
+        EXPECT_EQ(StoredNumber(stage.root, "port"), 65559u);
+        EXPECT_EQ(StoredNumber(stage.root, "confirm_exit"), 1u);
+        EXPECT_EQ(StoredNumber(stage.root, "ssh_type"), 2u);
+        EXPECT_EQ(StoredNumber(stage.root, "ssh_type2"), 0u);
+        EXPECT_EQ(StoredNumber(stage.root, "exit_dis"), 0u);
+    });
+}
+
+TEST(OutsideDialogs, ConnectByKeysAlone) {
+    const Stage stage = FreshStage();
+    RunProgram(stage, [&] {
+        const HWND connect = OpenByKeys("ctrl+shift+n", "Connect");
+        Type("keys.invalid");
+        Key("Tab space");
+        const HWND advanced = AwaitDialog("Connect Advanced");
+        Key("Tab space Tab Tab Tab ctrl+a");
+        Type("2222");
+        Key("Return");
+        ASSERT_TRUE(Closed(advanced));
+        Key("shift+Tab Return");
+        ASSERT_TRUE(Closed(connect));
+        EXPECT_EQ(AwaitBox(), "Error: Cannot connect to the UNIX Host");
+        Key("Return");
+        EXPECT_EQ(StoredText(stage.root, "host"), u"keys.invalid");
+        EXPECT_EQ(StoredNumber(stage.root, "port"), 2222u);
+        EXPECT_EQ(StoredNumber(stage.root, "exit_dis"), 1u);
+    });
+}
+
+TEST(OutsideDialogs, PropertiesByMouse) {
+    const Stage stage = FreshStage();
+    RunProgram(stage, [&] {
+        const HWND sheet = OpenByKeys("ctrl+shift+p", "Properties");
+        const HWND page = PageOf(sheet);
+        TypeInField(page, IDC_TERMTYPE, "xterm");
+        MouseOn(page, IDC_BELL, 6);
+        MouseOn(page, IDC_HIDESTATUS, 6);
+        EXPECT_EQ(session.status_window, nullptr);
+        MouseOn(sheet, IDOK);
+        ASSERT_TRUE(Closed(sheet));
+        EXPECT_EQ(StoredText(stage.root, "termtype"), u"xterm");
+        EXPECT_EQ(StoredNumber(stage.root, "bell"), 0u);
+        EXPECT_EQ(StoredNumber(stage.root, "hidestatus"), 1u);
+        EXPECT_EQ(StoredNumber(stage.root, "alive"), 1u);
+    });
+}
+
+TEST(OutsideDialogs, AutoLoginByKeysAndEsc) {
+    const Stage stage = FreshStage();
+    RunProgram(stage, [&] {
+        HWND dialog = OpenByKeys("ctrl+shift+l", "Auto Login");
+        Type("name:");
+        Key("Tab");
+        Type("anna");
+        Key("Return");
+        ASSERT_TRUE(Closed(dialog));
+        EXPECT_EQ(StoredText(stage.root, "sear1"), u"name:");
+        EXPECT_EQ(StoredText(stage.root, "resp1"), u"anna");
+        dialog = OpenByKeys("ctrl+shift+l", "Auto Login");
+        Type("other");
+        Key("Escape");
+        ASSERT_TRUE(Closed(dialog));
+        EXPECT_EQ(StoredText(stage.root, "sear1"), u"name:");
+    });
+}
+
+TEST(OutsideDialogs, FontByMouseAndKeys) {
+    const Stage stage = FreshStage();
+    RunProgram(stage, [&] {
+        const HWND dialog = OpenByKeys("ctrl+shift+f", "Font");
+        MouseOn(dialog, IDC_FONTS);
+        Key("Home");
+        MouseOn(dialog, IDC_FONT_ITALIC, 6);
+        MouseOn(dialog, IDOK);
+        ASSERT_TRUE(Closed(dialog));
+        EXPECT_EQ(StoredText(stage.root, "fname"),
+                  std::u16string(session.view.faces[0].font.lfFaceName));
+        EXPECT_EQ(StoredNumber(stage.root, "font_italic"), 1u);
+        EXPECT_EQ(StoredNumber(stage.root, "font_bold"), 0u);
+    });
+}
+
+}  // namespace

@@ -1,0 +1,35 @@
+// What dialog_saver writes in turn, and nothing else may be found.
+#ifndef QUILL_TESTS_DIALOGS_SAVED_TEXTS_H
+#define QUILL_TESTS_DIALOGS_SAVED_TEXTS_H
+
+#include "config/settings_types.h"
+
+struct SavedText {
+    int id;  // of the field in "Auto Login"
+    const char* name;
+    const char16_t* values[2];
+    const char16_t* first;  // before the first save
+};
+
+inline constexpr SavedText saved_texts[] = {
+    {1002, "sear1", {u"a", u"the other search, of 34 characters"}, u"ogin"},
+    {1003, "resp1", {u"\x4e2d\x4e2d", u"b"}, u""},
+    {1253, "sear2", {u"", u"cc"}, u""},
+    {1256, "resp2", {u"dddddddddddddddddddddddddddddd", u""}, u""},
+};
+
+struct SavedNumber {
+    const char* name;
+    DWORD Settings::*field;
+    DWORD values[2];
+    DWORD first;
+};
+
+inline constexpr SavedNumber saved_numbers[] = {
+    {"blink", &Settings::blink, {0, 0xFFFFFFFF}, 0},
+    {"port", &Settings::port, {23, 22}, 23},
+    {"color_cursor", &Settings::color_cursor, {0x808080, 0x00FF00}, 0x808080},
+    {"table", &Settings::table, {0x01020304, 0xF0E0D0C0}, 1},
+};
+
+#endif
