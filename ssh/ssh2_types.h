@@ -23,10 +23,10 @@ struct Ssh2State {
     const SshMac* inMac = nullptr;
     uint32_t sendSeq = 0;  // packets sent and received, modulo 2^32
     uint32_t recvSeq = 0;
-    DWORD headDecrypted = 0;   // the first block of recvBuf stands decrypted in place
-    int packetLength = 0;      // bytes of packetBuf that are the packet, its MAC not counted
-    PacketReader reader = {};  // in packetBuf, from byte 6 on
-    int payloadLength = 0;     // of the packet in sendBuf, its message number counted
+    DWORD headDecrypted = 0;               // the first block of recvBuf stands decrypted in place
+    PacketReader payload = {};             // of the packet being handled, its message number first
+    PacketReader reader = {};              // in it, from behind the number on
+    int payloadLength = 0;                 // of the packet in sendBuf, its message number counted
     BYTE packetBuf[kSsh2PacketSize] = {};  // the packet being handled, length field first
     BYTE sendBuf[kSsh2SendSize] = {};      // the packet being built
 
