@@ -1,12 +1,12 @@
 #!/usr/bin/python3
 # A relay before a server that sends its line and its first packet in one chunk: it holds back what
 # follows the line until the client's line has come.
-# Usage: relay.py PORT      of the server on 127.0.0.1; prints its own
+# Usage: relay.py --standard-input PORT     for the client on standard input, a socket
+# Imported: start(PORT) listens for clients and returns its own port.
 import socket
 import sys
 import threading
-
-import server_tools
+import time
 
 
 def copy(source, target):
@@ -28,10 +28,20 @@ def read_line(connection):
     return line
 
 
-def relay(client):
-    client.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-    server = socket.create_connection(("127.0.0.1", int(sys.argv[1])))
-    server.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+def connect(port):
+    """The server may only just have been started."""
+    for attempt in range(100):
+        try:
+            return socket.create_connection(("127.0.0.1", port))
+        except ConnectionRefusedError:
+            time.sleep(0.1)
+    sys.exit("relay.py: no server")
+
+
+def relay(client, port):
+    server = connect(port)
+    for each in (client, server):
+        each.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
     client.sendall(read_line(server))
     server.sendall(read_line(client))
     threading.Thread(target=copy, args=(client, server), daemon=True).start()
@@ -39,8 +49,17 @@ def relay(client):
     client.close()
 
 
-listener = socket.create_server(("127.0.0.1", 0))
-server_tools.announce(listener.getsockname()[1])
-server_tools.end_with_standard_input()
-while True:
-    threading.Thread(target=relay, args=(listener.accept()[0],), daemon=True).start()
+def start(port):
+    listener = socket.create_server(("127.0.0.1", 0))
+
+    def accept():
+        while True:
+            client = listener.accept()[0]
+            threading.Thread(target=relay, args=(client, port), daemon=True).start()
+
+    threading.Thread(target=accept, daemon=True).start()
+    return listener.getsockname()[1]
+
+
+if __name__ == "__main__":
+    relay(socket.socket(fileno=0), int(sys.argv[2]))
