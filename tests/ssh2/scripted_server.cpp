@@ -171,7 +171,7 @@ std::string Hex(const std::string& bytes) {
 
 Tape::Tape(int milliseconds) {
     std::srand(static_cast<unsigned>(milliseconds % 1000 % 37));
-    while (bytes.size() < 100000)
+    while (bytes.size() < 8192)
         if (const int value = std::rand()) bytes.push_back(static_cast<uint8_t>(value & 0xff));
 }
 
