@@ -6,8 +6,9 @@
 #include <QThread>
 
 #include "app/session_state.h"
-#include "config/ansi_text.h"
+#include "resources/resource_ids.h"
 #include "telnet/session_send.h"
+#include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
 
@@ -59,15 +60,6 @@ const Peer kPeers[] = {
 
 class Ssh2Peer : public testing::TestWithParam<Peer> {};
 
-void SetCredentials(const char* user, const char* password) {
-    WideFromAnsi(user, session.settings.ssh_u, kSettingUnits);
-    WideFromAnsi(password, session.settings.ssh_p, kSettingUnits);
-}
-
-// The person at the dialog: what is entered, one attempt after the other.
-std::vector<std::string> g_passwords;
-int g_sign_ons;
-
 // What the terminal was given, by way of the linker: each call of TerminalWrite passes here.
 std::string g_received;
 size_t g_received_digits;
@@ -79,24 +71,31 @@ void UseSsh2(DWORD ssh_type) {
         session.settings.ssh = 1;
         session.settings.ssh_type = ssh_type;
         session.settings.ssh_type2 = 1;
-        session.settings.ssh_def = 1;
-        SetCredentials("visitor", "warehouse7");
+        session.settings.ssh_def = 0;
         g_received.clear();
         g_received_digits = 0;
         g_key_exchanges = 0;
         g_requests_granted = 0;
-        g_sign_ons = 0;
     });
 }
 
-bool AwaitPrompt() { return TerminalShows("$"); }
+// Into the dialog, as a person does.
+void SignOn(const char16_t* user, const char16_t* password) {
+    const HWND dialog = AwaitDialog("Sign on to the host");
+    ASSERT_NE(dialog, nullptr);
+    TypeInto(dialog, IDC_SSH_U, user);
+    TypeInto(dialog, IDC_SSH_P, password);
+    ClickControl(dialog, IDOK);
+    ASSERT_TRUE(Closed(dialog));
+}
 
 void WithShell(const Server& server, DWORD ssh_type, const std::function<void()>& person) {
     RunProgram({}, [&] {
         UseSsh2(ssh_type);
         SetHost(u"127.0.0.1", server.port);
         Connect();
-        ASSERT_TRUE(AwaitPrompt()) << TerminalText() << StatusText();
+        SignOn(u"visitor", u"warehouse7");
+        ASSERT_TRUE(TerminalShows("$")) << TerminalText() << StatusText();
         person();
     });
 }
@@ -119,7 +118,6 @@ void Send(const std::string& bytes) {
 
 void RealTerminalWrite(const BYTE* bytes, int count) __asm__("__real__Z13TerminalWritePKhi");
 void RecordTerminalWrite(const BYTE* bytes, int count) __asm__("__wrap__Z13TerminalWritePKhi");
-bool EnterPassword() __asm__("__wrap__Z9AskSignOnv");
 void RealNewKeys() __asm__("__real__Z9OnNewKeysv");
 void CountNewKeys() __asm__("__wrap__Z9OnNewKeysv");
 void RealChannelSuccess() __asm__("__real__Z16OnChannelSuccessv");
@@ -142,13 +140,6 @@ void CountGrant() {
     RealChannelSuccess();
 }
 
-bool EnterPassword() {
-    if (static_cast<size_t>(g_sign_ons) < g_passwords.size())
-        SetCredentials("visitor", g_passwords[static_cast<size_t>(g_sign_ons)].c_str());
-    g_sign_ons++;
-    return true;
-}
-
 // ---------------------------------------------------------------- what each server must take
 
 TEST_P(Ssh2Peer, ShellKnowsItsSizeAndItsTerminalAndTheStatusIsSecure) {
@@ -168,14 +159,12 @@ TEST_P(Ssh2Peer, WrongPasswordAsksAgainAndTheRightOneGetsIn) {
     START_OR_SKIP(server);
     RunProgram({}, [&] {
         UseSsh2(GetParam().ssh_type);
-        OnWindowThread([] {
-            SetCredentials("visitor", "wrong");
-            g_passwords = {"wrong too", "warehouse7"};
-        });
         SetHost(u"127.0.0.1", server.port);
         Connect();
+        SignOn(u"visitor", u"wrong");
+        SignOn(u"visitor", u"wrong too");
+        SignOn(u"visitor", u"warehouse7");
         EXPECT_TRUE(TerminalShows("$")) << TerminalText();
-        OnWindowThread([] { EXPECT_EQ(g_sign_ons, 2); });
     });
 }
 
@@ -283,17 +272,12 @@ TEST_P(Ssh2Lsh, SignsOnAtTheSecondPasswordAndGetsAPty) {
     START_OR_SKIP(server);
     RunProgram({}, [&] {
         UseSsh2(GetParam().ssh_type);
-        OnWindowThread([] {
-            SetCredentials("visitor", "wrong");
-            g_passwords = {"warehouse7"};
-        });
         SetHost(u"127.0.0.1", server.port);
         Connect();
+        SignOn(u"visitor", u"wrong");
+        SignOn(u"visitor", u"warehouse7");
         EXPECT_TRUE(Eventually([] { return g_requests_granted > 0; }));
-        OnWindowThread([] {
-            EXPECT_EQ(g_sign_ons, 1);
-            EXPECT_EQ(g_key_exchanges, 1);
-        });
+        OnWindowThread([] { EXPECT_EQ(g_key_exchanges, 1); });
         EXPECT_TRUE(Offline());
         EXPECT_EQ(AwaitBox(200), "");
     });
