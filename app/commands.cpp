@@ -108,7 +108,7 @@ const CommandRow kCommands[] = {
     {IDM_AUTO_LOGIN,   IDM_AUTO_LOGIN,    [](WORD) { ShowAutoLoginDialog(); }},
     {IDM_EXIT,         IDM_EXIT,          Exit},
     {IDM_RESET,        IDM_RESET,         ResetConfiguration},
-    {IDM_COLOR_BACKGROUND, IDM_COLOR_BACKGROUND, [](WORD) { ChooseBackgroundColor(); }},
+    {IDM_COLOR_BG,     IDM_COLOR_BG,      [](WORD) { ChooseBackgroundColor(); }},
     {IDM_COLOR_CURSOR, IDM_COLOR_CURSOR,  [](WORD) { ChooseCursorColor(); }},
     {IDM_COLOR_TEXT,   IDM_COLOR_TEXT,    [](WORD) { ChooseTextColor(); }},
     {IDM_COLOR_BOLD,   IDM_COLOR_BOLD,    [](WORD) { ChooseBoldColor(); }},

@@ -1,0 +1,61 @@
+// Password authentication of SSH-2.
+#include "ssh/ssh2_authentication.h"
+
+#include "app/connection.h"
+#include "app/session_state.h"
+#include "config/ansi_text.h"
+#include "config/dialogs.h"
+#include "crypto/wipe.h"
+#include "ssh/ssh2_packet.h"
+#include "ssh/ssh_session.h"
+
+namespace {
+
+constexpr int kCredentialSize = 80;
+
+// The connection may end while the dialog is up: nothing more is sent then.
+bool SignOn() {
+    const SOCKET served = session.socket.load(std::memory_order_acquire);
+    const bool shown = AskSignOn();
+    if (!SshSessionStands(served) || !HasCipher()) return false;
+    if (!shown) CloseSession();
+    return shown;
+}
+
+void RefuseEmptyName() {
+    const SOCKET served = session.socket.load(std::memory_order_acquire);
+    MessageBoxW(session.main_window, TEXT("Cannot sign on to the host without a valid user name"),
+                TEXT("Error"), MB_OK | MB_ICONERROR);
+    if (SshSessionStands(served)) CloseSession();
+}
+
+void SendPasswordRequest(const char* name, const char* password) {
+    static const char kService[] = "ssh-connection";
+    static const char kMethod[] = "password";
+    BeginPacket(kMsgUserauthRequest, 1 + StringSize(name) + StringSize(kService) +
+                                         StringSize(kMethod) + 1 + StringSize(password));
+    BYTE* at = PutString(Payload(), name);
+    at = PutString(at, kService);
+    at = PutString(at, kMethod);
+    at = PutByte(at, 0);  // no change of the password
+    PutString(at, password);
+    SendPacket();
+}
+
+}  // namespace
+
+void Ssh2Authenticate(bool retry) {
+    if ((retry || !session.settings.ssh_def) && !SignOn()) return;
+    char name[kCredentialSize] = {};
+    char password[kCredentialSize] = {};
+    AnsiFromWide(session.settings.ssh_u, name, kCredentialSize);
+    if (!name[0]) return RefuseEmptyName();
+    AnsiFromWide(session.settings.ssh_p, password, kCredentialSize);
+    SendPasswordRequest(name, password);
+    Wipe(name, sizeof(name));
+    Wipe(password, sizeof(password));
+}
+
+void OnServiceAccept() { Ssh2Authenticate(false); }
+
+void OnUserauthFailure() { Ssh2Authenticate(true); }

@@ -1,0 +1,304 @@
+// Authentication and the channel, after the first exchange of keys.
+#include "tests/ssh2/conversation.h"
+
+class Ssh2Authentication : public Conversation {};
+class Ssh2Channel : public Conversation {};
+
+static void EnterInDialog(const char* user, const char* password) {
+    outside.sign_on = [=] {
+        SetText(session.settings.ssh_u, user);
+        SetText(session.settings.ssh_p, password);
+        return true;
+    };
+}
+
+// ---------------------------------------------------------------- authentication
+
+TEST_F(Ssh2Authentication, RememberedPasswordGoesOutWithoutADialogAndAFailureBringsItUp) {
+    ToPassword();
+    EXPECT_EQ(outside.sign_ons, 0);
+    EnterInDialog("second", "try");
+    Give(Message(51, Str("password") + Message(0)));
+    EXPECT_EQ(outside.sign_ons, 1);
+    Expect(PasswordRequest("second", "try"));
+    ExpectOpen();
+}
+
+TEST_F(Ssh2Authentication, WithoutRememberingTheDialogComesFirst) {
+    session.settings.ssh_def = 0;
+    EnterInDialog("somebody", "secret");
+    ToService();
+    EXPECT_EQ(outside.sign_ons, 0);
+    Give(Message(6, Str("any service")));
+    EXPECT_EQ(outside.sign_ons, 1);
+    Expect(PasswordRequest("somebody", "secret"));
+    ExpectSilence();
+}
+
+TEST_F(Ssh2Authentication, FailuresAskAgainWithoutLimit) {
+    ToPassword();
+    EnterInDialog("visitor", "wrong");
+    for (int attempt = 1; attempt <= 50; attempt++) {
+        Give(Message(51));
+        EXPECT_EQ(outside.sign_ons, attempt);
+        Expect(PasswordRequest("visitor", "wrong"));
+    }
+    Give(Message(52));
+    EXPECT_EQ(Take()[0], 90);
+    ExpectOpen();
+}
+
+TEST_F(Ssh2Authentication, CancelledDialogSendsWhatStands) {
+    session.settings.ssh_def = 0;
+    outside.sign_on = [] {
+        session.dialog_result = -1;
+        return true;
+    };
+    ToService();
+    Give(Message(6));
+    Expect(PasswordRequest("visitor", "warehouse7"));
+    ExpectOpen();
+}
+
+TEST_F(Ssh2Authentication, DialogThatCannotBeShownClosesTheSession) {
+    session.settings.ssh_def = 0;
+    outside.sign_on = [] { return false; };
+    ToService();
+    Give(Message(6));
+    ExpectClosed();
+}
+
+TEST_F(Ssh2Authentication, EmptyUserNameIsToldAndClosesTheSession) {
+    SetText(session.settings.ssh_u, "");
+    ToService();
+    Give(Message(6));
+    ASSERT_EQ(outside.boxes.size(), 1u);
+    EXPECT_EQ(outside.boxes[0], "Error: Cannot sign on to the host without a valid user name");
+    EXPECT_EQ(outside.closes, 1);
+    ExpectSilence();
+}
+
+TEST_F(Ssh2Authentication, ConnectionThatEndsDuringTheDialogGetsNoPassword) {
+    session.settings.ssh_def = 0;
+    outside.sign_on = [] {
+        session.connected = 0;
+        return true;
+    };
+    ToService();
+    Give(Message(6));
+    ExpectSilence();
+    EXPECT_EQ(outside.closes, 0);
+}
+
+TEST_F(Ssh2Authentication, SessionThatIsClosedDuringTheDialogGetsNoPassword) {
+    session.settings.ssh_def = 0;
+    outside.sign_on = [] {
+        session.socket = 8;  // the next session's
+        return true;
+    };
+    ToService();
+    std::string bytes = Seal(server, Message(6));
+    bytes += Seal(server, Message(52));
+    Receive(bytes);
+    EXPECT_EQ(outside.sign_ons, 1);
+    session.socket = 7;
+    ExpectSilence();
+    EXPECT_EQ(session.ssh.recvFill, 0);
+}
+
+TEST_F(Ssh2Authentication, LongestNameAndPasswordGoOutWhole) {
+    const std::string name(kSettingUnits - 1, 'n'), password(kSettingUnits - 1, '\xe4');
+    SetText(session.settings.ssh_u, name.c_str());
+    SetText(session.settings.ssh_p, password.c_str());
+    ToService();
+    Give(Message(6));
+    Expect(PasswordRequest(name, password));
+}
+
+TEST_F(Ssh2Authentication, RequestToChangeThePasswordClosesTheSession) {
+    ToPassword();
+    Give(Message(60, Str("change it") + Str("")));
+    ExpectClosed();
+}
+
+// ---------------------------------------------------------------- opening
+
+TEST_F(Ssh2Channel, OpensWithPtyAndShell) { ToShell(); }
+
+TEST_F(Ssh2Channel, SecondSuccessSendsNothing) {
+    ToShell();
+    for (int i = 0; i < 3; i++) Give(Message(99, U32(27)));
+    ExpectSilence();
+}
+
+TEST_F(Ssh2Channel, PtyIsOf80ColumnsAnd24RowsWhateverTheWindowShows) {
+    session.narrow_screen = 1;
+    session.client_width = 240;
+    ToPty();  // compares the request
+    session.narrow_screen = 0;
+}
+
+TEST_F(Ssh2Channel, PtyNamesTheTerminalType) {
+    const std::string type(39, 't');
+    SetText(session.settings.termtype, type.c_str());
+    ToChannel();
+    Give(Message(91, U32(27) + U32(kServerChannel) + U32(0) + U32(32768)));
+    Expect(PtyRequest(type));
+}
+
+TEST_F(Ssh2Channel, RefusedOpenClosesTheSession) {
+    ToChannel();
+    Give(Message(92, U32(27) + U32(1) + Str("no") + Str("")));
+    ExpectClosed();
+}
+
+TEST_F(Ssh2Channel, RefusedPtyClosesTheSession) {
+    ToPty();
+    Give(Message(100, U32(27)));
+    ExpectClosed();
+}
+
+TEST_F(Ssh2Channel, RefusedShellClosesTheSession) {
+    ToPty();
+    Give(Message(99, U32(27)));
+    Take();
+    Give(Message(100, U32(27)));
+    ExpectClosed();
+}
+
+TEST_F(Ssh2Channel, ConfirmationThatIsCutOffIsDropped) {
+    ToChannel();
+    Give(Message(91, U32(27) + U32(kServerChannel) + "abc"));
+    ExpectSilence();
+    EXPECT_EQ(session.ssh2.channelOpen, 0u);
+    ExpectOpen();
+}
+
+// ---------------------------------------------------------------- bytes in
+
+TEST_F(Ssh2Channel, DataIsShown) {
+    ToShell();
+    Give(Data("some text"));
+    Give(Message(95, U32(27) + U32(1) + Str(", an error")));
+    Give(Message(95, U32(27) + U32(77) + Str(", anything")));
+    EXPECT_EQ(outside.display, "some text, an error, anything");
+    ExpectSilence();
+}
+
+TEST_F(Ssh2Channel, DataOf4000BytesLeavesTheWindow) {
+    ToShell();
+    Give(Data(std::string(4000, 'd')));
+    ExpectSilence();
+    EXPECT_EQ(session.ssh2.localWindow, 4000);
+    Give(Data("d"));
+    Expect(Adjust(4001));
+    EXPECT_EQ(session.ssh2.localWindow, 8000);
+}
+
+TEST_F(Ssh2Channel, DataOf4001BytesIsAnsweredByAnAdjustOf4001) {
+    ToShell();
+    Give(Data(std::string(4001, 'd')));
+    Expect(Adjust(4001));
+    ExpectSilence();
+    EXPECT_EQ(session.ssh2.localWindow, 8000);
+    EXPECT_EQ(outside.display, std::string(4001, 'd'));
+}
+
+TEST_F(Ssh2Channel, ExtendedDataCountsInTheWindow) {
+    ToShell();
+    Give(Data(std::string(3000, 'd')));
+    Give(Message(95, U32(27) + U32(1) + Str(std::string(1001, 'e'))));
+    Expect(Adjust(4001));
+}
+
+TEST_F(Ssh2Channel, ServerThatOverrunsTheWindowGetsAllOfItBack) {
+    ToShell();
+    Give(Data(std::string(20000, 'd')));
+    Expect(Adjust(20000));
+    EXPECT_EQ(outside.display.size(), 20000u);
+}
+
+TEST_F(Ssh2Channel, DataWhoseLengthLeadsOutsideThePacketIsDropped) {
+    ToShell();
+    for (uint32_t length : {5u, 13u, 300u, 0x7fffffffu, 0x80000000u, 0xffffffffu}) {
+        Give(Message(94, U32(27) + U32(length) + "data"));
+        Give(Message(95, U32(27) + U32(1) + U32(length) + "data"));
+    }
+    for (const char* cut : {"", "\0\0\0", "abcd", "abcdefg"}) {
+        Give(Message(94, cut));
+        Give(Message(95, cut));
+    }
+    EXPECT_EQ(outside.display, "");
+    EXPECT_EQ(session.ssh2.localWindow, 8000);
+    Give(Data("still here"));
+    EXPECT_EQ(outside.display, "still here");
+    ExpectSilence();
+    ExpectOpen();
+}
+
+TEST_F(Ssh2Channel, MessagesThatNeedNoAnswerGetNone) {
+    ToShell();
+    const int ignored[] = {0, 1, 2, 3, 4, 5, 7, 22, 30, 53, 80, 81, 82, 90, 93, 96, 98, 101, 255};
+    for (const int number : ignored)
+        Give(Message(number, U32(27) + Str("exit-status") + Message(1)));
+    ExpectSilence();
+    EXPECT_EQ(outside.display, "");
+    Give(Data("still here"));
+    EXPECT_EQ(outside.display, "still here");
+    ExpectOpen();
+}
+
+TEST_F(Ssh2Channel, CloseEndsTheSessionAndIsNotAnswered) {
+    ToShell();
+    std::string bytes = Seal(server, Message(97, U32(27)));
+    bytes += Seal(server, Data("too late"));
+    Receive(bytes);
+    ExpectClosed();
+    EXPECT_EQ(outside.display, "");
+}
+
+// ---------------------------------------------------------------- bytes out
+
+TEST_F(Ssh2Channel, TypedBytesAreOnePacketEach) {
+    ToShell();
+    Type("l");
+    Type("s\xff\r");
+    Expect(ClientData("l"));
+    Expect(ClientData("s\xff\r"));
+    ExpectSilence();
+}
+
+TEST_F(Ssh2Channel, LongDataIsSplitAt16384Bytes) {
+    ToShell();
+    std::string bytes;
+    for (int i = 0; i < 40000; i++) bytes += static_cast<char>(i % 251);
+    Type(bytes);
+    Expect(ClientData(bytes.substr(0, 16384)));
+    Expect(ClientData(bytes.substr(16384, 16384)));
+    Expect(ClientData(bytes.substr(32768)));
+    Type(bytes.substr(0, 16384));
+    Expect(ClientData(bytes.substr(0, 16384)));
+    ExpectSilence();
+}
+
+TEST_F(Ssh2Channel, DataIsNotHeldBackForTheServersWindow) {
+    ToShell();
+    EXPECT_EQ(session.ssh2.remoteWindow, 0u);
+    for (int i = 0; i < 5; i++) {
+        Type(std::string(16384, 'x'));
+        Expect(ClientData(std::string(16384, 'x')));
+    }
+}
+
+TEST_F(Ssh2Channel, TypingBeforeTheChannelIsOpenIsLost) {
+    Type("a");
+    Identify();
+    Type("b");
+    Offer();
+    Type("c");
+    Reply();
+    SwitchKeys();
+    Take();
+    Type("d");
+    ExpectSilence();
+}

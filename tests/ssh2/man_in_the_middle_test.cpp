@@ -1,0 +1,119 @@
+// A man in the middle who changes one bit. Before the keys he gets no NEWKEYS out of the client,
+// behind them his packet is dropped. One bit of each byte is tried, a different one in each; of
+// long numbers every fifth byte.
+#include "tests/ssh2/conversation.h"
+
+class Ssh2ManInTheMiddle : public Conversation {
+  protected:
+    // A new session, up to what is changed in each test.
+    void Begin() {
+        NewSession();
+        server = {};
+        offers = 0;
+    }
+    void BeginToOffer() {
+        Begin();
+        Identify();
+    }
+
+    // The client has not agreed, whatever it made of the change; nor does it after NEWKEYS.
+    void ExpectNoKeys(size_t place) {
+        Give(Message(21));
+        EXPECT_EQ(session.ssh2.cipher, nullptr) << place;
+        EXPECT_EQ(session.ssh_progress, 0u) << place;
+        EXPECT_EQ(outside.wire.find(U32(12) + "\x0a\x15"), std::string::npos) << place;
+    }
+
+    // The server goes by what it sent and got itself.
+    void GoOnWithReply() {
+        server.client_kex_init = ClientKexInit(tape, cipher);
+        tape.Take(7);
+        server.e = ClientPublic(tape);
+        Give(KexDhReply(server, "SSH-2.0-1.0.00"));
+    }
+};
+
+static std::string Changed(std::string bytes, size_t place) {
+    bytes[place] = static_cast<char>(bytes[place] ^ 1 << place % 8);
+    return bytes;
+}
+
+// The end of the line is in no hash; changing it changes nothing but the end.
+TEST_F(Ssh2ManInTheMiddle, ABitOfTheLineGetsNoKeys) {
+    const size_t length = server.line.find('\r');
+    for (size_t place = 0; place < length; place++) {
+        Begin();
+        Receive(Changed(server.line, place));
+        outside.wire.clear();
+        Offer();
+        Give(KexDhReply(server, "SSH-2.0-1.0.00"));
+        ExpectSilence();
+        ExpectNoKeys(place);
+    }
+}
+
+// The padding of a packet in the clear is in no hash either.
+TEST_F(Ssh2ManInTheMiddle, ABitOfTheOfferGetsNoKeys) {
+    const size_t size = 5 + ServerKexInit().size();
+    for (size_t place = 0; place < size; place++) {
+        BeginToOffer();
+        server.server_kex_init = ServerKexInit();
+        tape = Tape(5);
+        Receive(Changed(Seal(server, server.server_kex_init), place));
+        GoOnWithReply();
+        ExpectNoKeys(place);
+    }
+}
+
+TEST_F(Ssh2ManInTheMiddle, ABitOfHostKeyOrPublicValueGetsNoKeys) {
+    const size_t size = 5 + 1 + 4 + HostKeyBlob().size() + 4 + 128;
+    for (size_t place = 0; place < size; place += place < 30 ? 1 : 5) {
+        BeginToOffer();
+        Offer();
+        Receive(Changed(Seal(server, KexDhReply(server, "SSH-2.0-1.0.00")), place));
+        ExpectSilence();
+        ExpectNoKeys(place);
+    }
+}
+
+// Of the blob, the two numbers are what is signed with; their own length field is not looked at.
+TEST_F(Ssh2ManInTheMiddle, ABitOfTheSignatureGetsNoKeys) {
+    BeginToOffer();
+    Offer();
+    const size_t end = 5 + KexDhReply(server, "SSH-2.0-1.0.00").size();
+    for (size_t place = end - 40; place < end; place++) {
+        BeginToOffer();
+        Offer();
+        Receive(Changed(Seal(server, KexDhReply(server, "SSH-2.0-1.0.00")), place));
+        ExpectSilence();
+        ExpectNoKeys(place);
+    }
+}
+
+TEST_F(Ssh2ManInTheMiddle, ABitOfOurValueOrOfferFailsAtTheServersSignature) {
+    for (const bool offer : {false, true}) {
+        BeginToOffer();
+        Offer();
+        std::string& bytes = offer ? server.client_kex_init : server.e;
+        bytes = Changed(bytes, bytes.size() - 9);
+        Give(KexDhReply(server, "SSH-2.0-1.0.00"));
+        ExpectSilence();
+        ExpectNoKeys(offer);
+    }
+}
+
+TEST_F(Ssh2ManInTheMiddle, ABitOfCiphertextOrMacDropsThePacketAndWhatFollows) {
+    const size_t size = 4 + 1 + Data("rm -rf /").size() + 10 + 20;
+    ASSERT_EQ(size % 8, 4u) << "whole blocks and the MAC";
+    for (size_t place = 0; place < size; place++) {
+        Begin();
+        ToShell();
+        const uint32_t expected = session.ssh2.recvSeq;
+        std::string bytes = Changed(Seal(server, Data("rm -rf /")), place);
+        bytes += Seal(server, Data("and more"));
+        Receive(bytes);
+        EXPECT_EQ(outside.display, "") << place;
+        EXPECT_EQ(session.ssh2.recvSeq, expected) << place;
+        ExpectSilence();
+    }
+}

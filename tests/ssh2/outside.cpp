@@ -1,0 +1,103 @@
+// The doubles.
+#include "tests/ssh2/outside.h"
+
+#include "app/connection.h"
+#include "app/receive_thread.h"
+#include "app/status_bar.h"
+#include "config/ansi_text.h"
+#include "config/dialogs.h"
+#include "platform/qt/testing_services.h"
+#include "ssh/ssh_session.h"
+#include "telnet/session_send.h"
+#include "telnet/socket_event.h"
+#include "terminal/interpreter.h"
+#include "terminal/terminal_write.h"
+#include "terminal/view.h"
+
+Outside outside;
+
+static const SOCKET kSocket = 7;
+
+int SliceSend(SOCKET socket, const char* bytes, int size, int) {
+    if (socket != kSocket || size < 1) return SOCKET_ERROR;
+    if (outside.sends_that_fail > 0) {
+        outside.sends_that_fail--;
+        return SOCKET_ERROR;
+    }
+    outside.wire.append(bytes, static_cast<size_t>(size));
+    return size;
+}
+
+void TerminalWrite(const BYTE* bytes, int count) {
+    outside.display.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
+}
+
+int TerminalFeedByte(BYTE) { return 0; }
+const char* TerminalTakeReply() { return nullptr; }
+void RefreshTerminal() {}
+void WakeReceiveThread() {}
+void UpdateStatus() { outside.statuses++; }
+void SessionClosed() { ForgetSshSession(); }
+
+void SessionClose() {
+    outside.closes++;
+    session.socket = INVALID_SOCKET;
+}
+
+void CloseSession() {
+    ResetCiphers();
+    SessionClose();
+}
+
+bool AskSignOn() {
+    outside.sign_ons++;
+    return outside.sign_on ? outside.sign_on() : true;
+}
+
+static std::string Narrow(LPCWSTR text) {
+    std::string narrow;
+    for (; *text; text++) narrow += static_cast<char>(*text);
+    return narrow;
+}
+
+int MessageBoxW(HWND, LPCWSTR text, LPCWSTR caption, UINT) {
+    outside.boxes.push_back(Narrow(caption) + ": " + Narrow(text));
+    if (outside.during_box) outside.during_box();
+    return IDOK;
+}
+
+void NewSession(int milliseconds) {
+    ForgetSshSession();
+    outside = {};
+    services_test_hooks.system_time = milliseconds;
+    session.settings = {};
+    session.settings.ssh = 1;
+    session.settings.ssh_type = 1;
+    session.settings.ssh_type2 = 1;
+    session.settings.ssh_def = 1;
+    SetText(session.settings.ssh_u, "visitor");
+    SetText(session.settings.ssh_p, "warehouse7");
+    SetText(session.settings.termtype, "vt220");
+    session.banner_sent = 0;
+    session.ssh_progress = 0;
+    session.receive_ready = 0;
+    session.connected = 1;
+    session.socket = kSocket;
+}
+
+void Receive(const std::string& bytes, size_t chunk) {
+    for (size_t at = 0; at < bytes.size(); at += chunk) {
+        const std::string piece = bytes.substr(at, chunk);
+        std::memset(session.receive_buffer, '#', kReceiveSize);
+        piece.copy(session.receive_buffer, kReceiveSize);
+        session.receive_count = static_cast<int>(piece.size());
+        session.receive_ready = 0;
+        OnSocketEvent(0);
+    }
+}
+
+void Type(const std::string& bytes) {
+    SessionSend(reinterpret_cast<const BYTE*>(bytes.data()), static_cast<int>(bytes.size()), 0);
+}
+
+void SetText(WCHAR* field, const char* text) { WideFromAnsi(text, field, kSettingUnits); }

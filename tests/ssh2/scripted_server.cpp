@@ -1,0 +1,290 @@
+// The server's side of SSH-2.
+#include "tests/ssh2/scripted_server.h"
+
+#include <gmp.h>
+#include <gtest/gtest.h>
+#include <openssl/evp.h>
+#include <openssl/hmac.h>
+#include <openssl/provider.h>
+
+#include <cstdlib>
+
+namespace {
+
+// ---------------------------------------------------------------- numbers
+
+const char kPrime[] =
+    "FFFFFFFFFFFFFFFFC90FDAA22168C234C4C6628B80DC1CD129024E088A67CC74020BBEA63B139B22514A08798E3404"
+    "DD"
+    "EF9519B3CD3A431B302B0A6DF25F14374FE1356D6D51C245E485B576625E7EC6F44C42E9A637ED6B0BFF5CB6F406B7"
+    "ED"
+    "EE386BFB5A899FA5AE9F24117C4B1FE649286651ECE65381FFFFFFFFFFFFFFFF";
+const char kServerSecret[] = "a1b2c3d4e5f60718293a4b5c6d7e8f90123456789abcdef0fedcba9876543210";
+const char kSignatureSecret[] = "7f6e5d4c3b2a19080716253443526170ffeeddcc";
+
+// A host key of 1,024 bits, made for these tests.
+const char kHostKeyP[] =
+    "8823b57905acd21a17e7f5eacf502cf66747fa5bc3957188e2833cc5e900413eb4b540dfed89f0aa"
+    "ea2274b0fcc2b24c948048f03b59d6d1c4d94c9baeeddd77b6e07bbc24dff50832ebd1653d2874c2"
+    "f6f4d70fbe96b654968286b946c871dcc4abd0e062cea0be8e0f83112209ad1a4519ebbf7d3bce0a"
+    "0ff3bb9845ab2a89";
+const char kHostKeyQ[] = "f02d183c1f51866c5b4588fae9d38b8e56dc4419";
+const char kHostKeyG[] =
+    "6319de8cce3db9c07af92f69a6d6e7e6dd06a7432aadfbef756b76764c0bf7a8293b9577fecd1669"
+    "df323d6aed9a3bc3e6a325d686eb057fb3ba651d5c6876b498eac8ebcafd34d8cea638bb28f09844"
+    "8a232fa2b90f8041f16a2d6ddfba6a827b8ed50a221dbafed9a5e03403eb8427503279b54ab45eed"
+    "792da50aa4cbad1c";
+const char kHostKeyY[] =
+    "350aaba6e9adb3279ceabcb8c75b3bac42f2611272d9b5dc40ba58e5e89c465ce743b68eb581008b"
+    "522e18766e8eb3b28e2e050839fadf42904d32cb66eb3f767943b81309e3c95acf7015dc5c8e939d"
+    "fe1d91f95b155e899d4bde29123f532e38173495c86006e0ac1f4fc2a60029202784871859be3749"
+    "5d82ea9d1b945d70";
+const char kHostKeyX[] = "190c9ea56946691124eea0c902d7e6aa8001bf8f";
+
+struct Number {
+    Number() { mpz_init(value); }
+    explicit Number(const char* hex) { mpz_init_set_str(value, hex, 16); }
+    Number(const Number&) = delete;
+    Number& operator=(const Number&) = delete;
+    ~Number() { mpz_clear(value); }
+    mpz_t value;
+};
+
+void SetBytes(Number* number, const std::string& big_endian) {
+    mpz_import(number->value, big_endian.size(), 1, 1, 1, 0, big_endian.data());
+}
+
+std::string Bytes(const Number& number) {
+    std::string bytes((mpz_sizeinbase(number.value, 2) + 7) / 8, '\0');
+    size_t count = 0;
+    mpz_export(bytes.data(), &count, 1, 1, 1, 0, number.value);
+    return bytes.substr(0, count);
+}
+
+std::string MpintOf(const Number& number) { return Mpint(Bytes(number)); }
+
+std::string FixedBytes(const Number& number, size_t size) {
+    const std::string bytes = Bytes(number);
+    return std::string(size - bytes.size(), '\0') + bytes;
+}
+
+// ---------------------------------------------------------------- hashes
+
+const unsigned char* Raw(const std::string& bytes) {
+    return reinterpret_cast<const unsigned char*>(bytes.data());
+}
+
+std::string Sha1Of(const std::string& bytes) {
+    std::string digest(20, '\0');
+    EVP_Digest(bytes.data(), bytes.size(), reinterpret_cast<unsigned char*>(digest.data()), nullptr,
+               EVP_sha1(), nullptr);
+    return digest;
+}
+
+std::string Mac(const std::string& key, uint32_t sequence, const std::string& packet) {
+    const std::string input = U32(sequence) + packet;
+    std::string mac(20, '\0');
+    HMAC(EVP_sha1(), key.data(), static_cast<int>(key.size()), Raw(input), input.size(),
+         reinterpret_cast<unsigned char*>(mac.data()), nullptr);
+    return mac;
+}
+
+std::string KeyMaterial(const ScriptedServer& server, char letter) {
+    const std::string first = Sha1Of(server.k + server.hash + letter + server.session_id);
+    return first + Sha1Of(server.k + server.hash + first);
+}
+
+// ---------------------------------------------------------------- packets
+
+std::string LeastPadding(size_t payload, int more) {
+    size_t padding = 4;
+    while ((5 + payload + padding) % 8) padding++;
+    return std::string(padding + 8 * static_cast<size_t>(more), 'p');
+}
+
+std::string Broken(const std::string& why, std::string* wire) {
+    ADD_FAILURE() << why << "; " << wire->size() << " bytes wait: " << Hex(wire->substr(0, 64));
+    wire->clear();
+    return "broken";
+}
+
+}  // namespace
+
+struct CipherStream {
+    CipherStream(bool blowfish, const std::string& key, const std::string& iv, int encrypt) {
+        static OSSL_PROVIDER* const legacy = OSSL_PROVIDER_load(nullptr, "legacy");
+        static OSSL_PROVIDER* const standard = OSSL_PROVIDER_load(nullptr, "default");
+        EXPECT_TRUE(legacy && standard);
+        cipher = EVP_CIPHER_fetch(nullptr, blowfish ? "BF-CBC" : "DES-EDE3-CBC", nullptr);
+        EVP_CipherInit_ex(context, cipher, nullptr, nullptr, nullptr, encrypt);
+        EVP_CIPHER_CTX_set_key_length(context, blowfish ? 16 : 24);
+        EVP_CipherInit_ex(context, nullptr, nullptr, Raw(key), Raw(iv), encrypt);
+        EVP_CIPHER_CTX_set_padding(context, 0);
+    }
+    CipherStream(const CipherStream&) = delete;
+    CipherStream& operator=(const CipherStream&) = delete;
+    ~CipherStream() {
+        EVP_CIPHER_CTX_free(context);
+        EVP_CIPHER_free(cipher);
+    }
+    std::string Run(std::string text) {
+        int size = 0;
+        auto* bytes = reinterpret_cast<unsigned char*>(text.data());
+        EVP_CipherUpdate(context, bytes, &size, bytes, static_cast<int>(text.size()));
+        EXPECT_EQ(static_cast<size_t>(size), text.size());
+        return text;
+    }
+    EVP_CIPHER* cipher = nullptr;
+    EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
+};
+
+std::string U32(uint32_t value) {
+    std::string bytes;
+    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift & 0xff);
+    return bytes;
+}
+
+std::string Str(const std::string& bytes) {
+    return U32(static_cast<uint32_t>(bytes.size())) + bytes;
+}
+
+std::string Mpint(const std::string& magnitude) {
+    const size_t first = magnitude.find_first_not_of('\0');
+    if (first == std::string::npos) return Str("");
+    const std::string bytes = magnitude.substr(first);
+    return Str(static_cast<unsigned char>(bytes[0]) & 0x80 ? '\0' + bytes : bytes);
+}
+
+std::string Message(int number, const std::string& rest) {
+    return static_cast<char>(number) + rest;
+}
+
+std::string Hex(const std::string& bytes) {
+    static const char digits[] = "0123456789abcdef";
+    std::string text;
+    for (const char c : bytes) {
+        text += digits[static_cast<unsigned char>(c) >> 4];
+        text += digits[c & 15];
+    }
+    return text;
+}
+
+Tape::Tape(int milliseconds) {
+    std::srand(static_cast<unsigned>(milliseconds % 1000 % 37));
+    while (bytes.size() < 8192)
+        if (const int value = std::rand()) bytes.push_back(static_cast<uint8_t>(value & 0xff));
+}
+
+std::string Tape::Take(size_t count) {
+    at += count;
+    return std::string(bytes.begin() + static_cast<long>(at - count),
+                       bytes.begin() + static_cast<long>(at));
+}
+
+std::string SealBody(ScriptedServer& server, uint32_t packet_length, const std::string& body) {
+    const std::string packet = U32(packet_length) + body;
+    const uint32_t sequence = server.sent++;
+    if (!server.keyed) return packet;
+    return server.to_client->Run(packet) + Mac(server.mac_to_client, sequence, packet);
+}
+
+std::string Seal(ScriptedServer& server, const std::string& payload, int more) {
+    const std::string padding = LeastPadding(payload.size(), more);
+    const std::string body = static_cast<char>(padding.size()) + payload + padding;
+    return SealBody(server, static_cast<uint32_t>(body.size()), body);
+}
+
+std::string Open(ScriptedServer& server, Tape& tape, std::string* wire) {
+    const size_t mac_size = server.keyed ? 20 : 0;
+    if (wire->size() < 16 + mac_size) return Broken("no packet", wire);
+    std::string packet = wire->substr(0, 8);
+    if (server.keyed) packet = server.from_client->Run(packet);
+    const std::string length = packet.substr(0, 4);
+    size_t size = 4;
+    for (int i = 0; i < 4; i++)
+        size += static_cast<size_t>(static_cast<unsigned char>(length[static_cast<size_t>(i)]))
+                << (24 - 8 * i);
+    if (size % 8 || size < 16 || wire->size() < size + mac_size)
+        return Broken("a packet of " + std::to_string(size) + " bytes", wire);
+    const std::string rest = wire->substr(8, size - 8);
+    packet += server.keyed ? server.from_client->Run(rest) : rest;
+    const uint32_t sequence = server.received++;
+    if (server.keyed && wire->substr(size, 20) != Mac(server.mac_from_client, sequence, packet))
+        return Broken("a wrong MAC", wire);
+    const size_t padding = static_cast<unsigned char>(packet[4]);
+    if (padding + 6 > size) return Broken("no payload", wire);
+    const std::string payload = packet.substr(5, size - 5 - padding);
+    if (padding != LeastPadding(payload.size(), 0).size())
+        return Broken("padding of " + std::to_string(padding) + " bytes", wire);
+    if (packet.substr(size - padding) != tape.Take(padding))
+        return Broken("padding that is not what the generator gave", wire);
+    wire->erase(0, size + mac_size);
+    return payload;
+}
+
+std::string ServerKexInit(const std::string& cookie) {
+    return Message(20, cookie + Str("diffie-hellman-group1-sha1") + Str("ssh-dss") +
+                           Str("3des-cbc,blowfish-cbc") + Str("3des-cbc,blowfish-cbc") +
+                           Str("hmac-sha1") + Str("hmac-sha1") + Str("none") + Str("none") +
+                           Str("") + Str("") + std::string(5, '\0'));
+}
+
+std::string ClientKexInit(Tape& tape, const std::string& cipher) {
+    const std::string ciphers = cipher.empty() ? "" : Str(cipher) + Str(cipher);
+    return Message(20, tape.Take(16) + Str("diffie-hellman-group1-sha1") + Str("ssh-dss") +
+                           ciphers + Str("hmac-sha1") + Str("hmac-sha1") + Str("none") +
+                           Str("none") + std::string(13, '\0'));
+}
+
+std::string ClientPublic(Tape& tape) {
+    const std::string bits = tape.Take(32);
+    Number x, e, p(kPrime), g("2");
+    SetBytes(&x, std::string(bits.rbegin(), bits.rend()));
+    mpz_powm(e.value, g.value, x.value, p.value);
+    return MpintOf(e);
+}
+
+std::string HostKeyBlob() {
+    return Str("ssh-dss") + MpintOf(Number(kHostKeyP)) + MpintOf(Number(kHostKeyQ)) +
+           MpintOf(Number(kHostKeyG)) + MpintOf(Number(kHostKeyY));
+}
+
+std::string SignatureBlob(const std::string& hash) {
+    Number p(kHostKeyP), q(kHostKeyQ), g(kHostKeyG), x(kHostKeyX), k(kSignatureSecret), r, s, h;
+    SetBytes(&h, Sha1Of(hash));
+    mpz_mod(k.value, k.value, q.value);
+    mpz_powm(r.value, g.value, k.value, p.value);
+    mpz_mod(r.value, r.value, q.value);
+    mpz_mul(s.value, x.value, r.value);
+    mpz_add(s.value, s.value, h.value);
+    mpz_invert(k.value, k.value, q.value);
+    mpz_mul(s.value, s.value, k.value);
+    mpz_mod(s.value, s.value, q.value);
+    return Str("ssh-dss") + Str(FixedBytes(r, 20) + FixedBytes(s, 20));
+}
+
+std::string KexDhReply(ScriptedServer& server, const std::string& client_line) {
+    Number e, f, k, p(kPrime), g("2"), y(kServerSecret);
+    SetBytes(&e, server.e.substr(4));
+    mpz_powm(f.value, g.value, y.value, p.value);
+    mpz_powm(k.value, e.value, y.value, p.value);
+    server.f = MpintOf(f);
+    server.k = MpintOf(k);
+    const std::string line = server.line.substr(0, server.line.find_first_of("\r\n"));
+    server.hash =
+        Sha1Of(Str(client_line) + Str(line) + Str(server.client_kex_init) +
+               Str(server.server_kex_init) + Str(HostKeyBlob()) + server.e + server.f + server.k);
+    return Message(31, Str(HostKeyBlob()) + server.f + Str(SignatureBlob(server.hash)));
+}
+
+void InstallKeys(ScriptedServer& server) {
+    if (server.session_id.empty()) server.session_id = server.hash;
+    const bool blowfish = server.blowfish;
+    server.from_client = std::make_shared<CipherStream>(blowfish, KeyMaterial(server, 'C'),
+                                                        KeyMaterial(server, 'A'), 0);
+    server.to_client = std::make_shared<CipherStream>(blowfish, KeyMaterial(server, 'D'),
+                                                      KeyMaterial(server, 'B'), 1);
+    server.mac_from_client = KeyMaterial(server, 'E').substr(0, 20);
+    server.mac_to_client = KeyMaterial(server, 'F').substr(0, 20);
+    server.keyed = true;
+}

@@ -1,0 +1,70 @@
+// The server's side of SSH-2 (RFC 4253), on GMP and libcrypto: it takes nothing from ssh/ or
+// crypto/, so what the client sends is judged by other code. Its numbers are fixed.
+#ifndef QUILL_TESTS_SSH2_SCRIPTED_SERVER_H
+#define QUILL_TESTS_SSH2_SCRIPTED_SERVER_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+// ---------------------------------------------------------------- wire forms
+
+std::string U32(uint32_t value);
+std::string Str(const std::string& bytes);        // a `string`
+std::string Mpint(const std::string& magnitude);  // an `mpint` of big-endian bytes
+std::string Message(int number, const std::string& rest = "");
+std::string Hex(const std::string& bytes);
+
+// ---------------------------------------------------------------- the client's randomness
+
+// What the client draws from its generator after it has seeded it from this clock. Made before the
+// client does so: both use the one generator of the process.
+struct Tape {
+    explicit Tape(int milliseconds);
+    std::string Take(size_t count);
+    std::vector<uint8_t> bytes;
+    size_t at = 0;
+};
+
+// ---------------------------------------------------------------- the server
+
+struct CipherStream;  // one direction of CBC
+
+struct ScriptedServer {
+    std::string line = "SSH-2.0-scripted_1.0 with a comment\r\n";
+    bool blowfish = false;
+    uint32_t sent = 0, received = 0;               // packets
+    bool keyed = false;                            // both directions encrypted and with a MAC
+    std::string client_kex_init, server_kex_init;  // payloads
+    std::string e, f, k;                           // mpints
+    std::string hash, session_id;
+    std::shared_ptr<CipherStream> to_client, from_client;
+    std::string mac_to_client, mac_from_client;  // keys
+};
+
+// The next packet to the client. Its padding is the least there may be, and `more` blocks.
+std::string Seal(ScriptedServer& server, const std::string& payload, int more = 0);
+// The same with a packet_length and padding of the test's own; `body` follows the length field.
+std::string SealBody(ScriptedServer& server, uint32_t packet_length, const std::string& body);
+
+// Takes the next packet of the client off `wire` and returns its payload. Fails the test, and
+// returns "broken", unless everything about it is as it must be: the length, the padding taken from
+// the tape, the MAC.
+std::string Open(ScriptedServer& server, Tape& tape, std::string* wire);
+
+std::string ServerKexInit(const std::string& cookie = std::string(16, 'c'));
+// What the client must offer; `cipher` empty: its two lists left out.
+std::string ClientKexInit(Tape& tape, const std::string& cipher);
+// The client's public value, by the exponent that stands on the tape.
+std::string ClientPublic(Tape& tape);
+
+std::string HostKeyBlob();
+std::string SignatureBlob(const std::string& hash);  // of a good signature over the hash
+
+// KEXDH_REPLY for the client's e; computes k and hash.
+std::string KexDhReply(ScriptedServer& server, const std::string& client_line);
+// From here on in both directions, as both NEWKEYS have been sent.
+void InstallKeys(ScriptedServer& server);
+
+#endif

@@ -1,0 +1,515 @@
+// Identification, packets and the exchange of keys.
+#include "crypto/ciphers.h"
+#include "ssh/ssh2_packet.h"
+#include "telnet/socket_event.h"
+#include "tests/ssh2/conversation.h"
+
+class Ssh2Identification : public Conversation {};
+class Ssh2Packets : public Conversation {};
+class Ssh2KeyExchange : public Conversation {};
+
+// ---------------------------------------------------------------- identification
+
+TEST_F(Ssh2Identification, TheClientWaitsForTheServersLine) {
+    ExpectSilence();
+    Identify();
+    EXPECT_EQ(outside.statuses, 1);
+}
+
+TEST_F(Ssh2Identification, AnyFirstChunkIsTakenAsTheLine) {
+    for (const char* line : {"\n", "220 mail\r\n", "SSH-1.5-old\n", "no end of line"}) {
+        NewSession();
+        server = {};
+        server.line = line;
+        ToService();
+    }
+}
+
+TEST_F(Ssh2Identification, KexInitBehindTheLineInTheSameChunkIsLost) {
+    const std::string line = server.line;
+    Receive(line + Seal(server, ServerKexInit()));
+    EXPECT_EQ(outside.wire, kClientLine);
+    outside.wire.clear();
+    EXPECT_EQ(session.ssh.recvFill, 0);
+    ExpectOpen();
+    Offer();  // the server's next one begins the exchange
+    Reply();
+}
+
+TEST_F(Ssh2Identification, AfterAFailedSendTheNextChunkIsTheLine) {
+    outside.sends_that_fail = 1;
+    Receive("SSH-2.0-lost\r\n");
+    EXPECT_EQ(session.banner_sent, 0u);
+    ToService();
+}
+
+TEST_F(Ssh2Identification, WithoutBytesNothingIsDone) {
+    for (const int count : {0, -1}) {
+        session.receive_count = count;
+        session.receive_ready = 0;
+        Receive("");
+        ExpectSilence();
+        EXPECT_EQ(session.banner_sent, 0u);
+    }
+}
+
+// ---------------------------------------------------------------- packets
+
+TEST_F(Ssh2Packets, NewKeysIsAPacketOf16BytesWith10OfPadding) {
+    Identify();
+    Offer();
+    Give(KexDhReply(server, "SSH-2.0-1.0.00"));
+    ASSERT_EQ(outside.wire.size(), 16u);
+    EXPECT_EQ(outside.wire.substr(0, 6), U32(12) + "\x0a\x15");
+    Expect(Message(21));
+}
+
+TEST_F(Ssh2Packets, ServiceRequestIsAPacketOf32BytesWith10OfPadding) {
+    Identify();
+    Offer();
+    Reply();
+    SwitchKeys();
+    EXPECT_EQ(outside.wire.size(), 32u + 20u);
+    EXPECT_EQ(Take().size(), 17u);  // which compares the padding's size
+}
+
+TEST_F(Ssh2Packets, PaddingIsOf4To11BytesForEveryPayload) {
+    ToShell();
+    for (size_t length = 1; length <= 40; length++) {
+        Type(std::string(length, 't'));
+        Expect(ClientData(std::string(length, 't')));
+    }
+}
+
+TEST_F(Ssh2Packets, ChunksOfEverySizeMakeTheSamePackets) {
+    for (const size_t chunk : {1u, 2u, 3u, 7u, 8u, 9u, 27u, 28u, 29u, 100u}) {
+        NewSession();
+        server = {};
+        ToShell();
+        std::string bytes, shown;
+        for (size_t i = 0; i < 60; i++) {
+            const std::string text(i, static_cast<char>('0' + i));
+            bytes += Seal(server, Data(text), static_cast<int>(i % 3));
+            shown += text;
+        }
+        Receive(bytes, chunk);
+        EXPECT_EQ(outside.display, shown) << "chunks of " << chunk;
+    }
+}
+
+// The padding of such a packet is less than four bytes, which nobody minds.
+TEST_F(Ssh2Packets, PacketOfOneBlockNeedsOnlyItsHeadDecrypted) {
+    ToShell();
+    const uint32_t before = session.ssh2.recvSeq;
+    Receive(SealBody(server, 4, Message(2, Message(2, "pp"))));
+    EXPECT_EQ(session.ssh2.recvSeq, before + 1);
+    Give(Data("then"));
+    EXPECT_EQ(outside.display, "then");
+}
+
+TEST_F(Ssh2Packets, PaddingBeyondThePacketDropsIt) {
+    ToShell();
+    const uint32_t before = session.ssh2.recvSeq;
+    for (const int padding : {19, 20, 100, 255})
+        Receive(
+            SealBody(server, 20, static_cast<char>(padding) + Message(97) + std::string(18, 'p')));
+    EXPECT_EQ(session.ssh2.recvSeq, before + 4) << "they count all the same";
+    ExpectOpen();
+    Give(Data("then"));
+    EXPECT_EQ(outside.display, "then");
+}
+
+TEST_F(Ssh2Packets, PacketWithoutAPayloadInTheClearIsDropped) {
+    Identify();
+    Receive(U32(0) + U32(1) + std::string(1, '\0') + U32(2) + std::string("\1p"));
+    EXPECT_EQ(session.ssh.recvFill, 0);
+    EXPECT_EQ(session.ssh2.recvSeq, 3u);
+    ExpectOpen();
+    server.sent = 3;
+    Offer();
+}
+
+TEST_F(Ssh2Packets, MacFailureLeavesRecvSeqAndTheSessionStalls) {
+    ToShell();
+    const uint32_t before = session.ssh2.recvSeq;
+    std::string packet = Seal(server, Data("changed"));
+    packet.back() = static_cast<char>(packet.back() ^ 1);
+    Receive(packet);
+    EXPECT_EQ(session.ssh2.recvSeq, before);
+    for (int i = 0; i < 3; i++) Give(Data("later"));
+    EXPECT_EQ(session.ssh2.recvSeq, before);
+    EXPECT_EQ(outside.display, "");
+    ExpectSilence();
+    ExpectOpen();
+}
+
+TEST_F(Ssh2Packets, PacketIsExpectedWithTheSameNumberAfterAMacFailure) {
+    ToShell();
+    std::string packet = Seal(server, Data("changed"));
+    packet.back() = static_cast<char>(packet.back() ^ 1);
+    Receive(packet);
+    server.sent--;
+    Give(Data("with the number of the dropped one"));
+    EXPECT_EQ(outside.display, "with the number of the dropped one");
+}
+
+TEST_F(Ssh2Packets, NegativeOrTooLongLengthDropsAllThatWaits) {
+    for (const uint32_t length : {0x80000000u, 0xffffffffu, 65536u}) {
+        NewSession();
+        server = {};
+        Identify();
+        Receive(U32(length) + "more that came along");
+        EXPECT_EQ(session.ssh.recvFill, 0) << length;
+        ExpectOpen();
+        Offer();
+        Reply();
+    }
+}
+
+TEST_F(Ssh2Packets, LengthOf65535IsWaitedForUntilTheBufferOverflows) {
+    Identify();
+    Receive(U32(65535) + std::string(65531, 'x'));
+    EXPECT_EQ(session.ssh.recvFill, 65535);
+    Offer();  // does not fit behind it: what waited is dropped
+    Reply();
+}
+
+TEST_F(Ssh2Packets, PacketOf65535BytesClosesTheSession) {
+    Identify();
+    Receive(U32(65531) + std::string(65530, 'x'));
+    ExpectOpen();
+    Receive("x");
+    ExpectClosed();
+    EXPECT_EQ(session.ssh.recvFill, 0);
+}
+
+TEST_F(Ssh2Packets, PacketOf65534BytesIsTaken) {
+    Identify();
+    Receive(U32(65530) + Message(4, Message(2)) + std::string(65528, 'x'));
+    ExpectOpen();
+    EXPECT_EQ(session.ssh2.recvSeq, 1u);
+    server.sent = 1;
+    Offer();
+}
+
+TEST_F(Ssh2Packets, OverflowBehindACipherDropsTheDecryptedHeadToo) {
+    ToShell();
+    const std::string body(65000, 'x');
+    const std::string packet = SealBody(server, 65516, Message(4, body + std::string(515, 'p')));
+    Receive(packet.substr(0, 65535 - 3000));
+    EXPECT_EQ(session.ssh2.headDecrypted, 1u);
+    Receive(std::string(2999, 'x'));
+    EXPECT_EQ(session.ssh2.headDecrypted, 1u);
+    Receive(std::string(7, 'y'));
+    EXPECT_EQ(session.ssh.recvFill, 7);
+    EXPECT_EQ(session.ssh2.headDecrypted, 0u);
+    ExpectOpen();
+}
+
+TEST_F(Ssh2Packets, DisconnectIsIgnored) {
+    ToShell();
+    Give(Message(1, U32(11) + Str("go away") + Str("")));
+    ExpectSilence();
+    ExpectOpen();
+    Give(Data("still here"));
+    EXPECT_EQ(outside.display, "still here");
+}
+
+// Nothing that carries a password or a terminal's bytes is asked for or shown in the clear.
+TEST_F(Ssh2Packets, MessagesOfLaterLayersAreIgnoredInTheClear) {
+    Identify();
+    for (const int number : {6, 51, 52, 60, 91, 92, 94, 95, 97, 99, 100})
+        Give(Message(number, U32(27) + U32(4) + U32(4) + "data"));
+    ExpectSilence();
+    EXPECT_EQ(outside.display, "");
+    EXPECT_EQ(outside.sign_ons, 0);
+    ExpectOpen();
+    Offer();
+    Reply();
+}
+
+TEST_F(Ssh2Packets, StringsAreReadInsideThePacketAlone) {
+    ToShell();
+    Give(Message(2, U32(0x80000000) + "abc"));
+    const BYTE* data = reinterpret_cast<const BYTE*>("");
+    int length = 5;
+    ReadString(&data, &length);
+    EXPECT_EQ(data, nullptr);
+    EXPECT_EQ(length, 0);
+    uint32_t value;
+    EXPECT_TRUE(ReadUint32(&value)) << "the cursor has not moved";
+    EXPECT_EQ(value, 0x80000000u);
+    EXPECT_FALSE(ReadUint32(&value));
+    Give(Message(2, Str("one") + Str("") + Str("\x80")));
+    ReadString(&data, &length);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(data), 3), "one");
+    ReadString(&data, &length);
+    EXPECT_NE(data, nullptr);
+    EXPECT_EQ(length, 0);
+    EXPECT_EQ(ReadMpint(), nullptr) << "a negative number";
+    EXPECT_EQ(ReadMpint(), nullptr) << "the end";
+}
+
+// ---------------------------------------------------------------- exchange of keys
+
+TEST_F(Ssh2KeyExchange, SshTypes0And1OfferAndUseTripleDes) {
+    for (const DWORD type : {0u, 1u}) {
+        NewSession();
+        server = {};
+        Use(type);
+        ToShell();
+        EXPECT_EQ(session.ssh2.cipher, &kTripleDesCbc);
+    }
+}
+
+TEST_F(Ssh2KeyExchange, SshType2OffersAndUsesBlowfish) {
+    Use(2);
+    ToShell();
+    EXPECT_EQ(session.ssh2.cipher, &kBlowfishCbc);
+    Give(Data("text"));
+    Type("typed");
+    EXPECT_EQ(outside.display, "text");
+    Expect(ClientData("typed"));
+}
+
+TEST_F(Ssh2KeyExchange, UnknownSshTypeLeavesTheCipherListsOut) {
+    session.settings.ssh_type = 3;
+    cipher = "";
+    ToShell();
+    EXPECT_EQ(session.ssh2.cipher, &kTripleDesCbc);
+}
+
+TEST_F(Ssh2KeyExchange, EverySeedOfTheClockIsFollowed) {
+    for (const int milliseconds : {0, 1, 36, 37, 999}) {
+        NewSession(milliseconds);
+        server = {};
+        Identify();
+        server.server_kex_init = ServerKexInit();
+        tape = Tape(milliseconds);
+        Give(server.server_kex_init);
+        const std::string expected = ClientKexInit(tape, cipher);
+        Expect(expected);
+        Expect(Message(30, ClientPublic(tape)));
+    }
+}
+
+TEST_F(Ssh2KeyExchange, TheSessionIsSecureWithTheNewKeys) {
+    Identify();
+    Offer();
+    Reply();
+    EXPECT_EQ(session.ssh_progress, 0u);
+    const int statuses = outside.statuses;
+    SwitchKeys();
+    EXPECT_EQ(session.ssh_progress, 1u);
+    EXPECT_EQ(outside.statuses, statuses + 1);
+}
+
+TEST_F(Ssh2KeyExchange, NewKeysBeforeOursClosesTheSession) {
+    Identify();
+    Give(Message(21));
+    ExpectClosed();
+
+    NewSession();
+    server = {};
+    Identify();
+    Offer();
+    Give(Message(21));
+    ExpectClosed();
+}
+
+TEST_F(Ssh2KeyExchange, SecondNewKeysClosesTheSession) {
+    ToService();
+    Give(Message(21));
+    ExpectClosed();
+}
+
+TEST_F(Ssh2KeyExchange, BadSignatureIsNotAnsweredAndNewKeysThenCloses) {
+    Identify();
+    Offer();
+    KexDhReply(server, "SSH-2.0-1.0.00");
+    Give(Message(31, Str(HostKeyBlob()) + server.f + Str(SignatureBlob("another hash"))));
+    ExpectSilence();
+    ExpectOpen();
+    Give(KexDhReply(server, "SSH-2.0-1.0.00"));  // an exchange has one reply
+    ExpectSilence();
+    ExpectOpen();
+    Give(Message(21));
+    ExpectClosed();
+}
+
+TEST_F(Ssh2KeyExchange, HostKeyThatCannotBeReadIsNotAnswered) {
+    const std::string blob = HostKeyBlob();
+    for (const std::string& key : {std::string(), Str("ssh-rsa") + blob.substr(11),
+                                   blob.substr(0, blob.size() - 1), blob.substr(0, 20)}) {
+        NewSession();
+        server = {};
+        Identify();
+        Offer();
+        KexDhReply(server, "SSH-2.0-1.0.00");
+        Give(Message(31, Str(key) + server.f + Str(SignatureBlob(server.hash))));
+        ExpectSilence();
+        ExpectOpen();
+    }
+}
+
+TEST_F(Ssh2KeyExchange, PublicValueOutsideTheGroupFailsTheExchange) {
+    const std::string prime(128, '\xff');
+    for (const std::string& f : {Str(""), Str("\x80"), Str("\xff\xff"), Str('\0' + prime),
+                                 Str(std::string(60000, 'f')), std::string("\0\0\0", 3)}) {
+        NewSession();
+        server = {};
+        Identify();
+        Offer();
+        KexDhReply(server, "SSH-2.0-1.0.00");
+        Give(Message(31, Str(HostKeyBlob()) + f + Str(SignatureBlob(server.hash))));
+        ExpectSilence();
+        ExpectOpen();
+        Give(Message(21));
+        ExpectClosed();
+    }
+}
+
+TEST_F(Ssh2KeyExchange, ReplyThatIsCutOffAnywhereIsNotAnswered) {
+    Identify();
+    Offer();
+    const std::string reply = KexDhReply(server, "SSH-2.0-1.0.00");
+    for (size_t length = 1; length < reply.size(); length += length < 12 ? 1 : 37) {
+        NewSession();
+        server.sent = server.received = 0;
+        Identify();
+        Offer();
+        Give(reply.substr(0, length));
+        ExpectSilence();
+        ExpectOpen();
+    }
+}
+
+TEST_F(Ssh2KeyExchange, ReplyThatNobodyAskedForIsIgnored) {
+    Identify();
+    Give(Message(31, Str(HostKeyBlob()) + Str("f") + Str("signature")));
+    ExpectSilence();
+    Offer();
+    Reply();
+}
+
+TEST_F(Ssh2KeyExchange, SecondReplyDoesNotTouchTheAgreedKeys) {
+    Identify();
+    Offer();
+    Reply();
+    Give(Message(31, Str(HostKeyBlob()) + Str("f") + Str("signature")));
+    ExpectSilence();
+    SwitchKeys();
+    Expect(Message(5, Str("ssh-userauth")));
+}
+
+TEST_F(Ssh2KeyExchange, SecondKexInitStartsTheExchangeAnew) {
+    Identify();
+    Offer();
+    Offer();
+    Reply();
+    Offer();  // our NEWKEYS does not count for this one
+    Give(Message(21));
+    ExpectClosed();
+}
+
+TEST_F(Ssh2KeyExchange, ServersListsAreNotRead) {
+    Identify();
+    server.server_kex_init = Message(20);
+    tape = Tape(5);
+    Give(server.server_kex_init);
+    Expect(server.client_kex_init = ClientKexInit(tape, cipher));
+    server.e = ClientPublic(tape);
+    Expect(Message(30, server.e));
+    Reply();
+}
+
+// ---------------------------------------------------------------- exchange in mid-session
+
+TEST_F(Ssh2KeyExchange, InMidSessionKeepsTheChannelAndTheSessionIdentifier) {
+    ToShell();
+    const std::string first = server.session_id;
+    for (int i = 0; i < 3; i++) {
+        Offer();
+        Reply();
+        SwitchKeys();
+        ExpectSilence();  // no service is asked for again
+        Give(Data("after"));
+        Type("typed");
+        Expect(ClientData("typed"));
+    }
+    EXPECT_EQ(outside.display, "afterafterafter");
+    EXPECT_EQ(server.session_id, first);
+    EXPECT_NE(server.hash, first);
+}
+
+TEST_F(Ssh2KeyExchange, BeforeTheChannelIsOpenAsksForTheServiceAgain) {
+    ToPassword();
+    Offer();
+    Reply();
+    SwitchKeys();
+    Expect(Message(5, Str("ssh-userauth")));
+}
+
+TEST_F(Ssh2KeyExchange, BetweenPtyAndShellForgetsThatAPtyWasAskedFor) {
+    ToPty();
+    Offer();
+    Reply();
+    SwitchKeys();
+    Give(Message(99, U32(27)));
+    ExpectSilence();
+}
+
+TEST_F(Ssh2KeyExchange, TypingMeanwhileWaitsForTheNewKeys) {
+    ToShell();
+    Offer();
+    Type("first ");
+    ExpectSilence();
+    Reply();
+    Type("second");
+    ExpectSilence();
+    Type("");
+    SwitchKeys();
+    Expect(ClientData("first second"));
+    Type("third");
+    Expect(ClientData("third"));
+    ExpectSilence();
+}
+
+TEST_F(Ssh2KeyExchange, WithAnotherSshTypeChangesTheCipher) {
+    ToShell();
+    session.settings.ssh_type = 2;
+    cipher = "blowfish-cbc";
+    Offer();
+    Reply();
+    server.blowfish = true;
+    SwitchKeys();
+    Give(Data("after"));
+    EXPECT_EQ(outside.display, "after");
+}
+
+// ---------------------------------------------------------------- the end
+
+TEST_F(Ssh2KeyExchange, EndOfTheSessionWipesItsSecrets) {
+    ToShell();
+    Type("secret");
+    Take();
+    Offer();
+    Type("held");
+    OnSocketEvent(1);
+    const BYTE* bytes = reinterpret_cast<const BYTE*>(&session.ssh2);
+    for (size_t i = 0; i < sizeof(session.ssh2); i++) ASSERT_EQ(bytes[i], 0) << i;
+    for (const BYTE b : session.ssh.recvBuf) ASSERT_EQ(b, 0);
+    EXPECT_EQ(session.ssh.recvFill, 0);
+}
+
+TEST_F(Ssh2KeyExchange, NextSessionKnowsNothingOfTheLast) {
+    Identify();
+    Offer();
+    Reply();  // our NEWKEYS has gone out
+    session.banner_sent = 0;
+    outside.wire.clear();
+    server = {};
+    Identify();
+    Give(Message(21));
+    ExpectClosed();
+}
