@@ -67,6 +67,9 @@ struct SessionState {
     Settings settings = {};
     DWORD save_settings = 1;  // cleared by a reset, so that the exit does not save
 
+    // Owner: the dialogs of config/.
+    int dialog_result = 0;  // what the dialog closed last left; -1: it was cancelled
+
     // Owner: telnet/.
     TelnetState telnet;
     AutoLogin login;
