@@ -5,6 +5,7 @@
 #include "app/receive_thread.h"
 #include "app/session_state.h"
 #include "app/status_bar.h"
+#include "ssh/ssh_session.h"
 #include "telnet/auto_login.h"
 #include "telnet/telnet_engine.h"
 #include "terminal/modes.h"
@@ -138,8 +139,9 @@ int RequestConnection(uint32_t address) {
 
 void SessionConnect() {
     if (!FinishLastSession()) return;
-    session.banner_sent = 0;
+    session.ssh.recvFill = 0;
     session.ssh_progress = 0;
+    session.banner_sent = 0;
     if (session.connect_pending && !Connected()) return;  // the flag outlasts the request
     if (Connected()) return ShowError(TEXT("Already a session to the UNIX Host"));
     ArmAutoLogin();
@@ -156,7 +158,13 @@ void SessionClose() {
     session.connect_pending = 0;
 }
 
+void CloseSession() {
+    ResetCiphers();
+    SessionClose();
+}
+
 void SessionClosed() {
+    ForgetSshSession();
     if (!Connected()) {
         ShowError(TEXT("Not possible to create a session to the UNIX Host"));
         RebuildMenuBar();

@@ -7,6 +7,7 @@
 #include <atomic>
 
 #include "config/settings_types.h"
+#include "ssh/ssh_types.h"
 #include "telnet/telnet_types.h"
 #include "terminal/terminal_types.h"
 #include "windows_ce.h"
@@ -62,6 +63,9 @@ struct SessionState {
     // Owner: ssh/ (read by the status bar); cleared by each connect.
     DWORD banner_sent = 0;   // our identification line has gone out
     DWORD ssh_progress = 0;  // from 1 on the session is secure
+    SshState ssh;
+    Ssh1State ssh1;
+    Ssh2State ssh2;
 
     // Owner: config/settings.cpp.
     Settings settings = {};

@@ -7,6 +7,7 @@
 #include "app/session_state.h"
 #include "config/settings.h"
 #include "resources/resource_ids.h"
+#include "ssh/ssh_session.h"
 #include "terminal/screen_buffer.h"
 #include "terminal/terminal_window.h"
 
@@ -68,6 +69,7 @@ int RunSessions() {
     const int result = RunMessageLoop();
     SessionClose();
     EndReceiving();
+    ForgetSshSession();
     WSACleanup();
     return result;
 }

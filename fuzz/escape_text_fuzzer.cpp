@@ -10,6 +10,7 @@
 #include "config/escape_text.h"
 #include "config/key_map.h"
 #include "config/settings.h"
+#include "ssh/ssh_session.h"
 #include "telnet/session_send.h"
 
 static const SOCKET kSocket = 7;
@@ -22,6 +23,8 @@ int SliceSend(SOCKET, const char* bytes, int size, int) {
 }
 
 SHORT GetKeyState(int) { return 0; }
+
+void SshSendData(const BYTE*, int) {}
 
 // The key table is neither loaded nor saved here.
 LPCWSTR ReadString(LPCWSTR, LPCWSTR fallback) { return fallback; }

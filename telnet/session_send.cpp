@@ -2,6 +2,7 @@
 #include "telnet/session_send.h"
 
 #include "app/session_state.h"
+#include "ssh/ssh_session.h"
 
 namespace {
 
@@ -76,7 +77,7 @@ bool SocketSendAll(const BYTE* bytes, int length) {
 
 void SessionSend(const BYTE* bytes, int length, int escape) {
     if (!session.connected.load(std::memory_order_acquire)) return;
-    if (session.settings.ssh) return;  // only the protocol's own packets go out there
+    if (session.settings.ssh) return SshSendData(bytes, length);
     if (escape) {
         SendEscaped(bytes, length);
     } else {

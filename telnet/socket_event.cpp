@@ -4,8 +4,8 @@
 #include "app/connection.h"
 #include "app/receive_thread.h"
 #include "app/session_state.h"
+#include "ssh/ssh_session.h"
 #include "telnet/auto_login.h"
-#include "telnet/session_send.h"
 #include "telnet/telnet_engine.h"
 #include "terminal/terminal_write.h"
 
@@ -40,14 +40,8 @@ void TakeTelnetChunk() {
     CheckAutoLogin(session.telnet.display_buffer, count);
 }
 
-// The first chunk of an SSH server is its identification line; ours answers it.
 void TakeSshChunk() {
-    static const char kSsh2[] = "SSH-2.0-1.0.00\n";
-    static const char kSsh1[] = "SSH-1.5-1.0.00\n";
-    if (session.banner_sent) return;
-    const char* line = session.settings.ssh_type2 == 1 ? kSsh2 : kSsh1;
-    if (SocketSendAll(reinterpret_cast<const BYTE*>(line), static_cast<int>(std::strlen(line))))
-        session.banner_sent = 1;
+    SshTakeChunk(reinterpret_cast<const BYTE*>(session.receive_buffer), session.receive_count);
 }
 
 bool Stale() {

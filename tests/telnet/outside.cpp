@@ -5,6 +5,7 @@
 
 #include "app/connection.h"
 #include "app/receive_thread.h"
+#include "ssh/ssh_session.h"
 #include "telnet/socket_event.h"
 #include "telnet/telnet_engine.h"
 #include "terminal/interpreter.h"
@@ -50,6 +51,16 @@ void TerminalWrite(const BYTE* bytes, int count) {
     Happened('W');
     outside.terminal_writes++;
     outside.display.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
+}
+
+void SshTakeChunk(const BYTE* bytes, int count) {
+    if (count < 0) count = 0;
+    outside.ssh_chunks +=
+        "[" + std::string(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count)) + "]";
+}
+
+void SshSendData(const BYTE* bytes, int length) {
+    outside.ssh_data.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(length));
 }
 
 void RefreshTerminal() { outside.refreshes++; }

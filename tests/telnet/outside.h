@@ -1,4 +1,4 @@
-// What telnet/ calls outside itself, as doubles that record: the socket, the terminal, the
+// What telnet/ calls outside itself, as doubles that record: the socket, the terminal, SSH, the
 // receiving thread and the connection manager. Beside them the shorthands of these tests.
 #ifndef QUILL_TESTS_TELNET_OUTSIDE_H
 #define QUILL_TESTS_TELNET_OUTSIDE_H
@@ -11,6 +11,8 @@
 struct Outside {
     std::string wire;         // what the socket took
     std::string display;      // what the terminal got, data and trace lines
+    std::string ssh_chunks;   // what SSH was given to take, each chunk in brackets
+    std::string ssh_data;     // what SSH was given to send
     std::string order;        // 'S' a send, 'T' a run of trace lines, 'W' a TerminalWrite
     int sends = 0;            // calls of send
     int most_per_send = 0;    // the socket takes so much at a time; 0: everything

@@ -46,6 +46,22 @@ TEST(SessionSend, UnescapedBytesGoAsTheyAre) {
     EXPECT_EQ(Sent(), all);
 }
 
+TEST(SessionSend, BytesOfAnSshSessionGoToSshUnescaped) {
+    NewSession();
+    session.settings.ssh = 1;
+    Send("a\xFF", 0);
+    Send("b\xFF", 1);
+    EXPECT_EQ(outside.ssh_data,
+              "a\xFF"
+              "b\xFF");
+    session.connected = 0;
+    Send("c", 0);
+    EXPECT_EQ(outside.ssh_data,
+              "a\xFF"
+              "b\xFF");
+    EXPECT_EQ(outside.sends, 0);
+}
+
 TEST(SessionSend, EscapedIacIsDoubledAndEorFollows) {
     NewSession();
     Send("\xFF", 1);

@@ -20,18 +20,6 @@ void NewSshSession(DWORD type2) {
     session.settings.ssh_type2 = type2;
 }
 
-void ExpectIdentification(DWORD type2, const char* line) {
-    NewSshSession(type2);
-    Receive("SSH-9.9-host\r\n");
-    EXPECT_EQ(Sent(), line);
-    EXPECT_EQ(session.banner_sent, 1u);
-    EXPECT_EQ(Shown(), "");
-    ExpectHandedBack();
-    Receive("SSH-9.9-host\r\n");
-    EXPECT_EQ(Sent(), "");
-    ExpectHandedBack();
-}
-
 }  // namespace
 
 TEST(SocketEvent, DataGoesToTheTerminalOnce) {
@@ -117,12 +105,11 @@ TEST(SocketEvent, StaleNotificationIsPassedOver) {
     EXPECT_EQ(outside.order, "");
 }
 
-TEST(SocketEvent, StaleNotificationOfAnSshSessionSendsNoLine) {
+TEST(SocketEvent, StaleNotificationOfAnSshSessionGivesNoChunk) {
     NewSshSession(1);
     session.connected = 0;
     OnSocketEvent(0);
-    EXPECT_EQ(outside.sends, 0);
-    EXPECT_EQ(session.banner_sent, 0u);
+    EXPECT_EQ(outside.ssh_chunks, "");
     ExpectHandedBack();
 }
 
@@ -164,21 +151,16 @@ TEST(SocketEvent, OtherKindsOnlyHandTheBufferBack) {
     }
 }
 
-TEST(SocketEvent, Ssh2IdentificationIsAnsweredOnce) { ExpectIdentification(1, "SSH-2.0-1.0.00\n"); }
-
-TEST(SocketEvent, Ssh1IdentificationIsAnsweredOnce) { ExpectIdentification(0, "SSH-1.5-1.0.00\n"); }
-
-TEST(SocketEvent, IdentificationThatFailedIsSentOnTheNextChunk) {
-    NewSshSession(1);
-    outside.fail_from_send = 1;
-    Receive("SSH-2.0-host\n");
-    EXPECT_EQ(session.banner_sent, 0u);
-    ExpectHandedBack();
-    outside.fail_from_send = 0;
-    Receive("SSH-2.0-host\n");
-    EXPECT_EQ(Sent(), "SSH-2.0-1.0.00\n");
-    EXPECT_EQ(session.banner_sent, 1u);
-    ExpectHandedBack();
+TEST(SocketEvent, ChunksOfAnSshSessionGoToSshWhole) {
+    for (DWORD type2 : {0u, 1u}) {
+        NewSshSession(type2);
+        Receive("SSH-9.9-host\r\n");
+        ExpectHandedBack();
+        Receive(Iac(251, 1) + "text");
+        ExpectHandedBack();
+        EXPECT_EQ(outside.ssh_chunks, "[SSH-9.9-host\r\n][" + Iac(251, 1) + "text]");
+        EXPECT_EQ(outside.order, "");
+    }
 }
 
 TEST(SocketEvent, TelnetCommandsInAnSshSessionAreNotAnswered) {
