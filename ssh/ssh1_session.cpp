@@ -149,10 +149,7 @@ const StateRow kStates[] = {
 
 // ---------------------------------------------------------------- the protocol's record
 
-void Start(const char*, const BYTE*, int) {
-    ResetCiphers();
-    session.ssh1.loginFailed = 0;
-}
+void Start(const char*, const BYTE*, int) { ResetCiphers(); }
 
 void Forget() {
     Wipe(&session.ssh1, sizeof(session.ssh1));

@@ -293,6 +293,20 @@ TEST(Session, DisconnectByTheUserIsSilent) {
     });
 }
 
+TEST(Session, NothingOfItIsLeftAfterwards) {
+    WithShell({}, kTripleDes, [](TestServer&) {
+        ClearAndRun("echo confiden\"\"tial");
+        ASSERT_TRUE(TerminalShows("\nconfidential\n")) << TerminalText();
+        Close();
+        EXPECT_TRUE(Offline());
+        OnWindowThread([] {
+            static const Ssh1State fresh;
+            EXPECT_EQ(std::memcmp(&session.ssh1, &fresh, sizeof(fresh)), 0);
+            for (const BYTE byte : session.ssh.recvBuf) ASSERT_EQ(byte, 0);
+        });
+    });
+}
+
 TEST(Session, DisconnectByTheServerIsTold) {
     ExpectBox({"--say", "shell=1:00000003627965"}, kTripleDes,
               "Error: Disconnect request from SSH Server. Session must be terminated");
