@@ -1,4 +1,6 @@
 // The session key under the server's two keys, and the cipher that takes it.
+#include <iterator>
+
 #include "app/session_state.h"
 #include "crypto/byte_order.h"
 #include "crypto/md5.h"

@@ -130,6 +130,10 @@ TEST(Login, TheServerSeesUserPasswordAndTerminal) {
     });
 }
 
+TEST(Login, AnyIdentificationIsTaken) {
+    ExpectWorkingShell({"--line", "SSH-1.99-whatever comes\\r\\n"});
+}
+
 TEST(Login, StatusLineReadsSecure) {
     WithShell({}, kTripleDes, [](TestServer&) {
         EXPECT_TRUE(Eventually([] { return StatusText().find("secure") != std::string::npos; }))
@@ -185,7 +189,7 @@ TEST(Login, ServerThatWantsNoPassword) {
 TEST(Login, RefusedTerminalStillGivesAShell) {
     WithShell({"--no-pty"}, kTripleDes, [](TestServer&) {
         OnWindowThread([] {
-            const char line[] = "echo no terminal: $(tty)\n";
+            const char line[] = "printf '\\r\\nno terminal: %s' \"$(tty)\"\n";
             SessionSend(reinterpret_cast<const BYTE*>(line), sizeof(line) - 1, 0);
         });
         EXPECT_TRUE(TerminalShows("no terminal: not a tty")) << TerminalText();

@@ -65,6 +65,28 @@ TEST(Conversation, ASecondSessionStartsAfresh) {
     EXPECT_EQ(Shown(), "again");
 }
 
+TEST(Identification, IsAnsweredWhateverTheLineSays) {
+    for (const char* line : {"SSH-1.5-server\n", "SSH-2.0-server\r\n", "hello", "\n"}) {
+        NewSession();
+        session.banner_sent = 0;
+        Receive(line);
+        EXPECT_EQ(Wire(), "SSH-1.5-1.0.00\n") << line;
+        EXPECT_EQ(session.banner_sent, 1u);
+    }
+}
+
+TEST(Identification, BytesBehindTheLineInItsChunkAreLost) {
+    ScriptedHost host;
+    NewSession();
+    session.banner_sent = 0;
+    Receive("SSH-1.5-eager\n" + host.PublicKey());
+    EXPECT_EQ(Wire(), "SSH-1.5-1.0.00\n");
+    EXPECT_EQ(session.ssh1.ssh1State, 0);
+    EXPECT_EQ(session.ssh.recvFill, 0);
+    Receive(host.PublicKey());
+    EXPECT_TRUE(host.TakeSessionKey());
+}
+
 // ---------------------------------------------------------------- every wrong type
 
 TEST(WrongType, WhileTheKeyIsAwaited) {
@@ -272,6 +294,15 @@ TEST(SignOn, ServerThatWantsNoPasswordGetsNone) {
 }
 
 // ---------------------------------------------------------------- while a box is shown
+
+TEST(Interrupted, BoxComesBeforeTheEnd) {
+    ScriptedHost host = SessionInState(5);
+    int closed = -1;
+    outside.during_box = [&] { closed = outside.closed; };
+    Receive(host.Packet(1, String("bye")));
+    EXPECT_EQ(closed, 0);
+    EXPECT_EQ(outside.closed, 1);
+}
 
 TEST(Interrupted, SessionThatEndsBehindTheDialogSendsNothing) {
     ScriptedHost host = SessionInState(1);
