@@ -16,6 +16,7 @@ import socket
 import struct
 import sys
 import termios
+import time
 
 import ssh1_wire as wire
 from ssh1_wire import Misbehaviour
@@ -299,6 +300,17 @@ def parse_options():
     return options
 
 
+def end_children(children):
+    """Lets connections whose client has gone come to their end, and ends the others."""
+    deadline = time.monotonic() + 2
+    while children and time.monotonic() < deadline:
+        children = [child for child in children if os.waitpid(child, os.WNOHANG)[0] == 0]
+        time.sleep(0.01)
+    for child in children:
+        os.kill(child, signal.SIGKILL)  # its end of the terminal closes with it
+        os.waitpid(child, 0)
+
+
 def main():
     options = parse_options()
     host_key, server_key = wire.make_key(options.host_bits), wire.make_key(options.server_bits)
@@ -321,12 +333,7 @@ def main():
             os._exit(0)
         stream.close()
         children.append(child)
-    for child in children:
-        try:
-            os.kill(child, signal.SIGKILL)  # its end of the terminal closes with it
-        except ProcessLookupError:
-            pass
-        os.waitpid(child, 0)
+    end_children(children)
 
 
 if __name__ == "__main__":
