@@ -1,0 +1,47 @@
+// What the SSH-1 client calls outside itself, as doubles that record: the socket, the terminal,
+// message boxes, the Sign on dialog, the status line and the connection manager. Beside them the
+// shorthands of these tests.
+#ifndef QUILL_TESTS_SSH1_OUTSIDE_H
+#define QUILL_TESTS_SSH1_OUTSIDE_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/session_state.h"
+
+struct Outside {
+    std::string wire;                // what the socket took
+    std::string display;             // what the terminal got
+    std::vector<std::string> boxes;  // as "caption: text"
+    int asked = 0;                   // calls of AskSignOn
+    bool dialog_can_be_shown = true;
+    int closed = 0;          // calls of CloseSession
+    int status_updates = 0;  // calls of UpdateStatus
+    // Of each key that RsaEncrypt was given: its bytes, and the first of its modulus.
+    std::vector<int> encrypted_with;
+    std::vector<int> first_modulus_byte;
+    // While the box or the dialog is shown.
+    std::function<void()> during_box;
+    std::function<void()> during_dialog;
+};
+extern Outside outside;
+
+inline constexpr SOCKET kTestSocket = 7;
+
+// A connected SSH-1 session that has exchanged its lines: user "visitor" and password "warehouse7"
+// are remembered, the cipher is triple DES, and nothing is recorded.
+void NewSession();
+
+// Bytes of the server, in chunks of at most `piece` bytes.
+void Receive(const std::string& bytes, int piece = kReceiveSize);
+
+// What was recorded since the last call.
+std::string Wire();
+std::string Shown();
+std::string Box();  // the only box, "" when there is none
+
+void SetText(WCHAR* field, const std::string& text);  // of a settings field
+std::string GetText(const WCHAR* field);
+
+#endif

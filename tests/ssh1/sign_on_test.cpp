@@ -1,0 +1,94 @@
+// Logging in to an SSH-1 server through the Sign on dialog itself.
+#include <gtest/gtest.h>
+#include <QApplication>
+#include <QWidget>
+
+#include "app/session_state.h"
+#include "tests/ssh1/test_server.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+const char kLoginIncorrect[] = "Error: Login incorrect";
+
+// A program whose connection to the server is under way, with nothing remembered.
+void Connecting(const std::function<void(TestServer&)>& person) {
+    TestServer server;
+    ASSERT_GT(server.port, 0) << testing::PrintToString(server.Told());
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", server.port);
+        OnWindowThread([] {
+            session.settings.ssh = 1;
+            session.settings.ssh_type2 = 0;
+            session.settings.ssh_type = 1;
+            session.settings.ssh_def = 0;
+        });
+        ConnectLater();
+        person(server);
+    });
+}
+
+bool DialogShown() {
+    return Eventually([] {
+        const QWidget* top = QApplication::activeModalWidget();
+        return top && top->isVisible() && top->windowTitle() == "Sign on to the host";
+    });
+}
+
+// Over what stands in the two fields, from the first one on.
+void SignOn(const std::string& user, const std::string& password) {
+    ASSERT_TRUE(DialogShown());
+    PressKey(Qt::Key_A, Qt::ControlModifier);
+    TypeText(user);
+    PressKey(Qt::Key_Tab);
+    TypeText(password);
+    PressKey(Qt::Key_Return);
+}
+
+TEST(SignOnDialog, TypedUserAndPasswordOpenTheShell) {
+    Connecting([](TestServer& server) {
+        SignOn("visitor", "warehouse7");
+        ASSERT_TRUE(TerminalShows("$\n")) << TerminalText();
+        EXPECT_TRUE(server.Tells("user visitor"));
+        EXPECT_TRUE(server.Tells("password warehouse7"));
+        OnWindowThread([] { EXPECT_EQ(session.settings.ssh_p[0], 0) << "not remembered"; });
+    });
+}
+
+TEST(SignOnDialog, ComesAgainAfterAWrongPassword) {
+    Connecting([](TestServer& server) {
+        SignOn("visitor", "guess");
+        ASSERT_TRUE(DismissBox(kLoginIncorrect));
+        SignOn("visitor", "warehouse7");
+        ASSERT_TRUE(TerminalShows("$\n")) << TerminalText();
+        EXPECT_TRUE(server.Tells("password guess"));
+        EXPECT_EQ(server.Count("user visitor"), 2);
+    });
+}
+
+TEST(SignOnDialog, CancelledWithoutAUserNameEndsTheSession) {
+    Connecting([](TestServer& server) {
+        ASSERT_TRUE(DialogShown());
+        PressKey(Qt::Key_Escape);
+        EXPECT_TRUE(DismissBox("Error: Cannot sign on to the host without a valid user name"));
+        EXPECT_TRUE(Offline());
+        EXPECT_EQ(server.Count("user"), 0);
+        OnWindowThread([] { EXPECT_EQ(session.dialog_result, -1); });
+    });
+}
+
+TEST(SignOnDialog, CancelledWithAUserNameSendsWhatThereIs) {
+    Connecting([](TestServer& server) {
+        SignOn("visitor", "guess");
+        ASSERT_TRUE(DismissBox(kLoginIncorrect));
+        ASSERT_TRUE(DialogShown());
+        PressKey(Qt::Key_Escape);
+        ASSERT_TRUE(DismissBox(kLoginIncorrect));
+        EXPECT_TRUE(server.Tells("password "));
+        SignOn("visitor", "warehouse7");
+        ASSERT_TRUE(TerminalShows("$\n")) << TerminalText();
+    });
+}
+
+}  // namespace
