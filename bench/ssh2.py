@@ -1,0 +1,209 @@
+#!/usr/bin/python3
+"""SSH-2 sessions of Quill beside OpenSSH's own client with the old algorithms in an xterm, against the
+same sshd on loopback, on one Xvfb, in one run.
+
+What is measured, for the client and for `xterm -e ssh -c 3des-cbc`:
+  prompt       from the connection's arrival to the shell's first step behind the sign-on
+  throughput   the shell's cat of a file, and then the answer to a request for the cursor's place,
+               which both give only after everything before it has been taken in
+
+Usage: bench/ssh2.py [--megabytes N] [--program PATH]     (needs root, Xvfb, xterm, ssh)
+"""
+import argparse
+import os
+import shutil
+import socket
+import sqlite3
+import statistics
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+import session
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+SSHD = os.path.join(HERE, "..", "tests", "ssh2", "sshd.sh")
+PROMPTS = 5
+ALGORITHMS = ["-F", "none", "-c", "3des-cbc", "-m", "hmac-sha1",
+              "-oKexAlgorithms=diffie-hellman-group1-sha1", "-oHostKeyAlgorithms=ssh-dss",
+              "-oStrictHostKeyChecking=no", "-oUserKnownHostsFile=/dev/null",
+              "-oNumberOfPasswordPrompts=1"]
+
+# What the visitor gets for a shell: it tells the script that it is there, and waits to be told
+# whether to send the file.
+SHELL = """#!/bin/bash
+exec 3<>/dev/tcp/127.0.0.1/{port}
+echo shell >&3
+read -r -u 3 what
+[ "$what" = file ] || {{ sleep 1; exit; }}
+stty raw -echo
+cat {data}
+printf '\\033[6n'
+IFS= read -r -s -d R answer
+echo done >&3
+sleep 1
+"""
+
+
+def forward(source, target):
+    try:
+        while data := source.recv(65536):
+            target.sendall(data)
+    except OSError:
+        pass
+
+
+class Door:
+    """Takes the client's connection, notes when, and passes it on to the server."""
+
+    def __init__(self, server_port):
+        self.listener = socket.create_server(("127.0.0.1", 0))
+        self.port = self.listener.getsockname()[1]
+        self.server_port = server_port
+        self.arrived = 0.0
+        threading.Thread(target=self.serve, daemon=True).start()
+
+    def serve(self):
+        while True:
+            client = self.listener.accept()[0]
+            self.arrived = time.perf_counter()
+            server = socket.create_connection(("127.0.0.1", self.server_port))
+            for each in (client, server):
+                each.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+            threading.Thread(target=forward, args=(client, server), daemon=True).start()
+            threading.Thread(target=forward, args=(server, client), daemon=True).start()
+
+
+def set_registry(root, port):
+    values = {"host": "127.0.0.1", "port": port, "autoconnect": 1, "ssh": 1, "ssh_type": 1,
+              "ssh_type2": 1, "ssh_def": 1, "ssh_u": "visitor", "ssh_p": "warehouse7"}
+    store = sqlite3.connect(os.path.join(root, "registry.db"))
+    (key,) = store.execute("SELECT key FROM registry WHERE name IS NOT NULL LIMIT 1").fetchone()
+    for name, value in values.items():
+        kind, data = (4, value.to_bytes(4, "little")) if isinstance(value, int) else \
+            (1, (value + "\0").encode("utf-16-le"))
+        store.execute("DELETE FROM registry WHERE name = ? COLLATE NOCASE", (name,))
+        store.execute("INSERT INTO registry (key, name, type, data) VALUES (?, ?, ?, ?)",
+                      (key, name, kind, data))
+    store.commit()
+    store.close()
+
+
+def quill_command(port, root):
+    set_registry(root, port)
+    return [session.PROGRAM, "--root", root, "--scale", "2"]
+
+
+def xterm_command(port, root):
+    return ["xterm", "-e", "ssh", *ALGORITHMS, "-p", str(port), "visitor@127.0.0.1"]
+
+
+class Shells:
+    """Where the shells report."""
+
+    def __init__(self):
+        self.listener = socket.create_server(("127.0.0.1", 0))
+        self.listener.settimeout(60)
+        self.port = self.listener.getsockname()[1]
+
+    def next(self):
+        shell = self.listener.accept()[0]
+        shell.settimeout(600)
+        return shell, shell.makefile("rb").readline()
+
+
+def measure_prompt(make, door, root, display, shells):
+    seconds = []
+    for _ in range(PROMPTS):
+        process = session.start(make(door.port, root), display)
+        shell, _word = shells.next()
+        seconds.append(time.perf_counter() - door.arrived)
+        shell.sendall(b"nothing\n")
+        session.end(process)
+        shell.close()
+    return statistics.median(seconds)
+
+
+def measure_file(make, port, root, display, shells):
+    process = session.start(make(port, root), display)
+    shell, _word = shells.next()
+    time.sleep(1)
+    began = time.perf_counter()
+    shell.sendall(b"file\n")
+    shell.recv(16)
+    seconds = time.perf_counter() - began
+    session.end(process)
+    shell.close()
+    return seconds
+
+
+def write_files(folder, megabytes, port):
+    data = os.path.join(folder, "data")
+    with open(data, "wb") as file:
+        file.write(session.lines(megabytes * 1000000))
+    shell = os.path.join(folder, "shell")
+    with open(shell, "w") as file:
+        file.write(SHELL.format(port=port, data=data))
+    askpass = os.path.join(folder, "askpass")
+    with open(askpass, "w") as file:
+        file.write("#!/bin/sh\necho warehouse7\n")
+    for each in (shell, askpass):
+        os.chmod(each, 0o755)
+    os.environ.update(SSH_ASKPASS=askpass, SSH_ASKPASS_REQUIRE="force")
+    return shell
+
+
+def first_start(root, display):
+    """It makes the registry; a configuration file gives it a session that fails, and so an end."""
+    session.prepare(1, root, display)
+
+
+def run(options, display, folder):
+    root = os.path.join(folder, "root")
+    os.mkdir(root)
+    os.chmod(folder, 0o755)
+    shells = Shells()
+    shell = write_files(folder, options.megabytes, shells.port)
+    server = subprocess.Popen([SSHD, "ForceCommand=" + shell], stdin=subprocess.PIPE,
+                              stdout=subprocess.PIPE, text=True)
+    try:
+        port = int(server.stdout.readline())
+        door = Door(port)
+        first_start(root, display)
+        figures = {}
+        for name, make in (("quill", quill_command), ("xterm", xterm_command)):
+            measure_prompt(make, door, root, display, shells)  # the server's first steps
+            prompt = measure_prompt(make, door, root, display, shells)
+            seconds = measure_file(make, port, root, display, shells)
+            figures[name] = (prompt, seconds)
+            print(f"{name:6} prompt after {prompt * 1000:5.0f} ms, {options.megabytes} MB in "
+                  f"{seconds:6.2f} s ({options.megabytes / seconds:5.1f} MB/s)", flush=True)
+        ratio = [figures["xterm"][i] / figures["quill"][i] for i in range(2)]
+        print(f"xterm with ssh / quill: prompt {ratio[0]:.2f}, file {ratio[1]:.2f}")
+    finally:
+        server.stdin.close()
+        server.wait()
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--megabytes", type=int, default=100)
+    parser.add_argument("--program", default=session.PROGRAM)
+    options = parser.parse_args()
+    session.PROGRAM = os.path.abspath(options.program)
+    for tool in ("Xvfb", "xterm", "ssh", session.PROGRAM):
+        if not shutil.which(tool):
+            sys.exit(f"bench/ssh2.py: {tool} is missing")
+    screen, display = session.start_x()
+    folder = tempfile.mkdtemp(prefix="quill-bench-")
+    try:
+        run(options, display, folder)
+    finally:
+        screen.terminate()
+        shutil.rmtree(folder, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    main()
