@@ -225,6 +225,9 @@ TEST(Commands, HelpOpensThePageInTheDesktopsViewer) {
             EXPECT_TRUE(page.fileName().endsWith("/telnet.htm"));
             EXPECT_TRUE(page.readAll().contains("<title>Quill Telnet - Help</title>"));
         }
+        g_opened.clear();
+        PressKey(Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_TRUE(Eventually([] { return !g_opened.isEmpty(); })) << "by its accelerator";
         OnWindowThread([] { QDesktopServices::unsetUrlHandler("file"); });
     });
 }

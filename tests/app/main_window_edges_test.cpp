@@ -7,7 +7,6 @@
 #include "app/connection.h"
 #include "app/session_state.h"
 #include "app/status_bar.h"
-#include "config/key_map.h"
 #include "platform/qt/input_panel.h"
 #include "platform/qt/menu_bar.h"
 #include "platform/qt/testing.h"
@@ -310,89 +309,130 @@ TEST(MainWindowEdges, AltAloneLeadsToTheMenus) {
     });
 }
 
-// ---------------------------------------------------------------- accelerators
+// ---------------------------------------------------------------- status line
 
-// As X11 gives them: Shift turns = into + and - into _.
-void Strike(int key, Qt::KeyboardModifiers modifiers, const QString& text = QString()) {
-    OnWindowThread([=] {
-        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            QKeyEvent event(type, key, modifiers, text);
-            QApplication::sendEvent(QApplication::focusWidget(), &event);
-        }
-    });
+TEST(MainWindowEdges, UnconnectedTitleWithAnEmptyHostEndsInBrackets) {
+    RunProgram({}, [] { OnWindowThread([] { EXPECT_EQ(Title(), "Quill Telnet  []"); }); });
 }
 
-const Qt::KeyboardModifiers kBoth = Qt::ControlModifier | Qt::ShiftModifier;
+TEST(MainWindowEdges, ScreenOf350PixelsTakesTheLongFormat) {
+    for (const auto& [width, text] :
+         {std::pair(349, "OFF  1,1    "), std::pair(350, "   offline    row: 1  column: 1     ")})
+        OnDevice(width, 320, [&, text = text] {
+            OnWindowThread([&] { EXPECT_EQ(StatusText(), text) << width; });
+        });
+}
 
-TEST(MainWindowEdges, AcceleratorsChangeTheFont) {
+// ---------------------------------------------------------------- messages and commands, closely
+
+TEST(MainWindowEdges, ChildWindowsBearTheirNumbers) {
     RunProgram({}, [] {
-        ASSERT_TRUE(Eventually([] { return session.view.font != nullptr; }));
-        int height = 0;
-        OnWindowThread([&] { height = session.view.cell_height; });
-        for (const auto& [larger, smaller, modifiers] :
-             {std::tuple(Qt::Key_Plus, Qt::Key_Underscore, kBoth),
-              std::tuple(Qt::Key_Equal, Qt::Key_Minus, kBoth),
-              std::tuple(Qt::Key_Plus, Qt::Key_Minus, kBoth | Qt::KeypadModifier)}) {
-            Strike(larger, modifiers);
-            EXPECT_TRUE(Eventually([&] { return session.view.cell_height == height + 1; }));
-            Strike(smaller, modifiers);
-            EXPECT_TRUE(Eventually([&] { return session.view.cell_height == height; }));
+        OnWindowThread([] {
+            ASSERT_NE(session.client_window, nullptr);
+            EXPECT_EQ(GetDlgItem(session.main_window, 1), session.command_bar);
+            EXPECT_EQ(GetDlgItem(session.main_window, 2), session.client_window);
+            EXPECT_EQ(GetDlgItem(session.client_window, 106), session.status_window);
+        });
+    });
+}
+
+TEST(MainWindowEdges, EverySizeMessageLaysOut) {
+    RunProgram({}, [] {
+        for (const WPARAM how : {SIZE_RESTORED, SIZE_MINIMIZED}) {
+            RECT room = {}, client = {};
+            OnWindowThread([=] {
+                MoveWindow(session.client_window, 3, 60, 70, 80, FALSE);
+                PostMessageW(session.main_window, WM_SIZE, how, 0);
+            });
+            EXPECT_TRUE(Eventually([&] {
+                GetWindowRect(session.main_window, &room);
+                GetWindowRect(session.client_window, &client);
+                return client.left == 0 && client.right == room.right &&
+                       client.top == session.command_bar_height && client.bottom == room.bottom;
+            })) << how;
         }
     });
 }
 
-TEST(MainWindowEdges, AcceleratorsDisconnectAndExit) {
-    FakeHost host;
-    WithSession(host, [&] {
-        Strike(Qt::Key_N, kBoth, "\x0e");
-        EXPECT_TRUE(Offline());
-        EXPECT_EQ(host.ReadSome(50), "") << "the key is the program's alone";
-        EXPECT_TRUE(ProgramRuns());
-        Strike(Qt::Key_Q, kBoth, "\x11");
-        EXPECT_TRUE(Ended());
-    });
-}
-
-TEST(MainWindowEdges, KeysBesideTheAcceleratorsAreTheHosts) {
-    FakeHost host;
-    WithSession(host, [&] {
-        Strike(Qt::Key_N, Qt::ControlModifier, "\x0e");
-        Strike(Qt::Key_Q, Qt::ControlModifier, "\x11");
-        Strike(Qt::Key_C, Qt::ControlModifier, "\x03");
-        Strike(Qt::Key_Q, Qt::ShiftModifier, "Q");
-        EXPECT_EQ(host.Read(4), "\x0e\x11\x03Q");
-    });
-}
-
-// ---------------------------------------------------------------- typed characters and settings
-
-TEST(MainWindowEdges, TypedCharacterDropsTheSelection) {
-    FakeHost host;
-    WithSession(host, [&] {
-        OnWindowThread([] { session.screen.selection_active = 1; });
-        TypeText("x");
-        EXPECT_EQ(host.Read(1), "x");
-        OnWindowThread([] { EXPECT_EQ(session.screen.selection_active, 0u); });
-    });
-}
-
-TEST(MainWindowEdges, KeysAndCharactersAreEscapedByTheSessionsFlag) {
+TEST(MainWindowEdges, MinimisedWindowComesToTheFrontForItsQuestion) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] {
-            SetKeyText(&key_map[0], u"a\\377");
-            session.telnet.escape_iac = 1;
+            session.settings.xbox = session.settings.confirm_exit = 1;
+            DeviceScreen()->showMinimized();
         });
-        Strike(0, Qt::NoModifier, QString(QChar(0xff)));
-        PressKey(Qt::Key_F1);
-        const std::string record_end = "\xff\xef";
-        EXPECT_EQ(host.Read(9), "\xff\xff" + record_end + "a\xff\xff" + record_end);
-        OnWindowThread([] { session.telnet.escape_iac = 0; });
-        Strike(0, Qt::NoModifier, QString(QChar(0xff)));
-        PressKey(Qt::Key_F1);
-        EXPECT_EQ(host.Read(3),
-                  "\xff"
-                  "a\xff");
+        ASSERT_EQ(AwaitBox(), "Warning: Do you really want to close Quill Telnet");
+        OnWindowThread([] { EXPECT_FALSE(DeviceScreen()->isMinimized()); });
+        PressCancel();
+        EXPECT_TRUE(NoBox());
+    });
+}
+
+TEST(MainWindowEdges, ExitAndMinimisingForgetTheDialUpConnection) {
+    for (const auto& [message, wparam] :
+         {std::pair(WM_COMMAND, WPARAM{40002}), std::pair(WM_SIZE, WPARAM{SIZE_MINIMIZED})}) {
+        RunProgram({}, [&, message = message, wparam = wparam] {
+            OnWindowThread([] {
+                session.settings.xbox = 1;
+                session.ras_connection = reinterpret_cast<HRASCONN>(INT_PTR{0x7777});
+            });
+            PostToMain(message, wparam);
+            EXPECT_TRUE(Ended());
+        });
+        EXPECT_EQ(session.ras_connection, nullptr) << message;
+    }
+}
+
+TEST(MainWindowEdges, InactiveWindowLeavesThePanelsChangeAlone) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.settings.confirm_exit = 1; });
+        PostToMain(WM_COMMAND, 40011);
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        ASSERT_TRUE(Eventually([] { return GetActiveWindow() == nullptr; }));
+        OnWindowThread([] {
+            SetPanel(true);
+            SendMessageW(session.main_window, WM_SETTINGCHANGE, 224, 0);
+            EXPECT_EQ(session.input_panel_up, 0u);
+        });
+        PressCancel();
+        EXPECT_TRUE(NoBox());
+    });
+}
+
+TEST(MainWindowEdges, EveryKeyRewritesStatusAndTitle) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { lstrcpyW(session.settings.host, u"one"); });
+        PostToMain(WM_COMMAND, 40118);
+        EXPECT_TRUE(Eventually([] { return Title() == "Quill Telnet  [one]"; }));
+        OnWindowThread([] { lstrcpyW(session.settings.host, u"two"); });
+        PostToMain(WM_KEYDOWN, VK_F1 + 4);
+        EXPECT_TRUE(Eventually([] { return Title() == "Quill Telnet  [two]"; }));
+        Close();
+        ASSERT_TRUE(Offline());
+        OnWindowThread([] { lstrcpyW(session.settings.host, u"three"); });
+        PostToMain(WM_KEYDOWN, VK_F1 + 4);
+        EXPECT_TRUE(Eventually([] { return Title() == "Quill Telnet  [three]"; }));
+    });
+}
+
+TEST(MainWindowEdges, SilentKeyIsTheReleaseOfF24) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.settings.alive = 1; });
+        PostToMain(WM_TIMER, 1);
+        ASSERT_TRUE(Eventually([] { return SilentKeyCount() > 0; }));
+        OnWindowThread([] {
+            EXPECT_EQ(LastSilentKey().virtual_key, 135);
+            EXPECT_EQ(LastSilentKey().flags, DWORD{KEYEVENTF_KEYUP | KEYEVENTF_SILENT});
+        });
+    });
+}
+
+TEST(MainWindowEdges, TimerOneTicksEverySecond) {
+    RunProgram({}, [] {
+        OnWindowThread([] { EXPECT_EQ(TimerMilliseconds(session.main_window, 1), 1000); });
     });
 }
 
@@ -419,20 +459,6 @@ TEST(MainWindowEdges, TimerTicksByItself) {
         EXPECT_TRUE(Eventually([&] { return session.view.blink_phase != phase; }));
         EXPECT_TRUE(Eventually([&] { return session.view.blink_phase == phase; }));
     });
-}
-
-// ---------------------------------------------------------------- status line
-
-TEST(MainWindowEdges, UnconnectedTitleWithAnEmptyHostEndsInBrackets) {
-    RunProgram({}, [] { OnWindowThread([] { EXPECT_EQ(Title(), "Quill Telnet  []"); }); });
-}
-
-TEST(MainWindowEdges, ScreenOf350PixelsTakesTheLongFormat) {
-    for (const auto& [width, text] :
-         {std::pair(349, "OFF  1,1    "), std::pair(350, "   offline    row: 1  column: 1     ")})
-        OnDevice(width, 320, [&, text = text] {
-            OnWindowThread([&] { EXPECT_EQ(StatusText(), text) << width; });
-        });
 }
 
 // ---------------------------------------------------------------- what ends the program
