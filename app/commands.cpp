@@ -2,6 +2,7 @@
 #include "app/commands.h"
 
 #include "app/connection.h"
+#include "app/input_panel.h"
 #include "app/keys.h"
 #include "app/session_state.h"
 #include "app/toolbar_commands.h"
@@ -60,12 +61,14 @@ void Help(WORD) { ShowHelp(); }
 
 void Larger(WORD) {
     LargerFont();
+    RecountCoveredRows();
     RepaintTerminal();
 }
 
 void Smaller(WORD) {
     if (session.settings.fsize < 2) return;
     SmallerFont();
+    RecountCoveredRows();
     RepaintTerminal();
 }
 

@@ -1,6 +1,7 @@
 // Connecting, closing, and what is told of it.
 #include "app/connection.h"
 
+#include "app/input_panel.h"
 #include "app/main_window.h"
 #include "app/receive_thread.h"
 #include "app/session_state.h"
@@ -183,5 +184,6 @@ void SessionClosed() {
 
 void OnConnected() {
     RebuildMenuBar();
+    RecountCoveredRows();
     UpdateStatus();
 }

@@ -19,6 +19,12 @@ int CoveredRows(const RECT& panel) {
     return std::max(height / session.view.cell_height + 1, 0);
 }
 
+bool AskShell(SIPINFO* panel) {
+    *panel = {};
+    panel->cbSize = sizeof(*panel);
+    return SHSipInfo(SPI_GETSIPINFO, 0, panel, 0) != 0;
+}
+
 void PanelUp(const RECT& panel) {
     const bool changed = !session.input_panel_up;
     session.input_panel_up = 1;
@@ -36,8 +42,16 @@ void PanelDown() {
 }  // namespace
 
 void FollowInputPanel() {
-    SIPINFO panel = {};
-    panel.cbSize = sizeof(panel);
-    if (!SHSipInfo(SPI_GETSIPINFO, 0, &panel, 0)) return;
+    SIPINFO panel;
+    if (!AskShell(&panel)) return;
     panel.fdwFlags& SIPF_ON ? PanelUp(panel.rcSipRect) : PanelDown();
+}
+
+// Whether there is a horizontal scroll bar counts too, and only a measuring tells.
+void RecountCoveredRows() {
+    SIPINFO panel;
+    if (!session.input_panel_up || session.view.cell_height < 1 || !AskShell(&panel)) return;
+    MeasureView();
+    CoverRows(CoveredRows(panel.rcSipRect));
+    LayoutTerminal();
 }

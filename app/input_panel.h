@@ -5,4 +5,8 @@
 // The panel came, went or changed: counts the rows that it covers and lays the terminal out anew.
 void FollowInputPanel();
 
+// Something else than the panel changed the count: the window's size, the font, the status bar. Or
+// a session began under a panel that was there before. Does nothing while the panel is down.
+void RecountCoveredRows();
+
 #endif

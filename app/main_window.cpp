@@ -171,4 +171,5 @@ void LayoutMainWindow() {
                room.bottom - session.command_bar_height, FALSE);
     PlaceStatusBar();
     LayoutTerminal();
+    RecountCoveredRows();
 }

@@ -1,6 +1,7 @@
 // The status line and the title, rewritten together.
 #include "app/status_bar.h"
 
+#include "app/input_panel.h"
 #include "app/session_state.h"
 
 namespace {
@@ -37,19 +38,23 @@ LPCWSTR StateWord() {
     return session.settings.ssh_type2 == 1 ? TEXT("SSH2") : TEXT("SSH1");
 }
 
-}  // namespace
-
-void RebuildStatusBar() {
-    if (session.status_window) DestroyWindow(session.status_window);
-    session.status_window = nullptr;
-    session.status_height = 0;
-    if (session.settings.hidestatus) return;
+void MakeStatusBar() {
     session.status_window = CreateWindowExW(
         0, STATUSCLASSNAME, TEXT(""), WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, session.client_window,
         reinterpret_cast<HMENU>(static_cast<INT_PTR>(kStatusBarId)), session.instance, nullptr);
     RECT rect;
     if (session.status_window && GetWindowRect(session.status_window, &rect))
         session.status_height = rect.bottom - rect.top;
+}
+
+}  // namespace
+
+void RebuildStatusBar() {
+    if (session.status_window) DestroyWindow(session.status_window);
+    session.status_window = nullptr;
+    session.status_height = 0;
+    if (!session.settings.hidestatus) MakeStatusBar();
+    RecountCoveredRows();
 }
 
 void PlaceStatusBar() {

@@ -45,10 +45,12 @@ void ScreenWidget::closeEvent(QCloseEvent* event) {
     if (Window* window = ProgramWindow()) QueueInput(window->handle, WM_CLOSE, 0, 0);
 }
 
+// Under a box the program's window is disabled, and so is its close button.
 void ScreenWidget::changeEvent(QEvent* event) {
     Window* window = ProgramWindow();
     if (event->type() != QEvent::WindowStateChange || !window) return;
-    if (isMinimized()) QueueInput(window->handle, WM_SIZE, SIZE_MINIMIZED, 0);
+    if (isMinimized() && !QApplication::activeModalWidget())
+        QueueInput(window->handle, WM_SIZE, SIZE_MINIMIZED, 0);
 }
 
 void ScreenWidget::focusInEvent(QFocusEvent*) {

@@ -45,6 +45,7 @@ constexpr int kProcessKey = 0xE5;  // a key press that the input method took
 KeyStates g_down;   // as the last event left them
 KeyStates g_taken;  // as they were for the message taken last
 int g_silent_keys = 0;
+SilentKey g_silent_key = {};
 
 int ModifierKey(const QKeyEvent& event) {
     for (const KeyRow& row : kModifiers)
@@ -147,6 +148,7 @@ void QueueCommittedText(HWND window, const QString& text) {
 }
 
 int SilentKeyCount() { return g_silent_keys; }
+SilentKey LastSilentKey() { return g_silent_key; }
 
 void ResetKeyboard() {
     g_silent_keys = 0;
@@ -167,6 +169,7 @@ SHORT GetKeyState(int virtual_key) {
 void keybd_event(BYTE virtual_key, BYTE, DWORD flags, DWORD_PTR) {
     if (flags & KEYEVENTF_SILENT) {
         g_silent_keys++;
+        g_silent_key = {virtual_key, flags};
         return;
     }
     const bool down = !(flags & KEYEVENTF_KEYUP);

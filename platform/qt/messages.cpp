@@ -13,6 +13,7 @@
 
 #include "accelerators.h"
 #include "menu_bar.h"
+#include "testing.h"
 #include "window_widget.h"
 
 namespace {
@@ -294,6 +295,11 @@ UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedu
 BOOL KillTimer(HWND window, UINT_PTR id) {
     std::erase_if(g_timers, [&](const MSG& m) { return m.hwnd == window && m.wParam == id; });
     return g_running_timers.erase({window, id}) > 0;
+}
+
+int TimerMilliseconds(HWND window, UINT_PTR id) {
+    const auto timer = g_running_timers.find({window, id});
+    return timer == g_running_timers.end() ? -1 : timer->second->interval();
 }
 
 LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {

@@ -25,6 +25,14 @@ int BeepCount();
 UINT LastBeep();
 int SilentKeyCount();  // synthetic keys that only keep the device awake, since the start
 
+struct SilentKey {
+    BYTE virtual_key;
+    DWORD flags;
+};
+SilentKey LastSilentKey();
+
+int TimerMilliseconds(HWND window, UINT_PTR id);  // -1: no such timer runs
+
 // The text that stands on a window, line by line as it was drawn last; blanks at the end cut.
 void KeepScreenText(bool keep);
 QStringList ScreenText(HWND window);

@@ -9,7 +9,8 @@
 WindowWidget::WindowWidget(HWND window, QWidget* parent) : QWidget(parent), window_(window) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
-    setFocusPolicy(Qt::StrongFocus);
+    // A tap on a child leaves the keys with the program's window.
+    setFocusPolicy(qobject_cast<WindowWidget*>(parent) ? Qt::NoFocus : Qt::StrongFocus);
 }
 
 void WindowWidget::PaintInvalid() {

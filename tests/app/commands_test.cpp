@@ -225,6 +225,47 @@ TEST(Commands, HelpOpensThePageInTheDesktopsViewer) {
             EXPECT_TRUE(page.fileName().endsWith("/telnet.htm"));
             EXPECT_TRUE(page.readAll().contains("<title>Quill Telnet - Help</title>"));
         }
+        g_opened.clear();
+        PressKey(Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_TRUE(Eventually([] { return !g_opened.isEmpty(); })) << "by its accelerator";
+        OnWindowThread([] { QDesktopServices::unsetUrlHandler("file"); });
+    });
+}
+
+TEST(Commands, HelpPageTellsEachStateMessageAndKey) {
+    const char* const texts[] = {"offline",
+                                 "OFF",
+                                 "request",
+                                 "REQ",
+                                 "online",
+                                 "ON",
+                                 "secure",
+                                 "SSH1, SSH2",
+                                 "Cannot connect to the UNIX Host",
+                                 "Not possible to create a session to the UNIX Host",
+                                 "Connection to the UNIX Host has failed",
+                                 "Connection to the UNIX Host has been closed...",
+                                 "Already a session to the UNIX Host",
+                                 "No active network. Should I dial a network using modem",
+                                 "<kbd>N</kbd>",
+                                 "<kbd>Q</kbd>",
+                                 "<kbd>C</kbd>",
+                                 "<kbd>V</kbd>",
+                                 "<kbd>H</kbd>",
+                                 "<kbd>+</kbd>",
+                                 "<kbd>-</kbd>",
+                                 "<kbd>Backspace</kbd>",
+                                 "Enter, Esc, the arrows, Page Up and Page Down"};
+    RunProgram({}, [&] {
+        auto viewer = std::make_unique<Viewer>();
+        OnWindowThread([&] { QDesktopServices::setUrlHandler("file", viewer.get(), "Open"); });
+        g_opened.clear();
+        PostToMain(WM_HELP);
+        ASSERT_TRUE(Eventually([] { return !g_opened.isEmpty(); }));
+        QFile page(g_opened.toLocalFile());
+        ASSERT_TRUE(page.open(QIODevice::ReadOnly));
+        const QString words = QString::fromUtf8(page.readAll()).simplified();
+        for (const char* text : texts) EXPECT_TRUE(words.contains(text)) << text;
         OnWindowThread([] { QDesktopServices::unsetUrlHandler("file"); });
     });
 }

@@ -67,6 +67,9 @@ xdotool key Return
 await 30 test -e "$work/recording" || fail "the session did not begin"
 sleep 1
 
+# A tap on the terminal first: the keys stay with the program.
+xdotool mousemove 120 120 click 1
+
 # xdotool lends the X server's keymap the keys it lacks for as long as the delay.
 strike() {
     case $1 in
