@@ -138,7 +138,7 @@ const std::vector<DialogCase> dialog_cases = {
     {"About", "About TELNET", OpenAbout, {
         {-1,   S, "Quill TELNET"},
         {-1,   S, "Version 2.1"},
-        {-1,   S, "A VT100 and VT220 terminal for Telnet, SSH-1 and SSH-2 sessions with a UNIX host."},
+        {-1,   S, "A VT100 and VT220 terminal for sessions by Telnet, SSH-1 and SSH-2."},
         {1,    D, "OK"},
     }, {1}, true},
 };

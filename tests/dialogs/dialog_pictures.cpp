@@ -25,8 +25,7 @@ void TakePicture(const QString& file) {
     QThread::msleep(300);  // until everything is drawn
     OnWindowThread([&] {
         const QImage picture = QApplication::activeModalWidget()->grab().toImage();
-        const QImage small = picture.convertToFormat(QImage::Format_Indexed8);
-        std::printf("%s%s\n", qPrintable(file), small.save(file) ? "" : ": failed");
+        std::printf("%s%s\n", qPrintable(file), picture.save(file) ? "" : ": failed");
     });
 }
 

@@ -42,11 +42,30 @@ void TypeInField(HWND dialog, int id, const std::string& text) {
     Type(text);
 }
 
+// There is no window manager here to hand the keyboard on.
+void GiveKeyboard(HWND window) {
+    WId desktop_window = 0;
+    OnWindowThread([&] {
+        const Window* record = FindWindowRecord(window);
+        QWidget* widget = record ? record->widget->window() : DeviceScreen();
+        desktop_window = widget->winId();
+    });
+    Xdotool("windowfocus --sync " + std::to_string(desktop_window));
+    QThread::msleep(200);
+}
+
+HWND AwaitWithKeyboard(const std::string& caption) {
+    const HWND dialog = AwaitDialog(caption);
+    GiveKeyboard(dialog);
+    return dialog;
+}
+
 // The accelerators of the main window, so that nothing but keys opens the dialogs.
 HWND OpenByKeys(const std::string& keys, const std::string& caption) {
-    EXPECT_TRUE(Eventually([] { return QApplication::activeWindow() == DeviceScreen(); }));
+    EXPECT_TRUE(Eventually([] { return session.main_window != nullptr; }));
+    GiveKeyboard(nullptr);
     Key(keys);
-    return AwaitDialog(caption);
+    return AwaitWithKeyboard(caption);
 }
 
 Stage FreshStage() {
@@ -61,7 +80,7 @@ TEST(OutsideDialogs, ConnectByMouse) {
         const HWND connect = OpenByKeys("ctrl+shift+n", "Connect");
         TypeInField(connect, IDC_HOST, "no.invalid");
         MouseOn(connect, IDC_ADVANCED);
-        const HWND advanced = AwaitDialog("Connect Advanced");
+        const HWND advanced = AwaitWithKeyboard("Connect Advanced");
         MouseOn(advanced, IDC_CONFIRM_EXIT, 6);
         MouseOn(advanced, IDC_SSH1, 6);
         MouseOn(advanced, IDC_BLOWFISH, 6);
@@ -71,7 +90,7 @@ TEST(OutsideDialogs, ConnectByMouse) {
         MouseOn(connect, IDOK);
         ASSERT_TRUE(Closed(connect));
         EXPECT_EQ(AwaitBox(), "Error: Cannot connect to the UNIX Host");
-        Key("Return");
+        PressOk();
         EXPECT_EQ(StoredText(stage.root, "host"), u"no.invalid");
         EXPECT_EQ(StoredText(stage.root, "hist0a"), u"no.invalid");
         EXPECT_EQ(StoredNumber(stage.root, "port"), 65559u);
@@ -88,15 +107,16 @@ TEST(OutsideDialogs, ConnectByKeysAlone) {
         const HWND connect = OpenByKeys("ctrl+shift+n", "Connect");
         Type("keys.invalid");
         Key("Tab space");
-        const HWND advanced = AwaitDialog("Connect Advanced");
+        const HWND advanced = AwaitWithKeyboard("Connect Advanced");
         Key("Tab space Tab Tab Tab ctrl+a");
         Type("2222");
         Key("Return");
         ASSERT_TRUE(Closed(advanced));
-        Key("shift+Tab Return");
+        GiveKeyboard(connect);
+        Key("Tab Return");
         ASSERT_TRUE(Closed(connect));
         EXPECT_EQ(AwaitBox(), "Error: Cannot connect to the UNIX Host");
-        Key("Return");
+        PressOk();
         EXPECT_EQ(StoredText(stage.root, "host"), u"keys.invalid");
         EXPECT_EQ(StoredNumber(stage.root, "port"), 2222u);
         EXPECT_EQ(StoredNumber(stage.root, "exit_dis"), 1u);
@@ -144,7 +164,6 @@ TEST(OutsideDialogs, FontByMouseAndKeys) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const HWND dialog = OpenByKeys("ctrl+shift+f", "Font");
-        MouseOn(dialog, IDC_FONTS);
         Key("Home");
         MouseOn(dialog, IDC_FONT_ITALIC, 6);
         MouseOn(dialog, IDOK);
