@@ -9,6 +9,7 @@
 #include "config/settings.h"
 #include "resources/resource_ids.h"
 #include "terminal/terminal_font.h"
+#include "terminal/clipboard.h"
 #include "terminal/view.h"
 
 namespace {
@@ -67,6 +68,10 @@ void Smaller(WORD) {
     if (session.settings.fsize < 2) return;
     SmallerFont();
     RepaintTerminal();
+void Copy(WORD) { CopySelection(); }
+
+void Paste(WORD) { PasteClipboard(); }
+
 }
 
 void FunctionKey(WORD id) { SendVirtualKey(VK_F1 + (id - IDM_F1)); }
@@ -102,6 +107,8 @@ struct CommandRow {
 
 // clang-format off
 const CommandRow kCommands[] = {
+    {IDM_COPY,         IDM_COPY,          Copy},
+    {IDM_PASTE,        IDM_PASTE,         Paste},
     {IDM_CONNECT,      IDM_CONNECT,       ConnectOrDisconnect},
     {IDM_FONT,         IDM_FONT,          [](WORD) { ShowFontDialog(); }},
     {IDM_PROPERTIES,   IDM_PROPERTIES,    [](WORD) { ShowPropertiesSheet(); }},
