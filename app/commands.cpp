@@ -2,14 +2,15 @@
 #include "app/commands.h"
 
 #include "app/connection.h"
+#include "app/dialling.h"
 #include "app/keys.h"
 #include "app/session_state.h"
 #include "app/toolbar_commands.h"
 #include "config/dialogs.h"
 #include "config/settings.h"
 #include "resources/resource_ids.h"
-#include "terminal/terminal_font.h"
 #include "terminal/clipboard.h"
+#include "terminal/terminal_font.h"
 #include "terminal/view.h"
 
 namespace {
@@ -25,13 +26,10 @@ bool MayEnd(LPCWSTR question) {
     return !(session.settings.confirm_exit == 1 && Connected()) || Agreed(question);
 }
 
-void HangUp() {
-    if (session.ras_connection) RasHangUpW(session.ras_connection);
-    session.ras_connection = nullptr;
-}
-
 void ConnectOrDisconnect(WORD) {
-    if (Connected()) {
+    if (session.dialling) {
+        HangUpDial();
+    } else if (Connected()) {
         if (MayEnd(TEXT("Do you really want to close this session"))) SessionClose();
     } else if (session.connect_pending) {
         if (Agreed(TEXT("I am busy making a connection. Do you want to cancel the request")))
@@ -43,7 +41,7 @@ void ConnectOrDisconnect(WORD) {
 
 void Exit(WORD) {
     if (!MayEnd(TEXT("Do you really want to close this program"))) return;
-    HangUp();
+    HangUpDial();
     DestroyWindow(session.main_window);
 }
 
@@ -68,11 +66,11 @@ void Smaller(WORD) {
     if (session.settings.fsize < 2) return;
     SmallerFont();
     RepaintTerminal();
+}
+
 void Copy(WORD) { CopySelection(); }
 
 void Paste(WORD) { PasteClipboard(); }
-
-}
 
 void FunctionKey(WORD id) { SendVirtualKey(VK_F1 + (id - IDM_F1)); }
 
@@ -107,13 +105,13 @@ struct CommandRow {
 
 // clang-format off
 const CommandRow kCommands[] = {
-    {IDM_COPY,         IDM_COPY,          Copy},
-    {IDM_PASTE,        IDM_PASTE,         Paste},
     {IDM_CONNECT,      IDM_CONNECT,       ConnectOrDisconnect},
     {IDM_FONT,         IDM_FONT,          [](WORD) { ShowFontDialog(); }},
     {IDM_PROPERTIES,   IDM_PROPERTIES,    [](WORD) { ShowPropertiesSheet(); }},
     {IDM_AUTO_LOGIN,   IDM_AUTO_LOGIN,    [](WORD) { ShowAutoLoginDialog(); }},
     {IDM_EXIT,         IDM_EXIT,          Exit},
+    {IDM_COPY,         IDM_COPY,          Copy},
+    {IDM_PASTE,        IDM_PASTE,         Paste},
     {IDM_RESET,        IDM_RESET,         ResetConfiguration},
     {IDM_COLOR_BG,     IDM_COLOR_BG,      [](WORD) { ChooseBackgroundColor(); }},
     {IDM_COLOR_CURSOR, IDM_COLOR_CURSOR,  [](WORD) { ChooseCursorColor(); }},
@@ -161,7 +159,7 @@ void CloseByMinimising() {
         SetForegroundWindow(session.main_window);
         if (!Agreed(TEXT("Do you really want to close Quill Telnet"))) return;
     }
-    HangUp();
+    HangUpDial();
     PostQuitMessage(0);
 }
 
