@@ -2,6 +2,7 @@
 #include "app/commands.h"
 
 #include "app/connection.h"
+#include "app/dialling.h"
 #include "app/input_panel.h"
 #include "app/keys.h"
 #include "app/session_state.h"
@@ -9,6 +10,7 @@
 #include "config/dialogs.h"
 #include "config/settings.h"
 #include "resources/resource_ids.h"
+#include "terminal/clipboard.h"
 #include "terminal/terminal_font.h"
 #include "terminal/view.h"
 
@@ -25,13 +27,10 @@ bool MayEnd(LPCWSTR question) {
     return !(session.settings.confirm_exit == 1 && Connected()) || Agreed(question);
 }
 
-void HangUp() {
-    if (session.ras_connection) RasHangUpW(session.ras_connection);
-    session.ras_connection = nullptr;
-}
-
 void ConnectOrDisconnect(WORD) {
-    if (Connected()) {
+    if (session.dialling) {
+        HangUpDial();
+    } else if (Connected()) {
         if (MayEnd(TEXT("Do you really want to close this session"))) SessionClose();
     } else if (session.connect_pending) {
         if (Agreed(TEXT("I am busy making a connection. Do you want to cancel the request")))
@@ -43,7 +42,7 @@ void ConnectOrDisconnect(WORD) {
 
 void Exit(WORD) {
     if (!MayEnd(TEXT("Do you really want to close this program"))) return;
-    HangUp();
+    HangUpDial();
     DestroyWindow(session.main_window);
 }
 
@@ -71,6 +70,10 @@ void Smaller(WORD) {
     RecountCoveredRows();
     RepaintTerminal();
 }
+
+void Copy(WORD) { CopySelection(); }
+
+void Paste(WORD) { PasteClipboard(); }
 
 void FunctionKey(WORD id) { SendVirtualKey(VK_F1 + (id - IDM_F1)); }
 
@@ -110,6 +113,8 @@ const CommandRow kCommands[] = {
     {IDM_PROPERTIES,   IDM_PROPERTIES,    [](WORD) { ShowPropertiesSheet(); }},
     {IDM_AUTO_LOGIN,   IDM_AUTO_LOGIN,    [](WORD) { ShowAutoLoginDialog(); }},
     {IDM_EXIT,         IDM_EXIT,          Exit},
+    {IDM_COPY,         IDM_COPY,          Copy},
+    {IDM_PASTE,        IDM_PASTE,         Paste},
     {IDM_RESET,        IDM_RESET,         ResetConfiguration},
     {IDM_COLOR_BG,     IDM_COLOR_BG,      [](WORD) { ChooseBackgroundColor(); }},
     {IDM_COLOR_CURSOR, IDM_COLOR_CURSOR,  [](WORD) { ChooseCursorColor(); }},
@@ -157,7 +162,7 @@ void CloseByMinimising() {
         SetForegroundWindow(session.main_window);
         if (!Agreed(TEXT("Do you really want to close Quill Telnet"))) return;
     }
-    HangUp();
+    HangUpDial();
     PostQuitMessage(0);
 }
 

@@ -1,6 +1,7 @@
 // Connecting, closing, and what is told of it.
 #include "app/connection.h"
 
+#include "app/dialling.h"
 #include "app/input_panel.h"
 #include "app/main_window.h"
 #include "app/receive_thread.h"
@@ -174,8 +175,7 @@ void SessionClosed() {
     session.connected.store(0, std::memory_order_release);
     RebuildMenuBar();
     if (session.settings.exit_dis) {
-        if (session.ras_connection) RasHangUpW(session.ras_connection);
-        session.ras_connection = nullptr;
+        HangUpDial();
         PostQuitMessage(0);
     } else if (!session.closing) {
         ShowError(TEXT("Connection to the UNIX Host has been closed..."));

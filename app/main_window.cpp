@@ -3,6 +3,7 @@
 
 #include "app/commands.h"
 #include "app/connection.h"
+#include "app/dialling.h"
 #include "app/input_panel.h"
 #include "app/keys.h"
 #include "app/session_state.h"
@@ -88,7 +89,19 @@ LRESULT OnCommand(HWND, WPARAM wparam, LPARAM) {
     return 0;
 }
 
+LRESULT OnDialNotification(HWND, WPARAM wparam, LPARAM lparam) {
+    OnDialEvent(wparam, lparam);
+    return 0;
+}
+
+void StartRequestedDial() {
+    if (!session.dial_request) return;
+    session.dial_request = 0;
+    StartDial();
+}
+
 LRESULT OnTimer(HWND, WPARAM, LPARAM) {
+    StartRequestedDial();
     BlinkTick();
     KeepDeviceAwake();
     return 0;
@@ -134,6 +147,7 @@ const MessageRow kMessages[] = {
     {WM_SIZE,             OnSize},
     {WM_HELP,             OnHelp},
     {WM_COMMAND,          OnCommand},
+    {WM_RASDIALEVENT,     OnDialNotification},
     {WM_SETTINGCHANGE,    OnSettingChange},
     {WM_TIMER,            OnTimer},
     {WM_DESTROY,          OnDestroy},

@@ -48,11 +48,12 @@ struct SessionState {
     // Owner: app/toolbar_commands.cpp.
     int toolbar = 1;  // the bar that is shown, 1..3
 
-    // Owner: app/connection.cpp.
+    // Owner: app/connection.cpp and app/dialling.cpp.
     DWORD connect_pending = 0;  // a connect request is under way
     DWORD closing = 0;          // the user closed the session: no "closed" message
     DWORD dial_request = 0;     // the user agreed to dial; the timer starts it
     DWORD dialling = 0;         // a dial is in progress
+    int last_dial_state = -1;   // shown last, by any dial of the run; -1: none
     HRASCONN ras_connection = nullptr;
     SOCKADDR_IN peer = {};
 

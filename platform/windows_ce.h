@@ -243,6 +243,7 @@ struct MSG {
 #define WM_LBUTTONDOWN 0x0201u
 #define WM_LBUTTONUP 0x0202u
 #define WM_LBUTTONDBLCLK 0x0203u
+#define MK_LBUTTON 0x0001u  // in wParam of WM_MOUSEMOVE; the slice sends none without it
 #define WM_USER 0x0400u
 #define WM_APP 0x8000u
 #define WM_RASDIALEVENT 0xCCCDu
@@ -392,6 +393,26 @@ int GetDeviceCaps(HDC dc, int index);  // HORZRES, VERTRES
 typedef int(CALLBACK* FONTENUMPROCW)(const LOGFONTW*, const TEXTMETRICW*, DWORD type, LPARAM);
 // Every fixed-pitch family, the desktop's own monospace first; a 0 from the procedure stops.
 int EnumFontFamiliesW(HDC dc, LPCWSTR family, FONTENUMPROCW procedure, LPARAM parameter);
+
+// ---------------------------------------------------------------- memory and clipboard
+
+typedef HANDLE HLOCAL;
+#define LMEM_MOVEABLE 0x0002u
+HLOCAL LocalAlloc(UINT flags, size_t bytes);  // null without memory
+LPVOID LocalLock(HLOCAL block);
+BOOL LocalUnlock(HLOCAL block);
+size_t LocalSize(HLOCAL block);  // 0 for what is no block
+HLOCAL LocalFree(HLOCAL block);  // null: it is gone
+
+// The desktop's clipboard, with text alone. Its lines end with CR LF here, as the format has it,
+// and with LF for the desktop's other programs. Asking a program that does not answer takes seconds
+// and then yields nothing.
+#define CF_UNICODETEXT 13u
+BOOL OpenClipboard(HWND owner);  // FALSE while it is open
+BOOL CloseClipboard();
+BOOL EmptyClipboard();
+HANDLE SetClipboardData(UINT format, HANDLE block);  // takes the block over
+HANDLE GetClipboardData(UINT format);  // the clipboard's own block, good until it is closed
 
 // ---------------------------------------------------------------- message boxes and sound
 
@@ -856,6 +877,37 @@ struct RASENTRYNAMEW {
 // room needed in *size when not all of them fit.
 DWORD RasEnumEntriesW(LPWSTR reserved, LPWSTR phone_book, RASENTRYNAMEW* entries, DWORD* size,
                       DWORD* count);
+
+struct RASDIALPARAMSW {
+    DWORD dwSize;
+    WCHAR szEntryName[RAS_MaxEntryName + 1];
+    WCHAR szPhoneNumber[129];
+    WCHAR szCallbackNumber[49];
+    WCHAR szUserName[257];
+    WCHAR szPassword[257];
+    WCHAR szDomain[16];
+};
+#define RASCS_OpenPort 0
+#define RASCS_PortOpened 1
+#define RASCS_ConnectDevice 2
+#define RASCS_DeviceConnected 3
+#define RASCS_AllDevicesConnected 4
+#define RASCS_Authenticate 5
+#define RASCS_AuthProject 10
+#define RASCS_Authenticated 14
+#define RASCS_Connected 0x2000
+#define RASCS_Disconnected 0x2001
+#define ERROR_CANNOT_FIND_PHONEBOOK_ENTRY 623
+// The stored parameters of the entry that is named in `parameters`. The slice's entries keep
+// number, name and password to themselves: those fields come back empty.
+DWORD RasGetEntryDialParamsW(LPCWSTR phone_book, RASDIALPARAMSW* parameters, BOOL* has_password);
+// Dials the entry and returns at once. With the notifier type 0xFFFFFFFF, the only one, the window
+// `notifier` gets WM_RASDIALEVENT for each state reached, with an error code in lParam when it
+// failed; after RASCS_Connected or RASCS_Disconnected no more come.
+DWORD RasDialW(LPVOID extensions, LPCWSTR phone_book, RASDIALPARAMSW* parameters,
+               DWORD notifier_type, LPVOID notifier, HRASCONN* connection);
+// Ends the dial, which then reaches RASCS_Disconnected without an error, or the connection that it
+// made, and waits until it has ended, at most some seconds.
 DWORD RasHangUpW(HRASCONN connection);
 
 // ---------------------------------------------------------------- threads, events, time

@@ -9,7 +9,7 @@ PACKAGES_HEADLESS="xvfb"
 # libkrb5-3 is for the unpacked telnetd of the peer tests, libvterm-dev for the benchmarks,
 # python3-pycryptodome for the SSH-1 test server.
 PACKAGES_TEST="libgtest-dev clang libclang-rt-dev|libclang-rt-14-dev|libclang-rt-18-dev
-    xvfb xauth x11-utils xdotool imagemagick socat libkrb5-3 libvterm-dev libbenchmark-dev
+    xvfb xauth x11-utils xdotool xclip imagemagick socat libkrb5-3 libvterm-dev libbenchmark-dev
     libgmp-dev libssl-dev openssh-client python3-asyncssh python3-paramiko python3-twisted
     python3-pycryptodome"
 TOOLS_BUILD="c++ cmake ninja x86_64-w64-mingw32-windres"

@@ -93,6 +93,11 @@ void TurnRing(int delta);
 // the row itself, or with a selection a copy, good until the next call, in which the selected cells
 // have kCellReverse.
 void SetSelection(int start_col, int start_row, int end_col, int end_row);
+struct ScreenArea {
+    int first_row, last_row;
+    int first_col, last_col;  // first > last: no column of any row
+};
+ScreenArea SelectedArea();  // of the selection's four values, which may lie outside the grid
 const DWORD* GetPaintRow(int row);
 int AnyBlinking();        // 1: some cell of rows 1..24 blinks
 void MarkBlinkingRows();  // marks those rows

@@ -16,20 +16,26 @@ void SetSelection(int start_col, int start_row, int end_col, int end_row) {
 }
 
 // The columns run from the upper point's to the lower point's; points on one row are put in order.
+ScreenArea SelectedArea() {
+    const ScreenBuffer& screen = session.screen;
+    ScreenArea area = {screen.selection_start_row, screen.selection_end_row,
+                       screen.selection_start_col, screen.selection_end_col};
+    if (area.first_row > area.last_row) {
+        std::swap(area.first_row, area.last_row);
+        std::swap(area.first_col, area.last_col);
+    } else if (area.first_row == area.last_row && area.first_col > area.last_col) {
+        std::swap(area.first_col, area.last_col);
+    }
+    return area;
+}
+
 static void MarkSelectedCells(int row) {
     ScreenBuffer& screen = session.screen;
-    int first_col = screen.selection_start_col, first_row = screen.selection_start_row;
-    int last_col = screen.selection_end_col, last_row = screen.selection_end_row;
-    if (first_row > last_row) {
-        std::swap(first_row, last_row);
-        std::swap(first_col, last_col);
-    } else if (first_row == last_row && first_col > last_col) {
-        std::swap(first_col, last_col);
-    }
-    if (row < first_row || row > last_row) return;
-    first_col = std::max(first_col, 1);
-    last_col = std::min(last_col, screen.columns);
-    for (int col = first_col; col <= last_col; ++col) screen.paint_row[col] |= kCellReverse;
+    const ScreenArea area = SelectedArea();
+    if (row < area.first_row || row > area.last_row) return;
+    const int first = std::max(area.first_col, 1);
+    const int last = std::min(area.last_col, screen.columns);
+    for (int col = first; col <= last; ++col) screen.paint_row[col] |= kCellReverse;
 }
 
 const DWORD* GetPaintRow(int row) {

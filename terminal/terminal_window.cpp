@@ -5,7 +5,9 @@
 #include "app/status_bar.h"
 #include "config/config_file.h"
 #include "config/settings.h"
+#include "terminal/hotspots.h"
 #include "terminal/paint.h"
+#include "terminal/selection.h"
 #include "terminal/terminal_font.h"
 #include "terminal/view.h"
 
@@ -42,6 +44,22 @@ static LRESULT OnEraseBackground(HWND, WPARAM, LPARAM) {
     return 1;
 }
 
+static LRESULT OnStylusDown(HWND, WPARAM, LPARAM position) {
+    StartSelection(position);
+    return 0;
+}
+
+// A mouse also moves while no button is down.
+static LRESULT OnStylusMove(HWND, WPARAM buttons, LPARAM position) {
+    if (buttons & MK_LBUTTON) ExtendSelection(position);
+    return 0;
+}
+
+static LRESULT OnDoubleTap(HWND, WPARAM, LPARAM position) {
+    TapHotspot(position);
+    return 0;
+}
+
 static LRESULT OnVerticalScroll(HWND, WPARAM wparam, LPARAM) {
     ScrollRows(LOWORD(wparam), HIWORD(wparam));
     return 0;
@@ -59,11 +77,14 @@ struct MessageRow {
 
 // clang-format off
 static const MessageRow kMessages[] = {
-    {WM_CREATE,     OnCreate},
-    {WM_PAINT,      OnPaint},
-    {WM_ERASEBKGND, OnEraseBackground},
-    {WM_VSCROLL,    OnVerticalScroll},
-    {WM_HSCROLL,    OnHorizontalScroll},
+    {WM_CREATE,        OnCreate},
+    {WM_PAINT,         OnPaint},
+    {WM_ERASEBKGND,    OnEraseBackground},
+    {WM_LBUTTONDOWN,   OnStylusDown},
+    {WM_MOUSEMOVE,     OnStylusMove},
+    {WM_LBUTTONDBLCLK, OnDoubleTap},
+    {WM_VSCROLL,       OnVerticalScroll},
+    {WM_HSCROLL,       OnHorizontalScroll},
 };
 // clang-format on
 

@@ -5,6 +5,7 @@
 #include <QStyleFactory>
 
 #include "device_root.h"
+#include "dial_up.h"
 #include "gdi.h"
 #include "menu_bar.h"
 #include "registry.h"
@@ -118,6 +119,7 @@ void OpenDevice(const HostOptions& options) {
 }
 
 void CloseDevice() {
+    EndDialUps();
     DestroyAllWindows();
     StopServingInstances();
     ResetMessages();

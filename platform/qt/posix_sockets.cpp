@@ -14,6 +14,8 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
+#include <system_error>
+#include <thread>
 
 namespace {
 
@@ -155,13 +157,73 @@ int StreamSocket::Receive(void* bytes, size_t size, int flags) {
     return count < 0 ? -error : static_cast<int>(count);
 }
 
+bool StreamSocket::Blocks() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return blocking_;
+}
+
+int StreamSocket::SendNow(const char* bytes, size_t size, int flags) {
+    ssize_t count;
+    do count = send(descriptor_, bytes, size, flags | MSG_NOSIGNAL);
+    while (count < 0 && errno == EINTR);
+    return count < 0 ? -errno : static_cast<int>(count);
+}
+
 int StreamSocket::Send(const void* bytes, size_t size, int flags) {
     const int usable = Usable();
     if (usable < 0) return usable;
-    ssize_t count;
-    do count = send(descriptor_, bytes, std::min<size_t>(size, INT_MAX), flags | MSG_NOSIGNAL);
-    while (count < 0 && errno == EINTR);
-    return count < 0 ? -errno : static_cast<int>(count);
+    const char* first = static_cast<const char*>(bytes);
+    size = std::min<size_t>(size, INT_MAX);
+    if (flags != 0 || Blocks()) return SendNow(first, size, flags);
+    const std::lock_guard<std::mutex> lock(send_mutex_);
+    if (send_error_) return -send_error_;
+    int sent = sending_ ? -EAGAIN : SendNow(first, size, 0);
+    if (sent < 0 && sent != -EAGAIN) return sent;
+    sent = std::max(sent, 0);
+    sent += static_cast<int>(Queue(first + sent, size - static_cast<size_t>(sent)));
+    return sent > 0 || size == 0 ? sent : -EAGAIN;
+}
+
+// How many of the bytes there was room for. Without a thread nothing is taken.
+size_t StreamSocket::Queue(const char* bytes, size_t size) {
+    const size_t room = kLargestBacklog - (backlog_.size() - backlog_sent_);
+    size = std::min(size, room);
+    if (size == 0) return 0;
+    if (!sending_) {
+        try {
+            std::thread([self = shared_from_this()] { self->SendBacklog(); }).detach();
+        } catch (const std::system_error&) {
+            return 0;
+        }
+        sending_ = true;
+    }
+    backlog_.append(bytes, size);
+    return size;
+}
+
+// The thread: ends when all is sent, when the connection fails and when the socket is closed.
+void StreamSocket::SendBacklog() {
+    pollfd waits[2] = {{descriptor_, POLLOUT, 0}, {wake_, POLLIN, 0}};
+    do poll(waits, 2, -1);
+    while (SendSomeOfBacklog(waits[1].revents != 0));
+}
+
+// False when the thread is to end; the next bytes then start another one.
+bool StreamSocket::SendSomeOfBacklog(bool closed) {
+    const std::lock_guard<std::mutex> lock(send_mutex_);
+    const size_t left = backlog_.size() - backlog_sent_;
+    const int count =
+        closed ? -ENOTSOCK : SendNow(backlog_.data() + backlog_sent_, left, MSG_DONTWAIT);
+    if (count == -EAGAIN) return true;
+    if (count < 0) send_error_ = -count;
+    backlog_sent_ += count < 0 ? left : static_cast<size_t>(count);
+    if (backlog_sent_ * 2 >= backlog_.size()) {
+        backlog_.erase(0, backlog_sent_);
+        backlog_sent_ = 0;
+    }
+    sending_ = !backlog_.empty();
+    if (!sending_) backlog_.shrink_to_fit();
+    return sending_;
 }
 
 int StreamSocket::Shutdown(int how) {

@@ -9,12 +9,18 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 enum class SocketState { kFresh, kConnecting, kConnected, kFailed };
 
 // The descriptor is closed when the last thread lets go of the object.
-class StreamSocket {
+//
+// A socket that does not block takes up to kLargestBacklog more bytes than the kernel has room for.
+// A thread of the socket's own sends them as the peer reads; Close drops what is left.
+inline constexpr size_t kLargestBacklog = size_t{64} << 20;
+
+class StreamSocket : public std::enable_shared_from_this<StreamSocket> {
   public:
     static int Open(std::shared_ptr<StreamSocket>* opened);
     ~StreamSocket();
@@ -41,6 +47,11 @@ class StreamSocket {
     SocketState LookAtRequest();
     int Usable();
     int BeginConnect(uint32_t address, uint16_t port, bool* blocking);
+    bool Blocks();
+    int SendNow(const char* bytes, size_t size, int flags);
+    size_t Queue(const char* bytes, size_t size);
+    void SendBacklog();
+    bool SendSomeOfBacklog(bool closed);
 
     const int descriptor_;
     const int wake_;  // readable once the socket is closed
@@ -49,6 +60,12 @@ class StreamSocket {
     bool blocking_ = true;
     SocketState state_ = SocketState::kFresh;
     int pending_error_ = 0;  // of the connection, for the next transfer to report
+
+    std::mutex send_mutex_;  // taken before mutex_
+    std::string backlog_;    // bytes that wait for room in the kernel
+    size_t backlog_sent_ = 0;
+    bool sending_ = false;  // the thread that sends them runs
+    int send_error_ = 0;    // what it met
 };
 
 struct SocketWait {

@@ -68,5 +68,16 @@ DWORD RasEnumEntriesW(LPWSTR, LPWSTR, RASENTRYNAMEW* entries, DWORD* size, DWORD
     return fitting < names.size() ? ERROR_BUFFER_TOO_SMALL : ERROR_SUCCESS;
 }
 
-// Nothing dials yet, so no handle is one of a connection.
-DWORD RasHangUpW(HRASCONN) { return ERROR_INVALID_HANDLE; }
+// Only what was enumerated is an entry, so that no name leads out of the folder.
+DWORD RasGetEntryDialParamsW(LPCWSTR, RASDIALPARAMSW* parameters, BOOL* has_password) {
+    if (!parameters || !has_password) return ERROR_INVALID_PARAMETER;
+    if (parameters->dwSize != sizeof(*parameters)) return kErrorInvalidSize;
+    const LPCWSTR name = parameters->szEntryName;
+    const LPCWSTR end = name + RAS_MaxEntryName + 1;
+    if (std::find(name, end, u'\0') == end) return ERROR_INVALID_PARAMETER;
+    *has_password = FALSE;
+    const std::vector<std::u16string> names = DialUpNames();
+    return std::find(names.begin(), names.end(), name) == names.end()
+               ? ERROR_CANNOT_FIND_PHONEBOOK_ENTRY
+               : ERROR_SUCCESS;
+}

@@ -13,6 +13,8 @@ struct ServicesTestHooks {
     bool fail_host_lookup = false;  // gethostbyname finds nothing, 11001
     int host_lookups = 0;           // calls of gethostbyname
     std::string dial_up_folder = "/etc/ppp/peers";
+    std::string dial_up_program = "/usr/sbin/pppd";
+    int dial_up_patience = 8000;  // ms from asking that program to end to ending it by force
     int64_t system_time = -1;  // ms since 1970-01-01 UTC for GetSystemTime; below 0: the real one
 };
 

@@ -5,12 +5,15 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
+#include <QStyleHints>
+#include <QTouchEvent>
 
 WindowWidget::WindowWidget(HWND window, QWidget* parent) : QWidget(parent), window_(window) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
-    // A tap on a child leaves the keys with the program's window.
-    setFocusPolicy(qobject_cast<WindowWidget*>(parent) ? Qt::NoFocus : Qt::StrongFocus);
+    setAttribute(Qt::WA_AcceptTouchEvents);
+    // The focus is the program's to give; a tap on a child leaves it where it is.
+    setFocusPolicy(FindWindowRecord(window)->parent ? Qt::NoFocus : Qt::StrongFocus);
 }
 
 void WindowWidget::PaintInvalid() {
@@ -79,6 +82,50 @@ void WindowWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     const Window* window = FindWindowRecord(window_);
     const bool wanted = window && (window->window_class->style & CS_DBLCLKS);
     QueueMouse(wanted ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN, event->position(), event->buttons());
+}
+
+bool WindowWidget::event(QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (type == QEvent::TouchCancel) finger_ = -1;
+    if (type != QEvent::TouchBegin && type != QEvent::TouchUpdate && type != QEvent::TouchEnd)
+        return QWidget::event(event);
+    const auto& touch = *static_cast<QTouchEvent*>(event);
+    if (type == QEvent::TouchBegin && childAt(touch.points().first().position().toPoint()))
+        return false;  // a scroll bar's or a button's, for which the toolkit makes a mouse of it
+    TakeTouch(touch);
+    event->accept();
+    return true;
+}
+
+// The finger that touches first is the stylus; others do nothing until all are up.
+void WindowWidget::TakeTouch(const QTouchEvent& touch) {
+    for (const QEventPoint& point : touch.points()) {
+        if (touch.type() == QEvent::TouchBegin && finger_ < 0) {
+            finger_ = point.id();
+            TakeFirstTouch(point.position());
+        } else if (point.id() == finger_ && point.state() == QEventPoint::Updated) {
+            QueueMouse(WM_MOUSEMOVE, point.position(), Qt::LeftButton);
+        } else if (point.id() == finger_ && point.state() == QEventPoint::Released) {
+            QueueMouse(WM_LBUTTONUP, point.position(), Qt::NoButton);
+            finger_ = -1;
+        }
+    }
+}
+
+void WindowWidget::TakeFirstTouch(const QPointF& position) {
+    const Window* window = FindWindowRecord(window_);
+    const bool second = IsSecondTap(position);
+    const bool wanted = second && window && (window->window_class->style & CS_DBLCLKS);
+    QueueMouse(wanted ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN, position, Qt::LeftButton);
+    if (second) return since_tap_.invalidate();  // a third tap is a first one
+    since_tap_.start();
+    tap_ = position;
+}
+
+bool WindowWidget::IsSecondTap(const QPointF& position) {
+    const QStyleHints* hints = QGuiApplication::styleHints();
+    return since_tap_.isValid() && since_tap_.elapsed() < hints->mouseDoubleClickInterval() &&
+           (position - tap_).manhattanLength() < hints->touchDoubleTapDistance();
 }
 
 // Tab is a key like any other here.

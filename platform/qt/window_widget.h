@@ -2,7 +2,12 @@
 #ifndef QUILL_PLATFORM_QT_WINDOW_WIDGET_H
 #define QUILL_PLATFORM_QT_WINDOW_WIDGET_H
 
+#include <QElapsedTimer>
+#include <QPointF>
+
 #include "slice.h"
+
+class QTouchEvent;
 
 class WindowWidget : public QWidget {
     Q_OBJECT
@@ -14,6 +19,7 @@ class WindowWidget : public QWidget {
     bool painting() const { return painting_; }
 
   protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
@@ -27,10 +33,16 @@ class WindowWidget : public QWidget {
 
   private:
     void QueueMouse(UINT message, const QPointF& position, Qt::MouseButtons buttons);
+    void TakeTouch(const QTouchEvent& touch);
+    void TakeFirstTouch(const QPointF& position);
+    bool IsSecondTap(const QPointF& position);
 
     HWND window_;
     bool own_paint_ = false;  // the paint was asked for by the program
     bool painting_ = false;
+    int finger_ = -1;  // the touch point that is the stylus; -1: none is down
+    QElapsedTimer since_tap_;
+    QPointF tap_;
 };
 
 #endif

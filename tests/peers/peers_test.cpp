@@ -150,6 +150,35 @@ TEST(InetutilsTelnetd, TheServersEndIsReported) {
     });
 }
 
+// The name by the search text that is there from the start, the password by the second pair.
+void LogInByItself(Server& server) {
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", server.port);
+        OnWindowThread([] {
+            EXPECT_EQ(lstrcmpW(session.settings.sear1, u"ogin"), 0);
+            lstrcpyW(session.settings.resp1, u"visitor\\015");
+            lstrcpyW(session.settings.sear2, u"assword");
+            lstrcpyW(session.settings.resp2, u"warehouse7\\015");
+        });
+        Connect();
+        ASSERT_TRUE(TerminalShows("\n$\n")) << TerminalText();
+        ClearAndRun("id -un");
+        EXPECT_TRUE(TerminalShows("\nvisitor\n")) << TerminalText();
+    });
+}
+
+TEST(InetutilsTelnetd, LogsInByItself) {
+    Server server("telnetd.sh");
+    START_OR_SKIP(server);
+    LogInByItself(server);
+}
+
+TEST(BusyboxTelnetd, LogsInByItself) {
+    Server server("busybox_telnetd.sh");
+    START_OR_SKIP(server);
+    LogInByItself(server);
+}
+
 TEST(BusyboxTelnetd, LoginTypedByAPerson) {
     Server server("busybox_telnetd.sh");
     START_OR_SKIP(server);

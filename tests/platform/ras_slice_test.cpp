@@ -34,6 +34,15 @@ class DialUpEntries : public testing::Test {
         size = static_cast<DWORD>(room * sizeof(RASENTRYNAMEW));
         return RasEnumEntriesW(nullptr, nullptr, room ? entries.data() : nullptr, &size, &count);
     }
+    static DWORD Fetch(LPCWSTR name) {
+        RASDIALPARAMSW parameters = {};
+        parameters.dwSize = sizeof(parameters);
+        lstrcpynW(parameters.szEntryName, name, RAS_MaxEntryName + 1);
+        BOOL has_password = TRUE;
+        const DWORD error = RasGetEntryDialParamsW(nullptr, &parameters, &has_password);
+        EXPECT_EQ(has_password, FALSE);
+        return error;
+    }
     std::u16string Name(size_t i) const { return entries[i].szEntryName; }
 
     std::vector<RASENTRYNAMEW> entries;
@@ -91,8 +100,26 @@ TEST_F(DialUpEntries, WrongStructureSizeIsRefused) {
               RasEnumEntriesW(nullptr, nullptr, &entry, nullptr, &count));
 }
 
-TEST(HangUp, NoConnectionIsAnInvalidHandle) {
-    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_HANDLE), RasHangUpW(nullptr));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_HANDLE),
-              RasHangUpW(reinterpret_cast<HRASCONN>(static_cast<UINT_PTR>(0x1234))));
+TEST_F(DialUpEntries, ParametersAreThereForEntriesAlone) {
+    Make("provider");
+    Make("it's \"home\"; $(x)");
+    fs::create_directory(services_test_hooks.dial_up_folder + "/folder");
+    Make("folder/inner");
+    EXPECT_EQ(0u, Fetch(u"provider"));
+    EXPECT_EQ(0u, Fetch(u"it's \"home\"; $(x)"));
+    for (const char16_t* name : {u"", u".", u"..", u"folder", u"folder/inner", u"../passwd",
+                                 u"./provider", u"provider ", u"PROVIDER", u"missing", u"-x"})
+        EXPECT_EQ(623u, Fetch(name)) << fs::path(name);
+}
+
+TEST_F(DialUpEntries, ParametersOfAWrongShapeAreRefused) {
+    Make("provider");
+    RASDIALPARAMSW parameters = {};
+    BOOL has_password = TRUE;
+    EXPECT_EQ(632u, RasGetEntryDialParamsW(nullptr, &parameters, &has_password));
+    parameters.dwSize = sizeof(parameters);
+    for (WCHAR& unit : parameters.szEntryName) unit = u'x';
+    EXPECT_EQ(87u, RasGetEntryDialParamsW(nullptr, &parameters, &has_password));
+    EXPECT_EQ(87u, RasGetEntryDialParamsW(nullptr, &parameters, nullptr));
+    EXPECT_EQ(87u, RasGetEntryDialParamsW(nullptr, nullptr, &has_password));
 }

@@ -93,6 +93,86 @@ TEST_F(WinsockInside, NumbersAreNeverGivenOutTwice) {
     }
 }
 
+// Bytes that tell their place.
+std::string Numbered(size_t size) {
+    std::string bytes;
+    while (bytes.size() < size) bytes.append(std::to_string(bytes.size())).append(" ");
+    bytes.resize(size);
+    return bytes;
+}
+
+size_t Threads() {
+    const std::filesystem::directory_iterator list("/proc/self/task");
+    return static_cast<size_t>(std::distance(begin(list), end(list)));
+}
+
+// Threads go a moment after they have let go of all else.
+bool ThreadsBecome(size_t count) {
+    for (int i = 0; i < 500 && Threads() != count; i++) Sleep(10);
+    return Threads() == count;
+}
+
+TEST_F(WinsockInside, MoreThanTheKernelHoldsArrivesInOrder) {
+    LoopbackPeer peer;
+    const SOCKET number = NewSocket();
+    Connect(number, "127.0.0.1", peer.port());
+    ASSERT_TRUE(peer.Accept());
+    const size_t before = Threads();
+    const std::string bytes = Numbered(20000000);
+    size_t sent = 0;
+    for (size_t piece = 1; sent < bytes.size(); piece = piece * 7 % 100003) {
+        const size_t size = std::min(piece, bytes.size() - sent);
+        ASSERT_EQ(static_cast<int>(size),
+                  send(number, bytes.data() + sent, static_cast<int>(size), 0));
+        sent += size;
+    }
+    EXPECT_TRUE(peer.Receive(bytes.size()) == bytes);
+    EXPECT_TRUE(ThreadsBecome(before));
+    EXPECT_EQ(4, send(number, "more", 4, 0));
+    EXPECT_EQ("more", peer.Receive(4));
+    closesocket(number);
+}
+
+TEST_F(WinsockInside, SmallPiecesDuringAndAfterABacklogArriveInOrder) {
+    LoopbackPeer peer;
+    const SOCKET number = NewSocket();
+    Connect(number, "127.0.0.1", peer.port());
+    ASSERT_TRUE(peer.Accept());
+    const std::string bytes = Numbered(12000000);
+    std::thread reader([&] { EXPECT_TRUE(peer.Receive(bytes.size()) == bytes); });
+    ASSERT_EQ(11900000, send(number, bytes.data(), 11900000, 0));
+    for (size_t i = 11900000; i < bytes.size(); i++) ASSERT_EQ(1, send(number, &bytes[i], 1, 0));
+    reader.join();
+    closesocket(number);
+}
+
+TEST_F(WinsockInside, ClosingWithABacklogEndsItsThread) {
+    LoopbackPeer peer;
+    const size_t before = Threads();
+    const SOCKET number = NewSocket();
+    Connect(number, "127.0.0.1", peer.port());
+    ASSERT_TRUE(peer.Accept());
+    const std::string bytes(20000000, 'x');
+    EXPECT_EQ(20000000, send(number, bytes.data(), 20000000, 0));
+    EXPECT_EQ(before + 1, Threads());
+    closesocket(number);
+    EXPECT_TRUE(ThreadsBecome(before));
+}
+
+TEST_F(WinsockInside, APeerThatGoesDuringABacklogFailsTheNextSend) {
+    LoopbackPeer peer;
+    const size_t before = Threads();
+    const SOCKET number = NewSocket();
+    Connect(number, "127.0.0.1", peer.port());
+    ASSERT_TRUE(peer.Accept());
+    const std::string bytes(20000000, 'x');
+    EXPECT_EQ(20000000, send(number, bytes.data(), 20000000, 0));
+    peer.ResetConnection();
+    EXPECT_TRUE(ThreadsBecome(before));
+    EXPECT_EQ(SOCKET_ERROR, send(number, "x", 1, 0));
+    closesocket(number);
+}
+
 TEST_F(WinsockInside, ManyConnectionsLeaveNoDescriptorOpen) {
     LoopbackPeer peer;
     const size_t before = OpenDescriptors();

@@ -96,6 +96,15 @@ TEST(AutoLogin, TextOfALongerChunkBeforeIsNotFound) {
     EXPECT_EQ(Sent(), "");
 }
 
+TEST(AutoLogin, TextThatGoesOnInALongerChunkBeforeIsNotFound) {
+    NewLogin("ogin", "name");
+    std::memcpy(session.telnet.display_buffer, "xxgin: ", 7);
+    Receive("lo");
+    EXPECT_EQ(Sent(), "");
+    Receive("login: ");
+    EXPECT_EQ(Sent(), "name");
+}
+
 TEST(AutoLogin, CommandsInTheMiddleOfTheTextDoNotHideIt) {
     NewLogin("ogin", "name");
     Receive("lo" + Iac(252, 5) + "gin:");

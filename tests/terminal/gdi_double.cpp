@@ -297,4 +297,7 @@ int lstrcmpW(LPCWSTR a, LPCWSTR b) {
     return *a - *b;
 }
 
-BOOL MessageBeep(UINT) { return TRUE; }
+BOOL MessageBeep(UINT type) {
+    gdi.beeps.push_back(type);
+    return TRUE;
+}

@@ -42,6 +42,7 @@ struct GdiDouble {
     std::vector<UINT> default_messages;  // those handed to DefWindowProcW
     std::vector<LOGFONTW> fonts_made;
     int pens_made = 0;
+    std::vector<UINT> beeps;  // their types
     bool refuse_class = false;
     bool refuse_fonts = false;
     bool refuse_paint = false;

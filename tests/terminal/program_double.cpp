@@ -1,6 +1,7 @@
 // Doubles of config/, app/ and telnet/, and the fixture of the terminal window's tests.
 #include "program_double.h"
 
+#include "app/keys.h"
 #include "app/status_bar.h"
 #include "config/config_file.h"
 #include "config/settings.h"
@@ -22,6 +23,10 @@ void UpdateStatus() { program_calls.push_back("UpdateStatus"); }
 void SessionSend(const BYTE* bytes, int length, int escape) {
     program_calls.push_back("SessionSend " + std::to_string(escape) + " " +
                             std::string(bytes, bytes + length));
+}
+
+void SendVirtualKey(int virtual_key) {
+    program_calls.push_back(std::string("SendVirtualKey ").append(std::to_string(virtual_key)));
 }
 
 static void SetUpSettings() {

@@ -1,0 +1,511 @@
+// Dialling on the running program. The dial-up program is a script of the test's own that writes
+// the lines of pppd in their order and ends with its exit codes.
+#include "app/dialling.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "app/commands.h"
+#include "app/session_state.h"
+#include "platform/qt/testing_services.h"
+#include "terminal/screen_buffer.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const char kFailed[] = "Error: RAS Dial has failed. Check your network configuration ";
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+bool FileAppears(const std::string& path) {
+    for (int i = 0; i < 2000 && !fs::exists(path); i++) Sleep(5);
+    return fs::exists(path);
+}
+
+// A device with dial-up entries and, where a script is given, a program that dials them. The script
+// runs in the folder; its number stands in the file "process".
+class Dialling : public testing::Test {
+  protected:
+    void SetUp() override {
+        services_test_hooks = ServicesTestHooks();
+        folder = FreshRoot();
+        fs::create_directory(folder + "/peers");
+        services_test_hooks.dial_up_folder = folder + "/peers";
+        services_test_hooks.dial_up_program = folder + "/pppd";
+    }
+    void TearDown() override { services_test_hooks = ServicesTestHooks(); }
+
+    void MakeEntry(const std::string& name) const {
+        std::ofstream(folder + "/peers/" + name) << "/dev/ttyS0\n";
+    }
+    void MakeProgram(const std::string& script) const {
+        const std::string path = folder + "/pppd";
+        std::ofstream(path) << "#!/bin/sh\ncd '" << folder
+                            << "'\nprintf '%s\\n' \"$@\" >arguments\n"
+                            << "echo $$ >number && mv number process\n"
+                            << "await() { while ! [ -e $1 ]; do sleep 0.02; done; }\n"
+                            << script;
+        fs::permissions(path, fs::perms::owner_all);
+    }
+    void Let(const char* file) const { std::ofstream(folder + "/" + file) << "\n"; }
+
+    // The person's: asks for the dial as the answered question does, and does not wait for the
+    // tick.
+    static void Dial(const char16_t* entry) {
+        OnWindowThread([=] {
+            lstrcpyW(session.settings.ras, entry);
+            session.dial_request = 1;
+        });
+        PostToMain(WM_TIMER, 1);
+    }
+    bool ProgramGone() const {
+        const int process = std::stoi(ReadFile(folder + "/process"));
+        for (int i = 0; i < 1000 && kill(process, 0) == 0; i++) Sleep(5);
+        return kill(process, 0) != 0;
+    }
+    static bool Dialled() {
+        return Eventually([] { return session.dialling == 1; });
+    }
+    static bool NotDialling() {
+        return Eventually([] { return session.dialling == 0; });
+    }
+
+    std::string folder;
+};
+
+// ---------------------------------------------------------------- states
+
+TEST_F(Dialling, EveryStateHasItsLine) {
+    const std::pair<int, const char*> rows[] = {
+        {0, "Open port"},
+        {1, "The com. port has been opened successfully"},
+        {2, "A device is about to be connected"},
+        {3, "A device has connected successfully"},
+        {4, "All devices in the device chain have successfully connected"},
+        {5, "The authentication process is starting"},
+        {6, "An authentication event has occurred"},
+        {7, "The client has requested another validation attempt"},
+        {8, "The remote access server has requested a callback number"},
+        {9, "The client has requested to change the password on the account"},
+        {10, "The projection phase is starting"},
+        {11, "The link-speed calculation phase is starting"},
+        {12, "An authentication request is being acknowledged"},
+        {13, "Reauthentication (after callback) is starting"},
+        {14, "The client has successfully completed authentication"},
+        {15, "The line is about to disconnect in preparation for callback"},
+        {16, "The client is delaying in order to give the modem time to reset"},
+        {17, "The client is waiting for an incoming call from the remote server"},
+        {4096, "Interactive"},
+        {4097, "RetryAuthentication"},
+        {4098, "CallbackSetByCaller"},
+        {4099, "PasswordExpired"},
+        {8193, "Disconnection or failed connection"},
+        {18, "unknown ras dial event 18"},
+        {8194, "unknown ras dial event 8194"},
+        {-1000, "unknown ras dial event -1000"}};
+    RunProgram({}, [&] {
+        OnWindowThread([&] {
+            for (const auto& [state, line] : rows) {
+                ClearAllLines();
+                session.screen.cursor_row = session.screen.cursor_col = 1;
+                session.dialling = 1;
+                OnDialEvent(static_cast<WPARAM>(state), 0);
+                EXPECT_EQ(TerminalRow(1), line);
+                EXPECT_EQ(session.screen.cursor_row, 2) << line;
+                EXPECT_EQ(session.screen.cursor_col, 1) << line;
+                EXPECT_EQ(session.dialling, state == 8193 ? 0u : 1u) << line;
+            }
+            session.dialling = 0;
+        });
+    });
+}
+
+TEST_F(Dialling, ARepeatedStateWritesOneLine) {
+    RunProgram({}, [] {
+        for (int i = 0; i < 3; i++) PostToMain(WM_RASDIALEVENT, 3, 0);
+        OnWindowThread([] { session.dialling = 1; });
+        for (int i = 0; i < 3; i++) PostToMain(WM_RASDIALEVENT, 4, 0);
+        PostToMain(WM_RASDIALEVENT, 5, 0);
+        ASSERT_TRUE(TerminalShows("starting"));
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(1), "All devices in the device chain have successfully connected")
+                << "state 3 came while nothing was dialled";
+            EXPECT_EQ(TerminalRow(2), "The authentication process is starting");
+            session.dialling = 0;
+        });
+    });
+}
+
+TEST_F(Dialling, AnotherDialsFirstStateIsNotShownWhenItWasTheLast) {
+    RunProgram({}, [] {
+        OnWindowThread([] {
+            EXPECT_EQ(session.last_dial_state, -1);
+            session.dialling = 1;
+            OnDialEvent(0, 0);
+            session.dialling = 0;
+            session.dialling = 1;
+            OnDialEvent(0, 0);
+            OnDialEvent(1, 0);
+            EXPECT_EQ(TerminalRow(2), "The com. port has been opened successfully");
+            session.dialling = 0;
+        });
+    });
+}
+
+TEST_F(Dialling, AFailureWritesItsLineBeforeTheErrorIsShown) {
+    RunProgram({}, [] {
+        OnWindowThread([] { session.dialling = 1; });
+        PostToMain(WM_RASDIALEVENT, 8193, 676);
+        ASSERT_EQ(AwaitBox(), kFailed);
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(1), "Disconnection or failed connection");
+            EXPECT_EQ(session.dialling, 0u);
+        });
+        PressOk();
+    });
+}
+
+TEST_F(Dialling, ProgressIsWrittenOnlyWhileDialling) {
+    RunProgram({}, [] {
+        OnWindowThread([] {
+            DialProgress("not now\r\n");
+            session.dialling = 1;
+            DialProgress("Abort modem dialing\r\n");
+            session.dialling = 0;
+            EXPECT_EQ(TerminalRow(1), "Abort modem dialing");
+        });
+    });
+}
+
+// ---------------------------------------------------------------- dials
+
+const char kUp[] =
+    "echo 'Serial connection established.'; echo 'Using interface ppp0'\n"
+    "echo 'Connect: ppp0 <--> /dev/ttyS0'; echo 'PAP authentication succeeded'\n"
+    "await go; echo 'local  IP address 10.0.0.2'; echo 'remote IP address 10.0.0.1'\n"
+    "trap 'echo Terminating on signal 15; : >ended; exit 5' TERM\n"
+    "while :; do sleep 0.02; done\n";
+
+TEST_F(Dialling, ASuccessfulDialConnectsByItself) {
+    MakeEntry("depot");
+    MakeProgram(kUp);
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Dial(u"depot");
+        ASSERT_TRUE(TerminalShows("completed authentication"));
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(1), "Open port");
+            EXPECT_EQ(TerminalRow(2), "A device has connected successfully");
+            EXPECT_EQ(TerminalRow(3),
+                      "All devices in the device chain have successfully connected");
+            EXPECT_EQ(TerminalRow(4), "The client has successfully completed authentication");
+            EXPECT_NE(session.ras_connection, nullptr);
+            EXPECT_EQ(session.connect_pending, 0u);
+        });
+        Let("go");
+        ASSERT_TRUE(host.Accept());
+        host.Send("login: ");
+        EXPECT_TRUE(TerminalShows("login:"));
+        OnWindowThread([] {
+            EXPECT_EQ(session.dialling, 0u);
+            EXPECT_EQ(session.last_dial_state, 8192);
+            EXPECT_NE(session.ras_connection, nullptr) << "the link stays up";
+        });
+        EXPECT_EQ(ReadFile(folder + "/arguments"), "call\ndepot\nnodetach\n");
+        OnWindowThread([] { session.settings.confirm_exit = 0; });
+        PostToMain(WM_COMMAND, 40002);
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_TRUE(ProgramGone());
+        EXPECT_TRUE(fs::exists(folder + "/ended")) << "it was asked to end, and waited for";
+    });
+}
+
+TEST_F(Dialling, TheQuestionAnsweredWithOkDialsAtTheNextTick) {
+    MakeEntry("depot");
+    MakeProgram(kUp);
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        OnWindowThread([] { services_test_hooks.force_connect_error = WSAEHOSTUNREACH; });
+        ConnectLater();
+        ASSERT_EQ(AwaitBox(),
+                  "Request: No active network. Should I dial a network using modem (depot) ?");
+        OnWindowThread([] { services_test_hooks.force_connect_error = 0; });
+        PressOk();
+        Let("go");
+        EXPECT_TRUE(host.Accept());
+        OnWindowThread([] { EXPECT_EQ(session.dial_request, 0u); });
+    });
+    EXPECT_TRUE(ProgramGone()) << "the device's end hangs up";
+}
+
+TEST_F(Dialling, ADeviceWithoutEntriesAsksWithAnEmptyName) {
+    RunProgram({}, [] {
+        SetHost(u"127.0.0.1", 23);
+        OnWindowThread([] { services_test_hooks.force_connect_error = WSAEHOSTUNREACH; });
+        ConnectLater();
+        ASSERT_EQ(AwaitBox(),
+                  "Request: No active network. Should I dial a network using modem () ?");
+        PressOk();
+        DismissBox("Error: Cannot find dial information for connection name. ()");
+        EXPECT_TRUE(NotDialling());
+    });
+}
+
+TEST_F(Dialling, TheSessionsEndHangsUpWithExitOnDisconnect) {
+    MakeEntry("depot");
+    MakeProgram(kUp);
+    Let("go");
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Dial(u"depot");
+        ASSERT_TRUE(host.Accept());
+        host.Send("hello");
+        ASSERT_TRUE(TerminalShows("hello"));
+        OnWindowThread([] { session.settings.exit_dis = 1; });
+        host.Drop();
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_FALSE(ProgramRuns());
+        EXPECT_TRUE(fs::exists(folder + "/ended"));
+    });
+    EXPECT_TRUE(ProgramGone());
+}
+
+// ---------------------------------------------------------------- failures
+
+TEST_F(Dialling, ABusyLineIsTold) {
+    MakeEntry("depot");
+    MakeProgram(
+        "echo 'send (ATDT5551234^M)'; echo 'Failed (BUSY)'\n"
+        "echo 'Connect script failed'; exit 8\n");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_EQ(AwaitBox(), kFailed);
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(1), "Open port");
+            EXPECT_EQ(TerminalRow(2), "A device is about to be connected");
+            EXPECT_EQ(TerminalRow(3), "Disconnection or failed connection");
+            EXPECT_EQ(session.dialling, 0u);
+        });
+        PressOk();
+        EXPECT_TRUE(ProgramGone());
+    });
+}
+
+TEST_F(Dialling, EveryExitCodeOfTheProgramIsAFailure) {
+    MakeEntry("depot");
+    RunProgram({}, [&] {
+        for (const char* end : {"exit 0", "exit 1", "exit 2", "exit 4", "exit 7", "exit 10",
+                                "exit 16", "exit 19", "exit 255", "kill -KILL $$"}) {
+            MakeProgram(std::string("sleep 0.05\n") + end + "\n");
+            Dial(u"depot");
+            EXPECT_EQ(AwaitBox(), kFailed) << end;
+            PressOk();
+            EXPECT_TRUE(NotDialling()) << end;
+        }
+    });
+}
+
+TEST_F(Dialling, AMissingProgramIsToldAndTheUserMayConnectAgain) {
+    MakeEntry("depot");
+    FakeHost host;
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        DismissBox("Error: RAS Dial has failed. Check your network configuration (2)");
+        EXPECT_TRUE(NotDialling());
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        EXPECT_TRUE(host.Accept());
+    });
+}
+
+TEST_F(Dialling, AProgramThatMayNotBeStartedIsTold) {
+    MakeEntry("depot");
+    MakeProgram("exit 0\n");
+    fs::permissions(folder + "/pppd", fs::perms::owner_read);
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        DismissBox("Error: RAS Dial has failed. Check your network configuration (5)");
+        EXPECT_TRUE(NotDialling());
+    });
+}
+
+TEST_F(Dialling, AnUnknownEntryIsTold) {
+    MakeEntry("depot");
+    MakeEntry("a-name-of-20-letters");
+    RunProgram({}, [&] {
+        for (const char16_t* name :
+             {u"shop", u"", u"../../etc/passwd", u"a-name-of-20-letters-and-more"}) {
+            Dial(name);
+            DismissBox("Error: Cannot find dial information for connection name. (" +
+                       fs::path(name).string() + ")");
+            EXPECT_TRUE(NotDialling());
+        }
+    });
+}
+
+TEST_F(Dialling, NamesReachTheProgramAsTheyAre) {
+    const std::pair<const char*, const char16_t*> names[] = {
+        {"two words", u"two words"},
+        {"it's \"mine\"", u"it's \"mine\""},
+        {"$(touch x); `y`", u"$(touch x); `y`"},
+        {"-detach", u"-detach"},
+        {"caf\xc3\xa9 \\ *", u"caf\u00e9 \\ *"}};
+    MakeProgram("exit 1\n");
+    RunProgram({}, [&] {
+        for (const auto& [file, name] : names) {
+            MakeEntry(file);
+            Dial(name);
+            EXPECT_EQ(AwaitBox(), kFailed) << file;
+            PressOk();
+            EXPECT_EQ(ReadFile(folder + "/arguments"),
+                      std::string("call\n").append(file).append("\nnodetach\n"));
+        }
+        EXPECT_FALSE(fs::exists(folder + "/x"));
+    });
+}
+
+// ---------------------------------------------------------------- hanging up
+
+TEST_F(Dialling, TheConnectCommandHangsUpASilentDialAndNothingElse) {
+    MakeEntry("depot");
+    MakeProgram("trap 'sleep 0.1; : >ended; exit 5' TERM\nwhile :; do sleep 0.02; done\n");
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Dial(u"depot");
+        ASSERT_TRUE(TerminalShows("Open port"));
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(fs::exists(folder + "/ended"));
+        EXPECT_TRUE(ProgramGone());
+        EXPECT_TRUE(TerminalShows("Open port\nDisconnection or failed connection\n"));
+        EXPECT_EQ(AwaitBox(200), "") << "the user's own end is no failure";
+        OnWindowThread([] { EXPECT_EQ(session.ras_connection, nullptr); });
+        EXPECT_FALSE(host.Accept(100));
+        Connect();
+        EXPECT_TRUE(host.Accept());
+    });
+}
+
+TEST_F(Dialling, AProgramThatDoesNotEndIsEndedByForce) {
+    MakeEntry("depot");
+    MakeProgram("trap '' TERM\nwhile :; do sleep 0.02; done\n");
+    services_test_hooks.dial_up_patience = 300;
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        Sleep(50);
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(ProgramGone());
+        EXPECT_EQ(AwaitBox(100), "");
+    });
+}
+
+TEST_F(Dialling, ABabblingProgramDoesNotStopTheTerminal) {
+    MakeEntry("depot");
+    MakeProgram(
+        "exec yes 'Connect: ppp0\nSerial connection established.\nPAP authentication "
+        "succeeded\nbabble'\n");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(TerminalShows("completed authentication"));
+        Sleep(300);
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(2),
+                      "All devices in the device chain have successfully connected");
+            EXPECT_EQ(TerminalRow(3), "The client has successfully completed authentication");
+            EXPECT_EQ(TerminalRow(4), "");
+        });
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(ProgramGone());
+    });
+}
+
+TEST_F(Dialling, ALogHeldOpenByAnotherProgramDoesNotHoldUpTheEnd) {
+    MakeEntry("depot");
+    MakeProgram("sleep 3 &\nexit 16\n");
+    RunProgram({}, [&] {
+        const DWORD begin = GetTickCount();
+        Dial(u"depot");
+        EXPECT_EQ(AwaitBox(), kFailed);
+        PressOk();
+        EXPECT_LT(GetTickCount() - begin, 2500u);
+    });
+}
+
+TEST_F(Dialling, ALogThatIsClosedEarlyIsNotTheEnd) {
+    MakeEntry("depot");
+    MakeProgram("exec >/dev/null 2>&1\nawait go\nexit 1\n");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(Dialled());
+        EXPECT_EQ(AwaitBox(300), "");
+        Let("go");
+        EXPECT_EQ(AwaitBox(), kFailed);
+        PressOk();
+    });
+}
+
+TEST_F(Dialling, DiallingAgainHangsUpTheLinkBefore) {
+    MakeEntry("depot");
+    MakeProgram(kUp);
+    Let("go");
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Dial(u"depot");
+        ASSERT_TRUE(host.Accept());
+        const std::string first = ReadFile(folder + "/process");
+        fs::remove(folder + "/process");
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        EXPECT_NE(ReadFile(folder + "/process"), first);
+        EXPECT_NE(kill(std::stoi(first), 0), 0);
+        EXPECT_TRUE(NotDialling());
+    });
+}
+
+TEST_F(Dialling, HangingUpWhatIsNoConnectionIsAnInvalidHandle) {
+    EXPECT_EQ(6u, RasHangUpW(nullptr));
+    EXPECT_EQ(6u, RasHangUpW(reinterpret_cast<HRASCONN>(static_cast<UINT_PTR>(0x1234))));
+}
+
+TEST_F(Dialling, LeavesNoDescriptorOpen) {
+    MakeEntry("depot");
+    MakeProgram("exit 1\n");
+    const auto open = [] {
+        return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+    };
+    RASDIALPARAMSW parameters = {};
+    parameters.dwSize = sizeof(parameters);
+    lstrcpyW(parameters.szEntryName, u"depot");
+    const auto before = open();
+    for (int i = 0; i < 20; i++) {
+        HRASCONN connection = nullptr;
+        ASSERT_EQ(0u, RasDialW(nullptr, nullptr, &parameters, 0xFFFFFFFF, nullptr, &connection));
+        EXPECT_EQ(0u, RasHangUpW(connection));
+        fs::rename(folder + "/pppd", folder + "/other");
+        EXPECT_EQ(2u, RasDialW(nullptr, nullptr, &parameters, 0xFFFFFFFF, nullptr, &connection));
+        EXPECT_EQ(connection, nullptr);
+        fs::rename(folder + "/other", folder + "/pppd");
+    }
+    EXPECT_EQ(open(), before);
+}
+
+}  // namespace

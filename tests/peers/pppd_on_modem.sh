@@ -1,0 +1,31 @@
+#!/bin/sh
+# Stands in for pppd on machines whose kernel has no PPP: dials the modem QUILL_MODEM with the real
+# chat (QUILL_CHAT) as an entry's connect script would, writes pppd's lines in their order, and ends
+# with its exit codes. SIGTERM hangs the modem up.
+# Usage: pppd_on_modem.sh call NAME nodetach
+set -u
+[ "$1 $3" = "call nodetach" ] || exit 2
+
+running=
+hang_up() {
+    [ -z "$running" ] || kill "$running" 2>/dev/null
+    echo "Terminating on signal 15"
+    "$QUILL_CHAT" -t 2 '' '\d+++\d\c' OK ATH OK <"$QUILL_MODEM" >"$QUILL_MODEM"
+    echo "Exit."
+    exit 5
+}
+trap hang_up TERM
+
+stty raw -echo <"$QUILL_MODEM" || { echo "Failed to open $QUILL_MODEM"; exit 7; }
+"$QUILL_CHAT" -s -v -t 5 ABORT BUSY ABORT 'NO CARRIER' ABORT 'NO ANSWER' ABORT 'NO DIALTONE' \
+    '' ATZ OK ATDT5551234 CONNECT <"$QUILL_MODEM" >"$QUILL_MODEM" &
+running=$!
+wait $running || { echo "Connect script failed"; exit 8; }
+running=
+echo "Serial connection established."
+echo "Using interface ppp0"
+echo "Connect: ppp0 <--> $QUILL_MODEM"
+echo "PAP authentication succeeded"
+echo "local  IP address 10.0.0.2"
+echo "remote IP address 10.0.0.1"
+while :; do sleep 0.05; done
