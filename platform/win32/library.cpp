@@ -1,0 +1,30 @@
+// Libraries that the program looks up at run time.
+#include "device.h"
+
+namespace {
+
+struct LibraryRow {
+    LPCWSTR device;
+    LPCWSTR desktop;
+};
+
+const LibraryRow kLibraries[] = {
+    {L"COMMDLG.DLL", L"comdlg32.dll"},
+};
+
+}  // namespace
+
+HMODULE DeviceLoadLibrary(LPCWSTR name) {
+    if (!name) return nullptr;
+    for (const LibraryRow& row : kLibraries)
+        if (lstrcmpiW(name, row.device) == 0) name = row.desktop;
+    return LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+}
+
+FARPROC GetProcAddressW(HMODULE library, LPCWSTR name) {
+    std::string narrow;
+    for (; name && *name; name++) narrow.push_back(static_cast<char>(*name < 128 ? *name : '?'));
+    if (narrow.empty()) return nullptr;
+    const FARPROC wide = GetProcAddress(library, (narrow + "W").c_str());
+    return wide ? wide : GetProcAddress(library, narrow.c_str());
+}
