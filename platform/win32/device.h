@@ -24,8 +24,8 @@ BOOL DeviceDeleteFile(LPCWSTR path);
 // The device's window classes have no cursor and no icon of their own; here the arrow and the
 // program's icon take their place.
 ATOM DeviceRegisterClass(const WNDCLASSW* window_class);
-// Every window of the device clips its children. A top-level window gets the desktop's frame
-// round the size that was asked for.
+// Every window of the device clips its children. A top-level window gets the desktop's frame, with
+// room for a menu, round the size that was asked for.
 HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x,
                         int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                         LPVOID parameter);
@@ -51,8 +51,9 @@ HFONT DeviceCreateFontIndirect(const LOGFONTW* font);
 
 // ---------------------------------------------------------------- keyboard.cpp
 
-// F10 comes as a plain key; the desktop keeps it for menus.
+// F10 comes as a plain key, as every other one; what a window leaves of it opens the menu.
 BOOL DeviceGetMessage(MSG* message, HWND window, UINT first, UINT last);
+LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 // Only the Lock keys have a toggled bit.
 SHORT DeviceGetKeyState(int virtual_key);
 // With KEYEVENTF_SILENT: counts as activity of the user, and no window hears of it.
@@ -71,6 +72,30 @@ struct SIPINFO {
 // There is no input panel. The visible desktop is the size of a device on which the whole
 // terminal of the first start fits, or the monitor's if that is smaller.
 BOOL SHSipInfo(UINT action, UINT parameter, LPVOID info, UINT flags);
+
+// ---------------------------------------------------------------- menu_bar.cpp
+
+struct SHMENUBARINFO {
+    DWORD cbSize;
+    HWND hwndParent;
+    DWORD dwFlags;
+    UINT nToolBarId;
+    HINSTANCE hInstRes;
+    int nBmpId;
+    int cBmpImages;
+    HWND hwndMB;  // out: the bar
+    COLORREF clrBk;
+};
+// The bar is the menu of the window `hwndParent`, below its title.
+BOOL SHCreateMenuBar(SHMENUBARINFO* info);
+
+// ---------------------------------------------------------------- processes.cpp
+
+// "PegHelp.exe" is the desktop's viewer on the page that lies beside the program, and gives no
+// handles; there is no other program.
+BOOL DeviceCreateProcess(LPCWSTR program, LPWSTR arguments, LPVOID process_security,
+                         LPVOID thread_security, BOOL inherit, DWORD flags, LPVOID environment,
+                         LPCWSTR folder, LPVOID start_up, PROCESS_INFORMATION* process);
 
 // ---------------------------------------------------------------- library.cpp
 

@@ -20,6 +20,12 @@ BOOL DeviceGetMessage(MSG* message, HWND window, UINT first, UINT last) {
     return result;
 }
 
+LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_KEYDOWN && wparam == VK_F10 && GetMenu(window))
+        return PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, 0), 0;
+    return DefWindowProcW(window, message, wparam, lparam);
+}
+
 SHORT DeviceGetKeyState(int virtual_key) {
     const int state = GetKeyState(virtual_key);
     return static_cast<SHORT>(IsLockKey(virtual_key) ? state : state & 0x8000);

@@ -14,10 +14,10 @@ RECT WorkArea() {
     return area;
 }
 
-// The frame's outer size round a client area, as far as the monitor has room.
-SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style, bool menu) {
+// The frame's outer size round a client area and a menu, as far as the monitor has room.
+SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
     RECT frame = {0, 0, width, height};
-    AdjustWindowRectEx(&frame, style, menu, ex_style);
+    AdjustWindowRectEx(&frame, style, TRUE, ex_style);
     const RECT area = WorkArea();
     return {std::min(frame.right - frame.left, area.right - area.left),
             std::min(frame.bottom - frame.top, area.bottom - area.top)};
@@ -39,7 +39,7 @@ HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD
     style |= WS_CLIPCHILDREN | WS_CLIPSIBLINGS;
     if (!(style & (WS_CHILD | WS_POPUP)) && width != CW_USEDEFAULT) {
         style |= kFrame;
-        const SIZE size = FramedSize(width, height, style, ex_style, menu != nullptr);
+        const SIZE size = FramedSize(width, height, style, ex_style);
         width = size.cx;
         height = size.cy;
     }

@@ -18,6 +18,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, 
 #define SPI_SETSIPINFO 224
 #define SPI_GETSIPINFO 225
 #define SIPF_ON 0x00000001u
+#define SHCMBF_HMENU 0x0010u
 #define KEYEVENTF_SILENT 0x0004
 
 typedef u_long WINSOCK_ULONG;
@@ -35,8 +36,10 @@ typedef u_long WINSOCK_ULONG;
 #define SetForegroundWindow DeviceSetForegroundWindow
 #define CreateFontIndirectW DeviceCreateFontIndirect
 #define GetMessageW DeviceGetMessage
+#define DefWindowProcW DeviceDefWindowProc
 #define GetKeyState DeviceGetKeyState
 #define keybd_event DeviceKeyEvent
+#define CreateProcessW DeviceCreateProcess
 #define LoadLibraryW DeviceLoadLibrary
 #define _wfopen DeviceOpenFile
 #define DeleteFileW DeviceDeleteFile

@@ -1,4 +1,5 @@
 // The adapter: what the program gets on desktop Windows where the system is not the device.
+#include "resources/resource_ids.h"
 #include "tests/platform/test_windows.h"
 
 namespace {
@@ -71,13 +72,22 @@ TEST(SettingsRoot, IsTheUsersOwn) {
     EXPECT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_CURRENT_USER, path));
 }
 
-TEST_F(Adapter, TopLevelWindowHasTheDesktopsFrameRoundItsSize) {
+TEST_F(Adapter, TopLevelWindowHasTheDesktopsFrameAndAMenuRoundItsSize) {
+    SHMENUBARINFO bar = {};
+    bar.cbSize = sizeof(bar);
+    bar.hwndParent = top;
+    bar.dwFlags = SHCMBF_HMENU;
+    bar.nToolBarId = IDR_MENU_ONLINE;
+    ASSERT_TRUE(SHCreateMenuBar(&bar));
     RECT client = {};
     GetClientRect(top, &client);
     EXPECT_EQ(300, client.right);
     EXPECT_EQ(200, client.bottom);
     const LONG_PTR style = GetWindowLongPtrW(top, GWL_STYLE);
     EXPECT_EQ(WS_OVERLAPPEDWINDOW, style & WS_OVERLAPPEDWINDOW);
+    EXPECT_EQ(IDM_CONNECT, static_cast<int>(GetMenuItemID(GetSubMenu(GetMenu(top), 0), 0)));
+    DestroyWindow(bar.hwndMB);
+    EXPECT_EQ(nullptr, GetMenu(top));
 }
 
 TEST_F(Adapter, TopLevelWindowIsNoLargerThanTheMonitor) {
@@ -114,6 +124,28 @@ TEST_F(Adapter, F10IsAPlainKey) {
     EXPECT_EQ(WM_KEYUP, Taken(WM_SYSKEYUP, VK_F10, 0).message);
     EXPECT_EQ(WM_SYSKEYDOWN, Taken(WM_SYSKEYDOWN, VK_F10, kAltDown).message);
     EXPECT_EQ(WM_SYSKEYDOWN, Taken(WM_SYSKEYDOWN, VK_F1, 0).message);
+}
+
+TEST_F(Adapter, F10ThatAWindowLeavesOpensTheMenu) {
+    int opened = 0;
+    answer = [&opened](const Heard& now, LRESULT* result) {
+        *result = 0;
+        if (now.message != WM_SYSCOMMAND) return false;
+        opened += (now.wparam & 0xFFF0) == SC_KEYMENU;
+        return true;
+    };
+    SHMENUBARINFO bar = {};
+    bar.cbSize = sizeof(bar);
+    bar.hwndParent = top;
+    bar.dwFlags = SHCMBF_HMENU;
+    bar.nToolBarId = IDR_MENU_OFFLINE;
+    DefWindowProcW(top, WM_KEYDOWN, VK_F10, 0);
+    RunUntilIdle();
+    EXPECT_EQ(0, opened);
+    ASSERT_TRUE(SHCreateMenuBar(&bar));
+    DefWindowProcW(top, WM_KEYDOWN, VK_F10, 0);
+    RunUntilIdle();
+    EXPECT_EQ(1, opened);
 }
 
 TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
