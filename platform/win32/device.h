@@ -51,7 +51,7 @@ HFONT DeviceCreateFontIndirect(const LOGFONTW* font);
 
 // ---------------------------------------------------------------- keyboard.cpp
 
-// F10 comes as a plain key, as every other one; what a window leaves of it opens the menu.
+// F1 and F10 are keys as any other one; a window that leaves them gets WM_HELP, and its menu opens.
 BOOL DeviceGetMessage(MSG* message, HWND window, UINT first, UINT last);
 LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 // Only the Lock keys have a toggled bit.

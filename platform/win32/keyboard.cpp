@@ -4,6 +4,7 @@
 namespace {
 
 constexpr DWORD kSilent = 0x0004;
+constexpr UINT kF1Pressed = 0x004D;  // posted for each F1, whatever the window makes of the key
 constexpr LPARAM kAltDown = 1 << 29;
 
 bool IsLockKey(int virtual_key) {
@@ -21,6 +22,8 @@ BOOL DeviceGetMessage(MSG* message, HWND window, UINT first, UINT last) {
 }
 
 LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == kF1Pressed) return 0;
+    if (message == WM_KEYDOWN && wparam == VK_F1) return SendMessageW(window, WM_HELP, 0, 0);
     if (message == WM_KEYDOWN && wparam == VK_F10 && GetMenu(window))
         return PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, 0), 0;
     return DefWindowProcW(window, message, wparam, lparam);

@@ -16,6 +16,15 @@ run "$demo" >"$work/host"
 port=$(first_line "$work/host")
 start_relay "${port##*:}"
 
+# The viewer of the desktop, for this test, keeps a copy.
+shown=$WINEPREFIX/drive_c/shown.htm
+rm -f "$shown"
+for kind in htmlfile quillpage; do
+    wine reg add "HKCR\\$kind\\shell\\open\\command" /ve /f \
+        /d 'cmd.exe /c copy "%1" C:\shown.htm' >/dev/null
+done
+wine reg add 'HKCR\.htm' /ve /f /d quillpage >/dev/null
+
 fresh_device
 cat >"$device_root/mconfig.cfg" <<END
 # set up by the test
@@ -40,7 +49,7 @@ await 30 has_window "^$title  \[127.0.0.1\]$" || fail "no window with the title 
 [ "$(setting port)" = "$(printf '0x%x' "$relay_port")" ] || fail "port was not imported"
 [ "$(setting color_bold)" = 0x1020 ] || fail "color_bold was not imported"
 
-# The login; the menu that follows has two rows in reverse.
+# The login; the page that follows has two rows in reverse.
 await 20 received "login:" || fail "the host's question did not come"
 await 10 is_painted || fail "the host's text was not painted"
 type_line anna
@@ -49,7 +58,7 @@ type_line secret
 await 10 received "Main menu" || fail "the host showed no menu"
 sent "anna" || fail "the name did not arrive at the host"
 sent "secret" || fail "the password did not arrive at the host"
-await 10 has_reverse_rows || fail "the menu's reverse rows were not painted"
+await 10 has_reverse_rows || fail "the host's reverse rows were not painted"
 picture menu
 
 # Each key reaches the host once, as the key table has it.
@@ -57,6 +66,19 @@ begin_sent
 xdotool key --delay 80 Escape BackSpace Delete Up Home F1 F5 F10 shift+F1 ctrl+1 ctrl+shift+2 adiaeresis
 await 10 sent_is '\033\010\177\033[A\2331~\217P\033[15~\033[21~\033[25~\217P\033[24~\344' ||
     fail "the keys sent $(sent_bytes)"
+[ ! -e "$shown" ] || fail "F1 in a session opened the help"
+
+# The menus, by the keyboard: the third entry of "Keys" is the arrow up. Nothing else is sent.
+begin_sent
+xdotool key alt+k
+sleep 0.5
+picture keys-menu
+xdotool key --delay 80 Down Down Return
+await 10 sent_is '\033[A' || fail "the entry of the menu sent $(sent_bytes)"
+
+# The help page beside the program, in the viewer that the desktop has for pages.
+xdotool key ctrl+shift+h
+await 20 cmp -s "$top/resources/telnet.htm" "$shown" || fail "the help page was not shown"
 
 # A second start brings the first one to the front and ends.
 windows_before=$(count_windows)

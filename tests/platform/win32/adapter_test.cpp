@@ -148,6 +148,18 @@ TEST_F(Adapter, F10ThatAWindowLeavesOpensTheMenu) {
     EXPECT_EQ(1, opened);
 }
 
+TEST_F(Adapter, F1ThatAWindowTakesAsksForNoHelp) {
+    answer = [](const Heard& now, LRESULT* result) {
+        *result = 0;
+        return now.message == WM_KEYDOWN || now.message == WM_HELP;
+    };
+    SendMessageW(top, WM_KEYDOWN, VK_F1, 0);
+    SendMessageW(top, 0x004D, 0, 0);  // the system's own message for F1
+    EXPECT_TRUE(Of(WM_HELP).empty());
+    DefWindowProcW(top, WM_KEYDOWN, VK_F1, 0);
+    EXPECT_EQ(1u, Of(WM_HELP).size());
+}
+
 TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
     SetKeyByte(VK_LSHIFT, 0x01);
     SetKeyByte(VK_CAPITAL, 0x01);
