@@ -16,14 +16,18 @@ run "$demo" >"$work/host"
 port=$(first_line "$work/host")
 start_relay "${port##*:}"
 
-# The viewer of the desktop, for this test, keeps a copy.
-shown=$WINEPREFIX/drive_c/shown.htm
-rm -f "$shown"
-for kind in htmlfile quillpage; do
-    wine reg add "HKCR\\$kind\\shell\\open\\command" /ve /f \
-        /d 'cmd.exe /c copy "%1" C:\shown.htm' >/dev/null
-done
-wine reg add 'HKCR\.htm' /ve /f /d quillpage >/dev/null
+# The desktop's viewer, for this test, keeps a copy of what it is to show.
+shown=$work/shown.htm
+mkdir "$work/bin"
+cat >"$work/bin/xdg-open" <<END
+#!/bin/sh
+cp "\$(echo "\$1" | sed 's,^file://,,')" "$shown.part" && mv "$shown.part" "$shown"
+END
+chmod +x "$work/bin/xdg-open"
+PATH=$work/bin:$PATH
+wine reg add 'HKCR\.htm' /ve /f /d QuillPage >/dev/null
+wine reg add 'HKCR\QuillPage\shell\open\command' /ve /f \
+    /d '"C:\windows\system32\winebrowser.exe" "%1"' >/dev/null
 
 fresh_device
 cat >"$device_root/mconfig.cfg" <<END
