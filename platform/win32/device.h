@@ -32,7 +32,7 @@ HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD
 // A minimised window is restored, as nothing else would make it visible.
 BOOL DeviceSetForegroundWindow(HWND window);
 
-// ---------------------------------------------------------------- controls.cpp
+// ---------------------------------------------------------------- command_bar.cpp
 
 inline constexpr int kCommandBarHeight = 26;  // pixels, empty or with buttons
 
@@ -41,6 +41,11 @@ HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id);
 BOOL CommandBar_Show(HWND bar, BOOL show);
 int CommandBar_Height(HWND bar);
 void CommandBar_Destroy(HWND bar);
+// Adds the 16x16 pictures of a bitmap resource; returns the index of the first, or -1.
+int CommandBar_AddBitmap(HWND bar, HINSTANCE instance, int id, int count, int width, int height);
+BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button);
+// tips[i] belongs to the button at index i, which is there already.
+BOOL CommandBar_AddToolTips(HWND bar, UINT count, LPWSTR* tips);
 
 // ---------------------------------------------------------------- fonts.cpp
 

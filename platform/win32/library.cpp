@@ -12,6 +12,15 @@ const LibraryRow kLibraries[] = {
     {L"COMMDLG.DLL", L"comdlg32.dll"},
 };
 
+// The device's chooser has a template of the program's own; the desktop's looks as it always does.
+BOOL ChooseColorPlainly(LPVOID request) {
+    CHOOSECOLORW plain = *static_cast<CHOOSECOLORW*>(request);
+    plain.Flags &= ~static_cast<DWORD>(CC_ENABLETEMPLATE);
+    const BOOL chosen = ChooseColorW(&plain);
+    static_cast<CHOOSECOLORW*>(request)->rgbResult = plain.rgbResult;
+    return chosen;
+}
+
 }  // namespace
 
 HMODULE DeviceLoadLibrary(LPCWSTR name) {
@@ -22,6 +31,8 @@ HMODULE DeviceLoadLibrary(LPCWSTR name) {
 }
 
 FARPROC GetProcAddressW(HMODULE library, LPCWSTR name) {
+    if (name && lstrcmpW(name, L"ChooseColor") == 0)
+        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(ChooseColorPlainly));
     std::string narrow;
     for (; name && *name; name++) narrow.push_back(static_cast<char>(*name < 128 ? *name : '?'));
     if (narrow.empty()) return nullptr;

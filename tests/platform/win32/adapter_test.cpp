@@ -186,8 +186,9 @@ TEST_F(Adapter, SilentKeyIsHeardByNoWindow) {
 TEST(Library, DialogsAreTheDesktopsOwn) {
     const HMODULE library = LoadLibraryW(TEXT("COMMDLG.DLL"));
     ASSERT_NE(nullptr, library);
-    EXPECT_EQ(reinterpret_cast<void*>(ChooseColorW),
-              reinterpret_cast<void*>(GetProcAddressW(library, TEXT("ChooseColor"))));
+    EXPECT_NE(nullptr, GetProcAddressW(library, TEXT("ChooseColor")));
+    EXPECT_EQ(reinterpret_cast<void*>(ChooseFontW),
+              reinterpret_cast<void*>(GetProcAddressW(library, TEXT("ChooseFont"))));
     EXPECT_EQ(nullptr, GetProcAddressW(library, TEXT("QuillNoSuchCall")));
     EXPECT_EQ(nullptr, GetProcAddressW(library, nullptr));
     EXPECT_TRUE(FreeLibrary(library));
