@@ -31,10 +31,11 @@ HMODULE DeviceLoadLibrary(LPCWSTR name) {
 }
 
 FARPROC GetProcAddressW(HMODULE library, LPCWSTR name) {
-    if (name && lstrcmpW(name, L"ChooseColor") == 0)
+    if (!library || !name) return nullptr;
+    if (library == GetModuleHandleW(L"comdlg32.dll") && lstrcmpW(name, L"ChooseColor") == 0)
         return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(ChooseColorPlainly));
     std::string narrow;
-    for (; name && *name; name++) narrow.push_back(static_cast<char>(*name < 128 ? *name : '?'));
+    for (; *name; name++) narrow.push_back(static_cast<char>(*name < 128 ? *name : '?'));
     if (narrow.empty()) return nullptr;
     const FARPROC wide = GetProcAddress(library, (narrow + "W").c_str());
     return wide ? wide : GetProcAddress(library, narrow.c_str());
