@@ -21,7 +21,7 @@ shown=$work/shown.htm
 mkdir "$work/bin"
 cat >"$work/bin/xdg-open" <<END
 #!/bin/sh
-cp "\$(echo "\$1" | sed 's,^file://,,')" "$shown.part" && mv "$shown.part" "$shown"
+cp "\$(echo "\$1" | sed 's,^file://,,')" "$shown.new" && mv "$shown.new" "$shown"
 END
 chmod +x "$work/bin/xdg-open"
 PATH=$work/bin:$PATH
