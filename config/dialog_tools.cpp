@@ -56,7 +56,8 @@ void CentreDialog(HWND dialog) {
     RECT room, box;
     if (!GetClientRect(parent, &room) || !GetWindowRect(dialog, &box)) return;
     const int width = box.right - box.left, height = box.bottom - box.top;
-    POINT corner = {std::max(0, (room.right - width) / 2), std::max(0, (room.bottom - height) / 2)};
+    POINT corner = {std::max<LONG>(0, (room.right - width) / 2),
+                    std::max<LONG>(0, (room.bottom - height) / 2)};
     ClientToScreen(parent, &corner);
     MoveWindow(dialog, corner.x, corner.y, width, height, TRUE);
 }
