@@ -73,7 +73,7 @@ TEST_F(Gdi, ThereIsAFaceWithOneWidthForAll) {
 }
 
 TEST_F(Gdi, EachFaceComesOnce) {
-    KNOWN_GAP_ON_WINE("a bitmap face comes once for each of its character sets");
+    KNOWN_GAP_ON_WINE("a face comes once for each of its character sets");
     std::set<Text> names;
     const Faces faces = AllFaces();
     for (const LOGFONTW& face : faces.fixed) EXPECT_TRUE(names.insert(face.lfFaceName).second);

@@ -106,11 +106,26 @@ wait "$client" || fail "the program ended with code $?"
 values=$(wine reg query "$settings_key" | grep -c REG_)
 [ "$values" -eq 132 ] || fail "$values values in the registry"
 
-# The next start shows no notice.
+# The next start shows no notice of the import.
 run wine "$program"
 client=$last
 await 30 has_window "^$title  \[127.0.0.1\]$" || fail "no window at the second run"
 ! has_window '^Quill Telnet$' || fail "the notice came again"
+
+# A dialog: what is typed into its first field and left by OK is saved at once.
+xdotool key alt+s
+sleep 0.5
+xdotool key p
+await 10 has_window '^Properties$' || fail "the properties did not open"
+sleep 0.5
+xdotool type --delay 40 vt102
+picture properties
+xdotool key Return
+await 10 has_no_window '^Properties$' || fail "the properties did not close"
+has_termtype() { [ "$(setting termtype)" = vt102 ]; }
+await 20 has_termtype || fail "termtype is $(setting termtype)"
+sleep 1
+
 xdotool key ctrl+shift+q
 await 20 has_ended "$client" || fail "the second run did not end"
 wait "$client" || fail "the second run ended with code $?"
