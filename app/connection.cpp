@@ -101,7 +101,7 @@ void TakeFirstDialEntry() {
 }
 
 void AskToDial() {
-    if (!session.settings.ras[0] || session.settings.ras[0] == u' ') TakeFirstDialEntry();
+    if (!session.settings.ras[0] || session.settings.ras[0] == TEXT(' ')) TakeFirstDialEntry();
     WCHAR question[160];
     wsprintfW(question, TEXT("No active network. Should I dial a network using modem (%s) ?"),
               session.settings.ras);

@@ -12,19 +12,39 @@ if(QUILL_FUZZ)
     add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+# Where "windows_ce.h" is found: the slice, or the system's own headers by way of the adapter.
+set(QUILL_PLATFORM_HEADERS ${CMAKE_SOURCE_DIR}/platform)
+if(WIN32)
+    set(QUILL_PLATFORM_HEADERS ${CMAKE_SOURCE_DIR}/platform/win32)
+endif()
+
+# The system's headers are large: on Windows they are compiled once for all files.
+if(WIN32)
+    add_library(platform_headers OBJECT ${CMAKE_SOURCE_DIR}/platform/win32/system_headers.cpp)
+    target_precompile_headers(platform_headers PRIVATE ${CMAKE_SOURCE_DIR}/platform/win32/system.h)
+    target_compile_options(platform_headers PRIVATE ${QUILL_WARNINGS})
+endif()
+function(quill_system_headers name)
+    if(WIN32)
+        target_precompile_headers(${name} REUSE_FROM platform_headers)
+    endif()
+endfunction()
+
 # quill_library(NAME FILES...): one folder's static library. Headers are named from the top of the
 # tree ("terminal/screen_buffer.h"), the slice as "windows_ce.h".
 function(quill_library name)
     add_library(${name} STATIC ${ARGN})
-    target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/platform)
+    target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR} ${QUILL_PLATFORM_HEADERS})
     target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${QUILL_WARNINGS}>)
+    quill_system_headers(${name})
 endfunction()
 
 # quill_program(NAME FILES...): an executable built with the same warnings.
 function(quill_program name)
     add_executable(${name} ${ARGN})
-    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/platform)
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR} ${QUILL_PLATFORM_HEADERS})
     target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${QUILL_WARNINGS}>)
+    quill_system_headers(${name})
 endfunction()
 
 # Code of the tests themselves is neither optimised nor watched by the address sanitizer: that halves

@@ -1,16 +1,12 @@
 // The slice of the Windows CE API that the program is written against: every type, constant and
 // function that it uses, by its real name and with its real value, and nothing else.
 //
-// On Windows the system's own headers take this file's place (platform/win32). Everywhere else the
-// declarations below are met by platform/qt. Shapes, ranges and results are those of the real
+// On Windows platform/win32/windows_ce.h takes this file's place: the system's own headers. Everywhere
+// else the declarations below are met by platform/qt. Shapes, ranges and results are those of the real
 // calls; where the slice does less, the declaration says so, and docs/platform.md lists the state
 // of each call. All calls belong to the thread that owns the windows unless marked [any thread].
 #ifndef QUILL_PLATFORM_WINDOWS_CE_H
 #define QUILL_PLATFORM_WINDOWS_CE_H
-
-#if defined(_WIN32)
-#include "win32/device.h"
-#else
 
 #include <sys/select.h>  // its fd_set and select are spent here, so that the names can be WinSock's
 
@@ -955,5 +951,4 @@ LPWSTR lstrcpynW(LPWSTR to, LPCWSTR from, int capacity);  // terminator included
 int lstrcmpW(LPCWSTR a, LPCWSTR b);
 int lstrcmpiW(LPCWSTR a, LPCWSTR b);
 
-#endif
 #endif

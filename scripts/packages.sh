@@ -6,12 +6,13 @@
 PACKAGES_BUILD="g++ cmake ninja-build qt6-base-dev libsqlite3-dev binutils-mingw-w64-x86-64"
 PACKAGES_SHOW="fonts-dejavu-core"
 PACKAGES_HEADLESS="xvfb"
+PACKAGES_WINDOWS="cmake ninja-build g++-mingw-w64-x86-64"
 # libkrb5-3 is for the unpacked telnetd of the peer tests, libvterm-dev for the benchmarks,
-# python3-pycryptodome for the SSH-1 test server.
+# python3-pycryptodome for the SSH-1 test server, googletest and Wine for the Windows program.
 PACKAGES_TEST="libgtest-dev clang libclang-rt-dev|libclang-rt-14-dev|libclang-rt-18-dev
     xvfb xauth x11-utils xdotool xclip imagemagick socat libkrb5-3 libvterm-dev libbenchmark-dev
     libgmp-dev libssl-dev openssh-client python3-asyncssh python3-paramiko python3-twisted
-    python3-pycryptodome"
+    python3-pycryptodome googletest wine wine64"
 TOOLS_BUILD="c++ cmake ninja x86_64-w64-mingw32-windres"
 
 is_installed() {

@@ -54,11 +54,11 @@ static void MeasureCell(HDC dc) {
     ViewState& view = session.view;
     TEXTMETRICW metrics = {};
     GetTextMetricsW(dc, &metrics);
-    view.cell_height = std::max(1, metrics.tmHeight + metrics.tmExternalLeading);
+    view.cell_height = std::max<LONG>(1, metrics.tmHeight + metrics.tmExternalLeading);
     view.underline_offset = metrics.tmDescent;
     RECT rect = {};
     DrawTextW(dc, TEXT("JULEMANDEN"), 10, &rect, DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
-    view.cell_width = std::max(1, (rect.right - rect.left) / 10);
+    view.cell_width = std::max<LONG>(1, (rect.right - rect.left) / 10);
 }
 
 void CreateTerminalFont() {

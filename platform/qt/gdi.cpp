@@ -31,7 +31,11 @@ HGDIOBJ AddObject(SliceGdiObject::Kind kind, COLORREF color, int width) {
     return object;
 }
 
-bool Known(HGDIOBJ object) { return object == &g_white_brush || g_objects.contains(object); }
+bool IsStock(HGDIOBJ object) {
+    return object == &g_white_brush || object == &g_black_pen || object == &g_system_font;
+}
+
+bool Known(HGDIOBJ object) { return IsStock(object) || g_objects.contains(object); }
 
 QRect FromRect(const RECT& rect) {
     return QRect(QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1));

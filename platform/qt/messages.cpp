@@ -10,6 +10,7 @@
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
 #include <QTimer>
+#include <set>
 
 #include "accelerators.h"
 #include "menu_bar.h"
@@ -28,6 +29,7 @@ struct QueuedMessage {
 
 std::mutex g_posted_mutex;
 std::deque<MSG> g_posted;
+std::set<HWND> g_takers;  // the windows that can be posted to
 std::atomic<bool> g_waiting{false};
 std::atomic<QAbstractEventDispatcher*> g_dispatcher{nullptr};
 
@@ -173,9 +175,15 @@ void QueueKey(HWND window, UINT message, WPARAM key, LPARAM flags, const QString
 
 bool QuitPosted() { return g_quit; }
 
+void TakeMessagesFor(HWND window) {
+    const std::lock_guard<std::mutex> lock(g_posted_mutex);
+    g_takers.insert(window);
+}
+
 void ForgetWindowMessages(HWND window) {
     {
         const std::lock_guard<std::mutex> lock(g_posted_mutex);
+        g_takers.erase(window);
         std::erase_if(g_posted, [&](const MSG& m) { return m.hwnd == window; });
     }
     std::erase_if(g_input, [&](const QueuedMessage& m) { return m.message.hwnd == window; });
@@ -267,6 +275,7 @@ LRESULT SendMessageW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
 BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     {
         const std::lock_guard<std::mutex> lock(g_posted_mutex);
+        if (window && !g_takers.contains(window)) return FALSE;
         g_posted.push_back(MakeMessage(window, message, wparam, lparam));
     }
     QAbstractEventDispatcher* dispatcher = g_dispatcher.load();

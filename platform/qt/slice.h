@@ -78,7 +78,8 @@ void QueueInput(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 // A key press with the characters that TranslateMessage is to make of it.
 void QueueKey(HWND window, UINT message, WPARAM key, LPARAM flags, const QString& characters);
 void RunModalLoop(const std::function<bool()>& done);  // dispatches until done or WM_QUIT
-void ForgetWindowMessages(HWND window);
+void TakeMessagesFor(HWND window);                     // from now on posts to it are taken
+void ForgetWindowMessages(HWND window);                // and from now on no more
 void ResetMessages();
 bool QuitPosted();
 

@@ -9,7 +9,13 @@
 
 namespace {
 
-std::map<std::u16string, std::unique_ptr<WindowClass>> g_classes;
+struct WithoutCase {
+    bool operator()(const std::u16string& a, const std::u16string& b) const {
+        return lstrcmpiW(a.c_str(), b.c_str()) < 0;
+    }
+};
+
+std::map<std::u16string, std::unique_ptr<WindowClass>, WithoutCase> g_classes;
 std::map<UINT_PTR, std::unique_ptr<Window>> g_windows;  // ordered by age
 UINT_PTR g_next_handle = 0x10;
 
@@ -56,6 +62,7 @@ Window* AddWindow(const WindowClass* window_class, HWND parent, int id) {
     window->parent = parent;
     window->id = id;
     g_windows[number] = std::move(window);
+    TakeMessagesFor(result->handle);
     return result;
 }
 
@@ -363,7 +370,8 @@ BOOL SetForegroundWindow(HWND handle) {
 
 HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
     for (const Window* window : AllWindows()) {
-        if (!IsProgramWindow(*window) || (class_name && window->window_class->name != class_name))
+        const LPCWSTR own_class = window->window_class->name.c_str();
+        if (!IsProgramWindow(*window) || (class_name && lstrcmpiW(own_class, class_name) != 0))
             continue;
         if (!title || window->text == title) return window->handle;
     }

@@ -7,6 +7,9 @@
 
 #include "platform/qt/host.h"
 #include "platform/qt/resources.h"
+#include "tests/platform/known_gap.h"
+
+TestPlatform PlatformOfTests() { return {.slice = true, .windows = false, .wine = false}; }
 
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");

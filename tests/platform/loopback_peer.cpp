@@ -5,15 +5,21 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+namespace {
+
+int Number(intptr_t socket) { return static_cast<int>(socket); }
+
+}  // namespace
+
 LoopbackPeer::LoopbackPeer() {
     listening_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof(address);
-    bind(listening_, reinterpret_cast<sockaddr*>(&address), size);
-    listen(listening_, 16);
-    getsockname(listening_, reinterpret_cast<sockaddr*>(&address), &size);
+    bind(Number(listening_), reinterpret_cast<sockaddr*>(&address), size);
+    listen(Number(listening_), 16);
+    getsockname(Number(listening_), reinterpret_cast<sockaddr*>(&address), &size);
     port_ = ntohs(address.sin_port);
 }
 
@@ -24,7 +30,7 @@ LoopbackPeer::~LoopbackPeer() {
 
 bool LoopbackPeer::Accept() {
     CloseConnection();
-    connection_ = accept4(listening_, nullptr, nullptr, SOCK_CLOEXEC);
+    connection_ = accept4(Number(listening_), nullptr, nullptr, SOCK_CLOEXEC);
     return connection_ >= 0;
 }
 
@@ -32,19 +38,22 @@ void LoopbackPeer::Send(const std::string& bytes) {
     size_t sent = 0;
     while (sent < bytes.size()) {
         const ssize_t count =
-            send(connection_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+            send(Number(connection_), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
         if (count <= 0) return;
         sent += static_cast<size_t>(count);
     }
 }
 
-void LoopbackPeer::SendUrgent(char byte) { send(connection_, &byte, 1, MSG_OOB | MSG_NOSIGNAL); }
+void LoopbackPeer::SendUrgent(char byte) {
+    send(Number(connection_), &byte, 1, MSG_OOB | MSG_NOSIGNAL);
+}
 
 std::string LoopbackPeer::Receive(size_t size) {
     std::string bytes(size, '\0');
     size_t received = 0;
     while (received < size) {
-        const ssize_t count = recv(connection_, bytes.data() + received, size - received, 0);
+        const ssize_t count =
+            recv(Number(connection_), bytes.data() + received, size - received, 0);
         if (count <= 0) break;
         received += static_cast<size_t>(count);
     }
@@ -53,18 +62,18 @@ std::string LoopbackPeer::Receive(size_t size) {
 }
 
 void LoopbackPeer::CloseConnection() {
-    if (connection_ >= 0) close(connection_);
+    if (connection_ >= 0) close(Number(connection_));
     connection_ = -1;
 }
 
 void LoopbackPeer::ResetConnection() {
     const linger at_once = {1, 0};
-    setsockopt(connection_, SOL_SOCKET, SO_LINGER, &at_once, sizeof(at_once));
+    setsockopt(Number(connection_), SOL_SOCKET, SO_LINGER, &at_once, sizeof(at_once));
     CloseConnection();
 }
 
 void LoopbackPeer::StopListening() {
-    if (listening_ >= 0) close(listening_);
+    if (listening_ >= 0) close(Number(listening_));
     listening_ = -1;
 }
 

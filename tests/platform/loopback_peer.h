@@ -22,8 +22,8 @@ class LoopbackPeer {
     void StopListening();
 
   private:
-    int listening_ = -1;
-    int connection_ = -1;
+    intptr_t listening_ = -1;  // the system's numbers, -1 for none
+    intptr_t connection_ = -1;
     uint16_t port_ = 0;
 };
 

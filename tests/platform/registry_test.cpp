@@ -73,7 +73,7 @@ TEST_F(RegistryKey, SettingAgainReplacesValueAndType) {
     EXPECT_EQ(ERROR_SUCCESS, RegQueryValueExW(key, TEXT("number"), nullptr, &type,
                                               reinterpret_cast<BYTE*>(&number), &size));
     EXPECT_EQ(REG_SZ, type);
-    EXPECT_EQ(u'a', number);
+    EXPECT_EQ(DWORD{TEXT('a')}, number);
 }
 
 TEST_F(RegistryKey, MissingKeyIsNotFound) {

@@ -5,6 +5,9 @@
 
 #include "platform/qt/device_root.h"
 #include "platform/qt/registry.h"
+#include "tests/platform/known_gap.h"
+
+TestPlatform PlatformOfTests() { return {.slice = true, .windows = false, .wine = false}; }
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "tests/platform/known_gap.h"
 #include "tests/platform/loopback_peer.h"
 #include "windows_ce.h"
 
@@ -77,6 +78,7 @@ uint32_t Dotted(int a, int b, int c, int d) {
     return address;
 }
 
+constexpr DWORD kRefusal = 30;  // ms; a refusal on loopback has arrived by then
 constexpr LONG kLong = 600000;  // ms; beyond the time that a test may take
 
 }  // namespace
@@ -116,6 +118,7 @@ TEST_F(Winsock, RefusedRequestShowsInTheExceptionSetOnly) {
     DoNotBlock();
     ASSERT_EQ(SOCKET_ERROR, Connect(UnusedPort()));
     EXPECT_EQ(WSAEWOULDBLOCK, WSAGetLastError());
+    Sleep(kRefusal);
     EXPECT_EQ("x", Select("rx", kLong));
     EXPECT_EQ("x", Select("rwx", kLong));
 }
@@ -123,6 +126,7 @@ TEST_F(Winsock, RefusedRequestShowsInTheExceptionSetOnly) {
 TEST_F(Winsock, RefusedRequestIsNeverReadable) {
     DoNotBlock();
     ASSERT_EQ(SOCKET_ERROR, Connect(UnusedPort()));
+    Sleep(kRefusal);
     EXPECT_EQ("", Select("r", 50));
     EXPECT_EQ("", Select("rw", 50));
 }
@@ -144,6 +148,7 @@ TEST_F(Winsock, HostThatClosesIsReadableAndGivesNothing) {
 }
 
 TEST_F(Winsock, HostThatResetsIsReadableAndGives10054) {
+    KNOWN_GAP_ON_WINE("a reset shows as an orderly end");
     LoopbackPeer peer;
     ConnectTo(&peer);
     ASSERT_EQ("w", Select("w", kLong));
@@ -153,6 +158,7 @@ TEST_F(Winsock, HostThatResetsIsReadableAndGives10054) {
 }
 
 TEST_F(Winsock, HostThatResetsBeforeAnyoneLooksIsReadableAndGives10054) {
+    KNOWN_GAP_ON_WINE("a reset shows as an orderly end");
     LoopbackPeer peer;
     ConnectTo(&peer);
     peer.ResetConnection();
@@ -180,6 +186,7 @@ TEST_F(Winsock, UrgentDataShowsInTheExceptionSet) {
 TEST_F(Winsock, FreshSocketIsNeverReady) { EXPECT_EQ("", Select("rwx", 50)); }
 
 TEST_F(Winsock, CloseByAnotherThreadWakesSelect) {
+    KNOWN_GAP_ON_WINE("the socket shows as readable");
     LoopbackPeer peer;
     ConnectTo(&peer);
     HANDLE thread = CreateThread(nullptr, 0, CloseSoon, &number, 0, nullptr);
@@ -189,6 +196,7 @@ TEST_F(Winsock, CloseByAnotherThreadWakesSelect) {
 }
 
 TEST_F(Winsock, CloseByAnotherThreadWakesAWaitForTheRequest) {
+    KNOWN_GAP_ON_WINE("the socket shows as readable");
     HANDLE thread = CreateThread(nullptr, 0, CloseSoon, &number, 0, nullptr);
     EXPECT_EQ("error 10038", Select("rx", kLong));
     WaitForSingleObject(thread, INFINITE);
@@ -196,6 +204,7 @@ TEST_F(Winsock, CloseByAnotherThreadWakesAWaitForTheRequest) {
 }
 
 TEST_F(Winsock, CloseByAnotherThreadWakesAWaitAfterARefusal) {
+    KNOWN_GAP_ON_WINE("the socket shows as readable");
     DoNotBlock();
     ASSERT_EQ(SOCKET_ERROR, Connect(UnusedPort()));
     ASSERT_EQ("x", Select("x", kLong));
@@ -235,6 +244,7 @@ TEST_F(Winsock, InvalidSocketIsNoSocket) {
 TEST_F(Winsock, SelectWithoutASocketIsRefused) { EXPECT_EQ("error 10022", Select("", 0)); }
 
 TEST_F(Winsock, SendingBeforeAConnectionIsRefused) {
+    KNOWN_GAP_ON_WINE("sending gives 10054");
     EXPECT_EQ(SOCKET_ERROR, send(number, "x", 1, 0));
     EXPECT_EQ(10057, WSAGetLastError());
     EXPECT_EQ("error 10057", Receive(1));

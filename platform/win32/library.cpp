@@ -1,0 +1,42 @@
+// Libraries that the program looks up at run time.
+#include "device.h"
+
+namespace {
+
+struct LibraryRow {
+    LPCWSTR device;
+    LPCWSTR desktop;
+};
+
+const LibraryRow kLibraries[] = {
+    {L"COMMDLG.DLL", L"comdlg32.dll"},
+};
+
+// The device's chooser has a template of the program's own; the desktop's looks as it always does.
+BOOL ChooseColorPlainly(LPVOID request) {
+    CHOOSECOLORW plain = *static_cast<CHOOSECOLORW*>(request);
+    plain.Flags &= ~static_cast<DWORD>(CC_ENABLETEMPLATE);
+    const BOOL chosen = ChooseColorW(&plain);
+    static_cast<CHOOSECOLORW*>(request)->rgbResult = plain.rgbResult;
+    return chosen;
+}
+
+}  // namespace
+
+HMODULE DeviceLoadLibrary(LPCWSTR name) {
+    if (!name) return nullptr;
+    for (const LibraryRow& row : kLibraries)
+        if (lstrcmpiW(name, row.device) == 0) name = row.desktop;
+    return LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+}
+
+FARPROC GetProcAddressW(HMODULE library, LPCWSTR name) {
+    if (!library || !name) return nullptr;
+    if (library == GetModuleHandleW(L"comdlg32.dll") && lstrcmpW(name, L"ChooseColor") == 0)
+        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(ChooseColorPlainly));
+    std::string narrow;
+    for (; *name; name++) narrow.push_back(static_cast<char>(*name < 128 ? *name : '?'));
+    if (narrow.empty()) return nullptr;
+    const FARPROC wide = GetProcAddress(library, (narrow + "W").c_str());
+    return wide ? wide : GetProcAddress(library, narrow.c_str());
+}

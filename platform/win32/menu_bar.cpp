@@ -1,0 +1,50 @@
+// The shell's menu bar. The desktop keeps menus below the title bar; the bar's window is one that
+// nobody sees, and the menu is there as long as it is.
+#include "device.h"
+
+namespace {
+
+const LPCWSTR kClass = L"QuillMenuBar";
+constexpr DWORD kMenuBar = 0x0010;
+
+LRESULT CALLBACK BarProcedure(HWND bar, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_DESTROY) {
+        EndMenu();  // it may be open
+        const auto menu = reinterpret_cast<HMENU>(GetWindowLongPtrW(bar, GWLP_USERDATA));
+        const HWND owner = GetParent(bar);
+        if (GetMenu(owner) == menu) SetMenu(owner, nullptr);
+        DestroyMenu(menu);
+    }
+    return DefWindowProcW(bar, message, wparam, lparam);
+}
+
+void RegisterOnce() {
+    WNDCLASSW bar = {};
+    bar.lpfnWndProc = BarProcedure;
+    bar.lpszClassName = kClass;
+    RegisterClassW(&bar);  // fails from the second time on
+}
+
+HWND MakeBar(HWND owner, HMENU menu) {
+    RegisterOnce();
+    const HWND bar =
+        CreateWindowExW(0, kClass, nullptr, WS_CHILD, 0, 0, 0, 0, owner, nullptr, nullptr, nullptr);
+    if (bar) SetWindowLongPtrW(bar, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(menu));
+    return bar;
+}
+
+}  // namespace
+
+BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
+    if (!info || info->cbSize != sizeof(SHMENUBARINFO) || !(info->dwFlags & kMenuBar)) return FALSE;
+    info->hwndMB = nullptr;
+    const HMENU menu = LoadMenuW(info->hInstRes, MAKEINTRESOURCEW(info->nToolBarId));
+    if (!menu) return FALSE;
+    const HWND bar = MakeBar(info->hwndParent, menu);
+    if (!bar || !SetMenu(info->hwndParent, menu)) {
+        bar ? DestroyWindow(bar) : DestroyMenu(menu);
+        return FALSE;
+    }
+    info->hwndMB = bar;
+    return TRUE;
+}

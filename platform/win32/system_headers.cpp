@@ -1,0 +1,2 @@
+// The system's headers, compiled once for every file of the program.
+#include "system.h"

@@ -1,0 +1,53 @@
+// Windows: what the desktop's look asks for and the device's does not know.
+#include <algorithm>
+
+#include "device.h"
+
+namespace {
+
+constexpr DWORD kFrame = WS_OVERLAPPEDWINDOW;
+
+// The work area of the monitor on which a new window opens.
+RECT WorkArea() {
+    RECT area = {};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+    return area;
+}
+
+// The frame's outer size round a client area and a menu, as far as the monitor has room.
+SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
+    RECT frame = {0, 0, width, height};
+    AdjustWindowRectEx(&frame, style, TRUE, ex_style);
+    const RECT area = WorkArea();
+    return {std::min(frame.right - frame.left, area.right - area.left),
+            std::min(frame.bottom - frame.top, area.bottom - area.top)};
+}
+
+}  // namespace
+
+ATOM DeviceRegisterClass(const WNDCLASSW* window_class) {
+    if (!window_class) return 0;
+    WNDCLASSW dressed = *window_class;
+    if (!dressed.hCursor) dressed.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
+    if (!dressed.hIcon) dressed.hIcon = LoadIconW(nullptr, MAKEINTRESOURCEW(32512));
+    return RegisterClassW(&dressed);
+}
+
+HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x,
+                        int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
+                        LPVOID parameter) {
+    style |= WS_CLIPCHILDREN | WS_CLIPSIBLINGS;
+    if (!(style & (WS_CHILD | WS_POPUP)) && width != CW_USEDEFAULT) {
+        style |= kFrame;
+        const SIZE size = FramedSize(width, height, style, ex_style);
+        width = size.cx;
+        height = size.cy;
+    }
+    return CreateWindowExW(ex_style, class_name, title, style, x, y, width, height, parent, menu,
+                           instance, parameter);
+}
+
+BOOL DeviceSetForegroundWindow(HWND window) {
+    if (IsIconic(window)) ShowWindow(window, SW_RESTORE);
+    return SetForegroundWindow(window);
+}

@@ -1,0 +1,47 @@
+// The Windows CE API on desktop Windows: the system's own headers, and for what they lack of the
+// device the adapter beside this file. Stands in for platform/windows_ce.h, so nothing outside
+// platform/ knows which of the two it was compiled with.
+#ifndef QUILL_PLATFORM_WIN32_WINDOWS_CE_H
+#define QUILL_PLATFORM_WIN32_WINDOWS_CE_H
+
+#include "device.h"
+#include "system.h"
+
+// ---------------------------------------------------------------- the program's entry
+
+// The device hands the command line over in UTF-16; main.cpp calls it.
+#define WinMain DeviceMain
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, int show);
+
+// ---------------------------------------------------------------- constants of the device alone
+
+#define SPI_SETSIPINFO 224
+#define SPI_GETSIPINFO 225
+#define SIPF_ON 0x00000001u
+#define SHCMBF_HMENU 0x0010u
+#define KEYEVENTF_SILENT 0x0004
+
+typedef u_long WINSOCK_ULONG;
+
+// ---------------------------------------------------------------- where the settings are
+
+// The stated key below the user's own: no administrator is needed to save.
+#undef HKEY_LOCAL_MACHINE
+#define HKEY_LOCAL_MACHINE HKEY_CURRENT_USER
+
+// ---------------------------------------------------------------- calls that the adapter takes
+
+#define RegisterClassW DeviceRegisterClass
+#define CreateWindowExW DeviceCreateWindow
+#define SetForegroundWindow DeviceSetForegroundWindow
+#define CreateFontIndirectW DeviceCreateFontIndirect
+#define GetMessageW DeviceGetMessage
+#define DefWindowProcW DeviceDefWindowProc
+#define GetKeyState DeviceGetKeyState
+#define keybd_event DeviceKeyEvent
+#define CreateProcessW DeviceCreateProcess
+#define LoadLibraryW DeviceLoadLibrary
+#define _wfopen DeviceOpenFile
+#define DeleteFileW DeviceDeleteFile
+
+#endif

@@ -1,0 +1,38 @@
+// Marks for expectations that one of the systems is known not to meet. A marked test that fails is
+// skipped with the reason; a marked test that passes is an error, so that no mark outlives its gap.
+// The mark stands first in the test's body.
+#ifndef QUILL_TESTS_PLATFORM_KNOWN_GAP_H
+#define QUILL_TESTS_PLATFORM_KNOWN_GAP_H
+
+#include <gtest/gtest-spi.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+// Where these tests run; each platform defines its own in its main file.
+struct TestPlatform {
+    bool slice;    // the slice on a Linux desktop
+    bool windows;  // the system's own calls and the adapter
+    bool wine;     // those of Windows, run by Wine
+};
+TestPlatform PlatformOfTests();
+
+class KnownGap {
+  public:
+    KnownGap(bool here, const std::string& reason);
+    ~KnownGap();
+    KnownGap(const KnownGap&) = delete;
+    KnownGap& operator=(const KnownGap&) = delete;
+
+  private:
+    std::string reason_;
+    testing::TestPartResultArray results_;
+    std::optional<testing::ScopedFakeTestPartResultReporter> reporter_;
+};
+
+#define KNOWN_GAP_ON_SLICE(reason) const KnownGap known_gap(PlatformOfTests().slice, reason)
+#define KNOWN_GAP_ON_WINDOWS(reason) const KnownGap known_gap(PlatformOfTests().windows, reason)
+#define KNOWN_GAP_ON_WINE(reason) const KnownGap known_gap(PlatformOfTests().wine, reason)
+
+#endif

@@ -1,0 +1,195 @@
+// The adapter: what the program gets on desktop Windows where the system is not the device.
+#include "resources/resource_ids.h"
+#include "tests/platform/test_windows.h"
+
+namespace {
+
+class Adapter : public WindowTest {
+  protected:
+    // What DeviceGetMessage makes of a posted message.
+    MSG Taken(UINT posted, WPARAM key, LPARAM flags) {
+        MSG message = {};
+        PostMessageW(top, posted, key, flags);
+        GetMessageW(&message, top, 0, 0);
+        return message;
+    }
+};
+
+constexpr LPARAM kAltDown = 1 << 29;
+
+std::wstring Below(LPCWSTR name) { return DeviceRoot() + name; }
+
+bool IsFile(const std::wstring& path) {
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+// Sets the state of one key as a press would leave it.
+void SetKeyByte(int key, BYTE state) {
+    BYTE states[256];
+    GetKeyboardState(states);
+    states[key] = state;
+    SetKeyboardState(states);
+}
+
+}  // namespace
+
+TEST(DeviceFolder, StandsBelowTheUsersData) {
+    wchar_t data[MAX_PATH];
+    ASSERT_NE(0u, GetEnvironmentVariableW(L"APPDATA", data, MAX_PATH));
+    EXPECT_EQ(std::wstring(data) + L"\\Quill", DeviceRoot());
+    EXPECT_EQ(Below(L"\\mconfig.cfg"), DevicePath(TEXT("\\mconfig.cfg")));
+    EXPECT_EQ(Below(L"\\a\\b.txt"), DevicePath(TEXT("a/b.txt")));
+    EXPECT_EQ(L"", DevicePath(nullptr));
+}
+
+TEST(DeviceFolder, IsNeverLeft) {
+    EXPECT_EQ(Below(L"\\system.ini"), DevicePath(TEXT("\\..\\..\\system.ini")));
+    EXPECT_EQ(Below(L"\\b"), DevicePath(TEXT("\\a\\..\\..\\b")));
+    EXPECT_EQ(Below(L"\\a\\b"), DevicePath(TEXT("\\\\a\\.\\\\b")));
+    EXPECT_EQ(Below(L"\\C\\b"), DevicePath(TEXT("C:\\b")));
+    EXPECT_EQ(Below(L"\\filestream"), DevicePath(TEXT("\\file:stream")));
+}
+
+TEST(DeviceFolder, HoldsTheFiles) {
+    FILE* file = _wfopen(TEXT("\\quill adapter test"), TEXT("w"));
+    ASSERT_NE(nullptr, file);
+    fclose(file);
+    EXPECT_TRUE(IsFile(Below(L"\\quill adapter test")));
+    EXPECT_TRUE(DeleteFileW(TEXT("\\quill adapter test")));
+    EXPECT_FALSE(IsFile(Below(L"\\quill adapter test")));
+    EXPECT_EQ(nullptr, _wfopen(nullptr, TEXT("r")));
+    EXPECT_EQ(nullptr, _wfopen(TEXT("\\x"), nullptr));
+}
+
+TEST(SettingsRoot, IsTheUsersOwn) {
+    HKEY key = nullptr, own = nullptr;
+    LPCWSTR path = TEXT("Software\\QUILLWARE\\ADAPTER TEST");
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, path, 0, nullptr, 0, KEY_SET_VALUE,
+                                             nullptr, &key, nullptr));
+    EXPECT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_CURRENT_USER, path, 0, KEY_QUERY_VALUE, &own));
+    RegCloseKey(own);
+    RegCloseKey(key);
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_CURRENT_USER, path));
+}
+
+TEST_F(Adapter, TopLevelWindowHasTheDesktopsFrameAndAMenuRoundItsSize) {
+    SHMENUBARINFO bar = {};
+    bar.cbSize = sizeof(bar);
+    bar.hwndParent = top;
+    bar.dwFlags = SHCMBF_HMENU;
+    bar.nToolBarId = IDR_MENU_ONLINE;
+    ASSERT_TRUE(SHCreateMenuBar(&bar));
+    RECT client = {};
+    GetClientRect(top, &client);
+    EXPECT_EQ(300, client.right);
+    EXPECT_EQ(200, client.bottom);
+    const LONG_PTR style = GetWindowLongPtrW(top, GWL_STYLE);
+    EXPECT_EQ(WS_OVERLAPPEDWINDOW, style & WS_OVERLAPPEDWINDOW);
+    EXPECT_EQ(IDM_CONNECT, static_cast<int>(GetMenuItemID(GetSubMenu(GetMenu(top), 0), 0)));
+    DestroyWindow(bar.hwndMB);
+    EXPECT_EQ(nullptr, GetMenu(top));
+}
+
+TEST_F(Adapter, TopLevelWindowIsNoLargerThanTheMonitor) {
+    RECT area = {}, outer = {};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+    HWND large = CreateWindowExW(0, TEXT("QuillTestWindow"), nullptr, 0, CW_USEDEFAULT,
+                                 CW_USEDEFAULT, 20000, 20000, nullptr, nullptr, nullptr, nullptr);
+    GetWindowRect(large, &outer);
+    EXPECT_LE(outer.right - outer.left, area.right - area.left);
+    EXPECT_LE(outer.bottom - outer.top, area.bottom - area.top);
+    DestroyWindow(large);
+}
+
+TEST_F(Adapter, WindowsClipTheirChildren) {
+    EXPECT_TRUE(GetWindowLongPtrW(top, GWL_STYLE) & WS_CLIPCHILDREN);
+    EXPECT_TRUE(GetWindowLongPtrW(Child(1), GWL_STYLE) & WS_CLIPCHILDREN);
+}
+
+TEST_F(Adapter, WindowHasAnArrowAndAnIcon) {
+    EXPECT_EQ(reinterpret_cast<ULONG_PTR>(LoadCursorW(nullptr, IDC_ARROW)),
+              GetClassLongPtrW(top, GCLP_HCURSOR));
+    EXPECT_NE(0u, GetClassLongPtrW(top, GCLP_HICON));
+}
+
+TEST_F(Adapter, MinimisedWindowComesBackToTheForeground) {
+    ShowWindow(top, SW_MINIMIZE);
+    ASSERT_TRUE(IsIconic(top));
+    SetForegroundWindow(top);
+    EXPECT_FALSE(IsIconic(top));
+}
+
+TEST_F(Adapter, F10IsAPlainKey) {
+    EXPECT_EQ(WM_KEYDOWN, Taken(WM_SYSKEYDOWN, VK_F10, 0).message);
+    EXPECT_EQ(WM_KEYUP, Taken(WM_SYSKEYUP, VK_F10, 0).message);
+    EXPECT_EQ(WM_SYSKEYDOWN, Taken(WM_SYSKEYDOWN, VK_F10, kAltDown).message);
+    EXPECT_EQ(WM_SYSKEYDOWN, Taken(WM_SYSKEYDOWN, VK_F1, 0).message);
+}
+
+TEST_F(Adapter, F10ThatAWindowLeavesOpensTheMenu) {
+    int opened = 0;
+    answer = [&opened](const Heard& now, LRESULT* result) {
+        *result = 0;
+        if (now.message != WM_SYSCOMMAND) return false;
+        opened += (now.wparam & 0xFFF0) == SC_KEYMENU;
+        return true;
+    };
+    SHMENUBARINFO bar = {};
+    bar.cbSize = sizeof(bar);
+    bar.hwndParent = top;
+    bar.dwFlags = SHCMBF_HMENU;
+    bar.nToolBarId = IDR_MENU_OFFLINE;
+    DefWindowProcW(top, WM_KEYDOWN, VK_F10, 0);
+    RunUntilIdle();
+    EXPECT_EQ(0, opened);
+    ASSERT_TRUE(SHCreateMenuBar(&bar));
+    DefWindowProcW(top, WM_KEYDOWN, VK_F10, 0);
+    RunUntilIdle();
+    EXPECT_EQ(1, opened);
+}
+
+TEST_F(Adapter, F1ThatAWindowTakesAsksForNoHelp) {
+    answer = [](const Heard& now, LRESULT* result) {
+        *result = 0;
+        return now.message == WM_KEYDOWN || now.message == WM_HELP;
+    };
+    SendMessageW(top, WM_KEYDOWN, VK_F1, 0);
+    SendMessageW(top, 0x004D, 0, 0);  // the system's own message for F1
+    EXPECT_TRUE(Of(WM_HELP).empty());
+    DefWindowProcW(top, WM_KEYDOWN, VK_F1, 0);
+    EXPECT_EQ(1u, Of(WM_HELP).size());
+}
+
+TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
+    SetKeyByte(VK_LSHIFT, 0x01);
+    SetKeyByte(VK_CAPITAL, 0x01);
+    EXPECT_EQ(0, GetKeyState(VK_LSHIFT));
+    EXPECT_EQ(1, GetKeyState(VK_CAPITAL) & 1);
+    SetKeyByte(VK_LSHIFT, 0x80);
+    EXPECT_LT(GetKeyState(VK_LSHIFT), 0);
+    SetKeyByte(VK_LSHIFT, 0);
+    SetKeyByte(VK_CAPITAL, 0);
+}
+
+TEST_F(Adapter, SilentKeyIsHeardByNoWindow) {
+    SetForegroundWindow(top);
+    RunUntilIdle();
+    heard.clear();
+    keybd_event(VK_F24, 0, KEYEVENTF_SILENT, 0);
+    keybd_event(VK_F24, 0, KEYEVENTF_KEYUP | KEYEVENTF_SILENT, 0);
+    Sleep(50);
+    RunUntilIdle();
+    EXPECT_TRUE(Of(WM_KEYDOWN).empty());
+    EXPECT_TRUE(Of(WM_KEYUP).empty());
+}
+
+TEST(Library, DialogsAreTheDesktopsOwn) {
+    const HMODULE library = LoadLibraryW(TEXT("COMMDLG.DLL"));
+    ASSERT_NE(nullptr, library);
+    EXPECT_NE(nullptr, GetProcAddressW(library, TEXT("ChooseColor")));
+    EXPECT_EQ(reinterpret_cast<void*>(ChooseFontW),
+              reinterpret_cast<void*>(GetProcAddressW(library, TEXT("ChooseFont"))));
+    EXPECT_EQ(nullptr, GetProcAddressW(library, TEXT("QuillNoSuchCall")));
+    EXPECT_EQ(nullptr, GetProcAddressW(library, nullptr));
+    EXPECT_TRUE(FreeLibrary(library));
+}

@@ -1,0 +1,18 @@
+// Runs the tests against the system's own calls and the adapter.
+#include <gtest/gtest.h>
+
+#include "tests/platform/known_gap.h"
+#include "windows_ce.h"
+
+TestPlatform PlatformOfTests() {
+    const HMODULE library = GetModuleHandleW(L"ntdll.dll");
+    const bool wine = GetProcAddress(library, "wine_get_version") != nullptr;
+    return {.slice = false, .windows = true, .wine = wine};
+}
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_BAR_CLASSES};
+    InitCommonControlsEx(&controls);
+    return RUN_ALL_TESTS();
+}

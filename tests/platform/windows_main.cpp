@@ -1,0 +1,27 @@
+// Runs the tests that need windows on a device of their own: a screen that nobody sees, and an
+// empty folder that is gone afterwards.
+#include <filesystem>
+
+#include <gtest/gtest.h>
+#include <QApplication>
+
+#include "platform/qt/host.h"
+#include "tests/platform/known_gap.h"
+
+TestPlatform PlatformOfTests() { return {.slice = true, .windows = false, .wine = false}; }
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleTest(&argc, argv);
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    std::string folder = std::filesystem::temp_directory_path().string() + "/quill-test-XXXXXX";
+    if (!mkdtemp(folder.data())) return 1;
+    HostOptions options;
+    options.root = folder;
+    OpenDevice(options);
+    const int result = RUN_ALL_TESTS();
+    CloseDevice();
+    std::filesystem::remove_all(folder);
+    return result;
+}

@@ -1,0 +1,32 @@
+#!/bin/sh
+# The package: what is in it, and that the program in it wants nothing but the system's own DLLs.
+# Usage: package_test.sh QUILL.EXE
+set -eu
+top=$(cd "$(dirname "$0")/../.." && pwd)
+work=$(mktemp -d "${TMPDIR:-/tmp}/quill-package-test.XXXXXX")
+trap 'rm -rf "$work"' EXIT
+fail() { echo "package_test.sh: $1" >&2; exit 1; }
+
+package=$("$top/packaging/windows.sh" "$1" 2>"$work/complaints" | tail -n 1)
+[ -s "$package" ] || fail "no package"
+cd "$work"
+cmake -E tar xf "$package"
+[ -s Quill/quill.exe ] || fail "the program is not in the package"
+for file in resources/telnet.htm LICENSE; do
+    packed=Quill/$(basename "$file")
+    [ "$packed" != Quill/LICENSE ] || packed=Quill/LICENSE.txt
+    [ ! -e "$top/$file" ] || cmp "$top/$file" "$packed" || fail "$file is not in the package"
+done
+
+# The libraries that every Windows has.
+x86_64-w64-mingw32-objdump -p Quill/quill.exe >headers
+for library in $(sed -n 's/^\tDLL Name: //p' headers | tr 'A-Z' 'a-z'); do
+    case $library in
+        advapi32.dll | comctl32.dll | comdlg32.dll | gdi32.dll | kernel32.dll | msvcrt.dll | \
+            ole32.dll | rasapi32.dll | shell32.dll | user32.dll | ws2_32.dll) ;;
+        *) fail "the program wants $library" ;;
+    esac
+done
+grep -q 'pei-x86-64' headers || fail "not a 64-bit program"
+grep -q '^Subsystem.*Windows GUI' headers || fail "not a program with windows"
+echo "$(wc -c <Quill/quill.exe) bytes of program in $(wc -c <"$package") bytes"

@@ -1,0 +1,132 @@
+#!/bin/sh
+# The Windows program as a person meets it: first start, import of the configuration file, a session
+# with the demo host, keys, a second start, the end, and what the registry holds then.
+# Usage: session_test.sh QUILL.EXE DEMO_HOST
+set -eu
+top=$(cd "$(dirname "$0")/../.." && pwd)
+program=$1 demo=$2
+. "$top/tests/windows/wine.sh"
+command -v socat >/dev/null || { echo "session_test.sh: socat is missing" >&2; exit 77; }
+start_screen
+prepare_prefix
+
+# The demo host, behind a relay that writes down what the program sends.
+: >"$work/host"
+run "$demo" >"$work/host"
+port=$(first_line "$work/host")
+start_relay "${port##*:}"
+
+# The desktop's viewer, for this test, keeps a copy of what it is to show.
+shown=$work/shown.htm
+mkdir "$work/bin"
+cat >"$work/bin/xdg-open" <<END
+#!/bin/sh
+cp "\$(echo "\$1" | sed 's,^file://,,')" "$shown.new" && mv "$shown.new" "$shown"
+END
+chmod +x "$work/bin/xdg-open"
+PATH=$work/bin:$PATH
+wine reg add 'HKCR\.htm' /ve /f /d QuillPage >/dev/null
+wine reg add 'HKCR\QuillPage\shell\open\command' /ve /f \
+    /d '"C:\windows\system32\winebrowser.exe" "%1"' >/dev/null
+
+fresh_device
+cat >"$device_root/mconfig.cfg" <<END
+# set up by the test
+host = "127.0.0.1"
+port = $relay_port
+autoconnect = 1
+termtype = "vt100"
+color_bold = 0x1020
+END
+run wine "$program"
+client=$last
+
+await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
+sleep 0.5
+picture import
+[ -e "$device_root/mconfig.cfg" ] || fail "the file was deleted before it was read"
+xdotool key Return
+await 30 has_window "^$title  \[127.0.0.1\]$" || fail "no window with the title of the session"
+[ ! -e "$device_root/mconfig.cfg" ] || fail "the configuration file is still there"
+[ "$(setting host)" = 127.0.0.1 ] || fail "host was not imported: $(setting host)"
+[ "$(setting termtype)" = vt100 ] || fail "termtype was not imported"
+[ "$(setting port)" = "$(printf '0x%x' "$relay_port")" ] || fail "port was not imported"
+[ "$(setting color_bold)" = 0x1020 ] || fail "color_bold was not imported"
+
+# The login; the page that follows has two rows in reverse.
+await 20 received "login:" || fail "the host's question did not come"
+await 10 is_painted || fail "the host's text was not painted"
+type_line anna
+await 10 received "assword" || fail "the host asked for no password"
+type_line secret
+await 10 received "Main menu" || fail "the host showed no menu"
+sent "anna" || fail "the name did not arrive at the host"
+sent "secret" || fail "the password did not arrive at the host"
+await 10 has_reverse_rows || fail "the host's reverse rows were not painted"
+picture menu
+
+# Each key reaches the host once, as the key table has it.
+begin_sent
+xdotool key --delay 80 Escape BackSpace Delete Up Home F1 F5 F10 shift+F1 ctrl+1 ctrl+shift+2
+await 10 sent_is '\033\010\177\033[A\2331~\217P\033[15~\033[21~\033[25~\217P\033[24~' ||
+    fail "the keys sent $(sent_bytes)"
+[ ! -e "$shown" ] || fail "F1 in a session opened the help"
+
+# The menus, by the keyboard: the third entry of "Keys" is the arrow up. Nothing else is sent.
+begin_sent
+xdotool key alt+k
+sleep 0.5
+picture keys-menu
+xdotool key --delay 80 Down Down Return
+await 10 sent_is '\033[A' || fail "the entry of the menu sent $(sent_bytes)"
+
+# The help page beside the program, in the viewer that the desktop has for pages.
+xdotool key ctrl+shift+h
+await 20 cmp -s "$top/resources/telnet.htm" "$shown" || fail "the help page was not shown"
+
+# A second start brings the first one to the front and ends.
+windows_before=$(count_windows)
+timeout 60 wine "$program" || fail "the second start ended with code $?"
+[ "$(count_windows)" = "$windows_before" ] || fail "the second start left a window"
+kill -0 "$client" || fail "the second start ended the first one"
+begin_sent
+xdotool key --delay 80 x
+await 10 sent_is 'x' || fail "after the second start the keys went elsewhere: $(sent_bytes)"
+
+# Larger text does not fit any more: scroll bars. Then out, with everything saved.
+xdotool key --delay 80 ctrl+shift+KP_Add ctrl+shift+KP_Add
+sleep 1
+picture larger
+xdotool key ctrl+shift+q
+await 20 has_ended "$client" || fail "the program did not end"
+wait "$client" || fail "the program ended with code $?"
+[ "$(setting fsize)" = 0xa ] || fail "fsize: $(setting fsize)"
+[ "$(setting key4)" = '\033[15~' ] || fail "key4: $(setting key4)"
+[ "$(setting tbar0)" = 0x7 ] || fail "tbar0: $(setting tbar0)"
+values=$(wine reg query "$settings_key" | grep -c REG_)
+[ "$values" -eq 132 ] || fail "$values values in the registry"
+
+# The next start shows no notice of the import.
+run wine "$program"
+client=$last
+await 30 has_window "^$title  \[127.0.0.1\]$" || fail "no window at the second run"
+! has_window '^Quill Telnet$' || fail "the notice came again"
+
+# A dialog: what is typed into its first field and left by OK is saved at once.
+xdotool key alt+s
+sleep 0.5
+xdotool key p
+await 10 has_window '^Properties$' || fail "the properties did not open"
+sleep 0.5
+xdotool type --delay 40 vt102
+picture properties
+xdotool key Return
+await 10 has_no_window '^Properties$' || fail "the properties did not close"
+has_termtype() { [ "$(setting termtype)" = vt102 ]; }
+await 20 has_termtype || fail "termtype is $(setting termtype)"
+sleep 1
+
+xdotool key ctrl+shift+q
+await 20 has_ended "$client" || fail "the second run did not end"
+wait "$client" || fail "the second run ended with code $?"
+echo "$values values saved; pictures in $pictures"

@@ -1,0 +1,73 @@
+#!/bin/sh
+# The Windows program with a real telnetd: login, a command, the end of the session by the host, and
+# a request that is refused.
+# Usage: telnetd_test.sh QUILL.EXE
+set -eu
+top=$(cd "$(dirname "$0")/../.." && pwd)
+program=$1
+. "$top/tests/windows/wine.sh"
+command -v socat >/dev/null || { echo "telnetd_test.sh: socat is missing" >&2; exit 77; }
+
+# It runs until its input closes.
+mkfifo "$work/hold"
+: >"$work/host"
+"$top/tests/peers/telnetd.sh" <"$work/hold" >"$work/host" 2>"$work/host.log" &
+host=$!
+exec 9>"$work/hold"
+started=$host
+serves() { has_line "$work/host" || has_ended "$host"; }
+await 60 serves || fail "telnetd did not start"
+has_line "$work/host" || {
+    status=0
+    wait "$host" || status=$?
+    cat "$work/host.log" >&2
+    exit $status
+}
+start_screen
+prepare_prefix
+start_relay "$(head -n 1 "$work/host")"
+
+fresh_device
+printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "$relay_port" >"$device_root/mconfig.cfg"
+run wine "$program"
+client=$last
+await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
+sleep 0.5
+xdotool key Return
+await 30 received "login:" || fail "telnetd asked for no name"
+type_line visitor
+await 20 received "assword" || fail "telnetd asked for no password"
+type_line warehouse7
+await 20 received '\$ ' || fail "no prompt of the shell"
+# shellcheck disable=SC2016
+type_line 'echo $TERM $((6*7))'
+await 10 received 'vt220 42' || fail "the command gave nothing"
+sleep 0.5
+picture telnetd
+
+# The host ends the session: that is told, and the program stays.
+type_line exit
+await 20 has_window '^Error$' || fail "the end of the session was not told"
+picture closed
+xdotool key Return
+await 10 has_no_window '^Error$' || fail "the box did not close"
+has_ended "$client" && fail "the program ended with the session"
+
+xdotool key ctrl+shift+q
+await 20 has_ended "$client" || fail "the program did not end"
+wait "$client" || fail "the program ended with code $?"
+
+# Nobody listens any more: the next start's request is refused, and told.
+exec 9>&-
+stop_relay
+run wine "$program"
+client=$last
+await 30 has_window '^Error$' || fail "the refusal was not told"
+sleep 0.5
+picture refused
+xdotool key Return
+await 10 has_no_window '^Error$' || fail "the box did not close"
+xdotool key ctrl+shift+q
+await 20 has_ended "$client" || fail "the program did not end"
+wait "$client" || fail "the program ended with code $?"
+echo "a login, a command and the end; pictures in $pictures"

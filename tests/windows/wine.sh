@@ -1,0 +1,157 @@
+# What the scripts of this folder share; sourced by them, with `top` naming the tree. Wine's prefix
+# is a folder below build/, made once and kept; its windows live on a desktop of Wine's own, in a
+# screen of Xvfb's.
+#
+# Exit code 77 of a script: not possible here.
+
+for tool in wine wineserver Xvfb xdotool import; do
+    command -v $tool >/dev/null || { echo "$0: $tool is missing" >&2; exit 77; }
+done
+
+export WINEPREFIX="${QUILL_WINE_PREFIX:-$top/build/wine}"
+export WINEDLLOVERRIDES=mscoree,mshtml= WINEDEBUG=-all
+settings_key='HKCU\Software\QUILLWARE\TELNET'
+title="Quill Telnet"
+work=$(mktemp -d "${TMPDIR:-/tmp}/quill-wine.XXXXXX")
+started=
+
+fail() {
+    echo "$(basename "$0"): $1" >&2
+    [ -z "${DISPLAY:-}" ] || import -window root "$pictures/failed-$(basename "$0" .sh).png" || :
+    exit 1
+}
+
+# run COMMAND...: in the background, ended with the script.
+run() {
+    "$@" &
+    last=$!
+    started="$last $started"
+}
+
+clean_up() {
+    trap - EXIT
+    wineserver -k 2>/dev/null || :
+    for each in $started; do kill "$each" 2>/dev/null || :; done
+    wait
+    rm -rf "$work"
+}
+trap clean_up EXIT
+trap 'exit 129' HUP
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+# await SECONDS COMMAND...: until the command succeeds.
+await() {
+    tries=$(($1 * 10))
+    shift
+    while ! "$@" >/dev/null 2>&1; do
+        [ $tries -gt 0 ] || return 1
+        tries=$((tries - 1))
+        sleep 0.1
+    done
+}
+
+has_line() { [ "$(wc -l <"$1")" -ge 1 ]; }
+
+# first_line FILE: waits for it.
+first_line() {
+    await 30 has_line "$1" || fail "nothing came into $1"
+    head -n 1 "$1"
+}
+
+start_screen() {
+    : >"$work/display"
+    Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
+    started="$! $started"
+    DISPLAY=:$(first_line "$work/display")
+    export DISPLAY
+}
+
+# A new prefix takes some ten seconds. After start_screen: what Wine starts first decides whether
+# there are windows at all.
+prepare_prefix() {
+    if [ ! -e "$WINEPREFIX/quill-ready" ]; then
+        rm -rf "$WINEPREFIX"
+        mkdir -p "$WINEPREFIX"
+        wineboot -i >"$work/wineboot.log" 2>&1 || { cat "$work/wineboot.log" >&2; exit 1; }
+        wine reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Default /f >/dev/null
+        wine reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default /d 1024x768 /f >/dev/null
+        wineserver -k || :
+        wineserver -w
+        : >"$WINEPREFIX/quill-ready"
+    fi
+    wineserver -p
+    device_root=$(winepath -u "$(wine cmd /c 'echo %APPDATA%' | tr -d '\r')")/Quill
+}
+
+# The device as it is before the first start.
+fresh_device() {
+    rm -rf "$device_root"
+    mkdir -p "$device_root"
+    wine reg delete "$settings_key" /f >/dev/null 2>&1 || :
+}
+
+# setting NAME: its value in the registry, as `wine reg query` prints it.
+setting() {
+    wine reg query "$settings_key" /v "$1" 2>/dev/null | tr -d '\r' |
+        sed -n "s/^ *$1 *REG_[A-Z]* *//p"
+}
+
+picture() { import -window root "$pictures/$1.png" || fail "no picture"; }
+
+pictures=$top/build/windows-pictures
+mkdir -p "$pictures"
+
+# ---------------------------------------------------------------- the program's windows
+
+has_window() { xdotool search --name "$1" 2>/dev/null | grep -q .; }
+has_no_window() { ! has_window "$1"; }
+count_windows() { xdotool search --name "^$title" 2>/dev/null | wc -l; }
+has_ended() { ! kill -0 "$1" 2>/dev/null; }
+
+type_line() {
+    xdotool type --delay 40 "$1"
+    xdotool key Return
+}
+
+# rows_darker_than PERCENT: how many rows of the desktop's upper left are, on average.
+rows_darker_than() {
+    import -window root "$work/look.png"
+    convert "$work/look.png" -crop 600x440+20+24 -colorspace Gray -scale '1x440!' -depth 8 gray:- |
+        od -An -v -tu1 -w1 | awk -v most="$1" '$1 * 100 < most * 255 { rows++ } END { print rows + 0 }'
+}
+
+# Two reverse rows of 16 pixels each.
+has_reverse_rows() { [ "$(rows_darker_than 30)" -ge 24 ]; }
+is_painted() { [ "$(rows_darker_than 99)" -ge 8 ]; }
+
+# ---------------------------------------------------------------- the host's side
+
+# start_relay PORT: sets relay_port; the program's bytes gather in $work/sent, the host's in
+# $work/received.
+start_relay() {
+    : >"$work/sent"
+    : >"$work/received"
+    run socat -d -d -lf"$work/relay.log" -r "$work/sent" -R "$work/received" \
+        TCP4-LISTEN:0,bind=127.0.0.1,reuseaddr,fork,nodelay "TCP4:127.0.0.1:$1,nodelay"
+    relay=$last
+    await 10 grep -q 'listening on' "$work/relay.log" || fail "no relay"
+    relay_port=$(sed -n 's/.*listening on .*127\.0\.0\.1:\([0-9]*\).*/\1/p' "$work/relay.log")
+    sent_from=1
+}
+
+stop_relay() {
+    kill "$relay"
+    await 10 has_ended "$relay" || fail "the relay does not end"
+}
+
+received() { tr -d '\000' <"$work/received" | grep -aq -e "$1"; }
+sent() { tr -d '\000' <"$work/sent" | grep -aq -e "$1"; }
+begin_sent() { sent_from=$(($(wc -c <"$work/sent") + 1)); }
+sent_bytes() { tail -c "+$sent_from" "$work/sent" | od -An -c | tr -s ' \n' ' '; }
+
+# sent_is TEXT: exactly these bytes since begin_sent; TEXT as printf takes it.
+sent_is() {
+    printf "$1" >"$work/wanted"
+    tail -c "+$sent_from" "$work/sent" | cmp -s - "$work/wanted"
+}
