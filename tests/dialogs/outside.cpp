@@ -126,7 +126,7 @@ TEST(OutsideDialogs, ConnectByKeysAlone) {
 TEST(OutsideDialogs, PropertiesByMouse) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
-        const HWND sheet = OpenByKeys("ctrl+shift+p", "Properties");
+        const HWND sheet = OpenByKeys("alt+s p", "Properties");
         const HWND page = PageOf(sheet);
         TypeInField(page, IDC_TERMTYPE, "xterm");
         MouseOn(page, IDC_BELL, 6);
@@ -144,7 +144,7 @@ TEST(OutsideDialogs, PropertiesByMouse) {
 TEST(OutsideDialogs, AutoLoginByKeysAndEsc) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
-        HWND dialog = OpenByKeys("ctrl+shift+l", "Auto Login");
+        HWND dialog = OpenByKeys("alt+s Down Down Return", "Auto Login");
         Type("name:");
         Key("Tab");
         Type("anna");
@@ -152,7 +152,7 @@ TEST(OutsideDialogs, AutoLoginByKeysAndEsc) {
         ASSERT_TRUE(Closed(dialog));
         EXPECT_EQ(StoredText(stage.root, "sear1"), u"name:");
         EXPECT_EQ(StoredText(stage.root, "resp1"), u"anna");
-        dialog = OpenByKeys("ctrl+shift+l", "Auto Login");
+        dialog = OpenByKeys("alt+s Down Down Return", "Auto Login");
         Type("other");
         Key("Escape");
         ASSERT_TRUE(Closed(dialog));
@@ -163,7 +163,7 @@ TEST(OutsideDialogs, AutoLoginByKeysAndEsc) {
 TEST(OutsideDialogs, FontByMouseAndKeys) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
-        const HWND dialog = OpenByKeys("ctrl+shift+f", "Font");
+        const HWND dialog = OpenByKeys("alt+s f", "Font");
         Key("Home");
         MouseOn(dialog, IDC_FONT_ITALIC, 6);
         MouseOn(dialog, IDOK);
