@@ -3,12 +3,13 @@
 
 #include "app/commands.h"
 #include "app/connection.h"
+#include "app/dialling.h"
 #include "app/keys.h"
 #include "app/main_window.h"
 #include "app/session_state.h"
 #include "config/toolbars.h"
 #include "resources/resource_ids.h"
-#include "terminal/terminal_write.h"
+#include "terminal/clipboard.h"
 
 namespace {
 
@@ -17,10 +18,8 @@ constexpr int kPixelsPerButton = 21;
 bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
 
 void AbortDialling() {
-    static const char text[] = "Abort modem dialing\r\n";
-    TerminalWrite(reinterpret_cast<const BYTE*>(text), sizeof(text) - 1);
-    if (session.ras_connection) RasHangUpW(session.ras_connection);
-    session.ras_connection = nullptr;
+    DialProgress("Abort modem dialing\r\n");
+    HangUpDial();
 }
 
 bool MayCloseSession() {
@@ -57,6 +56,8 @@ struct ActionRow {
 // clang-format off
 const ActionRow kActions[] = {
     {kActionConnect,     ConnectOrDisconnect},
+    {kActionCut,         CopySelection},
+    {kActionPaste,       PasteClipboard},
     {kActionLargerFont,  Larger},
     {kActionSmallerFont, Smaller},
     {kActionSwapToolbar, SwapToolbar},

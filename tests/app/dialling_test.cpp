@@ -10,7 +10,9 @@
 
 #include "app/commands.h"
 #include "app/session_state.h"
+#include "config/toolbars.h"
 #include "platform/qt/testing_services.h"
+#include "resources/resource_ids.h"
 #include "terminal/screen_buffer.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
@@ -398,6 +400,25 @@ TEST_F(Dialling, TheConnectCommandHangsUpASilentDialAndNothingElse) {
         EXPECT_FALSE(host.Accept(100));
         Connect();
         EXPECT_TRUE(host.Accept());
+    });
+}
+
+TEST_F(Dialling, TheToolbarsConnectButtonAbortsTheDialWithALine) {
+    MakeEntry("depot");
+    MakeProgram("while :; do sleep 0.02; done\n");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(TerminalShows("Open port"));
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        OnWindowThread([] {
+            WORD button = 0;
+            while (ToolbarAction(button, session.toolbar) != kActionConnect) button++;
+            RunCommand(static_cast<WORD>(IDM_TOOLBAR_FIRST + button));
+        });
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(ProgramGone());
+        EXPECT_TRUE(
+            TerminalShows("Open port\nAbort modem dialing\nDisconnection or failed connection\n"));
     });
 }
 

@@ -12,8 +12,10 @@
 
 #include "app/commands.h"
 #include "app/session_state.h"
+#include "config/toolbars.h"
 #include "platform/qt/testing.h"
-#include "platform/qt/window_widget.h"
+
+#include "resources/resource_ids.h"
 #include "terminal/view.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
@@ -22,7 +24,7 @@
 
 namespace {
 
-WindowWidget* Terminal() { return FindWindowRecord(session.client_window)->widget; }
+QWidget* Terminal() { return FindWindowRecord(session.client_window)->widget; }
 
 // The middle of a cell of the unscrolled screen, in the terminal's window.
 QPoint Middle(int row, int col) {
@@ -115,6 +117,29 @@ TEST(Stylus, CopyCommandWithoutASelectionLeavesTheClipboard) {
         SetClipboard("before");
         OnWindowThread([] { RunCommand(40018); });
         EXPECT_EQ(ClipboardText(), "before");
+    });
+}
+
+// The button of that action on the bar that is shown.
+void PressButtonOf(int action) {
+    OnWindowThread([=] {
+        for (WORD i = 0; i <= IDM_TOOLBAR_LAST - IDM_TOOLBAR_FIRST; i++)
+            if (ToolbarAction(i, session.toolbar) == action)
+                return RunCommand(static_cast<WORD>(IDM_TOOLBAR_FIRST + i));
+        ADD_FAILURE() << "no button of action " << action;
+    });
+}
+
+TEST(Stylus, CutAndPasteOfTheToolbarCopyAndPaste) {
+    WithText(kThreeRows, [](FakeHost& host) {
+        DragCells(3, 1, 3, 5);
+        ASSERT_TRUE(Selected(3, 1, 3, 5));
+        PressButtonOf(kActionCut);
+        EXPECT_EQ(ClipboardText(), "first\n");
+        EXPECT_EQ(TerminalRow(3), "first row of text") << "nothing is cut out of the screen";
+        PressButtonOf(kActionPaste);
+        EXPECT_EQ(host.Read(6), "first\r");
+        EXPECT_EQ(host.ReadSome(50), "");
     });
 }
 
