@@ -23,7 +23,7 @@ struct ColorCase {
 void PrintTo(const ColorCase& each, std::ostream* out) { *out << each.name; }
 
 const ColorCase kColors[] = {
-    {"color_bg", IDM_COLOR_BACKGROUND, &Settings::color_bg, 0xFFFFFF},
+    {"color_bg", IDM_COLOR_BG, &Settings::color_bg, 0xFFFFFF},
     {"color_cursor", IDM_COLOR_CURSOR, &Settings::color_cursor, 0x808080},
     {"color_fg", IDM_COLOR_TEXT, &Settings::color_fg, 0},
     {"color_bold", IDM_COLOR_BOLD, &Settings::color_bold, 0x000080},
@@ -121,7 +121,7 @@ INSTANTIATE_TEST_SUITE_P(Each, Color, testing::ValuesIn(kColors),
 TEST(Colors, CustomColoursLastForTheRun) {
     RunProgram(FreshStage(), [&] {
         UseDouble(0x00445566, FALSE);
-        Choose(IDM_COLOR_BACKGROUND);
+        Choose(IDM_COLOR_BG);
         EXPECT_EQ(session.custom_colors[3], 0x445566u);
         g_asked = 0;
         Choose(IDM_COLOR_BOLD);
@@ -154,7 +154,7 @@ bool Filled(QColor color) {
 TEST(Colors, TheDesktopsChooserStartsWithTheColourAndItsChoiceIsDrawn) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
-        OpenChooser(IDM_COLOR_BACKGROUND);
+        OpenChooser(IDM_COLOR_BG);
         OnWindowThread([] {
             EXPECT_EQ(ShownColorDialog()->currentColor().rgb(), QColor(255, 255, 255).rgb());
             ShownColorDialog()->setCurrentColor(QColor(0x11, 0x22, 0x33));
