@@ -58,6 +58,9 @@ const Peer kPeers[] = {
 };
 // clang-format on
 
+// What a listing of the tests shows of it.
+void PrintTo(const Peer& peer, std::ostream* out) { *out << peer.name; }
+
 class Ssh2Peer : public testing::TestWithParam<Peer> {};
 
 // What the terminal was given, by way of the linker: each call of TerminalWrite passes here.
