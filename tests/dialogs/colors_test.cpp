@@ -73,6 +73,7 @@ TEST_P(Color, IsAskedForWithItsValueItsFlagsAndItsTemplate) {
         Choose(color.command);
         EXPECT_EQ(g_request.lStructSize, sizeof(CHOOSECOLORW));
         EXPECT_EQ(g_request.hwndOwner, session.main_window);
+        EXPECT_EQ(g_request.hInstance, reinterpret_cast<HWND>(session.instance));
         EXPECT_EQ(g_request.rgbResult, color.fallback);
         EXPECT_EQ(g_request.lpCustColors, session.custom_colors);
         EXPECT_EQ(g_request.Flags, 0x00000001u | 0x00000002u | 0x00000020u | 0x00000100u);
