@@ -1,5 +1,5 @@
-// The dialogs on the smallest device, 240 by 320 pixels: what its screen cuts off is come to by
-// Tab.
+// The dialogs on the smallest device, 240 by 320 pixels, upright and turned: every control is come
+// to, and a text that is cut off is scrolled to.
 #include <gtest/gtest.h>
 #include <QColorDialog>
 #include <QLineEdit>
@@ -17,9 +17,10 @@
 
 namespace {
 
-Stage SmallDevice() {
+Stage SmallDevice(bool turned = false) {
     Stage stage;
-    stage.width = 240, stage.height = 320;
+    stage.width = turned ? 320 : 240;
+    stage.height = turned ? 240 : 320;
     return stage;
 }
 
@@ -59,16 +60,18 @@ std::vector<QWidget*> TabRound() {
 class EachSmallDialog : public testing::TestWithParam<DialogCase> {};
 
 TEST_P(EachSmallDialog, TabBringsEveryControlIntoSight) {
-    RunProgram(SmallDevice(), [] {
-        GetParam().open();
-        const std::vector<QWidget*> round = TabRound();
-        for (const int id : GetParam().tabs) {
-            OnWindowThread([&] {
-                const auto at = std::find(round.begin(), round.end(), DialogWidgetOf(id));
-                EXPECT_NE(at, round.end()) << id;
-            });
-        }
-    });
+    for (const bool turned : {false, true}) {
+        RunProgram(SmallDevice(turned), [] {
+            GetParam().open();
+            const std::vector<QWidget*> round = TabRound();
+            for (const int id : GetParam().tabs) {
+                OnWindowThread([&] {
+                    const auto at = std::find(round.begin(), round.end(), DialogWidgetOf(id));
+                    EXPECT_NE(at, round.end()) << id;
+                });
+            }
+        });
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, EachSmallDialog, testing::ValuesIn(dialog_cases),
