@@ -13,6 +13,7 @@
 #include "app/session_state.h"
 #include "config/settings.h"
 #include "platform/qt/slice.h"
+#include "platform/qt/testing.h"
 #include "tests/dialogs/dialog_cases.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"
@@ -149,11 +150,20 @@ TEST_P(CentredDialog, StandsOverTheMiddleOfTheMainWindow) {
     }
 }
 
-// As it is read out: without the colon of a field's text.
-std::string Spoken(const QString& text) {
-    QString spoken = text.simplified();
+// As it is read out: without the colon of a field's text, and with words in one piece.
+std::string Spoken(QString text) {
+    QString spoken = text.remove("-\n").simplified();
     while (spoken.endsWith(':') || spoken.endsWith(' ')) spoken.chop(1);
     return spoken.toStdString();
+}
+
+TEST(ScreenReader, SaysAWordOfTwoLinesInOnePiece) {
+    RunProgram(FreshStage(), [] {
+        OpenDialog(40012, "Properties");
+        OnWindowThread([] {
+            EXPECT_EQ(DialogWidgetOf(1003)->accessibleName(), QString("Modem connection name"));
+        });
+    });
 }
 
 // A field is named by the text before it.
