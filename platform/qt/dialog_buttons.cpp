@@ -46,6 +46,7 @@ void OnClicked(HWND control, QAbstractButton* button) {
     const Window* window = FindWindowRecord(control);
     if (!window) return;
     if (button->isChecked()) ClearOthers(button);
+    if (button->isChecked() && button->group()) MoveTabStop(button);
     if (window->control->at_once) return SendNotice(control, BN_CLICKED);
     QueueNotice(control, BN_CLICKED);
 }

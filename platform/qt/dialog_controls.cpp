@@ -66,10 +66,10 @@ QString LabelText(const Window& window) {
     return window.control->style & SS_NOPREFIX ? text : WithoutMnemonic(text);
 }
 
-// What a screen reader says: the label without its colon. A word that is broken over two labels is
-// put together again.
+// What a screen reader says: the label without its colon. A word that is broken over two lines, or
+// over two labels, is put together again.
 QString NameFromLabels(const Window& label, const Window* before) {
-    QString name = LabelText(label).simplified();
+    QString name = LabelText(label).remove("-\n").simplified();
     while (name.endsWith(':') || name.endsWith(' ')) name.chop(1);
     const QString first = before && As<QLabel>(*before) ? LabelText(*before).simplified() : "";
     return first.endsWith('-') ? first.chopped(1) + name : name;

@@ -7,7 +7,8 @@
 
 namespace {
 
-// A list that has entries changed by a double tap takes the space bar for one.
+// A list that has entries changed by a double tap takes the space bar for one. The selection moves,
+// but is not taken away: not by a click below the last entry, nor by one with Ctrl.
 class ListBox : public QListWidget {
   public:
     using QListWidget::QListWidget;
@@ -18,7 +19,18 @@ class ListBox : public QListWidget {
         if (tap && currentItem()) return (void)emit itemDoubleClicked(currentItem());
         QListWidget::keyPressEvent(event);
     }
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override {
+        if (!index.isValid()) return QItemSelectionModel::NoUpdate;
+        const auto command = QListWidget::selectionCommand(index, event);
+        const bool takes = command & (QItemSelectionModel::Deselect | QItemSelectionModel::Toggle);
+        return takes ? QItemSelectionModel::ClearAndSelect : command;
+    }
 };
+
+Qt::ScrollBarPolicy BarFor(DWORD wanted) {
+    return wanted ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff;
+}
 
 QListWidget* ListOf(const Window& window) {
     return qobject_cast<QListWidget*>(window.widget.data());
@@ -38,7 +50,8 @@ QStringList Entries(const QListWidget* list) {
 QWidget* MakeListBox(HWND control, const DialogItem& item, QWidget* parent) {
     auto* list = new ListBox(parent);
     list->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
-    list->setUniformItemSizes(true);
+    list->setVerticalScrollBarPolicy(BarFor(item.style & WS_VSCROLL));
+    list->setHorizontalScrollBarPolicy(BarFor(item.style & WS_HSCROLL));
     list->setTabKeyNavigation(false);
     if (!(item.style & LBS_NOTIFY)) return list;
     QObject::connect(list, &QListWidget::itemSelectionChanged, list,

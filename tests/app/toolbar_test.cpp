@@ -12,6 +12,7 @@
 #include "config/settings.h"
 #include "config/toolbars.h"
 #include "platform/qt/bitmaps.h"
+#include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
@@ -252,6 +253,24 @@ TEST(Toolbar, ConnectBecomesDisconnectAndBack) {
         EXPECT_TRUE(host.Closed());
         EXPECT_TRUE(ShowsButton("connect"));
         OnWindowThread([] { EXPECT_EQ(nullptr, ButtonNamed("disconnect")); });
+    });
+}
+
+TEST(Toolbar, ConnectOpensItsDialogWhoseOkConnects) {
+    FakeHost host;
+    WithAllButtons([&] {
+        SetHost(u"127.0.0.1", host.port);
+        Press("connect");
+        ASSERT_TRUE(Eventually([] { return DialogTitle() == "Connect"; }));
+        OnWindowThread([] { EXPECT_TRUE(ClickControl(IDCANCEL)); });
+        ASSERT_TRUE(Eventually([] { return ShownDialog() == nullptr; }));
+        EXPECT_TRUE(ShowsButton("connect"));
+        Press("connect");
+        ASSERT_TRUE(Eventually([] { return DialogTitle() == "Connect"; }));
+        OnWindowThread([] { EXPECT_TRUE(ClickControl(IDOK)); });
+        ASSERT_TRUE(host.Accept());
+        host.Send("hello");
+        EXPECT_TRUE(ShowsButton("disconnect"));
     });
 }
 

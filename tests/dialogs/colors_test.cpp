@@ -70,9 +70,13 @@ TEST_P(Color, IsAskedForWithItsValueItsFlagsAndItsTemplate) {
     const ColorCase& color = GetParam();
     RunProgram(FreshStage(), [&] {
         UseDouble(0x00123456, TRUE);
+        const HINSTANCE own = session.instance, known = reinterpret_cast<HINSTANCE>(0x400000);
+        OnWindowThread([=] { session.instance = known; });  // the template is looked for there
         Choose(color.command);
+        OnWindowThread([=] { session.instance = own; });
         EXPECT_EQ(g_request.lStructSize, sizeof(CHOOSECOLORW));
         EXPECT_EQ(g_request.hwndOwner, session.main_window);
+        EXPECT_EQ(g_request.hInstance, reinterpret_cast<HWND>(known));
         EXPECT_EQ(g_request.rgbResult, color.fallback);
         EXPECT_EQ(g_request.lpCustColors, session.custom_colors);
         EXPECT_EQ(g_request.Flags, 0x00000001u | 0x00000002u | 0x00000020u | 0x00000100u);

@@ -3,6 +3,7 @@
 
 #include "app/session_state.h"
 #include "config/settings.h"
+#include "platform/qt/dialogs.h"
 #include "resources/resource_ids.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
@@ -32,6 +33,13 @@ void CloseBoth(const Advanced& advanced, int button) {
     ClickControl(advanced.connect, IDOK);
     ASSERT_TRUE(Closed(advanced.connect));
     DismissBox("Error: Cannot connect to the UNIX Host");
+}
+
+// It outlives the dialog.
+std::shared_ptr<DialogData> DataOf(HWND dialog) {
+    std::shared_ptr<DialogData> data;
+    OnWindowThread([&] { data = FindWindowRecord(dialog)->dialog; });
+    return data;
 }
 
 Stage FreshStage(const std::function<void()>& before = {}) {
@@ -172,13 +180,15 @@ TEST(ConnectAdvanced, OnlyTheLowSixteenBitsOfAPortCount) {
     });
 }
 
-// Its result is -1 by either button, so nothing but the settings tells them apart.
-TEST(ConnectAdvanced, ReturnsToConnectByEitherButton) {
+// Nothing but the settings tells its buttons apart.
+TEST(ConnectAdvanced, ClosesWithMinusOneByEitherButtonAndReturnsToConnect) {
     RunProgram(FreshStage(), [] {
         for (int button : {IDOK, IDCANCEL}) {
             const Advanced advanced = OpenAdvanced();
+            const auto closed = DataOf(advanced.dialog);
             ClickControl(advanced.dialog, button);
             ASSERT_TRUE(Closed(advanced.dialog));
+            EXPECT_EQ(closed->result, -1);
             OnWindowThread([&] { EXPECT_TRUE(IsWindow(advanced.connect)); });
             ClickControl(advanced.connect, IDCANCEL);
             ASSERT_TRUE(Closed(advanced.connect));

@@ -4,6 +4,7 @@
 #include "app/session_state.h"
 #include "config/key_map.h"
 #include "config/settings.h"
+#include "platform/qt/dialogs.h"
 #include "resources/resource_ids.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
@@ -114,6 +115,19 @@ TEST(ChangeKey, OkReplacesTheRowsTextAndTheSheetSavesIt) {
         EXPECT_EQ(StoredText(stage.root, "key4"), u"abc");
         EXPECT_EQ(StoredText(stage.root, "key3"), u"\\217S");
         EXPECT_EQ(StoredText(stage.root, "key5"), u"\\033[17~");
+    });
+}
+
+TEST(ChangeKey, ClosesWith0ByOkAndMinus1ByCancel) {
+    RunProgram(FreshStage(), [] {
+        const OpenSheet open = OpenKeyboard();
+        for (const int button : {IDOK, IDCANCEL}) {
+            const HWND change = OpenChange(open);
+            std::shared_ptr<DialogData> closed;
+            OnWindowThread([&] { closed = FindWindowRecord(change)->dialog; });
+            CloseBy(change, button);
+            EXPECT_EQ(closed->result, button == IDOK ? 0 : -1);
+        }
     });
 }
 
