@@ -384,6 +384,21 @@ TEST_F(Ssh2KeyExchange, ReplyThatIsCutOffAnywhereIsNotAnswered) {
     }
 }
 
+TEST_F(Ssh2KeyExchange, ReplyThatCannotBeReadFailsTheExchange) {
+    for (const size_t length : {1u, 3u, 100u, 600u}) {
+        NewSession();
+        server = {};
+        Identify();
+        Offer();
+        const std::string reply = KexDhReply(server, "SSH-2.0-1.0.00");
+        Give(reply.substr(0, length));
+        Give(reply);
+        ExpectSilence();
+        Give(Message(21));
+        ExpectClosed();
+    }
+}
+
 TEST_F(Ssh2KeyExchange, ReplyThatNobodyAskedForIsIgnored) {
     Identify();
     Give(Message(31, Str(HostKeyBlob()) + Str("f") + Str("signature")));
