@@ -18,7 +18,7 @@ constexpr int kTooLong = 65535;  // a packet of so many bytes, or more
 
 struct MessageRow {
     BYTE number;
-    bool secured;  // taken only behind a cipher: a password or a channel must not go in the clear
+    bool secured;  // taken only behind a cipher: nothing secret is asked for or sent in the clear
     void (*handler)();
 };
 
@@ -31,14 +31,14 @@ const MessageRow kMessages[] = {
     {kMsgKexDhReply,               false, OnKexDhReply},
     {kMsgUserauthFailure,          true,  OnUserauthFailure},
     {kMsgUserauthSuccess,          true,  OnUserauthSuccess},
-    {kMsgUserauthPasswdChangeReq,  true,  CloseSession},
+    {kMsgUserauthPasswdChangeReq,  false, CloseSession},
     {kMsgChannelOpenConfirmation,  true,  OnChannelOpenConfirmation},
-    {kMsgChannelOpenFailure,       true,  CloseSession},
+    {kMsgChannelOpenFailure,       false, CloseSession},
     {kMsgChannelData,              true,  OnChannelData},
     {kMsgChannelExtendedData,      true,  OnChannelExtendedData},
-    {kMsgChannelClose,             true,  CloseSession},
+    {kMsgChannelClose,             false, CloseSession},
     {kMsgChannelSuccess,           true,  OnChannelSuccess},
-    {kMsgChannelFailure,           true,  CloseSession},
+    {kMsgChannelFailure,           false, CloseSession},
 };
 // clang-format on
 
