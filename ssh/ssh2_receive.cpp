@@ -121,6 +121,7 @@ void Dispatch(BYTE number) {
 }  // namespace
 
 void Ssh2TakeChunk(const BYTE* bytes, int count) {
+    if (!session.ssh2.inMac) return;  // the session began with the other protocol
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     Append(bytes, count);
     while (TakePacket(served)) {

@@ -238,6 +238,16 @@ TEST_F(Ssh2Packets, MessagesThatEndASessionEndItInTheClearToo) {
     }
 }
 
+TEST_F(Ssh2Packets, SessionOfTheOtherProtocolIsNoneOfThisOne) {
+    session.settings.ssh_type2 = 0;
+    Receive(server.line);
+    outside.wire.clear();
+    session.settings.ssh_type2 = 1;  // chosen for the next session
+    Give(ServerKexInit());
+    ExpectSilence();
+    ExpectOpen();
+}
+
 TEST_F(Ssh2Packets, StringsAreReadInsideThePacketAlone) {
     ToShell();
     Give(Message(2, U32(0x80000000) + "abc"));
