@@ -74,7 +74,8 @@ int CompletePacket() {
     return needed <= ssh.recvFill ? needed : 0;
 }
 
-// Handlers may end the session, and with it what waits.
+// Handlers may end the session, and with it what waits; where the next one has begun meanwhile,
+// that is the next one's.
 bool TakePacket(SOCKET served) {
     SshState& ssh = session.ssh;
     const int size = CompletePacket();
@@ -82,7 +83,7 @@ bool TakePacket(SOCKET served) {
     session.ssh2.headDecrypted = 0;
     Ssh2HandlePacket(ssh.recvBuf, size);
     if (!SshSessionStands(served)) {
-        DropWaiting();
+        if (session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) DropWaiting();
         return false;
     }
     ssh.recvFill -= size;

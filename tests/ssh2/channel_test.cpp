@@ -93,7 +93,7 @@ TEST_F(Ssh2Authentication, ConnectionThatEndsDuringTheDialogGetsNoPassword) {
 TEST_F(Ssh2Authentication, SessionThatIsClosedDuringTheDialogGetsNoPassword) {
     session.settings.ssh_def = 0;
     outside.sign_on = [] {
-        session.socket = 8;  // the next session's
+        session.socket = INVALID_SOCKET;
         return true;
     };
     ToService();
@@ -101,9 +101,35 @@ TEST_F(Ssh2Authentication, SessionThatIsClosedDuringTheDialogGetsNoPassword) {
     bytes += Seal(server, Message(52));
     Receive(bytes);
     EXPECT_EQ(outside.sign_ons, 1);
-    session.socket = 7;
     ExpectSilence();
     EXPECT_EQ(session.ssh.recvFill, 0);
+}
+
+TEST_F(Ssh2Authentication, NextSessionBehindTheDialogKeepsWhatItHasReceived) {
+    session.settings.ssh_def = 0;
+    outside.sign_on = [] {
+        session.socket = 8;
+        std::memcpy(session.ssh.recvBuf, "half", 4);
+        session.ssh.recvFill = 4;
+        session.ssh2.headDecrypted = 1;
+        return true;
+    };
+    ToService();
+    Give(Message(6));
+    ExpectSilence();
+    EXPECT_EQ(session.ssh.recvFill, 4);
+    EXPECT_EQ(std::memcmp(session.ssh.recvBuf, "half", 4), 0);
+    EXPECT_EQ(session.ssh2.headDecrypted, 1u);
+    EXPECT_EQ(session.receive_ready, 0u) << "the buffer is the next session's";
+}
+
+// The chunk was on its way when the user closed the session.
+TEST_F(Ssh2Authentication, RefusalThatComesAfterTheUsersCloseAsksNothing) {
+    ToPassword();
+    session.socket = INVALID_SOCKET;
+    Give(Message(51));
+    EXPECT_EQ(outside.sign_ons, 0);
+    ExpectSilence();
 }
 
 TEST_F(Ssh2Authentication, LongestNameAndPasswordGoOutWhole) {

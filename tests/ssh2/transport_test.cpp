@@ -238,6 +238,13 @@ TEST_F(Ssh2Packets, MessagesThatEndASessionEndItInTheClearToo) {
     }
 }
 
+TEST_F(Ssh2Packets, BufferIsHandedBackWhereAPacketEndsTheSession) {
+    ToShell();
+    Give(Message(97, U32(27)));
+    ExpectClosed();
+    EXPECT_EQ(session.receive_ready, 1u);
+}
+
 TEST_F(Ssh2Packets, SessionOfTheOtherProtocolIsNoneOfThisOne) {
     session.settings.ssh_type2 = 0;
     Receive(server.line);
