@@ -192,6 +192,25 @@ TEST_F(Ssh2Channel, RefusedShellClosesTheSession) {
     ExpectClosed();
 }
 
+TEST_F(Ssh2Channel, NumbersOfAnotherChannelAndAnyWindowAreTakenAsTheyCome) {
+    for (const uint32_t number : {0u, 28u, 0x7fffffffu, 0xffffffffu}) {
+        NewSession();
+        server = {};
+        ToChannel();
+        Give(Message(91, U32(number) + U32(kServerChannel) + U32(number) + U32(number)));
+        Expect(PtyRequest("vt220"));
+        EXPECT_EQ(session.ssh2.remoteWindow, number);
+        Give(Message(99, U32(number)));
+        Take();
+        Give(Message(93, U32(number) + U32(0xffffffff)));
+        Give(Message(94, U32(number) + Str("shown")));
+        Type("typed");
+        Expect(ClientData("typed"));
+        EXPECT_EQ(outside.display, "shown");
+        ExpectOpen();
+    }
+}
+
 TEST_F(Ssh2Channel, ConfirmationThatIsCutOffIsDropped) {
     ToChannel();
     Give(Message(91, U32(27) + U32(kServerChannel) + "abc"));

@@ -153,6 +153,18 @@ TEST_F(Ssh2Packets, PacketIsExpectedWithTheSameNumberAfterAMacFailure) {
     EXPECT_EQ(outside.display, "with the number of the dropped one");
 }
 
+TEST_F(Ssh2Packets, SequenceNumbersBeginAgainAfterTheLast) {
+    ToShell();
+    session.ssh2.sendSeq = session.ssh2.recvSeq = server.sent = server.received = 0xffffffff;
+    for (const char* text : {"last ", "first ", "second"}) {
+        Give(Data(text));
+        Type(text);
+        Expect(ClientData(text));
+    }
+    EXPECT_EQ(outside.display, "last first second");
+    EXPECT_EQ(session.ssh2.recvSeq, 2u);
+}
+
 TEST_F(Ssh2Packets, NegativeOrTooLongLengthDropsAllThatWaits) {
     for (const uint32_t length : {0x80000000u, 0xffffffffu, 65536u}) {
         NewSession();
@@ -463,6 +475,36 @@ TEST_F(Ssh2KeyExchange, ServersListsAreNotRead) {
     server.e = ClientPublic(tape);
     Expect(Message(30, server.e));
     Reply();
+}
+
+TEST_F(Ssh2KeyExchange, KeysSwitchInTheMiddleOfAChunk) {
+    for (const size_t chunk : {1u, 5u, 15u, 17u, 24u, 25u, 3000u}) {
+        NewSession();
+        server = {};
+        for (const bool again : {false, true}) {
+            if (again) {
+                Give(Message(52));
+                Take();
+                Give(Message(91, U32(27) + U32(kServerChannel) + U32(0) + U32(0)));
+                Take();
+            } else {
+                Identify();
+            }
+            Offer();
+            Reply();
+            std::string bytes = Seal(server, Message(21));
+            InstallKeys(server);
+            bytes += Seal(server, Message(2, Str("ignore")));
+            bytes += Seal(server, again ? Data("shown") : Message(6));
+            Receive(bytes, chunk);
+            if (!again) {
+                Expect(Message(5, Str("ssh-userauth")));
+                Expect(PasswordRequest("visitor", "warehouse7"));
+            }
+            ExpectSilence();
+            EXPECT_EQ(outside.display, again ? "shown" : "") << "chunks of " << chunk;
+        }
+    }
 }
 
 // ---------------------------------------------------------------- exchange in mid-session
