@@ -230,6 +230,16 @@ TEST_F(Ssh2Channel, DataIsShown) {
     ExpectSilence();
 }
 
+// The terminal would drop its selection.
+TEST_F(Ssh2Channel, DataOfNoBytesDoesNotTouchTheTerminal) {
+    ToShell();
+    Give(Data(""));
+    Give(Message(95, U32(27) + U32(1) + Str("")));
+    EXPECT_EQ(outside.terminal_writes, 0);
+    ExpectSilence();
+    ExpectOpen();
+}
+
 TEST_F(Ssh2Channel, DataOf4000BytesLeavesTheWindow) {
     ToShell();
     Give(Data(std::string(4000, 'd')));
