@@ -78,6 +78,16 @@ TEST_F(Ssh2Authentication, EmptyUserNameIsToldAndClosesTheSession) {
     ExpectSilence();
 }
 
+TEST_F(Ssh2Authentication, NextSessionBehindTheBoxIsNotClosed) {
+    SetText(session.settings.ssh_u, "");
+    ToService();
+    outside.during_box = [] { session.socket = 8; };
+    Give(Message(6));
+    EXPECT_EQ(outside.boxes.size(), 1u);
+    EXPECT_EQ(outside.closes, 0);
+    ExpectSilence();
+}
+
 TEST_F(Ssh2Authentication, ConnectionThatEndsDuringTheDialogGetsNoPassword) {
     session.settings.ssh_def = 0;
     outside.sign_on = [] {
