@@ -63,7 +63,7 @@ void ShowData() {
     int length;
     ReadString(&data, &length);
     if (!data) return;
-    TerminalWrite(data, length);
+    if (length > 0) TerminalWrite(data, length);
     AdjustWindow(length);
 }
 

@@ -114,12 +114,10 @@ bool SignedByHostKey(const KexDhReply& reply) {
     return good;
 }
 
-// Whatever comes of it, an exchange has one reply.
 bool AgreeWith(const KexDhReply& reply) {
     Ssh2State& ssh = session.ssh2;
     BignumFree(ssh.K);
     ssh.K = DhSharedSecret(&ssh.dh, reply.f);
-    DhRelease(&ssh.dh);
     if (!ssh.K) return false;
     FinishExchangeHash(reply);
     return SignedByHostKey(reply);
@@ -187,6 +185,7 @@ void OnKexInit() {
     SendKexDhInit();
 }
 
+// Whatever comes of it, an exchange has one reply.
 void OnKexDhReply() {
     if (!session.ssh2.dh.p) return;  // no exchange is under way
     const KexDhReply reply = ReadReply();
@@ -195,6 +194,7 @@ void OnKexDhReply() {
         SendPacket();
         session.ssh2.kexDone = 1;
     }
+    DhRelease(&session.ssh2.dh);
     BignumFree(reply.f);
 }
 

@@ -18,7 +18,7 @@ constexpr int kTooLong = 65535;  // a packet of so many bytes, or more
 
 struct MessageRow {
     BYTE number;
-    bool secured;  // taken only behind a cipher: a password or a channel must not go in the clear
+    bool secured;  // taken only behind a cipher: nothing secret is asked for or sent in the clear
     void (*handler)();
 };
 
@@ -31,14 +31,14 @@ const MessageRow kMessages[] = {
     {kMsgKexDhReply,               false, OnKexDhReply},
     {kMsgUserauthFailure,          true,  OnUserauthFailure},
     {kMsgUserauthSuccess,          true,  OnUserauthSuccess},
-    {kMsgUserauthPasswdChangeReq,  true,  CloseSession},
+    {kMsgUserauthPasswdChangeReq,  false, CloseSession},
     {kMsgChannelOpenConfirmation,  true,  OnChannelOpenConfirmation},
-    {kMsgChannelOpenFailure,       true,  CloseSession},
+    {kMsgChannelOpenFailure,       false, CloseSession},
     {kMsgChannelData,              true,  OnChannelData},
     {kMsgChannelExtendedData,      true,  OnChannelExtendedData},
-    {kMsgChannelClose,             true,  CloseSession},
+    {kMsgChannelClose,             false, CloseSession},
     {kMsgChannelSuccess,           true,  OnChannelSuccess},
-    {kMsgChannelFailure,           true,  CloseSession},
+    {kMsgChannelFailure,           false, CloseSession},
 };
 // clang-format on
 
@@ -74,7 +74,8 @@ int CompletePacket() {
     return needed <= ssh.recvFill ? needed : 0;
 }
 
-// Handlers may end the session, and with it what waits.
+// Handlers may end the session, and with it what waits; where the next one has begun meanwhile,
+// that is the next one's.
 bool TakePacket(SOCKET served) {
     SshState& ssh = session.ssh;
     const int size = CompletePacket();
@@ -82,7 +83,7 @@ bool TakePacket(SOCKET served) {
     session.ssh2.headDecrypted = 0;
     Ssh2HandlePacket(ssh.recvBuf, size);
     if (!SshSessionStands(served)) {
-        DropWaiting();
+        if (session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) DropWaiting();
         return false;
     }
     ssh.recvFill -= size;
@@ -121,6 +122,7 @@ void Dispatch(BYTE number) {
 }  // namespace
 
 void Ssh2TakeChunk(const BYTE* bytes, int count) {
+    if (!session.ssh2.inMac) return;  // the session began with the other protocol
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     Append(bytes, count);
     while (TakePacket(served)) {

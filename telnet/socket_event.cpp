@@ -61,5 +61,6 @@ void OnSocketEvent(WPARAM kind) {
     } else if (kind == 0 && !Stale()) {
         session.settings.ssh == 0 ? TakeTelnetChunk() : TakeSshChunk();
     }
-    if (session.socket.load(std::memory_order_acquire) == served) HandBackBuffer();
+    const SOCKET left = session.socket.load(std::memory_order_acquire);
+    if (left == served || left == INVALID_SOCKET) HandBackBuffer();
 }

@@ -16,6 +16,10 @@
 Outside outside;
 
 bool SocketSendAll(const BYTE* bytes, int length) {
+    if (outside.sends_that_fail > 0) {
+        outside.sends_that_fail--;
+        return false;
+    }
     outside.wire.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(length));
     return true;
 }

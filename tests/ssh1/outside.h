@@ -16,8 +16,9 @@ struct Outside {
     std::vector<std::string> boxes;  // as "caption: text"
     int asked = 0;                   // calls of AskSignOn
     bool dialog_can_be_shown = true;
-    int closed = 0;          // calls of CloseSession
-    int status_updates = 0;  // calls of UpdateStatus
+    int closed = 0;           // calls of CloseSession
+    int status_updates = 0;   // calls of UpdateStatus
+    int sends_that_fail = 0;  // the next so many
     // Of each key that RsaEncrypt was given: its bytes, and the first of its modulus.
     std::vector<int> encrypted_with;
     std::vector<int> first_modulus_byte;

@@ -87,6 +87,18 @@ TEST(Identification, BytesBehindTheLineInItsChunkAreLost) {
     EXPECT_TRUE(host.TakeSessionKey());
 }
 
+TEST(Identification, AfterAFailedSendTheNextChunkIsTheLine) {
+    NewSession();
+    session.banner_sent = 0;
+    outside.sends_that_fail = 1;
+    Receive("SSH-1.5-lost\n");
+    EXPECT_EQ(session.banner_sent, 0u);
+    EXPECT_EQ(Wire(), "");
+    Receive("SSH-1.5-again\n");
+    EXPECT_EQ(session.banner_sent, 1u);
+    EXPECT_EQ(Wire(), "SSH-1.5-1.0.00\n");
+}
+
 // ---------------------------------------------------------------- every wrong type
 
 TEST(WrongType, WhileTheKeyIsAwaited) {
@@ -311,6 +323,18 @@ TEST(Interrupted, SessionThatEndsBehindTheDialogSendsNothing) {
     Receive(host.Packet(14));
     EXPECT_EQ(Wire(), "");
     EXPECT_EQ(outside.closed, 0);
+}
+
+// The chunk was on its way when the user closed the session.
+TEST(Interrupted, PacketThatComesAfterTheUsersCloseAsksAndTellsNothing) {
+    for (int state = 0; state <= 5; state++) {
+        ScriptedHost host = SessionInState(state);
+        session.socket = INVALID_SOCKET;
+        Receive(host.Packet(1, String("bye")));
+        EXPECT_EQ(Box(), "") << state;
+        EXPECT_EQ(outside.asked, 0);
+        EXPECT_EQ(Wire(), "");
+    }
 }
 
 TEST(Interrupted, SessionThatFollowsBehindABoxIsNotClosed) {

@@ -78,6 +78,16 @@ TEST_F(Ssh2Authentication, EmptyUserNameIsToldAndClosesTheSession) {
     ExpectSilence();
 }
 
+TEST_F(Ssh2Authentication, NextSessionBehindTheBoxIsNotClosed) {
+    SetText(session.settings.ssh_u, "");
+    ToService();
+    outside.during_box = [] { session.socket = 8; };
+    Give(Message(6));
+    EXPECT_EQ(outside.boxes.size(), 1u);
+    EXPECT_EQ(outside.closes, 0);
+    ExpectSilence();
+}
+
 TEST_F(Ssh2Authentication, ConnectionThatEndsDuringTheDialogGetsNoPassword) {
     session.settings.ssh_def = 0;
     outside.sign_on = [] {
@@ -93,7 +103,7 @@ TEST_F(Ssh2Authentication, ConnectionThatEndsDuringTheDialogGetsNoPassword) {
 TEST_F(Ssh2Authentication, SessionThatIsClosedDuringTheDialogGetsNoPassword) {
     session.settings.ssh_def = 0;
     outside.sign_on = [] {
-        session.socket = 8;  // the next session's
+        session.socket = INVALID_SOCKET;
         return true;
     };
     ToService();
@@ -101,9 +111,35 @@ TEST_F(Ssh2Authentication, SessionThatIsClosedDuringTheDialogGetsNoPassword) {
     bytes += Seal(server, Message(52));
     Receive(bytes);
     EXPECT_EQ(outside.sign_ons, 1);
-    session.socket = 7;
     ExpectSilence();
     EXPECT_EQ(session.ssh.recvFill, 0);
+}
+
+TEST_F(Ssh2Authentication, NextSessionBehindTheDialogKeepsWhatItHasReceived) {
+    session.settings.ssh_def = 0;
+    outside.sign_on = [] {
+        session.socket = 8;
+        std::memcpy(session.ssh.recvBuf, "half", 4);
+        session.ssh.recvFill = 4;
+        session.ssh2.headDecrypted = 1;
+        return true;
+    };
+    ToService();
+    Give(Message(6));
+    ExpectSilence();
+    EXPECT_EQ(session.ssh.recvFill, 4);
+    EXPECT_EQ(std::memcmp(session.ssh.recvBuf, "half", 4), 0);
+    EXPECT_EQ(session.ssh2.headDecrypted, 1u);
+    EXPECT_EQ(session.receive_ready, 0u) << "the buffer is the next session's";
+}
+
+// The chunk was on its way when the user closed the session.
+TEST_F(Ssh2Authentication, RefusalThatComesAfterTheUsersCloseAsksNothing) {
+    ToPassword();
+    session.socket = INVALID_SOCKET;
+    Give(Message(51));
+    EXPECT_EQ(outside.sign_ons, 0);
+    ExpectSilence();
 }
 
 TEST_F(Ssh2Authentication, LongestNameAndPasswordGoOutWhole) {
@@ -166,6 +202,25 @@ TEST_F(Ssh2Channel, RefusedShellClosesTheSession) {
     ExpectClosed();
 }
 
+TEST_F(Ssh2Channel, NumbersOfAnotherChannelAndAnyWindowAreTakenAsTheyCome) {
+    for (const uint32_t number : {0u, 28u, 0x7fffffffu, 0xffffffffu}) {
+        NewSession();
+        server = {};
+        ToChannel();
+        Give(Message(91, U32(number) + U32(kServerChannel) + U32(number) + U32(number)));
+        Expect(PtyRequest("vt220"));
+        EXPECT_EQ(session.ssh2.remoteWindow, number);
+        Give(Message(99, U32(number)));
+        Take();
+        Give(Message(93, U32(number) + U32(0xffffffff)));
+        Give(Message(94, U32(number) + Str("shown")));
+        Type("typed");
+        Expect(ClientData("typed"));
+        EXPECT_EQ(outside.display, "shown");
+        ExpectOpen();
+    }
+}
+
 TEST_F(Ssh2Channel, ConfirmationThatIsCutOffIsDropped) {
     ToChannel();
     Give(Message(91, U32(27) + U32(kServerChannel) + "abc"));
@@ -183,6 +238,16 @@ TEST_F(Ssh2Channel, DataIsShown) {
     Give(Message(95, U32(27) + U32(77) + Str(", anything")));
     EXPECT_EQ(outside.display, "some text, an error, anything");
     ExpectSilence();
+}
+
+// The terminal would drop its selection.
+TEST_F(Ssh2Channel, DataOfNoBytesDoesNotTouchTheTerminal) {
+    ToShell();
+    Give(Data(""));
+    Give(Message(95, U32(27) + U32(1) + Str("")));
+    EXPECT_EQ(outside.terminal_writes, 0);
+    ExpectSilence();
+    ExpectOpen();
 }
 
 TEST_F(Ssh2Channel, DataOf4000BytesLeavesTheWindow) {

@@ -19,6 +19,7 @@ struct Outside {
     int sign_ons = 0;                  // how often the dialog was shown
     int closes = 0;                    // calls of SessionClose
     int statuses = 0;                  // calls of UpdateStatus
+    int terminal_writes = 0;           // calls of TerminalWrite
     int sends_that_fail = 0;           // the next so many fail
 };
 extern Outside outside;

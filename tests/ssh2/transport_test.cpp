@@ -153,6 +153,18 @@ TEST_F(Ssh2Packets, PacketIsExpectedWithTheSameNumberAfterAMacFailure) {
     EXPECT_EQ(outside.display, "with the number of the dropped one");
 }
 
+TEST_F(Ssh2Packets, SequenceNumbersBeginAgainAfterTheLast) {
+    ToShell();
+    session.ssh2.sendSeq = session.ssh2.recvSeq = server.sent = server.received = 0xffffffff;
+    for (const char* text : {"last ", "first ", "second"}) {
+        Give(Data(text));
+        Type(text);
+        Expect(ClientData(text));
+    }
+    EXPECT_EQ(outside.display, "last first second");
+    EXPECT_EQ(session.ssh2.recvSeq, 2u);
+}
+
 TEST_F(Ssh2Packets, NegativeOrTooLongLengthDropsAllThatWaits) {
     for (const uint32_t length : {0x80000000u, 0xffffffffu, 65536u}) {
         NewSession();
@@ -218,7 +230,7 @@ TEST_F(Ssh2Packets, DisconnectIsIgnored) {
 // Nothing that carries a password or a terminal's bytes is asked for or shown in the clear.
 TEST_F(Ssh2Packets, MessagesOfLaterLayersAreIgnoredInTheClear) {
     Identify();
-    for (const int number : {6, 51, 52, 60, 91, 92, 94, 95, 97, 99, 100})
+    for (const int number : {6, 51, 52, 91, 94, 95, 99})
         Give(Message(number, U32(27) + U32(4) + U32(4) + "data"));
     ExpectSilence();
     EXPECT_EQ(outside.display, "");
@@ -226,6 +238,33 @@ TEST_F(Ssh2Packets, MessagesOfLaterLayersAreIgnoredInTheClear) {
     ExpectOpen();
     Offer();
     Reply();
+}
+
+TEST_F(Ssh2Packets, MessagesThatEndASessionEndItInTheClearToo) {
+    for (const int number : {60, 92, 97, 100}) {
+        NewSession();
+        server = {};
+        Identify();
+        Give(Message(number, U32(27)));
+        ExpectClosed();
+    }
+}
+
+TEST_F(Ssh2Packets, BufferIsHandedBackWhereAPacketEndsTheSession) {
+    ToShell();
+    Give(Message(97, U32(27)));
+    ExpectClosed();
+    EXPECT_EQ(session.receive_ready, 1u);
+}
+
+TEST_F(Ssh2Packets, SessionOfTheOtherProtocolIsNoneOfThisOne) {
+    session.settings.ssh_type2 = 0;
+    Receive(server.line);
+    outside.wire.clear();
+    session.settings.ssh_type2 = 1;  // chosen for the next session
+    Give(ServerKexInit());
+    ExpectSilence();
+    ExpectOpen();
 }
 
 TEST_F(Ssh2Packets, StringsAreReadInsideThePacketAlone) {
@@ -384,6 +423,21 @@ TEST_F(Ssh2KeyExchange, ReplyThatIsCutOffAnywhereIsNotAnswered) {
     }
 }
 
+TEST_F(Ssh2KeyExchange, ReplyThatCannotBeReadFailsTheExchange) {
+    for (const size_t length : {1u, 3u, 100u, 600u}) {
+        NewSession();
+        server = {};
+        Identify();
+        Offer();
+        const std::string reply = KexDhReply(server, "SSH-2.0-1.0.00");
+        Give(reply.substr(0, length));
+        Give(reply);
+        ExpectSilence();
+        Give(Message(21));
+        ExpectClosed();
+    }
+}
+
 TEST_F(Ssh2KeyExchange, ReplyThatNobodyAskedForIsIgnored) {
     Identify();
     Give(Message(31, Str(HostKeyBlob()) + Str("f") + Str("signature")));
@@ -421,6 +475,36 @@ TEST_F(Ssh2KeyExchange, ServersListsAreNotRead) {
     server.e = ClientPublic(tape);
     Expect(Message(30, server.e));
     Reply();
+}
+
+TEST_F(Ssh2KeyExchange, KeysSwitchInTheMiddleOfAChunk) {
+    for (const size_t chunk : {1u, 5u, 15u, 17u, 24u, 25u, 3000u}) {
+        NewSession();
+        server = {};
+        for (const bool again : {false, true}) {
+            if (again) {
+                Give(Message(52));
+                Take();
+                Give(Message(91, U32(27) + U32(kServerChannel) + U32(0) + U32(0)));
+                Take();
+            } else {
+                Identify();
+            }
+            Offer();
+            Reply();
+            std::string bytes = Seal(server, Message(21));
+            InstallKeys(server);
+            bytes += Seal(server, Message(2, Str("ignore")));
+            bytes += Seal(server, again ? Data("shown") : Message(6));
+            Receive(bytes, chunk);
+            if (!again) {
+                Expect(Message(5, Str("ssh-userauth")));
+                Expect(PasswordRequest("visitor", "warehouse7"));
+            }
+            ExpectSilence();
+            EXPECT_EQ(outside.display, again ? "shown" : "") << "chunks of " << chunk;
+        }
+    }
 }
 
 // ---------------------------------------------------------------- exchange in mid-session
