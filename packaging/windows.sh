@@ -21,19 +21,12 @@ if [ -z "$program" ]; then
     program=$folder/platform/win32/quill.exe
 fi
 
-# What may be missing from a tree is left out and said so.
 stage=$(mktemp -d "${TMPDIR:-/tmp}/quill-package.XXXXXX")
 trap 'rm -rf "$stage"' EXIT
 mkdir "$stage/Quill"
 x86_64-w64-mingw32-strip -o "$stage/Quill/quill.exe" "$program"
-for file in resources/telnet.htm LICENSE; do
-    if [ -e "$file" ]; then
-        cp "$file" "$stage/Quill/"
-    else
-        echo "There is no $file: the package does without." >&2
-    fi
-done
-[ ! -e "$stage/Quill/LICENSE" ] || mv "$stage/Quill/LICENSE" "$stage/Quill/LICENSE.txt"
+cp resources/telnet.htm "$stage/Quill/"
+cp LICENSE "$stage/Quill/LICENSE.txt"
 
 package=$(pwd)/build/quill-windows.zip
 rm -f "$package"

@@ -57,6 +57,7 @@ HFONT DeviceCreateFontIndirect(const LOGFONTW* font);
 // ---------------------------------------------------------------- keyboard.cpp
 
 // F1 and F10 are keys as any other one; a window that leaves them gets WM_HELP, and its menu opens.
+// The states of a dial, which the desktop tells by a registered message, come as WM_RASDIALEVENT.
 BOOL DeviceGetMessage(MSG* message, HWND window, UINT first, UINT last);
 LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 // Only the Lock keys have a toggled bit.

@@ -1,4 +1,4 @@
-// The keyboard: keys that the desktop treats otherwise than the device.
+// Messages that the desktop treats otherwise than the device: keys, and the states of a dial.
 #include "device.h"
 
 namespace {
@@ -9,6 +9,11 @@ constexpr LPARAM kAltDown = 1 << 29;
 
 bool IsLockKey(int virtual_key) {
     return virtual_key == VK_CAPITAL || virtual_key == VK_NUMLOCK || virtual_key == VK_SCROLL;
+}
+
+UINT DialMessage() {
+    static const UINT message = RegisterWindowMessageA(RASDIALEVENT);
+    return message;
 }
 
 }  // namespace
@@ -26,6 +31,7 @@ LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lpa
     if (message == WM_KEYDOWN && wparam == VK_F1) return SendMessageW(window, WM_HELP, 0, 0);
     if (message == WM_KEYDOWN && wparam == VK_F10 && GetMenu(window))
         return PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, 0), 0;
+    if (message == DialMessage()) return SendMessageW(window, WM_RASDIALEVENT, wparam, lparam);
     return DefWindowProcW(window, message, wparam, lparam);
 }
 

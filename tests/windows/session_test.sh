@@ -93,6 +93,14 @@ begin_sent
 xdotool key --delay 80 x
 await 10 sent_is 'x' || fail "after the second start the keys went elsewhere: $(sent_bytes)"
 
+# Copied off the screen by the stylus, and pasted: the host gets the heading's words and an Enter.
+begin_sent
+xdotool mousemove 24 76 mousedown 1 mousemove 80 76 mousemove 128 76 mouseup 1
+sleep 0.5
+picture selection
+xdotool key --delay 80 ctrl+shift+c ctrl+shift+v
+await 10 sent_is 'HARBOUR STORES\r' || fail "the clipboard sent $(sent_bytes)"
+
 # Larger text does not fit any more: scroll bars. Then out, with everything saved.
 xdotool key --delay 80 ctrl+shift+KP_Add ctrl+shift+KP_Add
 sleep 1

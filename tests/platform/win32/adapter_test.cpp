@@ -160,6 +160,21 @@ TEST_F(Adapter, F1ThatAWindowTakesAsksForNoHelp) {
     EXPECT_EQ(1u, Of(WM_HELP).size());
 }
 
+TEST_F(Adapter, StatesOfADialComeAsOnTheDevice) {
+    const UINT told = RegisterWindowMessageA(RASDIALEVENT);
+    ASSERT_NE(0u, told);
+    ASSERT_NE(static_cast<UINT>(WM_RASDIALEVENT), told);
+    SendMessageW(top, told, RASCS_Disconnected, 676);
+    PostMessageW(top, told, RASCS_PortOpened, 0);
+    RunUntilIdle();
+    const auto states = Of(WM_RASDIALEVENT);
+    ASSERT_EQ(2u, states.size());
+    EXPECT_EQ(static_cast<WPARAM>(RASCS_Disconnected), states[0].wparam);
+    EXPECT_EQ(676, states[0].lparam);
+    EXPECT_EQ(static_cast<WPARAM>(RASCS_PortOpened), states[1].wparam);
+    EXPECT_EQ(0, states[1].lparam);
+}
+
 TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
     SetKeyByte(VK_LSHIFT, 0x01);
     SetKeyByte(VK_CAPITAL, 0x01);

@@ -1,0 +1,127 @@
+#!/bin/sh
+# The Windows program in SSH sessions with a real shell: a sign-on typed into its dialog, wrong the
+# first time; a command whose outcome the shell writes into a file; the end of the session by the
+# host; and a second start, which signs on with what was remembered.
+# Usage: ssh_test.sh QUILL.EXE 1|2
+set -eu
+top=$(cd "$(dirname "$0")/../.." && pwd)
+program=$1 version=$2
+. "$top/tests/windows/wine.sh"
+command -v socat >/dev/null || { echo "ssh_test.sh: socat is missing" >&2; exit 77; }
+
+case $version in
+    1) server=$top/tests/ssh1/server.py lines='SSH-1\.5-' cipher=2 ;;         # Blowfish
+    2) server=$top/tests/ssh2/paramiko_server.py lines='SSH-2\.0-' cipher=1 ;; # triple DES
+    *) fail "there is no SSH-$version" ;;
+esac
+
+# It runs until its input closes; the port is in its first line.
+mkfifo "$work/hold"
+: >"$work/host"
+/usr/bin/python3 -B "$server" <"$work/hold" >"$work/host" 2>"$work/host.log" &
+host=$!
+exec 9>"$work/hold"
+started=$host
+serves() { has_line "$work/host" || has_ended "$host"; }
+await 30 serves || fail "the server did not start"
+has_line "$work/host" || {
+    status=0
+    wait "$host" || status=$?
+    cat "$work/host.log" >&2
+    exit $status
+}
+start_screen
+prepare_prefix
+start_relay "$(sed -n '1s/^[^0-9]*//p' "$work/host")"
+
+# sign_on NAME PASSWORD [KEY...]: typed into the dialog; the keys before the Enter that closes it.
+sign_on() {
+    await 20 has_window '^Sign on to the host$' || fail "nobody asked for name and password"
+    sleep 0.5
+    xdotool type --delay 40 "$1"
+    xdotool key Tab
+    xdotool type --delay 40 "$2"
+    shift 2
+    [ $# -eq 0 ] || xdotool key --delay 80 "$@"
+    picture "ssh$version-sign-on"
+    heard=$(wc -c <"$work/received")
+    xdotool key Return
+    await 20 has_answered || fail "the sign-on had no answer"
+}
+has_answered() { [ "$(wc -c <"$work/received")" -gt "$heard" ]; }
+
+# The shell is there once it has sent its prompt; all of the session but its beginning is sealed.
+rest_for_prompt() {
+    was=-1
+    while [ "$(wc -c <"$work/received")" -ne $was ]; do
+        was=$(wc -c <"$work/received")
+        sleep 1
+    done
+}
+
+# shell_writes FILE: by a command typed into the session.
+shell_writes() {
+    rest_for_prompt
+    # shellcheck disable=SC2016
+    type_line 'echo $TERM $((6*7)) '">$work/$1"
+    await 10 has_line "$work/$1" || fail "the command did not reach the shell"
+    [ "$(cat "$work/$1")" = "vt220 42" ] || fail "the shell wrote $(cat "$work/$1")"
+}
+
+# The relay logs the end of what it does for one connection.
+connection_has_ended() { grep -q 'exiting with status' "$work/relay.log"; }
+
+leave() {
+    xdotool key ctrl+shift+q
+    await 20 has_ended "$client" || fail "the program did not end"
+    wait "$client" || fail "the program ended with code $?"
+}
+
+fresh_device
+cat >"$device_root/mconfig.cfg" <<END
+host = "127.0.0.1"
+port = $relay_port
+autoconnect = 1
+ssh = 1
+ssh_type2 = $((version - 1))
+ssh_type = $cipher
+END
+run wine "$program"
+client=$last
+await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
+sleep 0.5
+xdotool key Return
+
+# A wrong password brings the dialog again; what it then holds is kept, with the mark on
+# "Remember Password".
+sign_on visitor warehouse8
+[ "$version" -eq 2 ] || {
+    await 10 has_window '^Error$' || fail "the wrong password was not told"
+    xdotool key Return
+}
+sign_on visitor warehouse7 Tab space
+shell_writes first
+picture "ssh$version"
+received "^$lines" || fail "the server did not speak SSH-$version"
+sent "^$lines" || fail "the program did not speak SSH-$version"
+! sent 'visitor\|warehouse\|echo' || fail "what was typed went over the wire in the clear"
+! received 'vt220 42' || fail "the shell's output came in the clear"
+
+# The host ends the session: so does the program, and stays.
+type_line exit
+await 20 connection_has_ended || fail "the session did not end"
+! has_window '^Error$' || xdotool key Return
+sleep 0.5
+! has_ended "$client" || fail "the program ended with the session"
+leave
+[ "$(setting ssh_def)" = 0x1 ] || fail "ssh_def: $(setting ssh_def)"
+[ "$(setting ssh_u)" = visitor ] || fail "ssh_u: $(setting ssh_u)"
+[ "$(setting ssh_p)" = warehouse7 ] || fail "ssh_p was not remembered"
+
+# With the password remembered nobody is asked.
+run wine "$program"
+client=$last
+await 30 has_window "^$title  \[127.0.0.1\]$" || fail "no window at the second run"
+shell_writes second
+leave
+echo "two sessions of SSH-$version; pictures in $pictures"
