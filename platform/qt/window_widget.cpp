@@ -40,6 +40,13 @@ void WindowWidget::paintEvent(QPaintEvent* event) {
     painting_ = true;
     CallWindowProcedure(*window, WM_PAINT, 0, 0);
     painting_ = false;
+    window = FindWindowRecord(window_);
+    if (own_paint_ || !window) return;
+    // Only what the toolkit asked for has reached the screen; the program holds all of it for
+    // drawn.
+    if (QRegion(ClientArea(*window)).subtracted(event->region()).isEmpty()) return;
+    window->invalid = rect();
+    window->erase = true;
 }
 
 void WindowWidget::keyPressEvent(QKeyEvent* event) { QueueKeyEvent(window_, event, true); }

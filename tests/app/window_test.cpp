@@ -1,9 +1,12 @@
 // The terminal as it stands drawn on the real window.
 #include <gtest/gtest.h>
+#include <QScreen>
+#include <QThread>
 
 #include "app/session_state.h"
 #include "platform/qt/testing.h"
 #include "terminal/terminal_font.h"
+#include "terminal/terminal_write.h"
 #include "terminal/view.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
@@ -166,6 +169,35 @@ TEST(Window, FontGrowsAndShrinksWithTheKeysOfTheAccelerators) {
         PostToMain(WM_COMMAND, 40009);
         OnWindowThread([] {});
         EXPECT_TRUE(Eventually([] { return session.settings.fsize == 25; }));
+    });
+}
+
+// What the desktop shows, where Picture() draws anew.
+QImage Glass() {
+    QImage glass;
+    OnWindowThread([&] {
+        glass = QGuiApplication::primaryScreen()
+                    ->grabWindow(DeviceScreen()->winId())
+                    .toImage()
+                    .convertToFormat(QImage::Format_RGB32);
+    });
+    return glass;
+}
+
+// The toolkit may ask for a corner of the window while rows wait to be drawn.
+TEST(Window, RowsDrawnWhileTheToolkitAsksForACornerReachTheScreen) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ASSERT_TRUE(Drawn("hello"));
+        OnWindowThread([] {
+            const char text[] = "\033[2J\033[7m          fresh          \033[m";
+            TerminalWrite(reinterpret_cast<const BYTE*>(text), sizeof(text) - 1);
+            FindWindowRecord(session.client_window)->widget->repaint(QRect(0, 100, 5, 5));
+        });
+        QThread::msleep(200);
+        const QImage glass = Glass();
+        EXPECT_EQ(glass, Picture().convertToFormat(QImage::Format_RGB32));
+        OnWindowThread([&] { EXPECT_EQ(PixelOf(glass, 1, 10, 0, 0), QColor(Qt::black)); });
     });
 }
 
