@@ -12,8 +12,15 @@ use_lsh() {
     export LD_LIBRARY_PATH="$lsh/lib/x86_64-linux-gnu" LSH_YARROW_SEED_FILE="$1/lsh-seed"
 }
 
+# Two tests may want it at once.
 make_host_key() {
-    [ ! -e "$host_key" ] || return 0
+    exec 9>"$host_key.lock"
+    flock 9
+    [ -e "$host_key" ] || write_host_key
+    exec 9>&-
+}
+
+write_host_key() {
     (umask 077 && head -c 32 /dev/urandom >"$LSH_YARROW_SEED_FILE")
     rm -f "$host_key.new"
     "$lsh/bin/lsh-keygen" --server -a dsa -l 4 2>/dev/null |
