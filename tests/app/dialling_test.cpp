@@ -266,6 +266,17 @@ TEST_F(Dialling, ADeviceWithoutEntriesAsksWithAnEmptyName) {
     });
 }
 
+TEST_F(Dialling, ADeviceWithoutTheProgramAsksWithAnEmptyName) {
+    MakeEntry("depot");
+    RunProgram({}, [] {
+        SetHost(u"127.0.0.1", 23);
+        OnWindowThread([] { services_test_hooks.force_connect_error = WSAEHOSTUNREACH; });
+        ConnectLater();
+        DismissBox("Request: No active network. Should I dial a network using modem () ?");
+        DismissBox("Error: Cannot find dial information for connection name. ()");
+    });
+}
+
 TEST_F(Dialling, TheSessionsEndHangsUpWithExitOnDisconnect) {
     MakeEntry("depot");
     MakeProgram(kUp);
