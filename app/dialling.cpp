@@ -78,6 +78,19 @@ bool FetchParameters(RASDIALPARAMSW* parameters) {
     return RasGetEntryDialParamsW(nullptr, parameters, &has_password) == 0;
 }
 
+// A dial that is given up for another one: what it still has to tell is not the new one's. A
+// connection that it made goes with it.
+void EndDialBefore() {
+    HangUpDial();
+    MSG message;
+    while (
+        PeekMessageW(&message, session.main_window, WM_RASDIALEVENT, WM_RASDIALEVENT, PM_REMOVE)) {
+        if (message.message != WM_QUIT) continue;  // it passes every filter
+        PostQuitMessage(static_cast<int>(message.wParam));
+        return;
+    }
+}
+
 // A dial that did not begin tells nothing more, and its handle is to be given back.
 void GiveUp(DWORD error) {
     session.dialling = 0;
@@ -90,7 +103,7 @@ void GiveUp(DWORD error) {
 void StartDial() {
     RASDIALPARAMSW parameters = {};
     if (!FetchParameters(&parameters)) return TellNoEntry();
-    HangUpDial();
+    EndDialBefore();
     session.dialling = 1;
     const DWORD error = RasDialW(nullptr, nullptr, &parameters, kNotifyWindow, session.main_window,
                                  &session.ras_connection);

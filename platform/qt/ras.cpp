@@ -1,6 +1,7 @@
 // Remote access: the system's dial-up peers are the entries.
 #include <dirent.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <string>
@@ -48,6 +49,9 @@ std::vector<std::u16string> DialUpNames() {
     return names;
 }
 
+// Peers outlast the program that would dial them, when its package is removed.
+bool CanDial() { return access(services_test_hooks.dial_up_program.c_str(), F_OK) == 0; }
+
 void FillEntry(RASENTRYNAMEW* entry, const std::u16string& name) {
     entry->dwSize = sizeof(RASENTRYNAMEW);
     lstrcpynW(entry->szEntryName, name.c_str(), RAS_MaxEntryName + 1);
@@ -59,7 +63,8 @@ DWORD RasEnumEntriesW(LPWSTR, LPWSTR, RASENTRYNAMEW* entries, DWORD* size, DWORD
     if (!size || !count) return ERROR_INVALID_PARAMETER;
     if (entries && (*size < sizeof(*entries) || entries[0].dwSize != sizeof(*entries)))
         return kErrorInvalidSize;
-    const std::vector<std::u16string> names = DialUpNames();
+    const std::vector<std::u16string> names =
+        CanDial() ? DialUpNames() : std::vector<std::u16string>();
     const size_t room = entries ? *size / sizeof(*entries) : 0;
     const size_t fitting = std::min(room, names.size());
     for (size_t i = 0; i < fitting; i++) FillEntry(&entries[i], names[i]);
@@ -68,7 +73,7 @@ DWORD RasEnumEntriesW(LPWSTR, LPWSTR, RASENTRYNAMEW* entries, DWORD* size, DWORD
     return fitting < names.size() ? ERROR_BUFFER_TOO_SMALL : ERROR_SUCCESS;
 }
 
-// Only what was enumerated is an entry, so that no name leads out of the folder.
+// Only a name that the folder lists is an entry, so that no name leads out of the folder.
 DWORD RasGetEntryDialParamsW(LPCWSTR, RASDIALPARAMSW* parameters, BOOL* has_password) {
     if (!parameters || !has_password) return ERROR_INVALID_PARAMETER;
     if (parameters->dwSize != sizeof(*parameters)) return kErrorInvalidSize;

@@ -166,6 +166,7 @@ TEST(Connection, WithoutNetworkTheFirstEntryIsTakenAndKept) {
     fclose(fopen((peers + "/annex").c_str(), "w"));
     RunProgram({}, [&] {
         services_test_hooks.dial_up_folder = peers;
+        services_test_hooks.dial_up_program = peers + "/ward";
         services_test_hooks.force_connect_error = WSAEHOSTUNREACH;
         SetHost(u"127.0.0.1", 23);
         ConnectLater();

@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "app/commands.h"
+#include "app/connection.h"
 #include "app/session_state.h"
 #include "config/toolbars.h"
 #include "platform/qt/testing_services.h"
@@ -265,6 +266,17 @@ TEST_F(Dialling, ADeviceWithoutEntriesAsksWithAnEmptyName) {
     });
 }
 
+TEST_F(Dialling, ADeviceWithoutTheProgramAsksWithAnEmptyName) {
+    MakeEntry("depot");
+    RunProgram({}, [] {
+        SetHost(u"127.0.0.1", 23);
+        OnWindowThread([] { services_test_hooks.force_connect_error = WSAEHOSTUNREACH; });
+        ConnectLater();
+        DismissBox("Request: No active network. Should I dial a network using modem () ?");
+        DismissBox("Error: Cannot find dial information for connection name. ()");
+    });
+}
+
 TEST_F(Dialling, TheSessionsEndHangsUpWithExitOnDisconnect) {
     MakeEntry("depot");
     MakeProgram(kUp);
@@ -500,6 +512,58 @@ TEST_F(Dialling, DiallingAgainHangsUpTheLinkBefore) {
         EXPECT_NE(kill(std::stoi(first), 0), 0);
         EXPECT_TRUE(NotDialling());
     });
+}
+
+TEST_F(Dialling, DiallingAgainWhileDiallingLeavesTheNewDialInProgress) {
+    MakeEntry("depot");
+    MakeProgram("await go\necho 'Serial connection established.'\nwhile :; do sleep 0.02; done\n");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(TerminalShows("Open port"));
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        const std::string first = ReadFile(folder + "/process");
+        fs::remove(folder + "/process");
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        EXPECT_NE(kill(std::stoi(first), 0), 0);
+        Let("go");
+        EXPECT_TRUE(TerminalShows("Open port\nA device has connected successfully\n"));
+        OnWindowThread([] { EXPECT_EQ(session.dialling, 1u) << "the end was the first dial's"; });
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(ProgramGone());
+    });
+}
+
+// The device's own end hangs up as well, so that the handle tells who did.
+TEST_F(Dialling, EveryWayOutHangsUpBeforeTheProgramEnds) {
+    MakeEntry("depot");
+    MakeProgram(kUp);
+    void (*const ways_out[])() = {[] { RunCommand(IDM_EXIT); },
+                                  [] {
+                                      session.settings.xbox = 1;
+                                      CloseByMinimising();
+                                  },
+                                  [] {
+                                      session.settings.exit_dis = 1;
+                                      session.connected = 1;
+                                      SessionClosed();
+                                  }};
+    for (void (*const leave)() : ways_out) {
+        RunProgram({}, [&] {
+            Dial(u"depot");
+            ASSERT_TRUE(TerminalShows("completed authentication"));
+            OnWindowThread([&] {
+                session.settings.confirm_exit = 0;
+                EXPECT_NE(session.ras_connection, nullptr);
+                leave();
+                EXPECT_EQ(session.ras_connection, nullptr);
+                EXPECT_NE(kill(std::stoi(ReadFile(folder + "/process")), 0), 0);
+            });
+            for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+            EXPECT_FALSE(ProgramRuns());
+        });
+    }
 }
 
 TEST_F(Dialling, HangingUpWhatIsNoConnectionIsAnInvalidHandle) {

@@ -18,6 +18,7 @@ class DialUpEntries : public testing::Test {
     void SetUp() override {
         services_test_hooks = ServicesTestHooks();
         services_test_hooks.dial_up_folder = DeviceRoot() + "/peers";
+        services_test_hooks.dial_up_program = "/bin/sh";
         fs::create_directory(services_test_hooks.dial_up_folder);
     }
     void TearDown() override {
@@ -68,6 +69,17 @@ TEST_F(DialUpEntries, NoneAreNoError) {
     fs::remove_all(services_test_hooks.dial_up_folder);
     EXPECT_EQ(0u, Enumerate(5));
     EXPECT_EQ(0u, count);
+}
+
+TEST_F(DialUpEntries, WithoutTheProgramThatDialsNoneIsListed) {
+    Make("provider");
+    services_test_hooks.dial_up_program = services_test_hooks.dial_up_folder + "/pppd";
+    EXPECT_EQ(0u, Enumerate(5));
+    EXPECT_EQ(0u, count);
+    EXPECT_EQ(0u, size);
+    Make("pppd");
+    EXPECT_EQ(0u, Enumerate(5));
+    EXPECT_EQ(2u, count);
 }
 
 TEST_F(DialUpEntries, TooLittleRoomGivesTheSizeAndTheFirst) {
