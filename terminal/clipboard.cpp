@@ -27,7 +27,7 @@ static void CopyText(const ScreenArea& area, WCHAR* to) {
 
 // The clipboard owns the block from then on; a block that it does not take is freed.
 static void HandToClipboard(HLOCAL block) {
-    const bool open = OpenClipboard(session.main_window) != 0;  // without an owner nothing is taken
+    const bool open = OpenClipboard(nullptr) != 0;
     const bool taken = open && EmptyClipboard() && SetClipboardData(CF_UNICODETEXT, block);
     if (open) CloseClipboard();
     if (!taken) LocalFree(block);
@@ -56,7 +56,7 @@ static void SendText(const WCHAR* text, size_t units) {
 }
 
 void PasteClipboard() {
-    if (!OpenClipboard(session.main_window)) return;
+    if (!OpenClipboard(nullptr)) return;
     const HLOCAL block = GetClipboardData(CF_UNICODETEXT);
     const auto* text = block ? static_cast<const WCHAR*>(LocalLock(block)) : nullptr;
     if (text) {
