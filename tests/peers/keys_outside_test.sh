@@ -93,6 +93,17 @@ while read -r key plain shift ctrl both; do
     rows=$((rows + 1))
 done <"$here/keys.table"
 
+# The input panel by mouse: its button at the lower right, then q and Esc, 15 keys wide and five
+# rows of 16 pixels high above the menu bar of 26.
+window=$(xdotool search --name '^Quill Telnet  ' | head -n 1)
+eval "$(xdotool getwindowgeometry --shell "$window" | grep -E '^(X|Y|WIDTH|HEIGHT)=')"
+tap() { xdotool mousemove $((X + $1)) $((Y + $2)) click 1; }
+tap $((WIDTH - 17)) $((HEIGHT - 13))
+sleep 1
+tap $((WIDTH * 2 / 15)) $((HEIGHT - 82))
+tap $((WIDTH / 30)) $((HEIGHT - 98))
+printf 'q\33' >>"$work/expected"
+
 same() { cmp -s "$work/expected" "$work/bytes"; }
 await 20 same || {
     # One line a row, of what was to come and what came.
