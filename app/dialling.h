@@ -4,8 +4,8 @@
 
 #include "windows_ce.h"
 
-// Dials the entry settings.ras and returns at once. Failures to begin are told in a message box with
-// the caption "Error".
+// Dials the entry settings.ras and returns at once. Failures to begin are told in a message box
+// with the caption "Error".
 void StartDial();
 
 // WM_RASDIALEVENT: the state that the dial has reached, and an error code or 0. A connection made

@@ -78,9 +78,8 @@ struct SessionState {
     DWORD save_settings = 1;  // cleared by a reset, so that the exit does not save
 
     // Owner: the dialogs of config/.
-    int dialog_result = 0;  // what the dialog closed last left; -1: it was cancelled
-    DWORD connect_request =
-        0;  // the Connect dialog was closed by OK, the last time that it was shown
+    int dialog_result = 0;      // what the dialog closed last left; -1: it was cancelled
+    DWORD connect_request = 0;  // 1: the Connect dialog shown last was closed by OK
 
     // Owner: telnet/.
     TelnetState telnet;

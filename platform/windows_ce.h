@@ -1,10 +1,11 @@
 // The slice of the Windows CE API that the program is written against: every type, constant and
 // function that it uses, by its real name and with its real value, and nothing else.
 //
-// On Windows platform/win32/windows_ce.h takes this file's place: the system's own headers. Everywhere
-// else the declarations below are met by platform/qt. Shapes, ranges and results are those of the real
-// calls; where the slice does less, the declaration says so, and docs/platform.md lists the state
-// of each call. All calls belong to the thread that owns the windows unless marked [any thread].
+// On Windows platform/win32/windows_ce.h takes this file's place: the system's own headers.
+// Everywhere else the declarations below are met by platform/qt. Shapes, ranges and results are
+// those of the real calls; where the slice does less, the declaration says so, and docs/platform.md
+// lists the state of each call. All calls belong to the thread that owns the windows unless marked
+// [any thread].
 #ifndef QUILL_PLATFORM_WINDOWS_CE_H
 #define QUILL_PLATFORM_WINDOWS_CE_H
 
@@ -524,7 +525,7 @@ BOOL CheckRadioButton(HWND dialog, int first, int last, int checked);  // clears
 #define LB_FINDSTRINGEXACT 0x01A2u  // without case
 
 // Combo boxes.
-#define CBS_DROPDOWN 0x0002u        // with an edit
+#define CBS_DROPDOWN 0x0002u  // with an edit
 #define CBS_DROPDOWNLIST 0x0003u
 #define CBS_AUTOHSCROLL 0x0040u
 #define CBS_SORT 0x0100u
@@ -567,7 +568,7 @@ struct PSHNOTIFY {
 #define PSN_RESET (PSN_FIRST - 3)        // Cancel, likewise
 #define PSN_QUERYCANCEL (PSN_FIRST - 9)  // TRUE: the sheet stays
 #define PSNRET_NOERROR 0
-#define PSNRET_INVALID 1           // the sheet stays, with this page on top
+#define PSNRET_INVALID 1  // the sheet stays, with this page on top
 
 struct PROPSHEETPAGEW {
     DWORD dwSize;
@@ -588,8 +589,8 @@ struct PROPSHEETPAGEW {
     UINT* pcRefParent;
 };
 typedef const PROPSHEETPAGEW* LPCPROPSHEETPAGEW;
-#define PSP_DEFAULT 0x0000u        // the tab shows the template's caption
-#define PSP_USETITLE 0x0008u       // the tab shows pszTitle
+#define PSP_DEFAULT 0x0000u   // the tab shows the template's caption
+#define PSP_USETITLE 0x0008u  // the tab shows pszTitle
 
 struct PROPSHEETHEADERW {
     DWORD dwSize;
@@ -869,8 +870,8 @@ struct RASENTRYNAMEW {
     DWORD dwSize;
     WCHAR szEntryName[RAS_MaxEntryName + 1];
 };
-// The entries are the system's dial-up peers (/etc/ppp/peers). ERROR_BUFFER_TOO_SMALL with the
-// room needed in *size when not all of them fit.
+// The entries are the system's dial-up peers (/etc/ppp/peers); none without the program that dials
+// them. ERROR_BUFFER_TOO_SMALL with the room needed in *size when not all of them fit.
 DWORD RasEnumEntriesW(LPWSTR reserved, LPWSTR phone_book, RASENTRYNAMEW* entries, DWORD* size,
                       DWORD* count);
 

@@ -1,6 +1,7 @@
 #!/bin/sh
 # Every key of keys.table, plain and with its modifiers, struck with xdotool on the running program
-# under Xvfb in a session with inetutils telnetd, whose end keeps the bytes that arrive.
+# under Xvfb in a session with inetutils telnetd, whose end keeps the bytes that arrive; then two keys
+# of the input panel, tapped with the mouse.
 # Exit code 77: not possible here.
 # Usage: keys_outside_test.sh PROGRAM
 set -eu
