@@ -5,11 +5,15 @@ Logs in with triple DES and with DES, with keys of several lengths, with a wrong
 right one, with and without a terminal; runs commands, compares 20,000 lines and exit codes.
 Exit codes: 0 proven, 1 not, 77 the client cannot be had here.
 """
+import hashlib
 import os
 import pathlib
 import subprocess
 import sys
 import tempfile
+
+import server as serving
+import ssh1_wire as wire
 
 HERE = pathlib.Path(__file__).resolve().parent
 OPENSSL_CONF = """openssl_conf = start
@@ -72,6 +76,26 @@ def require(holds, what, *seen):
     if not holds:
         print(*seen, sep="\n")
         sys.exit(1)
+
+
+def encrypt(key, data):
+    """RSA with the padding of block type 2, as a client does it."""
+    block = b"\0\2" + b"\1" * (key.size - 3 - len(data)) + b"\0" + data
+    number = pow(int.from_bytes(block, "big"), key.e, key.n)
+    return number.to_bytes((number.bit_length() + 7) // 8, "big")
+
+
+def prove_session_key():
+    """The client's session key is a number there: one in 256 comes without its leading byte."""
+    host, inner = wire.make_key(1024), wire.make_key(768)
+    connection = serving.Connection(None, None, host, inner)
+    cookie, modulus = bytes(8), [key.n.to_bytes(key.size, "big") for key in (host, inner)]
+    identifier = hashlib.md5(modulus[0] + modulus[1] + cookie).digest()
+    for sent in (bytes(range(1, 33)), bytes(1) + bytes(range(31)), bytes(31) + b"k"):
+        block = encrypt(host, encrypt(inner, sent.lstrip(b"\0")))
+        seen = connection.open_session_key(block, cookie)
+        meant = bytes(a ^ b for a, b in zip(sent, identifier)) + sent[16:]
+        require(seen == meant, "a session key of %d bytes" % len(sent.lstrip(b"\0")), seen, meant)
 
 
 def prove_cipher(client, cipher):
@@ -148,6 +172,7 @@ def prove_options(client):
 def main():
     with tempfile.TemporaryDirectory(prefix="quill-ssh1-") as folder:
         client = Client(folder)
+        prove_session_key()
         for cipher in CIPHER_NUMBERS:
             prove_cipher(client, cipher)
         prove_key_sizes(client)

@@ -121,8 +121,9 @@ class Connection:
         host, server = self.host_key, self.server_key
         outer, inner = (host, server) if host.n > server.n else (server, host)
         key = wire.decrypt(inner, wire.decrypt(outer, block))
-        if len(key) != 32:
+        if len(key) > 32:
             raise Misbehaviour("session key of %d bytes" % len(key))
+        key = key.rjust(32, b"\0")  # it is a number, and some clients leave its leading zeros out
         modulus = [key.n.to_bytes(key.size, "big") for key in (host, server)]
         identifier = hashlib.md5(modulus[0] + modulus[1] + cookie).digest()
         return bytes(a ^ b for a, b in zip(key, identifier)) + key[16:]
