@@ -26,7 +26,10 @@ serve_inside() {
     [ ! -e /run/utmp ] || mount --bind /mnt/utmp /run/utmp
     printf '%s\n' 'auth required pam_unix.so' 'account required pam_unix.so' \
         'session required pam_permit.so' >/etc/pam.d/login
-    useradd -d /mnt/home/visitor -m -s /bin/bash visitor >/dev/null 2>&1
+    useradd -d /mnt/home/visitor -m -s /bin/bash visitor >/mnt/useradd.log 2>&1 || {
+        cat /mnt/useradd.log >&2
+        exit 1
+    }
     echo visitor:warehouse7 | chpasswd
     : >/mnt/home/visitor/.hushlogin
     printf '%s\n' "PS1='\$ '" 'PATH=$PATH:/mnt/peers/usr/bin' 'unset PROMPT_COMMAND' \
@@ -42,7 +45,7 @@ serve_inside() {
     tries=0
     while [ -z "$port" ] && [ $tries -lt 100 ]; do
         sleep 0.05
-        port=$(sed -n 's/.*listening on .*127\.0\.0\.1:\([0-9]*\).*/\1/p' /mnt/socat.log 2>/dev/null)
+        port=$(sed -n 's/.*listening on .*127\.0\.0\.1:\([0-9]*\).*/\1/p' /mnt/socat.log 2>/dev/null) || :
         tries=$((tries + 1))
     done
     [ -n "$port" ] || { cat /mnt/socat.log >&2; exit 1; }
