@@ -76,6 +76,7 @@ void MeasureView() {
     SetUpBar(SB_VERT, session.screen.rows, view.visible_rows);
     SetUpBar(SB_HORZ, session.screen.columns, view.visible_columns);
     PlaceStatusBar();
+    if (view.covered_rows > 0 && session.settings.followcursor) FollowCursor();
 }
 
 void CoverRows(int rows) {

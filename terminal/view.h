@@ -15,7 +15,7 @@ void LayoutTerminal();   // as RepaintTerminal, after the geometry was measured 
 // rows under the input panel and the cell's size, sets both scroll bars up for them, and takes the
 // view back to row 1, column 1. A bar is shown only if fewer cells fit than the screen has; its
 // room is taken from the cells, and the status bar is placed again. The next paint must be a full
-// one.
+// one. While the input panel covers rows, the view then follows the cursor, if it is to follow it.
 void MeasureView();
 
 // The input panel covers that many rows, from 0 on, at the next measuring. None covered any more

@@ -175,6 +175,11 @@ void QueueKey(HWND window, UINT message, WPARAM key, LPARAM flags, const QString
 
 bool QuitPosted() { return g_quit; }
 
+bool MessagesWaiting() {
+    const std::lock_guard<std::mutex> lock(g_posted_mutex);
+    return !g_input.empty() || !g_posted.empty();
+}
+
 void TakeMessagesFor(HWND window) {
     const std::lock_guard<std::mutex> lock(g_posted_mutex);
     g_takers.insert(window);

@@ -20,7 +20,8 @@ struct DrawCall {
 void StartRecording();  // forgets what was recorded
 void StopRecording();
 std::vector<DrawCall> RecordedCalls();
-int PaintCount();  // WM_PAINTs since the program's start
+int PaintCount();        // WM_PAINTs since the program's start
+bool MessagesWaiting();  // posted ones, or input; on the window thread
 int BeepCount();
 UINT LastBeep();
 int SilentKeyCount();  // synthetic keys that only keep the device awake, since the start

@@ -123,6 +123,14 @@ TEST(InputPanel, CoveredRowsWithoutAStatusBar) {
     });
 }
 
+bool CursorAboveThePanel() {
+    UpdateWindow(session.client_window);
+    const int row = session.screen.cursor_row - session.view.view_top;
+    RECT client;
+    GetWindowRect(session.client_window, &client);
+    return client.top + row * session.view.cell_height <= ShellInputPanel()->geometry().top();
+}
+
 TEST(InputPanel, CursorRowStaysOutOfTheCoveredRows) {
     FakeHost host;
     OnSmallDevice(host, [&] {
@@ -130,14 +138,34 @@ TEST(InputPanel, CursorRowStaysOutOfTheCoveredRows) {
         ASSERT_TRUE(Eventually([] { return session.view.covered_rows > 0; }));
         host.Send("\033[24;1Hat the foot");
         ASSERT_TRUE(TerminalShows("at the foot"));
-        EXPECT_TRUE(Eventually([] {
+        EXPECT_TRUE(Eventually(CursorAboveThePanel));
+    });
+}
+
+TEST(InputPanel, CursorRowIsInSightAsSoonAsThePanelIsUp) {
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        host.Send("\033[24;1Hat the foot");
+        ASSERT_TRUE(TerminalShows("at the foot"));
+        TapPanelButton();
+        ASSERT_TRUE(Eventually([] { return session.view.covered_rows > 0; }));
+        EXPECT_TRUE(Eventually(CursorAboveThePanel));
+        EXPECT_NE(DrawnText().find("at the foot"), std::string::npos) << DrawnText();
+    });
+}
+
+TEST(InputPanel, ViewThatDoesNotFollowTheCursorStaysAtTheTop) {
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        OnWindowThread([] { session.settings.followcursor = 0; });
+        host.Send("\033[24;1Hat the foot");
+        ASSERT_TRUE(TerminalShows("at the foot"));
+        TapPanelButton();
+        ASSERT_TRUE(Eventually([] { return session.view.covered_rows > 0; }));
+        OnWindowThread([] {
             UpdateWindow(session.client_window);
-            const int row = session.screen.cursor_row - session.view.view_top;
-            RECT client;
-            GetWindowRect(session.client_window, &client);
-            return client.top + row * session.view.cell_height <=
-                   ShellInputPanel()->geometry().top();
-        }));
+            EXPECT_EQ(session.view.view_top, 0);
+        });
     });
 }
 

@@ -17,7 +17,7 @@ void Do(HWND dialog, int id, const std::function<bool()>& action) {
         EXPECT_TRUE(dialog == ShownDialog() || dialog == ShownPage()) << "another one is on top";
         EXPECT_TRUE(action()) << "control " << id << " is not there, or cannot be worked";
     });
-    OnWindowThread([] {});  // what follows is queued
+    EXPECT_TRUE(Eventually([] { return !MessagesWaiting(); }));  // what follows is queued
 }
 
 const QTabBar* TabsOf(HWND sheet) {

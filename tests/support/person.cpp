@@ -54,6 +54,29 @@ void PressButton(QMessageBox::StandardButton button) {
     Eventually([&] { return box.isNull(); });
 }
 
+// What the person sees, looked at where nothing changes it meanwhile.
+template <typename Result>
+Result Seen(const std::function<Result()>& look) {
+    if (!qApp || qApp->thread() == QThread::currentThread()) return look();
+    Result seen;
+    OnWindowThread([&] { seen = look(); });
+    return seen;
+}
+
+std::string RowOfGrid(int row) {
+    std::string line;
+    for (int column = 1; column <= kScreenColumns; column++)
+        line += static_cast<char>(GetCell(row, column) & 0xff);
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+std::string CaptionOf(HWND window) {
+    WCHAR text[256];
+    GetWindowTextW(window, text, 256);
+    return FromWide(text).toStdString();
+}
+
 }  // namespace
 
 std::string FreshRoot() {
@@ -168,37 +191,32 @@ bool DismissBox(const std::string& expected) {
 }
 
 std::string TerminalRow(int row) {
-    std::string line;
-    for (int column = 1; column <= kScreenColumns; column++)
-        line += static_cast<char>(GetCell(row, column) & 0xff);
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line;
+    return Seen<std::string>([=] { return RowOfGrid(row); });
 }
 
 std::string TerminalText() {
-    std::string text;
-    for (int row = 1; row <= kScreenRows; row++) text += TerminalRow(row) + '\n';
-    return text;
+    return Seen<std::string>([] {
+        std::string text;
+        for (int row = 1; row <= kScreenRows; row++) text += RowOfGrid(row) + '\n';
+        return text;
+    });
 }
 
-std::string DrawnText() { return ScreenText(session.client_window).join('\n').toStdString(); }
+std::string DrawnText() {
+    return Seen<std::string>(
+        [] { return ScreenText(session.client_window).join('\n').toStdString(); });
+}
 
 std::string StatusText() {
-    WCHAR text[256];
-    GetWindowTextW(session.status_window, text, 256);
-    return FromWide(text).toStdString();
+    return Seen<std::string>([] { return CaptionOf(session.status_window); });
 }
 
 std::string Title() {
-    WCHAR text[256];
-    GetWindowTextW(session.main_window, text, 256);
-    return FromWide(text).toStdString();
+    return Seen<std::string>([] { return CaptionOf(session.main_window); });
 }
 
 QImage Picture() {
-    QImage picture;
-    OnWindowThread([&] { picture = DeviceScreen()->grab().toImage(); });
-    return picture;
+    return Seen<QImage>([] { return DeviceScreen()->grab().toImage(); });
 }
 
 bool TerminalShows(const std::string& text) {
