@@ -166,6 +166,18 @@ TEST_F(HotspotTap, WithoutAFirstTapSelectsNothing) {
     EXPECT_EQ(session.screen.selection_active, 0u);
 }
 
+TEST_F(HotspotTap, IsSentAsTypedAndRepainted) {
+    Text(10, " 3. Mail");
+    session.telnet.escape_iac = 1;
+    SendToWindow(WM_LBUTTONDOWN, MK_LBUTTON, Cell(11, 5));
+    program_calls.clear();
+    gdi.invalidations = 0;
+    SendToWindow(WM_LBUTTONDBLCLK, MK_LBUTTON, Cell(11, 5));
+    session.telnet.escape_iac = 0;
+    EXPECT_EQ(program_calls, (Lines{"SessionSend 1 3", "SendVirtualKey 13"}));
+    EXPECT_EQ(gdi.invalidations, 1);
+}
+
 TEST_F(HotspotTap, CharactersCountWhateverTheirAttributes) {
     Text(10, " 3. Mail");
     for (int col = 10; col <= 12; col++)
