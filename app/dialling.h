@@ -15,7 +15,7 @@ void OnDialEvent(WPARAM state, LPARAM error);
 // A line of the dial's, ending in CR LF, into the terminal. Only while a dial is in progress.
 void DialProgress(const char* text);
 
-// Ends the dial or the connection that it made, if there is one, and waits for it.
+// Ends the dial or the connection that it made, if there is one. Does not wait for the modem.
 void HangUpDial();
 
 #endif

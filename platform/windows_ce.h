@@ -903,8 +903,9 @@ DWORD RasGetEntryDialParamsW(LPCWSTR phone_book, RASDIALPARAMSW* parameters, BOO
 // failed; after RASCS_Connected or RASCS_Disconnected no more come.
 DWORD RasDialW(LPVOID extensions, LPCWSTR phone_book, RASDIALPARAMSW* parameters,
                DWORD notifier_type, LPVOID notifier, HRASCONN* connection);
-// Ends the dial, which then reaches RASCS_Disconnected without an error, or the connection that it
-// made, and waits until it has ended, at most some seconds.
+// Ends the dial, of which nothing more is told than RASCS_Disconnected without an error, or the
+// connection that it made. Returns at once: the modem may take some seconds more, and another dial
+// waits for it.
 DWORD RasHangUpW(HRASCONN connection);
 
 // ---------------------------------------------------------------- threads, events, time

@@ -2,6 +2,7 @@
 #include "telnet/session_send.h"
 
 #include "app/session_state.h"
+#include "config/escape_text.h"
 #include "ssh/ssh_session.h"
 
 namespace {
@@ -26,39 +27,6 @@ void SendEscaped(const BYTE* bytes, int length) {
     staging[used++] = kIac;
     staging[used++] = kEor;
     SocketSendAll(staging, used);
-}
-
-// The text's bytes as they are sent: a response as it grows, with the escape under way.
-struct Response {
-    BYTE bytes[kResponseSize];
-    int length;
-    int escape;  // an escape is open
-    int digits;
-    int value;
-};
-
-void Put(Response& response, int byte) {
-    if (response.length < kResponseSize)
-        response.bytes[response.length++] = static_cast<BYTE>(byte);
-}
-
-void EndEscape(Response& response) {
-    if (response.escape) Put(response, response.value);
-    response.escape = response.digits = response.value = 0;
-}
-
-void TakeCharacter(Response& response, char c) {
-    if (response.escape && c >= '0' && c <= '7' && response.digits < 3) {
-        response.value = response.value * 8 + (c - '0');
-        response.digits++;
-        return;
-    }
-    EndEscape(response);
-    if (c == '\\') {
-        response.escape = 1;
-    } else {
-        Put(response, static_cast<BYTE>(c));
-    }
 }
 
 }  // namespace
@@ -86,8 +54,7 @@ void SessionSend(const BYTE* bytes, int length, int escape) {
 }
 
 void SendResponse(const char* text) {
-    Response response = {};
-    for (; *text; text++) TakeCharacter(response, *text);
-    EndEscape(response);
-    SessionSend(response.bytes, response.length, static_cast<int>(session.telnet.escape_iac));
+    BYTE bytes[kResponseSize];
+    const int length = ExpandEscapeText(text, bytes, kResponseSize);
+    SessionSend(bytes, length, static_cast<int>(session.telnet.escape_iac));
 }

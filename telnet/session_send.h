@@ -12,7 +12,7 @@ void SessionSend(const BYTE* bytes, int length, int escape);
 // socket; false as soon as the socket takes no more.
 bool SocketSendAll(const BYTE* bytes, int length);
 
-// Sends 8-bit text in which a backslash and up to three octal digits stand for one byte.
+// Sends what the escape text stands for (config/escape_text.h), at most 256 bytes.
 void SendResponse(const char* text);
 
 #endif

@@ -1,5 +1,6 @@
 // Dialling: the system's pppd calls the entry, in the foreground, as a program of ours. A thread a
-// dial reads its log, tells the window the states, and ends it.
+// dial starts it, reads its log, tells the window the states, and ends it. Hanging up does not wait
+// for that end; the next dial's thread does, before it starts another one at the same modem.
 #include "dial_up.h"
 
 #include <fcntl.h>
@@ -13,14 +14,16 @@
 #include <cerrno>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <system_error>
 #include <thread>
+#include <vector>
 
 #include "dial_log.h"
+#include "slice.h"
 #include "testing_services.h"
 #include "wide_text.h"
-#include "windows_ce.h"
 
 namespace {
 
@@ -31,17 +34,43 @@ constexpr DWORD kKilledMilliseconds = 2000;  // until a program ended by force i
 
 struct DialUp {
     HWND notifier = nullptr;
-    pid_t process = 0;
-    int log = -1;
+    std::string program;
+    std::string entry;
+    DWORD patience = 0;  // milliseconds
+
     std::atomic<bool> hang_up{false};
+    bool told_end = false;           // under g_telling: the last of its states is told
+    std::atomic<bool> ended{false};  // its thread needs nothing more
+    pid_t process = 0;               // of the thread, as the log is
+    int log = -1;
     std::thread thread;
 };
 
 std::map<HRASCONN, std::unique_ptr<DialUp>> g_dials;
+std::vector<std::unique_ptr<DialUp>> g_leaving;  // hung up
 UINT_PTR g_next_dial = 0x10;
+std::mutex g_line;     // held by the dial that has the modem
+std::mutex g_telling;  // held to tell a state, or that no more are told
 
-void Notify(const DialUp& dial, DWORD state, DWORD error) {
+bool IsEnd(DWORD state) { return state == RASCS_Connected || state == RASCS_Disconnected; }
+
+// Nothing is told of a dial that was hung up.
+void Notify(DialUp& dial, DWORD state, DWORD error) {
+    const std::lock_guard<std::mutex> lock(g_telling);
+    if (dial.hang_up) return;
     PostMessageW(dial.notifier, WM_RASDIALEVENT, state, static_cast<LPARAM>(error));
+    dial.told_end = IsEnd(state);
+}
+
+// The window hears the same in any moment of the dial: that it has ended, and of no failure. An
+// end on its way to the window is not the one that the user wanted.
+void TellHangUp(DialUp& dial) {
+    const std::lock_guard<std::mutex> lock(g_telling);
+    dial.hang_up = true;
+    const bool taken_back = DropPosted(dial.notifier, WM_RASDIALEVENT, RASCS_Connected) ||
+                            DropPosted(dial.notifier, WM_RASDIALEVENT, RASCS_Disconnected);
+    if (!dial.told_end || taken_back)
+        PostMessageW(dial.notifier, WM_RASDIALEVENT, RASCS_Disconnected, 0);
 }
 
 // ---------------------------------------------------------------- the thread
@@ -81,7 +110,7 @@ class Ending {
             asked_ = true;
             since_ = now;
             kill(dial.process, SIGTERM);
-        } else if (!forced_ && now - since_ >= DWORD(services_test_hooks.dial_up_patience)) {
+        } else if (!forced_ && now - since_ >= dial.patience) {
             forced_ = true;
             since_ = now;
             kill(-dial.process, SIGKILL);
@@ -102,27 +131,9 @@ int LookAtProcess(const DialUp& dial, bool* running) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-void ServeDial(DialUp& dial) {
-    DialLog log;
-    Ending ending;
-    bool running = true;
-    int exit_code = 0;
-    while (running && ending.Press(dial)) {
-        WaitForLog(dial, &log);
-        exit_code = LookAtProcess(dial, &running);
-    }
-    ReadRest(dial, &log);
-    if (dial.log >= 0) close(dial.log);
-    if (log.connected()) return;
-    Notify(dial, RASCS_Disconnected, dial.hang_up ? 0 : log.ErrorOf(exit_code));
-}
-
-// ---------------------------------------------------------------- start and end
-
 // The name is an argument of its own: no shell sees it.
-int Spawn(const std::string& name, int log, pid_t* process) {
-    const std::string& program = services_test_hooks.dial_up_program;
-    std::string words[] = {program, "call", name, "nodetach"};
+int Spawn(const DialUp& dial, int log, pid_t* process) {
+    std::string words[] = {dial.program, "call", dial.entry, "nodetach"};
     char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(),
                          nullptr};
     posix_spawn_file_actions_t actions;
@@ -135,7 +146,7 @@ int Spawn(const std::string& name, int log, pid_t* process) {
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
     const int error =
-        posix_spawn(process, program.c_str(), &actions, &attributes, arguments, environ);
+        posix_spawn(process, dial.program.c_str(), &actions, &attributes, arguments, environ);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     return error;
@@ -146,11 +157,11 @@ DWORD RasError(int posix_error) {
     return posix_error == EACCES ? ERROR_ACCESS_DENIED : kErrorUnknown;
 }
 
-DWORD StartProgram(const std::string& name, DialUp* dial) {
+DWORD StartProgram(DialUp* dial) {
     int pipe_ends[2];
     if (pipe2(pipe_ends, O_CLOEXEC) != 0) return RasError(errno);
     fcntl(pipe_ends[0], F_SETFL, O_NONBLOCK);
-    const int error = Spawn(name, pipe_ends[1], &dial->process);
+    const int error = Spawn(*dial, pipe_ends[1], &dial->process);
     close(pipe_ends[1]);
     if (error == 0) {
         dial->log = pipe_ends[0];
@@ -160,17 +171,55 @@ DWORD StartProgram(const std::string& name, DialUp* dial) {
     return RasError(error);
 }
 
-// Out of threads: the program that was started has to end again.
+void ReadUntilTheEnd(DialUp& dial) {
+    DialLog log;
+    Ending ending;
+    bool running = true;
+    int exit_code = 0;
+    while (running && ending.Press(dial)) {
+        WaitForLog(dial, &log);
+        exit_code = LookAtProcess(dial, &running);
+    }
+    ReadRest(dial, &log);
+    if (dial.log >= 0) close(dial.log);
+    if (!log.connected()) Notify(dial, RASCS_Disconnected, log.ErrorOf(exit_code));
+}
+
+void Call(DialUp& dial) {
+    if (dial.hang_up) return;  // while it waited for the line
+    if (const DWORD error = StartProgram(&dial)) return Notify(dial, RASCS_Disconnected, error);
+    ReadUntilTheEnd(dial);
+}
+
+void ServeDial(DialUp& dial) {
+    {
+        const std::lock_guard<std::mutex> line(g_line);
+        Call(dial);
+    }
+    dial.ended = true;
+}
+
+// ---------------------------------------------------------------- start and end
+
+// What the program's start would fail with, as far as that can be said beforehand.
+DWORD LookAtProgram(const DialUp& dial) {
+    return access(dial.program.c_str(), X_OK) == 0 ? DWORD{ERROR_SUCCESS} : RasError(errno);
+}
+
 DWORD StartThread(DialUp* dial) {
     try {
         dial->thread = std::thread([dial] { ServeDial(*dial); });
     } catch (const std::system_error&) {
-        kill(-dial->process, SIGKILL);
-        waitpid(dial->process, nullptr, 0);
-        close(dial->log);
         return kErrorUnknown;
     }
     return ERROR_SUCCESS;
+}
+
+void ForgetEnded() {
+    std::erase_if(g_leaving, [](const std::unique_ptr<DialUp>& dial) {
+        if (dial->ended) dial->thread.join();
+        return dial->ended.load();
+    });
 }
 
 }  // namespace
@@ -180,12 +229,15 @@ DWORD RasDialW(LPVOID, LPCWSTR, RASDIALPARAMSW* parameters, DWORD notifier_type,
     BOOL has_password = FALSE;
     if (!connection || notifier_type != kNotifyWindow) return ERROR_INVALID_PARAMETER;
     *connection = nullptr;
+    ForgetEnded();
     if (const DWORD error = RasGetEntryDialParamsW(nullptr, parameters, &has_password))
         return error;
     auto dial = std::make_unique<DialUp>();
     dial->notifier = static_cast<HWND>(notifier);
-    if (const DWORD error = StartProgram(Utf8FromWide(parameters->szEntryName), dial.get()))
-        return error;
+    dial->program = services_test_hooks.dial_up_program;
+    dial->entry = Utf8FromWide(parameters->szEntryName);
+    dial->patience = static_cast<DWORD>(services_test_hooks.dial_up_patience);
+    if (const DWORD error = LookAtProgram(*dial)) return error;
     Notify(*dial, RASCS_OpenPort, 0);
     if (const DWORD error = StartThread(dial.get())) return error;
     *connection = reinterpret_cast<HRASCONN>(g_next_dial += 4);
@@ -194,14 +246,17 @@ DWORD RasDialW(LPVOID, LPCWSTR, RASDIALPARAMSW* parameters, DWORD notifier_type,
 }
 
 DWORD RasHangUpW(HRASCONN connection) {
+    ForgetEnded();
     const auto found = g_dials.find(connection);
     if (found == g_dials.end()) return ERROR_INVALID_HANDLE;
-    found->second->hang_up = true;
-    found->second->thread.join();
+    TellHangUp(*found->second);
+    g_leaving.push_back(std::move(found->second));
     g_dials.erase(found);
     return ERROR_SUCCESS;
 }
 
 void EndDialUps() {
     while (!g_dials.empty()) RasHangUpW(g_dials.begin()->first);
+    for (const std::unique_ptr<DialUp>& dial : g_leaving) dial->thread.join();
+    g_leaving.clear();
 }

@@ -118,8 +118,8 @@ void OpenDevice(const HostOptions& options) {
     DeviceScreen()->resize(options.screen.isEmpty() ? ScreenForTerminal() : options.screen);
 }
 
+// The modem, which may take its time, is waited for when nothing is shown any more.
 void CloseDevice() {
-    EndDialUps();
     DestroyAllWindows();
     StopServingInstances();
     ResetMessages();
@@ -128,4 +128,6 @@ void CloseDevice() {
     ReleaseGdi();
     CloseDeviceScreen();
     CloseRegistry();
+    QGuiApplication::sync();
+    EndDialUps();
 }

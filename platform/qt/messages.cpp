@@ -196,6 +196,13 @@ void ForgetWindowMessages(HWND window) {
     std::erase_if(g_running_timers, [&](const auto& t) { return t.first.first == window; });
 }
 
+bool DropPosted(HWND window, UINT message, WPARAM wparam) {
+    const std::lock_guard<std::mutex> lock(g_posted_mutex);
+    return std::erase_if(g_posted, [&](const MSG& m) {
+               return m.hwnd == window && m.message == message && m.wParam == wparam;
+           }) > 0;
+}
+
 void ResetMessages() {
     {
         const std::lock_guard<std::mutex> lock(g_posted_mutex);

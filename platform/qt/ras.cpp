@@ -42,6 +42,7 @@ std::vector<std::u16string> DialUpNames() {
         const std::string file = row->d_name;
         const std::u16string name = WideFromUtf8(file);
         if (IsBackup(file) || name.size() > RAS_MaxEntryName) continue;
+        if (Utf8FromWide(name) != file) continue;  // the program would be told another name
         if (IsPlainFile(folder + "/" + file)) names.push_back(name);
     }
     closedir(listing);

@@ -80,6 +80,8 @@ void QueueKey(HWND window, UINT message, WPARAM key, LPARAM flags, const QString
 void RunModalLoop(const std::function<bool()>& done);  // dispatches until done or WM_QUIT
 void TakeMessagesFor(HWND window);                     // from now on posts to it are taken
 void ForgetWindowMessages(HWND window);                // and from now on no more
+// Takes posted messages back that nobody has got yet; whether there were any.
+bool DropPosted(HWND window, UINT message, WPARAM wparam);
 void ResetMessages();
 bool QuitPosted();
 

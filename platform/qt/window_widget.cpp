@@ -104,8 +104,10 @@ bool WindowWidget::event(QEvent* event) {
     return true;
 }
 
-// The finger that touches first is the stylus; others do nothing until all are up.
+// The finger that touches first is the stylus; others do nothing until all are up. A touch that
+// begins is the first, even if the end of the one before was never told.
 void WindowWidget::TakeTouch(const QTouchEvent& touch) {
+    if (touch.type() == QEvent::TouchBegin) finger_ = -1;
     for (const QEventPoint& point : touch.points()) {
         if (touch.type() == QEvent::TouchBegin && finger_ < 0) {
             finger_ = point.id();

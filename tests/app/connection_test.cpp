@@ -281,6 +281,8 @@ TEST(Connection, SlowTerminalSlowsTheSocket) {
         size_t sent = 0;
         OnWindowThread([&] {
             const std::string block(65536, 'x');
+            sent += host.TrySend(block);
+            for (int i = 0; i < 2000 && session.receive_ready == 1; i++) Sleep(5);
             for (int idle = 0; idle < 100;) {
                 const size_t n = host.TrySend(block);
                 sent += n;

@@ -1,25 +1,18 @@
 // Mouse and finger on the running program: selection, copy, paste, hotspots.
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <QClipboard>
-#include <QImage>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QPointingDevice>
 #include <QScrollBar>
 #include <QTest>
-#include <QUrl>
 
 #include "app/commands.h"
 #include "app/session_state.h"
 #include "config/toolbars.h"
 #include "platform/qt/testing.h"
-
 #include "resources/resource_ids.h"
 #include "terminal/view.h"
-#include "tests/support/fake_host.h"
-#include "tests/support/person.h"
-#include "tests/support/sessions.h"
+#include "tests/app/clipboard_stage.h"
 #include "tests/terminal/hotspot_rule.h"
 
 namespace {
@@ -72,31 +65,10 @@ bool Selected(int start_row, int start_col, int end_row, int end_col) {
     });
 }
 
-void SetClipboard(const QString& text) {
-    OnWindowThread([&] { QApplication::clipboard()->setText(text); });
-}
-
 std::string ClipboardText() {
     std::string text;
     OnWindowThread([&] { text = QApplication::clipboard()->text().toStdString(); });
     return text;
-}
-
-const auto kCtrlShift = static_cast<int>((Qt::ControlModifier | Qt::ShiftModifier).toInt());
-
-void PressCopy() { PressKey(Qt::Key_C, kCtrlShift); }
-void PressPaste() { PressKey(Qt::Key_V, kCtrlShift); }
-
-// With a session, the view laid out, and that text on the screen.
-void WithText(const std::string& text, const std::function<void(FakeHost&)>& person) {
-    FakeHost host;
-    WithSession(host, [&] {
-        OnWindowThread([] { session.settings.hotspot = 1; });
-        host.Send(text + "\033[24;1Hready");
-        ASSERT_TRUE(TerminalShows("ready"));
-        ASSERT_TRUE(Eventually([] { return session.view.cell_width > 0; }));
-        person(host);
-    });
 }
 
 const char kThreeRows[] = "\033[3;1Hfirst row of text\033[4;1Hsecond\033[5;1Hthe third row";
@@ -220,6 +192,74 @@ TEST(Stylus, SelectingWhileTheHostScrollsIsSafe) {
     });
 }
 
+TEST(Stylus, TheOtherButtonsMarkNothing) {
+    WithText(kThreeRows, [](FakeHost&) {
+        DragCells(3, 3, 5, 8);
+        ASSERT_TRUE(Selected(3, 3, 5, 8));
+        OnWindowThread([] {
+            for (const Qt::MouseButton button : {Qt::RightButton, Qt::MiddleButton}) {
+                QTest::mousePress(Terminal(), button, Qt::NoModifier, Middle(9, 9));
+                QTest::mouseMove(Terminal(), Middle(10, 10));
+                QTest::mouseRelease(Terminal(), button, Qt::NoModifier, Middle(10, 10));
+                QTest::mouseDClick(Terminal(), button, Qt::NoModifier, Middle(11, 11));
+            }
+        });
+        PostToMain(0);
+        EXPECT_TRUE(Selected(3, 3, 5, 8));
+    });
+}
+
+TEST(Stylus, AnotherButtonWhileDraggingDoesNotEndTheDrag) {
+    WithText(kThreeRows, [](FakeHost&) {
+        OnWindowThread([] {
+            Press(Middle(3, 3));
+            MoveTo(Middle(4, 4));
+            QTest::mousePress(Terminal(), Qt::RightButton, Qt::NoModifier, Middle(9, 9));
+            QTest::mouseRelease(Terminal(), Qt::RightButton, Qt::NoModifier, Middle(9, 9));
+            MoveTo(Middle(5, 8));
+            Release(Middle(5, 8));
+        });
+        EXPECT_TRUE(Selected(3, 3, 5, 8));
+    });
+}
+
+TEST(Stylus, AResetOfTheTerminalInTheMiddleOfADragDropsTheSelection) {
+    WithText(kThreeRows, [](FakeHost& host) {
+        OnWindowThread([] {
+            Press(Middle(3, 3));
+            MoveTo(Middle(4, 4));
+        });
+        ASSERT_TRUE(Selected(3, 3, 4, 4));
+        host.Send("\033cgone");
+        ASSERT_TRUE(TerminalShows("gone"));
+        SetClipboard("before");
+        OnWindowThread([] {
+            EXPECT_FALSE(session.screen.selection_active);
+            MoveTo(Middle(5, 8));
+            Release(Middle(5, 8));
+        });
+        PressCopy();
+        OnWindowThread([] { EXPECT_FALSE(session.screen.selection_active); });
+        EXPECT_EQ(ClipboardText(), "before");
+    });
+}
+
+TEST(Stylus, ASelectionKeepsItsCellsThroughFontsSizesAndThePanel) {
+    WithText(kThreeRows, [](FakeHost&) {
+        DragCells(3, 3, 5, 8);
+        ASSERT_TRUE(Selected(3, 3, 5, 8));
+        OnWindowThread([] { RunCommand(IDM_LARGER_FONT); });
+        ResizeDevice(240, 320);
+        PostToMain(WM_SETTINGCHANGE, SPI_SETSIPINFO);
+        EXPECT_TRUE(Selected(3, 3, 5, 8));
+        ResizeDevice(640, 480);
+        OnWindowThread([] { RunCommand(IDM_SMALLER_FONT); });
+        PressCopy();
+        EXPECT_TRUE(Eventually([] { return !session.screen.selection_active; }));
+        EXPECT_EQ(ClipboardText(), "rst ro\ncond  \ne thir\n");
+    });
+}
+
 TEST(Stylus, DraggingOutOfTheWindowSelectsToItsEdge) {
     WithText(kThreeRows, [](FakeHost&) {
         OnWindowThread([] {
@@ -232,127 +272,6 @@ TEST(Stylus, DraggingOutOfTheWindowSelectsToItsEdge) {
         OnWindowThread([] { Release(QPoint(30000, 30000)); });
         PressCopy();
         EXPECT_TRUE(Eventually([] { return QApplication::clipboard()->text().count('\n') == 46; }));
-    });
-}
-
-// ---------------------------------------------------------------- paste
-
-TEST(Paste, SendsTextWithoutLineFeeds) {
-    WithText("", [](FakeHost& host) {
-        SetClipboard("a\r\nb");
-        PressPaste();
-        EXPECT_EQ(host.Read(3), "a\rb");
-        EXPECT_EQ(host.ReadSome(50), "");
-    });
-}
-
-TEST(Paste, LinesOfTheDesktopEndWithACarriageReturn) {
-    WithText("", [](FakeHost& host) {
-        SetClipboard("one\ntwo\r\nthree\rfour\n\nfive");
-        PressPaste();
-        EXPECT_EQ(host.Read(24), "one\rtwo\rthree\rfour\r\rfive");
-        EXPECT_EQ(host.ReadSome(50), "");
-    });
-}
-
-TEST(Paste, CharactersAbove255AreCutToTheirLowByte) {
-    WithText("", [](FakeHost& host) {
-        SetClipboard(QString::fromUtf8("é€中"));
-        PressPaste();
-        EXPECT_EQ(host.Read(3), "\xe9\xac\x2d");
-    });
-}
-
-TEST(Paste, APictureFilesAndNothingSendNothing) {
-    WithText("", [](FakeHost& host) {
-        OnWindowThread(
-            [] { QApplication::clipboard()->setImage(QImage(9, 9, QImage::Format_RGB32)); });
-        PressPaste();
-        OnWindowThread([] {
-            auto* files = new QMimeData;
-            files->setUrls({QUrl("file:///tmp/report.txt")});
-            QApplication::clipboard()->setMimeData(files);
-        });
-        PressPaste();
-        OnWindowThread([] { QApplication::clipboard()->clear(); });
-        PressPaste();
-        TypeText("x");
-        EXPECT_EQ(host.Read(1), "x");
-        EXPECT_EQ(host.ReadSome(50), "");
-    });
-}
-
-TEST(Paste, OfflineSendsNothing) {
-    RunProgram({}, [] {
-        SetClipboard("text");
-        OnWindowThread([] { RunCommand(40019); });
-        OnWindowThread([] {
-            EXPECT_TRUE(OpenClipboard(nullptr)) << "it was closed again";
-            CloseClipboard();
-        });
-    });
-}
-
-TEST(Paste, AClipboardInUseSendsNothing) {
-    WithText("", [](FakeHost& host) {
-        SetClipboard("text");
-        OnWindowThread([] {
-            EXPECT_TRUE(OpenClipboard(nullptr));
-            RunCommand(40019);
-            CloseClipboard();
-        });
-        EXPECT_EQ(host.ReadSome(50), "");
-    });
-}
-
-QString ManyLines(int bytes) {
-    QString text;
-    for (int line = 0; text.size() < bytes; line++) text += QString("line %1 of many\n").arg(line);
-    text.truncate(bytes);
-    return text;
-}
-
-std::string AsSent(const QString& text) { return QString(text).replace('\n', '\r').toStdString(); }
-
-// Its side of the connection takes little before it reads.
-void KeepLittle(const FakeHost& host) {
-    const int bytes = 8192;
-    ::setsockopt(host.listener, SOL_SOCKET, SO_RCVBUF, &bytes, sizeof(bytes));
-}
-
-TEST(Paste, AMegabyteArrivesWholeAtAHostThatReadsSlowly) {
-    FakeHost host;
-    KeepLittle(host);
-    WithSession(host, [&] {
-        const QString text = ManyLines(1 << 20);
-        SetClipboard(text);
-        PressPaste();
-        std::string received;
-        while (received.size() < static_cast<size_t>(text.size())) {
-            const std::string piece = host.Read(16384, 2000);
-            if (piece.empty()) break;
-            received += piece;
-            Sleep(2);
-        }
-        EXPECT_TRUE(received == AsSent(text)) << received.size() << " bytes";
-        EXPECT_EQ(host.ReadSome(50), "");
-        TypeText("x");
-        EXPECT_EQ(host.Read(1), "x");
-    });
-}
-
-TEST(Paste, TenMegabytesToAHostThatDoesNotReadLeaveTheProgramAlive) {
-    FakeHost host;
-    KeepLittle(host);
-    WithSession(host, [&] {
-        SetClipboard(ManyLines(10 << 20));
-        PressPaste();
-        host.Send("\r\nthe host still talks");
-        EXPECT_TRUE(Eventually(
-            [] { return TerminalText().find("still talks") != std::string::npos; }, 60000));
-        OnWindowThread([] { session.settings.confirm_exit = 0; });
-        PostToMain(WM_COMMAND, 40011);
-        EXPECT_TRUE(Offline());
     });
 }
 
@@ -495,6 +414,19 @@ TEST(Finger, OnAScrollBarScrolls) {
         Touch([&](auto& f) { f.release(0, low(), bar); });
         EXPECT_TRUE(Eventually([] { return session.view.view_top > 0; }));
         OnWindowThread([] { EXPECT_EQ(session.screen.selection_active, 0u); });
+    });
+}
+
+// A desktop that takes a touch away half way, as when a box opens under the finger.
+TEST(Finger, ATouchWhoseEndGotLostDoesNotBlockTheNext) {
+    WithText(kThreeRows, [](FakeHost&) {
+        Touch([](auto& f) { f.press(0, Middle(3, 3), Terminal()); });
+        EXPECT_TRUE(Selected(3, 3, 3, 3));
+        Touch([](auto& f) { f.press(1, Middle(12, 20), Terminal()); });
+        EXPECT_TRUE(Selected(12, 20, 12, 20));
+        Touch([](auto& f) { f.move(1, Middle(13, 30), Terminal()); });
+        EXPECT_TRUE(Selected(12, 20, 13, 30));
+        Touch([](auto& f) { f.release(1, Middle(13, 30), Terminal()); });
     });
 }
 

@@ -32,12 +32,13 @@ has_line() { [ "$(wc -l <"$1")" -ge 1 ]; }
 received() { cmp -s "$work/received" "$1"; }
 listening() { grep -q 'listening on' "$work/log"; }
 
-# own FILE: xclip offers it.
+# own FILE [TYPE]: xclip offers it, and nobody else does.
+offered() { timeout 5 xclip -selection clipboard -t "$2" -o 2>/dev/null | cmp -s - "$1"; }
 own() {
     [ -z "$owner" ] || { kill -KILL "$owner"; wait "$owner" 2>/dev/null || :; }
-    xclip -quiet -selection clipboard -i "$1" 2>/dev/null &
+    xclip -quiet -selection clipboard -t "${2:-UTF8_STRING}" -i "$1" 2>/dev/null &
     owner=$!
-    sleep 0.5
+    await 20 "xclip does not offer $1" offered "$1" "${2:-UTF8_STRING}"
 }
 paste_key() { xdotool key ctrl+shift+v; }
 
@@ -86,10 +87,7 @@ await 60 "the host did not get the whole megabyte" received "$work/expected"
 
 # A picture is nothing to send.
 printf 'P6 1 1 255 abc' >"$work/picture"
-kill -KILL "$owner"
-xclip -quiet -selection clipboard -t image/png -i "$work/picture" 2>/dev/null &
-owner=$!
-sleep 0.5
+own "$work/picture" image/png
 paste_key
 
 # An owner that does not answer holds the program up for seconds, not for ever.

@@ -8,16 +8,17 @@ set -u
 
 running=
 hang_up() {
-    [ -z "$running" ] || kill "$running" 2>/dev/null
+    [ -z "$running" ] || { kill "$running" 2>/dev/null; wait "$running"; }
     echo "Terminating on signal 15"
-    "$QUILL_CHAT" -t 2 '' '\d+++\d\c' OK ATH OK <"$QUILL_MODEM" >"$QUILL_MODEM"
+    # A time-out no longer than what \d waits would end chat before the modem has answered.
+    "$QUILL_CHAT" -t 20 '' '\d+++\d\c' OK ATH OK <"$QUILL_MODEM" >"$QUILL_MODEM"
     echo "Exit."
     exit 5
 }
 trap hang_up TERM
 
 stty raw -echo <"$QUILL_MODEM" || { echo "Failed to open $QUILL_MODEM"; exit 7; }
-"$QUILL_CHAT" -s -v -t 5 ABORT BUSY ABORT 'NO CARRIER' ABORT 'NO ANSWER' ABORT 'NO DIALTONE' \
+"$QUILL_CHAT" -s -v -t 45 ABORT BUSY ABORT 'NO CARRIER' ABORT 'NO ANSWER' ABORT 'NO DIALTONE' \
     '' ATZ OK ATDT5551234 CONNECT <"$QUILL_MODEM" >"$QUILL_MODEM" &
 running=$!
 wait $running || { echo "Connect script failed"; exit 8; }

@@ -9,18 +9,23 @@ namespace {
 
 int Number(intptr_t socket) { return static_cast<int>(socket); }
 
-}  // namespace
-
-LoopbackPeer::LoopbackPeer() {
-    listening_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+intptr_t Bind(uint16_t* port) {
+    const int bound = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof(address);
-    bind(Number(listening_), reinterpret_cast<sockaddr*>(&address), size);
+    bind(bound, reinterpret_cast<sockaddr*>(&address), size);
+    getsockname(bound, reinterpret_cast<sockaddr*>(&address), &size);
+    *port = ntohs(address.sin_port);
+    return bound;
+}
+
+}  // namespace
+
+LoopbackPeer::LoopbackPeer() {
+    listening_ = Bind(&port_);
     listen(Number(listening_), 16);
-    getsockname(Number(listening_), reinterpret_cast<sockaddr*>(&address), &size);
-    port_ = ntohs(address.sin_port);
 }
 
 LoopbackPeer::~LoopbackPeer() {
@@ -77,4 +82,9 @@ void LoopbackPeer::StopListening() {
     listening_ = -1;
 }
 
-uint16_t UnusedPort() { return LoopbackPeer().port(); }
+// Bound for the rest of the run, so that nobody else comes to listen there.
+uint16_t UnusedPort() {
+    static uint16_t port = 0;
+    static const intptr_t kBound = Bind(&port);
+    return kBound < 0 ? uint16_t{0} : port;
+}

@@ -104,6 +104,26 @@ TEST_F(DialUpEntries, BackupsHiddenFilesAndLongNamesAreNone) {
     EXPECT_EQ(u"name-of-20-character", Name(0));
 }
 
+// Its name could not be given to the program as it is.
+TEST_F(DialUpEntries, AFileWhoseNameIsNoTextIsNone) {
+    Make("caf\xe9");
+    Make("caf\xc3\xa9");
+    EXPECT_EQ(0u, Enumerate(5));
+    ASSERT_EQ(1u, count);
+    EXPECT_EQ(u"caf\u00e9", Name(0));
+    EXPECT_EQ(623u, Fetch(u"caf\ufffd"));
+}
+
+TEST_F(DialUpEntries, OddNamesArePlainOnes) {
+    const std::pair<const char*, const char16_t*> names[] = {
+        {"\nline", u"\nline"}, {" ", u" "},       {"%s%n", u"%s%n"}, {"-x", u"-x"},
+        {"..x", u"..x"},       {"a..b", u"a..b"}, {"\\", u"\\"},     {"'\"", u"'\""}};
+    for (const auto& [file, name] : names) {
+        Make(file);
+        EXPECT_EQ(file[0] == '.' ? 623u : 0u, Fetch(name)) << file;
+    }
+}
+
 TEST_F(DialUpEntries, WrongStructureSizeIsRefused) {
     RASENTRYNAMEW entry = {};
     size = sizeof(entry);

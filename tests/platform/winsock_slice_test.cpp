@@ -58,7 +58,7 @@ int SelectForReading(SOCKET number) {
     FD_ZERO(&except);
     FD_SET(number, &read);
     FD_SET(number, &except);
-    TIMEVAL timeout = {20, 0};
+    TIMEVAL timeout = {100, 0};
     return select(0, &read, nullptr, &except, &timeout);
 }
 
@@ -108,7 +108,7 @@ size_t Threads() {
 
 // Threads go a moment after they have let go of all else.
 bool ThreadsBecome(size_t count) {
-    for (int i = 0; i < 500 && Threads() != count; i++) Sleep(10);
+    for (int i = 0; i < 3000 && Threads() != count; i++) Sleep(10);
     return Threads() == count;
 }
 

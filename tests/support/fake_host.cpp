@@ -12,14 +12,13 @@
 
 namespace {
 
-int Listen(int* port) {
+int Bind(int* port) {
     const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof(address);
     ::bind(fd, reinterpret_cast<sockaddr*>(&address), size);
-    ::listen(fd, 16);
     ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size);
     *port = ntohs(address.sin_port);
     return fd;
@@ -38,7 +37,10 @@ int Left(std::chrono::steady_clock::time_point end) {
 
 }  // namespace
 
-FakeHost::FakeHost() { listener = Listen(&port); }
+FakeHost::FakeHost() {
+    listener = Bind(&port);
+    ::listen(listener, 16);
+}
 
 FakeHost::~FakeHost() {
     Drop();
@@ -112,8 +114,9 @@ std::string FakeHost::Config(const std::string& more) const {
     return "host = \"127.0.0.1\"\nport = " + std::to_string(port) + "\nautoconnect = 1\n" + more;
 }
 
+// Bound for the rest of the run, so that nobody else comes to listen there.
 int RefusingPort() {
-    int port = 0;
-    ::close(Listen(&port));
-    return port;
+    static int port = 0;
+    static const int kBound = Bind(&port);
+    return kBound < 0 ? 0 : port;
 }

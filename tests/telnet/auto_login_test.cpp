@@ -119,6 +119,58 @@ TEST(AutoLogin, FoundAtTheEndsOfTheChunkAndAfterAZeroByte) {
     }
 }
 
+TEST(AutoLogin, FoundAtEveryPlaceOfAFullChunk) {
+    for (size_t place = 0; place <= kReceiveSize - 4; place++) {
+        NewLogin("ogin", "name");
+        std::string chunk(kReceiveSize, '.');
+        chunk.replace(place, 4, "ogin");
+        Receive(chunk);
+        ASSERT_EQ(Sent(), "name") << place;
+    }
+}
+
+TEST(AutoLogin, CutAnywhereBetweenFullChunksIsNotFound) {
+    for (size_t before = 1; before < 4; before++) {
+        NewLogin("ogin", "name");
+        const std::string search = "ogin";
+        Receive(std::string(kReceiveSize - before, '.') + search.substr(0, before));
+        Receive(search.substr(before) + std::string(kReceiveSize - 4 + before, '.'));
+        EXPECT_EQ(Sent(), "") << before;
+    }
+}
+
+TEST(AutoLogin, TextLongerThanTheChunkIsNotFound) {
+    NewLogin("a longer text than the chunk", "name");
+    Receive("a longer text than the chun");
+    EXPECT_EQ(Sent(), "");
+}
+
+TEST(AutoLogin, ZerosInTheChunkHideNothingAndMatchNothing) {
+    NewLogin("ogin", "name");
+    Receive(std::string(kReceiveSize, '\0'));
+    Receive(std::string("og\0in", 5));
+    EXPECT_EQ(Sent(), "");
+    Receive(std::string(kReceiveSize - 4, '\0') + "ogin");
+    EXPECT_EQ(Sent(), "name");
+}
+
+TEST(AutoLogin, EscapesInTheSearchTextAreNotExpanded) {
+    NewLogin("\\007", "name");
+    Receive("\a");
+    EXPECT_EQ(Sent(), "");
+    Receive("\\007");
+    EXPECT_EQ(Sent(), "name");
+}
+
+TEST(AutoLogin, ResponseOfEscapesAloneFillsTheSettingToItsEnd) {
+    NewLogin("ogin", "\\377\\377\\377\\377\\377\\377\\377\\377\\377\\01");
+    Receive("login");
+    EXPECT_EQ(Sent(), std::string(9, '\xFF') + "\x01");
+    NewLogin("ogin", std::string(kSettingUnits - 1, '\\').c_str());
+    Receive("login");
+    EXPECT_EQ(Sent(), std::string(kSettingUnits - 1, '\0'));
+}
+
 TEST(AutoLogin, ChunkOfCommandsAloneIsNotSearched) {
     NewLogin("\xFF", "name");
     Receive(Iac(252, 5));

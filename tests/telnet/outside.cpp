@@ -51,6 +51,7 @@ void TerminalWrite(const BYTE* bytes, int count) {
     Happened('W');
     outside.terminal_writes++;
     outside.display.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
+    if (outside.socket_after_write) session.socket = outside.socket_after_write;
 }
 
 void SshTakeChunk(const BYTE* bytes, int count) {

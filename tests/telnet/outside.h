@@ -21,8 +21,9 @@ struct Outside {
     int terminal_writes = 0;  // calls of TerminalWrite
     int replies_taken = 0;    // the terminal answers to each ENQ
     int refreshes = 0;
-    int closed = 0;  // calls of SessionClosed
-    int wakes = 0;   // calls of WakeReceiveThread
+    int closed = 0;                 // calls of SessionClosed
+    int wakes = 0;                  // calls of WakeReceiveThread
+    SOCKET socket_after_write = 0;  // what the session has then; 0: the same
 };
 extern Outside outside;
 

@@ -38,6 +38,21 @@ TEST(SocketEvent, CommandsAreTakenOutOfTheData) {
     ExpectHandedBack();
 }
 
+TEST(SocketEvent, BufferOfASessionThatEndsMeanwhileIsHandedBack) {
+    NewSession();
+    outside.socket_after_write = INVALID_SOCKET;
+    Receive("text");
+    ExpectHandedBack();
+}
+
+TEST(SocketEvent, BufferOfANewSessionIsNotHandedBackForTheOldOne) {
+    NewSession();
+    outside.socket_after_write = session.socket + 4;
+    Receive("text");
+    EXPECT_EQ(session.receive_ready.load(), 0u);
+    EXPECT_EQ(outside.wakes, 0);
+}
+
 TEST(SocketEvent, ChunkOfNegotiationAloneShowsNothingAndChecksNoLogin) {
     NewSession();
     SetText(session.settings.sear1, "\xFF");

@@ -143,6 +143,35 @@ TEST(Trace, SubnegotiationOf80BytesIsOneLine) {
     EXPECT_EQ(Subnegotiation("\x1F" + std::string(300, '\xFF')), line + " SE\n\r");
 }
 
+void ReceiveAll(const std::string& bytes) {
+    for (size_t i = 0; i < bytes.size(); i += kReceiveSize) Receive(bytes.substr(i, kReceiveSize));
+}
+
+// What is kept of it: the option and 79 bytes, of which the last one shown is the one before the
+// last.
+std::string LineOfPayload(const std::string& payload) {
+    const std::string kept = ("\x1F" + payload + "\xFF").substr(0, 80);
+    std::string line = "HOST: IAC SB  31";
+    for (size_t i = 1; kept.size() >= 3 && i + 1 < kept.size(); i++)
+        line += " " + std::to_string(static_cast<BYTE>(kept[i]));
+    return line + " SE\n\r";
+}
+
+TEST(Trace, SubnegotiationsOfEveryLengthCutAnywhere) {
+    for (size_t length : {0u, 1u, 2u, 77u, 78u, 79u, 80u, 81u, 82u, 5000u}) {
+        std::string payload;
+        for (size_t i = 0; i < length; i++) payload += static_cast<char>(i % 200 + 1);
+        const std::string bytes = "\xFF\xFA\x1F" + payload + "\xFF\xF0x";
+        for (size_t cut = 0; cut <= bytes.size(); cut += length > 100 ? 97 : 1) {
+            NewTracedSession();
+            ReceiveAll(bytes.substr(0, cut));
+            ReceiveAll(bytes.substr(cut));
+            ASSERT_EQ(Shown(), LineOfPayload(payload) + "x") << length << " cut at " << cut;
+            ASSERT_EQ(Sent(), "");
+        }
+    }
+}
+
 TEST(Trace, TerminalTypeOfFullLengthIsShownWhole) {
     NewTracedSession();
     const std::string name(kSettingUnits - 1, 'n');

@@ -166,11 +166,58 @@ TEST_F(HotspotTap, WithoutAFirstTapSelectsNothing) {
     EXPECT_EQ(session.screen.selection_active, 0u);
 }
 
+TEST_F(HotspotTap, IsSentAsTypedAndRepainted) {
+    Text(10, " 3. Mail");
+    session.telnet.escape_iac = 1;
+    SendToWindow(WM_LBUTTONDOWN, MK_LBUTTON, Cell(11, 5));
+    program_calls.clear();
+    gdi.invalidations = 0;
+    SendToWindow(WM_LBUTTONDBLCLK, MK_LBUTTON, Cell(11, 5));
+    session.telnet.escape_iac = 0;
+    EXPECT_EQ(program_calls, (Lines{"SessionSend 1 3", "SendVirtualKey 13"}));
+    EXPECT_EQ(gdi.invalidations, 1);
+}
+
 TEST_F(HotspotTap, CharactersCountWhateverTheirAttributes) {
     Text(10, " 3. Mail");
     for (int col = 10; col <= 12; col++)
         SetCell(5, col, GetCell(5, col) | kCellReverse | kCellBold | kCellGraphic);
     EXPECT_EQ(Tap(11), "3<Enter>");
+}
+
+TEST_F(HotspotTap, InALineDrawingRowTheBytesCount) {
+    Text(10, " 7. q");
+    for (int col = 1; col <= 80; col++) SetCell(5, col, GetCell(5, col) | kCellGraphic);
+    EXPECT_EQ(Tap(10), "7<Enter>");
+    EXPECT_EQ(Tap(11), "7<Enter>");
+}
+
+// Its characters are drawn at twice their column; the tap goes by the screen's cells.
+TEST_F(HotspotTap, InADoubleWidthRowGoesByTheScreensCells) {
+    Text(10, " 3. Mail");
+    SetDoubleWidth(5);
+    EXPECT_EQ(Tap(11), "3<Enter>");
+    EXPECT_EQ(Tap(21), "") << "where the digit is drawn";
+}
+
+TEST_F(HotspotTap, NumbersOfEveryLengthAtTheRowsEdges) {
+    for (int digits = 1; digits <= 80; digits++) {
+        for (const int first : {1, 2, 3, 81 - digits - 1, 81 - digits}) {
+            if (first < 1 || first + digits > 82) continue;
+            std::string line(90, ' ');
+            const std::string number = std::string(static_cast<size_t>(digits), '4') + ".";
+            line.replace(static_cast<size_t>(first), number.size(), number);
+            line.replace(81, 9, 9, ' ');
+            FillLine(5, kBlank, 0);
+            for (int col = 1; col <= 80; col++)
+                SetCell(5, col, static_cast<BYTE>(line[static_cast<size_t>(col)]));
+            for (int col = 1; col <= 80; col++) {
+                const std::string rule = HotspotRule(line, col);
+                ASSERT_EQ(Tap(col), rule.empty() ? rule : rule + "<Enter>")
+                    << digits << " digits from column " << first << ", tapped on " << col;
+            }
+        }
+    }
 }
 
 TEST_F(HotspotTap, InAScrolledView) {

@@ -283,6 +283,15 @@ TEST_F(Stylus, PasteEndsAtTheZeroOrWhereTheBlockEnds) {
     EXPECT_EQ(Pasted(u"abcd"), "abcd");
 }
 
+TEST_F(Stylus, PasteIsSentAsTyped) {
+    session.telnet.escape_iac = 1;
+    clipboard.has_text = true;
+    clipboard.text = u"a\nb";
+    PasteClipboard();
+    session.telnet.escape_iac = 0;
+    EXPECT_EQ(program_calls, (Lines{"SessionSend 1 a", "SessionSend 1 b"}));
+}
+
 TEST_F(Stylus, PasteOfNothingSendsNothing) {
     PasteClipboard();
     EXPECT_EQ(Sent(), "");

@@ -1,0 +1,273 @@
+// Hanging up: dials and links that the user ends, or that another dial or the program's end does.
+#include "app/commands.h"
+#include "app/connection.h"
+#include "app/dialling.h"
+#include "config/toolbars.h"
+#include "resources/resource_ids.h"
+#include "tests/app/dial_stage.h"
+#include "tests/support/fake_host.h"
+
+namespace {
+
+class HangUp : public Dialling {};
+
+TEST_F(HangUp, TheConnectCommandHangsUpASilentDialAndNothingElse) {
+    MakeEntry("depot");
+    MakeProgram("while :; do sleep 0.02; done\n", kEnds);
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Dial(u"depot");
+        ASSERT_TRUE(TerminalShows("Open port"));
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(FileAppears(folder + "/ended"));
+        EXPECT_TRUE(ProgramGone());
+        EXPECT_TRUE(TerminalShows("Open port\nDisconnection or failed connection\n"));
+        EXPECT_EQ(AwaitBox(200), "") << "the user's own end is no failure";
+        OnWindowThread([] { EXPECT_EQ(session.ras_connection, nullptr); });
+        EXPECT_FALSE(host.Accept(100));
+        Connect();
+        EXPECT_TRUE(host.Accept());
+    });
+}
+
+TEST_F(HangUp, TheToolbarsConnectButtonAbortsTheDialWithALine) {
+    MakeEntry("depot");
+    MakeProgram("while :; do sleep 0.02; done\n");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(TerminalShows("Open port"));
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        OnWindowThread([] {
+            WORD button = 0;
+            while (ToolbarAction(button, session.toolbar) != kActionConnect) button++;
+            RunCommand(static_cast<WORD>(IDM_TOOLBAR_FIRST + button));
+        });
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(ProgramGone());
+        EXPECT_TRUE(
+            TerminalShows("Open port\nAbort modem dialing\nDisconnection or failed connection\n"));
+    });
+}
+
+TEST_F(HangUp, AProgramThatDoesNotEndIsEndedByForce) {
+    MakeEntry("depot");
+    MakeProgram("while :; do sleep 0.02; done\n", "");
+    services_test_hooks.dial_up_patience = 300;
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(ProgramGone());
+        EXPECT_EQ(AwaitBox(100), "");
+    });
+}
+
+TEST_F(HangUp, DiallingAgainHangsUpTheLinkBefore) {
+    MakeEntry("depot");
+    MakeProgram(kUp, kEnds);
+    Let("go");
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Dial(u"depot");
+        ASSERT_TRUE(host.Accept());
+        const std::string first = ReadFile(folder + "/process");
+        fs::remove(folder + "/process");
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        EXPECT_NE(ReadFile(folder + "/process"), first);
+        EXPECT_NE(kill(std::stoi(first), 0), 0);
+        EXPECT_TRUE(NotDialling());
+    });
+}
+
+TEST_F(HangUp, DiallingAgainWhileDiallingLeavesTheNewDialInProgress) {
+    MakeEntry("depot");
+    MakeProgram("await go\necho 'Serial connection established.'\nwhile :; do sleep 0.02; done\n");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(TerminalShows("Open port"));
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        const std::string first = ReadFile(folder + "/process");
+        fs::remove(folder + "/process");
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        EXPECT_NE(kill(std::stoi(first), 0), 0);
+        Let("go");
+        EXPECT_TRUE(TerminalShows("Open port\nA device has connected successfully\n"));
+        OnWindowThread([] { EXPECT_EQ(session.dialling, 1u) << "the end was the first dial's"; });
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(ProgramGone());
+    });
+}
+
+// The device's own end, which hangs up as well, comes after the person's.
+TEST_F(HangUp, EveryWayOutHangsUpBeforeTheProgramEnds) {
+    MakeEntry("depot");
+    MakeProgram(kUp, kEnds);
+    void (*const ways_out[])() = {[] { RunCommand(IDM_EXIT); },
+                                  [] {
+                                      session.settings.xbox = 1;
+                                      CloseByMinimising();
+                                  },
+                                  [] {
+                                      session.settings.exit_dis = 1;
+                                      session.connected = 1;
+                                      SessionClosed();
+                                  }};
+    for (void (*const leave)() : ways_out) {
+        RunProgram({}, [&] {
+            Dial(u"depot");
+            ASSERT_TRUE(TerminalShows("completed authentication"));
+            OnWindowThread([&] {
+                session.settings.confirm_exit = 0;
+                EXPECT_NE(session.ras_connection, nullptr);
+                leave();
+                EXPECT_EQ(session.ras_connection, nullptr);
+            });
+            EXPECT_TRUE(ProgramGone()) << "before the device's own end";
+            for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+            EXPECT_FALSE(ProgramRuns());
+        });
+    }
+}
+
+// ---------------------------------------------------------------- hanging up and going on
+
+TEST_F(HangUp, HangingUpDoesNotWaitForAProgramThatTakesItsTime) {
+    MakeEntry("depot");
+    MakeProgram("await leave\nexit 5\n", ": >asked");
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        PostToMain(WM_COMMAND, IDM_CONNECT);
+        EXPECT_TRUE(TerminalShows("Open port\nDisconnection or failed connection\n"));
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(FileAppears(folder + "/asked"));
+        Connect();
+        EXPECT_TRUE(host.Accept()) << "over a network that has come up meanwhile";
+        host.Send("login: ");
+        EXPECT_TRUE(TerminalShows("login:"));
+        EXPECT_TRUE(ProgramLives()) << "all of this was before its end";
+        Let("leave");
+        EXPECT_TRUE(ProgramGone());
+    });
+}
+
+TEST_F(HangUp, ADialAfterAHangUpWaitsForTheLine) {
+    MakeEntry("depot");
+    MakeProgram("await leave\nexit 5\n", ": >asked");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        PostToMain(WM_COMMAND, IDM_CONNECT);
+        ASSERT_TRUE(NotDialling());
+        fs::remove(folder + "/arguments");
+        Dial(u"depot");
+        ASSERT_TRUE(Dialled());
+        EXPECT_TRUE(TerminalShows("connection\nOpen port\n"));
+        ASSERT_TRUE(FileAppears(folder + "/asked"));
+        EXPECT_FALSE(fs::exists(folder + "/arguments")) << "two programs at one modem";
+        EXPECT_TRUE(ProgramLives());
+        Let("leave");
+        EXPECT_TRUE(FileAppears(folder + "/arguments"));
+        EXPECT_EQ(AwaitBox(), kFailed) << "the new dial's own end, by exit code 5";
+        PressOk();
+    });
+}
+
+TEST_F(HangUp, ADialThatIsHungUpWhileItWaitsForTheLineNeverStarts) {
+    MakeEntry("depot");
+    MakeProgram("await leave\nexit 5\n", ": >asked");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        PostToMain(WM_COMMAND, IDM_CONNECT);
+        ASSERT_TRUE(NotDialling());
+        fs::remove(folder + "/arguments");
+        for (int i = 0; i < 3; i++) {
+            Dial(u"depot");
+            ASSERT_TRUE(Dialled());
+            PostToMain(WM_COMMAND, IDM_CONNECT);
+            ASSERT_TRUE(NotDialling());
+        }
+        Let("leave");
+        EXPECT_TRUE(ProgramGone());
+    });
+    EXPECT_FALSE(fs::exists(folder + "/arguments"));
+}
+
+TEST_F(HangUp, AConnectionMadeInTheMomentOfTheHangUpBeginsNoSession) {
+    MakeEntry("depot");
+    MakeProgram("await go\necho 'local  IP address 10.0.0.2'\nawait leave\n");
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        ASSERT_TRUE(TerminalShows("Open port"));
+        OnWindowThread([&] {
+            Let("go");
+            MSG next = {};
+            for (int i = 0; i < 2000 && next.message != WM_RASDIALEVENT; i++) {
+                PeekMessageW(&next, session.main_window, WM_RASDIALEVENT, WM_RASDIALEVENT, 0);
+                Sleep(5);
+            }
+            EXPECT_EQ(next.wParam, WPARAM{RASCS_Connected});
+            RunCommand(IDM_CONNECT);
+        });
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(TerminalShows("Open port\nDisconnection or failed connection\n"));
+        EXPECT_FALSE(host.Accept(100));
+        OnWindowThread([] { EXPECT_EQ(session.connect_pending, 0u); });
+        EXPECT_TRUE(ProgramGone());
+    });
+}
+
+TEST_F(HangUp, AFailureInTheMomentOfTheHangUpIsNotTold) {
+    MakeEntry("depot");
+    MakeProgram("await go\nexit 1\n");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        ASSERT_TRUE(TerminalShows("Open port"));
+        OnWindowThread([&] {
+            Let("go");
+            MSG next = {};
+            for (int i = 0; i < 2000 && next.message != WM_RASDIALEVENT; i++) {
+                PeekMessageW(&next, session.main_window, WM_RASDIALEVENT, WM_RASDIALEVENT, 0);
+                Sleep(5);
+            }
+            EXPECT_EQ(next.wParam, WPARAM{RASCS_Disconnected});
+            RunCommand(IDM_CONNECT);
+        });
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(TerminalShows("Open port\nDisconnection or failed connection\n"));
+        EXPECT_EQ(AwaitBox(100), "");
+    });
+}
+
+TEST_F(HangUp, LeavingTheProgramDoesNotWaitForTheModem) {
+    MakeEntry("depot");
+    MakeProgram("await leave\nexit 5\n", ": >asked");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        PostToMain(WM_COMMAND, IDM_EXIT);
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) Sleep(5);
+        EXPECT_FALSE(ProgramRuns());
+        EXPECT_TRUE(FileAppears(folder + "/asked"));
+        EXPECT_TRUE(ProgramLives());
+        Let("leave");
+    });
+    EXPECT_TRUE(ProgramGone()) << "the device's end waits for it";
+}
+
+}  // namespace
