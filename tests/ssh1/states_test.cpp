@@ -405,6 +405,15 @@ TEST(Disconnect, OfTheServerIsToldAndClosesTheSession) {
     EXPECT_EQ(Wire(), "");
 }
 
+TEST(Disconnect, LeavesTheFirstStateInTheClear) {
+    for (int state = 1; state <= 5; state++) {
+        ScriptedHost host = SessionInState(state);
+        ResetCiphers();
+        EXPECT_EQ(session.ssh1.ssh1State, 0) << state;
+        EXPECT_EQ(session.ssh1.ssh1Cipher, nullptr) << state;
+    }
+}
+
 // ---------------------------------------------------------------- secrets
 
 TEST(Secrets, NothingIsLeftWhenTheSessionIsForgotten) {
