@@ -59,6 +59,20 @@ TEST_F(Ssh2Lengths, TooLongBehindACipherDropsTheDecryptedHeadToo) {
     }
 }
 
+TEST_F(Ssh2Lengths, OverflowBehindACipherDropsTheDecryptedHeadToo) {
+    ToShell();
+    const std::string body(65000, 'x');
+    const std::string packet = SealBody(server, 65516, Message(4, body + std::string(515, 'p')));
+    Receive(packet.substr(0, 65535 - 3000));
+    EXPECT_EQ(session.ssh2.headDecrypted, 1u);
+    Receive(std::string(2999, 'x'));
+    EXPECT_EQ(session.ssh2.headDecrypted, 1u);
+    Receive(std::string(7, 'y'));
+    EXPECT_EQ(session.ssh.recvFill, 7);
+    EXPECT_EQ(session.ssh2.headDecrypted, 0u);
+    ExpectOpen();
+}
+
 TEST_F(Ssh2Lengths, PaddingOfEverySizeIsTaken) {
     ToShell();
     std::string shown;
