@@ -171,6 +171,15 @@ TEST(Cipher, EachCarriesTheSession) {
     }
 }
 
+TEST(Cipher, AnotherChosenInMidSessionIsForTheNextOne) {
+    ScriptedHost host = SessionInState(5);
+    session.settings.ssh_type = 2;
+    Receive(host.Packet(17, String("through")));
+    EXPECT_EQ(Shown(), "through");
+    SshSendData(reinterpret_cast<const BYTE*>("typed"), 5);
+    EXPECT_EQ(host.Sent(), (std::vector<Message>{{16, String("typed"), ""}}));
+}
+
 TEST(Cipher, UnsupportedIsToldWithWhatTheServerHas) {
     ScriptedHost host;
     host.ciphers = 0x44;
