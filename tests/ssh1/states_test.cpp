@@ -90,6 +90,14 @@ TEST(Identification, BytesBehindTheLineInItsChunkAreLost) {
     EXPECT_TRUE(host.TakeSessionKey());
 }
 
+TEST(Identification, BeginsInTheFirstStateInTheClear) {
+    SessionInState(4);
+    session.banner_sent = 0;
+    Receive("SSH-1.5-next\n");
+    EXPECT_EQ(session.ssh1.ssh1State, 0);
+    EXPECT_EQ(session.ssh1.ssh1Cipher, nullptr);
+}
+
 TEST(Identification, AfterAFailedSendTheNextChunkIsTheLine) {
     NewSession();
     session.banner_sent = 0;

@@ -43,6 +43,14 @@ TEST_F(Ssh2Identification, AfterAFailedSendTheNextChunkIsTheLine) {
     ToService();
 }
 
+TEST_F(Ssh2Identification, NothingOfTheOtherProtocolStays) {
+    session.ssh1.ssh1State = 4;
+    session.ssh1.ssh1Cipher = &kSsh1Des;
+    Identify();
+    EXPECT_EQ(session.ssh1.ssh1State, 0);
+    EXPECT_EQ(session.ssh1.ssh1Cipher, nullptr);
+}
+
 TEST_F(Ssh2Identification, WithoutBytesNothingIsDone) {
     for (const int count : {0, -1}) {
         session.receive_count = count;
