@@ -140,6 +140,21 @@ TEST_F(MalformedDss, SWithoutAnInverseIsRefused) {
     EXPECT_FALSE(Verify(key.get(), halves, data));
 }
 
+// With such a generator the equations come out at zero for any data.
+TEST_F(MalformedDss, ROfZeroIsRefusedWhereTheGeneratorIsZeroToo) {
+    const ByteString name = SshString(FromHex("7373682d647373"));
+    for (const char* generator : {"", "17", "2e"}) {
+        OwnedKey key = Parse(name + SshString(FromHex("17")) + SshString(FromHex("0b")) +
+                             SshString(FromHex(generator)) + SshString(FromHex("02")));
+        ASSERT_NE(key, nullptr);
+        for (uint8_t s = 0; s < 11; s++) {
+            ByteString zero_and_s(40);
+            zero_and_s[39] = s;
+            EXPECT_FALSE(Verify(key.get(), zero_and_s, data)) << generator << ' ' << int{s};
+        }
+    }
+}
+
 TEST_F(MalformedDss, SignatureCutShortOrStretchedIsRefused) {
     OwnedKey key = Parse(blob);
     const ByteString wrapped = WrapSignature(signature);

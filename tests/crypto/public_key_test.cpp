@@ -232,19 +232,21 @@ TEST_F(Dss, ROrSOfZeroOrNotBelowQIsRefused) {
     }
 }
 
+// It fits its 20 bytes in one signature of thirty.
 TEST_F(Dss, SMovedByQIsRefused) {
-    for (int round = 0; round < 200; round++) {
+    for (int round = 0; round < 5000; round++) {
         ByteString signature = Sign(peer, hash);
         Number s(BignumFromBytes(signature.data() + 20, 20));
         Mpz moved(s.get()), q(key->q);
         mpz_add(moved.value, moved.value, q.value);
         Number sum = FromMpz(moved);
         if (BignumBitLength(sum.get()) > 160) continue;
+        EXPECT_TRUE(Verify(signature, hash));
         BignumToBytes(signature.data() + 20, 20, sum.get());
         EXPECT_FALSE(Verify(signature, hash));
         return;
     }
-    // With a large q no s fits; then there is nothing to move.
+    FAIL() << "no s that can be moved";
 }
 
 TEST_F(Dss, LongerNameThatStartsWithTheRightOneIsAccepted) {

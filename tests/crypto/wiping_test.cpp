@@ -1,7 +1,6 @@
 // What held a secret is wiped before it is released: every heap block, seen by the sanitizer's
 // hook as it goes, and the working space on the stack, searched once a procedure has returned.
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <cstring>
 #include <functional>
@@ -18,6 +17,7 @@
 #include "crypto/sha512_compress.h"
 #include "crypto/wipe.h"
 #include "crypto_test_support.h"
+#include "tests/support/leftovers.h"
 
 // ---------------------------------------------------------------- heap
 
@@ -130,42 +130,6 @@ TEST_F(HeapWiping, EveryOperationOnIntegersLeavesNothing) {
 }
 
 // ---------------------------------------------------------------- stack
-
-static const size_t kStackSize = 1 << 20;
-static const size_t kPatternSize = 16;  // long enough not to stand there by chance
-
-// Reads what the sanitizer may hold for out of use.
-__attribute__((no_sanitize("address"))) static int Occurrences(const uint8_t* memory, size_t size,
-                                                               const uint8_t* pattern) {
-    int count = 0;
-    for (size_t at = 0; at + kPatternSize <= size; at++) {
-        size_t same = 0;
-        while (same < kPatternSize && memory[at + same] == pattern[same]) same++;
-        if (same == kPatternSize) count++;
-    }
-    return count;
-}
-
-// How often the first 16 bytes at `secret` stand on the stack on which `work` has run.
-static int LeftOnStack(const void* secret, const std::function<void()>& work) {
-    static uint8_t* const kStack = static_cast<uint8_t*>(aligned_alloc(4096, kStackSize));
-    memset(kStack, 0, kStackSize);
-    pthread_attr_t attributes;
-    pthread_t thread;
-    pthread_attr_init(&attributes);
-    EXPECT_EQ(pthread_attr_setstack(&attributes, kStack, kStackSize), 0);
-    auto run = [](void* argument) -> void* {
-        volatile uint8_t depth[kStackSize / 4];  // keeps what the end of a thread does off the rest
-        depth[0] = 0;
-        (*static_cast<const std::function<void()>*>(argument))();
-        return reinterpret_cast<void*>(uintptr_t{depth[0]});
-    };
-    EXPECT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)),
-              0);
-    EXPECT_EQ(pthread_join(thread, nullptr), 0);
-    pthread_attr_destroy(&attributes);
-    return Occurrences(kStack, kStackSize, static_cast<const uint8_t*>(secret));
-}
 
 TEST(StackWiping, SearchFindsWhatIsLeftThere) {
     const ByteString secret = RandomBytes(16);

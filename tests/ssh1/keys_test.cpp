@@ -1,6 +1,10 @@
 // The public-key message and its answer.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
+#include "crypto/ciphers.h"
+#include "platform/qt/testing_services.h"
 #include "ssh/ssh_session.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
@@ -103,6 +107,60 @@ TEST(SessionKey, EveryKeySizeFrom512To2048) {
     }
 }
 
+// Behind the key, packets in both directions are under it.
+void ExpectSessionUnderTheKey(ScriptedHost& host, const std::string& what) {
+    ASSERT_TRUE(host.TakeSessionKey()) << what;
+    Receive(host.Packet(14));
+    EXPECT_EQ(Box(), "") << what;
+    EXPECT_EQ(host.Sent(), (std::vector<Message>{{4, String("visitor"), ""}})) << what;
+}
+
+// By chance its first byte is zero once in 256; the number in the block is shorter then.
+TEST(SessionKey, WithZerosInFrontIsSentWhole) {
+    ScriptedHost host;
+    const std::string id = host.SessionId();
+    for (size_t zeros = 0; zeros <= 32; zeros++) {
+        NewSession();
+        std::string key(32, '\7');
+        for (size_t i = 0; i < zeros; i++) key[i] = i < 16 ? id[i] : '\0';
+        outside.drawn = key;
+        Receive(host.PublicKey());
+        ExpectSessionUnderTheKey(host, std::to_string(zeros));
+        EXPECT_EQ(host.session_key, key);
+        host.cipher = 0;
+    }
+}
+
+TEST(SessionKey, IsDrawnFromTheGeneratorAsTheClockSeedsIt) {
+    for (const int milliseconds : {0, 5, 36, 42, 999}) {
+        ScriptedHost host;
+        NewSession();
+        services_test_hooks.system_time = milliseconds;
+        Receive(host.PublicKey());
+        services_test_hooks.system_time = -1;
+        ASSERT_TRUE(host.TakeSessionKey());
+        std::string wanted;
+        std::srand(static_cast<unsigned>(milliseconds % 37));
+        while (wanted.size() < 32)
+            if (const int value = std::rand()) wanted += static_cast<char>(value & 0xff);
+        EXPECT_EQ(host.session_key, wanted) << milliseconds;
+    }
+}
+
+TEST(SessionKey, IsWipedWhereItCannotBeSent) {
+    for (const bool by_cipher : {false, true}) {
+        ScriptedHost host;
+        if (by_cipher)
+            host.ciphers = 0;
+        else
+            host.host_modulus = std::string(96, '\xC5');
+        NewSession();
+        Receive(host.PublicKey());
+        EXPECT_NE(Box(), "");
+        for (const BYTE byte : session.ssh1.sessionKey) ASSERT_EQ(byte, 0) << by_cipher;
+    }
+}
+
 // ---------------------------------------------------------------- ciphers
 
 TEST(Cipher, EachCarriesTheSession) {
@@ -111,6 +169,15 @@ TEST(Cipher, EachCarriesTheSession) {
         Receive(host.Packet(17, String("through")));
         EXPECT_EQ(Shown(), "through");
     }
+}
+
+TEST(Cipher, AnotherChosenInMidSessionIsForTheNextOne) {
+    ScriptedHost host = SessionInState(5);
+    session.settings.ssh_type = 2;
+    Receive(host.Packet(17, String("through")));
+    EXPECT_EQ(Shown(), "through");
+    SshSendData(reinterpret_cast<const BYTE*>("typed"), 5);
+    EXPECT_EQ(host.Sent(), (std::vector<Message>{{16, String("typed"), ""}}));
 }
 
 TEST(Cipher, UnsupportedIsToldWithWhatTheServerHas) {
@@ -266,6 +333,10 @@ TEST(BadKeyMessage, LeadingZerosOfAModulusAreNotItsLength) {
                        Uint32(kAllCiphers) + Uint32(8),
                    "leading zeros");
     EXPECT_EQ(outside.encrypted_with, (std::vector<int>{96, 128}));
+    NewSession();
+    Receive(host.Packet(2, host.cookie + key + host.Key(host.host_modulus) + Uint32(0) +
+                               Uint32(kAllCiphers) + Uint32(8)));
+    ExpectSessionUnderTheKey(host, "nor do they count in the session's identifier");
 }
 
 TEST(BadKeyMessage, NumbersThatWouldTakeTooLongAreRefused) {

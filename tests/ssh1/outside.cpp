@@ -60,6 +60,16 @@ bool RecordRsaEncrypt(uint8_t* buffer, int length, const RsaKey* key) {
     return RealRsaEncrypt(buffer, length, key);
 }
 
+// And each random byte.
+uint8_t RealRandomByte() __asm__("__real__Z10RandomBytev");
+uint8_t DrawRandomByte() __asm__("__wrap__Z10RandomBytev");
+uint8_t DrawRandomByte() {
+    if (outside.drawn.empty()) return RealRandomByte();
+    const char byte = outside.drawn.front();
+    outside.drawn.erase(0, 1);
+    return static_cast<uint8_t>(byte);
+}
+
 void NewSession() {
     outside = {};
     ForgetSshSession();

@@ -19,6 +19,7 @@ struct Outside {
     int closed = 0;           // calls of CloseSession
     int status_updates = 0;   // calls of UpdateStatus
     int sends_that_fail = 0;  // the next so many
+    std::string drawn;        // random bytes to draw before those of the generator
     // Of each key that RsaEncrypt was given: its bytes, and the first of its modulus.
     std::vector<int> encrypted_with;
     std::vector<int> first_modulus_byte;

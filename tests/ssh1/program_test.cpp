@@ -252,6 +252,27 @@ TEST(Session, TwelveThousandBytesTypedArriveIntact) {
     });
 }
 
+// The shell does not read for a while, and everything between fills up.
+TEST(Session, AMegabyteForASlowReaderArrivesIntact) {
+    std::string typed;
+    for (int i = 0; i < 1000000; i++) typed += static_cast<char>(i * 7 + i / 256);
+    const std::string digest =
+        QCryptographicHash::hash(QByteArray::fromStdString(typed), QCryptographicHash::Md5)
+            .toHex()
+            .toStdString();
+    WithShell({}, kTripleDes, [&](TestServer&) {
+        TypeText("stty raw -echo; echo rea\"\"dy; sleep 2; head -c 1000000 | md5sum; stty sane\n");
+        ASSERT_TRUE(TerminalShows("\nready\n")) << TerminalText();
+        OnWindowThread([&] {
+            SessionSend(reinterpret_cast<const BYTE*>(typed.data()), static_cast<int>(typed.size()),
+                        0);
+        });
+        EXPECT_TRUE(
+            Eventually([&] { return TerminalText().find(digest) != std::string::npos; }, 60000))
+            << TerminalText();
+    });
+}
+
 TEST(Session, VttestDrawsItsFirstScreen) {
     QProcess unpack;
     unpack.start(QUILL_PEERS "/unpack.sh", {"vttest"});

@@ -83,6 +83,8 @@ std::string ScriptedHost::PublicKeyData() const {
 
 std::string ScriptedHost::PublicKey() { return Packet(2, PublicKeyData()); }
 
+std::string ScriptedHost::SessionId() const { return Md5(host_modulus + server_modulus + cookie); }
+
 bool ScriptedHost::TakeSessionKey() {
     const std::vector<Message> sent = Sent();
     if (sent.size() != 1 || sent[0].type != 3) return false;
@@ -97,7 +99,7 @@ bool ScriptedHost::TakeSessionKey() {
     session_key = Unpad(Unpad(data.substr(11, outer), inner));
     EXPECT_EQ(session_key.size(), 32u);
     if (session_key.size() != 32) return false;
-    session_id = Md5(host_modulus + server_modulus + cookie);
+    session_id = SessionId();
     for (size_t i = 0; i < session_id.size(); i++)
         session_key[i] = static_cast<char>(session_key[i] ^ session_id[i]);
     cipher = static_cast<BYTE>(data[0]);

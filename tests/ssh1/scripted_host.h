@@ -39,6 +39,7 @@ struct ScriptedHost {
     std::string Key(const std::string& modulus) const;
     std::string PublicKeyData() const;
     std::string PublicKey();
+    std::string SessionId() const;
 
     // The client's answer to it: takes the session key from there and uses it from then on.
     // False when there is none.

@@ -335,6 +335,7 @@ def main():
         stream.close()
         children.append(child)
     end_children(children)
+    tell("ended")
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 // Logging in to an SSH-1 server through the Sign on dialog itself.
 #include <gtest/gtest.h>
 #include <QApplication>
+#include <QThread>
 #include <QWidget>
 
 #include "app/session_state.h"
@@ -88,6 +89,62 @@ TEST(SignOnDialog, CancelledWithAUserNameSendsWhatThereIs) {
         EXPECT_TRUE(server.Tells("password "));
         SignOn("visitor", "warehouse7");
         ASSERT_TRUE(TerminalShows("$\n")) << TerminalText();
+    });
+}
+
+TEST(SignOnDialog, HostThatDropsTheLineMeanwhileIsReportedBehindIt) {
+    Connecting([](TestServer& server) {
+        ASSERT_TRUE(DialogShown());
+        server.process.closeWriteChannel();
+        ASSERT_TRUE(server.Tells("ended"));
+        SignOn("visitor", "warehouse7");
+        EXPECT_TRUE(DismissBox("Error: Connection to the UNIX Host has been closed..."));
+        EXPECT_TRUE(Offline());
+        OnWindowThread([] { EXPECT_EQ(session.ssh1.ssh1State, 0); });
+    });
+}
+
+TEST(SignOnDialog, ProgramThatIsClosedMeanwhileEnds) {
+    Connecting([](TestServer& server) {
+        ASSERT_TRUE(DialogShown());
+        OnWindowThread([] { session.settings.confirm_exit = 0; });
+        PostToMain(WM_CLOSE);
+        for (int i = 0; i < 1000 && ProgramRuns(); i++) QThread::msleep(5);
+        EXPECT_FALSE(ProgramRuns());
+        EXPECT_TRUE(server.Tells("gone"));
+        EXPECT_EQ(server.Count("user"), 0);
+    });
+}
+
+TEST(SignOnDialog, SessionThatIsClosedMeanwhileSendsNothingMore) {
+    Connecting([](TestServer& server) {
+        ASSERT_TRUE(DialogShown());
+        Close();
+        EXPECT_TRUE(Offline());
+        SignOn("visitor", "warehouse7");
+        EXPECT_TRUE(server.Tells("gone"));
+        EXPECT_EQ(server.Count("user"), 0);
+        EXPECT_EQ(AwaitBox(200), "");
+    });
+}
+
+TEST(SignOnDialog, SessionThatIsOpenedAnewMeanwhileIsLeftAlone) {
+    Connecting([](TestServer& server) {
+        ASSERT_TRUE(DialogShown());
+        Close();
+        EXPECT_TRUE(Offline());
+        OnWindowThread([] {
+            session.settings.ssh_def = 1;
+            lstrcpyW(session.settings.ssh_u, u"visitor");
+            lstrcpyW(session.settings.ssh_p, u"warehouse7");
+        });
+        Connect();
+        ASSERT_TRUE(TerminalShows("$\n")) << TerminalText();
+        SignOn("somebody", "else");
+        EXPECT_EQ(AwaitBox(200), "");
+        EXPECT_EQ(server.Count("user"), 1);
+        TypeText("echo sum $((40 + 2))\n");
+        EXPECT_TRUE(TerminalShows("\nsum 42\n")) << TerminalText();
     });
 }
 

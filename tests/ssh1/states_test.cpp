@@ -1,9 +1,12 @@
 // The steps of a session: what each state takes, and what it says to everything else.
 #include <gtest/gtest.h>
 
+#include "crypto/ciphers.h"
+#include "ssh/ssh1_session.h"
 #include "ssh/ssh_session.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
+#include "tests/support/leftovers.h"
 
 namespace {
 
@@ -85,6 +88,14 @@ TEST(Identification, BytesBehindTheLineInItsChunkAreLost) {
     EXPECT_EQ(session.ssh.recvFill, 0);
     Receive(host.PublicKey());
     EXPECT_TRUE(host.TakeSessionKey());
+}
+
+TEST(Identification, BeginsInTheFirstStateInTheClear) {
+    SessionInState(4);
+    session.banner_sent = 0;
+    Receive("SSH-1.5-next\n");
+    EXPECT_EQ(session.ssh1.ssh1State, 0);
+    EXPECT_EQ(session.ssh1.ssh1Cipher, nullptr);
 }
 
 TEST(Identification, AfterAFailedSendTheNextChunkIsTheLine) {
@@ -402,6 +413,15 @@ TEST(Disconnect, OfTheServerIsToldAndClosesTheSession) {
     EXPECT_EQ(Wire(), "");
 }
 
+TEST(Disconnect, LeavesTheFirstStateInTheClear) {
+    for (int state = 1; state <= 5; state++) {
+        ScriptedHost host = SessionInState(state);
+        ResetCiphers();
+        EXPECT_EQ(session.ssh1.ssh1State, 0) << state;
+        EXPECT_EQ(session.ssh1.ssh1Cipher, nullptr) << state;
+    }
+}
+
 // ---------------------------------------------------------------- secrets
 
 TEST(Secrets, NothingIsLeftWhenTheSessionIsForgotten) {
@@ -416,6 +436,33 @@ TEST(Secrets, NothingIsLeftWhenTheSessionIsForgotten) {
 TEST(Secrets, SessionKeyIsWipedOnceTheCipherHasIt) {
     SessionInState(1);
     EXPECT_TRUE(AllZero(session.ssh1.sessionKey, sizeof(session.ssh1.sessionKey)));
+}
+
+// What the cipher makes of a block in each direction.
+std::string Fingerprint(const Ssh1Cipher& cipher) {
+    BYTE out[8] = {}, in[8] = {};
+    cipher.encrypt(out, 8);
+    cipher.decrypt(in, 8);
+    return std::string(out, out + 8) + std::string(in, in + 8);
+}
+
+TEST(Secrets, CipherForgetsItsKeysWithTheSession) {
+    for (uint32_t type = 0; type <= 2; type++) {
+        SessionInState(5, type);
+        const Ssh1Cipher& cipher = *session.ssh1.ssh1Cipher;
+        ForgetSshSession();
+        const std::string left = Fingerprint(cipher);
+        WipeCipherKeys();
+        EXPECT_EQ(left, Fingerprint(cipher)) << type;
+    }
+}
+
+TEST(Secrets, PasswordIsNotLeftOnTheStack) {
+    const std::string password = "a password of 30 bytes, no less";
+    ScriptedHost host = SessionInState(2);
+    SetText(session.settings.ssh_p, password);
+    EXPECT_EQ(LeftOnStack(password.data(), [] { Ssh1RunState(15, nullptr, 0); }), 0);
+    EXPECT_EQ(host.Sent(), (Messages{{9, String(password), ""}}));
 }
 
 }  // namespace

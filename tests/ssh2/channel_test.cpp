@@ -367,3 +367,36 @@ TEST_F(Ssh2Channel, TypingBeforeTheChannelIsOpenIsLost) {
     Type("d");
     ExpectSilence();
 }
+
+// With the cipher gone it would be in the clear.
+TEST_F(Ssh2Channel, TypingBehindTheClientsOwnEndIsNotEvenPacked) {
+    ToShell();
+    Give(Message(97, U32(27)));
+    const uint32_t sent = session.ssh2.sendSeq;
+    Type("typed");
+    EXPECT_EQ(session.ssh2.sendSeq, sent);
+    ExpectClosed();
+}
+
+// The protocol is looked up at each chunk. That of the other one finds no session of its own.
+TEST_F(Ssh2Channel, OtherProtocolChosenInMidSessionEndsItAndSendsNothing) {
+    ToShell();
+    session.settings.ssh_type2 = 0;
+    Type("typed");
+    ExpectSilence();
+    Give(Data("shown"));
+    ExpectSilence();
+    EXPECT_EQ(outside.display, "");
+    EXPECT_EQ(outside.closes, 1);
+    ASSERT_EQ(outside.boxes.size(), 1u);
+    EXPECT_TRUE(outside.boxes[0].starts_with("Error: ")) << outside.boxes[0];
+}
+
+TEST_F(Ssh2Channel, AnotherSshTypeChosenInMidSessionWaitsForTheNextKeys) {
+    ToShell();
+    session.settings.ssh_type = 2;
+    Give(Data("shown"));
+    Type("typed");
+    EXPECT_EQ(outside.display, "shown");
+    Expect(ClientData("typed"));
+}

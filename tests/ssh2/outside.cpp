@@ -67,6 +67,16 @@ int MessageBoxW(HWND, LPCWSTR text, LPCWSTR caption, UINT) {
     return IDOK;
 }
 
+// Each random byte is drawn here, by way of the linker.
+uint8_t RealRandomByte() __asm__("__real__Z10RandomBytev");
+uint8_t DrawRandomByte() __asm__("__wrap__Z10RandomBytev");
+uint8_t DrawRandomByte() {
+    if (outside.drawn.empty()) return RealRandomByte();
+    const char byte = outside.drawn.front();
+    outside.drawn.erase(0, 1);
+    return static_cast<uint8_t>(byte);
+}
+
 void NewSession(int milliseconds) {
     ForgetSshSession();
     outside = {};

@@ -19,7 +19,6 @@ const char kPrime[] =
     "EF9519B3CD3A431B302B0A6DF25F14374FE1356D6D51C245E485B576625E7EC6F44C42E9A637ED6B0BFF5CB6F406B7"
     "ED"
     "EE386BFB5A899FA5AE9F24117C4B1FE649286651ECE65381FFFFFFFFFFFFFFFF";
-const char kServerSecret[] = "a1b2c3d4e5f60718293a4b5c6d7e8f90123456789abcdef0fedcba9876543210";
 const char kSignatureSecret[] = "7f6e5d4c3b2a19080716253443526170ffeeddcc";
 
 // A host key of 1,024 bits, made for these tests.
@@ -181,6 +180,10 @@ std::string Tape::Take(size_t count) {
                        bytes.begin() + static_cast<long>(at));
 }
 
+std::string Tape::Rest() const {
+    return std::string(bytes.begin() + static_cast<long>(at), bytes.end());
+}
+
 std::string SealBody(ScriptedServer& server, uint32_t packet_length, const std::string& body) {
     const std::string packet = U32(packet_length) + body;
     const uint32_t sequence = server.sent++;
@@ -264,10 +267,14 @@ std::string SignatureBlob(const std::string& hash) {
 }
 
 std::string KexDhReply(ScriptedServer& server, const std::string& client_line) {
-    Number e, f, k, p(kPrime), g("2"), y(kServerSecret);
+    Number e, f, k, p(kPrime), g("2"), y(server.secret.c_str());
     SetBytes(&e, server.e.substr(4));
     mpz_powm(f.value, g.value, y.value, p.value);
     mpz_powm(k.value, e.value, y.value, p.value);
+    if (!server.public_value.empty()) {
+        mpz_set_str(f.value, server.public_value.c_str(), 16);
+        mpz_set_str(k.value, server.agreed.c_str(), 16);
+    }
     server.f = MpintOf(f);
     server.k = MpintOf(k);
     const std::string line = server.line.substr(0, server.line.find_first_of("\r\n"));

@@ -23,6 +23,7 @@ std::string Hex(const std::string& bytes);
 struct Tape {
     explicit Tape(int milliseconds);
     std::string Take(size_t count);
+    std::string Rest() const;
     std::vector<uint8_t> bytes;
     size_t at = 0;
 };
@@ -37,7 +38,10 @@ struct ScriptedServer {
     uint32_t sent = 0, received = 0;               // packets
     bool keyed = false;                            // both directions encrypted and with a MAC
     std::string client_kex_init, server_kex_init;  // payloads
-    std::string e, f, k;                           // mpints
+    std::string secret =                           // the exponent, in hexadecimal digits
+        "a1b2c3d4e5f60718293a4b5c6d7e8f90123456789abcdef0fedcba9876543210";
+    std::string public_value, agreed;  // in such digits, where no exponent of its own gives them
+    std::string e, f, k;               // mpints
     std::string hash, session_id;
     std::shared_ptr<CipherStream> to_client, from_client;
     std::string mac_to_client, mac_from_client;  // keys
