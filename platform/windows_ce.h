@@ -904,8 +904,8 @@ DWORD RasGetEntryDialParamsW(LPCWSTR phone_book, RASDIALPARAMSW* parameters, BOO
 DWORD RasDialW(LPVOID extensions, LPCWSTR phone_book, RASDIALPARAMSW* parameters,
                DWORD notifier_type, LPVOID notifier, HRASCONN* connection);
 // Ends the dial, of which nothing more is told than RASCS_Disconnected without an error, or the
-// connection that it made. Returns at once: the modem may take some seconds more, and another dial
-// waits for it.
+// connection that it made, and waits until the modem has hung up, at most 2 seconds. One that takes
+// longer is waited for by the next dial.
 DWORD RasHangUpW(HRASCONN connection);
 
 // ---------------------------------------------------------------- threads, events, time

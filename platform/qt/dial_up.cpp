@@ -1,6 +1,7 @@
 // Dialling: the system's pppd calls the entry, in the foreground, as a program of ours. A thread a
-// dial starts it, reads its log, tells the window the states, and ends it. Hanging up does not wait
-// for that end; the next dial's thread does, before it starts another one at the same modem.
+// dial starts it, reads its log, tells the window the states, and ends it. Hanging up waits for
+// that end while it takes no longer than usual; beyond that, the next dial's thread waits for it
+// before it starts another one at the same modem.
 #include "dial_up.h"
 
 #include <fcntl.h>
@@ -39,9 +40,10 @@ struct DialUp {
     DWORD patience = 0;  // milliseconds
 
     std::atomic<bool> hang_up{false};
-    bool told_end = false;           // under g_telling: the last of its states is told
-    std::atomic<bool> ended{false};  // its thread needs nothing more
-    pid_t process = 0;               // of the thread, as the log is
+    bool told_end = false;             // under g_telling: the last of its states is told
+    std::atomic<bool> calling{false};  // its program runs, or is about to
+    std::atomic<bool> ended{false};    // its thread needs nothing more
+    pid_t process = 0;                 // of the thread, as the log is
     int log = -1;
     std::thread thread;
 };
@@ -187,8 +189,14 @@ void ReadUntilTheEnd(DialUp& dial) {
 
 void Call(DialUp& dial) {
     if (dial.hang_up) return;  // while it waited for the line
-    if (const DWORD error = StartProgram(&dial)) return Notify(dial, RASCS_Disconnected, error);
-    ReadUntilTheEnd(dial);
+    dial.calling = true;
+    const DWORD error = StartProgram(&dial);
+    if (error == ERROR_SUCCESS) {
+        ReadUntilTheEnd(dial);
+    } else {
+        Notify(dial, RASCS_Disconnected, error);
+    }
+    dial.calling = false;
 }
 
 void ServeDial(DialUp& dial) {
@@ -213,6 +221,12 @@ DWORD StartThread(DialUp* dial) {
         return kErrorUnknown;
     }
     return ERROR_SUCCESS;
+}
+
+// A modem usually hangs up within this time; the window does not stand still for longer.
+void AwaitUsualEnd(const DialUp& dial) {
+    const DWORD since = GetTickCount();
+    while (dial.calling && GetTickCount() - since < dial.patience / 4) Sleep(10);
 }
 
 void ForgetEnded() {
@@ -250,6 +264,7 @@ DWORD RasHangUpW(HRASCONN connection) {
     const auto found = g_dials.find(connection);
     if (found == g_dials.end()) return ERROR_INVALID_HANDLE;
     TellHangUp(*found->second);
+    AwaitUsualEnd(*found->second);
     g_leaving.push_back(std::move(found->second));
     g_dials.erase(found);
     return ERROR_SUCCESS;

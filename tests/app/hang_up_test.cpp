@@ -139,7 +139,20 @@ TEST_F(HangUp, EveryWayOutHangsUpBeforeTheProgramEnds) {
 
 // ---------------------------------------------------------------- hanging up and going on
 
-TEST_F(HangUp, HangingUpDoesNotWaitForAProgramThatTakesItsTime) {
+TEST_F(HangUp, AProgramThatEndsAsUsualIsGoneWhenTheHangUpReturns) {
+    MakeEntry("depot");
+    MakeProgram("while :; do sleep 0.02; done\n", "sleep 0.2; exit 5");
+    RunProgram({}, [&] {
+        Dial(u"depot");
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        OnWindowThread([&] {
+            RunCommand(IDM_CONNECT);
+            EXPECT_FALSE(ProgramLives());
+        });
+    });
+}
+
+TEST_F(HangUp, HangingUpGoesOnBeforeAProgramThatTakesItsTime) {
     MakeEntry("depot");
     MakeProgram("await leave\nexit 5\n", ": >asked");
     FakeHost host;
