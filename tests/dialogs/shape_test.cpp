@@ -9,6 +9,7 @@
 #include <QListView>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyle>
 
 #include "app/session_state.h"
 #include "config/settings.h"
@@ -115,6 +116,24 @@ TEST_P(EachDialog, FitsADeviceOf240PixelsWithAllItsTexts) {
                 EXPECT_LE(needed.width(), control.widget->width()) << control.label;
                 const int height = kind == Kind::kStatic ? needed.height() - 1 : 0;
                 EXPECT_LE(height, control.widget->height()) << control.label;
+            }
+        });
+    });
+}
+
+// A box or circle that is higher than its control is cut off below.
+TEST_P(EachDialog, MarksAreDrawnWhole) {
+    RunProgram(FreshStage(), [] {
+        const HWND dialog = GetParam().open();
+        OnWindowThread([=] {
+            for (const ShownControl& control : ControlsOf(dialog)) {
+                const Kind kind = KindOf(control.widget);
+                if (kind != Kind::kCheck && kind != Kind::kRadio) continue;
+                const auto height = kind == Kind::kCheck ? QStyle::PM_IndicatorHeight
+                                                         : QStyle::PM_ExclusiveIndicatorHeight;
+                EXPECT_GE(control.widget->height(),
+                          control.widget->style()->pixelMetric(height, nullptr, control.widget))
+                    << control.label;
             }
         });
     });
