@@ -121,6 +121,14 @@ TEST_F(DialogSlice, EnterPressesTheDefaultButton) {
     EXPECT_EQ(IDOK, On(kEverything, [] { Press(Qt::Key_Return); }));
 }
 
+TEST_F(DialogSlice, EnterWithAModifierPressesNothing) {
+    for (const int modifier : {int{Qt::ControlModifier}, int{Qt::ShiftModifier}})
+        EXPECT_EQ(IDCANCEL, On(kEverything, [=] {
+                      Press(Qt::Key_Return, modifier);
+                      Press(Qt::Key_Escape);
+                  }));
+}
+
 TEST_F(DialogSlice, EnterPressesTheButtonWithTheFocus) {
     g_on_advanced = [](HWND dialog) { EndDialog(dialog, 7); };
     EXPECT_EQ(7, On(kEverything, [] {
@@ -331,6 +339,27 @@ TEST_F(DialogSlice, ListIsUsedByKeyboardAlone) {
         EXPECT_FALSE(Heard(kFont, LBN_DBLCLK));
         Press(Qt::Key_Space);
         EXPECT_TRUE(Heard(kFont, LBN_DBLCLK));
+    });
+}
+
+TEST_F(DialogSlice, ComboKeepsItsChoiceWhileEntriesComeAndGo) {
+    On(kEverything, [] {
+        const HWND dialog = ShownDialog();
+        const auto tell = [=](UINT message, WPARAM row, const char16_t* text) {
+            return SendDlgItemMessageW(dialog, kHost, message, row, reinterpret_cast<LPARAM>(text));
+        };
+        tell(CB_ADDSTRING, 0, u"one");
+        tell(CB_ADDSTRING, 0, u"two");
+        tell(CB_SETCURSEL, 0, nullptr);
+        tell(CB_INSERTSTRING, 0, u"zero");
+        EXPECT_EQ(1, tell(CB_GETCURSEL, 0, nullptr));
+        EXPECT_EQ("one", ControlText(kHost));
+        tell(CB_INSERTSTRING, 2, u"one and a half");
+        EXPECT_EQ(1, tell(CB_GETCURSEL, 0, nullptr));
+        tell(CB_DELETESTRING, 0, nullptr);
+        EXPECT_EQ(0, tell(CB_GETCURSEL, 0, nullptr));
+        EXPECT_EQ("one", ControlText(kHost));
+        Press(Qt::Key_Return);
     });
 }
 
@@ -590,6 +619,16 @@ TEST_F(DialogSlice, ChooserStartsWithTheColourAndGivesTheChosenOne) {
     EXPECT_EQ(nullptr, ShownColorDialog());
 }
 
+TEST_F(DialogSlice, CustomColoursOfACancelledChooserAreKept) {
+    ColorRequest ask;
+    OnNextDialog([] {
+        QColorDialog::setCustomColor(5, QColor(1, 2, 3));
+        ShownColorDialog()->reject();
+    });
+    EXPECT_FALSE(FindChooser()(&ask.request));
+    EXPECT_EQ(RGB(1, 2, 3), ask.custom[5]);
+}
+
 TEST_F(DialogSlice, CancelledChooserChangesNothing) {
     ColorRequest ask;
     OnNextDialog([] {
@@ -621,6 +660,9 @@ TEST_F(DialogSlice, ChooserWantsItsTemplateAndItsSize) {
     ask.request.lpTemplateName = MAKEINTRESOURCE(kExtended);
     OnNextDialog([] { ShownColorDialog()->accept(); });
     EXPECT_TRUE(FindChooser()(&ask.request));
+    ask.request.hwndOwner = reinterpret_cast<HWND>(0x7777);
+    EXPECT_FALSE(FindChooser()(&ask.request)) << "that owner is no window";
+    ask.request.hwndOwner = nullptr;
     ask.request.lStructSize = 4;
     EXPECT_FALSE(FindChooser()(&ask.request));
 }
