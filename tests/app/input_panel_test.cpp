@@ -366,6 +366,25 @@ TEST(InputPanel, TypesIntoADialogOverTheSheetAndTheSheetStandsAboveIt) {
     });
 }
 
+TEST(InputPanel, FollowsADeviceResizedUnderADialog) {
+    RunProgram(SmallDevice(), [&] {
+        TapPanelButton();
+        const HWND dialog = OpenOnSmallDevice(40011);
+        ResizeDevice(300, 400);
+        OnWindowThread([] {
+            const QPoint corner = DeviceScreen()->mapToGlobal(QPoint(0, 400 - 26 - 80));
+            EXPECT_EQ(ShellInputPanel()->geometry(), QRect(corner, QSize(300, 80)));
+            SIPINFO panel = {};
+            panel.cbSize = sizeof(panel);
+            SHSipInfo(SPI_GETSIPINFO, 0, &panel, 0);
+            EXPECT_EQ(panel.rcVisibleDesktop.bottom, 400 - 26 - 80);
+            EXPECT_EQ(panel.fdwFlags & SIPF_ON, DWORD{SIPF_ON});
+        });
+        TapAsTheDesktopDoes("Esc");
+        EXPECT_TRUE(Gone(dialog));
+    });
+}
+
 TEST(InputPanel, KeyThatClosesADialogIsNotHeldOn) {
     RunProgram(SmallDevice(), [&] {
         TapPanelButton();

@@ -336,6 +336,7 @@ TEST_F(DialogSlice, ListIsUsedByKeyboardAlone) {
         EXPECT_EQ(1, SendDlgItemMessageW(ShownDialog(), kFont, LB_GETCURSEL, 0, 0));
         Press(Qt::Key_End);
         EXPECT_EQ(2, SendDlgItemMessageW(ShownDialog(), kFont, LB_GETCURSEL, 0, 0));
+        Press(Qt::Key_Space, int{Qt::ControlModifier});
         EXPECT_FALSE(Heard(kFont, LBN_DBLCLK));
         Press(Qt::Key_Space);
         EXPECT_TRUE(Heard(kFont, LBN_DBLCLK));
