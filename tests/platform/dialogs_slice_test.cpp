@@ -642,6 +642,21 @@ TEST_F(DialogSlice, CancelledChooserChangesNothing) {
     EXPECT_FALSE(FindChooser()(&ask.request));
 }
 
+TEST_F(DialogSlice, ChooserGivesTheKeysBackToTheDialogBelow) {
+    g_on_advanced = [](HWND) {
+        ColorRequest ask;
+        OnNextDialog([] { ShownColorDialog()->accept(); });
+        EXPECT_TRUE(FindChooser()(&ask.request));
+    };
+    EXPECT_EQ(99, On(kEverything, [] {
+                  ClickControl(kAdvanced);
+                  Settle(100);
+                  ASSERT_NE(nullptr, ShownDialog());
+                  EXPECT_EQ(FindWindowRecord(ShownDialog())->widget->window(),
+                            QApplication::activeWindow());
+              }));
+}
+
 TEST_F(DialogSlice, ChooserFitsTheScreen) {
     DeviceScreen()->resize(240, 320);
     ColorRequest ask;
