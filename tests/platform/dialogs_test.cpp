@@ -772,6 +772,17 @@ TEST_F(Sheets, PageThatDoesNotLetGoStays) {
     EXPECT_EQ(0, ShowSheet());
 }
 
+TEST_F(Sheets, PageThatIsNoneIsNotTurnedTo) {
+    g_in_sheet[0] = [](HWND sheet) {
+        const LRESULT page = SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0);
+        for (const WPARAM index : {WPARAM{2}, WPARAM{1000}, static_cast<WPARAM>(-1)})
+            EXPECT_FALSE(SendMessageW(sheet, PSM_SETCURSEL, index, 0));
+        EXPECT_EQ(page, SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
+        Press(sheet, PSBTN_CANCEL);
+    };
+    EXPECT_EQ(0, ShowSheet());
+}
+
 TEST_F(Sheets, PageThatDoesNotApplyIsTheOneToBeSeen) {
     g_in_sheet[0] = [](HWND sheet) {
         const LRESULT first = SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0);
