@@ -156,8 +156,8 @@ TEST_P(EachDialog, ControlsDoNotOverlap) {
 class CentredDialog : public testing::TestWithParam<DialogCase> {};
 
 TEST_P(CentredDialog, StandsOverTheMiddleOfTheMainWindow) {
-    for (int width : {640, 240}) {
-        RunProgram(FreshStage(width, 400), [] {
+    for (const auto& [width, height] : {std::pair(640, 400), {240, 400}, {150, 100}}) {
+        RunProgram(FreshStage(width, height), [] {
             const RECT place = Place(GetParam().open());
             RECT room = {};
             OnWindowThread([&] { GetClientRect(session.main_window, &room); });
