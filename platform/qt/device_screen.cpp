@@ -2,6 +2,7 @@
 #include "device_screen.h"
 
 #include <QCloseEvent>
+#include <QWindow>
 
 #include "window_widget.h"
 
@@ -26,10 +27,16 @@ ScreenWidget::ScreenWidget(QSize size) {
     Arrange();
 }
 
+QRect ScreenWidget::PanelPlace() const {
+    const int bottom = std::max(height() - kMenuBarHeight, 0);
+    return QRect(0, bottom - kInputPanelHeight, width(), kInputPanelHeight);
+}
+
 void ScreenWidget::Arrange() {
-    const int top = std::max(height() - kMenuBarHeight, 0);
-    strip_->setGeometry(0, top, width(), kMenuBarHeight);
-    panel_->setGeometry(0, top - kInputPanelHeight, width(), kInputPanelHeight);
+    const QRect panel = PanelPlace();
+    strip_->setGeometry(0, panel.bottom() + 1, width(), kMenuBarHeight);
+    const QPoint corner = panel_->isWindow() ? mapToGlobal(panel.topLeft()) : panel.topLeft();
+    panel_->setGeometry(QRect(corner, panel.size()));
     panel_->raise();
 }
 
@@ -71,6 +78,28 @@ QWidget* DeviceScreen() { return g_screen.get(); }
 MenuStrip* ShellMenuStrip() { return g_screen ? g_screen->strip() : nullptr; }
 
 InputPanel* ShellInputPanel() { return g_screen ? g_screen->panel() : nullptr; }
+
+QRect InputPanelPlace() { return g_screen->PanelPlace(); }
+
+void LendInputPanel(QWidget* dialog) {
+    constexpr Qt::WindowFlags kOwnWindow =
+        Qt::Tool | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus;
+    InputPanel* panel = ShellInputPanel();
+    if (!panel || panel->isHidden()) return;
+    const QRect place = g_screen->PanelPlace();
+    const QRect on_desktop(g_screen->mapToGlobal(place.topLeft()), place.size());
+    const bool free = dialog && !dialog->geometry().intersects(on_desktop);
+    if (!free && !panel->isWindow()) return;
+    panel->LetGo();  // its mouse button is let go elsewhere
+    panel->setParent(g_screen.get(), free ? kOwnWindow : Qt::Widget);
+    panel->setAttribute(Qt::WA_ShowWithoutActivating);
+    if (free) {
+        panel->winId();  // makes the window, which then follows the dialog
+        panel->windowHandle()->setTransientParent(dialog->windowHandle());
+    }
+    g_screen->Arrange();
+    panel->show();
+}
 
 void OpenDeviceScreen(QSize size) { g_screen = std::make_unique<ScreenWidget>(size); }
 

@@ -13,6 +13,7 @@ class ScreenWidget : public QWidget {
     explicit ScreenWidget(QSize size);
     MenuStrip* strip() const { return strip_; }
     InputPanel* panel() const { return panel_; }
+    QRect PanelPlace() const;
     void Arrange();
 
   protected:

@@ -8,6 +8,7 @@
 #include <QScrollArea>
 #include <QStyle>
 
+#include "input_panel.h"
 #include "testing.h"
 
 namespace {
@@ -161,12 +162,15 @@ INT_PTR RunDialog(HWND dialog) {
     if (!data->ended && !QuitPosted()) {
         window->widget->setWindowModality(Qt::ApplicationModal);
         window->widget->show();
+        LendInputPanel(window->widget);
         window->widget->activateWindow();
         AnnounceDialog();
     }
     RunModalLoop([&] { return data->ended || !FindWindowRecord(dialog); });
     std::erase(g_open, dialog);
     DestroyWindow(dialog);
+    const Window* outer = g_open.empty() ? nullptr : FindWindowRecord(g_open.back());
+    LendInputPanel(outer ? outer->widget.data() : nullptr);
     if (below && below->isVisible()) below->activateWindow();
     return data->result;
 }
@@ -188,8 +192,11 @@ QSize DialogPixels(int width, int height) {
     return QSize(Scaled(width, base.width(), 4), Scaled(height, base.height(), 8));
 }
 
+// What fits above the input panel stands there.
 QRect CenteredPlace(QSize size) {
-    const QRect screen = DeviceScreen()->rect();
+    QRect screen = DeviceScreen()->rect();
+    if (InputPanelShown() && size.height() <= InputPanelPlace().top())
+        screen.setHeight(InputPanelPlace().top());
     return QRect(QPoint(std::max((screen.width() - size.width()) / 2, 0),
                         std::max((screen.height() - size.height()) / 2, 0)),
                  size);

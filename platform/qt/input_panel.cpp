@@ -105,20 +105,34 @@ bool IsLetter(const PanelKeyRow& row) { return row.key >= Qt::Key_A && row.key <
 
 bool TypesItsLabel(const PanelKeyRow& row) { return row.shifted || row.key == Qt::Key_Space; }
 
-// As X11's keyboard driver gives it: Ctrl with a letter is a control character.
+bool IsBracket(int key) { return key >= Qt::Key_BracketLeft && key <= Qt::Key_BracketRight; }
+
+QString ControlCharacter(const PanelKeyRow& row) {
+    if (IsLetter(row) || IsBracket(row.key)) return QString(QChar(row.key & 0x1f));
+    if (row.key == Qt::Key_Slash) return QString(QChar(0x1f));
+    return row.key == Qt::Key_Space ? QString(QChar(0)) : QString();
+}
+
+// Control characters are those of X11's keyboard driver.
 QString TextOf(const PanelKeyRow& row, bool shifted, bool control) {
     if (row.key == Qt::Key_Backspace) return "\b";
     if (row.key == Qt::Key_Tab) return "\t";
     if (row.key == Qt::Key_Return) return "\r";
     if (row.key == Qt::Key_Escape) return "\033";
     if (!TypesItsLabel(row)) return QString();
-    if (control) return IsLetter(row) ? QString(QChar(row.key & 0x1f)) : QString();
+    if (control) return ControlCharacter(row);
     return QString::fromUtf8(shifted && row.shifted ? row.shifted : row.plain);
 }
 
+// Not every desktop leaves the focus with the dialog when the panel is tapped.
+QWidget* Target() {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal) return modal->focusWidget() ? modal->focusWidget() : modal;
+    return QApplication::focusWidget() ? QApplication::focusWidget() : DeviceScreen();
+}
+
 void Tap(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
-    QWidget* target = QApplication::focusWidget();
-    if (!target) target = DeviceScreen();
+    QWidget* target = Target();
     QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyPress, key, modifiers, text));
     QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyRelease, key, modifiers, text));
 }
@@ -161,6 +175,10 @@ InputPanel::InputPanel(QWidget* screen) : QWidget(screen) {
     }
     Label();
     hide();
+}
+
+void InputPanel::LetGo() {
+    for (PanelKey* key : keys_) key->setDown(false);
 }
 
 bool InputPanel::Latched(int key) const {

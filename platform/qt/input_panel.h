@@ -31,6 +31,8 @@ class InputPanel : public QWidget {
   public:
     explicit InputPanel(QWidget* screen);
 
+    void LetGo();  // of a key that is held down
+
   protected:
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -47,6 +49,11 @@ class InputPanel : public QWidget {
 };
 
 InputPanel* ShellInputPanel();  // of the device's screen
+QRect InputPanelPlace();        // on the device's screen, shown or not
+
+// A window under a dialog hears no mouse. While the panel is shown it therefore stands in a window
+// of its own before the dialog on top, unless that one lies over it; null: on the screen again.
+void LendInputPanel(QWidget* dialog);
 
 // Shows or hides it, and tells the program's window by WM_SETTINGCHANGE.
 void ShowInputPanel(bool show);

@@ -1,5 +1,7 @@
 // Message boxes and beeps.
 #include <QElapsedTimer>
+#include <QLabel>
+#include <QLayout>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
@@ -32,11 +34,41 @@ QMessageBox::Icon IconOf(UINT type) {
     return QMessageBox::NoIcon;
 }
 
+// The toolkit breaks its texts for the desktop's screen. On a narrow device they are broken for
+// that one's, and the box stands within it.
+class BoundedBox : public QMessageBox {
+  public:
+    using QMessageBox::QMessageBox;
+
+  protected:
+    void showEvent(QShowEvent* event) override {
+        QMessageBox::showEvent(event);
+        if (parentWidget() && width() > DeviceScreen()->width()) Narrow();
+    }
+    bool event(QEvent* event) override {
+        const bool keep = narrowed_ && event->type() == QEvent::LayoutRequest;
+        return keep ? QDialog::event(event) : QMessageBox::event(event);
+    }
+
+  private:
+    void Narrow() {
+        narrowed_ = true;
+        findChild<QLabel*>("qt_msgbox_label")->setWordWrap(true);
+        layout()->activate();
+        const int width = std::max(DeviceScreen()->width(), layout()->totalMinimumSize().width());
+        setFixedSize(width, layout()->totalHeightForWidth(width));
+        const QPoint corner = CenteredPlace(size()).topLeft();
+        setGeometry(QRect(DeviceScreen()->mapToGlobal(corner), size()));
+    }
+
+    bool narrowed_ = false;
+};
+
 }  // namespace
 
 int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
     Window* window = TopLevelOf(FindWindowRecord(owner));
-    QMessageBox box(window ? TopMostWidget() : nullptr);
+    BoundedBox box(window ? TopMostWidget() : nullptr);
     box.setWindowTitle(FromWide(caption));
     box.setTextFormat(Qt::PlainText);
     box.setText(FromWide(text));

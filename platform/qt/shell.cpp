@@ -4,7 +4,7 @@
 namespace {
 
 RECT PanelRect() {
-    const QRect panel = ShellInputPanel()->geometry();
+    const QRect panel = InputPanelPlace();
     return RECT{panel.left(), panel.top(), panel.left() + panel.width(),
                 panel.top() + panel.height()};
 }

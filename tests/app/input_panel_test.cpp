@@ -6,6 +6,7 @@
 #include "platform/qt/input_panel.h"
 #include "platform/qt/menu_bar.h"
 #include "platform/qt/slice.h"
+#include "platform/qt/testing.h"
 #include "terminal/view.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
@@ -264,6 +265,16 @@ TEST(InputPanel, LatchesHoldForOneKey) {
     });
 }
 
+// As a real keyboard types them; Ctl with Space is the character 0.
+TEST(InputPanel, ControlCharactersThatAreNoLetters) {
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        TapPanelButton();
+        for (const char* label : {"[", "\\", "]", "/", "Space", "x"}) Tap("Ctl"), Tap(label);
+        EXPECT_EQ(host.Read(6), std::string("\x1b\x1c\x1d\x1f\0\x18", 6));
+    });
+}
+
 TEST(InputPanel, CapitalsHoldUntilTappedAgain) {
     FakeHost host;
     OnSmallDevice(host, [&] {
@@ -313,6 +324,118 @@ TEST(InputPanel, EverySizeOfTheDeviceWhileItIsUpAndTheHostFloods) {
         host.Send("\033[2J\033[Hdone");
         EXPECT_TRUE(TerminalShows("done"));
     });
+}
+
+// ---------------------------------------------------------------- under a dialog
+
+// Through the window system, which keeps the mouse from a window under a dialog.
+void TapAsTheDesktopDoes(const QString& label) {
+    OnWindowThread([&] {
+        PanelKey* key = KeyLabelled(label);
+        QTest::mouseClick(key->window()->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                          key->mapTo(key->window(), key->rect().center()));
+    });
+    OnWindowThread([] {});
+}
+
+HWND OpenOnSmallDevice(WORD command) {
+    PostToMain(WM_COMMAND, command);
+    EXPECT_TRUE(Eventually([] { return ShownDialog() != nullptr; }));
+    HWND dialog = nullptr;
+    OnWindowThread([&] { dialog = ShownDialog(); });
+    return dialog;
+}
+
+bool Gone(HWND dialog) {
+    return Eventually([=] { return !IsWindow(dialog); });
+}
+
+void ExpectBackOnTheScreen() {
+    OnWindowThread([] {
+        InputPanel* panel = ShellInputPanel();
+        EXPECT_FALSE(panel->isWindow());
+        EXPECT_TRUE(panel->isVisible());
+        EXPECT_EQ(panel->geometry(), QRect(0, 320 - 26 - 80, 240, 80));
+    });
+}
+
+TEST(InputPanel, TypesIntoADialog) {
+    FakeHost host;
+    RunProgram(SmallDevice(), [&] {
+        TapPanelButton();
+        const HWND dialog = OpenOnSmallDevice(40011);
+        for (const char* label : {"b", "o", "x"}) TapAsTheDesktopDoes(label);
+        OnWindowThread([] { EXPECT_EQ(ControlText(1255).toStdString(), "box"); });
+        TapAsTheDesktopDoes("Esc");
+        EXPECT_TRUE(Gone(dialog));
+        ExpectBackOnTheScreen();
+    });
+}
+
+TEST(InputPanel, TypesIntoADialogOverTheSheetAndTheSheetStandsAboveIt) {
+    RunProgram(SmallDevice(), [&] {
+        TapPanelButton();
+        const HWND sheet = OpenOnSmallDevice(40012);
+        OnWindowThread([&] {
+            RECT place;
+            GetWindowRect(sheet, &place);
+            EXPECT_LE(place.bottom, 320 - 26 - 80);
+            TurnPage(2);
+        });
+        ASSERT_TRUE(Eventually([] { return ClickControl(1243); }));
+        ASSERT_TRUE(Eventually([] { return DialogTitle() == "Change"; }));
+        TapAsTheDesktopDoes("k");
+        OnWindowThread([] { EXPECT_EQ(ControlText(1002).toStdString(), "k"); });
+        TapAsTheDesktopDoes("Esc");
+        ASSERT_TRUE(Eventually([] { return DialogTitle() == "Properties"; }));
+        TapAsTheDesktopDoes("Esc");
+        EXPECT_TRUE(Gone(sheet));
+        ExpectBackOnTheScreen();
+    });
+}
+
+TEST(InputPanel, FollowsADeviceResizedUnderADialog) {
+    RunProgram(SmallDevice(), [&] {
+        TapPanelButton();
+        const HWND dialog = OpenOnSmallDevice(40011);
+        ResizeDevice(300, 400);
+        OnWindowThread([] {
+            const QPoint corner = DeviceScreen()->mapToGlobal(QPoint(0, 400 - 26 - 80));
+            EXPECT_EQ(ShellInputPanel()->geometry(), QRect(corner, QSize(300, 80)));
+            SIPINFO panel = {};
+            panel.cbSize = sizeof(panel);
+            SHSipInfo(SPI_GETSIPINFO, 0, &panel, 0);
+            EXPECT_EQ(panel.rcVisibleDesktop.bottom, 400 - 26 - 80);
+            EXPECT_EQ(panel.fdwFlags & SIPF_ON, DWORD{SIPF_ON});
+        });
+        TapAsTheDesktopDoes("Esc");
+        EXPECT_TRUE(Gone(dialog));
+    });
+}
+
+TEST(InputPanel, KeyThatClosesADialogIsNotHeldOn) {
+    RunProgram(SmallDevice(), [&] {
+        TapPanelButton();
+        const HWND dialog = OpenOnSmallDevice(126);
+        PanelKey* key = nullptr;
+        OnWindowThread([&] {
+            key = KeyLabelled("Enter");
+            QTest::mousePress(key->window()->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                              key->mapTo(key->window(), key->rect().center()));
+            EXPECT_TRUE(key->isDown());
+        });
+        EXPECT_TRUE(Gone(dialog));
+        OnWindowThread([&] { EXPECT_FALSE(key->isDown()) << "it would repeat into the terminal"; });
+    });
+}
+
+TEST(InputPanel, ProgramEndsUnderADialogWithIt) {
+    const int result = RunProgram(SmallDevice(), [&] {
+        TapPanelButton();
+        OpenOnSmallDevice(40011);
+        OnWindowThread([] { DestroyWindow(session.main_window); });
+    });
+    EXPECT_EQ(result, 0);
 }
 
 }  // namespace

@@ -122,6 +122,19 @@ TEST_P(Color, DoesNothingOnADeviceWithoutAChooser) {
 INSTANTIATE_TEST_SUITE_P(Each, Color, testing::ValuesIn(kColors),
                          [](const auto& info) { return std::string(info.param.name); });
 
+TEST(Colors, TheTerminalIsRepaintedAfterACancelledChoiceToo) {
+    RunProgram(FreshStage(), [&] {
+        for (const BOOL accepted : {FALSE, TRUE}) {
+            UseDouble(0x00123456, accepted);
+            OnWindowThread([] {
+                session.view.full_repaint = 0;
+                SendMessageW(session.main_window, WM_COMMAND, IDM_COLOR_TEXT, 0);
+                EXPECT_EQ(session.view.full_repaint, 1u);
+            });
+        }
+    });
+}
+
 TEST(Colors, CustomColoursLastForTheRun) {
     RunProgram(FreshStage(), [&] {
         UseDouble(0x00445566, FALSE);

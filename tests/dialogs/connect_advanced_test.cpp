@@ -134,6 +134,9 @@ const PortCase kPorts[] = {
     {"Empty", u"", 2323},
     {"Letters", u"abc", 2323},
     {"Negative", u"-1", 2323},
+    {"BlanksAround", u" 22 ", 22},
+    {"BlankWithin", u"2 2", 2323},
+    {"LettersAfter", u"22x", 2323},
     {"OtherDigits", u"\x0662\x0663", 2323},
 };
 
@@ -254,6 +257,18 @@ TEST(ConnectAdvanced, CiphersTakeEachOthersMarkAndLeaveTheProtocol) {
         ClickControl(advanced.dialog, IDC_DES);
         CloseBoth(advanced, IDCANCEL);
         EXPECT_EQ(StoredNumber(stage.root, "ssh_type"), 1u);
+    });
+}
+
+// As a session takes it: 1 is SSH-2, any other value SSH-1.
+TEST(ConnectAdvanced, AProtocolOutOfRangeIsShownAsSsh1) {
+    const Stage stage = FreshStage([] { WriteNumber(u"ssh_type2", 2); });
+    RunProgram(stage, [&] {
+        const Advanced advanced = OpenAdvanced();
+        EXPECT_TRUE(Marked(advanced.dialog, IDC_SSH1));
+        EXPECT_FALSE(Marked(advanced.dialog, IDC_SSH2));
+        CloseBoth(advanced, IDOK);
+        EXPECT_EQ(StoredNumber(stage.root, "ssh_type2"), 0u);
     });
 }
 

@@ -200,6 +200,14 @@ TEST(ConnectLimits, TheSixtiethCharacterIsCut) {
 }
 
 // Strings of more than 80 bytes do not read back.
+TEST(ConnectLimits, TheSixtiethCharacterCannotBeTyped) {
+    RunProgram(StageWithHistory(0), [&] {
+        const HWND dialog = OpenDialog(IDM_CONNECT, "Connect");
+        TypeInto(dialog, IDC_HOST, std::u16string(59, u'h') + u"XYZ");
+        EXPECT_EQ(TextOf(dialog, IDC_HOST), std::u16string(59, u'h'));
+    });
+}
+
 TEST(ConnectLimits, AHostOfMoreThan39CharactersIsForgottenAtTheNextStart) {
     const Stage stage = StageWithHistory(0);
     Stage again;

@@ -2,11 +2,13 @@
 // to, and a text that is cut off is scrolled to.
 #include <gtest/gtest.h>
 #include <QColorDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScrollBar>
 
+#include "app/session_state.h"
 #include "config/key_map.h"
 #include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
@@ -126,6 +128,43 @@ TEST(SmallDevice, ALongKeystrokeStaysInSight) {
             EXPECT_FALSE(list->verticalScrollBar()->isVisible());
         });
     });
+}
+
+// The longest texts that the program shows, and its longest question.
+TEST(SmallDevice, MessageBoxesStandOnTheScreenWithTheirTextsWhole) {
+    static const char16_t* const kTexts[] = {
+        u"I am busy making a connection. Do you want to cancel the request",
+        u"RAS Dial has failed. Check your network configuration (633)",
+        u"No active network. Should I dial a network using modem (The modem at home) ?",
+        u"Do you really want to close this session"};
+    for (const bool turned : {false, true}) {
+        RunProgram(SmallDevice(turned), [] {
+            for (const char16_t* text : kTexts) {
+                QMetaObject::invokeMethod(
+                    qApp,
+                    [=] {
+                        MessageBoxW(session.main_window, text, u"Warning",
+                                    MB_OKCANCEL | MB_ICONEXCLAMATION);
+                    },
+                    Qt::QueuedConnection);
+                AwaitBox();
+                OnWindowThread([&] {
+                    const QWidget* box = ShownMessageBox();
+                    ASSERT_NE(box, nullptr);
+                    const auto* label = box->findChild<QLabel*>("qt_msgbox_label");
+                    EXPECT_GE(label->height(), label->wordWrap()
+                                                   ? label->heightForWidth(label->width())
+                                                   : label->sizeHint().height());
+                    const QPoint corner = DeviceScreen()->mapFromGlobal(box->geometry().topLeft());
+                    EXPECT_TRUE(DeviceScreen()->rect().contains(QRect(corner, box->size())))
+                        << corner.x() << "," << corner.y() << " " << box->width() << "x"
+                        << box->height() << " " << ShownMessageBox()->text().toStdString();
+                });
+                PressCancel();
+                ASSERT_TRUE(Eventually([] { return ShownMessageBox() == nullptr; }));
+            }
+        });
+    }
 }
 
 }  // namespace

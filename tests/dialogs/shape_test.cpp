@@ -9,6 +9,7 @@
 #include <QListView>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyle>
 
 #include "app/session_state.h"
 #include "config/settings.h"
@@ -120,6 +121,24 @@ TEST_P(EachDialog, FitsADeviceOf240PixelsWithAllItsTexts) {
     });
 }
 
+// A box or circle that is higher than its control is cut off below.
+TEST_P(EachDialog, MarksAreDrawnWhole) {
+    RunProgram(FreshStage(), [] {
+        const HWND dialog = GetParam().open();
+        OnWindowThread([=] {
+            for (const ShownControl& control : ControlsOf(dialog)) {
+                const Kind kind = KindOf(control.widget);
+                if (kind != Kind::kCheck && kind != Kind::kRadio) continue;
+                const auto height = kind == Kind::kCheck ? QStyle::PM_IndicatorHeight
+                                                         : QStyle::PM_ExclusiveIndicatorHeight;
+                EXPECT_GE(control.widget->height(),
+                          control.widget->style()->pixelMetric(height, nullptr, control.widget))
+                    << control.label;
+            }
+        });
+    });
+}
+
 TEST_P(EachDialog, ControlsDoNotOverlap) {
     RunProgram(FreshStage(), [] {
         const HWND dialog = GetParam().open();
@@ -137,8 +156,8 @@ TEST_P(EachDialog, ControlsDoNotOverlap) {
 class CentredDialog : public testing::TestWithParam<DialogCase> {};
 
 TEST_P(CentredDialog, StandsOverTheMiddleOfTheMainWindow) {
-    for (int width : {640, 240}) {
-        RunProgram(FreshStage(width, 400), [] {
+    for (const auto& [width, height] : {std::pair(640, 400), {240, 400}, {150, 100}}) {
+        RunProgram(FreshStage(width, height), [] {
             const RECT place = Place(GetParam().open());
             RECT room = {};
             OnWindowThread([&] { GetClientRect(session.main_window, &room); });

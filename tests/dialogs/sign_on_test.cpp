@@ -105,7 +105,10 @@ TEST(SignOn, WithoutRememberPasswordTheFieldIsEmptyEveryTime) {
 
 TEST(SignOn, OpeningForgetsAPasswordThatIsNotRememberedEvenIfCancelled) {
     const Stage stage = StageWith(u"anna", u"left over", 0);
-    RunProgram(stage, [] { CloseBy(OpenSignOn(), IDCANCEL); });
+    RunProgram(stage, [] {
+        CloseBy(OpenSignOn(), IDCANCEL);
+        for (const WCHAR unit : session.settings.ssh_p) EXPECT_EQ(unit, 0) << "not wiped whole";
+    });
     EXPECT_EQ(StoredText(stage.root, "ssh_p"), u"");
 }
 

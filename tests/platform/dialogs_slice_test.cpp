@@ -121,6 +121,14 @@ TEST_F(DialogSlice, EnterPressesTheDefaultButton) {
     EXPECT_EQ(IDOK, On(kEverything, [] { Press(Qt::Key_Return); }));
 }
 
+TEST_F(DialogSlice, EnterWithAModifierPressesNothing) {
+    for (const int modifier : {int{Qt::ControlModifier}, int{Qt::ShiftModifier}})
+        EXPECT_EQ(99, On(kEverything, [=] {
+                      DialogWidgetOf(kPlain)->setFocus();
+                      Press(Qt::Key_Return, modifier);
+                  }));
+}
+
 TEST_F(DialogSlice, EnterPressesTheButtonWithTheFocus) {
     g_on_advanced = [](HWND dialog) { EndDialog(dialog, 7); };
     EXPECT_EQ(7, On(kEverything, [] {
@@ -328,9 +336,31 @@ TEST_F(DialogSlice, ListIsUsedByKeyboardAlone) {
         EXPECT_EQ(1, SendDlgItemMessageW(ShownDialog(), kFont, LB_GETCURSEL, 0, 0));
         Press(Qt::Key_End);
         EXPECT_EQ(2, SendDlgItemMessageW(ShownDialog(), kFont, LB_GETCURSEL, 0, 0));
+        Press(Qt::Key_Space, int{Qt::ControlModifier});
         EXPECT_FALSE(Heard(kFont, LBN_DBLCLK));
         Press(Qt::Key_Space);
         EXPECT_TRUE(Heard(kFont, LBN_DBLCLK));
+    });
+}
+
+TEST_F(DialogSlice, ComboKeepsItsChoiceWhileEntriesComeAndGo) {
+    On(kEverything, [] {
+        const HWND dialog = ShownDialog();
+        const auto tell = [=](UINT message, WPARAM row, const char16_t* text) {
+            return SendDlgItemMessageW(dialog, kHost, message, row, reinterpret_cast<LPARAM>(text));
+        };
+        tell(CB_ADDSTRING, 0, u"one");
+        tell(CB_ADDSTRING, 0, u"two");
+        tell(CB_SETCURSEL, 0, nullptr);
+        tell(CB_INSERTSTRING, 0, u"zero");
+        EXPECT_EQ(1, tell(CB_GETCURSEL, 0, nullptr));
+        EXPECT_EQ("one", ControlText(kHost));
+        tell(CB_INSERTSTRING, 2, u"one and a half");
+        EXPECT_EQ(1, tell(CB_GETCURSEL, 0, nullptr));
+        tell(CB_DELETESTRING, 0, nullptr);
+        EXPECT_EQ(0, tell(CB_GETCURSEL, 0, nullptr));
+        EXPECT_EQ("one", ControlText(kHost));
+        Press(Qt::Key_Return);
     });
 }
 
@@ -590,6 +620,16 @@ TEST_F(DialogSlice, ChooserStartsWithTheColourAndGivesTheChosenOne) {
     EXPECT_EQ(nullptr, ShownColorDialog());
 }
 
+TEST_F(DialogSlice, CustomColoursOfACancelledChooserAreKept) {
+    ColorRequest ask;
+    OnNextDialog([] {
+        QColorDialog::setCustomColor(5, QColor(1, 2, 3));
+        ShownColorDialog()->reject();
+    });
+    EXPECT_FALSE(FindChooser()(&ask.request));
+    EXPECT_EQ(RGB(1, 2, 3), ask.custom[5]);
+}
+
 TEST_F(DialogSlice, CancelledChooserChangesNothing) {
     ColorRequest ask;
     OnNextDialog([] {
@@ -600,6 +640,21 @@ TEST_F(DialogSlice, CancelledChooserChangesNothing) {
     EXPECT_EQ(RGB(10, 20, 30), ask.request.rgbResult);
     OnNextDialog([] { ShownColorDialog()->window()->close(); });
     EXPECT_FALSE(FindChooser()(&ask.request));
+}
+
+TEST_F(DialogSlice, ChooserGivesTheKeysBackToTheDialogBelow) {
+    g_on_advanced = [](HWND) {
+        ColorRequest ask;
+        OnNextDialog([] { ShownColorDialog()->accept(); });
+        EXPECT_TRUE(FindChooser()(&ask.request));
+    };
+    EXPECT_EQ(99, On(kEverything, [] {
+                  ClickControl(kAdvanced);
+                  Settle(100);
+                  ASSERT_NE(nullptr, ShownDialog());
+                  EXPECT_EQ(FindWindowRecord(ShownDialog())->widget->window(),
+                            QApplication::activeWindow());
+              }));
 }
 
 TEST_F(DialogSlice, ChooserFitsTheScreen) {
@@ -621,6 +676,11 @@ TEST_F(DialogSlice, ChooserWantsItsTemplateAndItsSize) {
     ask.request.lpTemplateName = MAKEINTRESOURCE(kExtended);
     OnNextDialog([] { ShownColorDialog()->accept(); });
     EXPECT_TRUE(FindChooser()(&ask.request));
+    ask.request.hwndOwner = reinterpret_cast<HWND>(0x7777);
+    OnNextDialog([] { ShownColorDialog()->accept(); });
+    EXPECT_FALSE(FindChooser()(&ask.request)) << "that owner is no window";
+    ForgetDialogs();
+    ask.request.hwndOwner = nullptr;
     ask.request.lStructSize = 4;
     EXPECT_FALSE(FindChooser()(&ask.request));
 }

@@ -195,6 +195,17 @@ TEST_F(Dialogs, ClosingIsCancelling) {
     EXPECT_EQ(1, NoticesOf(IDCANCEL, BN_CLICKED));
 }
 
+TEST_F(Dialogs, ClosingWithCancelSwitchedOffDoesNothing) {
+    g_act = [](HWND dialog) {
+        EnableWindow(GetDlgItem(dialog, IDCANCEL), FALSE);
+        SendMessageW(dialog, WM_CLOSE, 0, 0);
+        g_act = [](HWND same) { EndDialog(same, 7); };
+        PostMessageW(dialog, WM_APP, 0, 0);
+    };
+    EXPECT_EQ(7, Show(kEverything));
+    EXPECT_EQ(0, NoticesOf(IDCANCEL, BN_CLICKED));
+}
+
 TEST_F(Dialogs, WindowGoesWithItsEnd) {
     HWND shown = nullptr;
     On(kEverything, [&](HWND dialog) { shown = dialog; });
@@ -756,6 +767,30 @@ TEST_F(Sheets, PageThatDoesNotLetGoStays) {
         EXPECT_EQ(page, SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
         Press(sheet, PSBTN_OK);
         EXPECT_EQ((Heard{TEXT("1:init"), TEXT("1:set"), TEXT("1:kill"), TEXT("1:kill")}), g_heard);
+        Press(sheet, PSBTN_CANCEL);
+    };
+    EXPECT_EQ(0, ShowSheet());
+}
+
+TEST_F(Sheets, PageThatIsNoneIsNotTurnedTo) {
+    g_in_sheet[0] = [](HWND sheet) {
+        const LRESULT page = SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0);
+        for (const WPARAM index : {WPARAM{2}, WPARAM{1000}, static_cast<WPARAM>(-1)})
+            EXPECT_FALSE(SendMessageW(sheet, PSM_SETCURSEL, index, 0));
+        EXPECT_EQ(page, SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
+        Press(sheet, PSBTN_CANCEL);
+    };
+    EXPECT_EQ(0, ShowSheet());
+}
+
+TEST_F(Sheets, PageThatDoesNotApplyIsTheOneToBeSeen) {
+    g_in_sheet[0] = [](HWND sheet) {
+        const LRESULT first = SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0);
+        SendMessageW(sheet, PSM_SETCURSEL, 1, 0);
+        EXPECT_NE(first, SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
+        g_apply_answer = PSNRET_INVALID;
+        Press(sheet, PSBTN_OK);
+        EXPECT_EQ(first, SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
         Press(sheet, PSBTN_CANCEL);
     };
     EXPECT_EQ(0, ShowSheet());
