@@ -34,6 +34,11 @@ constexpr int kPollMilliseconds = 50;
 constexpr DWORD kKilledMilliseconds = 2000;  // until a program ended by force is given up
 
 struct DialUp {
+    ~DialUp() {
+        hang_up = true;
+        if (thread.joinable()) thread.join();
+    }
+
     HWND notifier = nullptr;
     std::string program;
     std::string entry;
@@ -230,10 +235,8 @@ void AwaitUsualEnd(const DialUp& dial) {
 }
 
 void ForgetEnded() {
-    std::erase_if(g_leaving, [](const std::unique_ptr<DialUp>& dial) {
-        if (dial->ended) dial->thread.join();
-        return dial->ended.load();
-    });
+    std::erase_if(g_leaving,
+                  [](const std::unique_ptr<DialUp>& dial) { return dial->ended.load(); });
 }
 
 }  // namespace
@@ -272,6 +275,5 @@ DWORD RasHangUpW(HRASCONN connection) {
 
 void EndDialUps() {
     while (!g_dials.empty()) RasHangUpW(g_dials.begin()->first);
-    for (const std::unique_ptr<DialUp>& dial : g_leaving) dial->thread.join();
     g_leaving.clear();
 }
