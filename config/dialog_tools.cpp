@@ -51,6 +51,18 @@ void TakeTexts(HWND dialog, const TextRow* rows) {
     for (; rows->id; rows++) GetDlgItemTextW(dialog, rows->id, rows->field, rows->units);
 }
 
+// A mean letter is four dialog units wide.
+void FitListWidth(HWND dialog, int id) {
+    LRESULT longest = 0;
+    const LRESULT count = SendDlgItemMessageW(dialog, id, LB_GETCOUNT, 0, 0);
+    for (LRESULT row = 0; row < count; row++)
+        longest = std::max(
+            longest, SendDlgItemMessageW(dialog, id, LB_GETTEXTLEN, static_cast<WPARAM>(row), 0));
+    RECT line = {0, 0, static_cast<LONG>(4 * (longest + 1)), 8};
+    MapDialogRect(dialog, &line);
+    SendDlgItemMessageW(dialog, id, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(line.right), 0);
+}
+
 void CentreDialog(HWND dialog) {
     const HWND parent = GetParent(dialog);
     RECT room, box;

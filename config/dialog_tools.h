@@ -40,6 +40,9 @@ void TakeMarks(HWND dialog, const MarkRow* rows);  // each field becomes 0 or 1
 void ShowTexts(HWND dialog, const TextRow* rows);
 void TakeTexts(HWND dialog, const TextRow* rows);
 
+// Lets a list box with a horizontal scroll bar be scrolled to the end of its longest entry.
+void FitListWidth(HWND dialog, int id);
+
 // Moves a dialog over the middle of its parent's client area, and never to the left of it or above.
 void CentreDialog(HWND dialog);
 

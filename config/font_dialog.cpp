@@ -31,6 +31,7 @@ void ShowFaces(HWND dialog) {
         if (lstrcmpW(name, s.fname) == 0) selected = static_cast<WPARAM>(at);
     }
     AskList(dialog, LB_SETCURSEL, selected);
+    FitListWidth(dialog, IDC_FONTS);
 }
 
 void OnOpen(HWND dialog) {

@@ -35,8 +35,10 @@ void InsertLine(HWND page, const BarList& list, int row, int place) {
 }
 
 void FillLists(HWND page) {
-    for (const BarList& list : kLists)
+    for (const BarList& list : kLists) {
         for (int row = 0; toolbar_buttons[row].name; row++) InsertLine(page, list, row, row);
+        FitListWidth(page, list.id);
+    }
 }
 
 void ToggleSelected(HWND page, const BarList& list) {

@@ -6,47 +6,19 @@ set -eu
 cd "$(dirname "$0")/.."
 program=build/release/platform/qt/quill
 demo=build/release/demo/quill_demo_host
-work=$(mktemp -d "${TMPDIR:-/tmp}/quill-pictures.XXXXXX")
-server= host= client=
-clean_up() {
-    for each in $client $host $server; do kill "$each" 2>/dev/null || :; done
-    wait
-    rm -rf "$work"
-}
-trap clean_up EXIT
-
-await_line() {
-    tries=0
-    while [ "$(wc -l <"$1")" -lt 1 ]; do
-        [ $tries -lt 100 ] || { echo "pictures.sh: nothing came into $1" >&2; exit 1; }
-        sleep 0.1
-        tries=$((tries + 1))
-    done
-    head -n 1 "$1"
-}
-
-: >"$work/display"
-Xvfb -displayfd 3 -screen 0 1400x1000x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
-server=$!
-DISPLAY=:$(await_line "$work/display")
-export DISPLAY QT_QPA_PLATFORM=xcb
+. tests/support/outside.sh
+open_screen 1400x1000
 
 # picture NAME SCREEN SCALE ACTIONS: a session, logged in, then the actions, then the picture. An
 # empty SCREEN is the size that the program chooses.
 picture() {
     name=$1 screen=$2 scale=$3 actions=$4
-    rm -rf "$work/root"
-    mkdir "$work/root"
     : >"$work/host"
     "$demo" >"$work/host" &
     host=$!
-    port=$(await_line "$work/host")
-    printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "${port##*:}" >"$work/root/mconfig.cfg"
-    "$program" --root "$work/root" ${screen:+--screen $screen} --scale "$scale" 2>/dev/null &
-    client=$!
-    timeout 20 xdotool search --sync --name '^Quill Telnet$' >/dev/null
-    sleep 1
-    xdotool key Return
+    ends_with_us $host
+    port=$(first_line "$work/host")
+    start_program "${port##*:}" ${screen:+--screen $screen} --scale "$scale"
     sleep 2
     xdotool type --delay 20 anna
     xdotool key Return

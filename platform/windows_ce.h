@@ -1,5 +1,5 @@
 // The slice of the Windows CE API that the program is written against: every type, constant and
-// function that it uses, by its real name and with its real value, and nothing else.
+// function that it or a test of it uses, by its real name and value, and nothing else.
 //
 // On Windows platform/win32/windows_ce.h takes this file's place: the system's own headers.
 // Everywhere else the declarations below are met by platform/qt. Shapes, ranges and results are
@@ -432,7 +432,8 @@ typedef INT_PTR(CALLBACK* DLGPROC)(HWND, UINT, WPARAM, LPARAM);
 // Shows the dialog of a template (DIALOG or DIALOGEX) over its owner until EndDialog, and returns
 // what that was given; -1 when there is no such template, it is damaged, or the owner is no window;
 // 0 when the program ends meanwhile. The owner gets no input; posted messages and timers of every
-// window go on. A child as the owner stands for its top-level window.
+// window go on. A child as the owner stands for its top-level window. What is posted comes before a
+// dialog without WS_VISIBLE is seen.
 //
 // The procedure returns TRUE for what it has dealt with. Not dealt with, WM_CLOSE becomes
 // WM_COMMAND with IDCANCEL; Esc gives IDCANCEL; Enter presses the default button, or gives IDOK.
@@ -500,7 +501,6 @@ BOOL CheckRadioButton(HWND dialog, int first, int last, int checked);  // clears
 #define EM_SETSEL 0x00B1u
 #define EM_REPLACESEL 0x00C2u
 #define EM_LIMITTEXT 0x00C5u  // units that the user can type; 0: as many as there is room for
-#define EM_SETLIMITTEXT EM_LIMITTEXT
 
 // List boxes with a single selection.
 #define LBS_NOTIFY 0x0001u
@@ -519,6 +519,7 @@ BOOL CheckRadioButton(HWND dialog, int first, int last, int checked);  // clears
 #define LB_GETCOUNT 0x018Bu
 #define LB_SELECTSTRING 0x018Cu  // by how it begins, without case, after row `wparam`
 #define LB_GETTOPINDEX 0x018Eu
+#define LB_SETHORIZONTALEXTENT 0x0194u  // pixels; until then WS_HSCROLL shows no bar
 #define LB_SETTOPINDEX 0x0197u
 #define LB_GETITEMDATA 0x0199u
 #define LB_SETITEMDATA 0x019Au

@@ -2,6 +2,8 @@
 #ifndef QUILL_RESOURCES_RESOURCE_IDS_H
 #define QUILL_RESOURCES_RESOURCE_IDS_H
 
+#define IDI_PROGRAM 101 /* drawn in icons/101-program.txt */
+
 #define IDR_ACCELERATORS 3
 #define IDR_MENU_OFFLINE 102
 #define IDR_MENU_ONLINE 129

@@ -1,4 +1,4 @@
-// Decodes the bitmaps of the resources.
+// Decodes the bitmaps and icons of the resources.
 #include "bitmaps.h"
 
 #include <cstdlib>
@@ -86,18 +86,16 @@ bool TakePalette(ResourceReader* reader, const Header& header, std::vector<uint3
     return reader->ok;
 }
 
-}  // namespace
+size_t StrideOf(int width, WORD bits) { return (static_cast<size_t>(width) * bits + 31) / 32 * 4; }
 
-bool ReadBitmap(ResourceReader reader, Bitmap* bitmap) {
-    Header header;
-    std::vector<uint32_t> palette;
-    if (!TakeHeader(&reader, &header)) return false;
-    const DepthRow* depth = DepthOf(header.bits);
-    if (!depth || !TakePalette(&reader, header, &palette)) return false;
+// The pixels of `bits` each that come next, named by the palette.
+bool TakePixels(ResourceReader* reader, const Header& header, WORD bits,
+                const std::vector<uint32_t>& palette, Bitmap* bitmap) {
+    const DepthRow* depth = DepthOf(bits);
     const int height = std::abs(header.height);
-    const size_t stride = (static_cast<size_t>(header.width) * header.bits + 31) / 32 * 4;
-    const uint8_t* rows = reader.bytes + reader.position;
-    if (!reader.Has(stride * static_cast<size_t>(height))) return false;
+    const size_t stride = StrideOf(header.width, bits);
+    const uint8_t* rows = reader->bytes + reader->position;
+    if (!depth || !reader->Has(stride * static_cast<size_t>(height))) return false;
     *bitmap = {header.width, height, {}};
     for (int y = 0; y < height; y++) {
         const int line = header.height < 0 ? y : height - 1 - y;
@@ -105,5 +103,28 @@ bool ReadBitmap(ResourceReader reader, Bitmap* bitmap) {
         for (int x = 0; x < header.width; x++)
             bitmap->pixels.push_back(depth->pixel(row, x, palette));
     }
+    reader->Skip(stride * static_cast<size_t>(height));
+    return true;
+}
+
+}  // namespace
+
+bool ReadBitmap(ResourceReader reader, Bitmap* bitmap) {
+    Header header;
+    std::vector<uint32_t> palette;
+    if (!TakeHeader(&reader, &header) || !TakePalette(&reader, header, &palette)) return false;
+    return TakePixels(&reader, header, header.bits, palette, bitmap);
+}
+
+bool ReadIcon(ResourceReader reader, Bitmap* bitmap) {
+    Header header;
+    std::vector<uint32_t> palette;
+    if (!TakeHeader(&reader, &header) || !TakePalette(&reader, header, &palette)) return false;
+    if (header.height < 2 || header.height % 2) return false;
+    header.height /= 2;  // it counts the mask in
+    Bitmap mask;
+    if (!TakePixels(&reader, header, header.bits, palette, bitmap)) return false;
+    if (!TakePixels(&reader, header, 1, {0xFF000000u, 0}, &mask)) return false;
+    for (size_t i = 0; i < bitmap->pixels.size(); i++) bitmap->pixels[i] |= mask.pixels[i];
     return true;
 }

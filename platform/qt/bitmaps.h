@@ -1,4 +1,4 @@
-// Bitmaps among the resources.
+// Bitmaps and icons among the resources.
 #ifndef QUILL_PLATFORM_QT_BITMAPS_H
 #define QUILL_PLATFORM_QT_BITMAPS_H
 
@@ -6,7 +6,7 @@
 
 #include "resources.h"
 
-// Rows from the top, pixels from the left, each 0x00RRGGBB.
+// Rows from the top, pixels from the left, each 0x00RRGGBB (an icon's: 0xAARRGGBB).
 struct Bitmap {
     int width = 0;
     int height = 0;
@@ -19,5 +19,9 @@ inline constexpr int kLargestBitmap = 1024;  // pixels of either side
 // rows from the bottom or (negative height) from the top. False for every other one, and for one
 // that is larger than kLargestBitmap or shorter than it says.
 bool ReadBitmap(ResourceReader reader, Bitmap* bitmap);
+
+// One size of an icon: the same with rows from the bottom, whose height counts twice, and a mask of
+// one bit a pixel behind the colours. The pixels are 0xAARRGGBB, opaque or seen through.
+bool ReadIcon(ResourceReader reader, Bitmap* bitmap);
 
 #endif

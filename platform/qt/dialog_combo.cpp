@@ -64,24 +64,17 @@ int Insert(QComboBox* combo, int row, const QString& text) {
     return row;
 }
 
-int SortedRow(const QComboBox* combo, const QString& text) {
-    int row = 0;
-    while (row < combo->count() && combo->itemText(row).compare(text, Qt::CaseInsensitive) <= 0)
-        row++;
-    return row;
-}
-
 LRESULT AddEntry(Window& window, WPARAM, LPARAM text) {
     QComboBox* combo = ComboOf(window);
     const QString entry = FromWide(reinterpret_cast<LPCWSTR>(text));
     const bool sorted = window.control->style & CBS_SORT;
-    return Insert(combo, sorted ? SortedRow(combo, entry) : combo->count(), entry);
+    return Insert(combo, sorted ? SortedPlace(Entries(combo), entry) : combo->count(), entry);
 }
 
 LRESULT InsertEntry(Window& window, WPARAM row, LPARAM text) {
     QComboBox* combo = ComboOf(window);
-    const int place = static_cast<int>(row) == -1 ? combo->count() : static_cast<int>(row);
-    if (place < 0 || place > combo->count()) return CB_ERR;
+    const int place = PlaceOf(row, combo->count());
+    if (place < 0) return CB_ERR;
     return Insert(combo, place, FromWide(reinterpret_cast<LPCWSTR>(text)));
 }
 

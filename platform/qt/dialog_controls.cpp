@@ -196,3 +196,14 @@ int FindEntry(const QStringList& entries, int after, const QString& wanted, bool
     }
     return LB_ERR;
 }
+
+int SortedPlace(const QStringList& entries, const QString& text) {
+    int row = 0;
+    while (row < entries.size() && entries[row].compare(text, Qt::CaseInsensitive) <= 0) row++;
+    return row;
+}
+
+int PlaceOf(WPARAM row, int count) {
+    const int place = static_cast<int>(row) == -1 ? count : static_cast<int>(row);
+    return place > count || place < 0 ? -1 : place;
+}

@@ -28,7 +28,7 @@ class ListBox : public QListWidget {
     }
 };
 
-Qt::ScrollBarPolicy BarFor(DWORD wanted) {
+Qt::ScrollBarPolicy BarFor(bool wanted) {
     return wanted ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff;
 }
 
@@ -51,7 +51,7 @@ QWidget* MakeListBox(HWND control, const DialogItem& item, QWidget* parent) {
     auto* list = new ListBox(parent);
     list->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     list->setVerticalScrollBarPolicy(BarFor(item.style & WS_VSCROLL));
-    list->setHorizontalScrollBarPolicy(BarFor(item.style & WS_HSCROLL));
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setTabKeyNavigation(false);
     if (!(item.style & LBS_NOTIFY)) return list;
     QObject::connect(list, &QListWidget::itemSelectionChanged, list,
@@ -68,24 +68,17 @@ int Insert(QListWidget* list, int row, const QString& text) {
     return row;
 }
 
-int SortedRow(const QListWidget* list, const QString& text) {
-    int row = 0;
-    while (row < list->count() && list->item(row)->text().compare(text, Qt::CaseInsensitive) <= 0)
-        row++;
-    return row;
-}
-
 LRESULT AddEntry(Window& window, WPARAM, LPARAM text) {
     QListWidget* list = ListOf(window);
     const QString entry = FromWide(reinterpret_cast<LPCWSTR>(text));
     const bool sorted = window.control->style & LBS_SORT;
-    return Insert(list, sorted ? SortedRow(list, entry) : list->count(), entry);
+    return Insert(list, sorted ? SortedPlace(Entries(list), entry) : list->count(), entry);
 }
 
 LRESULT InsertEntry(Window& window, WPARAM row, LPARAM text) {
     QListWidget* list = ListOf(window);
-    const int place = static_cast<int>(row) == -1 ? list->count() : static_cast<int>(row);
-    if (place < 0 || place > list->count()) return LB_ERR;
+    const int place = PlaceOf(row, list->count());
+    if (place < 0) return LB_ERR;
     return Insert(list, place, FromWide(reinterpret_cast<LPCWSTR>(text)));
 }
 
@@ -159,6 +152,14 @@ LRESULT SetTop(Window& window, WPARAM row, LPARAM) {
     return 0;
 }
 
+// How wide its entries are the toolkit knows by itself.
+LRESULT SetWidth(Window& window, WPARAM pixels, LPARAM) {
+    const bool wanted = pixels > 0 && window.control->style & WS_HSCROLL;
+    ListOf(window)->setHorizontalScrollBarPolicy(BarFor(wanted));
+    ListOf(window)->doItemsLayout();
+    return 0;
+}
+
 LRESULT GetData(Window& window, WPARAM row, LPARAM) {
     const QListWidgetItem* item = ItemAt(window, row);
     return item ? static_cast<LRESULT>(item->data(Qt::UserRole).toLongLong()) : LB_ERR;
@@ -184,6 +185,7 @@ const MessageRow kListMessages[] = {
     {LB_SELECTSTRING, SelectByText},
     {LB_GETTOPINDEX, GetTop},
     {LB_SETTOPINDEX, SetTop},
+    {LB_SETHORIZONTALEXTENT, SetWidth},
     {LB_GETITEMDATA, GetData},
     {LB_SETITEMDATA, SetData},
     {LB_FINDSTRINGEXACT, FindExact},

@@ -153,13 +153,16 @@ void StartDialog(HWND dialog, LPARAM parameter) {
         FocusControl(*control);
 }
 
-INT_PTR RunDialog(HWND dialog) {
+INT_PTR RunDialog(HWND dialog, bool at_once) {
     Window* window = FindWindowRecord(dialog);
     if (!window) return 0;
     const std::shared_ptr<DialogData> data = window->dialog;
     const QPointer<QWidget> below = window->widget->parentWidget();
     g_open.push_back(dialog);
-    if (!data->ended && !QuitPosted()) {
+    const auto over = [&] { return data->ended || QuitPosted() || !FindWindowRecord(dialog); };
+    if (!at_once) DispatchPosted(over);
+    if (!over()) {
+        window = FindWindowRecord(dialog);
         window->widget->setWindowModality(Qt::ApplicationModal);
         window->widget->show();
         LendInputPanel(window->widget);
@@ -179,6 +182,7 @@ QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {
     auto* area = new QScrollArea(parent);
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);
+    area->viewport()->move(0, 0);  // the frame that it was made with is gone
     *content = new QWidget;
     area->setWidget(*content);
     QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
@@ -230,7 +234,7 @@ INT_PTR DialogBoxParamW(HINSTANCE, LPCWSTR name, HWND owner, DLGPROC procedure, 
     const HWND dialog = MakeDialog(shape, DialogOwner(owner), procedure);
     if (!dialog) return -1;
     StartDialog(dialog, parameter);
-    return RunDialog(dialog);
+    return RunDialog(dialog, shape.style & WS_VISIBLE);
 }
 
 BOOL EndDialog(HWND dialog, INT_PTR result) {

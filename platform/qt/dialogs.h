@@ -48,7 +48,8 @@ HWND DialogOwner(HWND owner);  // the top-level window of it
 Window* MakeDialogWindow(const WindowClass* window_class, HWND owner, const std::u16string& title,
                          DLGPROC procedure);
 void StartDialog(HWND dialog, LPARAM parameter);  // WM_INITDIALOG and the focus that it asks for
-INT_PTR RunDialog(HWND dialog);                   // shows it until its end, and destroys it
+// Shows it until its end, and destroys it: at once, or after what is posted.
+INT_PTR RunDialog(HWND dialog, bool at_once);
 void PlaceDialog(Window& window, const QRect& rect);  // on the device's screen
 QRect CenteredPlace(QSize size);
 QSize DialogPixels(int width, int height);  // of dialog units
@@ -88,6 +89,11 @@ void QueueNotice(HWND control, WORD code);
 void SendNotice(HWND control, WORD code);
 LRESULT CopyText(const QString& text, WPARAM size, LPARAM buffer);  // as WM_GETTEXT does
 void LimitTyping(HWND control, QWidget* edit, int limit);
+// The entries of lists and combo boxes: the row of one by its text, and where a new one goes:
+// behind those that sort before it, or at a row that a message names (-1: the end). -1: there is
+// none.
 int FindEntry(const QStringList& entries, int after, const QString& wanted, bool whole);
+int SortedPlace(const QStringList& entries, const QString& text);
+int PlaceOf(WPARAM row, int count);
 
 #endif

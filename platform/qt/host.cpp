@@ -7,9 +7,11 @@
 #include "device_root.h"
 #include "dial_up.h"
 #include "gdi.h"
+#include "icons.h"
 #include "menu_bar.h"
 #include "registry.h"
 #include "resources.h"
+#include "resources/resource_ids.h"
 #include "testing.h"
 
 extern "C" const uint8_t quill_resources[];
@@ -115,6 +117,7 @@ void OpenDevice(const HostOptions& options) {
     RegisterControls();
     RegisterMenuBar();
     OpenDeviceScreen(QSize(kNarrowestPixels, 300));
+    DeviceScreen()->setWindowIcon(LoadProgramIcon(IDI_PROGRAM));
     DeviceScreen()->resize(options.screen.isEmpty() ? ScreenForTerminal() : options.screen);
 }
 

@@ -1,8 +1,8 @@
 // The message queue of the window thread: posted messages, input, paints and timers in the order
 // of the real one, over Qt's event loop.
 //
-// Paints are paced: one is given out when the queue is idle, and at the latest when a frame is due
-// while messages keep coming; two paints are at least a frame apart.
+// Paints are paced: one is given out when the queue is idle, and at the latest when it has waited
+// for a frame while messages keep coming; two paints are at least a frame apart.
 #include <atomic>
 #include <deque>
 #include <map>
@@ -39,6 +39,7 @@ QString g_key_characters;  // what TranslateMessage makes of the key taken last
 bool g_quit = false;
 int g_quit_code = 0;
 QElapsedTimer g_since_paint;
+QElapsedTimer g_paint_waits;  // since a window to be painted was seen; invalid: none
 HWND g_painted_last = nullptr;
 
 using TimerKey = std::pair<HWND, UINT_PTR>;
@@ -107,6 +108,14 @@ int MillisecondsToFrame() {
     return passed >= kFrameMilliseconds ? 0 : kFrameMilliseconds - static_cast<int>(passed);
 }
 
+bool PaintIsOverdue() {
+    if (!InvalidWindow())
+        g_paint_waits.invalidate();
+    else if (!g_paint_waits.isValid())
+        g_paint_waits.start();
+    return g_paint_waits.isValid() && g_paint_waits.elapsed() >= kFrameMilliseconds;
+}
+
 bool TakePaint(MSG* message, HWND window, UINT first, UINT last) {
     const Window* invalid = InvalidWindow();
     if (!invalid || MillisecondsToFrame() > 0) return false;
@@ -135,7 +144,7 @@ void CollectInput(bool wait) {
 // brought what the caller waits for, so that is asked last.
 bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
           const std::function<bool()>& may_wait) {
-    if (TakePaint(message, window, first, last)) {
+    if (PaintIsOverdue() && TakePaint(message, window, first, last)) {
         CollectInput(false);
         return FindWindowRecord(message->hwnd) != nullptr;
     }
@@ -214,6 +223,7 @@ void ResetMessages() {
     g_key_characters.clear();
     g_quit = false;
     g_since_paint.invalidate();
+    g_paint_waits.invalidate();
     g_painted_last = nullptr;
     g_dispatcher.store(nullptr);
 }
@@ -242,6 +252,15 @@ void RunModalLoop(const std::function<bool()>& done) {
     }
 }
 
+void DispatchPosted(const std::function<bool()>& done) {
+    QElapsedTimer since;
+    since.start();
+    MSG message;
+    while (!done() && since.elapsed() < kFrameMilliseconds &&
+           TakePosted(&message, nullptr, 0, 0, true))
+        DispatchMessageW(&message);
+}
+
 BOOL TranslateMessage(const MSG* message) {
     const bool plain = message->message == WM_KEYDOWN;
     if (!plain && message->message != WM_SYSKEYDOWN) return FALSE;
@@ -264,6 +283,7 @@ LRESULT DispatchMessageW(const MSG* message) {
     if (message->message != WM_PAINT)
         return CallWindowProcedure(*window, message->message, message->wParam, message->lParam);
     g_since_paint.start();
+    g_paint_waits.invalidate();
     g_painted_last = window->handle;
     if (WindowWidget* widget = PaintedWidget(*window)) widget->PaintInvalid();
     return 0;

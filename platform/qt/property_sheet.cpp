@@ -230,7 +230,7 @@ INT_PTR PropertySheetW(LPCPROPSHEETHEADERW header) {
     const HWND sheet = MakeSheet(*header, data);
     const UINT start = header->nStartPage < header->nPages ? header->nStartPage : 0;
     if (!ActivatePage(sheet, static_cast<int>(start))) return DestroyWindow(sheet), -1;
-    return RunDialog(sheet);
+    return RunDialog(sheet, true);
 }
 
 // Where a page is meant by its sheet: the dialog whose controls a person sees.

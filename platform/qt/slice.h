@@ -78,8 +78,10 @@ void QueueInput(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 // A key press with the characters that TranslateMessage is to make of it.
 void QueueKey(HWND window, UINT message, WPARAM key, LPARAM flags, const QString& characters);
 void RunModalLoop(const std::function<bool()>& done);  // dispatches until done or WM_QUIT
-void TakeMessagesFor(HWND window);                     // from now on posts to it are taken
-void ForgetWindowMessages(HWND window);                // and from now on no more
+// What is posted, for a frame at most; neither input nor the toolkit's events have their turn.
+void DispatchPosted(const std::function<bool()>& done);
+void TakeMessagesFor(HWND window);       // from now on posts to it are taken
+void ForgetWindowMessages(HWND window);  // and from now on no more
 // Takes posted messages back that nobody has got yet; whether there were any.
 bool DropPosted(HWND window, UINT message, WPARAM wparam);
 void ResetMessages();

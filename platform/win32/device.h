@@ -22,7 +22,7 @@ BOOL DeviceDeleteFile(LPCWSTR path);
 // ---------------------------------------------------------------- windows.cpp
 
 // The device's window classes have no cursor and no icon of their own; here the arrow and the
-// program's icon take their place.
+// program's icon (IDI_PROGRAM; without one, the system's) take their place.
 ATOM DeviceRegisterClass(const WNDCLASSW* window_class);
 // Every window of the device clips its children. A top-level window gets the desktop's frame, with
 // room for a menu, round the size that was asked for.
@@ -31,6 +31,12 @@ HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD
                         LPVOID parameter);
 // A minimised window is restored, as nothing else would make it visible.
 BOOL DeviceSetForegroundWindow(HWND window);
+
+// ---------------------------------------------------------------- clipboard.cpp
+
+// Opened without an owner, the clipboard is the adapter's own window's: emptied for nobody, it
+// would take nothing afterwards.
+BOOL DeviceOpenClipboard(HWND owner);
 
 // ---------------------------------------------------------------- command_bar.cpp
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "device.h"
+#include "resources/resource_ids.h"
 
 namespace {
 
@@ -23,13 +24,18 @@ SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
             std::min(frame.bottom - frame.top, area.bottom - area.top)};
 }
 
+HICON ProgramIcon() {
+    const HICON own = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_PROGRAM));
+    return own ? own : LoadIconW(nullptr, MAKEINTRESOURCEW(32512));
+}
+
 }  // namespace
 
 ATOM DeviceRegisterClass(const WNDCLASSW* window_class) {
     if (!window_class) return 0;
     WNDCLASSW dressed = *window_class;
     if (!dressed.hCursor) dressed.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
-    if (!dressed.hIcon) dressed.hIcon = LoadIconW(nullptr, MAKEINTRESOURCEW(32512));
+    if (!dressed.hIcon) dressed.hIcon = ProgramIcon();
     return RegisterClassW(&dressed);
 }
 

@@ -34,6 +34,7 @@ typedef u_long WINSOCK_ULONG;
 #define RegisterClassW DeviceRegisterClass
 #define CreateWindowExW DeviceCreateWindow
 #define SetForegroundWindow DeviceSetForegroundWindow
+#define OpenClipboard DeviceOpenClipboard
 #define CreateFontIndirectW DeviceCreateFontIndirect
 #define GetMessageW DeviceGetMessage
 #define DefWindowProcW DeviceDefWindowProc

@@ -115,13 +115,17 @@ void WithAllButtons(const std::function<void()>& person) {
 }
 
 // All 27 buttons, and a session with the host.
+void BeginSession(FakeHost& host) {
+    SetHost(u"127.0.0.1", host.port);
+    Connect();
+    ASSERT_TRUE(host.Accept());
+    host.Send("hello");
+    ASSERT_TRUE(TerminalShows("hello"));
+}
+
 void WithAllButtonsOnline(FakeHost& host, const std::function<void()>& person) {
     WithAllButtons([&] {
-        SetHost(u"127.0.0.1", host.port);
-        Connect();
-        ASSERT_TRUE(host.Accept());
-        host.Send("hello");
-        ASSERT_TRUE(TerminalShows("hello"));
+        BeginSession(host);
         ASSERT_TRUE(ShowsButton("disconnect"));
         person();
     });
@@ -243,10 +247,7 @@ TEST(Toolbar, ConnectBecomesDisconnectAndBack) {
     FakeHost host;
     RunProgram(OfWidth(240), [&] {
         EXPECT_TRUE(ShowsButton("connect"));
-        SetHost(u"127.0.0.1", host.port);
-        Connect();
-        ASSERT_TRUE(host.Accept());
-        host.Send("hello");
+        BeginSession(host);
         EXPECT_TRUE(ShowsButton("disconnect"));
         OnWindowThread([] { EXPECT_EQ(nullptr, ButtonNamed("connect")); });
         Press("disconnect");
@@ -395,11 +396,7 @@ TEST(Toolbar, KeyButtonsSendNothingOffline) {
     FakeHost host;
     WithAllButtons([&] {
         for (const KeyButton& button : kKeyButtons) Press(button.name);
-        SetHost(u"127.0.0.1", host.port);
-        Connect();
-        ASSERT_TRUE(host.Accept());
-        host.Send("hello");
-        ASSERT_TRUE(TerminalShows("hello"));
+        BeginSession(host);
         EXPECT_EQ("", host.ReadSome(50));
     });
 }
@@ -407,11 +404,7 @@ TEST(Toolbar, KeyButtonsSendNothingOffline) {
 TEST(Toolbar, KeyButtonSendsWhatTheKeyTableWasChangedTo) {
     FakeHost host;
     RunProgram(OfWidth(640, [] { WriteString(TEXT("key2"), TEXT("abc\\015")); }), [&] {
-        SetHost(u"127.0.0.1", host.port);
-        Connect();
-        ASSERT_TRUE(host.Accept());
-        host.Send("hello");
-        ASSERT_TRUE(TerminalShows("hello"));
+        BeginSession(host);
         ASSERT_TRUE(ShowsButton("disconnect"));
         Press("P3");
         EXPECT_EQ("abc\r", host.Read(4));

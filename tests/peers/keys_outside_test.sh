@@ -6,30 +6,9 @@
 # Usage: keys_outside_test.sh PROGRAM
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
-for tool in Xvfb xdotool od; do
-    command -v $tool >/dev/null || { echo "keys_outside_test.sh: $tool is missing" >&2; exit 77; }
-done
+. "$here/../support/outside.sh"
+need Xvfb xdotool od
 program=$1
-work=$(mktemp -d "${TMPDIR:-/tmp}/quill-keys.XXXXXX")
-server= client= telnetd=
-clean_up() {
-    for each in $client $telnetd $server; do kill "$each" 2>/dev/null || :; done
-    wait
-    rm -rf "$work"
-}
-trap clean_up EXIT
-fail() { echo "keys_outside_test.sh: $1" >&2; exit 1; }
-
-# await SECONDS COMMAND...: until it succeeds.
-await() {
-    tries=$(($1 * 10))
-    shift
-    until "$@" >/dev/null 2>&1; do
-        tries=$((tries - 1))
-        [ $tries -gt 0 ] || return 1
-        sleep 0.1
-    done
-}
 
 # The options settle the terminal first.
 cat >"$work/record.sh" <<END
@@ -44,6 +23,7 @@ chmod 755 "$work" "$work/record.sh"
 mkfifo "$work/hold"
 "$here/telnetd.sh" -E "$work/record.sh" <"$work/hold" >"$work/port" 2>"$work/telnetd.log" &
 telnetd=$!
+ends_with_us $telnetd
 exec 4>"$work/hold"
 await 60 test -s "$work/port" || {
     cat "$work/telnetd.log" >&2
@@ -51,20 +31,8 @@ await 60 test -s "$work/port" || {
     fail "no telnetd"
 }
 
-: >"$work/display"
-Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
-server=$!
-await 20 test -s "$work/display" || fail "no X server"
-DISPLAY=:$(head -n 1 "$work/display")
-export DISPLAY QT_QPA_PLATFORM=xcb
-
-mkdir "$work/root"
-printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "$(head -n 1 "$work/port")" >"$work/root/mconfig.cfg"
-"$program" --root "$work/root" --scale 1 2>/dev/null &
-client=$!
-timeout 30 xdotool search --sync --name '^Quill Telnet$' >/dev/null || fail "no notice was shown"
-sleep 1
-xdotool key Return
+open_screen
+start_program "$(head -n 1 "$work/port")" --scale 1
 await 30 test -e "$work/recording" || fail "the session did not begin"
 sleep 1
 

@@ -6,32 +6,15 @@
 #include "app/session_state.h"
 #include "telnet/session_send.h"
 #include "tests/support/person.h"
+#include "tests/support/real_servers.h"
 #include "tests/support/sessions.h"
 
 namespace {
 
-// A server script that prints its port; it ends when its input closes.
-struct Server {
-    explicit Server(const QString& script, const QStringList& arguments = {}) {
-        process.start(QUILL_PEERS "/" + script, arguments);
-        process.waitForReadyRead(120000);
-        port = process.readLine().trimmed().toInt();
-        if (port == 0) process.waitForFinished(10000);
-    }
-    ~Server() {
-        process.closeWriteChannel();
-        if (!process.waitForFinished(10000)) process.kill(), process.waitForFinished();
-    }
-    bool Skipped() const {
-        return process.state() == QProcess::NotRunning && process.exitCode() == 77;
-    }
-    QProcess process;
-    int port = 0;
+struct Server : RealServer {
+    explicit Server(const QString& script, const QStringList& arguments = {})
+        : RealServer(QUILL_PEERS "/" + script, arguments) {}
 };
-
-#define START_OR_SKIP(server)                                                                      \
-    if ((server).Skipped()) GTEST_SKIP() << (server).process.readAllStandardError().toStdString(); \
-    ASSERT_GT((server).port, 0) << (server).process.readAllStandardError().toStdString()
 
 void LogIn() {
     ASSERT_TRUE(TerminalShows("ogin:")) << TerminalText();
@@ -39,12 +22,6 @@ void LogIn() {
     ASSERT_TRUE(TerminalShows("assword:")) << TerminalText();
     TypeText("warehouse7\n");
     ASSERT_TRUE(TerminalShows("\n$\n")) << TerminalText();
-}
-
-void ClearAndRun(const std::string& command) {
-    TypeText("clear\n");
-    ASSERT_TRUE(Eventually([] { return TerminalRow(1) == "$"; })) << TerminalText();
-    TypeText(command + "\n");
 }
 
 void WithLogin(Server& server, const std::function<void()>& person) {
@@ -114,17 +91,7 @@ TEST(InetutilsTelnetd, TwentyThousandLinesIntact) {
 TEST(InetutilsTelnetd, VttestDrawsItsFirstScreen) {
     Server server("telnetd.sh");
     START_OR_SKIP(server);
-    WithLogin(server, [] {
-        ClearAndRun("vttest 24x80.80");
-        ASSERT_TRUE(TerminalShows("Enter choice number")) << TerminalText();
-        TypeText("1\n");
-        ASSERT_TRUE(TerminalShows("The screen should be cleared")) << TerminalText();
-        OnWindowThread([] {
-            EXPECT_EQ(TerminalRow(1), std::string(80, '*'));
-            EXPECT_EQ(TerminalRow(24), std::string(80, '*'));
-            EXPECT_EQ(TerminalRow(2), "*" + std::string(78, '+') + "*");
-        });
-    });
+    WithLogin(server, [] { ExpectFirstScreenOfVttest("vttest"); });
 }
 
 TEST(InetutilsTelnetd, InterruptKeepsTheSession) {

@@ -1,4 +1,4 @@
-// Decoding the bitmaps of the resources, whole and damaged.
+// Decoding the bitmaps and icons of the resources, whole and damaged.
 #include "platform/qt/bitmaps.h"
 
 #include <gtest/gtest.h>
@@ -159,6 +159,42 @@ TEST(Bitmaps, EachChangedByteIsReadWithinItsBounds) {
             EXPECT_EQ(static_cast<size_t>(bitmap.width) * static_cast<size_t>(bitmap.height),
                       bitmap.pixels.size());
         }
+    }
+}
+
+// Two pixels by two, and behind them a mask in which the left one below is seen through.
+Bytes MakeIcon(int32_t height = 4) {
+    const Bytes colors_and_mask = {0x01, 0, 0, 0, 0x23, 0, 0, 0, 0x80, 0, 0, 0, 0x00, 0, 0, 0};
+    return MakeBitmap({.height = height}, Ramp(16), colors_and_mask);
+}
+
+bool DecodeIcon(const Bytes& bytes, size_t size, Bitmap* bitmap) {
+    const std::unique_ptr<uint8_t[]> copy(new uint8_t[size]);
+    std::copy(bytes.begin(), bytes.begin() + static_cast<long>(size), copy.get());
+    return ReadIcon({copy.get(), size}, bitmap);
+}
+
+TEST(Icons, MaskSaysWhatIsSeenThrough) {
+    const Bytes bytes = MakeIcon();
+    Bitmap icon;
+    ASSERT_TRUE(DecodeIcon(bytes, bytes.size(), &icon));
+    EXPECT_EQ(2, icon.width);
+    EXPECT_EQ(2, icon.height);
+    EXPECT_EQ((Pixels{0xFF020202, 0xFF030303, 0x00000000, 0xFF010101}), icon.pixels);
+}
+
+TEST(Icons, OneCutAnywhereIsRefused) {
+    const Bytes whole = MakeIcon();
+    Bitmap icon;
+    for (size_t size = 0; size < whole.size(); size++)
+        EXPECT_FALSE(DecodeIcon(whole, size, &icon)) << size;
+}
+
+TEST(Icons, HeightThatIsNotTwiceThePicturesIsRefused) {
+    for (const int32_t height : {-4, 0, 1, 3, 2048}) {
+        const Bytes bytes = MakeIcon(height);
+        Bitmap icon;
+        EXPECT_FALSE(DecodeIcon(bytes, bytes.size(), &icon)) << height;
     }
 }
 

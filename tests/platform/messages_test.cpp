@@ -1,5 +1,4 @@
 // The message queue: order, filters, timers, painting when idle, and the end.
-#include "tests/platform/known_gap.h"
 #include "tests/platform/test_windows.h"
 
 namespace {
@@ -145,7 +144,6 @@ TEST_F(Messages, TwoInvalidationsAreOnePaint) {
 }
 
 TEST_F(Messages, PaintWaitsForWhatIsPosted) {
-    KNOWN_GAP_ON_SLICE("a paint whose frame is due comes first, so that no stream holds it up");
     HWND child = Child(1);
     PaintAll();
     RunUntil([&] { return !Of(WM_PAINT, child).empty(); });

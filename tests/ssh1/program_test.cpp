@@ -7,6 +7,7 @@
 #include "telnet/session_send.h"
 #include "tests/ssh1/test_server.h"
 #include "tests/support/person.h"
+#include "tests/support/real_servers.h"
 #include "tests/support/sessions.h"
 
 namespace {
@@ -73,12 +74,6 @@ void ExpectBox(const QStringList& options, DWORD cipher, const std::string& text
         EXPECT_TRUE(Offline());
         EXPECT_EQ(AwaitBox(100), "");
     });
-}
-
-void ClearAndRun(const std::string& command) {
-    TypeText("clear\n");
-    ASSERT_TRUE(Eventually([] { return TerminalRow(1) == "$"; })) << TerminalText();
-    TypeText(command + "\n");
 }
 
 // ---------------------------------------------------------------- ciphers and keys
@@ -279,17 +274,7 @@ TEST(Session, VttestDrawsItsFirstScreen) {
     unpack.waitForFinished(120000);
     if (unpack.exitCode() == 77) GTEST_SKIP() << unpack.readAllStandardError().toStdString();
     const std::string program = unpack.readAll().trimmed().toStdString() + "/usr/bin/vttest";
-    WithShell({}, kBlowfish, [&](TestServer&) {
-        ClearAndRun(program + " 24x80.80");
-        ASSERT_TRUE(TerminalShows("Enter choice number")) << TerminalText();
-        TypeText("1\n");
-        ASSERT_TRUE(TerminalShows("The screen should be cleared")) << TerminalText();
-        OnWindowThread([] {
-            EXPECT_EQ(TerminalRow(1), std::string(80, '*'));
-            EXPECT_EQ(TerminalRow(24), std::string(80, '*'));
-            EXPECT_EQ(TerminalRow(2), "*" + std::string(78, '+') + "*");
-        });
-    });
+    WithShell({}, kBlowfish, [&](TestServer&) { ExpectFirstScreenOfVttest(program); });
 }
 
 TEST(Session, ReportsOfTheTerminalAreSent) {

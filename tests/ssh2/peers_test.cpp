@@ -10,35 +10,16 @@
 #include "telnet/session_send.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"
+#include "tests/support/real_servers.h"
 #include "tests/support/sessions.h"
 
 namespace {
 
-// A server that prints its port; it ends when its input closes.
-struct Server {
-    explicit Server(const QStringList& command) {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("QUILL_PEERS_PATH", QUILL_PEERS_PATH);
-        process.setProcessEnvironment(environment);
-        process.start(QUILL_SSH2_SERVERS "/" + command[0], command.mid(1));
-        process.waitForReadyRead(120000);
-        port = process.readLine().trimmed().toInt();
-        if (port == 0) process.waitForFinished(10000);
-    }
-    ~Server() {
-        process.closeWriteChannel();
-        if (!process.waitForFinished(10000)) process.kill(), process.waitForFinished();
-    }
-    bool Skipped() const {
-        return process.state() == QProcess::NotRunning && process.exitCode() == 77;
-    }
-    QProcess process;
-    int port = 0;
+struct Server : RealServer {
+    explicit Server(const QStringList& command)
+        : RealServer(QUILL_SSH2_SERVERS "/" + command[0], command.mid(1),
+                     {"QUILL_PEERS_PATH=" QUILL_PEERS_PATH}) {}
 };
-
-#define START_OR_SKIP(server)                                                                      \
-    if ((server).Skipped()) GTEST_SKIP() << (server).process.readAllStandardError().toStdString(); \
-    ASSERT_GT((server).port, 0) << (server).process.readAllStandardError().toStdString()
 
 struct Peer {
     const char* name;
@@ -101,12 +82,6 @@ void WithShell(const Server& server, DWORD ssh_type, const std::function<void()>
         ASSERT_TRUE(TerminalShows("$")) << TerminalText() << StatusText();
         person();
     });
-}
-
-void ClearAndRun(const std::string& command) {
-    TypeText("clear\n");
-    ASSERT_TRUE(Eventually([] { return TerminalRow(1) == "$"; })) << TerminalText();
-    TypeText(command + "\n");
 }
 
 void Send(const std::string& bytes) {
@@ -233,17 +208,7 @@ TEST_P(Ssh2Peer, NewKeysEveryMegabyteLeaveASessionOf50MegabytesWhole) {
 TEST_P(Ssh2Peer, VttestDrawsItsFirstScreen) {
     Server server(GetParam().command);
     START_OR_SKIP(server);
-    WithShell(server, GetParam().ssh_type, [] {
-        ClearAndRun("vttest 24x80.80");
-        ASSERT_TRUE(TerminalShows("Enter choice number")) << TerminalText();
-        TypeText("1\n");
-        ASSERT_TRUE(TerminalShows("The screen should be cleared")) << TerminalText();
-        OnWindowThread([] {
-            EXPECT_EQ(TerminalRow(1), std::string(80, '*'));
-            EXPECT_EQ(TerminalRow(24), std::string(80, '*'));
-            EXPECT_EQ(TerminalRow(2), "*" + std::string(78, '+') + "*");
-        });
-    });
+    WithShell(server, GetParam().ssh_type, [] { ExpectFirstScreenOfVttest("vttest"); });
 }
 
 TEST_P(Ssh2Peer, ServerKilledInMidSessionIsReported) {

@@ -26,4 +26,14 @@ for library in $(sed -n 's/^\tDLL Name: //p' headers | tr 'A-Z' 'a-z'); do
 done
 grep -q 'pei-x86-64' headers || fail "not a 64-bit program"
 grep -q '^Subsystem.*Windows GUI' headers || fail "not a program with windows"
+
+# The version of the file is the program's, as its About dialog has it.
+version=$(sed -n 's/^project(quill VERSION \([0-9.]*\).*/\1/p' "$top/CMakeLists.txt")
+grep -q "\"Version $version\"" "$top/resources/dialogs.rc" || fail "About shows another version"
+x86_64-w64-mingw32-windres -O rc Quill/quill.exe resources.rc
+for field in FileVersion ProductVersion; do
+    grep -q "VALUE \"$field\", *L*\"$version\"" resources.rc || fail "another $field than $version"
+done
+grep -q "^ *FILEVERSION $(echo "$version" | sed "s/[.]/, /g"), 0, 0" resources.rc || fail "another file version"
+
 echo "$(wc -c <Quill/quill.exe) bytes of program in $(wc -c <"$package") bytes"

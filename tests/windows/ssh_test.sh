@@ -15,24 +15,10 @@ case $version in
     *) fail "there is no SSH-$version" ;;
 esac
 
-# It runs until its input closes; the port is in its first line.
-mkfifo "$work/hold"
-: >"$work/host"
-/usr/bin/python3 -B "$server" <"$work/hold" >"$work/host" 2>"$work/host.log" &
-host=$!
-exec 9>"$work/hold"
-started=$host
-serves() { has_line "$work/host" || has_ended "$host"; }
-await 30 serves || fail "the server did not start"
-has_line "$work/host" || {
-    status=0
-    wait "$host" || status=$?
-    cat "$work/host.log" >&2
-    exit $status
-}
+start_server /usr/bin/python3 -B "$server"
 start_screen
 prepare_prefix
-start_relay "$(sed -n '1s/^[^0-9]*//p' "$work/host")"
+start_relay "$server_port"
 
 # sign_on NAME PASSWORD [KEY...]: typed into the dialog; the keys before the Enter that closes it.
 sign_on() {

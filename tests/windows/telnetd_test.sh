@@ -8,24 +8,10 @@ program=$1
 . "$top/tests/windows/wine.sh"
 command -v socat >/dev/null || { echo "telnetd_test.sh: socat is missing" >&2; exit 77; }
 
-# It runs until its input closes.
-mkfifo "$work/hold"
-: >"$work/host"
-"$top/tests/peers/telnetd.sh" <"$work/hold" >"$work/host" 2>"$work/host.log" &
-host=$!
-exec 9>"$work/hold"
-started=$host
-serves() { has_line "$work/host" || has_ended "$host"; }
-await 60 serves || fail "telnetd did not start"
-has_line "$work/host" || {
-    status=0
-    wait "$host" || status=$?
-    cat "$work/host.log" >&2
-    exit $status
-}
+start_server "$top/tests/peers/telnetd.sh"
 start_screen
 prepare_prefix
-start_relay "$(head -n 1 "$work/host")"
+start_relay "$server_port"
 
 fresh_device
 printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "$relay_port" >"$device_root/mconfig.cfg"

@@ -127,6 +127,26 @@ is_painted() { [ "$(rows_darker_than 99)" -ge 8 ]; }
 
 # ---------------------------------------------------------------- the host's side
 
+# start_server COMMAND...: one that tells its port in its first line, runs until its input closes (file
+# 9 here), and ends with 77 where it is not possible; sets server_port.
+start_server() {
+    mkfifo "$work/hold"
+    : >"$work/host"
+    "$@" <"$work/hold" >"$work/host" 2>"$work/host.log" &
+    server=$!
+    exec 9>"$work/hold"
+    started="$server $started"
+    serves() { has_line "$work/host" || has_ended "$server"; }
+    await 60 serves || fail "the server did not start"
+    has_line "$work/host" || {
+        status=0
+        wait "$server" || status=$?
+        cat "$work/host.log" >&2
+        exit $status
+    }
+    server_port=$(sed -n '1s/^[^0-9]*//p' "$work/host")
+}
+
 # start_relay PORT: sets relay_port; the program's bytes gather in $work/sent, the host's in
 # $work/received.
 start_relay() {

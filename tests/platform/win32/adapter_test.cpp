@@ -109,7 +109,39 @@ TEST_F(Adapter, WindowsClipTheirChildren) {
 TEST_F(Adapter, WindowHasAnArrowAndAnIcon) {
     EXPECT_EQ(reinterpret_cast<ULONG_PTR>(LoadCursorW(nullptr, IDC_ARROW)),
               GetClassLongPtrW(top, GCLP_HCURSOR));
-    EXPECT_NE(0u, GetClassLongPtrW(top, GCLP_HICON));
+    EXPECT_EQ(reinterpret_cast<ULONG_PTR>(
+                  LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_PROGRAM))),
+              GetClassLongPtrW(top, GCLP_HICON));
+}
+
+TEST(ProgramIcon, IsThereInThreeSizes) {
+    const HMODULE module = GetModuleHandleW(nullptr);
+    ASSERT_NE(nullptr, LoadIconW(module, MAKEINTRESOURCEW(IDI_PROGRAM)));
+    for (const int side : {16, 32, 48}) {
+        const auto icon = static_cast<HICON>(
+            LoadImageW(module, MAKEINTRESOURCEW(IDI_PROGRAM), IMAGE_ICON, side, side, 0));
+        ICONINFO info = {};
+        ASSERT_TRUE(GetIconInfo(icon, &info)) << side;
+        BITMAP colors = {};
+        GetObjectW(info.hbmColor, sizeof(colors), &colors);
+        EXPECT_EQ(side, colors.bmWidth);
+        EXPECT_EQ(side, colors.bmHeight);
+        DeleteObject(info.hbmColor);
+        DeleteObject(info.hbmMask);
+        DestroyIcon(icon);
+    }
+}
+
+// Windows refuses what is put on a clipboard that was emptied for nobody.
+TEST_F(Adapter, ClipboardOpenedWithoutAnOwnerBelongsToAWindow) {
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    EXPECT_TRUE(EmptyClipboard());
+    EXPECT_TRUE(IsWindow(GetClipboardOwner()));
+    EXPECT_TRUE(CloseClipboard());
+    ASSERT_TRUE(OpenClipboard(top));
+    EXPECT_TRUE(EmptyClipboard());
+    EXPECT_EQ(top, GetClipboardOwner());
+    EXPECT_TRUE(CloseClipboard());
 }
 
 TEST_F(Adapter, MinimisedWindowComesBackToTheForeground) {

@@ -1,0 +1,32 @@
+// Real servers that a script starts for a test, and the shells that they give. The calls are the
+// person's: [person's thread].
+#ifndef QUILL_TESTS_SUPPORT_REAL_SERVERS_H
+#define QUILL_TESTS_SUPPORT_REAL_SERVERS_H
+
+#include <QProcess>
+#include <string>
+
+// A script that prints its server's port, and ends when its input closes; with exit code 77 where
+// the server is not to be had.
+struct RealServer {
+    // `variables` are added to the environment, each "NAME=VALUE".
+    RealServer(const QString& script, const QStringList& arguments,
+               const QStringList& variables = {});
+    ~RealServer();
+    RealServer(const RealServer&) = delete;
+    RealServer& operator=(const RealServer&) = delete;
+    bool Skipped() const;
+
+    QProcess process;
+    int port = 0;  // 0: it did not start
+};
+
+#define START_OR_SKIP(server)                                                                      \
+    if ((server).Skipped()) GTEST_SKIP() << (server).process.readAllStandardError().toStdString(); \
+    ASSERT_GT((server).port, 0) << (server).process.readAllStandardError().toStdString()
+
+// At a shell's prompt, which is "$ ".
+void ClearAndRun(const std::string& command);
+void ExpectFirstScreenOfVttest(const std::string& program);  // its path, or a name in the shell's
+
+#endif
