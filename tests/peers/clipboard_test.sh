@@ -18,7 +18,7 @@ own() {
     [ -z "$owner" ] || { kill -KILL "$owner"; wait "$owner" 2>/dev/null || :; }
     xclip -quiet -selection clipboard -t "${2:-UTF8_STRING}" -i "$1" 2>/dev/null &
     owner=$!
-    await 20 "xclip does not offer $1" offered "$1" "${2:-UTF8_STRING}"
+    await 20 offered "$1" "${2:-UTF8_STRING}" || fail "xclip does not offer $1"
 }
 paste_key() { xdotool key ctrl+shift+v; }
 

@@ -30,6 +30,6 @@ colours=$(identify -format '%k' "$picture")
 # Leaving by the host's menu ends the session, which is told in a box.
 xdotool type --delay 20 0
 xdotool key Return
-timeout 20 xdotool search --sync --name '^Error$' >/dev/null ||
+await 20 has_window '^Error$' ||
     fail "the end of the session was not told"
 echo "typed a login and left it; $colours colours in $picture"

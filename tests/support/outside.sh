@@ -44,14 +44,20 @@ first_line() {
     head -n 1 "$1"
 }
 
-# open_screen [WIDTHxHEIGHT]: the X server.
+# open_screen [WIDTHxHEIGHT]: the X server. It repeats no key: on a busy machine one that is only
+# pressed would be.
 open_screen() {
     : >"$work/display"
-    Xvfb -displayfd 3 -screen 0 "${1:-1024x768}x24" -nolisten tcp 3>"$work/display" 2>/dev/null &
+    Xvfb -r -displayfd 3 -screen 0 "${1:-1024x768}x24" -nolisten tcp 3>"$work/display" 2>/dev/null &
     ends_with_us $!
     DISPLAY=:$(first_line "$work/display")
     export DISPLAY QT_QPA_PLATFORM=xcb
 }
+
+session_title='^Quill Telnet  \[127.0.0.1\]'
+
+# has_window PATTERN: of a title.
+has_window() { xdotool search --name "$1" 2>/dev/null | grep -q .; }
 
 # start_program PORT OPTIONS...: $program in a session with a host at that port of this machine, its
 # notice of the import answered; sets `client`.
@@ -63,13 +69,26 @@ start_program() {
     "$program" --root "$work/root" "$@" 2>/dev/null &
     client=$!
     ends_with_us $client
-    timeout 30 xdotool search --sync --name '^Quill Telnet$' >/dev/null || fail "no notice was shown"
+    await 30 has_window '^Quill Telnet$' || fail "no notice was shown"
     sleep 1
-    xdotool key Return
+    answer_notice
+}
+
+# What has not got the keyboard yet is asked again. The main window has its title once the notice is
+# answered.
+answer_notice() {
+    for try in 1 2 3 4 5; do
+        xdotool key Return
+        ! await 5 has_window "$session_title" || return 0
+    done
+    fail "the notice did not close"
 }
 
 # find_window: sets `window`, the one with the title of the session.
+finds_window() {
+    window=$(xdotool search --name "$session_title" 2>/dev/null | head -n 1)
+    [ -n "$window" ]
+}
 find_window() {
-    window=$(timeout 30 xdotool search --sync --name 'Quill Telnet  \[127.0.0.1\]' | head -n 1)
-    [ -n "$window" ] || fail "no window with the title of the session"
+    await 30 finds_window || fail "no window with the title of the session"
 }

@@ -45,8 +45,7 @@ await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
 sleep 0.5
 picture import
 [ -e "$device_root/mconfig.cfg" ] || fail "the file was deleted before it was read"
-xdotool key Return
-await 30 has_window "^$title  \[127.0.0.1\]$" || fail "no window with the title of the session"
+answer_notice
 [ ! -e "$device_root/mconfig.cfg" ] || fail "the configuration file is still there"
 [ "$(setting host)" = 127.0.0.1 ] || fail "host was not imported: $(setting host)"
 [ "$(setting termtype)" = vt100 ] || fail "termtype was not imported"

@@ -76,7 +76,7 @@ run wine "$program"
 client=$last
 await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
 sleep 0.5
-xdotool key Return
+answer_notice
 
 # A wrong password brings the dialog again; what it then holds is kept, with the mark on
 # "Remember Password".

@@ -19,7 +19,7 @@ run wine "$program"
 client=$last
 await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
 sleep 0.5
-xdotool key Return
+answer_notice
 await 30 received "login:" || fail "telnetd asked for no name"
 type_line visitor
 await 20 received "assword" || fail "telnetd asked for no password"

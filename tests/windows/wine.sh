@@ -61,7 +61,7 @@ first_line() {
 
 start_screen() {
     : >"$work/display"
-    Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
+    Xvfb -r -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
     started="$! $started"
     DISPLAY=:$(first_line "$work/display")
     export DISPLAY
@@ -108,6 +108,16 @@ has_window() { xdotool search --name "$1" 2>/dev/null | grep -q .; }
 has_no_window() { ! has_window "$1"; }
 count_windows() { xdotool search --name "^$title" 2>/dev/null | wc -l; }
 has_ended() { ! kill -0 "$1" 2>/dev/null; }
+
+# What has not got the keyboard yet is asked again. The main window has its title once the notice of
+# the import is answered.
+answer_notice() {
+    for try in 1 2 3 4 5; do
+        xdotool key Return
+        ! await 5 has_window "^$title  \[127.0.0.1\]$" || return 0
+    done
+    fail "the notice of the import did not close"
+}
 
 type_line() {
     xdotool type --delay 40 "$1"
