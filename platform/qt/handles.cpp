@@ -8,10 +8,13 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 
 #include "windows_ce.h"
 
 namespace {
+
+constexpr std::chrono::microseconds kMoment{50};
 
 struct Waitable {
     std::mutex mutex;
@@ -92,6 +95,19 @@ bool StartThread(ThreadStart* start, DWORD stack) {
     return error == 0;
 }
 
+bool IsSignalled(Waitable& waitable) {
+    const std::lock_guard<std::mutex> lock(waitable.mutex);
+    return waitable.signalled;
+}
+
+// What is signalled within microseconds, as between the two threads of a session whose host
+// streams, costs less to look for than to be woken up by.
+void WatchForAMoment(Waitable& waitable) {
+    const auto end = std::chrono::steady_clock::now() + kMoment;
+    while (!IsSignalled(waitable) && std::chrono::steady_clock::now() < end)
+        std::this_thread::yield();
+}
+
 bool SetEventState(HANDLE event, bool signalled) {
     const WaitablePointer waitable = FindHandle(event);
     if (!waitable || !waitable->is_event) return false;
@@ -137,6 +153,7 @@ BOOL ResetEvent(HANDLE event) { return SetEventState(event, false); }
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     const WaitablePointer waitable = FindHandle(handle);
     if (!waitable) return WAIT_FAILED;
+    if (milliseconds > 0) WatchForAMoment(*waitable);
     std::unique_lock<std::mutex> lock(waitable->mutex);
     const auto ready = [&] { return waitable->signalled; };
     const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);

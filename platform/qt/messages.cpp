@@ -11,6 +11,8 @@
 #include <QElapsedTimer>
 #include <QTimer>
 #include <set>
+#include <thread>
+#include <utility>
 
 #include "accelerators.h"
 #include "menu_bar.h"
@@ -20,6 +22,7 @@
 namespace {
 
 constexpr int kFrameMilliseconds = 16;
+constexpr qint64 kSoonNanoseconds = 100000;
 
 struct QueuedMessage {
     MSG message;
@@ -38,6 +41,7 @@ std::deque<MSG> g_timers;
 QString g_key_characters;  // what TranslateMessage makes of the key taken last
 bool g_quit = false;
 int g_quit_code = 0;
+bool g_took_posted = false;  // a posted message, since the queue was waited at
 QElapsedTimer g_since_paint;
 QElapsedTimer g_paint_waits;  // since a window to be painted was seen; invalid: none
 HWND g_painted_last = nullptr;
@@ -60,6 +64,7 @@ bool TakePosted(MSG* message, HWND window, UINT first, UINT last, bool remove) {
         if (!Fits(*entry, window, first, last)) continue;
         *message = *entry;
         if (remove) g_posted.erase(entry);
+        g_took_posted = true;
         return true;
     }
     return false;
@@ -123,6 +128,24 @@ bool TakePaint(MSG* message, HWND window, UINT first, UINT last) {
     return Fits(*message, window, first, last);
 }
 
+bool SomethingPosted() {
+    const std::lock_guard<std::mutex> lock(g_posted_mutex);
+    return !g_posted.empty();
+}
+
+// A host that streams has its next chunk posted within microseconds: to go to sleep and be woken up
+// would take many times that.
+bool PostedSoon() {
+    if (!std::exchange(g_took_posted, false)) return false;
+    QElapsedTimer since;
+    since.start();
+    while (since.nsecsElapsed() < kSoonNanoseconds) {
+        if (SomethingPosted()) return true;
+        std::this_thread::yield();
+    }
+    return false;
+}
+
 // Input that arrives while the queue is never empty is looked for once a frame.
 void CollectInput(bool wait) {
     // The toolkit leaves this to its own loop, which never runs here.
@@ -131,12 +154,8 @@ void CollectInput(bool wait) {
         g_dispatcher.store(QAbstractEventDispatcher::instance());
     if (!wait) return QCoreApplication::processEvents();
     const bool outer = g_waiting.exchange(true);
-    bool empty;
-    {
-        const std::lock_guard<std::mutex> lock(g_posted_mutex);
-        empty = g_posted.empty();
-    }
-    QCoreApplication::processEvents(empty ? QEventLoop::WaitForMoreEvents : QEventLoop::AllEvents);
+    QCoreApplication::processEvents(SomethingPosted() ? QEventLoop::AllEvents
+                                                      : QEventLoop::WaitForMoreEvents);
     g_waiting.store(outer);
 }
 
@@ -159,7 +178,7 @@ bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
     if (TakePosted(message, window, first, last, remove)) return true;
     if (TakePaint(message, window, first, last)) return true;
     if (TakeTimer(message, window, first, last, remove)) return true;
-    if (g_quit || !may_wait()) return false;
+    if (g_quit || !may_wait() || PostedSoon()) return false;
     if (InvalidWindow()) {
         QTimer::singleShot(MillisecondsToFrame(), Qt::PreciseTimer, qApp, [] {});
     }
@@ -222,6 +241,7 @@ void ResetMessages() {
     g_running_timers.clear();
     g_key_characters.clear();
     g_quit = false;
+    g_took_posted = false;
     g_since_paint.invalidate();
     g_paint_waits.invalidate();
     g_painted_last = nullptr;
