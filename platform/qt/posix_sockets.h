@@ -5,6 +5,7 @@
 #ifndef QUILL_PLATFORM_QT_POSIX_SOCKETS_H
 #define QUILL_PLATFORM_QT_POSIX_SOCKETS_H
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -19,6 +20,11 @@ enum class SocketState { kFresh, kConnecting, kConnected, kFailed };
 // A socket that does not block takes up to kLargestBacklog more bytes than the kernel has room for.
 // A thread of the socket's own sends them as the peer reads; Close drops what is left.
 inline constexpr size_t kLargestBacklog = size_t{64} << 20;
+
+// What is sent after a rest goes out at once, for so many calls; in a longer run, as a paste is,
+// the system gathers what is sent while the peer has not confirmed the last of it (RFC 896).
+inline constexpr std::chrono::milliseconds kSendingRest{20};
+inline constexpr int kSentAtOnce = 16;
 
 class StreamSocket : public std::enable_shared_from_this<StreamSocket> {
   public:
@@ -48,6 +54,7 @@ class StreamSocket : public std::enable_shared_from_this<StreamSocket> {
     int Usable();
     int BeginConnect(uint32_t address, uint16_t port, bool* blocking);
     bool Blocks();
+    void ChooseGathering();
     int SendNow(const char* bytes, size_t size, int flags);
     size_t Queue(const char* bytes, size_t size);
     void SendBacklog();
@@ -66,6 +73,9 @@ class StreamSocket : public std::enable_shared_from_this<StreamSocket> {
     size_t backlog_sent_ = 0;
     bool sending_ = false;  // the thread that sends them runs
     int send_error_ = 0;    // what it met
+    bool gathers_ = true;   // as a new socket does
+    int run_ = 0;           // calls since the last rest, counted up to the limit
+    std::chrono::steady_clock::time_point last_sent_;
 };
 
 struct SocketWait {
