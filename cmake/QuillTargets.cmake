@@ -71,6 +71,16 @@ endfunction()
 function(quill_person_tests)
     foreach(name ${ARGN})
         target_link_libraries(${name} PRIVATE test_support)
+        target_compile_options(${name} PRIVATE ${QUILL_TEST_OPTIONS})
         target_precompile_headers(${name} REUSE_FROM test_support)
+    endforeach()
+endfunction()
+
+# quill_plain_tests(TARGETS...): tests that do without the toolkit's windows, and share GoogleTest's
+# headers in the same way.
+function(quill_plain_tests)
+    foreach(name ${ARGN})
+        target_compile_options(${name} PRIVATE -fPIC)
+        target_precompile_headers(${name} REUSE_FROM test_headers)
     endforeach()
 endfunction()

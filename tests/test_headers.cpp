@@ -1,0 +1,2 @@
+// GoogleTest's headers, compiled once for the test programs that do without the toolkit.
+#include <gtest/gtest.h>
