@@ -16,8 +16,6 @@
 
 namespace {
 
-bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
-
 bool Agreed(LPCWSTR question) {
     return MessageBoxW(session.main_window, question, TEXT("Warning"),
                        MB_OKCANCEL | MB_ICONEXCLAMATION) == IDOK;

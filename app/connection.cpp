@@ -20,8 +20,6 @@ void ShowError(LPCWSTR text) {
     MessageBoxW(session.main_window, text, TEXT("Error"), MB_OK | MB_ICONERROR);
 }
 
-bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
-
 void CloseSocket() {
     const SOCKET socket = session.socket.exchange(INVALID_SOCKET);
     if (socket == INVALID_SOCKET) return;

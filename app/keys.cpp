@@ -12,8 +12,6 @@ namespace {
 
 constexpr size_t kLongestSequence = 255;  // this long and longer is not sent
 
-bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
-
 void SendBytes(const BYTE* bytes, int length) {
     SessionSend(bytes, length, static_cast<int>(session.telnet.escape_iac));
 }

@@ -15,8 +15,6 @@ namespace {
 
 constexpr int kPixelsPerButton = 21;
 
-bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
-
 void AbortDialling() {
     DialProgress("Abort modem dialing\r\n");
     HangUpDial();
