@@ -4,6 +4,7 @@
 #include "app/dialling.h"
 #include "app/input_panel.h"
 #include "app/main_window.h"
+#include "app/message_boxes.h"
 #include "app/receive_thread.h"
 #include "app/session_state.h"
 #include "app/status_bar.h"
@@ -15,10 +16,6 @@
 #include "terminal/view.h"
 
 namespace {
-
-void ShowError(LPCWSTR text) {
-    MessageBoxW(session.main_window, text, TEXT("Error"), MB_OK | MB_ICONERROR);
-}
 
 void CloseSocket() {
     const SOCKET socket = session.socket.exchange(INVALID_SOCKET);

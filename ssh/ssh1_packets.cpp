@@ -1,6 +1,7 @@
 // Building, gathering and checking of packets.
 #include "ssh/ssh1_packets.h"
 
+#include "app/message_boxes.h"
 #include "app/session_state.h"
 #include "crypto/byte_order.h"
 #include "crypto/crc32.h"
@@ -90,7 +91,7 @@ void Ssh1TakeChunk(const BYTE* bytes, int count) {
     SshState& ssh = session.ssh;
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     if (count > kSshReassemblySize - ssh.recvFill) {
-        Ssh1ShowError(TEXT("SSH out of memory"));
+        ShowError(TEXT("SSH out of memory"));
         if (!SshSessionStands(served)) return;
         ssh.recvFill = 0;
     }

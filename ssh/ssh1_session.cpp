@@ -2,6 +2,7 @@
 #include "ssh/ssh1_session.h"
 
 #include "app/connection.h"
+#include "app/message_boxes.h"
 #include "app/session_state.h"
 #include "app/status_bar.h"
 #include "config/ansi_text.h"
@@ -72,7 +73,7 @@ void SendPassword(const BYTE*, int) {
 
 void AskAgain(const BYTE*, int) {
     const SOCKET served = ServedSocket();
-    Ssh1ShowError(TEXT("Login incorrect"));
+    ShowError(TEXT("Login incorrect"));
     if (!SshSessionStands(served)) return;
     session.ssh1.loginFailed = 1;
     SendUser();
@@ -185,12 +186,8 @@ void Ssh1SendData(const BYTE* data, int length) {
     }
 }
 
-void Ssh1ShowError(LPCWSTR text) {
-    MessageBoxW(session.main_window, text, TEXT("Error"), MB_OK | MB_ICONERROR);
-}
-
 void Ssh1EndSession(LPCWSTR text) {
     const SOCKET served = ServedSocket();
-    Ssh1ShowError(text);
+    ShowError(text);
     if (SshSessionStands(served)) CloseSession();
 }
