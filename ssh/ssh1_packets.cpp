@@ -71,19 +71,8 @@ void Ssh1SendPacket() {
     SshSendPacketBytes(ssh1.sendBuf, kLengthSize + body_length);
 }
 
-BYTE* Ssh1PutUint32(BYTE* at, uint32_t value) {
-    StoreBig(at, value);
-    return at + sizeof(value);
-}
-
-BYTE* Ssh1PutString(BYTE* at, const void* bytes, int length) {
-    at = Ssh1PutUint32(at, static_cast<uint32_t>(length));
-    std::memcpy(at, bytes, static_cast<size_t>(length));
-    return at + length;
-}
-
 void Ssh1SendString(BYTE type, const void* bytes, int length) {
-    Ssh1PutString(Ssh1BeginPacket(type, 4 + length), bytes, length);
+    PutBlock(Ssh1BeginPacket(type, 4 + length), bytes, length);
     Ssh1SendPacket();
 }
 
