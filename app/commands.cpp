@@ -5,6 +5,7 @@
 #include "app/dialling.h"
 #include "app/input_panel.h"
 #include "app/keys.h"
+#include "app/message_boxes.h"
 #include "app/session_state.h"
 #include "app/toolbar_commands.h"
 #include "config/dialogs.h"
@@ -15,13 +16,6 @@
 #include "terminal/view.h"
 
 namespace {
-
-bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
-
-bool Agreed(LPCWSTR question) {
-    return MessageBoxW(session.main_window, question, TEXT("Warning"),
-                       MB_OKCANCEL | MB_ICONEXCLAMATION) == IDOK;
-}
 
 bool MayEnd(LPCWSTR question) {
     return !(session.settings.confirm_exit == 1 && Connected()) || Agreed(question);
@@ -56,8 +50,6 @@ void ResetConfiguration(WORD) {
     DestroyWindow(session.main_window);
 }
 
-void Help(WORD) { ShowHelp(); }
-
 void Larger(WORD) {
     LargerFont();
     RecountCoveredRows();
@@ -71,33 +63,11 @@ void Smaller(WORD) {
     RepaintTerminal();
 }
 
-void Copy(WORD) { CopySelection(); }
-
-void Paste(WORD) { PasteClipboard(); }
-
 void FunctionKey(WORD id) { SendVirtualKey(VK_F1 + (id - IDM_F1)); }
 
-struct KeyCommand {
-    WORD id;
-    int virtual_key;
-};
-
-// clang-format off
-const KeyCommand kKeyCommands[] = {
-    {IDM_KEY_ENTER,     VK_RETURN},
-    {IDM_KEY_ESC,       VK_ESCAPE},
-    {IDM_KEY_UP,        VK_UP},
-    {IDM_KEY_DOWN,      VK_DOWN},
-    {IDM_KEY_LEFT,      VK_LEFT},
-    {IDM_KEY_RIGHT,     VK_RIGHT},
-    {IDM_KEY_PAGE_UP,   VK_PRIOR},
-    {IDM_KEY_PAGE_DOWN, VK_NEXT},
-};
-// clang-format on
-
-void NamedKey(WORD id) {
-    for (const KeyCommand& row : kKeyCommands)
-        if (row.id == id) SendVirtualKey(row.virtual_key);
+template <int kVirtualKey>
+void NamedKey(WORD) {
+    SendVirtualKey(kVirtualKey);
 }
 
 struct CommandRow {
@@ -108,32 +78,32 @@ struct CommandRow {
 
 // clang-format off
 const CommandRow kCommands[] = {
-    {IDM_CONNECT,      IDM_CONNECT,       ConnectOrDisconnect},
-    {IDM_FONT,         IDM_FONT,          [](WORD) { ShowFontDialog(); }},
-    {IDM_PROPERTIES,   IDM_PROPERTIES,    [](WORD) { ShowPropertiesSheet(); }},
-    {IDM_AUTO_LOGIN,   IDM_AUTO_LOGIN,    [](WORD) { ShowAutoLoginDialog(); }},
-    {IDM_EXIT,         IDM_EXIT,          Exit},
-    {IDM_COPY,         IDM_COPY,          Copy},
-    {IDM_PASTE,        IDM_PASTE,         Paste},
-    {IDM_RESET,        IDM_RESET,         ResetConfiguration},
-    {IDM_COLOR_BG,     IDM_COLOR_BG,      [](WORD) { ChooseBackgroundColor(); }},
-    {IDM_COLOR_CURSOR, IDM_COLOR_CURSOR,  [](WORD) { ChooseCursorColor(); }},
-    {IDM_COLOR_TEXT,   IDM_COLOR_TEXT,    [](WORD) { ChooseTextColor(); }},
-    {IDM_COLOR_BOLD,   IDM_COLOR_BOLD,    [](WORD) { ChooseBoldColor(); }},
-    {IDM_ABOUT,        IDM_ABOUT,         [](WORD) { ShowAboutDialog(); }},
-    {IDM_HELP,         IDM_HELP,          Help},
-    {IDM_F1,           IDM_F20,           FunctionKey},
-    {IDM_KEY_ENTER,    IDM_KEY_ENTER,     NamedKey},
-    {IDM_KEY_ESC,      IDM_KEY_ESC,       NamedKey},
-    {IDM_KEY_UP,       IDM_KEY_UP,        NamedKey},
-    {IDM_KEY_DOWN,     IDM_KEY_DOWN,      NamedKey},
-    {IDM_KEY_LEFT,     IDM_KEY_LEFT,      NamedKey},
-    {IDM_KEY_RIGHT,    IDM_KEY_RIGHT,     NamedKey},
-    {IDM_KEY_PAGE_UP,  IDM_KEY_PAGE_UP,   NamedKey},
-    {IDM_KEY_PAGE_DOWN, IDM_KEY_PAGE_DOWN, NamedKey},
-    {IDM_LARGER_FONT,  IDM_LARGER_FONT,   Larger},
-    {IDM_SMALLER_FONT, IDM_SMALLER_FONT,  Smaller},
-    {IDM_TOOLBAR_FIRST, IDM_TOOLBAR_LAST, RunToolbarCommand},
+    {IDM_CONNECT,       IDM_CONNECT,       ConnectOrDisconnect},
+    {IDM_FONT,          IDM_FONT,          [](WORD) { ShowFontDialog(); }},
+    {IDM_PROPERTIES,    IDM_PROPERTIES,    [](WORD) { ShowPropertiesSheet(); }},
+    {IDM_AUTO_LOGIN,    IDM_AUTO_LOGIN,    [](WORD) { ShowAutoLoginDialog(); }},
+    {IDM_EXIT,          IDM_EXIT,          Exit},
+    {IDM_COPY,          IDM_COPY,          [](WORD) { CopySelection(); }},
+    {IDM_PASTE,         IDM_PASTE,         [](WORD) { PasteClipboard(); }},
+    {IDM_RESET,         IDM_RESET,         ResetConfiguration},
+    {IDM_COLOR_BG,      IDM_COLOR_BG,      [](WORD) { ChooseBackgroundColor(); }},
+    {IDM_COLOR_CURSOR,  IDM_COLOR_CURSOR,  [](WORD) { ChooseCursorColor(); }},
+    {IDM_COLOR_TEXT,    IDM_COLOR_TEXT,    [](WORD) { ChooseTextColor(); }},
+    {IDM_COLOR_BOLD,    IDM_COLOR_BOLD,    [](WORD) { ChooseBoldColor(); }},
+    {IDM_ABOUT,         IDM_ABOUT,         [](WORD) { ShowAboutDialog(); }},
+    {IDM_HELP,          IDM_HELP,          [](WORD) { ShowHelp(); }},
+    {IDM_F1,            IDM_F20,           FunctionKey},
+    {IDM_KEY_ENTER,     IDM_KEY_ENTER,     NamedKey<VK_RETURN>},
+    {IDM_KEY_ESC,       IDM_KEY_ESC,       NamedKey<VK_ESCAPE>},
+    {IDM_KEY_UP,        IDM_KEY_UP,        NamedKey<VK_UP>},
+    {IDM_KEY_DOWN,      IDM_KEY_DOWN,      NamedKey<VK_DOWN>},
+    {IDM_KEY_LEFT,      IDM_KEY_LEFT,      NamedKey<VK_LEFT>},
+    {IDM_KEY_RIGHT,     IDM_KEY_RIGHT,     NamedKey<VK_RIGHT>},
+    {IDM_KEY_PAGE_UP,   IDM_KEY_PAGE_UP,   NamedKey<VK_PRIOR>},
+    {IDM_KEY_PAGE_DOWN, IDM_KEY_PAGE_DOWN, NamedKey<VK_NEXT>},
+    {IDM_LARGER_FONT,   IDM_LARGER_FONT,   Larger},
+    {IDM_SMALLER_FONT,  IDM_SMALLER_FONT,  Smaller},
+    {IDM_TOOLBAR_FIRST, IDM_TOOLBAR_LAST,  RunToolbarCommand},
 };
 // clang-format on
 

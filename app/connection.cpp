@@ -4,9 +4,11 @@
 #include "app/dialling.h"
 #include "app/input_panel.h"
 #include "app/main_window.h"
+#include "app/message_boxes.h"
 #include "app/receive_thread.h"
 #include "app/session_state.h"
 #include "app/status_bar.h"
+#include "config/ansi_text.h"
 #include "ssh/ssh_session.h"
 #include "telnet/auto_login.h"
 #include "telnet/telnet_engine.h"
@@ -15,12 +17,6 @@
 #include "terminal/view.h"
 
 namespace {
-
-void ShowError(LPCWSTR text) {
-    MessageBoxW(session.main_window, text, TEXT("Error"), MB_OK | MB_ICONERROR);
-}
-
-bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
 
 void CloseSocket() {
     const SOCKET socket = session.socket.exchange(INVALID_SOCKET);
@@ -61,9 +57,8 @@ void ResetForSession() {
 // The address of settings.host in network order, or INADDR_NONE. A dotted address is not looked
 // up; an empty name names nothing.
 uint32_t HostAddress() {
-    char name[kHostUnits + 1] = {};
-    WideCharToMultiByte(CP_ACP, 0, session.settings.host, -1, name, kHostUnits, nullptr, nullptr);
-    if (!name[0]) return INADDR_NONE;
+    char name[kHostUnits];
+    if (AnsiFromWide(session.settings.host, name, kHostUnits) == 0) return INADDR_NONE;
     const uint32_t dotted = inet_addr(name);
     if (dotted != INADDR_NONE) return dotted;
     const HOSTENT* host = gethostbyname(name);

@@ -2,6 +2,7 @@
 #include "app/dialling.h"
 
 #include "app/connection.h"
+#include "app/message_boxes.h"
 #include "app/session_state.h"
 #include "terminal/terminal_write.h"
 
@@ -49,10 +50,6 @@ void ShowState(int state) {
     char text[48];
     std::snprintf(text, sizeof(text), "unknown ras dial event %d\r\n", state);
     DialProgress(text);
-}
-
-void ShowError(LPCWSTR text) {
-    MessageBoxW(session.main_window, text, TEXT("Error"), MB_OK | MB_ICONERROR);
 }
 
 void TellNoEntry() {

@@ -29,7 +29,7 @@ void PanelUp(const RECT& panel) {
     const bool changed = !session.input_panel_up;
     session.input_panel_up = 1;
     CoverRows(CoveredRows(panel));
-    if (changed && session.connected.load(std::memory_order_acquire)) LayoutTerminal();
+    if (changed && Connected()) LayoutTerminal();
 }
 
 void PanelDown() {

@@ -5,14 +5,12 @@
 #include "app/status_bar.h"
 #include "config/key_map.h"
 #include "telnet/session_send.h"
+#include "terminal/selection.h"
 #include "terminal/terminal_write.h"
-#include "terminal/view.h"
 
 namespace {
 
 constexpr size_t kLongestSequence = 255;  // this long and longer is not sent
-
-bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
 
 void SendBytes(const BYTE* bytes, int length) {
     SessionSend(bytes, length, static_cast<int>(session.telnet.escape_iac));
@@ -36,12 +34,6 @@ void FinishLine(int virtual_key) {
 bool Swallowed(WCHAR character) {
     if (character == 9 || character == 13) return true;
     return character < 32 && session.telnet.escape_iac == 1;
-}
-
-void DropSelection() {
-    if (!session.screen.selection_active) return;
-    session.screen.selection_active = 0;
-    RepaintTerminal();
 }
 
 }  // namespace

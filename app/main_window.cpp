@@ -21,8 +21,6 @@ void MakeCommandBar() {
     session.command_bar_height = session.command_bar ? CommandBar_Height(session.command_bar) : 0;
 }
 
-bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
-
 void MakeMenuBar() {
     SHMENUBARINFO bar = {};
     bar.cbSize = sizeof(bar);

@@ -28,7 +28,7 @@ int WaitForSocket(SOCKET socket, fd_set* readable, fd_set* failed) {
 }
 
 void ReportConnected() {
-    if (session.connected.load(std::memory_order_acquire)) return;
+    if (Connected()) return;
     session.connected.store(1, std::memory_order_release);
     PostMessageW(session.main_window, WM_SOCKET_CONNECTED, 0, 0);
 }

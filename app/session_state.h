@@ -57,7 +57,8 @@ struct SessionState {
     HRASCONN ras_connection = nullptr;
     SOCKADDR_IN peer = {};
 
-    // Shared with the receiving thread (app/receive_thread.cpp). The thread touches nothing else.
+    // Shared with the receiving thread (app/receive_thread.cpp). The thread touches nothing
+    // else, and reads main_window.
     std::atomic<SOCKET> socket{INVALID_SOCKET};  // written by the window thread
     std::atomic<DWORD> connected{0};         // set by the receiving thread, cleared by the window's
     std::atomic<DWORD> receive_ready{0};     // 1: the thread may fill receive_buffer
@@ -94,5 +95,8 @@ struct SessionState {
 };
 
 extern SessionState session;
+
+// A session is up. [any thread]
+inline bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
 
 #endif

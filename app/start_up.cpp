@@ -3,6 +3,7 @@
 
 #include "app/connection.h"
 #include "app/main_window.h"
+#include "app/message_boxes.h"
 #include "app/receive_thread.h"
 #include "app/session_state.h"
 #include "config/settings.h"
@@ -46,8 +47,7 @@ BOOL RegisterMainWindow(HINSTANCE instance) {
 int StartSockets() {
     WSADATA data;
     if (WSAStartup(MAKEWORD(1, 1), &data) == 0) return 1;
-    MessageBoxW(session.main_window, TEXT("cannot find WinSock DLL. Maybe TCP/IP is missing"),
-                TEXT("Error"), MB_OK | MB_ICONERROR);
+    ShowError(TEXT("cannot find WinSock DLL. Maybe TCP/IP is missing"));
     return 0;
 }
 

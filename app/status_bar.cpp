@@ -26,8 +26,7 @@ const StateWords kStateWords[] = {
 bool SshSession() { return session.settings.ssh != 0 && session.banner_sent != 0; }
 
 int CurrentState() {
-    if (!session.connected.load(std::memory_order_acquire))
-        return session.connect_pending ? kStateRequest : kStateOffline;
+    if (!Connected()) return session.connect_pending ? kStateRequest : kStateOffline;
     return SshSession() && session.ssh_progress >= 1 ? kStateSecure : kStateOnline;
 }
 

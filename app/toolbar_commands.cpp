@@ -6,6 +6,7 @@
 #include "app/dialling.h"
 #include "app/keys.h"
 #include "app/main_window.h"
+#include "app/message_boxes.h"
 #include "app/session_state.h"
 #include "config/toolbars.h"
 #include "resources/resource_ids.h"
@@ -15,8 +16,6 @@ namespace {
 
 constexpr int kPixelsPerButton = 21;
 
-bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
-
 void AbortDialling() {
     DialProgress("Abort modem dialing\r\n");
     HangUpDial();
@@ -24,8 +23,7 @@ void AbortDialling() {
 
 bool MayCloseSession() {
     return session.settings.confirm_exit == 0 ||
-           MessageBoxW(session.main_window, TEXT("Do you really want to close this session"),
-                       TEXT("Warning"), MB_OKCANCEL | MB_ICONEXCLAMATION) == IDOK;
+           Agreed(TEXT("Do you really want to close this session"));
 }
 
 // Offline and while connecting it is the menu's command. Here any `confirm_exit` but 0 asks.

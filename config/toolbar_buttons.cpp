@@ -19,8 +19,7 @@ struct Face {
 const Face kDisconnect = {"disconnect", IDB_DISCONNECT};
 
 Face FaceOf(const ToolbarButton& button) {
-    const bool connected = session.connected.load(std::memory_order_acquire) != 0;
-    if (button.action == kActionConnect && connected) return kDisconnect;
+    if (button.action == kActionConnect && Connected()) return kDisconnect;
     return {button.name, button.bitmapId};
 }
 

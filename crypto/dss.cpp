@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "crypto/byte_order.h"
+#include "crypto/byte_reader.h"
 #include "crypto/sha1.h"
 
 static const char kName[] = "ssh-dss";
@@ -12,35 +12,10 @@ static const int kNameLength = 7;
 static const int kNumberSize = 20;  // bytes of r and of s
 static const int kSignatureSize = 2 * kNumberSize;
 
-// What is left of a blob. Nothing is read past its end.
-struct BlobReader {
+static Bignum TakeNumber(ByteReader* reader) {
     const uint8_t* bytes;
     int length;
-};
-
-// Takes `count` bytes from the front; null when there are fewer.
-static const uint8_t* TakeBytes(BlobReader* reader, int count) {
-    if (count < 0 || count > reader->length) return nullptr;
-    const uint8_t* taken = reader->bytes;
-    reader->bytes += count;
-    reader->length -= count;
-    return taken;
-}
-
-// Takes a `string`; null when its length or its bytes are not all there.
-static const uint8_t* TakeString(BlobReader* reader, int* length) {
-    const uint8_t* size = TakeBytes(reader, 4);
-    if (size == nullptr) return nullptr;
-    uint32_t stated = LoadBig<uint32_t>(size);
-    if (stated > static_cast<uint32_t>(reader->length)) return nullptr;
-    *length = static_cast<int>(stated);
-    return TakeBytes(reader, *length);
-}
-
-static Bignum TakeNumber(BlobReader* reader) {
-    int length = 0;
-    const uint8_t* bytes = TakeString(reader, &length);
-    return bytes == nullptr ? nullptr : BignumFromBytes(bytes, length);
+    return TakeString(reader, &bytes, &length) ? BignumFromBytes(bytes, length) : nullptr;
 }
 
 static bool InRange(ConstBignum a, int max_bits) {
@@ -54,10 +29,10 @@ static bool Usable(const DssKey* key) {
 }
 
 DssKey* DssParseKey(const uint8_t* blob, int length) {
-    BlobReader reader = {blob, length};
-    int name_length = 0;
-    const uint8_t* name = TakeString(&reader, &name_length);
-    if (name == nullptr || name_length < kNameLength) return nullptr;
+    ByteReader reader = ReaderOf(blob, length);
+    const uint8_t* name;
+    int name_length;
+    if (!TakeString(&reader, &name, &name_length) || name_length < kNameLength) return nullptr;
     if (memcmp(name, kName, kNameLength) != 0) return nullptr;
     DssKey* key = static_cast<DssKey*>(calloc(1, sizeof(DssKey)));
     if (key == nullptr) return nullptr;
@@ -82,13 +57,15 @@ void DssFreeKey(DssKey* key) {
 // The 40 bytes of r and s; null when the blob is neither of the two forms.
 static const uint8_t* SignatureBytes(const uint8_t* blob, int length) {
     if (length == kSignatureSize) return blob;
-    BlobReader reader = {blob, length};
-    int name_length = 0;
-    const uint8_t* name = TakeString(&reader, &name_length);
-    if (name == nullptr || name_length != kNameLength) return nullptr;
+    ByteReader reader = ReaderOf(blob, length);
+    const uint8_t* name;
+    const uint8_t* numbers;
+    int name_length;
+    uint32_t stated;
+    if (!TakeString(&reader, &name, &name_length) || name_length != kNameLength) return nullptr;
     if (memcmp(name, kName, kNameLength) != 0) return nullptr;
-    if (TakeBytes(&reader, 4) == nullptr) return nullptr;
-    return TakeBytes(&reader, kSignatureSize);
+    if (!TakeUint32(&reader, &stated)) return nullptr;
+    return TakeBytes(&reader, kSignatureSize, &numbers) ? numbers : nullptr;
 }
 
 // (g^u1 * y^u2 mod p) mod q with u1 = h * w mod q and u2 = r * w mod q, as FIPS 186-2 names them.

@@ -1,5 +1,6 @@
 // Goods received: a form with fields. Enter or Tab goes to the next field, Esc leaves.
-#include <cstdlib>
+#include <iterator>
+#include <type_traits>
 #include "demo/pages.h"
 #include "demo/screen_text.h"
 
@@ -21,7 +22,9 @@ const Field kFields[] = {
 };
 // clang-format on
 
-constexpr int kFieldCount = 5, kLabelCol = 12, kFieldCol = 24;
+constexpr int kFieldCount = static_cast<int>(std::size(kFields));
+static_assert(std::size(kFields) == std::extent_v<decltype(Session::fields)>);
+constexpr int kLabelCol = 12, kFieldCol = 24;
 
 void WriteField(std::string& out, const Field& field, const std::string& text) {
     WriteStyled(out, field.row, kFieldCol, "4", Fit(text, field.width));

@@ -1,6 +1,7 @@
 // Pages that show what comes from the terminal: its answers to report requests, and its keys.
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include "demo/pages.h"
 #include "demo/screen_text.h"
 
@@ -57,7 +58,8 @@ const Question kQuestions[] = {
 };
 // clang-format on
 
-constexpr int kQuestionCount = 9, kFirstQuestionRow = 6, kAnswerCol = 42;
+constexpr int kQuestionCount = static_cast<int>(std::size(kQuestions));
+constexpr int kFirstQuestionRow = 6, kAnswerCol = 42;
 constexpr long long kMostWait = 1000, kQuiet = 150;
 
 int QuestionRow(const Session& session) { return kFirstQuestionRow + session.step; }

@@ -26,9 +26,7 @@ typedef int BOOL;
 typedef int INT;
 typedef unsigned int UINT;
 typedef int32_t LONG;
-typedef uint32_t ULONG;
 typedef char16_t WCHAR;
-typedef WCHAR TCHAR;
 typedef WCHAR* LPWSTR;
 typedef const WCHAR* LPCWSTR;
 typedef const char* LPCSTR;
@@ -214,7 +212,6 @@ struct MSG {
 #define WM_CREATE 0x0001u
 #define WM_DESTROY 0x0002u
 #define WM_SIZE 0x0005u
-#define WM_SETFOCUS 0x0007u
 #define WM_SETTEXT 0x000Cu
 #define WM_GETTEXT 0x000Du
 #define WM_GETTEXTLENGTH 0x000Eu
@@ -302,9 +299,7 @@ int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message);
 #define VK_LMENU 0xA4
 #define VK_RMENU 0xA5
 #define VK_OEM_PLUS 0xBB
-#define VK_OEM_COMMA 0xBC
 #define VK_OEM_MINUS 0xBD
-#define VK_OEM_PERIOD 0xBE
 #define KEYEVENTF_KEYUP 0x0002u
 #define KEYEVENTF_SILENT 0x0004u
 typedef int16_t SHORT;
@@ -590,7 +585,6 @@ struct PROPSHEETPAGEW {
     UINT* pcRefParent;
 };
 typedef const PROPSHEETPAGEW* LPCPROPSHEETPAGEW;
-#define PSP_DEFAULT 0x0000u   // the tab shows the template's caption
 #define PSP_USETITLE 0x0008u  // the tab shows pszTitle
 
 struct PROPSHEETHEADERW {
@@ -644,7 +638,6 @@ struct CHOOSECOLORW {
     void* lpfnHook;
     LPCWSTR lpTemplateName;
 };
-typedef CHOOSECOLORW* LPCHOOSECOLORW;
 #define CC_RGBINIT 0x00000001u  // rgbResult is the first colour
 #define CC_FULLOPEN 0x00000002u
 #define CC_ENABLETEMPLATE 0x00000020u
@@ -760,7 +753,6 @@ typedef UINT_PTR SOCKET;  // never given out twice in a run
 #define INVALID_SOCKET (static_cast<SOCKET>(~static_cast<SOCKET>(0)))
 #define SOCKET_ERROR (-1)
 #undef AF_INET
-#undef INADDR_NONE
 #define AF_INET 2
 #undef SOCK_STREAM
 #define SOCK_STREAM 1

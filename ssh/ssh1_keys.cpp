@@ -3,11 +3,11 @@
 
 #include "app/session_state.h"
 #include "crypto/byte_order.h"
+#include "crypto/byte_reader.h"
 #include "crypto/md5.h"
 #include "crypto/random.h"
 #include "crypto/rsa.h"
 #include "crypto/wipe.h"
-#include "ssh/packet_reader.h"
 #include "ssh/ssh1_packets.h"
 #include "ssh/ssh1_session.h"
 
@@ -60,7 +60,7 @@ void ReleaseKeys(ServerKeys* keys) {
 
 // ---------------------------------------------------------------- the server's message
 
-bool TakeKey(PacketReader* reader, RsaKey* key) {
+bool TakeKey(ByteReader* reader, RsaKey* key) {
     const int taken = RsaParseKey(reader->next, reader->left, key, nullptr);
     const uint8_t* skipped;
     return taken > 0 && TakeBytes(reader, static_cast<uint32_t>(taken), &skipped);
@@ -69,7 +69,7 @@ bool TakeKey(PacketReader* reader, RsaKey* key) {
 // False, with whatever was read of the keys, when the message does not hold all of it.
 bool ReadPublicKeyMessage(const BYTE* data, int length, ServerKeys* keys) {
     Ssh1State& ssh1 = session.ssh1;
-    PacketReader reader = ReaderOf(data, length);
+    ByteReader reader = ReaderOf(data, length);
     const uint8_t* cookie;
     uint32_t flags;
     if (!TakeBytes(&reader, kSsh1CookieSize, &cookie)) return false;
@@ -144,12 +144,10 @@ void TellUnsupported(LPCWSTR name) {
 
 void SendSessionKey(BYTE cipher, const BYTE* encrypted, int size) {
     BYTE* at = Ssh1BeginPacket(CMSG_SESSION_KEY, 1 + kSsh1CookieSize + 2 + size + 4);
-    *at++ = cipher;
-    std::memcpy(at, session.ssh1.cookie, kSsh1CookieSize);
-    at += kSsh1CookieSize;
+    at = PutBytes(PutByte(at, cipher), session.ssh1.cookie, kSsh1CookieSize);
     StoreBig(at, static_cast<uint16_t>(8 * size));
-    std::memcpy(at + 2, encrypted, static_cast<size_t>(size));
-    Ssh1PutUint32(at + 2 + size, 0);  // protocol flags
+    at = PutBytes(at + 2, encrypted, size);
+    PutUint32(at, 0);  // protocol flags
     Ssh1SendPacket();
 }
 

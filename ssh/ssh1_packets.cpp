@@ -1,6 +1,7 @@
 // Building, gathering and checking of packets.
 #include "ssh/ssh1_packets.h"
 
+#include "app/message_boxes.h"
 #include "app/session_state.h"
 #include "crypto/byte_order.h"
 #include "crypto/crc32.h"
@@ -70,19 +71,8 @@ void Ssh1SendPacket() {
     SshSendPacketBytes(ssh1.sendBuf, kLengthSize + body_length);
 }
 
-BYTE* Ssh1PutUint32(BYTE* at, uint32_t value) {
-    StoreBig(at, value);
-    return at + sizeof(value);
-}
-
-BYTE* Ssh1PutString(BYTE* at, const void* bytes, int length) {
-    at = Ssh1PutUint32(at, static_cast<uint32_t>(length));
-    std::memcpy(at, bytes, static_cast<size_t>(length));
-    return at + length;
-}
-
 void Ssh1SendString(BYTE type, const void* bytes, int length) {
-    Ssh1PutString(Ssh1BeginPacket(type, 4 + length), bytes, length);
+    PutBlock(Ssh1BeginPacket(type, 4 + length), bytes, length);
     Ssh1SendPacket();
 }
 
@@ -90,7 +80,7 @@ void Ssh1TakeChunk(const BYTE* bytes, int count) {
     SshState& ssh = session.ssh;
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     if (count > kSshReassemblySize - ssh.recvFill) {
-        Ssh1ShowError(TEXT("SSH out of memory"));
+        ShowError(TEXT("SSH out of memory"));
         if (!SshSessionStands(served)) return;
         ssh.recvFill = 0;
     }

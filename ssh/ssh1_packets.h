@@ -8,6 +8,7 @@
 #ifndef QUILL_SSH_SSH1_PACKETS_H
 #define QUILL_SSH_SSH1_PACKETS_H
 
+#include "ssh/packet_writer.h"
 #include "windows_ce.h"
 
 enum Ssh1Type : BYTE {
@@ -32,10 +33,6 @@ enum Ssh1Type : BYTE {
 // Starts a packet of dataLength bytes, at most kSsh1PacketSize - 17; returns where they go.
 BYTE* Ssh1BeginPacket(BYTE type, int dataLength);
 void Ssh1SendPacket();
-
-// Each writes at `at` and returns the place behind it.
-BYTE* Ssh1PutUint32(BYTE* at, uint32_t value);
-BYTE* Ssh1PutString(BYTE* at, const void* bytes, int length);  // uint32 length, then the bytes
 
 // A packet that is one string.
 void Ssh1SendString(BYTE type, const void* bytes, int length);

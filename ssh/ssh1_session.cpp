@@ -2,12 +2,13 @@
 #include "ssh/ssh1_session.h"
 
 #include "app/connection.h"
+#include "app/message_boxes.h"
 #include "app/session_state.h"
 #include "app/status_bar.h"
 #include "config/ansi_text.h"
 #include "config/dialogs.h"
+#include "crypto/byte_reader.h"
 #include "crypto/wipe.h"
-#include "ssh/packet_reader.h"
 #include "ssh/ssh1_packets.h"
 #include "terminal/terminal_write.h"
 
@@ -72,7 +73,7 @@ void SendPassword(const BYTE*, int) {
 
 void AskAgain(const BYTE*, int) {
     const SOCKET served = ServedSocket();
-    Ssh1ShowError(TEXT("Login incorrect"));
+    ShowError(TEXT("Login incorrect"));
     if (!SshSessionStands(served)) return;
     session.ssh1.loginFailed = 1;
     SendUser();
@@ -84,11 +85,11 @@ void RequestTerminal(const BYTE*, int) {
     char type[kTerminalTypeSize];
     const int length = AnsiFromWide(session.settings.termtype, type, kTerminalTypeSize);
     BYTE* at = Ssh1BeginPacket(CMSG_REQUEST_PTY, 4 + length + 4 * 4 + 1);
-    at = Ssh1PutString(at, type, length);
-    at = Ssh1PutUint32(at, session.ssh1.ptyRows);
-    at = Ssh1PutUint32(at, session.ssh1.ptyColumns);
-    at = Ssh1PutUint32(at, 0);  // width and height in pixels: not told
-    at = Ssh1PutUint32(at, 0);
+    at = PutBlock(at, type, length);
+    at = PutUint32(at, session.ssh1.ptyRows);
+    at = PutUint32(at, session.ssh1.ptyColumns);
+    at = PutUint32(at, 0);  // width and height in pixels: not told
+    at = PutUint32(at, 0);
     *at = 0;  // no terminal modes
     Ssh1SendPacket();
     GoTo(kAskedForTerminal);
@@ -102,7 +103,7 @@ void StartShell(const BYTE*, int) {
 }
 
 void ShowOutput(const BYTE* data, int length) {
-    PacketReader reader = ReaderOf(data, length);
+    ByteReader reader = ReaderOf(data, length);
     const uint8_t* text;
     int count;
     if (TakeString(&reader, &text, &count) && reader.left == 0 && count > 0)
@@ -130,20 +131,24 @@ struct StateRow {
 // clang-format off
 const StateRow kStates[] = {
     {kAwaitPublicKey,   SMSG_PUBLIC_KEY,  TakePublicKey,   nullptr},
-    {kAwaitPublicKey,   kAnyType,         nullptr, TEXT("SSH protocol violation. Session must close!!!")},
+    {kAwaitPublicKey,   kAnyType,         nullptr,
+     TEXT("SSH protocol violation. Session must close!!!")},
     {kSentSessionKey,   SMSG_SUCCESS,     TakeEncryption,  nullptr},
-    {kSentSessionKey,   kAnyType,         nullptr, TEXT("SSH server rejects the encryption mode. Session must be terminated")},
+    {kSentSessionKey,   kAnyType,         nullptr,
+     TEXT("SSH server rejects the encryption mode. Session must be terminated")},
     {kSentUser,         SMSG_FAILURE,     SendPassword,    nullptr},
     {kSentUser,         kAnyType,         RequestTerminal, nullptr},
     {kSentPassword,     SMSG_SUCCESS,     RequestTerminal, nullptr},
     {kSentPassword,     kAnyType,         AskAgain,        nullptr},
     {kAskedForTerminal, SMSG_SUCCESS,     StartShell,      nullptr},
     {kAskedForTerminal, SMSG_FAILURE,     StartShell,      nullptr},
-    {kAskedForTerminal, kAnyType,         nullptr, TEXT("SSH server has no TTY ressources. Session must be terminated")},
+    {kAskedForTerminal, kAnyType,         nullptr,
+     TEXT("SSH server has no TTY ressources. Session must be terminated")},
     {kInteractive,      SMSG_STDOUT_DATA, ShowOutput,      nullptr},
     {kInteractive,      SMSG_STDERR_DATA, ShowOutput,      nullptr},
     {kInteractive,      SMSG_EXITSTATUS,  ConfirmExit,     nullptr},
-    {kInteractive,      MSG_DISCONNECT,   nullptr, TEXT("Disconnect request from SSH Server. Session must be terminated")},
+    {kInteractive,      MSG_DISCONNECT,   nullptr,
+     TEXT("Disconnect request from SSH Server. Session must be terminated")},
 };
 // clang-format on
 
@@ -153,8 +158,8 @@ void Start(const char*, const BYTE*, int) { ResetCiphers(); }
 
 void Forget() {
     Wipe(&session.ssh1, sizeof(session.ssh1));
-    session.ssh1.ptyRows = Ssh1State{}.ptyRows;
-    session.ssh1.ptyColumns = Ssh1State{}.ptyColumns;
+    session.ssh1.ptyRows = kSsh1PtyRows;
+    session.ssh1.ptyColumns = kSsh1PtyColumns;
 }
 
 }  // namespace
@@ -185,12 +190,8 @@ void Ssh1SendData(const BYTE* data, int length) {
     }
 }
 
-void Ssh1ShowError(LPCWSTR text) {
-    MessageBoxW(session.main_window, text, TEXT("Error"), MB_OK | MB_ICONERROR);
-}
-
 void Ssh1EndSession(LPCWSTR text) {
     const SOCKET served = ServedSocket();
-    Ssh1ShowError(text);
+    ShowError(text);
     if (SshSessionStands(served)) CloseSession();
 }

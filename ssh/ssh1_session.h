@@ -18,9 +18,7 @@ void Ssh1SendData(const BYTE* data, int length);
 // on. False when the session has ended instead, its message shown.
 bool Ssh1ExchangeKeys(const BYTE* data, int length);
 
-// A message box with the caption "Error".
-void Ssh1ShowError(LPCWSTR text);
-// The same, and then CloseSession, unless the session ended while the box was shown.
+// Shows the error, and then CloseSession, unless the session ended while the box was shown.
 void Ssh1EndSession(LPCWSTR text);
 
 #endif

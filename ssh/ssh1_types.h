@@ -10,8 +10,11 @@ inline constexpr int kSsh1PacketSize = 65536;  // any packet that is sent or han
 inline constexpr int kSsh1MaxData = 65000;     // bytes of terminal input in one packet
 inline constexpr int kSsh1CookieSize = 8;
 inline constexpr int kSsh1KeySize = 32;
+inline constexpr uint32_t kSsh1PtyRows = 24;
+inline constexpr uint32_t kSsh1PtyColumns = 80;
 
-// Owner: ssh/ssh1_*.cpp. For the life of a session, all zero outside one.
+// Owner: ssh/ssh1_*.cpp. For the life of a session; outside one all is zero but the
+// size of the terminal.
 struct Ssh1State {
     int ssh1State = 0;                       // 0..5, see the table in ssh1_session.cpp
     const Ssh1Cipher* ssh1Cipher = nullptr;  // null: in the clear
@@ -25,8 +28,8 @@ struct Ssh1State {
     BYTE sessionKey[kSsh1KeySize] = {};  // until the cipher has it
 
     // Asked of the server.
-    uint32_t ptyRows = 24;
-    uint32_t ptyColumns = 80;
+    uint32_t ptyRows = kSsh1PtyRows;
+    uint32_t ptyColumns = kSsh1PtyColumns;
 
     int sendLength = 0;                    // type, data and checksum of the packet in sendBuf
     BYTE sendBuf[kSsh1PacketSize] = {};    // the packet being built, length field first

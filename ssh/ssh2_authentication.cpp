@@ -2,6 +2,7 @@
 #include "ssh/ssh2_authentication.h"
 
 #include "app/connection.h"
+#include "app/message_boxes.h"
 #include "app/session_state.h"
 #include "config/ansi_text.h"
 #include "config/dialogs.h"
@@ -24,8 +25,7 @@ bool SignOn() {
 
 void RefuseEmptyName() {
     const SOCKET served = session.socket.load(std::memory_order_acquire);
-    MessageBoxW(session.main_window, TEXT("Cannot sign on to the host without a valid user name"),
-                TEXT("Error"), MB_OK | MB_ICONERROR);
+    ShowError(TEXT("Cannot sign on to the host without a valid user name"));
     if (SshSessionStands(served)) CloseSession();
 }
 

@@ -3,6 +3,7 @@
 #define QUILL_SSH_SSH2_PACKET_H
 
 #include "crypto/bignum.h"
+#include "ssh/packet_writer.h"
 #include "windows_ce.h"
 
 // Message numbers (RFC 4250, 4.1).
@@ -33,14 +34,6 @@ inline constexpr BYTE kMsgChannelFailure = 100;
 // them data. The caller then writes the rest of the payload from Payload() on.
 void BeginPacket(BYTE type, int payloadLength);
 BYTE* Payload();  // the byte behind the message number
-
-// Each writes at `at` and returns the position behind what it wrote.
-BYTE* PutByte(BYTE* at, BYTE value);
-BYTE* PutUint32(BYTE* at, uint32_t value);
-BYTE* PutBytes(BYTE* at, const void* bytes, int count);
-BYTE* PutBlock(BYTE* at, const void* bytes, int count);  // a `string` of so many bytes
-BYTE* PutString(BYTE* at, const char* text);             // a `string` of the text's bytes
-int StringSize(const char* text);                        // bytes that PutString writes
 
 // Pads the packet to a multiple of 8 bytes, adds the MAC and encrypts it while there is a cipher,
 // and sends it; nothing is sent while no connection is up.

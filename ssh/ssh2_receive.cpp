@@ -104,7 +104,7 @@ bool Authentic(int total, int length) {
 bool OpenPayload(int total, BYTE* number) {
     Ssh2State& ssh = session.ssh2;
     BYTE padding;
-    PacketReader reader = ReaderOf(ssh.packetBuf + kLengthSize, total - kLengthSize);
+    ByteReader reader = ReaderOf(ssh.packetBuf + kLengthSize, total - kLengthSize);
     if (!TakeByte(&reader, &padding) || padding > reader.left) return false;
     ssh.payload = ReaderOf(reader.next, reader.left - padding);
     ssh.reader = ssh.payload;

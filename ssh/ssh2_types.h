@@ -2,12 +2,12 @@
 #ifndef QUILL_SSH_SSH2_TYPES_H
 #define QUILL_SSH_SSH2_TYPES_H
 
+#include "crypto/byte_reader.h"
 #include "crypto/ciphers.h"
 #include "crypto/diffie_hellman.h"
 #include "crypto/dss.h"
 #include "crypto/hmac_sha1.h"
 #include "crypto/sha1.h"
-#include "ssh/packet_reader.h"
 #include "windows_ce.h"
 
 inline constexpr int kSsh2PacketSize = 65536;  // a packet of the reassembly, and a byte
@@ -24,8 +24,8 @@ struct Ssh2State {
     uint32_t sendSeq = 0;  // packets sent and received, modulo 2^32
     uint32_t recvSeq = 0;
     DWORD headDecrypted = 0;               // the first block of recvBuf stands decrypted in place
-    PacketReader payload = {};             // of the packet being handled, its message number first
-    PacketReader reader = {};              // in it, from behind the number on
+    ByteReader payload = {};               // of the packet being handled, its message number first
+    ByteReader reader = {};                // in it, from behind the number on
     int payloadLength = 0;                 // of the packet in sendBuf, its message number counted
     BYTE packetBuf[kSsh2PacketSize] = {};  // the packet being handled, length field first
     BYTE sendBuf[kSsh2SendSize] = {};      // the packet being built

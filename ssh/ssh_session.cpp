@@ -39,7 +39,7 @@ void SshSendData(const BYTE* bytes, int length) {
 }
 
 void SshSendPacketBytes(const BYTE* bytes, int length) {
-    if (session.connected.load(std::memory_order_acquire)) SocketSendAll(bytes, length);
+    if (Connected()) SocketSendAll(bytes, length);
 }
 
 void ResetCiphers() {
@@ -57,6 +57,6 @@ void ForgetSshSession() {
 }
 
 bool SshSessionStands(SOCKET served) {
-    return served != INVALID_SOCKET && session.connected.load(std::memory_order_acquire) &&
+    return served != INVALID_SOCKET && Connected() &&
            session.socket.load(std::memory_order_acquire) == served;
 }

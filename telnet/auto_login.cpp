@@ -4,13 +4,14 @@
 #include <string_view>
 
 #include "app/session_state.h"
+#include "config/ansi_text.h"
 #include "telnet/session_send.h"
 
 namespace {
 
 void TakeText(LPCWSTR from, char* to) {
     std::memset(to, 0, kLoginTextSize);
-    WideCharToMultiByte(CP_ACP, 0, from, lstrlenW(from), to, kLoginTextSize - 1, nullptr, nullptr);
+    AnsiFromWide(from, to, kLoginTextSize);
 }
 
 void RespondIfFound(std::string_view chunk, DWORD* armed, const char* search,

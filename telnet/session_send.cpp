@@ -44,7 +44,7 @@ bool SocketSendAll(const BYTE* bytes, int length) {
 }
 
 void SessionSend(const BYTE* bytes, int length, int escape) {
-    if (!session.connected.load(std::memory_order_acquire)) return;
+    if (!Connected()) return;
     if (session.settings.ssh) return SshSendData(bytes, length);
     if (escape) {
         SendEscaped(bytes, length);

@@ -44,10 +44,7 @@ void TakeSshChunk() {
     SshTakeChunk(reinterpret_cast<const BYTE*>(session.receive_buffer), session.receive_count);
 }
 
-bool Stale() {
-    return !session.connected.load(std::memory_order_acquire) ||
-           session.receive_ready.load(std::memory_order_acquire) == 1;
-}
+bool Stale() { return !Connected() || session.receive_ready.load(std::memory_order_acquire) == 1; }
 
 }  // namespace
 

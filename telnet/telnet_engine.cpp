@@ -2,6 +2,7 @@
 #include "telnet/telnet_engine.h"
 
 #include "app/session_state.h"
+#include "config/ansi_text.h"
 #include "telnet/negotiation_trace.h"
 #include "telnet/session_send.h"
 
@@ -110,14 +111,12 @@ void RunCommand(BYTE option) {
 
 void AnswerTerminalType() {
     BYTE answer[kSettingUnits + 6] = {kIac, kSb, kTerminalType, kTypeIs};
-    char name[kSettingUnits + 1] = {};
-    WideCharToMultiByte(CP_ACP, 0, session.settings.termtype, -1, name, kSettingUnits, nullptr,
-                        nullptr);
-    const size_t length = std::strlen(name);
-    std::memcpy(answer + 4, name, length);
+    char name[kSettingUnits];
+    const int length = AnsiFromWide(session.settings.termtype, name, kSettingUnits);
+    std::memcpy(answer + 4, name, static_cast<size_t>(length));
     answer[4 + length] = kIac;
     answer[5 + length] = kSe;
-    SessionSend(answer, static_cast<int>(length) + 6, 0);
+    SessionSend(answer, length + 6, 0);
     if (session.settings.nego == 1) TraceTerminalType(name);
 }
 

@@ -3,7 +3,7 @@
 
 #include "telnet/session_send.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/view.h"
+#include "terminal/selection.h"
 
 static const WCHAR kCarriageReturn = 13;
 static const WCHAR kLineFeed = 10;
@@ -42,8 +42,7 @@ void CopySelection() {
     CopyText(area, static_cast<WCHAR*>(LocalLock(block)));
     LocalUnlock(block);
     HandToClipboard(block);
-    session.screen.selection_active = 0;
-    RepaintTerminal();
+    DropSelection();
 }
 
 // Another program's block need not be terminated.

@@ -5,6 +5,7 @@
 
 #include "terminal/cursor.h"
 #include "terminal/erase.h"
+#include "terminal/escape_sequences.h"
 #include "terminal/screen_buffer.h"
 #include "terminal/split_regions.h"
 
@@ -31,7 +32,7 @@ static void ResetCommon() {
     modes.g0_invoked = 1;
     modes.graphic_active = 0;
 
-    session.parser.parser_state = 0;
+    session.parser.parser_state = kStateGround;
     session.parser.bang_flag = 0;
     session.parser.quote_flag = 0;
 

@@ -193,7 +193,7 @@ void PaintTerminal(HWND window) {
     PAINTSTRUCT paint = {};
     HDC dc = BeginPaint(window, &paint);
     if (!dc) return;
-    if (session.view.full_repaint || !session.connected) {
+    if (session.view.full_repaint || !Connected()) {
         FillBackground(window, dc);
         MarkAllRows();
     }

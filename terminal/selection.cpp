@@ -34,3 +34,9 @@ void ExtendSelection(LPARAM position) {
     screen.selection_end_row = cell.row;
     RefreshTerminal();
 }
+
+void DropSelection() {
+    if (!session.screen.selection_active) return;
+    session.screen.selection_active = 0;
+    RepaintTerminal();
+}

@@ -70,10 +70,14 @@ static LRESULT OnHorizontalScroll(HWND, WPARAM wparam, LPARAM) {
     return 0;
 }
 
+namespace {
+
 struct MessageRow {
     UINT message;
     LRESULT (*handler)(HWND, WPARAM, LPARAM);
 };
+
+}  // namespace
 
 // clang-format off
 static const MessageRow kMessages[] = {

@@ -8,13 +8,8 @@
 #include "telnet/session_send.h"
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"
+#include "terminal/selection.h"
 #include "terminal/view.h"
-
-static void DropSelection() {
-    if (!session.screen.selection_active) return;
-    session.screen.selection_active = 0;
-    RepaintTerminal();
-}
 
 static void SendReply() {
     const char* reply = TerminalTakeReply();

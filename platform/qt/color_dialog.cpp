@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "dialogs.h"
+#include "gdi.h"
 #include "testing.h"
 
 namespace {
@@ -13,13 +14,6 @@ namespace {
 constexpr int kCustomColors = 16;
 
 QPointer<QColorDialog> g_shown;
-
-QColor ColorOf(COLORREF color) {
-    return QColor(static_cast<BYTE>(color), static_cast<BYTE>(color >> 8),
-                  static_cast<BYTE>(color >> 16));
-}
-
-COLORREF ValueOf(const QColor& color) { return RGB(color.red(), color.green(), color.blue()); }
 
 bool TemplateIsThere(const CHOOSECOLORW& request) {
     DialogTemplate shape;

@@ -117,7 +117,7 @@ void EraseBar(HWND handle, HDC dc) {
     const QColor color = WidgetOf(handle)->palette().color(QPalette::Window);
     RECT area;
     GetClientRect(handle, &area);
-    const HBRUSH brush = CreateSolidBrush(RGB(color.red(), color.green(), color.blue()));
+    const HBRUSH brush = CreateSolidBrush(ValueOf(color));
     FillRect(dc, &area, brush);
     DeleteObject(brush);
 }

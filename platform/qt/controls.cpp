@@ -93,6 +93,18 @@ LRESULT CALLBACK StatusProcedure(HWND handle, UINT message, WPARAM wparam, LPARA
     return 0;
 }
 
+struct MetricRow {
+    int index;
+    int (*pixels)();
+};
+
+const MetricRow kMetrics[] = {
+    {SM_CXSCREEN, [] { return DeviceScreen()->width(); }},
+    {SM_CYSCREEN, [] { return DeviceScreen()->height(); }},
+    {SM_CXVSCROLL, [] { return kScrollBarSize; }},
+    {SM_CYHSCROLL, [] { return kScrollBarSize; }},
+};
+
 }  // namespace
 
 int StatusHeight() { return QFontMetrics(QApplication::font()).height() + 4; }
@@ -159,15 +171,7 @@ BOOL GetScrollInfo(HWND handle, int bar, SCROLLINFO* info) {
 }
 
 int GetSystemMetrics(int index) {
-    switch (index) {
-        case SM_CXSCREEN:
-            return DeviceScreen()->width();
-        case SM_CYSCREEN:
-            return DeviceScreen()->height();
-        case SM_CXVSCROLL:
-        case SM_CYHSCROLL:
-            return kScrollBarSize;
-        default:
-            return 0;
-    }
+    for (const MetricRow& row : kMetrics)
+        if (row.index == index) return row.pixels();
+    return 0;
 }

@@ -117,26 +117,54 @@ void PutNarrow(Output* output, const Conversion& conversion, LPCSTR text) {
     PutPadded(output, conversion, units, count);
 }
 
-void PutSigned(Output* output, const Conversion& conversion, int value) {
+void PutText(Output* output, const Conversion& conversion, va_list* arguments) {
+    const bool narrow =
+        conversion.letter == u's' ? conversion.size == u'h' : conversion.size != u'l';
+    if (narrow)
+        PutNarrow(output, conversion, va_arg(*arguments, LPCSTR));
+    else
+        PutWide(output, conversion, va_arg(*arguments, LPCWSTR));
+}
+
+void PutSigned(Output* output, const Conversion& conversion, va_list* arguments) {
+    const int value = va_arg(*arguments, int);
     WCHAR room[12];
     const DWORD size = value < 0 ? 0u - static_cast<DWORD>(value) : static_cast<DWORD>(value);
     PutNumber(output, conversion, value < 0 ? u"-" : u"", Digits(size, 10, false, room));
 }
 
-void PutUnsigned(Output* output, const Conversion& conversion, DWORD value) {
+void PutUnsigned(Output* output, const Conversion& conversion, va_list* arguments) {
     WCHAR room[12];
-    PutNumber(output, conversion, u"", Digits(value, 10, false, room));
+    PutNumber(output, conversion, u"", Digits(va_arg(*arguments, DWORD), 10, false, room));
 }
 
-void PutHexadecimal(Output* output, const Conversion& conversion, DWORD value) {
+void PutHexadecimal(Output* output, const Conversion& conversion, va_list* arguments) {
     WCHAR room[12];
     const bool upper = conversion.letter == u'X';
     LPCWSTR sign = !conversion.prefix ? u"" : upper ? u"0X" : u"0x";
-    PutNumber(output, conversion, sign, Digits(value, 16, upper, room));
+    PutNumber(output, conversion, sign, Digits(va_arg(*arguments, DWORD), 16, upper, room));
 }
 
-void PutCharacter(Output* output, const Conversion& conversion, WCHAR unit) {
+void PutCharacter(Output* output, const Conversion& conversion, va_list* arguments) {
+    const WCHAR unit = static_cast<WCHAR>(va_arg(*arguments, int));
     PutPadded(output, conversion, &unit, 1);
+}
+
+struct ConversionRow {
+    WCHAR letter;
+    void (*put)(Output* output, const Conversion& conversion, va_list* arguments);
+};
+
+const ConversionRow kConversions[] = {
+    {u'd', PutSigned},      {u'i', PutSigned},    {u'u', PutUnsigned}, {u'x', PutHexadecimal},
+    {u'X', PutHexadecimal}, {u'c', PutCharacter}, {u's', PutText},     {u'S', PutText},
+};
+
+// What is no conversion, %% among it, stands for its letter.
+void Put(Output* output, const Conversion& conversion, va_list* arguments) {
+    for (const ConversionRow& row : kConversions)
+        if (row.letter == conversion.letter) return row.put(output, conversion, arguments);
+    if (conversion.letter) output->Put(conversion.letter);
 }
 
 }  // namespace
@@ -151,32 +179,7 @@ int wsprintfW(LPWSTR text, LPCWSTR format, ...) {
             continue;
         }
         format++;
-        const Conversion conversion = TakeConversion(&format);
-        // clang-format off
-        switch (conversion.letter) {
-            case u'd':
-            case u'i': PutSigned(&output, conversion, va_arg(arguments, int));               break;
-            case u'u': PutUnsigned(&output, conversion, va_arg(arguments, DWORD));           break;
-            case u'x':
-            case u'X': PutHexadecimal(&output, conversion, va_arg(arguments, DWORD));        break;
-            case u'c': PutCharacter(&output, conversion,
-                                    static_cast<WCHAR>(va_arg(arguments, int)));             break;
-            case u's':
-                if (conversion.size == u'h')
-                    PutNarrow(&output, conversion, va_arg(arguments, LPCSTR));
-                else
-                    PutWide(&output, conversion, va_arg(arguments, LPCWSTR));
-                break;
-            case u'S':
-                if (conversion.size == u'l')
-                    PutWide(&output, conversion, va_arg(arguments, LPCWSTR));
-                else
-                    PutNarrow(&output, conversion, va_arg(arguments, LPCSTR));
-                break;
-            case 0:    break;
-            default:   output.Put(conversion.letter);  // %% and what is no conversion
-        }
-        // clang-format on
+        Put(&output, TakeConversion(&format), &arguments);
     }
     va_end(arguments);
     text[output.length] = 0;

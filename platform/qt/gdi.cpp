@@ -15,9 +15,9 @@ namespace {
 
 std::set<SliceGdiObject*> g_objects;
 // What a new context holds, as on the device.
-SliceGdiObject g_white_brush{SliceGdiObject::Kind::kBrush, 0x00FFFFFF, 1, nullptr};
-SliceGdiObject g_black_pen{SliceGdiObject::Kind::kPen, 0, 1, nullptr};
-SliceGdiObject g_system_font{SliceGdiObject::Kind::kFont, 0, 1, nullptr};
+SliceGdiObject g_white_brush{&SliceDeviceContext::brush, 0x00FFFFFF, 1, nullptr};
+SliceGdiObject g_black_pen{&SliceDeviceContext::pen, 0, 1, nullptr};
+SliceGdiObject g_system_font{&SliceDeviceContext::font, 0, 1, nullptr};
 
 void SelectDefaults(SliceDeviceContext& dc) {
     dc.brush = &g_white_brush;
@@ -25,8 +25,8 @@ void SelectDefaults(SliceDeviceContext& dc) {
     dc.font = &g_system_font;
 }
 
-HGDIOBJ AddObject(SliceGdiObject::Kind kind, COLORREF color, int width) {
-    auto* object = new SliceGdiObject{kind, color, width, nullptr};
+HGDIOBJ AddObject(HGDIOBJ SliceDeviceContext::*place, COLORREF color, int width) {
+    auto* object = new SliceGdiObject{place, color, width, nullptr};
     g_objects.insert(object);
     return object;
 }
@@ -134,16 +134,7 @@ int ReleaseDC(HWND, HDC dc) {
 HGDIOBJ GetStockObject(int index) { return index == WHITE_BRUSH ? &g_white_brush : nullptr; }
 
 HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
-    if (!dc || !Known(object)) return nullptr;
-    switch (object->kind) {
-        case SliceGdiObject::Kind::kFont:
-            return std::exchange(dc->font, object);
-        case SliceGdiObject::Kind::kPen:
-            return std::exchange(dc->pen, object);
-        case SliceGdiObject::Kind::kBrush:
-            return std::exchange(dc->brush, object);
-    }
-    return nullptr;
+    return dc && Known(object) ? std::exchange(dc->*object->place, object) : nullptr;
 }
 
 BOOL DeleteObject(HGDIOBJ object) {
@@ -153,17 +144,15 @@ BOOL DeleteObject(HGDIOBJ object) {
 }
 
 HFONT CreateFontIndirectW(const LOGFONTW* wanted) {
-    auto* object = AddObject(SliceGdiObject::Kind::kFont, 0, 1);
+    auto* object = AddObject(&SliceDeviceContext::font, 0, 1);
     object->font = MakeFont(*wanted);
     return object;
 }
 
-HBRUSH CreateSolidBrush(COLORREF color) {
-    return AddObject(SliceGdiObject::Kind::kBrush, color, 1);
-}
+HBRUSH CreateSolidBrush(COLORREF color) { return AddObject(&SliceDeviceContext::brush, color, 1); }
 
 HPEN CreatePen(int, int width, COLORREF color) {
-    return AddObject(SliceGdiObject::Kind::kPen, color, std::max(width, 1));
+    return AddObject(&SliceDeviceContext::pen, color, std::max(width, 1));
 }
 
 COLORREF SetTextColor(HDC dc, COLORREF color) {

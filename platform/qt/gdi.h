@@ -24,7 +24,7 @@ struct FontData {
 };
 
 struct SliceGdiObject {
-    enum class Kind { kFont, kBrush, kPen } kind;
+    HGDIOBJ SliceDeviceContext::*place;  // where a context keeps an object of this kind
     COLORREF color = 0;
     int width = 1;
     std::unique_ptr<FontData> font;
@@ -49,6 +49,9 @@ void ForgetFonts();
 inline QColor ColorOf(COLORREF color) {
     return QColor(static_cast<int>(color & 0xff), static_cast<int>((color >> 8) & 0xff),
                   static_cast<int>((color >> 16) & 0xff));
+}
+inline COLORREF ValueOf(const QColor& color) {
+    return RGB(color.red(), color.green(), color.blue());
 }
 
 #endif

@@ -28,8 +28,8 @@ void WriteText(const QString& path) {
 // A picture and the text of a session that has come to rest, and then the end.
 void WatchForRest(const HostOptions& options) {
     auto* timer = new QTimer(qApp);
-    auto* started = new QElapsedTimer;
-    started->start();
+    QElapsedTimer started;
+    started.start();
     KeepScreenText(true);
     AnswerMessageBoxes(true);
     QObject::connect(timer, &QTimer::timeout, timer, [=, last = -1, quiet = 0]() mutable {
@@ -37,7 +37,7 @@ void WatchForRest(const HostOptions& options) {
         quiet = paints == last ? quiet + timer->interval() : 0;
         last = paints;
         const bool rest = quiet >= kQuietMilliseconds && paints > 0;
-        if (!rest && started->elapsed() < kLongestMilliseconds) return;
+        if (!rest && started.elapsed() < kLongestMilliseconds) return;
         timer->stop();
         if (!options.snapshot.isEmpty()) DeviceScreen()->grab().save(options.snapshot);
         WriteText(options.text);

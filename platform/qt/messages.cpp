@@ -363,24 +363,52 @@ int TimerMilliseconds(HWND window, UINT_PTR id) {
     return timer == g_running_timers.end() ? -1 : timer->second->interval();
 }
 
-LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+namespace {
+
+LRESULT CloseByDefault(Window& window, WPARAM) {
+    DestroyWindow(window.handle);
+    return 0;
+}
+
+LRESULT PaintByDefault(Window& window, WPARAM) {
+    PAINTSTRUCT paint;
+    BeginPaint(window.handle, &paint);
+    EndPaint(window.handle, &paint);
+    return 0;
+}
+
+LRESULT EraseByDefault(Window& window, WPARAM dc) {
+    const HBRUSH background = window.window_class->background;
+    if (!background) return 0;
+    RECT area;
+    GetClientRect(window.handle, &area);
+    FillRect(reinterpret_cast<HDC>(dc), &area, background);
+    return 1;
+}
+
+LRESULT TakeKeyByDefault(Window& window, WPARAM key) {
+    if (key == VK_F10 && IsProgramWindow(window)) ActivateMenuBar();
+    return 0;
+}
+
+struct DefaultRow {
+    UINT message;
+    LRESULT (*handle)(Window& window, WPARAM wparam);
+};
+
+const DefaultRow kDefaults[] = {
+    {WM_CLOSE, CloseByDefault},
+    {WM_PAINT, PaintByDefault},
+    {WM_ERASEBKGND, EraseByDefault},
+    {WM_KEYDOWN, TakeKeyByDefault},
+};
+
+}  // namespace
+
+LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM) {
     Window* window = FindWindowRecord(handle);
-    if (!window) return 0;
-    if (message == WM_CLOSE) {
-        DestroyWindow(handle);
-    } else if (message == WM_PAINT) {
-        PAINTSTRUCT paint;
-        BeginPaint(handle, &paint);
-        EndPaint(handle, &paint);
-    } else if (message == WM_ERASEBKGND && window->window_class->background) {
-        RECT area;
-        GetClientRect(handle, &area);
-        FillRect(reinterpret_cast<HDC>(wparam), &area, window->window_class->background);
-        return 1;
-    } else if (message == WM_KEYDOWN && wparam == VK_F10 && IsProgramWindow(*window)) {
-        ActivateMenuBar();
-    }
-    (void)lparam;
+    for (const DefaultRow& row : kDefaults)
+        if (window && row.message == message) return row.handle(*window, wparam);
     return 0;
 }
 

@@ -11,7 +11,6 @@ inline constexpr WORD kResourceBitmap = 2;
 inline constexpr WORD kResourceIcon = 3;
 inline constexpr WORD kResourceMenu = 4;
 inline constexpr WORD kResourceDialog = 5;
-inline constexpr WORD kResourceString = 6;
 inline constexpr WORD kResourceAccelerator = 9;
 inline constexpr WORD kResourceData = 10;
 inline constexpr WORD kResourceIconGroup = 14;

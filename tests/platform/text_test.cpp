@@ -88,6 +88,8 @@ TEST(Wsprintf, WidthZerosAndSide) {
 
 TEST(Wsprintf, Texts) {
     EXPECT_EQ(TEXT("wide narrow"), Format(TEXT("%s %S"), TEXT("wide"), "narrow"));
+    EXPECT_EQ(TEXT("narrow wide"), Format(TEXT("%hs %lS"), "narrow", TEXT("wide")));
+    EXPECT_EQ(TEXT("narrow wide"), Format(TEXT("%hS %ls"), "narrow", TEXT("wide")));
     EXPECT_EQ(TEXT("[  ab][ab  ][ab]"),
               Format(TEXT("[%4s][%-4s][%.2s]"), TEXT("ab"), TEXT("ab"), TEXT("abc")));
     EXPECT_EQ(TEXT("\u20ac"), Format(TEXT("%S"), "\x80"));

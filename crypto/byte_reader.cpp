@@ -1,11 +1,11 @@
 // The bounds-checked reader.
-#include "ssh/packet_reader.h"
+#include "crypto/byte_reader.h"
 
 #include "crypto/byte_order.h"
 
-PacketReader ReaderOf(const uint8_t* bytes, int count) { return {bytes, count > 0 ? count : 0}; }
+ByteReader ReaderOf(const uint8_t* bytes, int count) { return {bytes, count > 0 ? count : 0}; }
 
-bool TakeBytes(PacketReader* reader, uint32_t count, const uint8_t** bytes) {
+bool TakeBytes(ByteReader* reader, uint32_t count, const uint8_t** bytes) {
     *bytes = nullptr;
     if (count > static_cast<uint32_t>(reader->left)) return false;
     *bytes = reader->next;
@@ -14,7 +14,7 @@ bool TakeBytes(PacketReader* reader, uint32_t count, const uint8_t** bytes) {
     return true;
 }
 
-bool TakeByte(PacketReader* reader, uint8_t* value) {
+bool TakeByte(ByteReader* reader, uint8_t* value) {
     const uint8_t* bytes;
     *value = 0;
     if (!TakeBytes(reader, 1, &bytes)) return false;
@@ -22,7 +22,7 @@ bool TakeByte(PacketReader* reader, uint8_t* value) {
     return true;
 }
 
-bool TakeUint32(PacketReader* reader, uint32_t* value) {
+bool TakeUint32(ByteReader* reader, uint32_t* value) {
     const uint8_t* bytes;
     *value = 0;
     if (!TakeBytes(reader, 4, &bytes)) return false;
@@ -30,8 +30,8 @@ bool TakeUint32(PacketReader* reader, uint32_t* value) {
     return true;
 }
 
-bool TakeString(PacketReader* reader, const uint8_t** bytes, int* length) {
-    PacketReader ahead = *reader;
+bool TakeString(ByteReader* reader, const uint8_t** bytes, int* length) {
+    ByteReader ahead = *reader;
     uint32_t count;
     *bytes = nullptr;
     *length = 0;
