@@ -108,6 +108,7 @@ TEST(Connection, RefusedConnectionShowsNotPossibleAndTheNextConnectWorks) {
         Connect();
         DismissBox(kNotPossible);
         EXPECT_TRUE(Offline());
+        EXPECT_TRUE(Eventually([] { return StatusText().substr(0, 10) == "   offline"; }));
         SetHost(u"127.0.0.1", host.port);
         Connect();
         ASSERT_TRUE(host.Accept());
@@ -461,6 +462,20 @@ TEST(Connection, UnknownNameStillClearsTheScreenOfTheLastSession) {
             EXPECT_EQ(session.connect_pending, 0u);
         });
         PressOk();
+    });
+}
+
+TEST(Connection, ClearedScreenIsPaintedBeforeTheHostSaysAnything) {
+    FakeHost host;
+    WithSession(host, [&] {
+        const auto drawn = [] { return DrawnText().find("hello") != std::string::npos; };
+        ASSERT_TRUE(Eventually(drawn));
+        Close();
+        ASSERT_TRUE(Offline());
+        ASSERT_TRUE(Eventually(drawn)) << "the last session's text stays until the next one";
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        EXPECT_TRUE(Eventually([&] { return !drawn(); }));
     });
 }
 

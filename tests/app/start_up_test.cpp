@@ -8,6 +8,7 @@
 #include "config/settings.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
+#include "terminal/screen_buffer.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 
@@ -34,6 +35,19 @@ TEST(StartUp, FirstStartShowsAnOfflineWindow) {
                        });
                    }),
         0);
+}
+
+TEST(StartUp, FirstScreenIsBlankInEveryCell) {
+    RunProgram({}, [] {
+        OnWindowThread([] {
+            for (int row = 1; row <= kRingLines; row++) {
+                EXPECT_EQ(RowWords(row)[0], 0u) << row;
+                for (int col = 1; col <= kScreenColumns; col++)
+                    ASSERT_EQ(GetCell(row, col), kBlank) << row << "," << col;
+            }
+            EXPECT_EQ(session.screen.ring_origin, 0);
+        });
+    });
 }
 
 TEST(StartUp, ClassTakenEndsWithCode1) {

@@ -65,7 +65,11 @@ void SshSendData(const BYTE* bytes, int length) {
 
 void ShowWritten(int) { outside.refreshes++; }
 
-void SessionClosed() { outside.closed++; }
+void SessionClosed() {
+    outside.closed++;
+    outside.pending_when_closed = session.connect_pending;
+    outside.ready_when_closed = session.receive_ready;
+}
 
 void WakeReceiveThread() { outside.wakes++; }
 
