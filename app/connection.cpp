@@ -52,6 +52,7 @@ void ResetForSession() {
     TelnetReset();
     ClearAllLines();
     RepaintTerminal();
+    UpdateStatus();
 }
 
 // The address of settings.host in network order, or INADDR_NONE. A dotted address is not looked

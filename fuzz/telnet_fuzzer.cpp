@@ -14,7 +14,6 @@
 #include "telnet/telnet_engine.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
-#include "terminal/view.h"
 
 struct Outcome {
     std::string wire, display;
@@ -47,7 +46,7 @@ void TerminalWrite(const BYTE* bytes, int count) {
 
 void SshTakeChunk(const BYTE*, int) {}
 void SshSendData(const BYTE*, int) {}
-void RefreshTerminal() {}
+void ShowWritten(int) {}
 void SessionClosed() {}
 void WakeReceiveThread() { wakes++; }
 

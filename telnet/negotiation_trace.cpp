@@ -2,7 +2,8 @@
 #include "telnet/negotiation_trace.h"
 
 #include "terminal/interpreter.h"
-#include "terminal/view.h"
+#include "terminal/modes.h"
+#include "terminal/terminal_write.h"
 
 namespace {
 
@@ -64,12 +65,13 @@ LPCWSTR OptionName(BYTE option) {
 
 void TraceWrite(LPCWSTR text) {
     char bytes[kLineBytes + 1] = {};
+    const int cursor = CursorPosition();
     const int length = lstrlenW(text);
     WideCharToMultiByte(CP_ACP, 0, text, length < kLineBytes ? length : kLineBytes, bytes,
                         kLineBytes, nullptr, nullptr);
     for (const char* byte = bytes; *byte; byte++)
         if (TerminalFeedByte(static_cast<BYTE>(*byte))) TerminalTakeReply();
-    RefreshTerminal();
+    ShowWritten(cursor);
 }
 
 void TraceHostCommand(BYTE command, BYTE option) {

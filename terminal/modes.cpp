@@ -189,7 +189,6 @@ void LeaveVt52() {
 
 // ---------------------------------------------------------------- readers
 
-int CursorPosition() { return session.screen.cursor_col + 256 * session.screen.cursor_row; }
 DWORD NewlineMode() { return session.modes.newline_mode; }
 void SetNewlineMode(DWORD on) { session.modes.newline_mode = on; }
 DWORD Autowrap() { return session.modes.autowrap; }

@@ -27,8 +27,10 @@ void SelectReplies(int eight_bit);
 void LeaveVt52();
 
 // Readers.
-int CursorPosition();  // column + 256 * row
-DWORD NewlineMode();   // 1: Enter sends CR LF
+inline int CursorPosition() {  // column + 256 * row
+    return session.screen.cursor_col + 256 * session.screen.cursor_row;
+}
+DWORD NewlineMode();  // 1: Enter sends CR LF
 void SetNewlineMode(DWORD on);
 DWORD Autowrap();
 void SetAutowrap(DWORD on);

@@ -27,10 +27,14 @@ static void Feed(const BYTE* bytes, int count) {
 }
 
 void TerminalWrite(const BYTE* bytes, int count) {
-    int cursor = CursorPosition();
+    const int cursor = CursorPosition();
     DropSelection();
     Feed(bytes, count);
+    ShowWritten(cursor);
+}
+
+void ShowWritten(int cursor_before) {
     if (session.settings.followcursor) FollowCursor();
     RefreshTerminal();
-    if (CursorPosition() != cursor) UpdateStatus();
+    if (CursorPosition() != cursor_before) UpdateStatus();
 }

@@ -8,4 +8,9 @@
 // to the host as it arises, and asks for a paint of what changed.
 void TerminalWrite(const BYTE* bytes, int count);
 
+// What every write ends with: the view follows the cursor where it is to, what changed is painted,
+// and the status line tells the cursor's place unless it is the one before the write
+// (CursorPosition).
+void ShowWritten(int cursor_before);
+
 #endif

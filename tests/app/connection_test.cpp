@@ -4,6 +4,7 @@
 #include "app/session_state.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
+#include "terminal/screen_buffer.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
@@ -107,6 +108,7 @@ TEST(Connection, RefusedConnectionShowsNotPossibleAndTheNextConnectWorks) {
         Connect();
         DismissBox(kNotPossible);
         EXPECT_TRUE(Offline());
+        EXPECT_TRUE(Eventually([] { return StatusText().substr(0, 10) == "   offline"; }));
         SetHost(u"127.0.0.1", host.port);
         Connect();
         ASSERT_TRUE(host.Accept());
@@ -311,6 +313,169 @@ TEST(Connection, LocalEchoShowsTypedCharactersUntilTheHostEchoes) {
         TypeText("d");
         host.ReadSome(200);
         OnWindowThread([] { EXPECT_EQ(TerminalRow(1), "abc"); });
+    });
+}
+
+TEST(Connection, AnEntryThatBeginsWithABlankIsNoneAndTheFirstIsSavedLater) {
+    const std::string peers = FreshRoot();
+    fclose(fopen((peers + "/annex").c_str(), "w"));
+    RunProgram({}, [&] {
+        services_test_hooks.dial_up_folder = peers;
+        services_test_hooks.dial_up_program = peers + "/annex";
+        services_test_hooks.force_connect_error = WSAEHOSTUNREACH;
+        SetHost(u"127.0.0.1", 23);
+        OnWindowThread([] {
+            lstrcpyW(session.settings.ras, u" depot");
+            session.save_settings = 0;
+        });
+        ConnectLater();
+        ASSERT_EQ(AwaitBox(),
+                  "Request: No active network. Should I dial a network using modem (annex) ?");
+        OnWindowThread([] {
+            ASSERT_NE(ShownMessageBox(), nullptr);
+            EXPECT_EQ(ShownMessageBox()->icon(), QMessageBox::Question);
+            EXPECT_EQ(ShownMessageBox()->standardButtons(), QMessageBox::Ok | QMessageBox::Cancel);
+            EXPECT_EQ(session.save_settings, 1u);
+        });
+        PressCancel();
+        EXPECT_TRUE(Offline());
+        services_test_hooks = {};
+    });
+}
+
+TEST(Connection, AConnectionThatNeverCameUpIsReportedEvenWithExitOnDisconnect) {
+    RunProgram({}, [&] {
+        OnWindowThread([] { session.settings.exit_dis = 1; });
+        SetHost(u"127.0.0.1", RefusingPort());
+        Connect();
+        DismissBox(kNotPossible);
+        EXPECT_TRUE(Offline());
+        OnWindowThread([] {});
+        EXPECT_TRUE(ProgramRuns());
+    });
+}
+
+TEST(Connection, ConnectingWhileOnlineLeavesTheScreenAndTheUsedUpLogin) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        OnWindowThread([] {
+            lstrcpyW(session.settings.sear1, u"ogin");
+            lstrcpyW(session.settings.resp1, u"name\\015");
+        });
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("\033[1mlogin: ");
+        EXPECT_EQ(host.Read(5), "name\r");
+        ConnectLater();
+        DismissBox("Error: Already a session to the UNIX Host");
+        host.Send("login: ");
+        ASSERT_TRUE(TerminalShows("login: login:"));
+        EXPECT_EQ(host.ReadSome(100), "");
+        Close();
+        ASSERT_TRUE(Offline());
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("login: ");
+        EXPECT_EQ(host.Read(5), "name\r") << "a new connect arms it again";
+        OnWindowThread([] { EXPECT_EQ(TerminalRow(1), "login:"); });
+    });
+}
+
+// Whatever comes of it, a connect begins by forgetting what SSH had reached.
+TEST(Connection, EveryConnectForgetsHowFarSshHadCome) {
+    FakeHost host;
+    const auto reached = [] {
+        OnWindowThread([] { session.banner_sent = session.ssh_progress = 1; });
+    };
+    const auto expect_forgotten = [] {
+        OnWindowThread([] {
+            EXPECT_EQ(session.banner_sent, 0u);
+            EXPECT_EQ(session.ssh_progress, 0u);
+            EXPECT_EQ(session.ssh.recvFill, 0);
+        });
+    };
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        reached();
+        Connect();
+        expect_forgotten();
+        ASSERT_TRUE(host.Accept());
+        reached();
+        Connect();
+        expect_forgotten();
+        host.Send("x");
+        ASSERT_TRUE(Online());
+        reached();
+        ConnectLater();
+        ASSERT_EQ(AwaitBox(), "Error: Already a session to the UNIX Host");
+        expect_forgotten();
+        PressOk();
+    });
+}
+
+// Local echo and the attribute are the terminal's and stay; what the host set up goes.
+TEST(Connection, NewSessionFindsAClearScreenAndTheLastOnesAttributeAndEcho) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send(
+            "\033[12l\033[20h\033[?5h\033[4h\033[5;10r\033[1mbold\033[7;1H\033#6wide\033[12;3");
+        ASSERT_TRUE(TerminalShows("wide"));
+        ASSERT_TRUE(Eventually([] { return session.parser.parser_state == 2; }));
+        Close();
+        ASSERT_TRUE(Offline());
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalText().find_first_not_of('\n'), std::string::npos);
+            EXPECT_FALSE(IsDoubleWidth(7));
+            EXPECT_EQ(session.screen.cursor_row, 1);
+            EXPECT_EQ(session.screen.cursor_col, 1);
+            EXPECT_EQ(session.screen.top_margin, 1);
+            EXPECT_EQ(session.screen.bottom_margin, 24);
+            EXPECT_EQ(session.modes.insert_mode, 0u);
+            EXPECT_EQ(session.modes.newline_mode, 0u);
+            EXPECT_EQ(session.modes.localecho, 1u);
+            EXPECT_EQ(session.modes.screen_reverse, 1u);
+        });
+        host.Send("new");
+        ASSERT_TRUE(TerminalShows("new"));
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(1), "new");
+            EXPECT_EQ(GetCell(1, 1), DWORD{'n'} | kCellBold);
+        });
+    });
+}
+
+TEST(Connection, UnknownNameStillClearsTheScreenOfTheLastSession) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Close();
+        ASSERT_TRUE(Offline());
+        OnWindowThread([] { EXPECT_EQ(TerminalRow(1), "hello"); });
+        SetHost(u"no-such-host.invalid", host.port);
+        ConnectLater();
+        ASSERT_EQ(AwaitBox(), "Error: Cannot connect to the UNIX Host");
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(1), "");
+            EXPECT_NE(session.socket.load(), INVALID_SOCKET) << "until the next close";
+            EXPECT_EQ(session.connect_pending, 0u);
+        });
+        PressOk();
+    });
+}
+
+TEST(Connection, ClearedScreenIsPaintedBeforeTheHostSaysAnything) {
+    FakeHost host;
+    WithSession(host, [&] {
+        const auto drawn = [] { return DrawnText().find("hello") != std::string::npos; };
+        ASSERT_TRUE(Eventually(drawn));
+        Close();
+        ASSERT_TRUE(Offline());
+        ASSERT_TRUE(Eventually(drawn)) << "the last session's text stays until the next one";
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        EXPECT_TRUE(Eventually([&] { return !drawn(); }));
     });
 }
 

@@ -382,4 +382,38 @@ TEST_F(Dialling, LeavesNoDescriptorOpen) {
     EXPECT_EQ(open(), before);
 }
 
+// The connect that follows clears the screen, unless a session stands already.
+TEST_F(Dialling, ASuccessfulDialWritesItsLineBeforeItConnects) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.dialling = 1; });
+        PostToMain(WM_RASDIALEVENT, 8192, 0);
+        ASSERT_EQ(AwaitBox(), "Error: Already a session to the UNIX Host");
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(1), "helloSuccessful connection");
+            EXPECT_EQ(session.screen.cursor_row, 2);
+            EXPECT_EQ(session.screen.cursor_col, 1);
+            EXPECT_EQ(session.dialling, 0u);
+            EXPECT_EQ(session.last_dial_state, 8192);
+        });
+        PressOk();
+    });
+}
+
+TEST_F(Dialling, AnErrorIsShownWithWhateverNewStateItComes) {
+    RunProgram({}, [] {
+        OnWindowThread([] { session.dialling = 1; });
+        PostToMain(WM_RASDIALEVENT, 5, 691);
+        ASSERT_EQ(AwaitBox(), kFailed);
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(1), "The authentication process is starting");
+            EXPECT_EQ(session.dialling, 1u) << "the end has its own state";
+        });
+        PressOk();
+        PostToMain(WM_RASDIALEVENT, 5, 691);
+        EXPECT_EQ(AwaitBox(200), "") << "a repeated state is passed over whole";
+        OnWindowThread([] { session.dialling = 0; });
+    });
+}
+
 }  // namespace

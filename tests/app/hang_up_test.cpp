@@ -284,4 +284,24 @@ TEST_F(HangUp, LeavingTheProgramDoesNotWaitForTheModem) {
     EXPECT_TRUE(ProgramGone()) << "the device's end waits for it";
 }
 
+TEST_F(HangUp, WhileDiallingTheConnectCommandLeavesASessionAlone) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] {
+            session.settings.confirm_exit = 1;
+            session.dialling = 1;
+            session.ras_connection = reinterpret_cast<HRASCONN>(static_cast<UINT_PTR>(0x1234));
+        });
+        PostToMain(WM_COMMAND, IDM_CONNECT);
+        EXPECT_EQ(AwaitBox(200), "");
+        OnWindowThread([] {
+            EXPECT_EQ(session.ras_connection, nullptr);
+            EXPECT_EQ(session.connected, 1u);
+            session.dialling = 0;
+        });
+        host.Send(" again");
+        EXPECT_TRUE(TerminalShows("hello again"));
+    });
+}
+
 }  // namespace

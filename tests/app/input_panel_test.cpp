@@ -203,6 +203,25 @@ TEST(InputPanel, OfflineTheRowsAreCountedAndTheTerminalLeftAlone) {
     });
 }
 
+TEST(InputPanel, BarsHigherThanThePanelLeaveNoRowCovered) {
+    FakeHost host;
+    OnSmallDevice(host, [] {
+        OnWindowThread([] {
+            UpdateWindow(session.client_window);
+            const int bars = GetSystemMetrics(SM_CYHSCROLL), cell = session.view.cell_height;
+            const std::pair<int, int> heights[] = {{kInputPanelHeight - bars, 1},
+                                                   {kInputPanelHeight - bars + cell, 0},
+                                                   {kInputPanelHeight - bars + 9 * cell, 0}};
+            ShellInputPanel()->show();
+            for (const auto& [height, covered] : heights) {
+                session.status_height = height;
+                SendMessageW(session.main_window, WM_SETTINGCHANGE, SPI_SETSIPINFO, 0);
+                EXPECT_EQ(session.view.covered_rows, covered) << height;
+            }
+        });
+    });
+}
+
 TEST(InputPanel, OtherSettingChangesDoNothing) {
     FakeHost host;
     OnSmallDevice(host, [] {

@@ -85,6 +85,36 @@ TEST(Keyboard, ControlCharactersAreDroppedWhileEscapeIacIsSet) {
     });
 }
 
+TEST(Keyboard, CharactersBelow32AreDroppedWhileEscapeIacIsSetAndNoneFrom32On) {
+    FakeHost host;
+    WithSession(host, [&] {
+        std::string all, printable;
+        for (int c = 0; c < 256; c++) {
+            if (c != 9 && c != 13) all += static_cast<char>(c);
+            if (c >= 32) printable += static_cast<char>(c);
+        }
+        const auto type_all = [](DWORD escape) {
+            OnWindowThread([=] { session.telnet.escape_iac = escape; });
+            for (int c = 0; c < 256; c++) {
+                WCHAR character = 0;
+                const char byte = static_cast<char>(c);
+                MultiByteToWideChar(CP_ACP, 0, &byte, 1, &character, 1);
+                PostToMain(WM_CHAR, character);
+            }
+        };
+        type_all(0);
+        EXPECT_EQ(host.Read(all.size()), all);
+        type_all(1);
+        std::string escaped;
+        for (const char c : printable) {
+            escaped += c == '\xff' ? std::string(2, c) : std::string(1, c);
+            escaped += "\xff\xef";
+        }
+        EXPECT_EQ(host.Read(escaped.size()), escaped);
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
 TEST(Keyboard, NumberPadTypesDigitsAndSignsWhateverCtrlSays) {
     FakeHost host;
     WithSession(host, [&] {

@@ -196,4 +196,55 @@ TEST(SessionEdges, CloseWhileARequestIsPendingEndsTheProgram) {
     });
 }
 
+TEST(SessionEdges, EachSessionNegotiatesAnew) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        for (int i = 0; i < 2; i++) {
+            Connect();
+            ASSERT_TRUE(host.Accept());
+            host.Send("\377\375\001\377\373\001\377\373\003\377");
+            EXPECT_EQ(host.Read(6), "\377\375\001\377\375\003") << "session " << i;
+            EXPECT_EQ(host.ReadSome(50), "");
+            Close();
+            ASSERT_TRUE(Offline());
+        }
+    });
+}
+
+TEST(SessionEdges, SubnegotiationThatADroppedLineBrokeOffGoesOnInTheNextSession) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("\377\372\030\001");
+        ASSERT_TRUE(Eventually([] { return session.telnet.subneg_count == 2; }));
+        host.Drop();
+        DismissBox(kClosed);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("swallowed\360shown");
+        EXPECT_EQ(host.Read(11).substr(0, 4), std::string("\377\372\030\0", 4));
+        ASSERT_TRUE(TerminalShows("shown"));
+        OnWindowThread([] { EXPECT_EQ(TerminalRow(1), "shown"); });
+    });
+}
+
+TEST(SessionEdges, ClosedRequestIsOverAtOnce) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        OnWindowThread([] {
+            SessionConnect();
+            EXPECT_EQ(session.connect_pending, 1u);
+            SessionClose();
+            EXPECT_EQ(session.connect_pending, 0u);
+            EXPECT_EQ(session.closing, 1u);
+            EXPECT_EQ(session.socket.load(), INVALID_SOCKET);
+        });
+        DismissBox("Error: Not possible to create a session to the UNIX Host");
+    });
+}
+
 }  // namespace

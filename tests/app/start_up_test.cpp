@@ -4,9 +4,11 @@
 #include <QProcess>
 
 #include "app/session_state.h"
+#include "app/start_up.h"
 #include "config/settings.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
+#include "terminal/screen_buffer.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 
@@ -33,6 +35,19 @@ TEST(StartUp, FirstStartShowsAnOfflineWindow) {
                        });
                    }),
         0);
+}
+
+TEST(StartUp, FirstScreenIsBlankInEveryCell) {
+    RunProgram({}, [] {
+        OnWindowThread([] {
+            for (int row = 1; row <= kRingLines; row++) {
+                EXPECT_EQ(RowWords(row)[0], 0u) << row;
+                for (int col = 1; col <= kScreenColumns; col++)
+                    ASSERT_EQ(GetCell(row, col), kBlank) << row << "," << col;
+            }
+            EXPECT_EQ(session.screen.ring_origin, 0);
+        });
+    });
 }
 
 TEST(StartUp, ClassTakenEndsWithCode1) {
@@ -177,6 +192,55 @@ TEST(StartUp, ResetIsCalledOffByEitherCancel) {
         OnWindowThread([] { EXPECT_EQ(session.save_settings, 1u); });
         EXPECT_TRUE(ProgramRuns());
     });
+}
+
+TEST(StartUp, ExitCodeIsThatOfTheQuitMessage) {
+    EXPECT_EQ(RunProgram({}, [] { OnWindowThread([] { PostQuitMessage(7); }); }), 7);
+}
+
+TEST(StartUp, AutoconnectConnectsWhenItIs1Alone) {
+    for (const char* value : {"0", "2"}) {
+        FakeHost host;
+        const std::string config = "host = \"127.0.0.1\"\nport = " + std::to_string(host.port);
+        RunProgram({.config = config + "\nautoconnect = " + value + "\n"}, [&] {
+            DismissBox(kImportNotice);
+            EXPECT_FALSE(host.Accept(200)) << value;
+            OnWindowThread([] { EXPECT_EQ(session.connect_pending, 0u); });
+        });
+    }
+}
+
+// Looked at as it is made: a screen that is shown or resized later fits the window in again.
+TEST(StartUp, MainWindowTakesTheVisibleDesktopLessTheMenuBarUnlessThePanelIsUp) {
+    for (const bool up : {false, true}) {
+        RunProgram({.width = 500, .height = 400}, [&] {
+            OnWindowThread([&] {
+                SIPINFO panel = {};
+                panel.cbSize = sizeof(panel);
+                panel.fdwFlags = up ? SIPF_ON : 0;
+                SHSipInfo(SPI_SETSIPINFO, 0, &panel, 0);
+                SHSipInfo(SPI_GETSIPINFO, 0, &panel, 0);
+                EXPECT_EQ(panel.rcVisibleDesktop.bottom < 400, up);
+                const HWND window = InitInstance(session.instance, SW_HIDE);
+                RECT place = {};
+                ASSERT_TRUE(GetWindowRect(window, &place));
+                EXPECT_EQ(place.right - place.left, 500);
+                EXPECT_EQ(place.bottom - place.top, panel.rcVisibleDesktop.bottom - (up ? 0 : 26));
+                DestroyWindow(window);
+            });
+        });
+    }
+}
+
+TEST(StartUp, SettingsAreSavedAtExitWhenThatIsWantedAlone) {
+    for (const DWORD wanted : {0u, 2u}) {
+        const std::string root = FreshRoot();
+        RunProgram({.root = root}, [&] {
+            OnWindowThread([&] { session.settings.fsize = 11, session.save_settings = wanted; });
+        });
+        RunProgram({.root = root},
+                   [] { OnWindowThread([] { EXPECT_EQ(session.settings.fsize, 8u); }); });
+    }
 }
 
 }  // namespace

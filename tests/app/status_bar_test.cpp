@@ -5,6 +5,7 @@
 #include "app/status_bar.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
+#include "tests/support/sessions.h"
 
 namespace {
 
@@ -117,6 +118,46 @@ TEST(StatusBar, FollowsTheCursorAndTheSession) {
         EXPECT_TRUE(
             Eventually([] { return StatusText() == "    online    row: 12  column: 34     "; }));
         OnWindowThread([] { EXPECT_EQ(Title(), "Quill Telnet  [127.0.0.1]"); });
+    });
+}
+
+TEST(StatusBar, FollowsTheCursorOfTheNegotiationsLines) {
+    FakeHost host;
+    RunProgram({.config = host.Config("nego = 1\n")}, [&] {
+        DismissBox("Quill Telnet: Installing configuration from file \\mconfig.cfg ");
+        ASSERT_TRUE(host.Accept());
+        host.Send("\377\375\037");
+        ASSERT_TRUE(TerminalShows("CLIENT: IAC  WONT  31"));
+        EXPECT_TRUE(
+            Eventually([] { return StatusText() == "    online    row: 3  column: 1     "; }, 2000))
+            << StatusText();
+    });
+}
+
+TEST(StatusBar, HiddenFromTheStartLeavesTheWindowItsFirstTitle) {
+    RunProgram({.config = "hidestatus = 1\n"}, [] {
+        DismissBox("Quill Telnet: Installing configuration from file \\mconfig.cfg ");
+        OnWindowThread([] {
+            EXPECT_EQ(session.status_window, nullptr);
+            EXPECT_EQ(Title(), "Quill TELNET");
+        });
+    });
+}
+
+TEST(StatusBar, ShowsTheNewHostAndTheCursorsPlaceUnderTheErrorOfAFailedConnect) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\033[12;34H");
+        ASSERT_TRUE(
+            Eventually([] { return StatusText() == "    online    row: 12  column: 34     "; }));
+        Close();
+        ASSERT_TRUE(Offline());
+        SetHost(u"no-such-host.invalid", host.port);
+        ConnectLater();
+        ASSERT_EQ(AwaitBox(), "Error: Cannot connect to the UNIX Host");
+        EXPECT_EQ(StatusText(), "   offline    row: 1  column: 1     ");
+        EXPECT_EQ(Title(), "Quill Telnet  [no-such-host.invalid]");
+        PressOk();
     });
 }
 

@@ -84,6 +84,21 @@ TEST(Window, FollowingTheCursorBringsItIntoView) {
     });
 }
 
+TEST(Window, FollowingTheCursorHoldsForTheNegotiationsLinesToo) {
+    FakeHost host;
+    Stage stage;
+    stage.width = 240, stage.height = 200;
+    stage.config = host.Config("nego = 1\n");
+    RunProgram(stage, [&] {
+        DismissBox("Quill Telnet: Installing configuration from file \\mconfig.cfg ");
+        ASSERT_TRUE(host.Accept());
+        std::string commands;
+        for (int i = 0; i < 11; i++) commands += "\377\375\037";
+        host.Send(commands + "\377\373\003");
+        EXPECT_TRUE(Drawn("CLIENT: IAC  DO TN_SUPPRESS_GA"));
+    });
+}
+
 TEST(Window, GlyphsStandOnTheCellGrid) {
     FakeHost host;
     WithSession(host, [&] {

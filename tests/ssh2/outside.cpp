@@ -12,7 +12,6 @@
 #include "telnet/socket_event.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
-#include "terminal/view.h"
 
 Outside outside;
 
@@ -35,7 +34,7 @@ void TerminalWrite(const BYTE* bytes, int count) {
 
 int TerminalFeedByte(BYTE) { return 0; }
 const char* TerminalTakeReply() { return nullptr; }
-void RefreshTerminal() {}
+void ShowWritten(int) {}
 void WakeReceiveThread() {}
 void UpdateStatus() { outside.statuses++; }
 void SessionClosed() { ForgetSshSession(); }

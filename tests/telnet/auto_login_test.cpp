@@ -201,3 +201,17 @@ TEST(AutoLogin, TextsOfFullLengthAreWhole) {
     Receive(search);
     EXPECT_EQ(Sent(), response);
 }
+
+TEST(AutoLogin, TextsGoThroughTheAnsiCodePage) {
+    NewLogin("x", "y", "z", "w");
+    session.settings.sear1[0] = session.settings.resp2[0] = u'\u20AC';
+    session.settings.resp1[0] = session.settings.sear2[0] = u'\u0161';
+    ArmAutoLogin();
+    Receive("\xAC");
+    Receive("a");
+    EXPECT_EQ(Sent(), "");
+    Receive("10 \x80");
+    EXPECT_EQ(Sent(), "\x9A");
+    Receive("\x9A");
+    EXPECT_EQ(Sent(), "\x80");
+}

@@ -10,7 +10,6 @@
 #include "telnet/telnet_engine.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
-#include "terminal/view.h"
 
 Outside outside;
 
@@ -64,9 +63,13 @@ void SshSendData(const BYTE* bytes, int length) {
     outside.ssh_data.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(length));
 }
 
-void RefreshTerminal() { outside.refreshes++; }
+void ShowWritten(int) { outside.refreshes++; }
 
-void SessionClosed() { outside.closed++; }
+void SessionClosed() {
+    outside.closed++;
+    outside.pending_when_closed = session.connect_pending;
+    outside.ready_when_closed = session.receive_ready;
+}
 
 void WakeReceiveThread() { outside.wakes++; }
 

@@ -22,6 +22,8 @@ struct Outside {
     int replies_taken = 0;    // the terminal answers to each ENQ
     int refreshes = 0;
     int closed = 0;                 // calls of SessionClosed
+    DWORD pending_when_closed = 0;  // connect_pending and receive_ready, as it found them
+    DWORD ready_when_closed = 0;
     int wakes = 0;                  // calls of WakeReceiveThread
     SOCKET socket_after_write = 0;  // what the session has then; 0: the same
 };

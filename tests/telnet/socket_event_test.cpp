@@ -138,6 +138,8 @@ TEST(SocketEvent, EndOfTheConnectionRunsTheClosedRoutine) {
             session.receive_count = 5;
             OnSocketEvent(1);
             EXPECT_EQ(outside.closed, 1);
+            EXPECT_EQ(outside.pending_when_closed, 0u) << "the request is over before it is told";
+            EXPECT_EQ(outside.ready_when_closed, ready) << "the buffer is handed back at last";
             EXPECT_EQ(session.connect_pending, 0u);
             EXPECT_EQ(outside.order, "");
             ExpectHandedBack();

@@ -30,6 +30,14 @@ TEST(Subnegotiation, AnswerGoesOutWithoutEscaping) {
     EXPECT_EQ(Sent(), Answer("a\xFF"));
 }
 
+TEST(Subnegotiation, TerminalTypeGoesThroughTheAnsiCodePage) {
+    NewSession();
+    SetText(session.settings.termtype, "vt?");
+    session.settings.termtype[2] = u'\u20AC';
+    Filter(kRequest);
+    EXPECT_EQ(Sent(), Answer("vt\x80"));
+}
+
 TEST(Subnegotiation, TerminalTypeMayBeEmptyOrAsLongAsTheSetting) {
     NewSession();
     SetText(session.settings.termtype, "");

@@ -1,6 +1,8 @@
 // The way of the host's bytes into the terminal: selection, replies, following, status.
 #include "terminal/terminal_write.h"
 #include "program_double.h"
+#include "terminal/interpreter.h"
+#include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 
 static void Write(const std::string& bytes) {
@@ -82,4 +84,11 @@ TEST_F(HostBytes, WithoutAWindowNothingIsAskedFor) {
     EXPECT_EQ(gdi.invalidations, 0);
     EXPECT_EQ(gdi.scroll_calls, 0);
     session.client_window = TestWindow();
+}
+
+TEST_F(HostBytes, AReplyThatStillWaitsIsNotTheNextConnections) {
+    EXPECT_EQ(TerminalFeedByte(5), 1);
+    TerminalStart();
+    EXPECT_EQ(TerminalFeedByte('x'), 0);
+    EXPECT_EQ(TerminalTakeReply(), nullptr);
 }

@@ -145,6 +145,15 @@ TEST_F(Geometry, RowsUnderTheInputPanelAreNotVisible) {
     ExpectView(0, 80, true, false);
 }
 
+TEST_F(Geometry, CoveredRowsAreTakenFromAllThoseOfATallWindow) {
+    session.view.covered_rows = 3;
+    Resize(650, 30 * 16);
+    ExpectView(25, 80, false, false);
+    session.view.covered_rows = 8;
+    Resize(650, 30 * 16);
+    ExpectView(22, 80, true, false);
+}
+
 TEST_F(Geometry, NoSizeOfTheWindowGivesNegativeCells) {
     session.status_height = 20;
     const int widths[] = {0, 1, 5, 9, 10, 11, 100, 4000};
