@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "app/session_state.h"
+#include "config/settings.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
 #include "terminal/screen_buffer.h"
@@ -162,11 +163,12 @@ TEST(Connection, WithoutNetworkAndEntriesTheQuestionHasAnEmptyName) {
     });
 }
 
-TEST(Connection, WithoutNetworkTheFirstEntryIsTakenAndKept) {
-    const std::string peers = FreshRoot();
+TEST(Connection, WithoutNetworkTheFirstEntryIsTakenAndSavedWithTheNextSave) {
+    const std::string root = FreshRoot(), peers = FreshRoot();
     fclose(fopen((peers + "/ward").c_str(), "w"));
     fclose(fopen((peers + "/annex").c_str(), "w"));
-    RunProgram({}, [&] {
+    RunProgram({.root = root}, [&] {
+        OnWindowThread([] { session.save_settings = 0; });
         services_test_hooks.dial_up_folder = peers;
         services_test_hooks.dial_up_program = peers + "/ward";
         services_test_hooks.force_connect_error = WSAEHOSTUNREACH;
@@ -174,9 +176,17 @@ TEST(Connection, WithoutNetworkTheFirstEntryIsTakenAndKept) {
         ConnectLater();
         DismissBox("Request: No active network. Should I dial a network using modem (annex) ?");
         EXPECT_TRUE(Eventually([] { return session.dial_request == 1; }));
-        OnWindowThread([] { EXPECT_EQ(std::u16string(session.settings.ras), u"annex"); });
+        OnWindowThread([] {
+            EXPECT_EQ(std::u16string(session.settings.ras), u"annex");
+            EXPECT_EQ(std::u16string(ReadString(u"ras", u"none")), u"none");
+            EXPECT_EQ(session.save_settings, 1u);
+            session.dial_request = 0;
+        });
         services_test_hooks = {};
     });
+    RunProgram({.root = root,
+                .before = [] { EXPECT_EQ(std::u16string(ReadString(u"ras", u"none")), u"annex"); }},
+               [] {});
 }
 
 TEST(Connection, ANamedEntryIsAskedFor) {

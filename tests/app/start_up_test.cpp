@@ -178,6 +178,42 @@ TEST(StartUp, ResetLeavesNoValueAndEndsTheProgram) {
                [] {});
 }
 
+void ExpectBox(const std::string& text, QMessageBox::Icon icon,
+               QMessageBox::StandardButtons buttons) {
+    ASSERT_EQ(AwaitBox(), text);
+    OnWindowThread([&] {
+        EXPECT_EQ(ShownMessageBox()->icon(), icon) << text;
+        EXPECT_EQ(ShownMessageBox()->standardButtons(), buttons) << text;
+    });
+}
+
+// The values are gone, and the settings are still to be saved, while the last box stands.
+TEST(StartUp, ResetAsksTwiceDeletesThenTellsSo) {
+    const auto both = QMessageBox::Ok | QMessageBox::Cancel;
+    const auto stored = [](DWORD expected) {
+        OnWindowThread([=] {
+            EXPECT_EQ(ReadNumber(u"fsize", 77), expected);
+            EXPECT_EQ(session.save_settings, 1u);
+        });
+    };
+    const std::string root = FreshRoot();
+    RunProgram({.root = root}, [&] {
+        OnWindowThread([] { SaveSettings(); });
+        PostToMain(WM_COMMAND, 40111);
+        ExpectBox("Warning: Do you really want to reset the configuration", QMessageBox::Warning,
+                  both);
+        PressOk();
+        ExpectBox("Warning: Are you sure!", QMessageBox::Warning, both);
+        stored(8);
+        PressOk();
+        ExpectBox("Information: Program will exit to complete the reset", QMessageBox::Information,
+                  QMessageBox::Ok);
+        stored(77);
+        EXPECT_TRUE(ProgramRuns());
+        PressOk();
+    });
+}
+
 TEST(StartUp, ResetIsCalledOffByEitherCancel) {
     RunProgram({}, [] {
         PostToMain(WM_COMMAND, 40111);

@@ -79,6 +79,7 @@ TEST_P(Color, IsAskedForWithItsValueItsFlagsAndItsTemplate) {
         EXPECT_EQ(g_request.hInstance, reinterpret_cast<HWND>(known));
         EXPECT_EQ(g_request.rgbResult, color.fallback);
         EXPECT_EQ(g_request.lpCustColors, session.custom_colors);
+        EXPECT_EQ(std::size(session.custom_colors), 16u);
         EXPECT_EQ(g_request.Flags, 0x00000001u | 0x00000002u | 0x00000020u | 0x00000100u);
         EXPECT_EQ(g_request.lpTemplateName, MAKEINTRESOURCE(1544));
     });

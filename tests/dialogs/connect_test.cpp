@@ -75,6 +75,19 @@ TEST(ConnectDialog, OkStoresTheHostAndPutsItFirstInTheHistory) {
     });
 }
 
+TEST(ConnectDialog, OkSavesBeforeTheConnectionIsBegun) {
+    const Stage stage = StageWithHistory(0);
+    RunProgram(stage, [&] {
+        const HWND dialog = OpenConnect();
+        TypeInto(dialog, IDC_HOST, u"new.invalid");
+        ClickControl(dialog, IDOK);
+        ASSERT_EQ(AwaitBox(), kNoHost) << "the connection has come this far";
+        EXPECT_EQ(StoredText(stage.root, "host"), u"new.invalid");
+        EXPECT_EQ(StoredText(stage.root, "hist0a"), u"new.invalid");
+        PressOk();
+    });
+}
+
 TEST(ConnectDialog, OkConnects) {
     FakeHost host;
     Stage stage;
@@ -142,10 +155,12 @@ TEST(ConnectHistory, ASixthDistinctHostDropsTheOldest) {
 TEST(ConnectHistory, AHostThatIsUsedAgainKeepsItsPlace) {
     const Stage stage = StageWithHistory(5);
     RunProgram(stage, [&] {
-        ConnectTo(kHosts[3]);
-        EXPECT_EQ(StoredHistory(stage.root),
-                  History({kHosts[0], kHosts[1], kHosts[2], kHosts[3], kHosts[4]}));
-        EXPECT_EQ(StoredText(stage.root, "host"), kHosts[3]);
+        for (const char16_t* host : kHosts) {
+            ConnectTo(host);
+            EXPECT_EQ(StoredHistory(stage.root),
+                      History({kHosts[0], kHosts[1], kHosts[2], kHosts[3], kHosts[4]}));
+            EXPECT_EQ(StoredText(stage.root, "host"), host);
+        }
     });
 }
 
@@ -163,6 +178,17 @@ TEST(ConnectHistory, AnEmptyHostIsNotRememberedWhileThereIsRoom) {
     RunProgram(stage, [&] {
         ConnectTo(u"");
         EXPECT_EQ(StoredHistory(stage.root), History({kHosts[0], kHosts[1], u"", u"", u""}));
+    });
+}
+
+// The list of the next dialog then ends at its first entry.
+TEST(ConnectHistory, AnEmptyHostIsRememberedWhereFiveOthersAre) {
+    const Stage stage = StageWithHistory(5);
+    RunProgram(stage, [&] {
+        ConnectTo(u"");
+        EXPECT_EQ(StoredHistory(stage.root),
+                  History({u"", kHosts[0], kHosts[1], kHosts[2], kHosts[3]}));
+        EXPECT_EQ(Lines(OpenConnect(), IDC_HOST), History());
     });
 }
 

@@ -139,6 +139,20 @@ INSTANTIATE_TEST_SUITE_P(Each, FontMark,
                                          MarkCase{1251, "font_italic", &Settings::font_italic}),
                          [](const auto& info) { return std::string(info.param.name); });
 
+TEST(FontDialog, TheTerminalIsLaidOutForTheNewFontsCells) {
+    Stage stage = FreshStage();
+    stage.width = 240, stage.height = 320;
+    RunProgram(stage, [] {
+        ASSERT_TRUE(Eventually([] { return session.view.visible_columns > 0; }));
+        const int columns = session.view.visible_columns;
+        const HWND dialog = OpenFont();
+        OnWindowThread([] { s.fsize = 20; });  // in place of a face of larger cells
+        ClickControl(dialog, IDOK);
+        ASSERT_TRUE(Closed(dialog));
+        EXPECT_TRUE(Eventually([=] { return session.view.visible_columns < columns; }, 3000));
+    });
+}
+
 TEST(FontDialog, WithoutASelectionTheMarksAreStoredAndMinusOneIsLeft) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {

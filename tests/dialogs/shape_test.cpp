@@ -13,6 +13,7 @@
 
 #include "app/session_state.h"
 #include "config/settings.h"
+#include "platform/qt/dialog_template.h"
 #include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
 #include "tests/dialogs/dialog_cases.h"
@@ -80,6 +81,32 @@ TEST_P(EachDialog, HasItsControlsInOrderWithTheirNumbersAndLabels) {
                 if (HasLabel(expected[i].kind)) {
                     EXPECT_EQ(shown[i].label, expected[i].label);
                 }
+            }
+        });
+    });
+}
+
+TEST(Templates, StandUnderTheirNumbers) {
+    const struct {
+        int number;
+        const char16_t* caption;
+        size_t controls;
+    } kRows[] = {{103, u"About TELNET", 4},
+                 {104, u"Font", 6},
+                 {108, u"Connect", 5},
+                 {113, u"Toolbar", 6},
+                 {118, u"Connect Advanced", 14},
+                 {127, u"Auto Login", 11},
+                 {1051, u"Other", 10},
+                 {1054, u"Keyboard", 5},
+                 {1545, u"Sign on to the host", 8}};
+    RunProgram(FreshStage(), [&] {
+        OnWindowThread([&] {
+            for (const auto& row : kRows) {
+                DialogTemplate shape;
+                ASSERT_TRUE(LoadDialogTemplate(MAKEINTRESOURCE(row.number), &shape)) << row.number;
+                EXPECT_EQ(shape.caption, row.caption);
+                EXPECT_EQ(shape.items.size(), row.controls) << row.number;
             }
         });
     });

@@ -1,5 +1,6 @@
 // The packet layer: padding, checksum, gathering, and its limits.
 #include <gtest/gtest.h>
+#include <cstdlib>
 #include <set>
 
 #include "ssh/ssh1_packets.h"
@@ -58,6 +59,23 @@ TEST(Padding, IsRandomBeforeThereIsACipherToo) {
         seen.insert(host.Sent()[0].padding);
     }
     EXPECT_GT(seen.size(), 15u);
+}
+
+TEST(Padding, IsWhatTheGeneratorGivesOneByteEach) {
+    for (const int state : {0, 5}) {
+        ScriptedHost host = SessionInState(state);
+        for (int size = 0; size < 8; size++) {
+            std::srand(11);
+            std::memset(Ssh1BeginPacket(33, size), 'x', static_cast<size_t>(size));
+            Ssh1SendPacket();
+            const std::string padding = host.Sent().at(0).padding;
+            std::srand(11);
+            std::string wanted;
+            while (wanted.size() < padding.size())
+                if (const int value = std::rand()) wanted += static_cast<char>(value & 0xff);
+            EXPECT_EQ(padding, wanted) << state << ' ' << size;
+        }
+    }
 }
 
 TEST(Padding, IsEncryptedWithTheRest) {

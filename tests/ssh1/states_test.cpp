@@ -78,6 +78,19 @@ TEST(Identification, IsAnsweredWhateverTheLineSays) {
     }
 }
 
+TEST(Identification, IsThatOfSsh1ForEveryVersionButOne) {
+    for (const DWORD version : {0u, 2u, 0xFFFFFFFFu}) {
+        ScriptedHost host;
+        NewSession();
+        session.banner_sent = 0;
+        session.settings.ssh_type2 = version;
+        Receive("SSH-2.0-server\n");
+        EXPECT_EQ(Wire(), "SSH-1.5-1.0.00\n") << version;
+        Receive(host.PublicKey());
+        EXPECT_TRUE(host.TakeSessionKey()) << version;
+    }
+}
+
 TEST(Identification, BytesBehindTheLineInItsChunkAreLost) {
     ScriptedHost host;
     NewSession();

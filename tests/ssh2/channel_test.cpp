@@ -276,6 +276,18 @@ TEST_F(Ssh2Channel, ExtendedDataCountsInTheWindow) {
     Expect(Adjust(4001));
 }
 
+TEST_F(Ssh2Channel, TerminalsAnswerGoesOutBeforeTheAdjust) {
+    ToShell();
+    outside.on_display = [] { Type("\033[1;1R"); };
+    Give(Data(std::string(4001, 'd')));
+    Expect(ClientData("\033[1;1R"));
+    Expect(Adjust(4001));
+    Give(Message(95, U32(27) + U32(1) + Str(std::string(4001, 'e'))));
+    Expect(ClientData("\033[1;1R"));
+    Expect(Adjust(4001));
+    ExpectSilence();
+}
+
 TEST_F(Ssh2Channel, ServerThatOverrunsTheWindowGetsAllOfItBack) {
     ToShell();
     Give(Data(std::string(20000, 'd')));

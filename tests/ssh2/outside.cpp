@@ -30,6 +30,7 @@ int SliceSend(SOCKET socket, const char* bytes, int size, int) {
 void TerminalWrite(const BYTE* bytes, int count) {
     outside.terminal_writes++;
     outside.display.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
+    if (outside.on_display) outside.on_display();
 }
 
 int TerminalFeedByte(BYTE) { return 0; }

@@ -15,6 +15,7 @@ struct Outside {
     std::string display;               // what the terminal got
     std::vector<std::string> boxes;    // message boxes as "caption: text"
     std::function<void()> during_box;  // what happens while one is shown
+    std::function<void()> on_display;  // what the terminal does with what it got
     std::string drawn;                 // random bytes to draw before those of the generator
     std::function<bool()> sign_on;     // the dialog's person; none: Cancel
     int sign_ons = 0;                  // how often the dialog was shown

@@ -129,6 +129,10 @@ TEST_P(Ssh2Peer, ShellKnowsItsSizeAndItsTerminalAndTheStatusIsSecure) {
         EXPECT_TRUE(TerminalShows("\n24 80\n")) << TerminalText();
         EXPECT_TRUE(TerminalShows("type=vt220")) << TerminalText();
         EXPECT_TRUE(TerminalShows("/dev/pts/")) << TerminalText();
+        ResizeDevice(320, 200);
+        ClearAndRun("stty size; echo re\"\"sized");
+        EXPECT_TRUE(TerminalShows("resized")) << TerminalText();
+        EXPECT_EQ(TerminalRow(2), "24 80") << "whatever the window shows";
     });
 }
 

@@ -1,65 +1,11 @@
-// Identification, packets and the exchange of keys.
+// Packets and the exchange of keys.
 #include "crypto/ciphers.h"
 #include "ssh/ssh2_packet.h"
 #include "telnet/socket_event.h"
 #include "tests/ssh2/conversation.h"
 
-class Ssh2Identification : public Conversation {};
 class Ssh2Packets : public Conversation {};
 class Ssh2KeyExchange : public Conversation {};
-
-// ---------------------------------------------------------------- identification
-
-TEST_F(Ssh2Identification, TheClientWaitsForTheServersLine) {
-    ExpectSilence();
-    Identify();
-    EXPECT_EQ(outside.statuses, 1);
-}
-
-TEST_F(Ssh2Identification, AnyFirstChunkIsTakenAsTheLine) {
-    for (const char* line : {"\n", "220 mail\r\n", "SSH-1.5-old\n", "no end of line"}) {
-        NewSession();
-        server = {};
-        server.line = line;
-        ToService();
-    }
-}
-
-TEST_F(Ssh2Identification, KexInitBehindTheLineInTheSameChunkIsLost) {
-    const std::string line = server.line;
-    Receive(line + Seal(server, ServerKexInit()));
-    EXPECT_EQ(outside.wire, kClientLine);
-    outside.wire.clear();
-    EXPECT_EQ(session.ssh.recvFill, 0);
-    ExpectOpen();
-    Offer();  // the server's next one begins the exchange
-    Reply();
-}
-
-TEST_F(Ssh2Identification, AfterAFailedSendTheNextChunkIsTheLine) {
-    outside.sends_that_fail = 1;
-    Receive("SSH-2.0-lost\r\n");
-    EXPECT_EQ(session.banner_sent, 0u);
-    ToService();
-}
-
-TEST_F(Ssh2Identification, NothingOfTheOtherProtocolStays) {
-    session.ssh1.ssh1State = 4;
-    session.ssh1.ssh1Cipher = &kSsh1Des;
-    Identify();
-    EXPECT_EQ(session.ssh1.ssh1State, 0);
-    EXPECT_EQ(session.ssh1.ssh1Cipher, nullptr);
-}
-
-TEST_F(Ssh2Identification, WithoutBytesNothingIsDone) {
-    for (const int count : {0, -1}) {
-        session.receive_count = count;
-        session.receive_ready = 0;
-        Receive("");
-        ExpectSilence();
-        EXPECT_EQ(session.banner_sent, 0u);
-    }
-}
 
 // ---------------------------------------------------------------- packets
 
@@ -194,6 +140,20 @@ TEST_F(Ssh2Packets, LengthOf65535IsWaitedForUntilTheBufferOverflows) {
     Reply();
 }
 
+TEST_F(Ssh2Packets, OneByteBeyondAFullBufferDropsWhatWaits) {
+    Identify();
+    server.server_kex_init = ServerKexInit();
+    const std::string offer = Seal(server, server.server_kex_init);
+    Receive(U32(65535) + std::string(65531, 'x'));
+    ASSERT_EQ(session.ssh.recvFill, 65535);
+    Receive(offer.substr(0, 1));
+    EXPECT_EQ(session.ssh.recvFill, 1);
+    tape = Tape(5);
+    Receive(offer.substr(1));
+    Expect(ClientKexInit(tape, cipher));
+    ExpectOpen();
+}
+
 TEST_F(Ssh2Packets, PacketOf65535BytesClosesTheSession) {
     Identify();
     Receive(U32(65531) + std::string(65530, 'x'));
@@ -210,6 +170,27 @@ TEST_F(Ssh2Packets, PacketOf65534BytesIsTaken) {
     EXPECT_EQ(session.ssh2.recvSeq, 1u);
     server.sent = 1;
     Offer();
+}
+
+TEST_F(Ssh2Packets, NothingIsSentWhileNoConnectionIsUp) {
+    ToShell();
+    session.connected = 0;
+    BeginPacket(2, 1);
+    SendPacket();
+    ExpectSilence();
+}
+
+TEST_F(Ssh2Packets, SendThatFailsIsNotTriedAgainButCounts) {
+    ToShell();
+    const uint32_t sent = session.ssh2.sendSeq;
+    outside.sends_that_fail = 1;
+    Type("lost");
+    ExpectSilence();
+    EXPECT_EQ(session.ssh2.sendSeq, sent + 1);
+    ExpectOpen();
+    Give(Data("shown"));
+    EXPECT_EQ(outside.display, "shown");
+    ExpectSilence();
 }
 
 TEST_F(Ssh2Packets, DisconnectIsIgnored) {
@@ -582,6 +563,25 @@ TEST_F(Ssh2KeyExchange, EndOfTheSessionWipesItsSecrets) {
     for (size_t i = 0; i < sizeof(session.ssh2); i++) ASSERT_EQ(bytes[i], 0) << i;
     for (const BYTE b : session.ssh.recvBuf) ASSERT_EQ(b, 0);
     EXPECT_EQ(session.ssh.recvFill, 0);
+}
+
+// As when the user asks for one more connection while this one stands.
+TEST_F(Ssh2KeyExchange, LineInMidSessionStartsAllOfItAnew) {
+    ToShell();
+    Offer();  // and an exchange is under way
+    Type("held");
+    session.banner_sent = 0;
+    server = {};
+    Identify();
+    EXPECT_EQ(session.ssh2.cipher, nullptr);
+    EXPECT_EQ(session.ssh2.channelOpen, 0u);
+    EXPECT_EQ(session.ssh2.sendSeq, 0u);
+    EXPECT_EQ(session.ssh2.recvSeq, 0u);
+    Offer();
+    Reply();
+    SwitchKeys();
+    Expect(Message(5, Str("ssh-userauth")));
+    ExpectSilence();
 }
 
 TEST_F(Ssh2KeyExchange, NextSessionKnowsNothingOfTheLast) {
