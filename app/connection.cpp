@@ -47,12 +47,13 @@ int FinishLastSession() {
 }
 
 void ResetForSession() {
+    const int cursor = CursorPosition();
     session.closing = 0;
     TerminalStart();
     TelnetReset();
     ClearAllLines();
     RepaintTerminal();
-    UpdateStatus();
+    if (CursorPosition() != cursor) UpdateStatus();
 }
 
 // The address of settings.host in network order, or INADDR_NONE. A dotted address is not looked
