@@ -201,6 +201,23 @@ TEST(Window, RowsDrawnWhileTheToolkitAsksForACornerReachTheScreen) {
     });
 }
 
+// The bars take their room from the status line and leave a corner between them.
+TEST(Window, BarsThatComeAndGoLeaveNothingOldOnTheScreen) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ResizeDevice(400, 258);  // as large as it is on a desktop
+        ASSERT_TRUE(Drawn("hello"));
+        for (const WPARAM command : {40009, 40009, 40009, 40009, 40010, 40010, 40010, 40010}) {
+            PostToMain(WM_COMMAND, command);
+            OnWindowThread([] {});
+            QThread::msleep(200);
+            const QImage glass = Glass();
+            EXPECT_EQ(glass, Picture().convertToFormat(QImage::Format_RGB32))
+                << "font of " << session.settings.fsize;
+        }
+    });
+}
+
 struct Size {
     int width, height;
 };
