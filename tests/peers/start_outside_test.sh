@@ -22,6 +22,8 @@ ends_with 0 'usage: quill' --help
 ends_with 1 'there is no display' --root "$work/none"
 
 open_screen
+mkdir -m 700 "$work/tmp" "$work/run"
+export TMPDIR="$work/tmp" XDG_RUNTIME_DIR="$work/run"
 : >"$work/file"
 ends_with 2 '--root wants a value' --root
 ends_with 2 '--root wants another value' --root ''
@@ -32,14 +34,15 @@ ends_with 2 '--scale wants another value' --scale 0
 ends_with 2 '--bogus is no option' --root "$work/none" --bogus
 ends_with 2 'stores.example is no option' --root "$work/none" stores.example 23
 
-# settings_of FOLDER: the size of the font that is stored there.
+# font_size FOLDER: what is stored there.
 font_size() {
     /usr/bin/python3 -c 'import sqlite3, sys
 row = sqlite3.connect(sys.argv[1]).execute("SELECT data FROM registry WHERE name = ?", ["fsize"])
 print(int.from_bytes(row.fetchone()[0], "little"))' "$1/registry.db"
 }
 
-# A folder that is not there yet is made. The larger font is stored only by a regular end.
+# A folder that is not there yet is made. Only a regular end stores the larger font, and takes away
+# the socket by which a second start finds the program.
 size=8
 for signal in HUP INT TERM; do
     root=$work/new/folder
@@ -65,6 +68,8 @@ os.execv(sys.argv[1], sys.argv[1:])' "$program" --root "$root" &
     code=0
     wait $client || code=$?
     [ $code -eq 0 ] || fail "SIG$signal ended the program with $code"
+    left=$(ls -A "$work/tmp")
+    [ -z "$left" ] || fail "SIG$signal left $left"
     size=$((size + 1))
     [ "$(font_size "$root")" = $size ] || fail "SIG$signal lost the font's size"
 done
