@@ -16,14 +16,25 @@ constexpr int kTitleBarPixels = 40;
 constexpr int kQuietMilliseconds = 1000;
 constexpr int kLongestMilliseconds = 15000;
 
-void WriteText(const QString& path) {
+bool WriteText(const QString& path) {
     QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::WriteOnly)) return;
+    if (!file.open(QIODevice::WriteOnly)) return false;
     QString text;
     for (const Window* window : AllWindows()) {
         for (const QString& line : ScreenText(window->handle)) text += line + '\n';
     }
-    file.write(text.toUtf8());
+    const QByteArray bytes = text.toUtf8();
+    return file.write(bytes) == bytes.size() && file.flush();
+}
+
+// Nothing is written where no path was given.
+bool WriteBoth(const HostOptions& options) {
+    const bool picture =
+        options.snapshot.isEmpty() || DeviceScreen()->grab().save(options.snapshot);
+    const bool text = options.text.isEmpty() || WriteText(options.text);
+    if (!picture) std::fprintf(stderr, "quill: cannot write %s\n", qPrintable(options.snapshot));
+    if (!text) std::fprintf(stderr, "quill: cannot write %s\n", qPrintable(options.text));
+    return picture && text;
 }
 
 // A picture and the text of a session that has come to rest, and then the end.
@@ -40,9 +51,7 @@ void WatchForRest(const HostOptions& options) {
         const bool rest = quiet >= kQuietMilliseconds && paints > 0;
         if (!rest && started->elapsed() < kLongestMilliseconds) return;
         timer->stop();
-        if (!options.snapshot.isEmpty()) DeviceScreen()->grab().save(options.snapshot);
-        WriteText(options.text);
-        PostQuitMessage(0);
+        PostQuitMessage(WriteBoth(options) ? 0 : 1);
     });
     timer->start(100);
 }

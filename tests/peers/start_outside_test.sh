@@ -34,6 +34,12 @@ ends_with 2 '--scale wants another value' --scale 0
 ends_with 2 '--bogus is no option' --root "$work/none" --bogus
 ends_with 2 'stores.example is no option' --root "$work/none" stores.example 23
 
+ends_with 1 "cannot write $work/no/picture.png" --root "$work/none" --snapshot "$work/no/picture.png"
+ends_with 1 "cannot write /dev/full" --root "$work/none" --text /dev/full
+timeout -k 5 20 "$program" --root "$work/none" --snapshot "$work/picture.png" --text "$work/text" ||
+    fail "a picture and a text ended with $?"
+[ -s "$work/picture.png" ] && [ -s "$work/text" ] || fail "no picture or no text was written"
+
 # font_size FOLDER: what is stored there.
 font_size() {
     /usr/bin/python3 -c 'import sqlite3, sys
