@@ -56,13 +56,17 @@ bool BarWanted(const ScrollBarState& state) {
     return state.bar && span > 0 && static_cast<int>(state.page) <= span;
 }
 
-// The status window keeps itself at the bottom of its parent, one line high.
+// The status window keeps itself at the bottom of its parent, one line high. Its parent may be in
+// the middle of a paint that began when this place was its own.
 void PlaceStatus(Window& window) {
     const Window* parent = FindWindowRecord(window.parent);
     if (!parent) return;
     const QRect room = ClientArea(*parent);
     const int height = StatusHeight();
-    window.widget->setGeometry(0, room.height() - height, room.width(), height);
+    const QRect place(0, room.height() - height, room.width(), height);
+    if (window.widget->geometry() == place) return;
+    window.widget->setGeometry(place);
+    InvalidateRect(window.handle, nullptr, TRUE);
 }
 
 void PaintStatus(Window& window) {
@@ -117,6 +121,10 @@ void RegisterControls() {
 void AttachScrollBars(Window& window, DWORD style) {
     if (style & WS_VSCROLL) AttachBar(window, SB_VERT);
     if (style & WS_HSCROLL) AttachBar(window, SB_HORZ);
+    if (!window.vertical.bar || !window.horizontal.bar) return;
+    window.corner = new QWidget(window.widget);
+    window.corner->setAutoFillBackground(true);
+    window.corner->hide();
 }
 
 void ArrangeScrollBars(Window& window) {
@@ -129,6 +137,10 @@ void ArrangeScrollBars(Window& window) {
     if (window.horizontal.bar) {
         window.horizontal.bar->setGeometry(0, area.height(), area.width(), kScrollBarSize);
         window.horizontal.bar->setVisible(window.horizontal.shown);
+    }
+    if (window.corner) {
+        window.corner->setGeometry(area.width(), area.height(), kScrollBarSize, kScrollBarSize);
+        window.corner->setVisible(window.vertical.shown && window.horizontal.shown);
     }
 }
 

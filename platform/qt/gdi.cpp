@@ -227,7 +227,8 @@ BOOL GetTextMetricsW(HDC dc, TEXTMETRICW* metrics) {
     const FontData& font = FontOf(dc);
     *metrics = TEXTMETRICW{};
     metrics->tmHeight = font.height;
-    metrics->tmDescent = static_cast<LONG>(std::lround(font.descent));
+    // Never more than the room below the baseline, where the program draws its underline.
+    metrics->tmDescent = std::max(static_cast<LONG>(std::floor(font.descent)), LONG{1});
     metrics->tmAscent = metrics->tmHeight - metrics->tmDescent;
     metrics->tmExternalLeading = static_cast<LONG>(std::lround(font.leading));
     metrics->tmAveCharWidth = static_cast<LONG>(std::lround(font.raw.averageCharWidth()));

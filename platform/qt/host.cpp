@@ -1,6 +1,7 @@
 // The host: opens the device before the program runs on it, and takes it down afterwards.
 #include "host.h"
 
+#include <QDir>
 #include <QFontMetrics>
 #include <QStyleFactory>
 
@@ -91,16 +92,18 @@ bool TakeHostOptions(int* argc, char** argv, HostOptions* options) {
     int kept = 1;
     for (int i = 1; i < *argc; i++) {
         const OptionRow* row = FindOption(argv[i]);
+        if (std::strcmp(argv[i], "--help") == 0) {
+            options->help = true;
+            continue;
+        }
         if (!row) {
             argv[kept++] = argv[i];  // the toolkit's own, such as -platform
             continue;
         }
         if (i + 1 == *argc || !row->take(argv[i + 1], options)) {
-            std::fprintf(stderr,
-                         "quill: %s wants %s\n"
-                         "usage: quill [--root FOLDER] [--screen WIDTHxHEIGHT] [--scale FACTOR]\n"
-                         "             [--snapshot FILE.png] [--text FILE.txt]\n",
-                         argv[i], i + 1 == *argc ? "a value" : "another value");
+            std::fprintf(stderr, "quill: %s wants %s\n", argv[i],
+                         i + 1 == *argc ? "a value" : "another value");
+            TellUsage(stderr);
             return false;
         }
         i++;
@@ -108,6 +111,19 @@ bool TakeHostOptions(int* argc, char** argv, HostOptions* options) {
     *argc = kept;
     argv[kept] = nullptr;
     return true;
+}
+
+void TellUsage(std::FILE* stream) {
+    std::fputs(
+        "usage: quill [--root FOLDER] [--screen WIDTHxHEIGHT] [--scale FACTOR]\n"
+        "             [--snapshot FILE.png] [--text FILE.txt]\n",
+        stream);
+}
+
+bool MakeRoot(const std::string& folder) {
+    if (folder.empty() || QDir().mkpath(QString::fromStdString(folder))) return true;
+    std::fprintf(stderr, "quill: %s is no folder and cannot be made one\n", folder.c_str());
+    return false;
 }
 
 void OpenDevice(const HostOptions& options) {

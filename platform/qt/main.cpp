@@ -5,6 +5,7 @@
 #include <QScreen>
 #include <QTimer>
 
+#include "end_signals.h"
 #include "host.h"
 #include "testing.h"
 
@@ -15,14 +16,25 @@ constexpr int kTitleBarPixels = 40;
 constexpr int kQuietMilliseconds = 1000;
 constexpr int kLongestMilliseconds = 15000;
 
-void WriteText(const QString& path) {
+bool WriteText(const QString& path) {
     QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::WriteOnly)) return;
+    if (!file.open(QIODevice::WriteOnly)) return false;
     QString text;
     for (const Window* window : AllWindows()) {
         for (const QString& line : ScreenText(window->handle)) text += line + '\n';
     }
-    file.write(text.toUtf8());
+    const QByteArray bytes = text.toUtf8();
+    return file.write(bytes) == bytes.size() && file.flush();
+}
+
+// Nothing is written where no path was given.
+bool WriteBoth(const HostOptions& options) {
+    const bool picture =
+        options.snapshot.isEmpty() || DeviceScreen()->grab().save(options.snapshot);
+    const bool text = options.text.isEmpty() || WriteText(options.text);
+    if (!picture) std::fprintf(stderr, "quill: cannot write %s\n", qPrintable(options.snapshot));
+    if (!text) std::fprintf(stderr, "quill: cannot write %s\n", qPrintable(options.text));
+    return picture && text;
 }
 
 // A picture and the text of a session that has come to rest, and then the end.
@@ -39,9 +51,7 @@ void WatchForRest(const HostOptions& options) {
         const bool rest = quiet >= kQuietMilliseconds && paints > 0;
         if (!rest && started.elapsed() < kLongestMilliseconds) return;
         timer->stop();
-        if (!options.snapshot.isEmpty()) DeviceScreen()->grab().save(options.snapshot);
-        WriteText(options.text);
-        PostQuitMessage(0);
+        PostQuitMessage(WriteBoth(options) ? 0 : 1);
     });
     timer->start(100);
 }
@@ -64,6 +74,15 @@ void StartAgain(std::vector<char*> arguments, double scale) {
     execv("/proc/self/exe", arguments.data());
 }
 
+// The toolkit itself would end with a core dump. Other platforms of its need no display.
+bool IsDisplayNamed(int argc, char** argv) {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (!qEnvironmentVariableIsEmpty(name)) return true;
+    for (int i = 1; i < argc; i++)
+        if (std::strstr(argv[i], "-platform") || std::strstr(argv[i], "-display")) return true;
+    return false;
+}
+
 void SetScale(double scale) { qputenv("QT_SCALE_FACTOR", QByteArray::number(scale)); }
 
 }  // namespace
@@ -72,6 +91,12 @@ int main(int argc, char** argv) {
     std::vector<char*> given(argv, argv + argc + 1);
     HostOptions options;
     if (!TakeHostOptions(&argc, argv, &options)) return 2;
+    if (options.help) return TellUsage(stdout), 0;
+    if (!MakeRoot(options.root)) return 2;
+    if (!IsDisplayNamed(argc, argv)) {
+        std::fputs("quill: there is no display (DISPLAY and WAYLAND_DISPLAY are empty)\n", stderr);
+        return 1;
+    }
     const bool choose = options.scale == 0 && qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR");
     if (choose || options.scale > 0) SetScale(choose ? kUsualScale : options.scale);
     QApplication::setApplicationName("quill");
@@ -80,11 +105,17 @@ int main(int argc, char** argv) {
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 
     QApplication application(argc, argv);
+    if (argc > 1) {
+        std::fprintf(stderr, "quill: %s is no option\n", argv[1]);
+        TellUsage(stderr);
+        return 2;
+    }
     QApplication::setQuitOnLastWindowClosed(false);
     OpenDevice(options);
     const double scale = choose ? ScaleThatFits(DeviceScreen()->size()) : kUsualScale;
     if (scale != kUsualScale) StartAgain(given, scale);
     if (!options.snapshot.isEmpty() || !options.text.isEmpty()) WatchForRest(options);
+    EndBySignals();
     const int result = WinMain(nullptr, nullptr, nullptr, SW_SHOW);
     CloseDevice();
     return result;

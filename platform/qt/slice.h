@@ -49,8 +49,9 @@ struct Window {
     QPointer<QWidget> widget;  // a WindowWidget where the program paints
     ScrollBarState vertical;
     ScrollBarState horizontal;
-    QRegion invalid;    // to be painted
-    bool erase = true;  // the next BeginPaint sends WM_ERASEBKGND
+    QWidget* corner = nullptr;  // between the bars, shown with both
+    QRegion invalid;            // to be painted
+    bool erase = true;          // the next BeginPaint sends WM_ERASEBKGND
     bool destroying = false;
     std::shared_ptr<DialogData> dialog;    // of dialogs, sheets and pages
     std::shared_ptr<ControlData> control;  // of their controls

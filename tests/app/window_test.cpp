@@ -216,6 +216,64 @@ TEST(Window, RowsDrawnWhileTheToolkitAsksForACornerReachTheScreen) {
     });
 }
 
+// Both in lines of a cell on a desktop of two pixels for the device's one, counted from 0.
+struct Feet {
+    int letter;     // the last line on which the letter of row 1, column 1 has ink
+    int underline;  // the first one of an underline
+};
+
+Feet FeetOfFirstCell() {
+    constexpr int kScale = 2;
+    QImage picture(DeviceScreen()->size() * kScale, QImage::Format_RGB32);
+    picture.setDevicePixelRatio(kScale);
+    DeviceScreen()->render(&picture);
+    RECT client;
+    GetWindowRect(session.client_window, &client);
+    Feet feet{-1, (session.view.cell_height - session.view.underline_offset) * kScale};
+    for (int y = 0; y < session.view.cell_height * kScale; y++)
+        for (int x = 0; x < session.view.cell_width * kScale; x++)
+            if (qGray(picture.pixel(client.left * kScale + x, client.top * kScale + y)) < 128)
+                feet.letter = y;
+    return feet;
+}
+
+TEST(Window, UnderlineStandsBelowTheLettersInEverySize) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\033[2J\033[Hmmm");
+        ASSERT_TRUE(Drawn("mmm"));
+        for (int size = 8; size <= 25; size++) {
+            OnWindowThread([&] {
+                ASSERT_EQ(session.settings.fsize, size);
+                UpdateWindow(session.client_window);
+                const Feet feet = FeetOfFirstCell();
+                EXPECT_GE(feet.letter, 0) << "font of " << size;
+                EXPECT_GT(feet.underline, feet.letter) << "font of " << size;
+                EXPECT_LT(feet.underline, 2 * session.view.cell_height) << "font of " << size;
+            });
+            PostToMain(WM_COMMAND, 40009);
+            OnWindowThread([] {});
+        }
+    });
+}
+
+// The bars take their room from the status line and leave a corner between them.
+TEST(Window, BarsThatComeAndGoLeaveNothingOldOnTheScreen) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ResizeDevice(400, 258);  // as large as it is on a desktop
+        ASSERT_TRUE(Drawn("hello"));
+        for (const WPARAM command : {40009, 40009, 40009, 40009, 40010, 40010, 40010, 40010}) {
+            PostToMain(WM_COMMAND, command);
+            OnWindowThread([] {});
+            QThread::msleep(200);
+            const QImage glass = Glass();
+            EXPECT_EQ(glass, Picture().convertToFormat(QImage::Format_RGB32))
+                << "font of " << session.settings.fsize;
+        }
+    });
+}
+
 struct Size {
     int width, height;
 };

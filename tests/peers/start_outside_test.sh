@@ -1,0 +1,82 @@
+#!/bin/sh
+# What a shell gives the program and gets from it: options, folders, a display that is missing, and
+# the signals that end it. Exit code 77: not possible here.
+# Usage: start_outside_test.sh PROGRAM
+set -eu
+. "$(dirname "$0")/../support/outside.sh"
+need Xvfb xdotool timeout
+program=$1
+
+# ends_with CODE TEXT OPTIONS...: without a window, after a word about TEXT.
+ends_with() {
+    expected=$1 text=$2
+    shift 2
+    code=0
+    timeout -k 5 20 "$program" "$@" >"$work/said" 2>&1 || code=$?
+    [ $code -eq "$expected" ] || fail "'$*' ended with $code in place of $expected"
+    grep -qF -e "$text" "$work/said" || fail "'$*' did not say '$text' but: $(cat "$work/said")"
+}
+
+unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM || :
+ends_with 0 'usage: quill' --help
+ends_with 1 'there is no display' --root "$work/none"
+
+open_screen
+mkdir -m 700 "$work/tmp" "$work/run"
+export TMPDIR="$work/tmp" XDG_RUNTIME_DIR="$work/run"
+: >"$work/file"
+ends_with 2 '--root wants a value' --root
+ends_with 2 '--root wants another value' --root ''
+ends_with 2 "$work/file is no folder" --root "$work/file"
+ends_with 2 "$work/file/below is no folder" --root "$work/file/below"
+ends_with 2 '--screen wants another value' --screen 99x80
+ends_with 2 '--scale wants another value' --scale 0
+ends_with 2 '--bogus is no option' --root "$work/none" --bogus
+ends_with 2 'stores.example is no option' --root "$work/none" stores.example 23
+
+ends_with 1 "cannot write $work/no/picture.png" --root "$work/none" --snapshot "$work/no/picture.png"
+ends_with 1 "cannot write /dev/full" --root "$work/none" --text /dev/full
+timeout -k 5 20 "$program" --root "$work/none" --snapshot "$work/picture.png" --text "$work/text" ||
+    fail "a picture and a text ended with $?"
+[ -s "$work/picture.png" ] && [ -s "$work/text" ] || fail "no picture or no text was written"
+
+# font_size FOLDER: what is stored there.
+font_size() {
+    /usr/bin/python3 -c 'import sqlite3, sys
+row = sqlite3.connect(sys.argv[1]).execute("SELECT data FROM registry WHERE name = ?", ["fsize"])
+print(int.from_bytes(row.fetchone()[0], "little"))' "$1/registry.db"
+}
+
+# A folder that is not there yet is made. Only a regular end stores the larger font, and takes away
+# the socket by which a second start finds the program.
+size=8
+for signal in HUP INT TERM; do
+    root=$work/new/folder
+    # The shell would have it ignore what interrupts the shell.
+    /usr/bin/python3 -c 'import os, signal, sys
+signal.signal(signal.SIGINT, signal.SIG_DFL)
+os.execv(sys.argv[1], sys.argv[1:])' "$program" --root "$root" &
+    client=$!
+    ends_with_us $client
+    await 20 has_window '^Quill Telnet  \[\]$' || fail "no window was shown"
+    window=$(xdotool search --name '^Quill Telnet  \[\]$' | head -n 1)
+    xdotool windowfocus "$window" || :
+    sleep 0.5
+    xdotool key ctrl+shift+plus
+    sleep 0.5
+    # With a menu open, a dialog, or neither.
+    case $signal in
+        HUP) xdotool key alt+s ;;
+        INT) xdotool key ctrl+shift+n && await 10 has_window '^Connect$' ;;
+    esac
+    sleep 0.5
+    kill -s $signal $client
+    code=0
+    wait $client || code=$?
+    [ $code -eq 0 ] || fail "SIG$signal ended the program with $code"
+    left=$(ls -A "$work/tmp")
+    [ -z "$left" ] || fail "SIG$signal left $left"
+    size=$((size + 1))
+    [ "$(font_size "$root")" = $size ] || fail "SIG$signal lost the font's size"
+done
+echo "options, folders, display and signals: as told"
