@@ -4,7 +4,7 @@
 # Usage: start_outside_test.sh PROGRAM
 set -eu
 . "$(dirname "$0")/../support/outside.sh"
-need Xvfb xdotool timeout
+need Xvfb xdotool timeout import
 program=$1
 
 # ends_with CODE TEXT OPTIONS...: without a window, after a word about TEXT.
@@ -47,6 +47,15 @@ row = sqlite3.connect(sys.argv[1]).execute("SELECT data FROM registry WHERE name
 print(int.from_bytes(row.fetchone()[0], "little"))' "$1/registry.db"
 }
 
+# The window's picture, and whether it is another one than `seen`.
+picture() { import -window "$window" rgb:- | md5sum; }
+is_another() { [ "$(picture)" != "$seen" ]; }
+is_at_rest() {
+    seen=$(picture)
+    sleep 0.3
+    ! is_another
+}
+
 # A folder that is not there yet is made. Only a regular end stores the larger font, and takes away
 # the socket by which a second start finds the program.
 size=8
@@ -61,9 +70,9 @@ os.execv(sys.argv[1], sys.argv[1:])' "$program" --root "$root" &
     await 20 has_window '^Quill Telnet  \[\]$' || fail "no window was shown"
     window=$(xdotool search --name '^Quill Telnet  \[\]$' | head -n 1)
     xdotool windowfocus "$window" || :
-    sleep 0.5
+    await 10 is_at_rest || fail "the window does not come to rest"
     xdotool key ctrl+shift+plus
-    sleep 0.5
+    await 10 is_another || fail "no larger font was shown"
     # With a menu open, a dialog, or neither.
     case $signal in
         HUP) xdotool key alt+s ;;
