@@ -6,7 +6,8 @@
 
 LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 
-// Makes the command bar anew for the session's state.
+// Makes the command bar with the current toolbar and the menu bar again, for a program that is
+// connected or not, and updates the status line.
 void RebuildMenuBar();
 
 // The client window fills the main window below the command bar.

@@ -12,7 +12,7 @@ PACKAGES_WINDOWS="cmake ninja-build g++-mingw-w64-x86-64"
 PACKAGES_TEST="libgtest-dev clang libclang-rt-dev|libclang-rt-14-dev|libclang-rt-18-dev
     xvfb xauth x11-utils xdotool xclip imagemagick socat libkrb5-3 libvterm-dev libbenchmark-dev
     libgmp-dev libssl-dev openssh-client python3-asyncssh python3-paramiko python3-twisted
-    python3-pycryptodome googletest wine wine64"
+    python3 python3-pycryptodome googletest wine wine64"
 TOOLS_BUILD="c++ cmake ninja x86_64-w64-mingw32-windres"
 
 is_installed() {
