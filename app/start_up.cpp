@@ -1,16 +1,16 @@
 // The program's entry point.
 #include "app/start_up.h"
 
-#include "app/connection.h"
-#include "app/main_window.h"
-#include "app/message_boxes.h"
-#include "app/receive_thread.h"
-#include "app/session_state.h"
-#include "config/settings.h"
+#include "connection/connection.h"
+#include "connection/receive_thread.h"
+#include "protocol/ssh/ssh_session.h"
 #include "resources/resource_ids.h"
-#include "ssh/ssh_session.h"
+#include "session/message_boxes.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/terminal_window.h"
+#include "ui/main_window.h"
+#include "ui/view/terminal_window.h"
 
 namespace {
 

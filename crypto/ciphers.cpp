@@ -4,9 +4,9 @@
 #include <cstring>
 
 #include "crypto/blowfish.h"
-#include "crypto/byte_order.h"
 #include "crypto/des.h"
 #include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 // Single DES uses the first of the three.
 struct DirectionKeys {

@@ -4,9 +4,9 @@
 // an S-box contributes in that form already, so a round is eight look-ups by byte and their XOR.
 #include "crypto/des.h"
 
-#include "crypto/byte_order.h"
 #include "crypto/des_tables.h"
 #include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 static constexpr DesRoundTable kRoundTable = MakeDesRoundTable();
 

@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "crypto/byte_order.h"
 #include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 static const int kPadSize = 64;
 static const uint8_t kInnerPad = 0x36;

@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "crypto/byte_order.h"
 #include "crypto/random.h"
+#include "text/byte_order.h"
 
 // Takes one number in SSH-1 form from the front of *bytes; null when it is not all there.
 static Bignum TakeNumber(const uint8_t** bytes, int* length) {

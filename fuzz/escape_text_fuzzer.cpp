@@ -6,12 +6,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/session_state.h"
-#include "config/escape_text.h"
-#include "config/key_map.h"
-#include "config/settings.h"
-#include "ssh/ssh_session.h"
-#include "telnet/session_send.h"
+#include "protocol/ssh/ssh_session.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
+#include "settings/settings.h"
+#include "text/escape_text.h"
 
 static const SOCKET kSocket = 7;
 static const size_t kResponseBytes = 256;

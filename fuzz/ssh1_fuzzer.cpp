@@ -11,15 +11,15 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/connection.h"
-#include "app/session_state.h"
-#include "app/status_bar.h"
-#include "config/dialogs.h"
-#include "crypto/byte_order.h"
+#include "connection/connection.h"
 #include "crypto/crc32.h"
-#include "ssh/ssh_session.h"
-#include "telnet/session_send.h"
+#include "protocol/ssh/ssh_session.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "terminal/terminal_write.h"
+#include "text/byte_order.h"
+#include "ui/dialogs/dialogs.h"
+#include "ui/view/status_bar.h"
 
 static const SOCKET kSocket = 7;
 

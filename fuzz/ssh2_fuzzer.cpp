@@ -11,14 +11,14 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/connection.h"
-#include "app/session_state.h"
-#include "app/status_bar.h"
-#include "config/dialogs.h"
-#include "ssh/ssh2_packet.h"
-#include "ssh/ssh2_session.h"
-#include "telnet/session_send.h"
+#include "connection/connection.h"
+#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2_session.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "terminal/terminal_write.h"
+#include "ui/dialogs/dialogs.h"
+#include "ui/view/status_bar.h"
 
 static const SOCKET kSocket = 7;
 static const size_t kMacSize = 20;

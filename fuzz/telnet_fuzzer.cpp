@@ -6,12 +6,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/connection.h"
-#include "app/receive_thread.h"
-#include "app/session_state.h"
-#include "ssh/ssh_session.h"
-#include "telnet/socket_event.h"
-#include "telnet/telnet_engine.h"
+#include "connection/connection.h"
+#include "connection/receive_thread.h"
+#include "connection/socket_event.h"
+#include "protocol/ssh/ssh_session.h"
+#include "protocol/telnet/telnet_engine.h"
+#include "session/session_state.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
 

@@ -2,7 +2,7 @@
 #ifndef QUILL_TERMINAL_MODES_H
 #define QUILL_TERMINAL_MODES_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 // At every connect: modes, cursor, margins, interpreter, tab stops and split regions to their
 // values for a new session. The screen's contents and the current attribute stay, and so do

@@ -10,7 +10,7 @@
 #ifndef QUILL_TERMINAL_SCREEN_BUFFER_H
 #define QUILL_TERMINAL_SCREEN_BUFFER_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 inline bool RowExists(int row) { return row >= 1 && row <= kRingLines; }
 inline bool CellExists(int row, int col) {

@@ -3,13 +3,13 @@
 
 #include <cstring>
 
-#include "app/session_state.h"
-#include "app/status_bar.h"
-#include "telnet/session_send.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"
-#include "terminal/selection.h"
-#include "terminal/view.h"
+#include "ui/view/selection.h"
+#include "ui/view/status_bar.h"
+#include "ui/view/view.h"
 
 static void SendReply() {
     const char* reply = TerminalTakeReply();

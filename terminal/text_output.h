@@ -2,7 +2,7 @@
 #ifndef QUILL_TERMINAL_TEXT_OUTPUT_H
 #define QUILL_TERMINAL_TEXT_OUTPUT_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 #include "terminal/printable_bytes.h"
 #include "terminal/screen_buffer.h"
 

@@ -1,10 +1,10 @@
 // The connection manager against a host whose every byte the test decides.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "terminal/screen_buffer.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

@@ -1,8 +1,8 @@
 // Dialling on the running program. The dial-up program is a script of the test's own that writes
 // the lines of pppd in their order and ends with its exit codes.
-#include "app/dialling.h"
+#include "connection/dialling.h"
 
-#include "app/connection.h"
+#include "connection/connection.h"
 #include "terminal/screen_buffer.h"
 #include "tests/app/dial_stage.h"
 #include "tests/support/fake_host.h"

@@ -1,11 +1,11 @@
 // Hanging up: dials and links that the user ends, or that another dial or the program's end does.
-#include "app/commands.h"
-#include "app/connection.h"
-#include "app/dialling.h"
-#include "config/toolbars.h"
+#include "connection/connection.h"
+#include "connection/dialling.h"
 #include "resources/resource_ids.h"
+#include "settings/toolbars.h"
 #include "tests/app/dial_stage.h"
 #include "tests/support/fake_host.h"
+#include "ui/commands.h"
 
 namespace {
 

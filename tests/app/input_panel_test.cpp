@@ -2,15 +2,15 @@
 #include <gtest/gtest.h>
 #include <QtTest/QTest>
 
-#include "app/session_state.h"
 #include "platform/qt/input_panel.h"
 #include "platform/qt/menu_bar.h"
 #include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
-#include "terminal/view.h"
+#include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
+#include "ui/view/view.h"
 
 namespace {
 

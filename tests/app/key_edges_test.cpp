@@ -3,10 +3,10 @@
 #include <QKeyEvent>
 #include <QtTest/QTest>
 
-#include "app/session_state.h"
-#include "config/key_map.h"
 #include "platform/qt/input_panel.h"
 #include "platform/qt/testing.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

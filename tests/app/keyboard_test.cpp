@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 #include <QKeyEvent>
 
-#include "app/session_state.h"
-#include "config/key_map.h"
 #include "platform/qt/slice.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

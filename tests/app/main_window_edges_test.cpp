@@ -4,17 +4,17 @@
 #include <QMenu>
 #include <QtTest/QTest>
 
-#include "app/connection.h"
-#include "app/session_state.h"
-#include "app/status_bar.h"
+#include "connection/connection.h"
 #include "platform/qt/input_panel.h"
 #include "platform/qt/menu_bar.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
-#include "terminal/view.h"
+#include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
+#include "ui/view/status_bar.h"
+#include "ui/view/view.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 #include <filesystem>
 #include <QProcess>
 
-#include "app/session_state.h"
 #include "app/start_up.h"
-#include "config/settings.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "terminal/screen_buffer.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

@@ -1,11 +1,11 @@
 // The status line and the title.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "app/status_bar.h"
+#include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
+#include "ui/view/status_bar.h"
 
 namespace {
 

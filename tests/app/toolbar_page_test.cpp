@@ -2,14 +2,14 @@
 #include <gtest/gtest.h>
 #include <QListWidget>
 
-#include "app/session_state.h"
-#include "config/dialogs.h"
-#include "config/settings.h"
-#include "config/toolbars.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
+#include "settings/toolbars.h"
 #include "tests/support/person.h"
+#include "ui/dialogs/dialogs.h"
 
 namespace {
 

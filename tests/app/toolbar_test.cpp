@@ -8,12 +8,12 @@
 #include <QToolButton>
 #include <set>
 
-#include "app/session_state.h"
-#include "config/settings.h"
-#include "config/toolbars.h"
 #include "platform/qt/bitmaps.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
+#include "settings/toolbars.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

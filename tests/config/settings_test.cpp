@@ -1,9 +1,9 @@
 // Loading and saving of the settings: every row, the types, what damaged values come to.
-#include "config/settings.h"
+#include "settings/settings.h"
 
-#include "app/session_state.h"
-#include "config/key_map.h"
-#include "config/toolbars.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
+#include "settings/toolbars.h"
 #include "tests/config/device.h"
 #include "tests/config/registry_log.h"
 #include "tests/config/settings_rows.h"

@@ -1,6 +1,6 @@
 // Which buttons a bar gets, and what each carries.
-#include "app/session_state.h"
-#include "config/toolbars.h"
+#include "session/session_state.h"
+#include "settings/toolbars.h"
 #include "tests/config/command_bar_double.h"
 #include "tests/config/device.h"
 

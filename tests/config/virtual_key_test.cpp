@@ -1,5 +1,5 @@
 // Which row a virtual key comes to: every code with every modifier, against rules written anew.
-#include "config/key_map.h"
+#include "settings/key_map.h"
 #include "tests/config/device.h"
 #include "tests/config/window_doubles.h"
 

@@ -5,11 +5,11 @@
 
 #include <memory>
 
-#include "crypto/byte_order.h"
 #include "crypto/dss.h"
 #include "crypto/rsa.h"
 #include "crypto_test_support.h"
 #include "public_key_blobs.h"
+#include "text/byte_order.h"
 
 typedef std::unique_ptr<DssKey, void (*)(DssKey*)> OwnedKey;
 

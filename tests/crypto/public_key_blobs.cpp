@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <openssl/bn.h>
 
-#include "crypto/byte_order.h"
 #include "crypto/sha1.h"
+#include "text/byte_order.h"
 
 ByteString operator+(ByteString a, const ByteString& b) {
     a.insert(a.end(), b.begin(), b.end());

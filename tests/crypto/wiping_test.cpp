@@ -6,7 +6,6 @@
 #include <functional>
 
 #include "crypto/blowfish.h"
-#include "crypto/byte_order.h"
 #include "crypto/ciphers.h"
 #include "crypto/des.h"
 #include "crypto/diffie_hellman.h"
@@ -18,6 +17,7 @@
 #include "crypto/wipe.h"
 #include "crypto_test_support.h"
 #include "tests/support/leftovers.h"
+#include "text/byte_order.h"
 
 // ---------------------------------------------------------------- heap
 

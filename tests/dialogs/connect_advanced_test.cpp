@@ -1,10 +1,10 @@
 // "Connect Advanced": marks, port, protocol and cipher.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "platform/qt/dialogs.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/fake_host.h"

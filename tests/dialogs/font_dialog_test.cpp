@@ -1,9 +1,9 @@
 // "Font": the terminal's face, bold and italic.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/person.h"

@@ -1,11 +1,11 @@
 // The page "Keyboard" of the Properties sheet, and its dialog "Change".
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/key_map.h"
-#include "config/settings.h"
 #include "platform/qt/dialogs.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/fake_host.h"

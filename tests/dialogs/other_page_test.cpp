@@ -1,13 +1,13 @@
 // The page "Other" of the Properties sheet.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "resources/resource_ids.h"
-#include "terminal/terminal_font.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/person.h"
+#include "ui/view/terminal_font.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include <QPushButton>
 #include <QScrollBar>
 
-#include "app/session_state.h"
-#include "config/key_map.h"
 #include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
 #include "tests/dialogs/dialog_cases.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"

@@ -11,11 +11,11 @@
 #include <QRadioButton>
 #include <QStyle>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "platform/qt/dialog_template.h"
 #include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_cases.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"

@@ -3,13 +3,13 @@
 
 #include <atomic>
 
-#include "app/session_state.h"
-#include "config/dialogs.h"
-#include "config/settings.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/person.h"
+#include "ui/dialogs/dialogs.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "crypto/ciphers.h"
 #include "platform/qt/testing_services.h"
-#include "ssh/ssh_session.h"
+#include "protocol/ssh/ssh_session.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
 

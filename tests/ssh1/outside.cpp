@@ -5,13 +5,13 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/connection.h"
-#include "app/status_bar.h"
-#include "config/dialogs.h"
+#include "connection/connection.h"
 #include "crypto/rsa.h"
-#include "ssh/ssh_session.h"
-#include "telnet/session_send.h"
+#include "protocol/ssh/ssh_session.h"
+#include "session/session_send.h"
 #include "terminal/terminal_write.h"
+#include "ui/dialogs/dialogs.h"
+#include "ui/view/status_bar.h"
 
 Outside outside;
 

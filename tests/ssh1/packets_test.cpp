@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <set>
 
-#include "ssh/ssh1_packets.h"
-#include "ssh/ssh_session.h"
+#include "protocol/ssh/ssh1_packets.h"
+#include "protocol/ssh/ssh_session.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
 

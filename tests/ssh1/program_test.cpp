@@ -2,13 +2,13 @@
 #include <gtest/gtest.h>
 #include <QCryptographicHash>
 
-#include "app/session_state.h"
-#include "config/dialogs.h"
-#include "telnet/session_send.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "tests/ssh1/test_server.h"
 #include "tests/support/person.h"
 #include "tests/support/real_servers.h"
 #include "tests/support/sessions.h"
+#include "ui/dialogs/dialogs.h"
 
 namespace {
 

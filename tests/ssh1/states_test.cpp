@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "crypto/ciphers.h"
-#include "ssh/ssh1_session.h"
-#include "ssh/ssh_session.h"
+#include "protocol/ssh/ssh1_session.h"
+#include "protocol/ssh/ssh_session.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
 #include "tests/support/leftovers.h"

@@ -1,17 +1,17 @@
 // The doubles.
 #include "tests/ssh2/outside.h"
 
-#include "app/connection.h"
-#include "app/receive_thread.h"
-#include "app/status_bar.h"
-#include "config/ansi_text.h"
-#include "config/dialogs.h"
+#include "connection/connection.h"
+#include "connection/receive_thread.h"
+#include "connection/socket_event.h"
 #include "platform/qt/testing_services.h"
-#include "ssh/ssh_session.h"
-#include "telnet/session_send.h"
-#include "telnet/socket_event.h"
+#include "protocol/ssh/ssh_session.h"
+#include "session/session_send.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
+#include "text/ansi_text.h"
+#include "ui/dialogs/dialogs.h"
+#include "ui/view/status_bar.h"
 
 Outside outside;
 

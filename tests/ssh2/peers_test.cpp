@@ -5,9 +5,9 @@
 #include <QProcess>
 #include <QThread>
 
-#include "app/session_state.h"
 #include "resources/resource_ids.h"
-#include "telnet/session_send.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"
 #include "tests/support/real_servers.h"

@@ -12,9 +12,9 @@
 #include <QThread>
 #include <thread>
 
-#include "app/session_state.h"
 #include "platform/qt/host.h"
 #include "platform/qt/testing.h"
+#include "session/session_state.h"
 #include "terminal/screen_buffer.h"
 
 namespace {

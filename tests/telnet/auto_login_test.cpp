@@ -1,8 +1,8 @@
 // Automatic login.
 #include <gtest/gtest.h>
 
-#include "telnet/auto_login.h"
-#include "telnet/telnet_engine.h"
+#include "protocol/telnet/auto_login.h"
+#include "protocol/telnet/telnet_engine.h"
 #include "tests/telnet/outside.h"
 
 namespace {

@@ -1,8 +1,8 @@
 // The send routine, the socket writer and the responses' escapes.
 #include <gtest/gtest.h>
 
-#include "telnet/session_send.h"
-#include "telnet/telnet_engine.h"
+#include "protocol/telnet/telnet_engine.h"
+#include "session/session_send.h"
 #include "tests/telnet/outside.h"
 
 namespace {

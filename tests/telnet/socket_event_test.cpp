@@ -1,9 +1,9 @@
 // What is done with a notification, and that the buffer is handed back whatever it is.
 #include <gtest/gtest.h>
 
-#include "telnet/auto_login.h"
-#include "telnet/socket_event.h"
-#include "telnet/telnet_engine.h"
+#include "connection/socket_event.h"
+#include "protocol/telnet/auto_login.h"
+#include "protocol/telnet/telnet_engine.h"
 #include "tests/telnet/outside.h"
 
 namespace {

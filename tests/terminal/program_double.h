@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "app/session_state.h"
 #include "gdi_double.h"
+#include "session/session_state.h"
 
 extern std::vector<std::string> program_calls;  // by name, in their order; SessionSend with bytes
 

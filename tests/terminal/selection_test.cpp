@@ -1,10 +1,10 @@
 // Marking with the stylus, copying and pasting.
-#include "terminal/selection.h"
+#include "ui/view/selection.h"
 #include "clipboard_double.h"
 #include "program_double.h"
-#include "terminal/clipboard.h"
 #include "terminal/screen_buffer.h"
 #include "terminal/terminal_write.h"
+#include "ui/view/clipboard.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // The terminal window: its class and messages, geometry, scrolling, following the cursor, and the
 // requests for a repaint. Cells are 8 x 16; the bars are 10 wide and 12 high.
-#include "terminal/view.h"
+#include "ui/view/view.h"
 
 #include "program_double.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/terminal_window.h"
+#include "ui/view/terminal_window.h"
 
 static WPARAM ScrollEvent(int code, int position = 0) {
     return static_cast<WPARAM>(code) | (static_cast<WPARAM>(position) << 16);

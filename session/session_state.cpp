@@ -1,0 +1,4 @@
+// The one instance of the session record.
+#include "session/session_state.h"
+
+SessionState session;

@@ -1,0 +1,17 @@
+// The SSH sections of the session record: what both protocols share, and each one's own.
+#ifndef QUILL_SESSION_SSH_TYPES_H
+#define QUILL_SESSION_SSH_TYPES_H
+
+#include "session/ssh1_types.h"
+#include "session/ssh2_types.h"
+#include "windows_ce.h"
+
+inline constexpr int kSshReassemblySize = 65535;  // most bytes that wait for their packet's end
+
+// Owner: ssh/ssh_session.cpp and the protocol that the session speaks. For the life of a session.
+struct SshState {
+    int recvFill = 0;  // bytes in recvBuf
+    BYTE recvBuf[kSshReassemblySize] = {};
+};
+
+#endif
