@@ -18,6 +18,15 @@ void NewTerminal() {
     memset(session.screen.row_changed, 0, sizeof session.screen.row_changed);
 }
 
+void UseRing(int lines) {
+    std::string text = "\x1b[1;4;5;7m\x1b[1\"q", replies;
+    for (int line = 1; line <= lines; ++line) {
+        text += std::string(kScreenColumns, 'X') + "\x1b#6";
+        if (line < lines) text += "\r\n";
+    }
+    FeedByteByByte(text + "\x1b[24;1H", &replies);
+}
+
 void FeedWhole(const std::string& text, std::string* replies) {
     const BYTE* bytes = reinterpret_cast<const BYTE*>(text.data());
     const int count = static_cast<int>(text.size());

@@ -363,6 +363,21 @@ TEST_F(FollowingTheCursor, ACursorBelowTheScreenTakesTheViewPastItsEnd) {
     EXPECT_EQ(session.view.view_top, 0);
 }
 
+TEST_F(FollowingTheCursor, ScrollingOnFromPastTheEndComesBackAndOtherCodesDoNot) {
+    To(49, 1);
+    ASSERT_EQ(session.view.view_top, 37);
+    gdi.invalidations = gdi.scroll_calls = 0;
+    for (int code : {SB_ENDSCROLL, SB_THUMBTRACK, 6, 7, 9}) {
+        Vertical(code, 5);
+        EXPECT_EQ(session.view.view_top, 37) << code;
+    }
+    EXPECT_EQ(gdi.invalidations, 0);
+    EXPECT_EQ(gdi.scroll_calls, 0);
+    Vertical(SB_LINEUP);
+    EXPECT_EQ(session.view.view_top, 12);
+    EXPECT_EQ(gdi.bars[SB_VERT].nPos, 12);
+}
+
 // ---------------------------------------------------------------- repaint requests
 
 class RepaintRequests : public TerminalWindow {};
