@@ -165,6 +165,7 @@ void CloseSession() {
 void SessionClosed() {
     ForgetSshSession();
     if (!Connected()) {
+        UpdateStatus();
         ShowError(TEXT("Not possible to create a session to the UNIX Host"));
         RebuildMenuBar();
         return;

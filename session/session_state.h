@@ -35,7 +35,7 @@ struct SessionState {
     int command_bar_height = 0;                   // pixels
     int main_width = 0;                           // pixels of the main window when it was made
     int client_width = 0;                         // pixels of the client window when it was made
-    DWORD key_sent = 0;  // the key table sent something for the key press being handled
+    DWORD key_taken = 0;  // the key table takes the key press being handled: no character
 
     // Owner: app/input_panel.cpp.
     DWORD input_panel_up = 0;  // as the shell told it last

@@ -14,6 +14,19 @@
 
 namespace {
 
+std::vector<HWND> g_import_owners;
+
+}  // namespace
+
+void RealImport(HWND owner) asm("__real__Z16ImportConfigFileP11SliceWindow");
+void SeenImport(HWND owner) asm("__wrap__Z16ImportConfigFileP11SliceWindow");
+void SeenImport(HWND owner) {
+    g_import_owners.push_back(owner);
+    RealImport(owner);
+}
+
+namespace {
+
 const char kImportNotice[] = "Quill Telnet: Installing configuration from file \\mconfig.cfg ";
 
 void RegisterTaken(LPCWSTR name) {
@@ -107,6 +120,19 @@ TEST(StartUp, ConfigurationFileTakesEffectInTheSameRun) {
         EXPECT_TRUE(host.Accept()) << "the settings were kept";
         EXPECT_EQ(AwaitBox(300), "") << "the notice is shown once only";
     });
+}
+
+TEST(StartUp, ClientWindowOwnsTheImportAndItsBox) {
+    for (const char* config : {"fsize = 9\n", ""}) {
+        g_import_owners.clear();
+        RunProgram({.config = config}, [&] {
+            if (*config) DismissBox(kImportNotice);
+            OnWindowThread([] {
+                EXPECT_NE(session.client_window, nullptr);
+                EXPECT_EQ(g_import_owners, std::vector<HWND>{session.client_window});
+            });
+        });
+    }
 }
 
 TEST(StartUp, SettingsAreSavedAtExit) {

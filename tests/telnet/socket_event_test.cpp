@@ -180,6 +180,27 @@ TEST(SocketEvent, ChunksOfAnSshSessionGoToSshWhole) {
     }
 }
 
+TEST(SocketEvent, AnyValueOfSshButZeroIsAnSshSession) {
+    for (const DWORD value : {2u, 3u, 0x100u, 0xFFFFFFFFu}) {
+        NewSshSession(1);
+        session.settings.ssh = value;
+        Receive(Iac(251, 1) + "text");
+        EXPECT_EQ(outside.ssh_chunks, "[" + Iac(251, 1) + "text]") << value;
+        EXPECT_EQ(outside.order, "") << value;
+        ExpectHandedBack();
+    }
+}
+
+TEST(SocketEvent, RepliesGoUnescapedWhateverTypedDataDoes) {
+    NewSession();
+    session.telnet.escape_iac = 1;
+    Receive(Iac(253, 31) + "\xFF\xFA\x18\x01\xFF\xF0");
+    EXPECT_EQ(Sent(), Iac(252, 31) + std::string("\xFF\xFA\x18\0vt220\xFF\xF0", 11));
+    SetText(session.settings.termtype, "\xFF");
+    Receive("\xFF\xFA\x18\x01\xFF\xF0");
+    EXPECT_EQ(Sent(), std::string("\xFF\xFA\x18\0\xFF\xFF\xF0", 7));
+}
+
 TEST(SocketEvent, TelnetCommandsInAnSshSessionAreNotAnswered) {
     NewSshSession(0);
     session.banner_sent = 1;
