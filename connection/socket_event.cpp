@@ -33,7 +33,6 @@ int FilterChunk() {
 }
 
 void TakeTelnetChunk() {
-    if (session.receive_count < 1) return;
     const int count = FilterChunk();
     if (count == 0) return;
     TerminalWrite(session.telnet.display_buffer, count);
@@ -46,6 +45,12 @@ void TakeSshChunk() {
 
 bool Stale() { return !Connected() || session.receive_ready.load(std::memory_order_acquire) == 1; }
 
+// A failed recv is handed over like a chunk; it ends here, and no protocol hears of it.
+void TakeChunk() {
+    if (session.receive_count < 1) return;
+    session.settings.ssh == 0 ? TakeTelnetChunk() : TakeSshChunk();
+}
+
 }  // namespace
 
 // A message box shown on the way lets other messages run, and a new session may begin in them: its
@@ -56,7 +61,7 @@ void OnSocketEvent(WPARAM kind) {
         session.connect_pending = 0;
         SessionClosed();
     } else if (kind == 0 && !Stale()) {
-        session.settings.ssh == 0 ? TakeTelnetChunk() : TakeSshChunk();
+        TakeChunk();
     }
     const SOCKET left = session.socket.load(std::memory_order_acquire);
     if (left == served || left == INVALID_SOCKET) HandBackBuffer();

@@ -6,7 +6,8 @@
 #include "session/ssh2_types.h"
 #include "windows_ce.h"
 
-inline constexpr int kSshReassemblySize = 65535;  // most bytes that wait for their packet's end
+// Most bytes that wait for their packet's end. A packet has fewer.
+inline constexpr int kSshReassemblySize = 65535;
 
 // Owner: ssh/ssh_session.cpp and the protocol that the session speaks. For the life of a session.
 struct SshState {

@@ -28,7 +28,7 @@ void Identify(const SshProtocol* protocol, const BYTE* bytes, int count) {
 }  // namespace
 
 void SshTakeChunk(const BYTE* bytes, int count) {
-    if (count < 1 || session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) return;
+    if (session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) return;
     if (session.banner_sent) return Spoken()->take_chunk(bytes, count);
     Identify(Spoken(), bytes, count);
 }

@@ -14,9 +14,9 @@ struct SshProtocol {
     void (*forget)();  // wipes and releases the protocol's section; also where there is nothing
 };
 
-// A received chunk; less than one byte is none, and what was on its way when the session was closed
-// is passed over. The first of a session is the server's line, which ours answers. While ours
-// cannot be sent, the next chunk is taken as the server's line again.
+// A received chunk, 1..kReceiveSize bytes; what was on its way when the session was closed is
+// passed over. The first of a session is the server's line, which ours answers. While ours cannot
+// be sent, the next chunk is taken as the server's line again.
 void SshTakeChunk(const BYTE* bytes, int count);
 
 // Terminal bytes for the host, as they are. Dropped while no shell can take them.

@@ -75,6 +75,23 @@ TEST(SocketEvent, WithoutBytesNothingIsDone) {
     }
 }
 
+// What a failed recv gives ends here: neither protocol of SSH hears of it, before its line and
+// after.
+TEST(SocketEvent, WithoutBytesSshGetsNoChunk) {
+    for (DWORD type2 : {0u, 1u}) {
+        for (DWORD banner_sent : {0u, 1u}) {
+            for (int count : {0, -1, -2147483647 - 1}) {
+                NewSshSession(type2);
+                session.banner_sent = banner_sent;
+                session.receive_count = count;
+                OnSocketEvent(0);
+                EXPECT_EQ(outside.ssh_chunks, "") << count;
+                ExpectHandedBack();
+            }
+        }
+    }
+}
+
 TEST(SocketEvent, FullBufferOfDataIsShownWhole) {
     NewSession();
     std::string bytes;
