@@ -176,8 +176,11 @@ TEST(EveryByte, AfterAnEscapeInADeviceControlStringIsSwallowedAndABackslashEndsI
 
 // ---------------------------------------------------------------- marks before a final
 
-static const std::string kParameters[] = {"",  "0", "1",    "2",    "3",   "4",
-                                          "5", "6", "5;10", "61;1", "2;1", "1;2;3"};
+// Some with a mark of their own that a final wants.
+static const std::string kParameters[] = {
+    "",     "0",   "1",     "2",   "3",      "4",  "5",  "6", "7", "5;10",
+    "61;1", "2;1", "1;2;3", "1\"", "62;1\"", "?1", "?4", "!", ">",
+};
 
 struct MarkOfFinals {
     char mark;

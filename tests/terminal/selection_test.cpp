@@ -110,6 +110,13 @@ TEST_F(Stylus, ADragOutOfTheWindowsLeftAndTopIsTheFirstCell) {
     EXPECT_EQ(Corners(), (Lines{"3,3", "1,1"}));
 }
 
+TEST_F(Stylus, CellsOfOnePixelAreCells) {
+    session.view.cell_width = session.view.cell_height = 1;
+    const StylusCell cell = CellUnderStylus(At(5, 3));
+    EXPECT_EQ(cell.col, 6);
+    EXPECT_EQ(cell.row, 4);
+}
+
 TEST_F(Stylus, WithoutAFontTheCellIsTheFirst) {
     session.view.cell_width = session.view.cell_height = 0;
     const StylusCell cell = CellUnderStylus(At(100, 100));

@@ -2,6 +2,7 @@
 #include "tests/terminal/terminal_state.h"
 
 #include <cstring>
+#include <vector>
 
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"
@@ -27,11 +28,12 @@ void UseRing(int lines) {
     FeedByteByByte(text + "\x1b[24;1H", &replies);
 }
 
+// From memory of just that size, so that AddressSanitizer sees a read behind the last byte.
 void FeedWhole(const std::string& text, std::string* replies) {
-    const BYTE* bytes = reinterpret_cast<const BYTE*>(text.data());
-    const int count = static_cast<int>(text.size());
+    const std::vector<BYTE> bytes(text.begin(), text.end());
+    const int count = static_cast<int>(bytes.size());
     for (int done = 0; done < count;) {
-        done += TerminalFeedText(bytes + done, count - done);
+        done += TerminalFeedText(bytes.data() + done, count - done);
         if (done < count && TerminalFeedByte(bytes[done++])) *replies += TerminalTakeReply();
     }
 }
