@@ -5,6 +5,7 @@
 #include <QFontMetrics>
 #include <QStyleFactory>
 
+#include "bar_pictures.h"
 #include "device_root.h"
 #include "dial_up.h"
 #include "gdi.h"
@@ -145,6 +146,7 @@ void CloseDevice() {
     ResetKeyboard();
     ForgetRecords();
     ReleaseGdi();
+    ForgetBarPictures();
     CloseDeviceScreen();
     CloseRegistry();
     QGuiApplication::sync();
