@@ -376,6 +376,31 @@ TEST(InputPanel, KeysFillItWithoutOverlapOnEveryWidth) {
     });
 }
 
+// On the window thread: ink beside a key's label, between it and the key's frame.
+bool TouchesItsEdge(PanelKey* key) {
+    const QImage face = key->grab().toImage().convertToFormat(QImage::Format_Grayscale8);
+    for (const int x : {1, 2, face.width() - 3, face.width() - 2})
+        for (int y = 3; y < face.height() - 3; y++)
+            if (face.pixelColor(x, y).value() < 96) return true;
+    return false;
+}
+
+TEST(InputPanel, EveryLabelKeepsClearOfItsKeysEdge) {
+    RunProgram(SmallDevice(), [] {
+        TapPanelButton();
+        for (const char* latch : {"", "Shift", "Fn"}) {
+            if (*latch) Tap(latch);
+            OnWindowThread([=] {
+                for (PanelKey* key : ShellInputPanel()->findChildren<PanelKey*>()) {
+                    if (key->accessibleName() == latch) continue;  // it is lit: light on dark
+                    EXPECT_FALSE(TouchesItsEdge(key)) << key->text().toStdString();
+                }
+            });
+            if (*latch) Tap(latch);
+        }
+    });
+}
+
 TEST(InputPanel, EverySizeOfTheDeviceWhileItIsUpAndTheHostFloods) {
     FakeHost host;
     OnSmallDevice(host, [&] {
