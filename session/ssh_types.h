@@ -8,7 +8,7 @@
 
 inline constexpr int kSshReassemblySize = 65535;  // most bytes that wait for their packet's end
 
-// Owner: ssh/ssh_session.cpp and the protocol that the session speaks. For the life of a session.
+// Both protocols': what has come and is no whole packet yet. For the life of a session.
 struct SshState {
     int recvFill = 0;  // bytes in recvBuf
     BYTE recvBuf[kSshReassemblySize] = {};
