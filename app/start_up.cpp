@@ -3,14 +3,18 @@
 
 #include "connection/connection.h"
 #include "connection/receive_thread.h"
-#include "protocol/ssh/ssh_session.h"
+#include "protocol/protocols.h"
 #include "resources/resource_ids.h"
 #include "session/message_boxes.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "terminal/screen_buffer.h"
+#include "ui/dialogs/dialogs.h"
 #include "ui/main_window.h"
+#include "ui/view/status_bar.h"
 #include "ui/view/terminal_window.h"
+#include "ui/view/view.h"
 
 namespace {
 
@@ -25,6 +29,18 @@ bool HandOverToFirstInstance() {
     ShowWindow(first, SW_SHOW);
     SendMessageW(first, WM_PAINT, 0, 0);
     return true;
+}
+
+void FillPorts() {
+    session_ports = {
+        .repaint = RepaintTerminal,
+        .show_changes = ShowChanges,
+        .update_status = UpdateStatus,
+        .rebuild_menu_bar = RebuildMenuBar,
+        .ask_sign_on = AskSignOn,
+        .close_session = SessionClose,
+        .send = SendSessionData,
+    };
 }
 
 void FindColorDialog() {
@@ -104,6 +120,7 @@ HWND InitInstance(HINSTANCE instance, int show) {
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int show) {
     if (HandOverToFirstInstance()) return 0;
+    FillPorts();
     if (const int failure = InitApplication(instance)) return failure;
     ClearAll();
     std::memset(session.custom_colors, 0, sizeof(session.custom_colors));

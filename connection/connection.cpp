@@ -1,20 +1,17 @@
 // Connecting, closing, and what is told of it.
 #include "connection/connection.h"
 
-#include "connection/dialling.h"
 #include "connection/receive_thread.h"
-#include "protocol/ssh/ssh_session.h"
+#include "protocol/protocols.h"
 #include "protocol/telnet/auto_login.h"
 #include "protocol/telnet/telnet_engine.h"
 #include "session/message_boxes.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
+#include "settings/settings.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 #include "text/ansi_text.h"
-#include "ui/main_window.h"
-#include "ui/view/input_panel.h"
-#include "ui/view/status_bar.h"
-#include "ui/view/view.h"
 
 namespace {
 
@@ -52,8 +49,8 @@ void ResetForSession() {
     TerminalStart();
     TelnetReset();
     ClearAllLines();
-    RepaintTerminal();
-    if (CursorPosition() != cursor) UpdateStatus();
+    session_ports.repaint();
+    if (CursorPosition() != cursor) session_ports.update_status();
 }
 
 // The address of settings.host in network order, or INADDR_NONE. A dotted address is not looked
@@ -90,10 +87,8 @@ void TakeFirstDialEntry() {
     auto* entries = static_cast<RASENTRYNAMEW*>(std::calloc(1, size));
     if (!entries) return;
     entries[0].dwSize = sizeof(RASENTRYNAMEW);
-    if (RasEnumEntriesW(nullptr, nullptr, entries, &size, &count) == 0 && count > 0) {
-        lstrcpynW(session.settings.ras, entries[0].szEntryName, kDialEntryUnits);
-        session.save_settings = 1;
-    }
+    if (RasEnumEntriesW(nullptr, nullptr, entries, &size, &count) == 0 && count > 0)
+        SetDialEntry(entries[0].szEntryName);
     std::free(entries);
 }
 
@@ -122,15 +117,15 @@ int RequestConnection(uint32_t address) {
     session.connect_pending = 1;
     if (connect(session.socket.load(), reinterpret_cast<const SOCKADDR*>(&session.peer),
                 sizeof(session.peer)) == 0) {
-        UpdateStatus();
+        session_ports.update_status();
         return 1;
     }
     const int error = WSAGetLastError();
-    UpdateStatus();
+    session_ports.update_status();
     if (error == WSAEWOULDBLOCK) return 1;
     error == WSAEHOSTUNREACH ? AskToDial() : TellConnectError(error);
     session.connect_pending = 0;
-    UpdateStatus();
+    session_ports.update_status();
     return 0;
 }
 
@@ -138,9 +133,7 @@ int RequestConnection(uint32_t address) {
 
 void SessionConnect() {
     if (!FinishLastSession()) return;
-    session.ssh.recvFill = 0;
-    session.ssh_progress = 0;
-    session.banner_sent = 0;
+    BeginProtocol();
     if (session.connect_pending && !Connected()) return;  // the flag outlasts the request
     if (Connected()) return ShowError(TEXT("Already a session to the UNIX Host"));
     ArmAutoLogin();
@@ -155,33 +148,4 @@ void SessionClose() {
     session.closing = 1;
     CloseSocket();
     session.connect_pending = 0;
-}
-
-void CloseSession() {
-    ResetCiphers();
-    SessionClose();
-}
-
-void SessionClosed() {
-    ForgetSshSession();
-    if (!Connected()) {
-        UpdateStatus();
-        ShowError(TEXT("Not possible to create a session to the UNIX Host"));
-        RebuildMenuBar();
-        return;
-    }
-    session.connected.store(0, std::memory_order_release);
-    RebuildMenuBar();
-    if (session.settings.exit_dis) {
-        HangUpDial();
-        PostQuitMessage(0);
-    } else if (!session.closing) {
-        ShowError(TEXT("Connection to the UNIX Host has been closed..."));
-    }
-}
-
-void OnConnected() {
-    RebuildMenuBar();
-    RecountCoveredRows();
-    UpdateStatus();
 }

@@ -10,13 +10,7 @@ void SessionConnect();
 // The user's close: shuts the socket; the receiving thread's notification then runs SessionClosed.
 void SessionClose();
 
-// The end of every fatal SSH condition: forgets the ciphers, then SessionClose.
-void CloseSession();
-
 // The session has ended, whoever ended it: the offline menus, and the message that is due.
 void SessionClosed();
-
-// WM_SOCKET_CONNECTED: the host has sent its first sign of life.
-void OnConnected();
 
 #endif

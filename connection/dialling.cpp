@@ -107,6 +107,12 @@ void StartDial() {
     if (error) GiveUp(error);
 }
 
+void StartRequestedDial() {
+    if (!session.dial_request) return;
+    session.dial_request = 0;
+    StartDial();
+}
+
 void OnDialEvent(WPARAM state, LPARAM error) {
     const int reached = static_cast<int>(state);
     if (reached == session.last_dial_state) return;

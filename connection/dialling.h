@@ -8,6 +8,9 @@
 // with the caption "Error".
 void StartDial();
 
+// Starts the dial that the user has agreed to, once; without one it does nothing.
+void StartRequestedDial();
+
 // WM_RASDIALEVENT: the state that the dial has reached, and an error code or 0. A connection made
 // begins the session.
 void OnDialEvent(WPARAM state, LPARAM error);

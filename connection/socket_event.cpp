@@ -3,11 +3,8 @@
 
 #include "connection/connection.h"
 #include "connection/receive_thread.h"
-#include "protocol/ssh/ssh_session.h"
-#include "protocol/telnet/auto_login.h"
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/protocols.h"
 #include "session/session_state.h"
-#include "terminal/terminal_write.h"
 
 namespace {
 
@@ -16,40 +13,13 @@ void HandBackBuffer() {
     WakeReceiveThread();
 }
 
-// Gathers the displayable bytes of the chunk in display_buffer; their number.
-int FilterChunk() {
-    const BYTE* bytes = reinterpret_cast<const BYTE*>(session.receive_buffer);
-    const int count = session.receive_count;
-    BYTE* data = session.telnet.display_buffer;
-    int kept = 0;
-    for (int i = 0; i < count; i++) {
-        const int run = TelnetDataRun(bytes + i, count - i);
-        std::memcpy(data + kept, bytes + i, static_cast<size_t>(run));
-        kept += run;
-        i += run;
-        if (i < count && !TelnetReceiveByte(bytes[i])) data[kept++] = bytes[i];
-    }
-    return kept;
-}
-
-void TakeTelnetChunk() {
-    const int count = FilterChunk();
-    if (count == 0) return;
-    TerminalWrite(session.telnet.display_buffer, count);
-    CheckAutoLogin(session.telnet.display_buffer, count);
-}
-
-void TakeSshChunk() {
-    SshTakeChunk(reinterpret_cast<const BYTE*>(session.receive_buffer), session.receive_count);
+// A failed recv is handed over like a chunk; it ends here, and no protocol sees it.
+void TakeChunk() {
+    if (session.receive_count < 1) return;
+    TakeSessionChunk(reinterpret_cast<const BYTE*>(session.receive_buffer), session.receive_count);
 }
 
 bool Stale() { return !Connected() || session.receive_ready.load(std::memory_order_acquire) == 1; }
-
-// A failed recv is handed over like a chunk; it ends here, and no protocol hears of it.
-void TakeChunk() {
-    if (session.receive_count < 1) return;
-    session.settings.ssh == 0 ? TakeTelnetChunk() : TakeSshChunk();
-}
 
 }  // namespace
 

@@ -6,7 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "protocol/ssh/ssh_session.h"
+#include "protocol/telnet/telnet_send.h"
+#include "session/session_ports.h"
 #include "session/session_send.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
@@ -23,8 +24,6 @@ int SliceSend(SOCKET, const char* bytes, int size, int) {
 }
 
 SHORT GetKeyState(int) { return 0; }
-
-void SshSendData(const BYTE*, int) {}
 
 // The key table is neither loaded nor saved here.
 LPCWSTR ReadString(LPCWSTR, LPCWSTR fallback) { return fallback; }
@@ -56,6 +55,7 @@ static std::string Expanded(const std::string& text) {
 }
 
 static std::string Response(const std::string& text, DWORD escape) {
+    session_ports.send = TelnetSendData;
     session.connected = 1;
     session.socket = kSocket;
     session.telnet.escape_iac = escape;

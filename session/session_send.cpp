@@ -1,33 +1,13 @@
 // The send routine of every session.
 #include "session/session_send.h"
 
-#include "protocol/ssh/ssh_session.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "text/escape_text.h"
 
 namespace {
 
-constexpr BYTE kIac = 255;
-constexpr BYTE kEor = 239;
-constexpr int kStagingSize = 1024;
 constexpr int kResponseSize = 256;
-
-// Goes out in pieces of the staging buffer's size.
-void SendEscaped(const BYTE* bytes, int length) {
-    BYTE staging[kStagingSize];
-    int used = 0;
-    for (int i = 0; i < length; i++) {
-        if (used > kStagingSize - 4) {
-            if (!SocketSendAll(staging, used)) return;
-            used = 0;
-        }
-        if (bytes[i] == kIac) staging[used++] = kIac;
-        staging[used++] = bytes[i];
-    }
-    staging[used++] = kIac;
-    staging[used++] = kEor;
-    SocketSendAll(staging, used);
-}
 
 }  // namespace
 
@@ -44,13 +24,7 @@ bool SocketSendAll(const BYTE* bytes, int length) {
 }
 
 void SessionSend(const BYTE* bytes, int length, int escape) {
-    if (!Connected()) return;
-    if (session.settings.ssh) return SshSendData(bytes, length);
-    if (escape) {
-        SendEscaped(bytes, length);
-    } else {
-        SocketSendAll(bytes, length);
-    }
+    if (Connected()) session_ports.send(bytes, length, escape);
 }
 
 void SendResponse(const char* text) {

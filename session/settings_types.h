@@ -12,7 +12,6 @@ inline constexpr int kSettingUnits = 40;
 inline constexpr int kHostUnits = 60;
 inline constexpr int kDialEntryUnits = 48;
 
-// Owner: config/settings.cpp; the dialogs change fields directly.
 struct Settings {
     DWORD blink;         // kept, without visible effect
     DWORD fsize;         // font size, 1..25

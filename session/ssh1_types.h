@@ -13,8 +13,7 @@ inline constexpr int kSsh1KeySize = 32;
 inline constexpr uint32_t kSsh1PtyRows = 24;
 inline constexpr uint32_t kSsh1PtyColumns = 80;
 
-// Owner: ssh/ssh1_*.cpp. For the life of a session; outside one all is zero but the
-// size of the terminal.
+// For the life of a session; outside one all is zero but the size of the terminal.
 struct Ssh1State {
     int ssh1State = 0;                       // 0..5, see the table in ssh1_session.cpp
     const Ssh1Cipher* ssh1Cipher = nullptr;  // null: in the clear

@@ -16,7 +16,7 @@ inline constexpr int kSsh2MaxData = 16384;     // bytes of data in one packet th
 inline constexpr int kSsh2MaxHeld = 1 << 20;   // bytes that may wait while keys are exchanged
 inline constexpr int kSsh2KeyBlockSize = 2 * kSha1Size;
 
-// Owner: ssh/ssh2_*.cpp. For the life of a session, all zero outside one.
+// For the life of a session, all zero outside one.
 struct Ssh2State {
     // Packets. Encryption and MAC are both on exactly while there is a cipher.
     const SshCipher* cipher = nullptr;

@@ -9,7 +9,7 @@
 // Most bytes that wait for their packet's end. A packet has fewer.
 inline constexpr int kSshReassemblySize = 65535;
 
-// Owner: ssh/ssh_session.cpp and the protocol that the session speaks. For the life of a session.
+// Both protocols': what has come and is no whole packet yet. For the life of a session.
 struct SshState {
     int recvFill = 0;  // bytes in recvBuf
     BYTE recvBuf[kSshReassemblySize] = {};

@@ -8,7 +8,6 @@ inline constexpr int kReceiveSize = 3000;  // most bytes of one receive
 inline constexpr int kSubnegSize = 80;
 inline constexpr int kTelnetOptions = 251;  // codes 0..250
 
-// Owner: telnet/telnet_engine.cpp.
 struct TelnetState {
     DWORD iac_seen = 0;
     DWORD last_command = 0;  // 250..254, or 0 since the connect; never cleared after use
@@ -21,7 +20,7 @@ struct TelnetState {
     BYTE display_buffer[kReceiveSize] = {};  // the displayable bytes of the chunk in hand
 };
 
-// Owner: telnet/auto_login.cpp. Texts in the ANSI code page, for the life of a connection.
+// Texts in the ANSI code page, for the life of a connection.
 inline constexpr int kLoginTextSize = 41;  // 40 bytes and the terminator
 struct AutoLogin {
     char search1[kLoginTextSize] = {};

@@ -31,7 +31,6 @@ inline constexpr DWORD kLineDoubleWidth = 1;
 inline constexpr DWORD kLineDoubleTop = 2;
 inline constexpr DWORD kLineDoubleBottom = 4;
 
-// Owner: terminal/screen_buffer.cpp (cursor, margins and attribute also by the interpreter).
 struct ScreenBuffer {
     int rows = kScreenRows;
     int columns = kScreenColumns;
@@ -52,7 +51,7 @@ struct ScreenBuffer {
     DWORD paint_row[kSlotWords] = {};  // a row with its selection marked, until the next request
 };
 
-// Owner: terminal/interpreter.cpp.
+// The interpreter.
 inline constexpr int kParamTextSize = 20;  // 19 bytes are used
 inline constexpr int kParamCount = 20;
 inline constexpr int kReplySize = 64;
@@ -87,7 +86,6 @@ struct ParserState {
     SavedCursor saved;
 };
 
-// Owner: terminal/modes.cpp.
 struct TerminalModes {
     DWORD insert_mode = 0;
     DWORD autowrap = 1;
@@ -124,7 +122,7 @@ struct SplitRegions {
     RegionCursor lower;
 };
 
-// Owner: terminal/view.cpp and terminal/terminal_font.cpp. Lengths in pixels of the device.
+// The view: lengths in pixels of the device.
 inline constexpr int kMaxFontFaces = 24;
 inline constexpr int kFontSizeMin = 1;
 inline constexpr int kFontSizeMax = 25;

@@ -148,6 +148,13 @@ void SaveSettings() {
     SaveKeyMap();
 }
 
+void LeaveSettingsUnsaved() { session.save_settings = 0; }
+
+void SetDialEntry(LPCWSTR name) {
+    lstrcpynW(session.settings.ras, name, kDialEntryUnits);
+    session.save_settings = 1;
+}
+
 LONG ResetSettings() {
     HKEY key;
     const LONG error = OpenSettings(KEY_SET_VALUE, &key);

@@ -34,13 +34,6 @@ DWORD OnBar(const ToolbarButton& button, int barNumber);  // non-zero: on bar 1,
 // The action of the button at `position` (from 0) among those on bar 1, 2 or 3; 0 if there is none.
 int ToolbarAction(int position, int barNumber);
 
-// Adds a button to the command bar for each row on bar 1, 2 or 3, in the table's order and at most
-// `maxButtons`, with the row's bitmap, and its name as tool tip. The button at `position` sends
-// IDM_TOOLBAR_FIRST + position. While a session is up the connect button reads "disconnect".
-// Returns the number of buttons. The tool tips' texts live until the next call, so one bar is shown
-// at a time.
-int BuildToolbar(HWND commandBar, int barNumber, int maxButtons);
-
 // The values' bits: 4 on bar 1, 2 on bar 2, 1 on bar 3; others are not kept.
 void LoadToolbars();
 void SaveToolbars();

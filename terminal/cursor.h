@@ -5,6 +5,7 @@
 
 #include "session/session_state.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 
 // Cursor motion is frequent and where it goes is random, so the bounds below are written to compile
 // to conditional moves.

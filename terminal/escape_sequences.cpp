@@ -11,6 +11,7 @@
 #include "terminal/modes.h"
 #include "terminal/reports.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 
 static const int kLineDrawingSet = 128;
 

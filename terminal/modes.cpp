@@ -79,8 +79,8 @@ struct ModeRow {
 
 static void InsertOn() { session.modes.insert_mode = 1; }
 static void InsertOff() { session.modes.insert_mode = 0; }
-static void EchoOff() { session.modes.localecho = 0; }
-static void EchoOn() { session.modes.localecho = 1; }
+static void EchoOff() { SetLocalEcho(0); }
+static void EchoOn() { SetLocalEcho(1); }
 static void NewlineOn() { session.modes.newline_mode = 1; }
 static void NewlineOff() { session.modes.newline_mode = 0; }
 
@@ -191,6 +191,7 @@ void LeaveVt52() {
 
 DWORD NewlineMode() { return session.modes.newline_mode; }
 void SetNewlineMode(DWORD on) { session.modes.newline_mode = on; }
+void SetLocalEcho(DWORD on) { session.modes.localecho = on; }
 DWORD Autowrap() { return session.modes.autowrap; }
 void SetAutowrap(DWORD on) { session.modes.autowrap = on; }
 DWORD CursorVisible() { return session.modes.cursor_visible; }

@@ -32,6 +32,7 @@ inline int CursorPosition() {  // column + 256 * row
 }
 DWORD NewlineMode();  // 1: Enter sends CR LF
 void SetNewlineMode(DWORD on);
+void SetLocalEcho(DWORD on);  // 1: typed characters are shown here
 DWORD Autowrap();
 void SetAutowrap(DWORD on);
 DWORD CursorVisible();

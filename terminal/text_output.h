@@ -5,6 +5,7 @@
 #include "session/session_state.h"
 #include "terminal/printable_bytes.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 
 // What a character written now gets beside its code.
 inline DWORD WrittenAttr() {

@@ -46,7 +46,7 @@ void ResetConfiguration(WORD) {
     ResetSettings();
     MessageBoxW(session.main_window, TEXT("Program will exit to complete the reset"),
                 TEXT("Information"), MB_OK | MB_ICONINFORMATION);
-    session.save_settings = 0;
+    LeaveSettingsUnsaved();
     DestroyWindow(session.main_window);
 }
 

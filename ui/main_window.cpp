@@ -1,7 +1,6 @@
 // The main window's message table and layout.
 #include "ui/main_window.h"
 
-#include "connection/connection.h"
 #include "connection/dialling.h"
 #include "connection/socket_event.h"
 #include "resources/resource_ids.h"
@@ -92,12 +91,6 @@ LRESULT OnDialNotification(HWND, WPARAM wparam, LPARAM lparam) {
     return 0;
 }
 
-void StartRequestedDial() {
-    if (!session.dial_request) return;
-    session.dial_request = 0;
-    StartDial();
-}
-
 LRESULT OnTimer(HWND, WPARAM, LPARAM) {
     StartRequestedDial();
     BlinkTick();
@@ -116,7 +109,9 @@ LRESULT OnSocketData(HWND, WPARAM wparam, LPARAM) {
 }
 
 LRESULT OnSocketConnected(HWND, WPARAM, LPARAM) {
-    OnConnected();
+    RebuildMenuBar();
+    RecountCoveredRows();
+    UpdateStatus();
     return 0;
 }
 

@@ -1,4 +1,6 @@
 // Puts the buttons of a toolbar on the command bar.
+#include "ui/toolbar_buttons.h"
+
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/toolbars.h"

@@ -9,6 +9,7 @@
 #include "settings/toolbars.h"
 #include "ui/commands.h"
 #include "ui/main_window.h"
+#include "ui/toolbar_buttons.h"
 #include "ui/view/clipboard.h"
 #include "ui/view/keys.h"
 

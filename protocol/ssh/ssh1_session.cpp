@@ -1,16 +1,15 @@
 // What a session goes through, from the server's key to the end of the shell.
 #include "protocol/ssh/ssh1_session.h"
 
-#include "connection/connection.h"
 #include "crypto/wipe.h"
 #include "protocol/ssh/ssh1_packets.h"
+#include "protocol/ssh/ssh_session.h"
 #include "session/message_boxes.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
 #include "text/ansi_text.h"
 #include "text/byte_reader.h"
-#include "ui/dialogs/dialogs.h"
-#include "ui/view/status_bar.h"
 
 namespace {
 
@@ -31,7 +30,7 @@ SOCKET ServedSocket() { return session.socket.load(std::memory_order_acquire); }
 void GoTo(State state) {
     session.ssh1.ssh1State = state;
     session.ssh_progress = static_cast<DWORD>(state);
-    UpdateStatus();
+    session_ports.update_status();
 }
 
 // ---------------------------------------------------------------- login
@@ -39,7 +38,7 @@ void GoTo(State state) {
 // False when the session has ended: the dialog could not be shown, or others ran while it was.
 bool AskForUser() {
     const SOCKET served = ServedSocket();
-    const bool shown = AskSignOn();
+    const bool shown = session_ports.ask_sign_on();
     if (!SshSessionStands(served)) return false;
     if (!shown) CloseSession();
     return shown;
@@ -164,11 +163,11 @@ void Forget() {
 
 }  // namespace
 
-const SshProtocol kSsh1Protocol = {
+const Protocol kSsh1Protocol = {
     .identification = "SSH-1.5-1.0.00\n",
     .start = Start,
     .take_chunk = Ssh1TakeChunk,
-    .send_data = Ssh1SendData,
+    .send_data = [](const BYTE* data, int length, int) { Ssh1SendData(data, length); },
     .forget = Forget,
 };
 

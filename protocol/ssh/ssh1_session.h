@@ -3,9 +3,9 @@
 #ifndef QUILL_PROTOCOL_SSH_SSH1_SESSION_H
 #define QUILL_PROTOCOL_SSH_SSH1_SESSION_H
 
-#include "protocol/ssh/ssh_session.h"
+#include "session/protocol.h"
 
-extern const SshProtocol kSsh1Protocol;
+extern const Protocol kSsh1Protocol;
 
 // A packet that has been checked, `length` bytes of data: the step that is due in the session's
 // state.

@@ -1,14 +1,13 @@
 // Password authentication of SSH-2.
 #include "protocol/ssh/ssh2_authentication.h"
 
-#include "connection/connection.h"
 #include "crypto/wipe.h"
 #include "protocol/ssh/ssh2_packet.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/message_boxes.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "text/ansi_text.h"
-#include "ui/dialogs/dialogs.h"
 
 namespace {
 
@@ -17,7 +16,7 @@ constexpr int kCredentialSize = 80;
 // The connection may end while the dialog is up: nothing more is sent then.
 bool SignOn() {
     const SOCKET served = session.socket.load(std::memory_order_acquire);
-    const bool shown = AskSignOn();
+    const bool shown = session_ports.ask_sign_on();
     if (!SshSessionStands(served) || !HasCipher()) return false;
     if (!shown) CloseSession();
     return shown;

@@ -108,7 +108,7 @@ void HoldData(const BYTE* data, int length) {
 }  // namespace
 
 void Ssh2SendChannelData(const BYTE* data, int length) {
-    if (!session.ssh2.channelOpen || !HasCipher()) return;
+    if (length < 1 || !session.ssh2.channelOpen || !HasCipher()) return;
     if (session.ssh2.keysPending) return HoldData(data, length);
     SendDataPackets(data, length);
 }

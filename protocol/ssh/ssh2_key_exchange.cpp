@@ -1,13 +1,13 @@
 // The key exchange of SSH-2.
 #include "protocol/ssh/ssh2_key_exchange.h"
 
-#include "connection/connection.h"
 #include "crypto/random.h"
 #include "crypto/wipe.h"
 #include "protocol/ssh/ssh2_channel.h"
 #include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh_session.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
-#include "ui/view/status_bar.h"
 
 namespace {
 
@@ -204,7 +204,7 @@ void OnNewKeys() {
     ssh.kexDone = 0;
     DeriveKeys();
     session.ssh_progress = 1;
-    UpdateStatus();
+    session_ports.update_status();
     if (!ssh.channelOpen) RequestService();
     ssh.keysPending = 0;
     SendHeldData();

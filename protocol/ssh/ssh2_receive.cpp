@@ -1,7 +1,6 @@
 // Reassembly and dispatch.
 #include "protocol/ssh/ssh2_receive.h"
 
-#include "connection/connection.h"
 #include "protocol/ssh/ssh2_authentication.h"
 #include "protocol/ssh/ssh2_channel.h"
 #include "protocol/ssh/ssh2_key_exchange.h"

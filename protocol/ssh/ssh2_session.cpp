@@ -5,6 +5,7 @@
 #include "protocol/ssh/ssh2_channel.h"
 #include "protocol/ssh/ssh2_key_exchange.h"
 #include "protocol/ssh/ssh2_receive.h"
+#include "protocol/ssh/ssh_session.h"
 #include "session/session_state.h"
 
 void Ssh2Start(const char* clientVersion, const BYTE* serverVersion, int serverLength) {
@@ -25,10 +26,10 @@ void Ssh2Forget() {
     Wipe(&ssh, sizeof(ssh));
 }
 
-const SshProtocol kSsh2Protocol = {
+const Protocol kSsh2Protocol = {
     .identification = "SSH-2.0-1.0.00\n",
     .start = Ssh2Start,
     .take_chunk = Ssh2TakeChunk,
-    .send_data = Ssh2SendChannelData,
+    .send_data = [](const BYTE* data, int length, int) { Ssh2SendChannelData(data, length); },
     .forget = Ssh2Forget,
 };

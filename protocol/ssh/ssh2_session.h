@@ -2,9 +2,9 @@
 #ifndef QUILL_PROTOCOL_SSH_SSH2_SESSION_H
 #define QUILL_PROTOCOL_SSH_SSH2_SESSION_H
 
-#include "protocol/ssh/ssh_session.h"
+#include "session/protocol.h"
 
-extern const SshProtocol kSsh2Protocol;
+extern const Protocol kSsh2Protocol;
 
 // A session begins: its section of the record as at first, both lines in the exchange hash, all in
 // the clear. clientVersion is our line; of both lines the first CR or LF ends what is hashed.

@@ -4,6 +4,7 @@
 #include "protocol/telnet/negotiation_trace.h"
 #include "session/session_send.h"
 #include "session/session_state.h"
+#include "terminal/modes.h"
 #include "text/ansi_text.h"
 
 namespace {
@@ -41,7 +42,7 @@ void SwitchOff(BYTE* options, BYTE option, BYTE announcement) {
 void OnWill(BYTE option) {
     TelnetState& telnet = session.telnet;
     if (option == kEcho) {
-        session.modes.localecho = 0;
+        SetLocalEcho(0);
         telnet.my_options[kEcho] = 0;
     }
     if (option == kEcho || option == kBinary || option == kSuppressGoAhead ||
@@ -53,14 +54,14 @@ void OnWill(BYTE option) {
 }
 
 void OnWont(BYTE option) {
-    if (option == kEcho) session.modes.localecho = 1;
+    if (option == kEcho) SetLocalEcho(1);
     SwitchOff(session.telnet.his_options, option, kDont);
 }
 
 void OnDo(BYTE option) {
     TelnetState& telnet = session.telnet;
     if (option == kEcho) {
-        session.modes.localecho = 1;
+        SetLocalEcho(1);
         telnet.his_options[kEcho] = 0;
     }
     if (option == kEcho || option == kSuppressGoAhead || option == kTerminalType) {
@@ -71,7 +72,7 @@ void OnDo(BYTE option) {
 }
 
 void OnDont(BYTE option) {
-    if (option == kEcho) session.modes.localecho = 0;
+    if (option == kEcho) SetLocalEcho(0);
     SwitchOff(session.telnet.my_options, option, kWont);
 }
 

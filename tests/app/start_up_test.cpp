@@ -10,6 +10,7 @@
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 

@@ -14,10 +14,10 @@ struct Outside {
     std::string wire;                // what the socket took
     std::string display;             // what the terminal got
     std::vector<std::string> boxes;  // as "caption: text"
-    int asked = 0;                   // calls of AskSignOn
+    int asked = 0;                   // how often the dialog was asked for
     bool dialog_can_be_shown = true;
-    int closed = 0;           // calls of CloseSession
-    int status_updates = 0;   // calls of UpdateStatus
+    int closed = 0;           // how often the socket was closed
+    int status_updates = 0;   // of the status line
     int sends_that_fail = 0;  // the next so many
     std::string drawn;        // random bytes to draw before those of the generator
     // Of each key that RsaEncrypt was given: its bytes, and the first of its modulus.

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "crypto/ciphers.h"
+#include "protocol/protocols.h"
 #include "protocol/ssh/ssh1_session.h"
 #include "protocol/ssh/ssh_session.h"
 #include "tests/ssh1/outside.h"

@@ -5,13 +5,12 @@
 #include "connection/receive_thread.h"
 #include "connection/socket_event.h"
 #include "platform/qt/testing_services.h"
-#include "protocol/ssh/ssh_session.h"
+#include "protocol/protocols.h"
+#include "session/session_ports.h"
 #include "session/session_send.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
 #include "text/ansi_text.h"
-#include "ui/dialogs/dialogs.h"
-#include "ui/view/status_bar.h"
 
 Outside outside;
 
@@ -37,20 +36,15 @@ int TerminalFeedByte(BYTE) { return 0; }
 const char* TerminalTakeReply() { return nullptr; }
 void ShowWritten(int) {}
 void WakeReceiveThread() {}
-void UpdateStatus() { outside.statuses++; }
+static void UpdateStatus() { outside.statuses++; }
 void SessionClosed() { ForgetSshSession(); }
 
-void SessionClose() {
+static void CloseSocket() {
     outside.closes++;
     session.socket = INVALID_SOCKET;
 }
 
-void CloseSession() {
-    ResetCiphers();
-    SessionClose();
-}
-
-bool AskSignOn() {
+static bool AskSignOn() {
     outside.sign_ons++;
     return outside.sign_on ? outside.sign_on() : true;
 }
@@ -78,6 +72,10 @@ uint8_t DrawRandomByte() {
 }
 
 void NewSession(int milliseconds) {
+    session_ports.ask_sign_on = AskSignOn;
+    session_ports.update_status = UpdateStatus;
+    session_ports.close_session = CloseSocket;
+    session_ports.send = SendSessionData;
     ForgetSshSession();
     outside = {};
     services_test_hooks.system_time = milliseconds;

@@ -1,11 +1,11 @@
 // The "Properties" sheet.
 #include "resources/resource_ids.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 #include "ui/dialogs/property_pages.h"
 #include "ui/dialogs/toolbar_page.h"
-#include "ui/main_window.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ void ShowPropertiesSheet() {
     sheet.nPages = kPageCount;
     sheet.ppsp = pages;
     PropertySheetW(&sheet);
-    RebuildMenuBar();  // the page "Toolbar" may have changed its buttons
+    session_ports.rebuild_menu_bar();  // the page "Toolbar" may have changed its buttons
     SettingsChanged();
     SaveIfEnabled();
 }

@@ -150,7 +150,7 @@ static void DrawDueRows(HDC dc) {
         int row = view.view_top + i;
         if (row > kScreenRows) break;
         if (RowIsDue(row)) DrawRow(dc, row, i);
-        session.screen.row_changed[row] = 0;
+        ForgetMark(row);
     }
     view.painted_cursor_row = session.screen.cursor_row;
 }

@@ -27,16 +27,9 @@ void StartSelection(LPARAM position) {
 }
 
 void ExtendSelection(LPARAM position) {
-    ScreenBuffer& screen = session.screen;
+    const ScreenBuffer& screen = session.screen;
     const StylusCell cell = CellUnderStylus(position);
     if (cell.col == screen.selection_end_col && cell.row == screen.selection_end_row) return;
-    screen.selection_end_col = cell.col;
-    screen.selection_end_row = cell.row;
+    MoveSelectionEnd(cell.col, cell.row);
     RefreshTerminal();
-}
-
-void DropSelection() {
-    if (!session.screen.selection_active) return;
-    session.screen.selection_active = 0;
-    RepaintTerminal();
 }

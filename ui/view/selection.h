@@ -21,7 +21,4 @@ void StartSelection(LPARAM position);
 // meanwhile stays dropped.
 void ExtendSelection(LPARAM position);
 
-// Nothing is selected any more. Asks for a full repaint if something was.
-void DropSelection();
-
 #endif

@@ -166,3 +166,8 @@ void FollowCursor() {
     Follow(SB_VERT, session.screen.cursor_row, view.visible_rows, &view.view_top);
     Follow(SB_HORZ, session.screen.cursor_col, view.visible_columns, &view.view_left);
 }
+
+void ShowChanges() {
+    if (session.settings.followcursor) FollowCursor();
+    RefreshTerminal();
+}

@@ -10,6 +10,7 @@
 void RepaintTerminal();  // the background and all rows
 void RefreshTerminal();  // the rows that are flagged in session.screen.row_changed
 void LayoutTerminal();   // as RepaintTerminal, after the geometry was measured again
+void ShowChanges();      // as RefreshTerminal, after the view has followed the cursor if it is to
 
 // Measures visible_rows and visible_columns from the window's size, the status bar's height, the
 // rows under the input panel and the cell's size, sets both scroll bars up for them, and takes the
