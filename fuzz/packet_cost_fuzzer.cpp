@@ -30,7 +30,7 @@ bool SocketSendAll(const BYTE*, int) { return true; }
 // A terminal that is asked for its state in every fourth byte, as the shortest request has them.
 void TerminalWrite(const BYTE*, int count) {
     static const BYTE kAnswer[] = {'\033', '[', '2', '4', ';', '8', '0', 'R'};
-    for (int asked = 0; asked < count / 4; asked++) SshSendData(kAnswer, sizeof(kAnswer));
+    for (int asked = 0; asked < count / 4; asked++) SendSessionData(kAnswer, sizeof(kAnswer), 0);
 }
 
 bool AskSignOn() { return true; }
@@ -58,7 +58,7 @@ static const SshMac kAny = {"any", NoKey, NoKey, NoMac, AnyMac, "any", kMacSize}
 static void Receive(const std::string& bytes) {
     for (size_t at = 0; at < bytes.size(); at += kReceiveSize) {
         const std::string chunk = bytes.substr(at, kReceiveSize);
-        SshTakeChunk(reinterpret_cast<const BYTE*>(chunk.data()), static_cast<int>(chunk.size()));
+        TakeSessionChunk(reinterpret_cast<const BYTE*>(chunk.data()), static_cast<int>(chunk.size()));
     }
 }
 

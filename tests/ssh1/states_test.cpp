@@ -4,7 +4,6 @@
 #include "crypto/ciphers.h"
 #include "protocol/protocols.h"
 #include "protocol/ssh/ssh1_session.h"
-#include "protocol/ssh/ssh_session.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
 #include "tests/support/leftovers.h"
@@ -435,7 +434,7 @@ TEST(Data, WhoseLengthDoesNotFitIsDropped) {
 TEST(Data, OfNegativeOrNoLengthIsNotSent) {
     ScriptedHost host = SessionInState(5);
     for (const int length : {0, -1, -8, -65000, -2147483647 - 1}) {
-        SshSendData(nullptr, length);
+        SendSessionData(nullptr, length, 0);
         Ssh1SendData(nullptr, length);
     }
     EXPECT_EQ(Wire(), "");

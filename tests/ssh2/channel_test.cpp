@@ -2,7 +2,7 @@
 #include <climits>
 
 #include "connection/socket_event.h"
-#include "protocol/ssh/ssh_session.h"
+#include "protocol/protocols.h"
 #include "session/session_send.h"
 #include "tests/ssh2/conversation.h"
 
@@ -397,7 +397,7 @@ TEST_F(Ssh2Channel, DataIsNotHeldBackForTheServersWindow) {
 TEST_F(Ssh2Channel, NegativeOrNoLengthSendsAndHoldsNothing) {
     const auto type_nothing = [] {
         for (const int length : {0, -1, -9, -16384, INT_MIN}) {
-            SshSendData(nullptr, length);
+            SendSessionData(nullptr, length, 0);
             SessionSend(nullptr, length, 0);
         }
     };
