@@ -7,8 +7,8 @@ What is measured, for the client and for `xterm -e ssh -c 3des-cbc`:
   throughput   the shell's cat of a file, and then the answer to a request for the cursor's place,
                which both give only after everything before it has been taken in
 
-and the floor under the throughput: `ssh -c 3des-cbc HOST cat FILE > /dev/null`, without a terminal at
-either end.
+and two floors under the throughput: `ssh -c 3des-cbc HOST cat FILE > /dev/null`, without a terminal at
+either end, and the same with one at the server's end, as a shell has it (`ssh -tt`).
 
 Usage: bench/ssh2.py [--megabytes N] [--program PATH] [--no-xterm] [--no-prompt]
        (needs root, Xvfb, xterm, ssh)
@@ -42,8 +42,8 @@ exec 3<>/dev/tcp/127.0.0.1/{port}
 echo shell >&3
 read -r -u 3 what
 [ "$what" = file ] || {{ sleep 1; exit; }}
+[ ! -t 0 ] || stty raw -echo
 [ -z "$SSH_ORIGINAL_COMMAND" ] || exec cat {data}
-stty raw -echo
 cat {data}
 printf '\\033[6n'
 IFS= read -r -s -d R answer
@@ -144,9 +144,9 @@ def measure_file(make, port, root, display, shells):
     return seconds
 
 
-def measure_floor(port, shells):
-    process = subprocess.Popen(["ssh", *ALGORITHMS, "-p", str(port), "visitor@127.0.0.1", "cat"],
-                               stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+def measure_floor(port, shells, *options):
+    process = subprocess.Popen(["ssh", *ALGORITHMS, *options, "-p", str(port), "visitor@127.0.0.1",
+                                "cat"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                stderr=subprocess.DEVNULL)
     shell, _word = shells.next()
     time.sleep(1)
@@ -196,10 +196,13 @@ def measure(options, port, root, display, shells):
         print(f"{name:6} prompt after {prompts[name] * 1000:5.0f} ms", flush=True)
     floor = measure_floor(port, shells)
     print(f"floor  {speed(options, floor)}", flush=True)
+    terminal = measure_floor(port, shells, "-tt")
+    print(f"floor, a terminal at the server's end: {speed(options, terminal)}", flush=True)
     for name, make in clients.items():
         files[name] = measure_file(make, port, root, display, shells)
         print(f"{name:6} {speed(options, files[name])}", flush=True)
-    print(f"quill / floor: file {files['quill'] / floor:.2f}")
+    print(f"quill / floor: file {files['quill'] / floor:.2f}, "
+          f"with a terminal {files['quill'] / terminal:.2f}")
     for what, figures in (("prompt", prompts), ("file", files)):
         if "xterm" in figures:
             print(f"xterm with ssh / quill: {what} {figures['xterm'] / figures['quill']:.2f}")
