@@ -54,7 +54,7 @@ std::string UnitValue(const std::string& recipe, const std::string& name) {
 MachineFolder::MachineFolder(const std::string& steps) {
     path = (std::filesystem::temp_directory_path() / "quill-guide-XXXXXX").string();
     mkdtemp(path.data());
-    std::filesystem::permissions(path, std::filesystem::perms(0755));
+    std::filesystem::permissions(path, std::filesystem::perms::all);
     std::ofstream(path + "/steps.sh") << steps;
 }
 
@@ -74,6 +74,10 @@ std::string Machine::Log(const std::string& file) const {
 
 void Machine::Put(const std::string& file, const std::string& bytes) const {
     std::ofstream(path + "/" + file) << bytes;
+}
+
+bool Machine::Has(const std::string& file) const {
+    return std::filesystem::exists(path + "/" + file);
 }
 
 // ---------------------------------------------------------------- the person

@@ -36,6 +36,7 @@ struct Machine : private MachineFolder, RealServer {
     Machine(int server_port, const std::string& steps, const QStringList& packages);
     std::string Log(const std::string& file) const;                     // of /var/log
     void Put(const std::string& file, const std::string& bytes) const;  // into /var/log
+    bool Has(const std::string& file) const;
 };
 
 // Runs the program, which reads the lines from its mconfig.cfg and connects.
