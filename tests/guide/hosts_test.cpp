@@ -64,7 +64,6 @@ TEST(HostsPage, SerialConsoleBehindTheConsoleServerIsLoggedInTo) {
     START_OR_SKIP(machine);
     WithConfig(Recipe("telnet-client", host.words()) + Recipe("auto-login"), [] {
         ASSERT_TRUE(Online()) << "the console server speaks first";
-        TypeText("\n");
         ASSERT_TRUE(TerminalShows("\n$\n")) << TerminalText();
         RunAtPrompt("id -un; echo type=$TERM", "visitor\ntype=quill");
     });
@@ -79,7 +78,7 @@ TEST(HostsPage, EntryIsPastedAndCompiledByAUserWithoutRoot) {
     WithSshSession(host, "", [] {
         PasteAtPrompt(Recipe("entry"));
         RunAtPrompt("tput cols; infocmp -1 | grep -c il1=; infocmp -1 | grep -c 'il='", "80\n1\n0");
-        RunAtPrompt("ls ~/.terminfo/q; tic -c ~/quill.ti 2>&1 | wc -l", "quill\n0");
+        RunAtPrompt("ls ~/.terminfo/q | head -n 1; tic -c ~/quill.ti 2>&1 | wc -l", "quill\n0");
         RunAtPrompt("env -u TERMINFO sh -c '. ~/.profile; echo $TERMINFO'",
                     "/mnt/home/visitor/.terminfo");
     });
@@ -172,8 +171,9 @@ TEST(HostsPage, PromptsOfTheTableAreAnswered) {
             ASSERT_TRUE(host.Accept());
             host.Send("stores: login with your staff number\r\n\r\n");
             ASSERT_TRUE(TerminalShows("staff number"));
+            EXPECT_EQ(host.ReadSome(50), "") << "a greeting is not answered";
             host.Send(first);
-            EXPECT_EQ(host.Read(5), "anna\r") << "and nothing before";
+            EXPECT_EQ(host.Read(5), "anna\r");
             host.Send("anna\r\n" + second);
             EXPECT_EQ(host.Read(7), "secret\r");
             host.Send("\r\nLast login: today\r\n" + first);
