@@ -9,6 +9,7 @@
 void SessionClosed() {
     ForgetSshSession();
     if (!Connected()) {
+        session_ports.update_status();
         ShowError(TEXT("Not possible to create a session to the UNIX Host"));
         session_ports.rebuild_menu_bar();
         return;

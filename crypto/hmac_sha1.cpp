@@ -72,6 +72,7 @@ static int Verify(const uint8_t* packet, int length, uint32_t sequenceNumber) {
     PacketMac(&incoming, packet, length, sequenceNumber, mac);
     int difference = 0;
     for (int i = 0; i < kSha1Size; i++) difference |= mac[i] ^ packet[length + i];
+    Wipe(mac, sizeof(mac));  // after a mismatch it is one that a forger lacks
     return difference == 0;
 }
 

@@ -22,8 +22,8 @@ static bool Usable(const RsaKey* key) {
     int exponent_bits = BignumBitLength(key->exponent);
     if (modulus_bits == 0 || exponent_bits == 0) return false;
     if (modulus_bits > kRsaMaxModulusBits) return false;
-    return exponent_bits <= (modulus_bits > kRsaMaxFullExponentBits ? kRsaMaxLongModulusExponentBits
-                                                                    : kRsaMaxFullExponentBits);
+    return exponent_bits <=
+           (modulus_bits > kRsaLongModulusBits ? kRsaMaxShortExponentBits : kRsaMaxExponentBits);
 }
 
 int RsaParseKey(const uint8_t* bytes, int length, RsaKey* key, const uint8_t** end) {

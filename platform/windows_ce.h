@@ -500,6 +500,7 @@ BOOL CheckRadioButton(HWND dialog, int first, int last, int checked);  // clears
 // List boxes with a single selection.
 #define LBS_NOTIFY 0x0001u
 #define LBS_SORT 0x0002u
+#define LBS_NOINTEGRALHEIGHT 0x0100u
 #define LB_ERR (-1)
 #define LBN_SELCHANGE 1
 #define LBN_DBLCLK 2

@@ -39,7 +39,6 @@ void BeginProtocol() {
 }
 
 void TakeSessionChunk(const BYTE* bytes, int count) {
-    if (count < 1) return;
     const Protocol& protocol = Spoken();
     if (!protocol.identification) return protocol.take_chunk(bytes, count);
     if (session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) return;

@@ -7,7 +7,7 @@
 // A connection is about to be made: no line has been exchanged, and nothing has come.
 void BeginProtocol();
 
-// A received chunk; less than one byte is none. On SSH the first one of a session is the server's
+// A received chunk, 1..kReceiveSize bytes. On SSH the first one of a session is the server's
 // line, which ours answers; while ours cannot be sent, the next chunk is taken as the server's line
 // again, and what was on its way when the session was closed is passed over.
 void TakeSessionChunk(const BYTE* bytes, int count);

@@ -48,7 +48,7 @@ struct SessionState {
     int toolbar = 1;  // the bar that is shown, 1..3
 
     // Owner: ui/view/keys.
-    DWORD key_sent = 0;  // the key table sent something for the key press being handled
+    DWORD key_taken = 0;  // the key table takes the key press being handled: no character
 
     // Owner: ui/view/input_panel.
     DWORD input_panel_up = 0;  // as the shell told it last

@@ -13,6 +13,7 @@
 inline constexpr int kSsh2PacketSize = 65536;  // a packet of the reassembly, and a byte
 inline constexpr int kSsh2SendSize = 16640;    // a packet of kSsh2MaxData bytes of data, its MAC
 inline constexpr int kSsh2MaxData = 16384;     // bytes of data in one packet that goes out
+inline constexpr int kSsh2MaxHeld = 1 << 20;   // bytes that may wait while keys are exchanged
 inline constexpr int kSsh2KeyBlockSize = 2 * kSha1Size;
 
 // For the life of a session, all zero outside one.
@@ -49,7 +50,7 @@ struct Ssh2State {
     uint32_t remoteChannel = 0;
     uint32_t remoteWindow = 0;  // as the server opened it; not looked at
     int localWindow = 0;        // bytes that the server may send before we adjust
-    BYTE* heldData = nullptr;   // what was typed while keys were pending, a block of malloc
+    BYTE* heldData = nullptr;  // what was typed while keys were pending; null while heldLength is 0
     int heldLength = 0;
 };
 

@@ -6,7 +6,8 @@
 #include "session/ssh2_types.h"
 #include "windows_ce.h"
 
-inline constexpr int kSshReassemblySize = 65535;  // most bytes that wait for their packet's end
+// Most bytes that wait for their packet's end. A packet has fewer.
+inline constexpr int kSshReassemblySize = 65535;
 
 // Both protocols': what has come and is no whole packet yet. For the life of a session.
 struct SshState {

@@ -82,6 +82,7 @@ KeyMapEntry key_map[kKeyRows + 1] = {
 namespace {
 
 constexpr int kNotMapped = -1;
+constexpr int kBackspaceRow = 39;
 
 struct KeyRange {
     int first;  // virtual keys
@@ -135,6 +136,10 @@ int RowOfKey(int virtual_key) {
     return kNotMapped;
 }
 
+bool HoldsDefault(const KeyMapEntry& row) {
+    return row.text && strcmp(row.text, row.defaultText) == 0;
+}
+
 void ForgetText(KeyMapEntry* row) {
     free(row->text);
     row->text = nullptr;
@@ -158,6 +163,11 @@ const char* UnescapeKeyText(const char* text) {
 const char* TranslateVirtualKey(int virtual_key) {
     const int row = RowOfKey(virtual_key);
     return row == kNotMapped ? nullptr : UnescapeKeyText(key_map[row].text);
+}
+
+bool TableTakesKey(int virtual_key) {
+    const int row = RowOfKey(virtual_key);
+    return row != kNotMapped && !(row == kBackspaceRow && HoldsDefault(key_map[row]));
 }
 
 int SetKeyText(KeyMapEntry* row, LPCWSTR text) {

@@ -26,6 +26,11 @@ extern KeyMapEntry key_map[kKeyRows + 1];
 // state at all, toggled included.
 const char* TranslateVirtualKey(int virtual_key);
 
+// Whether the table takes the key, with the modifiers that are down: its character then never
+// reaches the host, whatever the row holds. BACKSPACE with its default sequence is left to its
+// character.
+bool TableTakesKey(int virtual_key);
+
 // The bytes of an escape text, at most 255 and a NUL, in the same buffer. Null is the empty text.
 const char* UnescapeKeyText(const char* text);
 

@@ -14,9 +14,13 @@ namespace {
 constexpr int kLengthSize = 4;
 constexpr int kCrcSize = 4;
 constexpr int kLeastLength = 1 + kCrcSize;
-constexpr uint32_t kTooLarge = 65535;  // bytes from padding to checksum
 
-int PaddingOf(uint32_t length) { return 8 - static_cast<int>(length % 8); }
+int PaddingOf(uint32_t length) {
+    return kCipherBlockSize - static_cast<int>(length % kCipherBlockSize);
+}
+
+// From padding to checksum.
+bool TooLarge(uint64_t body) { return body >= kSshReassemblySize; }
 
 // Bytes from padding to checksum, a multiple of 8; may be beyond 32 bits.
 uint64_t BodyOf(uint32_t length) {
@@ -27,7 +31,7 @@ uint64_t BodyOf(uint32_t length) {
 // length alone is enough.
 uint64_t NeededOf(const BYTE* packet) {
     const uint64_t body = BodyOf(LoadBig<uint32_t>(packet));
-    return body >= kTooLarge ? kLengthSize : kLengthSize + body;
+    return TooLarge(body) ? kLengthSize : kLengthSize + body;
 }
 
 // Handles the whole packets at the front, and stops where one of them ends the session.
@@ -93,7 +97,7 @@ void Ssh1HandlePacket(const BYTE* bytes, int length) {
     Ssh1State& ssh1 = session.ssh1;
     const uint32_t stated = LoadBig<uint32_t>(bytes);
     const uint64_t body = BodyOf(stated);
-    if (body >= kTooLarge) return Ssh1EndSession(TEXT("Illegal SSH message. Out of memory"));
+    if (TooLarge(body)) return Ssh1EndSession(TEXT("Illegal SSH message. Out of memory"));
     if (kLengthSize + body != static_cast<uint64_t>(length)) return;
     const int body_length = length - kLengthSize;
     std::memcpy(ssh1.packetBuf, bytes + kLengthSize, static_cast<size_t>(body_length));

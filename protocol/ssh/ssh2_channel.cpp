@@ -2,7 +2,7 @@
 #include "protocol/ssh/ssh2_channel.h"
 
 #include <algorithm>
-#include <climits>
+#include <bit>
 
 #include "crypto/wipe.h"
 #include "protocol/ssh/ssh2_packet.h"
@@ -17,6 +17,7 @@ constexpr int kWindow = 8000;       // bytes granted at the open, and again by e
 constexpr int kAdjustBelow = 4000;  // what is left of it when an adjust is due
 constexpr uint32_t kMaxPacket = 16384;
 constexpr int kTermTypeSize = 40;
+constexpr size_t kLeastHeldRoom = 256;  // bytes
 
 void RequestPty() {
     static const char kRequest[] = "pty-req";
@@ -78,16 +79,29 @@ void SendDataPackets(const BYTE* data, int length) {
         SendDataPacket(data + at, std::min(kSsh2MaxData, length - at));
 }
 
-// Without memory the bytes are lost.
+// The size of the block that holds so many bytes: it doubles, so that few moves hold any number.
+size_t HeldRoom(int length) {
+    return length == 0 ? 0 : std::bit_ceil(std::max(static_cast<size_t>(length), kLeastHeldRoom));
+}
+
+// False without memory.
+bool MakeHeldRoom(int length) {
+    Ssh2State& ssh = session.ssh2;
+    const size_t room = HeldRoom(ssh.heldLength);
+    if (HeldRoom(length) == room) return true;
+    BYTE* grown = static_cast<BYTE*>(std::malloc(HeldRoom(length)));
+    if (!grown) return false;
+    PutBytes(grown, ssh.heldData, ssh.heldLength);
+    WipeAndFree(ssh.heldData, room);
+    ssh.heldData = grown;
+    return true;
+}
+
+// What finds no room is lost whole: no paste and no answer goes out cut in two.
 void HoldData(const BYTE* data, int length) {
     Ssh2State& ssh = session.ssh2;
-    if (length > INT_MAX - ssh.heldLength) return;
-    const size_t held = static_cast<size_t>(ssh.heldLength);
-    BYTE* grown = static_cast<BYTE*>(std::malloc(held + static_cast<size_t>(length)));
-    if (!grown) return;
-    PutBytes(PutBytes(grown, ssh.heldData, ssh.heldLength), data, length);
-    WipeAndFree(ssh.heldData, held);
-    ssh.heldData = grown;
+    if (length > kSsh2MaxHeld - ssh.heldLength || !MakeHeldRoom(ssh.heldLength + length)) return;
+    PutBytes(ssh.heldData + ssh.heldLength, data, length);
     ssh.heldLength += length;
 }
 
@@ -106,7 +120,7 @@ void SendHeldData() {
 
 void ForgetHeldData() {
     Ssh2State& ssh = session.ssh2;
-    WipeAndFree(ssh.heldData, static_cast<size_t>(ssh.heldLength));
+    WipeAndFree(ssh.heldData, HeldRoom(ssh.heldLength));
     ssh.heldData = nullptr;
     ssh.heldLength = 0;
 }

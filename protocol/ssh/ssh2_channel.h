@@ -7,7 +7,8 @@
 
 // Sends terminal bytes as channel data, at most kSsh2MaxData a packet, whatever the server's window
 // says. Dropped while the channel is not open. While keys are being exchanged they wait, since
-// nothing but the exchange may be sent then (RFC 4253, 7.1).
+// nothing but the exchange may be sent then (RFC 4253, 7.1); kSsh2MaxHeld bytes may, and more are
+// dropped.
 void Ssh2SendChannelData(const BYTE* data, int length);
 void SendHeldData();  // what waited
 void ForgetHeldData();

@@ -9,15 +9,14 @@
 namespace {
 
 constexpr int kHeadSize = 5;  // the length field and the padding's length
-constexpr int kBlockSize = 8;
 constexpr int kLeastPadding = 4;
 constexpr int kLeastPacket = 16;
 
 // The last rule is never needed after the first two.
 int PaddingFor(int payloadLength) {
-    int padding = kBlockSize - (payloadLength + kHeadSize) % kBlockSize;
-    if (padding < kLeastPadding) padding += kBlockSize;
-    if (payloadLength + padding + kHeadSize < kLeastPacket) padding += kBlockSize;
+    int padding = kCipherBlockSize - (payloadLength + kHeadSize) % kCipherBlockSize;
+    if (padding < kLeastPadding) padding += kCipherBlockSize;
+    if (payloadLength + padding + kHeadSize < kLeastPacket) padding += kCipherBlockSize;
     return padding;
 }
 
@@ -65,4 +64,4 @@ Bignum ReadMpint() {
 
 bool HasCipher() { return session.ssh2.cipher != nullptr; }
 
-void DecryptHead(BYTE* buffer) { session.ssh2.cipher->decrypt(buffer, kBlockSize); }
+void DecryptHead(BYTE* buffer) { session.ssh2.cipher->decrypt(buffer, kCipherBlockSize); }

@@ -11,9 +11,6 @@
 namespace {
 
 constexpr int kLengthSize = 4;
-constexpr int kBlockSize = 8;
-constexpr int kMostPacketLength = 65535;
-constexpr int kTooLong = 65535;  // a packet of so many bytes, or more
 
 struct MessageRow {
     BYTE number;
@@ -60,12 +57,12 @@ int CompletePacket() {
     SshState& ssh = session.ssh;
     if (ssh.recvFill < kLengthSize) return 0;
     if (HasCipher() && !session.ssh2.headDecrypted) {
-        if (ssh.recvFill < kBlockSize) return 0;
+        if (ssh.recvFill < kCipherBlockSize) return 0;
         DecryptHead(ssh.recvBuf);
         session.ssh2.headDecrypted = 1;
     }
     const uint32_t packetLength = GetUint32(ssh.recvBuf);
-    if (packetLength > kMostPacketLength) {
+    if (packetLength > kSshReassemblySize) {
         DropWaiting();
         return 0;
     }
@@ -94,8 +91,8 @@ bool TakePacket(SOCKET served) {
 bool Authentic(int total, int length) {
     Ssh2State& ssh = session.ssh2;
     if (!HasCipher()) return true;
-    if (length > kBlockSize + ssh.inMac->macLength)
-        ssh.cipher->decrypt(ssh.packetBuf + kBlockSize, length - kBlockSize - ssh.inMac->macLength);
+    const int behind_head = length - kCipherBlockSize - ssh.inMac->macLength;
+    if (behind_head > 0) ssh.cipher->decrypt(ssh.packetBuf + kCipherBlockSize, behind_head);
     return ssh.inMac->verify(ssh.packetBuf, total, ssh.recvSeq);
 }
 
@@ -133,7 +130,7 @@ void Ssh2HandlePacket(const BYTE* packet, int length) {
     if (length < kLengthSize || length > kSshReassemblySize) return;
     std::memcpy(ssh.packetBuf, packet, static_cast<size_t>(length));
     const uint32_t total = GetUint32(ssh.packetBuf) + kLengthSize;
-    if (total >= kTooLong) return CloseSession();
+    if (total >= kSshReassemblySize) return CloseSession();
     if (static_cast<int>(total) + MacSize() != length) return;
     if (!Authentic(static_cast<int>(total), length)) return;
     ssh.recvSeq++;

@@ -285,6 +285,19 @@ TEST(Connection, UrgentDataOfTheHostEndsTheSession) {
     });
 }
 
+TEST(Connection, ResizeTellsATelnetHostNothing) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.ReadSome(100);
+        ResizeDevice(240, 320);
+        ResizeDevice(320, 200);
+        ResizeDevice(640, 480);
+        EXPECT_EQ(host.ReadSome(300), "");
+        TypeText("still here");
+        EXPECT_EQ(host.Read(10), "still here");
+    });
+}
+
 // A chunk that the window thread has not taken yet keeps the thread from reading on: what the host
 // sends then waits in the sockets, and the host is held up.
 TEST(Connection, SlowTerminalSlowsTheSocket) {

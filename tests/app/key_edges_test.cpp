@@ -104,6 +104,20 @@ TEST(KeyEdges, KeysAndCharactersAreEscapedByTheSessionsFlag) {
     });
 }
 
+TEST(KeyEdges, TerminalsReportsGoUnescapedWhateverTypedDataDoes) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.telnet.escape_iac = 1; });
+        host.Send("\033[3;4H\033[6n\033[5n");
+        EXPECT_EQ(host.Read(10), "\033[3;4R\033[0n");
+        TypeText("x");
+        EXPECT_EQ(host.Read(3), "x\xff\xef");
+        host.Send("\033[6n");
+        EXPECT_EQ(host.Read(6), "\033[3;4R");
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
 TEST(KeyEdges, TabAndReturnAreLeftToTheKeyTable) {
     FakeHost host;
     WithSession(host, [&] {

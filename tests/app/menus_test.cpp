@@ -169,6 +169,20 @@ TEST(Menus, KeysAndFunctionKeysDoNothingOffline) {
     });
 }
 
+// The toolkit draws a line below a bar, and the titles over it.
+TEST(Menus, NoLineIsDrawnBelowTheTitles) {
+    RunProgram({}, [] {
+        ASSERT_TRUE(Eventually([] { return !BarTitles().isEmpty(); }));
+        OnWindowThread([] {
+            const QImage strip = ShellMenuStrip()->grab().toImage();
+            const QRect bar = ShellMenuStrip()->bar()->geometry();
+            for (const int y : {bar.bottom() - 1, bar.bottom()})
+                for (int x = 0; x < bar.width(); x++)
+                    ASSERT_EQ(strip.pixel(x, y), strip.pixel(0, 0)) << x << "," << y;
+        });
+    });
+}
+
 TEST(Menus, TappedTitleOpensItsMenuUpward) {
     RunProgram({}, [] {
         Ready();

@@ -197,6 +197,35 @@ TEST(Toolbar, ButtonsAreCountedByTheWidthAtTheStart) {
     });
 }
 
+TEST(Toolbar, EachWhole21PixelsHoldAButton) {
+    const std::pair<int, size_t> widths[] = {{230, 10}, {231, 11}, {232, 11}, {251, 11},
+                                             {252, 12}, {566, 26}, {567, 27}, {588, 27}};
+    for (const auto& [width, buttons] : widths) {
+        RunProgram(OfWidth(width, [] { StoreAllRows(7); }), [&, count = buttons] {
+            EXPECT_TRUE(Shows(NamesOfAllRows(count))) << width;
+            PostToMain(WM_COMMAND, 40020);
+            EXPECT_TRUE(Eventually([] { return session.toolbar == 2; }));
+            EXPECT_TRUE(Shows(NamesOfAllRows(count))) << width;
+        });
+    }
+}
+
+TEST(Toolbar, BarOfOneButtonShowsItWithItsTip) {
+    const auto before = [] {
+        StoreAllRows(4);
+        WriteNumber(TEXT("tbar6"), 2);
+    };
+    RunProgram(OfWidth(640, before), [] {
+        ASSERT_TRUE(Eventually([] { return Buttons().size() == 26; }));
+        PostToMain(WM_COMMAND, 40020);
+        EXPECT_TRUE(Shows({"ENTER"}));
+        OnWindowThread([] {
+            ASSERT_NE(ButtonNamed("ENTER"), nullptr);
+            EXPECT_EQ(ButtonNamed("ENTER")->toolTip(), "ENTER");
+        });
+    });
+}
+
 TEST(Toolbar, RowOnNoBarIsNeverShownAndAnEmptyBarShowsNothing) {
     const auto before = [] {
         StoreAllRows(5);  // bars 1 and 3

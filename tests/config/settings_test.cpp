@@ -158,11 +158,14 @@ TEST_F(SettingsStore, EveryReadClosesItsKey) {
     }
 }
 
-TEST_F(SettingsStore, APortOf65559CountsAs23) {
-    StoreNumber("port", 65559);
-    LoadSettings();
-    EXPECT_EQ(65559u, session.settings.port);
-    EXPECT_EQ(23, static_cast<WORD>(session.settings.port));
+TEST_F(SettingsStore, APortOfMoreThanSixteenBitsIsKeptWhole) {
+    for (const DWORD port : {65559u, 0x80000017u, 0xFFFFFFFFu}) {
+        StoreNumber("port", port);
+        LoadSettings();
+        EXPECT_EQ(port, session.settings.port);
+        SaveSettings();
+        EXPECT_EQ(NumberBytes(port), Stored("port").data);
+    }
 }
 
 TEST_F(SettingsStore, ThePasswordReadsBackAsTyped) {

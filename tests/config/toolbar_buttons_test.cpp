@@ -112,6 +112,18 @@ TEST_F(ToolbarButtons, ABarWithEveryFlagOffShowsNoButtons) {
     EXPECT_EQ(27, Build(3));
 }
 
+TEST_F(ToolbarButtons, ABarOfOneButtonHasItsTip) {
+    StoreAll(4);
+    StoreNumber("tbar6", 2);
+    LoadToolbars();
+    Build(1);
+    EXPECT_EQ(1, Build(2));
+    EXPECT_EQ(Names{"ENTER"}, Tips());
+    Build(1);
+    EXPECT_EQ(1, Build(1, 1));
+    EXPECT_EQ(Names{"swap toolbar"}, Tips());
+}
+
 TEST_F(ToolbarButtons, ABarThatIsNotThereShowsNoButtons) {
     LoadToolbars();
     for (const int bar : {0, 4, -1, INT32_MAX, INT32_MIN}) EXPECT_EQ(0, Build(bar)) << bar;

@@ -75,6 +75,18 @@ TEST_P(AutoLoginField, CutsThe40thCharacter) {
     TypeAndClose(GetParam(), text + u"XY", IDOK, text);
 }
 
+TEST_P(AutoLoginField, The40thCharacterCannotBeTyped) {
+    RunProgram(FreshStage(), [] {
+        for (int times = 0; times < 2; times++) {
+            const HWND dialog = OpenAutoLogin();
+            TypeInto(dialog, GetParam().id, std::u16string(39, u'w') + u"XYZ");
+            EXPECT_EQ(TextOf(dialog, GetParam().id), std::u16string(39, u'w'));
+            ClickControl(dialog, IDOK);
+            ASSERT_TRUE(Closed(dialog));
+        }
+    });
+}
+
 TEST_P(AutoLoginField, KeepsTextOutsideTheCodePage) {
     TypeAndClose(GetParam(), u"\x4e2d\x0416", IDOK, u"\x4e2d\x0416");
 }

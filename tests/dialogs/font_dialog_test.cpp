@@ -60,6 +60,20 @@ TEST(FontDialog, SelectsTheFaceOfTheSettings) {
     });
 }
 
+TEST(FontDialog, FaceNameInOtherCaseIsNoFaceAndTheFirstIsSelected) {
+    RunProgram(FreshStage(), [] {
+        AddFace(u"Second Mono");
+        for (const char16_t* name : {u"second mono", u"SECOND MONO", u"Second MonO"}) {
+            OnWindowThread([=] { lstrcpyW(s.fname, name); });
+            const HWND dialog = OpenFont();
+            EXPECT_EQ(SelectedLine(dialog, IDC_FONTS), 0);
+            ClickControl(dialog, IDCANCEL);
+            ASSERT_TRUE(Closed(dialog));
+            EXPECT_EQ(std::u16string(s.fname), name);
+        }
+    });
+}
+
 TEST(FontDialog, SelectsTheFirstFaceIfItsOwnIsNotThere) {
     RunProgram(FreshStage([] { WriteString(u"fname", u"No Such Face"); }),
                [] { EXPECT_EQ(SelectedLine(OpenFont(), IDC_FONTS), 0); });

@@ -159,6 +159,16 @@ TEST_P(OtherText, Holds39Characters) {
 TEST_P(OtherText, CutsThe40thCharacter) {
     TypeAndClose(GetParam(), std::u16string(39, u't') + u"XY", IDOK, std::u16string(39, u't'));
 }
+TEST_P(OtherText, The40thCharacterCannotBeTyped) {
+    RunProgram(FreshStage(), [] {
+        for (int times = 0; times < 2; times++) {
+            const OpenSheet open = OpenOther();
+            TypeInto(open.page, GetParam().id, std::u16string(39, u't') + u"XYZ");
+            EXPECT_EQ(TextOf(open.page, GetParam().id), std::u16string(39, u't'));
+            CloseBy(open, IDOK);
+        }
+    });
+}
 TEST_P(OtherText, KeepsTextOutsideTheCodePage) {
     TypeAndClose(GetParam(), u"\x4e2d\x0416", IDOK, u"\x4e2d\x0416");
 }

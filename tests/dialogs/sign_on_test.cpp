@@ -137,6 +137,19 @@ TEST(SignOn, UserAndPasswordHold39Characters) {
     });
 }
 
+TEST(SignOn, The40thCharacterCannotBeTyped) {
+    RunProgram(StageWith(u"", u"", 1), [] {
+        for (int times = 0; times < 2; times++) {
+            const HWND dialog = OpenSignOn();
+            for (const int id : {IDC_SSH_U, IDC_SSH_P}) {
+                TypeInto(dialog, id, std::u16string(39, u'u') + u"XYZ");
+                EXPECT_EQ(TextOf(dialog, id), std::u16string(39, u'u'));
+            }
+            CloseBy(dialog, IDOK);
+        }
+    });
+}
+
 TEST(SignOn, TextOutsideTheCodePageIsStoredAsTyped) {
     const Stage stage = StageWith(u"", u"", 1);
     RunProgram(stage, [] {

@@ -286,6 +286,26 @@ TEST(Session, ReportsOfTheTerminalAreSent) {
     });
 }
 
+// Any packet that is built changes the buffer that it is built in.
+TEST(Session, ResizeTellsTheServerNothing) {
+    WithShell({}, kTripleDes, [](TestServer&) {
+        const auto built = [] {
+            const BYTE* bytes = session.ssh1.sendBuf;
+            return std::string(bytes, bytes + 4096);
+        };
+        TypeText("stty size\n");
+        ASSERT_TRUE(TerminalShows("24 80\n$")) << TerminalText();
+        std::string before;
+        OnWindowThread([&] { before = built(); });
+        ResizeDevice(320, 200);
+        ResizeDevice(240, 320);
+        OnWindowThread([&] { EXPECT_TRUE(built() == before); });
+        TypeText("clear; stty size; echo re\"\"sized\n");
+        EXPECT_TRUE(TerminalShows("24 80\nresized")) << TerminalText();
+        OnWindowThread([&] { EXPECT_FALSE(built() == before) << "typing does"; });
+    });
+}
+
 TEST(Session, ExitOfTheShellIsConfirmed) {
     WithShell({}, kTripleDes, [](TestServer& server) {
         TypeText("exit 3\n");

@@ -129,7 +129,12 @@ TEST_P(Ssh2Peer, ShellKnowsItsSizeAndItsTerminalAndTheStatusIsSecure) {
         EXPECT_TRUE(TerminalShows("\n24 80\n")) << TerminalText();
         EXPECT_TRUE(TerminalShows("type=vt220")) << TerminalText();
         EXPECT_TRUE(TerminalShows("/dev/pts/")) << TerminalText();
+        uint32_t sent = 0;
+        OnWindowThread([&] { sent = session.ssh2.sendSeq; });
         ResizeDevice(320, 200);
+        ResizeDevice(240, 320);
+        ResizeDevice(320, 200);
+        OnWindowThread([&] { EXPECT_EQ(session.ssh2.sendSeq, sent) << "nothing is told"; });
         ClearAndRun("stty size; echo re\"\"sized");
         EXPECT_TRUE(TerminalShows("resized")) << TerminalText();
         EXPECT_EQ(TerminalRow(2), "24 80") << "whatever the window shows";

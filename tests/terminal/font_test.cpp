@@ -187,6 +187,16 @@ TEST_F(Font, SteppingLaysTheViewOutAgainEvenAtTheLimit) {
     EXPECT_GE(gdi.invalidations, 1);
 }
 
+TEST_F(Font, SteppingBeforeTheFirstPaintPassesOverSizesOfTheSameHeightToo) {
+    RepeatHeights(4);
+    DeleteObject(session.view.font);
+    session.view.font = nullptr;
+    session.view.cell_height = 0;
+    session.settings.fsize = 13;
+    LargerFont();
+    EXPECT_EQ(session.settings.fsize, 17u);
+}
+
 TEST_F(Font, SteppingBeforeTheFirstPaintCreatesTheFontFirst) {
     DeleteObject(session.view.font);
     session.view.font = nullptr;

@@ -344,6 +344,14 @@ TEST_F(Painting, SelectedCellsAreShownReversed) {
     EXPECT_EQ(GetCell(3, 2), DWORD{'b'});
 }
 
+TEST_F(Painting, ASelectedReverseCellLooksAsItDidBefore) {
+    Put(3, "abcd", kCellReverse | kCellBold);
+    SetSelection(2, 3, 3, 3);
+    EXPECT_EQ(GetPaintRow(3)[2], 'b' | kCellReverse | kCellBold);
+    EXPECT_EQ(Row3(), Lines{Run("abcd", "eeeeee on 222222")});
+    EXPECT_EQ(GetCell(3, 2), 'b' | kCellReverse | kCellBold);
+}
+
 TEST_F(Painting, ACursorInTheSelectionStaysABlock) {
     Put(3, "abc");
     session.screen.cursor_row = 3;

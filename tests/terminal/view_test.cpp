@@ -154,6 +154,23 @@ TEST_F(Geometry, CoveredRowsAreTakenFromAllThoseOfATallWindow) {
     ExpectView(22, 80, true, false);
 }
 
+TEST_F(Geometry, TheViewFollowsTheCursorAtOnceWhileRowsAreCoveredAndOnlyThen) {
+    session.screen.cursor_row = 20;
+    session.screen.cursor_col = 70;
+    Resize(330, 204);
+    EXPECT_EQ(session.view.view_top, 0);
+    EXPECT_EQ(session.view.view_left, 0);
+    session.view.covered_rows = 1;
+    Resize(330, 204);
+    EXPECT_EQ(session.view.visible_rows, 11);
+    EXPECT_EQ(session.view.view_top, 20 - 11);
+    EXPECT_EQ(session.view.view_left, 70 - 40);
+    session.settings.followcursor = 0;
+    Resize(330, 204);
+    EXPECT_EQ(session.view.view_top, 0);
+    EXPECT_EQ(session.view.view_left, 0);
+}
+
 TEST_F(Geometry, NoSizeOfTheWindowGivesNegativeCells) {
     session.status_height = 20;
     const int widths[] = {0, 1, 5, 9, 10, 11, 100, 4000};
@@ -361,6 +378,36 @@ TEST_F(FollowingTheCursor, ACursorBelowTheScreenTakesTheViewPastItsEnd) {
     }
     To(1, 1);
     EXPECT_EQ(session.view.view_top, 0);
+}
+
+TEST_F(FollowingTheCursor, ScrollingOnFromPastTheEndComesBackAndOtherCodesDoNot) {
+    To(49, 1);
+    ASSERT_EQ(session.view.view_top, 37);
+    gdi.invalidations = gdi.scroll_calls = 0;
+    for (int code : {SB_ENDSCROLL, SB_THUMBTRACK, 6, 7, 9}) {
+        Vertical(code, 5);
+        EXPECT_EQ(session.view.view_top, 37) << code;
+    }
+    EXPECT_EQ(gdi.invalidations, 0);
+    EXPECT_EQ(gdi.scroll_calls, 0);
+    Vertical(SB_LINEUP);
+    EXPECT_EQ(session.view.view_top, 12);
+    EXPECT_EQ(gdi.bars[SB_VERT].nPos, 12);
+}
+
+TEST_F(Scrolling, CoveringRowsLeavesTheViewAndUncoveringTakesItBack) {
+    Vertical(SB_THUMBPOSITION, 7);
+    Horizontal(SB_THUMBPOSITION, 9);
+    for (int rows : {1, 5}) {
+        CoverRows(rows);
+        EXPECT_EQ(session.view.covered_rows, rows);
+        EXPECT_EQ(session.view.view_top, 7);
+        EXPECT_EQ(session.view.view_left, 9);
+    }
+    CoverRows(0);
+    EXPECT_EQ(session.view.covered_rows, 0);
+    EXPECT_EQ(session.view.view_top, 0);
+    EXPECT_EQ(session.view.view_left, 0);
 }
 
 // ---------------------------------------------------------------- repaint requests

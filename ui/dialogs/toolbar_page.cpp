@@ -41,15 +41,22 @@ void FillLists(HWND page) {
     }
 }
 
+// What lies under the stylus stays there: a list that is a line shorter for a moment scrolls.
+void ReplaceLine(HWND page, const BarList& list, int row) {
+    const LRESULT top = SendDlgItemMessageW(page, list.id, LB_GETTOPINDEX, 0, 0);
+    SendDlgItemMessageW(page, list.id, LB_DELETESTRING, static_cast<WPARAM>(row), 0);
+    InsertLine(page, list, row, row);
+    SendDlgItemMessageW(page, list.id, LB_SETCURSEL, static_cast<WPARAM>(row), 0);
+    SendDlgItemMessageW(page, list.id, LB_SETTOPINDEX, static_cast<WPARAM>(top), 0);
+}
+
 void ToggleSelected(HWND page, const BarList& list) {
     const LRESULT selected = SendDlgItemMessageW(page, list.id, LB_GETCURSEL, 0, 0);
     if (selected < 0 || selected >= kToolbarRows) return;
     const int row = static_cast<int>(selected);
     DWORD& flag = toolbar_buttons[row].*list.on_bar;
     flag = flag ? 0 : 1;
-    SendDlgItemMessageW(page, list.id, LB_DELETESTRING, static_cast<WPARAM>(row), 0);
-    InsertLine(page, list, row, row);
-    SendDlgItemMessageW(page, list.id, LB_SETCURSEL, static_cast<WPARAM>(row), 0);
+    ReplaceLine(page, list, row);
 }
 
 void ToggleOnBar1(HWND page) { ToggleSelected(page, kLists[0]); }

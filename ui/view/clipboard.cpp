@@ -1,6 +1,8 @@
 // Copy and paste.
 #include "ui/view/clipboard.h"
 
+#include <cstring>
+
 #include "session/session_send.h"
 #include "terminal/screen_buffer.h"
 #include "ui/view/selection.h"
@@ -20,9 +22,13 @@ static WCHAR* CopyRow(int row, const ScreenArea& area, WCHAR* to) {
     return to;
 }
 
-static void CopyText(const ScreenArea& area, WCHAR* to) {
+// Other programs get the whole block, which may be larger than what was asked for, so that no byte
+// of it stays as the heap left it.
+static void CopyText(const ScreenArea& area, HLOCAL block) {
+    auto* to = static_cast<WCHAR*>(LocalLock(block));
+    memset(to, 0, LocalSize(block));
     for (int row = area.first_row; row <= area.last_row; ++row) to = CopyRow(row, area, to);
-    *to = 0;
+    LocalUnlock(block);
 }
 
 // The clipboard owns the block from then on; a block that it does not take is freed.
@@ -39,8 +45,7 @@ void CopySelection() {
     const auto rows = static_cast<UINT>(area.last_row - area.first_row);
     const HLOCAL block = LocalAlloc(LMEM_MOVEABLE, rows * kBytesARow + kBytesARow + sizeof(WCHAR));
     if (!block) return;
-    CopyText(area, static_cast<WCHAR*>(LocalLock(block)));
-    LocalUnlock(block);
+    CopyText(area, block);
     HandToClipboard(block);
     DropSelection();
 }

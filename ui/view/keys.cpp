@@ -39,24 +39,22 @@ bool Swallowed(WCHAR character) {
 }  // namespace
 
 void OnKeyDown(int virtual_key) {
-    session.key_sent = 0;
+    session.key_taken = 0;
     if (!Connected()) return;
-    if (SendSequence(virtual_key)) {
-        session.key_sent = 1;
-        FinishLine(virtual_key);
-    }
+    if (SendSequence(virtual_key)) FinishLine(virtual_key);
+    session.key_taken = TableTakesKey(virtual_key) ? 1 : 0;
     UpdateStatus();
 }
 
 void SendVirtualKey(int virtual_key) {
     OnKeyDown(virtual_key);
-    session.key_sent = 0;
+    session.key_taken = 0;
 }
 
 void OnTypedCharacter(WCHAR character) {
-    const bool sent_already = session.key_sent != 0;
-    session.key_sent = 0;
-    if (!Connected() || sent_already || Swallowed(character)) return;
+    const bool taken = session.key_taken != 0;
+    session.key_taken = 0;
+    if (!Connected() || taken || Swallowed(character)) return;
     BYTE byte = 0;
     WideCharToMultiByte(CP_ACP, 0, &character, 1, reinterpret_cast<char*>(&byte), 1, nullptr,
                         nullptr);

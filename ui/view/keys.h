@@ -4,8 +4,8 @@
 
 #include "windows_ce.h"
 
-// A key press: sends the key table's sequence while a session is up. Remembers whether it sent
-// something, so that the character of the same press is not sent again.
+// A key press: sends the key table's sequence while a session is up. Remembers whether the table
+// takes the key, so that the character of the same press does not reach the host.
 void OnKeyDown(int virtual_key);
 
 // A command or a button that stands for a key.
