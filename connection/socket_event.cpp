@@ -13,13 +13,13 @@ void HandBackBuffer() {
     WakeReceiveThread();
 }
 
-bool Stale() { return !Connected() || session.receive_ready.load(std::memory_order_acquire) == 1; }
-
-// A failed recv is handed over like a chunk; it ends here, and no protocol hears of it.
+// A failed recv is handed over like a chunk; it ends here, and no protocol sees it.
 void TakeChunk() {
     if (session.receive_count < 1) return;
     TakeSessionChunk(reinterpret_cast<const BYTE*>(session.receive_buffer), session.receive_count);
 }
+
+bool Stale() { return !Connected() || session.receive_ready.load(std::memory_order_acquire) == 1; }
 
 }  // namespace
 
