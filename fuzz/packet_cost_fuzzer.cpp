@@ -8,16 +8,16 @@
 //   4   SSH-1 with a shell open
 #include <string>
 
-#include "connection/connection.h"
 #include "crypto/crc32.h"
+#include "protocol/protocols.h"
 #include "protocol/ssh/ssh2_packet.h"
 #include "protocol/ssh/ssh2_session.h"
+#include "protocol/telnet/telnet_session.h"
+#include "session/session_ports.h"
 #include "session/session_send.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
 #include "text/byte_order.h"
-#include "ui/dialogs/dialogs.h"
-#include "ui/view/status_bar.h"
 
 static const SOCKET kSocket = 7;
 static const size_t kMacSize = 20;
@@ -33,15 +33,9 @@ void TerminalWrite(const BYTE*, int count) {
     for (int asked = 0; asked < count / 4; asked++) SendSessionData(kAnswer, sizeof(kAnswer), 0);
 }
 
-bool AskSignOn() { return true; }
 int MessageBoxW(HWND, LPCWSTR, LPCWSTR, UINT) { return IDOK; }
-void UpdateStatus() {}
-void SessionClose() { session.socket = INVALID_SOCKET; }
 
-void CloseSession() {
-    ResetCiphers();
-    SessionClose();
-}
+const Protocol kTelnetProtocol = {nullptr, nullptr, nullptr, nullptr, [] {}};
 
 // ---------------------------------------------------------------- a cipher switched off
 
@@ -58,11 +52,15 @@ static const SshMac kAny = {"any", NoKey, NoKey, NoMac, AnyMac, "any", kMacSize}
 static void Receive(const std::string& bytes) {
     for (size_t at = 0; at < bytes.size(); at += kReceiveSize) {
         const std::string chunk = bytes.substr(at, kReceiveSize);
-        TakeSessionChunk(reinterpret_cast<const BYTE*>(chunk.data()), static_cast<int>(chunk.size()));
+        TakeSessionChunk(reinterpret_cast<const BYTE*>(chunk.data()),
+                         static_cast<int>(chunk.size()));
     }
 }
 
 static void Begin(DWORD ssh_type2) {
+    session_ports.ask_sign_on = [] { return true; };
+    session_ports.update_status = [] {};
+    session_ports.close_session = [] { session.socket = INVALID_SOCKET; };
     ForgetSshSession();
     session.settings = {};
     session.settings.ssh = 1;

@@ -34,7 +34,8 @@ void FeedWhole(const std::string& text, std::string* replies) {
     const int count = static_cast<int>(bytes.size());
     for (int done = 0; done < count;) {
         done += TerminalFeedText(bytes.data() + done, count - done);
-        if (done < count && TerminalFeedByte(bytes[done++])) *replies += TerminalTakeReply();
+        if (done < count && TerminalFeedByte(bytes[static_cast<size_t>(done++)]))
+            *replies += TerminalTakeReply();
     }
 }
 
