@@ -385,6 +385,7 @@ TEST_F(Dialling, NamesReachTheProgramAsTheyAre) {
         {"it's \"mine\"", u"it's \"mine\""},
         {"$(touch x); `y`", u"$(touch x); `y`"},
         {"-detach", u"-detach"},
+        {"a-name-of-20-letters", u"a-name-of-20-letters"},
         {"caf\xc3\xa9 \\ *", u"caf\u00e9 \\ *"}};
     MakeProgram("exit 1\n");
     RunProgram({}, [&] {
