@@ -116,6 +116,10 @@ TEST(Entry, HasNoKeyThatTheTableLacks) {
     }
 }
 
+TEST(Entry, InitialisingPutsAllModesRightAndLeavesTheScreen) {
+    EXPECT_EQ("", LeftByInitialising(quill));
+}
+
 // ---------------------------------------------------------------- tic
 
 static std::string OutputOf(const std::string& command) {

@@ -268,7 +268,14 @@ static std::string Reports(const TerminfoEntry& e, const char* request, const ch
     if (pattern != e.strings.end() && Matches(pattern->second, text)) return "";
     return "the reply is " + AsEscapeText(text);
 }
-static std::string CursorReport(const TerminfoEntry& e) { return Reports(e, "u7", "u6"); }
+// Also says where: the reports above are asked for from row 12, column 20.
+static std::string CursorReport(const TerminfoEntry& e) {
+    const std::string message = Reports(e, "u7", "u6");
+    if (!message.empty()) return message;
+    SetUp({12, 20, 1, kScreenRows, 0, false, false});
+    const std::string text = Feed(Expand(e, "u7"));
+    return text.find("12;20") != text.npos ? "" : "the reply is " + AsEscapeText(text);
+}
 static std::string Identity(const TerminfoEntry& e) { return Reports(e, "u9", "u8"); }
 
 // ---------------------------------------------------------------- setting up and resetting
@@ -324,15 +331,31 @@ static const char* const kMesses[] = {
     "\033P",     "\033PUTF-8 \xc4", "\033[12",  "\033 G",        "\033[10p\033[1s",
 };
 
+static std::string SaneAfter(const char* mess, const std::string& bytes) {
+    SetUp(kMiddle);
+    Feed("\033[2J" + std::string(mess) + bytes);
+    const std::string state = NotSane();
+    return state.empty() ? "" : "after " + AsEscapeText(mess) + ": " + state;
+}
+
 static std::string Reset(const TerminfoEntry& e) {
     const std::string bytes = Expand(e, "rs1") + Expand(e, "rs2") + Expand(e, "rs3");
     for (const char* mess : kMesses) {
-        SetUp(kMiddle);
-        Feed("\033[2J" + std::string(mess) + bytes);
-        const std::string state = NotSane();
-        if (!state.empty()) return "after " + AsEscapeText(mess) + ": " + state;
+        const std::string message = SaneAfter(mess, bytes);
+        if (!message.empty()) return message;
     }
     return StaysSane(bytes);
+}
+
+// Local echo is left to the host's way of working, and an open device control string to a reset.
+std::string LeftByInitialising(const TerminfoEntry& entry) {
+    const std::string bytes = Expand(entry, "is1") + Expand(entry, "is2") + Expand(entry, "is3");
+    for (const char* mess : kMesses) {
+        const bool left = strstr(mess, "[12l") || strchr(mess, 'P');
+        const std::string message = left ? "" : SaneAfter(mess, bytes);
+        if (!message.empty()) return message;
+    }
+    return PrintsNothing(bytes);
 }
 
 static std::string NotShown(const TerminfoEntry&) { return "the terminal shows nothing of it"; }

@@ -2,6 +2,7 @@
 #include "tests/hosts/picture.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "terminal/screen_buffer.h"
 #include "tests/terminal/terminal_state.h"
@@ -53,7 +54,7 @@ Picture TakePicture() {
     Picture picture = {};
     for (int row = 1; row <= kScreenRows; ++row) {
         picture.width[row] = IsDoubleWidth(row) ? kScreenColumns / 2 : kScreenColumns;
-        for (int col = 1; col <= kScreenColumns; ++col) picture.cells[row][col] = GetCell(row, col);
+        memcpy(picture.cells[row], RowWords(row), sizeof picture.cells[row]);
     }
     picture.row = session.screen.cursor_row;
     picture.col = session.screen.cursor_col;

@@ -50,6 +50,9 @@ bool CheckEffect(const TerminfoEntry& entry, const std::string& capability, std:
 
 // looks.cpp: attributes, character sets, modes and resets. Null for a string that is not theirs.
 const CheckRow* FindLookCheck(const std::string& capability);
+// A mode that the entry's initialising (tput init) leaves on; empty if it leaves nothing, prints
+// nothing and does not move the cursor.
+std::string LeftByInitialising(const TerminfoEntry& entry);
 
 // flags.cpp: flags, absent flags ("no am") and numbers. Null for one that promises nothing.
 const CheckRow* FindFlagCheck(const std::string& capability);

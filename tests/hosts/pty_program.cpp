@@ -188,10 +188,12 @@ static bool Sleeps(pid_t pid, unsigned long* times) {
 bool FeedUntilRest(PtyProgram* program) {
     unsigned long times_before = 0;
     int quiet = 0;
+    std::vector<pid_t> processes;
     for (int waited = 0; waited < kLongMilliseconds; waited += kPollMilliseconds) {
         bool rests = !FeedSome(program, kPollMilliseconds) && KeysAreRead(*program);
+        if (rests && quiet == 0) processes = Marked(*program);
         unsigned long times = 0;
-        for (const pid_t pid : Marked(*program)) rests = Sleeps(pid, &times) && rests;
+        for (const pid_t pid : processes) rests = Sleeps(pid, &times) && rests;
         quiet = rests && times == times_before ? quiet + 1 : 0;
         times_before = times;
         if (quiet >= kQuietPolls) return true;
