@@ -409,7 +409,10 @@ TEST(Connection, ConnectingWhileOnlineLeavesTheScreenAndTheUsedUpLogin) {
 TEST(Connection, EveryConnectForgetsHowFarSshHadCome) {
     FakeHost host;
     const auto reached = [] {
-        OnWindowThread([] { session.banner_sent = session.ssh_progress = 1; });
+        OnWindowThread([] {
+            session.banner_sent = session.ssh_progress = 1;
+            session.ssh.recvFill = 7;
+        });
     };
     const auto expect_forgotten = [] {
         OnWindowThread([] {

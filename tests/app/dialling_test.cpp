@@ -106,7 +106,9 @@ TEST_F(Dialling, TheLastStateOfADialIsNotForgottenByTheNext) {
             lstrcpyW(session.settings.ras, u"depot");
             StartDial();
             EXPECT_EQ(session.dialling, 1u);
+            AnswerMessageBoxes(true);  // were one to come
             OnDialEvent(RASCS_Disconnected, 676);
+            AnswerMessageBoxes(false);
             EXPECT_EQ(session.dialling, 1u);
             EXPECT_EQ(TerminalText().substr(0, 2 * failed.size()), failed + failed);
             EXPECT_EQ(TerminalRow(5), "");

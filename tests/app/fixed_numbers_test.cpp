@@ -74,6 +74,31 @@ TEST(FixedNumbers, ReceivingThreadPostsTheNumbers) {
     });
 }
 
+TEST(FixedNumbers, FirstActivityIsToldOnceASession) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        HWND before = nullptr;
+        for (int times = 0; times < 2; times++) {
+            Connect();
+            ASSERT_TRUE(host.Accept());
+            host.Send("first");
+            ASSERT_TRUE(TerminalShows("first"));
+            HWND bar = nullptr;
+            OnWindowThread([&] { bar = session.command_bar; });
+            EXPECT_NE(bar, before);
+            for (const char* text : {" second", " third"}) {
+                host.Send(text);
+                ASSERT_TRUE(TerminalShows(text));
+                OnWindowThread([&] { EXPECT_EQ(session.command_bar, bar) << text; });
+            }
+            Close();
+            ASSERT_TRUE(Offline());
+            OnWindowThread([&] { before = session.command_bar; });
+        }
+    });
+}
+
 TEST(FixedNumbers, MainWindowsClassTakesDoubleClicksOnWhite) {
     RunProgram({}, [] {
         OnWindowThread([] {

@@ -269,6 +269,26 @@ TEST(Keyboard, BackspaceWithItsDefaultRowGoesAsItsCharacterAndSoDoKeysBesideTheT
     });
 }
 
+// A dead key before it gives a press a second character.
+TEST(Keyboard, OneCharacterIsKeptBackForAKeyThatTheTableTakes) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        BeginSession(host);
+        PostToMain(WM_KEYDOWN, VK_ESCAPE);
+        for (const WPARAM character : {WPARAM{27}, WPARAM{'x'}, WPARAM{'y'}})
+            PostToMain(WM_CHAR, character);
+        EXPECT_EQ(host.Read(3), "\033xy");
+        PostToMain(WM_KEYDOWN, VK_ESCAPE);
+        EXPECT_EQ(host.Read(1), "\033");
+        Close();
+        ASSERT_TRUE(Offline());
+        PostToMain(WM_KEYDOWN, 'A');
+        BeginSession(host);
+        PostToMain(WM_CHAR, 'z');
+        EXPECT_EQ(host.Read(1), "z") << "the key was pressed in the last session";
+    });
+}
+
 TEST(Keyboard, RowWithoutASequenceSendsNothing) {
     FakeHost host;
     WithSession(host, [&] {

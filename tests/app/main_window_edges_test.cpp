@@ -336,6 +336,23 @@ TEST(MainWindowEdges, ChildWindowsBearTheirNumbers) {
     });
 }
 
+TEST(MainWindowEdges, WidthsAreThoseOfTheWindowsAsTheyWereMade) {
+    OnDevice(300, 320, [] {
+        int client = 0;
+        OnWindowThread([&] {
+            client = session.client_width;
+            EXPECT_EQ(session.main_width, 300);
+            EXPECT_GT(client, 250) << "all but a scroll bar";
+            EXPECT_LE(client, 300);
+        });
+        ResizeDevice(640, 320);
+        OnWindowThread([&] {
+            EXPECT_EQ(session.main_width, 300);
+            EXPECT_EQ(session.client_width, client);
+        });
+    });
+}
+
 TEST(MainWindowEdges, EverySizeMessageLaysOut) {
     RunProgram({}, [] {
         for (const WPARAM how : {SIZE_RESTORED, SIZE_MINIMIZED}) {

@@ -4,6 +4,8 @@
 
 #include <atomic>
 
+#include "connection/connection.h"
+#include "session/session_state.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
 #include "session/session_state.h"
@@ -25,6 +27,7 @@ struct SocketLog {
     std::vector<uint32_t> addresses;  // of each answer, where there are any
     std::vector<int> reads;           // bytes that a recv may take
     std::vector<SelectCall> selects;
+    std::vector<std::pair<SOCKET, int>> ends;  // a shutdown and its way; -1: a close
 };
 SocketLog g_log;
 
@@ -35,6 +38,7 @@ void ForgetCalls() {
     g_log.addresses.clear();
     g_log.reads.clear();
     g_log.selects.clear();
+    g_log.ends.clear();
 }
 
 std::vector<SelectCall> Selects() {
@@ -81,6 +85,31 @@ HOSTENT* LoggedHostByName(const char* name) {
 int LoggedSelect(
     int ignored, SliceSocketSet* read, SliceSocketSet* write, SliceSocketSet* except,
     const TIMEVAL* timeout) asm("__wrap__Z11SliceSelectiP14SliceSocketSetS0_S0_PK7timeval");
+bool g_connects_at_once = false;
+
+int RealConnect(SOCKET socket, const SOCKADDR* address,
+                int size) asm("__real__Z12SliceConnectmPK8SOCKADDRi");
+int LoggedConnect(SOCKET socket, const SOCKADDR* address,
+                  int size) asm("__wrap__Z12SliceConnectmPK8SOCKADDRi");
+int LoggedConnect(SOCKET socket, const SOCKADDR* address, int size) {
+    const int result = RealConnect(socket, address, size);
+    return g_connects_at_once ? 0 : result;
+}
+
+int RealShutdown(SOCKET socket, int how) asm("__real__Z13SliceShutdownmi");
+int LoggedShutdown(SOCKET socket, int how) asm("__wrap__Z13SliceShutdownmi");
+int LoggedShutdown(SOCKET socket, int how) {
+    g_log.ends.emplace_back(socket, how);
+    return RealShutdown(socket, how);
+}
+
+int RealClose(SOCKET socket) asm("__real__Z16SliceCloseSocketm");
+int LoggedClose(SOCKET socket) asm("__wrap__Z16SliceCloseSocketm");
+int LoggedClose(SOCKET socket) {
+    g_log.ends.emplace_back(socket, -1);
+    return RealClose(socket);
+}
+
 int LoggedSelect(int ignored, SliceSocketSet* read, SliceSocketSet* write, SliceSocketSet* except,
                  const TIMEVAL* timeout) {
     {
@@ -202,6 +231,47 @@ TEST(SocketCalls, ReadTakes3000BytesWhereThereAreAsMany) {
         });
         const std::lock_guard<std::mutex> lock(g_log.mutex);
         for (const int size : g_log.reads) EXPECT_EQ(size, 3000);
+    });
+}
+
+TEST(SocketCalls, ConnectThatSucceedsAtOnceRewritesStatusAndTitle) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        OnWindowThread([] { std::memset(&session.peer, 0xFF, sizeof(session.peer)); });
+        for (int times = 0; times < 2; times++) {
+            SetHost(u"127.0.0.1", host.port);
+            OnWindowThread([] {
+                g_connects_at_once = true;
+                SessionConnect();
+                g_connects_at_once = false;
+                EXPECT_EQ(StatusText().substr(0, 10), "   request");
+                EXPECT_EQ(Title(), "Quill Telnet  [127.0.0.1]");
+                EXPECT_EQ(sizeof(session.peer), 16u);
+                EXPECT_EQ(session.peer.sin_family, 2);
+                for (const auto padding : session.peer.sin_zero) EXPECT_EQ(padding, 0);
+            });
+            ASSERT_TRUE(host.Accept());
+            host.Send("hello");
+            ASSERT_TRUE(TerminalShows("hello"));
+            Close();
+            ASSERT_TRUE(Offline());
+        }
+    });
+}
+
+TEST(SocketCalls, ClosingShutsTheSocketDownInBothDirectionsFirst) {
+    FakeHost host;
+    WithSession(host, [] {
+        ForgetCalls();
+        OnWindowThread([] {
+            const SOCKET open = session.socket;
+            SessionClose();
+            const std::vector<std::pair<SOCKET, int>> expected = {{open, 2}, {open, -1}};
+            EXPECT_EQ(g_log.ends, expected);
+            SessionClose();
+            EXPECT_EQ(g_log.ends, expected) << "there is none any more";
+        });
+        ASSERT_TRUE(Offline());
     });
 }
 

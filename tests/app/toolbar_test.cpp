@@ -543,6 +543,47 @@ TEST(Toolbar, DisconnectAsksUnlessConfirmExitIs0) {
     }
 }
 
+TEST(Toolbar, BarIsMadeAnewAfterEveryPressOfTheConnectButton) {
+    FakeHost host;
+    WithAllButtonsOnline(host, [&] {
+        const auto bar = [] {
+            HWND shown = nullptr;
+            OnWindowThread([&] { shown = session.command_bar; });
+            return shown;
+        };
+        OnWindowThread([] { session.settings.confirm_exit = 1; });
+        const HWND first = bar();
+        PostToMain(WM_COMMAND, 40021);
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        EXPECT_EQ(bar(), first) << "not before the answer";
+        PressCancel();
+        EXPECT_NE(bar(), first) << "also after a cancel";
+        OnWindowThread([] {
+            session.settings.confirm_exit = 0;
+            const HWND before = session.command_bar;
+            SendMessageW(session.main_window, WM_COMMAND, 40021, 0);
+            EXPECT_NE(session.command_bar, before) << "before the end of the session is told";
+            EXPECT_EQ(session.connected.load(), 1u);
+        });
+        EXPECT_TRUE(ShowsButton("connect"));
+    });
+}
+
+TEST(Toolbar, PositionWithoutAButtonDoesNothing) {
+    FakeHost host;
+    WithAllButtonsOnline(host, [&] {
+        std::string title;
+        OnWindowThread([&] {
+            title = Title();
+            lstrcpyW(session.settings.host, u"other");
+            for (const WPARAM id : {WPARAM{40020 + 27}, WPARAM{40069}})
+                SendMessageW(session.main_window, WM_COMMAND, id, 0);
+            EXPECT_EQ(Title(), title) << "not even the status line is written";
+        });
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
 TEST(Toolbar, PressWhileConnectingAsksAndOkCancelsTheAttempt) {
     FakeHost host;  // accepts, and says nothing
     WithAllButtons([&] {

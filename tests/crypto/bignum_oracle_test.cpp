@@ -173,9 +173,16 @@ TEST_P(BignumOracle, NumbersOfThousandsOfWordsAreExact) {
     }
 }
 
-// From here on the halves of a column would no longer fit one sum, were carries never taken.
+static Number Repeated(int words, uint16_t word) {
+    Number a(BignumNew(words));
+    for (int i = 1; i <= words; i++) a.get()[i] = word;
+    return a;
+}
+
+// Both halves of the product of these words are close to 65,535. From here on their sums in a
+// column would no longer fit one of 32 bits, were carries never taken on the way.
 TEST(BignumSizes, ProductsAndQuotientsOfMoreThan16384WordsAreExact) {
-    const Number a = RandomNumber(16 * 16400, 1), b = RandomNumber(16 * 16390 + 5, 1);
+    const Number a = Repeated(16600, 0xFF01), b = Repeated(16590, 0xFEFF);
     const Number product(BignumMulAdd(a.get(), b.get(), b.get()));
     Mpz wanted(a.get()), zb(b.get());
     mpz_mul(wanted.value, wanted.value, zb.value);

@@ -178,6 +178,20 @@ TEST(ChangeKey, ShiftTabHasItsOwnRow) {
     });
 }
 
+TEST(ChangeKey, The40thCharacterCannotBeTyped) {
+    Stage stage;
+    stage.root = FreshRoot();
+    RunProgram(stage, [] {
+        const OpenSheet open = OpenKeyboard();
+        for (int times = 0; times < 2; times++) {
+            const HWND dialog = OpenChange(open);
+            TypeInto(dialog, IDC_KEY_TEXT, Text(39, u'k') + u"XYZ");
+            EXPECT_EQ(TextOf(dialog, IDC_KEY_TEXT), Text(39, u'k'));
+            CloseBy(dialog, IDOK);
+        }
+    });
+}
+
 TEST(ChangeKey, Holds39CharactersAndCutsThe40th) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {

@@ -132,6 +132,35 @@ TEST_P(OnEachScreen, NamesOfTheToolbarsStandWholeBesideTheirMarks) {
     });
 }
 
+// On the window thread: below the last line that is seen whole there is nothing.
+void ExpectNothingBelowTheLastLine(QListWidget* list) {
+    const QImage face = list->viewport()->grab().toImage();
+    int end = 0;
+    for (int row = 0; row < list->count(); row++) {
+        const QRect line = list->visualItemRect(list->item(row));
+        if (line.top() >= 0 && line.bottom() < face.height()) end = line.bottom() + 1;
+    }
+    ASSERT_GT(end, face.height() / 2);
+    for (int y = end; y < face.height(); y++)
+        for (int x = 0; x < face.width(); x++)
+            ASSERT_EQ(face.pixel(x, y), list->palette().color(QPalette::Base).rgb())
+                << x << "," << y << " below " << end;
+}
+
+TEST_P(OnEachScreen, NoLineOfTheToolbarsIsSeenInPart) {
+    RunProgram(Device(), [] {
+        ClickTab(OpenDialog(IDM_PROPERTIES, "Properties"), "Toolbar");
+        for (const int id : {IDC_BAR1, IDC_BAR2, IDC_BAR3}) {
+            for (const int top : {0, 1, 2, 3, 4, 10, 26}) {
+                OnWindowThread([=] {
+                    SendDlgItemMessageW(ShownPage(), id, LB_SETTOPINDEX, top, 0);
+                    ExpectNothingBelowTheLastLine(qobject_cast<QListWidget*>(DialogWidgetOf(id)));
+                });
+            }
+        }
+    });
+}
+
 // Whatever is at the top, and at the end.
 TEST_P(OnEachScreen, NoLineOfTheListsOfKeysAndFontsIsCut) {
     RunProgram(Device(), [] {

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 
 #include "settings/key_map.h"
 #include "tests/hosts/proof.h"
@@ -155,6 +156,45 @@ TEST(Entry, UsesNoExtendedNames) {
 TEST(Entry, HasANameThatEveryHostTakes) {
     EXPECT_EQ("quill", quill.name);
     EXPECT_LE(quill.name.size(), 14u);
+}
+
+// ---------------------------------------------------------------- other names
+
+// The first word in backquotes of each line of the table under "Right names".
+static std::vector<std::string> NamesInTheTable() {
+    std::ifstream page(QUILL_NAMES_PAGE);
+    std::vector<std::string> names;
+    bool inside = false;
+    for (std::string line; std::getline(page, line);) {
+        if (line.rfind("## ", 0) == 0) inside = line == "## Right names";
+        const size_t end = line.find('`', 3);
+        if (inside && line.rfind("| `", 0) == 0) names.push_back(line.substr(3, end - 3));
+    }
+    return names;
+}
+
+TEST(Names, OfTheTablePromiseNothingThatEndsInAWrongScreen) {
+    const std::vector<std::string> names = NamesInTheTable();
+    ASSERT_FALSE(names.empty());
+    for (const std::string& name : names) {
+        TerminfoEntry entry;
+        if (!ReadEntry(name, &entry)) continue;  // in a database that is not installed here
+        for (const Finding& finding : ProveEntry(entry)) {
+            EXPECT_NE(Loss::kScreen, finding.loss)
+                << name << ", " << finding.capability << ": " << finding.message;
+        }
+    }
+}
+
+// What the table is for: the usual name promises a counted insert-line.
+TEST(Names, Vt220PromisesMoreThanTheTerminalDoes) {
+    TerminfoEntry entry;
+    ASSERT_TRUE(ReadEntry("vt220", &entry));
+    std::string broken;
+    for (const Finding& finding : ProveEntry(entry)) {
+        if (finding.loss == Loss::kScreen) broken += finding.capability + " ";
+    }
+    EXPECT_EQ("il ", broken);
 }
 
 int main(int argc, char** argv) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/hosts/painting.h"
+#include "tests/hosts/terminfo_entry.h"
 
 static const int kSteps = 200;  // of each seed
 
@@ -15,8 +16,20 @@ static void ExpectNoWrongScreen(const char* term) {
 
 TEST(Painter, HasNoWrongScreenAsQuill) { ExpectNoWrongScreen("quill"); }
 
-// Its cursor keys are those of the application mode, but it promises no more than is there.
-TEST(Painter, HasNoWrongScreenAsVt100) { ExpectNoWrongScreen("vt100"); }
+TEST(Painter, HasNoWrongScreenAsQuill7) { ExpectNoWrongScreen("quill-7"); }
+
+// Names of the usual databases that promise no more than is there: docs/hosts_names.md.
+TEST(Painter, HasNoWrongScreenAsTheNamesForHostsWithoutTheEntry) {
+    for (const char* name : {"vt220d", "vt102", "vt100"}) {
+        TerminfoEntry entry;
+        if (!ReadEntry(name, &entry)) {
+            printf("there is no entry %s here\n", name);
+            continue;
+        }
+        SCOPED_TRACE(name);
+        ExpectNoWrongScreen(name);
+    }
+}
 
 // The counted insert-line is what goes wrong there, so the painter can tell right from wrong.
 TEST(Painter, SeesTheWrongScreensOfVt220) {

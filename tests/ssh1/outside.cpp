@@ -60,6 +60,14 @@ bool RecordRsaEncrypt(uint8_t* buffer, int length, const RsaKey* key) {
     return RealRsaEncrypt(buffer, length, key);
 }
 
+void RealReleaseKey(RsaKey* key) __asm__("__real__Z13RsaReleaseKeyP6RsaKey");
+void KeepKey(RsaKey* key) __asm__("__wrap__Z13RsaReleaseKeyP6RsaKey");
+void KeepKey(RsaKey* key) {
+    if (!outside.keep_keys) return RealReleaseKey(key);
+    outside.kept[outside.kept_count++] = *key;
+    *key = {};
+}
+
 // And each random byte.
 uint8_t RealRandomByte() __asm__("__real__Z10RandomBytev");
 uint8_t DrawRandomByte() __asm__("__wrap__Z10RandomBytev");

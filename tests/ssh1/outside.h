@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "session/session_state.h"
+#include "crypto/rsa.h"
 
 struct Outside {
     std::string wire;                // what the socket took
@@ -23,6 +24,10 @@ struct Outside {
     // Of each key that RsaEncrypt was given: its bytes, and the first of its modulus.
     std::vector<int> encrypted_with;
     std::vector<int> first_modulus_byte;
+    // Keys that are let go are kept here, for a stack that nothing has run on since.
+    bool keep_keys = false;
+    RsaKey kept[2] = {};
+    int kept_count = 0;
     // While the box or the dialog is shown.
     std::function<void()> during_box;
     std::function<void()> during_dialog;

@@ -505,17 +505,22 @@ TEST(Secrets, CipherForgetsItsKeysWithTheSession) {
 // Whoever holds the server's keys reads the session key from it.
 TEST(Secrets, EncryptedSessionKeyIsNotLeftOnTheStack) {
     static BYTE encrypted[16];  // the beginning of what is sent
+    static bool answered;
     ScriptedHost host;
     NewSession();
     const std::string data = host.PublicKeyData();
     const auto exchange = [&] {
-        EXPECT_TRUE(Ssh1ExchangeKeys(reinterpret_cast<const BYTE*>(data.data()),
-                                     static_cast<int>(data.size())));
+        answered = Ssh1ExchangeKeys(reinterpret_cast<const BYTE*>(data.data()),
+                                    static_cast<int>(data.size()));
         const BYTE* packet = session.ssh1.sendBuf;
-        const int padding = 8 - LoadBig<uint32_t>(packet) % 8;
+        const int padding = 8 - packet[3] % 8;
         for (int i = 0; i < 16; i++) encrypted[i] = packet[4 + padding + 1 + 1 + 8 + 2 + i];
     };
+    outside.keep_keys = true;
     EXPECT_EQ(LeftOnStack(encrypted, exchange), 0);
+    outside.keep_keys = false;
+    for (RsaKey& key : outside.kept) RsaReleaseKey(&key);
+    EXPECT_TRUE(answered);
     EXPECT_EQ(encrypted[1], 2) << "the padding of the outer key";
 }
 
