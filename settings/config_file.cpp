@@ -1,7 +1,7 @@
 // The import of "\mconfig.cfg" into the registry.
 #include "settings/config_file.h"
 
-#include "settings/settings.h"
+#include "settings/store.h"
 #include "text/ansi_text.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // The key table and the way from a virtual key to its bytes.
 #include "settings/key_map.h"
 
-#include "settings/settings.h"
+#include "settings/store.h"
 #include "text/ansi_text.h"
 #include "text/escape_text.h"
 
