@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 #include "tests/terminal/terminal_state.h"
 
 static DWORD PatternCell(int row, int col) {
