@@ -66,7 +66,8 @@ HFONT DeviceCreateFontIndirect(const LOGFONTW* font);
 // The states of a dial, which the desktop tells by a registered message, come as WM_RASDIALEVENT.
 BOOL DeviceGetMessage(MSG* message, HWND window, UINT first, UINT last);
 LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
-// Only the Lock keys have a toggled bit.
+// Only the Lock keys have a toggled bit. The left Ctrl is up while the right Alt is down: on many
+// layouts that is AltGr, which the desktop tells as both.
 SHORT DeviceGetKeyState(int virtual_key);
 // With KEYEVENTF_SILENT: counts as activity of the user, and no window hears of it.
 void DeviceKeyEvent(BYTE virtual_key, BYTE scan_code, DWORD flags, ULONG_PTR extra);

@@ -11,6 +11,11 @@ bool IsLockKey(int virtual_key) {
     return virtual_key == VK_CAPITAL || virtual_key == VK_NUMLOCK || virtual_key == VK_SCROLL;
 }
 
+bool Down(int virtual_key) { return (GetKeyState(virtual_key) & 0x8000) != 0; }
+
+// The desktop presses the left Ctrl along with AltGr, whose characters are no key's with Ctrl.
+bool PressedByAltGr(int virtual_key) { return virtual_key == VK_LCONTROL && Down(VK_RMENU); }
+
 UINT DialMessage() {
     static const UINT message = RegisterWindowMessageA(RASDIALEVENT);
     return message;
@@ -36,6 +41,7 @@ LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lpa
 }
 
 SHORT DeviceGetKeyState(int virtual_key) {
+    if (PressedByAltGr(virtual_key)) return 0;
     const int state = GetKeyState(virtual_key);
     return static_cast<SHORT>(IsLockKey(virtual_key) ? state : state & 0x8000);
 }

@@ -97,7 +97,7 @@ bool MakeHeldRoom(int length) {
     return true;
 }
 
-// What finds no room is lost whole: no paste and no answer goes out cut in two.
+// A piece that finds no room is lost whole: no answer of the terminal goes out cut in two.
 void HoldData(const BYTE* data, int length) {
     Ssh2State& ssh = session.ssh2;
     if (length > kSsh2MaxHeld - ssh.heldLength || !MakeHeldRoom(ssh.heldLength + length)) return;

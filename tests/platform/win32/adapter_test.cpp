@@ -218,6 +218,20 @@ TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
     SetKeyByte(VK_CAPITAL, 0);
 }
 
+// AltGr comes as the left Ctrl and the right Alt.
+TEST_F(Adapter, LeftCtrlIsUpWhileAltGrIsDown) {
+    SetKeyByte(VK_LCONTROL, 0x80);
+    EXPECT_LT(GetKeyState(VK_LCONTROL), 0);
+    SetKeyByte(VK_RMENU, 0x80);
+    EXPECT_EQ(0, GetKeyState(VK_LCONTROL));
+    SetKeyByte(VK_RCONTROL, 0x80);
+    EXPECT_LT(GetKeyState(VK_RCONTROL), 0);
+    SetKeyByte(VK_RCONTROL, 0);
+    SetKeyByte(VK_RMENU, 0x01);
+    EXPECT_LT(GetKeyState(VK_LCONTROL), 0);
+    for (const int key : {VK_LCONTROL, VK_RMENU}) SetKeyByte(key, 0);
+}
+
 TEST_F(Adapter, SilentKeyIsHeardByNoWindow) {
     SetForegroundWindow(top);
     RunUntilIdle();
