@@ -6,6 +6,7 @@
 #include "app/session_state.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
+#include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

@@ -13,6 +13,7 @@
 #include "resources/resource_ids.h"
 #include "terminal/view.h"
 #include "tests/app/clipboard_stage.h"
+#include "tests/support/drawn.h"
 #include "tests/terminal/hotspot_rule.h"
 
 namespace {

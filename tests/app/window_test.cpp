@@ -8,6 +8,7 @@
 #include "terminal/terminal_font.h"
 #include "terminal/terminal_write.h"
 #include "terminal/view.h"
+#include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
