@@ -1,16 +1,20 @@
 // The program's entry point.
 #include "app/start_up.h"
 
-#include "app/connection.h"
-#include "app/main_window.h"
-#include "app/message_boxes.h"
-#include "app/receive_thread.h"
-#include "app/session_state.h"
-#include "config/settings.h"
+#include "connection/connection.h"
+#include "connection/receive_thread.h"
+#include "protocol/protocols.h"
 #include "resources/resource_ids.h"
-#include "ssh/ssh_session.h"
+#include "session/message_boxes.h"
+#include "session/session_ports.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/terminal_window.h"
+#include "ui/dialogs/dialogs.h"
+#include "ui/main_window.h"
+#include "ui/view/status_bar.h"
+#include "ui/view/terminal_window.h"
+#include "ui/view/view.h"
 
 namespace {
 
@@ -25,6 +29,18 @@ bool HandOverToFirstInstance() {
     ShowWindow(first, SW_SHOW);
     SendMessageW(first, WM_PAINT, 0, 0);
     return true;
+}
+
+void FillPorts() {
+    session_ports = {
+        .repaint = RepaintTerminal,
+        .show_changes = ShowChanges,
+        .update_status = UpdateStatus,
+        .rebuild_menu_bar = RebuildMenuBar,
+        .ask_sign_on = AskSignOn,
+        .close_session = SessionClose,
+        .send = SendSessionData,
+    };
 }
 
 void FindColorDialog() {
@@ -104,6 +120,7 @@ HWND InitInstance(HINSTANCE instance, int show) {
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int show) {
     if (HandOverToFirstInstance()) return 0;
+    FillPorts();
     if (const int failure = InitApplication(instance)) return failure;
     ClearAll();
     std::memset(session.custom_colors, 0, sizeof(session.custom_colors));

@@ -7,7 +7,11 @@ What is measured, for the client and for `xterm -e ssh -c 3des-cbc`:
   throughput   the shell's cat of a file, and then the answer to a request for the cursor's place,
                which both give only after everything before it has been taken in
 
-Usage: bench/ssh2.py [--megabytes N] [--program PATH]     (needs root, Xvfb, xterm, ssh)
+and two floors under the throughput: `ssh -c 3des-cbc HOST cat FILE > /dev/null`, without a terminal at
+either end, and the same with one at the server's end, as a shell has it (`ssh -tt`).
+
+Usage: bench/ssh2.py [--megabytes N] [--program PATH] [--no-xterm] [--no-prompt]
+       (needs root, Xvfb, xterm, ssh)
 """
 import argparse
 import os
@@ -38,7 +42,8 @@ exec 3<>/dev/tcp/127.0.0.1/{port}
 echo shell >&3
 read -r -u 3 what
 [ "$what" = file ] || {{ sleep 1; exit; }}
-stty raw -echo
+[ ! -t 0 ] || stty raw -echo
+[ -z "$SSH_ORIGINAL_COMMAND" ] || exec cat {data}
 cat {data}
 printf '\\033[6n'
 IFS= read -r -s -d R answer
@@ -139,6 +144,20 @@ def measure_file(make, port, root, display, shells):
     return seconds
 
 
+def measure_floor(port, shells, *options):
+    process = subprocess.Popen(["ssh", *ALGORITHMS, *options, "-p", str(port), "visitor@127.0.0.1",
+                                "cat"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                               stderr=subprocess.DEVNULL)
+    shell, _word = shells.next()
+    time.sleep(1)
+    began = time.perf_counter()
+    shell.sendall(b"file\n")
+    process.wait()
+    seconds = time.perf_counter() - began
+    shell.close()
+    return seconds
+
+
 def write_files(folder, megabytes, port):
     data = os.path.join(folder, "data")
     with open(data, "wb") as file:
@@ -160,6 +179,35 @@ def first_start(root, display):
     session.prepare(1, root, display)
 
 
+def speed(options, seconds):
+    return f"{options.megabytes} MB in {seconds:6.2f} s ({options.megabytes / seconds:5.1f} MB/s)"
+
+
+def measure(options, port, root, display, shells):
+    door = Door(port)
+    first_start(root, display)
+    clients = {"quill": quill_command, "xterm": xterm_command}
+    if options.no_xterm:
+        del clients["xterm"]
+    prompts, files = {}, {}
+    for name, make in clients.items() if not options.no_prompt else ():
+        measure_prompt(make, door, root, display, shells)  # the server's first steps
+        prompts[name] = measure_prompt(make, door, root, display, shells)
+        print(f"{name:6} prompt after {prompts[name] * 1000:5.0f} ms", flush=True)
+    floor = measure_floor(port, shells)
+    print(f"floor  {speed(options, floor)}", flush=True)
+    terminal = measure_floor(port, shells, "-tt")
+    print(f"floor, a terminal at the server's end: {speed(options, terminal)}", flush=True)
+    for name, make in clients.items():
+        files[name] = measure_file(make, port, root, display, shells)
+        print(f"{name:6} {speed(options, files[name])}", flush=True)
+    print(f"quill / floor: file {files['quill'] / floor:.2f}, "
+          f"with a terminal {files['quill'] / terminal:.2f}")
+    for what, figures in (("prompt", prompts), ("file", files)):
+        if "xterm" in figures:
+            print(f"xterm with ssh / quill: {what} {figures['xterm'] / figures['quill']:.2f}")
+
+
 def run(options, display, folder):
     root = os.path.join(folder, "root")
     os.mkdir(root)
@@ -170,18 +218,7 @@ def run(options, display, folder):
                               stdout=subprocess.PIPE, text=True)
     try:
         port = int(server.stdout.readline())
-        door = Door(port)
-        first_start(root, display)
-        figures = {}
-        for name, make in (("quill", quill_command), ("xterm", xterm_command)):
-            measure_prompt(make, door, root, display, shells)  # the server's first steps
-            prompt = measure_prompt(make, door, root, display, shells)
-            seconds = measure_file(make, port, root, display, shells)
-            figures[name] = (prompt, seconds)
-            print(f"{name:6} prompt after {prompt * 1000:5.0f} ms, {options.megabytes} MB in "
-                  f"{seconds:6.2f} s ({options.megabytes / seconds:5.1f} MB/s)", flush=True)
-        ratio = [figures["xterm"][i] / figures["quill"][i] for i in range(2)]
-        print(f"xterm with ssh / quill: prompt {ratio[0]:.2f}, file {ratio[1]:.2f}")
+        measure(options, port, root, display, shells)
     finally:
         server.stdin.close()
         server.wait()
@@ -191,6 +228,8 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--megabytes", type=int, default=100)
     parser.add_argument("--program", default=session.PROGRAM)
+    parser.add_argument("--no-xterm", action="store_true")
+    parser.add_argument("--no-prompt", action="store_true")
     options = parser.parse_args()
     session.PROGRAM = os.path.abspath(options.program)
     for tool in ("Xvfb", "xterm", "ssh", session.PROGRAM):

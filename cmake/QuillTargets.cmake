@@ -30,10 +30,29 @@ function(quill_system_headers name)
     endif()
 endfunction()
 
-# quill_library(NAME FILES...): one folder's static library. Headers are named from the top of the
-# tree ("terminal/screen_buffer.h"), the slice as "windows_ce.h".
+# The layers, from the ground up: QUILL_LAYERS has their names, QUILL_BELOW_name what each may call.
+set(QUILL_LAYER_TABLE ${CMAKE_SOURCE_DIR}/tests/layers.txt)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${QUILL_LAYER_TABLE})
+file(STRINGS ${QUILL_LAYER_TABLE} QUILL_LAYER_ROWS REGEX "^[a-z]")
+set(QUILL_LAYERS)
+foreach(row ${QUILL_LAYER_ROWS})
+    if(row MATCHES "^circle ")
+        continue()
+    endif()
+    string(REGEX REPLACE " +" ";" row "${row}")
+    list(POP_FRONT row layer folder platform)
+    list(REMOVE_ITEM row -)
+    list(REVERSE row)
+    list(APPEND QUILL_LAYERS ${layer})
+    set(QUILL_BELOW_${layer} ${row})
+endforeach()
+
+# quill_library(NAME FILES...): one folder's static library. A layer is linked with those that it may
+# call. Headers are named from the top of the tree ("terminal/screen_buffer.h"), the slice as
+# "windows_ce.h".
 function(quill_library name)
     add_library(${name} STATIC ${ARGN})
+    target_link_libraries(${name} PUBLIC ${QUILL_BELOW_${name}})
     target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR} ${QUILL_PLATFORM_HEADERS})
     target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${QUILL_WARNINGS}>)
     quill_system_headers(${name})

@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "crypto/byte_order.h"
 #include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 static const uint16_t kOne[] = {1, 1};
 static const uint16_t kZero[] = {1, 0};

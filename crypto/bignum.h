@@ -5,8 +5,9 @@
 // the least significant, is the low byte of word 1 + i/2 for even i and its high byte for odd i.
 //
 // Whoever receives a new Bignum owns it and releases it with BignumFree, which wipes it. A value
-// has at most 65,535 words; what would need more, or finds no memory, is null. Arguments are never
-// null unless said so.
+// has at most 65,535 words; what would need more, or finds no memory, is null. Only BignumFree
+// takes a null integer, here and in all of crypto/. Where a peer decides the size of a result, the
+// caller looks at it before it computes with it; where only memory could be short, it does not.
 #ifndef QUILL_CRYPTO_BIGNUM_H
 #define QUILL_CRYPTO_BIGNUM_H
 
@@ -26,8 +27,8 @@ Bignum BignumNew(int words);              // zero, n = words
 Bignum BignumFromUint32(uint32_t value);  // n = 2 above 65,535, else 1
 Bignum BignumPowerOfTwo(int bit);         // 2^bit, n = bit/16 + 1
 Bignum BignumCopy(ConstBignum a);         // same n and words
-void BignumFree(Bignum a);                // null allowed
-void BignumNormalise(Bignum a);           // drops most significant zero words while n > 1
+void BignumFree(Bignum a);
+void BignumNormalise(Bignum a);  // drops most significant zero words while n > 1
 
 // ---------------------------------------------------------------- bits, bytes, order
 
@@ -63,12 +64,16 @@ uint8_t* EncodeMpint(ConstBignum a, int* length);
 
 // ---------------------------------------------------------------- arithmetic
 
-// A modulus or divisor is never zero; should one be, remainder and quotient are zero.
+// A modulus or divisor is never zero; should one be, remainder and quotient are zero. No operation
+// takes the same time for all values: how long it runs tells of the size and of the bits of its
+// operands, above all of an exponent.
 Bignum BignumMulAdd(ConstBignum a, ConstBignum b, ConstBignum c);        // a*b + c, normalised
 Bignum BignumMod(ConstBignum a, ConstBignum modulus);                    // a mod m, n that of m
 Bignum BignumDiv(ConstBignum a, ConstBignum divisor);                    // a div m, n that of a
 Bignum BignumModMul(ConstBignum a, ConstBignum b, ConstBignum modulus);  // a*b mod m, normalised
-Bignum BignumModPow(ConstBignum base, ConstBignum exponent, ConstBignum modulus);  // normalised
+// base^exponent mod m, normalised: a squaring for each bit of the exponent and a product for each
+// bit that is 1, whose cost grows with the square of the modulus. A longer base costs one division.
+Bignum BignumModPow(ConstBignum base, ConstBignum exponent, ConstBignum modulus);
 // The inverse of a modulo m, 0 < a; null when a and m have a common factor.
 Bignum BignumModInverse(ConstBignum a, ConstBignum modulus);
 

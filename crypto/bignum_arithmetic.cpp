@@ -74,13 +74,10 @@ static void ReduceToDivisor(Scratch* scratch, uint16_t* words) {
     ColumnsStore(&scratch->columns, words, count, scratch->shift);
 }
 
-// words = a modulo the shifted divisor.
+// words = a modulo the shifted divisor; the columns have room for a.
 static void LoadReduced(Scratch* scratch, uint16_t* words, ConstBignum a) {
-    for (int i = 0; i < scratch->columns.count; i++) {
-        scratch->quotient[i] = 0;  // spent here as the room for a's words
-    }
     int count = SignificantWords(a);
-    ToWords(scratch->quotient, count, a);
+    ToWords(scratch->quotient, count, a);  // spent here as the room for a's words
     ColumnsLoad(&scratch->columns, scratch->quotient, count, 0);
     ColumnsDivide(&scratch->columns, scratch->divisor, scratch->divisorCount, nullptr);
     ColumnsStore(&scratch->columns, words, scratch->divisorCount, 0);
@@ -174,14 +171,13 @@ static void SquareAndMultiply(Scratch* scratch, ConstBignum exponent) {
     }
 }
 
-// Products are reduced by the shifted modulus all along, which leaves their remainder by the
-// modulus itself as it is; one more reduction at the end comes down to that.
-Bignum BignumModPow(ConstBignum base, ConstBignum exponent, ConstBignum modulus) {
+// The power of a base that has no more words than the modulus. Products are reduced by the shifted
+// modulus all along, which leaves their remainder by the modulus itself as it is; one more
+// reduction at the end comes down to that.
+static Bignum PowerOfReduced(ConstBignum base, ConstBignum exponent, ConstBignum modulus) {
     int count = SignificantWords(modulus);
-    int baseCount = SignificantWords(base);
-    int columns = (2 * count > baseCount ? 2 * count : baseCount) + 1;
     Scratch scratch;
-    if (!ScratchOpen(&scratch, modulus, columns, count, count)) return nullptr;
+    if (!ScratchOpen(&scratch, modulus, 2 * count + 1, count, count)) return nullptr;
     if (count > 0) {
         LoadReduced(&scratch, scratch.left, BignumOne);
         LoadReduced(&scratch, scratch.right, base);
@@ -190,6 +186,17 @@ Bignum BignumModPow(ConstBignum base, ConstBignum exponent, ConstBignum modulus)
     }
     Bignum result = NormalisedFromWords(scratch.left, count);
     ScratchClose(&scratch);
+    return result;
+}
+
+// Every step works on as many columns as there are: a long base is reduced before the first one.
+Bignum BignumModPow(ConstBignum base, ConstBignum exponent, ConstBignum modulus) {
+    if (SignificantWords(base) <= SignificantWords(modulus))
+        return PowerOfReduced(base, exponent, modulus);
+    Bignum reduced = BignumMod(base, modulus);
+    if (reduced == nullptr) return nullptr;
+    Bignum result = PowerOfReduced(reduced, exponent, modulus);
+    BignumFree(reduced);
     return result;
 }
 

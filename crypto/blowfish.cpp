@@ -3,7 +3,8 @@
 
 #include <cstring>
 
-#include "crypto/byte_order.h"
+#include "text/byte_order.h"
+#include "crypto/cbc.h"
 
 static inline uint32_t RoundFunction(uint32_t half, const BlowfishContext* context) {
     uint32_t sum = context->boxes[0][half >> 24] + context->boxes[1][half >> 16 & 0xFF];
@@ -11,24 +12,28 @@ static inline uint32_t RoundFunction(uint32_t half, const BlowfishContext* conte
 }
 
 // The key words join the half that waits, beside the look-ups of the other.
-static inline void Encrypt(uint32_t& left, uint32_t& right, const BlowfishContext* context) {
-    uint32_t l = left ^ context->p[0], r = right;
+template <size_t count>
+static inline void Encrypt(CipherBlock (&blocks)[count], const BlowfishContext* context) {
+    for (CipherBlock& block : blocks) block.left ^= context->p[0];
     for (int i = 1; i <= 16; i += 2) {
-        r = (r ^ context->p[i]) ^ RoundFunction(l, context);
-        l = (l ^ context->p[i + 1]) ^ RoundFunction(r, context);
+        for (CipherBlock& block : blocks)
+            block.right = (block.right ^ context->p[i]) ^ RoundFunction(block.left, context);
+        for (CipherBlock& block : blocks)
+            block.left = (block.left ^ context->p[i + 1]) ^ RoundFunction(block.right, context);
     }
-    left = r ^ context->p[17];
-    right = l;
+    for (CipherBlock& block : blocks) block = {block.right ^ context->p[17], block.left};
 }
 
-static inline void Decrypt(uint32_t& left, uint32_t& right, const BlowfishContext* context) {
-    uint32_t l = left ^ context->p[17], r = right;
+template <size_t count>
+static inline void Decrypt(CipherBlock (&blocks)[count], const BlowfishContext* context) {
+    for (CipherBlock& block : blocks) block.left ^= context->p[17];
     for (int i = 16; i >= 1; i -= 2) {
-        r = (r ^ context->p[i]) ^ RoundFunction(l, context);
-        l = (l ^ context->p[i - 1]) ^ RoundFunction(r, context);
+        for (CipherBlock& block : blocks)
+            block.right = (block.right ^ context->p[i]) ^ RoundFunction(block.left, context);
+        for (CipherBlock& block : blocks)
+            block.left = (block.left ^ context->p[i - 1]) ^ RoundFunction(block.right, context);
     }
-    left = r ^ context->p[0];
-    right = l;
+    for (CipherBlock& block : blocks) block = {block.right ^ context->p[0], block.left};
 }
 
 void BlowfishSetKey(BlowfishContext* context, const uint8_t* key, int keyLength) {
@@ -40,87 +45,57 @@ void BlowfishSetKey(BlowfishContext* context, const uint8_t* key, int keyLength)
         context->p[i] = kBlowfishP[i] ^ word;
     }
     memcpy(context->boxes, kBlowfishBoxes, sizeof(context->boxes));
-    uint32_t left = 0, right = 0;
+    CipherBlock chain[1] = {};
     for (int i = 0; i < 18; i += 2) {
-        Encrypt(left, right, context);
-        context->p[i] = left;
-        context->p[i + 1] = right;
+        Encrypt(chain, context);
+        context->p[i] = chain[0].left;
+        context->p[i + 1] = chain[0].right;
     }
     for (auto& box : context->boxes) {
         for (int i = 0; i < 256; i += 2) {
-            Encrypt(left, right, context);
-            box[i] = left;
-            box[i + 1] = right;
+            Encrypt(chain, context);
+            box[i] = chain[0].left;
+            box[i + 1] = chain[0].right;
         }
     }
 }
 
 void BlowfishEncryptBlock(uint32_t left, uint32_t right, uint32_t output[2],
                           const BlowfishContext* context) {
-    Encrypt(left, right, context);
-    output[0] = left;
-    output[1] = right;
+    CipherBlock block[1] = {{left, right}};
+    Encrypt(block, context);
+    output[0] = block[0].left;
+    output[1] = block[0].right;
 }
 
 void BlowfishDecryptBlock(uint32_t left, uint32_t right, uint32_t output[2],
                           const BlowfishContext* context) {
-    Decrypt(left, right, context);
-    output[0] = left;
-    output[1] = right;
-}
-
-// The two CBC loops, for either byte order.
-typedef uint32_t (*LoadWord)(const uint8_t* bytes);
-typedef void (*StoreWord)(uint8_t* bytes, uint32_t word);
-
-template <LoadWord load, StoreWord store>
-static void ChainEncrypt(uint8_t* output, const uint8_t* input, int length,
-                         BlowfishContext* context) {
-    uint32_t left = context->iv[0], right = context->iv[1];
-    for (; length > 0; length -= 8, input += 8, output += 8) {
-        left ^= load(input);
-        right ^= load(input + 4);
-        Encrypt(left, right, context);
-        store(output, left);
-        store(output + 4, right);
-    }
-    context->iv[0] = left;
-    context->iv[1] = right;
-}
-
-template <LoadWord load, StoreWord store>
-static void ChainDecrypt(uint8_t* output, const uint8_t* input, int length,
-                         BlowfishContext* context) {
-    uint32_t before_left = context->iv[0], before_right = context->iv[1];
-    for (; length > 0; length -= 8, input += 8, output += 8) {
-        const uint32_t cipher_left = load(input), cipher_right = load(input + 4);
-        uint32_t left = cipher_left, right = cipher_right;
-        Decrypt(left, right, context);
-        store(output, left ^ before_left);
-        store(output + 4, right ^ before_right);
-        before_left = cipher_left;
-        before_right = cipher_right;
-    }
-    context->iv[0] = before_left;
-    context->iv[1] = before_right;
+    CipherBlock block[1] = {{left, right}};
+    Decrypt(block, context);
+    output[0] = block[0].left;
+    output[1] = block[0].right;
 }
 
 void BlowfishCbcEncrypt(uint8_t* output, const uint8_t* input, int length,
                         BlowfishContext* context) {
-    ChainEncrypt<LoadBig<uint32_t>, StoreBig<uint32_t>>(output, input, length, context);
+    CbcEncrypt<LoadBigBlock, StoreBigBlock>(output, input, length, context->iv,
+                                            [=](auto& blocks) { Encrypt(blocks, context); });
 }
 
 void BlowfishCbcDecrypt(uint8_t* output, const uint8_t* input, int length,
                         BlowfishContext* context) {
-    ChainDecrypt<LoadBig<uint32_t>, StoreBig<uint32_t>>(output, input, length, context);
+    CbcDecrypt<LoadBigBlock, StoreBigBlock>(output, input, length, context->iv,
+                                            [=](auto& blocks) { Decrypt(blocks, context); });
 }
 
 void BlowfishLittleCbcEncrypt(uint8_t* output, const uint8_t* input, int length,
                               BlowfishContext* context) {
-    ChainEncrypt<LoadLittle<uint32_t>, StoreLittle<uint32_t>>(output, input, length, context);
+    CbcEncrypt<LoadLittleBlock, StoreLittleBlock>(output, input, length, context->iv,
+                                                  [=](auto& blocks) { Encrypt(blocks, context); });
 }
 
 void BlowfishLittleCbcDecrypt(uint8_t* output, const uint8_t* input, int length,
                               BlowfishContext* context) {
-    ChainDecrypt<LoadLittle<uint32_t>, StoreLittle<uint32_t>>(output, input, length, context);
+    CbcDecrypt<LoadLittleBlock, StoreLittleBlock>(output, input, length, context->iv,
+                                                  [=](auto& blocks) { Decrypt(blocks, context); });
 }

@@ -1,8 +1,10 @@
 // Blowfish (B. Schneier, "Description of a New Variable-Length Key, 64-Bit Block Cipher", 1993):
 // sixteen rounds, as a block function and in CBC with big-endian and with little-endian blocks.
 //
-// Every mode works on ceil(length / 8) blocks (callers pass whole ones), may have output and input
-// the same, and leaves its chaining value in the context, so that calls in a row are one stream.
+// Every mode takes lengths and buffers as crypto/cbc.h says, its chaining value in the context.
+//
+// The S-boxes are tables: how long a block takes depends on what the processor holds of them, and
+// so a little on key and text.
 #ifndef QUILL_CRYPTO_BLOWFISH_H
 #define QUILL_CRYPTO_BLOWFISH_H
 

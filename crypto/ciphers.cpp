@@ -4,9 +4,9 @@
 #include <cstring>
 
 #include "crypto/blowfish.h"
-#include "crypto/byte_order.h"
 #include "crypto/des.h"
 #include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 // Single DES uses the first of the three.
 struct DirectionKeys {
@@ -83,7 +83,7 @@ const CipherAlgorithm kTripleDesCbc = {
     .encrypt = TripleDesEncrypt,
     .decrypt = TripleDesDecrypt,
     .nameRef = kTripleDesCbc.name,
-    .blockSize = 8,
+    .blockSize = kCipherBlockSize,
     .keyBits = 168,
 };
 
@@ -96,7 +96,7 @@ const CipherAlgorithm kBlowfishCbc = {
     .encrypt = BlowfishEncrypt,
     .decrypt = BlowfishDecrypt,
     .nameRef = kBlowfishCbc.name,
-    .blockSize = 8,
+    .blockSize = kCipherBlockSize,
     .keyBits = 128,
 };
 
@@ -147,19 +147,19 @@ const Ssh1Cipher kSsh1Blowfish = {
     .setKey = Ssh1BlowfishSetKey,
     .encrypt = Ssh1BlowfishEncrypt,
     .decrypt = Ssh1BlowfishDecrypt,
-    .blockSize = 8,
+    .blockSize = kCipherBlockSize,
 };
 
 const Ssh1Cipher kSsh1TripleDes = {
     .setKey = Ssh1TripleDesSetKey,
     .encrypt = Ssh1TripleDesEncrypt,
     .decrypt = Ssh1TripleDesDecrypt,
-    .blockSize = 8,
+    .blockSize = kCipherBlockSize,
 };
 
 const Ssh1Cipher kSsh1Des = {
     .setKey = Ssh1DesSetKey,
     .encrypt = Ssh1DesEncrypt,
     .decrypt = Ssh1DesDecrypt,
-    .blockSize = 8,
+    .blockSize = kCipherBlockSize,
 };

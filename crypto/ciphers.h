@@ -2,11 +2,13 @@
 //
 // One set of keys and chaining values for each direction (outgoing, incoming) lives for the
 // program's run, shared by all ciphers: whoever takes up a cipher sets its keys first. Chaining
-// values run on from call to call. Buffers are changed in place; ceil(length / 8) blocks are.
+// values run on from call to call. Buffers are changed in place, whole blocks of them.
 #ifndef QUILL_CRYPTO_CIPHERS_H
 #define QUILL_CRYPTO_CIPHERS_H
 
 #include <cstdint>
+
+#include "crypto/cbc.h"
 
 // A cipher of SSH-2. Keys must be set before IVs: a key of "3des-cbc" clears them. The order is
 // setOutgoingKey, setIncomingKey, setOutgoingIv, setIncomingIv.

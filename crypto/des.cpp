@@ -4,9 +4,10 @@
 // an S-box contributes in that form already, so a round is eight look-ups by byte and their XOR.
 #include "crypto/des.h"
 
-#include "crypto/byte_order.h"
+#include "crypto/cbc.h"
 #include "crypto/des_tables.h"
 #include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 static constexpr DesRoundTable kRoundTable = MakeDesRoundTable();
 
@@ -64,24 +65,23 @@ static inline void SwapBits(uint32_t& a, uint32_t& b, int shift, uint32_t mask) 
     a ^= difference << shift;
 }
 
-static inline Halves InitialPermutation(uint32_t left, uint32_t right) {
-    SwapBits(left, right, 4, 0x0F0F0F0Fu);
-    SwapBits(left, right, 16, 0x0000FFFFu);
-    SwapBits(right, left, 2, 0x33333333u);
-    SwapBits(right, left, 8, 0x00FF00FFu);
-    SwapBits(left, right, 1, 0x55555555u);
-    return {DesExpand(left), DesExpand(right)};
+static inline Halves InitialPermutation(CipherBlock block) {
+    SwapBits(block.left, block.right, 4, 0x0F0F0F0Fu);
+    SwapBits(block.left, block.right, 16, 0x0000FFFFu);
+    SwapBits(block.right, block.left, 2, 0x33333333u);
+    SwapBits(block.right, block.left, 8, 0x00FF00FFu);
+    SwapBits(block.left, block.right, 1, 0x55555555u);
+    return {DesExpand(block.left), DesExpand(block.right)};
 }
 
-static inline void FinalPermutation(Halves halves, uint32_t output[2]) {
-    uint32_t left = DesContract(halves.left), right = DesContract(halves.right);
-    SwapBits(left, right, 1, 0x55555555u);
-    SwapBits(right, left, 8, 0x00FF00FFu);
-    SwapBits(right, left, 2, 0x33333333u);
-    SwapBits(left, right, 16, 0x0000FFFFu);
-    SwapBits(left, right, 4, 0x0F0F0F0Fu);
-    output[0] = left;
-    output[1] = right;
+static inline CipherBlock FinalPermutation(Halves halves) {
+    CipherBlock block = {DesContract(halves.left), DesContract(halves.right)};
+    SwapBits(block.left, block.right, 1, 0x55555555u);
+    SwapBits(block.right, block.left, 8, 0x00FF00FFu);
+    SwapBits(block.right, block.left, 2, 0x33333333u);
+    SwapBits(block.left, block.right, 16, 0x0000FFFFu);
+    SwapBits(block.left, block.right, 4, 0x0F0F0F0Fu);
+    return block;
 }
 
 static inline uint64_t RoundFunction(uint64_t half, uint64_t key) {
@@ -95,66 +95,57 @@ static inline uint64_t RoundFunction(uint64_t half, uint64_t key) {
 
 // Sixteen rounds and the exchange of the halves that ends them. The next pass of a triple
 // encryption takes the result as it is: final and initial permutation would undo each other.
-static inline Halves Rounds(Halves halves, const RoundKeys* keys) {
+template <size_t count>
+static inline void Rounds(Halves (&halves)[count], const RoundKeys* keys) {
     for (int i = 0; i < 16; i += 2) {
-        halves.left ^= RoundFunction(halves.right, keys->key[i]);
-        halves.right ^= RoundFunction(halves.left, keys->key[i + 1]);
+        for (Halves& each : halves) each.left ^= RoundFunction(each.right, keys->key[i]);
+        for (Halves& each : halves) each.right ^= RoundFunction(each.left, keys->key[i + 1]);
     }
-    return {halves.right, halves.left};
+    for (Halves& each : halves) each = {each.right, each.left};
+}
+
+// A block function of `passes` passes, each with its round keys.
+template <int passes, size_t count>
+static inline void Encrypt(CipherBlock (&blocks)[count], const RoundKeys* keys) {
+    Halves halves[count];
+    for (size_t i = 0; i < count; i++) halves[i] = InitialPermutation(blocks[i]);
+    for (int pass = 0; pass < passes; pass++) Rounds(halves, keys + pass);
+    for (size_t i = 0; i < count; i++) blocks[i] = FinalPermutation(halves[i]);
+}
+
+static void OneBlock(uint32_t left, uint32_t right, uint32_t output[2], const DesContext* context,
+                     bool decrypt) {
+    RoundKeys keys;
+    LoadKeys(&keys, context, decrypt);
+    CipherBlock block[1] = {{left, right}};
+    Encrypt<1>(block, &keys);
+    output[0] = block[0].left;
+    output[1] = block[0].right;
+    Wipe(&keys, sizeof(keys));
 }
 
 void DesEncryptBlock(uint32_t left, uint32_t right, uint32_t output[2], const DesContext* context) {
-    RoundKeys keys;
-    LoadKeys(&keys, context, false);
-    FinalPermutation(Rounds(InitialPermutation(left, right), &keys), output);
-    Wipe(&keys, sizeof(keys));
+    OneBlock(left, right, output, context, false);
 }
 
 void DesDecryptBlock(uint32_t left, uint32_t right, uint32_t output[2], const DesContext* context) {
-    RoundKeys keys;
-    LoadKeys(&keys, context, true);
-    FinalPermutation(Rounds(InitialPermutation(left, right), &keys), output);
-    Wipe(&keys, sizeof(keys));
+    OneBlock(left, right, output, context, true);
 }
 
-// The two CBC loops over a block cipher of `passes` passes.
-template <int passes>
-static inline void EncryptBlock(uint32_t block[2], const RoundKeys* keys) {
-    Halves halves = InitialPermutation(block[0], block[1]);
-    for (int pass = 0; pass < passes; pass++) halves = Rounds(halves, keys + pass);
-    FinalPermutation(halves, block);
-}
+// ---------------------------------------------------------------- CBC
 
 template <int passes>
 static void ChainEncrypt(uint8_t* output, const uint8_t* input, int length, const RoundKeys* keys,
                          uint32_t iv[2]) {
-    uint32_t block[2] = {iv[0], iv[1]};
-    for (; length > 0; length -= 8, input += 8, output += 8) {
-        block[0] ^= LoadBig<uint32_t>(input);
-        block[1] ^= LoadBig<uint32_t>(input + 4);
-        EncryptBlock<passes>(block, keys);
-        StoreBig<uint32_t>(output, block[0]);
-        StoreBig<uint32_t>(output + 4, block[1]);
-    }
-    iv[0] = block[0];
-    iv[1] = block[1];
+    CbcEncrypt<LoadBigBlock, StoreBigBlock>(output, input, length, iv,
+                                            [=](auto& blocks) { Encrypt<passes>(blocks, keys); });
 }
 
 template <int passes>
 static void ChainDecrypt(uint8_t* output, const uint8_t* input, int length, const RoundKeys* keys,
                          uint32_t iv[2]) {
-    uint32_t before[2] = {iv[0], iv[1]};
-    for (; length > 0; length -= 8, input += 8, output += 8) {
-        const uint32_t cipher[2] = {LoadBig<uint32_t>(input), LoadBig<uint32_t>(input + 4)};
-        uint32_t block[2] = {cipher[0], cipher[1]};
-        EncryptBlock<passes>(block, keys);
-        StoreBig<uint32_t>(output, block[0] ^ before[0]);
-        StoreBig<uint32_t>(output + 4, block[1] ^ before[1]);
-        before[0] = cipher[0];
-        before[1] = cipher[1];
-    }
-    iv[0] = before[0];
-    iv[1] = before[1];
+    CbcDecrypt<LoadBigBlock, StoreBigBlock>(output, input, length, iv,
+                                            [=](auto& blocks) { Encrypt<passes>(blocks, keys); });
 }
 
 void DesCbcEncrypt(uint8_t* output, const uint8_t* input, int length, DesContext* context) {

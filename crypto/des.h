@@ -1,8 +1,10 @@
 // DES (FIPS 46-3) and triple DES, as blocks and in CBC.
 //
 // A block is two 32-bit words, left and right, big-endian: byte 0 is the top byte of left. Every
-// mode works on ceil(length / 8) blocks (callers pass whole ones), may have output and input the
-// same, and leaves its chaining value in the context, so that calls in a row are one stream.
+// mode takes lengths and buffers as crypto/cbc.h says, its chaining value in the context.
+//
+// The S-boxes are tables: how long a block takes depends on what the processor holds of them, and
+// so a little on key and text.
 #ifndef QUILL_CRYPTO_DES_H
 #define QUILL_CRYPTO_DES_H
 

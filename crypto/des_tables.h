@@ -4,6 +4,7 @@
 #define QUILL_CRYPTO_DES_TABLES_H
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 // Bit numbers count from 1, the most significant bit.

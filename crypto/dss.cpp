@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "crypto/byte_reader.h"
 #include "crypto/sha1.h"
+#include "text/byte_reader.h"
 
 static const char kName[] = "ssh-dss";
 static const int kNameLength = 7;

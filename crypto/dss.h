@@ -8,9 +8,10 @@
 
 #include "crypto/bignum.h"
 
-// Beyond these a check would take too long; the standard has 1,024 and 160.
-inline constexpr int kDssMaxPrimeBits = 10000;
-inline constexpr int kDssMaxOrderBits = 512;
+// A longer prime would make a check too long. The order has no more bits than r and s, of 20 bytes
+// each, can reach. g and y may be of any size: they count modulo p.
+inline constexpr int kDssMaxPrimeBits = 8192;
+inline constexpr int kDssMaxOrderBits = 160;
 
 struct DssKey {
     Bignum p;
@@ -24,7 +25,7 @@ struct DssKey {
 // lead outside the blob, and for p or q of zero or beyond the limits above. The caller releases
 // the key with DssFreeKey.
 DssKey* DssParseKey(const uint8_t* blob, int length);
-void DssFreeKey(DssKey* key);  // null allowed
+void DssFreeKey(DssKey* key);  // a null key too
 
 // Whether the signature is the key's over the data, which is hashed with SHA-1 first. The blob is
 // either r and s alone, 20 bytes each, or a `string` "ssh-dss" and a `string` of those 40 bytes,

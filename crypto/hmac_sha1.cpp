@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "crypto/byte_order.h"
 #include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 static const int kPadSize = 64;
 static const uint8_t kInnerPad = 0x36;
@@ -72,6 +72,7 @@ static int Verify(const uint8_t* packet, int length, uint32_t sequenceNumber) {
     PacketMac(&incoming, packet, length, sequenceNumber, mac);
     int difference = 0;
     for (int i = 0; i < kSha1Size; i++) difference |= mac[i] ^ packet[length + i];
+    Wipe(mac, sizeof(mac));  // after a mismatch it is one that a forger lacks
     return difference == 0;
 }
 

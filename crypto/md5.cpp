@@ -4,8 +4,8 @@
 #include <bit>
 #include <cstring>
 
-#include "crypto/byte_order.h"
 #include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 static inline uint32_t F(uint32_t x, uint32_t y, uint32_t z) { return ((y ^ z) & x) ^ z; }
 

@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "crypto/byte_order.h"
 #include "crypto/random.h"
+#include "text/byte_order.h"
 
 // Takes one number in SSH-1 form from the front of *bytes; null when it is not all there.
 static Bignum TakeNumber(const uint8_t** bytes, int* length) {
@@ -22,8 +22,8 @@ static bool Usable(const RsaKey* key) {
     int exponent_bits = BignumBitLength(key->exponent);
     if (modulus_bits == 0 || exponent_bits == 0) return false;
     if (modulus_bits > kRsaMaxModulusBits) return false;
-    return exponent_bits <= (modulus_bits > kRsaMaxFullExponentBits ? kRsaMaxLongModulusExponentBits
-                                                                    : kRsaMaxFullExponentBits);
+    return exponent_bits <=
+           (modulus_bits > kRsaLongModulusBits ? kRsaMaxShortExponentBits : kRsaMaxExponentBits);
 }
 
 int RsaParseKey(const uint8_t* bytes, int length, RsaKey* key, const uint8_t** end) {

@@ -6,11 +6,12 @@
 
 #include "crypto/bignum.h"
 
-// Beyond these an encryption would take too long: a larger modulus than the second is taken with
-// a short exponent only.
+// Beyond these an encryption would take too long. Of a modulus that is not long any exponent up to
+// its limit is taken, of a long one a short exponent only.
 inline constexpr int kRsaMaxModulusBits = 16384;
-inline constexpr int kRsaMaxFullExponentBits = 3072;
-inline constexpr int kRsaMaxLongModulusExponentBits = 64;
+inline constexpr int kRsaLongModulusBits = 3072;  // a modulus of more bits is long
+inline constexpr int kRsaMaxExponentBits = 3072;
+inline constexpr int kRsaMaxShortExponentBits = 64;
 
 struct RsaKey {
     uint32_t bits;  // as the server states it; not relied on

@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "crypto/byte_order.h"
 #include "crypto/sha1_compress.h"
 #include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 static Sha1Compressor BestCompressor() {
     Sha1Compressor fast = Sha1CompressWithInstructions();

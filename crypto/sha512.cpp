@@ -4,10 +4,10 @@
 #include <bit>
 #include <cstring>
 
-#include "crypto/byte_order.h"
 #include "crypto/sha512_compress.h"
 #include "crypto/sha512_rounds.h"
 #include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 // clang-format off
 const uint64_t kSha512Constants[80] = {

@@ -1,4 +1,6 @@
-// SHA-512 (FIPS 180-2).
+// SHA-512 (FIPS 180-2). It belongs to the making of signatures, and the program only checks them:
+// so far the tests and benchmarks are its callers, and a program that does not call it is linked
+// without it.
 #ifndef QUILL_CRYPTO_SHA512_H
 #define QUILL_CRYPTO_SHA512_H
 

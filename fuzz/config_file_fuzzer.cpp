@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "config/config_file.h"
+#include "settings/config_file.h"
 
 static const int kLineBytes = 79;
 

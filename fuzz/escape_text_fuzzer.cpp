@@ -6,12 +6,13 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/session_state.h"
-#include "config/escape_text.h"
-#include "config/key_map.h"
-#include "config/settings.h"
-#include "ssh/ssh_session.h"
-#include "telnet/session_send.h"
+#include "protocol/telnet/telnet_send.h"
+#include "session/session_ports.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
+#include "settings/settings.h"
+#include "text/escape_text.h"
 
 static const SOCKET kSocket = 7;
 static const size_t kResponseBytes = 256;
@@ -23,8 +24,6 @@ int SliceSend(SOCKET, const char* bytes, int size, int) {
 }
 
 SHORT GetKeyState(int) { return 0; }
-
-void SshSendData(const BYTE*, int) {}
 
 // The key table is neither loaded nor saved here.
 LPCWSTR ReadString(LPCWSTR, LPCWSTR fallback) { return fallback; }
@@ -56,6 +55,7 @@ static std::string Expanded(const std::string& text) {
 }
 
 static std::string Response(const std::string& text, DWORD escape) {
+    session_ports.send = TelnetSendData;
     session.connected = 1;
     session.socket = kSocket;
     session.telnet.escape_iac = escape;

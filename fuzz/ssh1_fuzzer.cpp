@@ -11,15 +11,14 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/connection.h"
-#include "app/session_state.h"
-#include "app/status_bar.h"
-#include "config/dialogs.h"
-#include "crypto/byte_order.h"
 #include "crypto/crc32.h"
-#include "ssh/ssh_session.h"
-#include "telnet/session_send.h"
+#include "protocol/protocols.h"
+#include "protocol/telnet/telnet_session.h"
+#include "session/session_ports.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "terminal/terminal_write.h"
+#include "text/byte_order.h"
 
 static const SOCKET kSocket = 7;
 
@@ -50,7 +49,7 @@ bool SocketSendAll(const BYTE* bytes, int length) {
 
 void TerminalWrite(const BYTE* bytes, int count) {
     told.append("T").append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
-    SshSendData(bytes, count < 3 ? count : 3);  // as a report would be
+    SendSessionData(bytes, count < 3 ? count : 3, 0);  // as a report would be
 }
 
 static const char* const kTexts[] = {
@@ -78,18 +77,17 @@ int MessageBoxW(HWND, LPCWSTR text, LPCWSTR, UINT) {
     return IDOK;
 }
 
-bool AskSignOn() {
+static bool AskSignOn() {
     told += "A";
     return !(flags & kNoDialog);
 }
 
-void UpdateStatus() {}
-
-void CloseSession() {
+static void CloseSocket() {
     told += "C";
-    ResetCiphers();
     session.socket = INVALID_SOCKET;
 }
+
+const Protocol kTelnetProtocol = {nullptr, nullptr, nullptr, nullptr, [] {}};
 
 // ---------------------------------------------------------------- the server
 
@@ -163,6 +161,9 @@ static void Connect() {
     told.clear();
     overflowed = false;
     srand(1);
+    session_ports.ask_sign_on = AskSignOn;
+    session_ports.update_status = [] {};
+    session_ports.close_session = CloseSocket;
     ForgetSshSession();
     session.settings = {};
     session.settings.ssh = 1;
@@ -188,7 +189,8 @@ static void CheckState() {
 static void Deliver(const std::string& bytes, size_t piece) {
     for (size_t at = 0; at < bytes.size() && session.socket == kSocket; at += piece) {
         const std::string chunk = bytes.substr(at, piece);
-        SshTakeChunk(reinterpret_cast<const BYTE*>(chunk.data()), static_cast<int>(chunk.size()));
+        TakeSessionChunk(reinterpret_cast<const BYTE*>(chunk.data()),
+                         static_cast<int>(chunk.size()));
         CheckState();
     }
     if (!(flags & kCipherStaysOn)) session.ssh1.ssh1Cipher = nullptr;

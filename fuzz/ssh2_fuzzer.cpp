@@ -11,13 +11,13 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/connection.h"
-#include "app/session_state.h"
-#include "app/status_bar.h"
-#include "config/dialogs.h"
-#include "ssh/ssh2_packet.h"
-#include "ssh/ssh2_session.h"
-#include "telnet/session_send.h"
+#include "protocol/protocols.h"
+#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2_session.h"
+#include "protocol/telnet/telnet_session.h"
+#include "session/session_ports.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "terminal/terminal_write.h"
 
 static const SOCKET kSocket = 7;
@@ -44,10 +44,10 @@ void TerminalWrite(const BYTE* bytes, int count) {
                 bytes + count <= session.ssh2.packetBuf + kSsh2PacketSize,
             "data inside the packet");
     told.append("T").append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
-    SshSendData(bytes, count < 3 ? count : 3);  // as a report would be
+    SendSessionData(bytes, count < 3 ? count : 3, 0);  // as a report would be
 }
 
-bool AskSignOn() {
+static bool AskSignOn() {
     told += "A";
     return told.size() % 5 != 0;
 }
@@ -57,17 +57,14 @@ int MessageBoxW(HWND, LPCWSTR, LPCWSTR, UINT) {
     return IDOK;
 }
 
-void UpdateStatus() { told += "U"; }
+static void UpdateStatus() { told += "U"; }
 
-void SessionClose() {
+static void CloseSocket() {
     told += "C";
     session.socket = INVALID_SOCKET;
 }
 
-void CloseSession() {
-    ResetCiphers();
-    SessionClose();
-}
+const Protocol kTelnetProtocol = {nullptr, nullptr, nullptr, nullptr, [] {}};
 
 // ---------------------------------------------------------------- a cipher switched off
 
@@ -117,6 +114,9 @@ enum Flag : uint8_t {
 
 static void Begin(uint8_t flags) {
     static const char kLine[] = "SSH-2.0-fuzzed\r\n";
+    session_ports.ask_sign_on = AskSignOn;
+    session_ports.update_status = UpdateStatus;
+    session_ports.close_session = CloseSocket;
     ForgetSshSession();
     told.clear();
     session.settings = {};
@@ -129,7 +129,7 @@ static void Begin(uint8_t flags) {
     session.connected = 1;
     session.socket = kSocket;
     session.banner_sent = 0;
-    SshTakeChunk(reinterpret_cast<const BYTE*>(kLine), sizeof(kLine) - 1);
+    TakeSessionChunk(reinterpret_cast<const BYTE*>(kLine), sizeof(kLine) - 1);
 
     Ssh2State& ssh = session.ssh2;
     ssh.inMac = ssh.outMac = &kAny;
@@ -188,7 +188,8 @@ static std::string Framed(const std::string& payload, size_t padding) {
 static void Receive(const std::string& bytes, size_t cut) {
     for (size_t at = 0; at < bytes.size() && session.socket == kSocket; at += cut) {
         const std::string chunk = bytes.substr(at, cut);
-        SshTakeChunk(reinterpret_cast<const BYTE*>(chunk.data()), static_cast<int>(chunk.size()));
+        TakeSessionChunk(reinterpret_cast<const BYTE*>(chunk.data()),
+                         static_cast<int>(chunk.size()));
         Check();
         SwitchOff();
     }
@@ -199,7 +200,8 @@ static void TakeRecord(Input* input, size_t cut) {
     const size_t padding = kind == 1 ? TakeNumber(input, 1) : 4;
     const std::string bytes = Take(input, TakeNumber(input, 2));
     if (kind == 3)
-        SshSendData(reinterpret_cast<const BYTE*>(bytes.data()), static_cast<int>(bytes.size()));
+        SendSessionData(reinterpret_cast<const BYTE*>(bytes.data()), static_cast<int>(bytes.size()),
+                        0);
     else
         Receive(kind == 2 ? bytes : Framed(bytes, padding), cut);
 }

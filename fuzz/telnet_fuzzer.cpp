@@ -6,12 +6,15 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/connection.h"
-#include "app/receive_thread.h"
-#include "app/session_state.h"
-#include "ssh/ssh_session.h"
-#include "telnet/socket_event.h"
-#include "telnet/telnet_engine.h"
+#include "connection/connection.h"
+#include "connection/receive_thread.h"
+#include "connection/socket_event.h"
+#include "protocol/protocols.h"
+#include "protocol/ssh/ssh1_session.h"
+#include "protocol/ssh/ssh2_session.h"
+#include "protocol/telnet/telnet_engine.h"
+#include "session/session_ports.h"
+#include "session/session_state.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
 
@@ -44,11 +47,15 @@ void TerminalWrite(const BYTE* bytes, int count) {
     display.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
 }
 
-void SshTakeChunk(const BYTE*, int) {}
-void SshSendData(const BYTE*, int) {}
 void ShowWritten(int) {}
 void SessionClosed() {}
 void WakeReceiveThread() { wakes++; }
+
+// SSH gets nothing to take or to send here.
+static const Protocol kNoProtocol = {nullptr, nullptr, [](const BYTE*, int) {},
+                                     [](const BYTE*, int, int) {}, [] {}};
+const Protocol kSsh1Protocol = kNoProtocol;
+const Protocol kSsh2Protocol = kNoProtocol;
 
 // ---------------------------------------------------------------- the runs
 
@@ -61,6 +68,7 @@ static void Require(bool holds, const char* what) {
 static void Connect(uint8_t flags) {
     wire.clear();
     display.clear();
+    session_ports.send = SendSessionData;
     session.telnet = {};
     session.telnet.in_subneg = flags >> 1 & 1;
     session.modes.localecho = 0;

@@ -1,6 +1,7 @@
 #!/bin/sh
-# Makes build/quill-windows.zip: the Windows program, its help page and the licence. Installs what
-# is missing, and builds the program unless a built one is named.
+# Makes build/quill-windows.zip: the Windows program, its help page, the terminal's description for
+# hosts, and the licence. Installs what is missing, and builds the program unless a built one is
+# named.
 # Usage: packaging/windows.sh [QUILL.EXE]
 set -eu
 cd "$(dirname "$0")/.."
@@ -25,7 +26,7 @@ stage=$(mktemp -d "${TMPDIR:-/tmp}/quill-package.XXXXXX")
 trap 'rm -rf "$stage"' EXIT
 mkdir "$stage/Quill"
 x86_64-w64-mingw32-strip -o "$stage/Quill/quill.exe" "$program"
-cp resources/telnet.htm "$stage/Quill/"
+cp resources/telnet.htm resources/quill.ti "$stage/Quill/"
 cp LICENSE "$stage/Quill/LICENSE.txt"
 
 package=$(pwd)/build/quill-windows.zip

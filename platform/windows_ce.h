@@ -304,7 +304,7 @@ int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message);
 #define KEYEVENTF_SILENT 0x0004u
 typedef int16_t SHORT;
 SHORT GetKeyState(int virtual_key);  // bit 15: down, bit 0: toggled
-// [any thread] A synthetic key. With KEYEVENTF_SILENT it only counts as activity of the user.
+// A synthetic key. With KEYEVENTF_SILENT it only counts as activity of the user.
 void keybd_event(BYTE virtual_key, BYTE scan_code, DWORD flags, DWORD_PTR extra);
 
 // ---------------------------------------------------------------- GDI
@@ -500,6 +500,7 @@ BOOL CheckRadioButton(HWND dialog, int first, int last, int checked);  // clears
 // List boxes with a single selection.
 #define LBS_NOTIFY 0x0001u
 #define LBS_SORT 0x0002u
+#define LBS_NOINTEGRALHEIGHT 0x0100u
 #define LB_ERR (-1)
 #define LBN_SELCHANGE 1
 #define LBN_DBLCLK 2

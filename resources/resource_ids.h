@@ -8,7 +8,7 @@
 #define IDR_MENU_OFFLINE 102
 #define IDR_MENU_ONLINE 129
 
-#define IDB_DISCONNECT 1539 /* the other buttons' bitmaps: config/toolbars.cpp */
+#define IDB_DISCONNECT 1539 /* the other buttons' bitmaps: settings/toolbars.cpp */
 
 #define IDM_AUTO_LOGIN 126
 #define IDM_EXIT 40002

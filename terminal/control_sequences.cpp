@@ -81,32 +81,32 @@ struct FinalRow {
 // clang-format off
 static constexpr FinalRow kFinalRows[] = {
     // final, action,                  parses, replies
-    {'@',     InsertCharacters,        true,   false},
-    {'A',     CursorUp,                true,   false},
-    {'B',     CursorDown,              true,   false},
-    {'C',     CursorRight,             true,   false},
-    {'D',     CursorLeft,              true,   false},
-    {'H',     CursorPositionTo,        true,   false},
-    {'J',     EraseInDisplay,          true,   false},
-    {'K',     EraseInLine,             true,   false},
-    {'L',     InsertOneLine,           false,  false},
-    {'M',     DeleteSomeLines,         true,   false},
-    {'P',     DeleteCharacters,        true,   false},
-    {'X',     EraseCharacters,         true,   false},
-    {'c',     ReplyDeviceAttributes,   false,  true },
-    {'f',     CursorPositionTo,        true,   false},
-    {'g',     ClearTabStops,           true,   false},
-    {'h',     SetModes,                true,   false},
-    {'i',     Ignore,                  true,   false},
-    {'l',     ResetModes,              true,   false},
-    {'m',     SelectRendition,         true,   false},
-    {'n',     ReplyDeviceStatus,       true,   true },
-    {'p',     ConformanceResetOrSplit, true,   false},
-    {'q',     SelectProtection,        true,   false},
-    {'r',     SetScrollingRegion,      true,   false},
-    {'s',     SwitchRegion,            true,   false},
-    {'x',     ReplyTerminalParameters, true,   true },
-    {'y',     ConfidenceTest,          true,   false},
+    {'@',     InsertCharacters,        true,   false},  // ICH
+    {'A',     CursorUp,                true,   false},  // CUU
+    {'B',     CursorDown,              true,   false},  // CUD
+    {'C',     CursorRight,             true,   false},  // CUF
+    {'D',     CursorLeft,              true,   false},  // CUB
+    {'H',     CursorPositionTo,        true,   false},  // CUP
+    {'J',     EraseInDisplay,          true,   false},  // ED, DECSED
+    {'K',     EraseInLine,             true,   false},  // EL, DECSEL
+    {'L',     InsertOneLine,           false,  false},  // IL
+    {'M',     DeleteSomeLines,         true,   false},  // DL
+    {'P',     DeleteCharacters,        true,   false},  // DCH
+    {'X',     EraseCharacters,         true,   false},  // ECH
+    {'c',     ReplyDeviceAttributes,   false,  true },  // DA1, DA2
+    {'f',     CursorPositionTo,        true,   false},  // HVP
+    {'g',     ClearTabStops,           true,   false},  // TBC
+    {'h',     SetModes,                true,   false},  // SM, DECSET
+    {'i',     Ignore,                  true,   false},  // MC
+    {'l',     ResetModes,              true,   false},  // RM, DECRST
+    {'m',     SelectRendition,         true,   false},  // SGR
+    {'n',     ReplyDeviceStatus,       true,   true },  // DSR
+    {'p',     ConformanceResetOrSplit, true,   false},  // DECSCL, DECSTR, split
+    {'q',     SelectProtection,        true,   false},  // DECSCA
+    {'r',     SetScrollingRegion,      true,   false},  // DECSTBM
+    {'s',     SwitchRegion,            true,   false},  // split
+    {'x',     ReplyTerminalParameters, true,   true },  // DECREQTPARM
+    {'y',     ConfidenceTest,          true,   false},  // DECTST
 };
 // clang-format on
 

@@ -2,7 +2,7 @@
 #ifndef QUILL_TERMINAL_CONTROL_SEQUENCES_H
 #define QUILL_TERMINAL_CONTROL_SEQUENCES_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 void BeginControlSequence();       // ESC [
 void ControlSequenceByte(BYTE b);  // one byte in state 2

@@ -3,8 +3,9 @@
 #ifndef QUILL_TERMINAL_CURSOR_H
 #define QUILL_TERMINAL_CURSOR_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 
 // Cursor motion is frequent and where it goes is random, so the bounds below are written to compile
 // to conditional moves.

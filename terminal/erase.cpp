@@ -5,6 +5,7 @@
 
 #include "terminal/cursor.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 
 // Plain blanks from first to last column of a row. selective keeps protected cells.
 static void BlankCells(int row, int first, int last, bool selective) {

@@ -3,7 +3,7 @@
 #ifndef QUILL_TERMINAL_ERASE_H
 #define QUILL_TERMINAL_ERASE_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 // Each parameter in turn. With private_flag (selective erase) protected cells are kept.
 void EraseInDisplay();

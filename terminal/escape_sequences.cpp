@@ -11,6 +11,7 @@
 #include "terminal/modes.h"
 #include "terminal/reports.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 
 static const int kLineDrawingSet = 128;
 
@@ -65,33 +66,33 @@ static constexpr EscapeHandler kNothing = nullptr;
 // clang-format off
 static constexpr EscapeRow kEscapeRows[] = {
     // byte, ANSI mode,               VT52 mode
-    {kEsc,   BeginEscape,             BeginEscape           },
-    {' ',    AwaitSpaceSequence,      AwaitSpaceSequence    },
-    {'#',    AwaitLineSize,           AwaitLineSize         },
-    {'(',    AwaitG0,                 AwaitG0               },
-    {')',    AwaitG1,                 AwaitG1               },
-    {'7',    SaveCursor,              SaveCursor            },
-    {'8',    RestoreCursor,           RestoreCursor         },
-    {'<',    LeaveVt52,               LeaveVt52             },
-    {'=',    KeypadApplicationOn,     KeypadApplicationOn   },
-    {'>',    KeypadApplicationOff,    KeypadApplicationOff  },
-    {'A',    kNothing,                Vt52Up                },
-    {'B',    kNothing,                Vt52Down              },
-    {'C',    kNothing,                Vt52Right             },
-    {'D',    LineFeed,                Vt52Left              },
-    {'E',    NextLine,                NextLine              },
-    {'F',    SevenBitReplies,         kNothing              },
-    {'G',    EightBitReplies,         kNothing              },
-    {'H',    SetTabStop,              Vt52Home              },
-    {'I',    kNothing,                ReverseIndex          },
-    {'J',    kNothing,                Vt52EraseToEndOfScreen},
-    {'K',    kNothing,                Vt52EraseToEndOfLine  },
-    {'M',    ReverseIndex,            ReverseIndex          },
-    {'P',    BeginDeviceControl,      BeginDeviceControl    },
-    {'Y',    kNothing,                BeginVt52Address      },
-    {'Z',    ReplyPrimaryAttributes,  ReplyVt52Identity     },
-    {'[',    BeginControlSequence,    BeginControlSequence  },
-    {'c',    FullReset,               FullReset             },
+    {kEsc,   BeginEscape,             BeginEscape           },  // ESC
+    {' ',    AwaitSpaceSequence,      AwaitSpaceSequence    },  // S7C1T, S8C1T
+    {'#',    AwaitLineSize,           AwaitLineSize         },  // line size
+    {'(',    AwaitG0,                 AwaitG0               },  // SCS
+    {')',    AwaitG1,                 AwaitG1               },  // SCS
+    {'7',    SaveCursor,              SaveCursor            },  // DECSC
+    {'8',    RestoreCursor,           RestoreCursor         },  // DECRC
+    {'<',    LeaveVt52,               LeaveVt52             },  // DECANM
+    {'=',    KeypadApplicationOn,     KeypadApplicationOn   },  // DECKPAM
+    {'>',    KeypadApplicationOff,    KeypadApplicationOff  },  // DECKPNM
+    {'A',    kNothing,                Vt52Up                },  // VT52
+    {'B',    kNothing,                Vt52Down              },  // VT52
+    {'C',    kNothing,                Vt52Right             },  // VT52
+    {'D',    LineFeed,                Vt52Left              },  // IND
+    {'E',    NextLine,                NextLine              },  // NEL
+    {'F',    SevenBitReplies,         kNothing              },  // S7C1T
+    {'G',    EightBitReplies,         kNothing              },  // S8C1T
+    {'H',    SetTabStop,              Vt52Home              },  // HTS
+    {'I',    kNothing,                ReverseIndex          },  // VT52
+    {'J',    kNothing,                Vt52EraseToEndOfScreen},  // VT52
+    {'K',    kNothing,                Vt52EraseToEndOfLine  },  // VT52
+    {'M',    ReverseIndex,            ReverseIndex          },  // RI
+    {'P',    BeginDeviceControl,      BeginDeviceControl    },  // DCS
+    {'Y',    kNothing,                BeginVt52Address      },  // VT52
+    {'Z',    ReplyPrimaryAttributes,  ReplyVt52Identity     },  // DECID
+    {'[',    BeginControlSequence,    BeginControlSequence  },  // CSI
+    {'c',    FullReset,               FullReset             },  // RIS
 };
 
 struct LineSizeRow {
@@ -104,11 +105,11 @@ static void FillWithAlignment(int) {
 }
 
 static const LineSizeRow kLineSizeRows[] = {
-    {'3', SetDoubleTop     },
-    {'4', SetDoubleBottom  },
-    {'5', SetSingleWidth   },
-    {'6', SetDoubleWidth   },
-    {'8', FillWithAlignment},
+    {'3', SetDoubleTop     },  // DECDHL
+    {'4', SetDoubleBottom  },  // DECDHL
+    {'5', SetSingleWidth   },  // DECSWL
+    {'6', SetDoubleWidth   },  // DECDWL
+    {'8', FillWithAlignment},  // DECALN
 };
 // clang-format on
 

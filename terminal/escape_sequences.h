@@ -2,7 +2,7 @@
 #ifndef QUILL_TERMINAL_ESCAPE_SEQUENCES_H
 #define QUILL_TERMINAL_ESCAPE_SEQUENCES_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 inline constexpr BYTE kEsc = 27;
 

@@ -37,20 +37,20 @@ struct ControlRow {
 
 // clang-format off
 static constexpr ControlRow kControlRows[] = {
-    {5,              ReplyAnswerback},
-    {7,              Bell           },
-    {8,              Backspace      },
-    {9,              Tab            },
-    {10,             LineFeed       },
-    {13,             CarriageReturn },
-    {14,             ShiftOut       },
-    {15,             ShiftIn        },
-    {kEsc,           BeginEscape    },
-    {kIntroducerInd, IntroduceInd   },
-    {kIntroducerRi,  IntroduceRi    },
-    {kIntroducerSs3, IntroduceSs3   },
-    {kIntroducerDcs, IntroduceDcs   },
-    {kIntroducerCsi, IntroduceCsi   },
+    {5,              ReplyAnswerback},  // ENQ
+    {7,              Bell           },  // BEL
+    {8,              Backspace      },  // BS
+    {9,              Tab            },  // HT
+    {10,             LineFeed       },  // LF
+    {13,             CarriageReturn },  // CR
+    {14,             ShiftOut       },  // SO
+    {15,             ShiftIn        },  // SI
+    {kEsc,           BeginEscape    },  // ESC
+    {kIntroducerInd, IntroduceInd   },  // IND
+    {kIntroducerRi,  IntroduceRi    },  // RI
+    {kIntroducerSs3, IntroduceSs3   },  // SS3
+    {kIntroducerDcs, IntroduceDcs   },  // DCS
+    {kIntroducerCsi, IntroduceCsi   },  // CSI
 };
 // clang-format on
 

@@ -5,7 +5,7 @@
 #ifndef QUILL_TERMINAL_INTERPRETER_H
 #define QUILL_TERMINAL_INTERPRETER_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 // Runs one byte through the current state. Returns reply_pending: 1 when a reply waits to be taken.
 int TerminalFeedByte(BYTE b);

@@ -79,8 +79,8 @@ struct ModeRow {
 
 static void InsertOn() { session.modes.insert_mode = 1; }
 static void InsertOff() { session.modes.insert_mode = 0; }
-static void EchoOff() { session.modes.localecho = 0; }
-static void EchoOn() { session.modes.localecho = 1; }
+static void EchoOff() { SetLocalEcho(0); }
+static void EchoOn() { SetLocalEcho(1); }
 static void NewlineOn() { session.modes.newline_mode = 1; }
 static void NewlineOff() { session.modes.newline_mode = 0; }
 
@@ -124,20 +124,20 @@ static void OriginOff() {
 
 // clang-format off
 static const ModeRow kAnsiModes[] = {
-    { 4, InsertOn,    InsertOff  },
-    {12, EchoOff,     EchoOn     },
-    {20, NewlineOn,   NewlineOff },
+    { 4, InsertOn,    InsertOff  },  // IRM
+    {12, EchoOff,     EchoOn     },  // SRM
+    {20, NewlineOn,   NewlineOff },  // LNM
 };
 
 static const ModeRow kPrivateModes[] = {
-    { 1, KeypadOn,    KeypadOff  },
-    { 2, IgnoreMode,  EnterVt52  },  // ESC < leaves it
-    { 3, ChangeWidth, ChangeWidth},
-    { 5, ReverseOn,   ReverseOff },
-    { 6, OriginOn,    OriginOff  },
-    { 7, WrapOn,      WrapOff    },
-    { 8, RepeatOn,    RepeatOff  },
-    {25, CursorOn,    CursorOff  },
+    { 1, KeypadOn,    KeypadOff  },  // DECCKM
+    { 2, IgnoreMode,  EnterVt52  },  // DECANM: ESC < leaves it
+    { 3, ChangeWidth, ChangeWidth},  // DECCOLM
+    { 5, ReverseOn,   ReverseOff },  // DECSCNM
+    { 6, OriginOn,    OriginOff  },  // DECOM
+    { 7, WrapOn,      WrapOff    },  // DECAWM
+    { 8, RepeatOn,    RepeatOff  },  // DECARM
+    {25, CursorOn,    CursorOff  },  // DECTCEM
 };
 // clang-format on
 
@@ -191,6 +191,7 @@ void LeaveVt52() {
 
 DWORD NewlineMode() { return session.modes.newline_mode; }
 void SetNewlineMode(DWORD on) { session.modes.newline_mode = on; }
+void SetLocalEcho(DWORD on) { session.modes.localecho = on; }
 DWORD Autowrap() { return session.modes.autowrap; }
 void SetAutowrap(DWORD on) { session.modes.autowrap = on; }
 DWORD CursorVisible() { return session.modes.cursor_visible; }

@@ -2,7 +2,7 @@
 #ifndef QUILL_TERMINAL_MODES_H
 #define QUILL_TERMINAL_MODES_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 // At every connect: modes, cursor, margins, interpreter, tab stops and split regions to their
 // values for a new session. The screen's contents and the current attribute stay, and so do
@@ -32,6 +32,7 @@ inline int CursorPosition() {  // column + 256 * row
 }
 DWORD NewlineMode();  // 1: Enter sends CR LF
 void SetNewlineMode(DWORD on);
+void SetLocalEcho(DWORD on);  // 1: typed characters are shown here
 DWORD Autowrap();
 void SetAutowrap(DWORD on);
 DWORD CursorVisible();

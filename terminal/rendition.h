@@ -3,7 +3,7 @@
 #ifndef QUILL_TERMINAL_RENDITION_H
 #define QUILL_TERMINAL_RENDITION_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 void SelectRendition();  // every parameter in turn; colours and the rest are ignored
 void SelectProtection();

@@ -26,11 +26,11 @@ static const ReplyText kParameters0    = {"\x1b[2;1;1;128;128;1;0x",    "2332;1;
 static const ReplyText kParameters     = {"\x1b[3;1;1;128;128;1;0x",    "\x9b""3;1;1;128;128;1;0x"};
 
 static const StatusRow kStatus[] = {
-    { 5, {"\x1b[0n",           "\x9b""0n"         }},
-    { 6, kCursor                                   },  // row, then column
-    {15, {"\x1b[?13n",         "\x9b?13n"         }},
-    {25, {"\x1b[?21n",         "\x9b?21n"         }},
-    {26, {"\x1b[?27;1;0;1n",   "\x9b?27;1;0;1n"   }},
+    { 5, {"\x1b[0n",           "\x9b""0n"         }},  // DSR
+    { 6, kCursor                                   },  // CPR: row, then column
+    {15, {"\x1b[?13n",         "\x9b?13n"         }},  // DSR
+    {25, {"\x1b[?21n",         "\x9b?21n"         }},  // DSR
+    {26, {"\x1b[?27;1;0;1n",   "\x9b?27;1;0;1n"   }},  // DSR
 };
 // clang-format on
 

@@ -4,7 +4,7 @@
 #ifndef QUILL_TERMINAL_REPORTS_H
 #define QUILL_TERMINAL_REPORTS_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 void ReplyAnswerback();          // ENQ
 void ReplyNotImplemented();      // = in a control sequence

@@ -1,6 +1,7 @@
 // The screen's storage: clearing, line sizes, the current attribute, cells and whole lines.
 // Scrolling stands in screen_scroll.cpp, selection and painting in screen_paint.cpp.
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 
 #include <cstring>
 

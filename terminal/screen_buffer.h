@@ -10,7 +10,7 @@
 #ifndef QUILL_TERMINAL_SCREEN_BUFFER_H
 #define QUILL_TERMINAL_SCREEN_BUFFER_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 inline bool RowExists(int row) { return row >= 1 && row <= kRingLines; }
 inline bool CellExists(int row, int col) {
@@ -29,16 +29,9 @@ inline int RowSlot(int row) {
     return slot > kRingLines ? slot - kRingLines : slot;
 }
 
-// The 81 words of a row: the line attribute, then the cells of columns 1..80. The row must be
-// 1..49, as the cursor's always is.
-inline DWORD* RowWords(int row) {
-    const int slot = session.screen.ring_origin + row;
-    return session.screen.slots[slot > kRingLines ? slot - kRingLines : slot];
-}
-
-inline void MarkRow(int row) { session.screen.row_changed[row] = 1; }  // row 1..49
 void MarkRows(int first, int last);
-void MarkAllRows();  // rows 1..24
+void MarkAllRows();        // rows 1..24
+void ForgetMark(int row);  // the renderer has drawn it; row 1..49
 
 // Clearing the whole ring; ring_origin becomes 0. ClearAll (start-up) leaves blanks and line
 // attributes 0; ClearAllLines (new connection) leaves 32 in every word, which as a line attribute
@@ -93,6 +86,8 @@ void TurnRing(int delta);
 // the row itself, or with a selection a copy, good until the next call, in which the selected cells
 // have kCellReverse.
 void SetSelection(int start_col, int start_row, int end_col, int end_row);
+void MoveSelectionEnd(int col, int row);
+void DropSelection();  // asks for a full repaint if something was selected
 struct ScreenArea {
     int first_row, last_row;
     int first_col, last_col;  // first > last: no column of any row

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "session/session_ports.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 
 void SetSelection(int start_col, int start_row, int end_col, int end_row) {
     ScreenBuffer& screen = session.screen;
@@ -70,3 +72,16 @@ void MarkBlinkingRows() {
         if (RowBlinks(row)) MarkRow(row);
     }
 }
+
+void MoveSelectionEnd(int col, int row) {
+    session.screen.selection_end_col = col;
+    session.screen.selection_end_row = row;
+}
+
+void DropSelection() {
+    if (!session.screen.selection_active) return;
+    session.screen.selection_active = 0;
+    session_ports.repaint();
+}
+
+void ForgetMark(int row) { session.screen.row_changed[row] = 0; }

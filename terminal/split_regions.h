@@ -3,7 +3,7 @@
 #ifndef QUILL_TERMINAL_SPLIT_REGIONS_H
 #define QUILL_TERMINAL_SPLIT_REGIONS_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 // The upper region active and as high as the screen, for TerminalStart and TerminalReset.
 void ResetSplit();

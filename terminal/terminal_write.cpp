@@ -3,13 +3,12 @@
 
 #include <cstring>
 
-#include "app/session_state.h"
-#include "app/status_bar.h"
-#include "telnet/session_send.h"
+#include "session/session_ports.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"
-#include "terminal/selection.h"
-#include "terminal/view.h"
+#include "terminal/screen_buffer.h"
 
 static void SendReply() {
     const char* reply = TerminalTakeReply();
@@ -34,7 +33,6 @@ void TerminalWrite(const BYTE* bytes, int count) {
 }
 
 void ShowWritten(int cursor_before) {
-    if (session.settings.followcursor) FollowCursor();
-    RefreshTerminal();
-    if (CursorPosition() != cursor_before) UpdateStatus();
+    session_ports.show_changes();
+    if (CursorPosition() != cursor_before) session_ports.update_status();
 }

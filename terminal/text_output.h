@@ -2,9 +2,10 @@
 #ifndef QUILL_TERMINAL_TEXT_OUTPUT_H
 #define QUILL_TERMINAL_TEXT_OUTPUT_H
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 #include "terminal/printable_bytes.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 
 // What a character written now gets beside its code.
 inline DWORD WrittenAttr() {

@@ -1,10 +1,17 @@
-// The chooser of colours: the toolkit's own, in a window no larger than the device's screen.
+// The chooser of colours: the toolkit's own, in a window no larger than the desktop, with buttons
+// that are always in sight.
 #include "color_dialog.h"
 
 #include <QColorDialog>
+#include <QDialogButtonBox>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
+#include <QStyle>
 #include <QVBoxLayout>
 
+#include "default_button.h"
 #include "dialogs.h"
 #include "gdi.h"
 #include "testing.h"
@@ -12,6 +19,8 @@
 namespace {
 
 constexpr int kCustomColors = 16;
+constexpr int kMargin = 4;
+constexpr int kSmallPatch = 20;
 
 QPointer<QColorDialog> g_shown;
 
@@ -31,26 +40,87 @@ void TakeCustomColors(COLORREF* colors) {
         colors[i] = ValueOf(QColorDialog::customColor(i));
 }
 
+// Enter is the window's, which presses its default button.
+class Chooser : public QColorDialog {
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (enter) return event->ignore();
+        QColorDialog::keyPressEvent(event);
+    }
+};
+
 QColorDialog* MakeChooser(const CHOOSECOLORW& request) {
-    auto* chooser = new QColorDialog;
+    auto* chooser = new Chooser;
     chooser->setWindowFlags(Qt::Widget);
-    chooser->setOptions(QColorDialog::DontUseNativeDialog);
+    chooser->setOptions(QColorDialog::DontUseNativeDialog | QColorDialog::NoButtons);
     chooser->setCurrentColor(request.Flags & CC_RGBINIT ? ColorOf(request.rgbResult) : Qt::black);
     return chooser;
 }
 
-void PutInWindow(QColorDialog* chooser, QDialog* window) {
-    auto* layout = new QVBoxLayout(window);
+QScrollArea* MakeArea(QColorDialog* chooser, QDialog* window) {
     auto* area = new QScrollArea(window);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(area);
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(chooser);
-    chooser->adjustSize();
+    area->setWidgetResizable(true);
+    QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
+        if (now && area->widget()->isAncestorOf(now)) area->ensureWidgetVisible(now, 4, 4);
+    });
+    return area;
+}
+
+QDialogButtonBox* MakeButtons(QColorDialog* chooser, QDialog* window) {
+    auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, window);
+    QObject::connect(box, &QDialogButtonBox::accepted, chooser, &QDialog::accept);
+    QObject::connect(box, &QDialogButtonBox::rejected, chooser, &QDialog::reject);
+    return box;
+}
+
+// As on the dialogs: a tap leaves the keyboard where it is, and Enter presses what is drawn so.
+void SetDefaults(QDialog* window, QPushButton* ok) {
+    for (QPushButton* button : window->findChildren<QPushButton*>()) {
+        button->setFocusPolicy(Qt::TabFocus);
+        button->setAutoDefault(false);
+        button->setDefault(button == ok);
+    }
+    FollowFocusWithDefault(window, [ok] { return ok; });
+}
+
+// For a hand-held's screen: the room between the fields is given up, and most of the patch that
+// shows the colour.
+void Squeeze(QColorDialog* chooser) {
+    for (QLayout* layout : chooser->findChildren<QLayout*>()) layout->setSpacing(kMargin);
+    chooser->layout()->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    for (QWidget* widget : chooser->findChildren<QWidget*>())
+        if (widget->inherits("QColorShowLabel")) widget->setMinimumWidth(kSmallPatch);
+}
+
+// As large as the chooser wants to be, or as the desktop is: then it is scrolled over its buttons.
+void SetSize(QDialog* window, QColorDialog* chooser, const QWidget& buttons) {
+    const QSize frame = DeviceScreen()->frameGeometry().size() - DeviceScreen()->size();
+    const QSize room = DeviceScreen()->screen()->availableGeometry().size() - frame;
+    const int bar = window->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    if (chooser->sizeHint().width() + bar > room.width()) Squeeze(chooser);
+    QSize size = chooser->sizeHint();
+    size.rheight() += buttons.sizeHint().height() + 2 * kMargin;
+    if (size.height() > room.height()) size.rwidth() += bar;
+    window->resize(size.boundedTo(room));
+}
+
+void PutInWindow(QColorDialog* chooser, QDialog* window) {
+    auto* layout = new QVBoxLayout(window);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(MakeArea(chooser, window));
+    QDialogButtonBox* buttons = MakeButtons(chooser, window);
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    row->addWidget(buttons);
+    layout->addLayout(row);
+    SetDefaults(window, buttons->button(QDialogButtonBox::Ok));
     window->setWindowTitle(chooser->windowTitle());
-    window->setMaximumSize(chooser->size().boundedTo(DeviceScreen()->size()));
-    window->resize(window->maximumSize());
+    SetSize(window, chooser, *buttons);
     chooser->show();
 }
 
@@ -74,7 +144,6 @@ BOOL ShowColorDialog(CHOOSECOLORW* request) {
     g_shown = chooser;
     window.setWindowModality(Qt::ApplicationModal);
     window.show();
-    chooser->setFocus();
     AnnounceDialog();
     RunModalLoop([&] { return done; });
     if (chosen) request->rgbResult = ValueOf(chooser->selectedColor());

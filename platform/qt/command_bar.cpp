@@ -2,10 +2,9 @@
 // tip. A button is a desktop button, so that finger, mouse and screen reader find it; it never
 // takes the keyboard from the window.
 #include <map>
-#include <QIcon>
 #include <QToolButton>
 
-#include "bitmaps.h"
+#include "bar_pictures.h"
 #include "gdi.h"
 #include "window_widget.h"
 
@@ -13,7 +12,6 @@ namespace {
 
 constexpr int kButtonWidth = 21;
 constexpr int kButtonMargin = 2;  // above and below a button
-constexpr int kTwice = 2;
 
 struct CommandBar {
     std::vector<QIcon> pictures;
@@ -21,56 +19,6 @@ struct CommandBar {
 };
 
 std::map<HWND, CommandBar> g_bars;
-
-// Pictures are drawn in the device's colours; these four stand for the desktop's.
-struct SystemColor {
-    uint32_t drawn;  // 0x00RRGGBB
-    QPalette::ColorRole role;
-};
-
-constexpr uint32_t kFace = 0xC0C0C0;  // the bar itself: seen through
-
-const SystemColor kSystemColors[] = {
-    {0x000000, QPalette::ButtonText},
-    {0x808080, QPalette::Dark},
-    {0xFFFFFF, QPalette::Light},
-};
-
-QRgb Shown(uint32_t drawn, const QPalette& palette) {
-    if (drawn == kFace) return qRgba(0, 0, 0, 0);
-    for (const SystemColor& row : kSystemColors)
-        if (row.drawn == drawn) return palette.color(row.role).rgb();
-    return 0xFF000000u | drawn;
-}
-
-QImage Translated(const Bitmap& bitmap, const QPalette& palette) {
-    QImage image(bitmap.width, bitmap.height, QImage::Format_ARGB32);
-    size_t next = 0;
-    for (int y = 0; y < bitmap.height; y++)
-        for (int x = 0; x < bitmap.width; x++)
-            image.setPixel(x, y, Shown(bitmap.pixels[next++], palette));
-    return image;
-}
-
-// The strip's bitmap, or none where it is missing, damaged or too small for `count` pictures.
-QImage LoadStrip(int id, int count, QSize size, const QPalette& palette) {
-    const uint8_t* bytes = nullptr;
-    size_t length = 0;
-    Bitmap bitmap;
-    if (!FindResourceBytes(MAKEINTRESOURCE(kResourceBitmap), MAKEINTRESOURCE(id), &bytes, &length))
-        return QImage();
-    if (!ReadBitmap({bytes, length}, &bitmap)) return QImage();
-    if (bitmap.height < size.height() || bitmap.width / size.width() < count) return QImage();
-    return Translated(bitmap, palette);
-}
-
-void AddPicture(QIcon* icon, const QImage& strip, int index, QSize size, double ratio) {
-    if (strip.isNull()) return;
-    QPixmap picture =
-        QPixmap::fromImage(strip.copy(index * size.width(), 0, size.width(), size.height()));
-    picture.setDevicePixelRatio(ratio);
-    icon->addPixmap(picture);
-}
 
 QWidget* WidgetOf(HWND bar) {
     const Window* window = FindWindowRecord(bar);
@@ -159,18 +107,10 @@ int CommandBar_AddBitmap(HWND bar, HINSTANCE, int id, int count, int width, int 
     CommandBar* record = FindBar(bar);
     if (!record || id < 0 || id > 0xFFFF - kTwiceAsLarge || count < 1) return -1;
     if (width != kBarPicture || height != kBarPicture) return -1;
-    const QPalette palette = WidgetOf(bar)->palette();
-    const QSize size(width, height);
-    const QImage plain = LoadStrip(id, count, size, palette);
-    const QImage sharp = LoadStrip(id + kTwiceAsLarge, count, size * kTwice, palette);
-    if (plain.isNull()) return -1;
+    const std::vector<QIcon>& pictures = BarPictures(id, count, WidgetOf(bar)->palette());
+    if (pictures.empty()) return -1;
     const int first = static_cast<int>(record->pictures.size());
-    for (int i = 0; i < count; i++) {
-        QIcon icon;
-        AddPicture(&icon, plain, i, size, 1);
-        AddPicture(&icon, sharp, i, size * kTwice, kTwice);
-        record->pictures.push_back(icon);
-    }
+    record->pictures.insert(record->pictures.end(), pictures.begin(), pictures.end());
     return first;
 }
 

@@ -4,7 +4,9 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -15,6 +17,24 @@ template <typename Button>
 class PlainButton : public Button {
   protected:
     void nextCheckState() override {}
+};
+
+// Enter is the dialog's, which presses the default button. The focus is drawn within the frame, as
+// the default button has that of the focus.
+class PushButton : public QPushButton {
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (enter) return event->ignore();
+        QPushButton::keyPressEvent(event);
+    }
+    void paintEvent(QPaintEvent* event) override {
+        QPushButton::paintEvent(event);
+        if (!hasFocus()) return;
+        QPainter painter(this);
+        painter.setPen(QPen(palette().color(QPalette::ButtonText), 1, Qt::DotLine));
+        painter.drawRect(QRectF(rect()).adjusted(3.5, 3.5, -3.5, -3.5));
+    }
 };
 
 QAbstractButton* ButtonOf(const Window& window) {
@@ -64,8 +84,8 @@ struct ButtonRow {
 };
 
 const ButtonRow kButtons[] = {
-    {BS_PUSHBUTTON, Make<QPushButton>},
-    {BS_DEFPUSHBUTTON, Make<QPushButton>},
+    {BS_PUSHBUTTON, Make<PushButton>},
+    {BS_DEFPUSHBUTTON, Make<PushButton>},
     {BS_CHECKBOX, Make<PlainButton<QCheckBox>>},
     {BS_AUTOCHECKBOX, Make<QCheckBox>},
     {BS_RADIOBUTTON, Make<PlainButton<QRadioButton>>},
@@ -75,7 +95,7 @@ const ButtonRow kButtons[] = {
 QAbstractButton* MakeKindOfButton(DWORD style, QWidget* parent) {
     for (const ButtonRow& row : kButtons)
         if (row.type == (style & 0xFu)) return row.make(parent);
-    return Make<QPushButton>(parent);
+    return Make<PushButton>(parent);
 }
 
 QWidget* MakeGroupBox(const DialogItem& item, QWidget* parent) {

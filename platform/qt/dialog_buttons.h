@@ -1,4 +1,5 @@
-// Buttons, static texts and edits of dialogs.
+// Classes of dialog controls: buttons and static texts (dialog_buttons.cpp), edits
+// (dialog_edits.cpp).
 #ifndef QUILL_PLATFORM_QT_DIALOG_BUTTONS_H
 #define QUILL_PLATFORM_QT_DIALOG_BUTTONS_H
 

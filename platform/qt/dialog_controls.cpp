@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPushButton>
 #include <QRadioButton>
 
 #include "dialog_buttons.h"
@@ -104,6 +105,13 @@ void GroupRadios(const std::vector<Window*>& controls, QWidget* content) {
     }
 }
 
+// A tap on a push button leaves the keyboard where it is, and so Enter to the usual button.
+Qt::FocusPolicy FocusPolicyOf(const QWidget& widget, DWORD style) {
+    const bool tab = style & WS_TABSTOP;
+    if (qobject_cast<const QPushButton*>(&widget)) return tab ? Qt::TabFocus : Qt::NoFocus;
+    return tab ? Qt::StrongFocus : Qt::ClickFocus;
+}
+
 }  // namespace
 
 HWND MakeControl(Window& dialog, const DialogItem& item) {
@@ -120,9 +128,11 @@ HWND MakeControl(Window& dialog, const DialogItem& item) {
     QRect place(QPoint(corner.width(), corner.height()), end - corner);
     if (qobject_cast<QComboBox*>(window->widget))  // the template counts the list in
         place.setHeight(window->widget->sizeHint().height());
+    if (kind == &kListBoxClass && !(item.style & LBS_NOINTEGRALHEIGHT))
+        place.setHeight(WholeLines(window->widget, place.height()));
     window->widget->setGeometry(place);
     if (window->widget->focusPolicy() != Qt::NoFocus)
-        window->widget->setFocusPolicy(item.style & WS_TABSTOP ? Qt::StrongFocus : Qt::ClickFocus);
+        window->widget->setFocusPolicy(FocusPolicyOf(*window->widget, item.style));
     window->widget->setEnabled(!(item.style & WS_DISABLED));
     window->widget->setVisible(item.style & WS_VISIBLE);
     return window->handle;

@@ -3,6 +3,7 @@
 #include <QListWidget>
 #include <QScrollBar>
 
+#include "broken_lines.h"
 #include "dialogs.h"
 
 namespace {
@@ -16,8 +17,18 @@ class ListBox : public QListWidget {
   protected:
     void keyPressEvent(QKeyEvent* event) override {
         const bool tap = event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier;
-        if (tap && currentItem()) return (void)emit itemDoubleClicked(currentItem());
-        QListWidget::keyPressEvent(event);
+        if (!tap || !currentItem()) return QListWidget::keyPressEvent(event);
+        currentItem()->setSelected(true);  // Tab comes to an entry and selects none
+        emit itemDoubleClicked(currentItem());
+    }
+    // An entry that is seen in part at the bottom is left out.
+    void paintEvent(QPaintEvent* event) override {
+        const QRect seen = viewport()->rect();
+        const QRect last = visualRect(indexAt(seen.bottomLeft() + QPoint(1, 0)));
+        const bool cut = last.bottom() > seen.bottom() && last.top() > 0;
+        const QRect whole = cut ? QRect(seen.topLeft(), last.topRight() - QPoint(0, 1)) : seen;
+        QPaintEvent shown(event->region() & whole);
+        QListWidget::paintEvent(&shown);
     }
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override {
@@ -152,10 +163,10 @@ LRESULT SetTop(Window& window, WPARAM row, LPARAM) {
     return 0;
 }
 
-// How wide its entries are the toolkit knows by itself.
+// What does not fit is broken over lines: moved sideways, the list would hide how entries begin.
+// How wide they are the toolkit knows by itself.
 LRESULT SetWidth(Window& window, WPARAM pixels, LPARAM) {
-    const bool wanted = pixels > 0 && window.control->style & WS_HSCROLL;
-    ListOf(window)->setHorizontalScrollBarPolicy(BarFor(wanted));
+    if (pixels > 0 && window.control->style & WS_HSCROLL) BreakLines(ListOf(window));
     ListOf(window)->doItemsLayout();
     return 0;
 }
@@ -195,3 +206,11 @@ const MessageRow kListMessages[] = {
 }  // namespace
 
 const ControlClass kListBoxClass = {0x83, u"ListBox", MakeListBox, kListMessages};
+
+int WholeLines(QWidget* widget, int height) {
+    auto* list = qobject_cast<QListWidget*>(widget);
+    list->addItem("X");
+    const int line = list->sizeHintForRow(0), frame = 2 * list->frameWidth();
+    list->clear();
+    return std::max((height - frame) / line, 1) * line + frame;
+}

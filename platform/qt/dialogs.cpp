@@ -8,6 +8,7 @@
 #include <QScrollArea>
 #include <QStyle>
 
+#include "default_button.h"
 #include "input_panel.h"
 #include "testing.h"
 
@@ -46,22 +47,22 @@ void CloseByCancel(HWND dialog) {
                  reinterpret_cast<LPARAM>(button));
 }
 
-const ControlData* DefaultButton(const QWidget& content, QPushButton** button) {
+// The template's default button.
+QPushButton* UsualDefault(const QWidget& dialog) {
     for (const Window* window : AllWindows()) {
-        const bool here =
-            window->control && window->widget && window->widget->window() == content.window();
+        const bool here = window->control && window->widget && window->widget->window() == &dialog;
         if (!here || (window->control->style & 0xFu) != BS_DEFPUSHBUTTON) continue;
-        *button = qobject_cast<QPushButton*>(window->widget.data());
-        if (*button && (*button)->isVisible()) return window->control.get();
+        auto* button = qobject_cast<QPushButton*>(window->widget.data());
+        if (button && button->isVisible()) return button;
     }
     return nullptr;
 }
 
-// A push button with the focus is the default one.
-void PressDefault(HWND dialog, QWidget* widget) {
-    auto* button = qobject_cast<QPushButton*>(widget->focusWidget());
-    if (button || DefaultButton(*widget, &button)) return button->click();
-    QueueCommand(dialog, IDOK);
+void PressDefault(HWND dialog, const QWidget& widget) {
+    auto* button = qobject_cast<QPushButton*>(widget.focusWidget());
+    if (!button) button = ShownDefault(widget);
+    if (!button) return QueueCommand(dialog, IDOK);
+    button->click();
 }
 
 // The template's corner counts from the owner's client area.
@@ -96,7 +97,7 @@ void DialogWidget::reject() { QueueCommand(dialog_, IDCANCEL); }
 void DialogWidget::keyPressEvent(QKeyEvent* event) {
     const auto modifiers = event->modifiers() & ~Qt::KeypadModifier;
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (enter && modifiers == Qt::NoModifier) return PressDefault(dialog_, this);
+    if (enter && modifiers == Qt::NoModifier) return PressDefault(dialog_, *this);
     QDialog::keyPressEvent(event);
 }
 
@@ -138,7 +139,9 @@ Window* MakeDialogWindow(const WindowClass* window_class, HWND owner, const std:
     window->text = title;
     window->dialog = std::make_shared<DialogData>();
     window->dialog->procedure = procedure;
-    window->widget = new DialogWidget(window->handle, parent);
+    auto* widget = new DialogWidget(window->handle, parent);
+    window->widget = widget;
+    FollowFocusWithDefault(widget, [widget] { return UsualDefault(*widget); });
     window->widget->setWindowTitle(FromWide(title.c_str()));
     return window;
 }

@@ -81,7 +81,9 @@ extern const ControlClass kComboBoxClass;  // dialog_combo.cpp
 // All of a template's controls, with focus order, groups and names; false for an unknown class.
 bool MakeControls(Window& dialog, const DialogTemplate& shape);
 HWND MakeControl(Window& dialog, const DialogItem& item);  // null for an unknown class
-HWND FirstTabStop(const Window& dialog);                   // null: none
+// The height, at most that one, in which a list shows no line cut off.
+int WholeLines(QWidget* list, int height);
+HWND FirstTabStop(const Window& dialog);   // null: none
 void FocusControl(const Window& control);  // and selects an edit's text, as Tab does
 QString WithoutMnemonic(const QString& text);
 // WM_COMMAND to the dialog: in its turn behind the input before, or at once.

@@ -5,6 +5,7 @@
 #include <QFontMetrics>
 #include <QStyleFactory>
 
+#include "bar_pictures.h"
 #include "device_root.h"
 #include "dial_up.h"
 #include "gdi.h"
@@ -61,23 +62,28 @@ bool TakeSize(const char* text, QSize* size) {
     return width >= 100 && width <= 4000 && height >= 80 && height <= 4000;
 }
 
+// Below 1 there are fewer desktop pixels than the device's lines and letters need.
 bool TakeScale(const char* text, double* scale) {
     char* end = nullptr;
     *scale = std::strtod(text, &end);
-    return *text && !*end && *scale >= 0.5 && *scale <= 8;
+    return *text && !*end && *scale >= 1 && *scale <= 8;
 }
 
 struct OptionRow {
     const char* name;
+    const char* wanted;
     bool (*take)(const char* value, HostOptions* options);
 };
 
 const OptionRow kOptions[] = {
-    {"--root", [](const char* v, HostOptions* o) { return o->root = v, *v != 0; }},
-    {"--screen", [](const char* v, HostOptions* o) { return TakeSize(v, &o->screen); }},
-    {"--scale", [](const char* v, HostOptions* o) { return TakeScale(v, &o->scale); }},
-    {"--snapshot", [](const char* v, HostOptions* o) { return o->snapshot = v, *v != 0; }},
-    {"--text", [](const char* v, HostOptions* o) { return o->text = v, *v != 0; }},
+    {"--root", "a folder", [](const char* v, HostOptions* o) { return o->root = v, *v != 0; }},
+    {"--screen", "a size from 100x80 to 4000x4000",
+     [](const char* v, HostOptions* o) { return TakeSize(v, &o->screen); }},
+    {"--scale", "a number from 1 to 8",
+     [](const char* v, HostOptions* o) { return TakeScale(v, &o->scale); }},
+    {"--snapshot", "a file",
+     [](const char* v, HostOptions* o) { return o->snapshot = v, *v != 0; }},
+    {"--text", "a file", [](const char* v, HostOptions* o) { return o->text = v, *v != 0; }},
 };
 
 const OptionRow* FindOption(const char* name) {
@@ -101,8 +107,7 @@ bool TakeHostOptions(int* argc, char** argv, HostOptions* options) {
             continue;
         }
         if (i + 1 == *argc || !row->take(argv[i + 1], options)) {
-            std::fprintf(stderr, "quill: %s wants %s\n", argv[i],
-                         i + 1 == *argc ? "a value" : "another value");
+            std::fprintf(stderr, "quill: %s wants %s\n", argv[i], row->wanted);
             TellUsage(stderr);
             return false;
         }
@@ -145,6 +150,7 @@ void CloseDevice() {
     ResetKeyboard();
     ForgetRecords();
     ReleaseGdi();
+    ForgetBarPictures();
     CloseDeviceScreen();
     CloseRegistry();
     QGuiApplication::sync();

@@ -26,12 +26,14 @@ namespace {
 constexpr double kUnits = 15;
 constexpr int kRows = 5;
 constexpr int kFnKey = Qt::Key_unknown;
+constexpr int kLabelMargin = 3;      // pixels at either side of a key's label
+constexpr int kSmallestLabel = 5;    // pixels of its font
 constexpr int kRepeatDelay = 400;    // milliseconds
 constexpr int kRepeatInterval = 60;  // milliseconds
 
 // clang-format off
 const PanelKeyRow kPanelKeys[] = {
-    {0, 1,   Qt::Key_Escape,       "Esc", nullptr, 0,            nullptr},
+    {0, 1.25, Qt::Key_Escape,      "Esc", nullptr, 0,            nullptr},
     {0, 1,   Qt::Key_1,            "1",   "!",     Qt::Key_F1,   "F1"},
     {0, 1,   Qt::Key_2,            "2",   "@",     Qt::Key_F2,   "F2"},
     {0, 1,   Qt::Key_3,            "3",   "#",     Qt::Key_F3,   "F3"},
@@ -44,7 +46,7 @@ const PanelKeyRow kPanelKeys[] = {
     {0, 1,   Qt::Key_0,            "0",   ")",     Qt::Key_F10,  "F10"},
     {0, 1,   Qt::Key_Minus,        "-",   "_",     Qt::Key_F11,  "F11"},
     {0, 1,   Qt::Key_Equal,        "=",   "+",     Qt::Key_F12,  "F12"},
-    {0, 2,   Qt::Key_Backspace,    "Bksp", nullptr, 0,           nullptr},
+    {0, 1.75, Qt::Key_Backspace,   "Bksp", nullptr, 0,           nullptr},
 
     {1, 1.5, Qt::Key_Tab,          "Tab", nullptr, 0,            nullptr},
     {1, 1,   Qt::Key_Q,            "q",   "Q",     0,            nullptr},
@@ -153,6 +155,16 @@ void PanelKey::Show(const QString& label, bool lit) {
     update();
 }
 
+// Smaller letters for a label that would touch the key's edge.
+QFont PanelKey::LabelFont() const {
+    QFont font = this->font();
+    const int room = width() - 2 * kLabelMargin;
+    const int wanted = QFontMetrics(font).horizontalAdvance(text());
+    if (wanted > room && room > 0)
+        font.setPixelSize(std::max(font.pixelSize() * room / wanted, kSmallestLabel));
+    return font;
+}
+
 void PanelKey::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -161,6 +173,7 @@ void PanelKey::paintEvent(QPaintEvent*) {
     painter.setBrush(palette().color(dark ? QPalette::Dark : QPalette::Base));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
     painter.setPen(palette().color(dark ? QPalette::BrightText : QPalette::Text));
+    painter.setFont(LabelFont());
     painter.drawText(rect(), Qt::AlignCenter, text());
 }
 

@@ -22,6 +22,8 @@ class PanelKey : public QAbstractButton {
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    QFont LabelFont() const;
+
     const PanelKeyRow& key_;
     bool lit_ = false;  // a latch that is on
 };

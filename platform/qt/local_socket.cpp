@@ -72,9 +72,9 @@ long HearLocally(int socket, char* bytes, size_t size) {
     return count >= 0 ? count : errno == EAGAIN || errno == EINTR ? -1 : 0;
 }
 
-void AwaitLocally(int socket, int milliseconds) {
+bool AwaitLocally(int socket, int milliseconds) {
     pollfd wait = {socket, POLLIN, 0};
-    poll(&wait, 1, milliseconds);
+    return poll(&wait, 1, milliseconds) > 0;
 }
 
 void CloseLocally(int socket) { close(socket); }

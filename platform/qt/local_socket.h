@@ -13,7 +13,7 @@ int CallLocally(const std::string& name);  // below 0: nobody listens
 bool SayLocally(int socket, const std::string& bytes);
 // The bytes that are there: 0 at the end, below 0 when none has come yet.
 long HearLocally(int socket, char* bytes, size_t size);
-void AwaitLocally(int socket, int milliseconds);  // until there is something to hear
+bool AwaitLocally(int socket, int milliseconds);  // whether there is something to hear by then
 void CloseLocally(int socket);
 
 #endif

@@ -4,6 +4,8 @@
 
 #include <QMenu>
 #include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOption>
 
 #include "input_panel.h"
 #include "menu_resource.h"
@@ -12,6 +14,21 @@
 namespace {
 
 constexpr int kPanelButtonWidth = 34;
+
+// Some styles draw a line below a bar, a piece below each title and one below what is left, with
+// gaps between. Here the bar is the screen's last row: nothing is to be set apart.
+class PlainBarStyle : public QProxyStyle {
+  public:
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        if (element == CE_MenuBarEmptyArea) return;
+        QProxyStyle::drawControl(element, option, painter, widget);
+        if (element != CE_MenuBarItem || option->state & State_Selected) return;
+        QRect line = option->rect;
+        line.setTop(line.bottom());
+        painter->fillRect(line, option->palette.window());
+    }
+};
 
 // A small keyboard, drawn at whatever sharpness the screen has.
 QIcon KeyboardIcon(const QColor& color, double sharpness) {
@@ -58,6 +75,9 @@ MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
     setAutoFillBackground(true);
     bar_ = new QMenuBar(this);
     bar_->setNativeMenuBar(false);
+    auto* style = new PlainBarStyle;
+    style->setParent(bar_);
+    bar_->setStyle(style);
     bar_->setDefaultUp(true);
     panel_button_ = new QToolButton(this);
     panel_button_->setAutoRaise(true);

@@ -3,7 +3,9 @@
 #include <QLabel>
 #include <QLayout>
 #include <QMessageBox>
+#include <QMoveEvent>
 #include <QPushButton>
+#include <QScreen>
 #include <QTimer>
 
 #include "dialogs.h"
@@ -34,20 +36,40 @@ QMessageBox::Icon IconOf(UINT type) {
     return QMessageBox::NoIcon;
 }
 
+// Over the middle of the device's window; of the desktop while that one is not shown.
+QPoint BoxCorner(QSize size) {
+    if (DeviceScreen()->isVisible())
+        return DeviceScreen()->mapToGlobal(CenteredPlace(size).topLeft());
+    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
+    const QPoint corner = room.center() - QRect(QPoint(0, 0), size).center();
+    return QPoint(std::max(corner.x(), room.left()), std::max(corner.y(), room.top()));
+}
+
 // The toolkit breaks its texts for the desktop's screen. On a narrow device they are broken for
-// that one's, and the box stands within it.
+// that one's, and the box stands within it. It goes along with the device's window, to which the
+// desktop may give its place only after the box has come up.
 class BoundedBox : public QMessageBox {
   public:
-    using QMessageBox::QMessageBox;
+    explicit BoundedBox(QWidget* parent) : QMessageBox(parent) {
+        DeviceScreen()->installEventFilter(this);
+    }
 
   protected:
     void showEvent(QShowEvent* event) override {
         QMessageBox::showEvent(event);
         if (parentWidget() && width() > DeviceScreen()->width()) Narrow();
+        setGeometry(QRect(BoxCorner(size()), size()));
     }
     bool event(QEvent* event) override {
         const bool keep = narrowed_ && event->type() == QEvent::LayoutRequest;
         return keep ? QDialog::event(event) : QMessageBox::event(event);
+    }
+    bool eventFilter(QObject* device, QEvent* event) override {
+        if (event->type() == QEvent::Move && isVisible()) {
+            const auto* way = static_cast<QMoveEvent*>(event);
+            move(pos() + way->pos() - way->oldPos());
+        }
+        return QMessageBox::eventFilter(device, event);
     }
 
   private:
@@ -57,8 +79,6 @@ class BoundedBox : public QMessageBox {
         layout()->activate();
         const int width = std::max(DeviceScreen()->width(), layout()->totalMinimumSize().width());
         setFixedSize(width, layout()->totalHeightForWidth(width));
-        const QPoint corner = CenteredPlace(size()).topLeft();
-        setGeometry(QRect(DeviceScreen()->mapToGlobal(corner), size()));
     }
 
     bool narrowed_ = false;

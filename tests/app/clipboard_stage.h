@@ -6,7 +6,7 @@
 #include <QApplication>
 #include <QClipboard>
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

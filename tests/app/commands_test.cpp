@@ -4,14 +4,14 @@
 #include <QFile>
 #include <QUrl>
 
-#include "app/commands.h"
-#include "app/connection.h"
-#include "app/main_window.h"
-#include "app/session_state.h"
+#include "connection/connection.h"
 #include "platform/qt/testing.h"
+#include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
+#include "ui/commands.h"
+#include "ui/main_window.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // The connection manager against a host whose every byte the test decides.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "terminal/screen_buffer.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
@@ -285,6 +285,19 @@ TEST(Connection, UrgentDataOfTheHostEndsTheSession) {
     });
 }
 
+TEST(Connection, ResizeTellsATelnetHostNothing) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.ReadSome(100);
+        ResizeDevice(240, 320);
+        ResizeDevice(320, 200);
+        ResizeDevice(640, 480);
+        EXPECT_EQ(host.ReadSome(300), "");
+        TypeText("still here");
+        EXPECT_EQ(host.Read(10), "still here");
+    });
+}
+
 // A chunk that the window thread has not taken yet keeps the thread from reading on: what the host
 // sends then waits in the sockets, and the host is held up.
 TEST(Connection, SlowTerminalSlowsTheSocket) {
@@ -396,7 +409,10 @@ TEST(Connection, ConnectingWhileOnlineLeavesTheScreenAndTheUsedUpLogin) {
 TEST(Connection, EveryConnectForgetsHowFarSshHadCome) {
     FakeHost host;
     const auto reached = [] {
-        OnWindowThread([] { session.banner_sent = session.ssh_progress = 1; });
+        OnWindowThread([] {
+            session.banner_sent = session.ssh_progress = 1;
+            session.ssh.recvFill = 7;
+        });
     };
     const auto expect_forgotten = [] {
         OnWindowThread([] {

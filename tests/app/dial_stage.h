@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "app/session_state.h"
 #include "platform/qt/testing_services.h"
+#include "session/session_state.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
 

@@ -1,8 +1,9 @@
 // Dialling on the running program. The dial-up program is a script of the test's own that writes
 // the lines of pppd in their order and ends with its exit codes.
-#include "app/dialling.h"
+#include "connection/dialling.h"
 
-#include "app/connection.h"
+#include "connection/connection.h"
+#include "platform/qt/testing.h"
 #include "terminal/screen_buffer.h"
 #include "tests/app/dial_stage.h"
 #include "tests/support/fake_host.h"
@@ -85,6 +86,98 @@ TEST_F(Dialling, AnotherDialsFirstStateIsNotShownWhenItWasTheLast) {
             EXPECT_EQ(TerminalRow(2), "The com. port has been opened successfully");
             session.dialling = 0;
         });
+    });
+}
+
+// Its own state, and its error with it, is passed over where the last dial ended in the same one.
+TEST_F(Dialling, TheLastStateOfADialIsNotForgottenByTheNext) {
+    MakeEntry("depot");
+    MakeProgram("exit 1\n");
+    RunProgram({}, [&] {
+        for (int dials = 0; dials < 2; dials++) {
+            Dial(u"depot");
+            ASSERT_EQ(AwaitBox(), kFailed);
+            PressOk();
+            ASSERT_TRUE(NotDialling());
+        }
+        MakeProgram("await go\n");
+        const std::string failed = "Open port\nDisconnection or failed connection\n";
+        OnWindowThread([&] {
+            lstrcpyW(session.settings.ras, u"depot");
+            StartDial();
+            EXPECT_EQ(session.dialling, 1u);
+            AnswerMessageBoxes(true);  // were one to come
+            OnDialEvent(RASCS_Disconnected, 676);
+            AnswerMessageBoxes(false);
+            EXPECT_EQ(session.dialling, 1u);
+            EXPECT_EQ(TerminalText().substr(0, 2 * failed.size()), failed + failed);
+            EXPECT_EQ(TerminalRow(5), "");
+        });
+        ASSERT_TRUE(FileAppears(folder + "/process"));
+        EXPECT_TRUE(TerminalShows(failed + failed + "Open port\n"));
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(ProgramGone());
+    });
+}
+
+TEST_F(Dialling, TwoDialsWhoseFirstStateIsTheLastOfTheOneBeforeShowItOnce) {
+    MakeEntry("depot");
+    MakeProgram("await go\necho 'Serial connection established.'\nwhile :; do sleep 0.02; done\n");
+    RunProgram({}, [&] {
+        for (int dials = 0; dials < 3; dials++) {
+            fs::remove(folder + "/process");
+            Dial(u"depot");
+            ASSERT_TRUE(FileAppears(folder + "/process"));
+            ASSERT_TRUE(TerminalShows("Open port"));
+        }
+        Let("go");
+        EXPECT_TRUE(TerminalShows("A device has connected successfully"));
+        OnWindowThread([] {
+            EXPECT_EQ(TerminalRow(1), "Open port");
+            EXPECT_EQ(TerminalRow(2), "A device has connected successfully");
+        });
+        PostToMain(WM_COMMAND, 40011);
+        EXPECT_TRUE(NotDialling());
+        EXPECT_TRUE(ProgramGone());
+    });
+}
+
+TEST_F(Dialling, ARequestIsTakenOnceHoweverLongItsBoxStaysOpen) {
+    RunProgram({}, [] {
+        for (int times = 0; times < 2; times++) {
+            Dial(u"shop");
+            ASSERT_EQ(AwaitBox(),
+                      "Error: Cannot find dial information for connection name. (shop)");
+            for (int ticks = 0; ticks < 3; ticks++) PostToMain(WM_TIMER, 1);
+            OnWindowThread([] {});
+            OnWindowThread([] { EXPECT_EQ(session.dial_request, 0u); });
+            PressOk();
+            OnWindowThread([] { EXPECT_EQ(ShownMessageBox(), nullptr) << "one request, one box"; });
+        }
+    });
+}
+
+TEST_F(Dialling, AConnectionWithAnErrorConnectsAndTellsTheError) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        for (int times = 0; times < 2; times++) {
+            OnWindowThread([] { session.dialling = 1; });
+            PostToMain(WM_RASDIALEVENT, 5, 0);
+            PostToMain(WM_RASDIALEVENT, 8192, 691);
+            ASSERT_EQ(AwaitBox(), kFailed);
+            ASSERT_TRUE(host.Accept()) << "begun before the box";
+            OnWindowThread([] {
+                EXPECT_EQ(session.dialling, 0u);
+                EXPECT_EQ(session.connect_pending, 1u);
+            });
+            PressOk();
+            host.Send("hello");
+            ASSERT_TRUE(TerminalShows("hello"));
+            Close();
+            ASSERT_TRUE(Offline());
+        }
     });
 }
 
@@ -292,6 +385,7 @@ TEST_F(Dialling, NamesReachTheProgramAsTheyAre) {
         {"it's \"mine\"", u"it's \"mine\""},
         {"$(touch x); `y`", u"$(touch x); `y`"},
         {"-detach", u"-detach"},
+        {"a-name-of-20-letters", u"a-name-of-20-letters"},
         {"caf\xc3\xa9 \\ *", u"caf\u00e9 \\ *"}};
     MakeProgram("exit 1\n");
     RunProgram({}, [&] {

@@ -5,13 +5,14 @@
 #include <QScreen>
 #include <random>
 
-#include "app/session_state.h"
 #include "platform/qt/frames.h"
-#include "terminal/view.h"
+#include "platform/qt/input_panel.h"
+#include "session/session_state.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
+#include "ui/view/view.h"
 
 namespace {
 
@@ -179,6 +180,54 @@ TEST(Frames, AfterAResizeInAStreamTheScreenShowsTheGrid) {
             AwaitRest(host);
             ExpectGlassShowsTheGrid("width " + std::to_string(width));
         }
+    });
+}
+
+TEST(Frames, RowsUnderTheKeyboardLeaveItAlone) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ResizeDevice(640, 260);
+        OnWindowThread([] { ShowInputPanel(true); });
+        for (const int row : {3, 12, 24}) {
+            host.Send("\033[" + std::to_string(row) + ";1H\033[7m" + std::string(80, ' ') +
+                      "\033[m");
+            AwaitRest(host);
+            EXPECT_EQ(Glass(), Picture().convertToFormat(QImage::Format_RGB32)) << row;
+        }
+        OnWindowThread([] { ShowInputPanel(false); });
+        AwaitRest(host);
+        EXPECT_EQ(Glass(), Picture().convertToFormat(QImage::Format_RGB32));
+    });
+}
+
+// Dark points of the status line's text.
+int StatusInk() {
+    const QImage picture = Picture();
+    int dark = 0;
+    OnWindowThread([&] {
+        RECT bar;
+        GetWindowRect(session.status_window, &bar);
+        for (int y = bar.top + 2; y < bar.bottom; y++)
+            for (int x = bar.left; x < bar.right; x++) dark += qGray(picture.pixel(x, y)) < 100;
+    });
+    return dark;
+}
+
+TEST(Frames, TheStatusLineShowsItsTextAlsoBeyondAscii) {
+    FakeHost host;
+    WithSession(host, [&] {
+        int ink[3] = {};
+        const LPCWSTR texts[] = {u"", u"online  row: 1", u"online  row: 1  \u00e9\u00e9\u00e9"};
+        for (int i = 0; i < 3; i++) {
+            OnWindowThread([&] {
+                SetWindowTextW(session.status_window, texts[i]);
+                UpdateWindow(session.status_window);
+            });
+            ink[i] = StatusInk();
+        }
+        EXPECT_EQ(ink[0], 0);
+        EXPECT_GT(ink[1], 20);
+        EXPECT_GT(ink[2], ink[1]);
     });
 }
 

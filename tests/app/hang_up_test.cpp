@@ -1,11 +1,11 @@
 // Hanging up: dials and links that the user ends, or that another dial or the program's end does.
-#include "app/commands.h"
-#include "app/connection.h"
-#include "app/dialling.h"
-#include "config/toolbars.h"
+#include "connection/connection.h"
+#include "connection/dialling.h"
 #include "resources/resource_ids.h"
+#include "settings/toolbars.h"
 #include "tests/app/dial_stage.h"
 #include "tests/support/fake_host.h"
+#include "ui/commands.h"
 
 namespace {
 
@@ -135,6 +135,72 @@ TEST_F(HangUp, EveryWayOutHangsUpBeforeTheProgramEnds) {
             EXPECT_FALSE(ProgramRuns());
         });
     }
+}
+
+TEST_F(HangUp, TheLinkOutlastsEverySessionUnlessTheSessionsEndIsTheProgramsEnd) {
+    MakeEntry("depot");
+    MakeProgram(kUp, kEnds);
+    Let("go");
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Dial(u"depot");
+        const auto session_with_end = [&](const std::function<void()>& end) {
+            ASSERT_TRUE(host.Accept());
+            host.Send("hello");
+            ASSERT_TRUE(TerminalShows("hello"));
+            end();
+            ASSERT_TRUE(Offline());
+            OnWindowThread([] { EXPECT_NE(session.ras_connection, nullptr); });
+            EXPECT_TRUE(ProgramLives());
+            Connect();
+        };
+        session_with_end([&] {
+            host.Drop();
+            DismissBox("Error: Connection to the UNIX Host has been closed...");
+        });
+        session_with_end([] { PostToMain(WM_COMMAND, IDM_CONNECT); });
+        session_with_end([] { Close(); });
+        ASSERT_TRUE(host.Accept());
+        SetHost(u"127.0.0.1", RefusingPort());
+        Close();
+        DismissBox("Error: Not possible to create a session to the UNIX Host");
+        Connect();
+        DismissBox("Error: Not possible to create a session to the UNIX Host");
+        OnWindowThread([] { EXPECT_NE(session.ras_connection, nullptr); });
+        EXPECT_TRUE(ProgramLives());
+    });
+    EXPECT_TRUE(ProgramGone()) << "the device's end hangs up";
+}
+
+TEST_F(HangUp, TheLinkStaysWhileTheQuestionOfTheProgramsEndIsOpenAndAfterItsCancel) {
+    MakeEntry("depot");
+    MakeProgram(kUp, kEnds);
+    Let("go");
+    FakeHost host;
+    const std::pair<UINT, WPARAM> ways[] = {
+        {WM_COMMAND, IDM_EXIT}, {WM_CLOSE, 0}, {WM_SIZE, SIZE_MINIMIZED}};
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Dial(u"depot");
+        ASSERT_TRUE(host.Accept());
+        host.Send("hello");
+        ASSERT_TRUE(TerminalShows("hello"));
+        OnWindowThread([] { session.settings.xbox = session.settings.confirm_exit = 1; });
+        const auto link_is_up = [&](const char* when) {
+            OnWindowThread([&] { EXPECT_NE(session.ras_connection, nullptr) << when; });
+            EXPECT_TRUE(ProgramLives()) << when;
+        };
+        for (const auto& [message, wparam] : ways) {
+            PostToMain(message, wparam);
+            ASSERT_NE(AwaitBox(), "");
+            link_is_up("under the question");
+            PressCancel();
+            link_is_up("after the cancel");
+        }
+        host.Send(" again");
+        EXPECT_TRUE(TerminalShows("hello again"));
+    });
 }
 
 // ---------------------------------------------------------------- hanging up and going on

@@ -2,15 +2,16 @@
 #include <gtest/gtest.h>
 #include <QtTest/QTest>
 
-#include "app/session_state.h"
 #include "platform/qt/input_panel.h"
 #include "platform/qt/menu_bar.h"
 #include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
-#include "terminal/view.h"
+#include "session/session_state.h"
+#include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
+#include "ui/view/view.h"
 
 namespace {
 
@@ -222,6 +223,58 @@ TEST(InputPanel, BarsHigherThanThePanelLeaveNoRowCovered) {
     });
 }
 
+// C's division: towards zero.
+TEST(InputPanel, PartOfACellBelowThePanelCountsAsARow) {
+    FakeHost host;
+    OnSmallDevice(host, [] {
+        OnWindowThread([] {
+            UpdateWindow(session.client_window);
+            const int bars = GetSystemMetrics(SM_CYHSCROLL), cell = session.view.cell_height;
+            const std::pair<int, int> missing[] = {{1, 1}, {cell - 1, 1}, {cell, 0}, {cell + 1, 0}};
+            ShellInputPanel()->show();
+            for (const auto& [pixels, covered] : missing) {
+                session.status_height = kInputPanelHeight - bars + pixels;
+                SendMessageW(session.main_window, WM_SETTINGCHANGE, SPI_SETSIPINFO, 0);
+                EXPECT_EQ(session.view.covered_rows, covered) << pixels;
+            }
+        });
+    });
+}
+
+TEST(InputPanel, RepeatedMessagesOfItLeaveAScrolledViewWhereItIs) {
+    FakeHost host;
+    OnSmallDevice(host, [] {
+        OnWindowThread([] { session.settings.followcursor = 0; });
+        const auto scroll_and_repeat = [] {
+            OnWindowThread([] {
+                UpdateWindow(session.client_window);
+                for (int i = 0; i < 2; i++) {
+                    SendMessageW(session.client_window, WM_VSCROLL, SB_LINEDOWN, 0);
+                    SendMessageW(session.client_window, WM_HSCROLL, SB_LINEDOWN, 0);
+                }
+                const int top = session.view.view_top, left = session.view.view_left;
+                EXPECT_GT(top + left, 0);
+                UpdateWindow(session.client_window);
+                const int paints = PaintCount();
+                for (int i = 0; i < 3; i++)
+                    SendMessageW(session.main_window, WM_SETTINGCHANGE, SPI_SETSIPINFO, 0);
+                UpdateWindow(session.client_window);
+                EXPECT_EQ(session.view.view_top, top);
+                EXPECT_EQ(session.view.view_left, left);
+                EXPECT_EQ(PaintCount(), paints) << "nothing was laid out";
+            });
+        };
+        for (int times = 0; times < 2; times++) {
+            TapPanelButton();
+            ASSERT_TRUE(Eventually([] { return session.view.covered_rows > 0; }));
+            scroll_and_repeat();
+            TapPanelButton();
+            ASSERT_TRUE(Covered(0));
+            scroll_and_repeat();
+        }
+    });
+}
+
 TEST(InputPanel, OtherSettingChangesDoNothing) {
     FakeHost host;
     OnSmallDevice(host, [] {
@@ -320,6 +373,31 @@ TEST(InputPanel, KeysFillItWithoutOverlapOnEveryWidth) {
                 EXPECT_EQ(taken.boundingRect(), ShellInputPanel()->rect());
                 EXPECT_EQ(taken.rectCount(), 1) << width;
             });
+        }
+    });
+}
+
+// On the window thread: ink beside a key's label, between it and the key's frame.
+bool TouchesItsEdge(PanelKey* key) {
+    const QImage face = key->grab().toImage().convertToFormat(QImage::Format_Grayscale8);
+    for (const int x : {1, 2, face.width() - 3, face.width() - 2})
+        for (int y = 3; y < face.height() - 3; y++)
+            if (face.pixelColor(x, y).value() < 96) return true;
+    return false;
+}
+
+TEST(InputPanel, EveryLabelKeepsClearOfItsKeysEdge) {
+    RunProgram(SmallDevice(), [] {
+        TapPanelButton();
+        for (const char* latch : {"", "Shift", "Fn"}) {
+            if (*latch) Tap(latch);
+            OnWindowThread([=] {
+                for (PanelKey* key : ShellInputPanel()->findChildren<PanelKey*>()) {
+                    if (key->accessibleName() == latch) continue;  // it is lit: light on dark
+                    EXPECT_FALSE(TouchesItsEdge(key)) << key->text().toStdString();
+                }
+            });
+            if (*latch) Tap(latch);
         }
     });
 }

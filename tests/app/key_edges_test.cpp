@@ -3,10 +3,10 @@
 #include <QKeyEvent>
 #include <QtTest/QTest>
 
-#include "app/session_state.h"
-#include "config/key_map.h"
 #include "platform/qt/input_panel.h"
 #include "platform/qt/testing.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
@@ -101,6 +101,20 @@ TEST(KeyEdges, KeysAndCharactersAreEscapedByTheSessionsFlag) {
         EXPECT_EQ(host.Read(3),
                   "\xff"
                   "a\xff");
+    });
+}
+
+TEST(KeyEdges, TerminalsReportsGoUnescapedWhateverTypedDataDoes) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] { session.telnet.escape_iac = 1; });
+        host.Send("\033[3;4H\033[6n\033[5n");
+        EXPECT_EQ(host.Read(10), "\033[3;4R\033[0n");
+        TypeText("x");
+        EXPECT_EQ(host.Read(3), "x\xff\xef");
+        host.Send("\033[6n");
+        EXPECT_EQ(host.Read(6), "\033[3;4R");
+        EXPECT_EQ(host.ReadSome(50), "");
     });
 }
 

@@ -3,9 +3,10 @@
 #include <gtest/gtest.h>
 #include <QKeyEvent>
 
-#include "app/session_state.h"
-#include "config/key_map.h"
 #include "platform/qt/slice.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
+#include "terminal/screen_buffer.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
@@ -184,6 +185,153 @@ TEST(Keyboard, OneKeyPressReachesTheHostOnce) {
         Strike(Qt::Key_Delete, Qt::NoModifier, "\177");
         EXPECT_EQ(host.Read(2), "\177\177") << "a changed Backspace goes as its row alone";
         EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+// ---------------------------------------------------------------- keys that the table names
+
+struct NamedKey {
+    int key;
+    Qt::KeyboardModifiers modifiers;
+    const char* character;  // as the desktop gives it with the key
+    int row;
+};
+
+const NamedKey kNamedKeys[] = {
+    {Qt::Key_0, Qt::ControlModifier, "0", 42},
+    {Qt::Key_1, Qt::ControlModifier, "1", 43},
+    {Qt::Key_2, Qt::ControlModifier, "\x03", 44},
+    {Qt::Key_9, Qt::ControlModifier, "9", 51},
+    {Qt::Key_1, Qt::ControlModifier | Qt::ShiftModifier, "!", 53},
+    {Qt::Key_6, Qt::ControlModifier | Qt::ShiftModifier, "\x1e", 58},
+    {Qt::Key_Return, Qt::NoModifier, "\r", 33},
+    {Qt::Key_Escape, Qt::NoModifier, "\033", 37},
+    {Qt::Key_Delete, Qt::NoModifier, "\177", 38},
+    {Qt::Key_Backspace, Qt::NoModifier, "\b", 39},
+    {Qt::Key_Tab, Qt::NoModifier, "\t", 40},
+    {Qt::Key_Tab, Qt::ShiftModifier, "\t", 41},
+};
+
+void GiveRow(int row, const std::u16string& text) {
+    OnWindowThread([&] { SetKeyText(&key_map[row], text.c_str()); });
+}
+
+void BeginSession(FakeHost& host) {
+    SetHost(u"127.0.0.1", host.port);
+    Connect();
+    ASSERT_TRUE(host.Accept());
+    host.Send("hello");
+    ASSERT_TRUE(TerminalShows("hello"));
+}
+
+TEST(Keyboard, KeyThatTheTableNamesNeverGoesAsItsCharacter) {
+    const std::u16string texts[] = {u"",         u"\\000", u"\\",
+                                    u"\\000abc", u"\\08",  std::u16string(255, u'x')};
+    FakeHost host;
+    RunProgram({}, [&] {
+        for (int times = 0; times < 2; times++) {
+            BeginSession(host);
+            for (const NamedKey& named : kNamedKeys) {
+                for (const std::u16string& text : texts) {
+                    GiveRow(named.row, text);
+                    Strike(named.key, named.modifiers, named.character);
+                    TypeText("|");
+                    EXPECT_EQ(host.Read(1), "|") << named.row << ", " << text.size();
+                }
+                GiveRow(named.row, u"ab");
+                Strike(named.key, named.modifiers, named.character);
+                EXPECT_EQ(host.Read(2), "ab") << named.row;
+            }
+            EXPECT_EQ(host.ReadSome(50), "");
+            Close();
+            ASSERT_TRUE(Offline());
+        }
+    });
+}
+
+TEST(Keyboard, BackspaceWithItsDefaultRowGoesAsItsCharacterAndSoDoKeysBesideTheTable) {
+    FakeHost host;
+    WithSession(host, [&] {
+        const auto strike = [&] {
+            Strike(Qt::Key_Backspace, Qt::NoModifier, "\b");
+            Strike(Qt::Key_H, Qt::ControlModifier, "\b");
+            Strike(Qt::Key_1, Qt::NoModifier, "1");
+        };
+        strike();
+        EXPECT_EQ(host.Read(3), "\b\b1");
+        GiveRow(39, u"");
+        strike();
+        EXPECT_EQ(host.Read(2), "\b1") << "an emptied row sends nothing";
+        GiveRow(39, u"\\008");
+        strike();
+        EXPECT_EQ(host.Read(3), "\b\b1") << "the default again";
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+// A dead key before it gives a press a second character.
+TEST(Keyboard, OneCharacterIsKeptBackForAKeyThatTheTableTakes) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        BeginSession(host);
+        PostToMain(WM_KEYDOWN, VK_ESCAPE);
+        for (const WPARAM character : {WPARAM{27}, WPARAM{'x'}, WPARAM{'y'}})
+            PostToMain(WM_CHAR, character);
+        EXPECT_EQ(host.Read(3), "\033xy");
+        PostToMain(WM_KEYDOWN, VK_ESCAPE);
+        EXPECT_EQ(host.Read(1), "\033");
+        Close();
+        ASSERT_TRUE(Offline());
+        PostToMain(WM_KEYDOWN, 'A');
+        BeginSession(host);
+        PostToMain(WM_CHAR, 'z');
+        EXPECT_EQ(host.Read(1), "z") << "the key was pressed in the last session";
+    });
+}
+
+TEST(Keyboard, RowWithoutASequenceSendsNothing) {
+    FakeHost host;
+    WithSession(host, [&] {
+        for (const int row : {37, 39, 43}) {
+            OnWindowThread([=] {
+                std::free(key_map[row].text);
+                key_map[row].text = nullptr;
+            });
+        }
+        Strike(Qt::Key_Escape, Qt::NoModifier, "\033");
+        Strike(Qt::Key_Backspace, Qt::NoModifier, "\b");
+        Strike(Qt::Key_1, Qt::ControlModifier, "1");
+        TypeText("|");
+        EXPECT_EQ(host.Read(1), "|");
+    });
+}
+
+TEST(Keyboard, CharacterTypedOfflineLeavesSelectionScreenAndHostAlone) {
+    FakeHost host;
+    const auto type_offline = [](const std::string& row) {
+        OnWindowThread([] {
+            session.modes.localecho = 1;
+            SetSelection(1, 1, 3, 1);
+        });
+        TypeText("x");
+        PostToMain(WM_CHAR, 'y');
+        OnWindowThread([] {});
+        OnWindowThread([&] {
+            EXPECT_EQ(session.screen.selection_active, 1u);
+            EXPECT_EQ(TerminalRow(1), row);
+        });
+    };
+    RunProgram({}, [&] {
+        ASSERT_TRUE(Eventually([] { return session.accelerators != nullptr; }));
+        type_offline("");
+        BeginSession(host);
+        Close();
+        ASSERT_TRUE(Offline());
+        type_offline("hello");
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        type_offline("");
+        EXPECT_EQ(host.ReadSome(50), "") << "a request is no session yet";
     });
 }
 

@@ -4,17 +4,17 @@
 #include <QMenu>
 #include <QtTest/QTest>
 
-#include "app/connection.h"
-#include "app/session_state.h"
-#include "app/status_bar.h"
+#include "connection/connection.h"
 #include "platform/qt/input_panel.h"
 #include "platform/qt/menu_bar.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
-#include "terminal/view.h"
+#include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
+#include "ui/view/status_bar.h"
+#include "ui/view/view.h"
 
 namespace {
 
@@ -332,6 +332,23 @@ TEST(MainWindowEdges, ChildWindowsBearTheirNumbers) {
             EXPECT_EQ(GetDlgItem(session.main_window, 1), session.command_bar);
             EXPECT_EQ(GetDlgItem(session.main_window, 2), session.client_window);
             EXPECT_EQ(GetDlgItem(session.client_window, 106), session.status_window);
+        });
+    });
+}
+
+TEST(MainWindowEdges, WidthsAreThoseOfTheWindowsAsTheyWereMade) {
+    OnDevice(300, 320, [] {
+        int client = 0;
+        OnWindowThread([&] {
+            client = session.client_width;
+            EXPECT_EQ(session.main_width, 300);
+            EXPECT_GT(client, 250) << "all but a scroll bar";
+            EXPECT_LE(client, 300);
+        });
+        ResizeDevice(640, 320);
+        OnWindowThread([&] {
+            EXPECT_EQ(session.main_width, 300);
+            EXPECT_EQ(session.client_width, client);
         });
     });
 }

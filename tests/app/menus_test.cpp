@@ -3,10 +3,10 @@
 #include <QMenu>
 #include <QtTest/QTest>
 
-#include "app/session_state.h"
-#include "config/key_map.h"
 #include "platform/qt/menu_bar.h"
 #include "platform/qt/testing.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
@@ -166,6 +166,20 @@ TEST(Menus, KeysAndFunctionKeysDoNothingOffline) {
         host.Send("x");
         EXPECT_EQ(host.ReadSome(100), "") << "nothing was kept for later";
         EXPECT_EQ(StatusText(), "    online    row: 1  column: 2     ");
+    });
+}
+
+// The toolkit draws a line below a bar, and the titles over it.
+TEST(Menus, NoLineIsDrawnBelowTheTitles) {
+    RunProgram({}, [] {
+        ASSERT_TRUE(Eventually([] { return !BarTitles().isEmpty(); }));
+        OnWindowThread([] {
+            const QImage strip = ShellMenuStrip()->grab().toImage();
+            const QRect bar = ShellMenuStrip()->bar()->geometry();
+            for (const int y : {bar.bottom() - 1, bar.bottom()})
+                for (int x = 0; x < bar.width(); x++)
+                    ASSERT_EQ(strip.pixel(x, y), strip.pixel(0, 0)) << x << "," << y;
+        });
     });
 }
 

@@ -4,8 +4,8 @@
 #include <QMimeData>
 #include <QUrl>
 
-#include "app/commands.h"
 #include "tests/app/clipboard_stage.h"
+#include "ui/commands.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 #include <gtest/gtest.h>
 #include <QInputMethodEvent>
 
-#include "app/connection.h"
-#include "app/session_state.h"
+#include "connection/connection.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
+#include "session/session_state.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

@@ -1,16 +1,31 @@
 // Start-up: the order of things, the exit codes, one program a device.
 #include <gtest/gtest.h>
 #include <filesystem>
+#include <QLockFile>
 #include <QProcess>
 
-#include "app/session_state.h"
 #include "app/start_up.h"
-#include "config/settings.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/screen_rows.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
+
+namespace {
+
+std::vector<HWND> g_import_owners;
+
+}  // namespace
+
+void RealImport(HWND owner) asm("__real__Z16ImportConfigFileP11SliceWindow");
+void SeenImport(HWND owner) asm("__wrap__Z16ImportConfigFileP11SliceWindow");
+void SeenImport(HWND owner) {
+    g_import_owners.push_back(owner);
+    RealImport(owner);
+}
 
 namespace {
 
@@ -109,6 +124,19 @@ TEST(StartUp, ConfigurationFileTakesEffectInTheSameRun) {
     });
 }
 
+TEST(StartUp, ClientWindowOwnsTheImportAndItsBox) {
+    for (const char* config : {"fsize = 9\n", ""}) {
+        g_import_owners.clear();
+        RunProgram({.config = config}, [&] {
+            if (*config) DismissBox(kImportNotice);
+            OnWindowThread([] {
+                EXPECT_NE(session.client_window, nullptr);
+                EXPECT_EQ(g_import_owners, std::vector<HWND>{session.client_window});
+            });
+        });
+    }
+}
+
 TEST(StartUp, SettingsAreSavedAtExit) {
     const std::string root = FreshRoot();
     RunProgram({.root = root}, [] { OnWindowThread([] { session.settings.fsize = 11; }); });
@@ -126,11 +154,15 @@ TEST(StartUp, CloseButtonEndsTheProgramWithCode0) {
               0);
 }
 
-int StartSecond(const std::string& root) {
+// What it says goes into `said`.
+int StartSecond(const std::string& root, QByteArray* said = nullptr) {
     QProcess second;
+    second.setProcessChannelMode(QProcess::MergedChannels);
     second.start(QUILL_PROGRAM, {"-platform", "offscreen", "--scale", "1", "--root",
                                  QString::fromStdString(root)});
     EXPECT_TRUE(second.waitForFinished(20000));
+    for (QByteArray line = second.readLine(); said && !line.isEmpty(); line = second.readLine())
+        if (line.startsWith("quill")) *said += line;  // the toolkit may say something too
     return second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
 }
 
@@ -141,6 +173,58 @@ TEST(StartUp, SecondStartShowsTheFirstAndEndsWithCode0) {
         EXPECT_EQ(StartSecond(root), 0);
         EXPECT_TRUE(Eventually([] { return DeviceScreen()->isVisible(); }));
     });
+}
+
+// Something else lies over the notice; the second start brings it up again.
+TEST(StartUp, SecondStartDuringTheImportNoticeShowsTheNotice) {
+    const std::string root = FreshRoot();
+    RunProgram({.root = root, .config = "bell = 0\n"}, [&] {
+        ASSERT_EQ(AwaitBox(), kImportNotice);
+        std::unique_ptr<QWidget> other;
+        OnWindowThread([&] {
+            other = std::make_unique<QWidget>();
+            other->show();
+            other->activateWindow();
+        });
+        ASSERT_TRUE(Eventually([&] { return QApplication::activeWindow() == other.get(); }));
+        QByteArray said;
+        EXPECT_EQ(StartSecond(root, &said), 0);
+        EXPECT_EQ(said.toStdString(), "");
+        EXPECT_TRUE(Eventually([] { return QApplication::activeWindow() == ShownMessageBox(); }));
+        OnWindowThread([&] {
+            EXPECT_FALSE(DeviceScreen()->isVisible()) << "there is no window to be shown yet";
+            other.reset();
+        });
+        DismissBox(kImportNotice);
+        EXPECT_TRUE(Eventually([] { return DeviceScreen()->isVisible(); }));
+        EXPECT_EQ(session.settings.bell, 0u);
+    });
+}
+
+TEST(StartUp, SecondStartDuringAQuestionBringsTheQuestionUp) {
+    FakeHost host;
+    const std::string root = FreshRoot();
+    RunProgram({.root = root, .config = host.Config("confirm_exit = 1\n")}, [&] {
+        DismissBox(kImportNotice);
+        ASSERT_TRUE(host.Accept());
+        host.Send("up");
+        ASSERT_TRUE(TerminalShows("up"));
+        PostToMain(WM_CLOSE);
+        ASSERT_EQ(AwaitBox(), "Warning: Do you really want to close this program");
+        EXPECT_EQ(StartSecond(root), 0);
+        EXPECT_TRUE(Eventually([] { return QApplication::activeWindow() == ShownMessageBox(); }));
+        PressCancel();
+    });
+}
+
+// Somebody holds the lock who does not listen.
+TEST(StartUp, SecondStartThatGetsNoAnswerSaysSo) {
+    const std::string root = FreshRoot();
+    QLockFile lock(QString::fromStdString(root) + "/instance.lock");
+    ASSERT_TRUE(lock.tryLock(0));
+    QByteArray said;
+    EXPECT_EQ(StartSecond(root, &said), 0);
+    EXPECT_EQ(said.toStdString(), "quill: the program that runs on " + root + " does not answer\n");
 }
 
 TEST(StartUp, SecondStartLeavesTheFirstSessionAlone) {

@@ -1,11 +1,11 @@
 // The status line and the title.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "app/status_bar.h"
+#include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
+#include "ui/view/status_bar.h"
 
 namespace {
 
@@ -83,7 +83,8 @@ const WordCase kWords[] = {
     {1, 1, 0, 0, 0, 1, "    online", "ON"},   {1, 0, 1, 0, 0, 1, "    online", "ON"},
     {1, 0, 1, 1, 0, 1, "    online", "SSH2"}, {1, 0, 1, 1, 0, 0, "    online", "SSH1"},
     {1, 0, 1, 1, 1, 1, "    secure", "SSH2"}, {1, 0, 1, 1, 2, 0, "    secure", "SSH1"},
-    {1, 0, 0, 0, 5, 1, "    online", "ON"},
+    {1, 0, 0, 0, 5, 1, "    online", "ON"},   {1, 0, 1, 1, 0, 2, "    online", "SSH1"},
+    {1, 0, 2, 1, 1, 2, "    secure", "SSH1"}, {1, 0, 2, 1, 0, 1, "    online", "SSH2"},
 };
 
 TEST(StatusBar, StateWordsOfEverySituation) {
@@ -142,6 +143,51 @@ TEST(StatusBar, HiddenFromTheStartLeavesTheWindowItsFirstTitle) {
             EXPECT_EQ(Title(), "Quill TELNET");
         });
     });
+}
+
+TEST(StatusBar, AnyValueButZeroHidesIt) {
+    RunProgram({.config = "hidestatus = 2\n"}, [] {
+        DismissBox("Quill Telnet: Installing configuration from file \\mconfig.cfg ");
+        OnWindowThread([] {
+            EXPECT_EQ(session.status_window, nullptr);
+            EXPECT_EQ(session.status_height, 0);
+            session.settings.hidestatus = 0;
+            RebuildStatusBar();
+            EXPECT_NE(session.status_window, nullptr);
+            session.settings.hidestatus = 0xFFFFFFFF;
+            RebuildStatusBar();
+            EXPECT_EQ(session.status_window, nullptr);
+        });
+    });
+}
+
+TEST(StatusBar, FormatIsThatOfTheScreenAtTheStartWhateverSizeItHasLater) {
+    const struct {
+        int width, later;
+        const char* text;
+        const char* online;
+    } rows[] = {
+        {240, 640, "OFF  1,1    ", "ON  1,6    "},
+        {640, 240, "   offline    row: 1  column: 1     ", "    online    row: 1  column: 6     "},
+    };
+    for (const auto& row : rows) {
+        FakeHost host;
+        RunProgram({.width = row.width, .height = 320}, [&] {
+            ResizeDevice(row.later, 320);
+            OnWindowThread([&] {
+                UpdateStatus();
+                EXPECT_EQ(StatusText(), row.text);
+                RebuildStatusBar();
+                UpdateStatus();
+                EXPECT_EQ(StatusText(), row.text);
+            });
+            SetHost(u"127.0.0.1", host.port);
+            Connect();
+            ASSERT_TRUE(host.Accept());
+            host.Send("hello");
+            EXPECT_TRUE(Eventually([&] { return StatusText() == row.online; })) << StatusText();
+        });
+    }
 }
 
 TEST(StatusBar, ShowsTheNewHostAndTheCursorsPlaceUnderTheErrorOfAFailedConnect) {

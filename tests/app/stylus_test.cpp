@@ -6,15 +6,15 @@
 #include <QScrollBar>
 #include <QTest>
 
-#include "app/commands.h"
-#include "app/session_state.h"
-#include "config/toolbars.h"
 #include "platform/qt/testing.h"
 #include "resources/resource_ids.h"
-#include "terminal/view.h"
+#include "session/session_state.h"
+#include "settings/toolbars.h"
 #include "tests/app/clipboard_stage.h"
 #include "tests/support/drawn.h"
 #include "tests/terminal/hotspot_rule.h"
+#include "ui/commands.h"
+#include "ui/view/view.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 #include <dirent.h>
 #include <gtest/gtest.h>
 
-#include "app/connection.h"
-#include "app/session_state.h"
+#include "connection/connection.h"
 #include "platform/qt/testing.h"
+#include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

@@ -1,15 +1,16 @@
 // The page "Toolbar" of the Properties sheet.
 #include <gtest/gtest.h>
 #include <QListWidget>
+#include <QtTest/QTest>
 
-#include "app/session_state.h"
-#include "config/dialogs.h"
-#include "config/settings.h"
-#include "config/toolbars.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
+#include "settings/toolbars.h"
 #include "tests/support/person.h"
+#include "ui/dialogs/dialogs.h"
 
 namespace {
 
@@ -192,6 +193,63 @@ TEST(ToolbarPage, KeyboardWalksTheListsAndTheSpaceBarToggles) {
         ExpectLists();
         Press(Qt::Key_Escape);
         EXPECT_TRUE(Closed());
+    });
+}
+
+// On the window thread.
+LRESULT TopLine(int list) { return SendDlgItemMessageW(ShownPage(), list, LB_GETTOPINDEX, 0, 0); }
+
+// A second double tap at the same place must meet the same line.
+TEST(ToolbarPage, ToggleDoesNotMoveTheView) {
+    RunProgram(FreshStage(), [] {
+        OpenToolbars();
+        for (const int list : kLists) {
+            for (const int top : {26, 5, 0}) {
+                LRESULT before = 0;
+                QPoint place;
+                int row = 0;
+                OnWindowThread([&] {
+                    auto* widget = qobject_cast<QListWidget*>(DialogWidgetOf(list));
+                    SendDlgItemMessageW(ShownPage(), list, LB_SETTOPINDEX, top, 0);
+                    before = TopLine(list);
+                    place = QPoint(20, widget->viewport()->height() / 2);
+                    row = widget->indexAt(place).row();
+                });
+                ASSERT_GE(row, 0);
+                for (int tap = 0; tap < 2; tap++) {
+                    const DWORD membership = Membership(row);
+                    OnWindowThread([&] {
+                        auto* widget = qobject_cast<QListWidget*>(DialogWidgetOf(list));
+                        QTest::mouseClick(widget->viewport(), Qt::LeftButton, {}, place);
+                        QTest::mouseDClick(widget->viewport(), Qt::LeftButton, {}, place);
+                    });
+                    EXPECT_TRUE(AwaitMembership(row, membership ^ BitOf(list)))
+                        << list << " from " << top << " line " << row << " tap " << tap;
+                    EXPECT_TRUE(Eventually([] { return !MessagesWaiting(); }));
+                    EXPECT_EQ(SelectedLine(list), row);
+                    OnWindowThread([&] { EXPECT_EQ(TopLine(list), before) << top; });
+                }
+            }
+        }
+        ExpectLists();
+        CloseBy(IDCANCEL);
+    });
+}
+
+TEST(ToolbarPage, SpaceTogglesTheLineThatTabHasReached) {
+    RunProgram(FreshStage(), [] {
+        OpenToolbars();
+        OnWindowThread([] { EXPECT_TRUE(ClickEntry(IDC_BAR1, 4)); });
+        for (const int list : {IDC_BAR2, IDC_BAR3}) {
+            Press(Qt::Key_Tab);
+            EXPECT_TRUE(HasFocus(list));
+            const DWORD before = Membership(0);
+            Press(Qt::Key_Space);
+            EXPECT_TRUE(AwaitMembership(0, before ^ BitOf(list))) << list;
+            EXPECT_EQ(SelectedLine(list), 0);
+        }
+        ExpectLists();
+        CloseBy(IDCANCEL);
     });
 }
 

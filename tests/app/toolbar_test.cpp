@@ -8,12 +8,12 @@
 #include <QToolButton>
 #include <set>
 
-#include "app/session_state.h"
-#include "config/settings.h"
-#include "config/toolbars.h"
 #include "platform/qt/bitmaps.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
+#include "settings/toolbars.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
@@ -194,6 +194,35 @@ TEST(Toolbar, ButtonsAreCountedByTheWidthAtTheStart) {
         Press("swap toolbar");
         EXPECT_TRUE(Eventually([] { return session.toolbar == 3; }));
         EXPECT_TRUE(Shows(NamesOfAllRows(13)));
+    });
+}
+
+TEST(Toolbar, EachWhole21PixelsHoldAButton) {
+    const std::pair<int, size_t> widths[] = {{230, 10}, {231, 11}, {232, 11}, {251, 11},
+                                             {252, 12}, {566, 26}, {567, 27}, {588, 27}};
+    for (const auto& [width, buttons] : widths) {
+        RunProgram(OfWidth(width, [] { StoreAllRows(7); }), [&, count = buttons] {
+            EXPECT_TRUE(Shows(NamesOfAllRows(count))) << width;
+            PostToMain(WM_COMMAND, 40020);
+            EXPECT_TRUE(Eventually([] { return session.toolbar == 2; }));
+            EXPECT_TRUE(Shows(NamesOfAllRows(count))) << width;
+        });
+    }
+}
+
+TEST(Toolbar, BarOfOneButtonShowsItWithItsTip) {
+    const auto before = [] {
+        StoreAllRows(4);
+        WriteNumber(TEXT("tbar6"), 2);
+    };
+    RunProgram(OfWidth(640, before), [] {
+        ASSERT_TRUE(Eventually([] { return Buttons().size() == 26; }));
+        PostToMain(WM_COMMAND, 40020);
+        EXPECT_TRUE(Shows({"ENTER"}));
+        OnWindowThread([] {
+            ASSERT_NE(ButtonNamed("ENTER"), nullptr);
+            EXPECT_EQ(ButtonNamed("ENTER")->toolTip(), "ENTER");
+        });
     });
 }
 
@@ -512,6 +541,47 @@ TEST(Toolbar, DisconnectAsksUnlessConfirmExitIs0) {
             EXPECT_TRUE(ShowsButton("connect"));
         });
     }
+}
+
+TEST(Toolbar, BarIsMadeAnewAfterEveryPressOfTheConnectButton) {
+    FakeHost host;
+    WithAllButtonsOnline(host, [&] {
+        const auto bar = [] {
+            HWND shown = nullptr;
+            OnWindowThread([&] { shown = session.command_bar; });
+            return shown;
+        };
+        OnWindowThread([] { session.settings.confirm_exit = 1; });
+        const HWND first = bar();
+        PostToMain(WM_COMMAND, 40021);
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        EXPECT_EQ(bar(), first) << "not before the answer";
+        PressCancel();
+        EXPECT_NE(bar(), first) << "also after a cancel";
+        OnWindowThread([] {
+            session.settings.confirm_exit = 0;
+            const HWND before = session.command_bar;
+            SendMessageW(session.main_window, WM_COMMAND, 40021, 0);
+            EXPECT_NE(session.command_bar, before) << "before the end of the session is told";
+            EXPECT_EQ(session.connected.load(), 1u);
+        });
+        EXPECT_TRUE(ShowsButton("connect"));
+    });
+}
+
+TEST(Toolbar, PositionWithoutAButtonDoesNothing) {
+    FakeHost host;
+    WithAllButtonsOnline(host, [&] {
+        std::string title;
+        OnWindowThread([&] {
+            title = Title();
+            lstrcpyW(session.settings.host, u"other");
+            for (const WPARAM id : {WPARAM{40020 + 27}, WPARAM{40069}})
+                SendMessageW(session.main_window, WM_COMMAND, id, 0);
+            EXPECT_EQ(Title(), title) << "not even the status line is written";
+        });
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
 }
 
 TEST(Toolbar, PressWhileConnectingAsksAndOkCancelsTheAttempt) {

@@ -3,15 +3,15 @@
 #include <QScreen>
 #include <QThread>
 
-#include "app/session_state.h"
 #include "platform/qt/testing.h"
-#include "terminal/terminal_font.h"
+#include "session/session_state.h"
 #include "terminal/terminal_write.h"
-#include "terminal/view.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
+#include "ui/view/terminal_font.h"
+#include "ui/view/view.h"
 
 namespace {
 

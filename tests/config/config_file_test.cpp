@@ -1,5 +1,5 @@
 // The import of the configuration file: every kind of line, and the fate of the file.
-#include "config/config_file.h"
+#include "settings/config_file.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <random>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "platform/qt/device_root.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/config/device.h"
 #include "tests/config/window_doubles.h"
 
@@ -121,8 +121,10 @@ TEST_F(ConfigFile, NumbersAreDecimalHexadecimalOrOctal) {
         {"089", 0},
         {"-1", 0xFFFFFFFF},
         {"-2147483648", 0x80000000},
+        {"-2147483647", 0x80000001},
         {"-0x10", 0xFFFFFFF0},
         {"2147483647", 0x7FFFFFFF},
+        {"4294967294", 0xFFFFFFFE},
         {"4294967295", 0xFFFFFFFF},
         {"0xFFFFFFFF", 0xFFFFFFFF},
         {"12abc", 12},

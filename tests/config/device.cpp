@@ -8,9 +8,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "app/session_state.h"
 #include "platform/qt/device_root.h"
 #include "platform/qt/registry.h"
+#include "session/session_state.h"
 #include "tests/config/registry_log.h"
 #include "tests/config/settings_rows.h"
 #include "tests/config/window_doubles.h"

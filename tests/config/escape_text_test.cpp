@@ -1,11 +1,11 @@
 // Escape text: each rule, and the bounds of the output.
-#include "config/escape_text.h"
+#include "text/escape_text.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "config/key_map.h"
+#include "settings/key_map.h"
 
 namespace {
 

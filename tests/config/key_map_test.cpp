@@ -1,7 +1,7 @@
 // The key table: its rows, and their way into the registry and back.
-#include "config/key_map.h"
+#include "settings/key_map.h"
 
-#include "config/settings.h"
+#include "settings/settings.h"
 #include "tests/config/device.h"
 #include "tests/config/key_rows.h"
 #include "tests/config/registry_log.h"

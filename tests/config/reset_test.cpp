@@ -1,8 +1,8 @@
 // The reset: what it deletes, in which order, and when it deletes nothing.
-#include "app/session_state.h"
-#include "config/key_map.h"
-#include "config/settings.h"
-#include "config/toolbars.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
+#include "settings/settings.h"
+#include "settings/toolbars.h"
 #include "tests/config/device.h"
 #include "tests/config/registry_log.h"
 #include "tests/config/settings_rows.h"

@@ -1,7 +1,7 @@
 // The tables that the settings store is held against.
 #include "tests/config/settings_rows.h"
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 // clang-format off
 const NumberSetting number_settings[24] = {

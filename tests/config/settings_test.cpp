@@ -1,9 +1,9 @@
 // Loading and saving of the settings: every row, the types, what damaged values come to.
-#include "config/settings.h"
+#include "settings/settings.h"
 
-#include "app/session_state.h"
-#include "config/key_map.h"
-#include "config/toolbars.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
+#include "settings/toolbars.h"
 #include "tests/config/device.h"
 #include "tests/config/registry_log.h"
 #include "tests/config/settings_rows.h"
@@ -158,11 +158,14 @@ TEST_F(SettingsStore, EveryReadClosesItsKey) {
     }
 }
 
-TEST_F(SettingsStore, APortOf65559CountsAs23) {
-    StoreNumber("port", 65559);
-    LoadSettings();
-    EXPECT_EQ(65559u, session.settings.port);
-    EXPECT_EQ(23, static_cast<WORD>(session.settings.port));
+TEST_F(SettingsStore, APortOfMoreThanSixteenBitsIsKeptWhole) {
+    for (const DWORD port : {65559u, 0x80000017u, 0xFFFFFFFFu}) {
+        StoreNumber("port", port);
+        LoadSettings();
+        EXPECT_EQ(port, session.settings.port);
+        SaveSettings();
+        EXPECT_EQ(NumberBytes(port), Stored("port").data);
+    }
 }
 
 TEST_F(SettingsStore, ThePasswordReadsBackAsTyped) {

@@ -1,6 +1,7 @@
 // Which buttons a bar gets, and what each carries.
-#include "app/session_state.h"
-#include "config/toolbars.h"
+#include "ui/toolbar_buttons.h"
+#include "session/session_state.h"
+#include "settings/toolbars.h"
 #include "tests/config/command_bar_double.h"
 #include "tests/config/device.h"
 
@@ -109,6 +110,18 @@ TEST_F(ToolbarButtons, ABarWithEveryFlagOffShowsNoButtons) {
     EXPECT_TRUE(command_bar.buttons.empty());
     EXPECT_EQ(27, Build(1));
     EXPECT_EQ(27, Build(3));
+}
+
+TEST_F(ToolbarButtons, ABarOfOneButtonHasItsTip) {
+    StoreAll(4);
+    StoreNumber("tbar6", 2);
+    LoadToolbars();
+    Build(1);
+    EXPECT_EQ(1, Build(2));
+    EXPECT_EQ(Names{"ENTER"}, Tips());
+    Build(1);
+    EXPECT_EQ(1, Build(1, 1));
+    EXPECT_EQ(Names{"swap toolbar"}, Tips());
 }
 
 TEST_F(ToolbarButtons, ABarThatIsNotThereShowsNoButtons) {

@@ -1,10 +1,10 @@
 // The toolbars: the table, its way into the registry and back, and the action of a position.
-#include "config/toolbars.h"
+#include "settings/toolbars.h"
 
 #include <algorithm>
 
-#include "app/session_state.h"
-#include "config/settings.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/config/device.h"
 #include "tests/config/registry_log.h"
 

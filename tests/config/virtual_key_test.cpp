@@ -1,5 +1,5 @@
 // Which row a virtual key comes to: every code with every modifier, against rules written anew.
-#include "config/key_map.h"
+#include "settings/key_map.h"
 #include "tests/config/device.h"
 #include "tests/config/window_doubles.h"
 
@@ -135,6 +135,29 @@ TEST_F(DefaultKeys, BackspaceIsMappedAndSendsNothing) {
     ASSERT_NE(nullptr, sequence);
     EXPECT_EQ('\0', sequence[0]);
     EXPECT_EQ('8', sequence[1]);
+}
+
+TEST_F(DefaultKeys, TheTableTakesEveryKeyThatItNamesButBackspaceWithItsDefault) {
+    for (const int vk : {VK_F1, VK_F20, VK_HOME, VK_TAB, VK_RETURN, VK_ESCAPE, VK_PRIOR, VK_NEXT,
+                         VK_END, VK_LEFT, VK_UP, VK_RIGHT, VK_DOWN, VK_DELETE})
+        EXPECT_TRUE(TableTakesKey(vk)) << vk;
+    for (const int vk : {VK_BACK, int{'0'}, int{'9'}, int{'A'}, VK_F20 + 1, 0, -1})
+        EXPECT_FALSE(TableTakesKey(vk)) << vk;
+    key_states = {{163, kKeyToggled}};
+    for (const int vk : {int{'0'}, int{'9'}}) EXPECT_TRUE(TableTakesKey(vk)) << vk;
+    EXPECT_FALSE(TableTakesKey('0' - 1));
+    EXPECT_FALSE(TableTakesKey('9' + 1));
+}
+
+TEST_F(DefaultKeys, BackspaceWithAnyOtherRowIsTakenWhateverTheRowHolds) {
+    for (const char16_t* text : {u"", u"\\177", u"\\0", u"\\08", u"\\0080", u"\\000"}) {
+        SetKeyText(&key_map[39], text);
+        EXPECT_TRUE(TableTakesKey(VK_BACK));
+    }
+    SetKeyText(&key_map[39], u"\\008");
+    EXPECT_FALSE(TableTakesKey(VK_BACK));
+    SetKeyText(&key_map[37], u"");
+    EXPECT_TRUE(TableTakesKey(VK_ESCAPE)) << "an empty row";
 }
 
 TEST_F(DefaultKeys, ShiftF9ToF12SendNothing) {

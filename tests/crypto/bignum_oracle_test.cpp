@@ -173,6 +173,59 @@ TEST_P(BignumOracle, NumbersOfThousandsOfWordsAreExact) {
     }
 }
 
+static Number Repeated(int words, uint16_t word) {
+    Number a(BignumNew(words));
+    for (int i = 1; i <= words; i++) a.get()[i] = word;
+    return a;
+}
+
+// Both halves of the product of these words are close to 65,535. From here on their sums in a
+// column would no longer fit one of 32 bits, were carries never taken on the way.
+TEST(BignumSizes, ProductsAndQuotientsOfMoreThan16384WordsAreExact) {
+    const Number a = Repeated(16600, 0xFF01), b = Repeated(16590, 0xFEFF);
+    const Number product(BignumMulAdd(a.get(), b.get(), b.get()));
+    Mpz wanted(a.get()), zb(b.get());
+    mpz_mul(wanted.value, wanted.value, zb.value);
+    mpz_add(wanted.value, wanted.value, zb.value);
+    EXPECT_EQ(NumberHex(product.get()), wanted.Hex());
+    CheckOrder(product.get(), a.get());
+    mpz_mod(wanted.value, wanted.value, Mpz(a.get()).value);
+    ExpectEqual(BignumMod(product.get(), a.get()), wanted, "the remainder");
+}
+
+TEST(BignumSizes, NumbersOfAllTheWordsThereAreMeetShorterOnes) {
+    const Number largest = RandomNumber(16 * kBignumMaxWords, 0);
+    CheckDivision(largest.get(), RandomNumber(16 * (kBignumMaxWords - 40) - 7, 1).get());
+    CheckDivision(largest.get(), RandomNumber(50, 0).get());
+    CheckOrder(largest.get(), RandomNumber(16 * 40000, 1).get());
+    CheckProducts(RandomNumber(16 * 40000, 1).get(), RandomNumber(400, 0).get(),
+                  RandomNumber(16 * 39990 - 3, 0).get());
+    ExpectEqual(BignumMulAdd(largest.get(), BignumOne, BignumZero), Mpz(largest.get()), "a*1");
+}
+
+TEST(BignumWire, NumbersOfMoreThan16384WordsReadBack) {
+    for (int words : {16385, 32768, kBignumMaxWords}) {
+        const Number a = RandomNumber(16 * words - 3, 0);
+        ByteString bytes(2 * static_cast<size_t>(words));
+        BignumToBytes(bytes.data(), Size(bytes), a.get());
+        Number back(BignumFromBytes(bytes.data(), Size(bytes)));
+        ASSERT_EQ(BignumCompare(a.get(), back.get()), 0) << words;
+        ASSERT_EQ(NumberHex(a.get()), NumberHex(back.get()));
+        Mpz wanted(a.get());
+        mpz_fdiv_q_2exp(wanted.value, wanted.value, 200001);
+        Number shifted(BignumShiftRight(a.get(), 200001));
+        EXPECT_EQ(NumberHex(shifted.get()), wanted.Hex());
+        int length = -1;
+        uint8_t* body = EncodeMpint(a.get(), &length);
+        EXPECT_EQ(ToHex(body, static_cast<size_t>(length)), ToHex(bytes));
+        WipeAndFree(body, static_cast<size_t>(length));
+        BignumSetBit(back.get(), 16 * words - 1, 1);
+        EXPECT_EQ(BignumBit(back.get(), 16 * words - 1), 1);
+        EXPECT_EQ(BignumByte(back.get(), 2 * words - 1) & 0x80, 0x80);
+        EXPECT_EQ(BignumBitLength(back.get()), 16 * words);
+    }
+}
+
 TEST(BignumWire, EveryFormOfRandomNumbersReadsBack) {
     for (int bits = 0; bits <= kMaxBits; bits++) {
         Number a = RandomNumber(bits, RandomBelow(6));

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "crypto/long_division.h"
 #include "crypto/wipe.h"
 #include "crypto_test_support.h"
 
@@ -251,6 +252,29 @@ TEST(Bignum, PowerOfZeroIsOneButZeroModuloOne) {
     EXPECT_EQ(NumberHex(Number(BignumModPow(BignumZero, BignumZero, seven.get())).get()), "1");
     EXPECT_EQ(NumberHex(Number(BignumModPow(five.get(), BignumZero, BignumOne)).get()), "0");
     EXPECT_EQ(NumberHex(Number(BignumModPow(five.get(), seven.get(), BignumOne)).get()), "0");
+}
+
+// Each squaring of a power passes here, by way of the linker.
+static int widest_square = 0;
+void RealSquare(Columns* columns, const uint16_t* words,
+                int count) __asm__("__real__Z13ColumnsSquareP7ColumnsPKti");
+void SeeSquare(Columns* columns, const uint16_t* words,
+               int count) __asm__("__wrap__Z13ColumnsSquareP7ColumnsPKti");
+void SeeSquare(Columns* columns, const uint16_t* words, int count) {
+    widest_square = std::max(widest_square, columns->count);
+    RealSquare(columns, words, count);
+}
+
+TEST(Bignum, StepsOfAPowerAreAsWideAsTheModulusHoweverLongTheBaseIs) {
+    const Number e = FromHexNumber("10001"), m = RandomNumber(1000, 0);
+    for (int bits : {10, 1000, 1009, 2000, 2100, 500000}) {
+        const Number base = RandomNumber(bits, 0);
+        widest_square = 0;
+        Mpz b(base.get()), x(e.get()), modulus(m.get());
+        mpz_powm(b.value, b.value, x.value, modulus.value);
+        EXPECT_EQ(NumberHex(Number(BignumModPow(base.get(), e.get(), m.get())).get()), b.Hex());
+        EXPECT_EQ(widest_square, 2 * m.get()[0] + 1) << bits;
+    }
 }
 
 TEST(Bignum, NothingDividesByZero) {

@@ -8,10 +8,10 @@
 #include <tuple>
 
 #include "crypto/blowfish.h"
-#include "crypto/byte_order.h"
 #include "crypto/ciphers.h"
 #include "crypto/des.h"
 #include "crypto_test_support.h"
+#include "text/byte_order.h"
 
 static const int kRounds = 3000;
 

@@ -7,10 +7,10 @@
 #include <functional>
 
 #include "crypto/blowfish.h"
-#include "crypto/byte_order.h"
 #include "crypto/ciphers.h"
 #include "crypto/des.h"
 #include "crypto_test_support.h"
+#include "text/byte_order.h"
 
 static void SetDesKey(DesContext* context, const uint8_t* key) {
     DesSetKey(LoadBig<uint32_t>(key), LoadBig<uint32_t>(key + 4), context);

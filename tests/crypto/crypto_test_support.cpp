@@ -8,7 +8,21 @@ int clock_milliseconds = 0;
 
 void GetSystemTime(SYSTEMTIME* time) {
     *time = {};
-    time->wMilliseconds = static_cast<WORD>(clock_milliseconds);
+    time->wHour = static_cast<WORD>(clock_milliseconds / 3600000 % 24);
+    time->wMinute = static_cast<WORD>(clock_milliseconds / 60000 % 60);
+    time->wSecond = static_cast<WORD>(clock_milliseconds / 1000 % 60);
+    time->wMilliseconds = static_cast<WORD>(clock_milliseconds % 1000);
+}
+
+std::deque<int> scripted_draws;
+
+int RealRand() __asm__("__real_rand");
+int ScriptedRand() __asm__("__wrap_rand");
+int ScriptedRand() {
+    if (scripted_draws.empty()) return RealRand();
+    const int value = scripted_draws.front();
+    scripted_draws.pop_front();
+    return value;
 }
 
 int RandomBelow(int limit) {

@@ -5,6 +5,7 @@
 
 #include <gmp.h>
 
+#include <deque>
 #include <memory>
 #include <random>
 #include <string>
@@ -18,7 +19,10 @@ int RandomBelow(int limit);  // 0 .. limit - 1
 ByteString RandomBytes(int count);
 inline int Size(const ByteString& bytes) { return static_cast<int>(bytes.size()); }
 
-extern int clock_milliseconds;  // what GetSystemTime tells
+extern int clock_milliseconds;  // since midnight: what GetSystemTime tells
+
+// What the runtime library's rand gives next, by way of the linker: these, and then its own.
+extern std::deque<int> scripted_draws;
 
 // A Bignum that releases itself.
 struct BignumRelease {

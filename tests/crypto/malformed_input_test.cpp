@@ -5,11 +5,11 @@
 
 #include <memory>
 
-#include "crypto/byte_order.h"
 #include "crypto/dss.h"
 #include "crypto/rsa.h"
 #include "crypto_test_support.h"
 #include "public_key_blobs.h"
+#include "text/byte_order.h"
 
 typedef std::unique_ptr<DssKey, void (*)(DssKey*)> OwnedKey;
 
@@ -269,11 +269,11 @@ TEST(MalformedRsa, NumbersOfZeroAreRefused) {
 TEST(MalformedRsa, NumbersThatWouldTakeTooLongAreRefused) {
     RsaKey key;
     EXPECT_EQ(ParseRsa(RsaBytes(17, kRsaMaxModulusBits + 1), &key), 0);
-    EXPECT_EQ(ParseRsa(RsaBytes(65, kRsaMaxFullExponentBits + 1), &key), 0);
-    EXPECT_EQ(ParseRsa(RsaBytes(kRsaMaxFullExponentBits + 1, 1024), &key), 0);
-    EXPECT_GT(ParseRsa(RsaBytes(64, kRsaMaxModulusBits), &key), 0);
+    EXPECT_EQ(ParseRsa(RsaBytes(kRsaMaxShortExponentBits + 1, kRsaLongModulusBits + 1), &key), 0);
+    EXPECT_EQ(ParseRsa(RsaBytes(kRsaMaxExponentBits + 1, 1024), &key), 0);
+    EXPECT_GT(ParseRsa(RsaBytes(kRsaMaxShortExponentBits, kRsaMaxModulusBits), &key), 0);
     RsaReleaseKey(&key);
-    EXPECT_GT(ParseRsa(RsaBytes(3072, 3072), &key), 0);
+    EXPECT_GT(ParseRsa(RsaBytes(kRsaMaxExponentBits, kRsaLongModulusBits), &key), 0);
     RsaReleaseKey(&key);
 }
 

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <openssl/bn.h>
 
-#include "crypto/byte_order.h"
 #include "crypto/sha1.h"
+#include "text/byte_order.h"
 
 ByteString operator+(ByteString a, const ByteString& b) {
     a.insert(a.end(), b.begin(), b.end());
@@ -48,14 +48,22 @@ static BIGNUM* FromText(const std::string& digits) {
     return number;
 }
 
-DSA* MakeDsaKey() {
-    const Vector vector = ReadVectorFile("dss.data").front();
+static DSA* KeyOver(const Vector& vector) {
     DSA* dsa = DSA_new();
     EXPECT_EQ(DSA_set0_pqg(dsa, FromText(Text(vector, "p")), FromText(Text(vector, "q")),
                            FromText(Text(vector, "g"))),
               1);
     EXPECT_EQ(DSA_generate_key(dsa), 1);
     return dsa;
+}
+
+DSA* MakeDsaKey() { return KeyOver(ReadVectorFile("dss.data").front()); }
+
+DSA* MakeLongDsaKey(int bits) {
+    for (const Vector& vector : ReadVectorFile("dsa_groups.data"))
+        if (Text(vector, "bits") == std::to_string(bits)) return KeyOver(vector);
+    ADD_FAILURE() << "no group of " << bits << " bits";
+    return nullptr;
 }
 
 ByteString KeyBlob(const DSA* dsa, const std::string& name) {

@@ -12,6 +12,8 @@
 
 // A new key pair over the first group of dss.data (1,024 and 160 bits).
 DSA* MakeDsaKey();
+// The same over the group of dsa_groups.data that has p of so many bits: 2048 or 3072.
+DSA* MakeLongDsaKey(int bits);
 ByteString KeyBlob(const DSA* dsa, const std::string& name = "ssh-dss");
 // r and s over the SHA-1 of the data, or over a digest as it stands: 40 bytes.
 ByteString Sign(DSA* dsa, const ByteString& data);

@@ -83,6 +83,31 @@ TEST_F(DiffieHellman, SmallExponentsAreDrawnAgainUntilTheyAreAboveOne) {
     }
 }
 
+// Draws for the bytes of an exponent of 256 bits, the lowest first.
+static void ScriptExponent(int low_byte) {
+    scripted_draws.push_back(0x100 + low_byte);
+    scripted_draws.insert(scripted_draws.end(), 31, 0x100);
+}
+
+TEST_F(DiffieHellman, ExponentOfZeroOrOneIsDrawnAgain) {
+    for (int low_byte : {0, 1, 1, 0, 2}) ScriptExponent(low_byte);
+    DhGenerate(&context, kDhExponentBits);
+    EXPECT_TRUE(scripted_draws.empty());
+    EXPECT_EQ(NumberHex(context.x), "2");
+    EXPECT_EQ(NumberHex(context.e), "4");
+}
+
+// Of the bound, which is above q, nothing is cut away by bytes of ones.
+TEST_F(DiffieHellman, ExponentThatIsNotBelowQIsDrawnAgain) {
+    scripted_draws.assign(2 * 128, 0xFF);
+    scripted_draws.insert(scripted_draws.end(), 127, 0x100);
+    scripted_draws.push_back(3);
+    EXPECT_EQ(BignumCompare(context.bound, context.q), 1);
+    DhGenerate(&context, 0);
+    EXPECT_TRUE(scripted_draws.empty());
+    EXPECT_EQ(NumberHex(context.x), "3");
+}
+
 // Without a bit count the exponent is the bound, each byte of it cut down by a random one.
 TEST_F(DiffieHellman, ExponentWithoutABitCountComesFromTheBound) {
     for (int bits : {0, 1024, 5000}) {
@@ -215,6 +240,37 @@ TEST_F(Dss, SignaturesOfThePeerVerify) {
         const ByteString data = RandomBytes(RandomBelow(100));
         ASSERT_TRUE(Verify(Sign(peer, data), data)) << round;
     }
+}
+
+TEST_F(Dss, KeysOf2048And3072BitsVerify) {
+    for (int bits : {2048, 3072}) {
+        DSA* longer = MakeLongDsaKey(bits);
+        const ByteString blob = KeyBlob(longer);
+        DssKey* parsed = DssParseKey(blob.data(), Size(blob));
+        ASSERT_NE(parsed, nullptr) << bits;
+        EXPECT_EQ(BignumBitLength(parsed->p), bits);
+        for (int round = 0; round < 5; round++) {
+            const ByteString data = RandomBytes(20);
+            ByteString signature = WrapSignature(Sign(longer, data));
+            EXPECT_TRUE(DssVerify(parsed, signature.data(), Size(signature), data.data(), 20));
+            signature.back() = static_cast<uint8_t>(signature.back() ^ 1);
+            EXPECT_FALSE(DssVerify(parsed, signature.data(), Size(signature), data.data(), 20));
+        }
+        DssFreeKey(parsed);
+        DSA_free(longer);
+    }
+}
+
+// The same key modulo p: g and y may be sent with any multiple of it added.
+TEST_F(Dss, NumbersFarAboveThePrimeCountModuloIt) {
+    const ByteString signature = Sign(peer, hash);
+    for (Bignum* number : {&key->g, &key->y}) {
+        const Number factor = RandomNumber(30000, 0);
+        const Number reduced(*number);
+        *number = BignumMulAdd(key->p, factor.get(), reduced.get());
+    }
+    EXPECT_GT(BignumBitLength(key->y), 30000);
+    EXPECT_TRUE(Verify(signature, hash));
 }
 
 // r and s moved out of range by q would pass the equations, but not the check of the range.

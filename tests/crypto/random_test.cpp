@@ -51,6 +51,12 @@ TEST(Random, SameMillisecondsModulo37GiveTheSameSequence) {
     EXPECT_NE(Sequence(5), Sequence(6));
 }
 
+TEST(Random, SecondsMinutesAndHoursOfTheClockDoNotCount) {
+    const std::vector<int> sequence = Sequence(5);
+    for (int seconds : {1, 2, 36, 37, 59, 60, 61, 3599, 3600, 86399})
+        EXPECT_EQ(Sequence(5 + 1000 * seconds), sequence) << seconds;
+}
+
 TEST(Random, ThereAre37SeedsAndNoMore) {
     std::set<std::vector<int>> sequences;
     for (int milliseconds = 0; milliseconds < 1000; milliseconds++) {
@@ -71,9 +77,21 @@ TEST(Random, SequenceIsThatOfTheRuntimeLibrarySeededWithTheRemainder) {
     }
 }
 
-TEST(Random, NonZeroIsNeverZero) {
-    Sequence(0);
-    for (int i = 0; i < 1000000; i++) ASSERT_GT(RandomNonZero(), 0);
+// The runtime library's own zeros are too rare to meet.
+TEST(Random, NonZeroDrawsAgainUntilItIsNoZero) {
+    scripted_draws = {0, 7, 0, 0, 0, 32767, 1};
+    EXPECT_EQ(RandomNonZero(), 7);
+    EXPECT_EQ(RandomNonZero(), 32767);
+    EXPECT_EQ(RandomNonZero(), 1);
+    EXPECT_TRUE(scripted_draws.empty());
+}
+
+TEST(Random, ByteDrawsAgainForAZeroAndNotForAZeroByte) {
+    scripted_draws = {0, 0, 0x4321, 0x100, 9};
+    EXPECT_EQ(RandomByte(), 0x21);
+    EXPECT_EQ(RandomByte(), 0);
+    EXPECT_EQ(RandomByte(), 9);
+    EXPECT_TRUE(scripted_draws.empty());
 }
 
 TEST(Random, ByteIsTheLowBitsOfOneDraw) {

@@ -6,7 +6,6 @@
 #include <cstring>
 
 #include "crypto/blowfish.h"
-#include "crypto/byte_order.h"
 #include "crypto/crc32.h"
 #include "crypto/des.h"
 #include "crypto/diffie_hellman.h"
@@ -18,6 +17,7 @@
 #include "crypto/sha512.h"
 #include "crypto/sha512_compress.h"
 #include "crypto_test_support.h"
+#include "text/byte_order.h"
 
 // ---------------------------------------------------------------- hashes
 

@@ -2,22 +2,24 @@
 // hook as it goes, and the working space on the stack, searched once a procedure has returned.
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstring>
 #include <functional>
 
 #include "crypto/blowfish.h"
-#include "crypto/byte_order.h"
 #include "crypto/ciphers.h"
 #include "crypto/des.h"
 #include "crypto/diffie_hellman.h"
 #include "crypto/hmac_sha1.h"
 #include "crypto/md5.h"
 #include "crypto/rsa.h"
+#include "crypto/sha1_compress.h"
 #include "crypto/sha512.h"
 #include "crypto/sha512_compress.h"
 #include "crypto/wipe.h"
 #include "crypto_test_support.h"
 #include "tests/support/leftovers.h"
+#include "text/byte_order.h"
 
 // ---------------------------------------------------------------- heap
 
@@ -195,6 +197,86 @@ TEST(StackWiping, HmacLeavesNeitherKeyNorPadsNorPreparedContexts) {
         EXPECT_EQ(LeftOnStack(outer.state, use), 0);
     }
     WipeMacKeys();
+}
+
+// A MAC that the sender does not have would let a forger do without the key.
+TEST(StackWiping, MacThatWasExpectedIsNotLeftWhereAnotherCame) {
+    const ByteString key = RandomBytes(20);
+    static uint8_t packet[120];
+    kHmacSha1.setOutgoingKey(key.data());
+    kHmacSha1.setIncomingKey(key.data());
+    kHmacSha1.generate(packet, 100, 1);
+    const ByteString expected(packet + 100, packet + 120);
+    packet[100] ^= 1;
+    static int verified = 1;  // a look at it on that stack would cover what is searched for
+    const auto verify = [] { verified = kHmacSha1.verify(packet, 100, 1); };
+    EXPECT_EQ(LeftOnStack(expected.data(), verify), 0);
+    EXPECT_EQ(verified, 0);
+    WipeMacKeys();
+}
+
+TEST(StackWiping, HmacLeavesNoInnerDigest) {
+    const ByteString key = RandomBytes(20), message = RandomBytes(100);
+    static uint8_t packet[120], mac[kSha1Size];
+    const auto inner_digest = [&](const ByteString& hashed) {
+        ByteString input = key, digest(kSha1Size);
+        input.resize(64);
+        for (uint8_t& byte : input) byte = static_cast<uint8_t>(byte ^ 0x36);
+        input.insert(input.end(), hashed.begin(), hashed.end());
+        Sha1(input.data(), Size(input), digest.data());
+        return digest;
+    };
+    const ByteString of_message = inner_digest(message);
+    const ByteString of_packet = inner_digest(ByteString(4 + 100));  // sequence number 0
+    kHmacSha1.setOutgoingKey(key.data());
+    kHmacSha1.setIncomingKey(key.data());
+    EXPECT_EQ(
+        LeftOnStack(of_message.data(), [&] { HmacSha1(key.data(), 20, message.data(), 100, mac); }),
+        0);
+    EXPECT_EQ(LeftOnStack(of_packet.data(), [] { kHmacSha1.generate(packet, 100, 0); }), 0);
+    EXPECT_EQ(LeftOnStack(of_packet.data(), [] { kHmacSha1.verify(packet, 100, 0); }), 0);
+    WipeMacKeys();
+}
+
+// The message schedules of one block (FIPS 180-2, 6.1.2 and 6.3.2).
+static std::vector<uint32_t> Sha1Schedule(const uint8_t block[64]) {
+    std::vector<uint32_t> w(80);
+    for (size_t t = 0; t < 16; t++) w[t] = LoadBig<uint32_t>(block + 4 * t);
+    for (size_t t = 16; t < 80; t++)
+        w[t] = std::rotl(w[t - 3] ^ w[t - 8] ^ w[t - 14] ^ w[t - 16], 1);
+    return w;
+}
+
+static std::vector<uint64_t> Sha512Schedule(const uint8_t block[128]) {
+    const auto sigma = [](uint64_t x, int first, int second, int shift) {
+        return std::rotr(x, first) ^ std::rotr(x, second) ^ x >> shift;
+    };
+    std::vector<uint64_t> w(80);
+    for (size_t t = 0; t < 16; t++) w[t] = LoadBig<uint64_t>(block + 8 * t);
+    for (size_t t = 16; t < 80; t++)
+        w[t] = sigma(w[t - 2], 19, 61, 6) + w[t - 7] + sigma(w[t - 15], 1, 8, 7) + w[t - 16];
+    return w;
+}
+
+// A schedule tells the whole block; sixteen words of it are kept at a time.
+TEST(StackWiping, PortableSha1LeavesNoWordsOfItsSchedule) {
+    const ByteString block = RandomBytes(64);
+    const std::vector<uint32_t> w = Sha1Schedule(block.data());
+    static uint32_t state[5];
+    const auto compress = [&] { Sha1CompressPortable(state, block.data(), 1); };
+    for (size_t t = 0; t < 80; t += 4) EXPECT_EQ(LeftOnStack(&w[t], compress), 0) << t;
+}
+
+TEST(StackWiping, PortableSha512LeavesNoWordsOfItsScheduleAndNoSums) {
+    const ByteString block = RandomBytes(128);
+    const std::vector<uint64_t> w = Sha512Schedule(block.data());
+    static uint64_t state[8];
+    const auto compress = [&] { Sha512CompressPortable(state, block.data(), 1); };
+    for (size_t t = 0; t < 80; t += 2) {
+        const uint64_t sums[2] = {w[t] + kSha512Constants[t], w[t + 1] + kSha512Constants[t + 1]};
+        EXPECT_EQ(LeftOnStack(&w[t], compress), 0) << t;
+        EXPECT_EQ(LeftOnStack(sums, compress), 0) << t;
+    }
 }
 
 TEST(StackWiping, HashesLeaveNothingOfTheirMessage) {

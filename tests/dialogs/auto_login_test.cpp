@@ -1,9 +1,9 @@
 // "Auto Login": two searches and two responses.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/fake_host.h"
@@ -73,6 +73,18 @@ TEST_P(AutoLoginField, Holds39Characters) {
 TEST_P(AutoLoginField, CutsThe40thCharacter) {
     const std::u16string text(39, u'w');
     TypeAndClose(GetParam(), text + u"XY", IDOK, text);
+}
+
+TEST_P(AutoLoginField, The40thCharacterCannotBeTyped) {
+    RunProgram(FreshStage(), [] {
+        for (int times = 0; times < 2; times++) {
+            const HWND dialog = OpenAutoLogin();
+            TypeInto(dialog, GetParam().id, std::u16string(39, u'w') + u"XYZ");
+            EXPECT_EQ(TextOf(dialog, GetParam().id), std::u16string(39, u'w'));
+            ClickControl(dialog, IDOK);
+            ASSERT_TRUE(Closed(dialog));
+        }
+    });
 }
 
 TEST_P(AutoLoginField, KeepsTextOutsideTheCodePage) {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <atomic>
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 #include "tests/dialogs/dialog_cases.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"

@@ -3,9 +3,9 @@
 #include <QColorDialog>
 #include <QThread>
 
-#include "app/session_state.h"
 #include "platform/qt/testing.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/person.h"
 

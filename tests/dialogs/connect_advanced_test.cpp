@@ -1,10 +1,10 @@
 // "Connect Advanced": marks, port, protocol and cipher.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "platform/qt/dialogs.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/fake_host.h"
@@ -128,6 +128,8 @@ const PortCase kPorts[] = {
     {"Highest", u"65535", 65535},
     {"Zero", u"0", 0},
     {"PastSixteenBits", u"65559", 65559},
+    {"Bit31", u"2147483648", 2147483648},
+    {"PastBit31", u"2147483671", 2147483671},
     {"Highest32Bits", u"4294967295", 4294967295},
     {"Past32Bits", u"4294967296", 2323},
     {"FarPast32Bits", u"99999999999", 2323},
@@ -156,6 +158,26 @@ TEST_P(AdvancedPort, IsStoredOnlyIfItIsANumber) {
 
 INSTANTIATE_TEST_SUITE_P(Each, AdvancedPort, testing::ValuesIn(kPorts),
                          [](const auto& info) { return std::string(info.param.name); });
+
+// It is shown with its sign, which does not read back: OK keeps the port.
+TEST(ConnectAdvanced, PortOf2147483648AndAboveIsShownNegativeAndKept) {
+    const std::pair<uint32_t, const char16_t*> ports[] = {{2147483647, u"2147483647"},
+                                                          {2147483648, u"-2147483648"},
+                                                          {2147483671, u"-2147483625"},
+                                                          {4294967295, u"-1"}};
+    for (const auto& [port, shown] : ports) {
+        const Stage stage = FreshStage([port = port] { WriteNumber(u"port", port); });
+        RunProgram(stage, [&, port = port, shown = shown] {
+            for (int times = 0; times < 2; times++) {
+                const Advanced advanced = OpenAdvanced();
+                EXPECT_EQ(TextOf(advanced.dialog, IDC_PORT), shown);
+                CloseBoth(advanced, IDOK);
+                EXPECT_EQ(s.port, port);
+                EXPECT_EQ(StoredNumber(stage.root, "port"), port);
+            }
+        });
+    }
+}
 
 TEST(ConnectAdvanced, CancelKeepsThePort) {
     const Stage stage = FreshStage();

@@ -1,9 +1,9 @@
 // "Connect": the host and its history.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/fake_host.h"
@@ -121,6 +121,34 @@ TEST(ConnectDialog, CancelChangesNothingAndLeavesMinusOne) {
         EXPECT_EQ(AwaitBox(300), "");
     });
     EXPECT_EQ(StoredText(stage.root, "host"), u"");
+}
+
+TEST(ConnectDialog, CancelAfterAnOkDoesNotConnectAgain) {
+    FakeHost host;
+    Stage stage;
+    stage.root = FreshRoot();
+    stage.before = [&] { WriteNumber(u"port", static_cast<DWORD>(host.port)); };
+    RunProgram(stage, [&] {
+        HWND dialog = OpenConnect();
+        TypeInto(dialog, IDC_HOST, u"127.0.0.1");
+        ClickControl(dialog, IDOK);
+        ASSERT_TRUE(host.Accept());
+        host.Send("hello");
+        ASSERT_TRUE(TerminalShows("hello"));
+        Close();
+        ASSERT_TRUE(Offline());
+        for (int times = 0; times < 2; times++) {
+            dialog = OpenConnect();
+            OnWindowThread([] { EXPECT_EQ(session.connect_request, 0u) << "cleared as it opens"; });
+            ClickControl(dialog, IDCANCEL);
+            ASSERT_TRUE(Closed(dialog));
+            EXPECT_FALSE(host.Accept(100));
+            OnWindowThread([] {
+                EXPECT_EQ(session.connect_request, 0u);
+                EXPECT_EQ(session.connect_pending, 0u);
+            });
+        }
+    });
 }
 
 TEST(ConnectDialog, OkAfterCancelDoesNotLeaveMinusOne) {

@@ -3,8 +3,8 @@
 
 #include <QApplication>
 
-#include "config/dialogs.h"
 #include "tests/dialogs/dialog_person.h"
+#include "ui/dialogs/dialogs.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <QThread>
 #include <QWidget>
 
-#include "app/session_state.h"
-#include "config/settings.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_cases.h"
 #include "tests/support/person.h"
 

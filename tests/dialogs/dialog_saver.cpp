@@ -2,9 +2,9 @@
 // killed. Usage: dialog_saver ROOT. Writes a line when the first save is about to begin.
 #include <cstdio>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/saved_texts.h"
 #include "tests/support/person.h"

@@ -1,9 +1,9 @@
 // "Font": the terminal's face, bold and italic.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/person.h"
@@ -57,6 +57,20 @@ TEST(FontDialog, SelectsTheFaceOfTheSettings) {
         AddFace(u"Second Mono");
         OnWindowThread([] { lstrcpyW(s.fname, u"Second Mono"); });
         EXPECT_EQ(SelectedLine(OpenFont(), IDC_FONTS), session.view.face_count - 1);
+    });
+}
+
+TEST(FontDialog, FaceNameInOtherCaseIsNoFaceAndTheFirstIsSelected) {
+    RunProgram(FreshStage(), [] {
+        AddFace(u"Second Mono");
+        for (const char16_t* name : {u"second mono", u"SECOND MONO", u"Second MonO"}) {
+            OnWindowThread([=] { lstrcpyW(s.fname, name); });
+            const HWND dialog = OpenFont();
+            EXPECT_EQ(SelectedLine(dialog, IDC_FONTS), 0);
+            ClickControl(dialog, IDCANCEL);
+            ASSERT_TRUE(Closed(dialog));
+            EXPECT_EQ(std::u16string(s.fname), name);
+        }
     });
 }
 

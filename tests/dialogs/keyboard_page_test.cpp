@@ -1,11 +1,11 @@
 // The page "Keyboard" of the Properties sheet, and its dialog "Change".
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/key_map.h"
-#include "config/settings.h"
 #include "platform/qt/dialogs.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/fake_host.h"
@@ -175,6 +175,20 @@ TEST(ChangeKey, ShiftTabHasItsOwnRow) {
         CloseBy(open.sheet, IDOK);
         EXPECT_EQ(StoredText(stage.root, "key40"), u"\\011");
         EXPECT_EQ(StoredText(stage.root, "key41"), u"\\033[Z");
+    });
+}
+
+TEST(ChangeKey, The40thCharacterCannotBeTyped) {
+    Stage stage;
+    stage.root = FreshRoot();
+    RunProgram(stage, [] {
+        const OpenSheet open = OpenKeyboard();
+        for (int times = 0; times < 2; times++) {
+            const HWND dialog = OpenChange(open);
+            TypeInto(dialog, IDC_KEY_TEXT, Text(39, u'k') + u"XYZ");
+            EXPECT_EQ(TextOf(dialog, IDC_KEY_TEXT), Text(39, u'k'));
+            CloseBy(dialog, IDOK);
+        }
     });
 }
 

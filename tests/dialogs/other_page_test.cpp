@@ -1,13 +1,13 @@
 // The page "Other" of the Properties sheet.
 #include <gtest/gtest.h>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "resources/resource_ids.h"
-#include "terminal/terminal_font.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/person.h"
+#include "ui/view/terminal_font.h"
 
 namespace {
 
@@ -158,6 +158,16 @@ TEST_P(OtherText, Holds39Characters) {
 }
 TEST_P(OtherText, CutsThe40thCharacter) {
     TypeAndClose(GetParam(), std::u16string(39, u't') + u"XY", IDOK, std::u16string(39, u't'));
+}
+TEST_P(OtherText, The40thCharacterCannotBeTyped) {
+    RunProgram(FreshStage(), [] {
+        for (int times = 0; times < 2; times++) {
+            const OpenSheet open = OpenOther();
+            TypeInto(open.page, GetParam().id, std::u16string(39, u't') + u"XYZ");
+            EXPECT_EQ(TextOf(open.page, GetParam().id), std::u16string(39, u't'));
+            CloseBy(open, IDOK);
+        }
+    });
 }
 TEST_P(OtherText, KeepsTextOutsideTheCodePage) {
     TypeAndClose(GetParam(), u"\x4e2d\x0416", IDOK, u"\x4e2d\x0416");

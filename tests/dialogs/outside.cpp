@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 #include <QThread>
 
-#include "app/session_state.h"
 #include "platform/qt/slice.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/person.h"

@@ -8,11 +8,11 @@
 #include <QPushButton>
 #include <QScrollBar>
 
-#include "app/session_state.h"
-#include "config/key_map.h"
 #include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
 #include "tests/dialogs/dialog_cases.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"
@@ -79,41 +79,113 @@ TEST_P(EachSmallDialog, TabBringsEveryControlIntoSight) {
 INSTANTIATE_TEST_SUITE_P(Each, EachSmallDialog, testing::ValuesIn(dialog_cases),
                          [](const auto& info) { return info.param.name; });
 
-TEST(SmallDevice, TabBringsEveryControlOfTheColourChooserIntoSight) {
-    RunProgram(SmallDevice(), [] {
-        PostToMain(WM_COMMAND, IDM_COLOR_BG);
-        ASSERT_TRUE(
-            Eventually([] { return ShownColorDialog() && ShownColorDialog()->isVisible(); }));
-        const std::vector<QWidget*> round = TabRound();
-        OnWindowThread([&] {
-            for (QPushButton* button : ShownColorDialog()->findChildren<QPushButton*>()) {
-                if (!button->isVisible()) continue;
-                EXPECT_NE(std::find(round.begin(), round.end(), button), round.end())
-                    << button->text().toStdString();
-            }
-            ShownColorDialog()->reject();
-        });
-    });
+// On the window thread: each of the list's lines that is seen is seen whole.
+void ExpectWholeLines(const QListWidget* list) {
+    for (int row = 0; row < list->count(); row++) {
+        const QRect line = list->visualItemRect(list->item(row));
+        if (!line.intersects(list->viewport()->rect())) continue;
+        EXPECT_GE(line.top(), 0) << row;
+        EXPECT_LE(line.bottom(), list->viewport()->rect().bottom()) << row;
+    }
 }
 
-// Three lists share the width; what is too long for one is scrolled to.
-TEST(SmallDevice, LongNamesOfTheToolbarsCanBeReadToTheirEnd) {
-    RunProgram(SmallDevice(), [] {
+// The width of the ink in a line: what stands left of `room` and what is cut off there.
+bool InkAtTheEdge(QListWidget* list, int row) {
+    const QRect line = list->visualItemRect(list->item(row));
+    const QImage face = list->viewport()->grab(line).toImage();
+    for (int y = 2; y < face.height() - 2; y++)
+        if (qGray(face.pixel(face.width() - 1, y)) < 96) return true;
+    return false;
+}
+
+class OnEachScreen : public testing::TestWithParam<QSize> {
+  protected:
+    Stage Device() const {
+        Stage stage;
+        stage.width = GetParam().width(), stage.height = GetParam().height();
+        return stage;
+    }
+};
+
+// Three lists share the width; what is too long for one goes on in a second line.
+TEST_P(OnEachScreen, NamesOfTheToolbarsStandWholeBesideTheirMarks) {
+    RunProgram(Device(), [] {
         ClickTab(OpenDialog(IDM_PROPERTIES, "Properties"), "Toolbar");
         for (const int id : {IDC_BAR1, IDC_BAR2, IDC_BAR3}) {
             OnWindowThread([=] {
                 auto* list = qobject_cast<QListWidget*>(DialogWidgetOf(id));
-                const int needed = list->sizeHintForColumn(0);
-                ASSERT_GT(needed, list->viewport()->width()) << "nothing is too long here";
-                EXPECT_GE(list->visualItemRect(list->item(0)).width(), needed) << "it is cut";
-                QScrollBar* bar = list->horizontalScrollBar();
-                EXPECT_TRUE(bar->isVisible());
-                bar->setValue(bar->maximum());
-                EXPECT_LE(list->visualItemRect(list->item(0)).right(), list->viewport()->width());
+                EXPECT_FALSE(list->horizontalScrollBar()->isVisible());
+                EXPECT_EQ(list->horizontalScrollBar()->maximum(), 0) << "it moves sideways";
+                for (int row = 0; row < list->count(); row++) {
+                    const QString text = list->item(row)->text();
+                    list->scrollToItem(list->item(row));
+                    const QRect line = list->visualItemRect(list->item(row));
+                    const QFontMetrics metrics = list->fontMetrics();
+                    const int lines = line.height() / metrics.height();
+                    EXPECT_GE(line.width() * lines, metrics.horizontalAdvance(text))
+                        << text.toStdString();
+                    EXPECT_LE(line.width(), list->viewport()->width());
+                    EXPECT_FALSE(InkAtTheEdge(list, row)) << text.toStdString();
+                }
             });
         }
     });
 }
+
+// On the window thread: below the last line that is seen whole there is nothing.
+void ExpectNothingBelowTheLastLine(QListWidget* list) {
+    const QImage face = list->viewport()->grab().toImage();
+    int end = 0;
+    for (int row = 0; row < list->count(); row++) {
+        const QRect line = list->visualItemRect(list->item(row));
+        if (line.top() >= 0 && line.bottom() < face.height()) end = line.bottom() + 1;
+    }
+    ASSERT_GT(end, face.height() / 2);
+    for (int y = end; y < face.height(); y++)
+        for (int x = 0; x < face.width(); x++)
+            ASSERT_EQ(face.pixel(x, y), list->palette().color(QPalette::Base).rgb())
+                << x << "," << y << " below " << end;
+}
+
+TEST_P(OnEachScreen, NoLineOfTheToolbarsIsSeenInPart) {
+    RunProgram(Device(), [] {
+        ClickTab(OpenDialog(IDM_PROPERTIES, "Properties"), "Toolbar");
+        for (const int id : {IDC_BAR1, IDC_BAR2, IDC_BAR3}) {
+            for (const int top : {0, 1, 2, 3, 4, 10, 26}) {
+                OnWindowThread([=] {
+                    SendDlgItemMessageW(ShownPage(), id, LB_SETTOPINDEX, top, 0);
+                    ExpectNothingBelowTheLastLine(qobject_cast<QListWidget*>(DialogWidgetOf(id)));
+                });
+            }
+        }
+    });
+}
+
+// Whatever is at the top, and at the end.
+TEST_P(OnEachScreen, NoLineOfTheListsOfKeysAndFontsIsCut) {
+    RunProgram(Device(), [] {
+        const HWND sheet = OpenDialog(IDM_PROPERTIES, "Properties");
+        ClickTab(sheet, "Keyboard");
+        for (const int top : {0, 1, 30, 65}) {
+            OnWindowThread([=] {
+                SendDlgItemMessageW(ShownPage(), IDC_KEYS, LB_SETTOPINDEX, top, 0);
+                ExpectWholeLines(qobject_cast<QListWidget*>(DialogWidgetOf(IDC_KEYS)));
+            });
+        }
+        PressKey(Qt::Key_Escape);
+        ASSERT_TRUE(Closed(sheet));
+        OpenDialog(IDM_FONT, "Font");
+        OnWindowThread(
+            [] { ExpectWholeLines(qobject_cast<QListWidget*>(DialogWidgetOf(IDC_FONTS))); });
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, OnEachScreen,
+                         testing::Values(QSize(240, 320), QSize(320, 240), QSize(640, 480)),
+                         [](const auto& info) {
+                             return std::to_string(info.param.width()) + "By" +
+                                    std::to_string(info.param.height());
+                         });
 
 // The one line of the keystroke has no room for a bar.
 TEST(SmallDevice, ALongKeystrokeStaysInSight) {

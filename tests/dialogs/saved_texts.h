@@ -2,7 +2,7 @@
 #ifndef QUILL_TESTS_DIALOGS_SAVED_TEXTS_H
 #define QUILL_TESTS_DIALOGS_SAVED_TEXTS_H
 
-#include "config/settings_types.h"
+#include "session/settings_types.h"
 
 struct SavedText {
     int id;  // of the field in "Auto Login"

@@ -7,10 +7,10 @@
 #include <QListWidget>
 #include <set>
 
-#include "app/session_state.h"
 #include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"
 

@@ -11,11 +11,12 @@
 #include <QRadioButton>
 #include <QStyle>
 
-#include "app/session_state.h"
-#include "config/settings.h"
 #include "platform/qt/dialog_template.h"
+#include "platform/qt/dialogs.h"
 #include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_cases.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"
@@ -62,10 +63,29 @@ bool HasLabel(Kind kind) {
 
 class EachDialog : public testing::TestWithParam<DialogCase> {};
 
+// 0x80 is an edit's style, 0x40 a combo box's.
+bool ScrollsSideways(const Window& window) {
+    const Kind kind = KindOf(window.widget);
+    if (kind == Kind::kEdit) return (window.control->style & 0x80) != 0;
+    return kind != Kind::kCombo || (window.control->style & 0x40) != 0;
+}
+
 Stage FreshStage(int width = 640, int height = 480) {
     Stage stage;
     stage.width = width, stage.height = height;
     return stage;
+}
+
+TEST_P(EachDialog, FieldsScrollSideways) {
+    RunProgram(FreshStage(), [] {
+        const HWND dialog = GetParam().open();
+        OnWindowThread([=] {
+            for (const Window* window : AllWindows()) {
+                if (window->parent != dialog || !window->control) continue;
+                EXPECT_TRUE(ScrollsSideways(*window)) << window->id;
+            }
+        });
+    });
 }
 
 TEST_P(EachDialog, HasItsControlsInOrderWithTheirNumbersAndLabels) {

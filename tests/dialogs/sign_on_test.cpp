@@ -3,13 +3,13 @@
 
 #include <atomic>
 
-#include "app/session_state.h"
-#include "config/dialogs.h"
-#include "config/settings.h"
 #include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/person.h"
+#include "ui/dialogs/dialogs.h"
 
 namespace {
 
@@ -134,6 +134,19 @@ TEST(SignOn, UserAndPasswordHold39Characters) {
         CloseBy(dialog, IDOK);
         EXPECT_EQ(std::u16string(s.ssh_u), user);
         EXPECT_EQ(std::u16string(s.ssh_p), password);
+    });
+}
+
+TEST(SignOn, The40thCharacterCannotBeTyped) {
+    RunProgram(StageWith(u"", u"", 1), [] {
+        for (int times = 0; times < 2; times++) {
+            const HWND dialog = OpenSignOn();
+            for (const int id : {IDC_SSH_U, IDC_SSH_P}) {
+                TypeInto(dialog, id, std::u16string(39, u'u') + u"XYZ");
+                EXPECT_EQ(TextOf(dialog, id), std::u16string(39, u'u'));
+            }
+            CloseBy(dialog, IDOK);
+        }
     });
 }
 

@@ -12,9 +12,9 @@
 #include <mutex>
 #include <thread>
 
-#include "app/session_state.h"
 #include "platform/qt/dial_log.h"
 #include "platform/qt/testing_services.h"
+#include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <QProcess>
 
-#include "app/session_state.h"
-#include "telnet/session_send.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "tests/support/person.h"
 #include "tests/support/real_servers.h"
 #include "tests/support/sessions.h"

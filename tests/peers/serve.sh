@@ -10,31 +10,12 @@
 set -eu
 [ $# -eq 1 ] || { echo "usage: serve.sh COMMAND" >&2; exit 2; }
 
-skip() { echo "serve.sh: $1" >&2; exit 77; }
+here=$(cd "$(dirname "$0")" && pwd)
+. "$here/throwaway.sh"
 
 # Inside the name spaces.
 serve_inside() {
-    here=$(cd "$(dirname "$0")" && pwd)
-    peers=${QUILL_PEERS_DIR:-$here/../../build/peers}
-    mount -t tmpfs -o mode=755 quill-peers /mnt
-    mkdir /mnt/etc /mnt/home /mnt/peers /mnt/log
-    mount --bind "$peers/root" /mnt/peers
-    cp -a /etc/. /mnt/etc/
-    mount --bind /mnt/etc /etc
-    mount --bind /mnt/log /var/log
-    : >/mnt/utmp
-    [ ! -e /run/utmp ] || mount --bind /mnt/utmp /run/utmp
-    printf '%s\n' 'auth required pam_unix.so' 'account required pam_unix.so' \
-        'session required pam_permit.so' >/etc/pam.d/login
-    useradd -d /mnt/home/visitor -m -s /bin/bash visitor >/mnt/useradd.log 2>&1 || {
-        cat /mnt/useradd.log >&2
-        exit 1
-    }
-    echo visitor:warehouse7 | chpasswd
-    : >/mnt/home/visitor/.hushlogin
-    printf '%s\n' "PS1='\$ '" 'PATH=$PATH:/mnt/peers/usr/bin' 'unset PROMPT_COMMAND' \
-        >/mnt/home/visitor/.bash_profile
-
+    make_throwaway "${QUILL_PEERS_DIR:-$here/../../build/peers}"
     cd /
 
     # Debug level 2 makes socat say which port it got.
@@ -59,17 +40,5 @@ if [ "${QUILL_PEERS_INSIDE:-}" = 1 ]; then
     exit 0
 fi
 
-[ "$(id -u)" = 0 ] || skip "needs root for a login in name spaces of its own"
-for tool in unshare socat useradd chpasswd mount; do
-    command -v "$tool" >/dev/null || skip "$tool is missing"
-done
-[ -x /bin/login ] || skip "/bin/login is missing"
-unshare -m -p -f --mount-proc true 2>/dev/null || skip "name spaces are not allowed here"
-
-exec 3<&0
-QUILL_PEERS_INSIDE=1 unshare -m -p -f --mount-proc --kill-child=KILL "$0" "$1" <&3 &
-space=$!
-exec 3<&-
-# unshare itself lets SIGTERM pass; its end takes all within along.
-trap 'kill -KILL $space 2>/dev/null; exit 0' TERM INT HUP
-wait $space
+need_name_spaces socat
+run_inside QUILL_PEERS_INSIDE "$1"

@@ -25,15 +25,22 @@ open_screen
 mkdir -m 700 "$work/tmp" "$work/run"
 export TMPDIR="$work/tmp" XDG_RUNTIME_DIR="$work/run"
 : >"$work/file"
-ends_with 2 '--root wants a value' --root
-ends_with 2 '--root wants another value' --root ''
+ends_with 2 '--root wants a folder' --root
+ends_with 2 '--root wants a folder' --root ''
 ends_with 2 "$work/file is no folder" --root "$work/file"
 ends_with 2 "$work/file/below is no folder" --root "$work/file/below"
-ends_with 2 '--screen wants another value' --screen 99x80
-ends_with 2 '--scale wants another value' --scale 0
+ends_with 2 '--screen wants a size from 100x80 to 4000x4000' --screen 99x80
+# Below 1 nothing could be read.
+for scale in 0 0.5 0.75 0.9 0.999 -1 8.1 nan inf 1x ''; do
+    ends_with 2 '--scale wants a number from 1 to 8' --root "$work/none" --scale "$scale"
+done
 ends_with 2 '--bogus is no option' --root "$work/none" --bogus
 ends_with 2 'stores.example is no option' --root "$work/none" stores.example 23
 
+for scale in 1 1.25 8; do
+    ends_with 1 "cannot write $work/no/picture.png" --root "$work/none" --scale $scale \
+        --screen 240x320 --snapshot "$work/no/picture.png"
+done
 ends_with 1 "cannot write $work/no/picture.png" --root "$work/none" --snapshot "$work/no/picture.png"
 ends_with 1 "cannot write /dev/full" --root "$work/none" --text /dev/full
 timeout -k 5 20 "$program" --root "$work/none" --snapshot "$work/picture.png" --text "$work/text" ||

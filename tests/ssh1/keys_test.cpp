@@ -5,7 +5,7 @@
 
 #include "crypto/ciphers.h"
 #include "platform/qt/testing_services.h"
-#include "ssh/ssh_session.h"
+#include "protocol/protocols.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
 
@@ -176,7 +176,7 @@ TEST(Cipher, AnotherChosenInMidSessionIsForTheNextOne) {
     session.settings.ssh_type = 2;
     Receive(host.Packet(17, String("through")));
     EXPECT_EQ(Shown(), "through");
-    SshSendData(reinterpret_cast<const BYTE*>("typed"), 5);
+    SendSessionData(reinterpret_cast<const BYTE*>("typed"), 5, 0);
     EXPECT_EQ(host.Sent(), (std::vector<Message>{{16, String("typed"), ""}}));
 }
 

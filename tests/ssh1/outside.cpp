@@ -5,12 +5,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/connection.h"
-#include "app/status_bar.h"
-#include "config/dialogs.h"
 #include "crypto/rsa.h"
-#include "ssh/ssh_session.h"
-#include "telnet/session_send.h"
+#include "protocol/protocols.h"
+#include "protocol/telnet/telnet_session.h"
+#include "session/session_ports.h"
+#include "session/session_send.h"
 #include "terminal/terminal_write.h"
 
 Outside outside;
@@ -35,19 +34,20 @@ int MessageBoxW(HWND, LPCWSTR text, LPCWSTR caption, UINT type) {
     return IDOK;
 }
 
-bool AskSignOn() {
+static bool AskSignOn() {
     outside.asked++;
     if (outside.during_dialog) outside.during_dialog();
     return outside.dialog_can_be_shown;
 }
 
-void UpdateStatus() { outside.status_updates++; }
+static void UpdateStatus() { outside.status_updates++; }
 
-void CloseSession() {
+static void CloseSocket() {
     outside.closed++;
-    ResetCiphers();
     session.socket = INVALID_SOCKET;
 }
+
+const Protocol kTelnetProtocol = {nullptr, nullptr, nullptr, nullptr, [] {}};
 
 // Each call of RsaEncrypt passes here, by way of the linker.
 bool RealRsaEncrypt(uint8_t* buffer, int length,
@@ -58,6 +58,14 @@ bool RecordRsaEncrypt(uint8_t* buffer, int length, const RsaKey* key) {
     outside.encrypted_with.push_back(key->bytes);
     outside.first_modulus_byte.push_back(BignumByte(key->modulus, key->bytes - 1));
     return RealRsaEncrypt(buffer, length, key);
+}
+
+void RealReleaseKey(RsaKey* key) __asm__("__real__Z13RsaReleaseKeyP6RsaKey");
+void KeepKey(RsaKey* key) __asm__("__wrap__Z13RsaReleaseKeyP6RsaKey");
+void KeepKey(RsaKey* key) {
+    if (!outside.keep_keys) return RealReleaseKey(key);
+    outside.kept[outside.kept_count++] = *key;
+    *key = {};
 }
 
 // And each random byte.
@@ -72,6 +80,9 @@ uint8_t DrawRandomByte() {
 
 void NewSession() {
     outside = {};
+    session_ports.ask_sign_on = AskSignOn;
+    session_ports.update_status = UpdateStatus;
+    session_ports.close_session = CloseSocket;
     ForgetSshSession();
     session.settings = {};
     session.settings.ssh = 1;
@@ -94,7 +105,7 @@ void Receive(const std::string& bytes, int piece) {
         const std::string chunk = bytes.substr(at, static_cast<size_t>(piece));
         // A copy of its own length, so that a read behind it is seen.
         const std::vector<BYTE> copy(chunk.begin(), chunk.end());
-        SshTakeChunk(copy.data(), static_cast<int>(copy.size()));
+        TakeSessionChunk(copy.data(), static_cast<int>(copy.size()));
     }
 }
 

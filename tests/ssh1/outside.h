@@ -8,21 +8,26 @@
 #include <string>
 #include <vector>
 
-#include "app/session_state.h"
+#include "session/session_state.h"
+#include "crypto/rsa.h"
 
 struct Outside {
     std::string wire;                // what the socket took
     std::string display;             // what the terminal got
     std::vector<std::string> boxes;  // as "caption: text"
-    int asked = 0;                   // calls of AskSignOn
+    int asked = 0;                   // how often the dialog was asked for
     bool dialog_can_be_shown = true;
-    int closed = 0;           // calls of CloseSession
-    int status_updates = 0;   // calls of UpdateStatus
+    int closed = 0;           // how often the socket was closed
+    int status_updates = 0;   // of the status line
     int sends_that_fail = 0;  // the next so many
     std::string drawn;        // random bytes to draw before those of the generator
     // Of each key that RsaEncrypt was given: its bytes, and the first of its modulus.
     std::vector<int> encrypted_with;
     std::vector<int> first_modulus_byte;
+    // Keys that are let go are kept here, for a stack that nothing has run on since.
+    bool keep_keys = false;
+    RsaKey kept[2] = {};
+    int kept_count = 0;
     // While the box or the dialog is shown.
     std::function<void()> during_box;
     std::function<void()> during_dialog;

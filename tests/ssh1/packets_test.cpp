@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <set>
 
-#include "ssh/ssh1_packets.h"
-#include "ssh/ssh_session.h"
+#include "protocol/protocols.h"
+#include "protocol/ssh/ssh1_packets.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
 
@@ -15,7 +15,7 @@ const char kIllegal[] = "Error: Illegal SSH message. Out of memory";
 const char kChecksum[] = "Error: SSH message with illegal CRC checksum. Session must close!!!";
 
 void Type(const std::string& text) {
-    SshSendData(reinterpret_cast<const BYTE*>(text.data()), static_cast<int>(text.size()));
+    SendSessionData(reinterpret_cast<const BYTE*>(text.data()), static_cast<int>(text.size()), 0);
 }
 
 // A data packet that is `body` bytes from padding to checksum, a multiple of 8.

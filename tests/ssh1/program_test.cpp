@@ -2,13 +2,13 @@
 #include <gtest/gtest.h>
 #include <QCryptographicHash>
 
-#include "app/session_state.h"
-#include "config/dialogs.h"
-#include "telnet/session_send.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "tests/ssh1/test_server.h"
 #include "tests/support/person.h"
 #include "tests/support/real_servers.h"
 #include "tests/support/sessions.h"
+#include "ui/dialogs/dialogs.h"
 
 namespace {
 
@@ -283,6 +283,26 @@ TEST(Session, ReportsOfTheTerminalAreSent) {
             "stty -echo; printf '\\033[5;9H\\033[6n'; IFS= read -rsd R at; clear; stty echo;"
             " echo \"at${at#?}\"\n");
         EXPECT_TRUE(TerminalShows("at[5;9")) << TerminalText();
+    });
+}
+
+// Any packet that is built changes the buffer that it is built in.
+TEST(Session, ResizeTellsTheServerNothing) {
+    WithShell({}, kTripleDes, [](TestServer&) {
+        const auto built = [] {
+            const BYTE* bytes = session.ssh1.sendBuf;
+            return std::string(bytes, bytes + 4096);
+        };
+        TypeText("stty size\n");
+        ASSERT_TRUE(TerminalShows("24 80\n$")) << TerminalText();
+        std::string before;
+        OnWindowThread([&] { before = built(); });
+        ResizeDevice(320, 200);
+        ResizeDevice(240, 320);
+        OnWindowThread([&] { EXPECT_TRUE(built() == before); });
+        TypeText("clear; stty size; echo re\"\"sized\n");
+        EXPECT_TRUE(TerminalShows("24 80\nresized")) << TerminalText();
+        OnWindowThread([&] { EXPECT_FALSE(built() == before) << "typing does"; });
     });
 }
 

@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 #include <cstring>
 
-#include "crypto/byte_order.h"
 #include "crypto/crc32.h"
 #include "crypto/md5.h"
 #include "tests/ssh1/outside.h"
+#include "text/byte_order.h"
 
 namespace {
 

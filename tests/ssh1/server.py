@@ -142,7 +142,9 @@ class Connection:
                 user = text
                 granted = self.options.no_password
                 self.answer("user", wire.SMSG_SUCCESS if granted else wire.SMSG_FAILURE)
-                kinds = (wire.CMSG_AUTH_PASSWORD, wire.CMSG_USER)
+                kinds = (wire.CMSG_AUTH_PASSWORD,)
+                if not self.options.one_name:
+                    kinds += (wire.CMSG_USER,)
             else:
                 password = text.rstrip(b"\0")
                 tell("password " + password.decode("latin-1"))
@@ -287,6 +289,7 @@ def parse_options():
     add("--ciphers", type=lambda text: int(text, 0), default=0x4C, help="mask of cipher numbers")
     add("--line", default="", help="identification, with escapes, in place of its own")
     add("--no-pty", action="store_true", help="refuses the terminal")
+    add("--one-name", action="store_true", help="refuses another user name after the first")
     add("--no-password", action="store_true", help="wants none")
     add("--chatter", action="store_true", help="MSG_IGNORE and MSG_DEBUG before every packet")
     add("--pieces", type=int, default=0, help="sends so many bytes at a time")

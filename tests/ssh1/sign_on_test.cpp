@@ -4,7 +4,7 @@
 #include <QThread>
 #include <QWidget>
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 #include "tests/ssh1/test_server.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

@@ -2,11 +2,13 @@
 #include <gtest/gtest.h>
 
 #include "crypto/ciphers.h"
-#include "ssh/ssh1_session.h"
-#include "ssh/ssh_session.h"
+#include "protocol/protocols.h"
+#include "protocol/ssh/ssh1_session.h"
+#include "protocol/ssh/ssh_session.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
 #include "tests/support/leftovers.h"
+#include "text/byte_order.h"
 
 namespace {
 
@@ -349,6 +351,26 @@ TEST(Interrupted, SessionThatEndsBehindTheDialogSendsNothing) {
     EXPECT_EQ(outside.closed, 0);
 }
 
+// The host drops the line while the dialog is up: all of the session is forgotten, and only the
+// number of its socket stays until the next one.
+TEST(Interrupted, SessionThatEndsBehindTheDialogIsOverThoughItsSocketNumberStays) {
+    ScriptedHost host = SessionInState(1);
+    session.settings.ssh_def = 0;
+    outside.during_dialog = [] {
+        session.connected = 0;
+        ForgetSshSession();
+    };
+    Receive(Join({host.Packet(14), host.Packet(15)}));
+    EXPECT_EQ(outside.asked, 1);
+    EXPECT_EQ(session.socket, kTestSocket);
+    EXPECT_EQ(session.ssh1.ssh1State, 0);
+    EXPECT_EQ(session.ssh1.sendLength, 0);
+    EXPECT_EQ(session.ssh.recvFill, 0);
+    EXPECT_EQ(outside.status_updates, 0);
+    EXPECT_EQ(outside.closed, 0);
+    EXPECT_EQ(Wire(), "");
+}
+
 // The chunk was on its way when the user closed the session.
 TEST(Interrupted, PacketThatComesAfterTheUsersCloseAsksAndTellsNothing) {
     for (int state = 0; state <= 5; state++) {
@@ -410,6 +432,16 @@ TEST(Data, WhoseLengthDoesNotFitIsDropped) {
     EXPECT_EQ(Shown(), "four");
 }
 
+TEST(Data, OfNegativeOrNoLengthIsNotSent) {
+    ScriptedHost host = SessionInState(5);
+    for (const int length : {0, -1, -8, -65000, -2147483647 - 1}) {
+        SendSessionData(nullptr, length, 0);
+        Ssh1SendData(nullptr, length);
+    }
+    EXPECT_EQ(Wire(), "");
+    EXPECT_EQ(Box(), "");
+}
+
 TEST(Exit, IsConfirmedAndTheSessionGoesOn) {
     ScriptedHost host = SessionInState(5);
     Receive(Join({host.Packet(20, Uint32(3)), host.Packet(17, String("last words"))}));
@@ -468,6 +500,28 @@ TEST(Secrets, CipherForgetsItsKeysWithTheSession) {
         WipeCipherKeys();
         EXPECT_EQ(left, Fingerprint(cipher)) << type;
     }
+}
+
+// Whoever holds the server's keys reads the session key from it.
+TEST(Secrets, EncryptedSessionKeyIsNotLeftOnTheStack) {
+    static BYTE encrypted[16];  // the beginning of what is sent
+    static bool answered;
+    ScriptedHost host;
+    NewSession();
+    const std::string data = host.PublicKeyData();
+    const auto exchange = [&] {
+        answered = Ssh1ExchangeKeys(reinterpret_cast<const BYTE*>(data.data()),
+                                    static_cast<int>(data.size()));
+        const BYTE* packet = session.ssh1.sendBuf;
+        const int padding = 8 - packet[3] % 8;
+        for (int i = 0; i < 16; i++) encrypted[i] = packet[4 + padding + 1 + 1 + 8 + 2 + i];
+    };
+    outside.keep_keys = true;
+    EXPECT_EQ(LeftOnStack(encrypted, exchange), 0);
+    outside.keep_keys = false;
+    for (RsaKey& key : outside.kept) RsaReleaseKey(&key);
+    EXPECT_TRUE(answered);
+    EXPECT_EQ(encrypted[1], 2) << "the padding of the outer key";
 }
 
 TEST(Secrets, PasswordIsNotLeftOnTheStack) {

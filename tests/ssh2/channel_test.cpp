@@ -1,4 +1,9 @@
 // Authentication and the channel, after the first exchange of keys.
+#include <climits>
+
+#include "connection/socket_event.h"
+#include "protocol/protocols.h"
+#include "session/session_send.h"
 #include "tests/ssh2/conversation.h"
 
 class Ssh2Authentication : public Conversation {};
@@ -131,6 +136,28 @@ TEST_F(Ssh2Authentication, NextSessionBehindTheDialogKeepsWhatItHasReceived) {
     EXPECT_EQ(std::memcmp(session.ssh.recvBuf, "half", 4), 0);
     EXPECT_EQ(session.ssh2.headDecrypted, 1u);
     EXPECT_EQ(session.receive_ready, 0u) << "the buffer is the next session's";
+}
+
+// The host drops the line while the dialog is up: all of the session is forgotten, and only the
+// number of its socket stays until the next one.
+TEST_F(Ssh2Authentication, SessionThatEndsDuringTheDialogIsOverThoughItsSocketNumberStays) {
+    session.settings.ssh_def = 0;
+    outside.sign_on = [] {
+        session.connected = 0;
+        OnSocketEvent(1);
+        return true;
+    };
+    ToService();
+    const SOCKET socket = session.socket;
+    std::string bytes = Seal(server, Message(6));
+    bytes += Seal(server, Message(52));
+    Receive(bytes);
+    EXPECT_EQ(outside.sign_ons, 1);
+    EXPECT_EQ(session.socket, socket);
+    EXPECT_EQ(session.ssh.recvFill, 0);
+    EXPECT_EQ(session.ssh2.sendSeq, 0u);
+    EXPECT_EQ(outside.closes, 0);
+    ExpectSilence();
 }
 
 // The chunk was on its way when the user closed the session.
@@ -365,6 +392,30 @@ TEST_F(Ssh2Channel, DataIsNotHeldBackForTheServersWindow) {
         Type(std::string(16384, 'x'));
         Expect(ClientData(std::string(16384, 'x')));
     }
+}
+
+TEST_F(Ssh2Channel, NegativeOrNoLengthSendsAndHoldsNothing) {
+    const auto type_nothing = [] {
+        for (const int length : {0, -1, -9, -16384, INT_MIN}) {
+            SendSessionData(nullptr, length, 0);
+            SessionSend(nullptr, length, 0);
+        }
+    };
+    ToShell();
+    const uint32_t sent = session.ssh2.sendSeq;
+    type_nothing();
+    ExpectSilence();
+    EXPECT_EQ(session.ssh2.sendSeq, sent);
+    Offer();
+    type_nothing();
+    EXPECT_EQ(session.ssh2.heldLength, 0);
+    Type("held");
+    type_nothing();
+    EXPECT_EQ(session.ssh2.heldLength, 4);
+    Reply();
+    SwitchKeys();
+    Expect(ClientData("held"));
+    ExpectSilence();
 }
 
 TEST_F(Ssh2Channel, TypingBeforeTheChannelIsOpenIsLost) {

@@ -1,5 +1,8 @@
 // The lines that open a session.
+#include <climits>
 #include "crypto/ciphers.h"
+
+#include "connection/socket_event.h"
 #include "tests/ssh2/conversation.h"
 
 class Ssh2Identification : public Conversation {};
@@ -54,12 +57,26 @@ TEST_F(Ssh2Identification, NothingOfTheOtherProtocolStays) {
     EXPECT_EQ(session.ssh1.ssh1Cipher, nullptr);
 }
 
-TEST_F(Ssh2Identification, WithoutBytesNothingIsDone) {
-    for (const int count : {0, -1}) {
+// A chunk of no bytes, or what a failed recv gives, in the place of the server's line and later.
+TEST_F(Ssh2Identification, ChunkWithoutBytesIsNoLineAndNoPacket) {
+    const auto notify = [](int count) {
+        std::memset(session.receive_buffer, '#', kReceiveSize);
         session.receive_count = count;
         session.receive_ready = 0;
-        Receive("");
+        OnSocketEvent(0);
+        EXPECT_EQ(session.receive_ready, 1u) << count;
+    };
+    for (const int count : {0, -1, -3000, INT_MIN}) {
+        notify(count);
         ExpectSilence();
         EXPECT_EQ(session.banner_sent, 0u);
     }
+    Identify();
+    Receive(U32(9) + "x");
+    for (const int count : {0, -1, -5, -3000, INT_MIN}) {
+        notify(count);
+        ExpectSilence();
+        EXPECT_EQ(session.ssh.recvFill, 5);
+    }
+    ExpectOpen();
 }

@@ -1,17 +1,16 @@
 // The doubles.
 #include "tests/ssh2/outside.h"
 
-#include "app/connection.h"
-#include "app/receive_thread.h"
-#include "app/status_bar.h"
-#include "config/ansi_text.h"
-#include "config/dialogs.h"
+#include "connection/connection.h"
+#include "connection/receive_thread.h"
+#include "connection/socket_event.h"
 #include "platform/qt/testing_services.h"
-#include "ssh/ssh_session.h"
-#include "telnet/session_send.h"
-#include "telnet/socket_event.h"
+#include "protocol/protocols.h"
+#include "session/session_ports.h"
+#include "session/session_send.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
+#include "text/ansi_text.h"
 
 Outside outside;
 
@@ -37,20 +36,15 @@ int TerminalFeedByte(BYTE) { return 0; }
 const char* TerminalTakeReply() { return nullptr; }
 void ShowWritten(int) {}
 void WakeReceiveThread() {}
-void UpdateStatus() { outside.statuses++; }
+static void UpdateStatus() { outside.statuses++; }
 void SessionClosed() { ForgetSshSession(); }
 
-void SessionClose() {
+static void CloseSocket() {
     outside.closes++;
     session.socket = INVALID_SOCKET;
 }
 
-void CloseSession() {
-    ResetCiphers();
-    SessionClose();
-}
-
-bool AskSignOn() {
+static bool AskSignOn() {
     outside.sign_ons++;
     return outside.sign_on ? outside.sign_on() : true;
 }
@@ -78,6 +72,10 @@ uint8_t DrawRandomByte() {
 }
 
 void NewSession(int milliseconds) {
+    session_ports.ask_sign_on = AskSignOn;
+    session_ports.update_status = UpdateStatus;
+    session_ports.close_session = CloseSocket;
+    session_ports.send = SendSessionData;
     ForgetSshSession();
     outside = {};
     services_test_hooks.system_time = milliseconds;

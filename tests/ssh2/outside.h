@@ -1,6 +1,6 @@
-// What ssh/ calls outside itself, as doubles that record: the socket, the terminal, the Sign on
-// dialog, message boxes and the connection manager. Chunks come in through OnSocketEvent, and
-// terminal bytes leave through SessionSend, as in the program.
+// What protocol/ssh/ calls outside itself, as doubles that record: the socket, the terminal, the
+// Sign on dialog, message boxes and the connection manager. Chunks come in through OnSocketEvent,
+// and terminal bytes leave through SessionSend, as in the program.
 #ifndef QUILL_TESTS_SSH2_OUTSIDE_H
 #define QUILL_TESTS_SSH2_OUTSIDE_H
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 struct Outside {
     std::string wire;                  // what the socket took and nobody looked at yet
@@ -19,8 +19,8 @@ struct Outside {
     std::string drawn;                 // random bytes to draw before those of the generator
     std::function<bool()> sign_on;     // the dialog's person; none: Cancel
     int sign_ons = 0;                  // how often the dialog was shown
-    int closes = 0;                    // calls of SessionClose
-    int statuses = 0;                  // calls of UpdateStatus
+    int closes = 0;                    // how often the socket was closed
+    int statuses = 0;                  // of the status line
     int terminal_writes = 0;           // calls of TerminalWrite
     int sends_that_fail = 0;           // the next so many fail
 };

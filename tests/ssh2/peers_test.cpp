@@ -5,9 +5,9 @@
 #include <QProcess>
 #include <QThread>
 
-#include "app/session_state.h"
 #include "resources/resource_ids.h"
-#include "telnet/session_send.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"
 #include "tests/support/real_servers.h"
@@ -129,7 +129,12 @@ TEST_P(Ssh2Peer, ShellKnowsItsSizeAndItsTerminalAndTheStatusIsSecure) {
         EXPECT_TRUE(TerminalShows("\n24 80\n")) << TerminalText();
         EXPECT_TRUE(TerminalShows("type=vt220")) << TerminalText();
         EXPECT_TRUE(TerminalShows("/dev/pts/")) << TerminalText();
+        uint32_t sent = 0;
+        OnWindowThread([&] { sent = session.ssh2.sendSeq; });
         ResizeDevice(320, 200);
+        ResizeDevice(240, 320);
+        ResizeDevice(320, 200);
+        OnWindowThread([&] { EXPECT_EQ(session.ssh2.sendSeq, sent) << "nothing is told"; });
         ClearAndRun("stty size; echo re\"\"sized");
         EXPECT_TRUE(TerminalShows("resized")) << TerminalText();
         EXPECT_EQ(TerminalRow(2), "24 80") << "whatever the window shows";

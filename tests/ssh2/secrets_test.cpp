@@ -1,8 +1,8 @@
 // Secrets are wiped as soon as they are spent, and all of them at the end of the session.
+#include "connection/socket_event.h"
 #include "crypto/ciphers.h"
 #include "crypto/hmac_sha1.h"
-#include "ssh/ssh2_authentication.h"
-#include "telnet/socket_event.h"
+#include "protocol/ssh/ssh2_authentication.h"
 #include "tests/ssh2/conversation.h"
 #include "tests/support/leftovers.h"
 

@@ -1,7 +1,7 @@
 // Packets and the exchange of keys.
+#include "connection/socket_event.h"
 #include "crypto/ciphers.h"
-#include "ssh/ssh2_packet.h"
-#include "telnet/socket_event.h"
+#include "protocol/ssh/ssh2_packet.h"
 #include "tests/ssh2/conversation.h"
 
 class Ssh2Packets : public Conversation {};
@@ -298,7 +298,7 @@ TEST_F(Ssh2KeyExchange, UnknownSshTypeLeavesTheCipherListsOut) {
 }
 
 TEST_F(Ssh2KeyExchange, EverySeedOfTheClockIsFollowed) {
-    for (const int milliseconds : {0, 1, 36, 37, 999}) {
+    for (const int milliseconds : {0, 1, 36, 37, 999, 1000, 1005, 61000, 3599999}) {
         NewSession(milliseconds);
         server = {};
         Identify();
@@ -445,6 +445,25 @@ TEST_F(Ssh2KeyExchange, SecondKexInitStartsTheExchangeAnew) {
     ExpectClosed();
 }
 
+// The server's NEWKEYS then brings the keys of the last exchange alone.
+TEST_F(Ssh2KeyExchange, SecondExchangeBeforeNewKeysTakesThePlaceOfTheFirst) {
+    Identify();
+    Offer();
+    Reply();
+    const std::string first = server.hash;
+    server.secret = "123456789abcdef0";
+    Offer();
+    Reply();
+    EXPECT_NE(server.hash, first);
+    SwitchKeys();
+    EXPECT_EQ(server.session_id, server.hash);
+    Expect(Message(5, Str("ssh-userauth")));
+    Give(Message(6));
+    Expect(PasswordRequest("visitor", "warehouse7"));
+    Give(Message(21));
+    ExpectClosed();
+}
+
 TEST_F(Ssh2KeyExchange, ServersListsAreNotRead) {
     Identify();
     server.server_kex_init = Message(20);
@@ -536,6 +555,84 @@ TEST_F(Ssh2KeyExchange, TypingMeanwhileWaitsForTheNewKeys) {
     Type("third");
     Expect(ClientData("third"));
     ExpectSilence();
+}
+
+// Many small answers of the terminal, as a host can provoke them.
+TEST_F(Ssh2KeyExchange, WhatWaitsMovesBySizeAndNotWithEachPiece) {
+    ToShell();
+    Offer();
+    std::string typed;
+    const BYTE* block = nullptr;
+    int moves = 0;
+    for (int i = 0; i < 60000; i++) {
+        const std::string piece = "\033[" + std::to_string(i % 10);
+        Type(piece);
+        typed += piece;
+        moves += session.ssh2.heldData != block;
+        block = session.ssh2.heldData;
+    }
+    EXPECT_LE(moves, 20);
+    Reply();
+    SwitchKeys();
+    for (size_t at = 0; at < typed.size(); at += 16384) Expect(ClientData(typed.substr(at, 16384)));
+    ExpectSilence();
+    EXPECT_EQ(session.ssh2.heldData, nullptr);
+}
+
+TEST_F(Ssh2KeyExchange, PieceThatFindsNoRoomAmongWhatWaitsIsLostWhole) {
+    static constexpr size_t kMost = kSsh2MaxHeld;
+    ToShell();
+    Offer();
+    Type(std::string(kMost + 1, 'x'));
+    EXPECT_EQ(session.ssh2.heldLength, 0);
+    std::string held;
+    while (held.size() + 50001 <= kMost) {
+        Type(std::string(50001, 'a'));
+        held.append(50001, 'a');
+    }
+    Type(std::string(50001, 'x'));
+    Type(std::string(kMost - held.size(), 'b'));
+    held.resize(kMost, 'b');
+    Type("x");
+    EXPECT_EQ(session.ssh2.heldLength, kSsh2MaxHeld);
+    Reply();
+    SwitchKeys();
+    for (size_t at = 0; at < held.size(); at += 16384) {
+        ASSERT_EQ(Take(), ClientData(held.substr(at, 16384)));
+    }
+    ExpectSilence();
+    Type("after");
+    Expect(ClientData("after"));
+}
+
+// Every packet of it, both ways of the session around it too.
+TEST_F(Ssh2KeyExchange, InMidSessionComesInOneByteChunks) {
+    for (const DWORD type : {1u, 2u}) {
+        NewSession();
+        server = {};
+        offers = 0;
+        Use(type);
+        ToShell();
+        for (int i = 0; i < 3; i++) {
+            server.server_kex_init = ServerKexInit(std::string(16, static_cast<char>('A' + i)));
+            tape = Tape(5);
+            Receive(Seal(server, server.server_kex_init), 1);
+            Expect(server.client_kex_init = ClientKexInit(tape, cipher));
+            Expect(Message(30, server.e = ClientPublic(tape)));
+            Receive(Seal(server, Data("between ")), 1);
+            Receive(Seal(server, KexDhReply(server, "SSH-2.0-1.0.00")), 1);
+            Expect(Message(21));
+            std::string bytes = Seal(server, Message(21));
+            InstallKeys(server);
+            bytes += Seal(server, Data("after "));
+            Receive(bytes, 1);
+            Type("typed");
+            Expect(ClientData("typed"));
+        }
+        EXPECT_EQ(outside.display, "between after between after between after ") << type;
+        ExpectSilence();
+        ExpectOpen();
+    }
 }
 
 TEST_F(Ssh2KeyExchange, WithAnotherSshTypeChangesTheCipher) {

@@ -12,10 +12,10 @@
 #include <QThread>
 #include <thread>
 
-#include "app/session_state.h"
 #include "platform/qt/host.h"
 #include "platform/qt/screen_text.h"
 #include "platform/qt/testing.h"
+#include "session/session_state.h"
 #include "terminal/screen_buffer.h"
 #include "tests/support/drawn.h"
 

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "app/connection.h"
-#include "app/session_state.h"
+#include "connection/connection.h"
+#include "session/session_state.h"
 #include "tests/support/person.h"
 
 void SetHost(const char16_t* name, int port) {

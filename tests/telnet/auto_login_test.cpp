@@ -1,8 +1,8 @@
 // Automatic login.
 #include <gtest/gtest.h>
 
-#include "telnet/auto_login.h"
-#include "telnet/telnet_engine.h"
+#include "protocol/telnet/auto_login.h"
+#include "protocol/telnet/telnet_engine.h"
 #include "tests/telnet/outside.h"
 
 namespace {
@@ -57,6 +57,21 @@ TEST(AutoLogin, ArmingDisarmsAPairThatWasEmptied) {
     ArmAutoLogin();
     Receive("abcd");
     EXPECT_EQ(Sent(), "");
+}
+
+TEST(AutoLogin, ArmingDisarmsAPairWhoseEitherTextWasEmptied) {
+    WCHAR* const texts[] = {session.settings.sear1, session.settings.resp1, session.settings.sear2,
+                            session.settings.resp2};
+    for (WCHAR* text : texts) {
+        NewLogin("one", "first", "two", "second");
+        SetText(text, "");
+        ArmAutoLogin();
+        const bool second = text == session.settings.sear2 || text == session.settings.resp2;
+        EXPECT_EQ(session.login.login_armed1, second ? 1u : 0u);
+        EXPECT_EQ(session.login.login_armed2, second ? 0u : 1u);
+        Receive("one two");
+        EXPECT_EQ(Sent(), second ? "first" : "second");
+    }
 }
 
 TEST(AutoLogin, BothPairsOnOneChunkInTheirOrder) {

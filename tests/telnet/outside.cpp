@@ -3,11 +3,14 @@
 
 #include <utility>
 
-#include "app/connection.h"
-#include "app/receive_thread.h"
-#include "ssh/ssh_session.h"
-#include "telnet/socket_event.h"
-#include "telnet/telnet_engine.h"
+#include "connection/connection.h"
+#include "connection/receive_thread.h"
+#include "connection/socket_event.h"
+#include "protocol/protocols.h"
+#include "protocol/ssh/ssh1_session.h"
+#include "protocol/ssh/ssh2_session.h"
+#include "protocol/telnet/telnet_engine.h"
+#include "session/session_ports.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
 
@@ -53,15 +56,18 @@ void TerminalWrite(const BYTE* bytes, int count) {
     if (outside.socket_after_write) session.socket = outside.socket_after_write;
 }
 
-void SshTakeChunk(const BYTE* bytes, int count) {
-    if (count < 0) count = 0;
+static void TakeSshChunk(const BYTE* bytes, int count) {
     outside.ssh_chunks +=
         "[" + std::string(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count)) + "]";
 }
 
-void SshSendData(const BYTE* bytes, int length) {
+static void SendSshData(const BYTE* bytes, int length, int) {
     outside.ssh_data.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(length));
 }
+
+static const Protocol kSshDouble = {nullptr, nullptr, TakeSshChunk, SendSshData, [] {}};
+const Protocol kSsh1Protocol = kSshDouble;
+const Protocol kSsh2Protocol = kSshDouble;
 
 void ShowWritten(int) { outside.refreshes++; }
 
@@ -75,6 +81,7 @@ void WakeReceiveThread() { outside.wakes++; }
 
 void NewSession() {
     outside = {};
+    session_ports.send = SendSessionData;
     session.settings = {};
     session.telnet = {};
     session.login = {};

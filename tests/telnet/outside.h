@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 struct Outside {
     std::string wire;         // what the socket took

@@ -1,8 +1,8 @@
 // The send routine, the socket writer and the responses' escapes.
 #include <gtest/gtest.h>
 
-#include "telnet/session_send.h"
-#include "telnet/telnet_engine.h"
+#include "protocol/telnet/telnet_engine.h"
+#include "session/session_send.h"
 #include "tests/telnet/outside.h"
 
 namespace {
@@ -62,6 +62,20 @@ TEST(SessionSend, BytesOfAnSshSessionGoToSshUnescaped) {
     EXPECT_EQ(outside.sends, 0);
 }
 
+TEST(SessionSend, AnyValueOfSshButZeroIsAnSshSession) {
+    for (const DWORD value : {1u, 2u, 3u, 0x100u, 0xFFFFFFFFu}) {
+        NewSession();
+        session.settings.ssh = value;
+        Send("a\xFF", 0);
+        Send("b", 1);
+        EXPECT_EQ(outside.ssh_data,
+                  "a\xFF"
+                  "b")
+            << value;
+        EXPECT_EQ(outside.sends, 0) << value;
+    }
+}
+
 TEST(SessionSend, EscapedIacIsDoubledAndEorFollows) {
     NewSession();
     Send("\xFF", 1);
@@ -87,6 +101,18 @@ TEST(SessionSend, EscapedSendsOfEveryLengthAreWhole) {
     const std::string mixed = std::string(5000, 'x') + "\xFF" + std::string(5000, 'y');
     Send(mixed, 1);
     EXPECT_EQ(Sent(), Escaped(mixed));
+}
+
+// Around the size of the staging buffer, where an odd byte in front shifts the pairs.
+TEST(SessionSend, EscapedSendsOfSomeBytesAndManyIacsAreWhole) {
+    for (size_t plain = 0; plain < 5; plain++) {
+        for (size_t iacs = 500; iacs < 1030; iacs++) {
+            NewSession();
+            const std::string bytes = std::string(plain, 'x') + std::string(iacs, '\xFF');
+            Send(bytes, 1);
+            ASSERT_EQ(Sent(), Escaped(bytes)) << plain << " bytes and " << iacs << " IACs";
+        }
+    }
 }
 
 TEST(SessionSend, EscapedSendEndsWithTheFirstFailure) {

@@ -1,9 +1,9 @@
 // What is done with a notification, and that the buffer is handed back whatever it is.
 #include <gtest/gtest.h>
 
-#include "telnet/auto_login.h"
-#include "telnet/socket_event.h"
-#include "telnet/telnet_engine.h"
+#include "connection/socket_event.h"
+#include "protocol/telnet/auto_login.h"
+#include "protocol/telnet/telnet_engine.h"
 #include "tests/telnet/outside.h"
 
 namespace {
@@ -72,6 +72,23 @@ TEST(SocketEvent, WithoutBytesNothingIsDone) {
         OnSocketEvent(0);
         EXPECT_EQ(outside.order, "");
         ExpectHandedBack();
+    }
+}
+
+// What a failed recv gives ends here: neither protocol of SSH hears of it, before its line and
+// after.
+TEST(SocketEvent, WithoutBytesSshGetsNoChunk) {
+    for (DWORD type2 : {0u, 1u}) {
+        for (DWORD banner_sent : {0u, 1u}) {
+            for (int count : {0, -1, -2147483647 - 1}) {
+                NewSshSession(type2);
+                session.banner_sent = banner_sent;
+                session.receive_count = count;
+                OnSocketEvent(0);
+                EXPECT_EQ(outside.ssh_chunks, "") << count;
+                ExpectHandedBack();
+            }
+        }
     }
 }
 
@@ -178,6 +195,27 @@ TEST(SocketEvent, ChunksOfAnSshSessionGoToSshWhole) {
         EXPECT_EQ(outside.ssh_chunks, "[SSH-9.9-host\r\n][" + Iac(251, 1) + "text]");
         EXPECT_EQ(outside.order, "");
     }
+}
+
+TEST(SocketEvent, AnyValueOfSshButZeroIsAnSshSession) {
+    for (const DWORD value : {2u, 3u, 0x100u, 0xFFFFFFFFu}) {
+        NewSshSession(1);
+        session.settings.ssh = value;
+        Receive(Iac(251, 1) + "text");
+        EXPECT_EQ(outside.ssh_chunks, "[" + Iac(251, 1) + "text]") << value;
+        EXPECT_EQ(outside.order, "") << value;
+        ExpectHandedBack();
+    }
+}
+
+TEST(SocketEvent, RepliesGoUnescapedWhateverTypedDataDoes) {
+    NewSession();
+    session.telnet.escape_iac = 1;
+    Receive(Iac(253, 31) + "\xFF\xFA\x18\x01\xFF\xF0");
+    EXPECT_EQ(Sent(), Iac(252, 31) + std::string("\xFF\xFA\x18\0vt220\xFF\xF0", 11));
+    SetText(session.settings.termtype, "\xFF");
+    Receive("\xFF\xFA\x18\x01\xFF\xF0");
+    EXPECT_EQ(Sent(), std::string("\xFF\xFA\x18\0\xFF\xFF\xF0", 7));
 }
 
 TEST(SocketEvent, TelnetCommandsInAnSshSessionAreNotAnswered) {

@@ -1,7 +1,7 @@
 // Subnegotiations: their end, their truncation, and the terminal type.
 #include <gtest/gtest.h>
 
-#include "telnet/telnet_engine.h"
+#include "protocol/telnet/telnet_engine.h"
 #include "tests/telnet/outside.h"
 
 namespace {

@@ -1,8 +1,8 @@
 // The trace lines to the letter.
 #include <gtest/gtest.h>
 
-#include "telnet/negotiation_trace.h"
-#include "telnet/telnet_engine.h"
+#include "protocol/telnet/negotiation_trace.h"
+#include "protocol/telnet/telnet_engine.h"
 #include "tests/telnet/outside.h"
 
 namespace {

@@ -25,7 +25,7 @@ int LiveBlocks() { return static_cast<int>(blocks.size()); }
 
 HLOCAL LocalAlloc(UINT, size_t bytes) {
     clipboard.allocated.push_back(bytes);
-    return clipboard.refuse_memory ? nullptr : NewBlock(bytes);
+    return clipboard.refuse_memory ? nullptr : NewBlock(bytes / 16 * 16 + 16);
 }
 
 LPVOID LocalLock(HLOCAL block) {
@@ -71,6 +71,7 @@ HANDLE SetClipboardData(UINT format, HANDLE block) {
     if (!clipboard.open || format != 13) clipboard.faults.push_back("SetClipboardData");
     if (clipboard.refuse_data) return nullptr;
     clipboard.text = blocks[block].data();
+    clipboard.block.assign(blocks[block].begin(), blocks[block].end());
     clipboard.has_text = true;
     blocks.erase(block);
     return block;

@@ -1,6 +1,6 @@
 // Faces, the font in use and its cell, and stepping the size.
 #include "program_double.h"
-#include "terminal/terminal_font.h"
+#include "ui/view/terminal_font.h"
 
 class Font : public TerminalWindow {
   protected:
@@ -185,6 +185,16 @@ TEST_F(Font, SteppingLaysTheViewOutAgainEvenAtTheLimit) {
     EXPECT_TRUE(session.view.geometry_pending);
     EXPECT_TRUE(session.view.full_repaint);
     EXPECT_GE(gdi.invalidations, 1);
+}
+
+TEST_F(Font, SteppingBeforeTheFirstPaintPassesOverSizesOfTheSameHeightToo) {
+    RepeatHeights(4);
+    DeleteObject(session.view.font);
+    session.view.font = nullptr;
+    session.view.cell_height = 0;
+    session.settings.fsize = 13;
+    LargerFont();
+    EXPECT_EQ(session.settings.fsize, 17u);
 }
 
 TEST_F(Font, SteppingBeforeTheFirstPaintCreatesTheFontFirst) {

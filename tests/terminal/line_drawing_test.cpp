@@ -2,8 +2,8 @@
 // row 2: left 16, right 24, top 16, bottom 32, centre 20,24.
 #include "program_double.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/terminal_font.h"
-#include "terminal/view.h"
+#include "ui/view/terminal_font.h"
+#include "ui/view/view.h"
 
 static const char* kBlankCell = "text 16,16 8x16 ' ' 111111 on eeeeee";
 
@@ -84,6 +84,17 @@ TEST_F(LineDrawing, NeighbouringLineDrawingCellsAreEachDrawnAlone) {
     EXPECT_EQ(row[1], "line 0,24 8,24 111111");
     EXPECT_EQ(row[2], "text 8,16 8x16 ' ' 111111 on eeeeee");
     EXPECT_EQ(row[3], "line 8,24 16,24 111111");
+}
+
+TEST_F(LineDrawing, NeighbouringCellsWithoutAGlyphAreEachDrawnAloneToo) {
+    for (int col = 1; col <= 3; ++col)
+        SetCell(2, col, static_cast<DWORD>('@' + col) | kCellGraphic);
+    Lines row = PaintRow(2);
+    ASSERT_EQ(row.size(), 4u);
+    EXPECT_EQ(row[0], "text 0,16 8x16 'A' 111111 on eeeeee");
+    EXPECT_EQ(row[1], "text 8,16 8x16 'B' 111111 on eeeeee");
+    EXPECT_EQ(row[2], "text 16,16 8x16 'C' 111111 on eeeeee");
+    EXPECT_EQ(row[3].substr(0, 22), "text 24,16 616x16 '   ");
 }
 
 TEST_F(LineDrawing, LinesTakeTheCellsTextColour) {

@@ -1,7 +1,8 @@
 // Painting: which rows, which runs, which colours, the cursor, the underline, the selection.
 #include "program_double.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/view.h"
+#include "terminal/screen_rows.h"
+#include "ui/view/view.h"
 
 class Painting : public TerminalWindow {
   protected:
@@ -341,6 +342,14 @@ TEST_F(Painting, SelectedCellsAreShownReversed) {
     EXPECT_EQ(row, (Lines{Run("a", kPlain), Run("bcd", "eeeeee on 111111", 2),
                           Run(Padded("ef", 74), kPlain, 5)}));
     EXPECT_EQ(GetCell(3, 2), DWORD{'b'});
+}
+
+TEST_F(Painting, ASelectedReverseCellLooksAsItDidBefore) {
+    Put(3, "abcd", kCellReverse | kCellBold);
+    SetSelection(2, 3, 3, 3);
+    EXPECT_EQ(GetPaintRow(3)[2], 'b' | kCellReverse | kCellBold);
+    EXPECT_EQ(Row3(), Lines{Run("abcd", "eeeeee on 222222")});
+    EXPECT_EQ(GetCell(3, 2), 'b' | kCellReverse | kCellBold);
 }
 
 TEST_F(Painting, ACursorInTheSelectionStaysABlock) {

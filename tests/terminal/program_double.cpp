@@ -1,15 +1,17 @@
-// Doubles of config/, app/ and telnet/, and the fixture of the terminal window's tests.
+// Doubles of what surrounds the terminal window, and the fixture of the terminal window's tests.
 #include "program_double.h"
 
-#include "app/keys.h"
-#include "app/status_bar.h"
-#include "config/config_file.h"
-#include "config/settings.h"
-#include "telnet/session_send.h"
+#include "session/session_ports.h"
+#include "session/session_send.h"
+#include "settings/config_file.h"
+#include "settings/settings.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/terminal_window.h"
-#include "terminal/view.h"
+#include "terminal/screen_rows.h"
+#include "ui/view/keys.h"
+#include "ui/view/status_bar.h"
+#include "ui/view/terminal_window.h"
+#include "ui/view/view.h"
 
 std::vector<std::string> program_calls;
 
@@ -43,6 +45,9 @@ static void SetUpSettings() {
 
 void TerminalWindow::SetUp() {
     ResetGdi();
+    session_ports.repaint = RepaintTerminal;
+    session_ports.show_changes = ShowChanges;
+    session_ports.update_status = UpdateStatus;
     session.view = ViewState{};
     session.screen = ScreenBuffer{};
     session.parser = ParserState{};

@@ -1,5 +1,5 @@
-// Doubles of what the terminal window calls in config/, app/ and telnet/, and the fixture that
-// starts each test with one terminal window: 640 x 384 pixels, cells of 8 x 16, a session up,
+// Doubles of what the terminal window calls in settings/, session/ and beside it, and the fixture
+// that starts each test with one terminal window: 640 x 384 pixels, cells of 8 x 16, a session up,
 // nothing on the screen, and the first paint done.
 #ifndef QUILL_TESTS_TERMINAL_PROGRAM_DOUBLE_H
 #define QUILL_TESTS_TERMINAL_PROGRAM_DOUBLE_H
@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "app/session_state.h"
 #include "gdi_double.h"
+#include "session/session_state.h"
 
 extern std::vector<std::string> program_calls;  // by name, in their order; SessionSend with bytes
 

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 #include "terminal/modes.h"
 #include "tests/terminal/beep_double.h"
 #include "tests/terminal/terminal_state.h"

@@ -2,6 +2,7 @@
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 #include "tests/terminal/script.h"
+#include "tests/terminal/terminal_state.h"
 
 struct OperationRow {
     const char* name;
@@ -51,6 +52,7 @@ static const OperationRow kOperations[] = {
     {"FillLineUnprotected", 3, [](const int* n) { FillLineUnprotected(n[0], Word(n[1]), n[2]); }},
     {"SetNewlineMode",      1, [](const int* n) { SetNewlineMode(Word(n[0])); }},
     {"SetAutowrap",         1, [](const int* n) { SetAutowrap(Word(n[0])); }},
+    {"used",                1, [](const int* n) { UseRing(n[0]); }},
     {"columns",             1, [](const int* n) { session.screen.columns = n[0]; }},
     {"bell",                1, [](const int* n) { session.settings.bell = Word(n[0]); }},
 };

@@ -106,6 +106,21 @@ static std::string ReadChanged(const ScriptWords&) {
         kRingLines, [](int row, int) { return session.screen.row_changed[row] != 0; }, 0);
 }
 
+static bool IsBlankRow(int row, int) {
+    for (int col = 1; col <= kScreenColumns; ++col) {
+        if (GetCell(row, col) != kBlank) return false;
+    }
+    return true;
+}
+
+static std::string ReadBlank(const ScriptWords&) { return Ranges(kRingLines, IsBlankRow, 0); }
+
+static std::string ReadSized(const ScriptWords&) {
+    return Ranges(
+        kRingLines, [](int row, int) { return (session.screen.slots[RowSlot(row)][0] & 7) != 0; },
+        0);
+}
+
 static std::string ReadSelected(const ScriptWords& words) {
     return Ranges(
         kScreenColumns,
@@ -219,15 +234,16 @@ static std::string ReadSplit(const ScriptWords& words) { return ReadField(kSplit
 
 // clang-format off
 static const QueryRow kQueries[] = {
-    {"attr",      2, ReadAttr     }, {"beeps",    0, ReadBeeps   }, {"beeptype",  0, ReadBeepType },
-    {"blinking",  0, ReadBlinking }, {"cell",     2, ReadCell    }, {"changed",   0, ReadChanged  },
-    {"char",      2, ReadChar     }, {"cursor",   0, ReadCursor  }, {"collected", 0, ReadCollected},
-    {"flag",      0, ReadFlag     }, {"lineattr", 1, ReadLineAttr}, {"lineword",  1, ReadLineWord },
-    {"mode",      0, ReadMode     }, {"origin",   0, ReadOrigin  }, {"packed",    0, ReadPacked   },
-    {"params",    0, ReadParams   }, {"pen",      0, ReadPen     }, {"region",    0, ReadRegion   },
-    {"row",       1, ReadRow      }, {"saved",    0, ReadSaved   }, {"selected",  1, ReadSelected },
-    {"selection", 0, ReadSelection}, {"slot",     1, ReadSlot    }, {"split",     0, ReadSplit    },
-    {"state",     0, ReadState    }, {"tabs",     0, ReadTabs    }, {"wrap",      0, ReadWrap     },
+    {"attr",      2, ReadAttr     }, {"beeps",     0, ReadBeeps    }, {"beeptype",  0, ReadBeepType },
+    {"blank",     0, ReadBlank    }, {"blinking",  0, ReadBlinking }, {"cell",      2, ReadCell     },
+    {"changed",   0, ReadChanged  }, {"char",      2, ReadChar     }, {"collected", 0, ReadCollected},
+    {"cursor",    0, ReadCursor   }, {"flag",      0, ReadFlag     }, {"lineattr",  1, ReadLineAttr },
+    {"lineword",  1, ReadLineWord }, {"mode",      0, ReadMode     }, {"origin",    0, ReadOrigin   },
+    {"packed",    0, ReadPacked   }, {"params",    0, ReadParams   }, {"pen",       0, ReadPen      },
+    {"region",    0, ReadRegion   }, {"row",       1, ReadRow      }, {"saved",     0, ReadSaved    },
+    {"selected",  1, ReadSelected }, {"selection", 0, ReadSelection}, {"sized",     0, ReadSized    },
+    {"slot",      1, ReadSlot     }, {"split",     0, ReadSplit    }, {"state",     0, ReadState    },
+    {"tabs",      0, ReadTabs     }, {"wrap",      0, ReadWrap     },
 };
 // clang-format on
 

@@ -1,10 +1,10 @@
 // Marking with the stylus, copying and pasting.
-#include "terminal/selection.h"
+#include "ui/view/selection.h"
 #include "clipboard_double.h"
 #include "program_double.h"
-#include "terminal/clipboard.h"
 #include "terminal/screen_buffer.h"
 #include "terminal/terminal_write.h"
+#include "ui/view/clipboard.h"
 
 namespace {
 
@@ -110,6 +110,13 @@ TEST_F(Stylus, ADragOutOfTheWindowsLeftAndTopIsTheFirstCell) {
     EXPECT_EQ(Corners(), (Lines{"3,3", "1,1"}));
 }
 
+TEST_F(Stylus, CellsOfOnePixelAreCells) {
+    session.view.cell_width = session.view.cell_height = 1;
+    const StylusCell cell = CellUnderStylus(At(5, 3));
+    EXPECT_EQ(cell.col, 6);
+    EXPECT_EQ(cell.row, 4);
+}
+
 TEST_F(Stylus, WithoutAFontTheCellIsTheFirst) {
     session.view.cell_width = session.view.cell_height = 0;
     const StylusCell cell = CellUnderStylus(At(100, 100));
@@ -193,6 +200,23 @@ TEST_F(Stylus, CopyOfOneCellIsThatCharacter) {
     EXPECT_EQ(Copied(), "r\r\n");
 }
 
+TEST_F(Stylus, DragStraightDownMarksAndCopiesThatColumn) {
+    Put(3, "first row");
+    Put(4, "second");
+    Put(5, "third");
+    for (const bool up : {false, true}) {
+        up ? Drag(4, 5, 4, 3) : Drag(4, 3, 4, 5);
+        for (int row = 1; row <= 24; row++) {
+            for (int col = 1; col <= 80; col++) {
+                const bool marked = row >= 3 && row <= 5 && col == 4;
+                EXPECT_EQ((GetPaintRow(row)[col] & kCellReverse) != 0, marked) << row << "," << col;
+            }
+        }
+        CopySelection();
+        EXPECT_EQ(Copied(), "s\r\no\r\nr\r\n");
+    }
+}
+
 TEST_F(Stylus, DragDownAndLeftMarksNothingAndCopiesFourEmptyLines) {
     for (int row = 3; row <= 6; row++) Put(row, std::string(80, 'x'));
     Drag(10, 3, 5, 6);
@@ -232,6 +256,23 @@ TEST_F(Stylus, CopyAllocates164BytesARowAnd2More) {
     Move(At(32767, 32767));
     CopySelection();
     EXPECT_EQ(clipboard.allocated, (std::vector<size_t>{166, 23 * 164 + 166, 48 * 164 + 166}));
+}
+
+// The text ends where its lines end; whatever was in the memory before stays here.
+TEST_F(Stylus, CopyHandsOverTheTextAndZeroesBehindItAlone) {
+    const int drags[][4] = {
+        {7, 3, 7, 3}, {1, 3, 80, 3}, {10, 3, 5, 6}, {3, 3, 8, 24}, {1, 1, 80, 24}};
+    for (int row = 1; row <= 24; row++) Put(row, std::string(80, 'x'));
+    for (const auto& drag : drags) {
+        Drag(drag[0], drag[1], drag[2], drag[3]);
+        CopySelection();
+        const std::u16string& block = clipboard.block;
+        ASSERT_GE(block.size() * sizeof(WCHAR), clipboard.allocated.back());
+        ASSERT_EQ(clipboard.text.substr(clipboard.text.size() - 2), u"\r\n");
+        for (size_t i = clipboard.text.size(); i < block.size(); i++) {
+            ASSERT_EQ(block[i], 0) << "unit " << i << " of " << block.size();
+        }
+    }
 }
 
 TEST_F(Stylus, CopyWithoutASelectionDoesNothing) {
@@ -275,6 +316,10 @@ TEST_F(Stylus, PasteSendsEverythingElseAsItIs) {
 TEST_F(Stylus, PasteCutsCharactersToTheirLowByte) {
     EXPECT_EQ(Pasted(u"\u0141\u20ac\u4e2d"), "\x41\xac\x2d");
     EXPECT_EQ(Pasted(u"a\u010ab"), "a\nb") << "its low byte is 10, but it is no LF";
+}
+
+TEST_F(Stylus, PasteGoesOnAfterACharacterWhoseLowByteIsZero) {
+    EXPECT_EQ(Pasted(u"a\u0100b\uff00c"), std::string("a\0b\0c", 5));
 }
 
 TEST_F(Stylus, PasteEndsAtTheZeroOrWhereTheBlockEnds) {

@@ -2,6 +2,7 @@
 #include "tests/terminal/terminal_state.h"
 
 #include <cstring>
+#include <vector>
 
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"
@@ -18,12 +19,23 @@ void NewTerminal() {
     memset(session.screen.row_changed, 0, sizeof session.screen.row_changed);
 }
 
+void UseRing(int lines) {
+    std::string text = "\x1b[1;4;5;7m\x1b[1\"q", replies;
+    for (int line = 1; line <= lines; ++line) {
+        text += std::string(kScreenColumns, 'X') + "\x1b#6";
+        if (line < lines) text += "\r\n";
+    }
+    FeedByteByByte(text + "\x1b[24;1H", &replies);
+}
+
+// From memory of just that size, so that AddressSanitizer sees a read behind the last byte.
 void FeedWhole(const std::string& text, std::string* replies) {
-    const BYTE* bytes = reinterpret_cast<const BYTE*>(text.data());
-    const int count = static_cast<int>(text.size());
+    const std::vector<BYTE> bytes(text.begin(), text.end());
+    const int count = static_cast<int>(bytes.size());
     for (int done = 0; done < count;) {
-        done += TerminalFeedText(bytes + done, count - done);
-        if (done < count && TerminalFeedByte(bytes[done++])) *replies += TerminalTakeReply();
+        done += TerminalFeedText(bytes.data() + done, count - done);
+        if (done < count && TerminalFeedByte(bytes[static_cast<size_t>(done++)]))
+            *replies += TerminalTakeReply();
     }
 }
 

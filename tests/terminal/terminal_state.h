@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "app/session_state.h"
+#include "session/session_state.h"
 
 struct TerminalSnapshot {
     ScreenBuffer screen;
@@ -16,6 +16,11 @@ struct TerminalSnapshot {
 
 // As after program start and a connect: an empty screen, no row marked, the bell setting on.
 void NewTerminal();
+
+// Scrolls that many lines (at least 1) through the ring as a host would: each of double width, with
+// 80 cells of X that have every attribute, which stays on. The cursor ends at row 24, column 1.
+// From 49 lines on every slot has been in use.
+void UseRing(int lines);
 
 // Feeding appends the replies, one after the other, to *replies.
 void FeedWhole(const std::string& bytes, std::string* replies);  // as TerminalWrite does

@@ -72,6 +72,20 @@ TEST_F(HostBytes, TheViewFollowsBeforeTheStatusIsUpdated) {
     EXPECT_EQ(program_calls.back(), "UpdateStatus");
 }
 
+TEST_F(HostBytes, NothingIsReadBehindTheCount) {
+    const std::string bytes = "ab\033[2Cc\033[31mdefgh";
+    for (size_t count = 0; count <= bytes.size(); ++count) {
+        ClearAll();
+        TerminalStart();
+        TerminalWrite(reinterpret_cast<const BYTE*>(bytes.data()), static_cast<int>(count));
+        std::string shown;
+        for (int col = 1; col <= 12; ++col) shown += static_cast<char>(GetCell(1, col) & 0xFF);
+        std::string expected = count < 7 ? std::string("ab").substr(0, count) : "ab  c";
+        if (count > 12) expected += bytes.substr(12, count - 12);
+        EXPECT_EQ(shown, expected.append(12 - expected.size(), ' ')) << count;
+    }
+}
+
 TEST_F(HostBytes, NoBytesAreFine) {
     TerminalWrite(nullptr, 0);
     EXPECT_EQ(program_calls, Lines{});

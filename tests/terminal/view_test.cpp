@@ -1,10 +1,10 @@
 // The terminal window: its class and messages, geometry, scrolling, following the cursor, and the
 // requests for a repaint. Cells are 8 x 16; the bars are 10 wide and 12 high.
-#include "terminal/view.h"
+#include "ui/view/view.h"
 
 #include "program_double.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/terminal_window.h"
+#include "ui/view/terminal_window.h"
 
 static WPARAM ScrollEvent(int code, int position = 0) {
     return static_cast<WPARAM>(code) | (static_cast<WPARAM>(position) << 16);
@@ -152,6 +152,23 @@ TEST_F(Geometry, CoveredRowsAreTakenFromAllThoseOfATallWindow) {
     session.view.covered_rows = 8;
     Resize(650, 30 * 16);
     ExpectView(22, 80, true, false);
+}
+
+TEST_F(Geometry, TheViewFollowsTheCursorAtOnceWhileRowsAreCoveredAndOnlyThen) {
+    session.screen.cursor_row = 20;
+    session.screen.cursor_col = 70;
+    Resize(330, 204);
+    EXPECT_EQ(session.view.view_top, 0);
+    EXPECT_EQ(session.view.view_left, 0);
+    session.view.covered_rows = 1;
+    Resize(330, 204);
+    EXPECT_EQ(session.view.visible_rows, 11);
+    EXPECT_EQ(session.view.view_top, 20 - 11);
+    EXPECT_EQ(session.view.view_left, 70 - 40);
+    session.settings.followcursor = 0;
+    Resize(330, 204);
+    EXPECT_EQ(session.view.view_top, 0);
+    EXPECT_EQ(session.view.view_left, 0);
 }
 
 TEST_F(Geometry, NoSizeOfTheWindowGivesNegativeCells) {
@@ -363,12 +380,42 @@ TEST_F(FollowingTheCursor, ACursorBelowTheScreenTakesTheViewPastItsEnd) {
     EXPECT_EQ(session.view.view_top, 0);
 }
 
+TEST_F(FollowingTheCursor, ScrollingOnFromPastTheEndComesBackAndOtherCodesDoNot) {
+    To(49, 1);
+    ASSERT_EQ(session.view.view_top, 37);
+    gdi.invalidations = gdi.scroll_calls = 0;
+    for (int code : {SB_ENDSCROLL, SB_THUMBTRACK, 6, 7, 9}) {
+        Vertical(code, 5);
+        EXPECT_EQ(session.view.view_top, 37) << code;
+    }
+    EXPECT_EQ(gdi.invalidations, 0);
+    EXPECT_EQ(gdi.scroll_calls, 0);
+    Vertical(SB_LINEUP);
+    EXPECT_EQ(session.view.view_top, 12);
+    EXPECT_EQ(gdi.bars[SB_VERT].nPos, 12);
+}
+
+TEST_F(Scrolling, CoveringRowsLeavesTheViewAndUncoveringTakesItBack) {
+    Vertical(SB_THUMBPOSITION, 7);
+    Horizontal(SB_THUMBPOSITION, 9);
+    for (int rows : {1, 5}) {
+        CoverRows(rows);
+        EXPECT_EQ(session.view.covered_rows, rows);
+        EXPECT_EQ(session.view.view_top, 7);
+        EXPECT_EQ(session.view.view_left, 9);
+    }
+    CoverRows(0);
+    EXPECT_EQ(session.view.covered_rows, 0);
+    EXPECT_EQ(session.view.view_top, 0);
+    EXPECT_EQ(session.view.view_left, 0);
+}
+
 // ---------------------------------------------------------------- repaint requests
 
 class RepaintRequests : public TerminalWindow {};
 
 TEST_F(RepaintRequests, RefreshAsksForTheFlaggedRowsWithoutErasing) {
-    for (const int row : {3, 4, 5, 9, 24}) MarkRow(row);
+    for (const int row : {3, 4, 5, 9, 24}) MarkRows(row, row);
     RefreshTerminal();
     EXPECT_EQ(gdi.invalid, (Lines{"0,32 640x48", "0,128 640x16", "0,368 640x16"}));
     EXPECT_EQ(gdi.erasing_invalidations, 0);
@@ -411,7 +458,7 @@ TEST_F(RepaintRequests, RefreshAsksForRowsOfTheWindowAlone) {
     SendToWindow(WM_HSCROLL, ScrollEvent(SB_LINEDOWN));
     Paint();
     gdi.invalid.clear();
-    for (const int row : {1, 3, 14, 15}) MarkRow(row);
+    for (const int row : {1, 3, 14, 15}) MarkRows(row, row);
     RefreshTerminal();
     EXPECT_EQ(gdi.invalid, (Lines{"0,0 624x16", "0,176 624x16"}));
 }
@@ -429,7 +476,7 @@ TEST_F(RepaintRequests, RefreshAsksForTheWholeWindowWhereAPaintDrawsAll) {
 }
 
 TEST_F(RepaintRequests, APaintMayDrawOnTheRowsThatChangedSinceTheLastRequest) {
-    MarkRow(5);
+    MarkRows(5, 5);
     Paint();
     EXPECT_EQ(gdi.invalid, Lines{"0,64 640x16"});
 }

@@ -13,6 +13,7 @@ cd "$work"
 cmake -E tar xf "$package"
 [ -s Quill/quill.exe ] || fail "the program is not in the package"
 cmp "$top/resources/telnet.htm" Quill/telnet.htm || fail "the help page is not in the package"
+cmp "$top/resources/quill.ti" Quill/quill.ti || fail "the terminal's description is not in the package"
 cmp "$top/LICENSE" Quill/LICENSE.txt || fail "the licence is not in the package"
 
 # The libraries that every Windows has.

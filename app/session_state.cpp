@@ -1,4 +1,0 @@
-// The one instance of the session record.
-#include "app/session_state.h"
-
-SessionState session;

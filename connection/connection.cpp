@@ -1,0 +1,151 @@
+// Connecting, closing, and what is told of it.
+#include "connection/connection.h"
+
+#include "connection/receive_thread.h"
+#include "protocol/protocols.h"
+#include "protocol/telnet/auto_login.h"
+#include "protocol/telnet/telnet_engine.h"
+#include "session/message_boxes.h"
+#include "session/session_ports.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
+#include "terminal/modes.h"
+#include "terminal/screen_buffer.h"
+#include "text/ansi_text.h"
+
+namespace {
+
+void CloseSocket() {
+    const SOCKET socket = session.socket.exchange(INVALID_SOCKET);
+    if (socket == INVALID_SOCKET) return;
+    shutdown(socket, SD_BOTH);
+    closesocket(socket);
+    WakeReceiveThread();
+}
+
+// A session that is over may have left its socket open (the host dropped the line) or its thread
+// and notifications on their way (the user closed it). Both come to their end before the next
+// session begins, so nothing of the old one can reach the new.
+int FinishLastSession() {
+    if (session.connect_pending && session.socket != INVALID_SOCKET) return 1;
+    if (Connected() && session.socket != INVALID_SOCKET) return 1;
+    CloseSocket();
+    if (!AwaitReceiveThread()) return 0;
+    MSG message;
+    while (PeekMessageW(&message, session.main_window, WM_SOCKET_DATA, WM_SOCKET_CONNECTED,
+                        PM_REMOVE)) {
+        if (message.message == WM_QUIT) {  // it passes every filter
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return 0;
+        }
+        DispatchMessageW(&message);
+    }
+    return 1;
+}
+
+void ResetForSession() {
+    const int cursor = CursorPosition();
+    session.closing = 0;
+    TerminalStart();
+    TelnetReset();
+    ClearAllLines();
+    session_ports.repaint();
+    if (CursorPosition() != cursor) session_ports.update_status();
+}
+
+// The address of settings.host in network order, or INADDR_NONE. A dotted address is not looked
+// up; an empty name names nothing.
+uint32_t HostAddress() {
+    char name[kHostUnits];
+    if (AnsiFromWide(session.settings.host, name, kHostUnits) == 0) return INADDR_NONE;
+    const uint32_t dotted = inet_addr(name);
+    if (dotted != INADDR_NONE) return dotted;
+    const HOSTENT* host = gethostbyname(name);
+    if (!host || !host->h_addr_list[0]) return INADDR_NONE;
+    uint32_t address;
+    std::memcpy(&address, host->h_addr_list[0], sizeof(address));
+    return address;
+}
+
+int OpenSocket() {
+    const SOCKET socket_made = socket(AF_INET, SOCK_STREAM, 0);
+    if (socket_made == INVALID_SOCKET) {
+        ShowError(TEXT("Cannot open the socket interface. Maybe TCP/IP is missing"));
+        return 0;
+    }
+    WINSOCK_ULONG on = 1;
+    ioctlsocket(socket_made, FIONBIO, &on);
+    session.socket.store(socket_made, std::memory_order_release);
+    return 1;
+}
+
+// The first dial-up entry of the device becomes the one to dial.
+void TakeFirstDialEntry() {
+    DWORD size = 0, count = 0;
+    RasEnumEntriesW(nullptr, nullptr, nullptr, &size, &count);
+    if (size < sizeof(RASENTRYNAMEW)) return;
+    auto* entries = static_cast<RASENTRYNAMEW*>(std::calloc(1, size));
+    if (!entries) return;
+    entries[0].dwSize = sizeof(RASENTRYNAMEW);
+    if (RasEnumEntriesW(nullptr, nullptr, entries, &size, &count) == 0 && count > 0)
+        SetDialEntry(entries[0].szEntryName);
+    std::free(entries);
+}
+
+void AskToDial() {
+    if (!session.settings.ras[0] || session.settings.ras[0] == TEXT(' ')) TakeFirstDialEntry();
+    WCHAR question[160];
+    wsprintfW(question, TEXT("No active network. Should I dial a network using modem (%s) ?"),
+              session.settings.ras);
+    if (MessageBoxW(session.main_window, question, TEXT("Request"),
+                    MB_OKCANCEL | MB_ICONQUESTION) == IDOK)
+        session.dial_request = 1;
+}
+
+void TellConnectError(int error) {
+    WCHAR text[80];
+    wsprintfW(text, TEXT("Connection to the UNIX Host has failed (%d)"), error);
+    ShowError(text);
+}
+
+// 1 while the request is under way or done.
+int RequestConnection(uint32_t address) {
+    session.peer = SOCKADDR_IN{};
+    session.peer.sin_family = AF_INET;
+    session.peer.sin_port = htons(static_cast<WORD>(session.settings.port));
+    session.peer.sin_addr.s_addr = address;
+    session.connect_pending = 1;
+    if (connect(session.socket.load(), reinterpret_cast<const SOCKADDR*>(&session.peer),
+                sizeof(session.peer)) == 0) {
+        session_ports.update_status();
+        return 1;
+    }
+    const int error = WSAGetLastError();
+    session_ports.update_status();
+    if (error == WSAEWOULDBLOCK) return 1;
+    error == WSAEHOSTUNREACH ? AskToDial() : TellConnectError(error);
+    session.connect_pending = 0;
+    session_ports.update_status();
+    return 0;
+}
+
+}  // namespace
+
+void SessionConnect() {
+    if (!FinishLastSession()) return;
+    BeginProtocol();
+    if (session.connect_pending && !Connected()) return;  // the flag outlasts the request
+    if (Connected()) return ShowError(TEXT("Already a session to the UNIX Host"));
+    ArmAutoLogin();
+    ResetForSession();
+    if (!OpenSocket()) return;
+    const uint32_t address = HostAddress();
+    if (address == INADDR_NONE) return ShowError(TEXT("Cannot connect to the UNIX Host"));
+    if (RequestConnection(address)) StartReceiveThread();
+}
+
+void SessionClose() {
+    session.closing = 1;
+    CloseSocket();
+    session.connect_pending = 0;
+}

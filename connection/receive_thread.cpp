@@ -1,0 +1,101 @@
+// The receiving thread. Its socket is closed under it to end it: its select then fails.
+#include "connection/receive_thread.h"
+
+#include "session/session_state.h"
+
+namespace {
+
+constexpr long kWaitMicroseconds = 200000;
+constexpr DWORD kWaitMilliseconds = 200;
+constexpr DWORD kEndMilliseconds = 5000;
+
+bool OwnTurn() { return session.receive_ready.load(std::memory_order_acquire) == 1; }
+
+// While the window thread holds the buffer, its hand-back is waited for rather than the socket, so
+// that the next read follows at once. Returns select's result.
+int WaitForSocket(SOCKET socket, fd_set* readable, fd_set* failed) {
+    TIMEVAL timeout = {0, kWaitMicroseconds};
+    if (!OwnTurn()) {
+        WaitForSingleObject(session.handed_back, kWaitMilliseconds);
+        if (!OwnTurn()) timeout.tv_usec = 0;
+    }
+    FD_ZERO(readable);
+    FD_ZERO(failed);
+    FD_SET(socket, failed);
+    const bool read = OwnTurn();
+    if (read) FD_SET(socket, readable);
+    return select(0, read ? readable : nullptr, nullptr, failed, &timeout);
+}
+
+void ReportConnected() {
+    if (Connected()) return;
+    session.connected.store(1, std::memory_order_release);
+    PostMessageW(session.main_window, WM_SOCKET_CONNECTED, 0, 0);
+}
+
+// One chunk into the buffer and over to the window thread; false at the connection's end.
+bool ReceiveChunk(SOCKET socket) {
+    session.receive_count = recv(socket, session.receive_buffer, kReceiveSize, 0);
+    if (session.receive_count == 0) return false;
+    session.receive_ready.store(0, std::memory_order_release);
+    PostMessageW(session.main_window, WM_SOCKET_DATA, 0, 0);
+    return true;
+}
+
+bool ServeSocket(SOCKET socket) {
+    fd_set readable, failed;
+    const int result = WaitForSocket(socket, &readable, &failed);
+    if (result == 0) return true;
+    if (result == SOCKET_ERROR || FD_ISSET(socket, &failed)) return false;
+    // The user's close shuts the socket first, which reads like the host's end.
+    if (session.socket.load(std::memory_order_acquire) != socket) return false;
+    ReportConnected();
+    if (!OwnTurn() || !FD_ISSET(socket, &readable)) return true;
+    return ReceiveChunk(socket);
+}
+
+void MakeEvents() {
+    if (session.handed_back) return;
+    session.handed_back = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    session.receive_ended = CreateEventW(nullptr, TRUE, TRUE, nullptr);
+}
+
+}  // namespace
+
+DWORD WINAPI ReceiveThread(LPVOID) {
+    const SOCKET socket = session.socket.load(std::memory_order_acquire);
+    session.receive_ready.store(1, std::memory_order_release);
+    while (ServeSocket(socket)) {
+    }
+    PostMessageW(session.main_window, WM_SOCKET_DATA, 1, 0);
+    SetEvent(session.receive_ended);  // from here on the next session may start
+    return 1;
+}
+
+void StartReceiveThread() {
+    MakeEvents();
+    ResetEvent(session.receive_ended);
+    const HANDLE thread = CreateThread(nullptr, 0, ReceiveThread, nullptr, 0, nullptr);
+    if (thread) {
+        CloseHandle(thread);
+        return;
+    }
+    SetEvent(session.receive_ended);
+    PostMessageW(session.main_window, WM_SOCKET_DATA, 1, 0);
+}
+
+int AwaitReceiveThread() {
+    return !session.receive_ended ||
+           WaitForSingleObject(session.receive_ended, kEndMilliseconds) == WAIT_OBJECT_0;
+}
+
+void WakeReceiveThread() {
+    if (session.handed_back) SetEvent(session.handed_back);
+}
+
+void EndReceiving() {
+    if (!session.handed_back || !AwaitReceiveThread()) return;
+    CloseHandle(session.handed_back);
+    CloseHandle(session.receive_ended);
+    session.handed_back = session.receive_ended = nullptr;
+}

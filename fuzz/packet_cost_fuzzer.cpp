@@ -1,0 +1,130 @@
+// What one packet of an SSH server may cost: one of up to 65,535 bytes, in the state in which it
+// does the most work. The target fails by libFuzzer's own time-out, which packet_cost.options sets.
+// The first byte of an input chooses the state, the rest is the packet's payload:
+//   0   SSH-2 in the clear, an exchange of keys under way
+//   1   SSH-2 behind a cipher that changes nothing, a shell open
+//   2   the same while keys are exchanged: what the terminal answers waits
+//   3   SSH-1 before the public-key message
+//   4   SSH-1 with a shell open
+#include <string>
+
+#include "crypto/crc32.h"
+#include "protocol/protocols.h"
+#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2_session.h"
+#include "protocol/telnet/telnet_session.h"
+#include "session/session_ports.h"
+#include "session/session_send.h"
+#include "session/session_state.h"
+#include "terminal/terminal_write.h"
+#include "text/byte_order.h"
+
+static const SOCKET kSocket = 7;
+static const size_t kMacSize = 20;
+static const size_t kMostPayload = kSshReassemblySize - 64;  // with its frame it is still a packet
+
+// ---------------------------------------------------------------- the platform and the program
+
+bool SocketSendAll(const BYTE*, int) { return true; }
+
+// A terminal that is asked for its state in every fourth byte, as the shortest request has them.
+void TerminalWrite(const BYTE*, int count) {
+    static const BYTE kAnswer[] = {'\033', '[', '2', '4', ';', '8', '0', 'R'};
+    for (int asked = 0; asked < count / 4; asked++) SendSessionData(kAnswer, sizeof(kAnswer), 0);
+}
+
+int MessageBoxW(HWND, LPCWSTR, LPCWSTR, UINT) { return IDOK; }
+
+const Protocol kTelnetProtocol = {nullptr, nullptr, nullptr, nullptr, [] {}};
+
+// ---------------------------------------------------------------- a cipher switched off
+
+static void NoKey(const uint8_t*) {}
+static void NoCipher(uint8_t*, int) {}
+static void NoMac(uint8_t* packet, int length, uint32_t) { memset(packet + length, 0, kMacSize); }
+static int AnyMac(const uint8_t*, int, uint32_t) { return 1; }
+
+static const SshCipher kOff = {"off", NoKey, NoKey, NoKey, NoKey, NoCipher, NoCipher, "off", 8, 0};
+static const SshMac kAny = {"any", NoKey, NoKey, NoMac, AnyMac, "any", kMacSize};
+
+// ---------------------------------------------------------------- one packet
+
+static void Receive(const std::string& bytes) {
+    for (size_t at = 0; at < bytes.size(); at += kReceiveSize) {
+        const std::string chunk = bytes.substr(at, kReceiveSize);
+        TakeSessionChunk(reinterpret_cast<const BYTE*>(chunk.data()),
+                         static_cast<int>(chunk.size()));
+    }
+}
+
+static void Begin(DWORD ssh_type2) {
+    session_ports.ask_sign_on = [] { return true; };
+    session_ports.update_status = [] {};
+    session_ports.close_session = [] { session.socket = INVALID_SOCKET; };
+    ForgetSshSession();
+    session.settings = {};
+    session.settings.ssh = 1;
+    session.settings.ssh_type2 = ssh_type2;
+    session.settings.ssh_type = 1;
+    session.settings.ssh_def = 1;
+    lstrcpyW(session.settings.ssh_u, TEXT("visitor"));
+    session.connected = 1;
+    session.socket = kSocket;
+    session.banner_sent = 0;
+    Receive("a line\n");
+}
+
+static std::string Number(size_t value) {
+    std::string bytes(4, '\0');
+    StoreBig(reinterpret_cast<uint8_t*>(bytes.data()), static_cast<uint32_t>(value));
+    return bytes;
+}
+
+static void GiveSsh2(const std::string& payload) {
+    std::string packet = Number(1 + payload.size() + 4) + '\4' + payload + "pppp";
+    if (HasCipher()) packet.append(kMacSize, '\0');
+    Receive(packet);
+}
+
+static void GiveSsh1(const std::string& payload) {
+    const size_t length = payload.size() + 4;
+    const std::string body = std::string(8 - length % 8, 'p') + payload;
+    Receive(Number(length) + body +
+            Number(Crc32(reinterpret_cast<const uint8_t*>(body.data()),
+                         static_cast<int>(body.size()))));
+}
+
+// The host may begin an exchange as often as it likes.
+static void RunExchanges(const std::string& payload) {
+    Begin(1);
+    for (int i = 0; i < 4; i++) {
+        GiveSsh2("\x14");
+        GiveSsh2(payload);
+    }
+}
+
+static void RunShell(bool keys_pending, const std::string& payload) {
+    Begin(1);
+    session.ssh2.cipher = &kOff;
+    session.ssh2.inMac = session.ssh2.outMac = &kAny;
+    session.ssh2.channelOpen = 1;
+    session.ssh2.keysPending = keys_pending;
+    GiveSsh2(payload);
+}
+
+static void RunSsh1(int state, const std::string& payload) {
+    Begin(0);
+    session.ssh1.ssh1State = state;
+    GiveSsh1(payload);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size < 2 || size > kMostPayload) return 0;
+    const uint8_t state = data[0] % 5;
+    const std::string payload(data + 1, data + size);
+    if (state == 0) RunExchanges(payload);
+    if (state == 1 || state == 2) RunShell(state == 2, payload);
+    if (state >= 3) RunSsh1(state == 3 ? 0 : 5, payload);
+    ForgetSshSession();
+    return 0;
+}

@@ -1,0 +1,48 @@
+// The packets of SSH-1.5, in either direction:
+//   length    uint32: type, data and checksum, so data + 5
+//   padding   8 - length mod 8 bytes (1 to 8), random
+//   type      1 byte
+//   data
+//   checksum  CRC-32 without inversions, of padding, type and data
+// From the padding on, a packet is encrypted once there is a cipher.
+#ifndef QUILL_PROTOCOL_SSH_SSH1_PACKETS_H
+#define QUILL_PROTOCOL_SSH_SSH1_PACKETS_H
+
+#include "protocol/ssh/packet_writer.h"
+#include "windows_ce.h"
+
+enum Ssh1Type : BYTE {
+    MSG_DISCONNECT = 1,
+    SMSG_PUBLIC_KEY = 2,
+    CMSG_SESSION_KEY = 3,
+    CMSG_USER = 4,
+    CMSG_AUTH_PASSWORD = 9,
+    CMSG_REQUEST_PTY = 10,
+    CMSG_EXEC_SHELL = 12,
+    SMSG_SUCCESS = 14,
+    SMSG_FAILURE = 15,
+    CMSG_STDIN_DATA = 16,
+    SMSG_STDOUT_DATA = 17,
+    SMSG_STDERR_DATA = 18,
+    SMSG_EXITSTATUS = 20,
+    MSG_IGNORE = 32,
+    CMSG_EXIT_CONFIRMATION = 33,
+    MSG_DEBUG = 36,
+};
+
+// Starts a packet of dataLength bytes, at most kSsh1PacketSize - 17; returns where they go.
+BYTE* Ssh1BeginPacket(BYTE type, int dataLength);
+void Ssh1SendPacket();
+
+// A packet that is one string.
+void Ssh1SendString(BYTE type, const void* bytes, int length);
+
+// A received chunk: gathered until packets are whole, which are then handled one by one.
+void Ssh1TakeChunk(const BYTE* bytes, int count);
+
+// A packet from its length field on, `length` bytes of it in all: checks it and acts on it. Too
+// large or with a wrong checksum, it ends the session with a message. One that claims too few bytes
+// for a type is dropped.
+void Ssh1HandlePacket(const BYTE* bytes, int length);
+
+#endif

@@ -1,0 +1,196 @@
+// What a session goes through, from the server's key to the end of the shell.
+#include "protocol/ssh/ssh1_session.h"
+
+#include "crypto/wipe.h"
+#include "protocol/ssh/ssh1_packets.h"
+#include "protocol/ssh/ssh_session.h"
+#include "session/message_boxes.h"
+#include "session/session_ports.h"
+#include "session/session_state.h"
+#include "terminal/terminal_write.h"
+#include "text/ansi_text.h"
+#include "text/byte_reader.h"
+
+namespace {
+
+constexpr int kTextSize = 80;          // bytes of user name and password with their zero
+constexpr int kTerminalTypeSize = 41;  // bytes of the terminal type with its zero
+
+enum State {
+    kAwaitPublicKey,
+    kSentSessionKey,
+    kSentUser,
+    kSentPassword,
+    kAskedForTerminal,
+    kInteractive,
+};
+
+SOCKET ServedSocket() { return session.socket.load(std::memory_order_acquire); }
+
+void GoTo(State state) {
+    session.ssh1.ssh1State = state;
+    session.ssh_progress = static_cast<DWORD>(state);
+    session_ports.update_status();
+}
+
+// ---------------------------------------------------------------- login
+
+// False when the session has ended: the dialog could not be shown, or others ran while it was.
+bool AskForUser() {
+    const SOCKET served = ServedSocket();
+    const bool shown = session_ports.ask_sign_on();
+    if (!SshSessionStands(served)) return false;
+    if (!shown) CloseSession();
+    return shown;
+}
+
+// A cancelled dialog is no end: what the settings hold is sent.
+void SendUser() {
+    if ((!session.settings.ssh_def || session.ssh1.loginFailed) && !AskForUser()) return;
+    char user[kTextSize];
+    const int length = AnsiFromWide(session.settings.ssh_u, user, kTextSize);
+    if (length == 0)
+        return Ssh1EndSession(TEXT("Cannot sign on to the host without a valid user name"));
+    Ssh1SendString(CMSG_USER, user, length);
+    GoTo(kSentUser);
+}
+
+void TakePublicKey(const BYTE* data, int length) {
+    if (Ssh1ExchangeKeys(data, length)) GoTo(kSentSessionKey);
+}
+
+void TakeEncryption(const BYTE*, int) { SendUser(); }
+
+void SendPassword(const BYTE*, int) {
+    char password[kTextSize];
+    const int length = AnsiFromWide(session.settings.ssh_p, password, kTextSize);
+    Ssh1SendString(CMSG_AUTH_PASSWORD, password, length);
+    Wipe(password, sizeof(password));
+    if (!session.settings.ssh_def) Wipe(session.settings.ssh_p, sizeof(session.settings.ssh_p));
+    GoTo(kSentPassword);
+}
+
+void AskAgain(const BYTE*, int) {
+    const SOCKET served = ServedSocket();
+    ShowError(TEXT("Login incorrect"));
+    if (!SshSessionStands(served)) return;
+    session.ssh1.loginFailed = 1;
+    SendUser();
+}
+
+// ---------------------------------------------------------------- terminal and shell
+
+void RequestTerminal(const BYTE*, int) {
+    char type[kTerminalTypeSize];
+    const int length = AnsiFromWide(session.settings.termtype, type, kTerminalTypeSize);
+    BYTE* at = Ssh1BeginPacket(CMSG_REQUEST_PTY, 4 + length + 4 * 4 + 1);
+    at = PutBlock(at, type, length);
+    at = PutUint32(at, session.ssh1.ptyRows);
+    at = PutUint32(at, session.ssh1.ptyColumns);
+    at = PutUint32(at, 0);  // width and height in pixels: not told
+    at = PutUint32(at, 0);
+    *at = 0;  // no terminal modes
+    Ssh1SendPacket();
+    GoTo(kAskedForTerminal);
+}
+
+// A server that refuses the terminal may still grant a shell.
+void StartShell(const BYTE*, int) {
+    Ssh1BeginPacket(CMSG_EXEC_SHELL, 0);
+    Ssh1SendPacket();
+    GoTo(kInteractive);
+}
+
+void ShowOutput(const BYTE* data, int length) {
+    ByteReader reader = ReaderOf(data, length);
+    const uint8_t* text;
+    int count;
+    if (TakeString(&reader, &text, &count) && reader.left == 0 && count > 0)
+        TerminalWrite(text, count);
+}
+
+void ConfirmExit(const BYTE*, int) {
+    Ssh1BeginPacket(CMSG_EXIT_CONFIRMATION, 0);
+    Ssh1SendPacket();
+}
+
+// ---------------------------------------------------------------- the table
+
+constexpr int kAnyType = -1;
+
+// The first row that fits acts; a text is shown, and the session closed. Without a row a packet is
+// passed over.
+struct StateRow {
+    State state;
+    int type;
+    void (*act)(const BYTE* data, int length);
+    LPCWSTR end;
+};
+
+// clang-format off
+const StateRow kStates[] = {
+    {kAwaitPublicKey,   SMSG_PUBLIC_KEY,  TakePublicKey,   nullptr},
+    {kAwaitPublicKey,   kAnyType,         nullptr,
+     TEXT("SSH protocol violation. Session must close!!!")},
+    {kSentSessionKey,   SMSG_SUCCESS,     TakeEncryption,  nullptr},
+    {kSentSessionKey,   kAnyType,         nullptr,
+     TEXT("SSH server rejects the encryption mode. Session must be terminated")},
+    {kSentUser,         SMSG_FAILURE,     SendPassword,    nullptr},
+    {kSentUser,         kAnyType,         RequestTerminal, nullptr},
+    {kSentPassword,     SMSG_SUCCESS,     RequestTerminal, nullptr},
+    {kSentPassword,     kAnyType,         AskAgain,        nullptr},
+    {kAskedForTerminal, SMSG_SUCCESS,     StartShell,      nullptr},
+    {kAskedForTerminal, SMSG_FAILURE,     StartShell,      nullptr},
+    {kAskedForTerminal, kAnyType,         nullptr,
+     TEXT("SSH server has no TTY ressources. Session must be terminated")},
+    {kInteractive,      SMSG_STDOUT_DATA, ShowOutput,      nullptr},
+    {kInteractive,      SMSG_STDERR_DATA, ShowOutput,      nullptr},
+    {kInteractive,      SMSG_EXITSTATUS,  ConfirmExit,     nullptr},
+    {kInteractive,      MSG_DISCONNECT,   nullptr,
+     TEXT("Disconnect request from SSH Server. Session must be terminated")},
+};
+// clang-format on
+
+// ---------------------------------------------------------------- the protocol's record
+
+void Start(const char*, const BYTE*, int) { ResetCiphers(); }
+
+void Forget() {
+    Wipe(&session.ssh1, sizeof(session.ssh1));
+    session.ssh1.ptyRows = kSsh1PtyRows;
+    session.ssh1.ptyColumns = kSsh1PtyColumns;
+}
+
+}  // namespace
+
+const Protocol kSsh1Protocol = {
+    .identification = "SSH-1.5-1.0.00\n",
+    .start = Start,
+    .take_chunk = Ssh1TakeChunk,
+    .send_data = [](const BYTE* data, int length, int) { Ssh1SendData(data, length); },
+    .forget = Forget,
+};
+
+void Ssh1RunState(BYTE type, const BYTE* data, int length) {
+    for (const StateRow& row : kStates) {
+        if (row.state != session.ssh1.ssh1State) continue;
+        if (row.type != kAnyType && row.type != type) continue;
+        return row.end ? Ssh1EndSession(row.end) : row.act(data, length);
+    }
+}
+
+void Ssh1SendData(const BYTE* data, int length) {
+    if (session.ssh1.ssh1State != kInteractive) return;
+    while (length > 0) {
+        const int piece = length < kSsh1MaxData ? length : kSsh1MaxData;
+        Ssh1SendString(CMSG_STDIN_DATA, data, piece);
+        data += piece;
+        length -= piece;
+    }
+}
+
+void Ssh1EndSession(LPCWSTR text) {
+    const SOCKET served = ServedSocket();
+    ShowError(text);
+    if (SshSessionStands(served)) CloseSession();
+}

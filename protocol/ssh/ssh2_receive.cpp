@@ -1,0 +1,139 @@
+// Reassembly and dispatch.
+#include "protocol/ssh/ssh2_receive.h"
+
+#include "protocol/ssh/ssh2_authentication.h"
+#include "protocol/ssh/ssh2_channel.h"
+#include "protocol/ssh/ssh2_key_exchange.h"
+#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh_session.h"
+#include "session/session_state.h"
+
+namespace {
+
+constexpr int kLengthSize = 4;
+
+struct MessageRow {
+    BYTE number;
+    bool secured;  // taken only behind a cipher: nothing secret is asked for or sent in the clear
+    void (*handler)();
+};
+
+// What is not here is ignored.
+// clang-format off
+const MessageRow kMessages[] = {
+    {kMsgServiceAccept,            true,  OnServiceAccept},
+    {kMsgKexInit,                  false, OnKexInit},
+    {kMsgNewKeys,                  false, OnNewKeys},
+    {kMsgKexDhReply,               false, OnKexDhReply},
+    {kMsgUserauthFailure,          true,  OnUserauthFailure},
+    {kMsgUserauthSuccess,          true,  OnUserauthSuccess},
+    {kMsgUserauthPasswdChangeReq,  false, CloseSession},
+    {kMsgChannelOpenConfirmation,  true,  OnChannelOpenConfirmation},
+    {kMsgChannelOpenFailure,       false, CloseSession},
+    {kMsgChannelData,              true,  OnChannelData},
+    {kMsgChannelExtendedData,      true,  OnChannelExtendedData},
+    {kMsgChannelClose,             false, CloseSession},
+    {kMsgChannelSuccess,           true,  OnChannelSuccess},
+    {kMsgChannelFailure,           false, CloseSession},
+};
+// clang-format on
+
+int MacSize() { return HasCipher() ? session.ssh2.inMac->macLength : 0; }
+
+void DropWaiting() {
+    session.ssh.recvFill = 0;
+    session.ssh2.headDecrypted = 0;
+}
+
+void Append(const BYTE* bytes, int count) {
+    SshState& ssh = session.ssh;
+    if (ssh.recvFill + count > kSshReassemblySize) DropWaiting();
+    std::memcpy(ssh.recvBuf + ssh.recvFill, bytes, static_cast<size_t>(count));
+    ssh.recvFill += count;
+}
+
+// The bytes of the packet at the head of recvBuf, or 0 while it is not complete.
+int CompletePacket() {
+    SshState& ssh = session.ssh;
+    if (ssh.recvFill < kLengthSize) return 0;
+    if (HasCipher() && !session.ssh2.headDecrypted) {
+        if (ssh.recvFill < kCipherBlockSize) return 0;
+        DecryptHead(ssh.recvBuf);
+        session.ssh2.headDecrypted = 1;
+    }
+    const uint32_t packetLength = GetUint32(ssh.recvBuf);
+    if (packetLength > kSshReassemblySize) {
+        DropWaiting();
+        return 0;
+    }
+    const int needed = kLengthSize + static_cast<int>(packetLength) + MacSize();
+    return needed <= ssh.recvFill ? needed : 0;
+}
+
+// Handlers may end the session, and with it what waits; where the next one has begun meanwhile,
+// that is the next one's.
+bool TakePacket(SOCKET served) {
+    SshState& ssh = session.ssh;
+    const int size = CompletePacket();
+    if (size == 0) return false;
+    session.ssh2.headDecrypted = 0;
+    Ssh2HandlePacket(ssh.recvBuf, size);
+    if (!SshSessionStands(served)) {
+        if (session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) DropWaiting();
+        return false;
+    }
+    ssh.recvFill -= size;
+    std::memmove(ssh.recvBuf, ssh.recvBuf + size, static_cast<size_t>(ssh.recvFill));
+    return true;
+}
+
+// Decrypts what follows the first block and checks the MAC behind `total` bytes.
+bool Authentic(int total, int length) {
+    Ssh2State& ssh = session.ssh2;
+    if (!HasCipher()) return true;
+    const int behind_head = length - kCipherBlockSize - ssh.inMac->macLength;
+    if (behind_head > 0) ssh.cipher->decrypt(ssh.packetBuf + kCipherBlockSize, behind_head);
+    return ssh.inMac->verify(ssh.packetBuf, total, ssh.recvSeq);
+}
+
+// Sets the reader behind the message number; false when the padding leaves no payload.
+bool OpenPayload(int total, BYTE* number) {
+    Ssh2State& ssh = session.ssh2;
+    BYTE padding;
+    ByteReader reader = ReaderOf(ssh.packetBuf + kLengthSize, total - kLengthSize);
+    if (!TakeByte(&reader, &padding) || padding > reader.left) return false;
+    ssh.payload = ReaderOf(reader.next, reader.left - padding);
+    ssh.reader = ssh.payload;
+    return TakeByte(&ssh.reader, number);
+}
+
+void Dispatch(BYTE number) {
+    for (const MessageRow& row : kMessages) {
+        if (row.number != number) continue;
+        if (HasCipher() || !row.secured) row.handler();
+        return;
+    }
+}
+
+}  // namespace
+
+void Ssh2TakeChunk(const BYTE* bytes, int count) {
+    if (!session.ssh2.inMac) return;  // the session began with the other protocol
+    const SOCKET served = session.socket.load(std::memory_order_acquire);
+    Append(bytes, count);
+    while (TakePacket(served)) {
+    }
+}
+
+void Ssh2HandlePacket(const BYTE* packet, int length) {
+    Ssh2State& ssh = session.ssh2;
+    if (length < kLengthSize || length > kSshReassemblySize) return;
+    std::memcpy(ssh.packetBuf, packet, static_cast<size_t>(length));
+    const uint32_t total = GetUint32(ssh.packetBuf) + kLengthSize;
+    if (total >= kSshReassemblySize) return CloseSession();
+    if (static_cast<int>(total) + MacSize() != length) return;
+    if (!Authentic(static_cast<int>(total), length)) return;
+    ssh.recvSeq++;
+    BYTE number;
+    if (OpenPayload(static_cast<int>(total), &number)) Dispatch(number);
+}

@@ -1,0 +1,83 @@
+// A program that is left open for weeks: what a session or a change of the bar takes, it gives
+// back.
+#include <gtest/gtest.h>
+#include <QToolButton>
+#include <set>
+
+#include "platform/qt/screen_text.h"
+#include "platform/qt/slice.h"
+#include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/heap.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+
+namespace {
+
+constexpr int kTimes = 500;
+constexpr int kWarmUp = 30;           // until every picture, font and table is there
+constexpr size_t kBytesEach = 200;    // what the heap may grow by for other reasons
+constexpr size_t kMostPictures = 28;  // 27 rows, and "disconnect"
+
+// On the window thread: has the bar drawn, and adds the pictures of its buttons.
+void LookAtBar(std::set<qint64>* pictures) {
+    QWidget* bar = FindWindowRecord(session.command_bar)->widget;
+    bar->grab();
+    for (const QToolButton* button : bar->findChildren<QToolButton*>())
+        pictures->insert(button->icon().cacheKey());
+}
+
+size_t Heap() {
+    size_t bytes = 0;
+    OnWindowThread([&] { bytes = HeapInUse(); });
+    return bytes;
+}
+
+void HoldSession(FakeHost& host, std::set<qint64>* pictures) {
+    Connect();
+    ASSERT_TRUE(host.Accept());
+    host.Send("x");
+    ASSERT_TRUE(Online());
+    OnWindowThread([&] { LookAtBar(pictures); });
+    Close();
+    ASSERT_TRUE(Offline());
+    OnWindowThread([&] { LookAtBar(pictures); });
+}
+
+void SwapBar(std::set<qint64>* pictures) {
+    OnWindowThread([&] {
+        SendMessageW(session.main_window, WM_COMMAND, IDM_TOOLBAR_FIRST, 0);
+        LookAtBar(pictures);
+    });
+}
+
+// Does it often, once everything that is made only once is made.
+void ExpectNothingStays(std::set<qint64>* pictures, const std::function<void()>& once) {
+    for (int i = 0; i < kWarmUp; i++) once();
+    const size_t before = Heap(), drawn = pictures->size();
+    for (int i = 0; i < kTimes; i++) once();
+    EXPECT_LE(Heap(), before + kTimes * kBytesEach);
+    EXPECT_EQ(pictures->size(), drawn);
+    EXPECT_LE(pictures->size(), kMostPictures);
+}
+
+TEST(ManySessions, LeaveNeitherMemoryNorPicturesBehind) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        OnWindowThread([] { ForgetScreenText(); });
+        SetHost(u"127.0.0.1", host.port);
+        std::set<qint64> pictures;
+        ExpectNothingStays(&pictures, [&] { HoldSession(host, &pictures); });
+    });
+}
+
+TEST(ManySwapsOfTheBar, LeaveNeitherMemoryNorPicturesBehind) {
+    RunProgram({}, [&] {
+        OnWindowThread([] { ForgetScreenText(); });
+        std::set<qint64> pictures;
+        ExpectNothingStays(&pictures, [&] { SwapBar(&pictures); });
+    });
+}
+
+}  // namespace

@@ -1,0 +1,164 @@
+// Lengths below zero are those of nothing: no procedure of crypto/ reads or writes for them.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+
+#include "crypto/blowfish.h"
+#include "crypto/crc32.h"
+#include "crypto/des.h"
+#include "crypto/hmac_sha1.h"
+#include "crypto/md5.h"
+#include "crypto/rsa.h"
+#include "crypto/sha512.h"
+#include "crypto_test_support.h"
+#include "text/byte_reader.h"
+
+namespace {
+
+const int kNegative[] = {-1, -7, -8, -20, -64, -100000, INT_MIN + 1, INT_MIN};
+
+TEST(NegativeLength, IsAnEmptyMessageOfEveryHash) {
+    uint8_t digest[kSha512Size], empty[kSha512Size];
+    Sha1(nullptr, 0, empty);
+    for (int length : kNegative) {
+        Sha1(nullptr, length, digest);
+        EXPECT_EQ(ToHex(digest, kSha1Size), ToHex(empty, kSha1Size)) << length;
+    }
+    Sha512(nullptr, 0, empty);
+    for (int length : kNegative) {
+        Sha512(nullptr, length, digest);
+        EXPECT_EQ(ToHex(digest, kSha512Size), ToHex(empty, kSha512Size)) << length;
+    }
+}
+
+// In the midst of a message, with bytes waiting for the rest of their block.
+TEST(NegativeLength, LeavesAHashWhereItIs) {
+    const ByteString message = RandomBytes(100);
+    for (int length : kNegative) {
+        Sha1Context sha1;
+        Md5Context md5;
+        Sha512Context sha512;
+        Sha1Init(&sha1);
+        Md5Init(&md5);
+        Sha512Init(&sha512);
+        Sha1Update(&sha1, message.data(), 100);
+        Md5Update(&md5, message.data(), 100);
+        Sha512Update(&sha512, message.data(), 100);
+        const Sha1Context sha1_before = sha1;
+        const Md5Context md5_before = md5;
+        const Sha512Context sha512_before = sha512;
+        Sha1Update(&sha1, nullptr, length);
+        Md5Update(&md5, nullptr, length);
+        Sha512Update(&sha512, nullptr, length);
+        EXPECT_EQ(memcmp(&sha1, &sha1_before, sizeof(sha1)), 0) << length;
+        EXPECT_EQ(memcmp(&md5, &md5_before, sizeof(md5)), 0) << length;
+        EXPECT_EQ(memcmp(&sha512, &sha512_before, sizeof(sha512)), 0) << length;
+    }
+}
+
+TEST(NegativeLength, OfAStringIsHashedAsZero) {
+    uint8_t digest[kSha1Size], empty[kSha1Size];
+    Sha1(reinterpret_cast<const uint8_t*>("\0\0\0\0"), 4, empty);
+    for (int length : kNegative) {
+        Sha1Context context;
+        Sha1Init(&context);
+        Sha1UpdateString(&context, nullptr, length);
+        Sha1Final(&context, digest);
+        EXPECT_EQ(ToHex(digest, kSha1Size), ToHex(empty, kSha1Size)) << length;
+    }
+}
+
+TEST(NegativeLength, OfAKeyOrAMessageIsAnEmptyOneForAMac) {
+    const ByteString message = RandomBytes(50), key = RandomBytes(20);
+    uint8_t mac[kSha1Size], without_key[kSha1Size], without_message[kSha1Size];
+    HmacSha1(nullptr, 0, message.data(), 50, without_key);
+    HmacSha1(key.data(), 20, nullptr, 0, without_message);
+    for (int length : kNegative) {
+        HmacSha1(nullptr, length, message.data(), 50, mac);
+        EXPECT_EQ(ToHex(mac, kSha1Size), ToHex(without_key, kSha1Size)) << length;
+        HmacSha1(key.data(), 20, nullptr, length, mac);
+        EXPECT_EQ(ToHex(mac, kSha1Size), ToHex(without_message, kSha1Size)) << length;
+    }
+}
+
+TEST(NegativeLength, HasAChecksumOfZero) {
+    for (int length : kNegative) EXPECT_EQ(Crc32(nullptr, length), 0u) << length;
+}
+
+TEST(NegativeLength, MakesNoNumber) {
+    const uint8_t bytes[4] = {0, 8, 1, 2};
+    uint8_t room[4] = {9, 9, 9, 9};
+    for (int length : kNegative) {
+        EXPECT_EQ(BignumFromBytes(bytes, length), nullptr) << length;
+        EXPECT_EQ(BignumFromSsh1Bytes(bytes, length), nullptr) << length;
+        EXPECT_EQ(BignumNew(length), nullptr) << length;
+        BignumToBytes(room + 2, length, BignumOne);
+        EXPECT_EQ(ToHex(room, 4), "09090909") << length;
+    }
+}
+
+TEST(NegativeLength, HoldsNoField) {
+    const uint8_t bytes[8] = {};
+    for (int length : kNegative) {
+        ByteReader reader = ReaderOf(bytes, length);
+        const uint8_t* field;
+        uint32_t number;
+        uint8_t byte;
+        int size;
+        EXPECT_EQ(reader.left, 0) << length;
+        EXPECT_FALSE(TakeByte(&reader, &byte)) << length;
+        EXPECT_FALSE(TakeUint32(&reader, &number)) << length;
+        EXPECT_FALSE(TakeString(&reader, &field, &size)) << length;
+        EXPECT_TRUE(TakeBytes(&reader, 0, &field)) << length;
+        EXPECT_EQ(reader.next, bytes) << length;
+        reader = ReaderOf(bytes, 8);
+        EXPECT_FALSE(TakeBytes(&reader, static_cast<uint32_t>(length), &field)) << length;
+        EXPECT_EQ(reader.left, 8) << length;
+    }
+}
+
+TEST(NegativeLength, SchedulesNoKey) {
+    static BlowfishContext context, before;
+    BlowfishSetKey(&before, reinterpret_cast<const uint8_t*>("key"), 3);
+    context = before;
+    for (int length : kNegative) {
+        BlowfishSetKey(&context, nullptr, length);
+        EXPECT_EQ(memcmp(&context, &before, sizeof(context)), 0) << length;
+    }
+}
+
+TEST(NegativeLength, ChangesNoBlockAndNoChain) {
+    static BlowfishContext blowfish, blowfish_before;
+    static DesContext des[3], des_before[3];
+    blowfish.iv[0] = des[0].encryptIv[1] = des[0].decryptIv[0] = 5;
+    blowfish_before = blowfish;
+    memcpy(des_before, des, sizeof(des));
+    for (int length : kNegative) {
+        BlowfishCbcEncrypt(nullptr, nullptr, length, &blowfish);
+        BlowfishCbcDecrypt(nullptr, nullptr, length, &blowfish);
+        BlowfishLittleCbcEncrypt(nullptr, nullptr, length, &blowfish);
+        BlowfishLittleCbcDecrypt(nullptr, nullptr, length, &blowfish);
+        DesCbcEncrypt(nullptr, nullptr, length, des);
+        DesCbcDecrypt(nullptr, nullptr, length, des);
+        TripleDesCbcEncrypt(nullptr, nullptr, length, des);
+        TripleDesCbcDecrypt(nullptr, nullptr, length, des);
+        TripleDesPassesEncrypt(nullptr, nullptr, length, des);
+        TripleDesPassesDecrypt(nullptr, nullptr, length, des);
+        EXPECT_EQ(memcmp(&blowfish, &blowfish_before, sizeof(blowfish)), 0) << length;
+        EXPECT_EQ(memcmp(des, des_before, sizeof(des)), 0) << length;
+    }
+}
+
+TEST(NegativeLength, IsNotEncrypted) {
+    const Number modulus = RandomNumber(512, 0), exponent(BignumFromUint32(3));
+    const RsaKey key = {512, 64, modulus.get(), exponent.get()};
+    ByteString buffer = RandomBytes(64);
+    const ByteString before = buffer;
+    for (int length : kNegative) {
+        EXPECT_FALSE(RsaEncrypt(buffer.data(), length, &key)) << length;
+        EXPECT_EQ(ToHex(buffer), ToHex(before)) << length;
+    }
+}
+
+}  // namespace

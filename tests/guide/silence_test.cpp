@@ -1,0 +1,240 @@
+// Hosts that send nonsense, UTF-8 or binary files: what docs/hosts.md advises brings the session
+// back, and the program is not started anew.
+#include <gtest/gtest.h>
+#include <fstream>
+#include <QThread>
+#include <random>
+
+#include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "tests/dialogs/dialog_person.h"
+#include "tests/guide/host_page.h"
+#include "tests/guide/host_steps.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+#include "ui/view/clipboard.h"
+
+namespace {
+
+struct Nonsense {
+    const char* name;
+    std::string bytes;
+};
+
+std::string RandomBytes(unsigned seed) {
+    std::mt19937 generator(seed);
+    std::string bytes;
+    for (int i = 0; i < 3000; ++i) bytes += static_cast<char>(generator() & 0xff);
+    return bytes;
+}
+
+std::string BinaryFile() {
+    std::ifstream file("/bin/ls", std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return bytes.substr(0, 40000);
+}
+
+const char kUtf8[] =
+    "Gr\xC3\xBC\xC3\x9F"
+    "e \xC3\x84rger \xC3\x8Dsland \xC4\x9B\xC5\x9B "
+    "\xE2\x94\x8C\xE2\x94\x80\xE2\x94\x90 \xD0\x90\xD0\x91 \xE2\x80\x9Equoted\xE2\x80\x9C\n";
+
+const std::vector<Nonsense>& AllNonsense() {
+    static const std::vector<Nonsense> all = {
+        {"random1", RandomBytes(1)},
+        {"random2", RandomBytes(2)},
+        {"random3", RandomBytes(3)},
+        {"random4", RandomBytes(4)},
+        {"binary", BinaryFile()},
+        {"utf8", kUtf8},
+        {"string", "\x1bPsilence"},
+        {"string8", "\x90silence"},
+        {"negotiation", "\xff\xfa\x18silence"},
+        {"drawing", "\x0e\x1b)0\x1b(0"},
+        {"modes", "\x1b[4h\x1b[20h\x1b[12l\x1b[?6h\x1b[?7l\x1b[?25l\x1b[?1h\x1b[5;8r"},
+        {"vt52", "\x1b[?2l"},
+        {"replies", "\x1b G\x1b[c\x1b[5n\x05\x1b[x"},
+        {"lines", "\x1b#6\x1b#8\x1b[10p\x1b[1s\x1b[7;5m\x1b[1\"q"},
+        {"below", "\x1b[1;5r\x1b[24;1H\n\n\n\n\n\n\n\n"},
+    };
+    return all;
+}
+
+void PutNonsense(const Machine& machine) {
+    for (const Nonsense& nonsense : AllNonsense()) machine.Put(nonsense.name, nonsense.bytes);
+}
+
+// As a connect leaves them.
+void ExpectModesOfANewSession() {
+    OnWindowThread([] {
+        const TerminalModes& modes = session.modes;
+        EXPECT_EQ(modes.insert_mode, 0u);
+        EXPECT_EQ(modes.autowrap, 1u);
+        EXPECT_EQ(modes.origin_mode, 0u);
+        EXPECT_EQ(modes.newline_mode, 0u);
+        EXPECT_EQ(modes.localecho, 0u);
+        EXPECT_EQ(modes.cursor_visible, 1u);
+        EXPECT_EQ(modes.vt52_mode, 0u);
+        EXPECT_EQ(modes.c1_replies, 0u);
+        EXPECT_EQ(modes.g0_set, 0);
+        EXPECT_EQ(modes.g1_set, 0);
+        EXPECT_EQ(modes.graphic_active, 0);
+        EXPECT_EQ(session.screen.top_margin, 1);
+        EXPECT_EQ(session.screen.bottom_margin, 24);
+        EXPECT_EQ(session.screen.current_attr, 0);
+    });
+}
+
+// As a person sees that the host has said all: nothing changes any more.
+void AwaitRest() {
+    std::string before;
+    for (int same = 0; same < 15; ++same) {
+        QThread::msleep(10);
+        std::string now;
+        OnWindowThread([&] {
+            now = TerminalText() + std::to_string(session.parser.parser_state) + ',' +
+                  std::to_string(session.screen.cursor_row * 100 + session.screen.cursor_col) +
+                  ',' + std::to_string(session.telnet.subneg_count);
+        });
+        if (now != before) same = 0;
+        before = now;
+    }
+}
+
+// A shell that is interrupted loses what comes in the same moment, which a person does not type.
+void PressCtrlC() {
+    TypeText("\003");
+    QThread::msleep(200);
+}
+
+// Shows each file, does as the page says without looking at the screen, and works on.
+void ExpectSessionBack(const Machine& machine, const std::function<void()>& repair) {
+    for (const Nonsense& nonsense : AllNonsense()) {
+        SCOPED_TRACE(nonsense.name);
+        const std::string shown = std::string(nonsense.name) + ".shown";
+        TypeText(std::string("cat /var/log/") + nonsense.name + "; : >/var/log/" + shown + "\n");
+        ASSERT_TRUE(Eventually([&] { return machine.Has(shown); }));
+        AwaitRest();
+        bool back = false;
+        for (int tries = 0; tries < 3 && !back; ++tries) {
+            repair();
+            back = Eventually([] { return TerminalRow(1) == "$"; }, 3000);
+        }
+        ASSERT_TRUE(back) << TerminalText();
+        AwaitRest();
+        TypeText("\025");  // Ctrl+U: the terminal's answers to what was shown
+        RunAtPrompt("echo still $((40 + 2))", "still 42");
+        ExpectModesOfANewSession();
+        if (testing::Test::HasFailure()) return;
+    }
+}
+
+void PressCtrlCAndTypeTheLine() {
+    PressCtrlC();
+    TypeText(Recipe("repair"));
+}
+
+TEST(Silence, LineTypedBlindBringsATelnetSessionBack) {
+    const Host host = InetdHost();
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    PutNonsense(machine);
+    WithTelnetSession(host, "", [&] { ExpectSessionBack(machine, PressCtrlCAndTypeTheLine); });
+}
+
+TEST(Silence, LineTypedBlindBringsAnSshSessionBack) {
+    const Host host = SshHost();
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    PutNonsense(machine);
+    WithSshSession(host, "", [&] { ExpectSessionBack(machine, PressCtrlCAndTypeTheLine); });
+}
+
+TEST(Silence, OneKeyBringsASessionBack) {
+    const Host host = SshHost();
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    PutNonsense(machine);
+    WithSshSession(host, Recipe("repair-key"), [&] {
+        PasteAtPrompt(Recipe("profile"));
+        TypeText(". ~/.profile\n");
+        ExpectSessionBack(machine, [] {
+            PressCtrlC();
+            PressKey(Qt::Key_F9, Qt::ShiftModifier);
+        });
+    });
+}
+
+TEST(Silence, ResetOfTheEntryBringsASessionBack) {
+    const Host host = SshHost();
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    machine.Put("silence", "\x1bPsilence");
+    WithSshSession(host, "", [] {
+        TypeText("cat /var/log/silence\nreset\n");
+        RunAtPrompt("echo still $((40 + 2))", "still 42");
+    });
+}
+
+// ---------------------------------------------------------------- without a prompt
+
+// By the menu, as the page says.
+void ConnectByTheMenu() {
+    const HWND dialog = OpenDialog(IDM_CONNECT, "Connect");
+    ClickControl(dialog, IDOK);
+    ASSERT_TRUE(Closed(dialog));
+}
+
+TEST(Silence, DisconnectAndConnectBeginAnew) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\x1b[?25l\x1b[4;20h\x1b(0\x1b[3;9r\x1b[7;9H\x1bPsilence");
+        ASSERT_TRUE(Eventually([] { return session.parser.parser_state == 7; }));
+        PostToMain(WM_COMMAND, IDM_CONNECT);
+        ASSERT_TRUE(Offline());
+        ConnectByTheMenu();
+        ASSERT_TRUE(host.Accept());
+        host.Send("hello again");
+        EXPECT_TRUE(TerminalShows("hello again")) << TerminalText();
+        EXPECT_EQ(TerminalRow(1), "hello again");
+        ExpectModesOfANewSession();
+    });
+}
+
+TEST(Silence, NegotiationThatWasNoneOutlivesTheSessionUntilTheByte240) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\xff\xfa\x18silence");
+        ASSERT_TRUE(Eventually([] { return session.telnet.in_subneg == 1; }));
+        PostToMain(WM_COMMAND, IDM_CONNECT);
+        ASSERT_TRUE(Offline());
+        ConnectByTheMenu();
+        ASSERT_TRUE(host.Accept());
+        host.Send("login: ");
+        ASSERT_TRUE(Online());
+        host.Send("\xf0$ ");
+        EXPECT_TRUE(TerminalShows("$")) << TerminalText();
+        EXPECT_EQ(TerminalRow(1), "$") << "what came before is gone";
+    });
+}
+
+// Ctrl+C has a Telnet server send a data mark, and the byte after it counts as a subnegotiation's.
+TEST(Silence, DataMarkAfterSuchANegotiationBeginsAnotherUnlessNegotiationIsShown) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send(
+            "\xff\xfa\x18silence\xf0"
+            "back \xff\xf2"
+            "A silent");
+        ASSERT_TRUE(Eventually([] { return session.telnet.in_subneg == 1; }));
+        EXPECT_TRUE(TerminalShows("back")) << TerminalText();
+        OnWindowThread([] { session.settings.nego = 1; });
+        host.Send(
+            "\xf0\xff\xf2"
+            "shown");
+        EXPECT_TRUE(TerminalShows("shown")) << TerminalText();
+        OnWindowThread([] { EXPECT_EQ(session.telnet.in_subneg, 0u); });
+    });
+}
+
+}  // namespace

@@ -1,0 +1,42 @@
+// The terminal's screen as the manual page of a capability speaks of it: cells, cursor and region.
+// A test computes from the manual what a picture becomes, and compares it with the terminal's.
+#ifndef QUILL_TESTS_HOSTS_PICTURE_H
+#define QUILL_TESTS_HOSTS_PICTURE_H
+
+#include <string>
+
+#include "session/session_state.h"
+#include "tests/hosts/feed.h"
+
+struct Picture {
+    DWORD cells[kScreenRows + 1][kScreenColumns + 1];  // [row][column], from 1
+    int width[kScreenRows + 1];                        // columns that are shown: 80 or 40
+    int row, col;
+    int top, bottom;
+};
+
+// In a picture that the manual gives: a blank whose attributes it leaves open.
+inline constexpr DWORD kAnyBlank = 0x80000000 | ' ';
+
+// How a capability finds the terminal: text in every cell, the cursor, the region, the pen, and
+// whether its row is of double width or column 80 was just written.
+struct Start {
+    int row, col;
+    int top, bottom;
+    WORD pen;
+    bool double_width;
+    bool after_last_column;
+};
+
+// A terminal in use for a while: its ring has turned, every cell holds a character with some
+// attributes. The right half of a row of double width is blank.
+void SetUp(const Start& start);
+
+Picture TakePicture();
+
+// The first difference in words, or an empty text. The cursor is compared if `with_cursor`.
+std::string Difference(const Picture& wanted, const Picture& found, bool with_cursor);
+
+std::string Describe(const Start& start);
+
+#endif

@@ -1,0 +1,70 @@
+// The proof of a terminfo entry: each capability is expanded, fed to the terminal, and compared
+// with what terminfo(5) says of it, from every start that the manual defines.
+#ifndef QUILL_TESTS_HOSTS_PROOF_H
+#define QUILL_TESTS_HOSTS_PROOF_H
+
+#include <string>
+#include <vector>
+
+#include "tests/hosts/terminfo_entry.h"
+
+// What goes wrong where a promise is not kept.
+enum class Loss {
+    kScreen,  // text or cursor is in the wrong place
+    kLook,    // something is not shown: a colour, a glyph, a status line
+    kReset,   // a state that the entry's reset leaves
+    kKey,     // a key sends something else
+};
+
+struct Finding {
+    std::string capability;
+    Loss loss;
+    std::string message;
+};
+
+// Every promise that the terminal does not keep; none for a true entry. At most one of a
+// capability.
+std::vector<Finding> ProveEntry(const TerminfoEntry& entry);
+
+// One capability of the entry: a flag, a number, a string or a key.
+std::vector<Finding> ProveCapability(const TerminfoEntry& entry, const std::string& capability);
+
+// All that an entry promises, also by a flag's absence ("no am").
+std::vector<std::string> PromisesOf(const TerminfoEntry& entry);
+
+const char* LossName(Loss loss);
+
+// ---------------------------------------------------------------- the parts of the proof
+
+// The message of a broken promise, empty if it is kept.
+typedef std::string (*Check)(const TerminfoEntry& entry);
+
+struct CheckRow {
+    const char* capability;
+    Loss loss;
+    Check check;
+};
+
+// effects.cpp: strings that change cells or move the cursor. False for a string that is not theirs.
+bool CheckEffect(const TerminfoEntry& entry, const std::string& capability, std::string* message);
+
+// looks.cpp: attributes, character sets, modes and resets. Null for a string that is not theirs.
+const CheckRow* FindLookCheck(const std::string& capability);
+// A mode that the entry's initialising (tput init) leaves on; empty if it leaves nothing, prints
+// nothing and does not move the cursor.
+std::string LeftByInitialising(const TerminfoEntry& entry);
+
+// flags.cpp: flags, absent flags ("no am") and numbers. Null for one that promises nothing.
+const CheckRow* FindFlagCheck(const std::string& capability);
+
+// keys.cpp: what a key sends. Null for a key that the terminal has not.
+struct KeyRow {
+    const char* capability;
+    int row;  // of the key table
+};
+const KeyRow* FindKey(const std::string& capability);
+std::vector<std::string> KeyCapabilities();
+std::string KeyName(const KeyRow& key);
+std::string SentByDefault(const KeyRow& key);
+
+#endif

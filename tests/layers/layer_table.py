@@ -1,0 +1,36 @@
+"""The table of tests/layers.txt, for the scripts beside this file."""
+import pathlib
+
+TOP = pathlib.Path(__file__).resolve().parents[2]
+TABLE = TOP / "tests" / "layers.txt"
+
+
+class Layer:
+    def __init__(self, name, folder, platform, below):
+        self.name = name
+        self.folder = folder
+        self.platform = platform
+        self.below = [] if below == ["-"] else below
+
+    def files(self, *suffixes):
+        """The layer's sources; those of a folder below it that is another layer's are not."""
+        return sorted(p for p in (TOP / self.folder).iterdir() if p.suffix in suffixes)
+
+
+def rows(word=None):
+    """The rows of the table that begin with `word`, or those of the layers."""
+    for line in TABLE.read_text().splitlines():
+        fields = line.split()
+        if not fields or line.startswith("#"):
+            continue
+        if (fields[0] == word) if word else (fields[0] != "circle"):
+            yield fields
+
+
+def layers():
+    return {row[0]: Layer(row[0], row[1], row[2], row[3:]) for row in rows()}
+
+
+def circles():
+    """The circles of calls that are let be, as sets of layer/file."""
+    return [frozenset(row[1:]) for row in rows("circle")]

@@ -1,0 +1,42 @@
+// The bounds-checked reader.
+#include "text/byte_reader.h"
+
+#include "text/byte_order.h"
+
+ByteReader ReaderOf(const uint8_t* bytes, int count) { return {bytes, count > 0 ? count : 0}; }
+
+bool TakeBytes(ByteReader* reader, uint32_t count, const uint8_t** bytes) {
+    *bytes = nullptr;
+    if (count > static_cast<uint32_t>(reader->left)) return false;
+    *bytes = reader->next;
+    reader->next += count;
+    reader->left -= static_cast<int>(count);
+    return true;
+}
+
+bool TakeByte(ByteReader* reader, uint8_t* value) {
+    const uint8_t* bytes;
+    *value = 0;
+    if (!TakeBytes(reader, 1, &bytes)) return false;
+    *value = *bytes;
+    return true;
+}
+
+bool TakeUint32(ByteReader* reader, uint32_t* value) {
+    const uint8_t* bytes;
+    *value = 0;
+    if (!TakeBytes(reader, 4, &bytes)) return false;
+    *value = LoadBig<uint32_t>(bytes);
+    return true;
+}
+
+bool TakeString(ByteReader* reader, const uint8_t** bytes, int* length) {
+    ByteReader ahead = *reader;
+    uint32_t count;
+    *bytes = nullptr;
+    *length = 0;
+    if (!TakeUint32(&ahead, &count) || !TakeBytes(&ahead, count, bytes)) return false;
+    *length = static_cast<int>(count);
+    *reader = ahead;
+    return true;
+}

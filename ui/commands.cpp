@@ -1,0 +1,142 @@
+// The command table.
+#include "ui/commands.h"
+
+#include "connection/connection.h"
+#include "connection/dialling.h"
+#include "resources/resource_ids.h"
+#include "session/message_boxes.h"
+#include "session/session_state.h"
+#include "settings/settings.h"
+#include "ui/dialogs/dialogs.h"
+#include "ui/toolbar_commands.h"
+#include "ui/view/clipboard.h"
+#include "ui/view/input_panel.h"
+#include "ui/view/keys.h"
+#include "ui/view/terminal_font.h"
+#include "ui/view/view.h"
+
+namespace {
+
+bool MayEnd(LPCWSTR question) {
+    return !(session.settings.confirm_exit == 1 && Connected()) || Agreed(question);
+}
+
+void ConnectOrDisconnect(WORD) {
+    if (session.dialling) {
+        HangUpDial();
+    } else if (Connected()) {
+        if (MayEnd(TEXT("Do you really want to close this session"))) SessionClose();
+    } else if (session.connect_pending) {
+        if (Agreed(TEXT("I am busy making a connection. Do you want to cancel the request")))
+            SessionClose();
+    } else {
+        ShowConnectDialog();
+    }
+}
+
+void Exit(WORD) {
+    if (!MayEnd(TEXT("Do you really want to close this program"))) return;
+    HangUpDial();
+    DestroyWindow(session.main_window);
+}
+
+void ResetConfiguration(WORD) {
+    if (!Agreed(TEXT("Do you really want to reset the configuration"))) return;
+    if (!Agreed(TEXT("Are you sure!"))) return;
+    ResetSettings();
+    MessageBoxW(session.main_window, TEXT("Program will exit to complete the reset"),
+                TEXT("Information"), MB_OK | MB_ICONINFORMATION);
+    LeaveSettingsUnsaved();
+    DestroyWindow(session.main_window);
+}
+
+void Larger(WORD) {
+    LargerFont();
+    RecountCoveredRows();
+    RepaintTerminal();
+}
+
+void Smaller(WORD) {
+    if (session.settings.fsize < 2) return;
+    SmallerFont();
+    RecountCoveredRows();
+    RepaintTerminal();
+}
+
+void FunctionKey(WORD id) { SendVirtualKey(VK_F1 + (id - IDM_F1)); }
+
+template <int kVirtualKey>
+void NamedKey(WORD) {
+    SendVirtualKey(kVirtualKey);
+}
+
+struct CommandRow {
+    WORD first;
+    WORD last;
+    void (*run)(WORD id);
+};
+
+// clang-format off
+const CommandRow kCommands[] = {
+    {IDM_CONNECT,       IDM_CONNECT,       ConnectOrDisconnect},
+    {IDM_FONT,          IDM_FONT,          [](WORD) { ShowFontDialog(); }},
+    {IDM_PROPERTIES,    IDM_PROPERTIES,    [](WORD) { ShowPropertiesSheet(); }},
+    {IDM_AUTO_LOGIN,    IDM_AUTO_LOGIN,    [](WORD) { ShowAutoLoginDialog(); }},
+    {IDM_EXIT,          IDM_EXIT,          Exit},
+    {IDM_COPY,          IDM_COPY,          [](WORD) { CopySelection(); }},
+    {IDM_PASTE,         IDM_PASTE,         [](WORD) { PasteClipboard(); }},
+    {IDM_RESET,         IDM_RESET,         ResetConfiguration},
+    {IDM_COLOR_BG,      IDM_COLOR_BG,      [](WORD) { ChooseBackgroundColor(); }},
+    {IDM_COLOR_CURSOR,  IDM_COLOR_CURSOR,  [](WORD) { ChooseCursorColor(); }},
+    {IDM_COLOR_TEXT,    IDM_COLOR_TEXT,    [](WORD) { ChooseTextColor(); }},
+    {IDM_COLOR_BOLD,    IDM_COLOR_BOLD,    [](WORD) { ChooseBoldColor(); }},
+    {IDM_ABOUT,         IDM_ABOUT,         [](WORD) { ShowAboutDialog(); }},
+    {IDM_HELP,          IDM_HELP,          [](WORD) { ShowHelp(); }},
+    {IDM_F1,            IDM_F20,           FunctionKey},
+    {IDM_KEY_ENTER,     IDM_KEY_ENTER,     NamedKey<VK_RETURN>},
+    {IDM_KEY_ESC,       IDM_KEY_ESC,       NamedKey<VK_ESCAPE>},
+    {IDM_KEY_UP,        IDM_KEY_UP,        NamedKey<VK_UP>},
+    {IDM_KEY_DOWN,      IDM_KEY_DOWN,      NamedKey<VK_DOWN>},
+    {IDM_KEY_LEFT,      IDM_KEY_LEFT,      NamedKey<VK_LEFT>},
+    {IDM_KEY_RIGHT,     IDM_KEY_RIGHT,     NamedKey<VK_RIGHT>},
+    {IDM_KEY_PAGE_UP,   IDM_KEY_PAGE_UP,   NamedKey<VK_PRIOR>},
+    {IDM_KEY_PAGE_DOWN, IDM_KEY_PAGE_DOWN, NamedKey<VK_NEXT>},
+    {IDM_LARGER_FONT,   IDM_LARGER_FONT,   Larger},
+    {IDM_SMALLER_FONT,  IDM_SMALLER_FONT,  Smaller},
+    {IDM_TOOLBAR_FIRST, IDM_TOOLBAR_LAST,  RunToolbarCommand},
+};
+// clang-format on
+
+}  // namespace
+
+void RunCommand(WORD id) {
+    for (const CommandRow& row : kCommands)
+        if (id >= row.first && id <= row.last) return row.run(id);
+}
+
+void ShowHelp() {
+    WCHAR page[] = TEXT("telnet.htm");
+    PROCESS_INFORMATION viewer = {};
+    if (!CreateProcessW(TEXT("PegHelp.exe"), page, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                        nullptr, &viewer))
+        return;
+    if (viewer.hProcess) CloseHandle(viewer.hProcess);
+    if (viewer.hThread) CloseHandle(viewer.hThread);
+}
+
+void ExitProgram() { Exit(IDM_EXIT); }
+
+void CloseByMinimising() {
+    if (session.settings.xbox != 1) return;
+    if (session.settings.confirm_exit == 1 && Connected()) {
+        SetForegroundWindow(session.main_window);
+        if (!Agreed(TEXT("Do you really want to close Quill Telnet"))) return;
+    }
+    HangUpDial();
+    PostQuitMessage(0);
+}
+
+void KeepDeviceAwake() {
+    if (!Connected() || session.settings.alive != 1) return;
+    keybd_event(VK_F24, 0, KEYEVENTF_KEYUP | KEYEVENTF_SILENT, 0);
+}

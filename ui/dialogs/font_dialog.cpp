@@ -1,0 +1,75 @@
+// "Font": the terminal's face, bold and italic.
+#include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "ui/dialogs/dialog_tools.h"
+#include "ui/dialogs/dialogs.h"
+#include "ui/view/terminal_font.h"
+#include "ui/view/view.h"
+
+namespace {
+
+Settings& s = session.settings;
+
+const MarkRow kMarks[] = {
+    {IDC_FONT_BOLD, &s.font_bold},
+    {IDC_FONT_ITALIC, &s.font_italic},
+    {0, nullptr},
+};
+
+LRESULT AskList(HWND dialog, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
+    return SendDlgItemMessageW(dialog, IDC_FONTS, message, wparam, lparam);
+}
+
+// Each entry of the list carries its face's position in session.view.faces.
+void ShowFaces(HWND dialog) {
+    WPARAM selected = 0;
+    for (int i = 0; i < session.view.face_count; i++) {
+        LPCWSTR name = session.view.faces[i].font.lfFaceName;
+        const LRESULT at = AskList(dialog, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name));
+        if (at < 0) continue;  // no memory
+        AskList(dialog, LB_SETITEMDATA, static_cast<WPARAM>(at), i);
+        if (lstrcmpW(name, s.fname) == 0) selected = static_cast<WPARAM>(at);
+    }
+    AskList(dialog, LB_SETCURSEL, selected);
+    FitListWidth(dialog, IDC_FONTS);
+}
+
+void OnOpen(HWND dialog) {
+    ShowFaces(dialog);
+    ShowMarks(dialog, kMarks);
+    CentreDialog(dialog);
+}
+
+void TakeFace(HWND dialog) {
+    const LRESULT selected = AskList(dialog, LB_GETCURSEL);
+    session.dialog_result = static_cast<int>(selected);
+    if (selected < 0) return;
+    const LRESULT face = AskList(dialog, LB_GETITEMDATA, static_cast<WPARAM>(selected));
+    lstrcpynW(s.fname, session.view.faces[face].font.lfFaceName, kSettingUnits);
+}
+
+void OnOk(HWND dialog) {
+    TakeMarks(dialog, kMarks);
+    TakeFace(dialog);
+    EndDialog(dialog, IDOK);
+}
+
+const DialogCommand kCommands[] = {
+    {IDOK, BN_CLICKED, OnOk},
+    {IDCANCEL, BN_CLICKED, CancelDialog},
+    {0, 0, nullptr},
+};
+
+INT_PTR CALLBACK FontDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+    return RunDialogMessage(dialog, message, wparam, OnOpen, kCommands);
+}
+
+}  // namespace
+
+void ShowFontDialog() {
+    RunDialog(IDD_FONT, FontDialogProc);
+    CreateTerminalFont();
+    LayoutTerminal();
+    SettingsChanged();
+    SaveIfEnabled();
+}

@@ -1,0 +1,83 @@
+// The page "Other" of the Properties sheet.
+#include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "ui/dialogs/dialog_tools.h"
+#include "ui/dialogs/property_pages.h"
+#include "ui/view/status_bar.h"
+#include "ui/view/terminal_font.h"
+#include "ui/view/view.h"
+
+namespace {
+
+Settings& s = session.settings;
+
+const TextRow kTexts[] = {
+    {IDC_TERMTYPE, s.termtype, kSettingUnits},
+    {IDC_RAS, s.ras, kSettingUnits},
+    {0, nullptr, 0},
+};
+
+const MarkRow kMarks[] = {
+    {IDC_HIDESTATUS, &s.hidestatus},
+    {IDC_FOLLOWCURSOR, &s.followcursor},
+    {IDC_BELL, &s.bell},
+    {IDC_NEGO, &s.nego},
+    {IDC_HOTSPOT, &s.hotspot},
+    {IDC_ALIVE, &s.alive},
+    {0, nullptr},
+};
+
+void OnOpen(HWND page) {
+    ShowTexts(page, kTexts);
+    ShowMarks(page, kMarks);
+}
+
+// One step up and one down fit the terminal to its new room. Where sizes share a cell height the
+// steps do not meet again; the size is then put back.
+void RefitTerminal() {
+    const DWORD size = s.fsize;
+    LargerFont();
+    RepaintTerminal();
+    SmallerFont();
+    RepaintTerminal();
+    if (s.fsize == size) return;
+    s.fsize = size;
+    CreateTerminalFont();
+    LayoutTerminal();
+}
+
+void ShowOrHideStatusBar() {
+    RebuildStatusBar();
+    RefitTerminal();
+    UpdateStatus();
+}
+
+// The boxes are not automatic: the mark and the setting are each turned from what it was.
+bool TurnMark(HWND page, int id) {
+    for (const MarkRow* row = kMarks; row->id; row++) {
+        if (row->id != id) continue;
+        const bool marked = IsDlgButtonChecked(page, id) == BST_CHECKED;
+        CheckDlgButton(page, id, marked ? BST_UNCHECKED : BST_CHECKED);
+        *row->field = !*row->field;
+        if (id == IDC_HIDESTATUS) ShowOrHideStatusBar();
+        return true;
+    }
+    return false;
+}
+
+bool OnNotify(HWND page, LPARAM lparam) {
+    if (reinterpret_cast<const NMHDR*>(lparam)->code != PSN_KILLACTIVE) return false;
+    TakeTexts(page, kTexts);
+    SetWindowLongPtrW(page, DWLP_MSGRESULT, FALSE);  // the page may be left
+    return true;
+}
+
+}  // namespace
+
+INT_PTR CALLBACK OtherPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_INITDIALOG) return OnOpen(page), TRUE;
+    if (message == WM_COMMAND && HIWORD(wparam) == BN_CLICKED)
+        return TurnMark(page, LOWORD(wparam)) ? TRUE : FALSE;
+    if (message == WM_NOTIFY) return OnNotify(page, lparam) ? TRUE : FALSE;
+    return FALSE;
+}

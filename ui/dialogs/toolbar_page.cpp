@@ -1,0 +1,77 @@
+// The lists of the three toolbars.
+#include "ui/dialogs/toolbar_page.h"
+
+#include "resources/resource_ids.h"
+#include "settings/toolbars.h"
+#include "text/ansi_text.h"
+#include "ui/dialogs/dialog_tools.h"
+
+namespace {
+
+constexpr int kLineUnits = 32;
+constexpr LPCWSTR kOnBar = TEXT("v ");
+constexpr LPCWSTR kOffBar = TEXT("  ");
+
+struct BarList {
+    int id;
+    DWORD ToolbarButton::*on_bar;
+};
+
+const BarList kLists[] = {
+    {IDC_BAR1, &ToolbarButton::onBar1},
+    {IDC_BAR2, &ToolbarButton::onBar2},
+    {IDC_BAR3, &ToolbarButton::onBar3},
+};
+
+// `row` is within the table, `place` a row of the list or its end.
+void InsertLine(HWND page, const BarList& list, int row, int place) {
+    const ToolbarButton& button = toolbar_buttons[row];
+    WCHAR line[kLineUnits];
+    lstrcpyW(line, button.*list.on_bar ? kOnBar : kOffBar);
+    const int mark = lstrlenW(line);
+    WideFromAnsi(button.name, line + mark, kLineUnits - mark);
+    SendDlgItemMessageW(page, list.id, LB_INSERTSTRING, static_cast<WPARAM>(place),
+                        reinterpret_cast<LPARAM>(line));
+}
+
+void FillLists(HWND page) {
+    for (const BarList& list : kLists) {
+        for (int row = 0; toolbar_buttons[row].name; row++) InsertLine(page, list, row, row);
+        FitListWidth(page, list.id);
+    }
+}
+
+// What lies under the stylus stays there: a list that is a line shorter for a moment scrolls.
+void ReplaceLine(HWND page, const BarList& list, int row) {
+    const LRESULT top = SendDlgItemMessageW(page, list.id, LB_GETTOPINDEX, 0, 0);
+    SendDlgItemMessageW(page, list.id, LB_DELETESTRING, static_cast<WPARAM>(row), 0);
+    InsertLine(page, list, row, row);
+    SendDlgItemMessageW(page, list.id, LB_SETCURSEL, static_cast<WPARAM>(row), 0);
+    SendDlgItemMessageW(page, list.id, LB_SETTOPINDEX, static_cast<WPARAM>(top), 0);
+}
+
+void ToggleSelected(HWND page, const BarList& list) {
+    const LRESULT selected = SendDlgItemMessageW(page, list.id, LB_GETCURSEL, 0, 0);
+    if (selected < 0 || selected >= kToolbarRows) return;
+    const int row = static_cast<int>(selected);
+    DWORD& flag = toolbar_buttons[row].*list.on_bar;
+    flag = flag ? 0 : 1;
+    ReplaceLine(page, list, row);
+}
+
+void ToggleOnBar1(HWND page) { ToggleSelected(page, kLists[0]); }
+void ToggleOnBar2(HWND page) { ToggleSelected(page, kLists[1]); }
+void ToggleOnBar3(HWND page) { ToggleSelected(page, kLists[2]); }
+
+const DialogCommand kCommands[] = {
+    {IDC_BAR1, LBN_DBLCLK, ToggleOnBar1},
+    {IDC_BAR2, LBN_DBLCLK, ToggleOnBar2},
+    {IDC_BAR3, LBN_DBLCLK, ToggleOnBar3},
+    {0, 0, nullptr},
+};
+
+}  // namespace
+
+INT_PTR CALLBACK ToolbarPageProc(HWND page, UINT message, WPARAM wparam, LPARAM) {
+    return RunDialogMessage(page, message, wparam, FillLists, kCommands);
+}

@@ -1,0 +1,60 @@
+// Puts the buttons of a toolbar on the command bar.
+#include "ui/toolbar_buttons.h"
+
+#include "resources/resource_ids.h"
+#include "session/session_state.h"
+#include "settings/toolbars.h"
+#include "text/ansi_text.h"
+
+namespace {
+
+constexpr int kPictureSize = 16;  // pixels
+constexpr int kNoText = -1;       // beside a button's picture
+
+LPWSTR g_labels[kToolbarRows] = {};  // of the buttons that are shown, by position
+
+struct Face {
+    const char* label;
+    WORD bitmapId;
+};
+
+const Face kDisconnect = {"disconnect", IDB_DISCONNECT};
+
+Face FaceOf(const ToolbarButton& button) {
+    if (button.action == kActionConnect && Connected()) return kDisconnect;
+    return {button.name, button.bitmapId};
+}
+
+// Without memory the button has no label.
+void SetLabel(int position, const char* label) {
+    const int units = static_cast<int>(std::strlen(label)) + 1;
+    std::free(g_labels[position]);
+    g_labels[position] =
+        static_cast<LPWSTR>(std::calloc(static_cast<size_t>(units), sizeof(WCHAR)));
+    if (g_labels[position]) WideFromAnsi(label, g_labels[position], units);
+}
+
+BOOL AddButton(HWND commandBar, int position, WORD bitmapId) {
+    TBBUTTON button = {};
+    button.iBitmap =
+        CommandBar_AddBitmap(commandBar, session.instance, bitmapId, 1, kPictureSize, kPictureSize);
+    button.idCommand = IDM_TOOLBAR_FIRST + position;
+    button.fsState = TBSTATE_ENABLED;
+    button.fsStyle = TBSTYLE_BUTTON;
+    button.iString = kNoText;
+    return CommandBar_InsertButton(commandBar, position, &button);
+}
+
+}  // namespace
+
+int BuildToolbar(HWND commandBar, int barNumber, int maxButtons) {
+    int count = 0;
+    for (const ToolbarButton* row = toolbar_buttons; row->name && count < maxButtons; row++) {
+        if (!OnBar(*row, barNumber)) continue;
+        const Face face = FaceOf(*row);
+        if (!AddButton(commandBar, count, face.bitmapId)) break;
+        SetLabel(count++, face.label);
+    }
+    if (count > 0) CommandBar_AddToolTips(commandBar, static_cast<UINT>(count), g_labels);
+    return count;
+}

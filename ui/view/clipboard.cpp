@@ -1,0 +1,71 @@
+// Copy and paste.
+#include "ui/view/clipboard.h"
+
+#include <cstring>
+
+#include "session/session_send.h"
+#include "terminal/screen_buffer.h"
+#include "ui/view/selection.h"
+
+static const WCHAR kCarriageReturn = 13;
+static const WCHAR kLineFeed = 10;
+
+// A row takes at most 80 characters and its line end; the last one also the terminator.
+static const UINT kBytesARow = (kScreenColumns + 2) * sizeof(WCHAR);
+
+static WCHAR* CopyRow(int row, const ScreenArea& area, WCHAR* to) {
+    for (int col = area.first_col; col <= area.last_col; ++col) {
+        *to++ = static_cast<WCHAR>(GetCell(row, col) & 0xff);
+    }
+    *to++ = kCarriageReturn;
+    *to++ = kLineFeed;
+    return to;
+}
+
+// Other programs get the whole block, which may be larger than what was asked for, so that no byte
+// of it stays as the heap left it.
+static void CopyText(const ScreenArea& area, HLOCAL block) {
+    auto* to = static_cast<WCHAR*>(LocalLock(block));
+    memset(to, 0, LocalSize(block));
+    for (int row = area.first_row; row <= area.last_row; ++row) to = CopyRow(row, area, to);
+    LocalUnlock(block);
+}
+
+// The clipboard owns the block from then on; a block that it does not take is freed.
+static void HandToClipboard(HLOCAL block) {
+    const bool open = OpenClipboard(nullptr) != 0;
+    const bool taken = open && EmptyClipboard() && SetClipboardData(CF_UNICODETEXT, block);
+    if (open) CloseClipboard();
+    if (!taken) LocalFree(block);
+}
+
+void CopySelection() {
+    if (!session.screen.selection_active) return;
+    const ScreenArea area = SelectedArea();
+    const auto rows = static_cast<UINT>(area.last_row - area.first_row);
+    const HLOCAL block = LocalAlloc(LMEM_MOVEABLE, rows * kBytesARow + kBytesARow + sizeof(WCHAR));
+    if (!block) return;
+    CopyText(area, block);
+    HandToClipboard(block);
+    DropSelection();
+}
+
+// Another program's block need not be terminated.
+static void SendText(const WCHAR* text, size_t units) {
+    for (size_t i = 0; i < units && text[i]; ++i) {
+        const BYTE byte = static_cast<BYTE>(text[i]);
+        if (text[i] == kLineFeed) continue;
+        SessionSend(&byte, 1, static_cast<int>(session.telnet.escape_iac));
+    }
+}
+
+void PasteClipboard() {
+    if (!OpenClipboard(nullptr)) return;
+    const HLOCAL block = GetClipboardData(CF_UNICODETEXT);
+    const auto* text = block ? static_cast<const WCHAR*>(LocalLock(block)) : nullptr;
+    if (text) {
+        SendText(text, LocalSize(block) / sizeof(WCHAR));
+        LocalUnlock(block);
+    }
+    CloseClipboard();
+}

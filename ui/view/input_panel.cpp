@@ -1,0 +1,57 @@
+// What the shell's input panel leaves of the terminal.
+#include "ui/view/input_panel.h"
+
+#include <algorithm>
+
+#include "session/session_state.h"
+#include "ui/view/view.h"
+
+namespace {
+
+bool HorizontalBarShown() { return session.view.visible_columns < session.screen.columns; }
+
+// The panel covers the status bar and the horizontal scroll bar before it covers a row; a row that
+// it only touches counts.
+int CoveredRows(const RECT& panel) {
+    if (session.view.cell_height < 1) return 0;
+    int height = panel.bottom - panel.top - session.status_height;
+    if (HorizontalBarShown()) height -= GetSystemMetrics(SM_CYHSCROLL);
+    return std::max(height / session.view.cell_height + 1, 0);
+}
+
+bool AskShell(SIPINFO* panel) {
+    *panel = {};
+    panel->cbSize = sizeof(*panel);
+    return SHSipInfo(SPI_GETSIPINFO, 0, panel, 0) != 0;
+}
+
+void PanelUp(const RECT& panel) {
+    const bool changed = !session.input_panel_up;
+    session.input_panel_up = 1;
+    CoverRows(CoveredRows(panel));
+    if (changed && Connected()) LayoutTerminal();
+}
+
+void PanelDown() {
+    if (!session.input_panel_up) return;
+    session.input_panel_up = 0;
+    CoverRows(0);
+    LayoutTerminal();
+}
+
+}  // namespace
+
+void FollowInputPanel() {
+    SIPINFO panel;
+    if (!AskShell(&panel)) return;
+    panel.fdwFlags& SIPF_ON ? PanelUp(panel.rcSipRect) : PanelDown();
+}
+
+// Whether there is a horizontal scroll bar counts too, and only a measuring tells.
+void RecountCoveredRows() {
+    SIPINFO panel;
+    if (!session.input_panel_up || session.view.cell_height < 1 || !AskShell(&panel)) return;
+    MeasureView();
+    CoverRows(CoveredRows(panel.rcSipRect));
+    LayoutTerminal();
+}

@@ -1,0 +1,64 @@
+// Key presses and typed characters.
+#include "ui/view/keys.h"
+
+#include "session/session_send.h"
+#include "session/session_state.h"
+#include "settings/key_map.h"
+#include "terminal/screen_buffer.h"
+#include "terminal/terminal_write.h"
+#include "ui/view/status_bar.h"
+
+namespace {
+
+constexpr size_t kLongestSequence = 255;  // this long and longer is not sent
+
+void SendBytes(const BYTE* bytes, int length) {
+    SessionSend(bytes, length, static_cast<int>(session.telnet.escape_iac));
+}
+
+bool SendSequence(int virtual_key) {
+    const char* sequence = TranslateVirtualKey(virtual_key);
+    if (!sequence) return false;
+    const size_t length = std::strlen(sequence);
+    if (length == 0 || length >= kLongestSequence) return false;
+    SendBytes(reinterpret_cast<const BYTE*>(sequence), static_cast<int>(length));
+    return true;
+}
+
+// In newline mode the Enter key sends CR LF.
+void FinishLine(int virtual_key) {
+    const BYTE line_feed = 10;
+    if (virtual_key == VK_RETURN && session.modes.newline_mode) SendBytes(&line_feed, 1);
+}
+
+bool Swallowed(WCHAR character) {
+    if (character == 9 || character == 13) return true;
+    return character < 32 && session.telnet.escape_iac == 1;
+}
+
+}  // namespace
+
+void OnKeyDown(int virtual_key) {
+    session.key_taken = 0;
+    if (!Connected()) return;
+    if (SendSequence(virtual_key)) FinishLine(virtual_key);
+    session.key_taken = TableTakesKey(virtual_key) ? 1 : 0;
+    UpdateStatus();
+}
+
+void SendVirtualKey(int virtual_key) {
+    OnKeyDown(virtual_key);
+    session.key_taken = 0;
+}
+
+void OnTypedCharacter(WCHAR character) {
+    const bool taken = session.key_taken != 0;
+    session.key_taken = 0;
+    if (!Connected() || taken || Swallowed(character)) return;
+    BYTE byte = 0;
+    WideCharToMultiByte(CP_ACP, 0, &character, 1, reinterpret_cast<char*>(&byte), 1, nullptr,
+                        nullptr);
+    DropSelection();
+    SendBytes(&byte, 1);
+    if (session.modes.localecho == 1) TerminalWrite(&byte, 1);
+}

@@ -1,0 +1,208 @@
+// Painting the terminal window: which rows, cut into which runs, in which colours.
+#include "ui/view/paint.h"
+
+#include <cstring>
+
+#include "session/session_state.h"
+#include "terminal/modes.h"
+#include "terminal/screen_buffer.h"
+#include "ui/view/line_drawing.h"
+#include "ui/view/terminal_font.h"
+#include "ui/view/view.h"
+
+// A blinking cursor would be a plain cell on every other tick. The cursor is steady on this device,
+// whatever the setting `blink` says.
+static constexpr bool kCursorBlinks = false;
+
+static const DWORD kCodeMask = 0xFF;
+
+struct RunColors {
+    COLORREF text;
+    COLORREF background;
+};
+
+// A row on its way to the window.
+struct PaintRow {
+    int window_row;                // 1 = the window's first
+    DWORD cells[kSlotWords];       // [column], with the cursor's mark
+    WCHAR text[kSlotWords];        // [column]
+    INT advances[kScreenColumns];  // the cell's width each: glyphs keep to it
+};
+
+// ---------------------------------------------------------------- colours
+
+static bool ShowsCursor(DWORD attributes) {
+    if (kCursorBlinks && session.settings.blink && session.view.blink_phase) return false;
+    return (attributes & kCellCursor) != 0;
+}
+
+static RunColors ColorsOf(DWORD attributes) {
+    const Settings& settings = session.settings;
+    RunColors colors = {settings.color_fg, settings.color_bg};
+    if (attributes & kCellBold) colors.text = settings.color_bold;
+    if ((attributes & kCellBlink) && session.view.blink_phase) colors.text = settings.color_bg;
+    if (attributes & kCellReverse) colors = {colors.background, colors.text};
+    if (ShowsCursor(attributes)) colors.background = settings.color_cursor;
+    return colors;
+}
+
+// ---------------------------------------------------------------- runs
+
+static bool IsGlyph(DWORD cell) {
+    DWORD code = cell & kCodeMask;
+    return (cell & kCellGraphic) && code >= kFirstGlyph && code <= kLastGlyph;
+}
+
+// Comma and underscore reach out of their cells in many fonts.
+static bool ReachesOut(DWORD cell) {
+    DWORD code = cell & kCodeMask;
+    return code == ',' || code == '_';
+}
+
+static bool StandsAlone(DWORD cell) {
+    return ReachesOut(cell) || (cell & (kCellGraphic | kCellCursor));
+}
+
+// The column after the run that begins at `first`.
+static int RunEnd(const PaintRow& row, int first) {
+    int columns = session.screen.columns, end = first + 1;
+    if (StandsAlone(row.cells[first])) return end;
+    DWORD attributes = row.cells[first] & ~kCodeMask;
+    while (end <= columns && (row.cells[end] & ~kCodeMask) == attributes &&
+           !ReachesOut(row.cells[end])) {
+        ++end;
+    }
+    return end;
+}
+
+static RECT RunRect(const PaintRow& row, int first, int end) {
+    const ViewState& view = session.view;
+    LONG left = (first - view.view_left - 1) * view.cell_width;
+    LONG top = (row.window_row - 1) * view.cell_height;
+    return {left, top, left + (end - first) * view.cell_width, top + view.cell_height};
+}
+
+static void DrawCells(HDC dc, const RECT& rect, const WCHAR* text, int count, const INT* advances) {
+    ExtTextOutW(dc, rect.left, rect.top, ETO_OPAQUE | ETO_CLIPPED, &rect, text,
+                static_cast<UINT>(count), advances);
+}
+
+static void UnderlineRun(HDC dc, const RECT& rect, COLORREF color) {
+    LONG y = rect.bottom - session.view.underline_offset;
+    DrawLine(dc, {rect.left, y}, {rect.right, y}, color);
+}
+
+static void DrawRun(HDC dc, const PaintRow& row, int first, int end) {
+    DWORD cell = row.cells[first];
+    RECT rect = RunRect(row, first, end);
+    RunColors colors = ColorsOf(cell);
+    SetTextColor(dc, colors.text);
+    SetBkColor(dc, colors.background);
+    if (IsGlyph(cell)) {
+        DrawCells(dc, rect, TEXT(" "), 1, row.advances);
+        DrawGlyph(dc, rect, static_cast<BYTE>(cell & kCodeMask), colors.text);
+    } else {
+        DrawCells(dc, rect, &row.text[first], end - first, row.advances);
+    }
+    if ((cell & kCellUnderline) && !ReachesOut(cell) && !ShowsCursor(cell)) {
+        UnderlineRun(dc, rect, colors.text);
+    }
+}
+
+// ---------------------------------------------------------------- rows
+
+// Bytes are shown through the ANSI code page.
+static void FillText(PaintRow& row) {
+    char bytes[kScreenColumns];
+    for (int i = 0; i < kScreenColumns; ++i) {
+        bytes[i] = static_cast<char>(row.cells[i + 1] & kCodeMask);
+    }
+    MultiByteToWideChar(CP_ACP, 0, bytes, kScreenColumns, &row.text[1], kScreenColumns);
+}
+
+static void DrawRow(HDC dc, int screen_row, int window_row) {
+    const ScreenBuffer& screen = session.screen;
+    PaintRow row = {};
+    row.window_row = window_row;
+    memcpy(row.cells, GetPaintRow(screen_row), sizeof row.cells);
+    if (screen_row == screen.cursor_row && ShownCursorColumn()) {
+        row.cells[screen.cursor_col] |= kCellCursor;
+    }
+    for (INT& advance : row.advances) advance = session.view.cell_width;
+    FillText(row);
+    for (int first = session.view.view_left + 1; first <= screen.columns;) {
+        int end = RunEnd(row, first);
+        DrawRun(dc, row, first, end);
+        first = end;
+    }
+}
+
+static bool RowIsDue(int row) {
+    const ScreenBuffer& screen = session.screen;
+    return screen.row_changed[row] || screen.selection_active || row == screen.cursor_row ||
+           row == session.view.painted_cursor_row;
+}
+
+static void DrawDueRows(HDC dc) {
+    ViewState& view = session.view;
+    for (int i = 1; i <= view.visible_rows; ++i) {
+        int row = view.view_top + i;
+        if (row > kScreenRows) break;
+        if (RowIsDue(row)) DrawRow(dc, row, i);
+        ForgetMark(row);
+    }
+    view.painted_cursor_row = session.screen.cursor_row;
+    view.painted_cursor_col = ShownCursorColumn();
+}
+
+// ---------------------------------------------------------------- the paint
+
+static void FillBackground(HWND window, HDC dc) {
+    RECT client = {};
+    GetClientRect(window, &client);
+    HBRUSH brush = CreateSolidBrush(session.settings.color_bg);
+    FillRect(dc, &client, brush);
+    DeleteObject(brush);
+}
+
+static void HandOverSelection() {
+    const ScreenBuffer& screen = session.screen;
+    if (screen.selection_active) {
+        SetSelection(screen.selection_start_col, screen.selection_start_row,
+                     screen.selection_end_col, screen.selection_end_row);
+    } else {
+        SetSelection(0, 0, 0, 0);
+    }
+}
+
+static void PrepareView() {
+    ViewState& view = session.view;
+    if (!view.font) {
+        CreateTerminalFont();
+        view.geometry_pending = 1;
+    }
+    if (!view.geometry_pending) return;
+    MeasureView();
+    view.full_repaint = 1;
+}
+
+// Preparing comes first, as it may show or hide a scroll bar; and BeginPaint may send
+// WM_ERASEBKGND, which asks for a full repaint. All rows that will count as painted belong to what
+// this paint may draw on, also those that changed since the last request.
+void PaintTerminal(HWND window) {
+    PrepareView();
+    RefreshTerminal();
+    PAINTSTRUCT paint = {};
+    HDC dc = BeginPaint(window, &paint);
+    if (!dc) return;
+    if (session.view.full_repaint || !Connected()) {
+        FillBackground(window, dc);
+        MarkAllRows();
+    }
+    session.view.full_repaint = 0;
+    HandOverSelection();
+    HGDIOBJ before = session.view.font ? SelectObject(dc, session.view.font) : nullptr;
+    DrawDueRows(dc);
+    if (before) SelectObject(dc, before);
+    EndPaint(window, &paint);
+}
