@@ -145,6 +145,7 @@ struct ViewState {
     DWORD full_repaint = 1;      // background and all rows by the next paint
     DWORD blink_phase = 0;       // turned by every timer tick
     int painted_cursor_row = 0;  // where the cursor was at the last paint
+    int painted_cursor_col = 0;  // 0: not shown
     int face_count = 0;
     FontFace faces[kMaxFontFaces] = {};
 };

@@ -1,8 +1,9 @@
 // The controls that windows carry: scroll bars and the status window.
+#include <cmath>
 #include <QScrollBar>
 
+#include "drawing_observer.h"
 #include "gdi.h"
-#include "testing.h"
 #include "window_widget.h"
 
 namespace {
@@ -69,21 +70,38 @@ void PlaceStatus(Window& window) {
     InvalidateRect(window.handle, nullptr, TRUE);
 }
 
+bool IsAscii(const std::u16string& text) {
+    return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 128; });
+}
+
+void DrawStatusText(QPainter& painter, const QFont& font, const QRect& area,
+                    const std::u16string& text) {
+    if (!IsAscii(text)) {
+        painter.setFont(font);
+        painter.drawText(area, Qt::AlignVCenter | Qt::AlignLeft, FromWide(text.c_str()));
+        return;
+    }
+    const LineFont& line = LineFontOf(font);
+    const double ascent = line.raw.ascent(), height = ascent + line.raw.descent();
+    const double baseline = std::round(area.top() + (area.height() - height) / 2 + ascent);
+    DrawLineOfText(painter, line, QPointF(area.left(), baseline), text);
+}
+
 void PaintStatus(Window& window) {
     PAINTSTRUCT paint;
     HDC dc = BeginPaint(window.handle, &paint);
     if (!dc) return;
     const QRect area = window.widget->rect();
     const QPalette& colors = window.widget->palette();
-    const QString text = FromWide(window.text.c_str());
     dc->painter->fillRect(area, colors.color(QPalette::Window));
     dc->painter->fillRect(area.left(), area.top(), area.width(), 1, colors.color(QPalette::Mid));
     dc->painter->setPen(colors.color(QPalette::WindowText));
-    dc->painter->setFont(window.widget->font());
-    dc->painter->drawText(area.adjusted(4, 1, -4, 0), Qt::AlignVCenter | Qt::AlignLeft, text);
-    window.widget->setAccessibleName(text.simplified());
+    DrawStatusText(*dc->painter, window.widget->font(), area.adjusted(4, 1, -4, 0), window.text);
+    window.widget->setAccessibleName(FromWide(window.text.c_str()).simplified());
     const RECT whole = {0, 0, area.width(), area.height()};
-    RecordText(window.handle, 0, 0, &whole, window.text, 0, 0, 0);
+    if (drawing_observer.text)
+        drawing_observer.text({window.handle, 0, 0, whole, window.text.c_str(),
+                               static_cast<UINT>(window.text.size()), 0, 0, 0});
     EndPaint(window.handle, &paint);
 }
 

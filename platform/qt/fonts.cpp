@@ -8,18 +8,7 @@
 namespace {
 
 std::unique_ptr<FontData> g_system_font;
-
-// Whether a glyph of the codes that a terminal shows leaves its cell; a hair's breadth is cut off
-// by the next run's background anyway.
-bool Overhangs(const FontData& font) {
-    const double advance = font.raw.advancesForGlyphIndexes({font.glyphs['M']}).value(0).x();
-    for (int code = 33; code < 256; code++) {
-        const QRectF box = font.raw.boundingRect(font.glyphs[code]);
-        if (box.left() < 0 || box.right() > std::floor(advance)) return true;
-        if (-box.top() > font.height - font.descent || box.bottom() > font.descent) return true;
-    }
-    return false;
-}
+std::unique_ptr<LineFont> g_line_font;  // the one asked for last
 
 void FillGlyphs(FontData& font) {
     for (int code = 32; code < 256; code++) {
@@ -49,8 +38,19 @@ std::unique_ptr<FontData> MakeFont(const LOGFONTW& wanted) {
     data->leading = data->raw.leading();
     data->fixed = QFontInfo(data->font).fixedPitch();
     FillGlyphs(*data);
-    data->overhangs = Overhangs(*data);
+    data->run.setRawFont(data->raw);
     return data;
+}
+
+// A hair's breadth beyond the cell is cut off by the next run's background anyway.
+bool GlyphOverhangs(const FontData& font, char16_t code) {
+    std::optional<bool>& known = font.overhangs[code];
+    if (known) return *known;
+    const double advance = font.raw.advancesForGlyphIndexes({font.glyphs['M']}).value(0).x();
+    const QRectF box = code > u' ' ? font.raw.boundingRect(font.glyphs[code]) : QRectF();
+    known = box.left() < 0 || box.right() > std::floor(advance) ||
+            -box.top() > font.height - font.descent || box.bottom() > font.descent;
+    return *known;
 }
 
 const FontData& FontOf(HDC dc) {
@@ -64,27 +64,53 @@ const FontData& FontOf(HDC dc) {
     return *g_system_font;
 }
 
-void ForgetFonts() { g_system_font.reset(); }
+const LineFont& LineFontOf(const QFont& font) {
+    if (g_line_font && g_line_font->font == font) return *g_line_font;
+    g_line_font = std::make_unique<LineFont>();
+    LineFont& line = *g_line_font;
+    line.font = font;
+    line.raw = QRawFont::fromFont(font);
+    line.run.setRawFont(line.raw);
+    for (char16_t c = u' '; c < 127; c++) {
+        const auto found = line.raw.glyphIndexesForString(QString(QChar(c)));
+        if (found.isEmpty()) continue;
+        line.glyphs[c] = found.front();
+        line.advances[c] = line.raw.advancesForGlyphIndexes(found).value(0).x();
+    }
+    return line;
+}
 
+void ForgetFonts() {
+    g_system_font.reset();
+    g_line_font.reset();
+}
+
+// Tells of one family; the caller's answer, 0: no more.
+static int TellOfFamily(const QString& name, LPCWSTR wanted, FONTENUMPROCW procedure,
+                        LPARAM parameter) {
+    if (name.size() >= LF_FACESIZE || (wanted && name != FromWide(wanted))) return 1;
+    LOGFONTW font = {};
+    font.lfHeight = 8;
+    font.lfWeight = FW_NORMAL;
+    font.lfCharSet = DEFAULT_CHARSET;
+    font.lfPitchAndFamily = FIXED_PITCH;
+    lstrcpynW(font.lfFaceName, ToWide(name).c_str(), LF_FACESIZE);
+    TEXTMETRICW metrics = {};
+    metrics.tmHeight = font.lfHeight;
+    return procedure(&font, &metrics, 4, parameter);  // 4: a scalable font
+}
+
+// The desktop's own fixed-pitch family comes first. The others are looked for only where they are
+// asked for: the toolkit reads each font for that.
 int EnumFontFamiliesW(HDC, LPCWSTR family, FONTENUMPROCW procedure, LPARAM parameter) {
     const QString own = QFontInfo(QFontDatabase::systemFont(QFontDatabase::FixedFont)).family();
-    QStringList families{own};
-    for (const QString& name : QFontDatabase::families())
-        if (name != own && QFontDatabase::isFixedPitch(name) &&
-            QFontDatabase::isSmoothlyScalable(name))
-            families << name;
-    int result = 1;
-    for (const QString& name : families) {
-        if (name.size() >= LF_FACESIZE || (family && name != FromWide(family))) continue;
-        LOGFONTW font = {};
-        font.lfHeight = 8;
-        font.lfWeight = FW_NORMAL;
-        font.lfCharSet = DEFAULT_CHARSET;
-        font.lfPitchAndFamily = FIXED_PITCH;
-        lstrcpynW(font.lfFaceName, ToWide(name).c_str(), LF_FACESIZE);
-        TEXTMETRICW metrics = {};
-        metrics.tmHeight = font.lfHeight;
-        result = procedure(&font, &metrics, 4, parameter);  // 4: a scalable font
+    int result = TellOfFamily(own, family, procedure, parameter);
+    if (result == 0) return 0;
+    for (const QString& name : QFontDatabase::families()) {
+        if (name == own || !QFontDatabase::isFixedPitch(name) ||
+            !QFontDatabase::isSmoothlyScalable(name))
+            continue;
+        result = TellOfFamily(name, family, procedure, parameter);
         if (result == 0) break;
     }
     return result;

@@ -3,12 +3,11 @@
 
 #include <array>
 #include <cmath>
-#include <QGlyphRun>
 #include <QGuiApplication>
 #include <QScreen>
 #include <set>
 
-#include "testing.h"
+#include "drawing_observer.h"
 #include "window_widget.h"
 
 namespace {
@@ -39,6 +38,11 @@ bool Known(HGDIOBJ object) { return IsStock(object) || g_objects.contains(object
 
 QRect FromRect(const RECT& rect) {
     return QRect(QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1));
+}
+
+bool Overhangs(const FontData& font, LPCWSTR text, UINT count) {
+    return std::any_of(text, text + count,
+                       [&](char16_t c) { return c < 256 && GlyphOverhangs(font, c); });
 }
 
 // Of another font, so it may be wider than its cell.
@@ -74,13 +78,29 @@ void DrawGlyphs(SliceDeviceContext& dc, const FontData& font, int x, int y, LPCW
         left += width;
     }
     if (used == 0) return;
-    QGlyphRun run;
-    run.setRawFont(font.raw);
-    run.setRawData(glyphs.data(), places.data(), used);
-    painter.drawGlyphRun(QPointF(0, 0), run);
+    font.run.setRawData(glyphs.data(), places.data(), used);
+    painter.drawGlyphRun(QPointF(0, 0), font.run);
 }
 
 }  // namespace
+
+DrawingObserver drawing_observer;
+
+void DrawLineOfText(QPainter& painter, const LineFont& font, QPointF place,
+                    const std::u16string& text) {
+    constexpr int kMost = 256;
+    std::array<quint32, kMost> glyphs;
+    std::array<QPointF, kMost> places;
+    int used = 0;
+    for (const char16_t c : text) {
+        if (used == kMost) break;
+        glyphs[static_cast<size_t>(used)] = font.glyphs[c];
+        places[static_cast<size_t>(used++)] = place;
+        place.rx() += font.advances[c];
+    }
+    font.run.setRawData(glyphs.data(), places.data(), used);
+    painter.drawGlyphRun(QPointF(0, 0), font.run);
+}
 
 COLORREF BrushColor(HBRUSH brush) { return Known(brush) ? brush->color : 0x00FFFFFF; }
 
@@ -99,15 +119,15 @@ HDC BeginPaint(HWND handle, PAINTSTRUCT* paint) {
     auto* dc = new SliceDeviceContext;
     dc->window = handle;
     SelectDefaults(*dc);
-    dc->painter = std::make_unique<QPainter>(window->widget.data());
+    dc->painter = PaintedWidget(*window)->MakePainter();
     paint->hdc = dc;
     const QRect area = window->invalid.boundingRect() & ClientArea(*window);
     paint->rcPaint = RECT{area.left(), area.top(), area.right() + 1, area.bottom() + 1};
-    dc->painter->setClipRect(ClientArea(*window));
+    dc->painter->setClipRect(ClientArea(*window), Qt::IntersectClip);
     const bool erase = window->erase;
     window->erase = false;
-    window->invalid = QRegion();
-    RecordPaint(handle);
+    window->painted = std::exchange(window->invalid, QRegion());
+    if (drawing_observer.paint) drawing_observer.paint(handle);
     if (erase)
         paint->fErase =
             !CallWindowProcedure(*window, WM_ERASEBKGND, reinterpret_cast<WPARAM>(dc), 0);
@@ -168,7 +188,7 @@ int SetBkMode(HDC dc, int mode) { return dc ? std::exchange(dc->back_mode, mode)
 int FillRect(HDC dc, const RECT* rect, HBRUSH brush) {
     if (!dc || !dc->painter) return 0;
     dc->painter->fillRect(FromRect(*rect), ColorOf(BrushColor(brush)));
-    RecordFill(dc->window, *rect, BrushColor(brush));
+    if (drawing_observer.fill) drawing_observer.fill(dc->window, *rect, BrushColor(brush));
     return 1;
 }
 
@@ -178,15 +198,17 @@ BOOL ExtTextOutW(HDC dc, int x, int y, UINT options, const RECT* rect, LPCWSTR t
     if (rect && (options & ETO_OPAQUE))
         dc->painter->fillRect(FromRect(*rect), ColorOf(dc->back_color));
     const FontData& font = FontOf(dc);
-    const bool clip = rect && (options & ETO_CLIPPED) && font.overhangs;
+    const bool clip = rect && (options & ETO_CLIPPED) && Overhangs(font, text, count);
     if (clip) {
         dc->painter->save();
         dc->painter->setClipRect(FromRect(*rect), Qt::IntersectClip);
     }
     DrawGlyphs(*dc, font, x, y, text, count, advances);
     if (clip) dc->painter->restore();
-    RecordText(dc->window, x, y, rect, std::u16string(text, count), dc->text_color, dc->back_color,
-               advances && count ? advances[0] : 0);
+    if (drawing_observer.text)
+        drawing_observer.text({dc->window, x, y, rect ? *rect : RECT{x, y, x, y}, text, count,
+                               dc->text_color, dc->back_color,
+                               advances && count ? advances[0] : 0});
     return TRUE;
 }
 
@@ -217,7 +239,7 @@ BOOL Polyline(HDC dc, const POINT* points, int count) {
             dc->painter->setPen(QPen(ColorOf(color), width));
             dc->painter->drawLine(a.x, a.y, b.x, b.y);
         }
-        RecordLine(dc->window, a, b, color);
+        if (drawing_observer.line) drawing_observer.line(dc->window, a, b, color);
     }
     return TRUE;
 }

@@ -3,7 +3,9 @@
 #define QUILL_PLATFORM_QT_GDI_H
 
 #include <memory>
+#include <optional>
 #include <QFont>
+#include <QGlyphRun>
 #include <QPainter>
 #include <QRawFont>
 
@@ -19,8 +21,21 @@ struct FontData {
     double descent = 0;
     double leading = 0;
     bool fixed = true;
-    bool overhangs = true;     // glyphs may leave their cell
     quint32 glyphs[256] = {};  // of the code points 0..255, 0 = none
+    // Whether the glyph leaves its cell; looked at when it is first drawn, as all of them take as
+    // long as the rest of a start's fonts.
+    mutable std::optional<bool> overhangs[256] = {};
+    mutable QGlyphRun run;  // kept, so that to draw one allocates nothing
+};
+
+// The ASCII characters of one of the desktop's fonts, looked up once: to lay a line of text out
+// anew takes longer than to paint a row of the terminal.
+struct LineFont {
+    QFont font;
+    QRawFont raw;
+    quint32 glyphs[128] = {};
+    double advances[128] = {};  // pixels
+    mutable QGlyphRun run;
 };
 
 struct SliceGdiObject {
@@ -43,8 +58,14 @@ struct SliceDeviceContext {
 
 // fonts.cpp
 std::unique_ptr<FontData> MakeFont(const LOGFONTW& wanted);
-const FontData& FontOf(HDC dc);  // the selected font, or the system's
+bool GlyphOverhangs(const FontData& font, char16_t code);  // below 256
+const FontData& FontOf(HDC dc);                            // the selected font, or the system's
+const LineFont& LineFontOf(const QFont& font);
 void ForgetFonts();
+
+// gdi.cpp: ASCII alone, in the painter's pen.
+void DrawLineOfText(QPainter& painter, const LineFont& font, QPointF place,
+                    const std::u16string& text);
 
 inline QColor ColorOf(COLORREF color) {
     return QColor(static_cast<int>(color & 0xff), static_cast<int>((color >> 8) & 0xff),

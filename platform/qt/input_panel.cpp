@@ -180,6 +180,15 @@ void PanelKey::paintEvent(QPaintEvent*) {
 InputPanel::InputPanel(QWidget* screen) : QWidget(screen) {
     setObjectName("input panel");
     setAccessibleName("Keyboard");
+    hide();
+}
+
+void InputPanel::setVisible(bool visible) {
+    if (visible && keys_.empty()) MakeKeys();
+    QWidget::setVisible(visible);
+}
+
+void InputPanel::MakeKeys() {
     for (const PanelKeyRow& row : kPanelKeys) {
         auto* key = new PanelKey(this, row);
         // A press counts, not a release: a stylus that slips off has still typed.
@@ -187,7 +196,7 @@ InputPanel::InputPanel(QWidget* screen) : QWidget(screen) {
         keys_.push_back(key);
     }
     Label();
-    hide();
+    PlaceKeys();
 }
 
 void InputPanel::LetGo() {
@@ -230,8 +239,10 @@ void InputPanel::Label() {
     }
 }
 
+void InputPanel::resizeEvent(QResizeEvent*) { PlaceKeys(); }
+
 // Each key ends where its row's next one begins, so no rounding leaves a gap.
-void InputPanel::resizeEvent(QResizeEvent*) {
+void InputPanel::PlaceKeys() {
     double unit = 0;
     int row = 0;
     for (PanelKey* key : keys_) {

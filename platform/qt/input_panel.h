@@ -34,12 +34,15 @@ class InputPanel : public QWidget {
     explicit InputPanel(QWidget* screen);
 
     void LetGo();  // of a key that is held down
+    void setVisible(bool visible) override;
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    void MakeKeys();  // when it is first shown
+    void PlaceKeys();
     void Press(PanelKey* key);
     void Label();  // every key by the latches that are on
     bool Latched(int key) const;

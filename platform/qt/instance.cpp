@@ -1,12 +1,14 @@
 // One program a device root: the first one holds a lock file and listens on a local socket; a
-// second one finds it there and hands over to it.
+// second one finds it there and hands over to it. The socket's name is of the kernel alone, so that
+// nothing of it is left on the disk.
+#include <map>
 #include <memory>
 #include <QCryptographicHash>
-#include <QLocalServer>
-#include <QLocalSocket>
 #include <QLockFile>
+#include <QSocketNotifier>
 
 #include "device_root.h"
+#include "local_socket.h"
 #include "window_widget.h"
 
 namespace {
@@ -14,14 +16,32 @@ namespace {
 const HWND kOtherInstance = reinterpret_cast<HWND>(static_cast<UINT_PTR>(4));
 constexpr int kConnectMilliseconds = 2000;
 constexpr int kAnswerMilliseconds = 5000;
+constexpr qsizetype kLongestRequest = 64;
+
+// A socket that is watched while the program runs, closed with its watch.
+struct Watch {
+    explicit Watch(int socket) : descriptor(socket), notifier(socket, QSocketNotifier::Read) {}
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+    ~Watch() {
+        notifier.setEnabled(false);
+        CloseLocally(descriptor);
+    }
+
+    int descriptor;
+    QSocketNotifier notifier;
+    QByteArray heard;
+};
 
 std::unique_ptr<QLockFile> g_lock;
-std::unique_ptr<QLocalServer> g_server;
+std::unique_ptr<Watch> g_server;
+std::map<int, std::unique_ptr<Watch>> g_callers;  // by their sockets
 HWND g_window = nullptr;  // the one that others ask for; null until it is made
 
-QString SocketName() {
+std::string SocketName() {
     const QByteArray root = QByteArray::fromStdString(DeviceRoot());
-    return "quill-" + QCryptographicHash::hash(root, QCryptographicHash::Sha1).toHex();
+    const QByteArray hash = QCryptographicHash::hash(root, QCryptographicHash::Sha1);
+    return "quill-" + hash.toHex().toStdString();
 }
 
 // What lies over the window is what the user is to see: a box or a dialog. The first box, and what
@@ -54,30 +74,46 @@ const RequestRow kRequests[] = {
     {"paint", Paint},
 };
 
-void Answer(QLocalSocket* socket) {
-    while (socket->canReadLine()) {
-        const QByteArray line = socket->readLine(64).trimmed();
+void Answer(Watch& caller) {
+    for (qsizetype end; (end = caller.heard.indexOf('\n')) >= 0; caller.heard.remove(0, end + 1)) {
+        const QByteArray line = caller.heard.left(end).trimmed();
         for (const RequestRow& row : kRequests)
             if (line == row.request) row.carry_out();
-        socket->write("done\n");
+        SayLocally(caller.descriptor, "done\n");
     }
 }
 
+void Hear(int socket) {
+    const auto found = g_callers.find(socket);
+    if (found == g_callers.end()) return;
+    Watch& caller = *found->second;
+    char bytes[kLongestRequest];
+    const long count = HearLocally(socket, bytes, sizeof(bytes));
+    if (count < 0) return;
+    caller.heard.append(bytes, count);
+    Answer(caller);
+    if (count > 0 && caller.heard.size() <= kLongestRequest) return;
+    caller.notifier.setEnabled(false);
+    // The notifier is in the middle of its call.
+    QMetaObject::invokeMethod(
+        qApp, [socket] { g_callers.erase(socket); }, Qt::QueuedConnection);
+}
+
 void Accept() {
-    while (QLocalSocket* socket = g_server->nextPendingConnection()) {
-        QObject::connect(socket, &QLocalSocket::readyRead, socket, [socket] { Answer(socket); });
-        QObject::connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        Answer(socket);
-    }
+    const int socket = AcceptLocally(g_server->descriptor);
+    if (socket < 0) return;
+    auto caller = std::make_unique<Watch>(socket);
+    QObject::connect(&caller->notifier, &QSocketNotifier::activated, qApp,
+                     [socket] { Hear(socket); });
+    g_callers[socket] = std::move(caller);
 }
 
 void Listen() {
     if (g_server) return;
-    g_server = std::make_unique<QLocalServer>();
-    g_server->setSocketOptions(QLocalServer::UserAccessOption);
-    QLocalServer::removeServer(SocketName());
-    if (!g_server->listen(SocketName())) return g_server.reset();
-    QObject::connect(g_server.get(), &QLocalServer::newConnection, qApp, Accept);
+    const int socket = ListenLocally(SocketName());
+    if (socket < 0) return;
+    g_server = std::make_unique<Watch>(socket);
+    QObject::connect(&g_server->notifier, &QSocketNotifier::activated, qApp, Accept);
 }
 
 // The lock is the kernel's and ends with its holder, however that ends.
@@ -91,16 +127,18 @@ bool TakeLock() {
 
 // The other program may still be on its way to listening. Whether it has answered.
 bool TellOther(const char* request) {
-    QLocalSocket socket;
-    for (int waited = 0; waited < kConnectMilliseconds; waited += 50) {
-        socket.connectToServer(SocketName());
-        if (socket.waitForConnected(500)) break;
+    int socket = CallLocally(SocketName());
+    for (int waited = 0; socket < 0 && waited < kConnectMilliseconds; waited += 50) {
         Sleep(50);
+        socket = CallLocally(SocketName());
     }
-    if (socket.state() != QLocalSocket::ConnectedState) return false;
-    socket.write(QByteArray(request) + "\n");
-    socket.flush();
-    return socket.waitForReadyRead(kAnswerMilliseconds);
+    if (socket < 0) return false;
+    char byte = 0;
+    const bool answered = SayLocally(socket, std::string(request) + '\n') &&
+                          AwaitLocally(socket, kAnswerMilliseconds) &&
+                          HearLocally(socket, &byte, 1) > 0;
+    CloseLocally(socket);
+    return answered;
 }
 
 }  // namespace
@@ -130,6 +168,7 @@ void ServeOtherInstances(HWND window) {
 
 void StopServingInstances() {
     g_window = nullptr;
+    g_callers.clear();
     g_server.reset();
     g_lock.reset();
 }

@@ -7,6 +7,7 @@
 
 #include "end_signals.h"
 #include "host.h"
+#include "screen_text.h"
 #include "testing.h"
 
 namespace {
@@ -42,10 +43,10 @@ void WatchForRest(const HostOptions& options) {
     auto* timer = new QTimer(qApp);
     QElapsedTimer started;
     started.start();
-    KeepScreenText(true);
+    KeepScreenText();
     AnswerMessageBoxes(true);
     QObject::connect(timer, &QTimer::timeout, timer, [=, last = -1, quiet = 0]() mutable {
-        const int paints = PaintCount();
+        const int paints = PaintsKept();
         quiet = paints == last ? quiet + timer->interval() : 0;
         last = paints;
         const bool rest = quiet >= kQuietMilliseconds && paints > 0;

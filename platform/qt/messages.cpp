@@ -1,8 +1,8 @@
 // The message queue of the window thread: posted messages, input, paints and timers in the order
 // of the real one, over Qt's event loop.
 //
-// Paints are paced: one is given out when the queue is idle, and at the latest when it has waited
-// for a frame while messages keep coming; two paints are at least a frame apart.
+// A frame (frames.h) is given out when the queue is idle, and at the latest when it has waited for
+// a frame's time while messages keep coming.
 #include <atomic>
 #include <deque>
 #include <map>
@@ -15,13 +15,13 @@
 #include <utility>
 
 #include "accelerators.h"
+#include "frames.h"
 #include "menu_bar.h"
 #include "testing.h"
 #include "window_widget.h"
 
 namespace {
 
-constexpr int kFrameMilliseconds = 16;
 constexpr qint64 kSoonNanoseconds = 100000;
 
 struct QueuedMessage {
@@ -41,10 +41,8 @@ std::deque<MSG> g_timers;
 QString g_key_characters;  // what TranslateMessage makes of the key taken last
 bool g_quit = false;
 int g_quit_code = 0;
-bool g_took_posted = false;  // a posted message, since the queue was waited at
-QElapsedTimer g_since_paint;
-QElapsedTimer g_paint_waits;  // since a window to be painted was seen; invalid: none
-HWND g_painted_last = nullptr;
+bool g_took_posted = false;       // a posted message, since the queue was waited at
+QElapsedTimer g_since_collected;  // the toolkit's events had their turn
 
 using TimerKey = std::pair<HWND, UINT_PTR>;
 std::map<TimerKey, std::unique_ptr<QTimer>> g_running_timers;
@@ -92,38 +90,9 @@ bool TakeTimer(MSG* message, HWND window, UINT first, UINT last, bool remove) {
     return false;
 }
 
-// The windows take turns, so that one that is never valid does not keep the others from painting.
-Window* InvalidWindow() {
-    Window* oldest = nullptr;
-    for (Window* window : AllWindows()) {
-        if (window->invalid.isEmpty() || !PaintedWidget(*window)) continue;
-        if (!window->widget->isVisible()) {
-            window->invalid = QRegion();  // shown again, it is painted whole
-            continue;
-        }
-        if (std::less<>()(g_painted_last, window->handle)) return window;
-        if (!oldest) oldest = window;
-    }
-    return oldest;
-}
-
-int MillisecondsToFrame() {
-    if (!g_since_paint.isValid()) return 0;
-    const qint64 passed = g_since_paint.elapsed();
-    return passed >= kFrameMilliseconds ? 0 : kFrameMilliseconds - static_cast<int>(passed);
-}
-
-bool PaintIsOverdue() {
-    if (!InvalidWindow())
-        g_paint_waits.invalidate();
-    else if (!g_paint_waits.isValid())
-        g_paint_waits.start();
-    return g_paint_waits.isValid() && g_paint_waits.elapsed() >= kFrameMilliseconds;
-}
-
 bool TakePaint(MSG* message, HWND window, UINT first, UINT last) {
-    const Window* invalid = InvalidWindow();
-    if (!invalid || MillisecondsToFrame() > 0) return false;
+    const Window* invalid = WindowToPaint();
+    if (!invalid) return false;
     *message = MakeMessage(invalid->handle, WM_PAINT, 0, 0);
     return Fits(*message, window, first, last);
 }
@@ -146,8 +115,8 @@ bool PostedSoon() {
     return false;
 }
 
-// Input that arrives while the queue is never empty is looked for once a frame.
 void CollectInput(bool wait) {
+    g_since_collected.start();
     // The toolkit leaves this to its own loop, which never runs here.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     if (wait && g_dispatcher.load() == nullptr)
@@ -159,19 +128,47 @@ void CollectInput(bool wait) {
     g_waiting.store(outer);
 }
 
+// While messages keep coming, the toolkit's events have a turn once a frame: to ask for them takes
+// longer than most messages do.
+bool CollectedLately() {
+    return g_since_collected.isValid() && g_since_collected.elapsed() < kFrameMilliseconds;
+}
+
+// A frame that is held back is looked for again when its time has come.
+void WakeForFrame() {
+    static QPointer<QTimer> timer;
+    const int milliseconds = MillisecondsToFrame();
+    if (milliseconds < 0) return;
+    if (!timer) timer = new QTimer(qApp);
+    if (timer->isActive()) return;
+    timer->setTimerType(Qt::PreciseTimer);
+    timer->setSingleShot(true);
+    timer->start(milliseconds);
+}
+
+// Whether a paint goes before what is posted: the rest of a frame, or one that waited too long.
+// Then the toolkit's events have a turn first.
+bool TakeDuePaint(MSG* message, HWND window, UINT first, UINT last) {
+    if (FrameUnderWay()) return TakePaint(message, window, first, last);
+    if (!FrameOverdue()) return false;
+    CollectInput(false);
+    return TakePaint(message, window, first, last);
+}
+
 // One step of the queue: a message, or false after Qt's events have had their turn. They may have
 // brought what the caller waits for, so that is asked last.
 bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
           const std::function<bool()>& may_wait) {
-    if (PaintIsOverdue() && TakePaint(message, window, first, last)) {
-        CollectInput(false);
-        return FindWindowRecord(message->hwnd) != nullptr;
-    }
+    if (TakeDuePaint(message, window, first, last)) return true;
     if (TakePosted(message, window, first, last, remove)) return true;
     if (TakeInput(message, window, first, last, remove)) return true;
     if (g_quit) {
         *message = MakeMessage(nullptr, WM_QUIT, static_cast<WPARAM>(g_quit_code), 0);
         return true;
+    }
+    if (g_took_posted && CollectedLately() && may_wait()) {
+        if (TakePaint(message, window, first, last)) return true;
+        if (PostedSoon()) return false;
     }
     CollectInput(false);
     if (!g_input.empty()) return TakeInput(message, window, first, last, remove);
@@ -179,9 +176,8 @@ bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
     if (TakePaint(message, window, first, last)) return true;
     if (TakeTimer(message, window, first, last, remove)) return true;
     if (g_quit || !may_wait() || PostedSoon()) return false;
-    if (InvalidWindow()) {
-        QTimer::singleShot(MillisecondsToFrame(), Qt::PreciseTimer, qApp, [] {});
-    }
+    WakeForFrame();
+    SettleFrames();
     CollectInput(true);
     return false;
 }
@@ -193,11 +189,13 @@ LRESULT CallWindowProcedure(Window& window, UINT message, WPARAM wparam, LPARAM 
 }
 
 void QueueInput(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_KEYDOWN || message == WM_CHAR) HurryFrames();
     g_input.push_back(
         {MakeMessage(window, message, wparam, lparam), QString(), CurrentKeyStates()});
 }
 
 void QueueKey(HWND window, UINT message, WPARAM key, LPARAM flags, const QString& characters) {
+    if (message == WM_KEYDOWN) HurryFrames();
     g_input.push_back({MakeMessage(window, message, key, flags), characters, CurrentKeyStates()});
 }
 
@@ -242,9 +240,8 @@ void ResetMessages() {
     g_key_characters.clear();
     g_quit = false;
     g_took_posted = false;
-    g_since_paint.invalidate();
-    g_paint_waits.invalidate();
-    g_painted_last = nullptr;
+    g_since_collected.invalidate();
+    ResetFrames();
     g_dispatcher.store(nullptr);
 }
 
@@ -302,10 +299,7 @@ LRESULT DispatchMessageW(const MSG* message) {
     if (!window) return 0;
     if (message->message != WM_PAINT)
         return CallWindowProcedure(*window, message->message, message->wParam, message->lParam);
-    g_since_paint.start();
-    g_paint_waits.invalidate();
-    g_painted_last = window->handle;
-    if (WindowWidget* widget = PaintedWidget(*window)) widget->PaintInvalid();
+    PaintFrameOf(*window);
     return 0;
 }
 

@@ -51,6 +51,7 @@ struct Window {
     ScrollBarState horizontal;
     QWidget* corner = nullptr;  // between the bars, shown with both
     QRegion invalid;            // to be painted
+    QRegion painted;            // what the last BeginPaint made valid
     bool erase = true;          // the next BeginPaint sends WM_ERASEBKGND
     bool destroying = false;
     std::shared_ptr<DialogData> dialog;    // of dialogs, sheets and pages
@@ -62,8 +63,9 @@ inline std::u16string ToWide(const QString& text) { return text.toStdU16String()
 
 // windows.cpp
 Window* AddWindow(const WindowClass* window_class, HWND parent, int id);  // without a widget
-Window* FindWindowRecord(HWND handle);  // null for a window that is gone
-std::vector<Window*> AllWindows();      // oldest first
+Window* FindWindowRecord(HWND handle);                // null for a window that is gone
+std::vector<Window*> AllWindows();                    // oldest first
+Window* FirstWindow(bool (*wanted)(Window& window));  // the oldest one; null: none
 Window* TopLevelOf(Window* window);
 bool IsProgramWindow(const Window& window);         // top-level, and no dialog
 WindowWidget* PaintedWidget(const Window& window);  // null where the program does not paint

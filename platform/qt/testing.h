@@ -1,5 +1,4 @@
-// What tests and the host's snapshot read of a running program: drawing calls, the text on the
-// screen, beeps and message boxes.
+// What tests read of a running program: beeps, message boxes and dialogs.
 #ifndef QUILL_PLATFORM_QT_TESTING_H
 #define QUILL_PLATFORM_QT_TESTING_H
 
@@ -8,19 +7,6 @@
 
 #include "slice.h"
 
-struct DrawCall {
-    enum class Kind { kText, kFill, kLine } kind;
-    HWND window = nullptr;
-    RECT rect = {};  // filled by the call; a line's two ends
-    std::u16string text;
-    COLORREF color = 0;  // of text or line
-    COLORREF background = 0;
-};
-
-void StartRecording();  // forgets what was recorded
-void StopRecording();
-std::vector<DrawCall> RecordedCalls();
-int PaintCount();        // WM_PAINTs since the program's start
 bool MessagesWaiting();  // posted ones, or input; on the window thread
 int BeepCount();
 UINT LastBeep();
@@ -33,10 +19,6 @@ struct SilentKey {
 SilentKey LastSilentKey();
 
 int TimerMilliseconds(HWND window, UINT_PTR id);  // -1: no such timer runs
-
-// The text that stands on a window, line by line as it was drawn last; blanks at the end cut.
-void KeepScreenText(bool keep);
-QStringList ScreenText(HWND window);
 
 QMessageBox* ShownMessageBox();        // null while none is shown
 void AnswerMessageBoxes(bool answer);  // each box presses its own default button
@@ -72,12 +54,6 @@ bool WindowRefused(LPCWSTR class_name);
 
 void AnnounceDialog();  // a dialog has come up
 
-// gdi.cpp and message_box.cpp report here.
-void RecordText(HWND window, int x, int y, const RECT* rect, const std::u16string& text,
-                COLORREF color, COLORREF background, int advance);
-void RecordFill(HWND window, const RECT& rect, COLORREF color);
-void RecordLine(HWND window, POINT from, POINT to, COLORREF color);
-void RecordPaint(HWND window);
 void ForgetRecords();
 void ForgetDialogs();
 

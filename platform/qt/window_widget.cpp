@@ -1,12 +1,35 @@
 // The widget behind every window.
 #include "window_widget.h"
 
+#include <QBackingStore>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPaintEvent>
 #include <QStyleHints>
 #include <QTouchEvent>
+#include <QWindow>
+
+namespace {
+
+// What of a part of a widget no other widget covers, in the coordinates of its desktop window.
+QRegion UncoveredPart(const QWidget* widget, QRegion part) {
+    part -= widget->childrenRegion();
+    for (; !widget->isWindow(); widget = widget->parentWidget()) {
+        part = (part & widget->rect()).translated(widget->pos());
+        bool above = false;
+        for (const QObject* each : widget->parentWidget()->children()) {
+            const auto* other = qobject_cast<const QWidget*>(each);
+            if (above && other && other->isVisible() && !other->isWindow())
+                part -= other->geometry();
+            above |= other == widget;
+        }
+    }
+    return part & widget->rect();
+}
+
+}  // namespace
 
 WindowWidget::WindowWidget(HWND window, QWidget* parent) : QWidget(parent), window_(window) {
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -20,11 +43,41 @@ void WindowWidget::PaintInvalid() {
     Window* window = FindWindowRecord(window_);
     if (!window || window->invalid.isEmpty()) return;
     own_paint_ = true;
-    repaint(window->invalid);
+    paint_came_ = false;
+    if (!PaintStraight(window->invalid)) repaint(window->invalid);
     own_paint_ = false;
     // A window that the desktop does not show is painted whole when it comes back.
     window = FindWindowRecord(window_);
-    if (window) window->invalid = QRegion();
+    if (window && !paint_came_) window->invalid = QRegion();
+}
+
+// Paints into the desktop window's store and hands that part over, without the toolkit's search for
+// everything that might be due: it takes longer than a row of text. False where the store is not in
+// the state that this needs.
+bool WindowWidget::PaintStraight(const QRegion& invalid) {
+    QWidget* top = QWidget::window();
+    QBackingStore* store = top->backingStore();
+    QWindow* surface = top->windowHandle();
+    if (!store || !surface || !surface->isExposed() || store->size() != top->size()) return false;
+    const QPoint corner = mapTo(top, QPoint(0, 0));
+    store_region_ = UncoveredPart(this, invalid);
+    if (store_region_.isEmpty()) return false;
+    const QRegion region = store_region_;
+    store->beginPaint(region);
+    store_ = store->paintDevice();
+    PaintWindow(region.translated(-corner));
+    store_ = nullptr;
+    store->endPaint();
+    store->flush(region, surface);
+    return true;
+}
+
+std::unique_ptr<QPainter> WindowWidget::MakePainter() {
+    if (!store_) return std::make_unique<QPainter>(this);
+    auto painter = std::make_unique<QPainter>(store_);
+    painter->setClipRegion(store_region_);
+    painter->translate(mapTo(QWidget::window(), QPoint(0, 0)));
+    return painter;
 }
 
 void WindowWidget::paintEvent(QPaintEvent* event) {
@@ -37,14 +90,20 @@ void WindowWidget::paintEvent(QPaintEvent* event) {
     } else {
         window->invalid += event->region();
     }
-    painting_ = true;
+    PaintWindow(event->region());
+}
+
+// `reachable`: what of a painting reaches the screen. The program holds all of it for drawn.
+void WindowWidget::PaintWindow(const QRegion& reachable) {
+    Window* window = FindWindowRecord(window_);
+    window->painted = QRegion();
+    painting_ = paint_came_ = true;
     CallWindowProcedure(*window, WM_PAINT, 0, 0);
     painting_ = false;
     window = FindWindowRecord(window_);
-    if (own_paint_ || !window) return;
-    // Only what the toolkit asked for has reached the screen; the program holds all of it for
-    // drawn.
-    if (QRegion(ClientArea(*window)).subtracted(event->region()).isEmpty()) return;
+    if (!window) return;
+    const QRegion missed = (window->painted & ClientArea(*window)) - reachable;
+    if (missed.isEmpty() || UncoveredPart(this, missed).isEmpty()) return;
     window->invalid = rect();
     window->erase = true;
 }

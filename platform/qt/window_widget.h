@@ -7,6 +7,7 @@
 
 #include "slice.h"
 
+class QPainter;
 class QTouchEvent;
 
 class WindowWidget : public QWidget {
@@ -17,6 +18,8 @@ class WindowWidget : public QWidget {
     // Paints what InvalidateRect collected, at once.
     void PaintInvalid();
     bool painting() const { return painting_; }
+    // While painting: a painter in this widget's coordinates, on what is painted and nothing else.
+    std::unique_ptr<QPainter> MakePainter();
 
   protected:
     bool event(QEvent* event) override;
@@ -37,10 +40,16 @@ class WindowWidget : public QWidget {
     void TakeFirstTouch(const QPointF& position);
     bool IsSecondTap(const QPointF& position);
 
+    bool PaintStraight(const QRegion& invalid);
+    void PaintWindow(const QRegion& reachable);
+
     HWND window_;
-    bool own_paint_ = false;  // the paint was asked for by the program
+    QPaintDevice* store_ = nullptr;  // that is painted on straight; null: the toolkit paints
+    QRegion store_region_;           // in its coordinates
+    bool own_paint_ = false;         // the paint was asked for by the program
     bool painting_ = false;
-    int finger_ = -1;  // the touch point that is the stylus; -1: none is down
+    bool paint_came_ = false;  // since the program asked for one
+    int finger_ = -1;          // the touch point that is the stylus; -1: none is down
     QElapsedTimer since_tap_;
     QPointF tap_;
 };

@@ -77,6 +77,12 @@ std::vector<Window*> AllWindows() {
     return result;
 }
 
+Window* FirstWindow(bool (*wanted)(Window& window)) {
+    for (auto& entry : g_windows)
+        if (wanted(*entry.second)) return entry.second.get();
+    return nullptr;
+}
+
 Window* TopLevelOf(Window* window) {
     while (window && window->parent) window = FindWindowRecord(window->parent);
     return window;

@@ -7,6 +7,7 @@
 #include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
 #include "session/session_state.h"
+#include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

@@ -4,8 +4,8 @@
 #include <QToolButton>
 #include <set>
 
+#include "platform/qt/screen_text.h"
 #include "platform/qt/slice.h"
-#include "platform/qt/testing.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"
@@ -65,7 +65,7 @@ void ExpectNothingStays(std::set<qint64>* pictures, const std::function<void()>&
 TEST(ManySessions, LeaveNeitherMemoryNorPicturesBehind) {
     FakeHost host;
     RunProgram({}, [&] {
-        OnWindowThread([] { KeepScreenText(false); });
+        OnWindowThread([] { ForgetScreenText(); });
         SetHost(u"127.0.0.1", host.port);
         std::set<qint64> pictures;
         ExpectNothingStays(&pictures, [&] { HoldSession(host, &pictures); });
@@ -74,7 +74,7 @@ TEST(ManySessions, LeaveNeitherMemoryNorPicturesBehind) {
 
 TEST(ManySwapsOfTheBar, LeaveNeitherMemoryNorPicturesBehind) {
     RunProgram({}, [&] {
-        OnWindowThread([] { KeepScreenText(false); });
+        OnWindowThread([] { ForgetScreenText(); });
         std::set<qint64> pictures;
         ExpectNothingStays(&pictures, [&] { SwapBar(&pictures); });
     });

@@ -6,6 +6,7 @@
 #include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
 #include "session/session_state.h"
+#include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

@@ -11,6 +11,7 @@
 #include "session/session_state.h"
 #include "settings/toolbars.h"
 #include "tests/app/clipboard_stage.h"
+#include "tests/support/drawn.h"
 #include "tests/terminal/hotspot_rule.h"
 #include "ui/commands.h"
 #include "ui/view/view.h"

@@ -13,9 +13,11 @@
 #include <thread>
 
 #include "platform/qt/host.h"
+#include "platform/qt/screen_text.h"
 #include "platform/qt/testing.h"
 #include "session/session_state.h"
 #include "terminal/screen_buffer.h"
+#include "tests/support/drawn.h"
 
 namespace {
 
@@ -93,7 +95,8 @@ int RunProgram(const Stage& stage, const std::function<void()>& person) {
     WriteConfig(options.root, stage.config);
     ResetSession();
     OpenDevice(options);
-    KeepScreenText(true);
+    KeepScreenText();
+    WatchDrawing();
     if (stage.before) stage.before();
     g_running = true;
     std::atomic<bool> finished{false};
@@ -107,6 +110,7 @@ int RunProgram(const Stage& stage, const std::function<void()>& person) {
     while (!finished) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     body.join();
     CloseDevice();
+    ForgetScreenText();
     return result;
 }
 

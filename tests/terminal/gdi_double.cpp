@@ -116,8 +116,12 @@ BOOL GetClientRect(HWND, RECT* rect) {
 
 BOOL InvalidateRect(HWND window, const RECT* rect, BOOL erase) {
     if (window != TestWindow()) Fault("InvalidateRect of another window");
-    if (rect) Fault("InvalidateRect of a part");
     ++gdi.invalidations;
+    gdi.invalid.push_back(rect ? Format("%ld,%ld %ldx%ld", static_cast<long>(rect->left),
+                                        static_cast<long>(rect->top),
+                                        static_cast<long>(rect->right - rect->left),
+                                        static_cast<long>(rect->bottom - rect->top))
+                               : "all");
     if (erase) ++gdi.erasing_invalidations;
     return TRUE;
 }

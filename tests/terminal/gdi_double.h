@@ -39,6 +39,7 @@ struct GdiDouble {
     int scroll_calls = 0;
     int invalidations = 0;
     int erasing_invalidations = 0;
+    std::vector<std::string> invalid;    // "all" or "LEFT,TOP WIDTHxHEIGHT" of each
     std::vector<UINT> default_messages;  // those handed to DefWindowProcW
     std::vector<LOGFONTW> fonts_made;
     int pens_made = 0;

@@ -63,6 +63,7 @@ void TerminalWindow::SetUp() {
     SendToWindow(WM_PAINT);
     gdi.drawn.clear();
     gdi.invalidations = 0;
+    gdi.invalid.clear();
     gdi.scroll_calls = 0;
     gdi.pens_made = 0;
     gdi.fonts_made.clear();

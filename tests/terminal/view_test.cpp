@@ -415,11 +415,70 @@ TEST_F(Scrolling, CoveringRowsLeavesTheViewAndUncoveringTakesItBack) {
 class RepaintRequests : public TerminalWindow {};
 
 TEST_F(RepaintRequests, RefreshAsksForTheFlaggedRowsWithoutErasing) {
+    for (const int row : {3, 4, 5, 9, 24}) MarkRows(row, row);
     RefreshTerminal();
-    EXPECT_EQ(gdi.invalidations, 1);
+    EXPECT_EQ(gdi.invalid, (Lines{"0,32 640x48", "0,128 640x16", "0,368 640x16"}));
     EXPECT_EQ(gdi.erasing_invalidations, 0);
     EXPECT_FALSE(session.view.full_repaint);
-    EXPECT_EQ(FlaggedRows(), 0);
+    EXPECT_EQ(FlaggedRows(), 5);
+}
+
+TEST_F(RepaintRequests, RefreshAsksForNothingWhereNothingChanged) {
+    RefreshTerminal();
+    EXPECT_TRUE(gdi.invalid.empty());
+}
+
+TEST_F(RepaintRequests, RefreshAsksForTheRowsThatTheCursorLeftAndReached) {
+    session.screen.cursor_row = 7;
+    RefreshTerminal();
+    EXPECT_EQ(gdi.invalid, (Lines{"0,0 640x16", "0,96 640x16"}));
+    Paint();
+    gdi.invalid.clear();
+    session.screen.cursor_col = 5;
+    RefreshTerminal();
+    EXPECT_EQ(gdi.invalid, Lines{"0,96 640x16"});
+}
+
+TEST_F(RepaintRequests, RefreshAsksForTheCursorsRowWhenItIsHiddenOrShown) {
+    for (const DWORD visible : {0u, 1u}) {
+        gdi.invalid.clear();
+        session.modes.cursor_visible = visible;
+        RefreshTerminal();
+        EXPECT_EQ(gdi.invalid, Lines{"0,0 640x16"}) << visible;
+        Paint();
+        gdi.invalid.clear();
+        RefreshTerminal();
+        EXPECT_TRUE(gdi.invalid.empty()) << visible;
+    }
+}
+
+TEST_F(RepaintRequests, RefreshAsksForRowsOfTheWindowAlone) {
+    Resize(330, 204);  // 12 rows by 40 columns
+    SendToWindow(WM_VSCROLL, ScrollEvent(SB_LINEDOWN));
+    SendToWindow(WM_HSCROLL, ScrollEvent(SB_LINEDOWN));
+    Paint();
+    gdi.invalid.clear();
+    for (const int row : {1, 3, 14, 15}) MarkRows(row, row);
+    RefreshTerminal();
+    EXPECT_EQ(gdi.invalid, (Lines{"0,0 624x16", "0,176 624x16"}));
+}
+
+TEST_F(RepaintRequests, RefreshAsksForTheWholeWindowWhereAPaintDrawsAll) {
+    session.connected = 0;
+    RefreshTerminal();
+    session.connected = 1;
+    session.screen.selection_active = 1;
+    RefreshTerminal();
+    session.screen.selection_active = 0;
+    session.view.full_repaint = 1;
+    RefreshTerminal();
+    EXPECT_EQ(gdi.invalid, (Lines{"all", "all", "all"}));
+}
+
+TEST_F(RepaintRequests, APaintMayDrawOnTheRowsThatChangedSinceTheLastRequest) {
+    MarkRows(5, 5);
+    Paint();
+    EXPECT_EQ(gdi.invalid, Lines{"0,64 640x16"});
 }
 
 TEST_F(RepaintRequests, RepaintAsksForAllRowsAndTheBackground) {
@@ -448,8 +507,9 @@ TEST_F(RepaintRequests, ATickFlagsTheBlinkingRowsAlone) {
     Put(3, "x", kCellBlink);
     Put(9, "y", kCellBlink);
     Paint();
+    gdi.invalid.clear();
     BlinkTick();
-    EXPECT_EQ(gdi.invalidations, 1);
+    EXPECT_EQ(gdi.invalid, (Lines{"0,32 640x16", "0,128 640x16"}));
     EXPECT_EQ(FlaggedRows(), 2);
     EXPECT_EQ(session.screen.row_changed[3], 1u);
     EXPECT_EQ(session.screen.row_changed[9], 1u);

@@ -125,8 +125,7 @@ static void DrawRow(HDC dc, int screen_row, int window_row) {
     PaintRow row = {};
     row.window_row = window_row;
     memcpy(row.cells, GetPaintRow(screen_row), sizeof row.cells);
-    if (screen_row == screen.cursor_row && CursorVisible() &&
-        CellExists(screen_row, screen.cursor_col)) {
+    if (screen_row == screen.cursor_row && ShownCursorColumn()) {
         row.cells[screen.cursor_col] |= kCellCursor;
     }
     for (INT& advance : row.advances) advance = session.view.cell_width;
@@ -153,6 +152,7 @@ static void DrawDueRows(HDC dc) {
         ForgetMark(row);
     }
     view.painted_cursor_row = session.screen.cursor_row;
+    view.painted_cursor_col = ShownCursorColumn();
 }
 
 // ---------------------------------------------------------------- the paint
@@ -187,9 +187,11 @@ static void PrepareView() {
 }
 
 // Preparing comes first, as it may show or hide a scroll bar; and BeginPaint may send
-// WM_ERASEBKGND, which asks for a full repaint.
+// WM_ERASEBKGND, which asks for a full repaint. All rows that will count as painted belong to what
+// this paint may draw on, also those that changed since the last request.
 void PaintTerminal(HWND window) {
     PrepareView();
+    RefreshTerminal();
     PAINTSTRUCT paint = {};
     HDC dc = BeginPaint(window, &paint);
     if (!dc) return;

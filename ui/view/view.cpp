@@ -5,14 +5,62 @@
 #include <algorithm>
 
 #include "session/session_state.h"
+#include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 #include "ui/view/status_bar.h"
 
 // ---------------------------------------------------------------- repaint requests
 
+int ShownCursorColumn() {
+    const ScreenBuffer& screen = session.screen;
+    return CursorVisible() && CellExists(screen.cursor_row, screen.cursor_col) ? screen.cursor_col
+                                                                               : 0;
+}
+
+// Whether the window shows the row as it no longer is.
+static bool RowIsStale(int row) {
+    const ScreenBuffer& screen = session.screen;
+    const ViewState& view = session.view;
+    if (screen.row_changed[row]) return true;
+    const bool moved = screen.cursor_row != view.painted_cursor_row ||
+                       ShownCursorColumn() != view.painted_cursor_col;
+    return moved && (row == screen.cursor_row || row == view.painted_cursor_row);
+}
+
+static bool PaintsWholeWindow() {
+    const ViewState& view = session.view;
+    return !view.font || view.geometry_pending || view.full_repaint || !Connected() ||
+           session.screen.selection_active;
+}
+
+// Window rows, 1 = the first.
+static void InvalidateRows(int first, int last) {
+    const ViewState& view = session.view;
+    const RECT rows = {0, (first - 1) * view.cell_height,
+                       (session.screen.columns - view.view_left) * view.cell_width,
+                       last * view.cell_height};
+    InvalidateRect(session.client_window, &rows, FALSE);
+}
+
+static void InvalidateStaleRows() {
+    const ViewState& view = session.view;
+    const int rows = std::min(view.visible_rows, kScreenRows - view.view_top);
+    int first = 1;
+    for (int row = 1; row <= rows + 1; ++row) {
+        if (row <= rows && RowIsStale(view.view_top + row)) continue;
+        if (row > first) InvalidateRows(first, row - 1);
+        first = row + 1;
+    }
+}
+
 // A null window would stand for every window there is.
 void RefreshTerminal() {
-    if (session.client_window) InvalidateRect(session.client_window, nullptr, FALSE);
+    if (!session.client_window) return;
+    if (PaintsWholeWindow()) {
+        InvalidateRect(session.client_window, nullptr, FALSE);
+    } else {
+        InvalidateStaleRows();
+    }
 }
 
 void RepaintTerminal() {

@@ -8,9 +8,11 @@
 
 // Repaint requests. A paint comes later, once for any number of requests.
 void RepaintTerminal();  // the background and all rows
-void RefreshTerminal();  // the rows that are flagged in session.screen.row_changed
+void RefreshTerminal();  // the rows that changed, and the cursor's if it moved; perhaps none
 void LayoutTerminal();   // as RepaintTerminal, after the geometry was measured again
 void ShowChanges();      // as RefreshTerminal, after the view has followed the cursor if it is to
+
+int ShownCursorColumn();  // where the cursor is drawn in its row; 0: nowhere
 
 // Measures visible_rows and visible_columns from the window's size, the status bar's height, the
 // rows under the input panel and the cell's size, sets both scroll bars up for them, and takes the

@@ -1,0 +1,332 @@
+#!/usr/bin/python3
+"""Quill beside the terminals that the package manager has, on one Xvfb, in one run.
+
+Each terminal runs telnet to a host of this script's on loopback; Quill is its own telnet. Measured:
+  streams  the host sends the bytes of each of five streams, then asks for the cursor's place; the
+           time ends when the answer comes, which all give only after everything before it
+  keys     from a key's press (XTEST, at random moments) to the changed pixels of the echoed glyph,
+           the host echoing at once
+  busy     the same while a stream of 1 MB/s scrolls below the glyph
+  start    from the program's start to the first paint in its window, and the processor time that it
+           took by then; beside the terminals, a bare window of Quill's toolkit with one line of text
+  memory   proportional memory of the program and what it started, and private memory
+
+A terminal that is missing is named and skipped. The programs are built with
+    cmake --preset release && cmake --build --preset release --target quill bench_glyph_probe bench_bare_window
+
+Usage: bench/terminals.py [--only WHAT ...] [--terminal NAME ...] [--megabytes N] [--presses N]
+"""
+import argparse
+import os
+import random
+import shutil
+import socket
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+import session
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+BUILD = os.path.join(HERE, "..", "build", "release")
+PACKAGES = "libx11-dev libxext-dev libxtst-dev libxdamage-dev"
+STREAM_ROUNDS = 3
+STARTS = 15
+
+# The cursor blinks nowhere, so that a changed pixel is the echo's.
+TERMINALS = {
+    "quill": None,
+    "xterm": ["xterm", "-e"],
+    "rxvt-unicode": ["urxvt", "-e"],
+    "stterm": ["stterm", "-e"],
+    "mlterm": ["mlterm", "-e"],
+    "alacritty": ["alacritty", "-e"],
+    "kitty": ["kitty", "--config", "NONE", "-o", "cursor_blink_interval=0",
+              "-o", "update_check_interval=0"],
+    "konsole": ["konsole", "--nofork", "-e"],
+}
+PACKAGE_OF = {name: name for name in TERMINALS}
+
+
+# ---------------------------------------------------------------- streams
+
+def line_stream(_random, number):
+    return f"{number:08d} pallet 4711 shelf 12-B  the quick brown fox jumps over the lazy dog\r\n"
+
+
+def cursor_stream(rng, _number):
+    return f"\x1b[{rng.randint(1, 24)};{rng.randint(1, 80)}H{chr(rng.randint(97, 122))}"
+
+
+def attribute_stream(rng, number):
+    end = "\r\n" if number % 10 == 9 else " "
+    return f"\x1b[{rng.choice(['1', '4', '5', '7', '1;4', '0;7'])}mword{number % 1000}\x1b[m{end}"
+
+
+def region_stream(_random, number):
+    return f"line {number % 100000} of a region\r\n"
+
+
+def screen_stream(_random, number):
+    rows = (f"screen {number} row {row} ".ljust(79, ".") for row in range(1, 25))
+    return "\x1b[H" + "\r\n".join(rows)
+
+
+# name, what comes before, one piece
+STREAMS = [
+    ("lines", "\x1b[r\x1b[2J\x1b[H", line_stream),
+    ("cursor", "\x1b[r\x1b[2J\x1b[H", cursor_stream),
+    ("attributes", "\x1b[r\x1b[2J\x1b[H", attribute_stream),
+    ("region", "\x1b[2J\x1b[5;20r\x1b[20;1H", region_stream),
+    ("screens", "\x1b[r\x1b[2J\x1b[H", screen_stream),
+]
+
+
+def make_stream(piece, size):
+    rng = random.Random(4711)
+    out, length, number = [], 0, 0
+    while length < size:
+        out.append(piece(rng, number))
+        length += len(out[-1])
+        number += 1
+    return "".join(out).encode()
+
+
+# ---------------------------------------------------------------- programs
+
+def environment(display, home):
+    kept = {name: os.environ[name] for name in ("PATH",) if name in os.environ}
+    return {**kept, "DISPLAY": display, "HOME": home, "XDG_RUNTIME_DIR": home, "LANG": "C.UTF-8",
+            "LIBGL_ALWAYS_SOFTWARE": "1", "SHELL": "/bin/sh", "USER": "bench", "LOGNAME": "bench"}
+
+
+class Bench:
+    """One X server, one listening host, and what runs on them."""
+
+    def __init__(self, options):
+        self.options = options
+        self.server, self.display = start_x()
+        self.home = tempfile.mkdtemp(prefix="quill-bench-")
+        self.root = os.path.join(self.home, "root")
+        os.mkdir(self.root)
+        self.listener = socket.create_server(("127.0.0.1", 0))
+        self.port = self.listener.getsockname()[1]
+        self.program = os.path.abspath(options.program)
+        self.probe = os.path.join(BUILD, "bench", "bench_glyph_probe")
+        self.bare = os.path.join(BUILD, "bench", "bench_bare_window")
+        session.PROGRAM = self.program
+        session.prepare(self.port, self.root, self.display)
+        session.take_old_connections(self.listener)
+
+    def close(self):
+        self.server.terminate()
+        self.server.wait()
+        shutil.rmtree(self.home, ignore_errors=True)
+
+    def environment(self):
+        return environment(self.display, self.home)
+
+    def command(self, name):
+        if name == "quill":
+            return [self.program, "--root", self.root, "--scale", "2"]
+        if name == "bare window":
+            return [self.bare]
+        return TERMINALS[name] + ["telnet", "127.0.0.1", str(self.port)]
+
+    def open(self, name):
+        """A session whose terminal has settled: the process and the host's end."""
+        process = subprocess.Popen(self.command(name), env=self.environment(),
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.listener.settimeout(30)
+        connection, _ = self.listener.accept()
+        connection.settimeout(300)
+        connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        connection.sendall(b"\xff\xfb\x01\xff\xfb\x03\x1b[2J\x1b[H")
+        time.sleep(1.5)
+        connection.sendall(b"\x1b[6n")
+        session.answer_of(connection)
+        return process, connection
+
+    def close_session(self, process, connection):
+        connection.close()
+        process.terminate()
+        try:
+            process.wait(5)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
+        time.sleep(0.5)
+
+    def probe_lines(self, arguments, **more):
+        done = subprocess.run([self.probe] + arguments, env=self.environment(), text=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=200, **more)
+        if done.returncode:
+            raise RuntimeError(done.stderr.strip() or f"the probe ended with {done.returncode}")
+        return [[int(word) for word in line.split()] for line in done.stdout.splitlines()]
+
+
+def start_x():
+    read, write = os.pipe()
+    server = subprocess.Popen(["Xvfb", "-r", "-displayfd", str(write), "-screen", "0", "1280x1024x24",
+                               "-nolisten", "tcp"], pass_fds=[write], stderr=subprocess.DEVNULL)
+    os.close(write)
+    number = os.fdopen(read).readline().strip()
+    return server, ":" + number
+
+
+def processes_of(process):
+    """The program and the ones that it started."""
+    found, waiting = [], [process.pid]
+    while waiting:
+        pid = waiting.pop()
+        found.append(pid)
+        for task in os.listdir(f"/proc/{pid}/task"):
+            try:
+                waiting += [int(p) for p in open(f"/proc/{pid}/task/{task}/children").read().split()]
+            except OSError:
+                pass
+    return found
+
+
+def memory_of(process):
+    """Kilobytes: proportional, private, private and written."""
+    sums = {"Pss": 0, "Private_Clean": 0, "Private_Dirty": 0}
+    for pid in processes_of(process):
+        for line in open(f"/proc/{pid}/smaps_rollup"):
+            name = line.split(":")[0]
+            if name in sums:
+                sums[name] += int(line.split()[1])
+    return sums["Pss"], sums["Private_Clean"] + sums["Private_Dirty"], sums["Private_Dirty"]
+
+
+# ---------------------------------------------------------------- what is measured
+
+def measure_streams(bench, name):
+    process, connection = bench.open(name)
+    figures = []
+    for _, before, piece in STREAMS:
+        data = make_stream(piece, bench.options.megabytes * 1000000)
+        seconds = []
+        for _ in range(STREAM_ROUNDS):
+            connection.sendall(before.encode() + b"\x1b[6n")
+            session.answer_of(connection)
+            time.sleep(0.2)
+            began = time.perf_counter()
+            connection.sendall(data)
+            connection.sendall(b"\x1b[6n")
+            session.answer_of(connection)
+            seconds.append(time.perf_counter() - began)
+        figures.append(len(data) / statistics.median(seconds) / 1e6)
+    bench.close_session(process, connection)
+    return figures
+
+
+def measure_keys(bench, name, rate):
+    process, connection = bench.open(name)
+    connection.setblocking(True)
+    try:
+        rows = bench.probe_lines(["keys", str(connection.fileno()), str(bench.options.presses),
+                                  str(rate)], pass_fds=[connection.fileno()])
+    finally:
+        bench.close_session(process, connection)
+    times = sorted(row[0] / 1000 for row in rows)
+    at = lambda share: times[min(len(times) - 1, int(len(times) * share))]
+    return [statistics.median(times), at(0.95), at(0.99), times[-1]]
+
+
+def measure_start(bench, name):
+    rows = []
+    for _ in range(STARTS):
+        rows += bench.probe_lines(["start"] + bench.command(name))
+        session.take_old_connections(bench.listener)
+    return [statistics.median(row[0] for row in rows) / 1000,
+            statistics.median(row[1] for row in rows) / 1000]
+
+
+def measure_memory(bench, name):
+    if name == "bare window":
+        process, connection = subprocess.Popen(bench.command(name), env=bench.environment()), None
+        time.sleep(2)
+    else:
+        process, connection = bench.open(name)
+    figures = [kilobytes / 1024 for kilobytes in memory_of(process)]
+    bench.close_session(process, connection or socket.socket())
+    return figures
+
+
+# name: procedure, whether the bare window takes part, columns, format, more is better
+MEASURES = {
+    "streams": (measure_streams, False, [f"{name} MB/s" for name, _, _ in STREAMS], "{:.0f}", True),
+    "keys": (lambda bench, name: measure_keys(bench, name, 0), False,
+             ["median ms", "p95", "p99", "most"], "{:.2f}", False),
+    "busy": (lambda bench, name: measure_keys(bench, name, 1000000), False,
+             ["median ms", "p95", "p99", "most"], "{:.2f}", False),
+    "start": (measure_start, True, ["first paint ms", "processor ms"], "{:.1f}", False),
+    "memory": (measure_memory, True, ["proportional MB", "private MB", "private and written MB"],
+               "{:.1f}", False),
+}
+
+
+def ratios(figures, own, more_is_better):
+    pairs = ((ours / theirs, theirs / ours)[not more_is_better] for ours, theirs in zip(own, figures))
+    return [f"{ratio:.2f}" for ratio in pairs]
+
+
+def print_table(what, rows):
+    _, _, columns, form, more_is_better = MEASURES[what]
+    print(f"\n{what}: figures, and how many times better Quill's are")
+    print("| | " + " | ".join(columns) + " | " + " | ".join("ratio" for _ in columns) + " |")
+    print("|---" + "|---:" * (2 * len(columns)) + "|")
+    own = rows.get("quill")
+    for name, figures in rows.items():
+        cells = [form.format(figure) for figure in figures]
+        cells += ratios(figures, own, more_is_better) if own and name != "quill" else [""] * len(cells)
+        print(f"| {name} | " + " | ".join(cells) + " |")
+    sys.stdout.flush()
+
+
+def run(bench, names):
+    for what in bench.options.only or MEASURES:
+        measure, with_bare, _, _, _ = MEASURES[what]
+        rows = {}
+        for name in names + (["bare window"] if with_bare else []):
+            try:
+                rows[name] = measure(bench, name)
+            except (OSError, RuntimeError, subprocess.SubprocessError) as error:
+                print(f"{name}: no figure for {what}: {error}", flush=True)
+                session.take_old_connections(bench.listener)
+        print_table(what, rows)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--only", action="append", choices=list(MEASURES))
+    parser.add_argument("--terminal", action="append", choices=list(TERMINALS))
+    parser.add_argument("--megabytes", type=int, default=10)
+    parser.add_argument("--presses", type=int, default=200)
+    parser.add_argument("--program", default=os.path.join(BUILD, "platform", "qt", "quill"))
+    options = parser.parse_args()
+    for tool in ("Xvfb", "telnet", options.program):
+        if not shutil.which(tool):
+            sys.exit(f"bench/terminals.py: {tool} is missing")
+    for tool in ("bench_glyph_probe", "bench_bare_window"):
+        if not shutil.which(os.path.join(BUILD, "bench", tool)):
+            sys.exit(f"bench/terminals.py: {tool} is not built; it needs {PACKAGES}, and "
+                     "cmake --preset release to find them")
+    names = []
+    for name in options.terminal or TERMINALS:
+        if name == "quill" or shutil.which(TERMINALS[name][0]):
+            names.append(name)
+        else:
+            print(f"{name}: not installed, skipped")
+    bench = Bench(options)
+    try:
+        run(bench, names)
+    finally:
+        bench.close()
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,250 @@
+// What reaches the screen, and when: frames of the running program.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <QScreen>
+#include <random>
+
+#include "platform/qt/frames.h"
+#include "platform/qt/input_panel.h"
+#include "session/session_state.h"
+#include "tests/support/drawn.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/person.h"
+#include "tests/support/sessions.h"
+#include "ui/view/view.h"
+
+namespace {
+
+// What the desktop shows, where Picture() draws anew.
+QImage Glass() {
+    QImage glass;
+    OnWindowThread([&] {
+        glass = QGuiApplication::primaryScreen()
+                    ->grabWindow(DeviceScreen()->winId())
+                    .toImage()
+                    .convertToFormat(QImage::Format_RGB32);
+    });
+    return glass;
+}
+
+bool AllPainted() {
+    for (const Window* window : AllWindows())
+        if (!window->invalid.isEmpty()) return false;
+    return true;
+}
+
+// Everything that the host sent is taken in and painted: its question is answered after it.
+void AwaitRest(FakeHost& host) {
+    host.Send("\033[6n");
+    std::string answer;
+    while (answer.empty() || answer.back() != 'R') {
+        const std::string more = host.Read(1);
+        ASSERT_FALSE(more.empty());
+        answer += more;
+    }
+    ASSERT_TRUE(Eventually(AllPainted));
+}
+
+void ExpectGlassShowsTheGrid(const std::string& after) {
+    const QImage glass = Glass();
+    EXPECT_EQ(glass, Picture().convertToFormat(QImage::Format_RGB32)) << after;
+    std::string grid = TerminalText(), drawn = DrawnText();
+    while (!grid.empty() && grid.back() == '\n') grid.pop_back();
+    while (!drawn.empty() && drawn.back() == '\n') drawn.pop_back();
+    EXPECT_EQ(drawn, grid) << after;
+}
+
+// The windows painted by the first frame that was recorded.
+std::vector<HWND> FirstFrame() {
+    std::vector<HWND> windows;
+    int frames = 0;
+    for (const DrawCall& call : RecordedCalls()) {
+        frames += call.kind == DrawCall::Kind::kFrame;
+        if (frames == 1 && call.kind == DrawCall::Kind::kPaint) windows.push_back(call.window);
+    }
+    return windows;
+}
+
+TEST(Frames, AnEchosFrameHoldsTheTerminalAndTheStatusLine) {
+    FakeHost host;
+    WithSession(host, [&] {
+        for (int i = 0; i < 5; i++) {
+            AwaitRest(host);
+            OnWindowThread([] { StartRecording(); });
+            TypeText("x");
+            EXPECT_EQ(host.Read(1), "x");
+            host.Send("x");
+            ASSERT_TRUE(Eventually([] { return FirstFrame().size() >= 2; }));
+            OnWindowThread([] {
+                EXPECT_EQ(FirstFrame(),
+                          (std::vector<HWND>{session.client_window, session.status_window}));
+                StopRecording();
+            });
+        }
+    });
+}
+
+TEST(Frames, AnEchoPaintsItsRowAlone) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\033[2J\033[7;10H");
+        AwaitRest(host);
+        host.Send("x");
+        AwaitRest(host);
+        OnWindowThread([] {
+            const int height = session.view.cell_height;
+            const QRect painted = FindWindowRecord(session.client_window)->painted.boundingRect();
+            EXPECT_EQ(painted, QRect(0, 6 * height, 80 * session.view.cell_width, height));
+        });
+    });
+}
+
+TEST(Frames, WhatChangesNeitherTextNorCellsPaintsNothing) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\033[2J\033[7;10Hsome text");
+        AwaitRest(host);
+        int before = 0, after = 0;
+        OnWindowThread([&] { before = PaintCount(); });
+        host.Send("\033[1m\033[m\0337\033[1;1H\0338\033[?7h\017");
+        AwaitRest(host);
+        OnWindowThread([&] { after = PaintCount(); });
+        EXPECT_EQ(after, before);
+    });
+}
+
+TEST(Frames, OfAStreamThereIsAtMostOneInSixteenMilliseconds) {
+    FakeHost host;
+    WithSession(host, [&] {
+        using Clock = std::chrono::steady_clock;
+        AwaitRest(host);
+        int before = 0, after = 0;
+        const auto began = Clock::now();
+        OnWindowThread([&] { before = FrameCount(); });
+        for (int i = 0; i < 5000; i++) host.Send("a line of the stream that scrolls by\r\n");
+        AwaitRest(host);
+        OnWindowThread([&] { after = FrameCount(); });
+        const auto passed =
+            std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - began).count();
+        EXPECT_LE(after - before, kFramesAtOnce + 1 + passed / kFrameMilliseconds);
+        EXPECT_GT(after - before, 0);
+    });
+}
+
+std::string RandomPiece(std::mt19937& random) {
+    const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    const std::string place =
+        "\033[" + std::to_string(1 + below(24)) + ';' + std::to_string(1 + below(80)) + 'H';
+    switch (below(8)) {
+        case 0:
+            return place;
+        case 1:
+            return place + "\033[7mreverse\033[m";
+        case 2:
+            return "\r\na line, with_marks";
+        case 3:
+            return "\033[4;18r\033[18;1H\r\nregion\r\n\033[r";
+        case 4:
+            return place + (below(2) ? "\033[K" : "\033[1J");
+        case 5:
+            return below(2) ? "\033[?25l" : "\033[?25h";
+        case 6:
+            return place + "\033[1;4mbold\033[m";
+        default:
+            return place + "\033M" + (below(9) ? "" : "\033[2J");
+    }
+}
+
+TEST(Frames, AfterAnyBurstTheScreenShowsTheGrid) {
+    FakeHost host;
+    WithSession(host, [&] {
+        std::mt19937 random(4711);
+        for (int burst = 0; burst < 40; burst++) {
+            const int pieces = 1 << random() % 10;
+            for (int i = 0; i < pieces; i++) host.Send(RandomPiece(random));
+            AwaitRest(host);
+            ExpectGlassShowsTheGrid("burst " + std::to_string(burst));
+        }
+    });
+}
+
+TEST(Frames, AfterAResizeInAStreamTheScreenShowsTheGrid) {
+    FakeHost host;
+    WithSession(host, [&] {
+        std::mt19937 random(4711);
+        for (const int width : {500, 640, 700, 520}) {
+            for (int i = 0; i < 200; i++) host.Send(RandomPiece(random));
+            ResizeDevice(width, width - 100);
+            for (int i = 0; i < 200; i++) host.Send(RandomPiece(random));
+            AwaitRest(host);
+            ExpectGlassShowsTheGrid("width " + std::to_string(width));
+        }
+    });
+}
+
+TEST(Frames, RowsUnderTheKeyboardLeaveItAlone) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ResizeDevice(640, 260);
+        OnWindowThread([] { ShowInputPanel(true); });
+        for (const int row : {3, 12, 24}) {
+            host.Send("\033[" + std::to_string(row) + ";1H\033[7m" + std::string(80, ' ') +
+                      "\033[m");
+            AwaitRest(host);
+            EXPECT_EQ(Glass(), Picture().convertToFormat(QImage::Format_RGB32)) << row;
+        }
+        OnWindowThread([] { ShowInputPanel(false); });
+        AwaitRest(host);
+        EXPECT_EQ(Glass(), Picture().convertToFormat(QImage::Format_RGB32));
+    });
+}
+
+// Dark points of the status line's text.
+int StatusInk() {
+    const QImage picture = Picture();
+    int dark = 0;
+    OnWindowThread([&] {
+        RECT bar;
+        GetWindowRect(session.status_window, &bar);
+        for (int y = bar.top + 2; y < bar.bottom; y++)
+            for (int x = bar.left; x < bar.right; x++) dark += qGray(picture.pixel(x, y)) < 100;
+    });
+    return dark;
+}
+
+TEST(Frames, TheStatusLineShowsItsTextAlsoBeyondAscii) {
+    FakeHost host;
+    WithSession(host, [&] {
+        int ink[3] = {};
+        const LPCWSTR texts[] = {u"", u"online  row: 1", u"online  row: 1  \u00e9\u00e9\u00e9"};
+        for (int i = 0; i < 3; i++) {
+            OnWindowThread([&] {
+                SetWindowTextW(session.status_window, texts[i]);
+                UpdateWindow(session.status_window);
+            });
+            ink[i] = StatusInk();
+        }
+        EXPECT_EQ(ink[0], 0);
+        EXPECT_GT(ink[1], 20);
+        EXPECT_GT(ink[2], ink[1]);
+    });
+}
+
+TEST(Frames, ARowThatChangesBetweenTheRequestAndThePaintIsNotLost) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\033[2J\033[H");
+        AwaitRest(host);
+        OnWindowThread([] {
+            const RECT first = {0, 0, 100, session.view.cell_height};
+            InvalidateRect(session.client_window, &first, FALSE);
+            session.screen.slots[session.screen.ring_origin + 9][5] = 'x';
+            session.screen.row_changed[9] = 1;
+        });
+        ASSERT_TRUE(Eventually(AllPainted));
+        ExpectGlassShowsTheGrid("a row that nobody asked for");
+    });
+}
+
+}  // namespace

@@ -1,0 +1,178 @@
+// Frames: how many come at once and at what pace, and what one of them paints.
+#include "frames.h"
+
+#include "tests/platform/test_windows.h"
+
+namespace {
+
+constexpr qint64 kMillisecond = 1000000;
+
+// How many frames begin in a time in which every millisecond asks for one.
+int FramesIn(FramePace* pace, qint64 from, qint64 milliseconds) {
+    int frames = 0;
+    for (qint64 i = 0; i < milliseconds; i++) {
+        const qint64 now = from + i * kMillisecond;
+        if (NanosecondsToFrame(*pace, now) > 0) continue;
+        CountFrame(pace, now);
+        frames++;
+    }
+    return frames;
+}
+
+}  // namespace
+
+TEST(FramePace, AFewComeAtOnceAndThenOneEachSixteenMilliseconds) {
+    FramePace pace;
+    EXPECT_EQ(kFramesAtOnce + 1600 / kFrameMilliseconds - 1, FramesIn(&pace, 1000, 1600));
+    for (int second = 2; second < 10; second++)
+        EXPECT_LE(FramesIn(&pace, second * 1000 * kMillisecond, 160), 10 + kFramesAtOnce);
+}
+
+TEST(FramePace, InAStreamNoTwoAreCloserThanAFramesTime) {
+    FramePace pace;
+    qint64 now = 0, last = -1;
+    for (int i = 0; i < 20; i++) {
+        now += NanosecondsToFrame(pace, now);
+        if (i > kFramesAtOnce) {
+            EXPECT_EQ(kFrameMilliseconds * kMillisecond, now - last);
+        }
+        last = now;
+        CountFrame(&pace, now);
+    }
+}
+
+TEST(FramePace, WhatIsHeldBackComesWhenItsTimeIsThere) {
+    FramePace pace;
+    FramesIn(&pace, 0, 100);
+    const qint64 wait = NanosecondsToFrame(pace, 100 * kMillisecond);
+    EXPECT_GT(wait, 0);
+    EXPECT_LE(wait, kFrameMilliseconds * kMillisecond);
+    EXPECT_EQ(0, NanosecondsToFrame(pace, 100 * kMillisecond + wait));
+}
+
+TEST(FramePace, ARestOrAKeyLetsAFewComeAtOnceAgain) {
+    FramePace pace;
+    FramesIn(&pace, 0, 200);
+    EXPECT_EQ(kFramesAtOnce, FramesIn(&pace, 300 * kMillisecond, 4));
+    EXPECT_EQ(0, FramesIn(&pace, 304 * kMillisecond, 4));
+    RestPace(&pace, 308 * kMillisecond);
+    EXPECT_EQ(kFramesAtOnce, FramesIn(&pace, 308 * kMillisecond, 4));
+}
+
+namespace {
+
+class Frames : public WindowTest {
+  protected:
+    void SetUp() override {
+        WindowTest::SetUp();
+        for (int i = 0; i < 3; i++) children[i] = Child(i + 1, 0, 10 * i, 0, 10, 10);
+        PaintAndDo([](HWND) {});
+        RunUntil([this] { return Of(WM_PAINT).size() >= 3; });
+        HurryFrames();
+        heard.clear();
+    }
+    // Every paint is a real one, and does something on its way.
+    void PaintAndDo(const std::function<void(HWND)>& something) {
+        answer = [something](const Heard& now, LRESULT* result) {
+            if (now.message != WM_PAINT) return false;
+            PAINTSTRUCT paint;
+            BeginPaint(now.window, &paint);
+            something(now.window);
+            EndPaint(now.window, &paint);
+            *result = 0;
+            return true;
+        };
+    }
+    void InvalidateAll() {
+        for (const HWND child : children) InvalidateRect(child, nullptr, FALSE);
+    }
+    std::vector<UINT> PaintsAndPosts() const {
+        std::vector<UINT> numbers;
+        for (const Heard& each : heard)
+            if (each.message == WM_PAINT || each.message == kTestMessage)
+                numbers.push_back(each.message);
+        return numbers;
+    }
+
+    HWND children[3] = {};
+};
+
+}  // namespace
+
+TEST_F(Frames, OneFramePaintsAllThatIsInvalidBeforeWhatIsPostedMeanwhile) {
+    PaintAndDo([](HWND window) { PostMessageW(window, kTestMessage, 0, 0); });
+    InvalidateAll();
+    RunUntilIdle();
+    EXPECT_EQ(
+        (std::vector<UINT>{WM_PAINT, WM_PAINT, WM_PAINT, kTestMessage, kTestMessage, kTestMessage}),
+        PaintsAndPosts());
+}
+
+TEST_F(Frames, OneFramePaintsWhatItsOwnPaintsMakeInvalid) {
+    PaintAndDo([this](HWND window) {
+        if (window != children[0]) return;
+        PostMessageW(window, kTestMessage, 0, 0);
+        InvalidateRect(children[2], nullptr, FALSE);
+    });
+    InvalidateRect(children[0], nullptr, FALSE);
+    RunUntilIdle();
+    EXPECT_EQ((std::vector<UINT>{WM_PAINT, WM_PAINT, kTestMessage}), PaintsAndPosts());
+    EXPECT_EQ(1u, Of(WM_PAINT, children[2]).size());
+}
+
+TEST_F(Frames, AWindowThatIsNeverValidIsPaintedOnceAFrameAndStarvesNobody) {
+    PaintAndDo([this](HWND window) {
+        if (window == children[0]) InvalidateRect(window, nullptr, FALSE);
+    });
+    InvalidateRect(children[0], nullptr, FALSE);
+    ASSERT_TRUE(RunUntil([this] { return Of(WM_PAINT, children[0]).size() >= 5; }));
+    for (int i = 0; i < 5; i++) PostMessageW(top, kTestMessage, 0, 0);
+    InvalidateRect(children[1], nullptr, FALSE);
+    InvalidateRect(children[2], nullptr, FALSE);
+    EXPECT_TRUE(RunUntil([this] {
+        return Of(kTestMessage).size() == 5 && Of(WM_PAINT, children[1]).size() == 1 &&
+               Of(WM_PAINT, children[2]).size() == 1;
+    }));
+    PaintAndDo([](HWND) {});
+}
+
+TEST_F(Frames, WhatIsHeldBackIsPaintedInTheEnd) {
+    PaintAndDo([](HWND) {});
+    for (int i = 0; i < 10; i++) {
+        InvalidateAll();
+        RunUntilIdle();
+    }
+    EXPECT_TRUE(RunUntil([this] {
+        for (const HWND child : children)
+            if (!FindWindowRecord(child)->invalid.isEmpty()) return false;
+        return true;
+    }));
+    EXPECT_EQ(Of(WM_PAINT, children[0]).size(), Of(WM_PAINT, children[2]).size());
+}
+
+// Nothing else wakes the queue; the timer would, should the frame not come.
+TEST_F(Frames, WhatIsHeldBackWakesTheSleepingQueue) {
+    PaintAndDo([](HWND) {});
+    SetTimer(top, 7, 3000, nullptr);
+    MSG message = {};
+    for (int i = 0; i < kFramesAtOnce + 3; i++) {
+        InvalidateRect(children[0], nullptr, FALSE);
+        do ASSERT_TRUE(GetMessageW(&message, nullptr, 0, 0));
+        while (message.message != WM_PAINT && message.message != WM_TIMER);
+        ASSERT_EQ(UINT{WM_PAINT}, message.message) << "frame " << i;
+        DispatchMessageW(&message);
+    }
+    KillTimer(top, 7);
+}
+
+TEST_F(Frames, WhatAPaintInvalidatesAfterItsBeginningIsKeptForTheNext) {
+    bool again = true;
+    PaintAndDo([&](HWND window) {
+        const RECT piece = {1, 2, 4, 5};
+        if (std::exchange(again, false)) InvalidateRect(window, &piece, FALSE);
+    });
+    InvalidateRect(children[0], nullptr, FALSE);
+    UpdateWindow(children[0]);
+    EXPECT_EQ(QRect(1, 2, 3, 3), FindWindowRecord(children[0])->invalid.boundingRect());
+    EXPECT_TRUE(RunUntil([this] { return Of(WM_PAINT, children[0]).size() == 2; }));
+}

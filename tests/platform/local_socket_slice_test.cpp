@@ -1,0 +1,64 @@
+// Local sockets between programs of one user.
+#include "platform/qt/local_socket.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+
+namespace {
+
+std::string FreshName() {
+    static int number = 0;
+    return "quill-test-" + std::to_string(getpid()) + '-' + std::to_string(++number);
+}
+
+std::string Heard(int socket) {
+    char bytes[100];
+    AwaitLocally(socket, 5000);
+    const long count = HearLocally(socket, bytes, sizeof bytes);
+    return count < 0 ? "nothing" : std::string(bytes, static_cast<size_t>(count));
+}
+
+}  // namespace
+
+TEST(LocalSocket, CarriesWordsBothWaysAndEndsWithItsCaller) {
+    const std::string name = FreshName();
+    const int listener = ListenLocally(name);
+    ASSERT_GE(listener, 0);
+    EXPECT_LT(AcceptLocally(listener), 0) << "nobody has called";
+    const int caller = CallLocally(name);
+    ASSERT_GE(caller, 0);
+    const int answering = AcceptLocally(listener);
+    ASSERT_GE(answering, 0);
+    char byte;
+    EXPECT_LT(HearLocally(answering, &byte, 1), 0) << "nothing was said";
+    EXPECT_TRUE(SayLocally(caller, "show\n"));
+    EXPECT_EQ(Heard(answering), "show\n");
+    EXPECT_TRUE(SayLocally(answering, "done\n"));
+    EXPECT_EQ(Heard(caller), "done\n");
+    CloseLocally(caller);
+    EXPECT_EQ(Heard(answering), "") << "the caller's end";
+    EXPECT_FALSE(SayLocally(answering, "done\n"));
+    CloseLocally(answering);
+    CloseLocally(listener);
+}
+
+TEST(LocalSocket, ANameIsListenedToOnceAndFreeAfterwards) {
+    const std::string name = FreshName();
+    EXPECT_LT(CallLocally(name), 0);
+    const int listener = ListenLocally(name);
+    ASSERT_GE(listener, 0);
+    EXPECT_LT(ListenLocally(name), 0);
+    CloseLocally(listener);
+    EXPECT_LT(CallLocally(name), 0);
+    const int again = ListenLocally(name);
+    EXPECT_GE(again, 0);
+    CloseLocally(again);
+}
+
+TEST(LocalSocket, LongNamesAreHeldToTheKernelsRoom) {
+    const int listener = ListenLocally(std::string(5000, 'x'));
+    if (listener >= 0) CloseLocally(listener);
+    EXPECT_LT(CallLocally(std::string(5000, 'y')), 0);
+}
