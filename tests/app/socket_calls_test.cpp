@@ -5,7 +5,6 @@
 #include <atomic>
 
 #include "connection/connection.h"
-#include "session/session_state.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
 #include "session/session_state.h"

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "session/session_state.h"
 #include "crypto/rsa.h"
+#include "session/session_state.h"
 
 struct Outside {
     std::string wire;                // what the socket took
