@@ -102,7 +102,7 @@ void HurryFrames() { RestPace(&g_pace, Now()); }
 void SettleFrames() {
     static const bool shared = QGuiApplication::platformName() == "xcb";
     if (!std::exchange(g_unsettled, false) || !shared) return;
-    QBackingStore* store = DeviceScreen() ? DeviceScreen()->backingStore() : nullptr;
+    QBackingStore* store = DeviceScreen() ? ReadyStore(DeviceScreen()) : nullptr;
     if (!store) return;
     store->beginPaint(DeviceScreen()->rect());
     store->endPaint();

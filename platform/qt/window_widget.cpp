@@ -31,6 +31,13 @@ QRegion UncoveredPart(const QWidget* widget, QRegion part) {
 
 }  // namespace
 
+QBackingStore* ReadyStore(const QWidget* top) {
+    QBackingStore* store = top->backingStore();
+    const QWindow* surface = top->windowHandle();
+    const bool ready = store && surface && surface->isExposed() && store->size() == top->size();
+    return ready ? store : nullptr;
+}
+
 WindowWidget::WindowWidget(HWND window, QWidget* parent) : QWidget(parent), window_(window) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
@@ -56,9 +63,8 @@ void WindowWidget::PaintInvalid() {
 // the state that this needs.
 bool WindowWidget::PaintStraight(const QRegion& invalid) {
     QWidget* top = QWidget::window();
-    QBackingStore* store = top->backingStore();
-    QWindow* surface = top->windowHandle();
-    if (!store || !surface || !surface->isExposed() || store->size() != top->size()) return false;
+    QBackingStore* store = ReadyStore(top);
+    if (!store) return false;
     const QPoint corner = mapTo(top, QPoint(0, 0));
     store_region_ = UncoveredPart(this, invalid);
     if (store_region_.isEmpty()) return false;
@@ -68,7 +74,7 @@ bool WindowWidget::PaintStraight(const QRegion& invalid) {
     PaintWindow(region.translated(-corner));
     store_ = nullptr;
     store->endPaint();
-    store->flush(region, surface);
+    store->flush(region, top->windowHandle());
     return true;
 }
 

@@ -7,8 +7,13 @@
 
 #include "slice.h"
 
+class QBackingStore;
 class QPainter;
 class QTouchEvent;
+
+// The store of a desktop window whose picture stands on the screen; null while it has none yet, or
+// one of another size.
+QBackingStore* ReadyStore(const QWidget* top);
 
 class WindowWidget : public QWidget {
     Q_OBJECT
