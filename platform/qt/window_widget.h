@@ -11,7 +11,7 @@ class QBackingStore;
 class QPainter;
 class QTouchEvent;
 
-// The store of a desktop window whose picture stands on the screen; null while it has none yet, or
+// The store of a desktop window that is ready to be drawn on; null while it has none yet, or has
 // one of another size.
 QBackingStore* ReadyStore(const QWidget* top);
 
