@@ -2,7 +2,7 @@
 #include "settings/config_file.h"
 
 #include "settings/store.h"
-#include "text/ansi_text.h"
+#include "text/escape_text.h"
 
 namespace {
 

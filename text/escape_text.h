@@ -1,9 +1,20 @@
-// Escape text: bytes written as text, in which a backslash and up to three octal digits stand for
-// one byte.
+// Text between UTF-16, in which everything is shown and stored, and the ANSI code page, in which
+// everything goes over the wire; and escape text, in which bytes are written as text.
 #ifndef QUILL_TEXT_ESCAPE_TEXT_H
 #define QUILL_TEXT_ESCAPE_TEXT_H
 
 #include "windows_ce.h"
+
+// Converts up to `capacity` - 1 units, fewer where the text ends before, and terminates. Returns
+// the length in bytes. What the code page does not hold becomes its default character.
+int AnsiFromWide(LPCWSTR text, char* bytes, int capacity);
+
+// The other way; returns the length in units.
+int WideFromAnsi(const char* bytes, LPWSTR text, int capacity);
+
+// ---------------------------------------------------------------- escape text
+
+// Bytes written as text: a backslash and up to three octal digits stand for one byte.
 
 // Writes the bytes that `text` stands for, at most `capacity` of them (the rest is dropped),
 // without a terminator, and returns how many. Never more than the text has characters.

@@ -8,8 +8,8 @@
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
-#include "text/ansi_text.h"
 #include "text/byte_reader.h"
+#include "text/escape_text.h"
 
 namespace {
 

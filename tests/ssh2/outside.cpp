@@ -10,7 +10,7 @@
 #include "session/session_send.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
-#include "text/ansi_text.h"
+#include "text/escape_text.h"
 
 Outside outside;
 
