@@ -11,7 +11,7 @@
 #include "settings/settings.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 namespace {
 

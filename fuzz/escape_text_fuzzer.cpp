@@ -12,7 +12,7 @@
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "settings/settings.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 static const SOCKET kSocket = 7;
 static const size_t kResponseBytes = 256;

@@ -3,7 +3,7 @@
 
 #include "session/session_ports.h"
 #include "session/session_state.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 namespace {
 

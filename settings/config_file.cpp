@@ -2,7 +2,7 @@
 #include "settings/config_file.h"
 
 #include "settings/store.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 namespace {
 

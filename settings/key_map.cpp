@@ -2,7 +2,7 @@
 #include "settings/key_map.h"
 
 #include "settings/store.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 // \217 is the 8-bit SS3, \233 the 8-bit CSI. Function keys 1 to 4 and the keys from HOME to PGDN
 // use these, all others the 7-bit forms; so hosts know them.

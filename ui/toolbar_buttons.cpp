@@ -4,7 +4,7 @@
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/toolbars.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
 #include "text/byte_reader.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "session/message_boxes.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 namespace {
 

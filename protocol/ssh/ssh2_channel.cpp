@@ -8,7 +8,7 @@
 #include "protocol/ssh/ssh2_packet.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 namespace {
 

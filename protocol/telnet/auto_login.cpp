@@ -5,7 +5,7 @@
 
 #include "session/session_send.h"
 #include "session/session_state.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 namespace {
 

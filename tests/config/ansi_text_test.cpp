@@ -1,5 +1,5 @@
 // Conversions to and from the ANSI code page, at the bounds of their room.
-#include "text/escape_text.h"
+#include "text/text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Escape text: each rule, and the bounds of the output.
-#include "text/escape_text.h"
+#include "text/text.h"
 
 #include <gtest/gtest.h>
 

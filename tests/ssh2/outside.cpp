@@ -10,7 +10,7 @@
 #include "session/session_send.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 
 Outside outside;
 

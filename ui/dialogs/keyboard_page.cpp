@@ -2,7 +2,7 @@
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/property_pages.h"
 

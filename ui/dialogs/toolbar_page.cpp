@@ -3,7 +3,7 @@
 
 #include "resources/resource_ids.h"
 #include "settings/toolbars.h"
-#include "text/escape_text.h"
+#include "text/text.h"
 #include "ui/dialogs/dialog_tools.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Bounded conversions between UTF-16 and the ANSI code page, and the expansion of escape text.
-#include "text/escape_text.h"
+#include "text/text.h"
 
 template <typename Unit>
 static int BoundedLength(const Unit* text, int most) {

@@ -1,7 +1,7 @@
 // Text between UTF-16, in which everything is shown and stored, and the ANSI code page, in which
 // everything goes over the wire; and escape text, in which bytes are written as text.
-#ifndef QUILL_TEXT_ESCAPE_TEXT_H
-#define QUILL_TEXT_ESCAPE_TEXT_H
+#ifndef QUILL_TEXT_TEXT_H
+#define QUILL_TEXT_TEXT_H
 
 #include "windows_ce.h"
 
