@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "crypto/wipe.h"
 #include "text/byte_order.h"
 
 static const uint16_t kOne[] = {1, 1};

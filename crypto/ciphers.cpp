@@ -5,7 +5,6 @@
 
 #include "crypto/blowfish.h"
 #include "crypto/des.h"
-#include "crypto/wipe.h"
 #include "text/byte_order.h"
 
 // Single DES uses the first of the three.

@@ -6,7 +6,6 @@
 
 #include "crypto/cbc.h"
 #include "crypto/des_tables.h"
-#include "crypto/wipe.h"
 #include "text/byte_order.h"
 
 static constexpr DesRoundTable kRoundTable = MakeDesRoundTable();

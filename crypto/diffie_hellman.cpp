@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "crypto/random.h"
-#include "crypto/wipe.h"
+#include "text/byte_order.h"
 
 // clang-format off
 const uint8_t kDhPrime[128] = {

@@ -3,7 +3,6 @@
 
 #include <cstring>
 
-#include "crypto/wipe.h"
 #include "text/byte_order.h"
 
 static const int kPadSize = 64;

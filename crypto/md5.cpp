@@ -4,7 +4,6 @@
 #include <bit>
 #include <cstring>
 
-#include "crypto/wipe.h"
 #include "text/byte_order.h"
 
 static inline uint32_t F(uint32_t x, uint32_t y, uint32_t z) { return ((y ^ z) & x) ^ z; }

@@ -6,7 +6,6 @@
 #include <cstring>
 
 #include "crypto/sha1_compress.h"
-#include "crypto/wipe.h"
 #include "text/byte_order.h"
 
 static Sha1Compressor BestCompressor() {

@@ -6,7 +6,6 @@
 
 #include "crypto/sha512_compress.h"
 #include "crypto/sha512_rounds.h"
-#include "crypto/wipe.h"
 #include "text/byte_order.h"
 
 // clang-format off

@@ -3,7 +3,6 @@
 
 #include "crypto/ciphers.h"
 #include "crypto/hmac_sha1.h"
-#include "crypto/wipe.h"
 #include "protocol/ssh/ssh1_session.h"
 #include "protocol/ssh/ssh2_session.h"
 #include "protocol/ssh/ssh_session.h"
@@ -11,6 +10,7 @@
 #include "session/session_ports.h"
 #include "session/session_send.h"
 #include "session/session_state.h"
+#include "text/byte_order.h"
 
 namespace {
 

@@ -1,7 +1,8 @@
-// The bounds-checked reader.
-#include "text/byte_reader.h"
-
+// The bounds-checked reader, and the wiping of secrets.
 #include "text/byte_order.h"
+
+#include <cstdlib>
+#include <cstring>
 
 ByteReader ReaderOf(const uint8_t* bytes, int count) { return {bytes, count > 0 ? count : 0}; }
 
@@ -39,4 +40,19 @@ bool TakeString(ByteReader* reader, const uint8_t** bytes, int* length) {
     *length = static_cast<int>(count);
     *reader = ahead;
     return true;
+}
+
+// ---------------------------------------------------------------- wiping
+
+// Read anew at each call, so the compiler cannot know what is called and cannot leave it out.
+static void* (*const volatile kSetMemory)(void*, int, size_t) = memset;
+
+void Wipe(void* memory, size_t size) {
+    if (size != 0) kSetMemory(memory, 0, size);
+}
+
+void WipeAndFree(void* memory, size_t size) {
+    if (memory == nullptr) return;
+    Wipe(memory, size);
+    free(memory);
 }

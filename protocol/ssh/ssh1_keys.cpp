@@ -4,12 +4,10 @@
 #include "crypto/md5.h"
 #include "crypto/random.h"
 #include "crypto/rsa.h"
-#include "crypto/wipe.h"
 #include "protocol/ssh/ssh1_packets.h"
 #include "protocol/ssh/ssh1_session.h"
 #include "session/session_state.h"
 #include "text/byte_order.h"
-#include "text/byte_reader.h"
 
 namespace {
 

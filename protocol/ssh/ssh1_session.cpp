@@ -1,14 +1,13 @@
 // What a session goes through, from the server's key to the end of the shell.
 #include "protocol/ssh/ssh1_session.h"
 
-#include "crypto/wipe.h"
 #include "protocol/ssh/ssh1_packets.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/message_boxes.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
-#include "text/byte_reader.h"
+#include "text/byte_order.h"
 #include "text/text.h"
 
 namespace {

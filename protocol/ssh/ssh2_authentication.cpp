@@ -1,12 +1,12 @@
 // Password authentication of SSH-2.
 #include "protocol/ssh/ssh2_authentication.h"
 
-#include "crypto/wipe.h"
 #include "protocol/ssh/ssh2_packet.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/message_boxes.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
+#include "text/byte_order.h"
 #include "text/text.h"
 
 namespace {

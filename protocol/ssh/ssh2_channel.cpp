@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <bit>
 
-#include "crypto/wipe.h"
 #include "protocol/ssh/ssh2_packet.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
+#include "text/byte_order.h"
 #include "text/text.h"
 
 namespace {

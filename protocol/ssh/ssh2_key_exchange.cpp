@@ -2,12 +2,12 @@
 #include "protocol/ssh/ssh2_key_exchange.h"
 
 #include "crypto/random.h"
-#include "crypto/wipe.h"
 #include "protocol/ssh/ssh2_channel.h"
 #include "protocol/ssh/ssh2_packet.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
+#include "text/byte_order.h"
 
 namespace {
 

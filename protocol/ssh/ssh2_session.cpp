@@ -1,12 +1,12 @@
 // The beginning and the end of an SSH-2 session.
 #include "protocol/ssh/ssh2_session.h"
 
-#include "crypto/wipe.h"
 #include "protocol/ssh/ssh2_channel.h"
 #include "protocol/ssh/ssh2_key_exchange.h"
 #include "protocol/ssh/ssh2_receive.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_state.h"
+#include "text/byte_order.h"
 
 void Ssh2Start(const char* clientVersion, const BYTE* serverVersion, int serverLength) {
     Ssh2Forget();

@@ -6,8 +6,8 @@
 
 #include "crypto/bignum.h"
 #include "crypto/long_division.h"
-#include "crypto/wipe.h"
 #include "crypto_test_support.h"
+#include "text/byte_order.h"
 
 static const int kMaxBits = 2100;
 

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "crypto/long_division.h"
-#include "crypto/wipe.h"
 #include "crypto_test_support.h"
+#include "text/byte_order.h"
 
 static Number Make(int words, std::initializer_list<int> values) {
     Number a(BignumNew(words));

@@ -16,7 +16,6 @@
 #include "crypto/sha1_compress.h"
 #include "crypto/sha512.h"
 #include "crypto/sha512_compress.h"
-#include "crypto/wipe.h"
 #include "crypto_test_support.h"
 #include "tests/support/leftovers.h"
 #include "text/byte_order.h"
