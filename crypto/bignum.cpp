@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static const uint16_t kOne[] = {1, 1};
 static const uint16_t kZero[] = {1, 0};

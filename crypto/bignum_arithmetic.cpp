@@ -5,7 +5,7 @@
 
 #include "crypto/bignum.h"
 #include "crypto/long_division.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 // The working space of one operation, allocated once: a divisor shifted left so that its top bit
 // is bit 15 of its first word, three word arrays, most significant word first, and columns.

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "crypto/cbc.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static inline uint32_t RoundFunction(uint32_t half, const BlowfishContext* context) {
     uint32_t sum = context->boxes[0][half >> 24] + context->boxes[1][half >> 16 & 0xFF];

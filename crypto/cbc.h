@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 inline constexpr int kCipherBlockSize = 8;  // bytes, for DES and for Blowfish
 

@@ -5,7 +5,7 @@
 
 #include "crypto/blowfish.h"
 #include "crypto/des.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 // Single DES uses the first of the three.
 struct DirectionKeys {

@@ -6,7 +6,7 @@
 
 #include "crypto/cbc.h"
 #include "crypto/des_tables.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static constexpr DesRoundTable kRoundTable = MakeDesRoundTable();
 

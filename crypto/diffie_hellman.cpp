@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "crypto/random.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 // clang-format off
 const uint8_t kDhPrime[128] = {

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "crypto/sha1.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static const char kName[] = "ssh-dss";
 static const int kNameLength = 7;

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static const int kPadSize = 64;
 static const uint8_t kInnerPad = 0x36;

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstring>
 
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static inline uint32_t F(uint32_t x, uint32_t y, uint32_t z) { return ((y ^ z) & x) ^ z; }
 

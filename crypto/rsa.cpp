@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "crypto/random.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 // Takes one number in SSH-1 form from the front of *bytes; null when it is not all there.
 static Bignum TakeNumber(const uint8_t** bytes, int* length) {

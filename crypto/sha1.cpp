@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "crypto/sha1_compress.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static Sha1Compressor BestCompressor() {
     Sha1Compressor fast = Sha1CompressWithInstructions();

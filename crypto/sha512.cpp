@@ -6,7 +6,7 @@
 
 #include "crypto/sha512_compress.h"
 #include "crypto/sha512_rounds.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 // clang-format off
 const uint64_t kSha512Constants[80] = {

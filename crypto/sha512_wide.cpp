@@ -11,7 +11,7 @@
 #include <cstring>
 
 #include "crypto/sha512_rounds.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 #define WIDE_TARGET __attribute__((target("avx2,bmi,bmi2")))
 

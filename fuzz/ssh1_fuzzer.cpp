@@ -18,7 +18,7 @@
 #include "session/session_send.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static const SOCKET kSocket = 7;
 

@@ -10,7 +10,7 @@
 #include "session/session_ports.h"
 #include "session/session_send.h"
 #include "session/session_state.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 namespace {
 

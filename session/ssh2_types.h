@@ -7,7 +7,7 @@
 #include "crypto/dss.h"
 #include "crypto/hmac_sha1.h"
 #include "crypto/sha1.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 #include "windows_ce.h"
 
 inline constexpr int kSsh2PacketSize = 65536;  // a packet of the reassembly, and a byte

@@ -1,7 +1,7 @@
 // The fields of packets.
 #include "protocol/ssh/packet_writer.h"
 
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 BYTE* PutByte(BYTE* at, BYTE value) {
     *at = value;

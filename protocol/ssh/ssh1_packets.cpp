@@ -7,7 +7,7 @@
 #include "protocol/ssh/ssh_session.h"
 #include "session/message_boxes.h"
 #include "session/session_state.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 #include "text/text.h"
 
 namespace {

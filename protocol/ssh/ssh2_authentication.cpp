@@ -6,7 +6,7 @@
 #include "session/message_boxes.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 #include "text/text.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include "protocol/ssh/ssh2_packet.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 #include "text/text.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include "crypto/random.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_state.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "protocol/ssh/ssh2_receive.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_state.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 void Ssh2Start(const char* clientVersion, const BYTE* serverVersion, int serverLength) {
     Ssh2Forget();

@@ -7,7 +7,7 @@
 #include "crypto/bignum.h"
 #include "crypto/long_division.h"
 #include "crypto_test_support.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static const int kMaxBits = 2100;
 

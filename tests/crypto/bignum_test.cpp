@@ -5,7 +5,7 @@
 
 #include "crypto/long_division.h"
 #include "crypto_test_support.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static Number Make(int words, std::initializer_list<int> values) {
     Number a(BignumNew(words));

@@ -11,7 +11,7 @@
 #include "crypto/ciphers.h"
 #include "crypto/des.h"
 #include "crypto_test_support.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static const int kRounds = 3000;
 

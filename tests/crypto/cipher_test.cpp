@@ -10,7 +10,7 @@
 #include "crypto/ciphers.h"
 #include "crypto/des.h"
 #include "crypto_test_support.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 static void SetDesKey(DesContext* context, const uint8_t* key) {
     DesSetKey(LoadBig<uint32_t>(key), LoadBig<uint32_t>(key + 4), context);

@@ -9,7 +9,7 @@
 #include "crypto/rsa.h"
 #include "crypto_test_support.h"
 #include "public_key_blobs.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 typedef std::unique_ptr<DssKey, void (*)(DssKey*)> OwnedKey;
 

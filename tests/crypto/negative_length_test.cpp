@@ -12,7 +12,7 @@
 #include "crypto/rsa.h"
 #include "crypto/sha512.h"
 #include "crypto_test_support.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <openssl/bn.h>
 
 #include "crypto/sha1.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 ByteString operator+(ByteString a, const ByteString& b) {
     a.insert(a.end(), b.begin(), b.end());

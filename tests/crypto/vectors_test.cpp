@@ -17,7 +17,7 @@
 #include "crypto/sha512.h"
 #include "crypto/sha512_compress.h"
 #include "crypto_test_support.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 // ---------------------------------------------------------------- hashes
 

@@ -18,7 +18,7 @@
 #include "crypto/sha512_compress.h"
 #include "crypto_test_support.h"
 #include "tests/support/leftovers.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 // ---------------------------------------------------------------- heap
 

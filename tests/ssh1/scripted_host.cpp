@@ -7,7 +7,7 @@
 #include "crypto/crc32.h"
 #include "crypto/md5.h"
 #include "tests/ssh1/outside.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
 #include "tests/support/leftovers.h"
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The bounds-checked reader, and the wiping of secrets.
-#include "text/byte_order.h"
+#include "text/bytes.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -1,7 +1,7 @@
 // Bytes in memory: words to and from them in either byte order, a reader that stays within its
 // bounds, and wiping.
-#ifndef QUILL_TEXT_BYTE_ORDER_H
-#define QUILL_TEXT_BYTE_ORDER_H
+#ifndef QUILL_TEXT_BYTES_H
+#define QUILL_TEXT_BYTES_H
 
 #include <bit>
 #include <cstddef>
