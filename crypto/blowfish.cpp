@@ -1,9 +1,8 @@
 // Blowfish.
-#include "crypto/blowfish.h"
+#include "crypto/cbc.h"
 
 #include <cstring>
 
-#include "crypto/cbc.h"
 #include "text/bytes.h"
 
 static inline uint32_t RoundFunction(uint32_t half, const BlowfishContext* context) {

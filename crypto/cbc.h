@@ -1,13 +1,15 @@
-// Cipher block chaining (FIPS 81) over any cipher whose block is two 32-bit words.
-//
-// Both procedures work on ceil(length / 8) blocks (callers pass whole ones), may have output and
-// input the same, and leave the chaining value in `iv`, so that calls in a row are one stream.
+// The block ciphers: DES, triple DES and Blowfish, block by block and chained (CBC).
 #ifndef QUILL_CRYPTO_CBC_H
 #define QUILL_CRYPTO_CBC_H
 
 #include <cstdint>
 
 #include "text/bytes.h"
+
+// Cipher block chaining (FIPS 81) over any cipher whose block is two 32-bit words.
+//
+// Both procedures work on ceil(length / 8) blocks (callers pass whole ones), may have output and
+// input the same, and leave the chaining value in `iv`, so that calls in a row are one stream.
 
 inline constexpr int kCipherBlockSize = 8;  // bytes, for DES and for Blowfish
 
@@ -95,5 +97,89 @@ inline void CbcDecrypt(uint8_t* output, const uint8_t* input, int length, uint32
     iv[0] = chain.left;
     iv[1] = chain.right;
 }
+
+// ---------------------------------------------------------------- DES
+
+// DES (FIPS 46-3) and triple DES, as blocks and in CBC.
+//
+// A block is two 32-bit words, left and right, big-endian: byte 0 is the top byte of left. Every
+// mode takes lengths and buffers as crypto/cbc.h says, its chaining value in the context.
+//
+// The S-boxes are tables: how long a block takes depends on what the processor holds of them, and
+// so a little on key and text.
+
+// The sixteen round keys, six bits a byte: in `subkeysOdd` for S-boxes 1, 3, 5 and 7 (1 in the top
+// byte), in `subkeysEven` for 2, 4, 6 and 8. Each direction has its chaining value, left and right,
+// so one context can carry an encryption and a decryption stream at once.
+struct DesContext {
+    uint32_t subkeysOdd[16];
+    uint32_t subkeysEven[16];
+    uint32_t encryptIv[2];
+    uint32_t decryptIv[2];
+};
+
+// Takes the eight key bytes as two big-endian words (parity bits are not looked at) and clears
+// both chaining values.
+void DesSetKey(uint32_t leftWord, uint32_t rightWord, DesContext* context);
+// One block; output[0] is left, output[1] right.
+void DesEncryptBlock(uint32_t left, uint32_t right, uint32_t output[2], const DesContext* context);
+void DesDecryptBlock(uint32_t left, uint32_t right, uint32_t output[2], const DesContext* context);
+
+// DES in CBC, chained through encryptIv and decryptIv.
+void DesCbcEncrypt(uint8_t* output, const uint8_t* input, int length, DesContext* context);
+void DesCbcDecrypt(uint8_t* output, const uint8_t* input, int length, DesContext* context);
+
+// Triple DES (encrypt K1, decrypt K2, encrypt K3) as one block function inside one CBC chain, kept
+// in the first context: the "3des-cbc" of SSH-2 (RFC 4253, 6.3).
+void TripleDesCbcEncrypt(uint8_t* output, const uint8_t* input, int length, DesContext contexts[3]);
+void TripleDesCbcDecrypt(uint8_t* output, const uint8_t* input, int length, DesContext contexts[3]);
+
+// Three whole CBC passes, one a key, each with its own chaining value: the triple DES of SSH-1.
+// Encryption goes through K1's encryptIv, K2's decryptIv and K3's encryptIv, decryption through
+// the other three.
+void TripleDesPassesEncrypt(uint8_t* output, const uint8_t* input, int length,
+                            DesContext contexts[3]);
+void TripleDesPassesDecrypt(uint8_t* output, const uint8_t* input, int length,
+                            DesContext contexts[3]);
+
+// ---------------------------------------------------------------- Blowfish
+
+// Blowfish (B. Schneier, "Description of a New Variable-Length Key, 64-Bit Block Cipher", 1993):
+// sixteen rounds, as a block function and in CBC with big-endian and with little-endian blocks.
+//
+// Every mode takes lengths and buffers as crypto/cbc.h says, its chaining value in the context.
+//
+// The S-boxes are tables: how long a block takes depends on what the processor holds of them, and
+// so a little on key and text.
+
+struct BlowfishContext {
+    uint32_t boxes[4][256];
+    uint32_t p[18];
+    uint32_t iv[2];  // chaining value, left and right; one direction a context
+};
+
+// The hexadecimal digits of pi behind the point: first the P-array, then the boxes.
+extern const uint32_t kBlowfishP[18];
+extern const uint32_t kBlowfishBoxes[4][256];
+
+// Schedules keyLength bytes of key (1 to 72; none leaves the context untouched). `iv` stays.
+void BlowfishSetKey(BlowfishContext* context, const uint8_t* key, int keyLength);
+// One block; output[0] is left, output[1] right.
+void BlowfishEncryptBlock(uint32_t left, uint32_t right, uint32_t output[2],
+                          const BlowfishContext* context);
+void BlowfishDecryptBlock(uint32_t left, uint32_t right, uint32_t output[2],
+                          const BlowfishContext* context);
+
+// CBC with big-endian blocks: the "blowfish-cbc" of SSH-2 (RFC 4253, 6.3).
+void BlowfishCbcEncrypt(uint8_t* output, const uint8_t* input, int length,
+                        BlowfishContext* context);
+void BlowfishCbcDecrypt(uint8_t* output, const uint8_t* input, int length,
+                        BlowfishContext* context);
+
+// CBC with little-endian blocks (byte 0 is the lowest byte of left): what SSH-1 peers use.
+void BlowfishLittleCbcEncrypt(uint8_t* output, const uint8_t* input, int length,
+                              BlowfishContext* context);
+void BlowfishLittleCbcDecrypt(uint8_t* output, const uint8_t* input, int length,
+                              BlowfishContext* context);
 
 #endif

@@ -3,8 +3,7 @@
 
 #include <cstring>
 
-#include "crypto/blowfish.h"
-#include "crypto/des.h"
+#include "crypto/cbc.h"
 #include "text/bytes.h"
 
 // Single DES uses the first of the three.

@@ -7,9 +7,8 @@
 #include <string>
 #include <tuple>
 
-#include "crypto/blowfish.h"
+#include "crypto/cbc.h"
 #include "crypto/ciphers.h"
-#include "crypto/des.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"
 

@@ -6,9 +6,8 @@
 #include <cstring>
 #include <functional>
 
-#include "crypto/blowfish.h"
+#include "crypto/cbc.h"
 #include "crypto/ciphers.h"
-#include "crypto/des.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"
 

@@ -4,9 +4,8 @@
 #include <climits>
 #include <cstring>
 
-#include "crypto/blowfish.h"
+#include "crypto/cbc.h"
 #include "crypto/crc32.h"
-#include "crypto/des.h"
 #include "crypto/hmac_sha1.h"
 #include "crypto/md5.h"
 #include "crypto/rsa.h"

@@ -5,9 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "crypto/blowfish.h"
+#include "crypto/cbc.h"
 #include "crypto/crc32.h"
-#include "crypto/des.h"
 #include "crypto/diffie_hellman.h"
 #include "crypto/dss.h"
 #include "crypto/hmac_sha1.h"

@@ -6,9 +6,8 @@
 #include <cstring>
 #include <functional>
 
-#include "crypto/blowfish.h"
+#include "crypto/cbc.h"
 #include "crypto/ciphers.h"
-#include "crypto/des.h"
 #include "crypto/diffie_hellman.h"
 #include "crypto/hmac_sha1.h"
 #include "crypto/md5.h"

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "crypto/blowfish.h"
-#include "crypto/des.h"
+#include "crypto/cbc.h"
 
 inline constexpr int kDesNumber = 2;
 inline constexpr int kTripleDesNumber = 3;
