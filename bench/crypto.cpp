@@ -20,7 +20,7 @@
 #include <vector>
 
 #include "crypto/bignum.h"
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 #include "crypto/long_division.h"
 #include "crypto/md5.h"
 #include "crypto/sha1.h"

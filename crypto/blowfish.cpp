@@ -1,5 +1,5 @@
 // Blowfish.
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 
 #include <cstring>
 

@@ -1,5 +1,5 @@
 // The hexadecimal digits of pi that start the Blowfish key schedule.
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 
 // clang-format off
 const uint32_t kBlowfishP[18] = {

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 #include "text/bytes.h"
 
 // Single DES uses the first of the three.

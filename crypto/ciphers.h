@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 
 // A cipher of SSH-2. Keys must be set before IVs: a key of "3des-cbc" clears them. The order is
 // setOutgoingKey, setIncomingKey, setOutgoingIv, setIncomingIv.

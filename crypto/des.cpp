@@ -2,7 +2,7 @@
 //
 // Both halves of a block are kept expanded (DesExpand) through all rounds: the tables give what
 // an S-box contributes in that form already, so a round is eight look-ups by byte and their XOR.
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 
 #include "crypto/des_tables.h"
 #include "text/bytes.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <tuple>
 
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 #include "crypto/ciphers.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <functional>
 
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 #include "crypto/ciphers.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"

@@ -4,7 +4,7 @@
 #include <climits>
 #include <cstring>
 
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 #include "crypto/crc32.h"
 #include "crypto/hmac_sha1.h"
 #include "crypto/md5.h"

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 #include "crypto/crc32.h"
 #include "crypto/diffie_hellman.h"
 #include "crypto/dss.h"

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <functional>
 
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 #include "crypto/ciphers.h"
 #include "crypto/diffie_hellman.h"
 #include "crypto/hmac_sha1.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "crypto/cbc.h"
+#include "crypto/block_ciphers.h"
 
 inline constexpr int kDesNumber = 2;
 inline constexpr int kTripleDesNumber = 3;

@@ -1,6 +1,6 @@
 // The block ciphers: DES, triple DES and Blowfish, block by block and chained (CBC).
-#ifndef QUILL_CRYPTO_CBC_H
-#define QUILL_CRYPTO_CBC_H
+#ifndef QUILL_CRYPTO_BLOCK_CIPHERS_H
+#define QUILL_CRYPTO_BLOCK_CIPHERS_H
 
 #include <cstdint>
 
