@@ -22,11 +22,7 @@
 #include "crypto/bignum.h"
 #include "crypto/block_ciphers.h"
 #include "crypto/long_division.h"
-#include "crypto/md5.h"
 #include "crypto/sha1.h"
-#include "crypto/sha1_compress.h"
-#include "crypto/sha512.h"
-#include "crypto/sha512_compress.h"
 #include "windows_ce.h"
 
 // Nothing here draws random numbers.

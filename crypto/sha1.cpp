@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "crypto/sha1_compress.h"
 #include "text/bytes.h"
 
 static Sha1Compressor BestCompressor() {

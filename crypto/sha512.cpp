@@ -1,10 +1,9 @@
 // SHA-512: buffering, padding and the portable compression function.
-#include "crypto/sha512.h"
+#include "crypto/sha1.h"
 
 #include <bit>
 #include <cstring>
 
-#include "crypto/sha512_compress.h"
 #include "crypto/sha512_rounds.h"
 #include "text/bytes.h"
 

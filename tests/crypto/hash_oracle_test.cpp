@@ -4,11 +4,7 @@
 #include <openssl/hmac.h>
 
 #include "crypto/hmac_sha1.h"
-#include "crypto/md5.h"
 #include "crypto/sha1.h"
-#include "crypto/sha1_compress.h"
-#include "crypto/sha512.h"
-#include "crypto/sha512_compress.h"
 #include "crypto_test_support.h"
 
 static const int kRounds = 4000;

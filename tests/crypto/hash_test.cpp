@@ -6,9 +6,7 @@
 #include <cstring>
 
 #include "crypto/hmac_sha1.h"
-#include "crypto/md5.h"
 #include "crypto/sha1.h"
-#include "crypto/sha512.h"
 #include "crypto_test_support.h"
 
 static std::string Sha1Hex(const ByteString& message) {

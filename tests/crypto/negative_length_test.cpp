@@ -7,9 +7,8 @@
 #include "crypto/block_ciphers.h"
 #include "crypto/crc32.h"
 #include "crypto/hmac_sha1.h"
-#include "crypto/md5.h"
 #include "crypto/rsa.h"
-#include "crypto/sha512.h"
+#include "crypto/sha1.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"
 

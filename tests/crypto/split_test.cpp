@@ -4,11 +4,7 @@
 #include <openssl/evp.h>
 
 #include "crypto/ciphers.h"
-#include "crypto/md5.h"
 #include "crypto/sha1.h"
-#include "crypto/sha1_compress.h"
-#include "crypto/sha512.h"
-#include "crypto/sha512_compress.h"
 #include "crypto_test_support.h"
 
 // ---------------------------------------------------------------- hashes

@@ -10,11 +10,7 @@
 #include "crypto/diffie_hellman.h"
 #include "crypto/dss.h"
 #include "crypto/hmac_sha1.h"
-#include "crypto/md5.h"
 #include "crypto/sha1.h"
-#include "crypto/sha1_compress.h"
-#include "crypto/sha512.h"
-#include "crypto/sha512_compress.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"
 
