@@ -21,8 +21,8 @@
 
 #include "crypto/bignum.h"
 #include "crypto/block_ciphers.h"
+#include "crypto/hashes.h"
 #include "crypto/long_division.h"
-#include "crypto/sha1.h"
 #include "windows_ce.h"
 
 // Nothing here draws random numbers.

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "crypto/sha1.h"
+#include "crypto/hashes.h"
 #include "text/bytes.h"
 
 static const char kName[] = "ssh-dss";

@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "crypto/sha1.h"
+#include "crypto/hashes.h"
 
 inline constexpr int kMacKeySize = 20;  // bytes of key that hmac-sha1 takes
 

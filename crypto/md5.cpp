@@ -1,5 +1,5 @@
 // MD5. The names F, G, H, I, the shift amounts and the constants are those of RFC 1321.
-#include "crypto/sha1.h"
+#include "crypto/hashes.h"
 
 #include <bit>
 #include <cstring>

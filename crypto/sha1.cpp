@@ -1,5 +1,5 @@
 // SHA-1: buffering, padding and the portable compression function.
-#include "crypto/sha1.h"
+#include "crypto/hashes.h"
 
 #include <bit>
 #include <cstdlib>

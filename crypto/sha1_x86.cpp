@@ -1,6 +1,6 @@
 // SHA-1 with the SHA instructions of x86 processors. Only these reach the speed of other
 // libraries on a processor that has them; whether it has is asked once, at start.
-#include "crypto/sha1.h"
+#include "crypto/hashes.h"
 
 #if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
 

@@ -3,7 +3,7 @@
 // The message schedules of two blocks are made side by side, while the rounds of the first run;
 // the rounds themselves stay scalar. It is plain C++ over vectors, translated for more of the
 // processor: without it, the speed of other libraries is out of reach on such a machine.
-#include "crypto/sha1.h"
+#include "crypto/hashes.h"
 
 #if defined(__x86_64__) && defined(__GNUC__)
 

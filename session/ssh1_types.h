@@ -3,7 +3,7 @@
 #define QUILL_SESSION_SSH1_TYPES_H
 
 #include "crypto/ciphers.h"
-#include "crypto/sha1.h"
+#include "crypto/hashes.h"
 #include "windows_ce.h"
 
 inline constexpr int kSsh1PacketSize = 65536;  // any packet that is sent or handled, length and all

@@ -5,8 +5,8 @@
 #include "crypto/ciphers.h"
 #include "crypto/diffie_hellman.h"
 #include "crypto/dss.h"
+#include "crypto/hashes.h"
 #include "crypto/hmac_sha1.h"
-#include "crypto/sha1.h"
 #include "text/bytes.h"
 #include "windows_ce.h"
 

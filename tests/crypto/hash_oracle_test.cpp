@@ -3,8 +3,8 @@
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
 
+#include "crypto/hashes.h"
 #include "crypto/hmac_sha1.h"
-#include "crypto/sha1.h"
 #include "crypto_test_support.h"
 
 static const int kRounds = 4000;

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "crypto/hashes.h"
 #include "crypto/hmac_sha1.h"
-#include "crypto/sha1.h"
 #include "crypto_test_support.h"
 
 static std::string Sha1Hex(const ByteString& message) {

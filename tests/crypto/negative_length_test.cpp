@@ -6,9 +6,9 @@
 
 #include "crypto/block_ciphers.h"
 #include "crypto/crc32.h"
+#include "crypto/hashes.h"
 #include "crypto/hmac_sha1.h"
 #include "crypto/rsa.h"
-#include "crypto/sha1.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"
 

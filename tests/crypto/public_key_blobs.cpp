@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <openssl/bn.h>
 
-#include "crypto/sha1.h"
+#include "crypto/hashes.h"
 #include "text/bytes.h"
 
 ByteString operator+(ByteString a, const ByteString& b) {

@@ -4,7 +4,7 @@
 #include <openssl/evp.h>
 
 #include "crypto/ciphers.h"
-#include "crypto/sha1.h"
+#include "crypto/hashes.h"
 #include "crypto_test_support.h"
 
 // ---------------------------------------------------------------- hashes

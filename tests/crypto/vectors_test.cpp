@@ -9,8 +9,8 @@
 #include "crypto/crc32.h"
 #include "crypto/diffie_hellman.h"
 #include "crypto/dss.h"
+#include "crypto/hashes.h"
 #include "crypto/hmac_sha1.h"
-#include "crypto/sha1.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"
 

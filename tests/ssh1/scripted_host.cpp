@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "crypto/crc32.h"
-#include "crypto/sha1.h"
+#include "crypto/hashes.h"
 #include "tests/ssh1/outside.h"
 #include "text/bytes.h"
 

@@ -1,6 +1,6 @@
 // The hashes: MD5, SHA-1 and SHA-512, each as a context that takes pieces of any length.
-#ifndef QUILL_CRYPTO_SHA1_H
-#define QUILL_CRYPTO_SHA1_H
+#ifndef QUILL_CRYPTO_HASHES_H
+#define QUILL_CRYPTO_HASHES_H
 
 #include <cstdint>
 
