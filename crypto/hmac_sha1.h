@@ -1,13 +1,25 @@
-// HMAC-SHA1 (RFC 2104) and the "hmac-sha1" of SSH-2 (RFC 4253, 6.4).
-//
-// One thing differs from RFC 2104: a key longer than 64 bytes is cut to its first 64 bytes and not
-// hashed first. The keys of SSH-2 have 20 bytes.
+// What ends a packet and proves it: the CRC-32 of SSH-1 and the HMAC-SHA1 of SSH-2.
 #ifndef QUILL_CRYPTO_HMAC_SHA1_H
 #define QUILL_CRYPTO_HMAC_SHA1_H
 
 #include <cstdint>
 
 #include "crypto/hashes.h"
+
+// ---------------------------------------------------------------- CRC-32
+
+// CRC-32 as SSH-1 packets carry it: reflected polynomial 0xEDB88320, initial value 0 and no final
+// inversion (the common CRC-32 has both, so its results differ).
+
+// The CRC of `length` bytes; 0 for length 0.
+uint32_t Crc32(const uint8_t* bytes, int length);
+
+// ---------------------------------------------------------------- HMAC-SHA1
+
+// HMAC-SHA1 (RFC 2104) and the "hmac-sha1" of SSH-2 (RFC 4253, 6.4).
+//
+// One thing differs from RFC 2104: a key longer than 64 bytes is cut to its first 64 bytes and not
+// hashed first. The keys of SSH-2 have 20 bytes.
 
 inline constexpr int kMacKeySize = 20;  // bytes of key that hmac-sha1 takes
 

@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "crypto/block_ciphers.h"
-#include "crypto/crc32.h"
 #include "crypto/hashes.h"
 #include "crypto/hmac_sha1.h"
 #include "crypto/rsa.h"

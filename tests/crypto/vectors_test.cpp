@@ -6,7 +6,6 @@
 #include <cstring>
 
 #include "crypto/block_ciphers.h"
-#include "crypto/crc32.h"
 #include "crypto/diffie_hellman.h"
 #include "crypto/dss.h"
 #include "crypto/hashes.h"

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <cstring>
 
-#include "crypto/crc32.h"
 #include "crypto/hashes.h"
+#include "crypto/hmac_sha1.h"
 #include "tests/ssh1/outside.h"
 #include "text/bytes.h"
 
