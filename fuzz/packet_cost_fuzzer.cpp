@@ -8,7 +8,7 @@
 //   4   SSH-1 with a shell open
 #include <string>
 
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "protocol/protocols.h"
 #include "protocol/ssh/ssh2_packet.h"
 #include "protocol/ssh/ssh2_session.h"

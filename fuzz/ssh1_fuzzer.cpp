@@ -11,7 +11,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "protocol/protocols.h"
 #include "protocol/telnet/telnet_session.h"
 #include "session/session_ports.h"

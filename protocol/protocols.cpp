@@ -2,7 +2,7 @@
 #include "protocol/protocols.h"
 
 #include "crypto/ciphers.h"
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "protocol/ssh/ssh1_session.h"
 #include "protocol/ssh/ssh2_session.h"
 #include "protocol/ssh/ssh_session.h"

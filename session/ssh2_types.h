@@ -6,7 +6,7 @@
 #include "crypto/diffie_hellman.h"
 #include "crypto/dss.h"
 #include "crypto/hashes.h"
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "text/bytes.h"
 #include "windows_ce.h"
 

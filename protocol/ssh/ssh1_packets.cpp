@@ -1,7 +1,7 @@
 // Building, gathering and checking of packets.
 #include "protocol/ssh/ssh1_packets.h"
 
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "crypto/random.h"
 #include "protocol/ssh/ssh1_session.h"
 #include "protocol/ssh/ssh_session.h"

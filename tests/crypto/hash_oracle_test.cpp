@@ -4,7 +4,7 @@
 #include <openssl/hmac.h>
 
 #include "crypto/hashes.h"
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "crypto_test_support.h"
 
 static const int kRounds = 4000;

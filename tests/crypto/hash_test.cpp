@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "crypto/hashes.h"
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "crypto_test_support.h"
 
 static std::string Sha1Hex(const ByteString& message) {

@@ -6,7 +6,7 @@
 
 #include "crypto/block_ciphers.h"
 #include "crypto/hashes.h"
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "crypto/rsa.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <set>
 
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "crypto_test_support.h"
 
 static std::vector<int> Sequence(int milliseconds) {

@@ -10,7 +10,7 @@
 #include "crypto/ciphers.h"
 #include "crypto/diffie_hellman.h"
 #include "crypto/hashes.h"
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "crypto/rsa.h"
 #include "crypto_test_support.h"
 #include "tests/support/leftovers.h"

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "crypto/hashes.h"
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "tests/ssh1/outside.h"
 #include "text/bytes.h"
 

@@ -1,7 +1,7 @@
 // Secrets are wiped as soon as they are spent, and all of them at the end of the session.
 #include "connection/socket_event.h"
 #include "crypto/ciphers.h"
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 #include "protocol/ssh/ssh2_authentication.h"
 #include "tests/ssh2/conversation.h"
 #include "tests/support/leftovers.h"

@@ -1,5 +1,5 @@
 // CRC-32, one byte at a time through a table; HMAC-SHA1, one-shot and as the MAC of SSH-2.
-#include "crypto/hmac_sha1.h"
+#include "crypto/packet_checks.h"
 
 #include <cstring>
 
