@@ -1,5 +1,5 @@
 // ssh-dss: keys and signatures.
-#include "crypto/dss.h"
+#include "crypto/diffie_hellman.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -1,5 +1,5 @@
 // RSA encryption of SSH-1.
-#include "crypto/rsa.h"
+#include "crypto/diffie_hellman.h"
 
 #include <cstring>
 

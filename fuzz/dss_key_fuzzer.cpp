@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "crypto/dss.h"
+#include "crypto/diffie_hellman.h"
 
 static const int kMaxBits = 256;
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "crypto/rsa.h"
+#include "crypto/diffie_hellman.h"
 
 static const int kMaxBytes = 64;
 

@@ -4,7 +4,6 @@
 
 #include "crypto/ciphers.h"
 #include "crypto/diffie_hellman.h"
-#include "crypto/dss.h"
 #include "crypto/hashes.h"
 #include "crypto/packet_checks.h"
 #include "text/bytes.h"

@@ -5,8 +5,7 @@
 
 #include <memory>
 
-#include "crypto/dss.h"
-#include "crypto/rsa.h"
+#include "crypto/diffie_hellman.h"
 #include "crypto_test_support.h"
 #include "public_key_blobs.h"
 #include "text/bytes.h"

@@ -8,10 +8,8 @@
 #include <cstring>
 
 #include "crypto/diffie_hellman.h"
-#include "crypto/dss.h"
 #include "crypto/hashes.h"
 #include "crypto/random.h"
-#include "crypto/rsa.h"
 #include "crypto_test_support.h"
 #include "public_key_blobs.h"
 

@@ -7,7 +7,6 @@
 
 #include "crypto/block_ciphers.h"
 #include "crypto/diffie_hellman.h"
-#include "crypto/dss.h"
 #include "crypto/hashes.h"
 #include "crypto/packet_checks.h"
 #include "crypto_test_support.h"

@@ -11,7 +11,6 @@
 #include "crypto/diffie_hellman.h"
 #include "crypto/hashes.h"
 #include "crypto/packet_checks.h"
-#include "crypto/rsa.h"
 #include "crypto_test_support.h"
 #include "tests/support/leftovers.h"
 #include "text/bytes.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "crypto/rsa.h"
+#include "crypto/diffie_hellman.h"
 #include "session/session_state.h"
 
 struct Outside {
