@@ -1,5 +1,5 @@
 // Diffie-Hellman over the Oakley Group 2.
-#include "crypto/diffie_hellman.h"
+#include "crypto/public_key.h"
 
 #include <cstdlib>
 

@@ -1,5 +1,5 @@
 // ssh-dss: keys and signatures.
-#include "crypto/diffie_hellman.h"
+#include "crypto/public_key.h"
 
 #include <cstdlib>
 #include <cstring>

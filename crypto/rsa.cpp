@@ -1,5 +1,5 @@
 // RSA encryption of SSH-1.
-#include "crypto/diffie_hellman.h"
+#include "crypto/public_key.h"
 
 #include <cstring>
 

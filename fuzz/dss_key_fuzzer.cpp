@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "crypto/diffie_hellman.h"
+#include "crypto/public_key.h"
 
 static const int kMaxBits = 256;
 

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "crypto/diffie_hellman.h"
+#include "crypto/public_key.h"
 
 static DssKey* KeyOf(const char* p, const char* q, const char* g, const char* y);
 

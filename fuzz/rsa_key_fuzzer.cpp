@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "crypto/diffie_hellman.h"
+#include "crypto/public_key.h"
 
 static const int kMaxBytes = 64;
 

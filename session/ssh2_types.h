@@ -3,9 +3,9 @@
 #define QUILL_SESSION_SSH2_TYPES_H
 
 #include "crypto/ciphers.h"
-#include "crypto/diffie_hellman.h"
 #include "crypto/hashes.h"
 #include "crypto/packet_checks.h"
+#include "crypto/public_key.h"
 #include "text/bytes.h"
 #include "windows_ce.h"
 

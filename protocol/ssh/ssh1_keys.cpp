@@ -1,8 +1,8 @@
 // The session key under the server's two keys, and the cipher that takes it.
 #include <iterator>
 
-#include "crypto/diffie_hellman.h"
 #include "crypto/hashes.h"
+#include "crypto/public_key.h"
 #include "crypto/random.h"
 #include "protocol/ssh/ssh1_packets.h"
 #include "protocol/ssh/ssh1_session.h"

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "crypto/diffie_hellman.h"
+#include "crypto/public_key.h"
 #include "crypto_test_support.h"
 #include "public_key_blobs.h"
 #include "text/bytes.h"

@@ -7,8 +7,8 @@
 
 #include <cstring>
 
-#include "crypto/diffie_hellman.h"
 #include "crypto/hashes.h"
+#include "crypto/public_key.h"
 #include "crypto/random.h"
 #include "crypto_test_support.h"
 #include "public_key_blobs.h"

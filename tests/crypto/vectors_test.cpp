@@ -6,9 +6,9 @@
 #include <cstring>
 
 #include "crypto/block_ciphers.h"
-#include "crypto/diffie_hellman.h"
 #include "crypto/hashes.h"
 #include "crypto/packet_checks.h"
+#include "crypto/public_key.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"
 

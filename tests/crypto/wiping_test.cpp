@@ -8,9 +8,9 @@
 
 #include "crypto/block_ciphers.h"
 #include "crypto/ciphers.h"
-#include "crypto/diffie_hellman.h"
 #include "crypto/hashes.h"
 #include "crypto/packet_checks.h"
+#include "crypto/public_key.h"
 #include "crypto_test_support.h"
 #include "tests/support/leftovers.h"
 #include "text/bytes.h"

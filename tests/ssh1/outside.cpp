@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "crypto/diffie_hellman.h"
+#include "crypto/public_key.h"
 #include "protocol/protocols.h"
 #include "protocol/telnet/telnet_session.h"
 #include "session/session_ports.h"

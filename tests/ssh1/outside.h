@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "crypto/diffie_hellman.h"
+#include "crypto/public_key.h"
 #include "session/session_state.h"
 
 struct Outside {

@@ -1,6 +1,6 @@
 // The public-key operations: RSA for SSH-1, host keys and the key agreement of SSH-2.
-#ifndef QUILL_CRYPTO_DIFFIE_HELLMAN_H
-#define QUILL_CRYPTO_DIFFIE_HELLMAN_H
+#ifndef QUILL_CRYPTO_PUBLIC_KEY_H
+#define QUILL_CRYPTO_PUBLIC_KEY_H
 
 #include <cstdint>
 
