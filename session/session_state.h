@@ -9,8 +9,7 @@
 #include <atomic>
 
 #include "session/settings_types.h"
-#include "session/ssh_types.h"
-#include "session/telnet_types.h"
+#include "session/ssh2_types.h"
 #include "session/terminal_types.h"
 #include "windows_ce.h"
 
