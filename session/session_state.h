@@ -8,8 +8,8 @@
 
 #include <atomic>
 
+#include "session/protocol_types.h"
 #include "session/settings_types.h"
-#include "session/ssh2_types.h"
 #include "session/terminal_types.h"
 #include "windows_ce.h"
 

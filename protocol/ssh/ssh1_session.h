@@ -3,7 +3,7 @@
 #ifndef QUILL_PROTOCOL_SSH_SSH1_SESSION_H
 #define QUILL_PROTOCOL_SSH_SSH1_SESSION_H
 
-#include "session/ssh2_types.h"
+#include "session/protocol_types.h"
 
 extern const Protocol kSsh1Protocol;
 

@@ -2,7 +2,7 @@
 #ifndef QUILL_PROTOCOL_TELNET_TELNET_SESSION_H
 #define QUILL_PROTOCOL_TELNET_TELNET_SESSION_H
 
-#include "session/ssh2_types.h"
+#include "session/protocol_types.h"
 
 extern const Protocol kTelnetProtocol;
 

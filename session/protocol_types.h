@@ -1,6 +1,6 @@
 // The protocols: what a session needs of one, and their sections of the session record.
-#ifndef QUILL_SESSION_SSH2_TYPES_H
-#define QUILL_SESSION_SSH2_TYPES_H
+#ifndef QUILL_SESSION_PROTOCOL_TYPES_H
+#define QUILL_SESSION_PROTOCOL_TYPES_H
 
 #include "crypto/ciphers.h"
 #include "crypto/hashes.h"
