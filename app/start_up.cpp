@@ -5,7 +5,6 @@
 #include "connection/receive_thread.h"
 #include "protocol/protocols.h"
 #include "resources/resource_ids.h"
-#include "session/message_boxes.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "settings/settings.h"

@@ -5,7 +5,6 @@
 #include "protocol/protocols.h"
 #include "protocol/telnet/auto_login.h"
 #include "protocol/telnet/telnet_engine.h"
-#include "session/message_boxes.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "settings/settings.h"

@@ -2,7 +2,7 @@
 #include "connection/dialling.h"
 
 #include "connection/connection.h"
-#include "session/message_boxes.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
 

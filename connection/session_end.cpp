@@ -2,7 +2,6 @@
 #include "connection/connection.h"
 #include "connection/dialling.h"
 #include "protocol/protocols.h"
-#include "session/message_boxes.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 

@@ -8,7 +8,6 @@
 
 #include "protocol/telnet/telnet_send.h"
 #include "session/session_ports.h"
-#include "session/session_send.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "settings/settings.h"

@@ -16,7 +16,6 @@
 #include "protocol/ssh/ssh2_session.h"
 #include "protocol/telnet/telnet_session.h"
 #include "session/session_ports.h"
-#include "session/session_send.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
 

@@ -8,7 +8,6 @@
 #include "protocol/ssh/ssh_session.h"
 #include "protocol/telnet/telnet_session.h"
 #include "session/session_ports.h"
-#include "session/session_send.h"
 #include "session/session_state.h"
 #include "text/bytes.h"
 

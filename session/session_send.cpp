@@ -1,7 +1,6 @@
 // The send routine of every session.
-#include "session/session_send.h"
-
 #include "session/session_ports.h"
+
 #include "session/session_state.h"
 #include "text/text.h"
 

@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "session/session_ports.h"
-#include "session/session_send.h"
 #include "session/session_state.h"
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"

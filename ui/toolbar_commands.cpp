@@ -4,7 +4,7 @@
 #include "connection/connection.h"
 #include "connection/dialling.h"
 #include "resources/resource_ids.h"
-#include "session/message_boxes.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "settings/toolbars.h"
 #include "ui/commands.h"

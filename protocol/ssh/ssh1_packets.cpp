@@ -5,7 +5,7 @@
 #include "crypto/random.h"
 #include "protocol/ssh/ssh1_session.h"
 #include "protocol/ssh/ssh_session.h"
-#include "session/message_boxes.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "text/bytes.h"
 

@@ -3,7 +3,6 @@
 
 #include "protocol/ssh/ssh2_packet.h"
 #include "protocol/ssh/ssh_session.h"
-#include "session/message_boxes.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "text/bytes.h"

@@ -2,7 +2,6 @@
 #include "protocol/ssh/ssh_session.h"
 
 #include "session/session_ports.h"
-#include "session/session_send.h"
 #include "session/session_state.h"
 
 void SshSendPacketBytes(const BYTE* bytes, int length) {

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "session/session_send.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "text/text.h"
 

@@ -2,7 +2,7 @@
 #include "protocol/telnet/telnet_engine.h"
 
 #include "protocol/telnet/negotiation_trace.h"
-#include "session/session_send.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/modes.h"
 #include "text/text.h"

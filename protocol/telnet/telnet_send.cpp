@@ -1,7 +1,7 @@
 // Typed bytes to the socket.
 #include "protocol/telnet/telnet_send.h"
 
-#include "session/session_send.h"
+#include "session/session_ports.h"
 
 namespace {
 

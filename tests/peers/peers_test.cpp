@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <QProcess>
 
-#include "session/session_send.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "tests/support/person.h"
 #include "tests/support/real_servers.h"

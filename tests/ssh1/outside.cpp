@@ -9,7 +9,6 @@
 #include "protocol/protocols.h"
 #include "protocol/telnet/telnet_session.h"
 #include "session/session_ports.h"
-#include "session/session_send.h"
 #include "terminal/terminal_write.h"
 
 Outside outside;

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <QCryptographicHash>
 
-#include "session/session_send.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "tests/ssh1/test_server.h"
 #include "tests/support/person.h"

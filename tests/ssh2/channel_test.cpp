@@ -3,7 +3,7 @@
 
 #include "connection/socket_event.h"
 #include "protocol/protocols.h"
-#include "session/session_send.h"
+#include "session/session_ports.h"
 #include "tests/ssh2/conversation.h"
 
 class Ssh2Authentication : public Conversation {};

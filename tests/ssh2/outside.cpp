@@ -7,7 +7,6 @@
 #include "platform/qt/testing_services.h"
 #include "protocol/protocols.h"
 #include "session/session_ports.h"
-#include "session/session_send.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
 #include "text/text.h"

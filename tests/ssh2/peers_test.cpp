@@ -6,7 +6,7 @@
 #include <QThread>
 
 #include "resources/resource_ids.h"
-#include "session/session_send.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/person.h"

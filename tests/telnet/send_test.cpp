@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet_engine.h"
-#include "session/session_send.h"
+#include "session/session_ports.h"
 #include "tests/telnet/outside.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "session/session_send.h"
+#include "session/session_ports.h"
 #include "terminal/screen_buffer.h"
 #include "ui/view/selection.h"
 

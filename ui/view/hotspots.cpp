@@ -2,7 +2,7 @@
 // is.
 #include "ui/view/hotspots.h"
 
-#include "session/session_send.h"
+#include "session/session_ports.h"
 #include "terminal/screen_buffer.h"
 #include "ui/view/keys.h"
 #include "ui/view/selection.h"

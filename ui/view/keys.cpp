@@ -1,7 +1,7 @@
 // Key presses and typed characters.
 #include "ui/view/keys.h"
 
-#include "session/session_send.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "terminal/screen_buffer.h"
