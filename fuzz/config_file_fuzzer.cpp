@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "settings/config_file.h"
+#include "settings/settings.h"
 
 static const int kLineBytes = 79;
 

@@ -1,7 +1,7 @@
 // The key table and the way from a virtual key to its bytes.
 #include "settings/key_map.h"
 
-#include "settings/store.h"
+#include "settings/settings.h"
 #include "text/text.h"
 
 // \217 is the 8-bit SS3, \233 the 8-bit CSI. Function keys 1 to 4 and the keys from HOME to PGDN

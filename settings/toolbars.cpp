@@ -2,7 +2,7 @@
 #include "settings/toolbars.h"
 
 #include "session/session_state.h"
-#include "settings/store.h"
+#include "settings/settings.h"
 
 // clang-format off
 ToolbarButton toolbar_buttons[kToolbarRows + 1] = {

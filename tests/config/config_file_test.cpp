@@ -1,5 +1,5 @@
 // The import of the configuration file: every kind of line, and the fate of the file.
-#include "settings/config_file.h"
+#include "settings/settings.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,7 +9,6 @@
 
 #include "platform/qt/device_root.h"
 #include "session/session_state.h"
-#include "settings/settings.h"
 #include "tests/config/device.h"
 #include "tests/config/window_doubles.h"
 

@@ -2,7 +2,6 @@
 #include "program_double.h"
 
 #include "session/session_ports.h"
-#include "settings/config_file.h"
 #include "settings/settings.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"

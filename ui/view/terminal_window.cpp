@@ -2,7 +2,6 @@
 #include "ui/view/terminal_window.h"
 
 #include "session/session_state.h"
-#include "settings/config_file.h"
 #include "settings/settings.h"
 #include "ui/view/hotspots.h"
 #include "ui/view/paint.h"
