@@ -8,7 +8,7 @@
 #ifndef QUILL_PROTOCOL_SSH_SSH1_PACKETS_H
 #define QUILL_PROTOCOL_SSH_SSH1_PACKETS_H
 
-#include "protocol/ssh/packet_writer.h"
+#include "protocol/ssh/ssh_session.h"
 #include "windows_ce.h"
 
 enum Ssh1Type : BYTE {

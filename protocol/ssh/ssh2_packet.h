@@ -3,7 +3,7 @@
 #define QUILL_PROTOCOL_SSH_SSH2_PACKET_H
 
 #include "crypto/bignum.h"
-#include "protocol/ssh/packet_writer.h"
+#include "protocol/ssh/ssh_session.h"
 #include "windows_ce.h"
 
 // Message numbers (RFC 4250, 4.1).

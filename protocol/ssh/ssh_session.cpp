@@ -1,8 +1,9 @@
-// The socket, the ciphers and the end of a session, for both SSH protocols.
+// The socket, the ciphers, the end of a session and the fields of packets, for both SSH protocols.
 #include "protocol/ssh/ssh_session.h"
 
 #include "session/session_ports.h"
 #include "session/session_state.h"
+#include "text/bytes.h"
 
 void SshSendPacketBytes(const BYTE* bytes, int length) {
     if (Connected()) SocketSendAll(bytes, length);
@@ -23,3 +24,30 @@ bool SshSessionStands(SOCKET served) {
     return served != INVALID_SOCKET && Connected() &&
            session.socket.load(std::memory_order_acquire) == served;
 }
+
+// ---------------------------------------------------------------- the fields of packets
+
+BYTE* PutByte(BYTE* at, BYTE value) {
+    *at = value;
+    return at + 1;
+}
+
+BYTE* PutUint32(BYTE* at, uint32_t value) {
+    StoreBig(at, value);
+    return at + 4;
+}
+
+BYTE* PutBytes(BYTE* at, const void* bytes, int count) {
+    if (count > 0) std::memcpy(at, bytes, static_cast<size_t>(count));
+    return at + count;
+}
+
+BYTE* PutBlock(BYTE* at, const void* bytes, int count) {
+    return PutBytes(PutUint32(at, static_cast<uint32_t>(count)), bytes, count);
+}
+
+BYTE* PutString(BYTE* at, const char* text) {
+    return PutBlock(at, text, static_cast<int>(std::strlen(text)));
+}
+
+int StringSize(const char* text) { return 4 + static_cast<int>(std::strlen(text)); }
