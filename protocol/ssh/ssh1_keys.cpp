@@ -5,7 +5,6 @@
 #include "crypto/public_key.h"
 #include "crypto/random.h"
 #include "protocol/ssh/ssh1_packets.h"
-#include "protocol/ssh/ssh1_session.h"
 #include "session/session_state.h"
 #include "text/bytes.h"
 

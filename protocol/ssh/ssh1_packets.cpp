@@ -3,7 +3,6 @@
 
 #include "crypto/packet_checks.h"
 #include "crypto/random.h"
-#include "protocol/ssh/ssh1_session.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

@@ -1,3 +1,14 @@
+// The SSH-1.5 client (T. Ylonen, "The SSH (Secure Shell) Remote Login Protocol", 1995): password
+// authentication, a terminal and a shell.
+#ifndef QUILL_PROTOCOL_SSH_SSH1_PACKETS_H
+#define QUILL_PROTOCOL_SSH_SSH1_PACKETS_H
+
+#include "protocol/ssh/ssh_session.h"
+#include "session/protocol_types.h"
+#include "windows_ce.h"
+
+// ---------------------------------------------------------------- the packets
+
 // The packets of SSH-1.5, in either direction:
 //   length    uint32: type, data and checksum, so data + 5
 //   padding   8 - length mod 8 bytes (1 to 8), random
@@ -5,11 +16,6 @@
 //   data
 //   checksum  CRC-32 without inversions, of padding, type and data
 // From the padding on, a packet is encrypted once there is a cipher.
-#ifndef QUILL_PROTOCOL_SSH_SSH1_PACKETS_H
-#define QUILL_PROTOCOL_SSH_SSH1_PACKETS_H
-
-#include "protocol/ssh/ssh_session.h"
-#include "windows_ce.h"
 
 enum Ssh1Type : BYTE {
     MSG_DISCONNECT = 1,
@@ -44,5 +50,23 @@ void Ssh1TakeChunk(const BYTE* bytes, int count);
 // large or with a wrong checksum, it ends the session with a message. One that claims too few bytes
 // for a type is dropped.
 void Ssh1HandlePacket(const BYTE* bytes, int length);
+
+// ---------------------------------------------------------------- the session
+
+extern const Protocol kSsh1Protocol;
+
+// A packet that has been checked, `length` bytes of data: the step that is due in the session's
+// state.
+void Ssh1RunState(BYTE type, const BYTE* data, int length);
+
+// Bytes for the shell, as they are; dropped before there is one.
+void Ssh1SendData(const BYTE* data, int length);
+
+// Takes the server's public-key message, answers it with the session key, and encrypts from then
+// on. False when the session has ended instead, its message shown.
+bool Ssh1ExchangeKeys(const BYTE* data, int length);
+
+// Shows the error, and then CloseSession, unless the session ended while the box was shown.
+void Ssh1EndSession(LPCWSTR text);
 
 #endif
