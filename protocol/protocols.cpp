@@ -3,7 +3,7 @@
 
 #include "crypto/ciphers.h"
 #include "crypto/packet_checks.h"
-#include "protocol/ssh/ssh1_packets.h"
+#include "protocol/ssh/ssh1.h"
 #include "protocol/ssh/ssh2_session.h"
 #include "protocol/ssh/ssh_session.h"
 #include "protocol/telnet/telnet_session.h"

@@ -4,7 +4,7 @@
 #include "crypto/hashes.h"
 #include "crypto/public_key.h"
 #include "crypto/random.h"
-#include "protocol/ssh/ssh1_packets.h"
+#include "protocol/ssh/ssh1.h"
 #include "session/session_state.h"
 #include "text/bytes.h"
 

@@ -1,5 +1,5 @@
 // Building, gathering and checking of packets.
-#include "protocol/ssh/ssh1_packets.h"
+#include "protocol/ssh/ssh1.h"
 
 #include "crypto/packet_checks.h"
 #include "crypto/random.h"

@@ -1,5 +1,5 @@
 // What a session goes through, from the server's key to the end of the shell.
-#include "protocol/ssh/ssh1_packets.h"
+#include "protocol/ssh/ssh1.h"
 
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_ports.h"

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "protocol/protocols.h"
-#include "protocol/ssh/ssh1_packets.h"
+#include "protocol/ssh/ssh1.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
 

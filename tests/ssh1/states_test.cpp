@@ -3,7 +3,7 @@
 
 #include "crypto/ciphers.h"
 #include "protocol/protocols.h"
-#include "protocol/ssh/ssh1_packets.h"
+#include "protocol/ssh/ssh1.h"
 #include "protocol/ssh/ssh_session.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"

@@ -7,7 +7,7 @@
 #include "connection/receive_thread.h"
 #include "connection/socket_event.h"
 #include "protocol/protocols.h"
-#include "protocol/ssh/ssh1_packets.h"
+#include "protocol/ssh/ssh1.h"
 #include "protocol/ssh/ssh2_session.h"
 #include "protocol/telnet/telnet_engine.h"
 #include "session/session_ports.h"

@@ -1,7 +1,7 @@
 // The SSH-1.5 client (T. Ylonen, "The SSH (Secure Shell) Remote Login Protocol", 1995): password
 // authentication, a terminal and a shell.
-#ifndef QUILL_PROTOCOL_SSH_SSH1_PACKETS_H
-#define QUILL_PROTOCOL_SSH_SSH1_PACKETS_H
+#ifndef QUILL_PROTOCOL_SSH_SSH1_H
+#define QUILL_PROTOCOL_SSH_SSH1_H
 
 #include "protocol/ssh/ssh_session.h"
 #include "session/protocol_types.h"
