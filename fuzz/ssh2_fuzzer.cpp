@@ -13,7 +13,6 @@
 
 #include "protocol/protocols.h"
 #include "protocol/ssh/ssh2_packet.h"
-#include "protocol/ssh/ssh2_session.h"
 #include "protocol/telnet/telnet_session.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

@@ -1,7 +1,6 @@
 // Password authentication of SSH-2.
-#include "protocol/ssh/ssh2_authentication.h"
-
 #include "protocol/ssh/ssh2_packet.h"
+
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

@@ -1,10 +1,9 @@
 // The channel, its pseudo-terminal and its bytes.
-#include "protocol/ssh/ssh2_channel.h"
+#include "protocol/ssh/ssh2_packet.h"
 
 #include <algorithm>
 #include <bit>
 
-#include "protocol/ssh/ssh2_packet.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
 #include "text/bytes.h"

@@ -1,9 +1,7 @@
 // The key exchange of SSH-2.
-#include "protocol/ssh/ssh2_key_exchange.h"
+#include "protocol/ssh/ssh2_packet.h"
 
 #include "crypto/random.h"
-#include "protocol/ssh/ssh2_channel.h"
-#include "protocol/ssh/ssh2_packet.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

@@ -1,10 +1,6 @@
 // Reassembly and dispatch.
-#include "protocol/ssh/ssh2_receive.h"
-
-#include "protocol/ssh/ssh2_authentication.h"
-#include "protocol/ssh/ssh2_channel.h"
-#include "protocol/ssh/ssh2_key_exchange.h"
 #include "protocol/ssh/ssh2_packet.h"
+
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_state.h"
 

@@ -1,9 +1,6 @@
 // The beginning and the end of an SSH-2 session.
-#include "protocol/ssh/ssh2_session.h"
+#include "protocol/ssh/ssh2_packet.h"
 
-#include "protocol/ssh/ssh2_channel.h"
-#include "protocol/ssh/ssh2_key_exchange.h"
-#include "protocol/ssh/ssh2_receive.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_state.h"
 #include "text/bytes.h"
