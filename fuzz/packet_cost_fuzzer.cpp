@@ -10,7 +10,7 @@
 
 #include "crypto/packet_checks.h"
 #include "protocol/protocols.h"
-#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2.h"
 #include "protocol/telnet/telnet_session.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

@@ -12,7 +12,7 @@
 #include <string>
 
 #include "protocol/protocols.h"
-#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2.h"
 #include "protocol/telnet/telnet_session.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

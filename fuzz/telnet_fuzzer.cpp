@@ -11,7 +11,7 @@
 #include "connection/socket_event.h"
 #include "protocol/protocols.h"
 #include "protocol/ssh/ssh1.h"
-#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2.h"
 #include "protocol/telnet/telnet_engine.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

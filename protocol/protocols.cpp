@@ -4,7 +4,7 @@
 #include "crypto/ciphers.h"
 #include "crypto/packet_checks.h"
 #include "protocol/ssh/ssh1.h"
-#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2.h"
 #include "protocol/ssh/ssh_session.h"
 #include "protocol/telnet/telnet_session.h"
 #include "session/session_ports.h"

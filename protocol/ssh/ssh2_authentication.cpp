@@ -1,5 +1,5 @@
 // Password authentication of SSH-2.
-#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2.h"
 
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_ports.h"

@@ -1,5 +1,5 @@
 // The channel, its pseudo-terminal and its bytes.
-#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,5 +1,5 @@
 // Packets of SSH-2.
-#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2.h"
 
 #include "crypto/random.h"
 #include "protocol/ssh/ssh_session.h"

@@ -1,5 +1,5 @@
 // The beginning and the end of an SSH-2 session.
-#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2.h"
 
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_state.h"

@@ -2,7 +2,7 @@
 #include "connection/socket_event.h"
 #include "crypto/ciphers.h"
 #include "crypto/packet_checks.h"
-#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2.h"
 #include "tests/ssh2/conversation.h"
 #include "tests/support/leftovers.h"
 

@@ -1,7 +1,7 @@
 // Packets and the exchange of keys.
 #include "connection/socket_event.h"
 #include "crypto/ciphers.h"
-#include "protocol/ssh/ssh2_packet.h"
+#include "protocol/ssh/ssh2.h"
 #include "tests/ssh2/conversation.h"
 
 class Ssh2Packets : public Conversation {};

@@ -1,7 +1,7 @@
 // SSH-2 (RFC 4251 to 4254), the client: the session, its packets, the key exchange, the user and
 // the channel.
-#ifndef QUILL_PROTOCOL_SSH_SSH2_PACKET_H
-#define QUILL_PROTOCOL_SSH_SSH2_PACKET_H
+#ifndef QUILL_PROTOCOL_SSH_SSH2_H
+#define QUILL_PROTOCOL_SSH_SSH2_H
 
 #include "crypto/bignum.h"
 #include "protocol/ssh/ssh_session.h"
