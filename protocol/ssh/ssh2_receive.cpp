@@ -1,8 +1,10 @@
-// Reassembly and dispatch.
+// An SSH-2 session from its beginning to its end: chunks to packets, packets to the handlers of
+// their messages.
 #include "protocol/ssh/ssh2.h"
 
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_state.h"
+#include "text/bytes.h"
 
 namespace {
 
@@ -133,3 +135,31 @@ void Ssh2HandlePacket(const BYTE* packet, int length) {
     BYTE number;
     if (OpenPayload(static_cast<int>(total), &number)) Dispatch(number);
 }
+
+// ---------------------------------------------------------------- the protocol's record
+
+void Ssh2Start(const char* clientVersion, const BYTE* serverVersion, int serverLength) {
+    Ssh2Forget();
+    Ssh2State& ssh = session.ssh2;
+    HashIdentifications(clientVersion, serverVersion, serverLength);
+    ssh.outMac = ssh.inMac = &kHmacSha1;
+    ssh.firstKex = 1;
+    ResetCiphers();
+}
+
+void Ssh2Forget() {
+    Ssh2State& ssh = session.ssh2;
+    ForgetHeldData();
+    BignumFree(ssh.K);
+    DhForget(&ssh.dh);
+    DssFreeKey(ssh.hostKey);
+    Wipe(&ssh, sizeof(ssh));
+}
+
+const Protocol kSsh2Protocol = {
+    .identification = "SSH-2.0-1.0.00\n",
+    .start = Ssh2Start,
+    .take_chunk = Ssh2TakeChunk,
+    .send_data = [](const BYTE* data, int length, int) { Ssh2SendChannelData(data, length); },
+    .forget = Ssh2Forget,
+};
