@@ -3,7 +3,6 @@
 
 #include "connection/receive_thread.h"
 #include "protocol/protocols.h"
-#include "protocol/telnet/auto_login.h"
 #include "protocol/telnet/telnet_engine.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

@@ -1,5 +1,5 @@
 // Automatic login.
-#include "protocol/telnet/auto_login.h"
+#include "protocol/telnet/telnet_engine.h"
 
 #include <string_view>
 

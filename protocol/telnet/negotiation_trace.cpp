@@ -1,5 +1,5 @@
 // The lines of the negotiation trace.
-#include "protocol/telnet/negotiation_trace.h"
+#include "protocol/telnet/telnet_engine.h"
 
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"

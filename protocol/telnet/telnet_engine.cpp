@@ -1,7 +1,6 @@
 // The Telnet engine.
 #include "protocol/telnet/telnet_engine.h"
 
-#include "protocol/telnet/negotiation_trace.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/modes.h"

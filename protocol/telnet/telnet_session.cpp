@@ -1,9 +1,6 @@
 // Received chunks through the engine to the terminal.
-#include "protocol/telnet/telnet_session.h"
-
-#include "protocol/telnet/auto_login.h"
 #include "protocol/telnet/telnet_engine.h"
-#include "protocol/telnet/telnet_send.h"
+
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
 

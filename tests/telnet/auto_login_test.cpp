@@ -1,7 +1,6 @@
 // Automatic login.
 #include <gtest/gtest.h>
 
-#include "protocol/telnet/auto_login.h"
 #include "protocol/telnet/telnet_engine.h"
 #include "tests/telnet/outside.h"
 

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "connection/socket_event.h"
-#include "protocol/telnet/auto_login.h"
 #include "protocol/telnet/telnet_engine.h"
 #include "tests/telnet/outside.h"
 

@@ -1,7 +1,6 @@
 // The trace lines to the letter.
 #include <gtest/gtest.h>
 
-#include "protocol/telnet/negotiation_trace.h"
 #include "protocol/telnet/telnet_engine.h"
 #include "tests/telnet/outside.h"
 
