@@ -3,7 +3,7 @@
 
 #include "connection/receive_thread.h"
 #include "protocol/protocols.h"
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "settings/settings.h"

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"

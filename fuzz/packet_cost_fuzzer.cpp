@@ -11,7 +11,7 @@
 #include "crypto/packet_checks.h"
 #include "protocol/protocols.h"
 #include "protocol/ssh/ssh2.h"
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"

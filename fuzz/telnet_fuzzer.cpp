@@ -12,7 +12,7 @@
 #include "protocol/protocols.h"
 #include "protocol/ssh/ssh1.h"
 #include "protocol/ssh/ssh2.h"
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/interpreter.h"

@@ -1,5 +1,5 @@
 // Automatic login.
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 
 #include <string_view>
 

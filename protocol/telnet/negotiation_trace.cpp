@@ -1,5 +1,5 @@
 // The lines of the negotiation trace.
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"

@@ -1,5 +1,5 @@
 // The Telnet engine.
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 
 #include "session/session_ports.h"
 #include "session/session_state.h"

@@ -1,5 +1,5 @@
 // Typed bytes to the socket.
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 
 #include "session/session_ports.h"
 

@@ -1,5 +1,5 @@
 // Received chunks through the engine to the terminal.
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"

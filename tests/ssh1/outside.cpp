@@ -7,7 +7,7 @@
 
 #include "crypto/public_key.h"
 #include "protocol/protocols.h"
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"
 #include "terminal/terminal_write.h"
 

@@ -1,7 +1,7 @@
 // Automatic login.
 #include <gtest/gtest.h>
 
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "tests/telnet/outside.h"
 
 namespace {

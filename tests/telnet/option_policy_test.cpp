@@ -2,7 +2,7 @@
 // points that matter to a person by name.
 #include <gtest/gtest.h>
 
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "tests/telnet/outside.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // The send routine, the socket writer and the responses' escapes.
 #include <gtest/gtest.h>
 
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"
 #include "tests/telnet/outside.h"
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "connection/socket_event.h"
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "tests/telnet/outside.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Subnegotiations: their end, their truncation, and the terminal type.
 #include <gtest/gtest.h>
 
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "tests/telnet/outside.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // The order in which a byte of the host is judged: IAC, one-byte commands, the data mark.
 #include <gtest/gtest.h>
 
-#include "protocol/telnet/telnet_engine.h"
+#include "protocol/telnet/telnet.h"
 #include "tests/telnet/outside.h"
 
 namespace {

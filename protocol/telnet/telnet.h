@@ -1,7 +1,7 @@
 // Telnet (RFC 854): one of the protocols that a session speaks, its engine, the negotiation trace
 // and the automatic login.
-#ifndef QUILL_PROTOCOL_TELNET_TELNET_ENGINE_H
-#define QUILL_PROTOCOL_TELNET_TELNET_ENGINE_H
+#ifndef QUILL_PROTOCOL_TELNET_TELNET_H
+#define QUILL_PROTOCOL_TELNET_TELNET_H
 
 #include "session/protocol_types.h"
 #include "windows_ce.h"
