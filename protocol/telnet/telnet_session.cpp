@@ -1,8 +1,85 @@
-// Received chunks through the engine to the terminal.
+// A Telnet session: received chunks through the engine to the terminal and to the automatic login,
+// typed bytes to the socket.
 #include "protocol/telnet/telnet.h"
 
+#include <string_view>
+
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
+#include "text/text.h"
+
+// ---------------------------------------------------------------- typed bytes
+
+namespace {
+
+constexpr BYTE kIac = 255;
+constexpr BYTE kEor = 239;
+constexpr int kStagingSize = 1024;
+
+// Goes out in pieces of the staging buffer's size.
+void SendEscaped(const BYTE* bytes, int length) {
+    BYTE staging[kStagingSize];
+    int used = 0;
+    for (int i = 0; i < length; i++) {
+        if (used > kStagingSize - 4) {
+            if (!SocketSendAll(staging, used)) return;
+            used = 0;
+        }
+        if (bytes[i] == kIac) staging[used++] = kIac;
+        staging[used++] = bytes[i];
+    }
+    staging[used++] = kIac;
+    staging[used++] = kEor;
+    SocketSendAll(staging, used);
+}
+
+}  // namespace
+
+void TelnetSendData(const BYTE* bytes, int length, int escape) {
+    if (escape) {
+        SendEscaped(bytes, length);
+    } else {
+        SocketSendAll(bytes, length);
+    }
+}
+
+// ---------------------------------------------------------------- automatic login
+
+namespace {
+
+void TakeText(LPCWSTR from, char* to) {
+    std::memset(to, 0, kLoginTextSize);
+    AnsiFromWide(from, to, kLoginTextSize);
+}
+
+void RespondIfFound(std::string_view chunk, DWORD* armed, const char* search,
+                    const char* response) {
+    if (!*armed || chunk.find(search) == std::string_view::npos) return;
+    *armed = 0;
+    SendResponse(response);
+}
+
+}  // namespace
+
+void ArmAutoLogin() {
+    AutoLogin& login = session.login;
+    TakeText(session.settings.sear1, login.search1);
+    TakeText(session.settings.sear2, login.search2);
+    TakeText(session.settings.resp1, login.response1);
+    TakeText(session.settings.resp2, login.response2);
+    login.login_armed1 = login.search1[0] && login.response1[0];
+    login.login_armed2 = login.search2[0] && login.response2[0];
+}
+
+void CheckAutoLogin(const BYTE* bytes, int count) {
+    AutoLogin& login = session.login;
+    const std::string_view chunk(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
+    RespondIfFound(chunk, &login.login_armed1, login.search1, login.response1);
+    RespondIfFound(chunk, &login.login_armed2, login.search2, login.response2);
+}
+
+// ---------------------------------------------------------------- received chunks
 
 namespace {
 
