@@ -1,7 +1,6 @@
 // The program's entry point.
 #include "app/start_up.h"
 
-#include "connection/connection.h"
 #include "connection/receive_thread.h"
 #include "protocol/protocols.h"
 #include "resources/resource_ids.h"

@@ -1,7 +1,6 @@
 // Connecting, closing, and what is told of it.
-#include "connection/connection.h"
-
 #include "connection/receive_thread.h"
+
 #include "protocol/protocols.h"
 #include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"

@@ -1,7 +1,6 @@
 // Modem dialling.
-#include "connection/dialling.h"
+#include "connection/receive_thread.h"
 
-#include "connection/connection.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"

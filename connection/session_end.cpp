@@ -1,6 +1,5 @@
 // The end of a session, whoever ended it.
-#include "connection/connection.h"
-#include "connection/dialling.h"
+#include "connection/receive_thread.h"
 #include "protocol/protocols.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

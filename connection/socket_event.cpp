@@ -1,8 +1,6 @@
 // What is done with a received chunk.
-#include "connection/socket_event.h"
-
-#include "connection/connection.h"
 #include "connection/receive_thread.h"
+
 #include "protocol/protocols.h"
 #include "session/session_state.h"
 

@@ -6,9 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "connection/connection.h"
 #include "connection/receive_thread.h"
-#include "connection/socket_event.h"
 #include "protocol/protocols.h"
 #include "protocol/ssh/ssh1.h"
 #include "protocol/ssh/ssh2.h"

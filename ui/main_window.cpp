@@ -1,8 +1,7 @@
 // The main window's message table and layout.
 #include "ui/main_window.h"
 
-#include "connection/dialling.h"
-#include "connection/socket_event.h"
+#include "connection/receive_thread.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "ui/commands.h"

@@ -2,7 +2,7 @@
 #include <climits>
 #include "crypto/ciphers.h"
 
-#include "connection/socket_event.h"
+#include "connection/receive_thread.h"
 #include "tests/ssh2/conversation.h"
 
 class Ssh2Identification : public Conversation {};

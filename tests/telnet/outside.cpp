@@ -3,9 +3,7 @@
 
 #include <utility>
 
-#include "connection/connection.h"
 #include "connection/receive_thread.h"
-#include "connection/socket_event.h"
 #include "protocol/protocols.h"
 #include "protocol/ssh/ssh1.h"
 #include "protocol/ssh/ssh2.h"
