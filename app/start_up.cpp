@@ -1,7 +1,7 @@
 // The program's entry point.
 #include "app/start_up.h"
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "protocol/protocols.h"
 #include "resources/resource_ids.h"
 #include "session/session_ports.h"

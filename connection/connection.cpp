@@ -1,5 +1,5 @@
 // Connecting, closing, and what is told of it.
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 
 #include "protocol/protocols.h"
 #include "protocol/telnet/telnet.h"

@@ -1,5 +1,5 @@
 // Modem dialling.
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 
 #include "session/session_ports.h"
 #include "session/session_state.h"

@@ -1,5 +1,5 @@
 // The receiving thread. Its socket is closed under it to end it: its select then fails.
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 
 #include "session/session_state.h"
 

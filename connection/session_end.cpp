@@ -1,5 +1,5 @@
 // The end of a session, whoever ended it.
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "protocol/protocols.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

@@ -1,5 +1,5 @@
 // What is done with a received chunk.
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 
 #include "protocol/protocols.h"
 #include "session/session_state.h"

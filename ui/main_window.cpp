@@ -1,7 +1,7 @@
 // The main window's message table and layout.
 #include "ui/main_window.h"
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "ui/commands.h"

@@ -1,7 +1,7 @@
 // The toolbar's actions.
 #include "ui/toolbar_commands.h"
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"

@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QUrl>
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "platform/qt/testing.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"

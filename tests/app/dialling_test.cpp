@@ -1,6 +1,6 @@
 // Dialling on the running program. The dial-up program is a script of the test's own that writes
 // the lines of pppd in their order and ends with its exit codes.
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 
 #include "platform/qt/testing.h"
 #include "terminal/screen_buffer.h"

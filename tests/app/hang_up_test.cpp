@@ -1,5 +1,5 @@
 // Hanging up: dials and links that the user ends, or that another dial or the program's end does.
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "settings/toolbars.h"
 #include "tests/app/dial_stage.h"

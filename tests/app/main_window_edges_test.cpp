@@ -4,7 +4,7 @@
 #include <QMenu>
 #include <QtTest/QTest>
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "platform/qt/input_panel.h"
 #include "platform/qt/menu_bar.h"
 #include "platform/qt/testing.h"

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <QInputMethodEvent>
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/window_widget.h"
 #include "session/session_state.h"

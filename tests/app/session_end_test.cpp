@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <QMenu>
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "platform/qt/menu_bar.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"

@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
 #include "session/session_state.h"

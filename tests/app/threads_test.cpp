@@ -2,7 +2,7 @@
 #include <dirent.h>
 #include <gtest/gtest.h>
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "platform/qt/testing.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"

@@ -1,7 +1,7 @@
 // Authentication and the channel, after the first exchange of keys.
 #include <climits>
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "protocol/protocols.h"
 #include "session/session_ports.h"
 #include "tests/ssh2/conversation.h"

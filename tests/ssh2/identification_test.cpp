@@ -2,7 +2,7 @@
 #include <climits>
 #include "crypto/ciphers.h"
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "tests/ssh2/conversation.h"
 
 class Ssh2Identification : public Conversation {};

@@ -1,7 +1,7 @@
 // The doubles.
 #include "tests/ssh2/outside.h"
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "platform/qt/testing_services.h"
 #include "protocol/protocols.h"
 #include "session/session_ports.h"

@@ -1,5 +1,5 @@
 // Secrets are wiped as soon as they are spent, and all of them at the end of the session.
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "crypto/ciphers.h"
 #include "crypto/packet_checks.h"
 #include "protocol/ssh/ssh2.h"

@@ -1,5 +1,5 @@
 // Packets and the exchange of keys.
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "crypto/ciphers.h"
 #include "protocol/ssh/ssh2.h"
 #include "tests/ssh2/conversation.h"

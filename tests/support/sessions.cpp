@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "session/session_state.h"
 #include "tests/support/person.h"
 

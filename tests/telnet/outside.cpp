@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "protocol/protocols.h"
 #include "protocol/ssh/ssh1.h"
 #include "protocol/ssh/ssh2.h"

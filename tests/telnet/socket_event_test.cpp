@@ -1,7 +1,7 @@
 // What is done with a notification, and that the buffer is handed back whatever it is.
 #include <gtest/gtest.h>
 
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "protocol/telnet/telnet.h"
 #include "tests/telnet/outside.h"
 

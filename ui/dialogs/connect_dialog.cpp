@@ -1,5 +1,5 @@
 // "Connect": the host to connect to, and the five before it.
-#include "connection/receive_thread.h"
+#include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "ui/dialogs/connect_advanced_dialog.h"

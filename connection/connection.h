@@ -1,7 +1,7 @@
 // The connection: the one TCP session that the program holds at a time, its receiving thread, and
 // the modem.
-#ifndef QUILL_CONNECTION_RECEIVE_THREAD_H
-#define QUILL_CONNECTION_RECEIVE_THREAD_H
+#ifndef QUILL_CONNECTION_CONNECTION_H
+#define QUILL_CONNECTION_CONNECTION_H
 
 #include "windows_ce.h"
 
