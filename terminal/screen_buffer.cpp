@@ -1,9 +1,12 @@
-// The screen's storage: clearing, line sizes, the current attribute, cells and whole lines.
-// Scrolling stands in screen_scroll.cpp, selection and painting in screen_paint.cpp.
+// The screen's storage: clearing, line sizes, the current attribute, cells and whole lines;
+// scrolling; selection and the rows as they are painted.
 #include "terminal/screen_buffer.h"
-#include "terminal/screen_rows.h"
 
+#include <algorithm>
 #include <cstring>
+
+#include "session/session_ports.h"
+#include "terminal/screen_rows.h"
 
 static const DWORD kLineSizeBits = kLineDoubleWidth | kLineDoubleTop | kLineDoubleBottom;
 
@@ -116,3 +119,167 @@ void FillLineUnprotected(int row, DWORD code, int reset_line_attr) {
     if (reset_line_attr) words[0] = 0;
     MarkRow(row);
 }
+
+// ---------------------------------------------------------------- scrolling
+
+void TurnRing(int delta) {
+    int origin = session.screen.ring_origin + delta % kRingLines;
+    if (origin < 0) origin += kRingLines;
+    if (origin >= kRingLines) origin -= kRingLines;
+    session.screen.ring_origin = origin;
+}
+
+static void MoveSlots(int to, int from, int count) {
+    if (count < 1) return;
+    memmove(session.screen.slots[to], session.screen.slots[from],
+            static_cast<size_t>(count) * sizeof session.screen.slots[0]);
+}
+
+// Row r+1 onto row r, for r = top..bottom-1. Needs top < bottom.
+static void MoveRowsUp(int top, int bottom) {
+    const int first = RowSlot(top);
+    const int last = RowSlot(bottom);
+    if (first < last) {
+        MoveSlots(first, first + 1, last - first);
+        return;
+    }
+    MoveSlots(first, first + 1, kRingLines - first);
+    MoveSlots(kRingLines, 1, 1);
+    MoveSlots(1, 2, last - 1);
+}
+
+// Row r-1 onto row r, for r = bottom..top+1. Needs top < bottom.
+static void MoveRowsDown(int top, int bottom) {
+    const int first = RowSlot(top);
+    const int last = RowSlot(bottom);
+    if (first < last) {
+        MoveSlots(first + 1, first, last - first);
+        return;
+    }
+    MoveSlots(2, 1, last - 1);
+    MoveSlots(1, kRingLines, 1);
+    MoveSlots(first + 1, first, kRingLines - first);
+}
+
+static bool WholeScreen(int top, int bottom) { return top == 1 && bottom == session.screen.rows; }
+
+// How many single steps have the effect of n: a region is blank after its height; the ring is blank
+// after one turn, and from then on only its origin moves.
+static int StepsThatMatter(int n, int top, int bottom) {
+    if (WholeScreen(top, bottom)) return n <= kRingLines ? n : kRingLines + n % kRingLines;
+    const int height = bottom > top ? bottom - top + 1 : 1;
+    return n < height ? n : height;
+}
+
+static void ScrollUp(int top, int bottom) {
+    if (WholeScreen(top, bottom)) {
+        TurnRing(1);
+        MarkRows(1, bottom - 1);
+    } else if (top < bottom) {
+        MoveRowsUp(top, bottom);
+        MarkRows(top, bottom - 1);
+    }
+    FillLine(bottom, kBlank, 1);
+}
+
+static void ScrollDown(int top, int bottom) {
+    if (WholeScreen(top, bottom)) {
+        TurnRing(-1);
+        MarkRows(2, bottom);
+    } else if (top < bottom) {
+        MoveRowsDown(top, bottom);
+        MarkRows(top + 1, bottom);
+    }
+    FillLine(top, kBlank, 1);
+}
+
+void InsertLines(int n, int top, int bottom) {
+    if (!RowExists(top) || !RowExists(bottom)) return;
+    for (int steps = StepsThatMatter(n, top, bottom); steps > 0; --steps) ScrollDown(top, bottom);
+}
+
+void DeleteLines(int n, int top, int bottom) {
+    if (!RowExists(top) || !RowExists(bottom)) return;
+    for (int steps = StepsThatMatter(n, top, bottom); steps > 0; --steps) ScrollUp(top, bottom);
+}
+
+// ---------------------------------------------------------------- selection and painting
+
+void SetSelection(int start_col, int start_row, int end_col, int end_row) {
+    ScreenBuffer& screen = session.screen;
+    screen.selection_active = start_col < 1 ? 0 : 1;
+    if (!screen.selection_active) return;
+    screen.selection_start_col = start_col;
+    screen.selection_start_row = start_row;
+    screen.selection_end_col = end_col;
+    screen.selection_end_row = end_row;
+}
+
+// The columns run from the upper point's to the lower point's; points on one row are put in order.
+ScreenArea SelectedArea() {
+    const ScreenBuffer& screen = session.screen;
+    ScreenArea area = {screen.selection_start_row, screen.selection_end_row,
+                       screen.selection_start_col, screen.selection_end_col};
+    if (area.first_row > area.last_row) {
+        std::swap(area.first_row, area.last_row);
+        std::swap(area.first_col, area.last_col);
+    } else if (area.first_row == area.last_row && area.first_col > area.last_col) {
+        std::swap(area.first_col, area.last_col);
+    }
+    return area;
+}
+
+static void MarkSelectedCells(int row) {
+    ScreenBuffer& screen = session.screen;
+    const ScreenArea area = SelectedArea();
+    if (row < area.first_row || row > area.last_row) return;
+    const int first = std::max(area.first_col, 1);
+    const int last = std::min(area.last_col, screen.columns);
+    for (int col = first; col <= last; ++col) screen.paint_row[col] |= kCellReverse;
+}
+
+const DWORD* GetPaintRow(int row) {
+    ScreenBuffer& screen = session.screen;
+    if (!RowExists(row)) {
+        std::fill_n(screen.paint_row, kSlotWords, kBlank);
+        screen.paint_row[0] = 0;
+        return screen.paint_row;
+    }
+    if (!screen.selection_active) return RowWords(row);
+    memcpy(screen.paint_row, RowWords(row), sizeof screen.paint_row);
+    MarkSelectedCells(row);
+    return screen.paint_row;
+}
+
+static bool RowBlinks(int row) {
+    const DWORD* words = RowWords(row);
+    DWORD seen = 0;
+    for (int col = 1; col <= session.screen.columns; ++col) seen |= words[col];
+    return (seen & kCellBlink) != 0;
+}
+
+int AnyBlinking() {
+    for (int row = 1; row <= kScreenRows; ++row) {
+        if (RowBlinks(row)) return 1;
+    }
+    return 0;
+}
+
+void MarkBlinkingRows() {
+    for (int row = 1; row <= kScreenRows; ++row) {
+        if (RowBlinks(row)) MarkRow(row);
+    }
+}
+
+void MoveSelectionEnd(int col, int row) {
+    session.screen.selection_end_col = col;
+    session.screen.selection_end_row = row;
+}
+
+void DropSelection() {
+    if (!session.screen.selection_active) return;
+    session.screen.selection_active = 0;
+    session_ports.repaint();
+}
+
+void ForgetMark(int row) { session.screen.row_changed[row] = 0; }
