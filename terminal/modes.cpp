@@ -1,4 +1,4 @@
-// The two resets, the mode tables, the choice of replies, and the readers.
+// The two resets, the mode tables, the choice of replies, the readers, and the graphic rendition.
 #include "terminal/modes.h"
 
 #include <algorithm>
@@ -6,6 +6,7 @@
 #include "terminal/cursor.h"
 #include "terminal/erase.h"
 #include "terminal/escape_sequences.h"
+#include "terminal/rendition.h"
 #include "terminal/screen_buffer.h"
 #include "terminal/split_regions.h"
 
@@ -197,3 +198,43 @@ void SetAutowrap(DWORD on) { session.modes.autowrap = on; }
 DWORD CursorVisible() { return session.modes.cursor_visible; }
 DWORD KeypadApplication() { return session.modes.keypad_application; }
 DWORD ScreenReverse() { return session.modes.screen_reverse; }
+
+// ---------------------------------------------------------------- rendition
+
+struct RenditionRow {
+    int value;
+    DWORD kept;  // of the current attribute
+    DWORD added;
+};
+
+// clang-format off
+static const DWORD kAllBits = 0xFFFF;
+static const RenditionRow kRenditions[] = {
+    { 0, 0,                          0             },
+    { 1, kAllBits,                   kCellBold     },
+    { 4, kAllBits,                   kCellUnderline},
+    { 5, kAllBits,                   kCellBlink    },
+    { 7, kAllBits,                   kCellReverse  },
+    {22, kAllBits & ~kCellBold,      0             },
+    {24, kAllBits & ~kCellUnderline, 0             },
+    {25, kAllBits & ~kCellBlink,     0             },
+    {27, kAllBits & ~kCellReverse,   0             },
+    {40, 0,                          0             },
+};
+// clang-format on
+
+void SelectRendition() {
+    DWORD attr = session.screen.current_attr;
+    for (int i = 0; i < session.parser.param_count; ++i) {
+        for (const RenditionRow& row : kRenditions) {
+            if (row.value == session.parser.params[i]) attr = (attr & row.kept) | row.added;
+        }
+    }
+    session.screen.current_attr = static_cast<WORD>(attr);
+}
+
+void SelectProtection() {
+    if (!session.parser.quote_flag) return;
+    const int value = session.parser.params[0];
+    if (value >= 0 && value <= 2) SetProtected(value == 1);
+}

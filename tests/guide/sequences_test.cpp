@@ -143,7 +143,7 @@ TEST(SequencesPage, ControlSequencesAreThoseOfTheTables) {
 
 TEST(SequencesPage, AttributesAreThoseOfTheTable) {
     std::set<std::string> expected, listed;
-    for (const SourceRow& row : ReadTable("rendition.cpp", "kRenditions"))
+    for (const SourceRow& row : ReadTable("modes.cpp", "kRenditions"))
         expected.insert(row.fields[0]);
     for (const PageRow& row : SequencesPage().tables.at("Attributes"))
         listed.insert(CodeOf(row[0]).at(0));
