@@ -7,12 +7,8 @@
 #include <cstring>
 
 #include "terminal/cursor.h"
-#include "terminal/erase.h"
 #include "terminal/escape_sequences.h"
 #include "terminal/modes.h"
-#include "terminal/rendition.h"
-#include "terminal/reports.h"
-#include "terminal/split_regions.h"
 
 void BeginControlSequence() {
     ParserState& parser = session.parser;

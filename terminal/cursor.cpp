@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "terminal/split_regions.h"
-
 static int FirstParam() { return session.parser.params[0]; }
 static int SecondParam() { return session.parser.params[1]; }
 

@@ -1,11 +1,27 @@
-// Cursor movement. After each of these cursor_row is within 1..49 and cursor_col within 1..80, or
-// 1..40 on a double-width row.
+// What sequences do to the screen: the cursor, erasing, the split regions, rendition and reports.
 #ifndef QUILL_TERMINAL_CURSOR_H
 #define QUILL_TERMINAL_CURSOR_H
 
 #include "session/session_state.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/screen_rows.h"
+
+// ---------------------------------------------------------------- rows
+
+// Rows as the terminal's own files write them, without a call: their words and their marks.
+
+// The 81 words of a row: the line attribute, then the cells of columns 1..80. The row must be
+// 1..49, as the cursor's always is.
+inline DWORD* RowWords(int row) {
+    const int slot = session.screen.ring_origin + row;
+    return session.screen.slots[slot > kRingLines ? slot - kRingLines : slot];
+}
+
+inline void MarkRow(int row) { session.screen.row_changed[row] = 1; }  // row 1..49
+
+// ---------------------------------------------------------------- the cursor
+
+// Cursor movement. After each of these cursor_row is within 1..49 and cursor_col within 1..80, or
+// 1..40 on a double-width row.
 
 // Cursor motion is frequent and where it goes is random, so the bounds below are written to compile
 // to conditional moves.
@@ -57,5 +73,59 @@ void SaveCursor();
 void RestoreCursor();
 
 void SetScrollingRegion();  // CSI r
+
+// ---------------------------------------------------------------- erasing
+
+// Erasing, and inserting and deleting of characters and lines: the finals @ J K L M P X and the
+// VT52 sequences J and K. The cursor stays, but for L and M, which take it to column 1.
+
+// Each parameter in turn. With private_flag (selective erase) protected cells are kept.
+void EraseInDisplay();
+void EraseInLine();
+
+void EraseCharacters();
+void InsertCharacters();
+void DeleteCharacters();
+void InsertOneLine();  // CSI L: one line, whatever its parameter says
+void DeleteSomeLines();
+
+void BlankScreen(int reset_line_attr);  // rows 1..24
+
+// VT52: what they erase becomes spaces in the current attribute.
+void Vt52EraseToEndOfScreen();
+void Vt52EraseToEndOfLine();
+
+// ---------------------------------------------------------------- the split regions
+
+// The screen divided into an upper and a lower region, each with its own cursor, margins and
+// attribute. One of them is active; it is the one whose values stand in session.screen.
+
+// The upper region active and as high as the screen, for TerminalStart and TerminalReset.
+void ResetSplit();
+
+void DefineSplit();   // CSI n p: rows 1..n and the rest
+void SwitchRegion();  // CSI 1 s to the lower region, CSI 0 s to the upper
+
+// ---------------------------------------------------------------- rendition
+
+// Graphic rendition (CSI m) and character protection (CSI n " q): what they set in the current
+// attribute.
+
+void SelectRendition();  // every parameter in turn; colours and the rest are ignored
+void SelectProtection();
+
+// ---------------------------------------------------------------- reports
+
+// The texts that the terminal sends to the host when asked. Each of these places one reply in
+// session.parser.reply_text and sets reply_pending; the reply begins with the 8-bit introducer when
+// c1_replies is on.
+
+void ReplyAnswerback();          // ENQ
+void ReplyNotImplemented();      // = in a control sequence
+void ReplyVt52Identity();        // ESC Z in VT52 mode
+void ReplyPrimaryAttributes();   // ESC Z in ANSI mode
+void ReplyDeviceAttributes();    // CSI c; the secondary reply when secondary_flag is set
+void ReplyDeviceStatus();        // CSI n; nothing for a status that is not known
+void ReplyTerminalParameters();  // CSI x
 
 #endif

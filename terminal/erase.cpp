@@ -1,11 +1,9 @@
 // Erasing, and inserting and deleting of characters and lines.
-#include "terminal/erase.h"
+#include "terminal/cursor.h"
 
 #include <algorithm>
 
-#include "terminal/cursor.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/screen_rows.h"
 
 // Plain blanks from first to last column of a row. selective keeps protected cells.
 static void BlankCells(int row, int first, int last, bool selective) {

@@ -7,11 +7,8 @@
 
 #include "terminal/control_sequences.h"
 #include "terminal/cursor.h"
-#include "terminal/erase.h"
 #include "terminal/modes.h"
-#include "terminal/reports.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/screen_rows.h"
 
 static const int kLineDrawingSet = 128;
 

@@ -7,7 +7,6 @@
 #include "terminal/cursor.h"
 #include "terminal/escape_sequences.h"
 #include "terminal/printable_bytes.h"
-#include "terminal/reports.h"
 #include "terminal/text_output.h"
 
 // ---------------------------------------------------------------- ground state

@@ -4,11 +4,8 @@
 #include <algorithm>
 
 #include "terminal/cursor.h"
-#include "terminal/erase.h"
 #include "terminal/escape_sequences.h"
-#include "terminal/rendition.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/split_regions.h"
 
 // ---------------------------------------------------------------- resets
 

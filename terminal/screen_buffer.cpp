@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "session/session_ports.h"
-#include "terminal/screen_rows.h"
+#include "terminal/cursor.h"
 
 static const DWORD kLineSizeBits = kLineDoubleWidth | kLineDoubleTop | kLineDoubleBottom;
 

@@ -3,9 +3,9 @@
 #define QUILL_TERMINAL_TEXT_OUTPUT_H
 
 #include "session/session_state.h"
+#include "terminal/cursor.h"
 #include "terminal/printable_bytes.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/screen_rows.h"
 
 // What a character written now gets beside its code.
 inline DWORD WrittenAttr() {

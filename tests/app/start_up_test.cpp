@@ -9,8 +9,8 @@
 #include "platform/qt/testing_services.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
+#include "terminal/cursor.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/screen_rows.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "terminal/cursor.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/screen_rows.h"
 #include "tests/terminal/terminal_state.h"
 
 static DWORD PatternCell(int row, int col) {

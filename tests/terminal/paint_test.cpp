@@ -1,7 +1,7 @@
 // Painting: which rows, which runs, which colours, the cursor, the underline, the selection.
 #include "program_double.h"
+#include "terminal/cursor.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/screen_rows.h"
 #include "ui/view/view.h"
 
 class Painting : public TerminalWindow {

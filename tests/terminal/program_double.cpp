@@ -3,9 +3,9 @@
 
 #include "session/session_ports.h"
 #include "settings/settings.h"
+#include "terminal/cursor.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/screen_rows.h"
 #include "ui/view/keys.h"
 #include "ui/view/status_bar.h"
 #include "ui/view/terminal_window.h"
