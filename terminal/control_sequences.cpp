@@ -6,7 +6,7 @@
 #include <bit>
 #include <cstring>
 
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 #include "terminal/escape_sequences.h"
 #include "terminal/modes.h"
 

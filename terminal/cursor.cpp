@@ -1,5 +1,5 @@
 // Cursor movement, tab stops, the saved cursor, the scrolling region, and the two split regions.
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // Erasing, and inserting and deleting of characters and lines.
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 
 #include <algorithm>
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "terminal/actions.h"
 #include "terminal/control_sequences.h"
-#include "terminal/cursor.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 

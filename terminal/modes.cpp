@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 #include "terminal/escape_sequences.h"
 #include "terminal/screen_buffer.h"
 

@@ -1,5 +1,5 @@
 // The replies' texts and which of them a request gets.
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 
 #include <cstdio>
 

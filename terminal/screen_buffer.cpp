@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "session/session_ports.h"
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 
 static const DWORD kLineSizeBits = kLineDoubleWidth | kLineDoubleTop | kLineDoubleBottom;
 

@@ -1,7 +1,7 @@
 // Printable characters into the grid.
 #include "terminal/text_output.h"
 
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 
 static void WrapLine() {
     session.screen.cursor_col = 1;

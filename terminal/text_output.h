@@ -3,7 +3,7 @@
 #define QUILL_TERMINAL_TEXT_OUTPUT_H
 
 #include "session/session_state.h"
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 #include "terminal/printable_bytes.h"
 #include "terminal/screen_buffer.h"
 

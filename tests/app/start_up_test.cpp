@@ -9,7 +9,7 @@
 #include "platform/qt/testing_services.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 #include "terminal/screen_buffer.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

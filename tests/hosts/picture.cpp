@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 #include "terminal/screen_buffer.h"
 #include "tests/terminal/terminal_state.h"
 

@@ -1,6 +1,6 @@
 // Painting: which rows, which runs, which colours, the cursor, the underline, the selection.
 #include "program_double.h"
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 #include "terminal/screen_buffer.h"
 #include "ui/view/view.h"
 

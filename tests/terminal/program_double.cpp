@@ -3,7 +3,7 @@
 
 #include "session/session_ports.h"
 #include "settings/settings.h"
-#include "terminal/cursor.h"
+#include "terminal/actions.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 #include "ui/view/keys.h"

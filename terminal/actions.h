@@ -1,6 +1,6 @@
 // What sequences do to the screen: the cursor, erasing, the split regions, rendition and reports.
-#ifndef QUILL_TERMINAL_CURSOR_H
-#define QUILL_TERMINAL_CURSOR_H
+#ifndef QUILL_TERMINAL_ACTIONS_H
+#define QUILL_TERMINAL_ACTIONS_H
 
 #include "session/session_state.h"
 #include "terminal/screen_buffer.h"
