@@ -3,7 +3,7 @@
 
 #include "session/session_ports.h"
 #include "session/session_state.h"
-#include "terminal/terminal_write.h"
+#include "terminal/interpreter.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
-#include "terminal/terminal_write.h"
+#include "terminal/interpreter.h"
 #include "text/bytes.h"
 
 static const SOCKET kSocket = 7;

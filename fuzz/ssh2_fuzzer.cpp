@@ -16,7 +16,7 @@
 #include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
-#include "terminal/terminal_write.h"
+#include "terminal/interpreter.h"
 
 static const SOCKET kSocket = 7;
 static const size_t kMacSize = 20;

@@ -14,7 +14,6 @@
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/interpreter.h"
-#include "terminal/terminal_write.h"
 
 struct Outcome {
     std::string wire, display;

@@ -6,6 +6,7 @@
 #define QUILL_TERMINAL_INTERPRETER_H
 
 #include "session/session_state.h"
+#include "windows_ce.h"
 
 // Runs one byte through the current state. Returns reply_pending: 1 when a reply waits to be taken.
 int TerminalFeedByte(BYTE b);
@@ -20,5 +21,18 @@ const char* TerminalTakeReply();
 //     if (fed < count && TerminalFeedByte(bytes[fed])) ... take the reply
 // is the loop's body. Returns 0 when the very first byte is such a byte, or count is below 1.
 int TerminalFeedText(const BYTE* bytes, int count);
+
+// ---------------------------------------------------------------- whole writes
+
+// The way of the host's bytes, and of the program's own, into the terminal.
+
+// Shows `count` bytes: drops a selection, runs the bytes through the interpreter, sends each reply
+// to the host as it arises, and asks for a paint of what changed.
+void TerminalWrite(const BYTE* bytes, int count);
+
+// What every write ends with: the view follows the cursor where it is to, what changed is painted,
+// and the status line tells the cursor's place unless it is the one before the write
+// (CursorPosition).
+void ShowWritten(int cursor_before);
 
 #endif

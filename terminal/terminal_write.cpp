@@ -1,11 +1,10 @@
 // The way of the host's bytes into the terminal and of the terminal's replies back to the host.
-#include "terminal/terminal_write.h"
+#include "terminal/interpreter.h"
 
 #include <cstring>
 
 #include "session/session_ports.h"
 #include "session/session_state.h"
-#include "terminal/interpreter.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 

@@ -4,7 +4,7 @@
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_ports.h"
 #include "session/session_state.h"
-#include "terminal/terminal_write.h"
+#include "terminal/interpreter.h"
 #include "text/bytes.h"
 #include "text/text.h"
 

@@ -5,7 +5,7 @@
 #include <bit>
 
 #include "session/session_state.h"
-#include "terminal/terminal_write.h"
+#include "terminal/interpreter.h"
 #include "text/bytes.h"
 #include "text/text.h"
 

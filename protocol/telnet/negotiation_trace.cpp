@@ -3,7 +3,6 @@
 
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"
-#include "terminal/terminal_write.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "protocol/protocols.h"
 #include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"
-#include "terminal/terminal_write.h"
+#include "terminal/interpreter.h"
 
 Outside outside;
 

@@ -6,7 +6,6 @@
 #include "protocol/protocols.h"
 #include "session/session_ports.h"
 #include "terminal/interpreter.h"
-#include "terminal/terminal_write.h"
 #include "text/text.h"
 
 Outside outside;

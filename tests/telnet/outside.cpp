@@ -10,7 +10,6 @@
 #include "protocol/telnet/telnet.h"
 #include "session/session_ports.h"
 #include "terminal/interpreter.h"
-#include "terminal/terminal_write.h"
 
 Outside outside;
 

@@ -1,7 +1,7 @@
 // Double taps on the numbers of a menu.
 #include "program_double.h"
+#include "terminal/interpreter.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/terminal_write.h"
 #include "tests/terminal/hotspot_rule.h"
 #include "ui/view/hotspots.h"
 

@@ -2,8 +2,8 @@
 #include "ui/view/selection.h"
 #include "clipboard_double.h"
 #include "program_double.h"
+#include "terminal/interpreter.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/terminal_write.h"
 #include "ui/view/clipboard.h"
 
 namespace {

@@ -1,5 +1,4 @@
 // The way of the host's bytes into the terminal: selection, replies, following, status.
-#include "terminal/terminal_write.h"
 #include "program_double.h"
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"

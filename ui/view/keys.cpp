@@ -4,8 +4,8 @@
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
+#include "terminal/interpreter.h"
 #include "terminal/screen_buffer.h"
-#include "terminal/terminal_write.h"
 #include "ui/view/status_bar.h"
 
 namespace {
