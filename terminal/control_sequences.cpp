@@ -1,13 +1,12 @@
 // Control sequences: parameters are collected as text and read as numbers when a final asks for
 // them.
-#include "terminal/control_sequences.h"
+#include "terminal/escape_sequences.h"
 
 #include <array>
 #include <bit>
 #include <cstring>
 
 #include "terminal/actions.h"
-#include "terminal/escape_sequences.h"
 #include "terminal/modes.h"
 
 void BeginControlSequence() {

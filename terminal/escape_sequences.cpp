@@ -6,7 +6,6 @@
 #include <array>
 
 #include "terminal/actions.h"
-#include "terminal/control_sequences.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 

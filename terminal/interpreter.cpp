@@ -4,9 +4,7 @@
 #include <array>
 
 #include "terminal/actions.h"
-#include "terminal/control_sequences.h"
 #include "terminal/escape_sequences.h"
-#include "terminal/printable_bytes.h"
 #include "terminal/text_output.h"
 
 // ---------------------------------------------------------------- ground state

@@ -4,7 +4,7 @@
 
 #include "session/session_state.h"
 #include "terminal/actions.h"
-#include "terminal/printable_bytes.h"
+#include "terminal/escape_sequences.h"
 #include "terminal/screen_buffer.h"
 
 // What a character written now gets beside its code.

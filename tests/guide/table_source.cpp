@@ -6,7 +6,6 @@
 #include <map>
 
 #include "terminal/escape_sequences.h"
-#include "terminal/printable_bytes.h"
 
 namespace {
 
