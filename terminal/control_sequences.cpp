@@ -1,6 +1,6 @@
 // Control sequences: parameters are collected as text and read as numbers when a final asks for
 // them.
-#include "terminal/escape_sequences.h"
+#include "terminal/sequences.h"
 
 #include <array>
 #include <bit>

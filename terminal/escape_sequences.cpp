@@ -1,6 +1,6 @@
 // Sequences of ESC and one or two more bytes. Each procedure that takes a byte sets the state back
 // to ground first, so a byte that it does not know ends the sequence and is dropped.
-#include "terminal/escape_sequences.h"
+#include "terminal/sequences.h"
 
 #include <algorithm>
 #include <array>

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "terminal/actions.h"
-#include "terminal/escape_sequences.h"
+#include "terminal/sequences.h"
 #include "terminal/text_output.h"
 
 // ---------------------------------------------------------------- ground state

@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "terminal/actions.h"
-#include "terminal/escape_sequences.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/sequences.h"
 
 // ---------------------------------------------------------------- resets
 

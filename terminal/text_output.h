@@ -4,8 +4,8 @@
 
 #include "session/session_state.h"
 #include "terminal/actions.h"
-#include "terminal/escape_sequences.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/sequences.h"
 
 // What a character written now gets beside its code.
 inline DWORD WrittenAttr() {

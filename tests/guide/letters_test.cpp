@@ -1,7 +1,7 @@
 // Letters in UTF-8 that are controls to the terminal: the table of docs/hosts.md.
 #include <gtest/gtest.h>
 
-#include "terminal/escape_sequences.h"
+#include "terminal/sequences.h"
 #include "tests/guide/page.h"
 #include "tests/terminal/terminal_state.h"
 

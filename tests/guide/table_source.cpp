@@ -5,7 +5,7 @@
 #include <fstream>
 #include <map>
 
-#include "terminal/escape_sequences.h"
+#include "terminal/sequences.h"
 
 namespace {
 

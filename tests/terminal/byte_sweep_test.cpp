@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "terminal/escape_sequences.h"
 #include "terminal/screen_buffer.h"
+#include "terminal/sequences.h"
 #include "tests/terminal/beep_double.h"
 #include "tests/terminal/script.h"
 #include "tests/terminal/terminal_state.h"

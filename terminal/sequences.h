@@ -1,6 +1,6 @@
 // The interpreter's own: which bytes are text, and the states of escape and control sequences.
-#ifndef QUILL_TERMINAL_ESCAPE_SEQUENCES_H
-#define QUILL_TERMINAL_ESCAPE_SEQUENCES_H
+#ifndef QUILL_TERMINAL_SEQUENCES_H
+#define QUILL_TERMINAL_SEQUENCES_H
 
 #include <array>
 
