@@ -3,9 +3,62 @@
 
 #include <array>
 
+#include "session/session_state.h"
 #include "terminal/actions.h"
+#include "terminal/screen_buffer.h"
 #include "terminal/sequences.h"
-#include "terminal/text_output.h"
+
+// ---------------------------------------------------------------- text
+
+// Printable characters into the grid: pending wrap, insert mode, line drawing and autowrap.
+
+// What a character written now gets beside its code.
+static inline DWORD WrittenAttr() {
+    const DWORD attr = session.screen.current_attr;
+    return session.modes.graphic_active ? attr | kCellGraphic : attr;
+}
+
+// Writes the printable bytes at the front, as WritePrintable would one by one, as long as they are
+// only cells: up to the last column but one of the cursor's row, with nothing to insert and no wrap
+// pending. Returns how many bytes it wrote, perhaps none.
+static inline int WriteCells(const BYTE* bytes, int count) {
+    ScreenBuffer& screen = session.screen;
+    if (session.modes.insert_mode | session.parser.pending_wrap) return 0;
+    const int row = screen.cursor_row;
+    const int col = screen.cursor_col;
+    DWORD* words = RowWords(row);
+    const int last = screen.columns >> (words[0] & kLineDoubleWidth);
+    const int room = last - col < count ? last - col : count;
+    const DWORD attr = WrittenAttr();
+    int written = 0;
+    for (; written < room && kPrintableBytes[bytes[written]]; ++written) {
+        words[col + written] = bytes[written] | attr;
+    }
+    if (written == 0) return 0;
+    MarkRow(row);
+    screen.cursor_col = col + written;
+    return written;
+}
+
+static void WrapLine() {
+    session.screen.cursor_col = 1;
+    LineFeed();
+}
+
+static void WritePrintable(BYTE code) {
+    ScreenBuffer& screen = session.screen;
+    ParserState& parser = session.parser;
+    if (parser.pending_wrap && screen.cursor_col == screen.columns) WrapLine();
+    parser.pending_wrap = 0;
+    if (session.modes.insert_mode) InsertCell(screen.cursor_row, screen.cursor_col);
+    SetCell(screen.cursor_row, screen.cursor_col, code | WrittenAttr());
+    if (screen.cursor_col < screen.columns) {
+        ++screen.cursor_col;
+    } else if (session.modes.autowrap) {
+        parser.pending_wrap = 1;
+    }
+    ClampColumn();
+}
 
 // ---------------------------------------------------------------- ground state
 
