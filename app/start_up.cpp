@@ -10,8 +10,6 @@
 #include "terminal/screen_buffer.h"
 #include "ui/dialogs/dialogs.h"
 #include "ui/main_window.h"
-#include "ui/view/status_bar.h"
-#include "ui/view/terminal_window.h"
 #include "ui/view/view.h"
 
 namespace {

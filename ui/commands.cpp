@@ -9,9 +9,7 @@
 #include "ui/dialogs/dialogs.h"
 #include "ui/toolbar_commands.h"
 #include "ui/view/clipboard.h"
-#include "ui/view/input_panel.h"
 #include "ui/view/keys.h"
-#include "ui/view/terminal_font.h"
 #include "ui/view/view.h"
 
 namespace {

@@ -6,10 +6,7 @@
 #include "session/session_state.h"
 #include "ui/commands.h"
 #include "ui/toolbar_commands.h"
-#include "ui/view/input_panel.h"
 #include "ui/view/keys.h"
-#include "ui/view/status_bar.h"
-#include "ui/view/terminal_window.h"
 #include "ui/view/view.h"
 
 namespace {

@@ -13,7 +13,6 @@
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
-#include "ui/view/status_bar.h"
 #include "ui/view/view.h"
 
 namespace {

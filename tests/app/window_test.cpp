@@ -10,7 +10,6 @@
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
-#include "ui/view/terminal_font.h"
 #include "ui/view/view.h"
 
 namespace {

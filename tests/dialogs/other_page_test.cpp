@@ -7,7 +7,7 @@
 #include "tests/dialogs/dialog_person.h"
 #include "tests/dialogs/stored.h"
 #include "tests/support/person.h"
-#include "ui/view/terminal_font.h"
+#include "ui/view/view.h"
 
 namespace {
 

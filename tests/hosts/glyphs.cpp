@@ -3,7 +3,7 @@
 #include "tests/hosts/glyphs.h"
 
 #include "session/terminal_types.h"
-#include "ui/view/line_drawing.h"
+#include "ui/view/view.h"
 
 static const LONG kWidth = 9;
 static const LONG kHeight = 15;

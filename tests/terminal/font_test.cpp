@@ -1,6 +1,6 @@
 // Faces, the font in use and its cell, and stepping the size.
 #include "program_double.h"
-#include "ui/view/terminal_font.h"
+#include "ui/view/view.h"
 
 class Font : public TerminalWindow {
   protected:

@@ -2,7 +2,6 @@
 // row 2: left 16, right 24, top 16, bottom 32, centre 20,24.
 #include "program_double.h"
 #include "terminal/screen_buffer.h"
-#include "ui/view/terminal_font.h"
 #include "ui/view/view.h"
 
 static const char* kBlankCell = "text 16,16 8x16 ' ' 111111 on eeeeee";

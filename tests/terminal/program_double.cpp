@@ -7,8 +7,6 @@
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 #include "ui/view/keys.h"
-#include "ui/view/status_bar.h"
-#include "ui/view/terminal_window.h"
 #include "ui/view/view.h"
 
 std::vector<std::string> program_calls;

@@ -4,7 +4,6 @@
 
 #include "program_double.h"
 #include "terminal/screen_buffer.h"
-#include "ui/view/terminal_window.h"
 
 static WPARAM ScrollEvent(int code, int position = 0) {
     return static_cast<WPARAM>(code) | (static_cast<WPARAM>(position) << 16);

@@ -3,7 +3,6 @@
 #include "session/session_state.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
-#include "ui/view/terminal_font.h"
 #include "ui/view/view.h"
 
 namespace {

@@ -3,8 +3,6 @@
 #include "session/session_state.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/property_pages.h"
-#include "ui/view/status_bar.h"
-#include "ui/view/terminal_font.h"
 #include "ui/view/view.h"
 
 namespace {

@@ -1,10 +1,9 @@
 // What the shell's input panel leaves of the terminal.
-#include "ui/view/input_panel.h"
+#include "ui/view/view.h"
 
 #include <algorithm>
 
 #include "session/session_state.h"
-#include "ui/view/view.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "settings/key_map.h"
 #include "terminal/interpreter.h"
 #include "terminal/screen_buffer.h"
-#include "ui/view/status_bar.h"
+#include "ui/view/view.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The glyphs of the DEC special graphics set as a table of lines between the cell's edges and its
 // centre.
-#include "ui/view/line_drawing.h"
+#include "ui/view/view.h"
 
 #include <algorithm>
 

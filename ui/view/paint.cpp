@@ -1,14 +1,11 @@
 // Painting the terminal window: which rows, cut into which runs, in which colours.
-#include "ui/view/paint.h"
+#include "ui/view/view.h"
 
 #include <cstring>
 
 #include "session/session_state.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
-#include "ui/view/line_drawing.h"
-#include "ui/view/terminal_font.h"
-#include "ui/view/view.h"
 
 // A blinking cursor would be a plain cell on every other tick. The cursor is steady on this device,
 // whatever the setting `blink` says.

@@ -1,8 +1,7 @@
 // The status line and the title, rewritten together.
-#include "ui/view/status_bar.h"
+#include "ui/view/view.h"
 
 #include "session/session_state.h"
-#include "ui/view/input_panel.h"
 
 namespace {
 

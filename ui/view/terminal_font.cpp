@@ -1,10 +1,9 @@
 // The terminal's font: listing the faces, creating and measuring the font, stepping its size.
-#include "ui/view/terminal_font.h"
+#include "ui/view/view.h"
 
 #include <algorithm>
 
 #include "session/session_state.h"
-#include "ui/view/view.h"
 
 static int CALLBACK TakeFontFace(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD, LPARAM) {
     ViewState& view = session.view;

@@ -1,14 +1,10 @@
 // The terminal window's class, its message table and what happens when it is created.
-#include "ui/view/terminal_window.h"
+#include "ui/view/view.h"
 
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "ui/view/hotspots.h"
-#include "ui/view/paint.h"
 #include "ui/view/selection.h"
-#include "ui/view/status_bar.h"
-#include "ui/view/terminal_font.h"
-#include "ui/view/view.h"
 
 static const int kNarrowScreen = 350;  // pixels; below it the status bar takes its short form
 

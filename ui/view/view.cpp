@@ -7,7 +7,6 @@
 #include "session/session_state.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
-#include "ui/view/status_bar.h"
 
 // ---------------------------------------------------------------- repaint requests
 
