@@ -9,8 +9,7 @@
 #include "ui/commands.h"
 #include "ui/main_window.h"
 #include "ui/toolbar_buttons.h"
-#include "ui/view/clipboard.h"
-#include "ui/view/keys.h"
+#include "ui/view/selection.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "terminal/interpreter.h"
 #include "terminal/screen_buffer.h"
 #include "tests/terminal/hotspot_rule.h"
-#include "ui/view/hotspots.h"
+#include "ui/view/selection.h"
 
 namespace {
 

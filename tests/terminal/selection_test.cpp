@@ -4,7 +4,6 @@
 #include "program_double.h"
 #include "terminal/interpreter.h"
 #include "terminal/screen_buffer.h"
-#include "ui/view/clipboard.h"
 
 namespace {
 

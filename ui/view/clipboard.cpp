@@ -1,11 +1,10 @@
 // Copy and paste.
-#include "ui/view/clipboard.h"
+#include "ui/view/selection.h"
 
 #include <cstring>
 
 #include "session/session_ports.h"
 #include "terminal/screen_buffer.h"
-#include "ui/view/selection.h"
 
 static const WCHAR kCarriageReturn = 13;
 static const WCHAR kLineFeed = 10;

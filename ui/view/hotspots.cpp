@@ -1,11 +1,9 @@
 // The hotspot's arithmetic. It is not a parser of numbers: what it makes of " x5." is kept as it
 // is.
-#include "ui/view/hotspots.h"
+#include "ui/view/selection.h"
 
 #include "session/session_ports.h"
 #include "terminal/screen_buffer.h"
-#include "ui/view/keys.h"
-#include "ui/view/selection.h"
 #include "ui/view/view.h"
 
 static const int kFirstDigitColumn = 3;  // a tapped digit left of it is no hotspot

@@ -3,7 +3,6 @@
 
 #include "session/session_state.h"
 #include "settings/settings.h"
-#include "ui/view/hotspots.h"
 #include "ui/view/selection.h"
 
 static const int kNarrowScreen = 350;  // pixels; below it the status bar takes its short form
