@@ -8,7 +8,7 @@
 #include "settings/settings.h"
 #include "ui/dialogs/dialogs.h"
 #include "ui/toolbar_commands.h"
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 #include "ui/view/view.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "session/session_state.h"
 #include "ui/commands.h"
 #include "ui/toolbar_commands.h"
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 #include "ui/view/view.h"
 
 namespace {

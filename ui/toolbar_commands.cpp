@@ -9,7 +9,7 @@
 #include "ui/commands.h"
 #include "ui/main_window.h"
 #include "ui/toolbar_buttons.h"
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 
 namespace {
 

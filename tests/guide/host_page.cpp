@@ -14,7 +14,7 @@
 #include "tests/dialogs/dialog_person.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 
 const Page& HostsPage() {
     static const Page page = ReadPage(QUILL_DOCS "/hosts.md");

@@ -12,7 +12,7 @@
 #include "tests/guide/host_steps.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 
 namespace {
 

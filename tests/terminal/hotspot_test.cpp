@@ -3,7 +3,7 @@
 #include "terminal/interpreter.h"
 #include "terminal/screen_buffer.h"
 #include "tests/terminal/hotspot_rule.h"
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "terminal/actions.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 #include "ui/view/view.h"
 
 std::vector<std::string> program_calls;

@@ -1,9 +1,9 @@
 // Marking with the stylus, copying and pasting.
-#include "ui/view/selection.h"
 #include "clipboard_double.h"
 #include "program_double.h"
 #include "terminal/interpreter.h"
 #include "terminal/screen_buffer.h"
+#include "ui/view/input.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Copy and paste.
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 
 #include <cstring>
 

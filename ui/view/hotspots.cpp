@@ -1,6 +1,6 @@
 // The hotspot's arithmetic. It is not a parser of numbers: what it makes of " x5." is kept as it
 // is.
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 
 #include "session/session_ports.h"
 #include "terminal/screen_buffer.h"

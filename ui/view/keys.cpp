@@ -1,5 +1,5 @@
 // Key presses and typed characters.
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 
 #include "session/session_ports.h"
 #include "session/session_state.h"

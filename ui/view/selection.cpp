@@ -1,5 +1,5 @@
 // The stylus selection.
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 
 #include <algorithm>
 

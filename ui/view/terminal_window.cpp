@@ -3,7 +3,7 @@
 
 #include "session/session_state.h"
 #include "settings/settings.h"
-#include "ui/view/selection.h"
+#include "ui/view/input.h"
 
 static const int kNarrowScreen = 350;  // pixels; below it the status bar takes its short form
 

@@ -1,6 +1,6 @@
 // What the user does to the terminal window: keys, marking, copy and paste, double taps.
-#ifndef QUILL_UI_VIEW_SELECTION_H
-#define QUILL_UI_VIEW_SELECTION_H
+#ifndef QUILL_UI_VIEW_INPUT_H
+#define QUILL_UI_VIEW_INPUT_H
 
 #include "windows_ce.h"
 
