@@ -1,5 +1,5 @@
 // "Connect Advanced": port, protocol and cipher, and the marks around start and end.
-#include "ui/dialogs/connect_advanced_dialog.h"
+#include "ui/dialogs/dialogs.h"
 
 #include "resources/resource_ids.h"
 #include "session/session_state.h"

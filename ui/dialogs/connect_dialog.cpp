@@ -2,7 +2,6 @@
 #include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
-#include "ui/dialogs/connect_advanced_dialog.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 

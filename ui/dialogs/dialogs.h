@@ -6,6 +6,8 @@
 #ifndef QUILL_UI_DIALOGS_DIALOGS_H
 #define QUILL_UI_DIALOGS_DIALOGS_H
 
+#include "windows_ce.h"
+
 // The host, its history of five, and "Connect Advanced". OK saves the settings while
 // session.save_settings is set, and connects.
 void ShowConnectDialog();
@@ -34,5 +36,30 @@ void ChooseBackgroundColor();
 void ChooseCursorColor();
 void ChooseTextColor();
 void ChooseBoldColor();
+
+// ---------------------------------------------------------------- within Connect
+
+// "Connect Advanced": how to connect, and what the end of a session is to do.
+
+// Shown over the dialog `owner` until it is closed. OK changes the record of settings alone: they
+// are saved with the next save.
+void ShowConnectAdvancedDialog(HWND owner);
+
+// ---------------------------------------------------------------- within Properties
+
+// The procedures of the Properties sheet's pages; ToolbarPageProc stands with the toolbars.
+
+// "Other": its check boxes change the settings at once, its fields when the page is left.
+INT_PTR CALLBACK OtherPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
+
+// "Keyboard": the key table; each Change takes effect at once.
+INT_PTR CALLBACK KeyboardPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
+
+// The page "Toolbar" of the Properties sheet.
+
+// Three lists with every row of toolbar_buttons, marked where the row is on that bar. A double tap
+// puts a row on the bar or takes it off, at once and for good: neither OK nor Cancel changes it.
+// The command bar keeps its buttons until it is built anew.
+INT_PTR CALLBACK ToolbarPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
 
 #endif

@@ -4,7 +4,7 @@
 #include "settings/key_map.h"
 #include "text/text.h"
 #include "ui/dialogs/dialog_tools.h"
-#include "ui/dialogs/property_pages.h"
+#include "ui/dialogs/dialogs.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "ui/dialogs/dialog_tools.h"
-#include "ui/dialogs/property_pages.h"
+#include "ui/dialogs/dialogs.h"
 #include "ui/view/view.h"
 
 namespace {

@@ -4,8 +4,6 @@
 #include "session/session_state.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
-#include "ui/dialogs/property_pages.h"
-#include "ui/dialogs/toolbar_page.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The lists of the three toolbars.
-#include "ui/dialogs/toolbar_page.h"
+#include "ui/dialogs/dialogs.h"
 
 #include "resources/resource_ids.h"
 #include "settings/toolbars.h"
