@@ -1,5 +1,4 @@
 // Banner, login and password. Any name and any password will do.
-#include "demo/pages.h"
 #include "demo/screen_text.h"
 
 namespace {

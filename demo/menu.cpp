@@ -1,7 +1,6 @@
 // The main menu: numbered choices, each number after a blank and before a full stop, so that a tap
 // on one can choose it.
 #include <cstdio>
-#include "demo/pages.h"
 #include "demo/screen_text.h"
 
 namespace {

@@ -1,5 +1,4 @@
 // Pages that show how single cells and lines look: line drawing, double-size lines, attributes.
-#include "demo/pages.h"
 #include "demo/screen_text.h"
 
 namespace {

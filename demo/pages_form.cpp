@@ -1,7 +1,6 @@
 // Goods received: a form with fields. Enter or Tab goes to the next field, Esc leaves.
 #include <iterator>
 #include <type_traits>
-#include "demo/pages.h"
 #include "demo/screen_text.h"
 
 namespace {

@@ -1,7 +1,6 @@
 // Pages about movement: a scrolling region that runs by itself, tab stops, cursor addressing.
 #include <cmath>
 #include <cstdio>
-#include "demo/pages.h"
 #include "demo/screen_text.h"
 
 namespace {

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
-#include "demo/pages.h"
 #include "demo/screen_text.h"
 
 namespace {

@@ -1,6 +1,5 @@
 // Pages that send lines: slowly by the clock, and as fast as the connection takes them.
 #include <cstdio>
-#include "demo/pages.h"
 #include "demo/screen_text.h"
 
 namespace {

@@ -1,7 +1,6 @@
 // The 8-bit page: every character of code page 1252 that a terminal can be sent.
 #include <cstdio>
 #include <cstring>
-#include "demo/pages.h"
 #include "demo/screen_text.h"
 
 namespace {

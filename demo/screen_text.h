@@ -1,9 +1,15 @@
-// Small procedures that write terminal output: cursor addressing, attributes, boxes, title bars.
-// Rows and columns count from 1 on a screen of 24 by 80 (ECMA-48, DEC VT100 private sequences).
+// What the demo host's screens are made of, and every one of them.
 #ifndef QUILL_DEMO_SCREEN_TEXT_H
 #define QUILL_DEMO_SCREEN_TEXT_H
 
 #include <string>
+
+#include "demo/session.h"
+
+// ---------------------------------------------------------------- writing
+
+// Small procedures that write terminal output: cursor addressing, attributes, boxes, title bars.
+// Rows and columns count from 1 on a screen of 24 by 80 (ECMA-48, DEC VT100 private sequences).
 
 // Modes, margins, attributes and character sets as at the start; screen blank, cursor home.
 void ClearScreen(std::string& out);
@@ -27,5 +33,20 @@ void WriteHint(std::string& out, const std::string& hint);
 
 // `text` cut or filled with blanks to `width`.
 std::string Fit(const std::string& text, int width);
+
+// ---------------------------------------------------------------- the screens
+
+extern const Screen kLoginScreen, kMenuScreen, kGoodbyeScreen;
+extern const Screen kLineDrawingPage, kDoubleSizePage, kAttributesPage;
+extern const Screen kRegionsPage, kTabsPage;
+extern const Screen kSlowStreamPage, kFastStreamPage;
+extern const Screen kCharactersPage;
+extern const Screen kFormPage, kShipListPage;
+extern const Screen kReportsPage, kKeysPage;
+
+// `typed` of a page that any key leaves.
+void BackToMenu(Session& session, const std::string& bytes);
+
+constexpr const char kAnyKey[] = "Press any key to return to the menu";
 
 #endif

@@ -2,7 +2,6 @@
 #include "demo/session.h"
 
 #include <chrono>
-#include "demo/pages.h"
 #include "demo/screen_text.h"
 
 long long Now() {

@@ -1,5 +1,5 @@
 // The Telnet parser of the demo host: a table of states, one handler each.
-#include "demo/telnet.h"
+#include "demo/session.h"
 
 namespace {
 
