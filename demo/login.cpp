@@ -1,5 +1,5 @@
 // Banner, login and password. Any name and any password will do.
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The main menu: numbered choices, each number after a blank and before a full stop, so that a tap
 // on one can choose it.
 #include <cstdio>
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 namespace {
 

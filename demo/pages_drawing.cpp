@@ -1,5 +1,5 @@
 // Pages that show how single cells and lines look: line drawing, double-size lines, attributes.
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Goods received: a form with fields. Enter or Tab goes to the next field, Esc leaves.
 #include <iterator>
 #include <type_traits>
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Ships in port: a list with many menu numbers, after a blank and before a full stop or a colon.
 #include <cstdio>
 #include <cstdlib>
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 namespace {
 

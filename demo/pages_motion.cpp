@@ -1,7 +1,7 @@
 // Pages about movement: a scrolling region that runs by itself, tab stops, cursor addressing.
 #include <cmath>
 #include <cstdio>
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Pages that send lines: slowly by the clock, and as fast as the connection takes them.
 #include <cstdio>
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The 8-bit page: every character of code page 1252 that a terminal can be sent.
 #include <cstdio>
 #include <cstring>
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Terminal output written piece by piece into a session's out buffer.
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 void ClearScreen(std::string& out) {
     out += "\x1b[0m\x1b(B\x1b)B\x0f\x1b[r\x1b[4l\x1b[?6l\x1b[?7h\x1b[?25h\x1b[2J\x1b[H";

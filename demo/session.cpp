@@ -2,7 +2,7 @@
 #include "demo/session.h"
 
 #include <chrono>
-#include "demo/screen_text.h"
+#include "demo/screens.h"
 
 long long Now() {
     const auto time = std::chrono::steady_clock::now().time_since_epoch();

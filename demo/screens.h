@@ -1,6 +1,6 @@
 // What the demo host's screens are made of, and every one of them.
-#ifndef QUILL_DEMO_SCREEN_TEXT_H
-#define QUILL_DEMO_SCREEN_TEXT_H
+#ifndef QUILL_DEMO_SCREENS_H
+#define QUILL_DEMO_SCREENS_H
 
 #include <string>
 
