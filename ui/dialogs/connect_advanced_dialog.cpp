@@ -1,9 +1,14 @@
-// "Connect Advanced": port, protocol and cipher, and the marks around start and end.
-#include "ui/dialogs/dialogs.h"
-
+// "Connect": the host to connect to, and the five before it; and over it "Connect Advanced": port,
+// protocol and cipher, and the marks around start and end.
+#include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "ui/dialogs/dialog_tools.h"
+#include "ui/dialogs/dialogs.h"
+
+static Settings& s = session.settings;
+
+// ---------------------------------------------------------------- Connect Advanced
 
 namespace {
 
@@ -11,9 +16,7 @@ constexpr int kLeft = 20;  // pixels
 constexpr int kTop = 20;
 constexpr INT_PTR kClosed = -1;
 
-Settings& s = session.settings;
-
-const MarkRow kMarks[] = {
+const MarkRow kAdvancedMarks[] = {
     {IDC_AUTOCONNECT, &s.autoconnect},
     {IDC_EXIT_DIS, &s.exit_dis},
     {IDC_CONFIRM_EXIT, &s.confirm_exit},
@@ -51,8 +54,8 @@ void TakePort(HWND dialog) {
     if (parsed) s.port = port;
 }
 
-void OnOpen(HWND dialog) {
-    ShowMarks(dialog, kMarks);
+void OpenAdvanced(HWND dialog) {
+    ShowMarks(dialog, kAdvancedMarks);
     ShowPort(dialog);
     CheckDlgButton(dialog, s.ssh_type2 == 1 ? IDC_SSH2 : IDC_SSH1, BST_CHECKED);
     ShowCipher(dialog);
@@ -61,29 +64,90 @@ void OnOpen(HWND dialog) {
     MoveWindow(dialog, kLeft, kTop, box.right - box.left, box.bottom - box.top, TRUE);
 }
 
-void OnOk(HWND dialog) {
-    TakeMarks(dialog, kMarks);
+void TakeAdvanced(HWND dialog) {
+    TakeMarks(dialog, kAdvancedMarks);
     TakePort(dialog);
     s.ssh_type2 = IsDlgButtonChecked(dialog, IDC_SSH2) == BST_CHECKED ? 1 : 0;
     TakeCipher(dialog);
     EndDialog(dialog, kClosed);
 }
 
-void OnCancel(HWND dialog) { EndDialog(dialog, kClosed); }
+void LeaveAdvanced(HWND dialog) { EndDialog(dialog, kClosed); }
 
-const DialogCommand kCommands[] = {
-    {IDOK, BN_CLICKED, OnOk},
-    {IDCANCEL, BN_CLICKED, OnCancel},
+const DialogCommand kAdvancedCommands[] = {
+    {IDOK, BN_CLICKED, TakeAdvanced},
+    {IDCANCEL, BN_CLICKED, LeaveAdvanced},
     {0, 0, nullptr},
 };
 
 INT_PTR CALLBACK ConnectAdvancedDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+    return RunDialogMessage(dialog, message, wparam, OpenAdvanced, kAdvancedCommands);
+}
+
+}  // namespace
+
+// Shown over the dialog `owner` until it is closed. OK changes the record of settings alone: they
+// are saved with the next save.
+static void ShowConnectAdvancedDialog(HWND owner) {
+    DialogBoxParamW(session.instance, MAKEINTRESOURCE(IDD_CONNECT_ADVANCED), owner,
+                    ConnectAdvancedDialogProc, 0);
+}
+
+// ---------------------------------------------------------------- Connect
+
+namespace {
+
+LPWSTR const kHistory[] = {s.hist0a, s.hist1a, s.hist2a, s.hist3a, s.hist4a};
+constexpr int kHosts = static_cast<int>(sizeof kHistory / sizeof kHistory[0]);
+
+void OnOpen(HWND dialog) {
+    SendDlgItemMessageW(dialog, IDC_HOST, CB_LIMITTEXT, kHostUnits - 1, 0);
+    SetDlgItemTextW(dialog, IDC_HOST, s.host);
+    for (int i = 0; i < kHosts && kHistory[i][0]; i++)
+        SendDlgItemMessageW(dialog, IDC_HOST, CB_ADDSTRING, 0,
+                            reinterpret_cast<LPARAM>(kHistory[i]));
+    CentreDialog(dialog);
+}
+
+bool InHistory(LPCWSTR host) {
+    for (LPCWSTR entry : kHistory)
+        if (lstrcmpiW(entry, host) == 0) return true;
+    return false;
+}
+
+// A host that is in the list already keeps its place.
+void Remember(LPCWSTR host) {
+    if (InHistory(host)) return;
+    for (int i = kHosts - 1; i > 0; i--) lstrcpynW(kHistory[i], kHistory[i - 1], kHostUnits);
+    lstrcpynW(kHistory[0], host, kHostUnits);
+}
+
+void OnOk(HWND dialog) {
+    GetDlgItemTextW(dialog, IDC_HOST, s.host, kHostUnits);
+    Remember(s.host);
+    session.connect_request = 1;
+    EndDialog(dialog, IDOK);
+}
+
+const DialogCommand kCommands[] = {
+    {IDOK, BN_CLICKED, OnOk},
+    {IDCANCEL, BN_CLICKED, CancelDialog},
+    {IDC_ADVANCED, BN_CLICKED, ShowConnectAdvancedDialog},
+    {0, 0, nullptr},
+};
+
+INT_PTR CALLBACK ConnectDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     return RunDialogMessage(dialog, message, wparam, OnOpen, kCommands);
 }
 
 }  // namespace
 
-void ShowConnectAdvancedDialog(HWND owner) {
-    DialogBoxParamW(session.instance, MAKEINTRESOURCE(IDD_CONNECT_ADVANCED), owner,
-                    ConnectAdvancedDialogProc, 0);
+// The connection is begun when the dialog is gone: what it has to tell stands over the terminal.
+void ShowConnectDialog() {
+    session.connect_request = 0;
+    RunDialog(IDD_CONNECT, ConnectDialogProc);
+    SettingsChanged();
+    if (!session.connect_request) return;
+    SaveIfEnabled();
+    SessionConnect();
 }

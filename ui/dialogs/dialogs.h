@@ -37,14 +37,6 @@ void ChooseCursorColor();
 void ChooseTextColor();
 void ChooseBoldColor();
 
-// ---------------------------------------------------------------- within Connect
-
-// "Connect Advanced": how to connect, and what the end of a session is to do.
-
-// Shown over the dialog `owner` until it is closed. OK changes the record of settings alone: they
-// are saved with the next save.
-void ShowConnectAdvancedDialog(HWND owner);
-
 // ---------------------------------------------------------------- within Properties
 
 // The procedures of the Properties sheet's pages; ToolbarPageProc stands with the toolbars.
