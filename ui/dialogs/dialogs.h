@@ -41,9 +41,6 @@ void ChooseBoldColor();
 
 // The procedures of the Properties sheet's pages; ToolbarPageProc stands with the toolbars.
 
-// "Other": its check boxes change the settings at once, its fields when the page is left.
-INT_PTR CALLBACK OtherPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
-
 // "Keyboard": the key table; each Change takes effect at once.
 INT_PTR CALLBACK KeyboardPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
 
