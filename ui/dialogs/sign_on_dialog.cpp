@@ -1,4 +1,5 @@
-// "Sign on to the host": the user and the password of an SSH session.
+// How to sign on: "Sign on to the host", the user and the password of an SSH session; and "Auto
+// Login", what a Telnet session waits for and what it answers.
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "ui/dialogs/dialog_tools.h"
@@ -48,4 +49,44 @@ bool AskSignOn() {
     const bool shown = RunDialog(IDD_SIGN_ON, SignOnDialogProc) >= 0;
     SettingsChanged();
     return shown;
+}
+
+// ---------------------------------------------------------------- Auto Login
+
+namespace {
+
+const TextRow kAutoLoginTexts[] = {
+    {IDC_SEAR1, s.sear1, kSettingUnits},
+    {IDC_RESP1, s.resp1, kSettingUnits},
+    {IDC_SEAR2, s.sear2, kSettingUnits},
+    {IDC_RESP2, s.resp2, kSettingUnits},
+    {0, nullptr, 0},
+};
+
+void OpenAutoLogin(HWND dialog) {
+    ShowTexts(dialog, kAutoLoginTexts);
+    CentreDialog(dialog);
+}
+
+void TakeAutoLogin(HWND dialog) {
+    TakeTexts(dialog, kAutoLoginTexts);
+    EndDialog(dialog, IDOK);
+}
+
+const DialogCommand kAutoLoginCommands[] = {
+    {IDOK, BN_CLICKED, TakeAutoLogin},
+    {IDCANCEL, BN_CLICKED, CancelDialog},
+    {0, 0, nullptr},
+};
+
+INT_PTR CALLBACK AutoLoginDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+    return RunDialogMessage(dialog, message, wparam, OpenAutoLogin, kAutoLoginCommands);
+}
+
+}  // namespace
+
+void ShowAutoLoginDialog() {
+    RunDialog(IDD_AUTO_LOGIN, AutoLoginDialogProc);
+    SettingsChanged();
+    SaveIfEnabled();
 }
