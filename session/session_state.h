@@ -29,7 +29,7 @@ struct SessionState {
     HMODULE common_dialogs = nullptr;
     ChooseColorProcedure choose_color = nullptr;  // null: no colour dialog on this device
 
-    // Owner: app/start_up, which clears them, and ui/dialogs/color_choice.
+    // Owner: app/start_up, which clears them, and ui/dialogs/font_dialog.
     COLORREF custom_colors[16] = {};  // of the colour dialog, for the run
 
     // Owner: ui/view/terminal_window, ui/main_window. Set as soon as the window gets WM_CREATE.

@@ -1,4 +1,5 @@
-// "Font": the terminal's face, bold and italic.
+// How the terminal looks: "Font", its face, bold and italic; and its four colours, through the
+// system's colour chooser.
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "ui/dialogs/dialog_tools.h"
@@ -72,3 +73,24 @@ void ShowFontDialog() {
     SettingsChanged();
     SaveIfEnabled();
 }
+
+// ---------------------------------------------------------------- colours
+
+static void ChooseTerminalColor(DWORD* color) {
+    if (!session.choose_color) return;
+    CHOOSECOLORW request = {};
+    request.lStructSize = sizeof request;
+    request.hwndOwner = session.main_window;
+    request.hInstance = reinterpret_cast<HWND>(session.instance);
+    request.rgbResult = *color;
+    request.lpCustColors = session.custom_colors;
+    request.Flags = CC_RGBINIT | CC_FULLOPEN | CC_ENABLETEMPLATE | CC_ANYCOLOR;
+    request.lpTemplateName = MAKEINTRESOURCE(IDD_COLOR);
+    if (session.choose_color(&request)) *color = request.rgbResult;
+    SettingsChanged();
+}
+
+void ChooseBackgroundColor() { ChooseTerminalColor(&session.settings.color_bg); }
+void ChooseCursorColor() { ChooseTerminalColor(&session.settings.color_cursor); }
+void ChooseTextColor() { ChooseTerminalColor(&session.settings.color_fg); }
+void ChooseBoldColor() { ChooseTerminalColor(&session.settings.color_bold); }
