@@ -43,7 +43,7 @@ struct SessionState {
     int main_width = 0;          // pixels of the main window when it was made
     int client_width = 0;        // pixels of the client window when it was made
 
-    // Owner: ui/toolbar_commands.
+    // Owner: ui/commands.
     int toolbar = 1;  // the bar that is shown, 1..3
 
     // Owner: ui/view/keys.

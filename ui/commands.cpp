@@ -9,9 +9,6 @@
 #include "settings/settings.h"
 #include "settings/toolbars.h"
 #include "ui/dialogs/dialogs.h"
-#include "ui/main_window.h"
-#include "ui/toolbar_buttons.h"
-#include "ui/toolbar_commands.h"
 #include "ui/view/input.h"
 #include "ui/view/view.h"
 

@@ -1,11 +1,9 @@
 // The main window's message table and layout.
-#include "ui/main_window.h"
+#include "ui/commands.h"
 
 #include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
-#include "ui/commands.h"
-#include "ui/toolbar_commands.h"
 #include "ui/view/input.h"
 #include "ui/view/view.h"
 

@@ -11,7 +11,6 @@
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
 #include "ui/commands.h"
-#include "ui/main_window.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // Which buttons a bar gets, and what each carries.
-#include "ui/toolbar_buttons.h"
 #include "session/session_state.h"
 #include "settings/toolbars.h"
 #include "tests/config/command_bar_double.h"
 #include "tests/config/device.h"
+#include "ui/commands.h"
 
 namespace {
 
