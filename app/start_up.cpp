@@ -8,8 +8,8 @@
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "terminal/screen_buffer.h"
-#include "ui/commands.h"
 #include "ui/dialogs/dialogs.h"
+#include "ui/main_window.h"
 #include "ui/view/view.h"
 
 namespace {

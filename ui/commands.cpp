@@ -1,6 +1,6 @@
 // The commands: what the toolbar's buttons do, and the table of the menus, accelerators and
 // buttons.
-#include "ui/commands.h"
+#include "ui/main_window.h"
 
 #include "connection/connection.h"
 #include "resources/resource_ids.h"

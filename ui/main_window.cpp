@@ -1,5 +1,5 @@
 // The main window's message table and layout.
-#include "ui/commands.h"
+#include "ui/main_window.h"
 
 #include "connection/connection.h"
 #include "resources/resource_ids.h"

@@ -1,5 +1,5 @@
 // Puts the buttons of a toolbar on the command bar.
-#include "ui/commands.h"
+#include "ui/main_window.h"
 
 #include "resources/resource_ids.h"
 #include "session/session_state.h"

@@ -10,7 +10,7 @@
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
-#include "ui/commands.h"
+#include "ui/main_window.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include "settings/toolbars.h"
 #include "tests/app/dial_stage.h"
 #include "tests/support/fake_host.h"
-#include "ui/commands.h"
+#include "ui/main_window.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <QUrl>
 
 #include "tests/app/clipboard_stage.h"
-#include "ui/commands.h"
+#include "ui/main_window.h"
 
 namespace {
 

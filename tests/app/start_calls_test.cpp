@@ -5,7 +5,7 @@
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
-#include "ui/commands.h"
+#include "ui/main_window.h"
 
 namespace {
 

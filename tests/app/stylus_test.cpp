@@ -13,7 +13,7 @@
 #include "tests/app/clipboard_stage.h"
 #include "tests/support/drawn.h"
 #include "tests/terminal/hotspot_rule.h"
-#include "ui/commands.h"
+#include "ui/main_window.h"
 #include "ui/view/view.h"
 
 namespace {

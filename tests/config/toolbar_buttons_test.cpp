@@ -3,7 +3,7 @@
 #include "settings/toolbars.h"
 #include "tests/config/command_bar_double.h"
 #include "tests/config/device.h"
-#include "ui/commands.h"
+#include "ui/main_window.h"
 
 namespace {
 

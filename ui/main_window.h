@@ -1,7 +1,7 @@
 // The main window (class "TELNET"): its message table, its layout, its menu bar, its commands and
 // its toolbar.
-#ifndef QUILL_UI_COMMANDS_H
-#define QUILL_UI_COMMANDS_H
+#ifndef QUILL_UI_MAIN_WINDOW_H
+#define QUILL_UI_MAIN_WINDOW_H
 
 #include "windows_ce.h"
 
