@@ -37,7 +37,7 @@ void PressConnect() {
     } else if (MayCloseSession()) {
         SessionClose();
     }
-    RebuildMenuBar();
+    session_ports.rebuild_menu_bar();
 }
 
 void PressLarger() { RunCommand(IDM_LARGER_FONT); }
@@ -45,7 +45,7 @@ void PressSmaller() { RunCommand(IDM_SMALLER_FONT); }
 
 void SwapToolbar() {
     session.toolbar = session.toolbar % kToolbars + 1;
-    RebuildMenuBar();
+    session_ports.rebuild_menu_bar();
 }
 
 struct ActionRow {
