@@ -9,14 +9,6 @@
 #include "terminal/actions.h"
 #include "terminal/modes.h"
 
-void BeginControlSequence() {
-    ParserState& parser = session.parser;
-    parser.parser_state = kStateControlSequence;
-    parser.param_len = 0;
-    parser.params[0] = 0;
-    parser.params[1] = 0;
-}
-
 // Pieces between semicolons; what is not a digit is skipped, and a number too large wraps.
 static void ParseParameters() {
     ParserState& parser = session.parser;

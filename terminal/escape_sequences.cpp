@@ -19,12 +19,6 @@ struct EscapeRow {
     EscapeHandler vt52;
 };
 
-void BeginEscape() {
-    session.parser.parser_state = kStateEscape;
-    session.parser.secondary_flag = 0;
-    session.parser.private_flag = 0;
-}
-
 static void AwaitSpaceSequence() {
     session.parser.space_flag = 1;
     session.parser.parser_state = kStateEscape;

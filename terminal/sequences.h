@@ -44,7 +44,13 @@ enum ParserStateNumber {
     kStateDeviceControl = 7
 };
 
-void BeginEscape();       // ESC in any state that heeds it: forgets ? and >
+// ESC in any state that heeds it: forgets ? and >.
+inline void BeginEscape() {
+    session.parser.parser_state = kStateEscape;
+    session.parser.secondary_flag = 0;
+    session.parser.private_flag = 0;
+}
+
 void EscapeByte(BYTE b);  // one byte in state 1; also what an 8-bit introducer stands for
 void LineSizeByte(BYTE b);
 void DesignateG0Byte(BYTE b);
@@ -59,7 +65,15 @@ void ShiftIn();   // SI: G0
 
 // Control sequences: what stands between ESC [ and the final character, and the finals' table.
 
-void BeginControlSequence();       // ESC [
+// ESC [.
+inline void BeginControlSequence() {
+    ParserState& parser = session.parser;
+    parser.parser_state = kStateControlSequence;
+    parser.param_len = 0;
+    parser.params[0] = 0;
+    parser.params[1] = 0;
+}
+
 void ControlSequenceByte(BYTE b);  // one byte in state 2
 
 // In the ground state: runs the whole control sequence that the bytes begin with, ESC [ included,
