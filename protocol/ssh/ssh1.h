@@ -43,17 +43,33 @@ void Ssh1SendPacket();
 // A packet that is one string.
 void Ssh1SendString(BYTE type, const void* bytes, int length);
 
-// A received chunk: gathered until packets are whole, which are then handled one by one.
-void Ssh1TakeChunk(const BYTE* bytes, int count);
+// The bytes from the length field on that a packet needs to be opened. One that is too large never
+// comes whole: its length alone is enough. At least the length field must be there.
+uint64_t Ssh1PacketSize(const BYTE* packet);
 
-// A packet from its length field on, `length` bytes of it in all: checks it and acts on it. Too
-// large or with a wrong checksum, it ends the session with a message. One that claims too few bytes
-// for a type is dropped.
-void Ssh1HandlePacket(const BYTE* bytes, int length);
+struct Ssh1Packet {
+    BYTE type;
+    const BYTE* data;  // in session.ssh1.packetBuf
+    int length;
+};
+
+// A packet from its length field on, `length` bytes of it in all: decrypts and checks it. False
+// when there is nothing to act on: it claims too few bytes for a type, is not as long as it says,
+// or is to be ignored. Too large or with a wrong checksum, it ends the session with a message.
+bool Ssh1OpenPacket(const BYTE* bytes, int length, Ssh1Packet* packet);
+
+// Shows the error, and then CloseSession, unless the session ended while the box was shown.
+void Ssh1EndSession(LPCWSTR text);
 
 // ---------------------------------------------------------------- the session
 
 extern const Protocol kSsh1Protocol;
+
+// A received chunk: gathered until packets are whole, which are then handled one by one.
+void Ssh1TakeChunk(const BYTE* bytes, int count);
+
+// Opens a packet and acts on it.
+void Ssh1HandlePacket(const BYTE* bytes, int length);
 
 // A packet that has been checked, `length` bytes of data: the step that is due in the session's
 // state.
@@ -65,8 +81,5 @@ void Ssh1SendData(const BYTE* data, int length);
 // Takes the server's public-key message, answers it with the session key, and encrypts from then
 // on. False when the session has ended instead, its message shown.
 bool Ssh1ExchangeKeys(const BYTE* data, int length);
-
-// Shows the error, and then CloseSession, unless the session ended while the box was shown.
-void Ssh1EndSession(LPCWSTR text);
 
 #endif

@@ -1,4 +1,5 @@
-// What a session goes through, from the server's key to the end of the shell.
+// What a session goes through, from received chunks to packets, and from the server's key to the
+// end of the shell.
 #include "protocol/ssh/ssh1.h"
 
 #include "protocol/ssh/ssh_session.h"
@@ -10,6 +11,7 @@
 
 namespace {
 
+constexpr int kLengthFieldSize = 4;
 constexpr int kTextSize = 80;          // bytes of user name and password with their zero
 constexpr int kTerminalTypeSize = 41;  // bytes of the terminal type with its zero
 
@@ -148,6 +150,23 @@ const StateRow kStates[] = {
 };
 // clang-format on
 
+// ---------------------------------------------------------------- received chunks
+
+// Handles the whole packets at the front, and stops where one of them ends the session.
+void HandleWholePackets(SOCKET served) {
+    SshState& ssh = session.ssh;
+    int at = 0;
+    while (ssh.recvFill - at >= kLengthFieldSize) {
+        const uint64_t needed = Ssh1PacketSize(ssh.recvBuf + at);
+        if (static_cast<uint64_t>(ssh.recvFill - at) < needed) break;
+        Ssh1HandlePacket(ssh.recvBuf + at, static_cast<int>(needed));
+        if (!SshSessionStands(served)) return;
+        at += static_cast<int>(needed);
+    }
+    ssh.recvFill -= at;
+    std::memmove(ssh.recvBuf, ssh.recvBuf + at, static_cast<size_t>(ssh.recvFill));
+}
+
 // ---------------------------------------------------------------- the protocol's record
 
 void Start(const char*, const BYTE*, int) { ResetCiphers(); }
@@ -159,6 +178,25 @@ void Forget() {
 }
 
 }  // namespace
+
+void Ssh1TakeChunk(const BYTE* bytes, int count) {
+    SshState& ssh = session.ssh;
+    const SOCKET served = ServedSocket();
+    if (count > kSshReassemblySize - ssh.recvFill) {
+        ShowError(TEXT("SSH out of memory"));
+        if (!SshSessionStands(served)) return;
+        ssh.recvFill = 0;
+    }
+    std::memcpy(ssh.recvBuf + ssh.recvFill, bytes, static_cast<size_t>(count));
+    ssh.recvFill += count;
+    HandleWholePackets(served);
+}
+
+void Ssh1HandlePacket(const BYTE* bytes, int length) {
+    Ssh1Packet packet;
+    if (Ssh1OpenPacket(bytes, length, &packet))
+        Ssh1RunState(packet.type, packet.data, packet.length);
+}
 
 const Protocol kSsh1Protocol = {
     .identification = "SSH-1.5-1.0.00\n",
@@ -184,10 +222,4 @@ void Ssh1SendData(const BYTE* data, int length) {
         data += piece;
         length -= piece;
     }
-}
-
-void Ssh1EndSession(LPCWSTR text) {
-    const SOCKET served = ServedSocket();
-    ShowError(text);
-    if (SshSessionStands(served)) CloseSession();
 }
