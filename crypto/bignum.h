@@ -59,7 +59,7 @@ Bignum BignumFromSsh1Bytes(const uint8_t* buffer, int length);
 int BignumSsh2Size(ConstBignum a);  // at most so many bytes with its length field
 // The body of the mpint without its length field, in a new block of *length bytes: no redundant
 // leading zero bytes, a zero byte before a set top bit, nothing at all for zero. The caller
-// releases it with WipeAndFree (crypto/wipe.h).
+// releases it with WipeAndFree (text/bytes.h).
 uint8_t* EncodeMpint(ConstBignum a, int* length);
 
 // ---------------------------------------------------------------- arithmetic

@@ -43,7 +43,7 @@ void SessionSend(const BYTE* bytes, int length, int escape);
 // socket; false as soon as the socket takes no more.
 bool SocketSendAll(const BYTE* bytes, int length);
 
-// Sends what the escape text stands for (text/escape_text.h), at most 256 bytes.
+// Sends what the escape text stands for (text/text.h), at most 256 bytes.
 void SendResponse(const char* text);
 
 // ---------------------------------------------------------------- to the user

@@ -1,5 +1,5 @@
 // The key table: which bytes a special key sends. Each row's sequence is escape text
-// (escape_text.h), kept in the registry as "key%d" with the row's number, and turned into bytes at
+// (text/text.h), kept in the registry as "key%d" with the row's number, and turned into bytes at
 // each key press.
 #ifndef QUILL_SETTINGS_KEY_MAP_H
 #define QUILL_SETTINGS_KEY_MAP_H

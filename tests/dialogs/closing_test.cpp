@@ -13,7 +13,7 @@
 
 namespace {
 
-std::atomic<int> g_repaints;  // asked for by the program outside terminal/view.cpp
+std::atomic<int> g_repaints;  // asked for by the program outside ui/view/view.cpp
 
 struct Closing {
     const char* dialog;
