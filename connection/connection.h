@@ -20,7 +20,7 @@ void SessionClosed();
 
 // ---------------------------------------------------------------- the receiving thread
 
-// The receiving thread: one for each connection, it only waits, reads and posts. It serves the
+// One for each connection; it only waits, reads and posts. It serves the
 // socket that was the session's when it was started, fills session.receive_buffer only while
 // session.receive_ready is 1, and posts WM_SOCKET_DATA and WM_SOCKET_CONNECTED to the main window.
 
@@ -48,8 +48,6 @@ DWORD WINAPI ReceiveThread(LPVOID);
 void OnSocketEvent(WPARAM kind);
 
 // ---------------------------------------------------------------- the modem
-
-// Dialling a modem: its start, its progress as lines in the terminal, and its end.
 
 // Dials the entry settings.ras and returns at once. Failures to begin are told in a message box
 // with the caption "Error".

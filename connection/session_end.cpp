@@ -1,4 +1,5 @@
-// The end of a session, whoever ended it.
+// The end of a session, whoever ended it. A file of its own: it hangs up the modem, which itself
+// connects.
 #include "connection/connection.h"
 #include "protocol/protocols.h"
 #include "session/session_ports.h"

@@ -103,7 +103,7 @@ inline void CbcDecrypt(uint8_t* output, const uint8_t* input, int length, uint32
 // DES (FIPS 46-3) and triple DES, as blocks and in CBC.
 //
 // A block is two 32-bit words, left and right, big-endian: byte 0 is the top byte of left. Every
-// mode takes lengths and buffers as crypto/cbc.h says, its chaining value in the context.
+// mode takes lengths and buffers as said above, its chaining value in the context.
 //
 // The S-boxes are tables: how long a block takes depends on what the processor holds of them, and
 // so a little on key and text.
@@ -147,7 +147,7 @@ void TripleDesPassesDecrypt(uint8_t* output, const uint8_t* input, int length,
 // Blowfish (B. Schneier, "Description of a New Variable-Length Key, 64-Bit Block Cipher", 1993):
 // sixteen rounds, as a block function and in CBC with big-endian and with little-endian blocks.
 //
-// Every mode takes lengths and buffers as crypto/cbc.h says, its chaining value in the context.
+// Every mode takes lengths and buffers as said above, its chaining value in the context.
 //
 // The S-boxes are tables: how long a block takes depends on what the processor holds of them, and
 // so a little on key and text.

@@ -8,7 +8,7 @@
 
 // ---------------------------------------------------------------- CRC-32
 
-// CRC-32 as SSH-1 packets carry it: reflected polynomial 0xEDB88320, initial value 0 and no final
+// As SSH-1 packets carry it: reflected polynomial 0xEDB88320, initial value 0 and no final
 // inversion (the common CRC-32 has both, so its results differ).
 
 // The CRC of `length` bytes; 0 for length 0.
@@ -16,7 +16,7 @@ uint32_t Crc32(const uint8_t* bytes, int length);
 
 // ---------------------------------------------------------------- HMAC-SHA1
 
-// HMAC-SHA1 (RFC 2104) and the "hmac-sha1" of SSH-2 (RFC 4253, 6.4).
+// RFC 2104, and the "hmac-sha1" of SSH-2 (RFC 4253, 6.4).
 //
 // One thing differs from RFC 2104: a key longer than 64 bytes is cut to its first 64 bytes and not
 // hashed first. The keys of SSH-2 have 20 bytes.

@@ -1,4 +1,5 @@
-// Random numbers from the runtime library's rand.
+// Random numbers from the runtime library's rand. A file of its own, so that a fuzz target can
+// bring others.
 #include "crypto/random.h"
 
 #include <cstdlib>

@@ -1,4 +1,5 @@
-// The one instance of the session record, and of its ports.
+// The one instance of the session record, and of its ports. A file of its own, so that a test can
+// bring another send routine.
 #include "session/session_state.h"
 
 #include "session/session_ports.h"

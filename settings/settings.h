@@ -21,7 +21,7 @@ LONG ResetSettings();
 
 // ---------------------------------------------------------------- the store
 
-// The settings' place in the registry: the key "Software\QUILLWARE\TELNET" of HKEY_LOCAL_MACHINE.
+// The key "Software\QUILLWARE\TELNET" of HKEY_LOCAL_MACHINE.
 // Numbers are REG_DWORD, strings REG_SZ. Every read and every write opens and closes the key on its
 // own, and every write is flushed; a read that fails yields the default, a write that fails goes
 // unnoticed.
@@ -46,9 +46,7 @@ void DeleteNumberedValues(LPCWSTR format, int count);
 
 // ---------------------------------------------------------------- the configuration file
 
-// The one-time configuration file "\mconfig.cfg", with which an administrator pre-sets settings.
-
-// If the file is there, tells so in a message box over `owner`, writes its entries under the
+// If "\mconfig.cfg" is there, tells so in a message box over `owner`, writes its entries under the
 // settings key and deletes it. To be called before LoadSettings.
 //
 // The file is text in the ANSI code page, taken in lines of at most 79 characters; a longer line

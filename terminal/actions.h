@@ -20,8 +20,8 @@ inline void MarkRow(int row) { session.screen.row_changed[row] = 1; }  // row 1.
 
 // ---------------------------------------------------------------- the cursor
 
-// Cursor movement. After each of these cursor_row is within 1..49 and cursor_col within 1..80, or
-// 1..40 on a double-width row.
+// After each of these cursor_row is within 1..49 and cursor_col within 1..80, or 1..40 on a
+// double-width row.
 
 // Cursor motion is frequent and where it goes is random, so the bounds below are written to compile
 // to conditional moves.

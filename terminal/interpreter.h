@@ -32,7 +32,7 @@ void TerminalWrite(const BYTE* bytes, int count);
 
 // What every write ends with: the view follows the cursor where it is to, what changed is painted,
 // and the status line tells the cursor's place unless it is the one before the write
-// (CursorPosition).
+// (CursorPosition, terminal/modes.h).
 void ShowWritten(int cursor_before);
 
 #endif

@@ -29,7 +29,7 @@ inline constexpr std::array<BYTE, 256> kPrintableBytes = [] {
 
 // ---------------------------------------------------------------- escape sequences
 
-// Sequences of ESC and one or two more bytes: the states 1 and 3 to 7.
+// ESC and one or two more bytes: the states 1 and 3 to 7.
 
 inline constexpr BYTE kEsc = 27;
 
@@ -63,7 +63,7 @@ void ShiftIn();   // SI: G0
 
 // ---------------------------------------------------------------- control sequences
 
-// Control sequences: what stands between ESC [ and the final character, and the finals' table.
+// What comes between ESC [ and the final character, and the finals' table.
 
 // ESC [.
 inline void BeginControlSequence() {

@@ -14,9 +14,8 @@ void RebuildMenuBar();
 // The client window fills the main window below the command bar.
 void LayoutMainWindow();
 
-// ---------------------------------------------------------------- the commands
-
-// The commands of menus, accelerators and buttons.
+// ---------------------------------------------------------------- the commands of menus,
+// accelerators and buttons
 
 // Carries out the command of that id; an unknown one does nothing.
 void RunCommand(WORD id);
@@ -33,9 +32,7 @@ void CloseByMinimising();
 // A synthetic key while a session is up and `alive` is set keeps the device powered.
 void KeepDeviceAwake();
 
-// ---------------------------------------------------------------- the toolbar
-
-// What the toolbar's buttons do, and the toolbar on the main window's command bar.
+// ---------------------------------------------------------------- the toolbar on the command bar
 
 // The buttons of the current bar, as many as the main window had room for when it was made.
 void ShowToolbar();

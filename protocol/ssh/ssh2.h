@@ -10,8 +10,6 @@
 
 // ---------------------------------------------------------------- the session
 
-// From the server's line to the end.
-
 extern const Protocol kSsh2Protocol;
 
 // A session begins: its section of the record as at first, both lines in the exchange hash, all in
@@ -23,7 +21,7 @@ void Ssh2Forget();
 
 // ---------------------------------------------------------------- packets
 
-// Packets of SSH-2 (RFC 4253, 6): building and sending ours, reading the fields of the server's.
+// RFC 4253, 6.
 
 // Message numbers (RFC 4250, 4.1).
 inline constexpr BYTE kMsgServiceRequest = 5;
@@ -47,7 +45,7 @@ inline constexpr BYTE kMsgChannelRequest = 98;
 inline constexpr BYTE kMsgChannelSuccess = 99;
 inline constexpr BYTE kMsgChannelFailure = 100;
 
-// ---------------------------------------------------------------- sending
+// ---------------------------------------------------------------- packets that go out
 
 // Starts a packet of `payloadLength` bytes, the message number counted, at most kSsh2MaxData of
 // them data. The caller then writes the rest of the payload from Payload() on.
@@ -58,7 +56,7 @@ BYTE* Payload();  // the byte behind the message number
 // and sends it; nothing is sent while no connection is up.
 void SendPacket();
 
-// ---------------------------------------------------------------- reading
+// ---------------------------------------------------------------- packets that come in
 
 uint32_t GetUint32(const BYTE* bytes);
 
@@ -73,8 +71,6 @@ void DecryptHead(BYTE* buffer);  // the first 8 bytes, in place
 
 // ---------------------------------------------------------------- from chunks to handlers
 
-// From received chunks to packets, and from packets to the handlers of their messages.
-
 // Appends a chunk to session.ssh.recvBuf and handles every packet that is complete. What waits is
 // dropped when the chunk does not fit behind it, and when a length field cannot be true.
 void Ssh2TakeChunk(const BYTE* bytes, int count);
@@ -86,7 +82,7 @@ void Ssh2HandlePacket(const BYTE* packet, int length);
 
 // ---------------------------------------------------------------- the key exchange
 
-// The key exchange of SSH-2 (RFC 4253, 7 and 8): "diffie-hellman-group1-sha1" with an "ssh-dss"
+// RFC 4253, 7 and 8: "diffie-hellman-group1-sha1" with an "ssh-dss"
 // host key. It is begun by the server alone, at the start and whenever it likes. The server's lists
 // of algorithms are not looked at: each of ours names one, and that one is used. No host key is
 // remembered, and none is asked for.
@@ -101,7 +97,7 @@ void HashIdentifications(const char* clientVersion, const BYTE* serverVersion, i
 
 // ---------------------------------------------------------------- the user
 
-// Password authentication of SSH-2 (RFC 4252, 8).
+// Password authentication (RFC 4252, 8).
 
 // Sends the password request, with the stored user and password where they are remembered and this
 // is the first attempt, else with those of the Sign on dialog, a cancelled one included. Without a

@@ -10,7 +10,7 @@ extern const Protocol kTelnetProtocol;
 
 // ---------------------------------------------------------------- the engine
 
-// The Telnet engine: the receive side of RFC 854 with the option policy of this client.
+// The receive side of RFC 854 with the option policy of this client.
 //
 // It accepts four options from the host (binary transmission 0, echo 1, suppress go-ahead 3,
 // terminal type 24), offers three itself (1, 3, 24), answers the terminal-type request of RFC 1091
@@ -34,7 +34,7 @@ void TelnetSendCommand(BYTE command, BYTE option);
 
 // ---------------------------------------------------------------- the trace
 
-// The negotiation trace: with `nego` set, every Telnet command of either side as a line in the
+// With `nego` set, every Telnet command of either side as a line in the
 // terminal. The lines go through the interpreter like received text and never to the host; they end
 // in LF CR, in that order.
 
@@ -50,7 +50,7 @@ void TraceTerminalType(const char* name);
 
 // ---------------------------------------------------------------- automatic login
 
-// Automatic login on Telnet: two pairs of a search text and a response, each sent once a
+// Two pairs of a search text and a response, each sent once a
 // connection.
 
 // Takes the four texts over from the settings; a pair with an empty text stays disarmed.

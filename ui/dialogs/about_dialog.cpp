@@ -1,4 +1,4 @@
-// "About TELNET".
+// "About TELNET", the one dialog without a setting.
 #include "resources/resource_ids.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"

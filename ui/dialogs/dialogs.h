@@ -37,18 +37,14 @@ void ChooseCursorColor();
 void ChooseTextColor();
 void ChooseBoldColor();
 
-// ---------------------------------------------------------------- within Properties
-
-// The procedures of the Properties sheet's pages; ToolbarPageProc stands with the toolbars.
+// ---------------------------------------------------------------- pages of the Properties sheet
 
 // "Keyboard": the key table; each Change takes effect at once.
 INT_PTR CALLBACK KeyboardPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
 
-// The page "Toolbar" of the Properties sheet.
-
-// Three lists with every row of toolbar_buttons, marked where the row is on that bar. A double tap
-// puts a row on the bar or takes it off, at once and for good: neither OK nor Cancel changes it.
-// The command bar keeps its buttons until it is built anew.
+// "Toolbar": three lists with every row of toolbar_buttons, marked where the row is on that bar. A
+// double tap puts a row on the bar or takes it off, at once and for good: neither OK nor Cancel
+// changes it. The command bar keeps its buttons until it is built anew.
 INT_PTR CALLBACK ToolbarPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
 
 #endif

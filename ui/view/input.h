@@ -20,7 +20,7 @@ void OnTypedCharacter(WCHAR character);
 
 // ---------------------------------------------------------------- marking
 
-// Marking a rectangle of the screen with the stylus. The marked area is that of session.screen: the
+// The stylus marks a rectangle of the screen. The marked area is that of session.screen: the
 // same columns on every row, see SelectedArea in screen_buffer.h.
 
 struct StylusCell {
@@ -41,8 +41,6 @@ void ExtendSelection(LPARAM position);
 
 // ---------------------------------------------------------------- copy and paste
 
-// Copying marked text to the clipboard and sending the clipboard's text to the host.
-
 // The selection goes to the clipboard as Unicode text and is dropped. Each cell gives the character
 // of its byte, without regard to the code page or to line drawing; each row ends with CR LF.
 // Without a selection, or without memory for the text, nothing happens.
@@ -53,8 +51,6 @@ void CopySelection();
 void PasteClipboard();
 
 // ---------------------------------------------------------------- hotspots
-
-// Hotspots: a double tap on a menu's number sends that number and Enter.
 
 // A double tap at a stylus message's position. With the `hotspot` setting and on the blank before a
 // number of one or two digits followed by a full stop or a colon, or on the number's first digit,

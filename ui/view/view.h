@@ -7,9 +7,8 @@
 
 // ---------------------------------------------------------------- the window
 
-// The terminal window: window class "ClientWnd", a child of the main window that shows the screen.
-
-// Registers the class "ClientWnd". FALSE when the system refuses it.
+// Registers the window class "ClientWnd", a child of the main window that shows the screen. FALSE
+// when the system refuses it.
 //
 // Creating a window of it imports the configuration file, loads the settings, builds the status bar
 // and lists the device's fonts. From its WM_CREATE on the window is session.client_window.
@@ -17,9 +16,9 @@ BOOL RegisterClientWindow(HINSTANCE instance);
 
 // ---------------------------------------------------------------- the view
 
-// The terminal window's view of the screen: how many cells fit, which row and column stand at its
-// top left, and the requests for a repaint. All on session.view and session.client_window; while
-// there is no such window a request only sets its flags.
+// How many cells fit, which row and column stand at its
+// top left of the window, and the requests for a repaint. All on session.view and
+// session.client_window; while there is no such window a request only sets its flags.
 
 // Repaint requests. A paint comes later, once for any number of requests.
 void RepaintTerminal();  // the background and all rows
@@ -54,8 +53,6 @@ void BlinkTick();
 
 // ---------------------------------------------------------------- painting
 
-// Painting the terminal window.
-
 // The answer to WM_PAINT. Makes the font and measures the geometry where that is due, then draws
 // the rows that changed, every visible row while a selection is shown, and the rows where the
 // cursor is and was. With a full repaint asked for, or without a session, the background is filled
@@ -79,7 +76,7 @@ void DrawGlyph(HDC dc, const RECT& cell, BYTE code, COLORREF color);
 
 // ---------------------------------------------------------------- the font
 
-// The terminal's font: the device's fixed-pitch faces, and the font in use with the size of its
+// The device's fixed-pitch faces, and the font in use with the size of its
 // character cell. The size is the setting fsize; every procedure here holds it to 1..25 before use.
 
 // Fills session.view.faces with the device's fixed-pitch families, at most 24, in their order.
@@ -98,7 +95,7 @@ void SmallerFont();
 
 // ---------------------------------------------------------------- the status line
 
-// The status line below the terminal and the main window's title.
+// Below the terminal; it is rewritten together with the main window's title.
 
 // Destroys the status window and, unless `hidestatus` is set, makes it anew; session.status_height
 // is its height in pixels, 0 while hidden.
@@ -113,7 +110,7 @@ void UpdateStatus();
 
 // ---------------------------------------------------------------- the input panel
 
-// What the shell's input panel leaves of the terminal.
+// The shell's keyboard or pad on the screen covers rows of the terminal.
 
 // The panel came, went or changed: counts the rows that it covers and lays the terminal out anew.
 void FollowInputPanel();
