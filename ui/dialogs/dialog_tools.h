@@ -50,6 +50,10 @@ void CentreDialog(HWND dialog);
 // Returns what EndDialog was given, or -1 if the dialog could not be shown.
 INT_PTR RunDialog(WORD id, DLGPROC procedure);
 
+// After a field of session.settings or the table toolbar_buttons has changed: what it needs at
+// once, by the table kEffects. `setting` is the field's address; most fields need nothing.
+void ApplySetting(const void* setting);
+
 // After a dialog: the terminal is repainted, as any of its settings may be another one.
 void SettingsChanged();
 

@@ -4,7 +4,6 @@
 #include "session/session_state.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
-#include "ui/view/view.h"
 
 namespace {
 
@@ -68,8 +67,7 @@ INT_PTR CALLBACK FontDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM
 
 void ShowFontDialog() {
     RunDialog(IDD_FONT, FontDialogProc);
-    CreateTerminalFont();
-    LayoutTerminal();
+    ApplySetting(s.fname);
     SettingsChanged();
     SaveIfEnabled();
 }

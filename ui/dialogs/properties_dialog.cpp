@@ -1,11 +1,10 @@
 // The "Properties" sheet, and its page "Other": the check boxes change the settings at once, the
 // fields when the page is left.
 #include "resources/resource_ids.h"
-#include "session/session_ports.h"
 #include "session/session_state.h"
+#include "settings/toolbars.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
-#include "ui/view/view.h"
 
 // ---------------------------------------------------------------- the page "Other"
 
@@ -34,26 +33,6 @@ void OnOpen(HWND page) {
     ShowMarks(page, kMarks);
 }
 
-// One step up and one down fit the terminal to its new room. Where sizes share a cell height the
-// steps do not meet again; the size is then put back.
-void RefitTerminal() {
-    const DWORD size = s.fsize;
-    LargerFont();
-    RepaintTerminal();
-    SmallerFont();
-    RepaintTerminal();
-    if (s.fsize == size) return;
-    s.fsize = size;
-    CreateTerminalFont();
-    LayoutTerminal();
-}
-
-void ShowOrHideStatusBar() {
-    RebuildStatusBar();
-    RefitTerminal();
-    UpdateStatus();
-}
-
 // The boxes are not automatic: the mark and the setting are each turned from what it was.
 bool TurnMark(HWND page, int id) {
     for (const MarkRow* row = kMarks; row->id; row++) {
@@ -61,7 +40,7 @@ bool TurnMark(HWND page, int id) {
         const bool marked = IsDlgButtonChecked(page, id) == BST_CHECKED;
         CheckDlgButton(page, id, marked ? BST_UNCHECKED : BST_CHECKED);
         *row->field = !*row->field;
-        if (id == IDC_HIDESTATUS) ShowOrHideStatusBar();
+        ApplySetting(row->field);
         return true;
     }
     return false;
@@ -119,7 +98,7 @@ void ShowPropertiesSheet() {
     sheet.nPages = kPageCount;
     sheet.ppsp = pages;
     PropertySheetW(&sheet);
-    session_ports.rebuild_menu_bar();  // the page "Toolbar" may have changed its buttons
+    ApplySetting(toolbar_buttons);  // the page "Toolbar" may have changed them
     SettingsChanged();
     SaveIfEnabled();
 }
