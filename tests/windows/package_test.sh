@@ -28,10 +28,10 @@ done
 grep -q 'pei-x86-64' headers || fail "not a 64-bit program"
 grep -q '^Subsystem.*Windows GUI' headers || fail "not a program with windows"
 
-# The version of the file is the program's, as its About dialog has it.
+# The version of the file is the program's, and the About dialog has it too.
 version=$(sed -n 's/^project(quill VERSION \([0-9.]*\).*/\1/p' "$top/CMakeLists.txt")
-grep -q "\"Version $version\"" "$top/resources/dialogs.rc" || fail "About shows another version"
 x86_64-w64-mingw32-windres -O rc Quill/quill.exe resources.rc
+grep -q "\"Version $version\"" resources.rc || fail "About shows another version"
 for field in FileVersion ProductVersion; do
     grep -q "VALUE \"$field\", *L*\"$version\"" resources.rc || fail "another $field than $version"
 done
