@@ -9,7 +9,8 @@ namespace {
 constexpr LPCWSTR kSettingsKey = TEXT("Software\\QUILLWARE\\TELNET");
 constexpr int kNameSize = 16;  // of a numbered value
 
-bool QueryValue(LPCWSTR name, LPVOID data, DWORD size) {
+// Both are out of line, once for numbers and strings.
+[[gnu::noinline]] bool QueryValue(LPCWSTR name, LPVOID data, DWORD size) {
     HKEY key;
     if (OpenSettings(KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return false;
     const LONG error =
@@ -18,7 +19,7 @@ bool QueryValue(LPCWSTR name, LPVOID data, DWORD size) {
     return error == ERROR_SUCCESS;
 }
 
-void WriteValue(LPCWSTR name, DWORD type, LPCVOID data, DWORD size) {
+[[gnu::noinline]] void WriteValue(LPCWSTR name, DWORD type, LPCVOID data, DWORD size) {
     HKEY key;
     const LONG error =
         RegCreateKeyExW(HKEY_LOCAL_MACHINE, kSettingsKey, 0, nullptr, REG_OPTION_NON_VOLATILE,

@@ -102,7 +102,8 @@ void CopyLine(int to, int from) {
     MarkRow(to);
 }
 
-void FillLine(int row, DWORD code, int reset_line_attr) {
+// Out of line: its loop need not be there once for each way to scroll.
+[[gnu::noinline]] void FillLine(int row, DWORD code, int reset_line_attr) {
     if (!RowExists(row)) return;
     DWORD* words = RowWords(row);
     for (int col = 1; col <= kScreenColumns; ++col) words[col] = code;

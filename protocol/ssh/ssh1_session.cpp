@@ -206,7 +206,8 @@ const Protocol kSsh1Protocol = {
     .forget = Forget,
 };
 
-void Ssh1RunState(BYTE type, const BYTE* data, int length) {
+// Out of line, once for chunks and for single packets.
+[[gnu::noinline]] void Ssh1RunState(BYTE type, const BYTE* data, int length) {
     for (const StateRow& row : kStates) {
         if (row.state != session.ssh1.ssh1State) continue;
         if (row.type != kAnyType && row.type != type) continue;
