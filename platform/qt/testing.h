@@ -5,7 +5,7 @@
 #include <QColorDialog>
 #include <QMessageBox>
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 bool MessagesWaiting();  // posted ones, or input; on the window thread
 int BeepCount();

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/qt/testing.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

@@ -8,7 +8,7 @@
 #include <set>
 
 #include "platform/qt/testing.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "tests/dialogs/dialog_person.h"

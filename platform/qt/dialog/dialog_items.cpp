@@ -1,5 +1,5 @@
 // The calls that reach a dialog's control by its number: messages to it by another name.
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

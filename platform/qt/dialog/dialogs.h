@@ -6,7 +6,7 @@
 #include <QDialog>
 
 #include "platform/qt/services/dialog_template.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 class QScrollArea;
 struct SheetData;

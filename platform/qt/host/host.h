@@ -2,7 +2,7 @@
 #ifndef QUILL_PLATFORM_QT_HOST_HOST_H
 #define QUILL_PLATFORM_QT_HOST_HOST_H
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 struct HostOptions {
     std::string root;   // the device's root folder; empty: below the user's data folder

@@ -6,7 +6,7 @@
 #include <QPixmap>
 
 #include "platform/qt/services/bitmaps.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

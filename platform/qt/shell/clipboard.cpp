@@ -2,7 +2,7 @@
 #include <QClipboard>
 #include <QMimeData>
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

@@ -24,7 +24,7 @@
 #include "platform/qt/services/dial_log.h"
 #include "platform/qt/services/wide_text.h"
 #include "platform/qt/testing_services.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

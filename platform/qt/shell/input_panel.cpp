@@ -8,7 +8,7 @@
 #include <QPainter>
 
 #include "platform/qt/window/device_screen.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 #include "platform/qt/window/window_widget.h"
 
 struct PanelKeyRow {

@@ -6,7 +6,7 @@
 #include <QMenuBar>
 #include <QToolButton>
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 struct MenuItem;
 

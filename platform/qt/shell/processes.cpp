@@ -6,7 +6,7 @@
 
 #include "platform/qt/services/device_root.h"
 #include "platform/qt/services/wide_text.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 extern "C" const uint8_t quill_help_page[];
 extern "C" const uint8_t quill_help_page_end[];

@@ -5,7 +5,7 @@
 
 #include "platform/qt/shell/input_panel.h"
 #include "platform/qt/shell/menu_bar.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 class ScreenWidget : public QWidget {
     Q_OBJECT

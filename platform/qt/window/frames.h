@@ -7,7 +7,7 @@
 #ifndef QUILL_PLATFORM_QT_WINDOW_FRAMES_H
 #define QUILL_PLATFORM_QT_WINDOW_FRAMES_H
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 inline constexpr int kFrameMilliseconds = 16;
 inline constexpr int kFramesAtOnce = 3;

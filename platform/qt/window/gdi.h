@@ -9,7 +9,7 @@
 #include <QPainter>
 #include <QRawFont>
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 // A font as the program asked for it and as the desktop has it. The raw font is drawn glyph by
 // glyph; the plain one stands in for characters that it lacks.

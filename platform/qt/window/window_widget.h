@@ -5,7 +5,7 @@
 #include <QElapsedTimer>
 #include <QPointF>
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 class QBackingStore;
 class QPainter;

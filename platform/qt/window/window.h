@@ -1,7 +1,7 @@
 // What the window half of the slice shares: the records behind the handles, the message queue's
 // inner side, and the device's screen.
-#ifndef QUILL_PLATFORM_QT_WINDOW_SLICE_H
-#define QUILL_PLATFORM_QT_WINDOW_SLICE_H
+#ifndef QUILL_PLATFORM_QT_WINDOW_WINDOW_H
+#define QUILL_PLATFORM_QT_WINDOW_WINDOW_H
 
 #include <bitset>
 #include <functional>
