@@ -5,7 +5,9 @@
 #include <QColorDialog>
 #include <QMessageBox>
 
-#include "platform/qt/window/window.h"
+#include <functional>
+
+#include "platform/qt/window/device_screen.h"
 
 bool MessagesWaiting();  // posted ones, or input; on the window thread
 int BeepCount();

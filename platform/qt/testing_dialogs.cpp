@@ -71,6 +71,11 @@ bool HasRow(int count, int row) { return row >= 0 && row < count; }
 
 }  // namespace
 
+HWND ShownDialog() {
+    const Window* dialog = TopMostDialog();
+    return dialog ? dialog->handle : nullptr;
+}
+
 void OnNextDialog(const std::function<void()>& person) { g_people.push_back(person); }
 
 bool DialogsAwaited() { return !g_people.empty(); }

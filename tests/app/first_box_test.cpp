@@ -4,6 +4,7 @@
 #include <QTimer>
 
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "tests/support/person.h"

@@ -5,6 +5,7 @@
 #include "platform/qt/shell/input_panel.h"
 #include "platform/qt/shell/menu_bar.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "tests/support/drawn.h"

@@ -5,6 +5,7 @@
 
 #include "platform/qt/shell/menu_bar.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "tests/support/fake_host.h"

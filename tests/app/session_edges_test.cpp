@@ -4,6 +4,7 @@
 
 #include "connection/connection.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window_widget.h"
 #include "session/session_state.h"
 #include "tests/support/drawn.h"

@@ -7,6 +7,7 @@
 #include "app/start_up.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
+#include "platform/qt/window/device_screen.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "terminal/screen_buffer.h"

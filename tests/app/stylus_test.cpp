@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include "platform/qt/testing.h"
+#include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/toolbars.h"

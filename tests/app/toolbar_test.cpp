@@ -10,6 +10,8 @@
 
 #include "platform/qt/services/bitmaps.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "platform/qt/window/window_widget.h"
 #include "session/session_state.h"
 #include "settings/settings.h"

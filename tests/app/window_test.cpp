@@ -4,6 +4,8 @@
 #include <QThread>
 
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "terminal/terminal_write.h"
 #include "tests/support/drawn.h"

@@ -7,6 +7,7 @@
 #include <QTabBar>
 
 #include "platform/qt/testing.h"
+#include "platform/qt/window/window.h"
 #include "tests/support/person.h"
 
 namespace {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <QThread>
 
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"

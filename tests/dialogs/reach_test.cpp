@@ -9,6 +9,7 @@
 #include <QScrollBar>
 
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"

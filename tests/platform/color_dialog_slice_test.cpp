@@ -4,6 +4,7 @@
 #include <QScreen>
 
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 
 namespace {
 

@@ -17,6 +17,9 @@
 
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include <QImage>
 
 #include "platform/qt/host/icons.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 

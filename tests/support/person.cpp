@@ -15,6 +15,8 @@
 #include "platform/qt/host/host.h"
 #include "platform/qt/host/screen_text.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "terminal/screen_buffer.h"
 #include "tests/support/drawn.h"

@@ -14,7 +14,9 @@
 #include "platform/qt/dialog/default_button.h"
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
+#include "platform/qt/window/messages.h"
 
 namespace {
 

@@ -12,6 +12,7 @@
 #include "platform/qt/dialog/dialog_buttons.h"
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/services/wide_text.h"
+#include "platform/qt/window/windows.h"
 
 namespace {
 
@@ -117,7 +118,7 @@ Qt::FocusPolicy FocusPolicyOf(const QWidget& widget, DWORD style) {
 HWND MakeControl(Window& dialog, const DialogItem& item) {
     const ControlClass* kind = ClassOf(item.window_class);
     if (!kind) return nullptr;
-    Window* window = AddWindow(WindowClassOf(kind), dialog.handle, item.id);
+    Window* window = AddWindow(WindowClassOf(kind), &kToolkitOperations, dialog.handle, item.id);
     window->text = item.text;
     window->control = std::make_shared<ControlData>();
     window->control->kind = kind;
@@ -161,59 +162,4 @@ void FocusControl(const Window& control) {
     if (auto* edit = As<QLineEdit>(control)) edit->selectAll();
     auto* combo = As<QComboBox>(control);
     if (combo && combo->lineEdit()) combo->lineEdit()->selectAll();
-}
-
-QString WithoutMnemonic(const QString& text) {
-    QString plain;
-    for (qsizetype i = 0; i < text.size(); i++) {
-        if (text[i] == '&' && ++i == text.size()) break;
-        plain += text[i];
-    }
-    return plain;
-}
-
-void QueueNotice(HWND control, WORD code) {
-    const Window* window = FindWindowRecord(control);
-    if (window)
-        QueueInput(window->parent, WM_COMMAND, MAKEWPARAM(window->id, code),
-                   reinterpret_cast<LPARAM>(control));
-}
-
-void SendNotice(HWND control, WORD code) {
-    const Window* window = FindWindowRecord(control);
-    if (window)
-        SendMessageW(window->parent, WM_COMMAND, MAKEWPARAM(window->id, code),
-                     reinterpret_cast<LPARAM>(control));
-}
-
-LRESULT CopyText(const QString& text, WPARAM size, LPARAM buffer) {
-    if (size == 0 || !buffer) return 0;
-    auto* units = reinterpret_cast<LPWSTR>(buffer);
-    const std::u16string wide = ToWide(text);
-    const size_t count = std::min<size_t>(wide.size(), size - 1);
-    std::copy_n(wide.begin(), count, units);
-    units[count] = 0;
-    return static_cast<LRESULT>(count);
-}
-
-int FindEntry(const QStringList& entries, int after, const QString& wanted, bool whole) {
-    const int count = static_cast<int>(entries.size());
-    const int first = after < 0 || after >= count ? 0 : after + 1;
-    for (int i = 0; i < count; i++) {
-        const QString& entry = entries[(first + i) % count];
-        const QString head = whole ? entry : entry.left(wanted.size());
-        if (head.compare(wanted, Qt::CaseInsensitive) == 0) return (first + i) % count;
-    }
-    return LB_ERR;
-}
-
-int SortedPlace(const QStringList& entries, const QString& text) {
-    int row = 0;
-    while (row < entries.size() && entries[row].compare(text, Qt::CaseInsensitive) <= 0) row++;
-    return row;
-}
-
-int PlaceOf(WPARAM row, int count) {
-    const int place = static_cast<int>(row) == -1 ? count : static_cast<int>(row);
-    return place > count || place < 0 ? -1 : place;
 }

@@ -8,8 +8,10 @@
 #include <QScreen>
 #include <QTimer>
 
-#include "platform/qt/dialog/dialogs.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/messages.h"
 
 namespace {
 

@@ -7,7 +7,10 @@
 #include <QVBoxLayout>
 
 #include "platform/qt/dialog/dialogs.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/windows.h"
 
 struct SheetPage {
     PROPSHEETPAGEW page = {};
@@ -138,7 +141,7 @@ HWND MakeSheet(const PROPSHEETHEADERW& header, std::shared_ptr<SheetData> data) 
 
 // A page is a dialog in its tab; `widget` is what its controls stand on.
 bool MakePage(HWND sheet, SheetPage* page) {
-    Window* window = AddWindow(&kPageClass, sheet, 0);
+    Window* window = AddWindow(&kPageClass, &kDialogOperations, sheet, 0);
     const HWND handle = window->handle;
     window->text = page->shape.caption;
     window->dialog = std::make_shared<DialogData>();

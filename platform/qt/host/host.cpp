@@ -10,10 +10,13 @@
 #include "platform/qt/services/registry.h"
 #include "platform/qt/services/resources.h"
 #include "platform/qt/shell/bar_pictures.h"
-#include "platform/qt/shell/dial_up.h"
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/other_instance.h"
+#include "platform/qt/window/windows.h"
 #include "resources/resource_ids.h"
 
 extern "C" const uint8_t quill_resources[];
@@ -135,9 +138,11 @@ void OpenDevice(const HostOptions& options) {
     SetDeviceRoot(options.root);
     SetResourceImage(quill_resources, static_cast<size_t>(quill_resources_end - quill_resources));
     SetSystemFont();
-    RegisterControls();
+    RegisterStatusWindow();
+    RegisterCommandBar();
     RegisterMenuBar();
     OpenDeviceScreen(QSize(kNarrowestPixels, 300));
+    FurnishShell();
     DeviceScreen()->setWindowIcon(LoadProgramIcon(IDI_PROGRAM));
     DeviceScreen()->resize(options.screen.isEmpty() ? ScreenForTerminal() : options.screen);
 }
@@ -147,7 +152,6 @@ void CloseDevice() {
     DestroyAllWindows();
     StopServingInstances();
     ResetMessages();
-    ResetKeyboard();
     ForgetRecords();
     ReleaseGdi();
     ForgetBarPictures();

@@ -2,7 +2,9 @@
 #ifndef QUILL_PLATFORM_QT_HOST_HOST_H
 #define QUILL_PLATFORM_QT_HOST_HOST_H
 
-#include "platform/qt/window/window.h"
+#include <QSize>
+#include <QString>
+#include <string>
 
 struct HostOptions {
     std::string root;   // the device's root folder; empty: below the user's data folder

@@ -9,6 +9,7 @@
 #include "platform/qt/host/host.h"
 #include "platform/qt/host/screen_text.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 
 namespace {
 

@@ -6,7 +6,6 @@
 #include <QPixmap>
 
 #include "platform/qt/services/bitmaps.h"
-#include "platform/qt/window/window.h"
 
 namespace {
 

@@ -6,6 +6,9 @@
 #include <QPalette>
 #include <vector>
 
+inline constexpr int kBarPicture = 16;       // pixels of a picture's sides
+inline constexpr int kTwiceAsLarge = 10000;  // from a bitmap's number to that of the larger one
+
 // The first `count` pictures of that bitmap in the palette's colours, each also twice as large
 // where there is a bitmap for it; empty when the bitmap is missing, damaged or too small. They are
 // made once: the toolkit keeps something of every picture that it has drawn.

@@ -5,8 +5,9 @@
 #include <QToolButton>
 
 #include "platform/qt/shell/bar_pictures.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/gdi.h"
-#include "platform/qt/window/window_widget.h"
+#include "platform/qt/window/messages.h"
 
 namespace {
 

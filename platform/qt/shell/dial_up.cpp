@@ -2,7 +2,6 @@
 // dial starts it, reads its log, tells the window the states, and ends it. Hanging up waits for
 // that end while it takes no longer than usual; beyond that, the next dial's thread waits for it
 // before it starts another one at the same modem.
-#include "platform/qt/shell/dial_up.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -23,8 +22,9 @@
 
 #include "platform/qt/services/dial_log.h"
 #include "platform/qt/services/wide_text.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/testing_services.h"
-#include "platform/qt/window/window.h"
+#include "platform/qt/window/messages.h"
 
 namespace {
 

@@ -63,7 +63,10 @@ const FontData& FontOf(HDC dc);                            // the selected font,
 const LineFont& LineFontOf(const QFont& font);
 void ForgetFonts();
 
-// gdi.cpp: ASCII alone, in the painter's pen.
+// gdi.cpp
+COLORREF BrushColor(HBRUSH brush);
+void ReleaseGdi();
+// ASCII alone, in the painter's pen.
 void DrawLineOfText(QPainter& painter, const LineFont& font, QPointF place,
                     const std::u16string& text);
 

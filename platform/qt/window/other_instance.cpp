@@ -2,14 +2,14 @@
 // second one finds it there and hands over to it. The socket's name is of the kernel alone, so that
 // nothing of it is left on the disk.
 #include <map>
-#include <memory>
 #include <QCryptographicHash>
 #include <QLockFile>
 #include <QSocketNotifier>
 
 #include "platform/qt/services/device_root.h"
 #include "platform/qt/services/local_socket.h"
-#include "platform/qt/window/window_widget.h"
+#include "platform/qt/window/other_instance.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ std::string SocketName() {
 // What lies over the window is what the user is to see: a box or a dialog. The first box, and what
 // it asks, may come before the window.
 void Foreground() {
-    if (g_window) SetForegroundWindow(g_window);
+    if (Window* window = FindWindowRecord(g_window)) window->operations->foreground(*window);
     QWidget* above = QApplication::activeModalWidget();
     if (!above) return;
     above->raise();
@@ -55,12 +55,13 @@ void Foreground() {
 }
 
 void Show() {
-    if (g_window) ShowWindow(g_window, SW_SHOW);
+    if (Window* window = FindWindowRecord(g_window)) window->operations->show(*window, SW_SHOW);
     if (QWidget* above = QApplication::activeModalWidget()) above->activateWindow();
 }
 
 void Paint() {
-    if (g_window) SendMessageW(g_window, WM_PAINT, 0, 0);
+    if (Window* window = FindWindowRecord(g_window))
+        window->operations->send(*window, WM_PAINT, 0, 0);
 }
 
 struct RequestRow {
@@ -141,23 +142,36 @@ bool TellOther(const char* request) {
     return answered;
 }
 
-}  // namespace
-
-// Who holds the lock listens from then on: a box may keep the start from its end.
-HWND FindOtherInstance() {
-    if (TakeLock()) return Listen(), nullptr;
-    if (g_lock->error() != QLockFile::LockFailedError) return nullptr;  // no folder to lock in
-    return kOtherInstance;
-}
-
-bool IsOtherInstance(HWND window) { return window == kOtherInstance; }
-
-void AskOtherInstance(const char* request) {
+void Ask(const char* request) {
     static bool given_up = false;
     if (given_up || TellOther(request)) return;
     given_up = true;
     std::fprintf(stderr, "quill: the program that runs on %s does not answer\n",
                  DeviceRoot().c_str());
+}
+
+constexpr WindowOperations kOtherOperations = {
+    nullptr,
+    [](Window&, const QRect&) {},
+    [](Window&, int) { return Ask("show"), BOOL{TRUE}; },
+    [](Window&) { return Ask("foreground"), BOOL{TRUE}; },
+    [](Window&, UINT message, WPARAM, LPARAM) {
+        if (message == WM_PAINT) Ask("paint");
+        return LRESULT{0};
+    },
+};
+
+}  // namespace
+
+// Who holds the lock listens from then on: a box may keep the start from its end.
+HWND FindOtherInstance() {
+    static Window other;
+    if (TakeLock()) return Listen(), nullptr;
+    if (g_lock->error() != QLockFile::LockFailedError) return nullptr;  // no folder to lock in
+    other.handle = kOtherInstance;
+    other.operations = &kOtherOperations;
+    SetForeignWindow(&other);
+    return kOtherInstance;
 }
 
 void ServeOtherInstances(HWND window) {

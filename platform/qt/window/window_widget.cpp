@@ -11,6 +11,9 @@
 #include <QTouchEvent>
 #include <QWindow>
 
+#include "platform/qt/window/frames.h"
+#include "platform/qt/window/messages.h"
+
 namespace {
 
 // What of a part of a widget no other widget covers, in the coordinates of its desktop window.
@@ -30,13 +33,6 @@ QRegion UncoveredPart(const QWidget* widget, QRegion part) {
 }
 
 }  // namespace
-
-QBackingStore* ReadyStore(const QWidget* top) {
-    QBackingStore* store = top->backingStore();
-    const QWindow* surface = top->windowHandle();
-    const bool ready = store && surface && surface->isExposed() && store->size() == top->size();
-    return ready ? store : nullptr;
-}
 
 WindowWidget::WindowWidget(HWND window, QWidget* parent) : QWidget(parent), window_(window) {
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -204,3 +200,5 @@ bool WindowWidget::IsSecondTap(const QPointF& position) {
 
 // Tab is a key like any other here.
 bool WindowWidget::focusNextPrevChild(bool) { return false; }
+
+#include "moc_window_widget.cpp"
