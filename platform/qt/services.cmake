@@ -9,5 +9,5 @@ set(SERVICES accelerators address_lookup bitmaps clock device_root dial_log dial
     registry_store resources strings wide_text winsock winsock_errors)
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)
-quill_library(platform_services ${SERVICES} testing_services.cpp)
+quill_library(platform_services ${SERVICES})
 target_link_libraries(platform_services PUBLIC Qt6::Core PRIVATE SQLite::SQLite3 Threads::Threads)

@@ -3,9 +3,9 @@
 #include "connection/dialling.h"
 
 #include "connection/connection.h"
-#include "platform/qt/testing.h"
 #include "terminal/screen_buffer.h"
 #include "tests/app/dial_stage.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 
 namespace {

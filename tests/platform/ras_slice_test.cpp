@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/qt/services/device_root.h"
-#include "platform/qt/testing_services.h"
+#include "tests/support/services_test_hooks.h"
 #include "windows_ce.h"
 
 namespace {

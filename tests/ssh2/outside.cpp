@@ -4,12 +4,12 @@
 #include "connection/connection.h"
 #include "connection/receive_thread.h"
 #include "connection/socket_event.h"
-#include "platform/qt/testing_services.h"
 #include "protocol/protocols.h"
 #include "session/session_ports.h"
 #include "session/session_send.h"
 #include "terminal/interpreter.h"
 #include "terminal/terminal_write.h"
+#include "tests/support/services_test_hooks.h"
 #include "text/ansi_text.h"
 
 Outside outside;

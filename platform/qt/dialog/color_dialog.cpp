@@ -13,18 +13,16 @@
 
 #include "platform/qt/dialog/default_button.h"
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/testing.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
+#include "platform/qt/window/observers.h"
 
 namespace {
 
 constexpr int kCustomColors = 16;
 constexpr int kMargin = 4;
 constexpr int kSmallPatch = 20;
-
-QPointer<QColorDialog> g_shown;
 
 bool TemplateIsThere(const CHOOSECOLORW& request) {
     DialogTemplate shape;
@@ -143,10 +141,9 @@ BOOL ShowColorDialog(CHOOSECOLORW* request) {
         done = true;
     });
     QObject::connect(&window, &QDialog::finished, &window, [&] { done = true; });
-    g_shown = chooser;
     window.setWindowModality(Qt::ApplicationModal);
     window.show();
-    AnnounceDialog();
+    if (window_observer.dialog) window_observer.dialog();
     RunModalLoop([&] { return done; });
     if (chosen) request->rgbResult = ValueOf(chooser->selectedColor());
     TakeCustomColors(request->lpCustColors);
@@ -154,5 +151,3 @@ BOOL ShowColorDialog(CHOOSECOLORW* request) {
     if (below && below->isVisible()) below->activateWindow();
     return chosen;
 }
-
-QColorDialog* ShownColorDialog() { return g_shown; }

@@ -10,9 +10,9 @@
 
 #include "platform/qt/dialog/default_button.h"
 #include "platform/qt/shell/shell.h"
-#include "platform/qt/testing.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
+#include "platform/qt/window/observers.h"
 #include "platform/qt/window/windows.h"
 
 namespace {
@@ -164,7 +164,7 @@ INT_PTR RunDialog(HWND dialog, bool at_once) {
         window->widget->show();
         LendInputPanel(window->widget);
         window->widget->activateWindow();
-        AnnounceDialog();
+        if (window_observer.dialog) window_observer.dialog();
     }
     RunModalLoop([&] { return data->ended || !FindWindowRecord(dialog); });
     TakeFromScreen(dialog);

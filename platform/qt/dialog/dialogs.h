@@ -85,6 +85,9 @@ int WholeLines(QWidget* list, int height);
 HWND FirstTabStop(const Window& dialog);   // null: none
 void FocusControl(const Window& control);  // and selects an edit's text, as Tab does
 
+// message_box.cpp
+void AnswerMessageBoxes(bool answer);  // each presses its own default button, unattended
+
 // control_base.cpp
 QSize DialogPixels(int width, int height);  // of dialog units
 QString WithoutMnemonic(const QString& text);

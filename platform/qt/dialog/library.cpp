@@ -1,7 +1,7 @@
 // Libraries that a program looks up at run time: the device carries that of the common dialogs.
 #include "platform/qt/dialog/color_dialog.h"
 #include "platform/qt/services/wide_text.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/window/observers.h"
 
 typedef void (*AnyProcedure)();
 
@@ -24,8 +24,6 @@ const ProcedureRow kCommonDialogs[] = {
 
 SliceModule g_libraries[] = {{u"COMMDLG.DLL", kCommonDialogs}};
 
-bool g_missing = false;
-
 bool IsLibrary(HMODULE library) {
     return library >= std::begin(g_libraries) && library < std::end(g_libraries);
 }
@@ -33,8 +31,10 @@ bool IsLibrary(HMODULE library) {
 }  // namespace
 
 HMODULE LoadLibraryW(LPCWSTR name) {
+    if (!name || (window_observer.hide_library && window_observer.hide_library(name)))
+        return nullptr;
     for (SliceModule& library : g_libraries)
-        if (name && !g_missing && CompareWithoutCase(name, library.name) == 0) return &library;
+        if (CompareWithoutCase(name, library.name) == 0) return &library;
     return nullptr;
 }
 
@@ -46,5 +46,3 @@ FARPROC GetProcAddressW(HMODULE library, LPCWSTR name) {
 }
 
 BOOL FreeLibrary(HMODULE library) { return IsLibrary(library); }
-
-void TakeLibrariesAway(bool missing) { g_missing = missing; }

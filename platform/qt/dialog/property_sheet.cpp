@@ -2,13 +2,11 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/shell/shell.h"
-#include "platform/qt/testing.h"
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/windows.h"
 
@@ -234,15 +232,4 @@ INT_PTR PropertySheetW(LPCPROPSHEETHEADERW header) {
     const UINT start = header->nStartPage < header->nPages ? header->nStartPage : 0;
     if (!ActivatePage(sheet, static_cast<int>(start))) return DestroyWindow(sheet), -1;
     return RunDialog(sheet, true);
-}
-
-// Where a page is meant by its sheet: the dialog whose controls a person sees.
-HWND ShownPage() {
-    const HWND dialog = ShownDialog();
-    const auto data = SheetOf(dialog);
-    return data ? CurrentPage(*data) : dialog;
-}
-
-void TurnPage(int index) {
-    if (const auto data = SheetOf(ShownDialog())) data->tabs->tabBar()->setCurrentIndex(index);
 }

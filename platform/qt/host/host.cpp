@@ -11,7 +11,6 @@
 #include "platform/qt/services/resources.h"
 #include "platform/qt/shell/bar_pictures.h"
 #include "platform/qt/shell/shell.h"
-#include "platform/qt/testing.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
@@ -152,7 +151,6 @@ void CloseDevice() {
     DestroyAllWindows();
     StopServingInstances();
     ResetMessages();
-    ForgetRecords();
     ReleaseGdi();
     ForgetBarPictures();
     CloseDeviceScreen();

@@ -5,10 +5,10 @@
 #include <QScreen>
 #include <QTimer>
 
+#include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/host/end_signals.h"
 #include "platform/qt/host/host.h"
 #include "platform/qt/host/screen_text.h"
-#include "platform/qt/testing.h"
 #include "platform/qt/window/device_screen.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <QStringList>
 
-#include "platform/qt/window/drawing_observer.h"
+#include "platform/qt/window/observers.h"
 
 void KeepScreenText();                // from now on, as one of those who look on
 void ForgetScreenText();              // and no more

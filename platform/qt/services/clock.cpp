@@ -4,7 +4,7 @@
 #include <chrono>
 #include <thread>
 
-#include "platform/qt/testing_services.h"
+#include "platform/qt/services/observer.h"
 #include "windows_ce.h"
 
 namespace {
@@ -27,7 +27,7 @@ void Sleep(DWORD milliseconds) {
 
 void GetSystemTime(SYSTEMTIME* time) {
     if (!time) return;
-    const int64_t set = services_test_hooks.system_time;
+    const int64_t set = services_observer.system_time ? services_observer.system_time() : -1;
     const int64_t now = set >= 0 ? set : MillisecondsOf(CLOCK_REALTIME);
     const time_t seconds = static_cast<time_t>(now / 1000);
     tm utc = {};

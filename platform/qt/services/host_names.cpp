@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "platform/qt/services/address_lookup.h"
+#include "platform/qt/services/observer.h"
 #include "platform/qt/services/winsock.h"
 #include "platform/qt/services/winsock_errors.h"
-#include "platform/qt/testing_services.h"
 #include "windows_ce.h"
 
 namespace {
@@ -71,9 +71,8 @@ bool IsEnd(char letter) { return letter == 0 || isspace(static_cast<unsigned cha
 
 HOSTENT* SliceHostByName(const char* name) {
     if (!WinsockStarted()) return nullptr;
-    services_test_hooks.host_lookups++;
-    if (services_test_hooks.fail_host_lookup || !IsUsableName(name))
-        return FailWith(kWsaHostNotFound), nullptr;
+    if (const int error = ErrorOf(NetworkCall::kHostLookup)) return FailWith(error), nullptr;
+    if (!IsUsableName(name)) return FailWith(kWsaHostNotFound), nullptr;
     std::vector<uint32_t> addresses;
     std::string official;
     const int result = LookUpAddresses(name, &addresses, &official);

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/qt/services/observer.h"
 #include "platform/qt/services/wide_text.h"
-#include "platform/qt/testing_services.h"
 #include "windows_ce.h"
 
 namespace {
@@ -35,7 +35,7 @@ bool IsPlainFile(const std::string& path) {
 
 std::vector<std::u16string> DialUpNames() {
     std::vector<std::u16string> names;
-    const std::string& folder = services_test_hooks.dial_up_folder;
+    const std::string folder = TheDialUpHost().folder;
     DIR* listing = opendir(folder.c_str());
     if (!listing) return names;
     while (const dirent* row = readdir(listing)) {
@@ -51,7 +51,7 @@ std::vector<std::u16string> DialUpNames() {
 }
 
 // Peers outlast the program that would dial them, when its package is removed.
-bool CanDial() { return access(services_test_hooks.dial_up_program.c_str(), F_OK) == 0; }
+bool CanDial() { return access(TheDialUpHost().program, F_OK) == 0; }
 
 void FillEntry(RASENTRYNAMEW* entry, const std::u16string& name) {
     entry->dwSize = sizeof(RASENTRYNAMEW);

@@ -7,9 +7,9 @@
 #include <memory>
 #include <mutex>
 
+#include "platform/qt/services/observer.h"
 #include "platform/qt/services/posix_sockets.h"
 #include "platform/qt/services/winsock_errors.h"
-#include "platform/qt/testing_services.h"
 #include "windows_ce.h"
 
 namespace {
@@ -150,7 +150,7 @@ bool WinsockStarted() {
 // The result is the error itself. 1.1 is spoken with everyone who can.
 int SliceStartup(WORD version, WSADATA* data) {
     if (!data) return kWsaEFault;
-    if (services_test_hooks.fail_startup) return kWsaSysNotReady;
+    if (const int error = ErrorOf(NetworkCall::kStartup)) return error;
     data->wVersion = data->wHighVersion = MAKEWORD(1, 1);
     const int major = version & 0xFF, minor = version >> 8;
     if (major < 1 || (major == 1 && minor < 1)) return kWsaVerNotSupported;
@@ -176,11 +176,10 @@ int SliceLastError() { return t_last_error; }
 
 SOCKET SliceSocket(int family, int type, int protocol) {
     if (!WinsockStarted()) return INVALID_SOCKET;
-    int error = 0;
+    int error = ErrorOf(NetworkCall::kSocket);
     SocketPointer opened;
-    if (services_test_hooks.fail_socket)
-        error = kWsaEMFile;
-    else if (!IsTcp(family, type, protocol))
+    if (error != 0) return FailWith(error), INVALID_SOCKET;
+    if (!IsTcp(family, type, protocol))
         error = kWsaEAfNoSupport;
     else if (const int result = StreamSocket::Open(&opened); result < 0)
         error = WinsockError(-result);
@@ -204,8 +203,7 @@ int SliceConnect(SOCKET number, const SOCKADDR* address, int size) {
     SOCKADDR_IN peer;
     memcpy(&peer, address, sizeof(peer));
     if (peer.sin_family != AF_INET) return FailWith(kWsaEAfNoSupport);
-    if (services_test_hooks.force_connect_error)
-        return FailWith(services_test_hooks.force_connect_error);
+    if (const int error = ErrorOf(NetworkCall::kConnect)) return FailWith(error);
     return CountOrFail(found->Connect(peer.sin_addr.s_addr, peer.sin_port));
 }
 

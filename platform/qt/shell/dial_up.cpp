@@ -21,9 +21,9 @@
 #include <vector>
 
 #include "platform/qt/services/dial_log.h"
+#include "platform/qt/services/observer.h"
 #include "platform/qt/services/wide_text.h"
 #include "platform/qt/shell/shell.h"
-#include "platform/qt/testing_services.h"
 #include "platform/qt/window/messages.h"
 
 namespace {
@@ -251,9 +251,10 @@ DWORD RasDialW(LPVOID, LPCWSTR, RASDIALPARAMSW* parameters, DWORD notifier_type,
         return error;
     auto dial = std::make_unique<DialUp>();
     dial->notifier = static_cast<HWND>(notifier);
-    dial->program = services_test_hooks.dial_up_program;
+    const DialUpHost host = TheDialUpHost();
+    dial->program = host.program;
     dial->entry = Utf8FromWide(parameters->szEntryName);
-    dial->patience = static_cast<DWORD>(services_test_hooks.dial_up_patience);
+    dial->patience = static_cast<DWORD>(host.patience);
     if (const DWORD error = LookAtProgram(*dial)) return error;
     Notify(*dial, RASCS_OpenPort, 0);
     if (const DWORD error = StartThread(dial.get())) return error;

@@ -2,8 +2,8 @@
 #include <cmath>
 
 #include "platform/qt/shell/shell.h"
-#include "platform/qt/window/drawing_observer.h"
 #include "platform/qt/window/gdi.h"
+#include "platform/qt/window/observers.h"
 
 namespace {
 

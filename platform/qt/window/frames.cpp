@@ -7,7 +7,7 @@
 #include <QWindow>
 #include <utility>
 
-#include "platform/qt/window/drawing_observer.h"
+#include "platform/qt/window/observers.h"
 
 namespace {
 

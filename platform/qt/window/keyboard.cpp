@@ -3,8 +3,8 @@
 #include <QKeyEvent>
 
 #include "platform/qt/services/accelerators.h"
-#include "platform/qt/testing.h"
 #include "platform/qt/window/messages.h"
+#include "platform/qt/window/observers.h"
 
 namespace {
 
@@ -43,9 +43,6 @@ const KeyRow kModifiers[] = {
 // clang-format on
 
 constexpr int kProcessKey = 0xE5;  // a key press that the input method took
-
-int g_silent_keys = 0;
-SilentKey g_silent_key = {};
 
 int ModifierKey(const QKeyEvent& event) {
     for (const KeyRow& row : kModifiers)
@@ -157,13 +154,9 @@ void QueueCommittedText(HWND window, const QString& text) {
     for (const QChar character : text) QueueInput(window, WM_CHAR, character.unicode(), 0);
 }
 
-int SilentKeyCount() { return g_silent_keys; }
-SilentKey LastSilentKey() { return g_silent_key; }
-
 void keybd_event(BYTE virtual_key, BYTE, DWORD flags, DWORD_PTR) {
     if (flags & KEYEVENTF_SILENT) {
-        g_silent_keys++;
-        g_silent_key = {virtual_key, flags};
+        if (window_observer.silent_key) window_observer.silent_key(virtual_key, flags);
         return;
     }
     const bool down = !(flags & KEYEVENTF_KEYUP);

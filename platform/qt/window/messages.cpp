@@ -14,9 +14,9 @@
 #include <thread>
 #include <utility>
 
-#include "platform/qt/testing.h"
 #include "platform/qt/window/frames.h"
 #include "platform/qt/window/messages.h"
+#include "platform/qt/window/observers.h"
 
 namespace {
 
@@ -176,6 +176,7 @@ bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
     if (TakePaint(message, window, first, last)) return true;
     if (TakeTimer(message, window, first, last, remove)) return true;
     if (g_quit || !may_wait() || PostedSoon()) return false;
+    if (window_observer.idle) window_observer.idle();
     WakeForFrame();
     SettleFrames();
     CollectInput(true);
@@ -199,11 +200,6 @@ void SetKeyDown(size_t virtual_key, bool down) { g_keys_down[virtual_key] = down
 bool IsKeyDown(size_t virtual_key) { return g_keys_down[virtual_key]; }
 
 bool QuitPosted() { return g_quit; }
-
-bool MessagesWaiting() {
-    const std::lock_guard<std::mutex> lock(g_posted_mutex);
-    return !g_input.empty() || !g_posted.empty();
-}
 
 void TakeMessagesFor(HWND window) {
     const std::lock_guard<std::mutex> lock(g_posted_mutex);
@@ -345,15 +341,12 @@ UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedu
         g_timers.push_back(MakeMessage(window, WM_TIMER, id, reinterpret_cast<LPARAM>(procedure)));
     });
     timer->start(static_cast<int>(milliseconds));
+    if (window_observer.timer) window_observer.timer(window, id, timer->interval());
     return id;
 }
 
 BOOL KillTimer(HWND window, UINT_PTR id) {
+    if (window_observer.timer) window_observer.timer(window, id, -1);
     std::erase_if(g_timers, [&](const MSG& m) { return m.hwnd == window && m.wParam == id; });
     return g_running_timers.erase({window, id}) > 0;
-}
-
-int TimerMilliseconds(HWND window, UINT_PTR id) {
-    const auto timer = g_running_timers.find({window, id});
-    return timer == g_running_timers.end() ? -1 : timer->second->interval();
 }

@@ -4,8 +4,6 @@
 
 #include <map>
 
-#include "platform/qt/window/drawing_observer.h"
-
 namespace {
 
 struct WithoutCase {
@@ -23,8 +21,6 @@ Window* g_foreign = nullptr;
 UINT_PTR Number(HWND handle) { return reinterpret_cast<UINT_PTR>(handle); }
 
 }  // namespace
-
-DrawingObserver drawing_observer;
 
 Window* AddWindowRecord(const WindowClass* window_class, const WindowOperations* operations,
                         HWND parent, int id) {

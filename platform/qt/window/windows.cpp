@@ -2,10 +2,10 @@
 // window leaves alone.
 #include "platform/qt/window/windows.h"
 
-#include "platform/qt/testing.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
+#include "platform/qt/window/observers.h"
 #include "platform/qt/window/other_instance.h"
 #include "platform/qt/window/window_widget.h"
 
@@ -160,7 +160,7 @@ HWND CreateWindowExW(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD st
     Window* parent_window = FindWindowRecord(parent);
     const bool child = style & WS_CHILD;
     if (!window_class || (child && !parent_window)) return nullptr;
-    if (WindowRefused(class_name)) return nullptr;
+    if (window_observer.refuse && window_observer.refuse(class_name)) return nullptr;
 
     const int id = child ? static_cast<int>(reinterpret_cast<INT_PTR>(menu)) : 0;
     Window* window = AddWindow(window_class, &kPaintedOperations, child ? parent : nullptr, id);

@@ -1,15 +1,18 @@
-// What tests read of a running program: beeps, message boxes and dialogs.
-#ifndef QUILL_PLATFORM_QT_TESTING_H
-#define QUILL_PLATFORM_QT_TESTING_H
+// What tests see of a running program and do to it: beeps, message boxes, dialogs, refusals. It is
+// behind the observers of platform/qt, which it sets when it is linked. Window thread only.
+#ifndef QUILL_TESTS_QT_DRIVER_DRIVER_H
+#define QUILL_TESTS_QT_DRIVER_DRIVER_H
 
+#include <functional>
 #include <QColorDialog>
 #include <QMessageBox>
 
-#include <functional>
-
+#include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/window/device_screen.h"
 
-bool MessagesWaiting();  // posted ones, or input; on the window thread
+// True until the queue has been empty since the first of a row of calls: to be asked until it is
+// false.
+bool MessagesWaiting();
 int BeepCount();
 UINT LastBeep();
 int SilentKeyCount();  // synthetic keys that only keep the device awake, since the start
@@ -22,8 +25,7 @@ SilentKey LastSilentKey();
 
 int TimerMilliseconds(HWND window, UINT_PTR id);  // -1: no such timer runs
 
-QMessageBox* ShownMessageBox();        // null while none is shown
-void AnswerMessageBoxes(bool answer);  // each box presses its own default button
+QMessageBox* ShownMessageBox();  // the one on top; null while none is shown
 
 // Dialogs, property sheets and the chooser of colours. They are modal: what a person is to do in
 // one is given before it opens. Each call takes the next function and runs it, from the message
@@ -52,10 +54,8 @@ void TakeLibrariesAway(bool missing);  // LoadLibraryW finds nothing
 
 // Windows of that class cannot be made, as when the device is out of memory; null: all can.
 void RefuseWindows(LPCWSTR class_name);
-bool WindowRefused(LPCWSTR class_name);
 
-void AnnounceDialog();  // a dialog has come up
-
+// What was asked for is forgotten, and silent keys are counted anew; after each run of the program.
 void ForgetRecords();
 void ForgetDialogs();
 

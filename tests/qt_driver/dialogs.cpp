@@ -6,10 +6,11 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMouseEvent>
+#include <QTabBar>
 #include <QTimer>
 
-#include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/window/observers.h"
+#include "tests/qt_driver/driver.h"
 
 namespace {
 
@@ -67,6 +68,28 @@ void ActWhenActive(const std::function<void()>& person, int steps) {
     QTimer::singleShot(kWaitMilliseconds, qApp, [=] { ActWhenActive(person, steps - 1); });
 }
 
+// A person waits until the desktop has brought the window up.
+void SeeDialog() {
+    if (g_people.empty()) return;
+    const std::function<void()> person = g_people.front();
+    g_people.pop_front();
+    QTimer::singleShot(0, qApp, [=] { ActWhenActive(person, kLongestWait); });
+}
+
+const bool g_installed = [] {
+    window_observer.dialog = SeeDialog;
+    return true;
+}();
+
+template <typename Widget>
+Widget* ShownWindow() {
+    if (auto* top = qobject_cast<Widget*>(QApplication::activeModalWidget())) return top;
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* wanted = qobject_cast<Widget*>(widget); wanted && wanted->isVisible())
+            return wanted;
+    return nullptr;
+}
+
 bool HasRow(int count, int row) { return row >= 0 && row < count; }
 
 }  // namespace
@@ -76,17 +99,31 @@ HWND ShownDialog() {
     return dialog ? dialog->handle : nullptr;
 }
 
+HWND ShownPage() {
+    const Window* dialog = TopMostDialog();
+    const bool sheet = dialog && dialog->window_class->name == u"PropertySheet";
+    if (!sheet) return dialog ? dialog->handle : nullptr;
+    return reinterpret_cast<HWND>(SendMessageW(dialog->handle, PSM_GETCURRENTPAGEHWND, 0, 0));
+}
+
+void TurnPage(int index) {
+    const Window* sheet = TopMostDialog();
+    auto* tabs = sheet && sheet->widget ? sheet->widget->findChild<QTabBar*>() : nullptr;
+    if (tabs) tabs->setCurrentIndex(index);
+}
+
+QMessageBox* ShownMessageBox() { return ShownWindow<QMessageBox>(); }
+
+QColorDialog* ShownColorDialog() {
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* chooser = widget->findChild<QColorDialog*>(); chooser && widget->isVisible())
+            return chooser;
+    return nullptr;
+}
+
 void OnNextDialog(const std::function<void()>& person) { g_people.push_back(person); }
 
 bool DialogsAwaited() { return !g_people.empty(); }
-
-// A person waits until the desktop has brought the window up.
-void AnnounceDialog() {
-    if (g_people.empty()) return;
-    const std::function<void()> person = g_people.front();
-    g_people.pop_front();
-    QTimer::singleShot(0, qApp, [=] { ActWhenActive(person, kLongestWait); });
-}
 
 void ForgetDialogs() { g_people.clear(); }
 
@@ -127,7 +164,7 @@ bool ClickEntry(int id, int row) {
     auto* combo = qobject_cast<QComboBox*>(widget);
     if (combo && HasRow(combo->count(), row)) {
         combo->setCurrentIndex(row);
-        emit combo->activated(row);
+        Q_EMIT combo->activated(row);
         return true;
     }
     auto* list = qobject_cast<QListWidget*>(widget);

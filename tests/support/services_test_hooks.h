@@ -1,7 +1,8 @@
 // What tests may change under the program: failures of the network, the clock, the dial-up folder.
-// Set while no other thread of the slice runs.
-#ifndef QUILL_PLATFORM_QT_TESTING_SERVICES_H
-#define QUILL_PLATFORM_QT_TESTING_SERVICES_H
+// Set while no other thread of the slice runs. They come with this file, and are not of the
+// program.
+#ifndef QUILL_TESTS_SUPPORT_SERVICES_TEST_HOOKS_H
+#define QUILL_TESTS_SUPPORT_SERVICES_TEST_HOOKS_H
 
 #include <cstdint>
 #include <string>
