@@ -5,8 +5,8 @@ find_package(SQLite3 REQUIRED)
 find_package(Threads REQUIRED)
 
 set(SERVICES accelerators address_lookup bitmaps clock device_root dial_log dialog_template files
-    formatted_text handles host_names local_memory local_socket menu_resource posix_sockets ras registry
-    registry_store resources strings wide_text winsock winsock_errors)
+     handles host_names local_memory local_socket menu_resource posix_sockets ras registry
+    registry_store resources  text winsock winsock_errors)
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)
 quill_library(platform_services ${SERVICES})

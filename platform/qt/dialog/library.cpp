@@ -1,6 +1,6 @@
 // Libraries that a program looks up at run time: the device carries that of the common dialogs.
 #include "platform/qt/dialog/color_dialog.h"
-#include "platform/qt/services/wide_text.h"
+#include "platform/qt/services/text.h"
 #include "platform/qt/window/observers.h"
 
 typedef void (*AnyProcedure)();

@@ -8,7 +8,7 @@
 #include <climits>
 #include <vector>
 
-#include "platform/qt/services/wide_text.h"
+#include "platform/qt/services/text.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/qt/services/observer.h"
-#include "platform/qt/services/wide_text.h"
+#include "platform/qt/services/text.h"
 #include "windows_ce.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <mutex>
 
 #include "platform/qt/services/registry_store.h"
-#include "platform/qt/services/wide_text.h"
+#include "platform/qt/services/text.h"
 #include "windows_ce.h"
 
 namespace {

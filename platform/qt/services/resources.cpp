@@ -2,7 +2,7 @@
 #include "platform/qt/services/resources.h"
 
 #include "platform/qt/services/accelerator_cache.h"
-#include "platform/qt/services/wide_text.h"
+#include "platform/qt/services/text.h"
 
 namespace {
 

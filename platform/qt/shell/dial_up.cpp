@@ -22,7 +22,7 @@
 
 #include "platform/qt/services/dial_log.h"
 #include "platform/qt/services/observer.h"
-#include "platform/qt/services/wide_text.h"
+#include "platform/qt/services/text.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/messages.h"
 

@@ -5,7 +5,7 @@
 #include <QUrl>
 
 #include "platform/qt/services/device_root.h"
-#include "platform/qt/services/wide_text.h"
+#include "platform/qt/services/text.h"
 #include "platform/qt/window/window.h"
 
 extern "C" const uint8_t quill_help_page[];

@@ -1,6 +1,6 @@
-// The slice's 16-bit text as the host's UTF-8 and back, and the upper case of one unit.
-#ifndef QUILL_PLATFORM_QT_SERVICES_WIDE_TEXT_H
-#define QUILL_PLATFORM_QT_SERVICES_WIDE_TEXT_H
+// The slice's 16-bit text as the host's UTF-8 and back, and the case of one unit.
+#ifndef QUILL_PLATFORM_QT_SERVICES_TEXT_H
+#define QUILL_PLATFORM_QT_SERVICES_TEXT_H
 
 #include <string>
 #include <string_view>

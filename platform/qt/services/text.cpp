@@ -1,7 +1,172 @@
-// wsprintfW.
+// Text: UTF-16 and UTF-8, case without a locale, code page 1252, the plain string calls, wsprintfW.
+#include "platform/qt/services/text.h"
+
 #include <cstdarg>
+#include <QChar>
+#include <QString>
 
 #include "windows_ce.h"
+
+namespace {
+
+bool IsHigh(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
+bool IsLow(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+
+void AppendUtf8(std::string* bytes, char32_t point) {
+    const auto tail = [&](int shift) {
+        bytes->push_back(static_cast<char>(0x80 | ((point >> shift) & 0x3F)));
+    };
+    if (point < 0x80) {
+        bytes->push_back(static_cast<char>(point));
+    } else if (point < 0x800) {
+        bytes->push_back(static_cast<char>(0xC0 | (point >> 6)));
+        tail(0);
+    } else if (point < 0x10000) {
+        bytes->push_back(static_cast<char>(0xE0 | (point >> 12)));
+        tail(6), tail(0);
+    } else {
+        bytes->push_back(static_cast<char>(0xF0 | (point >> 18)));
+        tail(12), tail(6), tail(0);
+    }
+}
+
+char16_t KeepOutOfAscii(char16_t from, char32_t to) {
+    if (to > 0xFFFF || (from > 0x7F && to <= 0x7F)) return from;
+    return static_cast<char16_t>(to);
+}
+
+}  // namespace
+
+std::string Utf8FromWide(std::u16string_view text) {
+    std::string bytes;
+    for (size_t i = 0; i < text.size(); i++) {
+        char32_t point = text[i];
+        if (IsHigh(point) && i + 1 < text.size() && IsLow(text[i + 1]))
+            point = 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00u);
+        AppendUtf8(&bytes, point);
+    }
+    return bytes;
+}
+
+std::u16string WideFromUtf8(std::string_view bytes) {
+    return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())).toStdU16String();
+}
+
+char16_t UpperUnit(char16_t unit) {
+    return KeepOutOfAscii(unit, QChar::toUpper(static_cast<char32_t>(unit)));
+}
+
+char16_t LowerUnit(char16_t unit) {
+    return KeepOutOfAscii(unit, QChar::toLower(static_cast<char32_t>(unit)));
+}
+
+int CompareWithoutCase(const char16_t* a, const char16_t* b) {
+    while (*a && LowerUnit(*a) == LowerUnit(*b)) a++, b++;
+    return LowerUnit(*a) - LowerUnit(*b);
+}
+
+namespace {
+
+constexpr UINT kCodePage1252 = 1252;
+
+// 0x80 to 0x9F; the five bytes that the code page leaves open stay what they are.
+// clang-format off
+const WCHAR kUpperControls[32] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
+};
+// clang-format on
+
+WCHAR WideOf(char byte) {
+    const BYTE value = static_cast<BYTE>(byte);
+    return value >= 0x80 && value < 0xA0 ? kUpperControls[value - 0x80] : value;
+}
+
+bool ByteOf(WCHAR unit, char* byte) {
+    int value = -1;
+    if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF)) value = unit;
+    for (int i = 0; i < 32 && value < 0; i++)
+        if (kUpperControls[i] == unit) value = 0x80 + i;
+    *byte = static_cast<char>(value);
+    return value >= 0;
+}
+
+bool IsAnsi(UINT code_page) { return code_page == CP_ACP || code_page == kCodePage1252; }
+
+// The units to convert; 0 where the call cannot be carried out.
+size_t UnitsGiven(int size, size_t terminated_length) {
+    if (size == -1) return terminated_length + 1;
+    return size > 0 ? static_cast<size_t>(size) : 0;
+}
+
+}  // namespace
+
+int MultiByteToWideChar(UINT code_page, DWORD, LPCSTR bytes, int size, LPWSTR text, int capacity) {
+    if (!IsAnsi(code_page) || !bytes || capacity < 0 || (capacity > 0 && !text)) return 0;
+    const size_t count = UnitsGiven(size, size == -1 ? strlen(bytes) : 0);
+    if (count > INT32_MAX) return 0;
+    if (capacity == 0) return static_cast<int>(count);
+    for (size_t i = 0; i < count; i++) {
+        if (i == static_cast<size_t>(capacity)) return 0;
+        text[i] = WideOf(bytes[i]);
+    }
+    return static_cast<int>(count);
+}
+
+int WideCharToMultiByte(UINT code_page, DWORD, LPCWSTR text, int length, LPSTR bytes, int capacity,
+                        LPCSTR fallback, BOOL* used_fallback) {
+    if (used_fallback) *used_fallback = FALSE;
+    if (!IsAnsi(code_page) || !text || capacity < 0 || (capacity > 0 && !bytes)) return 0;
+    const size_t count = UnitsGiven(length, static_cast<size_t>(length == -1 ? lstrlenW(text) : 0));
+    if (count > INT32_MAX) return 0;
+    const char instead = fallback ? *fallback : '?';
+    for (size_t i = 0; i < count; i++) {
+        char byte = 0;
+        const bool known = ByteOf(text[i], &byte);
+        if (!known && used_fallback) *used_fallback = TRUE;
+        if (capacity == 0) continue;
+        if (i == static_cast<size_t>(capacity)) return 0;
+        bytes[i] = known ? byte : instead;
+    }
+    return static_cast<int>(count);
+}
+
+int lstrlenW(LPCWSTR text) {
+    int length = 0;
+    while (text && text[length]) length++;
+    return length;
+}
+
+LPWSTR lstrcpyW(LPWSTR to, LPCWSTR from) {
+    if (!to || !from) return nullptr;
+    LPWSTR end = to;
+    while ((*end++ = *from++) != 0) {
+    }
+    return to;
+}
+
+LPWSTR lstrcpynW(LPWSTR to, LPCWSTR from, int capacity) {
+    if (!to || !from) return nullptr;
+    if (capacity <= 0) return to;
+    int i = 0;
+    for (; i < capacity - 1 && from[i]; i++) to[i] = from[i];
+    to[i] = 0;
+    return to;
+}
+
+int lstrcmpW(LPCWSTR a, LPCWSTR b) {
+    if (!a || !b) return (a != nullptr) - (b != nullptr);
+    while (*a && *a == *b) a++, b++;
+    return (*a > *b) - (*a < *b);
+}
+
+int lstrcmpiW(LPCWSTR a, LPCWSTR b) {
+    if (!a || !b) return (a != nullptr) - (b != nullptr);
+    const int order = CompareWithoutCase(a, b);
+    return (order > 0) - (order < 0);
+}
 
 namespace {
 
