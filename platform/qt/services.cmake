@@ -4,8 +4,8 @@ find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
 find_package(SQLite3 REQUIRED)
 find_package(Threads REQUIRED)
 
-set(SERVICES accelerators address_lookup bitmaps clock device_root dial_log dialog_template files
-     handles host_names local_memory local_socket menu_resource posix_sockets ras registry
+set(SERVICES accelerators address_lookup bitmaps  device_root dial_log dialog_template files
+     kernel host_names  local_socket menu_resource posix_sockets ras registry
     registry_store resources  text winsock winsock_errors)
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)

@@ -1,15 +1,19 @@
-// Threads and events. A HANDLE is a number that is never given out twice in a run; what it stands
-// for lives on while a thread runs it or waits for it.
+// What a device's kernel gives: threads and events, blocks of memory, the time. A HANDLE is a
+// number that is never given out twice in a run; what it stands for lives on while a thread runs it
+// or waits for it.
 #include <pthread.h>
+#include <time.h>
 
 #include <chrono>
 #include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <string>
 #include <thread>
 
+#include "platform/qt/services/observer.h"
 #include "windows_ce.h"
 
 namespace {
@@ -174,4 +178,79 @@ BOOL CloseHandle(HANDLE handle) {
     last_use = std::move(found->second);
     table.open.erase(found);
     return TRUE;
+}
+
+namespace {
+
+struct Block {
+    std::unique_ptr<BYTE[]> bytes;
+    size_t size;
+};
+
+std::map<HLOCAL, Block> g_blocks;
+UINT_PTR g_next_block = 0x10;
+
+Block* FindBlock(HLOCAL handle) {
+    const auto found = g_blocks.find(handle);
+    return found == g_blocks.end() ? nullptr : &found->second;
+}
+
+}  // namespace
+
+HLOCAL LocalAlloc(UINT, size_t bytes) {
+    Block block = {std::unique_ptr<BYTE[]>(new (std::nothrow) BYTE[bytes]), bytes};
+    if (!block.bytes) return nullptr;
+    g_next_block += 4;
+    const auto handle = reinterpret_cast<HLOCAL>(g_next_block);
+    g_blocks.emplace(handle, std::move(block));
+    return handle;
+}
+
+LPVOID LocalLock(HLOCAL handle) {
+    const Block* block = FindBlock(handle);
+    return block ? block->bytes.get() : nullptr;
+}
+
+BOOL LocalUnlock(HLOCAL) { return FALSE; }  // locked by no one any more
+
+size_t LocalSize(HLOCAL handle) {
+    const Block* block = FindBlock(handle);
+    return block ? block->size : 0;
+}
+
+HLOCAL LocalFree(HLOCAL handle) { return g_blocks.erase(handle) ? nullptr : handle; }
+
+namespace {
+
+int64_t MillisecondsOf(clockid_t clock) {
+    timespec now = {};
+    clock_gettime(clock, &now);
+    return static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+}
+
+}  // namespace
+
+DWORD GetTickCount() { return static_cast<DWORD>(MillisecondsOf(CLOCK_MONOTONIC)); }
+
+void Sleep(DWORD milliseconds) {
+    if (milliseconds == 0) return std::this_thread::yield();
+    do std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    while (milliseconds == INFINITE);
+}
+
+void GetSystemTime(SYSTEMTIME* time) {
+    if (!time) return;
+    const int64_t set = services_observer.system_time ? services_observer.system_time() : -1;
+    const int64_t now = set >= 0 ? set : MillisecondsOf(CLOCK_REALTIME);
+    const time_t seconds = static_cast<time_t>(now / 1000);
+    tm utc = {};
+    gmtime_r(&seconds, &utc);
+    time->wYear = static_cast<WORD>(utc.tm_year + 1900);
+    time->wMonth = static_cast<WORD>(utc.tm_mon + 1);
+    time->wDayOfWeek = static_cast<WORD>(utc.tm_wday);
+    time->wDay = static_cast<WORD>(utc.tm_mday);
+    time->wHour = static_cast<WORD>(utc.tm_hour);
+    time->wMinute = static_cast<WORD>(utc.tm_min);
+    time->wSecond = static_cast<WORD>(utc.tm_sec);
+    time->wMilliseconds = static_cast<WORD>(now % 1000);
 }
