@@ -4,7 +4,7 @@ find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
 find_package(SQLite3 REQUIRED)
 find_package(Threads REQUIRED)
 
-set(SERVICES accelerators address_lookup bitmaps  device_root dial_log dialog_template files
+set(SERVICES accelerators address_lookup bitmaps   dial_log dialog_template files
      kernel host_names  local_socket menu_resource posix_sockets ras registry
     registry_store resources  text winsock winsock_errors)
 list(TRANSFORM SERVICES PREPEND services/)

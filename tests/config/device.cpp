@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/files.h"
 #include "platform/qt/services/registry.h"
 #include "session/session_state.h"
 #include "tests/config/registry_log.h"

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/files.h"
 #include "platform/qt/services/registry.h"
 #include "windows_ce.h"
 

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/files.h"
 #include "platform/qt/services/registry.h"
 #include "tests/platform/known_gap.h"
 

@@ -6,7 +6,7 @@
 #include <QStyleFactory>
 
 #include "platform/qt/host/icons.h"
-#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/files.h"
 #include "platform/qt/services/registry.h"
 #include "platform/qt/services/resources.h"
 #include "platform/qt/shell/bar_pictures.h"

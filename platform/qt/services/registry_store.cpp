@@ -9,7 +9,7 @@
 
 #include <cerrno>
 
-#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/files.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QUrl>
 
-#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/files.h"
 #include "platform/qt/services/text.h"
 #include "platform/qt/window/window.h"
 

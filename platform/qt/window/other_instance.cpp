@@ -6,7 +6,7 @@
 #include <QLockFile>
 #include <QSocketNotifier>
 
-#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/files.h"
 #include "platform/qt/services/local_socket.h"
 #include "platform/qt/window/other_instance.h"
 #include "platform/qt/window/window.h"

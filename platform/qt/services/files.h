@@ -1,6 +1,6 @@
 // The host's folder that is the root of the device's files.
-#ifndef QUILL_PLATFORM_QT_SERVICES_DEVICE_ROOT_H
-#define QUILL_PLATFORM_QT_SERVICES_DEVICE_ROOT_H
+#ifndef QUILL_PLATFORM_QT_SERVICES_FILES_H
+#define QUILL_PLATFORM_QT_SERVICES_FILES_H
 
 #include <string>
 
