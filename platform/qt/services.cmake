@@ -4,8 +4,8 @@ find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
 find_package(SQLite3 REQUIRED)
 find_package(Threads REQUIRED)
 
-set(SERVICES accelerators address_lookup bitmaps   dial_log dialog_template files
-     kernel host_names  local_socket menu_resource posix_sockets ras registry
+set(SERVICES  address_lookup    dial_log  files
+     kernel host_names  local_socket  posix_sockets ras registry
     registry_store resources  text winsock winsock_errors)
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)

@@ -8,7 +8,7 @@
 #include <QToolButton>
 #include <set>
 
-#include "platform/qt/services/bitmaps.h"
+#include "platform/qt/services/resources.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "platform/qt/window/window_widget.h"

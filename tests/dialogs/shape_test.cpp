@@ -12,7 +12,7 @@
 #include <QStyle>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/services/dialog_template.h"
+#include "platform/qt/services/resources.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "settings/settings.h"

@@ -5,7 +5,7 @@
 #include <memory>
 #include <QDialog>
 
-#include "platform/qt/services/dialog_template.h"
+#include "platform/qt/services/resources.h"
 #include "platform/qt/window/window.h"
 
 class QScrollArea;

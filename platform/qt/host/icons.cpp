@@ -3,7 +3,7 @@
 
 #include <QPixmap>
 
-#include "platform/qt/services/bitmaps.h"
+#include "platform/qt/services/resources.h"
 
 namespace {
 

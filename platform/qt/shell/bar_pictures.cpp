@@ -5,7 +5,7 @@
 #include <QImage>
 #include <QPixmap>
 
-#include "platform/qt/services/bitmaps.h"
+#include "platform/qt/services/resources.h"
 
 namespace {
 

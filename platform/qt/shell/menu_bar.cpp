@@ -7,7 +7,7 @@
 #include <QProxyStyle>
 #include <QStyleOption>
 
-#include "platform/qt/services/menu_resource.h"
+#include "platform/qt/services/resources.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/messages.h"
 

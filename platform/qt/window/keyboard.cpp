@@ -2,7 +2,7 @@
 #include <QInputMethod>
 #include <QKeyEvent>
 
-#include "platform/qt/services/accelerators.h"
+#include "platform/qt/services/resources.h"
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/observers.h"
 
