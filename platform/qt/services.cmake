@@ -4,9 +4,9 @@ find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
 find_package(SQLite3 REQUIRED)
 find_package(Threads REQUIRED)
 
-set(SERVICES  address_lookup    dial_log  files
-     kernel host_names  local_socket  posix_sockets ras registry
-    registry_store resources  text winsock winsock_errors)
+set(SERVICES      dial_log  files
+     kernel host_names    posix_sockets ras registry
+    registry_store resources  text winsock)
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)
 quill_library(platform_services ${SERVICES})

@@ -3,10 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/qt/services/address_lookup.h"
 #include "platform/qt/services/observer.h"
+#include "platform/qt/services/posix_sockets.h"
 #include "platform/qt/services/winsock.h"
-#include "platform/qt/services/winsock_errors.h"
 #include "windows_ce.h"
 
 namespace {

@@ -9,7 +9,6 @@
 
 #include "platform/qt/services/observer.h"
 #include "platform/qt/services/posix_sockets.h"
-#include "platform/qt/services/winsock_errors.h"
 #include "windows_ce.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <QSocketNotifier>
 
 #include "platform/qt/services/files.h"
-#include "platform/qt/services/local_socket.h"
+#include "platform/qt/services/posix_sockets.h"
 #include "platform/qt/window/other_instance.h"
 #include "platform/qt/window/window.h"
 
