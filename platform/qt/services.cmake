@@ -5,7 +5,7 @@ find_package(SQLite3 REQUIRED)
 find_package(Threads REQUIRED)
 
 set(SERVICES      dial_log  files
-     kernel host_names    posix_sockets ras registry
+     kernel     posix_sockets ras registry
     registry_store resources  text winsock)
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)
