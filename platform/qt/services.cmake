@@ -6,7 +6,7 @@ find_package(Threads REQUIRED)
 
 set(SERVICES      dial_log  files
      kernel     posix_sockets ras registry
-    registry_store resources  text winsock)
+     resources  text winsock)
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)
 quill_library(platform_services ${SERVICES})
