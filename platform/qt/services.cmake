@@ -4,8 +4,8 @@ find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
 find_package(SQLite3 REQUIRED)
 find_package(Threads REQUIRED)
 
-set(SERVICES      dial_log  files
-     kernel     posix_sockets ras registry
+set(SERVICES      remote_access  files
+     kernel     posix_sockets  registry
      resources  text winsock)
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)

@@ -12,7 +12,7 @@
 #include <mutex>
 #include <thread>
 
-#include "platform/qt/services/dial_log.h"
+#include "platform/qt/services/remote_access.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

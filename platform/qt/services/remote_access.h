@@ -1,6 +1,6 @@
 // What the dial-up program's log and exit code say of a dial.
-#ifndef QUILL_PLATFORM_QT_SERVICES_DIAL_LOG_H
-#define QUILL_PLATFORM_QT_SERVICES_DIAL_LOG_H
+#ifndef QUILL_PLATFORM_QT_SERVICES_REMOTE_ACCESS_H
+#define QUILL_PLATFORM_QT_SERVICES_REMOTE_ACCESS_H
 
 #include <cstddef>
 #include <string>
