@@ -12,7 +12,7 @@
 #include "platform/qt/dialog/dialog_buttons.h"
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/services/text.h"
-#include "platform/qt/window/windows.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/messages.h"
-#include "platform/qt/window/windows.h"
+#include "platform/qt/window/window.h"
 
 struct SheetPage {
     PROPSHEETPAGEW page = {};

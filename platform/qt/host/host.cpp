@@ -14,8 +14,7 @@
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
-#include "platform/qt/window/other_instance.h"
-#include "platform/qt/window/windows.h"
+#include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 
 extern "C" const uint8_t quill_resources[];

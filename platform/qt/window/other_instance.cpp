@@ -8,7 +8,6 @@
 
 #include "platform/qt/services/files.h"
 #include "platform/qt/services/posix_sockets.h"
-#include "platform/qt/window/other_instance.h"
 #include "platform/qt/window/window.h"
 
 namespace {

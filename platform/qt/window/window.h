@@ -96,4 +96,18 @@ bool PaintedByProgram(const Window& window);  // by WM_PAINT, and not by the too
 LRESULT CallWindowProcedure(Window& window, UINT message, WPARAM wparam, LPARAM lparam);
 void SendSize(Window& window);
 
+// A record without a widget; what is posted to it is taken from now on.
+Window* AddWindow(const WindowClass* window_class, const WindowOperations* operations, HWND parent,
+                  int id);
+void DestroyAllWindows();
+
+// Of a window that the toolkit paints, and parts for kinds that do some of it otherwise.
+extern const WindowOperations kToolkitOperations;
+BOOL ShowOwnWindow(Window& window, int show);
+BOOL BringOwnWindow(Window& window);
+
+HWND FindOtherInstance();               // null: this is the one that runs on the device root
+void ServeOtherInstances(HWND window);  // the one that others ask for
+void StopServingInstances();
+
 #endif

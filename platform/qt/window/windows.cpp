@@ -1,12 +1,11 @@
 // Windows: creation and destruction, places, texts, focus, and what becomes of messages that a
 // window leaves alone.
-#include "platform/qt/window/windows.h"
+#include "platform/qt/window/window.h"
 
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/observers.h"
-#include "platform/qt/window/other_instance.h"
 #include "platform/qt/window/window_widget.h"
 
 namespace {
