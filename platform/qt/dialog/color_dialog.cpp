@@ -11,7 +11,6 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-#include "platform/qt/dialog/default_button.h"
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"

@@ -1,5 +1,5 @@
 // Buttons and static texts of dialogs.
-#include "platform/qt/dialog/dialog_buttons.h"
+#include "platform/qt/dialog/dialogs.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>

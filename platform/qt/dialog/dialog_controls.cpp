@@ -9,7 +9,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 
-#include "platform/qt/dialog/dialog_buttons.h"
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/services/text.h"
 #include "platform/qt/window/window.h"

@@ -4,7 +4,7 @@
 #include <QLineEdit>
 #include <QRegularExpressionValidator>
 
-#include "platform/qt/dialog/dialog_buttons.h"
+#include "platform/qt/dialog/dialogs.h"
 
 namespace {
 

@@ -1,6 +1,8 @@
-// Dialogs: the desktop's window around one, its procedure, and the loop that runs it.
+// Dialogs: the desktop's window around one, its procedure, the loop that runs it, and the button
+// that Enter presses.
 #include "platform/qt/dialog/dialogs.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPushButton>
@@ -8,12 +10,27 @@
 #include <QScrollArea>
 #include <QStyle>
 
-#include "platform/qt/dialog/default_button.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/observers.h"
 #include "platform/qt/window/window.h"
+
+void FollowFocusWithDefault(QWidget* window, const std::function<QPushButton*()>& usual) {
+    QObject::connect(qApp, &QApplication::focusChanged, window, [=](QWidget*, QWidget* now) {
+        if (!now || !window->isAncestorOf(now)) return;
+        auto* focused = qobject_cast<QPushButton*>(now);
+        const QPushButton* marked = focused ? focused : usual();
+        for (QPushButton* button : window->findChildren<QPushButton*>())
+            button->setDefault(button == marked);
+    });
+}
+
+QPushButton* ShownDefault(const QWidget& window) {
+    for (QPushButton* button : window.findChildren<QPushButton*>())
+        if (button->isDefault() && button->isVisible()) return button;
+    return nullptr;
+}
 
 namespace {
 

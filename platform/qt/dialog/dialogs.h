@@ -2,6 +2,7 @@
 #ifndef QUILL_PLATFORM_QT_DIALOG_DIALOGS_H
 #define QUILL_PLATFORM_QT_DIALOG_DIALOGS_H
 
+#include <functional>
 #include <memory>
 #include <QDialog>
 
@@ -101,5 +102,22 @@ LRESULT CopyText(const QString& text, WPARAM size, LPARAM buffer);  // as WM_GET
 int FindEntry(const QStringList& entries, int after, const QString& wanted, bool whole);
 int SortedPlace(const QStringList& entries, const QString& text);
 int PlaceOf(WPARAM row, int count);
+
+class QPushButton;
+class QWidget;
+
+// From now on the push button with the focus is the window's default button, and the `usual` one
+// while the focus is elsewhere. It is the one that is drawn so: QPushButton::isDefault tells it.
+// The usual one may be null.
+void FollowFocusWithDefault(QWidget* window, const std::function<QPushButton*()>& usual);
+
+// The window's default button, if it can be seen; else null.
+QPushButton* ShownDefault(const QWidget& window);
+
+extern const ControlClass kButtonClass;
+extern const ControlClass kEditClass;
+extern const ControlClass kStaticClass;
+
+void ShowLabel(Window& window);  // a static's text; its "&" marks a letter once it has a buddy
 
 #endif
