@@ -4,7 +4,7 @@
 #include <QToolButton>
 #include <set>
 
-#include "platform/qt/host/screen_text.h"
+#include "platform/qt/host/host.h"
 #include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"

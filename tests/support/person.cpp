@@ -13,7 +13,6 @@
 #include <thread>
 
 #include "platform/qt/host/host.h"
-#include "platform/qt/host/screen_text.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"

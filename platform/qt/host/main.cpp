@@ -8,7 +8,6 @@
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/host/end_signals.h"
 #include "platform/qt/host/host.h"
-#include "platform/qt/host/screen_text.h"
 #include "platform/qt/window/device_screen.h"
 
 namespace {
