@@ -10,7 +10,6 @@
 #include "platform/qt/services/files.h"
 #include "platform/qt/services/registry.h"
 #include "platform/qt/services/resources.h"
-#include "platform/qt/shell/bar_pictures.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"

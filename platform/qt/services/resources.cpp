@@ -88,6 +88,9 @@ ResourceName TakeResourceName(ResourceReader* reader) {
     return name;
 }
 
+// Tables that were loaded live as long as the image.
+static void FreeAcceleratorTables();
+
 void SetResourceImage(const uint8_t* image, size_t size) {
     FreeAcceleratorTables();
     g_image = image;
@@ -129,7 +132,7 @@ std::unique_ptr<SliceAccelerators> ReadTable(ResourceReader reader) {
 
 }  // namespace
 
-void FreeAcceleratorTables() { g_tables.clear(); }
+static void FreeAcceleratorTables() { g_tables.clear(); }
 
 HACCEL LoadAcceleratorsW(HINSTANCE, LPCWSTR name) {
     const uint8_t* bytes = nullptr;

@@ -35,6 +35,20 @@ SocketTable& Table() {
 
 thread_local int t_last_error = 0;
 
+// Sets the thread's last error.
+int FailWith(int winsock_error) {
+    t_last_error = winsock_error;
+    return SOCKET_ERROR;
+}
+
+// False, with the thread's error 10093, before WSAStartup.
+bool WinsockStarted() {
+    SocketTable& table = Table();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    if (table.startups == 0) FailWith(kWsaNotInitialised);
+    return table.startups > 0;
+}
+
 int FailFor(int negative_errno) { return FailWith(WinsockError(-negative_errno)); }
 
 // Null with the error set: 10093 before the start, 10038 for what is no open socket.
@@ -134,18 +148,6 @@ SocketPointer FindForTransfer(SOCKET number, const void* bytes, int size, int fl
 int CountOrFail(int result) { return result < 0 ? FailFor(result) : result; }
 
 }  // namespace
-
-int FailWith(int winsock_error) {
-    t_last_error = winsock_error;
-    return SOCKET_ERROR;
-}
-
-bool WinsockStarted() {
-    SocketTable& table = Table();
-    const std::lock_guard<std::mutex> lock(table.mutex);
-    if (table.startups == 0) FailWith(kWsaNotInitialised);
-    return table.startups > 0;
-}
 
 // The result is the error itself. 1.1 is spoken with everyone who can.
 int SliceStartup(WORD version, WSADATA* data) {

@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr int kBarPicture = 16;       // pixels of a picture's sides
+constexpr int kTwiceAsLarge = 10000;  // from a bitmap's number to that of the larger one
 constexpr int kTwice = 2;
 
 // Pictures are drawn in the device's colours; these stand for the desktop's.
@@ -91,18 +93,15 @@ std::vector<QIcon> MakePictures(int id, int count, const QPalette& palette) {
     return icons;
 }
 
-}  // namespace
-
+// The first `count` pictures of that bitmap in the palette's colours, each also twice as large
+// where there is a bitmap for it; empty when the bitmap is missing, damaged or too small. They are
+// made once: the toolkit keeps something of every picture that it has drawn.
 const std::vector<QIcon>& BarPictures(int id, int count, const QPalette& palette) {
     Pictures& known = g_pictures[id];
     if (known.icons.size() != static_cast<size_t>(count) || !SameColors(known.palette, palette))
         known = {palette, MakePictures(id, count, palette)};
     return known.icons;
 }
-
-void ForgetBarPictures() { g_pictures.clear(); }
-
-namespace {
 
 constexpr int kButtonWidth = 21;
 constexpr int kButtonMargin = 2;  // above and below a button
@@ -177,6 +176,8 @@ LRESULT CALLBACK CommandBarProcedure(HWND handle, UINT message, WPARAM wparam, L
 }
 
 }  // namespace
+
+void ForgetBarPictures() { g_pictures.clear(); }
 
 void RegisterCommandBar() { RegisterSystemClass(kCommandBarClass, CommandBarProcedure); }
 

@@ -21,6 +21,7 @@ QRect CenteredPlace(QSize size);
 inline constexpr int kCommandBarHeight = 26;
 inline constexpr LPCWSTR kCommandBarClass = u"QuillCommandBar";
 void RegisterCommandBar();
+void ForgetBarPictures();
 
 // status_window.cpp
 int StatusHeight();  // pixels
