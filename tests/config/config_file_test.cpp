@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <random>
 
-#include "platform/qt/services/files.h"
+#include "platform/qt/services/services.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "tests/config/device.h"

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <vector>
 
-#include "platform/qt/services/files.h"
+#include "platform/qt/services/services.h"
 #include "tests/support/services_test_hooks.h"
 #include "windows_ce.h"
 

@@ -1,7 +1,7 @@
 // The hooks behind the observer of the services.
 #include "tests/support/services_test_hooks.h"
 
-#include "platform/qt/services/observer.h"
+#include "platform/qt/services/services.h"
 
 ServicesTestHooks services_test_hooks;
 

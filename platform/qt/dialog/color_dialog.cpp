@@ -11,7 +11,7 @@
 #include <QVBoxLayout>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/services/text.h"
+#include "platform/qt/services/services.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"

@@ -10,7 +10,7 @@
 #include <QRadioButton>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/services/text.h"
+#include "platform/qt/services/services.h"
 #include "platform/qt/window/window.h"
 
 namespace {

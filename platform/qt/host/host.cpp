@@ -7,9 +7,9 @@
 #include <QPixmap>
 #include <QStyleFactory>
 
-#include "platform/qt/services/files.h"
 #include "platform/qt/services/registry.h"
 #include "platform/qt/services/resources.h"
+#include "platform/qt/services/services.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"

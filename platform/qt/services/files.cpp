@@ -1,5 +1,5 @@
 // Device paths to host paths, and files by their device paths.
-#include "platform/qt/services/files.h"
+#include "platform/qt/services/services.h"
 
 #include <fcntl.h>
 #include <pwd.h>
@@ -8,8 +8,6 @@
 
 #include <climits>
 #include <vector>
-
-#include "platform/qt/services/text.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <string>
 #include <thread>
 
-#include "platform/qt/services/observer.h"
+#include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
 namespace {

@@ -12,8 +12,7 @@
 #include <map>
 #include <mutex>
 
-#include "platform/qt/services/files.h"
-#include "platform/qt/services/text.h"
+#include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
 namespace {

@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/qt/services/observer.h"
-#include "platform/qt/services/text.h"
+#include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <map>
 #include <memory>
 
-#include "platform/qt/services/text.h"
+#include "platform/qt/services/services.h"
 
 namespace {
 

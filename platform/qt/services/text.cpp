@@ -1,5 +1,5 @@
 // Text: UTF-16 and UTF-8, case without a locale, code page 1252, the plain string calls, wsprintfW.
-#include "platform/qt/services/text.h"
+#include "platform/qt/services/services.h"
 
 #include <cstdarg>
 #include <QChar>

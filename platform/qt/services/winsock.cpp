@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/qt/services/observer.h"
 #include "platform/qt/services/posix_sockets.h"
+#include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
 namespace {

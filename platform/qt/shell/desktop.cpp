@@ -7,8 +7,7 @@
 #include <QMimeData>
 #include <QUrl>
 
-#include "platform/qt/services/files.h"
-#include "platform/qt/services/text.h"
+#include "platform/qt/services/services.h"
 #include "platform/qt/window/window.h"
 
 namespace {

@@ -20,9 +20,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/qt/services/observer.h"
 #include "platform/qt/services/remote_access.h"
-#include "platform/qt/services/text.h"
+#include "platform/qt/services/services.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/messages.h"
 

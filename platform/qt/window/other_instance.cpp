@@ -6,8 +6,8 @@
 #include <QLockFile>
 #include <QSocketNotifier>
 
-#include "platform/qt/services/files.h"
 #include "platform/qt/services/posix_sockets.h"
+#include "platform/qt/services/services.h"
 #include "platform/qt/window/window.h"
 
 namespace {
