@@ -1,7 +1,7 @@
 // What a frame costs beside its drawing.
 #include <gtest/gtest.h>
 
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/heap.h"

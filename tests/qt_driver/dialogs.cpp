@@ -9,7 +9,7 @@
 #include <QTabBar>
 #include <QTimer>
 
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 #include "tests/qt_driver/driver.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <map>
 #include <utility>
 
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

@@ -13,7 +13,6 @@
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
-#include "platform/qt/window/observers.h"
 #include "platform/qt/window/window.h"
 
 void FollowFocusWithDefault(QWidget* window, const std::function<QPushButton*()>& usual) {

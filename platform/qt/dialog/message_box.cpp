@@ -12,7 +12,7 @@
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

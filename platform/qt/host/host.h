@@ -9,7 +9,7 @@
 #include <QStringList>
 #include <string>
 
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 #include "windows_ce.h"
 
 struct HostOptions {

@@ -3,7 +3,7 @@
 
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/gdi.h"
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <QWindow>
 #include <utility>
 
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <set>
 
 #include "platform/qt/window/device_screen.h"
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 #include "platform/qt/window/window_widget.h"
 
 namespace {

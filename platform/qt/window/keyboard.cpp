@@ -4,7 +4,7 @@
 
 #include "platform/qt/services/resources.h"
 #include "platform/qt/window/messages.h"
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

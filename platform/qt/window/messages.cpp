@@ -16,7 +16,7 @@
 
 #include "platform/qt/window/frames.h"
 #include "platform/qt/window/messages.h"
-#include "platform/qt/window/observers.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
-// The records behind the window handles, their table, and what can be done with a window of any
-// kind. Window thread only.
+// The records behind the window handles, their table, what can be done with a window of any kind,
+// and who looks on. Window thread only.
 #ifndef QUILL_PLATFORM_QT_WINDOW_WINDOW_H
 #define QUILL_PLATFORM_QT_WINDOW_WINDOW_H
 
@@ -109,5 +109,39 @@ BOOL BringOwnWindow(Window& window);
 HWND FindOtherInstance();               // null: this is the one that runs on the device root
 void ServeOtherInstances(HWND window);  // the one that others ask for
 void StopServingInstances();
+
+struct TextDrawing {
+    HWND window;
+    int x, y;
+    RECT area;  // filled with the background; empty, at x and y: nothing was
+    LPCWSTR text;
+    UINT count;
+    COLORREF color, background;
+    int advance;  // of its first character, pixels; 0: the font's
+};
+
+// Called after the call has drawn.
+struct DrawingObserver {
+    void (*text)(const TextDrawing& drawn) = nullptr;
+    void (*fill)(HWND window, const RECT& area, COLORREF color) = nullptr;
+    void (*line)(HWND window, POINT from, POINT to, COLORREF color) = nullptr;
+    void (*paint)(HWND window) = nullptr;  // BeginPaint of a WM_PAINT
+    void (*frame)() = nullptr;             // a frame begins
+};
+
+inline DrawingObserver drawing_observer;
+
+struct WindowObserver {
+    bool (*refuse)(LPCWSTR class_name) = nullptr;  // true: no window of that class can be made
+    bool (*hide_library)(LPCWSTR name) = nullptr;  // true: there is no such library
+    // A timer runs from now on; below 0 milliseconds: no more.
+    void (*timer)(HWND window, UINT_PTR id, int milliseconds) = nullptr;
+    void (*silent_key)(BYTE virtual_key, DWORD flags) = nullptr;
+    void (*beep)(UINT type) = nullptr;
+    void (*dialog)() = nullptr;  // a dialog, a sheet or a chooser has come up
+    void (*idle)() = nullptr;    // the queue is empty and goes to sleep
+};
+
+inline WindowObserver window_observer;
 
 #endif

@@ -5,7 +5,6 @@
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
-#include "platform/qt/window/observers.h"
 #include "platform/qt/window/window_widget.h"
 
 namespace {
