@@ -31,6 +31,7 @@ function(quill_system_headers name)
 endfunction()
 
 # The layers, from the ground up: QUILL_LAYERS has their names, QUILL_BELOW_name what each may call.
+# The rooms of platform/qt have the latter too.
 set(QUILL_LAYER_TABLE ${CMAKE_SOURCE_DIR}/tests/layers.txt)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${QUILL_LAYER_TABLE})
 file(STRINGS ${QUILL_LAYER_TABLE} QUILL_LAYER_ROWS REGEX "^[a-z]")
@@ -41,9 +42,13 @@ foreach(row ${QUILL_LAYER_ROWS})
     endif()
     string(REGEX REPLACE " +" ";" row "${row}")
     list(POP_FRONT row layer folder platform)
+    if(layer STREQUAL room)
+        set(layer ${folder})
+    else()
+        list(APPEND QUILL_LAYERS ${layer})
+    endif()
     list(REMOVE_ITEM row -)
     list(REVERSE row)
-    list(APPEND QUILL_LAYERS ${layer})
     set(QUILL_BELOW_${layer} ${row})
 endforeach()
 

@@ -5,8 +5,8 @@
 #include <QUrl>
 
 #include "connection/connection.h"
-#include "platform/qt/testing.h"
 #include "session/session_state.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

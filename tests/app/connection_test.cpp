@@ -1,13 +1,13 @@
 // The connection manager against a host whose every byte the test decides.
 #include <gtest/gtest.h>
 
-#include "platform/qt/testing.h"
-#include "platform/qt/testing_services.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "terminal/screen_buffer.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
+#include "tests/support/services_test_hooks.h"
 #include "tests/support/sessions.h"
 
 namespace {

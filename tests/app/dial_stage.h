@@ -8,9 +8,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/qt/testing_services.h"
 #include "session/session_state.h"
 #include "tests/support/person.h"
+#include "tests/support/services_test_hooks.h"
 #include "tests/support/sessions.h"
 
 namespace fs = std::filesystem;

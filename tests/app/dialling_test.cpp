@@ -1,10 +1,9 @@
 // Dialling on the running program. The dial-up program is a script of the test's own that writes
 // the lines of pppd in their order and ends with its exit codes.
 #include "connection/connection.h"
-
-#include "platform/qt/testing.h"
 #include "terminal/screen_buffer.h"
 #include "tests/app/dial_stage.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 
 namespace {

@@ -3,9 +3,10 @@
 #include <QScreen>
 #include <QTimer>
 
-#include "platform/qt/testing.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "session/session_state.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/person.h"
 
 namespace {

@@ -2,9 +2,9 @@
 // post, and what the program asks of the window manager.
 #include <gtest/gtest.h>
 
-#include "platform/qt/testing.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 #include "session/session_state.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

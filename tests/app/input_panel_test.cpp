@@ -4,9 +4,10 @@
 
 #include "platform/qt/shell/input_panel.h"
 #include "platform/qt/shell/menu_bar.h"
-#include "platform/qt/testing.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "session/session_state.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

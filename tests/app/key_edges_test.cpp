@@ -4,9 +4,9 @@
 #include <QtTest/QTest>
 
 #include "platform/qt/shell/input_panel.h"
-#include "platform/qt/testing.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

@@ -4,9 +4,10 @@
 #include <QtTest/QTest>
 
 #include "platform/qt/shell/menu_bar.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

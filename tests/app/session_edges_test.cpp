@@ -3,9 +3,10 @@
 #include <QInputMethodEvent>
 
 #include "connection/connection.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window_widget.h"
 #include "session/session_state.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

@@ -5,11 +5,11 @@
 #include <atomic>
 
 #include "connection/connection.h"
-#include "platform/qt/testing.h"
-#include "platform/qt/testing_services.h"
 #include "session/session_state.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
+#include "tests/support/services_test_hooks.h"
 #include "tests/support/sessions.h"
 
 namespace {

@@ -1,8 +1,8 @@
 // What start-up and the program's end ask of the windows and the socket library, call by call.
 #include <gtest/gtest.h>
 
-#include "platform/qt/testing.h"
 #include "session/session_state.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "ui/main_window.h"

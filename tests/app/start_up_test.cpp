@@ -5,14 +5,15 @@
 #include <QProcess>
 
 #include "app/start_up.h"
-#include "platform/qt/testing.h"
-#include "platform/qt/testing_services.h"
+#include "platform/qt/window/device_screen.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "terminal/actions.h"
 #include "terminal/screen_buffer.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
+#include "tests/support/services_test_hooks.h"
 
 namespace {
 

@@ -6,11 +6,12 @@
 #include <QScrollBar>
 #include <QTest>
 
-#include "platform/qt/testing.h"
+#include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/toolbars.h"
 #include "tests/app/clipboard_stage.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/drawn.h"
 #include "tests/terminal/hotspot_rule.h"
 #include "ui/main_window.h"

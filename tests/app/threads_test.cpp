@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "connection/connection.h"
-#include "platform/qt/testing.h"
 #include "session/session_state.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

@@ -3,12 +3,13 @@
 #include <QListWidget>
 #include <QtTest/QTest>
 
-#include "platform/qt/testing.h"
+#include "platform/qt/window/window.h"
 #include "platform/qt/window/window_widget.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "settings/toolbars.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/person.h"
 #include "ui/dialogs/dialogs.h"
 

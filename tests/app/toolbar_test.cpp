@@ -8,12 +8,14 @@
 #include <QToolButton>
 #include <set>
 
-#include "platform/qt/services/bitmaps.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/services/resources.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "platform/qt/window/window_widget.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "settings/toolbars.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"

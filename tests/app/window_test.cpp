@@ -3,9 +3,11 @@
 #include <QScreen>
 #include <QThread>
 
-#include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "terminal/interpreter.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

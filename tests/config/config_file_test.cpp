@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <random>
 
-#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/services.h"
 #include "session/session_state.h"
 #include "tests/config/device.h"
 #include "tests/config/window_doubles.h"

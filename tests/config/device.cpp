@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/qt/services/device_root.h"
 #include "platform/qt/services/registry.h"
+#include "platform/qt/services/services.h"
 #include "session/session_state.h"
 #include "tests/config/registry_log.h"
 #include "tests/config/settings_rows.h"

@@ -8,10 +8,10 @@
 #include <QScrollBar>
 #include <QSpinBox>
 
-#include "platform/qt/testing.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/person.h"
 
 namespace {

@@ -3,10 +3,10 @@
 #include <QColorDialog>
 #include <QThread>
 
-#include "platform/qt/testing.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "tests/dialogs/stored.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/person.h"
 
 namespace {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/qt/dialog/dialogs.h"
+#include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/settings.h"

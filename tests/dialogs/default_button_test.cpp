@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 #include <QPushButton>
 
-#include "platform/qt/testing.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "tests/dialogs/dialog_cases.h"
 #include "tests/dialogs/dialog_person.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/person.h"
 
 namespace {

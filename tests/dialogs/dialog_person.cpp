@@ -1,4 +1,4 @@
-// The person at a dialog: hands and eyes of platform/qt/testing.h, on the window thread.
+// The person at a dialog: hands and eyes of tests/qt_driver/driver.h, on the window thread.
 #include "tests/dialogs/dialog_person.h"
 
 #include <gtest/gtest.h>
@@ -6,7 +6,8 @@
 #include <QLineEdit>
 #include <QTabBar>
 
-#include "platform/qt/testing.h"
+#include "platform/qt/window/window.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/person.h"
 
 namespace {

@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 #include <QThread>
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "tests/dialogs/dialog_person.h"

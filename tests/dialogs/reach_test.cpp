@@ -8,13 +8,14 @@
 #include <QPushButton>
 #include <QScrollBar>
 
-#include "platform/qt/testing.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "tests/dialogs/dialog_cases.h"
 #include "tests/dialogs/dialog_person.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/person.h"
 
 namespace {

@@ -12,13 +12,13 @@
 #include <QStyle>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/services/dialog_template.h"
-#include "platform/qt/testing.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/services/resources.h"
+#include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "tests/dialogs/dialog_cases.h"
 #include "tests/dialogs/dialog_person.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/person.h"
 
 namespace {

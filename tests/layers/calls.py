@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Holds the built libraries and the sources against tests/layers.txt: calls go down only.
+"""Holds the built libraries and the sources against tests/layers.txt: calls go down only. The rooms
+of platform/qt are layers like any other.
 
 Usage: calls.py BUILD-FOLDER [NM]
 Prints what breaks a rule, and ends with 1:
@@ -16,10 +17,10 @@ import re
 import subprocess
 import sys
 
-from layer_table import TOP, circles, layers
+from layer_table import TOP, circles, layers, rooms
 
-PLATFORM = {"platform_services": "services", "platform_windows": "windows"}
-ALLOWED_PLATFORM = {"none": [], "services": ["services"], "windows": ["services", "windows"]}
+SERVICES = "platform_services"
+HOST = "platform_host"
 SYMBOL = re.compile(r":([^:]+)\.o:\s*[0-9a-f]*\s([A-Za-z]) (\S+)$")
 LIBRARY = re.compile(r"^quill_library\((\w+)", re.M)
 INCLUDE = re.compile(r'^#include "([^"]+)/[^/"]+"', re.M)
@@ -47,8 +48,8 @@ def plain(name):
 
 def find_libraries(build, table):
     """The libraries by layer, and what the build lists without a row."""
-    folders = {name: layer.folder for name, layer in table.items()}
-    folders.update({name: "platform/qt" for name in PLATFORM})
+    folders = {name: "platform/qt" if layer.is_room else layer.folder
+               for name, layer in table.items()}
     found = {name: pathlib.Path(build) / folder / f"lib{name}.a" for name, folder in folders.items()}
     complaints = [f"{path}: no such library" for path in found.values() if not path.exists()]
     for lists in sorted(TOP.glob("[a-z]*/**/CMakeLists.txt")):
@@ -75,15 +76,19 @@ def call_graph(libraries, nm):
     return graph
 
 
+def platform_of(row, table):
+    """What of the platform's rooms a layer may call beside those that its row names."""
+    if row.platform == "services":
+        return {SERVICES}
+    every = {name for name, layer in table.items() if layer.is_room}
+    return every - {HOST} if row.platform == "windows" else set()
+
+
 def upward_calls(graph, table):
     complaints, used = [], collections.defaultdict(set)
     for (layer, file), targets in sorted(graph.items()):
-        if layer in PLATFORM:
-            allowed = set(PLATFORM)
-        else:
-            row = table[layer]
-            allowed = set(row.below) | {layer} | {
-                name for name, kind in PLATFORM.items() if kind in ALLOWED_PLATFORM[row.platform]}
+        row = table[layer]
+        allowed = set(row.below) | {layer} | platform_of(row, table)
         for (other, other_file), names in sorted(targets.items()):
             used[layer].add(other)
             if other not in allowed:
@@ -101,8 +106,9 @@ def wrong_includes(table):
                 other = by_folder.get(folder)
                 if other:
                     used[layer.name].add(other.name)
-                if (other and other.name not in [layer.name, *layer.below]) or folder.startswith(
-                        ("platform", "tests", "demo", "fuzz")):
+                known = other and other.name in [layer.name, *layer.below]
+                outside = folder.startswith(("platform", "tests", "demo", "fuzz"))
+                if not known and (other or outside):
                     complaints.append(f"{path.relative_to(TOP)} includes a header of {folder}/")
     return complaints, used
 
@@ -143,7 +149,7 @@ def groups(graph):
                 found.append(frozenset("/".join(file) for file in group))
 
     for node in list(graph):
-        if node not in order and node[0] not in PLATFORM:
+        if node not in order:
             visit(node)
     return found
 
@@ -170,7 +176,7 @@ def wrong_page(table):
 def main():
     sys.setrecursionlimit(10000)
     build, nm = sys.argv[1], (sys.argv[2:] or ["nm"])[0]
-    table = layers()
+    table = {**layers(), **rooms()}
     libraries, complaints = find_libraries(build, table)
     graph = call_graph(libraries, nm)
     called, used = upward_calls(graph, table)

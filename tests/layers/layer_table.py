@@ -11,6 +11,7 @@ class Layer:
         self.folder = folder
         self.platform = platform
         self.below = [] if below == ["-"] else below
+        self.is_room = platform is None
 
     def files(self, *suffixes):
         """The layer's sources; those of a folder below it that is another layer's are not."""
@@ -23,12 +24,17 @@ def rows(word=None):
         fields = line.split()
         if not fields or line.startswith("#"):
             continue
-        if (fields[0] == word) if word else (fields[0] != "circle"):
+        if (fields[0] == word) if word else (fields[0] not in ("circle", "room")):
             yield fields
 
 
 def layers():
     return {row[0]: Layer(row[0], row[1], row[2], row[3:]) for row in rows()}
+
+
+def rooms():
+    """The rooms of platform/qt, as layers of their own."""
+    return {row[1]: Layer(row[1], row[2], None, row[3:]) for row in rows("room")}
 
 
 def circles():

@@ -12,11 +12,11 @@
 #include <mutex>
 #include <thread>
 
-#include "platform/qt/services/dial_log.h"
-#include "platform/qt/testing_services.h"
+#include "platform/qt/services/remote_access.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
+#include "tests/support/services_test_hooks.h"
 #include "tests/support/sessions.h"
 
 namespace {

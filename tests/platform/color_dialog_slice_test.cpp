@@ -3,7 +3,8 @@
 #include <QColorDialog>
 #include <QScreen>
 
-#include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "tests/qt_driver/driver.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 
 #include "platform/qt/host/host.h"
 #include "platform/qt/services/resources.h"
+#include "platform/qt/window/device_screen.h"
 #include "tests/platform/known_gap.h"
 
 TestPlatform PlatformOfTests() { return {.slice = true, .windows = false, .wine = false}; }

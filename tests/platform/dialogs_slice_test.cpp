@@ -16,7 +16,10 @@
 #include <QTimer>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/window.h"
+#include "tests/qt_driver/driver.h"
 
 namespace {
 

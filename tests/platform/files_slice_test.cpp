@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/services.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 #include <QImage>
 
 #include "platform/qt/window/gdi.h"
+#include "platform/qt/window/window.h"
 #include "tests/platform/test_windows.h"
 
 namespace {

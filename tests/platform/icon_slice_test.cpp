@@ -3,8 +3,9 @@
 #include <QIcon>
 #include <QImage>
 
-#include "platform/qt/host/icons.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/host/host.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <fstream>
 #include <vector>
 
-#include "platform/qt/services/device_root.h"
-#include "platform/qt/testing_services.h"
+#include "platform/qt/services/services.h"
+#include "tests/support/services_test_hooks.h"
 #include "windows_ce.h"
 
 namespace {

@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/qt/services/device_root.h"
 #include "platform/qt/services/registry.h"
+#include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
 namespace {

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/qt/services/accelerators.h"
 #include "platform/qt/services/resources.h"
 
 namespace {

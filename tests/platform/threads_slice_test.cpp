@@ -1,7 +1,7 @@
 // The clock set by hand, and what becomes of threads that nobody waits for.
 #include <gtest/gtest.h>
 
-#include "platform/qt/testing_services.h"
+#include "tests/support/services_test_hooks.h"
 #include "windows_ce.h"
 
 namespace {

@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/qt/testing_services.h"
 #include "tests/platform/loopback_peer.h"
+#include "tests/support/services_test_hooks.h"
 #include "windows_ce.h"
 
 namespace {

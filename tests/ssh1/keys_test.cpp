@@ -4,10 +4,10 @@
 #include <cstdlib>
 
 #include "crypto/ciphers.h"
-#include "platform/qt/testing_services.h"
 #include "protocol/protocols.h"
 #include "tests/ssh1/outside.h"
 #include "tests/ssh1/scripted_host.h"
+#include "tests/support/services_test_hooks.h"
 
 namespace {
 

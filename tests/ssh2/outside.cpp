@@ -2,10 +2,10 @@
 #include "tests/ssh2/outside.h"
 
 #include "connection/connection.h"
-#include "platform/qt/testing_services.h"
 #include "protocol/protocols.h"
 #include "session/session_ports.h"
 #include "terminal/interpreter.h"
+#include "tests/support/services_test_hooks.h"
 #include "text/text.h"
 
 Outside outside;

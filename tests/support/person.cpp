@@ -13,10 +13,11 @@
 #include <thread>
 
 #include "platform/qt/host/host.h"
-#include "platform/qt/host/screen_text.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "terminal/screen_buffer.h"
+#include "tests/qt_driver/driver.h"
 #include "tests/support/drawn.h"
 
 namespace {
@@ -110,6 +111,7 @@ int RunProgram(const Stage& stage, const std::function<void()>& person) {
     while (!finished) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     body.join();
     CloseDevice();
+    ForgetRecords();
     ForgetScreenText();
     return result;
 }

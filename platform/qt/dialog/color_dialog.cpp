@@ -1,7 +1,6 @@
-// The chooser of colours: the toolkit's own, in a window no larger than the desktop, with buttons
-// that are always in sight.
-#include "platform/qt/dialog/color_dialog.h"
-
+// The library of common dialogs that a program looks up at run time, and what it holds: the chooser
+// of colours, which is the toolkit's own in a window no larger than the desktop, with buttons that
+// are always in sight.
 #include <QColorDialog>
 #include <QDialogButtonBox>
 #include <QKeyEvent>
@@ -11,18 +10,18 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-#include "platform/qt/dialog/default_button.h"
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/services/services.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 
 constexpr int kCustomColors = 16;
 constexpr int kMargin = 4;
 constexpr int kSmallPatch = 20;
-
-QPointer<QColorDialog> g_shown;
 
 bool TemplateIsThere(const CHOOSECOLORW& request) {
     DialogTemplate shape;
@@ -141,10 +140,9 @@ BOOL ShowColorDialog(CHOOSECOLORW* request) {
         done = true;
     });
     QObject::connect(&window, &QDialog::finished, &window, [&] { done = true; });
-    g_shown = chooser;
     window.setWindowModality(Qt::ApplicationModal);
     window.show();
-    AnnounceDialog();
+    if (window_observer.dialog) window_observer.dialog();
     RunModalLoop([&] { return done; });
     if (chosen) request->rgbResult = ValueOf(chooser->selectedColor());
     TakeCustomColors(request->lpCustColors);
@@ -153,4 +151,46 @@ BOOL ShowColorDialog(CHOOSECOLORW* request) {
     return chosen;
 }
 
-QColorDialog* ShownColorDialog() { return g_shown; }
+typedef void (*AnyProcedure)();
+
+struct ProcedureRow {
+    LPCWSTR name;  // null ends the table
+    AnyProcedure procedure;
+};
+
+struct SliceModule {
+    LPCWSTR name;
+    const ProcedureRow* procedures;
+};
+
+namespace {
+
+const ProcedureRow kCommonDialogs[] = {
+    {u"ChooseColor", reinterpret_cast<AnyProcedure>(ShowColorDialog)},
+    {nullptr, nullptr},
+};
+
+SliceModule g_libraries[] = {{u"COMMDLG.DLL", kCommonDialogs}};
+
+bool IsLibrary(HMODULE library) {
+    return library >= std::begin(g_libraries) && library < std::end(g_libraries);
+}
+
+}  // namespace
+
+HMODULE LoadLibraryW(LPCWSTR name) {
+    if (!name || (window_observer.hide_library && window_observer.hide_library(name)))
+        return nullptr;
+    for (SliceModule& library : g_libraries)
+        if (CompareWithoutCase(name, library.name) == 0) return &library;
+    return nullptr;
+}
+
+FARPROC GetProcAddressW(HMODULE library, LPCWSTR name) {
+    if (!IsLibrary(library) || !name) return nullptr;
+    for (const ProcedureRow* row = library->procedures; row->name; row++)
+        if (lstrcmpW(row->name, name) == 0) return reinterpret_cast<FARPROC>(row->procedure);
+    return nullptr;
+}
+
+BOOL FreeLibrary(HMODULE library) { return IsLibrary(library); }

@@ -1,6 +1,8 @@
-// Dialogs: the desktop's window around one, its procedure, and the loop that runs it.
+// Dialogs: the desktop's window around one, its procedure, the loop that runs it, and the button
+// that Enter presses.
 #include "platform/qt/dialog/dialogs.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPushButton>
@@ -8,25 +10,30 @@
 #include <QScrollArea>
 #include <QStyle>
 
-#include "platform/qt/dialog/default_button.h"
-#include "platform/qt/shell/input_panel.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/shell/shell.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/window.h"
+
+void FollowFocusWithDefault(QWidget* window, const std::function<QPushButton*()>& usual) {
+    QObject::connect(qApp, &QApplication::focusChanged, window, [=](QWidget*, QWidget* now) {
+        if (!now || !window->isAncestorOf(now)) return;
+        auto* focused = qobject_cast<QPushButton*>(now);
+        const QPushButton* marked = focused ? focused : usual();
+        for (QPushButton* button : window->findChildren<QPushButton*>())
+            button->setDefault(button == marked);
+    });
+}
+
+QPushButton* ShownDefault(const QWidget& window) {
+    for (QPushButton* button : window.findChildren<QPushButton*>())
+        if (button->isDefault() && button->isVisible()) return button;
+    return nullptr;
+}
 
 namespace {
 
 const WindowClass kDialogClass = {u"Dialog", 0, DialogWindowProcedure, nullptr};
-
-std::vector<HWND> g_open;  // the one on top last
-
-int Scaled(int units, int base, int divisor) { return (units * base + divisor / 2) / divisor; }
-
-// Pixels of four units across and eight down: the mean letter of the dialogs' font.
-QSize DialogBase() {
-    static const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-    const QFontMetrics metrics(QApplication::font());
-    const int width = metrics.horizontalAdvance(letters);
-    return QSize(static_cast<int>((width / 26 + 1) / 2), metrics.height());
-}
 
 // These are answered by what the procedure returns; all others by DWLP_MSGRESULT.
 bool AnsweredDirectly(UINT message) { return message == WM_INITDIALOG; }
@@ -110,6 +117,9 @@ void DialogWidget::resizeEvent(QResizeEvent*) {
     if (body_) body_->setGeometry(rect());
 }
 
+constexpr WindowOperations kDialogOperations = {nullptr, PlaceDialog, ShowOwnWindow, BringOwnWindow,
+                                                CallWindowProcedure};
+
 // A page's cancel button is its sheet's.
 LRESULT CALLBACK DialogWindowProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
     Window* window = FindWindowRecord(dialog);
@@ -135,7 +145,7 @@ Window* MakeDialogWindow(const WindowClass* window_class, HWND owner, const std:
                          DLGPROC procedure) {
     const Window* above = FindWindowRecord(owner);
     QWidget* parent = above && above->dialog ? above->widget.data() : DeviceScreen();
-    Window* window = AddWindow(window_class, owner, 0);
+    Window* window = AddWindow(window_class, &kDialogOperations, owner, 0);
     window->text = title;
     window->dialog = std::make_shared<DialogData>();
     window->dialog->procedure = procedure;
@@ -161,7 +171,7 @@ INT_PTR RunDialog(HWND dialog, bool at_once) {
     if (!window) return 0;
     const std::shared_ptr<DialogData> data = window->dialog;
     const QPointer<QWidget> below = window->widget->parentWidget();
-    g_open.push_back(dialog);
+    PutOverScreen(dialog);
     const auto over = [&] { return data->ended || QuitPosted() || !FindWindowRecord(dialog); };
     if (!at_once) DispatchPosted(over);
     if (!over()) {
@@ -170,12 +180,12 @@ INT_PTR RunDialog(HWND dialog, bool at_once) {
         window->widget->show();
         LendInputPanel(window->widget);
         window->widget->activateWindow();
-        AnnounceDialog();
+        if (window_observer.dialog) window_observer.dialog();
     }
     RunModalLoop([&] { return data->ended || !FindWindowRecord(dialog); });
-    std::erase(g_open, dialog);
+    TakeFromScreen(dialog);
     DestroyWindow(dialog);
-    const Window* outer = g_open.empty() ? nullptr : FindWindowRecord(g_open.back());
+    const Window* outer = TopMostDialog();
     LendInputPanel(outer ? outer->widget.data() : nullptr);
     if (below && below->isVisible()) below->activateWindow();
     return data->result;
@@ -194,21 +204,6 @@ QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {
     return area;
 }
 
-QSize DialogPixels(int width, int height) {
-    const QSize base = DialogBase();
-    return QSize(Scaled(width, base.width(), 4), Scaled(height, base.height(), 8));
-}
-
-// What fits above the input panel stands there.
-QRect CenteredPlace(QSize size) {
-    QRect screen = DeviceScreen()->rect();
-    if (InputPanelShown() && size.height() <= InputPanelPlace().top())
-        screen.setHeight(InputPanelPlace().top());
-    return QRect(QPoint(std::max((screen.width() - size.width()) / 2, 0),
-                        std::max((screen.height() - size.height()) / 2, 0)),
-                 size);
-}
-
 // A page lies where its sheet has it. What the screen cuts off is scrolled to; the bar for that
 // takes room of its own where there is some.
 void PlaceDialog(Window& window, const QRect& rect) {
@@ -224,11 +219,6 @@ void PlaceDialog(Window& window, const QRect& rect) {
     window.widget->setMaximumSize(whole.expandedTo(size));
     window.widget->setGeometry(QRect(DeviceScreen()->mapToGlobal(rect.topLeft()), size));
     SendSize(window);
-}
-
-QWidget* TopMostWidget() {
-    const Window* top = g_open.empty() ? nullptr : FindWindowRecord(g_open.back());
-    return top && top->widget ? top->widget.data() : DeviceScreen();
 }
 
 INT_PTR DialogBoxParamW(HINSTANCE, LPCWSTR name, HWND owner, DLGPROC procedure, LPARAM parameter) {
@@ -270,4 +260,4 @@ LONG_PTR GetWindowLongPtrW(HWND dialog, int index) {
     return index == DWLP_USER ? window->dialog->user : window->dialog->message_result;
 }
 
-HWND ShownDialog() { return g_open.empty() ? nullptr : g_open.back(); }
+#include "moc_dialogs.cpp"

@@ -2,11 +2,12 @@
 #ifndef QUILL_PLATFORM_QT_DIALOG_DIALOGS_H
 #define QUILL_PLATFORM_QT_DIALOG_DIALOGS_H
 
+#include <functional>
 #include <memory>
 #include <QDialog>
 
-#include "platform/qt/services/dialog_template.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/services/resources.h"
+#include "platform/qt/window/window.h"
 
 class QScrollArea;
 struct SheetData;
@@ -50,11 +51,8 @@ Window* MakeDialogWindow(const WindowClass* window_class, HWND owner, const std:
 void StartDialog(HWND dialog, LPARAM parameter);  // WM_INITDIALOG and the focus that it asks for
 // Shows it until its end, and destroys it: at once, or after what is posted.
 INT_PTR RunDialog(HWND dialog, bool at_once);
+extern const WindowOperations kDialogOperations;
 void PlaceDialog(Window& window, const QRect& rect);  // on the device's screen
-QRect CenteredPlace(QSize size);
-QSize DialogPixels(int width, int height);  // of dialog units
-// Where a box over everything belongs: the dialog on top, else the device's screen.
-QWidget* TopMostWidget();
 QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content);
 
 // dialog_controls.cpp
@@ -75,6 +73,8 @@ struct ControlData {
     int limit = 0;         // of what the user types into an edit
     bool at_once = false;  // notices are sent, not queued: the program clicks, not the user
 };
+void LimitTyping(HWND control, QWidget* edit, int limit);  // dialog_edits.cpp
+
 extern const ControlClass kListBoxClass;   // dialog_lists.cpp
 extern const ControlClass kComboBoxClass;  // dialog_combo.cpp
 
@@ -85,17 +85,39 @@ HWND MakeControl(Window& dialog, const DialogItem& item);  // null for an unknow
 int WholeLines(QWidget* list, int height);
 HWND FirstTabStop(const Window& dialog);   // null: none
 void FocusControl(const Window& control);  // and selects an edit's text, as Tab does
+
+// message_box.cpp
+void AnswerMessageBoxes(bool answer);  // each presses its own default button, unattended
+
+// control_base.cpp
+QSize DialogPixels(int width, int height);  // of dialog units
 QString WithoutMnemonic(const QString& text);
 // WM_COMMAND to the dialog: in its turn behind the input before, or at once.
 void QueueNotice(HWND control, WORD code);
 void SendNotice(HWND control, WORD code);
 LRESULT CopyText(const QString& text, WPARAM size, LPARAM buffer);  // as WM_GETTEXT does
-void LimitTyping(HWND control, QWidget* edit, int limit);
 // The entries of lists and combo boxes: the row of one by its text, and where a new one goes:
 // behind those that sort before it, or at a row that a message names (-1: the end). -1: there is
 // none.
 int FindEntry(const QStringList& entries, int after, const QString& wanted, bool whole);
 int SortedPlace(const QStringList& entries, const QString& text);
 int PlaceOf(WPARAM row, int count);
+
+class QPushButton;
+class QWidget;
+
+// From now on the push button with the focus is the window's default button, and the `usual` one
+// while the focus is elsewhere. It is the one that is drawn so: QPushButton::isDefault tells it.
+// The usual one may be null.
+void FollowFocusWithDefault(QWidget* window, const std::function<QPushButton*()>& usual);
+
+// The window's default button, if it can be seen; else null.
+QPushButton* ShownDefault(const QWidget& window);
+
+extern const ControlClass kButtonClass;
+extern const ControlClass kEditClass;
+extern const ControlClass kStaticClass;
+
+void ShowLabel(Window& window);  // a static's text; its "&" marks a letter once it has a buddy
 
 #endif

@@ -9,14 +9,14 @@
 #include <QTimer>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/shell/shell.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 
-QPointer<QMessageBox> g_shown;
 bool g_answer = false;
-int g_beeps = 0;
-UINT g_last_beep = 0;
 
 struct IconRow {
     UINT type;
@@ -97,12 +97,9 @@ int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
     if ((type & 0xFu) == MB_OKCANCEL) box.addButton(QMessageBox::Cancel);
     box.setDefaultButton(ok);
     box.setWindowModality(Qt::ApplicationModal);
-    const QPointer<QMessageBox> outer = g_shown;
-    g_shown = &box;
     box.show();
     if (g_answer) QTimer::singleShot(0, ok, &QPushButton::click);
     RunModalLoop([&] { return !box.isVisible(); });
-    g_shown = outer;
     if (window) ReturnFocus();
     // Esc and the close button of a box with OK alone count as OK.
     const bool single = (type & 0xFu) == MB_OK;
@@ -110,8 +107,7 @@ int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
 }
 
 BOOL MessageBeep(UINT type) {
-    g_beeps++;
-    g_last_beep = type;
+    if (window_observer.beep) window_observer.beep(type);
     // A host that rings without end would otherwise fill the desktop's queue.
     static QElapsedTimer since;
     if (!since.isValid() || since.elapsed() >= 100) {
@@ -121,7 +117,4 @@ BOOL MessageBeep(UINT type) {
     return TRUE;
 }
 
-QMessageBox* ShownMessageBox() { return g_shown; }
 void AnswerMessageBoxes(bool answer) { g_answer = answer; }
-int BeepCount() { return g_beeps; }
-UINT LastBeep() { return g_last_beep; }

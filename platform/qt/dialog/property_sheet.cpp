@@ -2,12 +2,13 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/shell/shell.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/window.h"
 
 struct SheetPage {
     PROPSHEETPAGEW page = {};
@@ -138,7 +139,7 @@ HWND MakeSheet(const PROPSHEETHEADERW& header, std::shared_ptr<SheetData> data) 
 
 // A page is a dialog in its tab; `widget` is what its controls stand on.
 bool MakePage(HWND sheet, SheetPage* page) {
-    Window* window = AddWindow(&kPageClass, sheet, 0);
+    Window* window = AddWindow(&kPageClass, &kDialogOperations, sheet, 0);
     const HWND handle = window->handle;
     window->text = page->shape.caption;
     window->dialog = std::make_shared<DialogData>();
@@ -231,15 +232,4 @@ INT_PTR PropertySheetW(LPCPROPSHEETHEADERW header) {
     const UINT start = header->nStartPage < header->nPages ? header->nStartPage : 0;
     if (!ActivatePage(sheet, static_cast<int>(start))) return DestroyWindow(sheet), -1;
     return RunDialog(sheet, true);
-}
-
-// Where a page is meant by its sheet: the dialog whose controls a person sees.
-HWND ShownPage() {
-    const HWND dialog = ShownDialog();
-    const auto data = SheetOf(dialog);
-    return data ? CurrentPage(*data) : dialog;
-}
-
-void TurnPage(int index) {
-    if (const auto data = SheetOf(ShownDialog())) data->tabs->tabBar()->setCurrentIndex(index);
 }

@@ -1,20 +1,56 @@
-// The host: opens the device before the program runs on it, and takes it down afterwards.
+// The host: opens the device before the program runs on it, and takes it down afterwards. The
+// program's icon.
 #include "platform/qt/host/host.h"
 
 #include <QDir>
 #include <QFontMetrics>
+#include <QPixmap>
 #include <QStyleFactory>
 
-#include "platform/qt/host/icons.h"
-#include "platform/qt/services/device_root.h"
 #include "platform/qt/services/registry.h"
 #include "platform/qt/services/resources.h"
-#include "platform/qt/shell/bar_pictures.h"
-#include "platform/qt/shell/dial_up.h"
-#include "platform/qt/shell/menu_bar.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/services/services.h"
+#include "platform/qt/shell/shell.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
+
+namespace {
+
+constexpr WORD kIcons = 1;  // the kind of a group
+
+bool FindPart(WORD type, WORD number, ResourceReader* reader) {
+    *reader = ResourceReader();
+    return FindResourceBytes(MAKEINTRESOURCE(type), MAKEINTRESOURCE(number), &reader->bytes,
+                             &reader->size);
+}
+
+void AddPicture(WORD number, QIcon* icon) {
+    ResourceReader reader;
+    Bitmap picture;
+    if (!FindPart(kResourceIcon, number, &reader) || !ReadIcon(reader, &picture)) return;
+    const QImage image(reinterpret_cast<const uchar*>(picture.pixels.data()), picture.width,
+                       picture.height, QImage::Format_ARGB32);
+    icon->addPixmap(QPixmap::fromImage(image));
+}
+
+}  // namespace
+
+QIcon LoadProgramIcon(WORD number) {
+    QIcon icon;
+    ResourceReader group;
+    if (!FindPart(kResourceIconGroup, number, &group)) return icon;
+    group.Skip(2);
+    if (group.TakeWord() != kIcons) return icon;
+    for (WORD count = group.TakeWord(); count > 0 && group.ok; count--) {
+        group.Skip(12);  // what the picture says itself
+        const WORD picture = group.TakeWord();
+        if (group.ok) AddPicture(picture, &icon);
+    }
+    return icon;
+}
 
 extern "C" const uint8_t quill_resources[];
 extern "C" const uint8_t quill_resources_end[];
@@ -135,9 +171,11 @@ void OpenDevice(const HostOptions& options) {
     SetDeviceRoot(options.root);
     SetResourceImage(quill_resources, static_cast<size_t>(quill_resources_end - quill_resources));
     SetSystemFont();
-    RegisterControls();
+    RegisterStatusWindow();
+    RegisterCommandBar();
     RegisterMenuBar();
     OpenDeviceScreen(QSize(kNarrowestPixels, 300));
+    FurnishShell();
     DeviceScreen()->setWindowIcon(LoadProgramIcon(IDI_PROGRAM));
     DeviceScreen()->resize(options.screen.isEmpty() ? ScreenForTerminal() : options.screen);
 }
@@ -147,8 +185,6 @@ void CloseDevice() {
     DestroyAllWindows();
     StopServingInstances();
     ResetMessages();
-    ResetKeyboard();
-    ForgetRecords();
     ReleaseGdi();
     ForgetBarPictures();
     CloseDeviceScreen();

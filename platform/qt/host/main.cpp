@@ -1,14 +1,53 @@
-// The desktop program: reads the host's options, opens the device and runs the program on it.
+// The desktop program: reads the host's options, opens the device and runs the program on it, until
+// it ends or a signal ends it.
+#include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QScreen>
+#include <QSocketNotifier>
 #include <QTimer>
 
-#include "platform/qt/host/end_signals.h"
+#include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/host/host.h"
-#include "platform/qt/host/screen_text.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "windows_ce.h"
+
+namespace {
+
+int g_noted[2] = {-1, -1};
+
+void Note(int) {
+    const int before = errno;
+    [[maybe_unused]] const ssize_t written = write(g_noted[1], "", 1);
+    errno = before;
+}
+
+// What a parent ignores, as nohup does, stays ignored.
+void Watch(int number) {
+    struct sigaction action = {};
+    if (sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) return;
+    action = {};
+    action.sa_handler = Note;
+    action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+    sigaction(number, &action, nullptr);
+}
+
+}  // namespace
+
+void EndBySignals() {
+    if (pipe2(g_noted, O_CLOEXEC | O_NONBLOCK) != 0) return;
+    auto* notifier = new QSocketNotifier(g_noted[0], QSocketNotifier::Read, qApp);
+    QObject::connect(notifier, &QSocketNotifier::activated, qApp, [notifier] {
+        notifier->setEnabled(false);
+        PostQuitMessage(0);
+    });
+    for (const int number : {SIGHUP, SIGINT, SIGTERM}) Watch(number);
+}
 
 namespace {
 

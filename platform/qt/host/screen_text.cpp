@@ -1,5 +1,5 @@
 // The text that stands on each window.
-#include "platform/qt/host/screen_text.h"
+#include "platform/qt/host/host.h"
 
 #include <map>
 

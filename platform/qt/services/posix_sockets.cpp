@@ -1,20 +1,23 @@
-// The host's own socket calls.
+// The host's own socket calls. This file stays free of windows_ce.h, whose macros take their names.
 #include "platform/qt/services/posix_sockets.h"
 
 #include <fcntl.h>
 #include <ifaddrs.h>
 #include <net/if.h>
+#include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <climits>
+#include <cstring>
 #include <system_error>
 #include <thread>
 
@@ -356,4 +359,162 @@ bool HasNetworkInterface() {
                  row->ifa_addr->sa_family == AF_INET;
     freeifaddrs(list);
     return found;
+}
+
+namespace {
+
+struct LocalAddress {
+    sockaddr_un address = {};
+    socklen_t length = 0;
+    const sockaddr* Generic() const { return reinterpret_cast<const sockaddr*>(&address); }
+};
+
+// A name that begins with a zero byte is the kernel's, and no file's.
+LocalAddress AddressOf(const std::string& name) {
+    LocalAddress local;
+    local.address.sun_family = AF_UNIX;
+    const size_t length = name.copy(local.address.sun_path + 1, sizeof local.address.sun_path - 1);
+    local.length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length);
+    return local;
+}
+
+int NewSocket(int flags) { return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0); }
+
+// Anybody on the machine may call a name.
+bool IsOwnUser(int socket) {
+    ucred peer = {};
+    socklen_t size = sizeof peer;
+    return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == getuid();
+}
+
+}  // namespace
+
+int ListenLocally(const std::string& name) {
+    const LocalAddress local = AddressOf(name);
+    const int listener = NewSocket(SOCK_NONBLOCK);
+    if (listener < 0) return -1;
+    if (bind(listener, local.Generic(), local.length) == 0 && listen(listener, 8) == 0)
+        return listener;
+    close(listener);
+    return -1;
+}
+
+int AcceptLocally(int listener) {
+    const int caller = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (caller < 0 || IsOwnUser(caller)) return caller;
+    close(caller);
+    return -1;
+}
+
+int CallLocally(const std::string& name) {
+    const LocalAddress local = AddressOf(name);
+    const int caller = NewSocket(0);
+    if (caller < 0 || connect(caller, local.Generic(), local.length) == 0) return caller;
+    close(caller);
+    return -1;
+}
+
+bool SayLocally(int socket, const std::string& bytes) {
+    return send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL) ==
+           static_cast<ssize_t>(bytes.size());
+}
+
+long HearLocally(int socket, char* bytes, size_t size) {
+    const ssize_t count = recv(socket, bytes, size, 0);
+    return count >= 0 ? count : errno == EAGAIN || errno == EINTR ? -1 : 0;
+}
+
+bool AwaitLocally(int socket, int milliseconds) {
+    pollfd wait = {socket, POLLIN, 0};
+    return poll(&wait, 1, milliseconds) > 0;
+}
+
+void CloseLocally(int socket) { close(socket); }
+
+int LookUpAddresses(const char* name, std::vector<uint32_t>* addresses, std::string* official) {
+    addrinfo wanted = {};
+    wanted.ai_family = AF_INET;
+    wanted.ai_socktype = SOCK_STREAM;
+    wanted.ai_flags = AI_CANONNAME;
+    addrinfo* list = nullptr;
+    const int result = getaddrinfo(name, nullptr, &wanted, &list);
+    if (result != 0) return result;
+    *official = list->ai_canonname ? list->ai_canonname : name;
+    for (const addrinfo* row = list; row; row = row->ai_next) {
+        const uint32_t address = reinterpret_cast<sockaddr_in*>(row->ai_addr)->sin_addr.s_addr;
+        if (std::find(addresses->begin(), addresses->end(), address) == addresses->end())
+            addresses->push_back(address);
+    }
+    freeaddrinfo(list);
+    return 0;
+}
+
+namespace {
+
+struct ErrorRow {
+    int from;
+    int to;
+};
+// clang-format off
+const ErrorRow kErrors[] = {
+    {EINTR,           10004},
+    {EBADF,           10038},
+    {EACCES,          10013},
+    {EPERM,           10013},
+    {EFAULT,          10014},
+    {EINVAL,          10022},
+    {EMFILE,          10024},
+    {ENFILE,          10024},
+    {EAGAIN,          10035},
+    {EINPROGRESS,     10035},
+    {EALREADY,        10037},
+    {ENOTSOCK,        10038},
+    {EDESTADDRREQ,    10039},
+    {EMSGSIZE,        10040},
+    {EPROTOTYPE,      10041},
+    {ENOPROTOOPT,     10042},
+    {EPROTONOSUPPORT, 10043},
+    {EOPNOTSUPP,      10045},
+    {EAFNOSUPPORT,    10047},
+    {EADDRINUSE,      10048},
+    {EADDRNOTAVAIL,   10049},
+    {ENETDOWN,        10065},
+    {ENETUNREACH,     10065},
+    {EHOSTDOWN,       10065},
+    {EHOSTUNREACH,    10065},
+    {ENONET,          10065},
+    {ENETRESET,       10052},
+    {ECONNABORTED,    10053},
+    {ECONNRESET,      10054},
+    {EPIPE,           10058},
+    {ENOBUFS,         10055},
+    {ENOMEM,          10055},
+    {EISCONN,         10056},
+    {ENOTCONN,        10057},
+    {ESHUTDOWN,       10058},
+    {ETIMEDOUT,       10060},
+    {ECONNREFUSED,    10061},
+};
+const ErrorRow kLookupErrors[] = {
+    {EAI_NONAME,      kWsaHostNotFound},
+    {EAI_AGAIN,       kWsaTryAgain},
+    {EAI_FAIL,        kWsaNoRecovery},
+    {EAI_MEMORY,      10055},
+};
+// clang-format on
+
+}  // namespace
+
+int WinsockError(int error_number) {
+    // Out of local addresses, or without any.
+    if (error_number == EADDRNOTAVAIL && !HasNetworkInterface()) return 10065;
+    for (const ErrorRow& row : kErrors)
+        if (row.from == error_number) return row.to;
+    return kWsaEInval;
+}
+
+int WinsockLookupError(int result) {
+    for (const ErrorRow& row : kLookupErrors)
+        if (row.from == result) return row.to;
+    return kWsaHostNotFound;
 }

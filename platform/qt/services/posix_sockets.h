@@ -1,7 +1,6 @@
-// Stream sockets of the host as WinSock needs them: shared between threads, closed under a waiting
-// one, and with the end of a connection request kept apart from data. Results are 0 or more, or
-// a negative errno. This header and its .cpp stay free of windows_ce.h, whose macros take the
-// names of the calls used here.
+// The host's sockets, free of windows_ce.h, whose macros take the names of the calls used here:
+// network streams as WinSock needs them, streams between programs of one user, looking up names,
+// and WinSock's numbers for the errors.
 #ifndef QUILL_PLATFORM_QT_SERVICES_POSIX_SOCKETS_H
 #define QUILL_PLATFORM_QT_SERVICES_POSIX_SOCKETS_H
 
@@ -93,5 +92,35 @@ int WaitForSockets(std::vector<SocketWait>* waits, int64_t microseconds);
 
 // Whether an interface is up that leads anywhere but back.
 bool HasNetworkInterface();
+
+// A name has 100 bytes at most.
+int ListenLocally(const std::string& name);  // does not block; below 0: the name is taken
+int AcceptLocally(int listener);           // does not block; callers of other users are turned away
+int CallLocally(const std::string& name);  // below 0: nobody listens
+bool SayLocally(int socket, const std::string& bytes);
+// The bytes that are there: 0 at the end, below 0 when none has come yet.
+long HearLocally(int socket, char* bytes, size_t size);
+bool AwaitLocally(int socket, int milliseconds);  // whether there is something to hear by then
+void CloseLocally(int socket);
+
+// At least one address, in network byte order, or a result of getaddrinfo other than 0.
+int LookUpAddresses(const char* name, std::vector<uint32_t>* addresses, std::string* official);
+
+inline constexpr int kWsaEFault = 10014;
+inline constexpr int kWsaEInval = 10022;
+inline constexpr int kWsaEMFile = 10024;
+inline constexpr int kWsaEOpNotSupp = 10045;
+inline constexpr int kWsaEAfNoSupport = 10047;
+inline constexpr int kWsaSysNotReady = 10091;
+inline constexpr int kWsaVerNotSupported = 10092;
+inline constexpr int kWsaNotInitialised = 10093;
+inline constexpr int kWsaHostNotFound = 11001;
+inline constexpr int kWsaTryAgain = 11002;
+inline constexpr int kWsaNoRecovery = 11003;
+
+// 10022 for an errno without a number of its own. Every "no network" and "no route" is 10065.
+int WinsockError(int error_number);
+// The same for getaddrinfo's results.
+int WinsockLookupError(int result);
 
 #endif

@@ -1,8 +1,11 @@
-// Walks the entries of a .res file image.
+// The compiled resources: the entries of a .res file image, and a reader for each kind of them.
 #include "platform/qt/services/resources.h"
 
-#include "platform/qt/services/accelerator_cache.h"
-#include "platform/qt/services/wide_text.h"
+#include <cstdlib>
+#include <map>
+#include <memory>
+
+#include "platform/qt/services/services.h"
 
 namespace {
 
@@ -85,6 +88,9 @@ ResourceName TakeResourceName(ResourceReader* reader) {
     return name;
 }
 
+// Tables that were loaded live as long as the image.
+static void FreeAcceleratorTables();
+
 void SetResourceImage(const uint8_t* image, size_t size) {
     FreeAcceleratorTables();
     g_image = image;
@@ -101,4 +107,271 @@ bool FindResourceBytes(LPCWSTR type, LPCWSTR name, const uint8_t** bytes, size_t
         return true;
     }
     return false;
+}
+
+namespace {
+
+constexpr WORD kLastRow = 0x80;
+
+// By where they lie in the image, so that a table loaded twice is the same one.
+std::map<const uint8_t*, std::unique_ptr<SliceAccelerators>> g_tables;
+
+// Rows of four words: flags, key, command, padding; the last one says so.
+std::unique_ptr<SliceAccelerators> ReadTable(ResourceReader reader) {
+    auto table = std::make_unique<SliceAccelerators>();
+    for (;;) {
+        const WORD flags = reader.TakeWord();
+        const WORD key = reader.TakeWord();
+        const WORD command = reader.TakeWord();
+        reader.TakeWord();
+        if (!reader.ok) return nullptr;
+        table->rows.push_back({static_cast<WORD>(flags & ~kLastRow), key, command});
+        if (flags & kLastRow) return table;
+    }
+}
+
+}  // namespace
+
+static void FreeAcceleratorTables() { g_tables.clear(); }
+
+HACCEL LoadAcceleratorsW(HINSTANCE, LPCWSTR name) {
+    const uint8_t* bytes = nullptr;
+    size_t size = 0;
+    if (!FindResourceBytes(MAKEINTRESOURCE(kResourceAccelerator), name, &bytes, &size))
+        return nullptr;
+    std::unique_ptr<SliceAccelerators>& table = g_tables[bytes];
+    if (!table) table = ReadTable({bytes, size});
+    return table.get();
+}
+
+namespace {
+
+constexpr WORD kSubmenu = 0x10;
+constexpr WORD kLastItem = 0x80;
+constexpr int kDeepest = 4;  // levels
+
+// An empty result stands for a damaged menu.
+std::vector<MenuItem> ReadItems(ResourceReader* reader, int level) {
+    std::vector<MenuItem> items;
+    for (WORD flags = 0; !(flags & kLastItem);) {
+        flags = reader->TakeWord();
+        MenuItem item;
+        if (!(flags & kSubmenu)) item.id = reader->TakeWord();
+        item.text = reader->TakeText();
+        if (flags & kSubmenu && level < kDeepest) item.items = ReadItems(reader, level + 1);
+        if (!reader->ok || (flags & kSubmenu && item.items.empty())) return {};
+        items.push_back(std::move(item));
+    }
+    return items;
+}
+
+}  // namespace
+
+std::vector<MenuItem> ReadMenu(WORD name) {
+    const uint8_t* bytes = nullptr;
+    size_t size = 0;
+    if (!FindResourceBytes(MAKEINTRESOURCE(kResourceMenu), MAKEINTRESOURCE(name), &bytes, &size))
+        return {};
+    ResourceReader reader{bytes, size};
+    reader.TakeWord();               // version
+    reader.Skip(reader.TakeWord());  // what the header has beyond these two words
+    return ReadItems(&reader, 1);
+}
+
+namespace {
+
+constexpr WORD kExtendedVersion = 1;
+constexpr WORD kExtendedSignature = 0xFFFF;
+
+int TakeShort(ResourceReader* reader) { return static_cast<int16_t>(reader->TakeWord()); }
+
+template <typename Record>
+void TakePlace(ResourceReader* reader, Record* record) {
+    record->x = TakeShort(reader);
+    record->y = TakeShort(reader);
+    record->width = TakeShort(reader);
+    record->height = TakeShort(reader);
+}
+
+bool IsExtended(ResourceReader reader) {
+    const WORD version = reader.TakeWord();
+    return reader.TakeWord() == kExtendedSignature && version == kExtendedVersion;
+}
+
+// Size and face; the newer layout has weight, slant and character set between them.
+void SkipFont(ResourceReader* reader, bool extended) {
+    reader->Skip(extended ? 6 : 2);
+    reader->TakeText();
+}
+
+WORD TakeHeader(ResourceReader* reader, bool extended, DialogTemplate* result) {
+    if (extended) reader->Skip(12);  // version, signature, help id, extended style
+    result->style = reader->TakeDword();
+    if (!extended) reader->Skip(4);  // extended style
+    const WORD count = reader->TakeWord();
+    TakePlace(reader, result);
+    TakeResourceName(reader);  // menu
+    TakeResourceName(reader);  // class
+    result->caption = reader->TakeText();
+    if (result->style & DS_SETFONT) SkipFont(reader, extended);
+    return count;
+}
+
+DialogItem TakeItem(ResourceReader* reader, bool extended) {
+    DialogItem item;
+    reader->Align();
+    if (extended) reader->Skip(8);  // help id, extended style
+    item.style = reader->TakeDword();
+    if (!extended) reader->Skip(4);  // extended style
+    TakePlace(reader, &item);
+    item.id = extended ? static_cast<int>(reader->TakeDword()) : reader->TakeWord();
+    item.window_class = TakeResourceName(reader);
+    item.text = TakeResourceName(reader).text;
+    reader->Skip(reader->TakeWord());  // the control's own data
+    return item;
+}
+
+}  // namespace
+
+bool ReadDialogTemplate(const uint8_t* bytes, size_t size, DialogTemplate* result) {
+    ResourceReader reader{bytes, size};
+    *result = DialogTemplate();
+    const bool extended = IsExtended(reader);
+    const WORD count = TakeHeader(&reader, extended, result);
+    for (WORD i = 0; i < count && reader.ok; i++)
+        result->items.push_back(TakeItem(&reader, extended));
+    return reader.ok && result->width >= 0 && result->height >= 0;
+}
+
+bool LoadDialogTemplate(LPCWSTR name, DialogTemplate* result) {
+    const uint8_t* bytes = nullptr;
+    size_t size = 0;
+    return FindResourceBytes(MAKEINTRESOURCE(kResourceDialog), name, &bytes, &size) &&
+           ReadDialogTemplate(bytes, size, result);
+}
+
+namespace {
+
+constexpr DWORD kHeaderSize = 40;
+constexpr DWORD kUncompressed = 0;
+constexpr DWORD kMostHints = 256;  // colours that come with pixels that name none
+
+struct Header {
+    int width = 0;
+    int height = 0;  // negative: from the top
+    WORD bits = 0;
+    DWORD colors = 0;  // in the palette that follows; 0: all that the bits can name
+};
+
+// Bit depths, and what one pixel of a row is: an index into the palette, or the colour itself.
+struct DepthRow {
+    WORD bits;
+    uint32_t (*pixel)(const uint8_t* row, int x, const std::vector<uint32_t>& palette);
+};
+
+uint32_t Named(const std::vector<uint32_t>& palette, unsigned index) {
+    return index < palette.size() ? palette[index] : 0;
+}
+
+uint32_t OneBit(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
+    return Named(palette, (row[x / 8] >> (7 - x % 8)) & 1u);
+}
+
+uint32_t FourBits(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
+    return Named(palette, x % 2 ? row[x / 2] & 15u : row[x / 2] >> 4);
+}
+
+uint32_t EightBits(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
+    return Named(palette, row[x]);
+}
+
+uint32_t Color(const uint8_t* bytes) {
+    return static_cast<uint32_t>(bytes[0] | (bytes[1] << 8) | (bytes[2] << 16));
+}
+
+uint32_t ThreeBytes(const uint8_t* row, int x, const std::vector<uint32_t>&) {
+    return Color(row + 3 * x);
+}
+
+uint32_t FourBytes(const uint8_t* row, int x, const std::vector<uint32_t>&) {
+    return Color(row + 4 * x);
+}
+
+const DepthRow kDepths[] = {
+    {1, OneBit}, {4, FourBits}, {8, EightBits}, {24, ThreeBytes}, {32, FourBytes},
+};
+
+const DepthRow* DepthOf(WORD bits) {
+    for (const DepthRow& row : kDepths)
+        if (row.bits == bits) return &row;
+    return nullptr;
+}
+
+bool SideFits(int side) { return side >= 1 && side <= kLargestBitmap; }
+
+bool TakeHeader(ResourceReader* reader, Header* header) {
+    const DWORD size = reader->TakeDword();
+    header->width = static_cast<int>(reader->TakeDword());
+    header->height = static_cast<int>(reader->TakeDword());
+    reader->Skip(2);  // planes
+    header->bits = reader->TakeWord();
+    const DWORD compression = reader->TakeDword();
+    reader->Skip(12);  // size of the picture, resolution
+    header->colors = reader->TakeDword();
+    reader->Skip(4);  // important colours
+    if (!reader->ok || size < kHeaderSize || compression != kUncompressed) return false;
+    reader->Skip(size - kHeaderSize);
+    if (header->height < -kLargestBitmap) return false;
+    return SideFits(header->width) && SideFits(std::abs(header->height));
+}
+
+bool TakePalette(ResourceReader* reader, const Header& header, std::vector<uint32_t>* palette) {
+    const DWORD most = header.bits <= 8 ? 1u << header.bits : kMostHints;
+    const DWORD count = header.colors || header.bits > 8 ? header.colors : most;
+    if (count > most) return false;
+    for (DWORD i = 0; i < count; i++) palette->push_back(reader->TakeDword() & 0xFFFFFF);
+    return reader->ok;
+}
+
+size_t StrideOf(int width, WORD bits) { return (static_cast<size_t>(width) * bits + 31) / 32 * 4; }
+
+// The pixels of `bits` each that come next, named by the palette.
+bool TakePixels(ResourceReader* reader, const Header& header, WORD bits,
+                const std::vector<uint32_t>& palette, Bitmap* bitmap) {
+    const DepthRow* depth = DepthOf(bits);
+    const int height = std::abs(header.height);
+    const size_t stride = StrideOf(header.width, bits);
+    const uint8_t* rows = reader->bytes + reader->position;
+    if (!depth || !reader->Has(stride * static_cast<size_t>(height))) return false;
+    *bitmap = {header.width, height, {}};
+    for (int y = 0; y < height; y++) {
+        const int line = header.height < 0 ? y : height - 1 - y;
+        const uint8_t* row = rows + stride * static_cast<size_t>(line);
+        for (int x = 0; x < header.width; x++)
+            bitmap->pixels.push_back(depth->pixel(row, x, palette));
+    }
+    reader->Skip(stride * static_cast<size_t>(height));
+    return true;
+}
+
+}  // namespace
+
+bool ReadBitmap(ResourceReader reader, Bitmap* bitmap) {
+    Header header;
+    std::vector<uint32_t> palette;
+    if (!TakeHeader(&reader, &header) || !TakePalette(&reader, header, &palette)) return false;
+    return TakePixels(&reader, header, header.bits, palette, bitmap);
+}
+
+bool ReadIcon(ResourceReader reader, Bitmap* bitmap) {
+    Header header;
+    std::vector<uint32_t> palette;
+    if (!TakeHeader(&reader, &header) || !TakePalette(&reader, header, &palette)) return false;
+    if (header.height < 2 || header.height % 2) return false;
+    header.height /= 2;  // it counts the mask in
+    Bitmap mask;
+    if (!TakePixels(&reader, header, header.bits, palette, bitmap)) return false;
+    if (!TakePixels(&reader, header, 1, {0xFF000000u, 0}, &mask)) return false;
+    for (size_t i = 0; i < bitmap->pixels.size(); i++) bitmap->pixels[i] |= mask.pixels[i];
+    return true;
 }

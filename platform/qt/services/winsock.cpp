@@ -1,15 +1,15 @@
-// WinSock 1.1 over the host's sockets.
-#include "platform/qt/services/winsock.h"
-
+// WinSock 1.1 over the host's sockets, and host addresses: by name and in dots.
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <vector>
 
 #include "platform/qt/services/posix_sockets.h"
-#include "platform/qt/services/winsock_errors.h"
-#include "platform/qt/testing_services.h"
+#include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
 namespace {
@@ -34,6 +34,20 @@ SocketTable& Table() {
 }
 
 thread_local int t_last_error = 0;
+
+// Sets the thread's last error.
+int FailWith(int winsock_error) {
+    t_last_error = winsock_error;
+    return SOCKET_ERROR;
+}
+
+// False, with the thread's error 10093, before WSAStartup.
+bool WinsockStarted() {
+    SocketTable& table = Table();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    if (table.startups == 0) FailWith(kWsaNotInitialised);
+    return table.startups > 0;
+}
 
 int FailFor(int negative_errno) { return FailWith(WinsockError(-negative_errno)); }
 
@@ -135,22 +149,10 @@ int CountOrFail(int result) { return result < 0 ? FailFor(result) : result; }
 
 }  // namespace
 
-int FailWith(int winsock_error) {
-    t_last_error = winsock_error;
-    return SOCKET_ERROR;
-}
-
-bool WinsockStarted() {
-    SocketTable& table = Table();
-    const std::lock_guard<std::mutex> lock(table.mutex);
-    if (table.startups == 0) FailWith(kWsaNotInitialised);
-    return table.startups > 0;
-}
-
 // The result is the error itself. 1.1 is spoken with everyone who can.
 int SliceStartup(WORD version, WSADATA* data) {
     if (!data) return kWsaEFault;
-    if (services_test_hooks.fail_startup) return kWsaSysNotReady;
+    if (const int error = ErrorOf(NetworkCall::kStartup)) return error;
     data->wVersion = data->wHighVersion = MAKEWORD(1, 1);
     const int major = version & 0xFF, minor = version >> 8;
     if (major < 1 || (major == 1 && minor < 1)) return kWsaVerNotSupported;
@@ -176,11 +178,10 @@ int SliceLastError() { return t_last_error; }
 
 SOCKET SliceSocket(int family, int type, int protocol) {
     if (!WinsockStarted()) return INVALID_SOCKET;
-    int error = 0;
+    int error = ErrorOf(NetworkCall::kSocket);
     SocketPointer opened;
-    if (services_test_hooks.fail_socket)
-        error = kWsaEMFile;
-    else if (!IsTcp(family, type, protocol))
+    if (error != 0) return FailWith(error), INVALID_SOCKET;
+    if (!IsTcp(family, type, protocol))
         error = kWsaEAfNoSupport;
     else if (const int result = StreamSocket::Open(&opened); result < 0)
         error = WinsockError(-result);
@@ -204,8 +205,7 @@ int SliceConnect(SOCKET number, const SOCKADDR* address, int size) {
     SOCKADDR_IN peer;
     memcpy(&peer, address, sizeof(peer));
     if (peer.sin_family != AF_INET) return FailWith(kWsaEAfNoSupport);
-    if (services_test_hooks.force_connect_error)
-        return FailWith(services_test_hooks.force_connect_error);
+    if (const int error = ErrorOf(NetworkCall::kConnect)) return FailWith(error);
     return CountOrFail(found->Connect(peer.sin_addr.s_addr, peer.sin_port));
 }
 
@@ -258,5 +258,96 @@ uint16_t SliceNetworkShort(uint16_t value) {
     const BYTE bytes[2] = {static_cast<BYTE>(value >> 8), static_cast<BYTE>(value)};
     uint16_t ordered;
     memcpy(&ordered, bytes, sizeof(ordered));
+    return ordered;
+}
+
+namespace {
+
+constexpr size_t kLongestName = 255;
+
+// The answer of a thread's last lookup; HOSTENT points into it.
+struct HostAnswer {
+    std::string name;
+    std::vector<uint32_t> addresses;
+    std::vector<char*> list;
+    char* aliases[1] = {nullptr};
+    HOSTENT entry = {};
+};
+thread_local HostAnswer t_answer;
+
+HOSTENT* Answer(std::string name, std::vector<uint32_t> addresses) {
+    HostAnswer& answer = t_answer;
+    answer.name = std::move(name);
+    answer.addresses = std::move(addresses);
+    answer.list.clear();
+    for (uint32_t& address : answer.addresses)
+        answer.list.push_back(reinterpret_cast<char*>(&address));
+    answer.list.push_back(nullptr);
+    answer.entry = {answer.name.data(), answer.aliases, AF_INET, sizeof(uint32_t),
+                    answer.list.data()};
+    return &answer.entry;
+}
+
+bool IsUsableName(const char* name) {
+    return name && *name && strnlen(name, kLongestName + 1) <= kLongestName;
+}
+
+int DigitOf(char letter) {
+    if (letter >= '0' && letter <= '9') return letter - '0';
+    if (letter >= 'a' && letter <= 'f') return letter - 'a' + 10;
+    if (letter >= 'A' && letter <= 'F') return letter - 'A' + 10;
+    return 16;
+}
+
+// 0x begins a hexadecimal number, 0 an octal one.
+bool TakePart(const char** text, uint64_t* value) {
+    int base = 10;
+    if (**text == '0' && ((*text)[1] == 'x' || (*text)[1] == 'X')) {
+        base = 16;
+        *text += 2;
+    } else if (**text == '0') {
+        base = 8;
+    }
+    *value = 0;
+    const char* first = *text;
+    for (; DigitOf(**text) < base; ++*text) {
+        *value = *value * static_cast<uint64_t>(base) + static_cast<uint64_t>(DigitOf(**text));
+        if (*value > 0xFFFFFFFF) return false;
+    }
+    return *text != first;
+}
+
+bool IsEnd(char letter) { return letter == 0 || isspace(static_cast<unsigned char>(letter)); }
+
+}  // namespace
+
+HOSTENT* SliceHostByName(const char* name) {
+    if (!WinsockStarted()) return nullptr;
+    if (const int error = ErrorOf(NetworkCall::kHostLookup)) return FailWith(error), nullptr;
+    if (!IsUsableName(name)) return FailWith(kWsaHostNotFound), nullptr;
+    std::vector<uint32_t> addresses;
+    std::string official;
+    const int result = LookUpAddresses(name, &addresses, &official);
+    if (result != 0) return FailWith(WinsockLookupError(result)), nullptr;
+    return Answer(std::move(official), std::move(addresses));
+}
+
+// One to four parts; the last one fills all bytes that are left.
+uint32_t SliceDottedAddress(const char* text) {
+    uint64_t address = 0, part = 0;
+    int parts = 0;
+    for (; text; text++) {
+        if (!TakePart(&text, &part)) return INADDR_NONE;
+        if (++parts == 4 || *text != '.') break;
+        if (part > 0xFF) return INADDR_NONE;
+        address = (address << 8) | part;
+    }
+    if (!text || !IsEnd(*text)) return INADDR_NONE;
+    const int left = 8 * (5 - parts);
+    if (part >= uint64_t{1} << left) return INADDR_NONE;
+    address = (address << left) | part;
+    uint32_t ordered = 0;
+    for (int i = 0; i < 4; i++)
+        reinterpret_cast<BYTE*>(&ordered)[i] = static_cast<BYTE>(address >> (24 - 8 * i));
     return ordered;
 }

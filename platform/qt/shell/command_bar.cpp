@@ -1,14 +1,107 @@
 // The command bar: a row of flat buttons at the top of a window, each with a picture and a tool
 // tip. A button is a desktop button, so that finger, mouse and screen reader find it; it never
-// takes the keyboard from the window.
+// takes the keyboard from the window. The pictures come out of the resources, in the desktop's
+// colours.
 #include <map>
+#include <QImage>
+#include <QPixmap>
 #include <QToolButton>
 
-#include "platform/qt/shell/bar_pictures.h"
+#include "platform/qt/services/resources.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/gdi.h"
-#include "platform/qt/window/window_widget.h"
+#include "platform/qt/window/messages.h"
 
 namespace {
+
+constexpr int kBarPicture = 16;       // pixels of a picture's sides
+constexpr int kTwiceAsLarge = 10000;  // from a bitmap's number to that of the larger one
+constexpr int kTwice = 2;
+
+// Pictures are drawn in the device's colours; these stand for the desktop's.
+struct SystemColor {
+    uint32_t drawn;  // 0x00RRGGBB
+    QPalette::ColorRole role;
+};
+
+constexpr uint32_t kFace = 0xC0C0C0;  // the bar itself: seen through
+
+const SystemColor kSystemColors[] = {
+    {0x000000, QPalette::ButtonText},
+    {0x808080, QPalette::Dark},
+    {0xFFFFFF, QPalette::Light},
+};
+
+struct Pictures {
+    QPalette palette;  // that they were made with
+    std::vector<QIcon> icons;
+};
+
+std::map<int, Pictures> g_pictures;  // by the bitmap's number
+
+QRgb Shown(uint32_t drawn, const QPalette& palette) {
+    if (drawn == kFace) return qRgba(0, 0, 0, 0);
+    for (const SystemColor& row : kSystemColors)
+        if (row.drawn == drawn) return palette.color(row.role).rgb();
+    return 0xFF000000u | drawn;
+}
+
+bool SameColors(const QPalette& one, const QPalette& other) {
+    for (const SystemColor& row : kSystemColors)
+        if (one.color(row.role) != other.color(row.role)) return false;
+    return true;
+}
+
+QImage Translated(const Bitmap& bitmap, const QPalette& palette) {
+    QImage image(bitmap.width, bitmap.height, QImage::Format_ARGB32);
+    size_t next = 0;
+    for (int y = 0; y < bitmap.height; y++)
+        for (int x = 0; x < bitmap.width; x++)
+            image.setPixel(x, y, Shown(bitmap.pixels[next++], palette));
+    return image;
+}
+
+// The strip's bitmap, or none where it is missing, damaged or too small for `count` pictures.
+QImage LoadStrip(int id, int count, int side, const QPalette& palette) {
+    const uint8_t* bytes = nullptr;
+    size_t length = 0;
+    Bitmap bitmap;
+    if (!FindResourceBytes(MAKEINTRESOURCE(kResourceBitmap), MAKEINTRESOURCE(id), &bytes, &length))
+        return QImage();
+    if (!ReadBitmap({bytes, length}, &bitmap)) return QImage();
+    if (bitmap.height < side || bitmap.width / side < count) return QImage();
+    return Translated(bitmap, palette);
+}
+
+void AddPicture(QIcon* icon, const QImage& strip, int index, int side, double ratio) {
+    if (strip.isNull()) return;
+    QPixmap picture = QPixmap::fromImage(strip.copy(index * side, 0, side, side));
+    picture.setDevicePixelRatio(ratio);
+    icon->addPixmap(picture);
+}
+
+std::vector<QIcon> MakePictures(int id, int count, const QPalette& palette) {
+    const QImage plain = LoadStrip(id, count, kBarPicture, palette);
+    const QImage sharp = LoadStrip(id + kTwiceAsLarge, count, kBarPicture * kTwice, palette);
+    std::vector<QIcon> icons;
+    for (int i = 0; i < count && !plain.isNull(); i++) {
+        QIcon icon;
+        AddPicture(&icon, plain, i, kBarPicture, 1);
+        AddPicture(&icon, sharp, i, kBarPicture * kTwice, kTwice);
+        icons.push_back(icon);
+    }
+    return icons;
+}
+
+// The first `count` pictures of that bitmap in the palette's colours, each also twice as large
+// where there is a bitmap for it; empty when the bitmap is missing, damaged or too small. They are
+// made once: the toolkit keeps something of every picture that it has drawn.
+const std::vector<QIcon>& BarPictures(int id, int count, const QPalette& palette) {
+    Pictures& known = g_pictures[id];
+    if (known.icons.size() != static_cast<size_t>(count) || !SameColors(known.palette, palette))
+        known = {palette, MakePictures(id, count, palette)};
+    return known.icons;
+}
 
 constexpr int kButtonWidth = 21;
 constexpr int kButtonMargin = 2;  // above and below a button
@@ -83,6 +176,8 @@ LRESULT CALLBACK CommandBarProcedure(HWND handle, UINT message, WPARAM wparam, L
 }
 
 }  // namespace
+
+void ForgetBarPictures() { g_pictures.clear(); }
 
 void RegisterCommandBar() { RegisterSystemClass(kCommandBarClass, CommandBarProcedure); }
 

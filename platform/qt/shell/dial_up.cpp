@@ -2,7 +2,6 @@
 // dial starts it, reads its log, tells the window the states, and ends it. Hanging up waits for
 // that end while it takes no longer than usual; beyond that, the next dial's thread waits for it
 // before it starts another one at the same modem.
-#include "platform/qt/shell/dial_up.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -21,10 +20,10 @@
 #include <thread>
 #include <vector>
 
-#include "platform/qt/services/dial_log.h"
-#include "platform/qt/services/wide_text.h"
-#include "platform/qt/testing_services.h"
-#include "platform/qt/window/slice.h"
+#include "platform/qt/services/remote_access.h"
+#include "platform/qt/services/services.h"
+#include "platform/qt/shell/shell.h"
+#include "platform/qt/window/messages.h"
 
 namespace {
 
@@ -251,9 +250,10 @@ DWORD RasDialW(LPVOID, LPCWSTR, RASDIALPARAMSW* parameters, DWORD notifier_type,
         return error;
     auto dial = std::make_unique<DialUp>();
     dial->notifier = static_cast<HWND>(notifier);
-    dial->program = services_test_hooks.dial_up_program;
+    const DialUpHost host = TheDialUpHost();
+    dial->program = host.program;
     dial->entry = Utf8FromWide(parameters->szEntryName);
-    dial->patience = static_cast<DWORD>(services_test_hooks.dial_up_patience);
+    dial->patience = static_cast<DWORD>(host.patience);
     if (const DWORD error = LookAtProgram(*dial)) return error;
     Notify(*dial, RASCS_OpenPort, 0);
     if (const DWORD error = StartThread(dial.get())) return error;

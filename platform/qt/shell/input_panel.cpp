@@ -8,8 +8,6 @@
 #include <QPainter>
 
 #include "platform/qt/window/device_screen.h"
-#include "platform/qt/window/slice.h"
-#include "platform/qt/window/window_widget.h"
 
 struct PanelKeyRow {
     int row;              // from the top
@@ -126,6 +124,8 @@ QString TextOf(const PanelKeyRow& row, bool shifted, bool control) {
     return QString::fromUtf8(shifted && row.shifted ? row.shifted : row.plain);
 }
 
+QPointer<InputPanel> g_panel;
+
 // Not every desktop leaves the focus with the dialog when the panel is tapped.
 QWidget* Target() {
     QWidget* modal = QApplication::activeModalWidget();
@@ -178,6 +178,7 @@ void PanelKey::paintEvent(QPaintEvent*) {
 }
 
 InputPanel::InputPanel(QWidget* screen) : QWidget(screen) {
+    g_panel = this;
     setObjectName("input panel");
     setAccessibleName("Keyboard");
     hide();
@@ -257,3 +258,7 @@ void InputPanel::PlaceKeys() {
 void InputPanel::paintEvent(QPaintEvent*) {
     QPainter(this).fillRect(rect(), palette().color(QPalette::Window));
 }
+
+InputPanel* ShellInputPanel() { return g_panel; }
+
+#include "moc_input_panel.cpp"

@@ -7,8 +7,6 @@
 #include <QWidget>
 #include <vector>
 
-inline constexpr int kInputPanelHeight = 80;  // pixels, five rows of keys
-
 struct PanelKeyRow;
 
 class PanelKey : public QAbstractButton {
@@ -53,15 +51,6 @@ class InputPanel : public QWidget {
     bool capitals_ = false;
 };
 
-InputPanel* ShellInputPanel();  // of the device's screen
-QRect InputPanelPlace();        // on the device's screen, shown or not
-
-// A window under a dialog hears no mouse. While the panel is shown it therefore stands in a window
-// of its own before the dialog on top, unless that one lies over it; null: on the screen again.
-void LendInputPanel(QWidget* dialog);
-
-// Shows or hides it, and tells the program's window by WM_SETTINGCHANGE.
-void ShowInputPanel(bool show);
-bool InputPanelShown();
+InputPanel* ShellInputPanel();  // of the device's screen; null while that is not open
 
 #endif

@@ -7,13 +7,15 @@
 #include <QProxyStyle>
 #include <QStyleOption>
 
-#include "platform/qt/services/menu_resource.h"
-#include "platform/qt/shell/input_panel.h"
-#include "platform/qt/window/window_widget.h"
+#include "platform/qt/services/resources.h"
+#include "platform/qt/shell/shell.h"
+#include "platform/qt/window/messages.h"
 
 namespace {
 
 constexpr int kPanelButtonWidth = 34;
+
+QPointer<MenuStrip> g_strip;
 
 // Some styles draw a line below a bar, a piece below each title and one below what is left, with
 // gaps between. Here the bar is the screen's last row: nothing is to be set apart.
@@ -72,6 +74,7 @@ LRESULT CALLBACK MenuBarProcedure(HWND window, UINT message, WPARAM wparam, LPAR
 }  // namespace
 
 MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
+    g_strip = this;
     setAutoFillBackground(true);
     bar_ = new QMenuBar(this);
     bar_->setNativeMenuBar(false);
@@ -88,7 +91,6 @@ MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
     panel_button_->setIconSize(QSize(22, 14));
     panel_button_->setIcon(
         KeyboardIcon(palette().color(QPalette::WindowText), devicePixelRatioF()));
-    connect(panel_button_, &QToolButton::clicked, this, [](bool down) { ShowInputPanel(down); });
 }
 
 void MenuStrip::resizeEvent(QResizeEvent*) {
@@ -117,6 +119,8 @@ void MenuStrip::RemoveMenus(HWND bar) {
     owner_ = nullptr;
 }
 
+MenuStrip* ShellMenuStrip() { return g_strip; }
+
 void RegisterMenuBar() { RegisterSystemClass(u"QuillMenuBar", MenuBarProcedure); }
 
 bool ActivateMenuBar() {
@@ -137,3 +141,5 @@ BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
     ShellMenuStrip()->ShowMenus(info->hwndMB, info->hwndParent, menus);
     return TRUE;
 }
+
+#include "moc_menu_bar.cpp"

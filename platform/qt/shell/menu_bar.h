@@ -6,7 +6,7 @@
 #include <QMenuBar>
 #include <QToolButton>
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 struct MenuItem;
 
@@ -30,8 +30,7 @@ class MenuStrip : public QWidget {
     HWND owner_ = nullptr;  // the menu bar window whose menus are shown
 };
 
-MenuStrip* ShellMenuStrip();  // of the device's screen
-void RegisterMenuBar();
-bool ActivateMenuBar();  // opens the first menu, as F10 does; false: there is none
+MenuStrip* ShellMenuStrip();  // of the device's screen; null while that is not open
+bool ActivateMenuBar();       // opens the first menu, as F10 does; false: there is none
 
 #endif

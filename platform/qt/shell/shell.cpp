@@ -1,4 +1,11 @@
-// The shell: the input panel's state and the visible part of the device's screen.
+// The shell: the foot of the device's screen, where the input panel is, and the visible part of the
+// screen.
+#include "platform/qt/shell/shell.h"
+
+#include <QWindow>
+
+#include "platform/qt/shell/input_panel.h"
+#include "platform/qt/shell/menu_bar.h"
 #include "platform/qt/window/device_screen.h"
 
 namespace {
@@ -25,6 +32,13 @@ bool TakeState(const SIPINFO& info) {
 
 }  // namespace
 
+void FurnishShell() {
+    auto* strip = new MenuStrip(DeviceScreen());
+    auto* panel = new InputPanel(DeviceScreen());
+    QObject::connect(strip->panel_button(), &QToolButton::clicked, strip, ShowInputPanel);
+    FurnishScreen({strip, panel, ActivateMenuBar});
+}
+
 bool InputPanelShown() { return !ShellInputPanel()->isHidden(); }
 
 void ShowInputPanel(bool show) {
@@ -34,6 +48,35 @@ void ShowInputPanel(bool show) {
     for (const Window* window : AllWindows())
         if (IsProgramWindow(*window))
             PostMessageW(window->handle, WM_SETTINGCHANGE, SPI_SETSIPINFO, 0);
+}
+
+void LendInputPanel(QWidget* dialog) {
+    constexpr Qt::WindowFlags kOwnWindow =
+        Qt::Tool | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus;
+    InputPanel* panel = ShellInputPanel();
+    if (!panel || panel->isHidden()) return;
+    const QRect place = InputPanelPlace();
+    const QRect on_desktop(DeviceScreen()->mapToGlobal(place.topLeft()), place.size());
+    const bool free = dialog && !dialog->geometry().intersects(on_desktop);
+    if (!free && !panel->isWindow()) return;
+    panel->LetGo();  // its mouse button is let go elsewhere
+    panel->setParent(DeviceScreen(), free ? kOwnWindow : Qt::Widget);
+    panel->setAttribute(Qt::WA_ShowWithoutActivating);
+    if (free) {
+        panel->winId();  // makes the window, which then follows the dialog
+        panel->windowHandle()->setTransientParent(dialog->windowHandle());
+    }
+    ArrangeScreen();
+    panel->show();
+}
+
+QRect CenteredPlace(QSize size) {
+    QRect screen = DeviceScreen()->rect();
+    if (InputPanelShown() && size.height() <= InputPanelPlace().top())
+        screen.setHeight(InputPanelPlace().top());
+    return QRect(QPoint(std::max((screen.width() - size.width()) / 2, 0),
+                        std::max((screen.height() - size.height()) / 2, 0)),
+                 size);
 }
 
 BOOL SHSipInfo(UINT action, UINT, LPVOID info, UINT) {

@@ -2,48 +2,62 @@
 #include "platform/qt/window/device_screen.h"
 
 #include <QCloseEvent>
-#include <QWindow>
 
-#include "platform/qt/window/window_widget.h"
+#include "platform/qt/window/messages.h"
 
 namespace {
 
+class ScreenWidget : public QWidget {
+  public:
+    explicit ScreenWidget(QSize size) {
+        setObjectName("device");
+        setMinimumSize(100, 80);
+        resize(size);
+    }
+    QRect PanelPlace() const;
+    void Furnish(const ScreenFoot& foot);
+    void Arrange();
+    const ScreenFoot& foot() const { return foot_; }
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+
+  private:
+    ScreenFoot foot_;
+};
+
 std::unique_ptr<ScreenWidget> g_screen;
-
-Window* ProgramWindow() {
-    for (Window* window : AllWindows())
-        if (IsProgramWindow(*window)) return window;
-    return nullptr;
-}
-
-}  // namespace
-
-ScreenWidget::ScreenWidget(QSize size) {
-    setObjectName("device");
-    setMinimumSize(100, 80);
-    strip_ = new MenuStrip(this);
-    panel_ = new InputPanel(this);
-    resize(size);
-    Arrange();
-}
+std::vector<HWND> g_over;  // the one on top last
 
 QRect ScreenWidget::PanelPlace() const {
     const int bottom = std::max(height() - kMenuBarHeight, 0);
     return QRect(0, bottom - kInputPanelHeight, width(), kInputPanelHeight);
 }
 
+void ScreenWidget::Furnish(const ScreenFoot& foot) {
+    foot_ = foot;
+    Arrange();
+}
+
 void ScreenWidget::Arrange() {
-    const QRect panel = PanelPlace();
-    strip_->setGeometry(0, panel.bottom() + 1, width(), kMenuBarHeight);
-    const QPoint corner = panel_->isWindow() ? mapToGlobal(panel.topLeft()) : panel.topLeft();
-    panel_->setGeometry(QRect(corner, panel.size()));
-    panel_->raise();
+    if (!foot_.strip || !foot_.panel) return;
+    const QRect place = PanelPlace();
+    foot_.strip->setGeometry(0, place.bottom() + 1, width(), kMenuBarHeight);
+    const bool apart = foot_.panel->isWindow();
+    const QPoint corner = apart ? mapToGlobal(place.topLeft()) : place.topLeft();
+    foot_.panel->setGeometry(QRect(corner, place.size()));
+    foot_.panel->raise();
 }
 
 // A resized screen is a device of another size: the program's window goes on filling it.
 void ScreenWidget::resizeEvent(QResizeEvent*) {
     Arrange();
-    if (Window* window = ProgramWindow()) PlaceWindow(*window, MainWindowArea());
+    if (Window* window = ProgramWindow()) window->operations->place(*window, MainWindowArea());
 }
 
 // The program decides whether it closes.
@@ -73,47 +87,45 @@ void ScreenWidget::keyReleaseEvent(QKeyEvent* event) {
     if (Window* window = ProgramWindow()) QueueKeyEvent(window->handle, event, false);
 }
 
-QWidget* DeviceScreen() { return g_screen.get(); }
-
-MenuStrip* ShellMenuStrip() { return g_screen ? g_screen->strip() : nullptr; }
-
-InputPanel* ShellInputPanel() { return g_screen ? g_screen->panel() : nullptr; }
-
-QRect InputPanelPlace() { return g_screen->PanelPlace(); }
-
-void LendInputPanel(QWidget* dialog) {
-    constexpr Qt::WindowFlags kOwnWindow =
-        Qt::Tool | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus;
-    InputPanel* panel = ShellInputPanel();
-    if (!panel || panel->isHidden()) return;
-    const QRect place = g_screen->PanelPlace();
-    const QRect on_desktop(g_screen->mapToGlobal(place.topLeft()), place.size());
-    const bool free = dialog && !dialog->geometry().intersects(on_desktop);
-    if (!free && !panel->isWindow()) return;
-    panel->LetGo();  // its mouse button is let go elsewhere
-    panel->setParent(g_screen.get(), free ? kOwnWindow : Qt::Widget);
-    panel->setAttribute(Qt::WA_ShowWithoutActivating);
-    if (free) {
-        panel->winId();  // makes the window, which then follows the dialog
-        panel->windowHandle()->setTransientParent(dialog->windowHandle());
-    }
-    g_screen->Arrange();
-    panel->show();
-}
+}  // namespace
 
 void OpenDeviceScreen(QSize size) { g_screen = std::make_unique<ScreenWidget>(size); }
 
+void FurnishScreen(const ScreenFoot& foot) { g_screen->Furnish(foot); }
+
+void ArrangeScreen() { g_screen->Arrange(); }
+
 void CloseDeviceScreen() { g_screen.reset(); }
 
+QWidget* DeviceScreen() { return g_screen.get(); }
+
 void SetDeviceTitle(const QString& title) { g_screen->setWindowTitle(title); }
+
+bool OpenScreenMenu() {
+    const auto open = g_screen->foot().open_menu;
+    return open && open();
+}
+
+QRect MainWindowArea() {
+    return QRect(0, 0, g_screen->width(), std::max(g_screen->height() - kMenuBarHeight, 0));
+}
+
+QRect InputPanelPlace() { return g_screen->PanelPlace(); }
+
+void PutOverScreen(HWND dialog) { g_over.push_back(dialog); }
+
+void TakeFromScreen(HWND dialog) { std::erase(g_over, dialog); }
+
+Window* TopMostDialog() { return g_over.empty() ? nullptr : FindWindowRecord(g_over.back()); }
+
+QWidget* TopMostWidget() {
+    const Window* top = TopMostDialog();
+    return top && top->widget ? top->widget.data() : DeviceScreen();
+}
 
 // Not every desktop gives the focus back by itself.
 void ReturnFocus() {
     if (!g_screen || QApplication::activeModalWidget()) return;
     g_screen->activateWindow();
     if (Window* window = ProgramWindow()) window->widget->setFocus();
-}
-
-QRect MainWindowArea() {
-    return QRect(0, 0, g_screen->width(), std::max(g_screen->height() - kMenuBarHeight, 0));
 }

@@ -4,10 +4,10 @@
 #include <chrono>
 #include <QBackingStore>
 #include <QGuiApplication>
+#include <QWindow>
 #include <utility>
 
-#include "platform/qt/window/drawing_observer.h"
-#include "platform/qt/window/window_widget.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ qint64 Now() {
 }
 
 bool IsInvalid(Window& window) {
-    if (window.invalid.isEmpty() || !PaintedWidget(window)) return false;
+    if (window.invalid.isEmpty() || !PaintedByProgram(window)) return false;
     if (window.widget->isVisible()) return true;
     window.invalid = QRegion();
     return false;
@@ -55,6 +55,13 @@ void BeginFrame() {
 }
 
 }  // namespace
+
+QBackingStore* ReadyStore(const QWidget* top) {
+    QBackingStore* store = top->backingStore();
+    const QWindow* surface = top->windowHandle();
+    const bool ready = store && surface && surface->isExposed() && store->size() == top->size();
+    return ready ? store : nullptr;
+}
 
 qint64 NanosecondsToFrame(const FramePace& pace, qint64 now) {
     return std::max(pace.rested - (kFramesAtOnce - 1) * kFrame - now, qint64{0});
@@ -92,7 +99,7 @@ int MillisecondsToFrame() {
 void PaintFrameOf(Window& window) {
     if (!NextOfFrame()) BeginFrame();
     g_painted.push_back(window.handle);
-    if (WindowWidget* widget = PaintedWidget(window)) widget->PaintInvalid();
+    if (PaintedByProgram(window)) window.operations->paint(window);
 }
 
 void HurryFrames() { RestPace(&g_pace, Now()); }
@@ -102,9 +109,11 @@ void HurryFrames() { RestPace(&g_pace, Now()); }
 void SettleFrames() {
     static const bool shared = QGuiApplication::platformName() == "xcb";
     if (!std::exchange(g_unsettled, false) || !shared) return;
-    QBackingStore* store = DeviceScreen() ? ReadyStore(DeviceScreen()) : nullptr;
+    const Window* program = ProgramWindow();
+    const QWidget* top = program && program->widget ? program->widget->window() : nullptr;
+    QBackingStore* store = top ? ReadyStore(top) : nullptr;
     if (!store) return;
-    store->beginPaint(DeviceScreen()->rect());
+    store->beginPaint(top->rect());
     store->endPaint();
 }
 

@@ -7,7 +7,9 @@
 #ifndef QUILL_PLATFORM_QT_WINDOW_FRAMES_H
 #define QUILL_PLATFORM_QT_WINDOW_FRAMES_H
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
+
+class QBackingStore;
 
 inline constexpr int kFrameMilliseconds = 16;
 inline constexpr int kFramesAtOnce = 3;
@@ -30,5 +32,9 @@ void PaintFrameOf(Window&);  // paints a window as part of a frame, which it may
 void HurryFrames();          // a person waits for what comes next
 void SettleFrames();         // before the queue sleeps: what the next frame would wait for
 void ResetFrames();
+
+// The store of a desktop window that is ready to be drawn on; null while it has none yet, or has
+// one of another size.
+QBackingStore* ReadyStore(const QWidget* top);
 
 #endif

@@ -7,7 +7,8 @@
 #include <QScreen>
 #include <set>
 
-#include "platform/qt/window/drawing_observer.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window.h"
 #include "platform/qt/window/window_widget.h"
 
 namespace {
@@ -83,8 +84,6 @@ void DrawGlyphs(SliceDeviceContext& dc, const FontData& font, int x, int y, LPCW
 }
 
 }  // namespace
-
-DrawingObserver drawing_observer;
 
 void DrawLineOfText(QPainter& painter, const LineFont& font, QPointF place,
                     const std::u16string& text) {

@@ -9,7 +9,7 @@
 #include <QPainter>
 #include <QRawFont>
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
 // A font as the program asked for it and as the desktop has it. The raw font is drawn glyph by
 // glyph; the plain one stands in for characters that it lacks.
@@ -63,7 +63,10 @@ const FontData& FontOf(HDC dc);                            // the selected font,
 const LineFont& LineFontOf(const QFont& font);
 void ForgetFonts();
 
-// gdi.cpp: ASCII alone, in the painter's pen.
+// gdi.cpp
+COLORREF BrushColor(HBRUSH brush);
+void ReleaseGdi();
+// ASCII alone, in the painter's pen.
 void DrawLineOfText(QPainter& painter, const LineFont& font, QPointF place,
                     const std::u16string& text);
 

@@ -1,8 +1,10 @@
-// The keyboard: virtual-key codes from Qt's keys, the key state, synthetic keys.
+// The keyboard: virtual-key codes from Qt's keys, synthetic keys, accelerators.
 #include <QInputMethod>
 #include <QKeyEvent>
 
-#include "platform/qt/testing.h"
+#include "platform/qt/services/resources.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 
@@ -41,11 +43,6 @@ const KeyRow kModifiers[] = {
 // clang-format on
 
 constexpr int kProcessKey = 0xE5;  // a key press that the input method took
-
-KeyStates g_down;   // as the last event left them
-KeyStates g_taken;  // as they were for the message taken last
-int g_silent_keys = 0;
-SilentKey g_silent_key = {};
 
 int ModifierKey(const QKeyEvent& event) {
     for (const KeyRow& row : kModifiers)
@@ -106,24 +103,34 @@ QString CharactersOf(const QKeyEvent& event, int virtual_key) {
 
 // A lost release must not leave a modifier down for ever: each event tells the true state.
 void FollowModifiers(Qt::KeyboardModifiers modifiers) {
-    const auto clear = [](size_t left, size_t right) { g_down[left] = g_down[right] = false; };
+    const auto clear = [](size_t left, size_t right) {
+        SetKeyDown(left, false);
+        SetKeyDown(right, false);
+    };
     if (!(modifiers & Qt::ShiftModifier)) clear(VK_LSHIFT, VK_RSHIFT);
     if (!(modifiers & Qt::ControlModifier)) clear(VK_LCONTROL, VK_RCONTROL);
     if (!(modifiers & Qt::AltModifier)) clear(VK_LMENU, VK_RMENU);
     const auto hold = [](size_t left, size_t right) {
-        if (!g_down[left] && !g_down[right]) g_down[left] = true;
+        if (!IsKeyDown(left) && !IsKeyDown(right)) SetKeyDown(left, true);
     };
     if (modifiers & Qt::ShiftModifier) hold(VK_LSHIFT, VK_RSHIFT);
     if (modifiers & Qt::ControlModifier) hold(VK_LCONTROL, VK_RCONTROL);
     if (modifiers & Qt::AltModifier) hold(VK_LMENU, VK_RMENU);
 }
 
+bool AcceleratorFits(const AcceleratorRow& row, const MSG& message) {
+    const bool key = row.flags & kAcceleratorKey;
+    const bool down = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
+    if (key ? !down : message.message != WM_CHAR) return false;
+    if (message.wParam != row.key) return false;
+    if (!key) return true;
+    const auto held = [](int virtual_key) { return (GetKeyState(virtual_key) & 0x8000) != 0; };
+    return held(VK_SHIFT) == ((row.flags & kAcceleratorShift) != 0) &&
+           held(VK_CONTROL) == ((row.flags & kAcceleratorControl) != 0) &&
+           held(VK_MENU) == ((row.flags & kAcceleratorAlt) != 0);
+}
+
 }  // namespace
-
-KeyStates CurrentKeyStates() { return g_down; }
-KeyStates TakenKeyStates() { return g_taken; }
-
-void TakeKeyStates(const KeyStates& states) { g_taken = states; }
 
 void QueueKeyEvent(HWND window, QKeyEvent* event, bool down) {
     const int modifier = ModifierKey(*event);
@@ -135,7 +142,7 @@ void QueueKeyEvent(HWND window, QKeyEvent* event, bool down) {
         down ? (system ? WM_SYSKEYDOWN : WM_KEYDOWN) : (system ? WM_SYSKEYUP : WM_KEYUP);
     const QString characters = down ? CharactersOf(*event, key) : QString();
     if (key == 0 && characters.isEmpty()) return;  // a key that the device has not
-    g_down[static_cast<size_t>(key)] = down;
+    SetKeyDown(static_cast<size_t>(key), down);
     QueueKey(window, message, static_cast<WPARAM>(GenericKey(key)),
              event->isAutoRepeat() ? 1 << 30 : 0, characters);
 }
@@ -147,34 +154,24 @@ void QueueCommittedText(HWND window, const QString& text) {
     for (const QChar character : text) QueueInput(window, WM_CHAR, character.unicode(), 0);
 }
 
-int SilentKeyCount() { return g_silent_keys; }
-SilentKey LastSilentKey() { return g_silent_key; }
-
-void ResetKeyboard() {
-    g_silent_keys = 0;
-    g_down.reset();
-    g_taken.reset();
-}
-
-SHORT GetKeyState(int virtual_key) {
-    const auto held = [](size_t key) { return g_taken[key]; };
-    if (virtual_key < 0 || virtual_key > 255) return 0;
-    bool down = held(static_cast<size_t>(virtual_key));
-    if (virtual_key == VK_SHIFT) down = held(VK_LSHIFT) || held(VK_RSHIFT);
-    if (virtual_key == VK_CONTROL) down = held(VK_LCONTROL) || held(VK_RCONTROL);
-    if (virtual_key == VK_MENU) down = held(VK_LMENU) || held(VK_RMENU);
-    return static_cast<SHORT>(down ? 0x8000 : 0);
-}
-
 void keybd_event(BYTE virtual_key, BYTE, DWORD flags, DWORD_PTR) {
     if (flags & KEYEVENTF_SILENT) {
-        g_silent_keys++;
-        g_silent_key = {virtual_key, flags};
+        if (window_observer.silent_key) window_observer.silent_key(virtual_key, flags);
         return;
     }
     const bool down = !(flags & KEYEVENTF_KEYUP);
-    g_down[virtual_key] = down;
+    SetKeyDown(virtual_key, down);
     if (HWND window = GetActiveWindow())
         QueueKey(window, down ? WM_KEYDOWN : WM_KEYUP, static_cast<WPARAM>(GenericKey(virtual_key)),
                  0, QString());
+}
+
+int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message) {
+    if (!table || !FindWindowRecord(window)) return 0;
+    for (const AcceleratorRow& row : table->rows) {
+        if (!AcceleratorFits(row, *message)) continue;
+        SendMessageW(window, WM_COMMAND, static_cast<WPARAM>(row.command | (1u << 16)), 0);
+        return 1;
+    }
+    return 0;
 }

@@ -14,11 +14,9 @@
 #include <thread>
 #include <utility>
 
-#include "platform/qt/services/accelerators.h"
-#include "platform/qt/shell/menu_bar.h"
-#include "platform/qt/testing.h"
 #include "platform/qt/window/frames.h"
-#include "platform/qt/window/window_widget.h"
+#include "platform/qt/window/messages.h"
+#include "platform/qt/window/window.h"
 
 namespace {
 
@@ -41,6 +39,8 @@ std::deque<MSG> g_timers;
 QString g_key_characters;  // what TranslateMessage makes of the key taken last
 bool g_quit = false;
 int g_quit_code = 0;
+KeyStates g_keys_down;            // as the last event left them
+KeyStates g_keys_taken;           // as they were for the message taken last
 bool g_took_posted = false;       // a posted message, since the queue was waited at
 QElapsedTimer g_since_collected;  // the toolkit's events had their turn
 
@@ -73,7 +73,7 @@ bool TakeInput(MSG* message, HWND window, UINT first, UINT last, bool remove) {
         if (!Fits(entry->message, window, first, last)) continue;
         *message = entry->message;
         g_key_characters = entry->characters;
-        TakeKeyStates(entry->keys);
+        g_keys_taken = entry->keys;
         if (remove) g_input.erase(entry);
         return true;
     }
@@ -176,6 +176,7 @@ bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
     if (TakePaint(message, window, first, last)) return true;
     if (TakeTimer(message, window, first, last, remove)) return true;
     if (g_quit || !may_wait() || PostedSoon()) return false;
+    if (window_observer.idle) window_observer.idle();
     WakeForFrame();
     SettleFrames();
     CollectInput(true);
@@ -184,27 +185,21 @@ bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
 
 }  // namespace
 
-LRESULT CallWindowProcedure(Window& window, UINT message, WPARAM wparam, LPARAM lparam) {
-    return window.window_class->procedure(window.handle, message, wparam, lparam);
-}
-
 void QueueInput(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_KEYDOWN || message == WM_CHAR) HurryFrames();
-    g_input.push_back(
-        {MakeMessage(window, message, wparam, lparam), QString(), CurrentKeyStates()});
+    g_input.push_back({MakeMessage(window, message, wparam, lparam), QString(), g_keys_down});
 }
 
 void QueueKey(HWND window, UINT message, WPARAM key, LPARAM flags, const QString& characters) {
     if (message == WM_KEYDOWN) HurryFrames();
-    g_input.push_back({MakeMessage(window, message, key, flags), characters, CurrentKeyStates()});
+    g_input.push_back({MakeMessage(window, message, key, flags), characters, g_keys_down});
 }
+
+void SetKeyDown(size_t virtual_key, bool down) { g_keys_down[virtual_key] = down; }
+
+bool IsKeyDown(size_t virtual_key) { return g_keys_down[virtual_key]; }
 
 bool QuitPosted() { return g_quit; }
-
-bool MessagesWaiting() {
-    const std::lock_guard<std::mutex> lock(g_posted_mutex);
-    return !g_input.empty() || !g_posted.empty();
-}
 
 void TakeMessagesFor(HWND window) {
     const std::lock_guard<std::mutex> lock(g_posted_mutex);
@@ -238,6 +233,8 @@ void ResetMessages() {
     g_timers.clear();
     g_running_timers.clear();
     g_key_characters.clear();
+    g_keys_down.reset();
+    g_keys_taken.reset();
     g_quit = false;
     g_took_posted = false;
     g_since_collected.invalidate();
@@ -278,11 +275,21 @@ void DispatchPosted(const std::function<bool()>& done) {
         DispatchMessageW(&message);
 }
 
+SHORT GetKeyState(int virtual_key) {
+    const auto held = [](size_t key) { return g_keys_taken[key]; };
+    if (virtual_key < 0 || virtual_key > 255) return 0;
+    bool down = held(static_cast<size_t>(virtual_key));
+    if (virtual_key == VK_SHIFT) down = held(VK_LSHIFT) || held(VK_RSHIFT);
+    if (virtual_key == VK_CONTROL) down = held(VK_LCONTROL) || held(VK_RCONTROL);
+    if (virtual_key == VK_MENU) down = held(VK_LMENU) || held(VK_RMENU);
+    return static_cast<SHORT>(down ? 0x8000 : 0);
+}
+
 BOOL TranslateMessage(const MSG* message) {
     const bool plain = message->message == WM_KEYDOWN;
     if (!plain && message->message != WM_SYSKEYDOWN) return FALSE;
     const std::u16string characters = ToWide(g_key_characters);
-    const KeyStates keys = TakenKeyStates();
+    const KeyStates keys = g_keys_taken;
     g_key_characters.clear();
     // Characters come next, before any other input.
     auto place = g_input.begin();
@@ -304,18 +311,8 @@ LRESULT DispatchMessageW(const MSG* message) {
 }
 
 LRESULT SendMessageW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (IsOtherInstance(handle)) {
-        if (message == WM_PAINT) AskOtherInstance("paint");
-        return 0;
-    }
-    Window* window = FindWindowRecord(handle);
-    if (!window) return 0;
-    WindowWidget* widget = PaintedWidget(*window);
-    if (message != WM_PAINT || !widget || widget->painting())
-        return CallWindowProcedure(*window, message, wparam, lparam);
-    InvalidateRect(handle, nullptr, TRUE);
-    widget->PaintInvalid();
-    return 0;
+    Window* window = FindAnyWindow(handle);
+    return window ? window->operations->send(*window, message, wparam, lparam) : 0;
 }
 
 BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -344,90 +341,12 @@ UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedu
         g_timers.push_back(MakeMessage(window, WM_TIMER, id, reinterpret_cast<LPARAM>(procedure)));
     });
     timer->start(static_cast<int>(milliseconds));
+    if (window_observer.timer) window_observer.timer(window, id, timer->interval());
     return id;
 }
 
 BOOL KillTimer(HWND window, UINT_PTR id) {
+    if (window_observer.timer) window_observer.timer(window, id, -1);
     std::erase_if(g_timers, [&](const MSG& m) { return m.hwnd == window && m.wParam == id; });
     return g_running_timers.erase({window, id}) > 0;
-}
-
-int TimerMilliseconds(HWND window, UINT_PTR id) {
-    const auto timer = g_running_timers.find({window, id});
-    return timer == g_running_timers.end() ? -1 : timer->second->interval();
-}
-
-namespace {
-
-LRESULT CloseByDefault(Window& window, WPARAM) {
-    DestroyWindow(window.handle);
-    return 0;
-}
-
-LRESULT PaintByDefault(Window& window, WPARAM) {
-    PAINTSTRUCT paint;
-    BeginPaint(window.handle, &paint);
-    EndPaint(window.handle, &paint);
-    return 0;
-}
-
-LRESULT EraseByDefault(Window& window, WPARAM dc) {
-    const HBRUSH background = window.window_class->background;
-    if (!background) return 0;
-    RECT area;
-    GetClientRect(window.handle, &area);
-    FillRect(reinterpret_cast<HDC>(dc), &area, background);
-    return 1;
-}
-
-LRESULT TakeKeyByDefault(Window& window, WPARAM key) {
-    if (key == VK_F10 && IsProgramWindow(window)) ActivateMenuBar();
-    return 0;
-}
-
-struct DefaultRow {
-    UINT message;
-    LRESULT (*handle)(Window& window, WPARAM wparam);
-};
-
-const DefaultRow kDefaults[] = {
-    {WM_CLOSE, CloseByDefault},
-    {WM_PAINT, PaintByDefault},
-    {WM_ERASEBKGND, EraseByDefault},
-    {WM_KEYDOWN, TakeKeyByDefault},
-};
-
-}  // namespace
-
-LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM) {
-    Window* window = FindWindowRecord(handle);
-    for (const DefaultRow& row : kDefaults)
-        if (window && row.message == message) return row.handle(*window, wparam);
-    return 0;
-}
-
-namespace {
-
-bool AcceleratorFits(const AcceleratorRow& row, const MSG& message) {
-    const bool key = row.flags & kAcceleratorKey;
-    const bool down = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
-    if (key ? !down : message.message != WM_CHAR) return false;
-    if (message.wParam != row.key) return false;
-    if (!key) return true;
-    const auto held = [](int virtual_key) { return (GetKeyState(virtual_key) & 0x8000) != 0; };
-    return held(VK_SHIFT) == ((row.flags & kAcceleratorShift) != 0) &&
-           held(VK_CONTROL) == ((row.flags & kAcceleratorControl) != 0) &&
-           held(VK_MENU) == ((row.flags & kAcceleratorAlt) != 0);
-}
-
-}  // namespace
-
-int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message) {
-    if (!table || !FindWindowRecord(window)) return 0;
-    for (const AcceleratorRow& row : table->rows) {
-        if (!AcceleratorFits(row, *message)) continue;
-        SendMessageW(window, WM_COMMAND, static_cast<WPARAM>(row.command | (1u << 16)), 0);
-        return 1;
-    }
-    return 0;
 }

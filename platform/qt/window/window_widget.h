@@ -1,19 +1,15 @@
-// The widget behind every window: turns Qt's events into the queue's messages.
+// The widget behind every window that the program paints: turns Qt's events into the queue's
+// messages. Its scroll bars.
 #ifndef QUILL_PLATFORM_QT_WINDOW_WINDOW_WIDGET_H
 #define QUILL_PLATFORM_QT_WINDOW_WINDOW_WIDGET_H
 
 #include <QElapsedTimer>
 #include <QPointF>
 
-#include "platform/qt/window/slice.h"
+#include "platform/qt/window/window.h"
 
-class QBackingStore;
 class QPainter;
 class QTouchEvent;
-
-// The store of a desktop window that is ready to be drawn on; null while it has none yet, or has
-// one of another size.
-QBackingStore* ReadyStore(const QWidget* top);
 
 class WindowWidget : public QWidget {
     Q_OBJECT
@@ -58,5 +54,14 @@ class WindowWidget : public QWidget {
     QElapsedTimer since_tap_;
     QPointF tap_;
 };
+
+// Null where the program does not paint.
+inline WindowWidget* PaintedWidget(const Window& window) {
+    return PaintedByProgram(window) ? static_cast<WindowWidget*>(window.widget.data()) : nullptr;
+}
+
+// scroll_bars.cpp
+void AttachScrollBars(Window& window, DWORD style);
+void ArrangeScrollBars(Window& window);
 
 #endif

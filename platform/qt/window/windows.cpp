@@ -1,25 +1,13 @@
-// Windows: classes, creation and destruction, the tree, places and texts.
-#include <map>
-#include <memory>
-#include <QScrollBar>
+// Windows: creation and destruction, places, texts, focus, and what becomes of messages that a
+// window leaves alone.
+#include "platform/qt/window/window.h"
 
-#include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/testing.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/gdi.h"
+#include "platform/qt/window/messages.h"
 #include "platform/qt/window/window_widget.h"
 
 namespace {
-
-struct WithoutCase {
-    bool operator()(const std::u16string& a, const std::u16string& b) const {
-        return lstrcmpiW(a.c_str(), b.c_str()) < 0;
-    }
-};
-
-std::map<std::u16string, std::unique_ptr<WindowClass>, WithoutCase> g_classes;
-std::map<UINT_PTR, std::unique_ptr<Window>> g_windows;  // ordered by age
-UINT_PTR g_next_handle = 0x10;
-
-UINT_PTR Number(HWND handle) { return reinterpret_cast<UINT_PTR>(handle); }
 
 QRect InitialPlace(int x, int y, int width, int height) {
     const QRect room = MainWindowArea();
@@ -28,10 +16,15 @@ QRect InitialPlace(int x, int y, int width, int height) {
     return QRect(x, y, std::max(width, 0), std::max(height, 0));
 }
 
+// Dialogs are desktop windows of their own.
+QPoint CornerOnScreen(const Window& window) {
+    return DeviceScreen()->mapFromGlobal(window.widget->mapToGlobal(QPoint(0, 0)));
+}
+
 std::vector<HWND> ChildrenOf(HWND parent) {
     std::vector<HWND> children;
-    for (const auto& entry : g_windows)
-        if (entry.second->parent == parent) children.push_back(entry.second->handle);
+    for (const Window* window : AllWindows())
+        if (window->parent == parent) children.push_back(window->handle);
     return children;
 }
 
@@ -43,88 +36,132 @@ void RemoveWindow(HWND handle) {
         window->widget->deleteLater();
     }
     ForgetWindowMessages(handle);
-    g_windows.erase(Number(handle));
+    RemoveWindowRecord(handle);
 }
 
-// Dialogs are desktop windows of their own.
-QPoint CornerOnScreen(const Window& window) {
-    return DeviceScreen()->mapFromGlobal(window.widget->mapToGlobal(QPoint(0, 0)));
+// ---------------------------------------------------------------- operations
+
+void PaintNow(Window& window) {
+    if (WindowWidget* widget = PaintedWidget(window)) widget->PaintInvalid();
 }
+
+void PlaceOwn(Window& window, const QRect& rect) {
+    if (!window.widget) return;
+    const bool resized = window.widget->size() != rect.size();
+    const HWND handle = window.handle;
+    window.widget->setGeometry(rect);
+    if (!resized) return;
+    ArrangeScrollBars(window);
+    window.invalid = window.widget->rect();
+    window.erase = true;
+    if (Window* still = FindWindowRecord(handle)) SendSize(*still);
+}
+
+LRESULT SendToPainted(Window& window, UINT message, WPARAM wparam, LPARAM lparam) {
+    WindowWidget* widget = PaintedWidget(window);
+    if (message != WM_PAINT || !widget || widget->painting())
+        return CallWindowProcedure(window, message, wparam, lparam);
+    InvalidateRect(window.handle, nullptr, TRUE);
+    widget->PaintInvalid();
+    return 0;
+}
+
+constexpr WindowOperations kPaintedOperations = {PaintNow, PlaceOwn, ShowOwnWindow, BringOwnWindow,
+                                                 SendToPainted};
+
+// ---------------------------------------------------------------- default procedure
+
+LRESULT CloseByDefault(Window& window, WPARAM) {
+    DestroyWindow(window.handle);
+    return 0;
+}
+
+LRESULT PaintByDefault(Window& window, WPARAM) {
+    PAINTSTRUCT paint;
+    BeginPaint(window.handle, &paint);
+    EndPaint(window.handle, &paint);
+    return 0;
+}
+
+LRESULT EraseByDefault(Window& window, WPARAM dc) {
+    const HBRUSH background = window.window_class->background;
+    if (!background) return 0;
+    RECT area;
+    GetClientRect(window.handle, &area);
+    FillRect(reinterpret_cast<HDC>(dc), &area, background);
+    return 1;
+}
+
+LRESULT TakeKeyByDefault(Window& window, WPARAM key) {
+    if (key == VK_F10 && IsProgramWindow(window)) OpenScreenMenu();
+    return 0;
+}
+
+struct DefaultRow {
+    UINT message;
+    LRESULT (*handle)(Window& window, WPARAM wparam);
+};
+
+const DefaultRow kDefaults[] = {
+    {WM_CLOSE, CloseByDefault},
+    {WM_PAINT, PaintByDefault},
+    {WM_ERASEBKGND, EraseByDefault},
+    {WM_KEYDOWN, TakeKeyByDefault},
+};
 
 }  // namespace
 
-Window* AddWindow(const WindowClass* window_class, HWND parent, int id) {
-    auto window = std::make_unique<Window>();
-    Window* result = window.get();
-    const UINT_PTR number = g_next_handle += 4;
-    window->handle = reinterpret_cast<HWND>(number);
-    window->window_class = window_class;
-    window->parent = parent;
-    window->id = id;
-    g_windows[number] = std::move(window);
-    TakeMessagesFor(result->handle);
-    return result;
-}
+constexpr WindowOperations kToolkitOperations = {nullptr, PlaceOwn, ShowOwnWindow, BringOwnWindow,
+                                                 CallWindowProcedure};
 
-Window* FindWindowRecord(HWND handle) {
-    const auto found = g_windows.find(Number(handle));
-    return found == g_windows.end() ? nullptr : found->second.get();
-}
-
-std::vector<Window*> AllWindows() {
-    std::vector<Window*> result;
-    for (auto& entry : g_windows) result.push_back(entry.second.get());
-    return result;
-}
-
-Window* FirstWindow(bool (*wanted)(Window& window)) {
-    for (auto& entry : g_windows)
-        if (wanted(*entry.second)) return entry.second.get();
-    return nullptr;
-}
-
-Window* TopLevelOf(Window* window) {
-    while (window && window->parent) window = FindWindowRecord(window->parent);
+Window* AddWindow(const WindowClass* window_class, const WindowOperations* operations, HWND parent,
+                  int id) {
+    Window* window = AddWindowRecord(window_class, operations, parent, id);
+    TakeMessagesFor(window->handle);
     return window;
 }
 
-bool IsProgramWindow(const Window& window) { return !window.parent && !window.dialog; }
-
-WindowWidget* PaintedWidget(const Window& window) {
-    return qobject_cast<WindowWidget*>(window.widget.data());
+BOOL ShowOwnWindow(Window& window, int show) {
+    if (!window.widget) return FALSE;
+    const BOOL before = window.widget->isVisible();
+    window.widget->setVisible(show != SW_HIDE);
+    if (IsProgramWindow(window) && show != SW_HIDE) {
+        DeviceScreen()->show();
+        window.widget->setFocus();
+    }
+    return before;
 }
 
-void RegisterSystemClass(LPCWSTR name, WNDPROC procedure) {
-    auto window_class = std::make_unique<WindowClass>();
-    window_class->name = name;
-    window_class->procedure = procedure;
-    window_class->system = true;
-    g_classes[name] = std::move(window_class);
+BOOL BringOwnWindow(Window& window) {
+    if (!window.widget) return FALSE;
+    QWidget* screen = DeviceScreen();
+    screen->setWindowState(screen->windowState() & ~Qt::WindowMinimized);
+    screen->show();
+    screen->raise();
+    screen->activateWindow();
+    window.widget->setFocus();
+    return TRUE;
 }
 
-ATOM RegisterClassW(const WNDCLASSW* window_class) {
-    if (!window_class || !window_class->lpszClassName || !window_class->lpfnWndProc) return 0;
-    auto& slot = g_classes[window_class->lpszClassName];
-    if (slot) return 0;
-    slot = std::make_unique<WindowClass>();
-    slot->name = window_class->lpszClassName;
-    slot->style = window_class->style;
-    slot->procedure = window_class->lpfnWndProc;
-    slot->background = window_class->hbrBackground;
-    return static_cast<ATOM>(0xC000 + g_classes.size());
+void DestroyAllWindows() {
+    for (std::vector<Window*> left = AllWindows(); !left.empty(); left = AllWindows()) {
+        const HWND last = left.back()->handle;
+        if (!DestroyWindow(last)) RemoveWindow(last);
+    }
+    ForgetProgramClasses();
 }
 
 HWND CreateWindowExW(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x, int y,
                      int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                      LPVOID parameter) {
-    const auto found = g_classes.find(class_name);
+    const WindowClass* window_class = FindWindowClass(class_name);
     Window* parent_window = FindWindowRecord(parent);
     const bool child = style & WS_CHILD;
-    if (found == g_classes.end() || (child && !parent_window)) return nullptr;
-    if (WindowRefused(class_name)) return nullptr;
+    if (!window_class || (child && !parent_window)) return nullptr;
+    if (window_observer.refuse && window_observer.refuse(class_name)) return nullptr;
 
     const int id = child ? static_cast<int>(reinterpret_cast<INT_PTR>(menu)) : 0;
-    Window* window = AddWindow(found->second.get(), child ? parent : nullptr, id);
+    Window* window = AddWindow(window_class, &kPaintedOperations, child ? parent : nullptr, id);
     const HWND handle = window->handle;
     window->text = title ? title : u"";
     window->widget =
@@ -170,33 +207,14 @@ BOOL DestroyWindow(HWND handle) {
     return TRUE;
 }
 
-void DestroyAllWindows() {
-    while (!g_windows.empty()) {
-        const HWND last = g_windows.rbegin()->second->handle;
-        if (!DestroyWindow(last)) RemoveWindow(last);
-    }
-    for (auto entry = g_classes.begin(); entry != g_classes.end();)
-        entry = entry->second->system ? std::next(entry) : g_classes.erase(entry);
-}
-
-BOOL IsWindow(HWND handle) { return FindWindowRecord(handle) != nullptr; }
-
 BOOL IsWindowVisible(HWND handle) {
     const Window* window = FindWindowRecord(handle);
     return window && window->widget && window->widget->isVisible();
 }
 
 BOOL ShowWindow(HWND handle, int show) {
-    if (IsOtherInstance(handle)) return AskOtherInstance("show"), TRUE;
-    Window* window = FindWindowRecord(handle);
-    if (!window || !window->widget) return FALSE;
-    const BOOL before = window->widget->isVisible();
-    window->widget->setVisible(show != SW_HIDE);
-    if (IsProgramWindow(*window) && show != SW_HIDE) {
-        DeviceScreen()->show();
-        window->widget->setFocus();
-    }
-    return before;
+    Window* window = FindAnyWindow(handle);
+    return window ? window->operations->show(*window, show) : FALSE;
 }
 
 BOOL UpdateWindow(HWND handle) {
@@ -215,45 +233,12 @@ BOOL EnableWindow(HWND handle, BOOL enable) {
     return before;
 }
 
-QRect ClientArea(const Window& window) {
-    if (!window.widget) return QRect();
-    QRect area = window.widget->rect();
-    if (window.vertical.shown) area.setWidth(area.width() - GetSystemMetrics(SM_CXVSCROLL));
-    if (window.horizontal.shown) area.setHeight(area.height() - GetSystemMetrics(SM_CYHSCROLL));
-    return QRect(0, 0, std::max(area.width(), 0), std::max(area.height(), 0));
-}
-
-void SendSize(Window& window) {
-    const QRect area = ClientArea(window);
-    CallWindowProcedure(window, WM_SIZE, SIZE_RESTORED, MAKELPARAM(area.width(), area.height()));
-}
-
-void PlaceWindow(Window& window, const QRect& rect) {
-    if (!window.widget) return;
-    if (window.dialog) return PlaceDialog(window, rect);
-    const bool resized = window.widget->size() != rect.size();
-    const HWND handle = window.handle;
-    window.widget->setGeometry(rect);
-    if (!resized) return;
-    ArrangeScrollBars(window);
-    window.invalid = window.widget->rect();
-    window.erase = true;
-    if (Window* still = FindWindowRecord(handle)) SendSize(*still);
-}
-
 BOOL MoveWindow(HWND handle, int x, int y, int width, int height, BOOL repaint) {
     Window* window = FindWindowRecord(handle);
     if (!window) return FALSE;
-    PlaceWindow(*window, QRect(x, y, std::max(width, 0), std::max(height, 0)));
+    const QRect place(x, y, std::max(width, 0), std::max(height, 0));
+    window->operations->place(*window, place);
     if (repaint) InvalidateRect(handle, nullptr, TRUE);
-    return TRUE;
-}
-
-BOOL GetClientRect(HWND handle, RECT* rect) {
-    const Window* window = FindWindowRecord(handle);
-    if (!window || !rect) return FALSE;
-    const QRect area = ClientArea(*window);
-    *rect = RECT{0, 0, area.width(), area.height()};
     return TRUE;
 }
 
@@ -274,7 +259,7 @@ BOOL SetWindowPos(HWND handle, HWND, int x, int y, int width, int height, UINT f
     if (parent) place.translate(-CornerOnScreen(*parent));
     if (!(flags & SWP_NOMOVE)) place.moveTo(x, y);
     if (!(flags & SWP_NOSIZE)) place.setSize(QSize(std::max(width, 0), std::max(height, 0)));
-    PlaceWindow(*window, place);
+    window->operations->place(*window, place);
     return TRUE;
 }
 
@@ -319,18 +304,6 @@ int GetWindowTextW(HWND handle, LPWSTR text, int size) {
     return lstrlenW(text);
 }
 
-HWND GetDlgItem(HWND parent, int id) {
-    for (const Window* window : AllWindows())
-        if (parent && window->parent == parent && window->id == id && !window->dialog)
-            return window->handle;
-    return nullptr;
-}
-
-HWND GetParent(HWND handle) {
-    const Window* window = FindWindowRecord(handle);
-    return window ? window->parent : nullptr;
-}
-
 HWND SetFocus(HWND handle) {
     Window* window = FindWindowRecord(handle);
     const HWND before = GetFocus();
@@ -347,31 +320,14 @@ HWND GetFocus() {
     return nullptr;
 }
 
-HWND GetActiveWindow() {
-    const QWidget* active = QApplication::activeWindow();
-    for (const Window* window : AllWindows())
-        if (active && (IsProgramWindow(*window) ? active == DeviceScreen()
-                                                : window->dialog && window->widget == active))
-            return window->handle;
-    return nullptr;
-}
-
 BOOL IsWindowEnabled(HWND handle) {
     const Window* window = FindWindowRecord(handle);
     return window && window->widget && window->widget->isEnabled();
 }
 
 BOOL SetForegroundWindow(HWND handle) {
-    if (IsOtherInstance(handle)) return AskOtherInstance("foreground"), TRUE;
-    Window* window = FindWindowRecord(handle);
-    if (!window || !window->widget) return FALSE;
-    QWidget* screen = DeviceScreen();
-    screen->setWindowState(screen->windowState() & ~Qt::WindowMinimized);
-    screen->show();
-    screen->raise();
-    screen->activateWindow();
-    window->widget->setFocus();
-    return TRUE;
+    Window* window = FindAnyWindow(handle);
+    return window ? window->operations->foreground(*window) : FALSE;
 }
 
 HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
@@ -384,15 +340,27 @@ HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
     return title ? nullptr : FindOtherInstance();
 }
 
-BOOL InvalidateRect(HWND handle, const RECT* rect, BOOL erase) {
+struct MetricRow {
+    int index;
+    int (*pixels)();
+};
+
+static const MetricRow kMetrics[] = {
+    {SM_CXSCREEN, [] { return DeviceScreen()->width(); }},
+    {SM_CYSCREEN, [] { return DeviceScreen()->height(); }},
+    {SM_CXVSCROLL, [] { return kScrollBarSize; }},
+    {SM_CYHSCROLL, [] { return kScrollBarSize; }},
+};
+
+int GetSystemMetrics(int index) {
+    for (const MetricRow& row : kMetrics)
+        if (row.index == index) return row.pixels();
+    return 0;
+}
+
+LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM) {
     Window* window = FindWindowRecord(handle);
-    if (!window || !window->widget) return FALSE;
-    if (!PaintedWidget(*window)) return window->widget->update(), TRUE;
-    const QRect area = ClientArea(*window);
-    window->invalid +=
-        rect
-            ? QRect(QPoint(rect->left, rect->top), QPoint(rect->right - 1, rect->bottom - 1)) & area
-            : area;
-    if (erase) window->erase = true;
-    return TRUE;
+    for (const DefaultRow& row : kDefaults)
+        if (window && row.message == message) return row.handle(*window, wparam);
+    return 0;
 }

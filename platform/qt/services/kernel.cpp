@@ -1,0 +1,256 @@
+// What a device's kernel gives: threads and events, blocks of memory, the time. A HANDLE is a
+// number that is never given out twice in a run; what it stands for lives on while a thread runs it
+// or waits for it.
+#include <pthread.h>
+#include <time.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <string>
+#include <thread>
+
+#include "platform/qt/services/services.h"
+#include "windows_ce.h"
+
+namespace {
+
+constexpr std::chrono::microseconds kMoment{50};
+
+struct Waitable {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool is_event = false;
+    bool manual_reset = true;  // a thread that has ended stays signalled
+    bool signalled = false;
+    std::u16string name;
+};
+using WaitablePointer = std::shared_ptr<Waitable>;
+
+struct ThreadStart {
+    LPTHREAD_START_ROUTINE procedure;
+    LPVOID argument;
+    WaitablePointer self;
+};
+
+struct HandleTable {
+    std::mutex mutex;
+    std::map<HANDLE, WaitablePointer> open;
+    UINT_PTR last = 0;
+};
+
+// Never destroyed: a detached thread may still close its handles while the program ends.
+HandleTable& Table() {
+    static HandleTable* table = new HandleTable;
+    return *table;
+}
+
+HANDLE AddHandle(const WaitablePointer& waitable) {
+    HandleTable& table = Table();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    const HANDLE handle = reinterpret_cast<HANDLE>(table.last += 4);
+    table.open[handle] = waitable;
+    return handle;
+}
+
+WaitablePointer FindHandle(HANDLE handle) {
+    HandleTable& table = Table();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    const auto found = table.open.find(handle);
+    return found == table.open.end() ? nullptr : found->second;
+}
+
+WaitablePointer FindNamed(const std::u16string& name) {
+    HandleTable& table = Table();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    for (const auto& [handle, waitable] : table.open)
+        if (waitable->name == name) return waitable;
+    return nullptr;
+}
+
+void Signal(Waitable& waitable, bool signalled) {
+    const std::lock_guard<std::mutex> lock(waitable.mutex);
+    waitable.signalled = signalled;
+    if (!signalled) return;
+    if (waitable.manual_reset)
+        waitable.changed.notify_all();
+    else
+        waitable.changed.notify_one();
+}
+
+void* RunThread(void* start) {
+    const std::unique_ptr<ThreadStart> own(static_cast<ThreadStart*>(start));
+    own->procedure(own->argument);
+    Signal(*own->self, true);
+    return nullptr;
+}
+
+bool StartThread(ThreadStart* start, DWORD stack) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+    if (stack > 0x10000) pthread_attr_setstacksize(&attributes, stack);
+    pthread_t thread;
+    const int error = pthread_create(&thread, &attributes, RunThread, start);
+    pthread_attr_destroy(&attributes);
+    return error == 0;
+}
+
+bool IsSignalled(Waitable& waitable) {
+    const std::lock_guard<std::mutex> lock(waitable.mutex);
+    return waitable.signalled;
+}
+
+// What is signalled within microseconds, as between the two threads of a session whose host
+// streams, costs less to look for than to be woken up by.
+void WatchForAMoment(Waitable& waitable) {
+    const auto end = std::chrono::steady_clock::now() + kMoment;
+    while (!IsSignalled(waitable) && std::chrono::steady_clock::now() < end)
+        std::this_thread::yield();
+}
+
+bool SetEventState(HANDLE event, bool signalled) {
+    const WaitablePointer waitable = FindHandle(event);
+    if (!waitable || !waitable->is_event) return false;
+    Signal(*waitable, signalled);
+    return true;
+}
+
+}  // namespace
+
+HANDLE CreateThread(LPVOID, DWORD stack, LPTHREAD_START_ROUTINE procedure, LPVOID argument,
+                    DWORD flags, DWORD* id) {
+    if (!procedure || flags != 0) return nullptr;
+    const auto waitable = std::make_shared<Waitable>();
+    const HANDLE handle = AddHandle(waitable);
+    if (id) *id = static_cast<DWORD>(reinterpret_cast<UINT_PTR>(handle));
+    auto start = std::make_unique<ThreadStart>(ThreadStart{procedure, argument, waitable});
+    if (!StartThread(start.get(), stack)) {
+        CloseHandle(handle);
+        return nullptr;
+    }
+    start.release();  // RunThread's now
+    return handle;
+}
+
+// A name joins an event of this program that has it.
+HANDLE CreateEventW(LPVOID, BOOL manual_reset, BOOL signalled, LPCWSTR name) {
+    const std::u16string wanted = name ? name : u"";
+    WaitablePointer waitable = wanted.empty() ? nullptr : FindNamed(wanted);
+    if (!waitable) {
+        waitable = std::make_shared<Waitable>();
+        waitable->is_event = true;
+        waitable->manual_reset = manual_reset != FALSE;
+        waitable->signalled = signalled != FALSE;
+        waitable->name = wanted;
+    }
+    return AddHandle(waitable);
+}
+
+BOOL SetEvent(HANDLE event) { return SetEventState(event, true); }
+
+BOOL ResetEvent(HANDLE event) { return SetEventState(event, false); }
+
+DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+    const WaitablePointer waitable = FindHandle(handle);
+    if (!waitable) return WAIT_FAILED;
+    if (milliseconds > 0) WatchForAMoment(*waitable);
+    std::unique_lock<std::mutex> lock(waitable->mutex);
+    const auto ready = [&] { return waitable->signalled; };
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    if (milliseconds == INFINITE)
+        waitable->changed.wait(lock, ready);
+    else if (!waitable->changed.wait_until(lock, end, ready))
+        return WAIT_TIMEOUT;
+    if (!waitable->manual_reset) waitable->signalled = false;
+    return WAIT_OBJECT_0;
+}
+
+BOOL CloseHandle(HANDLE handle) {
+    HandleTable& table = Table();
+    WaitablePointer last_use;  // let go of after the lock
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    const auto found = table.open.find(handle);
+    if (found == table.open.end()) return FALSE;
+    last_use = std::move(found->second);
+    table.open.erase(found);
+    return TRUE;
+}
+
+namespace {
+
+struct Block {
+    std::unique_ptr<BYTE[]> bytes;
+    size_t size;
+};
+
+std::map<HLOCAL, Block> g_blocks;
+UINT_PTR g_next_block = 0x10;
+
+Block* FindBlock(HLOCAL handle) {
+    const auto found = g_blocks.find(handle);
+    return found == g_blocks.end() ? nullptr : &found->second;
+}
+
+}  // namespace
+
+HLOCAL LocalAlloc(UINT, size_t bytes) {
+    Block block = {std::unique_ptr<BYTE[]>(new (std::nothrow) BYTE[bytes]), bytes};
+    if (!block.bytes) return nullptr;
+    g_next_block += 4;
+    const auto handle = reinterpret_cast<HLOCAL>(g_next_block);
+    g_blocks.emplace(handle, std::move(block));
+    return handle;
+}
+
+LPVOID LocalLock(HLOCAL handle) {
+    const Block* block = FindBlock(handle);
+    return block ? block->bytes.get() : nullptr;
+}
+
+BOOL LocalUnlock(HLOCAL) { return FALSE; }  // locked by no one any more
+
+size_t LocalSize(HLOCAL handle) {
+    const Block* block = FindBlock(handle);
+    return block ? block->size : 0;
+}
+
+HLOCAL LocalFree(HLOCAL handle) { return g_blocks.erase(handle) ? nullptr : handle; }
+
+namespace {
+
+int64_t MillisecondsOf(clockid_t clock) {
+    timespec now = {};
+    clock_gettime(clock, &now);
+    return static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+}
+
+}  // namespace
+
+DWORD GetTickCount() { return static_cast<DWORD>(MillisecondsOf(CLOCK_MONOTONIC)); }
+
+void Sleep(DWORD milliseconds) {
+    if (milliseconds == 0) return std::this_thread::yield();
+    do std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    while (milliseconds == INFINITE);
+}
+
+void GetSystemTime(SYSTEMTIME* time) {
+    if (!time) return;
+    const int64_t set = services_observer.system_time ? services_observer.system_time() : -1;
+    const int64_t now = set >= 0 ? set : MillisecondsOf(CLOCK_REALTIME);
+    const time_t seconds = static_cast<time_t>(now / 1000);
+    tm utc = {};
+    gmtime_r(&seconds, &utc);
+    time->wYear = static_cast<WORD>(utc.tm_year + 1900);
+    time->wMonth = static_cast<WORD>(utc.tm_mon + 1);
+    time->wDayOfWeek = static_cast<WORD>(utc.tm_wday);
+    time->wDay = static_cast<WORD>(utc.tm_mday);
+    time->wHour = static_cast<WORD>(utc.tm_hour);
+    time->wMinute = static_cast<WORD>(utc.tm_min);
+    time->wSecond = static_cast<WORD>(utc.tm_sec);
+    time->wMilliseconds = static_cast<WORD>(now % 1000);
+}

@@ -1,0 +1,42 @@
+#!/usr/bin/env python3
+"""Holds the program against the libraries of the tests: it has nothing of theirs.
+
+Usage: test_code.py BUILD-FOLDER [NM]
+No name that a library of the tests defines is defined or used by a library of the program, or is in
+the program itself. Prints those that are, and ends with 1.
+"""
+import pathlib
+import subprocess
+import sys
+
+from layer_table import layers, rooms
+
+TESTS = ["tests/qt_driver/libqt_driver.a", "tests/qt_driver/libservice_hooks.a",
+         "tests/support/libtest_support.a"]
+PROGRAM = "platform/qt/quill"
+
+
+def names(nm, path, kinds):
+    listing = subprocess.run([nm, path], capture_output=True, text=True, check=True).stdout
+    rows = [line.split() for line in listing.splitlines()]
+    return {row[-1] for row in rows if len(row) > 1 and row[-2] in kinds}
+
+
+def plain(name):
+    return subprocess.run(["c++filt", name], capture_output=True, text=True).stdout.strip()
+
+
+def main():
+    build, nm = pathlib.Path(sys.argv[1]), (sys.argv[2:] or ["nm"])[0]
+    tests = set().union(*(names(nm, build / path, "TDBR") for path in TESTS))
+    shipped = {build / ("platform/qt" if layer.is_room else layer.folder) / f"lib{name}.a"
+               for name, layer in {**layers(), **rooms()}.items()} | {build / PROGRAM}
+    complaints = [f"{path.name} has {plain(name)}" for path in sorted(shipped)
+                  for name in sorted(tests & names(nm, path, "TtDdBbRrU"))]
+    if not tests or complaints:
+        print("\n".join(complaints) or "no name of the tests was found")
+        sys.exit(1)
+    print(f"{len(tests)} names of the tests, none in {len(shipped)} shipped files")
+
+
+main()
