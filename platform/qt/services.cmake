@@ -8,5 +8,7 @@ quill_library(platform_services
     accelerators.cpp address_lookup.cpp bitmaps.cpp clock.cpp device_root.cpp dial_log.cpp dialog_template.cpp files.cpp
     formatted_text.cpp handles.cpp host_names.cpp local_memory.cpp local_socket.cpp posix_sockets.cpp ras.cpp registry.cpp
     registry_store.cpp resources.cpp strings.cpp testing_services.cpp wide_text.cpp winsock.cpp
-    winsock_errors.cpp)
+    winsock_errors.cpp
+    services/export_settings.cpp services/run_values.cpp)
+target_include_directories(platform_services PRIVATE ${CMAKE_CURRENT_LIST_DIR})
 target_link_libraries(platform_services PUBLIC Qt6::Core PRIVATE SQLite::SQLite3 Threads::Threads)
