@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <random>
 
-#include "platform/qt/device_root.h"
+#include "platform/qt/services/device_root.h"
 #include "session/session_state.h"
 #include "settings/config_file.h"
 #include "settings/settings.h"

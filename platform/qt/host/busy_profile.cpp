@@ -1,11 +1,11 @@
 // One window a profile.
-#include "busy_profile.h"
+#include "platform/qt/host/busy_profile.h"
 
 #include <unistd.h>
 
 #include <QMessageBox>
 
-#include "slice.h"
+#include "platform/qt/window/slice.h"
 
 bool IsProfileBusy(const CommandLine& line) {
     if (!FindOtherInstance()) return false;

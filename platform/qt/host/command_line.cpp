@@ -1,9 +1,9 @@
 // Options and operands, each by a row of a table.
-#include "command_line.h"
+#include "platform/qt/host/command_line.h"
 
 #include <cstring>
 
-#include "profiles.h"
+#include "platform/qt/host/profiles.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <string>
 
-#include "host.h"
-#include "services/run_values.h"
+#include "platform/qt/host/host.h"
+#include "platform/qt/services/run_values.h"
 
 enum class Task { kRun, kHelp, kVersion, kProfiles, kExport };
 

@@ -1,5 +1,5 @@
 // Profiles and the marks of their windows.
-#include "profiles.h"
+#include "platform/qt/host/profiles.h"
 
 #include <dirent.h>
 
@@ -7,8 +7,8 @@
 #include <QIcon>
 #include <QPainter>
 
-#include "device_root.h"
-#include "slice.h"
+#include "platform/qt/services/device_root.h"
+#include "platform/qt/window/slice.h"
 
 namespace {
 

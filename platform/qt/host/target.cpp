@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "command_line.h"
+#include "platform/qt/host/command_line.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 // The tasks, each a row.
-#include "tasks.h"
+#include "platform/qt/host/tasks.h"
 
 #include <unistd.h>
 
-#include "device_root.h"
-#include "profiles.h"
-#include "services/export_settings.h"
+#include "platform/qt/host/profiles.h"
+#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/export_settings.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #ifndef QUILL_PLATFORM_QT_TASKS_H
 #define QUILL_PLATFORM_QT_TASKS_H
 
-#include "command_line.h"
+#include "platform/qt/host/command_line.h"
 
 // Needs no display, and writes nothing but to stdout and stderr. The result is the exit code: 0, or
 // 1 where something was left out that --with-passwords does not bring, or could not be read or

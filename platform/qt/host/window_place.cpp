@@ -1,5 +1,5 @@
 // The window's place: the file, and what of it is right on the screens of today.
-#include "window_place.h"
+#include "platform/qt/host/window_place.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,8 +9,8 @@
 #include <optional>
 #include <QScreen>
 
-#include "device_root.h"
-#include "slice.h"
+#include "platform/qt/services/device_root.h"
+#include "platform/qt/window/slice.h"
 
 namespace {
 

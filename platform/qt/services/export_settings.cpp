@@ -1,13 +1,13 @@
 // The configuration file out of the registry's file.
-#include "export_settings.h"
+#include "platform/qt/services/export_settings.h"
 
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <cstring>
 
-#include "settings_key.h"
-#include "wide_text.h"
+#include "platform/qt/services/settings_key.h"
+#include "platform/qt/services/wide_text.h"
 #include "windows_ce.h"
 
 namespace {

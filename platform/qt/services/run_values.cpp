@@ -1,14 +1,14 @@
 // The values of one run, over those of the store.
-#include "run_values.h"
+#include "platform/qt/services/run_values.h"
 
 #include <strings.h>
 
 #include <cstring>
 #include <map>
 
-#include "registry_store.h"
-#include "settings_key.h"
-#include "wide_text.h"
+#include "platform/qt/services/registry_store.h"
+#include "platform/qt/services/settings_key.h"
+#include "platform/qt/services/wide_text.h"
 #include "windows_ce.h"
 
 namespace {
