@@ -1,13 +1,15 @@
 #!/bin/sh
 # Takes the pictures of this folder from the running program, on an X server of its own, in sessions
 # with the demo host.
-# Usage: docs/pictures.sh [NAME...]      (after a build of the preset release)
+# Usage: docs/pictures.sh [NAME...]      (after a build of the demo host by the preset release)
 set -eu
 cd "$(dirname "$0")/.."
-program=build/release/platform/qt/quill
+# The program is that of the package, unpacked, started as an installed one is.
 demo=build/release/demo/quill_demo_host
 . tests/support/outside.sh
 open_screen 1400x1000
+dpkg-deb -x "$(packaging/deb.sh)" "$work/installed"
+program=$work/installed/usr/bin/quill
 
 # picture NAME SCREEN SCALE ACTIONS: a session, logged in, then the actions, then the picture. An
 # empty SCREEN is the size that the program chooses.

@@ -4,7 +4,7 @@ find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
 find_package(SQLite3 REQUIRED)
 find_package(Threads REQUIRED)
 
-set(SERVICES files kernel posix_sockets registry remote_access resources text winsock)
+set(SERVICES export_settings files kernel posix_sockets registry remote_access resources run_values text winsock)
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)
 quill_library(platform_services ${SERVICES})

@@ -34,8 +34,7 @@ ends_with 2 '--screen wants a size from 100x80 to 4000x4000' --screen 99x80
 for scale in 0 0.5 0.75 0.9 0.999 -1 8.1 nan inf 1x ''; do
     ends_with 2 '--scale wants a number from 1 to 8' --root "$work/none" --scale "$scale"
 done
-ends_with 2 '--bogus is no option' --root "$work/none" --bogus
-ends_with 2 'stores.example is no option' --root "$work/none" stores.example 23
+ends_with 2 "'--bogus' is no option" --root "$work/none" --bogus stores.example 23
 
 for scale in 1 1.25 8; do
     ends_with 1 "cannot write $work/no/picture.png" --root "$work/none" --scale $scale \

@@ -18,7 +18,7 @@ started=
 clean_up() {
     for each in $started; do kill "$each" 2>/dev/null || :; done
     wait
-    rm -rf "$work"
+    rm -rf --one-file-system "$work"
 }
 trap clean_up EXIT
 

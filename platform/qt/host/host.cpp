@@ -90,76 +90,7 @@ void SetSystemFont() {
     QApplication::setFont(font);
 }
 
-bool TakeSize(const char* text, QSize* size) {
-    int width = 0, height = 0;
-    char end = 0;
-    if (std::sscanf(text, "%dx%d%c", &width, &height, &end) != 2) return false;
-    *size = QSize(width, height);
-    return width >= 100 && width <= 4000 && height >= 80 && height <= 4000;
-}
-
-// Below 1 there are fewer desktop pixels than the device's lines and letters need.
-bool TakeScale(const char* text, double* scale) {
-    char* end = nullptr;
-    *scale = std::strtod(text, &end);
-    return *text && !*end && *scale >= 1 && *scale <= 8;
-}
-
-struct OptionRow {
-    const char* name;
-    const char* wanted;
-    bool (*take)(const char* value, HostOptions* options);
-};
-
-const OptionRow kOptions[] = {
-    {"--root", "a folder", [](const char* v, HostOptions* o) { return o->root = v, *v != 0; }},
-    {"--screen", "a size from 100x80 to 4000x4000",
-     [](const char* v, HostOptions* o) { return TakeSize(v, &o->screen); }},
-    {"--scale", "a number from 1 to 8",
-     [](const char* v, HostOptions* o) { return TakeScale(v, &o->scale); }},
-    {"--snapshot", "a file",
-     [](const char* v, HostOptions* o) { return o->snapshot = v, *v != 0; }},
-    {"--text", "a file", [](const char* v, HostOptions* o) { return o->text = v, *v != 0; }},
-};
-
-const OptionRow* FindOption(const char* name) {
-    for (const OptionRow& row : kOptions)
-        if (std::strcmp(row.name, name) == 0) return &row;
-    return nullptr;
-}
-
 }  // namespace
-
-bool TakeHostOptions(int* argc, char** argv, HostOptions* options) {
-    int kept = 1;
-    for (int i = 1; i < *argc; i++) {
-        const OptionRow* row = FindOption(argv[i]);
-        if (std::strcmp(argv[i], "--help") == 0) {
-            options->help = true;
-            continue;
-        }
-        if (!row) {
-            argv[kept++] = argv[i];  // the toolkit's own, such as -platform
-            continue;
-        }
-        if (i + 1 == *argc || !row->take(argv[i + 1], options)) {
-            std::fprintf(stderr, "quill: %s wants %s\n", argv[i], row->wanted);
-            TellUsage(stderr);
-            return false;
-        }
-        i++;
-    }
-    *argc = kept;
-    argv[kept] = nullptr;
-    return true;
-}
-
-void TellUsage(std::FILE* stream) {
-    std::fputs(
-        "usage: quill [--root FOLDER] [--screen WIDTHxHEIGHT] [--scale FACTOR]\n"
-        "             [--snapshot FILE.png] [--text FILE.txt]\n",
-        stream);
-}
 
 bool MakeRoot(const std::string& folder) {
     if (folder.empty() || QDir().mkpath(QString::fromStdString(folder))) return true;

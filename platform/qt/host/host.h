@@ -13,17 +13,12 @@
 #include "windows_ce.h"
 
 struct HostOptions {
-    std::string root;   // the device's root folder; empty: below the user's data folder
-    QSize screen;       // pixels of the device; empty: 80x24 characters fit
-    double scale = 0;   // desktop pixels a device pixel; 0: readable on this desktop
-    QString snapshot;   // picture file: written when the session has come to rest
-    QString text;       // text file, likewise
-    bool help = false;  // what the options are is all that is wanted
+    std::string root;  // the device's root folder; empty: below the user's data folder
+    QSize screen;      // pixels of the device; empty: 80x24 characters fit
+    double scale = 0;  // desktop pixels a device pixel; 0: readable on this desktop
+    QString snapshot;  // picture file: written when the session has come to rest
+    QString text;      // text file, likewise
 };
-
-// The options that are the host's own are taken out of argv; false after a complaint.
-bool TakeHostOptions(int* argc, char** argv, HostOptions* options);
-void TellUsage(std::FILE* stream);
 
 // Makes the folder of --root if it is missing; false after a complaint.
 bool MakeRoot(const std::string& folder);

@@ -13,7 +13,13 @@
 #include <QTimer>
 
 #include "platform/qt/dialog/dialogs.h"
+#include "platform/qt/host/busy_profile.h"
+#include "platform/qt/host/command_line.h"
 #include "platform/qt/host/host.h"
+#include "platform/qt/host/profiles.h"
+#include "platform/qt/host/tasks.h"
+#include "platform/qt/host/window_place.h"
+#include "platform/qt/services/services.h"
 #include "platform/qt/window/device_screen.h"
 #include "windows_ce.h"
 
@@ -125,38 +131,65 @@ bool IsDisplayNamed(int argc, char** argv) {
 
 void SetScale(double scale) { qputenv("QT_SCALE_FACTOR", QByteArray::number(scale)); }
 
+bool MakeSettingsFolder(const CommandLine& line) {
+    if (!line.profile.empty()) MakeFolders(line.options.root);
+    return MakeRoot(line.options.root);
+}
+
+// On X servers the class of a window has the name of the program in it.
+void NameAfterProfile(char** argv, const std::string& profile) {
+    static std::string name;
+    name = "quill-" + profile;
+    if (!profile.empty()) argv[0] = name.data();
+}
+
+// A device of a size that was asked for, and one whose picture is wanted, is no window of the
+// user's.
+bool KeepsPlace(const HostOptions& options) {
+    return options.screen.isEmpty() && options.snapshot.isEmpty() && options.text.isEmpty();
+}
+
+int RunProgram(const CommandLine& line) {
+    const HostOptions& options = line.options;
+    if (!line.target.host.empty()) ConnectThisRun(line.target);
+    MarkWindow(line.profile);
+    if (KeepsPlace(options)) RestoreWindowPlace();
+    if (!options.snapshot.isEmpty() || !options.text.isEmpty()) WatchForRest(options);
+    EndBySignals();
+    const int result = WinMain(nullptr, nullptr, nullptr, SW_SHOW);
+    if (KeepsPlace(options)) SaveWindowPlace();
+    return result;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     std::vector<char*> given(argv, argv + argc + 1);
-    HostOptions options;
-    if (!TakeHostOptions(&argc, argv, &options)) return 2;
-    if (options.help) return TellUsage(stdout), 0;
-    if (!MakeRoot(options.root)) return 2;
+    CommandLine line;
+    if (!TakeCommandLine(&argc, argv, &line)) return 2;
+    if (line.task != Task::kRun) return DoTask(line);
+    const HostOptions& options = line.options;
+    if (!MakeSettingsFolder(line)) return 2;
     if (!IsDisplayNamed(argc, argv)) {
         std::fputs("quill: there is no display (DISPLAY and WAYLAND_DISPLAY are empty)\n", stderr);
         return 1;
     }
     const bool choose = options.scale == 0 && qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR");
     if (choose || options.scale > 0) SetScale(choose ? kUsualScale : options.scale);
+    NameAfterProfile(argv, line.profile);
     QApplication::setApplicationName("quill");
     QApplication::setApplicationDisplayName("");
+    QGuiApplication::setDesktopFileName("quill");
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 
     QApplication application(argc, argv);
-    if (argc > 1) {
-        std::fprintf(stderr, "quill: %s is no option\n", argv[1]);
-        TellUsage(stderr);
-        return 2;
-    }
     QApplication::setQuitOnLastWindowClosed(false);
     OpenDevice(options);
     const double scale = choose ? ScaleThatFits(DeviceScreen()->size()) : kUsualScale;
     if (scale != kUsualScale) StartAgain(given, scale);
-    if (!options.snapshot.isEmpty() || !options.text.isEmpty()) WatchForRest(options);
-    EndBySignals();
-    const int result = WinMain(nullptr, nullptr, nullptr, SW_SHOW);
+    const bool busy = !line.target.host.empty() && IsProfileBusy(line);
+    const int result = busy ? 1 : RunProgram(line);
     CloseDevice();
     return result;
 }

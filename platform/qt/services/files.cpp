@@ -25,19 +25,6 @@ std::string UserDataFolder() {
     return std::string(home) + "/.local/share";
 }
 
-void MakeFolders(const std::string& path) {
-    for (size_t slash = path.find('/', 1); slash != std::string::npos;
-         slash = path.find('/', slash + 1))
-        mkdir(path.substr(0, slash).c_str(), 0700);
-    mkdir(path.c_str(), 0700);
-}
-
-std::string UserRoot() {
-    const std::string folder = UserDataFolder() + "/quill";
-    MakeFolders(folder);
-    return folder;
-}
-
 std::string AbsolutePath(const std::string& path) {
     char resolved[PATH_MAX];
     if (realpath(path.c_str(), resolved)) return resolved;
@@ -48,7 +35,17 @@ bool IsSeparator(WCHAR unit) { return unit == u'\\' || unit == u'/'; }
 
 }  // namespace
 
+std::string UserRoot() { return UserDataFolder() + "/quill"; }
+
+void MakeFolders(const std::string& path) {
+    for (size_t slash = path.find('/', 1); slash != std::string::npos;
+         slash = path.find('/', slash + 1))
+        mkdir(path.substr(0, slash).c_str(), 0700);
+    mkdir(path.c_str(), 0700);
+}
+
 void SetDeviceRoot(const std::string& folder) {
+    if (folder.empty()) MakeFolders(UserRoot());
     g_root = AbsolutePath(folder.empty() ? UserRoot() : folder);
 }
 

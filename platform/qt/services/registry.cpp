@@ -12,6 +12,7 @@
 #include <map>
 #include <mutex>
 
+#include "platform/qt/services/run_values.h"
 #include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
@@ -451,7 +452,8 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE
     LONG error = FindPlace(registry, key, KEY_QUERY_VALUE, name, &path, &value_name);
     if (error != ERROR_SUCCESS) return error;
     StoredValue value;
-    error = ErrorOf(registry.store.Read(path, value_name, &value));
+    if (!ReadRunValue(registry.store, path, value_name, &value))
+        error = ErrorOf(registry.store.Read(path, value_name, &value));
     return error == ERROR_SUCCESS ? HandOut(value, type, data, size) : error;
 }
 
@@ -464,6 +466,7 @@ LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD, DWORD type, const BYTE* data,
     if (error != ERROR_SUCCESS) return error;
     StoredValue value{type, {}};
     if (size > 0) value.data.assign(reinterpret_cast<const char*>(data), size);
+    if (KeepRunValue(path, value_name, value)) return ERROR_SUCCESS;
     return ErrorOf(registry.store.Write(path, value_name, value));
 }
 

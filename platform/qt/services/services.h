@@ -23,8 +23,13 @@ char16_t LowerUnit(char16_t unit);
 // Order of two texts by their units, case set aside: below 0, 0 or above 0.
 int CompareWithoutCase(const char16_t* a, const char16_t* b);
 
-// Takes an existing folder; nothing is created in its place. "" stands for the user's own:
-// $XDG_DATA_HOME/quill, or ~/.local/share/quill, made with mode 0700 where it is missing.
+// $XDG_DATA_HOME/quill, or ~/.local/share/quill, whether it is there or not.
+std::string UserRoot();
+// The folder and what is missing of the way to it, each with mode 0700.
+void MakeFolders(const std::string& path);
+
+// Takes an existing folder; nothing is created in its place. "" stands for the user's own,
+// made with mode 0700 where it is missing.
 void SetDeviceRoot(const std::string& folder);
 // Absolute, without a slash at the end; the user's own while none was set.
 const std::string& DeviceRoot();

@@ -1,0 +1,211 @@
+// Options and operands, each by a row of a table.
+#include "platform/qt/host/command_line.h"
+
+#include <cstring>
+
+#include "platform/qt/host/profiles.h"
+
+namespace {
+
+constexpr size_t kShownOfAnArgument = 60;
+
+bool TakeSize(const char* text, QSize* size) {
+    int width = 0, height = 0;
+    char end = 0;
+    if (std::sscanf(text, "%dx%d%c", &width, &height, &end) != 2) return false;
+    *size = QSize(width, height);
+    return width >= 100 && width <= 4000 && height >= 80 && height <= 4000;
+}
+
+// Below 1 there are fewer desktop pixels than the device's lines and letters need.
+bool TakeScale(const char* text, double* scale) {
+    char* end = nullptr;
+    *scale = std::strtod(text, &end);
+    return *text && !*end && *scale >= 1 && *scale <= 8;
+}
+
+struct ValueRow {
+    const char* name;
+    const char* wanted;
+    bool (*take)(const char* value, CommandLine* line);
+};
+
+const ValueRow kValues[] = {
+    {"--profile", "a name of at most 40 letters, digits, '.', '-' and '_'",
+     [](const char* v, CommandLine* l) { return l->profile = v, IsProfileName(v); }},
+    {"--root", "a folder",
+     [](const char* v, CommandLine* l) { return l->options.root = v, *v != 0; }},
+    {"--screen", "a size from 100x80 to 4000x4000",
+     [](const char* v, CommandLine* l) { return TakeSize(v, &l->options.screen); }},
+    {"--scale", "a number from 1 to 8",
+     [](const char* v, CommandLine* l) { return TakeScale(v, &l->options.scale); }},
+    {"--snapshot", "a file",
+     [](const char* v, CommandLine* l) { return l->options.snapshot = v, *v != 0; }},
+    {"--text", "a file",
+     [](const char* v, CommandLine* l) { return l->options.text = v, *v != 0; }},
+};
+
+struct FlagRow {
+    const char* name;
+    void (*take)(CommandLine* line);
+};
+
+const FlagRow kFlags[] = {
+    {"--help", [](CommandLine* l) { l->task = Task::kHelp; }},
+    {"--version", [](CommandLine* l) { l->task = Task::kVersion; }},
+    {"--profiles", [](CommandLine* l) { l->task = Task::kProfiles; }},
+    {"--export", [](CommandLine* l) { l->task = Task::kExport; }},
+    {"--with-passwords", [](CommandLine* l) { l->with_passwords = true; }},
+};
+
+// The toolkit's own options, with one dash or two; those of the first list have a value behind
+// them.
+const char* const kToolkitValues[] = {
+    "display", "fontengine",      "geometry",           "icon",
+    "name",    "platform",        "platformpluginpath", "platformtheme",
+    "plugin",  "qwindowgeometry", "qwindowicon",        "qwindowtitle",
+    "session", "style",           "stylesheet",         "title",
+    "visual",
+};
+const char* const kToolkitFlags[] = {"dograb", "nograb", "reverse", "sync", "widgetcount"};
+
+template <typename Row, size_t count>
+const Row* FindRow(const Row (&rows)[count], const char* name) {
+    for (const Row& row : rows)
+        if (std::strcmp(row.name, name) == 0) return &row;
+    return nullptr;
+}
+
+template <size_t count>
+bool IsToolkit(const char* const (&names)[count], const char* option) {
+    const char* name = option + (option[1] == '-' ? 2 : 1);
+    for (const char* each : names)
+        if (std::strcmp(each, name) == 0) return true;
+    return false;
+}
+
+// An option's value may stand behind an equals sign, as in -style=fusion.
+bool HasToolkitValue(const std::string& option) {
+    const size_t equals = option.find('=');
+    return equals != option.npos && IsToolkit(kToolkitValues, option.substr(0, equals).c_str());
+}
+
+// What complaints repeat goes into the logs of a desktop: without control characters, and without
+// the password of an address.
+std::string Shown(std::string argument) {
+    const size_t at = argument.rfind('@'), colon = argument.find(':', argument.find("://") + 1);
+    if (at != argument.npos && colon < at) argument.replace(colon, at - colon, ":...");
+    std::string shown = argument.substr(0, kShownOfAnArgument);
+    for (char& c : shown)
+        if (static_cast<unsigned char>(c) < ' ' || c == 0x7F) c = '?';
+    return shown.size() < argument.size() ? shown + "..." : shown;
+}
+
+bool Complain(const std::string& argument, const std::string& trouble) {
+    std::fprintf(stderr, "quill: '%s' %s (quill --help tells more)\n", Shown(argument).c_str(),
+                 trouble.c_str());
+    return false;
+}
+
+// What is read from the left: an option and its value are taken together.
+struct Reader {
+    int argc;
+    char** argv;
+    int next = 1;
+    int kept = 1;
+    std::vector<std::string> operands;
+};
+
+bool TakeValue(Reader* reader, const ValueRow& row, CommandLine* line) {
+    if (reader->next < reader->argc && row.take(reader->argv[reader->next], line))
+        return reader->next++, true;
+    std::fprintf(stderr, "quill: %s wants %s (quill --help tells more)\n", row.name, row.wanted);
+    return false;
+}
+
+bool TakeToolkitOption(Reader* reader, char* option) {
+    const bool value = IsToolkit(kToolkitValues, option);
+    if (!value && !IsToolkit(kToolkitFlags, option) && !HasToolkitValue(option))
+        return Complain(option, "is no option");
+    reader->argv[reader->kept++] = option;
+    if (value && reader->next < reader->argc)
+        reader->argv[reader->kept++] = reader->argv[reader->next++];
+    return true;
+}
+
+bool TakeArgument(Reader* reader, CommandLine* line) {
+    char* argument = reader->argv[reader->next++];
+    if (std::strcmp(argument, "--") == 0) {
+        while (reader->next < reader->argc)
+            reader->operands.push_back(reader->argv[reader->next++]);
+        return true;
+    }
+    if (const ValueRow* row = FindRow(kValues, argument)) return TakeValue(reader, *row, line);
+    if (const FlagRow* row = FindRow(kFlags, argument)) return row->take(line), true;
+    if (argument[0] == '-' && argument[1]) return TakeToolkitOption(reader, argument);
+    return reader->operands.push_back(argument), true;
+}
+
+bool TakeOperands(const std::vector<std::string>& operands, CommandLine* line) {
+    RunTarget& target = line->target;
+    if (operands.size() > 2) return Complain(operands[2], "is one word too many");
+    if (operands.empty()) return true;
+    if (const char* trouble = TakeTarget(operands[0], &target))
+        return Complain(operands[0], trouble);
+    if (operands.size() == 1) return true;
+    if (target.protocol != RunProtocol::kOfTheStore)
+        return Complain(operands[1], "follows an address, which has its port behind a colon");
+    if (const char* trouble = TakePort(operands[1], &target.port))
+        return Complain(operands[1], trouble);
+    return true;
+}
+
+bool GoTogether(const CommandLine& line) {
+    if (!line.profile.empty() && !line.options.root.empty())
+        return Complain("--profile", "and --root both name the settings");
+    if (line.with_passwords && line.task != Task::kExport)
+        return Complain("--with-passwords", "goes with --export alone");
+    if (line.task == Task::kExport && !line.target.host.empty())
+        return Complain(line.target.host, "is one word too many: --export takes no host");
+    return true;
+}
+
+}  // namespace
+
+bool TakeCommandLine(int* argc, char** argv, CommandLine* line) {
+    Reader reader{*argc, argv, 1, 1, {}};
+    while (reader.next < reader.argc)
+        if (!TakeArgument(&reader, line)) return false;
+    *argc = reader.kept;
+    argv[reader.kept] = nullptr;
+    if (!TakeOperands(reader.operands, line) || !GoTogether(*line)) return false;
+    if (!line->profile.empty()) line->options.root = ProfileFolder(line->profile);
+    return true;
+}
+
+void TellHelp(std::FILE* stream) {
+    std::fputs(
+        "usage: quill [OPTIONS] [HOST [PORT]]\n"
+        "       quill [OPTIONS] telnet://HOST[:PORT]\n"
+        "       quill [OPTIONS] ssh://[USER@]HOST[:PORT]\n"
+        "\n"
+        "Opens a window; with a host or an address, connects at once. Host, port, protocol\n"
+        "and what belongs to that login are then of this run alone: the stored host stays\n"
+        "as it is, and its passwords are not sent to another one. HOST goes by the stored\n"
+        "protocol (Telnet at first); the port is 23, or 22 with SSH, unless it is told.\n"
+        "\n"
+        "  --profile NAME     settings and a window of that name; made if it is missing\n"
+        "  --profiles         list the profiles\n"
+        "  --export           print the settings as an mconfig.cfg, without passwords\n"
+        "  --with-passwords   with --export: the passwords, too\n"
+        "  --help, --version\n"
+        "\n"
+        "  --root FOLDER      settings in another folder\n"
+        "  --screen WxH       size of the device's screen, as 240x320\n"
+        "  --scale FACTOR     desktop pixels for one of the device, 1 to 8\n"
+        "  --snapshot FILE    save a picture of a session that has come to rest, and end\n"
+        "  --text FILE        the same with its text\n"
+        "\n"
+        "Options of the Qt toolkit, such as -platform, work too.\n",
+        stream);
+}

@@ -1,0 +1,79 @@
+// Profiles and the marks of their windows.
+#include "platform/qt/host/profiles.h"
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <QIcon>
+#include <QPainter>
+
+#include "platform/qt/services/services.h"
+#include "platform/qt/window/window.h"
+
+namespace {
+
+constexpr size_t kLongestName = 40;
+
+bool IsPlain(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+std::string ProfilesFolder() { return UserRoot() + "/profiles"; }
+
+// The letter in white on a dark disc, in the lower right quarter and a little more.
+void DrawLetter(QPixmap* picture, QChar letter) {
+    const int side = picture->width() * 5 / 8;
+    const QRect place(picture->width() - side, picture->height() - side, side, side);
+    QPainter painter(picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(QColor(0x60, 0x00, 0x20));
+    painter.setPen(Qt::NoPen);
+    painter.drawEllipse(place);
+    QFont font = painter.font();
+    font.setPixelSize(std::max(side * 3 / 4, 6));
+    font.setBold(true);
+    painter.setFont(font);
+    painter.setPen(Qt::white);
+    painter.drawText(place, Qt::AlignCenter, letter.toUpper());
+}
+
+}  // namespace
+
+bool IsProfileName(const std::string& name) {
+    if (name.empty() || name.size() > kLongestName || !IsPlain(name[0])) return false;
+    return std::all_of(name.begin(), name.end(),
+                       [](char c) { return IsPlain(c) || c == '.' || c == '-' || c == '_'; });
+}
+
+std::string ProfileFolder(const std::string& name) { return ProfilesFolder() + "/" + name; }
+
+std::vector<std::string> ProfileNames() {
+    std::vector<std::string> names;
+    DIR* folder = opendir(ProfilesFolder().c_str());
+    if (!folder) return names;
+    while (const dirent* entry = readdir(folder)) {
+        if (!IsProfileName(entry->d_name)) continue;
+        if (DIR* profile = opendir(ProfileFolder(entry->d_name).c_str())) {
+            closedir(profile);
+            names.push_back(entry->d_name);
+        }
+    }
+    closedir(folder);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+void MarkWindow(const std::string& profile) {
+    if (profile.empty()) return;
+    const QString name = QString::fromStdString(profile);
+    const QIcon plain = DeviceScreen()->windowIcon();
+    QIcon marked;
+    for (const QSize& size : plain.availableSizes()) {
+        QPixmap picture = plain.pixmap(size, 1.0);
+        DrawLetter(&picture, name[0]);
+        marked.addPixmap(picture);
+    }
+    DeviceScreen()->setWindowIcon(marked);
+    DeviceScreen()->winId();  // makes the window, which takes the text
+    DeviceScreen()->setWindowIconText(name + " - Quill");
+}

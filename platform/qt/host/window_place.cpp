@@ -1,0 +1,134 @@
+// The window's place: the file, and what of it is right on the screens of today.
+#include "platform/qt/host/window_place.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <optional>
+#include <QScreen>
+
+#include "platform/qt/services/services.h"
+#include "platform/qt/window/window.h"
+
+namespace {
+
+constexpr int kLongestSide = 4000;
+constexpr int kSmallestSide = 80;
+constexpr int kTitleHeight = 20;     // desktop pixels that a title bar has at least
+constexpr int kBorder = 8;           // of a frame on both sides together
+constexpr int kTitleReachable = 60;  // as many of its width must be on a screen
+
+struct WindowPlace {
+    QSize size;
+    std::optional<QPoint> place;
+    QSize desktop;  // of all screens together, when the place was kept
+    bool maximized = false;
+};
+
+// Where the window was put at the start. The desktop counts in its own pixels, of which a device
+// pixel has several: a window that nobody has moved must not wander from run to run.
+std::optional<QPoint> g_restored;
+constexpr int kRounding = 2;
+
+std::string PlaceFile() { return DeviceRoot() + "/window.cfg"; }
+
+void TakeLine(const char* line, WindowPlace* place) {
+    int a = 0, b = 0;
+    if (std::sscanf(line, "size %6d %6d", &a, &b) == 2) place->size = QSize(a, b);
+    if (std::sscanf(line, "place %6d %6d", &a, &b) == 2) place->place = QPoint(a, b);
+    if (std::sscanf(line, "desktop %6d %6d", &a, &b) == 2) place->desktop = QSize(a, b);
+    if (std::sscanf(line, "maximized %6d", &a) == 1) place->maximized = a == 1;
+}
+
+// Opened so that no pipe that bears the name holds the start up.
+bool ReadPlace(WindowPlace* place) {
+    const int file = open(PlaceFile().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0) return false;
+    char text[512];
+    const ssize_t count = read(file, text, sizeof text - 1);
+    close(file);
+    text[std::max<ssize_t>(count, 0)] = 0;
+    for (const QByteArray& line : QByteArray(text).split('\n')) TakeLine(line.constData(), place);
+    return place->size.width() >= kSmallestSide && place->size.height() >= kSmallestSide &&
+           place->size.width() <= kLongestSide && place->size.height() <= kLongestSide;
+}
+
+const QScreen* ScreenOf(const WindowPlace& place) {
+    if (!place.place) return nullptr;
+    const QRect title(*place.place, QSize(place.size.width(), kTitleHeight));
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect seen = screen->availableGeometry() & title;
+        const int wanted = std::min(kTitleReachable, title.width());
+        if (seen.width() >= wanted && seen.height() * 2 > kTitleHeight) return screen;
+    }
+    return nullptr;
+}
+
+QSize DesktopSize() { return QGuiApplication::primaryScreen()->virtualGeometry().size(); }
+
+// A window that hangs over an edge does so by its user's hand, as long as the desktop is the same.
+void FitInto(const QRect& screen, WindowPlace* place) {
+    const QRect room = screen.adjusted(0, 0, -kBorder, -kBorder);
+    const QSize wanted = place->size;
+    place->size = wanted.boundedTo(room.size() - QSize(0, kTitleHeight));
+    if (!place->place || (place->size == wanted && place->desktop == DesktopSize())) return;
+    const QPoint farthest(room.right() + 1 - place->size.width(),
+                          room.bottom() + 1 - place->size.height() - kTitleHeight);
+    place->place = QPoint(std::max(std::min(place->place->x(), farthest.x()), room.left()),
+                          std::max(std::min(place->place->y(), farthest.y()), room.top()));
+}
+
+bool TellsPlaces() { return !QGuiApplication::platformName().startsWith("wayland"); }
+
+WindowPlace PlaceOf(const QWidget& window) {
+    WindowPlace place;
+    place.maximized = window.isMaximized();
+    const QRect normal = place.maximized ? window.normalGeometry() : window.geometry();
+    place.size = normal.size();
+    const QPoint frame = window.geometry().topLeft() - window.frameGeometry().topLeft();
+    if (!TellsPlaces()) return place;
+    place.place = normal.topLeft() - frame;
+    if (g_restored && (*place.place - *g_restored).manhattanLength() <= kRounding)
+        place.place = g_restored;
+    return place;
+}
+
+std::string LineOf(const char* name, int a, int b) {
+    return std::string(name) + ' ' + std::to_string(a) + ' ' + std::to_string(b) + '\n';
+}
+
+std::string TextOf(const WindowPlace& place) {
+    std::string text = LineOf("size", place.size.width(), place.size.height());
+    if (place.place) text += LineOf("place", place.place->x(), place.place->y());
+    text += LineOf("desktop", DesktopSize().width(), DesktopSize().height());
+    return text + (place.maximized ? "maximized 1\n" : "maximized 0\n");
+}
+
+}  // namespace
+
+void RestoreWindowPlace() {
+    WindowPlace place;
+    if (!ReadPlace(&place)) return;
+    const QScreen* screen = ScreenOf(place);
+    if (!screen) place.place.reset(), screen = QGuiApplication::primaryScreen();
+    FitInto(screen->availableGeometry(), &place);
+    QWidget* window = DeviceScreen();
+    window->resize(place.size);
+    if (TellsPlaces()) g_restored = place.place;
+    if (g_restored) window->move(*g_restored);
+    if (place.maximized) window->setWindowState(Qt::WindowMaximized);
+}
+
+// The old file stays until the new one is whole.
+void SaveWindowPlace() {
+    const QWidget* window = DeviceScreen();
+    if (!window || !window->isVisible()) return;
+    const std::string text = TextOf(PlaceOf(*window)), fresh = PlaceFile() + ".new";
+    const int file = open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (file < 0) return;
+    const bool whole = write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    if (close(file) == 0 && whole && rename(fresh.c_str(), PlaceFile().c_str()) == 0) return;
+    unlink(fresh.c_str());
+}

@@ -1,0 +1,184 @@
+// The configuration file out of the registry's file.
+#include "platform/qt/services/export_settings.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/qt/services/services.h"
+#include "platform/qt/services/settings_key.h"
+#include "windows_ce.h"
+
+namespace {
+
+constexpr size_t kLongestLine = 78;   // the program takes 79 with the line's end
+constexpr size_t kLongestValue = 80;  // bytes that the program reads
+constexpr int kBusyMilliseconds = 3000;
+
+const char kHeading[] =
+    "# The settings of one device. As mconfig.cfg in the settings folder of\n"
+    "# another one it is read at the next start, and then deleted.\n";
+
+const char* const kPasswords[] = {"ssh_p", "resp1", "resp2"};
+const char* const kEmptyAtFirst[] = {"host",  "hist0a", "hist1a", "hist2a", "hist3a", "hist4a",
+                                     "sear2", "resp1",  "resp2",  "ssh_u",  "ssh_p",  "ras",
+                                     "key28", "key29",  "key30",  "key31"};
+
+struct Value {
+    std::string name;  // UTF-8
+    uint32_t type;
+    std::string data;
+};
+
+template <size_t count>
+bool IsOneOf(const char* const (&names)[count], const std::string& name) {
+    return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+// Opened for writing, as a reader alone may not look into another program's log.
+sqlite3* OpenStore(const std::string& root) {
+    sqlite3* database = nullptr;
+    const std::string path = root + "/registry.db";
+    if (sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK) {
+        sqlite3_busy_timeout(database, kBusyMilliseconds);
+        return database;
+    }
+    sqlite3_close(database);
+    return nullptr;
+}
+
+Value TakeRow(sqlite3_stmt* statement) {
+    Value value;
+    value.name = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
+    value.type = static_cast<uint32_t>(sqlite3_column_int64(statement, 1));
+    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, 2));
+    const auto size = static_cast<size_t>(sqlite3_column_bytes(statement, 2));
+    value.data.assign(bytes ? bytes : "", bytes ? size : 0);
+    return value;
+}
+
+bool ReadValues(sqlite3* database, std::vector<Value>* values) {
+    sqlite3_stmt* statement = nullptr;
+    const char kQuery[] =
+        "SELECT name, type, data FROM registry WHERE key = ?1 AND name IS NOT NULL";
+    int result = sqlite3_prepare_v2(database, kQuery, -1, &statement, nullptr);
+    if (result == SQLITE_OK) {
+        sqlite3_bind_text(statement, 1, kSettingsKeyPath, -1, SQLITE_STATIC);
+        while ((result = sqlite3_step(statement)) == SQLITE_ROW)
+            values->push_back(TakeRow(statement));
+    }
+    sqlite3_finalize(statement);
+    return result == SQLITE_DONE;
+}
+
+// "key2" before "key10", and the numbered ones after all others.
+bool ComesBefore(const Value& a, const Value& b) {
+    const auto split = [](const std::string& name) {
+        return std::min(name.find_last_not_of("0123456789") + 1, name.size());
+    };
+    const size_t end_a = split(a.name), end_b = split(b.name);
+    const bool numbered_a = end_a < a.name.size(), numbered_b = end_b < b.name.size();
+    if (numbered_a != numbered_b) return numbered_b;
+    const int heads = a.name.substr(0, end_a).compare(b.name.substr(0, end_b));
+    if (heads != 0) return heads < 0;
+    const size_t digits_a = a.name.size() - end_a, digits_b = b.name.size() - end_b;
+    return digits_a != digits_b ? digits_a < digits_b : a.name < b.name;
+}
+
+// The name is the line's first word.
+bool IsSayableName(const std::string& name) {
+    if (name.empty() || name[0] == '#') return false;
+    return std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < 0x7F; });
+}
+
+// The text as the program reads it: up to its terminator, or cut.
+std::u16string TextOf(const std::string& data) {
+    std::u16string text(data.size() / sizeof(char16_t), 0);
+    std::memcpy(text.data(), data.data(), text.size() * sizeof(char16_t));
+    text.resize(std::min(text.size(), kLongestValue / sizeof(char16_t) - 1));
+    return text.c_str();
+}
+
+// False where the code page has not all of its letters.
+bool AnsiOf(const std::u16string& text, std::string* bytes) {
+    char ansi[kLongestValue];
+    WCHAR back[kLongestValue];
+    const int count = static_cast<int>(text.size()) + 1;
+    const int size =
+        WideCharToMultiByte(CP_ACP, 0, text.c_str(), count, ansi, sizeof ansi, nullptr, nullptr);
+    if (size <= 0 || MultiByteToWideChar(CP_ACP, 0, ansi, size, back, kLongestValue) != count)
+        return false;
+    *bytes = ansi;
+    return text == back;
+}
+
+// What a line cannot hold, or null.
+const char* TextTrouble(const std::u16string& text, std::string* bytes) {
+    if (text.find(u'"') != text.npos) return "has a double quote in it";
+    for (const char16_t unit : text)
+        if (unit == u'\n' || unit == u'\r' || unit == 0x1A) return "has a line's end in it";
+    return AnsiOf(text, bytes) ? nullptr : "has letters that are not in code page 1252";
+}
+
+std::string NumberLine(const Value& value) {
+    DWORD number = 0;
+    std::memcpy(&number, value.data.data(), std::min(value.data.size(), sizeof number));
+    return value.name + " = " + std::to_string(number);
+}
+
+// The trouble with a value, or null and its line; an empty line where a fresh device needs none.
+const char* SayText(const Value& value, std::string* line) {
+    if (value.data.size() > kLongestValue) return "is longer than the program reads";
+    const std::u16string text = TextOf(value.data);
+    std::string bytes;
+    if (text.empty()) {
+        line->clear();
+        return IsEmptyAtFirst(value.name) ? nullptr
+                                          : "is empty, so a device keeps its own or the default";
+    }
+    if (const char* trouble = TextTrouble(text, &bytes)) return trouble;
+    *line = value.name + " = \"" + bytes + '"';
+    return nullptr;
+}
+
+const char* Say(const Value& value, std::string* line) {
+    if (!IsSayableName(value.name)) return "is a name that a line cannot hold";
+    if (value.type == REG_SZ) {
+        if (const char* trouble = SayText(value, line)) return trouble;
+    } else if (value.type == REG_DWORD && value.data.size() <= sizeof(DWORD)) {
+        *line = NumberLine(value);
+    } else {
+        return "is neither a number nor a text";
+    }
+    return line->size() > kLongestLine ? "is longer than a line" : nullptr;
+}
+
+void AddValue(const Value& value, bool with_passwords, SettingsExport* result) {
+    std::string line;
+    const char* trouble = Say(value, &line);
+    if (!trouble && line.empty()) return;
+    if (!with_passwords && IsOneOf(kPasswords, value.name)) {
+        result->left_out.push_back(value.name);
+    } else if (trouble) {
+        result->unsaid.push_back(value.name + " " + trouble);
+    } else {
+        result->file += line + '\n';
+    }
+}
+
+}  // namespace
+
+bool IsEmptyAtFirst(const std::string& name) { return IsOneOf(kEmptyAtFirst, name); }
+
+bool ExportSettings(const std::string& root, bool with_passwords, SettingsExport* result) {
+    sqlite3* database = OpenStore(root);
+    std::vector<Value> values;
+    const bool read = database && ReadValues(database, &values);
+    sqlite3_close(database);
+    if (!read) return false;
+    std::sort(values.begin(), values.end(), ComesBefore);
+    *result = {kHeading, {}, {}};
+    for (const Value& value : values) AddValue(value, with_passwords, result);
+    return true;
+}

@@ -1,0 +1,97 @@
+#!/bin/sh
+# Command lines that are wrong: a line on stderr without control characters, exit code 2, and
+# nothing written. Needs no display.
+# Usage: bad_command_line_test.sh PROGRAM
+set -eu
+. "$(dirname "$0")/../support/outside.sh"
+program=$1
+. "$(dirname "$0")/desktop.sh"
+unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM || :
+
+tried=0
+# refuses TEXT ARGUMENTS...
+refuses() {
+    ends_with 2 "$@"
+    [ ! -s "$work/out" ] || fail "something came on stdout: $(cat "$work/out")"
+    [ "$(wc -l <"$work/said")" -eq 1 ] || fail "not one line: $(cat "$work/said")"
+    [ "$(wc -c <"$work/said")" -lt 300 ] || fail "a long line: $(cat "$work/said")"
+    ! LC_ALL=C grep -q '[[:cntrl:]]' "$work/said" || fail "a control character came back: $(cat -v "$work/said")"
+    [ ! -e "$home/data" ] || fail "something was written: $(find "$home/data")"
+    tried=$((tried + 1))
+}
+
+forty=abcdefghijklmnopqrstuvwxyz.example.domain
+long=$(printf '%05000d' 0)
+escape=$(printf 'a\033]0;title\007b')
+lines=$(printf 'a\nb')
+bell=$(printf 'x\007')
+
+# Hosts.
+refuses 'has no host' ''
+refuses 'is too long' "$forty"
+refuses 'is too long' "$long"
+for host in 'a b' '"a"' "a'b" 'a/b' '/etc/passwd' '../a' 'a\b' 'a;b' '$(a)' 'a%20b' 'a@b' 'a:b' 'a:22' \
+    "$escape" "$lines" "$bell" 'höst' '*' '?' 'a,b'; do
+    refuses 'is no host' "$host"
+done
+for host in --bogus -x -; do refuses 'is no host' -- "$host"; done
+refuses 'is no host' -- --
+refuses 'is no host' -- --help
+refuses 'is no host' -- -platform
+for host in ::1 '[::1]' fe80::1 '[fe80::1]:23'; do refuses 'is an IPv6 address' "$host"; done
+refuses 'is one word too many' a 23 b
+refuses "'--bogus' is no option" --bogus
+refuses "is no option" -bogus=1
+
+# Ports.
+for port in '' 0 -1 65536 99999 100000 99999999999999999999 0x17 23x x ' 23' 2.3 +23 '"23"' "$escape" "$long"; do
+    refuses 'no number from 1 to 65535' -- a "$port"
+done
+
+# Addresses.
+for address in telnet:// ssh:// telnet:/// ssh://@a ssh://anna@ telnet://:23; do
+    ends_with 2 "$address" "$address"
+done
+refuses 'has no host' telnet://
+refuses 'has no host' telnet://:23
+refuses 'has no host' ssh://anna@
+refuses 'names no user' ssh://@a
+refuses 'is too long' "telnet://$forty"
+refuses 'names no user' "ssh://$forty@a"
+refuses 'names no user' 'ssh://-oX@a'
+refuses 'names no user' 'ssh://a b@c'
+refuses 'names no user' "ssh://$bell@c"
+refuses 'has a password' ssh://anna:secret@a
+! grep -q secret "$work/said" || fail "the password came back: $(cat "$work/said")"
+refuses 'names a user' telnet://anna@a
+refuses 'is an IPv6 address' 'telnet://[::1]'
+refuses 'is an IPv6 address' 'ssh://anna@[::1]:22'
+refuses 'is no host' telnet://-a
+refuses 'is no host' telnet://a/b
+refuses 'is no host' telnet://a//
+refuses 'is no host' "telnet://a'b"
+refuses 'is no host' 'telnet://a?b'
+refuses 'is no host' 'telnet://a#b'
+refuses 'is no host' 'telnet://a%2eb'
+for port in 0 65536 x '' -1 99999999999; do
+    refuses 'no number from 1 to 65535' "telnet://a:$port"
+    refuses 'no number from 1 to 65535' "ssh://a:$port/"
+done
+for address in http://a file:///etc/passwd javascript://a ://a 'telnet:a'; do
+    ends_with 2 "'$address'" "$address"
+    [ ! -e "$home/data" ] || fail "$address wrote something"
+done
+refuses 'follows an address' telnet://a 23
+
+# Profiles.
+forty_one=abcdefghijklmnopqrstuvwxyzabcdefghijklmno
+for name in '' . .. .hidden -x --help a/b ../a /a 'a b' '"a"' "a'b" 'a\b' "$bell" "$lines" "$forty_one" \
+    "$long" 'ä' _a; do
+    refuses '--profile wants a name' --profile "$name"
+done
+refuses '--profile wants a name' --profile
+refuses 'both name the settings' --profile a --root "$work/root"
+[ ! -e "$work/root" ] || fail "the folder of --root was made"
+refuses 'goes with --export' --with-passwords
+refuses 'takes no host' --export a
+echo "$tried command lines were refused"

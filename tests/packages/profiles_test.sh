@@ -1,0 +1,57 @@
+#!/bin/sh
+# Profiles: folders, list, one window each, and what tells the windows apart.
+# Usage: profiles_test.sh PROGRAM
+set -eu
+. "$(dirname "$0")/../support/outside.sh"
+need Xvfb xdotool xprop
+program=$1
+. "$(dirname "$0")/desktop.sh"
+
+ends_with 0 '' --profiles
+[ ! -s "$work/out" ] || fail "there are profiles: $(cat "$work/out")"
+[ ! -e "$home/data" ] || fail "the list made a folder"
+open_screen
+
+count_windows() { [ "$(xdotool search --name '^Quill Telnet  \[' 2>/dev/null | wc -l)" -eq "$1" ]; }
+open_window --profile stores
+first=$client
+main_window '^Quill Telnet  \['
+stores=$window
+open_window --profile b2.old_-x
+second=$client
+await 30 count_windows 2 || fail "the second profile has no window"
+open_window
+third=$client
+await 30 count_windows 3 || fail "no window beside those of the profiles"
+
+# What a task bar reads.
+xprop -id "$stores" >"$work/marks"
+grep -q '^WM_CLASS(STRING) = "quill-stores", "quill"$' "$work/marks" || fail "class: $(grep CLASS "$work/marks")"
+grep -q '^_NET_WM_ICON_NAME.* = "stores - Quill"$' "$work/marks" || fail "icon name: $(grep ICON_NAME "$work/marks")"
+grep -q '^_NET_WM_NAME.* = "Quill Telnet  \[\]"$' "$work/marks" || fail "title: $(grep NET_WM_NAME "$work/marks")"
+icon_of() { xprop -id "$1" -notype 32c _NET_WM_ICON | md5sum; }
+own=$(xdotool search --class '^quill$' 2>/dev/null | while read -r each; do
+    xprop -id "$each" WM_CLASS WM_NAME 2>/dev/null | grep -q '"quill", "quill"' &&
+        xprop -id "$each" _NET_WM_ICON | grep -q Icon && echo "$each"; done | head -n 1)
+[ -n "$own" ] || fail "the plain window has another class"
+[ "$(icon_of "$stores")" != "$(icon_of "$own")" ] || fail "the icons are the same"
+
+# One window a profile.
+timeout -k 5 20 "$program" --profile stores || fail "a second start ended with $?"
+count_windows 3 || fail "a profile has two windows"
+kill -TERM $first $second $third
+for each in $first $second $third; do wait "$each" || fail "a profile ended with $?"; done
+
+[ "$(stat -c %a "$home/data/quill/profiles" "$home/data/quill/profiles/stores" | sort -u)" = 700 ] ||
+    fail "others may look into the folders"
+for folder in quill quill/profiles/stores quill/profiles/b2.old_-x; do
+    [ "$(stored "$home/data/$folder" fsize)" = 8 ] || fail "no settings in $folder"
+done
+: >"$home/data/quill/profiles/file"
+mkdir "$home/data/quill/profiles/no profile"
+ends_with 0 '' --profiles
+[ "$(cat "$work/out")" = "$(printf 'b2.old_-x\nstores')" ] || fail "the list: $(cat "$work/out")"
+
+# A profile that is a file, or cannot be made.
+ends_with 2 'is no folder' --profile file
+echo "profiles: a folder, a window and a mark each"
