@@ -241,6 +241,30 @@ TEST(Menus, AltWithALetterAndTheArrowsReachEveryEntry) {
     });
 }
 
+// Whether the terminal keeps a key to itself, so that the desktop does not look for it among the
+// menus' letters.
+bool KeepsKey(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    bool kept = false;
+    OnWindowThread([&] {
+        QKeyEvent event(QEvent::ShortcutOverride, key, modifiers);
+        event.ignore();
+        QApplication::sendEvent(QApplication::focusWidget(), &event);
+        kept = event.isAccepted();
+    });
+    return kept;
+}
+
+TEST(Menus, KeysWithoutAltAreNotLookedForAmongThem) {
+    FakeHost host;
+    WithSession(host, [] {
+        EXPECT_TRUE(KeepsKey(Qt::Key_K, Qt::NoModifier));
+        EXPECT_TRUE(KeepsKey(Qt::Key_K, Qt::ShiftModifier));
+        EXPECT_TRUE(KeepsKey(Qt::Key_K, Qt::ControlModifier));
+        EXPECT_FALSE(KeepsKey(Qt::Key_K, Qt::AltModifier));
+        EXPECT_FALSE(KeepsKey(Qt::Key_K, Qt::AltModifier | Qt::ShiftModifier));
+    });
+}
+
 TEST(Menus, F10OpensThemOffline) {
     RunProgram({}, [] {
         Ready();

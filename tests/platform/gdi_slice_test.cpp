@@ -74,3 +74,41 @@ TEST_F(Glyphs, ThoseThatLeaveTheirCellAreCutOffAtIt) {
     ReleaseDC(child, dc);
     DeleteObject(font);
 }
+
+// The two have their font in common, or not.
+static bool OneFont(HFONT one, HFONT other) {
+    const bool same = one->font == other->font;
+    DeleteObject(one);
+    DeleteObject(other);
+    return same;
+}
+
+TEST_F(Glyphs, AFontAskedForAgainIsTheOneMadeLast) {
+    LOGFONTW wanted = {};
+    EnumFontFamiliesW(nullptr, nullptr, TakeFirst, reinterpret_cast<LPARAM>(&wanted));
+    wanted.lfHeight = 23;
+    const auto differs = [&](const std::function<void(LOGFONTW*)>& change) {
+        LOGFONTW changed = wanted;
+        change(&changed);
+        return !OneFont(CreateFontIndirectW(&wanted), CreateFontIndirectW(&changed));
+    };
+    EXPECT_TRUE(OneFont(CreateFontIndirectW(&wanted), CreateFontIndirectW(&wanted)));
+    EXPECT_TRUE(differs([](LOGFONTW* font) { font->lfHeight = 24; }));
+    EXPECT_TRUE(differs([](LOGFONTW* font) { font->lfItalic = 1; }));
+    EXPECT_TRUE(differs([](LOGFONTW* font) { font->lfWeight = FW_BOLD; }));
+    EXPECT_TRUE(differs([](LOGFONTW* font) { font->lfFaceName[0] ^= 1; }));
+}
+
+TEST_F(Glyphs, AFontOutlivesTheNextAndItsOwnObject) {
+    child = Child(1, 0, 0, 0, 100, 60);
+    font = SlantedFont(40);
+    HDC dc = GetDC(child);
+    SelectObject(dc, font);
+    const double width = FontOf(dc).raw.averageCharWidth();
+    DeleteObject(SlantedFont(40));
+    DeleteObject(SlantedFont(17));
+    EXPECT_EQ(40, FontOf(dc).height);
+    EXPECT_EQ(width, FontOf(dc).raw.averageCharWidth());
+    ReleaseDC(child, dc);
+    DeleteObject(font);
+}

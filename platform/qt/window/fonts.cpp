@@ -7,7 +7,9 @@
 
 namespace {
 
-std::unique_ptr<FontData> g_system_font;
+std::shared_ptr<const FontData> g_system_font;
+std::shared_ptr<const FontData> g_made_last;  // of the face below
+LOGFONTW g_face_made_last;
 std::unique_ptr<LineFont> g_line_font;  // the one asked for last
 
 void FillGlyphs(FontData& font) {
@@ -18,10 +20,19 @@ void FillGlyphs(FontData& font) {
     }
 }
 
+// By what a font of the desktop is chosen.
+bool SameFont(const LOGFONTW& one, const LOGFONTW& other) {
+    return one.lfHeight == other.lfHeight && !one.lfItalic == !other.lfItalic &&
+           (one.lfWeight >= FW_BOLD) == (other.lfWeight >= FW_BOLD) &&
+           FromWide(one.lfFaceName) == FromWide(other.lfFaceName);
+}
+
 }  // namespace
 
-std::unique_ptr<FontData> MakeFont(const LOGFONTW& wanted) {
-    auto data = std::make_unique<FontData>();
+// A start asks for the same font twice: to choose the screen's size, and to draw.
+std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted) {
+    if (g_made_last && SameFont(wanted, g_face_made_last)) return g_made_last;
+    const auto data = std::make_shared<FontData>();
     data->height = std::max<LONG>(std::abs(wanted.lfHeight), 1);
     data->font = QFont(FromWide(wanted.lfFaceName));
     data->font.setStyleHint(QFont::Monospace);
@@ -39,6 +50,8 @@ std::unique_ptr<FontData> MakeFont(const LOGFONTW& wanted) {
     data->fixed = QFontInfo(data->font).fixedPitch();
     FillGlyphs(*data);
     data->run.setRawFont(data->raw);
+    g_face_made_last = wanted;
+    g_made_last = data;
     return data;
 }
 
@@ -81,6 +94,7 @@ const LineFont& LineFontOf(const QFont& font) {
 }
 
 void ForgetFonts() {
+    g_made_last.reset();
     g_system_font.reset();
     g_line_font.reset();
 }

@@ -42,7 +42,7 @@ struct SliceGdiObject {
     HGDIOBJ SliceDeviceContext::*place;  // where a context keeps an object of this kind
     COLORREF color = 0;
     int width = 1;
-    std::unique_ptr<FontData> font;
+    std::shared_ptr<const FontData> font;
 };
 
 struct SliceDeviceContext {
@@ -57,7 +57,7 @@ struct SliceDeviceContext {
 };
 
 // fonts.cpp
-std::unique_ptr<FontData> MakeFont(const LOGFONTW& wanted);
+std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted);
 bool GlyphOverhangs(const FontData& font, char16_t code);  // below 256
 const FontData& FontOf(HDC dc);                            // the selected font, or the system's
 const LineFont& LineFontOf(const QFont& font);

@@ -153,8 +153,14 @@ void WindowWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     QueueMouse(wanted ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN, event->position(), event->buttons());
 }
 
+// The letters of the menus come with Alt. To look for any other key among them takes more than half
+// of the toolkit's way from the key to its window.
+static bool KeepsKey(const QKeyEvent& event) { return !(event.modifiers() & Qt::AltModifier); }
+
 bool WindowWidget::event(QEvent* event) {
     const QEvent::Type type = event->type();
+    if (type == QEvent::ShortcutOverride && KeepsKey(*static_cast<QKeyEvent*>(event)))
+        return event->accept(), true;
     if (type == QEvent::TouchCancel) finger_ = -1;
     if (type != QEvent::TouchBegin && type != QEvent::TouchUpdate && type != QEvent::TouchEnd)
         return QWidget::event(event);
