@@ -36,6 +36,13 @@ static std::vector<char*> Pointers(std::vector<std::string>* texts) {
     return pointers;
 }
 
+// In place of a variable of that name: of two, programs differ in which one they take.
+static void Set(const std::string& variable, std::vector<std::string>* all) {
+    const std::string name = variable.substr(0, variable.find('=') + 1);
+    std::erase_if(*all, [&](const std::string& other) { return other.rfind(name, 0) == 0; });
+    all->push_back(variable);
+}
+
 static std::vector<std::string> EnvironmentOf(const PtyOptions& options, const std::string& mark) {
     const char* path = getenv("PATH");
     const char* terminfo = getenv("TERMINFO");
@@ -45,7 +52,7 @@ static std::vector<std::string> EnvironmentOf(const PtyOptions& options, const s
                                     "PATH=" + std::string(path ? path : "/usr/bin:/bin"),
                                     "HOME=" + options.home,
                                     mark};
-    all.insert(all.end(), options.environment.begin(), options.environment.end());
+    for (const std::string& variable : options.environment) Set(variable, &all);
     return all;
 }
 
