@@ -3,7 +3,7 @@
 
 Every name of this machine's terminfo database (install ncurses-term for the full one) is judged by
 the proof of tests/hosts. Those without a broken promise that ends in a wrong screen are painted at
-random, and the best are walked through with real programs, with the keys that the name asks for.
+random, and one of each kind is walked through with real programs, with the keys that the name asks for.
 Usage: docs/hosts_names.py BUILD-FOLDER      (with judge_names, paint_names and walk_names built)
 """
 import os
@@ -12,7 +12,7 @@ import subprocess
 import sys
 
 STEPS, SEEDS = 200, 5
-PREFERRED = ["vt220d", "vt220-old", "vt102", "vt100"]  # of several that are alike, and walked through
+PREFERRED = ["vt220d", "vt220-old", "vt102", "vt100"]  # of several that are alike
 USUAL = ["vt220", "vt320", "vt420", "xterm", "linux", "screen", "ansi", "vt52"]
 FOLDERS = ["/usr/share/terminfo", "/lib/terminfo", "/etc/terminfo"]
 
@@ -123,9 +123,9 @@ def page(right, usual, painted, walked, count):
         "less, mc, dialog, htop, top, tmux and w3m, with the rows of the key table changed as the last column",
         "says (Settings > Properties... > Keyboard). *Lacks* are capabilities of `quill` that programs do",
         "without, and keys that the name has no string for; *not shown* are promises that are broken without",
-        "harm to the text. Keys of the last column that are left as they are do nothing, or something else.",
-        "All these names expect that Backspace erases: `stty erase '^H'` on the host, or the row BACKSPACE",
-        "changed to `\\177`.",
+        "harm to the text: glyphs, flow control, a printer. Keys of the last column that are left as they are",
+        "do nothing, or something else. All these names expect that Backspace erases: `stty erase '^H'` on the",
+        "host, or the row BACKSPACE changed to `\\177`.",
         "",
         "## Right names",
         "",
@@ -155,7 +155,7 @@ def main():
     right.sort(key=lambda entry: (len(entry.lacks), len(entry.rows()), PREFERRED.index(entry.name)
                                   if entry.name in PREFERRED else len(PREFERRED), entry.name))
     firsts = [group[0].name for group in alike(right)]
-    walked = {name: walk(build, name) for name in firsts if name in PREFERRED}
+    walked = {name: walk(build, name) for name in firsts}
     usual = [judged[name] for name in USUAL if name in judged]
     top = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
     with open(os.path.join(top, "docs", "hosts_names.md"), "w", encoding="utf-8") as file:

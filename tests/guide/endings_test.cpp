@@ -33,6 +33,83 @@ TEST(Endings, ServerOfTheBoxLeavesAnIdleSessionAlone) {
     });
 }
 
+// bash's own limit, which counts at its prompt only.
+TEST(Endings, ShellWithATimeLimitEndsASessionAtThePrompt) {
+    const Host host = SshHost();
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    WithSshSession(host, "", [] {
+        TypeText("TMOUT=3; cat\n");
+        QThread::sleep(4);
+        TypeText("in front\n");
+        ASSERT_TRUE(TerminalShows("in front\nin front\n")) << TerminalText();
+        TypeText("\004unset TMOUT; clear\n");
+        QThread::sleep(4);
+        RunAtPrompt("echo still $((40 + 2))", "still 42");
+        TypeText("TMOUT=1\n");
+        EXPECT_TRUE(Offline());
+    });
+}
+
+void SignOnWith(const char16_t* password) {
+    const HWND dialog = AwaitDialog("Sign on to the host");
+    ASSERT_NE(dialog, nullptr);
+    TypeInto(dialog, IDC_SSH_P, password);
+    ClickControl(dialog, IDOK);
+    ASSERT_TRUE(Closed(dialog));
+}
+
+TEST(Endings, SignOnThatTakesTooLongEndsWithItsOk) {
+    const Host host = SshHost("PermitRootLogin no", "LoginGraceTime 1\n");
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    WithConfig(Recipe("ssh-client", host.words()), [] {
+        ASSERT_NE(AwaitDialog("Sign on to the host"), nullptr);
+        QThread::sleep(3);
+        SignOnWith(u"warehouse7");
+        EXPECT_TRUE(DismissBox(kClosed));
+        EXPECT_TRUE(Offline());
+    });
+}
+
+// The last one ends the session, the others bring the sign-on back.
+TEST(Endings, SignOnWithTooManyWrongPasswordsIsClosed) {
+    const Host host = SshHost("PermitRootLogin no", "MaxAuthTries 2\n");
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    WithConfig(Recipe("ssh-client", host.words()), [] {
+        SignOnWith(u"wrong");
+        SignOnWith(u"wrong again");
+        EXPECT_TRUE(DismissBox(kClosed));
+        EXPECT_TRUE(Offline());
+        ConnectLater();
+        SignOnWithPassword();
+        EXPECT_TRUE(TerminalShows("$\n")) << TerminalText();
+    });
+}
+
+// Those of the server that is tried here.
+TEST(Endings, LimitsOfTheServerAreThoseOfThePage) {
+    Host host = SshHost();
+    host.steps += "/usr/sbin/sshd -T -f /etc/ssh/sshd_quill >/var/log/settings\n";
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    const std::string settings = machine.Log("settings");
+    for (const char* line : {"\nlogingracetime 120\n", "\nmaxauthtries 6\n", "\ntcpkeepalive yes\n",
+                             "\nclientaliveinterval 0\n"}) {
+        EXPECT_NE(settings.find(line), std::string::npos) << line << settings;
+    }
+}
+
+TEST(Endings, NobodyWhoListensIsSaidAtOnce) {
+    const int port = FreePort();
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", port);
+        ConnectLater();
+        EXPECT_TRUE(DismissBox("Error: Not possible to create a session to the UNIX Host"));
+    });
+}
+
 // ---------------------------------------------------------------- nothing in common
 
 // Each row of the page's table: the log has its words, and the line that it names is the cure.

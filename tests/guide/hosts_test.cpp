@@ -79,8 +79,15 @@ TEST(HostsPage, EntryIsPastedAndCompiledByAUserWithoutRoot) {
         PasteAtPrompt(Recipe("entry"));
         RunAtPrompt("tput cols; infocmp -1 | grep -c il1=; infocmp -1 | grep -c 'il='", "80\n1\n0");
         RunAtPrompt("ls ~/.terminfo/q | head -n 1; tic -c ~/quill.ti 2>&1 | wc -l", "quill\n0");
-        RunAtPrompt("env -u TERMINFO sh -c '. ~/.profile; echo $TERMINFO'",
-                    "/mnt/home/visitor/.terminfo");
+        PasteAtPrompt(Recipe("entry"));
+        RunAtPrompt("grep -c TERMINFO ~/.profile; echo now=$TERMINFO",
+                    "1\nnow=/mnt/home/visitor/.terminfo");
+        RunAtPrompt(
+            "unset TERMINFO; for t in quill quill-7 vt100 xterm; do TERM=$t sh -c "
+            "'. ~/.profile; echo $TERM=$TERMINFO; tput cols'; done",
+            "quill=/mnt/home/visitor/.terminfo\n80\n"
+            "quill-7=/mnt/home/visitor/.terminfo\n80\n"
+            "vt100=\n80\nxterm=\n80");
     });
 }
 
@@ -109,13 +116,36 @@ TEST(HostsPage, ProfileSetsSizeAndBackspace) {
     WithTelnetSession(host, "", [] {
         RunAtPrompt("stty size", "0 0");
         PasteAtPrompt(Recipe("profile"));
-        RunAtPrompt(". ~/.profile; stty size; stty -a | grep -o 'erase = ^H'", "24 80\nerase = ^H");
+        PasteAtPrompt(Recipe("profile"));
+        RunAtPrompt("grep -c 'sane()' ~/.profile", "1");
+        for (const char* type : {"quill", "quill-7"}) {
+            RunAtPrompt("stty rows 5 erase '^?'; TERM=" + std::string(type) +
+                            "; . ~/.profile; stty size; stty -a | grep -o 'erase = ^H'",
+                        "24 80\nerase = ^H");
+        }
+        RunAtPrompt("stty rows 5; (TERM=vt100; . ~/.profile; stty size); stty rows 24", "5 80");
         ClearAndRun("echo rea\"dy\"; cat");
         ASSERT_TRUE(ShowsRow("ready")) << TerminalText();
         TypeText("wrong\b\b\b\b\bright\n");
         EXPECT_TRUE(ShowsRow("right\nright")) << TerminalText();
         TypeText("\003");
     });
+}
+
+// The row BACKSPACE of the page Keyboard, for hosts that expect DEL.
+TEST(HostsPage, RowOfTheKeyTableSendsDelForBackspace) {
+    for (const bool changed : {false, true}) {
+        FakeHost host;
+        const std::string lines =
+            "host = \"127.0.0.1\"\nport = " + std::to_string(host.port) + "\n";
+        WithConfig(lines + (changed ? "key39 = \"\\177\"\n" : ""), [&] {
+            ASSERT_TRUE(host.Accept());
+            host.Send("hello");
+            ASSERT_TRUE(TerminalShows("hello"));
+            PressKey(Qt::Key_Backspace);
+            EXPECT_EQ(host.Read(1), changed ? "\177" : "\b");
+        });
+    }
 }
 
 TEST(HostsPage, LocaleOfTheBoxBringsAccentsToTheScreenAndFromTheKeys) {
@@ -130,7 +160,14 @@ TEST(HostsPage, LocaleOfTheBoxBringsAccentsToTheScreenAndFromTheKeys) {
                     "Gr\xC3\xBC\xC3\x9F"
                     "e \xE2\x82\xAC 5");
         PasteAtPrompt(Recipe("locale"));
+        PasteAtPrompt(Recipe("locale"));
+        RunAtPrompt("grep -c CP1252 ~/.profile", "1");
+        RunAtPrompt(
+            "for t in quill quill-7 vt100; do TERM=$t LC_ALL=C sh -c "
+            "'. ~/.profile; locale charmap'; done",
+            "CP1252\nCP1252\nANSI_X3.4-1968");
         RunAtPrompt(". ~/.profile; locale charmap; date -d 2026-03-01 +%B", "CP1252\nM\xE4rz");
+        RunAtPrompt("LC_ALL=C date -d 2026-03-01 +%B", "March");
         ClearAndRun("x=\xFC; echo ${#x}; cp /var/log/notes.txt .");
         EXPECT_TRUE(ShowsRow("1")) << TerminalText();
         ClearAndRun(Recipe("iconv").substr(0, Recipe("iconv").size() - 1));

@@ -64,9 +64,11 @@ void PutNonsense(const Machine& machine) {
     for (const Nonsense& nonsense : AllNonsense()) machine.Put(nonsense.name, nonsense.bytes);
 }
 
-// As a connect leaves them.
-void ExpectModesOfANewSession() {
-    OnWindowThread([] {
+// As a connect leaves them. G1 is ASCII then; after the reset of the entry it is line drawing,
+// which shows only to a host that asks for it.
+void ExpectModesOfANewSession(bool drawing_in_g1 = false) {
+    OnWindowThread([=] {
+        EXPECT_EQ(session.modes.g1_set != 0, drawing_in_g1);
         const TerminalModes& modes = session.modes;
         EXPECT_EQ(modes.insert_mode, 0u);
         EXPECT_EQ(modes.autowrap, 1u);
@@ -77,7 +79,6 @@ void ExpectModesOfANewSession() {
         EXPECT_EQ(modes.vt52_mode, 0u);
         EXPECT_EQ(modes.c1_replies, 0u);
         EXPECT_EQ(modes.g0_set, 0);
-        EXPECT_EQ(modes.g1_set, 0);
         EXPECT_EQ(modes.graphic_active, 0);
         EXPECT_EQ(session.screen.top_margin, 1);
         EXPECT_EQ(session.screen.bottom_margin, 24);
@@ -107,8 +108,16 @@ void PressCtrlC() {
     QThread::msleep(200);
 }
 
+// The ring has turned, and attributes were on.
+void UseTheSession() {
+    ClearAndRun("printf '\\033[1;4;5;7m'; seq 90; printf '\\033[m'");
+    ASSERT_TRUE(ShowsRow("90")) << TerminalText();
+}
+
 // Shows each file, does as the page says without looking at the screen, and works on.
-void ExpectSessionBack(const Machine& machine, const std::function<void()>& repair) {
+void ExpectSessionBack(const Machine& machine, const std::function<void()>& repair,
+                       bool drawing_in_g1 = false) {
+    UseTheSession();
     for (const Nonsense& nonsense : AllNonsense()) {
         SCOPED_TRACE(nonsense.name);
         const std::string shown = std::string(nonsense.name) + ".shown";
@@ -124,7 +133,7 @@ void ExpectSessionBack(const Machine& machine, const std::function<void()>& repa
         AwaitRest();
         TypeText("\025");  // Ctrl+U: the terminal's answers to what was shown
         RunAtPrompt("echo still $((40 + 2))", "still 42");
-        ExpectModesOfANewSession();
+        ExpectModesOfANewSession(drawing_in_g1);
         if (testing::Test::HasFailure()) return;
     }
 }
@@ -165,15 +174,25 @@ TEST(Silence, OneKeyBringsASessionBack) {
     });
 }
 
-TEST(Silence, ResetOfTheEntryBringsASessionBack) {
+void PressCtrlCAndTypeReset() {
+    PressCtrlC();
+    TypeText("reset\n");
+}
+
+TEST(Silence, ResetOfTheEntryBringsAnSshSessionBack) {
     const Host host = SshHost();
     HostMachine machine(host);
     START_OR_SKIP(machine);
-    machine.Put("silence", "\x1bPsilence");
-    WithSshSession(host, "", [] {
-        TypeText("cat /var/log/silence\nreset\n");
-        RunAtPrompt("echo still $((40 + 2))", "still 42");
-    });
+    PutNonsense(machine);
+    WithSshSession(host, "", [&] { ExpectSessionBack(machine, PressCtrlCAndTypeReset, true); });
+}
+
+TEST(Silence, ResetOfTheEntryBringsATelnetSessionBack) {
+    const Host host = InetdHost();
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    PutNonsense(machine);
+    WithTelnetSession(host, "", [&] { ExpectSessionBack(machine, PressCtrlCAndTypeReset, true); });
 }
 
 // ---------------------------------------------------------------- without a prompt
@@ -198,6 +217,30 @@ TEST(Silence, DisconnectAndConnectBeginAnew) {
         EXPECT_TRUE(TerminalShows("hello again")) << TerminalText();
         EXPECT_EQ(TerminalRow(1), "hello again");
         ExpectModesOfANewSession();
+    });
+}
+
+// Each in turn in one run of the program. A negotiation that was none is ended by its byte, the
+// server's offer to echo ends local echo, and its prompt begins with no attribute.
+TEST(Silence, NonsenseOfEachKindIsGoneAfterAnotherConnect) {
+    FakeHost host;
+    WithSession(host, [&] {
+        for (const Nonsense& nonsense : AllNonsense()) {
+            SCOPED_TRACE(nonsense.name);
+            host.Send(nonsense.bytes);
+            AwaitRest();
+            PostToMain(WM_COMMAND, IDM_CONNECT);
+            ASSERT_TRUE(Offline());
+            ConnectByTheMenu();
+            ASSERT_TRUE(host.Accept());
+            DWORD silent = 0;
+            OnWindowThread([&] { silent = session.telnet.in_subneg; });
+            host.Send((silent ? "\xf0" : "") + std::string("\xff\xfb\x01\x1b[mhello again"));
+            EXPECT_TRUE(TerminalShows("hello again")) << TerminalText();
+            EXPECT_EQ(TerminalRow(1), "hello again");
+            ExpectModesOfANewSession();
+            if (testing::Test::HasFailure()) return;
+        }
     });
 }
 

@@ -312,11 +312,52 @@ static std::string RunEffect(const TerminfoEntry& entry, const EffectRow& row) {
     return message;
 }
 
+// ---------------------------------------------------------------- at the edges
+
+static const char* const kSteps[] = {"cub", "cub1", "cud", "cud1", "cuf", "cuf1", "cuu", "cuu1"};
+
+static std::string LeavesAfter(const std::string& bytes, const Start& start) {
+    SetUp(start);
+    const Picture before = TakePicture();
+    Feed(bytes);
+    const Picture after = TakePicture();
+    std::string message = Difference(before, after, false);
+    if (after.row < 1 || after.row > kScreenRows || after.col < 1 || after.col > LastColumn(start))
+        message = "the cursor leaves the screen";
+    return message.empty() ? "" : AsEscapeText(bytes) + " " + Describe(start) + ": " + message;
+}
+
+static std::string StepLeaves(const TerminfoEntry& entry, const std::string& capability) {
+    std::string message;
+    const Numbers numbers = capability.size() == 3 ? Numbers::kCount : Numbers::kNone;
+    for (const std::vector<int>& list : ListsOf(numbers)) {
+        const int count[kMostNumbers] = {list[0]};
+        const std::string bytes = numbers == Numbers::kNone ? Expand(entry, capability)
+                                                            : Expand(entry, capability, count);
+        ForEveryStart([&](const Start& start) {
+            if (message.empty()) message = LeavesAfter(bytes, start);
+        });
+    }
+    return message;
+}
+
+// Many entries share their strings, and a message depends on nothing else.
+typedef std::map<std::pair<std::string, std::string>, std::string> KnownMessages;
+
+std::string LeavesTheScreen(const TerminfoEntry& entry, const std::string& capability) {
+    const bool step = std::any_of(std::begin(kSteps), std::end(kSteps),
+                                  [&](const char* name) { return capability == name; });
+    if (!step) return "";
+    static KnownMessages known;
+    const auto key = std::pair(capability, entry.strings.at(capability));
+    if (known.count(key) == 0) known[key] = StepLeaves(entry, capability);
+    return known[key];
+}
+
 bool CheckEffect(const TerminfoEntry& entry, const std::string& capability, std::string* message) {
     for (const EffectRow& row : kEffects) {
         if (capability != row.capability) continue;
-        // Many entries share their strings, and the message depends on nothing else.
-        static std::map<std::pair<std::string, std::string>, std::string> known;
+        static KnownMessages known;
         const auto key = std::pair(capability, entry.strings.at(capability));
         if (known.count(key) == 0) known[key] = RunEffect(entry, row);
         *message = known[key];

@@ -76,13 +76,112 @@ static std::string MovesInStandout(const TerminfoEntry& e) {
     return Difference(wanted, TakePicture(), true);
 }
 
+// ---------------------------------------------------------------- flags that no entry should have
+
+// What is in the cells of a row that was blank before, from its first column on.
+static std::string RowAfter(const Start& start, const std::string& bytes) {
+    SetUp(start);
+    Feed("\033[2K" + bytes);
+    std::string text;
+    for (int col = 1; col <= kScreenColumns; ++col)
+        text += static_cast<char>(GetCell(start.row, col) & 0xFF);
+    return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+static const Start kLineStart = {12, 1, 1, kScreenRows, 0, false, false};
+
+// A line that left the screen at one end and would come back by the string that scrolls it in.
+static std::string ComesBack(int row, const char* out, const char* back) {
+    SetUp({row, 1, 1, kScreenRows, 0, false, false});
+    Feed(std::string(out) + back);
+    const int other = row == 1 ? kScreenRows : 1;
+    for (int col = 1; col <= kScreenColumns; ++col) {
+        if (GetCell(row, col) != kBlank || GetCell(other, col) == kBlank) return "";
+    }
+    return "a line that left the screen does not come back";
+}
+static std::string RetainedAbove(const TerminfoEntry&) {
+    return ComesBack(1, "\033[24;1H\033D\033[1;1H", "\033M");
+}
+static std::string RetainedBelow(const TerminfoEntry&) {
+    return ComesBack(kScreenRows, "\033[1;1H\033M\033[24;1H", "\033D");
+}
+static std::string ScrollsWithoutLoss(const TerminfoEntry&) {
+    SetUp({10, 1, 5, 10, 0, false, false});
+    const Picture before = TakePicture();
+    Feed("\033D\033[5;1H\033M");
+    return Difference(before, TakePicture(), false).empty() ? "" : "a scrolled region loses lines";
+}
+
+static std::string KeepsStandout(const TerminfoEntry&) {
+    SetUp(kLineStart);
+    Feed("\033[7mabc\033[m\rabc");
+    return GetCell(12, 2) == 'b' ? "a plain character ends the standout below it" : "";
+}
+static std::string NoTilde(const TerminfoEntry&) {
+    return RowAfter(kLineStart, "a~b") == "a~b" ? "a tilde is shown" : "";
+}
+static std::string NullsApart(const TerminfoEntry&) {
+    const bool all = RowAfter(kLineStart, "abc\033[12;40Hxyz\r\033[4h-") ==
+                     "-abc" + std::string(36, ' ') + "xyz";
+    return all ? "an insertion moves the whole rest of the row" : "";
+}
+static std::string NoPadding(const TerminfoEntry&) {
+    return RowAfter(kLineStart, {'a', 0, 0, 'b'}) == "ab" ? "NUL does for padding" : "";
+}
+static std::string TabsErase(const TerminfoEntry&) {
+    return RowAfter(kLineStart, "abcdefghij\r\tX") == "abcdefghXj" ? "a tab erases nothing" : "";
+}
+static std::string BeehiveKeys(const TerminfoEntry&) {
+    const bool escape = SentByDefault(*FindKey("kf1")) == "\033";
+    return escape ? "" : "F1 sends more than ESC";
+}
+static std::string BrokenReturn(const TerminfoEntry&) {
+    return RowAfter(kLineStart, "abc\rX") == "Xbc" ? "a carriage return goes to column 1" : "";
+}
+static std::string ReturnErases(const TerminfoEntry&) {
+    return RowAfter(kLineStart, "abc\r") == "abc" ? "a carriage return erases nothing" : "";
+}
+static std::string CannotScroll(const TerminfoEntry&) {
+    SetUp({kScreenRows, 1, 1, kScreenRows, 0, false, false});
+    const DWORD second = GetCell(2, 1);
+    Feed("\n");
+    return GetCell(1, 1) == second ? "the screen scrolls" : "";
+}
+static std::string BackspaceMoves(const TerminfoEntry&) {
+    return RowAfter(kLineStart, "abc\b\bX") == "aXc" ? "" : "BS does not move the cursor";
+}
+static std::string LineFeedMoves(const TerminfoEntry&) {
+    SetUp(kLineStart);
+    Feed("\n");
+    return session.screen.cursor_row == 13 ? "" : "LF does not move the cursor";
+}
+static std::string TabMoves(const TerminfoEntry&) {
+    SetUp(kLineStart);
+    Feed("\t");
+    return session.screen.cursor_col == 9 ? "" : "HT does not move the cursor";
+}
+
 static std::string Overstrikes(const TerminfoEntry&) {
-    return "a character replaces what was there";
+    return RowAfter(kLineStart, "abc\r_\b_") == "_bc" ? "a character replaces what was there" : "";
 }
 static std::string NotShown(const TerminfoEntry&) { return "the terminal shows nothing of it"; }
 static std::string NoPaper(const TerminfoEntry&) { return "this is a screen"; }
 static std::string NoColours(const TerminfoEntry&) { return "there are no colours"; }
 static std::string NoCookies(const TerminfoEntry&) { return "attributes take no cell"; }
+static std::string NoMetaKey(const TerminfoEntry&) { return "no key sets the eighth bit"; }
+static std::string NoStatusLine(const TerminfoEntry&) { return "there is no status line"; }
+static std::string NoFlowControl(const TerminfoEntry&) { return "it sends neither XOFF nor XON"; }
+static std::string NoWaiting(const TerminfoEntry&) { return "no string takes time"; }
+static std::string NoPrinter(const TerminfoEntry&) { return "there is no printer"; }
+static std::string NoOtherScreen(const TerminfoEntry&) { return "there is no other screen"; }
+static std::string OneTerminal(const TerminfoEntry&) { return "the entry is of one terminal"; }
+static std::string SeenWell(const TerminfoEntry&) { return "the cursor is easy to see"; }
+static std::string NoMemory(const TerminfoEntry&) { return "there are no lines but those shown"; }
+static std::string NoLabels(const TerminfoEntry&) { return "there are no labels of keys"; }
+static std::string OneScreen(const TerminfoEntry&) { return "there is one screen"; }
+static std::string NoMouse(const TerminfoEntry&) { return "there is no mouse"; }
+static std::string NoPicture(const TerminfoEntry&) { return "there are no bit images"; }
 
 static std::string NumberIs(const TerminfoEntry& e, const char* name, int wanted) {
     const auto found = e.numbers.find(name);
@@ -92,28 +191,98 @@ static std::string NumberIs(const TerminfoEntry& e, const char* name, int wanted
 static std::string Columns(const TerminfoEntry& e) { return NumberIs(e, "cols", kScreenColumns); }
 static std::string Lines(const TerminfoEntry& e) { return NumberIs(e, "lines", kScreenRows); }
 static std::string Tabs(const TerminfoEntry& e) { return NumberIs(e, "it", 8); }
+// All of them at once: sgr is proven with each combination.
+static std::string Combined(const TerminfoEntry& e) { return NumberIs(e, "ma", 4); }
 
-// Flags and numbers that are missing here promise nothing to a program that paints: they describe
-// printers, modems, padding, labels and the like.
+// Every flag and number that curses has a name for. OT...: names that only a termcap had.
 // clang-format off
 static const CheckRow kFlags[] = {
-    {"am",     Loss::kScreen, Wraps            },
-    {"no am",  Loss::kScreen, DoesNotWrap      },
-    {"xenl",   Loss::kScreen, WaitsInLastColumn},
-    {"no xenl", Loss::kScreen, WrapsAtOnce     },
-    {"bce",    Loss::kLook,   NoColours        },
-    {"bw",     Loss::kScreen, LeftMarginWraps  },
-    {"hc",     Loss::kScreen, NoPaper          },
-    {"hs",     Loss::kLook,   NotShown         },
-    {"mir",    Loss::kScreen, MovesInInsertMode},
-    {"msgr",   Loss::kScreen, MovesInStandout  },
-    {"os",     Loss::kScreen, Overstrikes      },
-    {"ul",     Loss::kScreen, Overstrikes      },
-    {"cols",   Loss::kScreen, Columns          },
-    {"colors", Loss::kLook,   NoColours        },
-    {"it",     Loss::kScreen, Tabs             },
-    {"lines",  Loss::kScreen, Lines            },
-    {"xmc",    Loss::kScreen, NoCookies        },
+    {"am",      Loss::kScreen, Wraps             },
+    {"no am",   Loss::kScreen, DoesNotWrap       },
+    {"xenl",    Loss::kScreen, WaitsInLastColumn },
+    {"no xenl", Loss::kScreen, WrapsAtOnce       },
+    {"bce",     Loss::kLook,   NoColours         },
+    {"bw",      Loss::kScreen, LeftMarginWraps   },
+    {"ccc",     Loss::kLook,   NoColours         },
+    {"chts",    Loss::kLook,   SeenWell          },
+    {"cpix",    Loss::kLook,   NoPaper           },
+    {"crxm",    Loss::kLook,   NoPaper           },
+    {"da",      Loss::kLook,   RetainedAbove     },
+    {"daisy",   Loss::kLook,   NoPaper           },
+    {"db",      Loss::kLook,   RetainedBelow     },
+    {"eo",      Loss::kLook,   Overstrikes       },
+    {"eslok",   Loss::kLook,   NoStatusLine      },
+    {"gn",      Loss::kLook,   OneTerminal       },
+    {"hc",      Loss::kScreen, NoPaper           },
+    {"hls",     Loss::kLook,   NoColours         },
+    {"hs",      Loss::kLook,   NotShown          },
+    {"hz",      Loss::kLook,   NoTilde           },
+    {"in",      Loss::kLook,   NullsApart        },
+    {"km",      Loss::kLook,   NoMetaKey         },
+    {"lpix",    Loss::kLook,   NoPaper           },
+    {"mc5i",    Loss::kLook,   NoPrinter         },
+    {"mir",     Loss::kScreen, MovesInInsertMode },
+    {"msgr",    Loss::kScreen, MovesInStandout   },
+    {"ndscr",   Loss::kLook,   ScrollsWithoutLoss},
+    {"npc",     Loss::kLook,   NoPadding         },
+    {"nrrmc",   Loss::kLook,   NoOtherScreen     },
+    {"nxon",    Loss::kLook,   NoWaiting         },
+    {"os",      Loss::kScreen, Overstrikes       },
+    {"sam",     Loss::kLook,   NoPaper           },
+    {"ul",      Loss::kScreen, Overstrikes       },
+    {"xhp",     Loss::kLook,   KeepsStandout     },
+    {"xhpa",    Loss::kLook,   NoPaper           },
+    {"xon",     Loss::kLook,   NoFlowControl     },
+    {"xsb",     Loss::kLook,   BeehiveKeys       },
+    {"xt",      Loss::kScreen, TabsErase         },
+    {"xvpa",    Loss::kLook,   NoPaper           },
+    {"OTbs",    Loss::kScreen, BackspaceMoves    },
+    {"OTMT",    Loss::kLook,   NoMetaKey         },
+    {"OTnc",    Loss::kScreen, BrokenReturn      },
+    {"OTNL",    Loss::kScreen, LineFeedMoves     },
+    {"OTns",    Loss::kScreen, CannotScroll      },
+    {"OTpt",    Loss::kScreen, TabMoves          },
+    {"OTxr",    Loss::kScreen, ReturnErases      },
+
+    {"bitwin",  Loss::kLook,   NoPicture         },
+    {"bitype",  Loss::kLook,   NoPicture         },
+    {"btns",    Loss::kLook,   NoMouse           },
+    {"bufsz",   Loss::kLook,   NoPaper           },
+    {"colors",  Loss::kLook,   NoColours         },
+    {"cols",    Loss::kScreen, Columns           },
+    {"cps",     Loss::kLook,   NoPaper           },
+    {"it",      Loss::kScreen, Tabs              },
+    {"lh",      Loss::kLook,   NoLabels          },
+    {"lines",   Loss::kScreen, Lines             },
+    {"lm",      Loss::kLook,   NoMemory          },
+    {"lw",      Loss::kLook,   NoLabels          },
+    {"ma",      Loss::kLook,   Combined          },
+    {"maddr",   Loss::kLook,   NoPaper           },
+    {"mcs",     Loss::kLook,   NoPaper           },
+    {"mjump",   Loss::kLook,   NoPaper           },
+    {"mls",     Loss::kLook,   NoPaper           },
+    {"ncv",     Loss::kLook,   NoColours         },
+    {"nlab",    Loss::kLook,   NoLabels          },
+    {"npins",   Loss::kLook,   NoPaper           },
+    {"orc",     Loss::kLook,   NoPaper           },
+    {"orhi",    Loss::kLook,   NoPaper           },
+    {"orl",     Loss::kLook,   NoPaper           },
+    {"orvi",    Loss::kLook,   NoPaper           },
+    {"pairs",   Loss::kLook,   NoColours         },
+    {"pb",      Loss::kLook,   NoWaiting         },
+    {"spinh",   Loss::kLook,   NoPaper           },
+    {"spinv",   Loss::kLook,   NoPaper           },
+    {"vt",      Loss::kLook,   OneScreen         },
+    {"widcs",   Loss::kLook,   NoPaper           },
+    {"wnum",    Loss::kLook,   OneScreen         },
+    {"wsl",     Loss::kLook,   NoStatusLine      },
+    {"xmc",     Loss::kScreen, NoCookies         },
+    {"OTdB",    Loss::kLook,   NoWaiting         },
+    {"OTdC",    Loss::kLook,   NoWaiting         },
+    {"OTdN",    Loss::kLook,   NoWaiting         },
+    {"OTdT",    Loss::kLook,   NoWaiting         },
+    {"OTkn",    Loss::kLook,   NoLabels          },
+    {"OTug",    Loss::kScreen, NoCookies         },
 };
 // clang-format on
 

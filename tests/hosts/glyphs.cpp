@@ -9,7 +9,7 @@ static const LONG kWidth = 9;
 static const LONG kHeight = 15;
 static const int kFewLines = 4;
 
-enum Edges { kLeft = 1, kRight = 2, kTop = 4, kBottom = 8, kFilled = 16 };
+enum Edges { kLeft = 1, kRight = 2, kTop = 4, kBottom = 8, kFilled = 16, kHigh = 32, kLow = 64 };
 
 static int line_count;
 static int edges;
@@ -24,6 +24,7 @@ BOOL Polyline(HDC, const POINT* points, int) {
     const POINT from = points[0], to = points[1];
     if (from.y == to.y) {
         edges |= (from.x == 0 ? kLeft : 0) | (to.x >= kWidth ? kRight : 0);
+        edges |= (from.y == 0 ? kHigh : 0) | (from.y >= kHeight - 2 ? kLow : 0);
     } else {
         edges |= (from.y == 0 ? kTop : 0) | (to.y >= kHeight ? kBottom : 0);
     }
@@ -51,11 +52,11 @@ static const GlyphShape kShapes[] = {
     {'l', kRight | kBottom,                 0  },
     {'m', kRight | kTop,                    0  },
     {'n', kLeft | kRight | kTop | kBottom,  0  },
-    {'o', kLeft | kRight,                   0  },
+    {'o', kLeft | kRight | kHigh,           0  },
     {'p', kLeft | kRight,                   0  },
     {'q', kLeft | kRight,                   0  },
     {'r', kLeft | kRight,                   0  },
-    {'s', kLeft | kRight,                   0  },
+    {'s', kLeft | kRight | kLow,            0  },
     {'t', kTop | kBottom | kRight,          0  },
     {'u', kTop | kBottom | kLeft,           0  },
     {'v', kLeft | kRight | kTop,            0  },

@@ -28,6 +28,7 @@ static std::string PrintsNothing(const std::string& bytes) {
     SetUp(kMiddle);
     const Picture before = TakePicture();
     Feed(bytes);
+    if (session.parser.parser_state != 0) return "a sequence is still open";
     return Difference(before, TakePicture(), true);
 }
 
@@ -59,7 +60,8 @@ static std::string Standout(const TerminfoEntry& e) {
     const std::string bytes = Expand(e, "smso");
     const std::string printed = PrintsNothing(bytes);
     if (!printed.empty()) return printed;
-    const bool shown = (TypedAfter(bytes, 0) & kAllAttributes) != 0;
+    const DWORD cell = TypedAfter(bytes, 0);
+    const bool shown = (cell & 0xFF) == 'x' && (cell & kAllAttributes) != 0;
     return shown ? "" : "a character stands out by nothing";
 }
 
@@ -70,8 +72,11 @@ static std::string EndsAfter(const TerminfoEntry& e, const char* on, const char*
 static std::string EndStandout(const TerminfoEntry& e) { return EndsAfter(e, "smso", "rmso"); }
 static std::string EndUnderline(const TerminfoEntry& e) { return EndsAfter(e, "smul", "rmul"); }
 
+// Line drawing is an attribute, too.
 static std::string EndAttributes(const TerminfoEntry& e) {
-    return Turns(Expand(e, "sgr0"), kAllAttributes, 0);
+    const std::string drawing = Expand(e, "enacs") + Expand(e, "smacs");
+    const std::string message = Turns(Expand(e, "sgr0"), kAllAttributes, 0);
+    return message.empty() ? Turns(drawing + Expand(e, "sgr0"), kAllAttributes, 0) : message;
 }
 
 // sgr's nine parameters; those that the entry has no string of its own for promise nothing.
@@ -112,20 +117,24 @@ static bool AllHaveStrings(const TerminfoEntry& e, unsigned chosen) {
 static std::string SgrDifference(const std::string& bytes, const int (&numbers)[kMostNumbers]) {
     const DWORD wanted = WantedOfSgr(numbers);
     if (!numbers[0]) return Turns(bytes, kAllAttributes, wanted);
-    const DWORD shown = TypedAfter(bytes, kAllAttributes) & 0xFF00;
+    const DWORD shown = TypedAfter(bytes, kAllAttributes);
+    const bool typed = (shown & (0xFF | kCellGraphic)) == ('x' | (wanted & kCellGraphic));
     const bool stands_out = (shown & kAllAttributes) != 0 && (shown & wanted) == wanted;
+    if (!typed) return "a character is not shown as one";
     return stands_out ? "" : "standout is not shown with the others";
 }
 
-// Also out of line drawing.
+// Into line drawing and out of it, too.
 static std::string SetAttributes(const TerminfoEntry& e) {
-    const std::string drawing = Expand(e, "enacs") + Expand(e, "smacs");
+    const std::string enable = Expand(e, "enacs");
+    const std::string drawing = enable + Expand(e, "smacs");
     for (unsigned chosen = 0; chosen < 1u << kMostNumbers; ++chosen) {
         if (!AllHaveStrings(e, chosen)) continue;
         int numbers[kMostNumbers];
         for (int i = 0; i < kMostNumbers; ++i) numbers[i] = chosen >> i & 1;
         const std::string bytes = Expand(e, "sgr", numbers);
-        const std::string message = SgrDifference(drawing + bytes, numbers);
+        std::string message = SgrDifference(drawing + bytes, numbers);
+        if (message.empty()) message = SgrDifference(enable + bytes, numbers);
         if (!message.empty()) return AsEscapeText(bytes) + ": " + message;
     }
     return "";
@@ -155,6 +164,7 @@ static std::string AlternatePairs(const TerminfoEntry& e) {
         const bool sent = (cell & 0xFF) == static_cast<BYTE>(pairs[i + 1]);
         if (!sent || !ShowsGlyph(cell, pairs[i])) wrong += pairs[i];
     }
+    if (pairs.size() % 2 != 0) return "a glyph has no character";
     return wrong.empty() ? "" : "not the glyphs of " + wrong;
 }
 
@@ -254,6 +264,8 @@ static bool Matches(const std::string& pattern, const std::string& text) {
             const size_t end = pattern.find(']', i + 2);
             set = pattern.substr(i + 1, end - i - 1);
             i = end;
+        } else if (kind != 'd') {
+            return false;
         }
         if (at >= text.size() || set.find(text[at]) == std::string::npos) return false;
         while (at < text.size() && set.find(text[at]) != std::string::npos) ++at;
@@ -314,9 +326,6 @@ static std::string StaysSane(const std::string& bytes) {
     return state.empty() ? Letters() : state;
 }
 
-static std::string Initialise(const TerminfoEntry& e) {
-    return StaysSane(Expand(e, "is1") + Expand(e, "is2") + Expand(e, "is3"));
-}
 static std::string CursorMode(const TerminfoEntry& e) {
     return StaysSane(Expand(e, "smcup") + Expand(e, "rmcup"));
 }
@@ -347,16 +356,30 @@ static std::string Reset(const TerminfoEntry& e) {
     return StaysSane(bytes);
 }
 
-// Local echo is left to the host's way of working, and an open device control string to a reset.
-std::string LeftByInitialising(const TerminfoEntry& entry) {
-    const std::string bytes = Expand(entry, "is1") + Expand(entry, "is2") + Expand(entry, "is3");
+// After each mess but an open device control string, which takes a reset, and those with `skipped`.
+static std::string LeftBy(const std::string& bytes, const char* skipped) {
     for (const char* mess : kMesses) {
-        const bool left = strstr(mess, "[12l") || strchr(mess, 'P');
+        const bool left = strchr(mess, 'P') || (skipped && strstr(mess, skipped));
         const std::string message = left ? "" : SaneAfter(mess, bytes);
         if (!message.empty()) return message;
     }
-    return PrintsNothing(bytes);
+    return "";
 }
+
+// A program may send rs2 alone.
+static std::string SecondReset(const TerminfoEntry& e) {
+    const std::string message = Reset(e);
+    return message.empty() ? LeftBy(Expand(e, "rs2"), nullptr) : message;
+}
+
+// Local echo is left to the host's way of working.
+std::string LeftByInitialising(const TerminfoEntry& entry) {
+    const std::string bytes = Expand(entry, "is1") + Expand(entry, "is2") + Expand(entry, "is3");
+    const std::string message = LeftBy(bytes, "[12l");
+    return message.empty() ? PrintsNothing(bytes) : message;
+}
+
+static std::string Initialise(const TerminfoEntry& e) { return LeftByInitialising(e); }
 
 static std::string NotShown(const TerminfoEntry&) { return "the terminal shows nothing of it"; }
 static std::string Neutral(const TerminfoEntry&) { return ""; }
@@ -386,7 +409,7 @@ static const CheckRow kLooks[] = {
     {"rmso",  Loss::kLook,   EndStandout       },
     {"rmul",  Loss::kLook,   EndUnderline      },
     {"rs1",   Loss::kReset,  Reset             },
-    {"rs2",   Loss::kReset,  Reset             },
+    {"rs2",   Loss::kReset,  SecondReset       },
     {"rs3",   Loss::kReset,  Reset             },
     {"sc",    Loss::kScreen, SavedCursor       },
     {"sgr",   Loss::kLook,   SetAttributes     },
@@ -424,6 +447,11 @@ static const CheckRow kLooks[] = {
     {"lf10",   Loss::kLook,   Neutral           },
 };
 // clang-format on
+
+bool IsNeutral(const std::string& capability) {
+    const CheckRow* row = FindLookCheck(capability);
+    return row && row->check == Neutral;
+}
 
 const CheckRow* FindLookCheck(const std::string& capability) {
     for (const CheckRow& row : kLooks) {

@@ -9,7 +9,8 @@
 #include "tests/terminal/terminal_state.h"
 
 static DWORD PatternCell(int row, int col) {
-    const DWORD attributes = static_cast<DWORD>((row * 5 + col * 3) % 16) << 8;
+    const DWORD protection = (row + col) % 3 == 0 ? DWORD{kCellProtected} : 0;
+    const DWORD attributes = static_cast<DWORD>((row * 5 + col * 3) % 16) << 8 | protection;
     return static_cast<DWORD>('A' + (row * 7 + col) % 58) | attributes;
 }
 

@@ -13,6 +13,8 @@ const char* LossName(Loss loss) {
             return "reset";
         case Loss::kKey:
             return "key";
+        case Loss::kEdge:
+            return "edge";
     }
     return "";
 }
@@ -67,6 +69,8 @@ std::vector<Finding> ProveCapability(const TerminfoEntry& entry, const std::stri
     } else if (!IsKey(capability)) {
         finding = CheckString(entry, capability);
     }
+    if (finding.message.empty())
+        finding = {capability, Loss::kEdge, LeavesTheScreen(entry, capability)};
     if (finding.message.empty()) return {};
     return {finding};
 }

@@ -14,6 +14,8 @@ enum class Loss {
     kLook,    // something is not shown: a colour, a glyph, a status line
     kReset,   // a state that the entry's reset leaves
     kKey,     // a key sends something else
+    kEdge,    // right wherever the manual says what happens, but a step leaves the screen or
+              // scrolls it at an edge
 };
 
 struct Finding {
@@ -48,13 +50,19 @@ struct CheckRow {
 // effects.cpp: strings that change cells or move the cursor. False for a string that is not theirs.
 bool CheckEffect(const TerminfoEntry& entry, const std::string& capability, std::string* message);
 
+// A step of the cursor that leaves the screen or changes it at an edge, where the manual leaves
+// open what happens; empty for one that stops there, and for all other strings.
+std::string LeavesTheScreen(const TerminfoEntry& entry, const std::string& capability);
+
 // looks.cpp: attributes, character sets, modes and resets. Null for a string that is not theirs.
 const CheckRow* FindLookCheck(const std::string& capability);
+// One that no program that paints reads: a file's name, a label, a character for padding.
+bool IsNeutral(const std::string& capability);
 // A mode that the entry's initialising (tput init) leaves on; empty if it leaves nothing, prints
 // nothing and does not move the cursor.
 std::string LeftByInitialising(const TerminfoEntry& entry);
 
-// flags.cpp: flags, absent flags ("no am") and numbers. Null for one that promises nothing.
+// flags.cpp: flags, absent flags ("no am") and numbers. Every name that curses has is there.
 const CheckRow* FindFlagCheck(const std::string& capability);
 
 // keys.cpp: what a key sends. Null for a key that the terminal has not.

@@ -13,8 +13,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 #include "tests/hosts/feed.h"
 
@@ -36,6 +34,13 @@ static std::vector<char*> Pointers(std::vector<std::string>* texts) {
     return pointers;
 }
 
+// In place of a variable of that name: of two, programs differ in which one they take.
+static void Set(const std::string& variable, std::vector<std::string>* all) {
+    const std::string name = variable.substr(0, variable.find('=') + 1);
+    std::erase_if(*all, [&](const std::string& other) { return other.rfind(name, 0) == 0; });
+    all->push_back(variable);
+}
+
 static std::vector<std::string> EnvironmentOf(const PtyOptions& options, const std::string& mark) {
     const char* path = getenv("PATH");
     const char* terminfo = getenv("TERMINFO");
@@ -45,7 +50,7 @@ static std::vector<std::string> EnvironmentOf(const PtyOptions& options, const s
                                     "PATH=" + std::string(path ? path : "/usr/bin:/bin"),
                                     "HOME=" + options.home,
                                     mark};
-    all.insert(all.end(), options.environment.begin(), options.environment.end());
+    for (const std::string& variable : options.environment) Set(variable, &all);
     return all;
 }
 
@@ -92,9 +97,16 @@ bool StartOnPty(const PtyOptions& options, PtyProgram* program) {
     return program->pid > 0;
 }
 
+// What of it can be read: a process may end meanwhile, and its files in /proc with it.
 static std::string ReadFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::string text;
+    FILE* file = fopen(path.c_str(), "rb");
+    if (!file) return text;
+    char buffer[4096];
+    for (size_t count; (count = fread(buffer, 1, sizeof buffer, file)) > 0;)
+        text.append(buffer, count);
+    fclose(file);
+    return text;
 }
 
 // Processes with the mark. A name that ends in NUL keeps mark 1 from being part of mark 11.

@@ -24,6 +24,16 @@ static void ReadAll(TerminfoEntry* entry) {
     }
 }
 
+static std::set<std::string> AllOf(NCURSES_CONST char* const* names) {
+    std::set<std::string> all;
+    for (; *names; ++names) all.insert(*names);
+    return all;
+}
+
+std::set<std::string> FlagNames() { return AllOf(boolnames); }
+std::set<std::string> NumberNames() { return AllOf(numnames); }
+std::set<std::string> StringNames() { return AllOf(strnames); }
+
 bool ReadEntry(const std::string& name, TerminfoEntry* entry) {
     use_env(FALSE);
     int status = 0;

@@ -17,6 +17,11 @@ struct TerminfoEntry {
 // Looked up as every program does, $TERMINFO first. False without such an entry.
 bool ReadEntry(const std::string& name, TerminfoEntry* entry);
 
+// The names that curses knows, also those that only a termcap had (OT...).
+std::set<std::string> FlagNames();
+std::set<std::string> NumberNames();
+std::set<std::string> StringNames();
+
 inline constexpr int kMostNumbers = 9;
 
 // A string with its numbers filled in, up to nine of them, and without its padding. A capability

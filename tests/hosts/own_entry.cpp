@@ -1,0 +1,139 @@
+// What the entry of this terminal is held to beyond the manual.
+#include "tests/hosts/own_entry.h"
+
+#include <cstring>
+
+#include "terminal/screen_buffer.h"
+#include "tests/hosts/picture.h"
+
+// What the terminal does and `quill` leaves out, with the reason.
+struct LeftOut {
+    const char* capability;
+    const char* reason;
+};
+
+// clang-format off
+static const LeftOut kLeftOut[] = {
+    {"OTbs",  "cub1 is BS"},
+    {"OTNL",  "cud1 is not LF, which scrolls"},
+    {"OTpt",  "ht is HT"},
+    {"cvvis", "the cursor has no second look"},
+    {"enacs", "smacs and rmacs designate G0 themselves"},
+    {"ich1",  "ich does it, and programs that find ich1 beside smir insert twice"},
+    {"is1",   "is2 does it all"},
+    {"is3",   "is2 does it all"},
+    {"ll",    "cup is as short"},
+    {"ma",    "programs take all attributes of sgr together"},
+    {"rmcup", "there is nothing to come back to"},
+    {"rmkx",  "keys send the same in every mode"},
+    {"rs3",   "rs1 and rs2 do it all"},
+    {"smcup", "there is no other screen"},
+    {"smkx",  "keys send the same in every mode"},
+};
+// clang-format on
+
+bool IsLeftOut(const std::string& capability) {
+    for (const LeftOut& row : kLeftOut) {
+        if (capability == row.capability) return true;
+    }
+    return false;
+}
+
+// ---------------------------------------------------------------- setting up
+
+static const Start kMiddle = {12, 20, 1, kScreenRows, 0, false, false};
+
+// As the full reset leaves G1.
+static std::string SetsAfter(const std::string& bytes) {
+    SetUp(kMiddle);
+    Feed("\033)B" + bytes);
+    return session.modes.g1_set ? "" : "G1 is not the line drawing set";
+}
+
+static std::string LeavesTheText(const std::string& bytes) {
+    SetUp(kMiddle);
+    const Picture before = TakePicture();
+    Feed(bytes);
+    return Difference(before, TakePicture(), true);
+}
+
+static std::string ClearsAll(const std::string& bytes) {
+    SetUp(kMiddle);
+    Feed("\033[3g\033Psilence" + bytes + "\t");
+    for (int row = 1; row <= kScreenRows; ++row) {
+        for (int col = 1; col <= kScreenColumns; ++col) {
+            if (GetCell(row, col) != kBlank) return "text stays on the screen";
+        }
+    }
+    return session.screen.cursor_col == 9 ? "" : "the tab stops are not every 8 columns";
+}
+
+std::vector<std::string> FaultsOfSettingUp(const TerminfoEntry& entry) {
+    std::vector<std::string> faults;
+    const auto note = [&](const char* name, const std::string& fault) {
+        if (!fault.empty()) faults.push_back(std::string(name) + ": " + fault);
+    };
+    for (const char* name : {"is2", "rs2"}) {
+        note(name, SetsAfter(Expand(entry, name)));
+        note(name, LeavesTheText(Expand(entry, name)));
+    }
+    note("rs1", SetsAfter(Expand(entry, "rs1")));
+    note("rs1", ClearsAll(Expand(entry, "rs1")));
+    return faults;
+}
+
+// ---------------------------------------------------------------- expressions
+
+// Those that the entry has a use for: %%, %d, %c, %i, %p1, %{1}, operators, and conditions.
+std::string FaultOfExpression(const std::string& text) {
+    int open = 0;
+    for (size_t i = text.find('%'); i != text.npos; i = text.find('%', i + 1)) {
+        const char kind = ++i < text.size() ? text[i] : '?';
+        if (i >= text.size() || !strchr("%dcip{+-*/m&|^=<>AO!~?te;", kind))
+            return "no expression begins with %" + text.substr(i, 1);
+        open += kind == '?' ? 1 : kind == ';' ? -1 : 0;
+        if ((kind == 't' || kind == 'e') && open == 0) return "a condition has no begin";
+    }
+    return open == 0 ? "" : "a condition has no end";
+}
+
+// ---------------------------------------------------------------- all of it
+
+static bool HoldsWith(TerminfoEntry entry, const std::string& flag) {
+    entry.flags.insert(flag);
+    return ProveCapability(entry, flag).empty();
+}
+
+static bool HoldsWith(TerminfoEntry entry, const std::string& number, int value) {
+    entry.numbers[number] = value;
+    return ProveCapability(entry, number).empty();
+}
+
+static void NoteLacking(const TerminfoEntry& entry, std::vector<std::string>* faults) {
+    for (const std::string& flag : FlagNames()) {
+        if (entry.flags.count(flag) == 0 && !IsLeftOut(flag) && HoldsWith(entry, flag))
+            faults->push_back("the terminal does " + flag + ", and the entry lacks it");
+    }
+    for (const std::string& number : NumberNames()) {
+        if (entry.numbers.count(number) != 0 || IsLeftOut(number)) continue;
+        for (const int value : {0, 1, 4, 8, 24, 80, 9600}) {
+            if (HoldsWith(entry, number, value))
+                faults->push_back("the entry lacks " + number + "#" + std::to_string(value));
+        }
+    }
+}
+
+std::vector<std::string> FaultsOfOwnEntry(const TerminfoEntry& entry) {
+    std::vector<std::string> faults = FaultsOfSettingUp(entry);
+    for (const Finding& finding : ProveEntry(entry))
+        faults.push_back(finding.capability + ": " + finding.message);
+    NoteLacking(entry, &faults);
+    for (const auto& [capability, text] : entry.strings) {
+        const std::string fault = capability[0] == 'u' ? "" : FaultOfExpression(text);
+        if (!fault.empty()) faults.push_back(capability + ": " + fault);
+        if (IsNeutral(capability)) faults.push_back(capability + " promises nothing");
+        if (capability[0] == 'k' && !FindKey(capability))
+            faults.push_back("the key table has no key " + capability);
+    }
+    return faults;
+}

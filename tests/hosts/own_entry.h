@@ -1,0 +1,22 @@
+// The entry of this terminal is held to more than the manual asks of any entry: what it lacks, and
+// what its strings for setting up leave.
+#ifndef QUILL_TESTS_HOSTS_OWN_ENTRY_H
+#define QUILL_TESTS_HOSTS_OWN_ENTRY_H
+
+#include "tests/hosts/proof.h"
+
+// Broken promises, flags and numbers that the terminal would keep and the entry lacks, strings that
+// promise nothing, keys that the key table lacks. One message each; none for a true entry.
+std::vector<std::string> FaultsOfOwnEntry(const TerminfoEntry& entry);
+
+// A string with an expression that terminfo(5) does not define; empty for a true one. The terminal
+// may take what such an expression leaves behind.
+std::string FaultOfExpression(const std::string& text);
+
+// Of those, what is2, rs1 and rs2 do, each sent alone.
+std::vector<std::string> FaultsOfSettingUp(const TerminfoEntry& entry);
+
+// What the terminal does and the entry leaves out for a reason.
+bool IsLeftOut(const std::string& capability);
+
+#endif
