@@ -13,9 +13,9 @@ namespace {
 // Paints the first rows as changed ones, while nobody looks on; how often memory was allocated.
 long AllocationsOfAFrame(int rows) {
     for (int row = 1; row <= rows; row++) session.screen.row_changed[row] = 1;
-    InvalidateRect(session.terminal_window, nullptr, FALSE);
+    InvalidateRect(session.client_window, nullptr, FALSE);
     StartCountingAllocations();
-    UpdateWindow(session.terminal_window);
+    UpdateWindow(session.client_window);
     return StopCountingAllocations();
 }
 

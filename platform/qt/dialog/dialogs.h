@@ -55,7 +55,7 @@ extern const WindowOperations kDialogOperations;
 void PlaceDialog(Window& window, const QRect& rect);  // on the device's screen
 QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content);
 
-// dialog_controls.cpp
+// controls.cpp
 struct MessageRow {
     UINT message;
     LRESULT (*handle)(Window& window, WPARAM wparam, LPARAM lparam);
@@ -73,10 +73,10 @@ struct ControlData {
     int limit = 0;         // of what the user types into an edit
     bool at_once = false;  // notices are sent, not queued: the program clicks, not the user
 };
-void LimitTyping(HWND control, QWidget* edit, int limit);  // dialog_edits.cpp
+void LimitTyping(HWND control, QWidget* edit, int limit);  // edits.cpp
 
-extern const ControlClass kListBoxClass;   // dialog_lists.cpp
-extern const ControlClass kComboBoxClass;  // dialog_combo.cpp
+extern const ControlClass kListBoxClass;   // lists.cpp
+extern const ControlClass kComboBoxClass;  // combo_boxes.cpp
 
 // All of a template's controls, with focus order, groups and names; false for an unknown class.
 bool MakeControls(Window& dialog, const DialogTemplate& shape);
@@ -103,8 +103,8 @@ int FindEntry(const QStringList& entries, int after, const QString& wanted, bool
 int SortedPlace(const QStringList& entries, const QString& text);
 int PlaceOf(WPARAM row, int count);
 
+// dialogs.cpp: the button that Enter presses
 class QPushButton;
-class QWidget;
 
 // From now on the push button with the focus is the window's default button, and the `usual` one
 // while the focus is elsewhere. It is the one that is drawn so: QPushButton::isDefault tells it.
@@ -113,7 +113,7 @@ void FollowFocusWithDefault(QWidget* window, const std::function<QPushButton*()>
 
 // The window's default button, if it can be seen; else null.
 QPushButton* ShownDefault(const QWidget& window);
-
+// buttons.cpp, edits.cpp
 extern const ControlClass kButtonClass;
 extern const ControlClass kEditClass;
 extern const ControlClass kStaticClass;

@@ -1,6 +1,5 @@
-// The host's sockets, free of windows_ce.h, whose macros take the names of the calls used here:
-// network streams as WinSock needs them, streams between programs of one user, looking up names,
-// and WinSock's numbers for the errors.
+// The host's sockets, names and error numbers, as WinSock needs them. This header and its .cpp stay
+// free of windows_ce.h, whose macros take the names of the calls used here.
 #ifndef QUILL_PLATFORM_QT_SERVICES_POSIX_SOCKETS_H
 #define QUILL_PLATFORM_QT_SERVICES_POSIX_SOCKETS_H
 
@@ -12,6 +11,8 @@
 #include <string>
 #include <vector>
 
+// Network streams: shared between threads, closed under a waiting one, and with the end of a
+// connection request kept apart from data. Results are 0 or more, or a negative errno.
 enum class SocketState { kFresh, kConnecting, kConnected, kFailed };
 
 // The descriptor is closed when the last thread lets go of the object.
@@ -93,7 +94,9 @@ int WaitForSockets(std::vector<SocketWait>* waits, int64_t microseconds);
 // Whether an interface is up that leads anywhere but back.
 bool HasNetworkInterface();
 
-// A name has 100 bytes at most.
+// Streams between programs of one user on this machine, by names of the kernel that leave nothing
+// on the disk. A name has 100 bytes at most. A descriptor below 0 is none; none of these ends the
+// program by a signal.
 int ListenLocally(const std::string& name);  // does not block; below 0: the name is taken
 int AcceptLocally(int listener);           // does not block; callers of other users are turned away
 int CallLocally(const std::string& name);  // below 0: nobody listens
@@ -103,9 +106,11 @@ long HearLocally(int socket, char* bytes, size_t size);
 bool AwaitLocally(int socket, int milliseconds);  // whether there is something to hear by then
 void CloseLocally(int socket);
 
-// At least one address, in network byte order, or a result of getaddrinfo other than 0.
+// Looking up names. At least one IPv4 address, in network byte order, or a result of getaddrinfo
+// other than 0.
 int LookUpAddresses(const char* name, std::vector<uint32_t>* addresses, std::string* official);
 
+// WinSock's numbers for errors.
 inline constexpr int kWsaEFault = 10014;
 inline constexpr int kWsaEInval = 10022;
 inline constexpr int kWsaEMFile = 10024;

@@ -1,4 +1,8 @@
-// The registry's file.
+// The registry's file: ROOT/registry.db, a SQLite database of one table (key, name, type, data),
+// mode 0600, in WAL mode, so that a process killed at any moment leaves each value old or new.
+// A row without a name says that its key exists. A file that cannot be read as that table is
+// renamed to registry.db.damaged (then .damaged-2, ...), and a fresh one is begun. Several
+// processes may share a root.
 #ifndef QUILL_PLATFORM_QT_SERVICES_REGISTRY_H
 #define QUILL_PLATFORM_QT_SERVICES_REGISTRY_H
 

@@ -109,6 +109,8 @@ bool FindResourceBytes(LPCWSTR type, LPCWSTR name, const uint8_t** bytes, size_t
     return false;
 }
 
+// ---------------------------------------------------------------- accelerators
+
 namespace {
 
 constexpr WORD kLastRow = 0x80;
@@ -144,6 +146,10 @@ HACCEL LoadAcceleratorsW(HINSTANCE, LPCWSTR name) {
     return table.get();
 }
 
+// ---------------------------------------------------------------- menus
+
+// A header of two words, then items of flags, id (not for submenus) and text, each submenu followed
+// by its own items; a flag marks the last item of each level.
 namespace {
 
 constexpr WORD kSubmenu = 0x10;
@@ -178,6 +184,9 @@ std::vector<MenuItem> ReadMenu(WORD name) {
     return ReadItems(&reader, 1);
 }
 
+// ---------------------------------------------------------------- dialogs
+
+// Two layouts, told apart by the words that the newer one begins with.
 namespace {
 
 constexpr WORD kExtendedVersion = 1;
@@ -249,6 +258,8 @@ bool LoadDialogTemplate(LPCWSTR name, DialogTemplate* result) {
     return FindResourceBytes(MAKEINTRESOURCE(kResourceDialog), name, &bytes, &size) &&
            ReadDialogTemplate(bytes, size, result);
 }
+
+// ---------------------------------------------------------------- bitmaps and icons
 
 namespace {
 
