@@ -1,7 +1,11 @@
 # What of the slice needs no window: registry, sockets, remote access, threads, time, files, text
 # and the reading of resources.
-find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
-find_package(SQLite3 REQUIRED)
+if(QUILL_DEVICE)
+    include(${CMAKE_SOURCE_DIR}/tests/devices/stand_ins.cmake)
+else()
+    find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
+    find_package(SQLite3 REQUIRED)
+endif()
 find_package(Threads REQUIRED)
 
 quill_library(platform_services

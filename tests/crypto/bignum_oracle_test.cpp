@@ -7,7 +7,7 @@
 #include "crypto/bignum.h"
 #include "crypto/long_division.h"
 #include "crypto/wipe.h"
-#include "crypto_test_support.h"
+#include "gmp_bridge.h"
 
 static const int kMaxBits = 2100;
 

@@ -5,7 +5,7 @@
 
 #include "crypto/long_division.h"
 #include "crypto/wipe.h"
-#include "crypto_test_support.h"
+#include "gmp_bridge.h"
 
 static Number Make(int words, std::initializer_list<int> values) {
     Number a(BignumNew(words));

@@ -12,7 +12,7 @@
 #include "crypto/random.h"
 #include "crypto/rsa.h"
 #include "crypto/sha1.h"
-#include "crypto_test_support.h"
+#include "gmp_bridge.h"
 #include "public_key_blobs.h"
 
 static void Seed(int milliseconds) {

@@ -1,0 +1,32 @@
+#!/bin/sh
+# Prints how many instructions a key exchange of SSH-2, a megabyte of 3DES and a screen cost here and on
+# the other processors that are built: QEMU's user mode runs all of them, this machine's own code too,
+# and a plugin of it counts. What the program costs that does nothing is taken off.
+# Usage: tests/devices/cost.sh PROCESSOR...
+set -eu
+cd "$(dirname "$0")/../.."
+mkdir -p build/devices
+cc -O2 -Wall -Wextra -Werror -shared -fPIC -o build/devices/count_instructions.so tests/devices/count_instructions.c
+
+# instructions EMULATOR PROGRAM WORK
+instructions() {
+    $1 -plugin build/devices/count_instructions.so "$2" "$3" 2>&1
+}
+
+cost_of() {
+    nothing=$(instructions "$2" "$3" nothing)
+    for work in exchange 3des screen; do
+        echo "$1 $work $(($(instructions "$2" "$3" $work) - nothing))"
+    done
+}
+
+. scripts/packages.sh
+configure_preset release
+build_preset release device_cost
+cost_of this "qemu-$(uname -m)" build/release/tests/devices/device_cost
+for device; do
+    configure_preset "$device"
+    build_preset "$device" device_cost
+    case $device in armel) emulator="qemu-arm -cpu arm926" ;; *) emulator=qemu-$device ;; esac
+    cost_of "$device" "$emulator" "build/$device/tests/devices/device_cost"
+done
