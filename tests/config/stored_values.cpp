@@ -1,7 +1,7 @@
 // The values of the registry's file, read with SQLite itself.
 #include <sqlite3.h>
 
-#include "platform/qt/device_root.h"
+#include "platform/qt/services/device_root.h"
 #include "tests/config/device.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "flat_registry.h"
-#include "platform/qt/device_root.h"
-#include "platform/qt/registry_store.h"
+#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/registry_store.h"
 
 namespace {
 

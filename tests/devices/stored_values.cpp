@@ -1,6 +1,6 @@
 // The values of the registry's file, where there is no SQLite.
 #include "flat_registry.h"
-#include "platform/qt/device_root.h"
+#include "platform/qt/services/device_root.h"
 #include "tests/config/device.h"
 
 std::vector<RegistryValue> StoredValues() {

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <vector>
 
-#include "platform/qt/device_root.h"
+#include "platform/qt/services/device_root.h"
 #include "platform/qt/testing_services.h"
 #include "windows_ce.h"
 
