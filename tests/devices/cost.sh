@@ -5,12 +5,12 @@
 # Usage: tests/devices/cost.sh PROCESSOR...
 set -eu
 cd "$(dirname "$0")/../.."
-mkdir -p build/devices
-cc -O2 -Wall -Wextra -Werror -shared -fPIC -o build/devices/count_instructions.so tests/devices/count_instructions.c
+mkdir -p build
+cc -O2 -Wall -Wextra -Werror -shared -fPIC -o build/count_instructions.so tests/devices/count_instructions.c
 
 # instructions EMULATOR PROGRAM WORK
 instructions() {
-    $1 -plugin build/devices/count_instructions.so "$2" "$3" 2>&1
+    $1 -plugin build/count_instructions.so "$2" "$3" 2>&1
 }
 
 cost_of() {
