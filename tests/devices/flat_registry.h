@@ -1,5 +1,5 @@
-// The registry's file on a processor for which there is no SQLite: all rows in the order in which they
-// were first written.
+// The registry's file on a processor for which there is no SQLite: all rows in the order in which
+// they were first written.
 #ifndef QUILL_TESTS_DEVICES_FLAT_REGISTRY_H
 #define QUILL_TESTS_DEVICES_FLAT_REGISTRY_H
 
