@@ -85,9 +85,27 @@ function(quill_test name label)
     quill_program(${name} ${ARGN})
     target_compile_options(${name} PRIVATE ${QUILL_TEST_OPTIONS})
     target_link_libraries(${name} PRIVATE GTest::gtest)
+    if(QUILL_DEVICE)
+        quill_device_test(${name} ${label})
+        return()
+    endif()
     gtest_discover_tests(${name} TEST_PREFIX "${label}." DISCOVERY_TIMEOUT 60
                          PROPERTIES LABELS "${label}" TIMEOUT 120
                          ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()
+
+# On another processor each program is one test: an emulator takes long to start. The program writes
+# down what became of each of its own tests.
+function(quill_device_test name label)
+    set_property(GLOBAL APPEND PROPERTY QUILL_DEVICE_TESTS ${name})
+    if(name IN_LIST QUILL_DEVICE_SHORT)
+        list(APPEND label short)
+    endif()
+    list(GET label 0 prefix)
+    add_test(NAME ${prefix}.${name}
+             COMMAND ${name} --gtest_brief=1 --gtest_output=xml:${CMAKE_BINARY_DIR}/reports/${name}.xml)
+    set_tests_properties(${prefix}.${name} PROPERTIES LABELS "${label}" TIMEOUT 600 ENVIRONMENT
+                         QUILL_JUDGE_ANSWERS=${CMAKE_SOURCE_DIR}/build/devices/judge.answers)
 endfunction()
 
 # quill_person_tests(TARGETS...): tests that drive the running program, with the headers that all of

@@ -184,7 +184,7 @@ static inline CipherBlock FinalPermutation(Halves halves) {
 
 static inline uint64_t RoundFunction(uint64_t half, uint64_t key) {
     uint64_t x = half ^ key;
-    uint64_t a = kRoundTable[0][x >> 56] ^ kRoundTable[1][x >> 24 & 0xFF];
+    uint64_t a = kRoundTable[0][static_cast<uint8_t>(x >> 56)] ^ kRoundTable[1][x >> 24 & 0xFF];
     uint64_t b = kRoundTable[2][x >> 48 & 0xFF] ^ kRoundTable[3][x >> 16 & 0xFF];
     uint64_t c = kRoundTable[4][x >> 40 & 0xFF] ^ kRoundTable[5][x >> 8 & 0xFF];
     uint64_t d = kRoundTable[6][x >> 32 & 0xFF] ^ kRoundTable[7][x & 0xFF];

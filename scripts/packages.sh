@@ -18,6 +18,16 @@ PACKAGES_TEST="libgtest-dev clang libclang-rt-dev|libclang-rt-14-dev|libclang-rt
     python3 python3-pycryptodome googletest wine wine64
     libncurses-dev ncurses-term vim nano less mc dialog htop procps tmux w3m
     openbox lintian desktop-file-utils appstream man-db groff-base binutils"
+# The compilers of the other processors: some 45 MB to fetch and 160 MB on the disk each.
+device_packages() {
+    echo qemu-user
+    for device; do
+        case $device in
+            armel) echo g++-arm-linux-gnueabi ;;
+            *) echo "g++-$device-linux-gnu" ;;
+        esac
+    done
+}
 TOOLS_BUILD="c++ cmake ninja tic x86_64-w64-mingw32-windres"
 
 is_installed() {

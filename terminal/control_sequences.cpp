@@ -214,11 +214,14 @@ int CollectParameters(const BYTE* bytes, int count) {
 static const uint64_t kEveryByte = 0x0101010101010101;
 static const int kLongestNumber = 2;  // digits
 
+static uint64_t FirstByteLowest(uint64_t word) {
+    return std::endian::native == std::endian::little ? word : __builtin_bswap64(word);
+}
+
 static uint64_t LoadEight(const void* bytes) {
-    static_assert(std::endian::native == std::endian::little, "the first byte must be the lowest");
     uint64_t word;
     memcpy(&word, bytes, sizeof word);
-    return word;
+    return FirstByteLowest(word);
 }
 
 // The number in the lowest `count` bytes, each 0..9. A count below 1 yields 0; at most 2.
@@ -246,7 +249,8 @@ int RunCommonSequence(const BYTE* bytes, int count) {
     if (!final.parses || final.replies || leading_zeros) return 0;
 
     ParserState& parser = session.parser;
-    const uint64_t text = (LoadEight(parser.param_text) & ~inside) | (word & inside);
+    const uint64_t text =
+        FirstByteLowest((LoadEight(parser.param_text) & ~inside) | (word & inside));
     memcpy(parser.param_text, &text, sizeof text);
     parser.param_len = length;
     parser.private_flag = 0;

@@ -1,10 +1,15 @@
 # What of the slice needs no window: registry, sockets, remote access, threads, time, files, text
 # and the reading of resources.
-find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
-find_package(SQLite3 REQUIRED)
+if(QUILL_DEVICE)
+    include(${CMAKE_SOURCE_DIR}/tests/devices/stand_ins.cmake)
+else()
+    find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
+    find_package(SQLite3 REQUIRED)
+endif()
 find_package(Threads REQUIRED)
 
-set(SERVICES export_settings files kernel posix_sockets registry remote_access resources run_values text winsock)
+set(SERVICES export_settings files kernel posix_sockets registry registry_store remote_access
+    resources run_values text winsock)
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)
 quill_library(platform_services ${SERVICES})

@@ -1,7 +1,6 @@
-// The device of a test, and what its registry file holds.
+// The device of a test, and what it stores.
 #include "tests/config/device.h"
 
-#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,19 +17,7 @@
 namespace {
 
 constexpr LPCWSTR kKey = TEXT("Software\\QUILLWARE\\TELNET");
-const char kQuery[] =
-    "SELECT name, type, data FROM registry "
-    "WHERE key = 'HKEY_LOCAL_MACHINE\\Software\\QUILLWARE\\TELNET' AND name IS NOT NULL "
-    "ORDER BY rowid";
 constexpr uid_t kSomebodyElse = 65534;
-
-RegistryValue ValueOfRow(sqlite3_stmt* statement) {
-    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, 2));
-    const auto size = static_cast<size_t>(sqlite3_column_bytes(statement, 2));
-    return {reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)),
-            static_cast<DWORD>(sqlite3_column_int64(statement, 1)),
-            bytes ? std::string(bytes, size) : std::string()};
-}
 
 }  // namespace
 
@@ -49,19 +36,6 @@ void DeviceTest::TearDown() {
     CloseRegistry();
     chmod(root_.c_str(), 0700);
     std::filesystem::remove_all(root_);
-}
-
-std::vector<RegistryValue> StoredValues() {
-    std::vector<RegistryValue> values;
-    sqlite3* database = nullptr;
-    sqlite3_stmt* statement = nullptr;
-    const std::string file = DeviceRoot() + "/registry.db";
-    if (sqlite3_open_v2(file.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK &&
-        sqlite3_prepare_v2(database, kQuery, -1, &statement, nullptr) == SQLITE_OK)
-        while (sqlite3_step(statement) == SQLITE_ROW) values.push_back(ValueOfRow(statement));
-    sqlite3_finalize(statement);
-    sqlite3_close(database);
-    return values;
 }
 
 RegistryValue Stored(const std::string& name) {
@@ -117,18 +91,11 @@ std::u16string Wide(const std::string& latin) {
 }
 
 std::string NumberBytes(DWORD value) {
-    std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<char>(value >> shift));
-    return bytes;
+    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
 std::string TextBytes(const std::u16string& text) {
-    std::string bytes;
-    for (const char16_t unit : text) {
-        bytes.push_back(static_cast<char>(unit & 0xFF));
-        bytes.push_back(static_cast<char>(unit >> 8));
-    }
-    return bytes;
+    return std::string(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t));
 }
 
 std::string TerminatedBytes(const std::u16string& text) {

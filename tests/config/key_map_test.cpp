@@ -170,7 +170,7 @@ TEST_F(KeyMap, LoadingTwiceReplacesTheTexts) {
 }
 
 TEST_F(KeyMap, ANumberInPlaceOfATextIsTakenAsItsCharacters) {
-    StoreNumber("key0", 0x00620061);
+    Store("key0", REG_DWORD, TextBytes(u"ab"));
     Store("key1", REG_DWORD, std::string(4, '\0'));
     LoadKeyMap();
     EXPECT_STREQ("ab", key_map[0].text);

@@ -1,6 +1,8 @@
 // Loading and saving of the settings: every row, the types, what damaged values come to.
 #include "settings/settings.h"
 
+#include <cstring>
+
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "settings/toolbars.h"
@@ -212,8 +214,11 @@ TEST_F(SettingsStore, AShortStringWithoutTerminatorEndsWithItsBytes) {
 }
 
 TEST_F(SettingsStore, AnOddByteCountsAsHalfACharacter) {
-    Store("sear1", REG_SZ, std::string("a\0b", 3));
-    EXPECT_EQ(u"ab", LoadedText("sear1"));
+    Store("sear1", REG_SZ, TextBytes(u"a") + "b");
+    std::u16string text = u"a?";
+    text[1] = 0;
+    memcpy(&text[1], "b", 1);
+    EXPECT_EQ(text, LoadedText("sear1"));
 }
 
 TEST_F(SettingsStore, AnEmptyValueIsAnEmptyStringAndTheNumber0) {
@@ -224,8 +229,8 @@ TEST_F(SettingsStore, AnEmptyValueIsAnEmptyStringAndTheNumber0) {
 }
 
 TEST_F(SettingsStore, TheTypeOfAValueIsNotChecked) {
-    Store("fsize", REG_SZ, TerminatedBytes(u"9"));
-    StoreNumber("sear1", 0x00620061);
+    Store("fsize", REG_SZ, NumberBytes(u'9'));
+    Store("sear1", REG_DWORD, TextBytes(u"ab"));
     EXPECT_EQ(u'9', LoadedNumber("fsize"));
     EXPECT_EQ(u"ab", LoadedText("sear1"));
 }

@@ -1,9 +1,11 @@
 // Which buttons a bar gets, and what each carries.
+#include "ui/main_window.h"
+
+#include <bit>
 #include "session/session_state.h"
 #include "settings/toolbars.h"
 #include "tests/config/command_bar_double.h"
 #include "tests/config/device.h"
-#include "ui/main_window.h"
 
 namespace {
 
@@ -148,9 +150,11 @@ TEST_F(ToolbarButtons, WhileConnectedTheConnectButtonReadsDisconnect) {
 TEST_F(ToolbarButtons, WhatTheRegistryHoldsBesideThreeBitsIsNotShown) {
     StoreAll(0xFFFFFFF8);
     StoreNumber("tbar3", 0xFFFFFFFF);
-    Store("tbar4", REG_SZ, TextBytes(u"77"));   // '7' is 0x37
-    Store("tbar5", REG_SZ, std::string(1, 6));  // one byte
-    Store("tbar6", REG_DWORD, "");              // none
+    Store("tbar4", REG_SZ, TextBytes(u"77"));  // '7' is 0x37
+    // One byte, where that is the lowest.
+    const size_t given = std::endian::native == std::endian::little ? 1 : 4;
+    Store("tbar5", REG_SZ, NumberBytes(6).substr(0, given));
+    Store("tbar6", REG_DWORD, "");  // none
     LoadToolbars();
     Build(1);
     EXPECT_EQ((Names{"paste", "larger font", "smaller font"}), Tips());

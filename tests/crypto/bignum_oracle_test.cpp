@@ -8,6 +8,7 @@
 #include "crypto/long_division.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"
+#include "gmp_bridge.h"
 
 static const int kMaxBits = 2100;
 

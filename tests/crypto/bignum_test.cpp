@@ -6,6 +6,7 @@
 #include "crypto/long_division.h"
 #include "crypto_test_support.h"
 #include "text/bytes.h"
+#include "gmp_bridge.h"
 
 static Number Make(int words, std::initializer_list<int> values) {
     Number a(BignumNew(words));

@@ -40,51 +40,43 @@ Number FromHexNumber(const std::string& digits) {
     return Number(BignumFromBytes(bytes.data(), Size(bytes)));
 }
 
-std::string NumberHex(ConstBignum a) { return a == nullptr ? "null" : Mpz(a).Hex(); }
-
-Mpz::Mpz(ConstBignum a) {
-    mpz_init(value);
-    mpz_import(value, a[0], -1, sizeof(uint16_t), 0, 0, a + 1);
+std::string NumberHex(ConstBignum a) {
+    if (a == nullptr) return "null";
+    ByteString bytes;
+    for (int i = 2 * a[0]; i-- > 0;) bytes.push_back(BignumByte(a, i));
+    const std::string digits = ToHex(bytes);
+    const size_t first = digits.find_first_not_of('0');
+    return first == std::string::npos ? "0" : digits.substr(first);
 }
 
-std::string Mpz::Hex() const {
-    std::string text(mpz_sizeinbase(value, 16) + 2, '\0');
-    mpz_get_str(text.data(), 16, value);
-    text.resize(text.find('\0'));
-    return text;
-}
-
-Number FromMpz(const Mpz& a) { return FromHexNumber(a.Hex()); }
-
-static void Shape(Mpz* a, int bits, int shape) {
-    mp_bitcnt_t top = static_cast<mp_bitcnt_t>(bits - 1);
-    if (shape == 1) {  // all ones
-        mpz_set_ui(a->value, 0);
-        mpz_setbit(a->value, top + 1);
-        mpz_sub_ui(a->value, a->value, 1);
-    } else if (shape == 2) {  // a power of two
-        mpz_set_ui(a->value, 0);
-    } else if (shape == 3) {  // long runs of ones and zeros
-        for (mp_bitcnt_t i = 0; i < top; i++) {
-            (i / 24) % 2 ? mpz_setbit(a->value, i) : mpz_clrbit(a->value, i);
-        }
-    } else if (shape == 4) {  // a small number on top of zeros
-        mpz_fdiv_q_2exp(a->value, a->value, top - top / 8);
-        mpz_mul_2exp(a->value, a->value, top - top / 8);
-    } else if (shape == 5) {  // almost a power of two
-        mpz_set_ui(a->value, 3);
+// One bit of such a shape below the highest, which is always set.
+static bool ShapedBit(int bit, int top, int shape, bool random) {
+    switch (shape) {
+        case 1:
+            return true;  // all ones
+        case 2:
+            return false;  // a power of two
+        case 3:
+            return bit / 24 % 2 != 0;  // long runs of ones and zeros
+        case 4:
+            return bit >= top - top / 8 && random;  // a small number on top of zeros
+        case 5:
+            return bit < 2;  // almost a power of two
+        default:
+            return random;
     }
 }
 
 Number RandomNumber(int bits, int shape) {
-    Mpz a;
-    if (bits > 0) {
-        ByteString bytes = RandomBytes((bits + 7) / 8);
-        mpz_import(a.value, bytes.size(), 1, 1, 1, 0, bytes.data());
-        mpz_fdiv_r_2exp(a.value, a.value, static_cast<mp_bitcnt_t>(bits - 1));
-        Shape(&a, bits, shape);
-        mpz_fdiv_r_2exp(a.value, a.value, static_cast<mp_bitcnt_t>(bits));
-        mpz_setbit(a.value, static_cast<mp_bitcnt_t>(bits - 1));
+    if (bits <= 0) return FromHexNumber("00");
+    const int top = bits - 1;
+    const ByteString random = RandomBytes((bits + 7) / 8);
+    ByteString bytes(random.size());
+    for (int bit = 0; bit < bits; bit++) {
+        const size_t at = bytes.size() - 1 - static_cast<size_t>(bit / 8);
+        const int mask = 1 << bit % 8;
+        if (bit == top || ShapedBit(bit, top, shape, random[at] & mask))
+            bytes[at] = static_cast<uint8_t>(bytes[at] | mask);
     }
-    return FromMpz(a);
+    return FromHexNumber(ToHex(bytes));
 }

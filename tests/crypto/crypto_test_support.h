@@ -1,9 +1,7 @@
-// What the tests of crypto/ share: random input with a fixed seed, bridges to GMP, short forms for
-// byte strings, and the clock behind SeedRandom.
+// What the tests of crypto/ share: random input with a fixed seed, short forms for byte strings
+// and integers, and the clock behind SeedRandom.
 #ifndef QUILL_TESTS_CRYPTO_CRYPTO_TEST_SUPPORT_H
 #define QUILL_TESTS_CRYPTO_CRYPTO_TEST_SUPPORT_H
-
-#include <gmp.h>
 
 #include <deque>
 #include <memory>
@@ -32,18 +30,6 @@ typedef std::unique_ptr<uint16_t, BignumRelease> Number;
 
 Number FromHexNumber(const std::string& digits);
 std::string NumberHex(ConstBignum a);  // without leading zeros; "0" for zero, "null" for null
-
-// An mpz_t that clears itself.
-struct Mpz {
-    mpz_t value;
-    Mpz() { mpz_init(value); }
-    explicit Mpz(ConstBignum a);
-    Mpz(const Mpz&) = delete;
-    Mpz& operator=(const Mpz&) = delete;
-    ~Mpz() { mpz_clear(value); }
-    std::string Hex() const;
-};
-Number FromMpz(const Mpz& a);
 
 // Of exactly `bits` bits (0: zero): all random, or one of the shapes that trip arithmetic up, such
 // as all ones or a power of two, by `shape` 0 to 5.

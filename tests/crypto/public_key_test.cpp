@@ -11,6 +11,7 @@
 #include "crypto/public_key.h"
 #include "crypto/random.h"
 #include "crypto_test_support.h"
+#include "gmp_bridge.h"
 #include "public_key_blobs.h"
 
 static void Seed(int milliseconds) {

@@ -1,13 +1,11 @@
 // The server's side of SSH-2.
 #include "tests/ssh2/scripted_server.h"
 
-#include <gmp.h>
 #include <gtest/gtest.h>
-#include <openssl/evp.h>
-#include <openssl/hmac.h>
-#include <openssl/provider.h>
 
 #include <cstdlib>
+
+#include "tests/ssh2/judge.h"
 
 namespace {
 
@@ -40,57 +38,26 @@ const char kHostKeyY[] =
     "5d82ea9d1b945d70";
 const char kHostKeyX[] = "190c9ea56946691124eea0c902d7e6aa8001bf8f";
 
-struct Number {
-    Number() { mpz_init(value); }
-    explicit Number(const char* hex) { mpz_init_set_str(value, hex, 16); }
-    Number(const Number&) = delete;
-    Number& operator=(const Number&) = delete;
-    ~Number() { mpz_clear(value); }
-    mpz_t value;
-};
-
-void SetBytes(Number* number, const std::string& big_endian) {
-    mpz_import(number->value, big_endian.size(), 1, 1, 1, 0, big_endian.data());
+std::string BytesOf(const std::string& hex) {
+    std::string bytes;
+    for (size_t i = hex.size() % 2; i <= hex.size(); i += 2) {
+        const size_t from = i < 2 ? 0 : i - 2;
+        if (i > 0) bytes += static_cast<char>(std::stoi(hex.substr(from, i - from), nullptr, 16));
+    }
+    return bytes;
 }
 
-std::string Bytes(const Number& number) {
-    std::string bytes((mpz_sizeinbase(number.value, 2) + 7) / 8, '\0');
-    size_t count = 0;
-    mpz_export(bytes.data(), &count, 1, 1, 1, 0, number.value);
-    return bytes.substr(0, count);
-}
-
-std::string MpintOf(const Number& number) { return Mpint(Bytes(number)); }
-
-std::string FixedBytes(const Number& number, size_t size) {
-    const std::string bytes = Bytes(number);
-    return std::string(size - bytes.size(), '\0') + bytes;
-}
+std::string MpintOf(const char* hex) { return Mpint(BytesOf(hex)); }
 
 // ---------------------------------------------------------------- hashes
 
-const unsigned char* Raw(const std::string& bytes) {
-    return reinterpret_cast<const unsigned char*>(bytes.data());
-}
-
-std::string Sha1Of(const std::string& bytes) {
-    std::string digest(20, '\0');
-    EVP_Digest(bytes.data(), bytes.size(), reinterpret_cast<unsigned char*>(digest.data()), nullptr,
-               EVP_sha1(), nullptr);
-    return digest;
-}
-
 std::string Mac(const std::string& key, uint32_t sequence, const std::string& packet) {
-    const std::string input = U32(sequence) + packet;
-    std::string mac(20, '\0');
-    HMAC(EVP_sha1(), key.data(), static_cast<int>(key.size()), Raw(input), input.size(),
-         reinterpret_cast<unsigned char*>(mac.data()), nullptr);
-    return mac;
+    return JudgeHmacSha1(key, U32(sequence) + packet);
 }
 
 std::string KeyMaterial(const ScriptedServer& server, char letter) {
-    const std::string first = Sha1Of(server.k + server.hash + letter + server.session_id);
-    return first + Sha1Of(server.k + server.hash + first);
+    const std::string first = JudgeSha1(server.k + server.hash + letter + server.session_id);
+    return first + JudgeSha1(server.k + server.hash + first);
 }
 
 // ---------------------------------------------------------------- packets
@@ -110,31 +77,15 @@ std::string Broken(const std::string& why, std::string* wire) {
 }  // namespace
 
 struct CipherStream {
-    CipherStream(bool blowfish, const std::string& key, const std::string& iv, int encrypt) {
-        static OSSL_PROVIDER* const legacy = OSSL_PROVIDER_load(nullptr, "legacy");
-        static OSSL_PROVIDER* const standard = OSSL_PROVIDER_load(nullptr, "default");
-        EXPECT_TRUE(legacy && standard);
-        cipher = EVP_CIPHER_fetch(nullptr, blowfish ? "BF-CBC" : "DES-EDE3-CBC", nullptr);
-        EVP_CipherInit_ex(context, cipher, nullptr, nullptr, nullptr, encrypt);
-        EVP_CIPHER_CTX_set_key_length(context, blowfish ? 16 : 24);
-        EVP_CipherInit_ex(context, nullptr, nullptr, Raw(key), Raw(iv), encrypt);
-        EVP_CIPHER_CTX_set_padding(context, 0);
+    bool blowfish, encrypt;
+    std::string key, iv;  // the vector of the next block
+
+    std::string Run(const std::string& text) {
+        const std::string result = JudgeCipher(blowfish, encrypt, key, iv, text);
+        const std::string& sealed = encrypt ? result : text;
+        if (sealed.size() >= 8) iv = sealed.substr(sealed.size() - 8);
+        return result;
     }
-    CipherStream(const CipherStream&) = delete;
-    CipherStream& operator=(const CipherStream&) = delete;
-    ~CipherStream() {
-        EVP_CIPHER_CTX_free(context);
-        EVP_CIPHER_free(cipher);
-    }
-    std::string Run(std::string text) {
-        int size = 0;
-        auto* bytes = reinterpret_cast<unsigned char*>(text.data());
-        EVP_CipherUpdate(context, bytes, &size, bytes, static_cast<int>(text.size()));
-        EXPECT_EQ(static_cast<size_t>(size), text.size());
-        return text;
-    }
-    EVP_CIPHER* cipher = nullptr;
-    EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
 };
 
 std::string U32(uint32_t value) {
@@ -241,56 +192,41 @@ std::string ClientKexInit(Tape& tape, const std::string& cipher) {
 
 std::string ClientPublic(Tape& tape) {
     const std::string bits = tape.Take(32);
-    Number x, e, p(kPrime), g("2");
-    SetBytes(&x, std::string(bits.rbegin(), bits.rend()));
-    mpz_powm(e.value, g.value, x.value, p.value);
-    return MpintOf(e);
+    const std::string x(bits.rbegin(), bits.rend());
+    return Mpint(JudgePower("\2", x, BytesOf(kPrime)));
 }
 
 std::string HostKeyBlob() {
-    return Str("ssh-dss") + MpintOf(Number(kHostKeyP)) + MpintOf(Number(kHostKeyQ)) +
-           MpintOf(Number(kHostKeyG)) + MpintOf(Number(kHostKeyY));
+    return Str("ssh-dss") + MpintOf(kHostKeyP) + MpintOf(kHostKeyQ) + MpintOf(kHostKeyG) +
+           MpintOf(kHostKeyY);
 }
 
 std::string SignatureBlob(const std::string& hash) {
-    Number p(kHostKeyP), q(kHostKeyQ), g(kHostKeyG), x(kHostKeyX), k(kSignatureSecret), r, s, h;
-    SetBytes(&h, Sha1Of(hash));
-    mpz_mod(k.value, k.value, q.value);
-    mpz_powm(r.value, g.value, k.value, p.value);
-    mpz_mod(r.value, r.value, q.value);
-    mpz_mul(s.value, x.value, r.value);
-    mpz_add(s.value, s.value, h.value);
-    mpz_invert(k.value, k.value, q.value);
-    mpz_mul(s.value, s.value, k.value);
-    mpz_mod(s.value, s.value, q.value);
-    return Str("ssh-dss") + Str(FixedBytes(r, 20) + FixedBytes(s, 20));
+    const DssSecret secret = {BytesOf(kHostKeyP), BytesOf(kHostKeyQ), BytesOf(kHostKeyG),
+                              BytesOf(kHostKeyX), BytesOf(kSignatureSecret)};
+    return Str("ssh-dss") + Str(JudgeSignature(secret, JudgeSha1(hash)));
 }
 
 std::string KexDhReply(ScriptedServer& server, const std::string& client_line) {
-    Number e, f, k, p(kPrime), g("2"), y(server.secret.c_str());
-    SetBytes(&e, server.e.substr(4));
-    mpz_powm(f.value, g.value, y.value, p.value);
-    mpz_powm(k.value, e.value, y.value, p.value);
-    if (!server.public_value.empty()) {
-        mpz_set_str(f.value, server.public_value.c_str(), 16);
-        mpz_set_str(k.value, server.agreed.c_str(), 16);
-    }
-    server.f = MpintOf(f);
-    server.k = MpintOf(k);
+    const std::string prime = BytesOf(kPrime), secret = BytesOf(server.secret);
+    const bool given = !server.public_value.empty();
+    server.f = Mpint(given ? BytesOf(server.public_value) : JudgePower("\2", secret, prime));
+    server.k =
+        Mpint(given ? BytesOf(server.agreed) : JudgePower(server.e.substr(4), secret, prime));
     const std::string line = server.line.substr(0, server.line.find_first_of("\r\n"));
-    server.hash =
-        Sha1Of(Str(client_line) + Str(line) + Str(server.client_kex_init) +
-               Str(server.server_kex_init) + Str(HostKeyBlob()) + server.e + server.f + server.k);
+    server.hash = JudgeSha1(Str(client_line) + Str(line) + Str(server.client_kex_init) +
+                            Str(server.server_kex_init) + Str(HostKeyBlob()) + server.e + server.f +
+                            server.k);
     return Message(31, Str(HostKeyBlob()) + server.f + Str(SignatureBlob(server.hash)));
 }
 
 void InstallKeys(ScriptedServer& server) {
     if (server.session_id.empty()) server.session_id = server.hash;
     const bool blowfish = server.blowfish;
-    server.from_client = std::make_shared<CipherStream>(blowfish, KeyMaterial(server, 'C'),
-                                                        KeyMaterial(server, 'A'), 0);
-    server.to_client = std::make_shared<CipherStream>(blowfish, KeyMaterial(server, 'D'),
-                                                      KeyMaterial(server, 'B'), 1);
+    server.from_client = std::make_shared<CipherStream>(CipherStream{
+        blowfish, false, KeyMaterial(server, 'C'), KeyMaterial(server, 'A').substr(0, 8)});
+    server.to_client = std::make_shared<CipherStream>(CipherStream{
+        blowfish, true, KeyMaterial(server, 'D'), KeyMaterial(server, 'B').substr(0, 8)});
     server.mac_from_client = KeyMaterial(server, 'E').substr(0, 20);
     server.mac_to_client = KeyMaterial(server, 'F').substr(0, 20);
     server.keyed = true;

@@ -73,6 +73,14 @@ TEST(AutoLogin, ArmingDisarmsAPairWhoseEitherTextWasEmptied) {
     }
 }
 
+TEST(AutoLogin, ArmingLeavesNothingOfALongerTextBefore) {
+    NewLogin("search", "a long secret");
+    SetText(session.settings.resp1, "x");
+    ArmAutoLogin();
+    const char* response = session.login.response1;
+    EXPECT_EQ(std::string(response, kLoginTextSize), "x" + std::string(kLoginTextSize - 1, '\0'));
+}
+
 TEST(AutoLogin, BothPairsOnOneChunkInTheirOrder) {
     NewLogin("ogin", "name\\015", "assword", "secret\\015");
     Receive("password after login");

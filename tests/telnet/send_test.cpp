@@ -46,6 +46,17 @@ TEST(SessionSend, UnescapedBytesGoAsTheyAre) {
     EXPECT_EQ(Sent(), all);
 }
 
+TEST(SessionSend, EscapedBytesGoInPiecesOfTheStagingBuffer) {
+    NewSession();
+    Send(std::string(1021, 'a'), 1);
+    EXPECT_EQ(outside.sends, 1);
+    EXPECT_EQ(Sent(), Escaped(std::string(1021, 'a')));
+    NewSession();
+    Send(std::string(1022, 'a'), 1);
+    EXPECT_EQ(outside.sends, 2);
+    EXPECT_EQ(Sent(), Escaped(std::string(1022, 'a')));
+}
+
 TEST(SessionSend, BytesOfAnSshSessionGoToSshUnescaped) {
     NewSession();
     session.settings.ssh = 1;

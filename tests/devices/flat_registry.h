@@ -1,0 +1,22 @@
+// The registry's file on a processor for which there is no SQLite: all rows in the order in which
+// they were first written.
+#ifndef QUILL_TESTS_DEVICES_FLAT_REGISTRY_H
+#define QUILL_TESTS_DEVICES_FLAT_REGISTRY_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct FlatRow {
+    std::string key;
+    bool is_value;  // otherwise the row says that the key exists
+    std::string name;
+    uint32_t type;
+    std::string data;
+};
+
+// False where the file can be neither read and written nor made.
+bool ReadFlatRegistry(const std::string& path, std::vector<FlatRow>* rows);
+bool WriteFlatRegistry(const std::string& path, const std::vector<FlatRow>& rows);
+
+#endif

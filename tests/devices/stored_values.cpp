@@ -1,0 +1,14 @@
+// The values of the registry's file, where there is no SQLite.
+#include "flat_registry.h"
+#include "platform/qt/services/services.h"
+#include "tests/config/device.h"
+
+std::vector<RegistryValue> StoredValues() {
+    std::vector<RegistryValue> values;
+    std::vector<FlatRow> rows;
+    ReadFlatRegistry(DeviceRoot() + "/registry.db", &rows);
+    for (const FlatRow& row : rows)
+        if (row.is_value && row.key == "HKEY_LOCAL_MACHINE\\Software\\QUILLWARE\\TELNET")
+            values.push_back({row.name, row.type, row.data});
+    return values;
+}
