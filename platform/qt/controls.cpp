@@ -131,7 +131,7 @@ const MetricRow kMetrics[] = {
 
 int StatusHeight() { return QFontMetrics(QApplication::font()).height() + 4; }
 
-void RegisterControls() {
+void InitCommonControls() {
     RegisterSystemClass(STATUSCLASSNAME, StatusProcedure);
     RegisterCommandBar();
 }

@@ -98,7 +98,6 @@ inline constexpr LPCWSTR kCommandBarClass = u"QuillCommandBar";
 void RegisterCommandBar();
 
 // controls.cpp
-void RegisterControls();
 int StatusHeight();  // of a status window, pixels
 void AttachScrollBars(Window& window, DWORD style);
 void ArrangeScrollBars(Window& window);

@@ -84,15 +84,6 @@ LPWSTR lstrcpyW(LPWSTR to, LPCWSTR from) {
     return to;
 }
 
-LPWSTR lstrcpynW(LPWSTR to, LPCWSTR from, int capacity) {
-    if (!to || !from) return nullptr;
-    if (capacity <= 0) return to;
-    int i = 0;
-    for (; i < capacity - 1 && from[i]; i++) to[i] = from[i];
-    to[i] = 0;
-    return to;
-}
-
 int lstrcmpW(LPCWSTR a, LPCWSTR b) {
     if (!a || !b) return (a != nullptr) - (b != nullptr);
     while (*a && *a == *b) a++, b++;

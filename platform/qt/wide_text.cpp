@@ -61,3 +61,8 @@ int CompareWithoutCase(const char16_t* a, const char16_t* b) {
     while (*a && LowerUnit(*a) == LowerUnit(*b)) a++, b++;
     return LowerUnit(*a) - LowerUnit(*b);
 }
+
+void CopyUnits(char16_t* to, const char16_t* from, int capacity) {
+    for (; capacity > 1 && *from; --capacity) *to++ = *from++;
+    if (capacity > 0) *to = 0;
+}

@@ -18,4 +18,7 @@ char16_t LowerUnit(char16_t unit);
 // Order of two texts by their units, case set aside: below 0, 0 or above 0.
 int CompareWithoutCase(const char16_t* a, const char16_t* b);
 
+// Copies at most `capacity` - 1 units and terminates.
+void CopyUnits(char16_t* to, const char16_t* from, int capacity);
+
 #endif

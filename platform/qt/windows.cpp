@@ -5,6 +5,7 @@
 
 #include "dialogs.h"
 #include "testing.h"
+#include "wide_text.h"
 #include "window_widget.h"
 
 namespace {
@@ -95,6 +96,7 @@ WindowWidget* PaintedWidget(const Window& window) {
 }
 
 void RegisterSystemClass(LPCWSTR name, WNDPROC procedure) {
+    if (g_classes.count(name)) return;
     auto window_class = std::make_unique<WindowClass>();
     window_class->name = name;
     window_class->procedure = procedure;
@@ -315,7 +317,7 @@ int GetWindowTextW(HWND handle, LPWSTR text, int size) {
     if (window && window->control)
         return static_cast<int>(SendMessageW(handle, WM_GETTEXT, static_cast<WPARAM>(size),
                                              reinterpret_cast<LPARAM>(text)));
-    lstrcpynW(text, window ? window->text.c_str() : u"", size);
+    CopyUnits(text, window ? window->text.c_str() : u"", size);
     return lstrlenW(text);
 }
 

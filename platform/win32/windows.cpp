@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "device.h"
-#include "resources/resource_ids.h"
+#include "resource_numbers.h"
 
 namespace {
 
@@ -18,14 +18,14 @@ RECT WorkArea() {
 // The frame's outer size round a client area and a menu, as far as the monitor has room.
 SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
     RECT frame = {0, 0, width, height};
-    AdjustWindowRectEx(&frame, style, TRUE, ex_style);
+    FrameRect(&frame, style, ex_style);
     const RECT area = WorkArea();
     return {std::min(frame.right - frame.left, area.right - area.left),
             std::min(frame.bottom - frame.top, area.bottom - area.top)};
 }
 
 HICON ProgramIcon() {
-    const HICON own = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_PROGRAM));
+    const HICON own = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_DESKTOP));
     return own ? own : LoadIconW(nullptr, MAKEINTRESOURCEW(32512));
 }
 
@@ -36,6 +36,7 @@ ATOM DeviceRegisterClass(const WNDCLASSW* window_class) {
     WNDCLASSW dressed = *window_class;
     if (!dressed.hCursor) dressed.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
     if (!dressed.hIcon) dressed.hIcon = ProgramIcon();
+    if (!dressed.hInstance) dressed.hInstance = GetModuleHandleW(nullptr);
     return RegisterClassW(&dressed);
 }
 
@@ -49,8 +50,13 @@ HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD
         width = size.cx;
         height = size.cy;
     }
-    return CreateWindowExW(ex_style, class_name, title, style, x, y, width, height, parent, menu,
-                           instance, parameter);
+    const HWND window = CreateWindowExW(ex_style, class_name, title, style, x, y, width, height,
+                                        parent, menu, instance, parameter);
+    // It may have opened on a monitor of another scale than the first one's.
+    const bool top = !(style & (WS_CHILD | WS_POPUP));
+    if (top && window && WindowDpi(window) != DeviceDpi())
+        ChangeScale(window, WindowDpi(window), nullptr);
+    return window;
 }
 
 BOOL DeviceSetForegroundWindow(HWND window) {

@@ -9,7 +9,7 @@ static void ChooseTerminalColor(DWORD* color) {
     CHOOSECOLORW request = {};
     request.lStructSize = sizeof request;
     request.hwndOwner = session.main_window;
-    request.hInstance = reinterpret_cast<HWND>(session.instance);
+    request.hInstance = session.instance;
     request.rgbResult = *color;
     request.lpCustColors = session.custom_colors;
     request.Flags = CC_RGBINIT | CC_FULLOPEN | CC_ENABLETEMPLATE | CC_ANYCOLOR;

@@ -2,6 +2,7 @@
 #include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
+#include "text/wide_text.h"
 #include "ui/dialogs/connect_advanced_dialog.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
@@ -31,8 +32,8 @@ bool InHistory(LPCWSTR host) {
 // A host that is in the list already keeps its place.
 void Remember(LPCWSTR host) {
     if (InHistory(host)) return;
-    for (int i = kHosts - 1; i > 0; i--) lstrcpynW(kHistory[i], kHistory[i - 1], kHostUnits);
-    lstrcpynW(kHistory[0], host, kHostUnits);
+    for (int i = kHosts - 1; i > 0; i--) CopyBounded(kHistory[i], kHistory[i - 1], kHostUnits);
+    CopyBounded(kHistory[0], host, kHostUnits);
 }
 
 void OnOk(HWND dialog) {

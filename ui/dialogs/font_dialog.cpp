@@ -1,6 +1,7 @@
 // "Font": the terminal's face, bold and italic.
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
+#include "text/wide_text.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 #include "ui/view/terminal_font.h"
@@ -45,7 +46,7 @@ void TakeFace(HWND dialog) {
     session.dialog_result = static_cast<int>(selected);
     if (selected < 0) return;
     const LRESULT face = AskList(dialog, LB_GETITEMDATA, static_cast<WPARAM>(selected));
-    lstrcpynW(s.fname, session.view.faces[face].font.lfFaceName, kSettingUnits);
+    CopyBounded(s.fname, session.view.faces[face].font.lfFaceName, kSettingUnits);
 }
 
 void OnOk(HWND dialog) {
