@@ -34,15 +34,16 @@ static uint64_t Select(uint64_t value, int bits, const uint8_t* choice, int coun
 void DesSetKey(uint32_t leftWord, uint32_t rightWord, DesContext* context) {
     uint64_t key = uint64_t{leftWord} << 32 | rightWord;
     uint64_t chosen = Select(key, 64, kDesPermutedChoice1, 56);
-    uint32_t c = static_cast<uint32_t>(chosen >> 28), d = chosen & 0x0FFFFFFFu;
+    uint32_t c = static_cast<uint32_t>(chosen >> 28),
+             d = static_cast<uint32_t>(chosen & 0x0FFFFFFFu);
     for (int round = 0; round < 16; round++) {
         c = RotateKeyHalf(c, kDesKeyShifts[round]);
         d = RotateKeyHalf(d, kDesKeyShifts[round]);
         uint64_t subkey = Select(uint64_t{c} << 28 | d, 56, kDesPermutedChoice2, 48);
         uint32_t odd = 0, even = 0;
         for (int box = 0; box < 8; box += 2) {
-            odd = odd << 8 | (subkey >> (42 - 6 * box) & 0x3F);
-            even = even << 8 | (subkey >> (36 - 6 * box) & 0x3F);
+            odd = odd << 8 | static_cast<uint32_t>(subkey >> (42 - 6 * box) & 0x3F);
+            even = even << 8 | static_cast<uint32_t>(subkey >> (36 - 6 * box) & 0x3F);
         }
         context->subkeysOdd[round] = odd;
         context->subkeysEven[round] = even;
