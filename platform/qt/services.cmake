@@ -4,9 +4,10 @@ find_package(Qt6 6.2 REQUIRED COMPONENTS Core)
 find_package(SQLite3 REQUIRED)
 find_package(Threads REQUIRED)
 
-quill_library(platform_services
-    accelerators.cpp address_lookup.cpp bitmaps.cpp clock.cpp device_root.cpp dial_log.cpp dialog_template.cpp files.cpp
-    formatted_text.cpp handles.cpp host_names.cpp local_memory.cpp local_socket.cpp posix_sockets.cpp ras.cpp registry.cpp
-    registry_store.cpp resources.cpp strings.cpp testing_services.cpp wide_text.cpp winsock.cpp
-    winsock_errors.cpp)
+set(SERVICES accelerators address_lookup bitmaps clock device_root dial_log dialog_template files
+    formatted_text handles host_names local_memory local_socket menu_resource posix_sockets ras registry
+    registry_store resources strings wide_text winsock winsock_errors)
+list(TRANSFORM SERVICES PREPEND services/)
+list(TRANSFORM SERVICES APPEND .cpp)
+quill_library(platform_services ${SERVICES} testing_services.cpp)
 target_link_libraries(platform_services PUBLIC Qt6::Core PRIVATE SQLite::SQLite3 Threads::Threads)

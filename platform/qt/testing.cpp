@@ -1,5 +1,5 @@
 // What tests may refuse the program.
-#include "testing.h"
+#include "platform/qt/testing.h"
 
 namespace {
 

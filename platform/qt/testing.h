@@ -5,7 +5,7 @@
 #include <QColorDialog>
 #include <QMessageBox>
 
-#include "slice.h"
+#include "platform/qt/window/slice.h"
 
 bool MessagesWaiting();  // posted ones, or input; on the window thread
 int BeepCount();

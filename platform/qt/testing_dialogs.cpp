@@ -8,8 +8,8 @@
 #include <QMouseEvent>
 #include <QTimer>
 
-#include "dialogs.h"
-#include "testing.h"
+#include "platform/qt/dialog/dialogs.h"
+#include "platform/qt/testing.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
 // The one instance of the test hooks.
-#include "testing_services.h"
+#include "platform/qt/testing_services.h"
 
 ServicesTestHooks services_test_hooks;

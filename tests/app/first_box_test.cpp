@@ -3,8 +3,8 @@
 #include <QScreen>
 #include <QTimer>
 
-#include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/slice.h"
 #include "session/session_state.h"
 #include "tests/support/person.h"
 

@@ -2,8 +2,8 @@
 // post, and what the program asks of the window manager.
 #include <gtest/gtest.h>
 
-#include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/slice.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

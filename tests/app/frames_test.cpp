@@ -5,8 +5,8 @@
 #include <QScreen>
 #include <random>
 
-#include "platform/qt/frames.h"
-#include "platform/qt/input_panel.h"
+#include "platform/qt/shell/input_panel.h"
+#include "platform/qt/window/frames.h"
 #include "session/session_state.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"

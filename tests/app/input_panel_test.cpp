@@ -2,10 +2,10 @@
 #include <gtest/gtest.h>
 #include <QtTest/QTest>
 
-#include "platform/qt/input_panel.h"
-#include "platform/qt/menu_bar.h"
-#include "platform/qt/slice.h"
+#include "platform/qt/shell/input_panel.h"
+#include "platform/qt/shell/menu_bar.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/slice.h"
 #include "session/session_state.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"

@@ -3,7 +3,7 @@
 #include <QKeyEvent>
 #include <QtTest/QTest>
 
-#include "platform/qt/input_panel.h"
+#include "platform/qt/shell/input_panel.h"
 #include "platform/qt/testing.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <QKeyEvent>
 
-#include "platform/qt/slice.h"
+#include "platform/qt/window/slice.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "terminal/screen_buffer.h"

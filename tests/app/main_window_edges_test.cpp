@@ -5,10 +5,10 @@
 #include <QtTest/QTest>
 
 #include "connection/connection.h"
-#include "platform/qt/input_panel.h"
-#include "platform/qt/menu_bar.h"
+#include "platform/qt/shell/input_panel.h"
+#include "platform/qt/shell/menu_bar.h"
 #include "platform/qt/testing.h"
-#include "platform/qt/window_widget.h"
+#include "platform/qt/window/window_widget.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"

@@ -4,8 +4,8 @@
 #include <QToolButton>
 #include <set>
 
-#include "platform/qt/screen_text.h"
-#include "platform/qt/slice.h"
+#include "platform/qt/host/screen_text.h"
+#include "platform/qt/window/slice.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"

@@ -3,7 +3,7 @@
 #include <QMenu>
 #include <QtTest/QTest>
 
-#include "platform/qt/menu_bar.h"
+#include "platform/qt/shell/menu_bar.h"
 #include "platform/qt/testing.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"

@@ -4,7 +4,7 @@
 
 #include "connection/connection.h"
 #include "platform/qt/testing.h"
-#include "platform/qt/window_widget.h"
+#include "platform/qt/window/window_widget.h"
 #include "session/session_state.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"

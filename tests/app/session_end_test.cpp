@@ -3,7 +3,7 @@
 #include <QMenu>
 
 #include "connection/connection.h"
-#include "platform/qt/menu_bar.h"
+#include "platform/qt/shell/menu_bar.h"
 #include "platform/qt/testing.h"
 #include "platform/qt/testing_services.h"
 #include "protocol/ssh/ssh_session.h"

@@ -4,7 +4,7 @@
 #include <QtTest/QTest>
 
 #include "platform/qt/testing.h"
-#include "platform/qt/window_widget.h"
+#include "platform/qt/window/window_widget.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/settings.h"

@@ -8,9 +8,9 @@
 #include <QToolButton>
 #include <set>
 
-#include "platform/qt/bitmaps.h"
+#include "platform/qt/services/bitmaps.h"
 #include "platform/qt/testing.h"
-#include "platform/qt/window_widget.h"
+#include "platform/qt/window/window_widget.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "settings/toolbars.h"

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <random>
 
-#include "platform/qt/device_root.h"
+#include "platform/qt/services/device_root.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "tests/config/device.h"

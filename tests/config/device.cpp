@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/qt/device_root.h"
-#include "platform/qt/registry.h"
+#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/registry.h"
 #include "session/session_state.h"
 #include "tests/config/registry_log.h"
 #include "tests/config/settings_rows.h"

@@ -8,8 +8,8 @@
 #include <QScrollBar>
 #include <QSpinBox>
 
-#include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/slice.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "tests/support/person.h"

@@ -4,7 +4,7 @@
 
 #include <map>
 
-#include "platform/qt/dialog_template.h"
+#include "platform/qt/services/dialog_template.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // "Connect Advanced": marks, port, protocol and cipher.
 #include <gtest/gtest.h>
 
-#include "platform/qt/dialogs.h"
+#include "platform/qt/dialog/dialogs.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/settings.h"

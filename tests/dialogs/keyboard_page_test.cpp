@@ -1,7 +1,7 @@
 // The page "Keyboard" of the Properties sheet, and its dialog "Change".
 #include <gtest/gtest.h>
 
-#include "platform/qt/dialogs.h"
+#include "platform/qt/dialog/dialogs.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"

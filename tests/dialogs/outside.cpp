@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <QThread>
 
-#include "platform/qt/slice.h"
+#include "platform/qt/window/slice.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "tests/dialogs/dialog_person.h"

@@ -8,8 +8,8 @@
 #include <QPushButton>
 #include <QScrollBar>
 
-#include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/slice.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"

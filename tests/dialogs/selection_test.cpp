@@ -7,8 +7,8 @@
 #include <QListWidget>
 #include <set>
 
-#include "platform/qt/slice.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/slice.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "tests/dialogs/dialog_person.h"

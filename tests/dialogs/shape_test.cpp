@@ -11,10 +11,10 @@
 #include <QRadioButton>
 #include <QStyle>
 
-#include "platform/qt/dialog_template.h"
-#include "platform/qt/dialogs.h"
-#include "platform/qt/slice.h"
+#include "platform/qt/dialog/dialogs.h"
+#include "platform/qt/services/dialog_template.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/slice.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "tests/dialogs/dialog_cases.h"

@@ -12,7 +12,7 @@
 #include <mutex>
 #include <thread>
 
-#include "platform/qt/dial_log.h"
+#include "platform/qt/services/dial_log.h"
 #include "platform/qt/testing_services.h"
 #include "session/session_state.h"
 #include "tests/support/fake_host.h"

@@ -1,5 +1,5 @@
 // Decoding the bitmaps and icons of the resources, whole and damaged.
-#include "platform/qt/bitmaps.h"
+#include "platform/qt/services/bitmaps.h"
 
 #include <gtest/gtest.h>
 

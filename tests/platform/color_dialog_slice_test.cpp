@@ -3,7 +3,7 @@
 #include <QColorDialog>
 #include <QScreen>
 
-#include "testing.h"
+#include "platform/qt/testing.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The dial-up program's log and exit codes. The lines are those of pppd 2.4.9 and its chat.
-#include "platform/qt/dial_log.h"
+#include "platform/qt/services/dial_log.h"
 
 #include <gtest/gtest.h>
 

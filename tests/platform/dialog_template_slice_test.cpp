@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/qt/dialog_template.h"
+#include "platform/qt/services/dialog_template.h"
 
 namespace {
 

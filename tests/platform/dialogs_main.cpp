@@ -5,8 +5,8 @@
 #include <iterator>
 #include <QApplication>
 
-#include "platform/qt/host.h"
-#include "platform/qt/resources.h"
+#include "platform/qt/host/host.h"
+#include "platform/qt/services/resources.h"
 #include "tests/platform/known_gap.h"
 
 TestPlatform PlatformOfTests() { return {.slice = true, .windows = false, .wine = false}; }

@@ -15,8 +15,8 @@
 #include <QTest>
 #include <QTimer>
 
-#include "dialogs.h"
-#include "testing.h"
+#include "platform/qt/dialog/dialogs.h"
+#include "platform/qt/testing.h"
 
 namespace {
 

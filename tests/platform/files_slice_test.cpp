@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "platform/qt/device_root.h"
+#include "platform/qt/services/device_root.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Frames: how many come at once and at what pace, and what one of them paints.
-#include "frames.h"
+#include "platform/qt/window/frames.h"
 
 #include "tests/platform/test_windows.h"
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <thread>
 
-#include "platform/qt/posix_sockets.h"
+#include "platform/qt/services/posix_sockets.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Glyphs that leave their cells, seen on the picture.
 #include <QImage>
 
-#include "gdi.h"
+#include "platform/qt/window/gdi.h"
 #include "tests/platform/test_windows.h"
 
 namespace {

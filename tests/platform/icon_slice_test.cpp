@@ -3,9 +3,9 @@
 #include <QIcon>
 #include <QImage>
 
-#include "icons.h"
+#include "platform/qt/host/icons.h"
+#include "platform/qt/window/slice.h"
 #include "resources/resource_ids.h"
-#include "slice.h"
 
 namespace {
 

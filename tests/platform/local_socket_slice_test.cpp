@@ -1,5 +1,5 @@
 // Local sockets between programs of one user.
-#include "platform/qt/local_socket.h"
+#include "platform/qt/services/local_socket.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -5,9 +5,9 @@
 #include <fstream>
 #include <vector>
 
-#include "platform/qt/device_root.h"
+#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/wide_text.h"
 #include "platform/qt/testing_services.h"
-#include "platform/qt/wide_text.h"
 #include "windows_ce.h"
 
 namespace {

@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/qt/device_root.h"
-#include "platform/qt/registry.h"
+#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/registry.h"
 #include "windows_ce.h"
 
 namespace {

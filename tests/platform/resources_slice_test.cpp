@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/qt/accelerators.h"
-#include "platform/qt/resources.h"
+#include "platform/qt/services/accelerators.h"
+#include "platform/qt/services/resources.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "platform/qt/device_root.h"
-#include "platform/qt/registry.h"
+#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/registry.h"
 #include "tests/platform/known_gap.h"
 
 TestPlatform PlatformOfTests() { return {.slice = true, .windows = false, .wine = false}; }

@@ -1,7 +1,7 @@
 // Text with the host's side: UTF-8, case, and formats that no program should hand over.
 #include <gtest/gtest.h>
 
-#include "platform/qt/wide_text.h"
+#include "platform/qt/services/wide_text.h"
 #include "windows_ce.h"
 
 TEST(WideText, Utf8AndBack) {

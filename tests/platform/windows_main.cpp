@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <QApplication>
 
-#include "platform/qt/host.h"
+#include "platform/qt/host/host.h"
 #include "tests/platform/known_gap.h"
 
 TestPlatform PlatformOfTests() { return {.slice = true, .windows = false, .wine = false}; }

@@ -1,7 +1,7 @@
 // The recorder of drawing calls.
 #include "tests/support/drawn.h"
 
-#include "platform/qt/drawing_observer.h"
+#include "platform/qt/window/drawing_observer.h"
 
 namespace {
 

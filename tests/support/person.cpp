@@ -12,8 +12,8 @@
 #include <QThread>
 #include <thread>
 
-#include "platform/qt/host.h"
-#include "platform/qt/screen_text.h"
+#include "platform/qt/host/host.h"
+#include "platform/qt/host/screen_text.h"
 #include "platform/qt/testing.h"
 #include "session/session_state.h"
 #include "terminal/screen_buffer.h"

@@ -1,0 +1,156 @@
+// The chooser of colours: the toolkit's own, in a window no larger than the desktop, with buttons
+// that are always in sight.
+#include "platform/qt/dialog/color_dialog.h"
+
+#include <QColorDialog>
+#include <QDialogButtonBox>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include "platform/qt/dialog/default_button.h"
+#include "platform/qt/dialog/dialogs.h"
+#include "platform/qt/testing.h"
+#include "platform/qt/window/gdi.h"
+
+namespace {
+
+constexpr int kCustomColors = 16;
+constexpr int kMargin = 4;
+constexpr int kSmallPatch = 20;
+
+QPointer<QColorDialog> g_shown;
+
+bool TemplateIsThere(const CHOOSECOLORW& request) {
+    DialogTemplate shape;
+    return !(request.Flags & CC_ENABLETEMPLATE) ||
+           LoadDialogTemplate(request.lpTemplateName, &shape);
+}
+
+void PutCustomColors(const COLORREF* colors) {
+    for (int i = 0; colors && i < kCustomColors; i++)
+        QColorDialog::setCustomColor(i, ColorOf(colors[i]));
+}
+
+void TakeCustomColors(COLORREF* colors) {
+    for (int i = 0; colors && i < kCustomColors; i++)
+        colors[i] = ValueOf(QColorDialog::customColor(i));
+}
+
+// Enter is the window's, which presses its default button.
+class Chooser : public QColorDialog {
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (enter) return event->ignore();
+        QColorDialog::keyPressEvent(event);
+    }
+};
+
+QColorDialog* MakeChooser(const CHOOSECOLORW& request) {
+    auto* chooser = new Chooser;
+    chooser->setWindowFlags(Qt::Widget);
+    chooser->setOptions(QColorDialog::DontUseNativeDialog | QColorDialog::NoButtons);
+    chooser->setCurrentColor(request.Flags & CC_RGBINIT ? ColorOf(request.rgbResult) : Qt::black);
+    return chooser;
+}
+
+QScrollArea* MakeArea(QColorDialog* chooser, QDialog* window) {
+    auto* area = new QScrollArea(window);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(chooser);
+    area->setWidgetResizable(true);
+    QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
+        if (now && area->widget()->isAncestorOf(now)) area->ensureWidgetVisible(now, 4, 4);
+    });
+    return area;
+}
+
+QDialogButtonBox* MakeButtons(QColorDialog* chooser, QDialog* window) {
+    auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, window);
+    QObject::connect(box, &QDialogButtonBox::accepted, chooser, &QDialog::accept);
+    QObject::connect(box, &QDialogButtonBox::rejected, chooser, &QDialog::reject);
+    return box;
+}
+
+// As on the dialogs: a tap leaves the keyboard where it is, and Enter presses what is drawn so.
+void SetDefaults(QDialog* window, QPushButton* ok) {
+    for (QPushButton* button : window->findChildren<QPushButton*>()) {
+        button->setFocusPolicy(Qt::TabFocus);
+        button->setAutoDefault(false);
+        button->setDefault(button == ok);
+    }
+    FollowFocusWithDefault(window, [ok] { return ok; });
+}
+
+// For a hand-held's screen: the room between the fields is given up, and most of the patch that
+// shows the colour.
+void Squeeze(QColorDialog* chooser) {
+    for (QLayout* layout : chooser->findChildren<QLayout*>()) layout->setSpacing(kMargin);
+    chooser->layout()->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    for (QWidget* widget : chooser->findChildren<QWidget*>())
+        if (widget->inherits("QColorShowLabel")) widget->setMinimumWidth(kSmallPatch);
+}
+
+// As large as the chooser wants to be, or as the desktop is: then it is scrolled over its buttons.
+void SetSize(QDialog* window, QColorDialog* chooser, const QWidget& buttons) {
+    const QSize frame = DeviceScreen()->frameGeometry().size() - DeviceScreen()->size();
+    const QSize room = DeviceScreen()->screen()->availableGeometry().size() - frame;
+    const int bar = window->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    if (chooser->sizeHint().width() + bar > room.width()) Squeeze(chooser);
+    QSize size = chooser->sizeHint();
+    size.rheight() += buttons.sizeHint().height() + 2 * kMargin;
+    if (size.height() > room.height()) size.rwidth() += bar;
+    window->resize(size.boundedTo(room));
+}
+
+void PutInWindow(QColorDialog* chooser, QDialog* window) {
+    auto* layout = new QVBoxLayout(window);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(MakeArea(chooser, window));
+    QDialogButtonBox* buttons = MakeButtons(chooser, window);
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    row->addWidget(buttons);
+    layout->addLayout(row);
+    SetDefaults(window, buttons->button(QDialogButtonBox::Ok));
+    window->setWindowTitle(chooser->windowTitle());
+    SetSize(window, chooser, *buttons);
+    chooser->show();
+}
+
+}  // namespace
+
+BOOL ShowColorDialog(CHOOSECOLORW* request) {
+    if (!request || request->lStructSize != sizeof(CHOOSECOLORW)) return FALSE;
+    if (request->hwndOwner && !IsWindow(request->hwndOwner)) return FALSE;
+    if (!TemplateIsThere(*request)) return FALSE;
+    PutCustomColors(request->lpCustColors);
+    QDialog window(TopMostWidget());
+    const QPointer<QWidget> below = window.parentWidget();
+    QColorDialog* chooser = MakeChooser(*request);
+    PutInWindow(chooser, &window);
+    bool chosen = false, done = false;
+    QObject::connect(chooser, &QDialog::finished, &window, [&](int result) {
+        chosen = result == QDialog::Accepted;
+        done = true;
+    });
+    QObject::connect(&window, &QDialog::finished, &window, [&] { done = true; });
+    g_shown = chooser;
+    window.setWindowModality(Qt::ApplicationModal);
+    window.show();
+    AnnounceDialog();
+    RunModalLoop([&] { return done; });
+    if (chosen) request->rgbResult = ValueOf(chooser->selectedColor());
+    TakeCustomColors(request->lpCustColors);
+    window.hide();
+    if (below && below->isVisible()) below->activateWindow();
+    return chosen;
+}
+
+QColorDialog* ShownColorDialog() { return g_shown; }

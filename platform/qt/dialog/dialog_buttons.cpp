@@ -1,0 +1,213 @@
+// Buttons and static texts of dialogs.
+#include "platform/qt/dialog/dialog_buttons.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QRadioButton>
+
+namespace {
+
+// The plain kinds leave their mark to the program.
+template <typename Button>
+class PlainButton : public Button {
+  protected:
+    void nextCheckState() override {}
+};
+
+// Enter is the dialog's, which presses the default button. The focus is drawn within the frame, as
+// the default button has that of the focus.
+class PushButton : public QPushButton {
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (enter) return event->ignore();
+        QPushButton::keyPressEvent(event);
+    }
+    void paintEvent(QPaintEvent* event) override {
+        QPushButton::paintEvent(event);
+        if (!hasFocus()) return;
+        QPainter painter(this);
+        painter.setPen(QPen(palette().color(QPalette::ButtonText), 1, Qt::DotLine));
+        painter.drawRect(QRectF(rect()).adjusted(3.5, 3.5, -3.5, -3.5));
+    }
+};
+
+QAbstractButton* ButtonOf(const Window& window) {
+    return qobject_cast<QAbstractButton*>(window.widget.data());
+}
+
+// Tab enters a group at its mark.
+void MoveTabStop(QAbstractButton* marked) {
+    for (QAbstractButton* button : marked->group()->buttons())
+        button->setFocusPolicy(button == marked ? Qt::StrongFocus : Qt::ClickFocus);
+}
+
+// The group would not let its last mark go, nor two stand.
+void SetMark(QAbstractButton* button, bool checked) {
+    QButtonGroup* group = button->group();
+    if (group) group->setExclusive(false);
+    button->setChecked(checked);
+    if (group) group->setExclusive(true);
+    if (group && checked) MoveTabStop(button);
+}
+
+void ClearOthers(QAbstractButton* button) {
+    if (!button->group()) return;
+    for (QAbstractButton* other : button->group()->buttons())
+        if (other != button && other->isChecked()) SetMark(other, false);
+}
+
+void OnClicked(HWND control, QAbstractButton* button) {
+    const Window* window = FindWindowRecord(control);
+    if (!window) return;
+    if (button->isChecked()) ClearOthers(button);
+    if (button->isChecked() && button->group()) MoveTabStop(button);
+    if (window->control->at_once) return SendNotice(control, BN_CLICKED);
+    QueueNotice(control, BN_CLICKED);
+}
+
+template <typename Button>
+QAbstractButton* Make(QWidget* parent) {
+    auto* button = new Button;
+    button->setParent(parent);
+    return button;
+}
+
+struct ButtonRow {
+    DWORD type;
+    QAbstractButton* (*make)(QWidget* parent);
+};
+
+const ButtonRow kButtons[] = {
+    {BS_PUSHBUTTON, Make<PushButton>},
+    {BS_DEFPUSHBUTTON, Make<PushButton>},
+    {BS_CHECKBOX, Make<PlainButton<QCheckBox>>},
+    {BS_AUTOCHECKBOX, Make<QCheckBox>},
+    {BS_RADIOBUTTON, Make<PlainButton<QRadioButton>>},
+    {BS_AUTORADIOBUTTON, Make<QRadioButton>},
+};
+
+QAbstractButton* MakeKindOfButton(DWORD style, QWidget* parent) {
+    for (const ButtonRow& row : kButtons)
+        if (row.type == (style & 0xFu)) return row.make(parent);
+    return Make<PushButton>(parent);
+}
+
+QWidget* MakeGroupBox(const DialogItem& item, QWidget* parent) {
+    auto* box = new QGroupBox(FromWide(item.text.c_str()), parent);
+    box->setAttribute(Qt::WA_TransparentForMouseEvents);
+    box->lower();
+    return box;
+}
+
+QWidget* MakeButton(HWND control, const DialogItem& item, QWidget* parent) {
+    if ((item.style & 0xFu) == BS_GROUPBOX) return MakeGroupBox(item, parent);
+    QAbstractButton* button = MakeKindOfButton(item.style, parent);
+    button->setText(FromWide(item.text.c_str()));
+    button->setAutoExclusive(false);
+    if (auto* push = qobject_cast<QPushButton*>(button)) {
+        push->setAutoDefault(false);
+        push->setDefault((item.style & 0xFu) == BS_DEFPUSHBUTTON);
+    }
+    QObject::connect(button, &QAbstractButton::clicked, button,
+                     [control, button] { OnClicked(control, button); });
+    return button;
+}
+
+LRESULT GetCheck(Window& window, WPARAM, LPARAM) {
+    const QAbstractButton* button = ButtonOf(window);
+    return button && button->isChecked() ? BST_CHECKED : BST_UNCHECKED;
+}
+
+LRESULT SetCheck(Window& window, WPARAM check, LPARAM) {
+    QAbstractButton* button = ButtonOf(window);
+    if (button && button->isCheckable()) SetMark(button, check != BST_UNCHECKED);
+    return 0;
+}
+
+LRESULT Click(Window& window, WPARAM, LPARAM) {
+    const std::shared_ptr<ControlData> data = window.control;
+    QAbstractButton* button = ButtonOf(window);
+    if (!button) return 0;
+    data->at_once = true;
+    button->click();
+    data->at_once = false;
+    return 0;
+}
+
+LRESULT SetButtonText(Window& window, WPARAM, LPARAM text) {
+    window.text = reinterpret_cast<LPCWSTR>(text);
+    const QString shown = FromWide(window.text.c_str());
+    if (QAbstractButton* button = ButtonOf(window)) button->setText(shown);
+    if (auto* box = qobject_cast<QGroupBox*>(window.widget.data())) box->setTitle(shown);
+    return TRUE;
+}
+
+LRESULT GetOwnText(Window& window, WPARAM size, LPARAM buffer) {
+    return CopyText(QString::fromStdU16String(window.text), size, buffer);
+}
+
+LRESULT GetOwnLength(Window& window, WPARAM, LPARAM) {
+    return static_cast<LRESULT>(window.text.size());
+}
+
+const MessageRow kButtonMessages[] = {
+    {WM_SETTEXT, SetButtonText},
+    {WM_GETTEXT, GetOwnText},
+    {WM_GETTEXTLENGTH, GetOwnLength},
+    {BM_GETCHECK, GetCheck},
+    {BM_SETCHECK, SetCheck},
+    {BM_CLICK, Click},
+    {0, nullptr},
+};
+
+Qt::Alignment StaticAlignment(DWORD style) {
+    const DWORD type = style & 0x1Fu;
+    return type == SS_CENTER ? Qt::AlignHCenter : type == SS_RIGHT ? Qt::AlignRight : Qt::AlignLeft;
+}
+
+// Text that has room for one line only is not wrapped out of sight.
+QWidget* MakeStatic(HWND, const DialogItem& item, QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setAlignment(StaticAlignment(item.style) | Qt::AlignTop);
+    label->setWordWrap(item.height >= 16 && (item.style & 0x1Fu) <= SS_RIGHT);
+    label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    const QString text = FromWide(item.text.c_str());
+    label->setText(item.style & SS_NOPREFIX ? text : WithoutMnemonic(text));
+    return label;
+}
+
+LRESULT SetStaticText(Window& window, WPARAM, LPARAM text) {
+    window.text = reinterpret_cast<LPCWSTR>(text);
+    ShowLabel(window);
+    return TRUE;
+}
+
+const MessageRow kStaticMessages[] = {
+    {WM_SETTEXT, SetStaticText},
+    {WM_GETTEXT, GetOwnText},
+    {WM_GETTEXTLENGTH, GetOwnLength},
+    {0, nullptr},
+};
+
+}  // namespace
+
+const ControlClass kButtonClass = {0x80, u"Button", MakeButton, kButtonMessages};
+const ControlClass kStaticClass = {0x82, u"Static", MakeStatic, kStaticMessages};
+
+// The toolkit shows "&" as it stands while a label leads to nothing, and the other way round.
+void ShowLabel(Window& window) {
+    auto* label = qobject_cast<QLabel*>(window.widget.data());
+    if (!label) return;
+    const QString text = FromWide(window.text.c_str());
+    if (window.control->style & SS_NOPREFIX)
+        label->setText(label->buddy() ? QString(text).replace("&", "&&") : text);
+    else
+        label->setText(label->buddy() ? text : WithoutMnemonic(text));
+}

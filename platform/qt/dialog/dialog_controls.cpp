@@ -1,0 +1,219 @@
+// The controls of dialogs: how they are made from a template, named and ordered, and what they have
+// in common. Each is a widget of the desktop with a window's record before it.
+#include <algorithm>
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include "platform/qt/dialog/dialog_buttons.h"
+#include "platform/qt/dialog/dialogs.h"
+#include "platform/qt/services/wide_text.h"
+
+namespace {
+
+const ControlClass* const kClasses[] = {&kButtonClass, &kEditClass, &kStaticClass, &kListBoxClass,
+                                        &kComboBoxClass};
+
+const ControlClass* ClassOf(const ResourceName& name) {
+    for (const ControlClass* kind : kClasses)
+        if (name.is_number ? name.number == kind->number
+                           : CompareWithoutCase(name.text.c_str(), kind->name) == 0)
+            return kind;
+    return nullptr;
+}
+
+LRESULT CALLBACK ControlProcedure(HWND control, UINT message, WPARAM wparam, LPARAM lparam) {
+    Window* window = FindWindowRecord(control);
+    if (!window->widget) return 0;
+    for (const MessageRow* row = window->control->kind->messages; row->message; row++)
+        if (row->message == message) return row->handle(*window, wparam, lparam);
+    return DefWindowProcW(control, message, wparam, lparam);
+}
+
+const WindowClass* WindowClassOf(const ControlClass* kind) {
+    static std::vector<std::unique_ptr<WindowClass>> made;
+    for (const auto& window_class : made)
+        if (window_class->name == kind->name) return window_class.get();
+    made.push_back(std::make_unique<WindowClass>());
+    made.back()->name = kind->name;
+    made.back()->procedure = ControlProcedure;
+    return made.back().get();
+}
+
+// In the order of the template: records are numbered by age.
+std::vector<Window*> ControlsOf(HWND dialog) {
+    std::vector<Window*> controls;
+    for (Window* window : AllWindows())
+        if (window->parent == dialog && window->control && window->widget)
+            controls.push_back(window);
+    return controls;
+}
+
+template <typename Widget>
+Widget* As(const Window& window) {
+    return qobject_cast<Widget*>(window.widget.data());
+}
+
+bool TakesItsName(const Window& window) {
+    return As<QLineEdit>(window) || As<QComboBox>(window) || As<QListWidget>(window);
+}
+
+QString LabelText(const Window& window) {
+    const QString text = FromWide(window.text.c_str());
+    return window.control->style & SS_NOPREFIX ? text : WithoutMnemonic(text);
+}
+
+// What a screen reader says: the label without its colon. A word that is broken over two lines, or
+// over two labels, is put together again.
+QString NameFromLabels(const Window& label, const Window* before) {
+    QString name = LabelText(label).remove("-\n").simplified();
+    while (name.endsWith(':') || name.endsWith(' ')) name.chop(1);
+    const QString first = before && As<QLabel>(*before) ? LabelText(*before).simplified() : "";
+    return first.endsWith('-') ? first.chopped(1) + name : name;
+}
+
+void NameControls(const std::vector<Window*>& controls) {
+    for (size_t i = 1; i < controls.size(); i++) {
+        auto* label = As<QLabel>(*controls[i - 1]);
+        if (!label || !TakesItsName(*controls[i])) continue;
+        const Window* before = i > 1 ? controls[i - 2] : nullptr;
+        controls[i]->widget->setAccessibleName(NameFromLabels(*controls[i - 1], before));
+        label->setBuddy(controls[i]->widget);
+        ShowLabel(*controls[i - 1]);
+    }
+}
+
+void OrderControls(const std::vector<Window*>& controls) {
+    QWidget* before = nullptr;
+    for (const Window* window : controls) {
+        if (window->widget->focusPolicy() == Qt::NoFocus) continue;
+        if (before) QWidget::setTabOrder(before, window->widget);
+        before = window->widget;
+    }
+}
+
+void GroupRadios(const std::vector<Window*>& controls, QWidget* content) {
+    QButtonGroup* group = nullptr;
+    for (const Window* window : controls) {
+        if (!group || window->control->style & WS_GROUP) group = new QButtonGroup(content);
+        auto* radio = As<QRadioButton>(*window);
+        if (radio && (window->control->style & 0xFu) == BS_AUTORADIOBUTTON) group->addButton(radio);
+    }
+}
+
+// A tap on a push button leaves the keyboard where it is, and so Enter to the usual button.
+Qt::FocusPolicy FocusPolicyOf(const QWidget& widget, DWORD style) {
+    const bool tab = style & WS_TABSTOP;
+    if (qobject_cast<const QPushButton*>(&widget)) return tab ? Qt::TabFocus : Qt::NoFocus;
+    return tab ? Qt::StrongFocus : Qt::ClickFocus;
+}
+
+}  // namespace
+
+HWND MakeControl(Window& dialog, const DialogItem& item) {
+    const ControlClass* kind = ClassOf(item.window_class);
+    if (!kind) return nullptr;
+    Window* window = AddWindow(WindowClassOf(kind), dialog.handle, item.id);
+    window->text = item.text;
+    window->control = std::make_shared<ControlData>();
+    window->control->kind = kind;
+    window->control->style = item.style;
+    window->widget = kind->make(window->handle, item, dialog.dialog->content);
+    const QSize corner = DialogPixels(item.x, item.y);
+    const QSize end = DialogPixels(item.x + item.width, item.y + item.height);
+    QRect place(QPoint(corner.width(), corner.height()), end - corner);
+    if (qobject_cast<QComboBox*>(window->widget))  // the template counts the list in
+        place.setHeight(window->widget->sizeHint().height());
+    if (kind == &kListBoxClass && !(item.style & LBS_NOINTEGRALHEIGHT))
+        place.setHeight(WholeLines(window->widget, place.height()));
+    window->widget->setGeometry(place);
+    if (window->widget->focusPolicy() != Qt::NoFocus)
+        window->widget->setFocusPolicy(FocusPolicyOf(*window->widget, item.style));
+    window->widget->setEnabled(!(item.style & WS_DISABLED));
+    window->widget->setVisible(item.style & WS_VISIBLE);
+    return window->handle;
+}
+
+bool MakeControls(Window& dialog, const DialogTemplate& shape) {
+    for (const DialogItem& item : shape.items)
+        if (!MakeControl(dialog, item)) return false;
+    const std::vector<Window*> controls = ControlsOf(dialog.handle);
+    NameControls(controls);
+    OrderControls(controls);
+    GroupRadios(controls, dialog.dialog->content);
+    return true;
+}
+
+HWND FirstTabStop(const Window& dialog) {
+    for (const Window* window : ControlsOf(dialog.handle))
+        if (window->control->style & WS_TABSTOP && window->widget->isEnabled() &&
+            !window->widget->isHidden() && window->widget->focusPolicy() != Qt::NoFocus)
+            return window->handle;
+    return nullptr;
+}
+
+void FocusControl(const Window& control) {
+    control.widget->setFocus(Qt::TabFocusReason);
+    if (auto* edit = As<QLineEdit>(control)) edit->selectAll();
+    auto* combo = As<QComboBox>(control);
+    if (combo && combo->lineEdit()) combo->lineEdit()->selectAll();
+}
+
+QString WithoutMnemonic(const QString& text) {
+    QString plain;
+    for (qsizetype i = 0; i < text.size(); i++) {
+        if (text[i] == '&' && ++i == text.size()) break;
+        plain += text[i];
+    }
+    return plain;
+}
+
+void QueueNotice(HWND control, WORD code) {
+    const Window* window = FindWindowRecord(control);
+    if (window)
+        QueueInput(window->parent, WM_COMMAND, MAKEWPARAM(window->id, code),
+                   reinterpret_cast<LPARAM>(control));
+}
+
+void SendNotice(HWND control, WORD code) {
+    const Window* window = FindWindowRecord(control);
+    if (window)
+        SendMessageW(window->parent, WM_COMMAND, MAKEWPARAM(window->id, code),
+                     reinterpret_cast<LPARAM>(control));
+}
+
+LRESULT CopyText(const QString& text, WPARAM size, LPARAM buffer) {
+    if (size == 0 || !buffer) return 0;
+    auto* units = reinterpret_cast<LPWSTR>(buffer);
+    const std::u16string wide = ToWide(text);
+    const size_t count = std::min<size_t>(wide.size(), size - 1);
+    std::copy_n(wide.begin(), count, units);
+    units[count] = 0;
+    return static_cast<LRESULT>(count);
+}
+
+int FindEntry(const QStringList& entries, int after, const QString& wanted, bool whole) {
+    const int count = static_cast<int>(entries.size());
+    const int first = after < 0 || after >= count ? 0 : after + 1;
+    for (int i = 0; i < count; i++) {
+        const QString& entry = entries[(first + i) % count];
+        const QString head = whole ? entry : entry.left(wanted.size());
+        if (head.compare(wanted, Qt::CaseInsensitive) == 0) return (first + i) % count;
+    }
+    return LB_ERR;
+}
+
+int SortedPlace(const QStringList& entries, const QString& text) {
+    int row = 0;
+    while (row < entries.size() && entries[row].compare(text, Qt::CaseInsensitive) <= 0) row++;
+    return row;
+}
+
+int PlaceOf(WPARAM row, int count) {
+    const int place = static_cast<int>(row) == -1 ? count : static_cast<int>(row);
+    return place > count || place < 0 ? -1 : place;
+}

@@ -1,0 +1,115 @@
+// Edits of dialogs.
+#include <climits>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QRegularExpressionValidator>
+
+#include "platform/qt/dialog/dialog_buttons.h"
+
+namespace {
+
+constexpr int kUsualLimit = 32767;
+
+QLineEdit* EditOf(const Window& window) { return qobject_cast<QLineEdit*>(window.widget.data()); }
+
+// What stands there may be longer than what can be typed; the toolkit knows one limit for both.
+void HoldLimit(HWND control, QLineEdit* edit) {
+    const Window* window = FindWindowRecord(control);
+    if (window)
+        edit->setMaxLength(std::max<int>(window->control->limit,  //
+                                         static_cast<int>(edit->text().size())));
+}
+
+QWidget* MakeEdit(HWND control, const DialogItem& item, QWidget* parent) {
+    auto* edit = new QLineEdit(parent);
+    if (item.style & ES_PASSWORD) edit->setEchoMode(QLineEdit::Password);
+    if (item.style & ES_READONLY) edit->setReadOnly(true);
+    if (item.style & ES_CENTER) edit->setAlignment(Qt::AlignHCenter);
+    if (item.style & ES_RIGHT) edit->setAlignment(Qt::AlignRight);
+    if (item.style & ES_NUMBER) {
+        static const QRegularExpression digits("[0-9]*");
+        edit->setValidator(new QRegularExpressionValidator(digits, edit));
+    }
+    LimitTyping(control, edit, kUsualLimit);
+    edit->setText(FromWide(item.text.c_str()));
+    QObject::connect(edit, &QLineEdit::textEdited, edit, [control, edit] {
+        HoldLimit(control, edit);
+        QueueNotice(control, EN_CHANGE);
+    });
+    return edit;
+}
+
+LRESULT SetText(Window& window, WPARAM, LPARAM text) {
+    const HWND control = window.handle;
+    QLineEdit* edit = EditOf(window);
+    edit->setMaxLength(INT_MAX);
+    edit->setText(FromWide(reinterpret_cast<LPCWSTR>(text)));
+    HoldLimit(control, edit);
+    SendNotice(control, EN_CHANGE);
+    return TRUE;
+}
+
+LRESULT GetText(Window& window, WPARAM size, LPARAM buffer) {
+    return CopyText(EditOf(window)->text(), size, buffer);
+}
+
+LRESULT GetLength(Window& window, WPARAM, LPARAM) { return EditOf(window)->text().size(); }
+
+LRESULT LimitText(Window& window, WPARAM limit, LPARAM) {
+    const bool some = limit > 0 && limit < INT_MAX;
+    LimitTyping(window.handle, window.widget, some ? static_cast<int>(limit) : INT_MAX);
+    return 0;
+}
+
+// From -1: nothing; to -1: to the end.
+LRESULT SetSelection(Window& window, WPARAM from, LPARAM to) {
+    QLineEdit* edit = EditOf(window);
+    const int length = static_cast<int>(edit->text().size());
+    const int start = static_cast<int>(from), end = static_cast<int>(to);
+    if (start < 0) return edit->deselect(), 0;
+    const int first = std::min(start, length), last = end < 0 ? length : std::min(end, length);
+    edit->setCursorPosition(last);
+    if (first != last) edit->setSelection(std::min(first, last), std::abs(last - first));
+    return 0;
+}
+
+LRESULT GetSelection(Window& window, WPARAM from, LPARAM to) {
+    const QLineEdit* edit = EditOf(window);
+    const bool some = edit->hasSelectedText();
+    const int start = some ? edit->selectionStart() : edit->cursorPosition();
+    const int end = some ? edit->selectionEnd() : start;
+    if (from) *reinterpret_cast<DWORD*>(from) = static_cast<DWORD>(start);
+    if (to) *reinterpret_cast<DWORD*>(to) = static_cast<DWORD>(end);
+    return MAKELONG(start, end);
+}
+
+LRESULT ReplaceSelection(Window& window, WPARAM, LPARAM text) {
+    const HWND control = window.handle;
+    EditOf(window)->insert(FromWide(reinterpret_cast<LPCWSTR>(text)));
+    SendNotice(control, EN_CHANGE);
+    return 0;
+}
+
+const MessageRow kEditMessages[] = {
+    {WM_SETTEXT, SetText},
+    {WM_GETTEXT, GetText},
+    {WM_GETTEXTLENGTH, GetLength},
+    {EM_LIMITTEXT, LimitText},
+    {EM_SETSEL, SetSelection},
+    {EM_GETSEL, GetSelection},
+    {EM_REPLACESEL, ReplaceSelection},
+    {0, nullptr},
+};
+
+}  // namespace
+
+const ControlClass kEditClass = {0x81, u"Edit", MakeEdit, kEditMessages};
+
+void LimitTyping(HWND control, QWidget* widget, int limit) {
+    Window* window = FindWindowRecord(control);
+    auto* combo = qobject_cast<QComboBox*>(widget);
+    auto* edit = combo ? combo->lineEdit() : qobject_cast<QLineEdit*>(widget);
+    if (!window || !edit) return;
+    window->control->limit = limit;
+    HoldLimit(control, edit);
+}

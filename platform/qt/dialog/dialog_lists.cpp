@@ -1,0 +1,216 @@
+// List boxes of dialogs.
+#include <QKeyEvent>
+#include <QListWidget>
+#include <QScrollBar>
+
+#include "platform/qt/dialog/broken_lines.h"
+#include "platform/qt/dialog/dialogs.h"
+
+namespace {
+
+// A list that has entries changed by a double tap takes the space bar for one. The selection moves,
+// but is not taken away: not by a click below the last entry, nor by one with Ctrl.
+class ListBox : public QListWidget {
+  public:
+    using QListWidget::QListWidget;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool tap = event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier;
+        if (!tap || !currentItem()) return QListWidget::keyPressEvent(event);
+        currentItem()->setSelected(true);  // Tab comes to an entry and selects none
+        emit itemDoubleClicked(currentItem());
+    }
+    // An entry that is seen in part at the bottom is left out.
+    void paintEvent(QPaintEvent* event) override {
+        const QRect seen = viewport()->rect();
+        const QRect last = visualRect(indexAt(seen.bottomLeft() + QPoint(1, 0)));
+        const bool cut = last.bottom() > seen.bottom() && last.top() > 0;
+        const QRect whole = cut ? QRect(seen.topLeft(), last.topRight() - QPoint(0, 1)) : seen;
+        QPaintEvent shown(event->region() & whole);
+        QListWidget::paintEvent(&shown);
+    }
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override {
+        if (!index.isValid()) return QItemSelectionModel::NoUpdate;
+        const auto command = QListWidget::selectionCommand(index, event);
+        const bool takes = command & (QItemSelectionModel::Deselect | QItemSelectionModel::Toggle);
+        return takes ? QItemSelectionModel::ClearAndSelect : command;
+    }
+};
+
+Qt::ScrollBarPolicy BarFor(bool wanted) {
+    return wanted ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff;
+}
+
+QListWidget* ListOf(const Window& window) {
+    return qobject_cast<QListWidget*>(window.widget.data());
+}
+
+QListWidgetItem* ItemAt(const Window& window, WPARAM row) {
+    const auto* list = ListOf(window);
+    return row < static_cast<WPARAM>(list->count()) ? list->item(static_cast<int>(row)) : nullptr;
+}
+
+QStringList Entries(const QListWidget* list) {
+    QStringList entries;
+    for (int i = 0; i < list->count(); i++) entries << list->item(i)->text();
+    return entries;
+}
+
+QWidget* MakeListBox(HWND control, const DialogItem& item, QWidget* parent) {
+    auto* list = new ListBox(parent);
+    list->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+    list->setVerticalScrollBarPolicy(BarFor(item.style & WS_VSCROLL));
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->setTabKeyNavigation(false);
+    if (!(item.style & LBS_NOTIFY)) return list;
+    QObject::connect(list, &QListWidget::itemSelectionChanged, list,
+                     [control] { QueueNotice(control, LBN_SELCHANGE); });
+    QObject::connect(list, &QListWidget::itemDoubleClicked, list,
+                     [control] { QueueNotice(control, LBN_DBLCLK); });
+    return list;
+}
+
+// An insertion leaves the selection on its entry.
+int Insert(QListWidget* list, int row, const QString& text) {
+    const QSignalBlocker quiet(list);
+    list->insertItem(row, text);
+    return row;
+}
+
+LRESULT AddEntry(Window& window, WPARAM, LPARAM text) {
+    QListWidget* list = ListOf(window);
+    const QString entry = FromWide(reinterpret_cast<LPCWSTR>(text));
+    const bool sorted = window.control->style & LBS_SORT;
+    return Insert(list, sorted ? SortedPlace(Entries(list), entry) : list->count(), entry);
+}
+
+LRESULT InsertEntry(Window& window, WPARAM row, LPARAM text) {
+    QListWidget* list = ListOf(window);
+    const int place = PlaceOf(row, list->count());
+    if (place < 0) return LB_ERR;
+    return Insert(list, place, FromWide(reinterpret_cast<LPCWSTR>(text)));
+}
+
+LRESULT DeleteEntry(Window& window, WPARAM row, LPARAM) {
+    QListWidget* list = ListOf(window);
+    QListWidgetItem* item = ItemAt(window, row);
+    if (!item) return LB_ERR;
+    const QSignalBlocker quiet(list);
+    const bool selected = item->isSelected();
+    delete list->takeItem(static_cast<int>(row));
+    if (selected) list->clearSelection();
+    return list->count();
+}
+
+LRESULT Reset(Window& window, WPARAM, LPARAM) {
+    const QSignalBlocker quiet(ListOf(window));
+    ListOf(window)->clear();
+    return 0;
+}
+
+LRESULT Select(Window& window, WPARAM row, LPARAM) {
+    QListWidget* list = ListOf(window);
+    const QSignalBlocker quiet(list);
+    if (!ItemAt(window, row)) return list->setCurrentRow(-1), list->clearSelection(), LB_ERR;
+    list->setCurrentRow(static_cast<int>(row));
+    return static_cast<LRESULT>(row);
+}
+
+LRESULT Selected(Window& window, WPARAM, LPARAM) {
+    const QListWidget* list = ListOf(window);
+    const auto selected = list->selectedItems();
+    return selected.isEmpty() ? LB_ERR : list->row(selected.front());
+}
+
+LRESULT GetEntry(Window& window, WPARAM row, LPARAM buffer) {
+    const QListWidgetItem* item = ItemAt(window, row);
+    return item ? CopyText(item->text(), SIZE_MAX, buffer) : LB_ERR;
+}
+
+LRESULT GetEntryLength(Window& window, WPARAM row, LPARAM) {
+    const QListWidgetItem* item = ItemAt(window, row);
+    return item ? item->text().size() : LB_ERR;
+}
+
+LRESULT Count(Window& window, WPARAM, LPARAM) { return ListOf(window)->count(); }
+
+LRESULT SelectByText(Window& window, WPARAM after, LPARAM text) {
+    const QString wanted = FromWide(reinterpret_cast<LPCWSTR>(text));
+    const int row = FindEntry(Entries(ListOf(window)), static_cast<int>(after), wanted, false);
+    return row < 0 ? LB_ERR : Select(window, static_cast<WPARAM>(row), 0);
+}
+
+LRESULT FindExact(Window& window, WPARAM after, LPARAM text) {
+    const QString wanted = FromWide(reinterpret_cast<LPCWSTR>(text));
+    return FindEntry(Entries(ListOf(window)), static_cast<int>(after), wanted, true);
+}
+
+// The lines are laid out late; the bar counts lines once they are.
+LRESULT GetTop(Window& window, WPARAM, LPARAM) {
+    QListWidget* list = ListOf(window);
+    list->scrollTo(QModelIndex());
+    list->doItemsLayout();
+    return list->verticalScrollBar()->value();
+}
+
+LRESULT SetTop(Window& window, WPARAM row, LPARAM) {
+    QListWidget* list = ListOf(window);
+    if (!ItemAt(window, row)) return LB_ERR;
+    list->doItemsLayout();
+    list->verticalScrollBar()->setValue(static_cast<int>(row));
+    return 0;
+}
+
+// What does not fit is broken over lines: moved sideways, the list would hide how entries begin.
+// How wide they are the toolkit knows by itself.
+LRESULT SetWidth(Window& window, WPARAM pixels, LPARAM) {
+    if (pixels > 0 && window.control->style & WS_HSCROLL) BreakLines(ListOf(window));
+    ListOf(window)->doItemsLayout();
+    return 0;
+}
+
+LRESULT GetData(Window& window, WPARAM row, LPARAM) {
+    const QListWidgetItem* item = ItemAt(window, row);
+    return item ? static_cast<LRESULT>(item->data(Qt::UserRole).toLongLong()) : LB_ERR;
+}
+
+LRESULT SetData(Window& window, WPARAM row, LPARAM data) {
+    QListWidgetItem* item = ItemAt(window, row);
+    if (!item) return LB_ERR;
+    item->setData(Qt::UserRole, static_cast<qlonglong>(data));
+    return 0;
+}
+
+const MessageRow kListMessages[] = {
+    {LB_ADDSTRING, AddEntry},
+    {LB_INSERTSTRING, InsertEntry},
+    {LB_DELETESTRING, DeleteEntry},
+    {LB_RESETCONTENT, Reset},
+    {LB_SETCURSEL, Select},
+    {LB_GETCURSEL, Selected},
+    {LB_GETTEXT, GetEntry},
+    {LB_GETTEXTLEN, GetEntryLength},
+    {LB_GETCOUNT, Count},
+    {LB_SELECTSTRING, SelectByText},
+    {LB_GETTOPINDEX, GetTop},
+    {LB_SETTOPINDEX, SetTop},
+    {LB_SETHORIZONTALEXTENT, SetWidth},
+    {LB_GETITEMDATA, GetData},
+    {LB_SETITEMDATA, SetData},
+    {LB_FINDSTRINGEXACT, FindExact},
+    {0, nullptr},
+};
+
+}  // namespace
+
+const ControlClass kListBoxClass = {0x83, u"ListBox", MakeListBox, kListMessages};
+
+int WholeLines(QWidget* widget, int height) {
+    auto* list = qobject_cast<QListWidget*>(widget);
+    list->addItem("X");
+    const int line = list->sizeHintForRow(0), frame = 2 * list->frameWidth();
+    list->clear();
+    return std::max((height - frame) / line, 1) * line + frame;
+}

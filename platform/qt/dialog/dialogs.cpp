@@ -1,0 +1,273 @@
+// Dialogs: the desktop's window around one, its procedure, and the loop that runs it.
+#include "platform/qt/dialog/dialogs.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
+
+#include "platform/qt/dialog/default_button.h"
+#include "platform/qt/shell/input_panel.h"
+#include "platform/qt/testing.h"
+
+namespace {
+
+const WindowClass kDialogClass = {u"Dialog", 0, DialogWindowProcedure, nullptr};
+
+std::vector<HWND> g_open;  // the one on top last
+
+int Scaled(int units, int base, int divisor) { return (units * base + divisor / 2) / divisor; }
+
+// Pixels of four units across and eight down: the mean letter of the dialogs' font.
+QSize DialogBase() {
+    static const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    const QFontMetrics metrics(QApplication::font());
+    const int width = metrics.horizontalAdvance(letters);
+    return QSize(static_cast<int>((width / 26 + 1) / 2), metrics.height());
+}
+
+// These are answered by what the procedure returns; all others by DWLP_MSGRESULT.
+bool AnsweredDirectly(UINT message) { return message == WM_INITDIALOG; }
+
+void QueueCommand(HWND dialog, int id) {
+    QueueInput(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
+               reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
+}
+
+// Closing is cancelling, unless the dialog has that switched off.
+void CloseByCancel(HWND dialog) {
+    const HWND button = GetDlgItem(dialog, IDCANCEL);
+    if (button && !IsWindowEnabled(button)) {
+        MessageBeep(MB_OK);
+        return;
+    }
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(button));
+}
+
+// The template's default button.
+QPushButton* UsualDefault(const QWidget& dialog) {
+    for (const Window* window : AllWindows()) {
+        const bool here = window->control && window->widget && window->widget->window() == &dialog;
+        if (!here || (window->control->style & 0xFu) != BS_DEFPUSHBUTTON) continue;
+        auto* button = qobject_cast<QPushButton*>(window->widget.data());
+        if (button && button->isVisible()) return button;
+    }
+    return nullptr;
+}
+
+void PressDefault(HWND dialog, const QWidget& widget) {
+    auto* button = qobject_cast<QPushButton*>(widget.focusWidget());
+    if (!button) button = ShownDefault(widget);
+    if (!button) return QueueCommand(dialog, IDOK);
+    button->click();
+}
+
+// The template's corner counts from the owner's client area.
+QRect FirstPlace(const DialogTemplate& shape, HWND owner, QSize size) {
+    if (shape.style & DS_CENTER) return CenteredPlace(size);
+    const QSize corner = DialogPixels(shape.x, shape.y);
+    POINT place = {corner.width(), corner.height()};
+    if (!(shape.style & DS_ABSALIGN)) ClientToScreen(owner, &place);
+    return QRect(QPoint(place.x, place.y), size);
+}
+
+HWND MakeDialog(const DialogTemplate& shape, HWND owner, DLGPROC procedure) {
+    Window* window = MakeDialogWindow(&kDialogClass, owner, shape.caption, procedure);
+    const HWND dialog = window->handle;
+    auto* widget = static_cast<DialogWidget*>(window->widget.data());
+    widget->SetBody(MakeScrolledContent(widget, &window->dialog->content));
+    window->dialog->wanted = DialogPixels(shape.width, shape.height);
+    if (!MakeControls(*window, shape)) {
+        DestroyWindow(dialog);
+        return nullptr;
+    }
+    PlaceDialog(*window, FirstPlace(shape, owner, window->dialog->wanted));
+    return dialog;
+}
+
+}  // namespace
+
+void DialogWidget::SetBody(QWidget* body) { body_ = body; }
+
+void DialogWidget::reject() { QueueCommand(dialog_, IDCANCEL); }
+
+void DialogWidget::keyPressEvent(QKeyEvent* event) {
+    const auto modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && modifiers == Qt::NoModifier) return PressDefault(dialog_, *this);
+    QDialog::keyPressEvent(event);
+}
+
+void DialogWidget::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    QueueInput(dialog_, WM_CLOSE, 0, 0);
+}
+
+void DialogWidget::resizeEvent(QResizeEvent*) {
+    if (body_) body_->setGeometry(rect());
+}
+
+// A page's cancel button is its sheet's.
+LRESULT CALLBACK DialogWindowProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
+    Window* window = FindWindowRecord(dialog);
+    const std::shared_ptr<DialogData> data = window->dialog;
+    data->message_result = 0;
+    const INT_PTR dealt =
+        data->procedure ? data->procedure(dialog, message, wparam, lparam) : FALSE;
+    if (AnsweredDirectly(message)) return dealt;
+    if (dealt) return data->message_result;
+    if (message == WM_CLOSE) return CloseByCancel(dialog), 0;
+    return IsWindow(dialog) ? DefWindowProcW(dialog, message, wparam, lparam) : 0;
+}
+
+HWND DialogOwner(HWND owner) {
+    const Window* window = FindWindowRecord(owner);
+    while (window && window->parent && window->widget && !window->widget->isWindow() &&
+           !IsProgramWindow(*window))
+        window = FindWindowRecord(window->parent);
+    return window ? window->handle : nullptr;
+}
+
+Window* MakeDialogWindow(const WindowClass* window_class, HWND owner, const std::u16string& title,
+                         DLGPROC procedure) {
+    const Window* above = FindWindowRecord(owner);
+    QWidget* parent = above && above->dialog ? above->widget.data() : DeviceScreen();
+    Window* window = AddWindow(window_class, owner, 0);
+    window->text = title;
+    window->dialog = std::make_shared<DialogData>();
+    window->dialog->procedure = procedure;
+    auto* widget = new DialogWidget(window->handle, parent);
+    window->widget = widget;
+    FollowFocusWithDefault(widget, [widget] { return UsualDefault(*widget); });
+    window->widget->setWindowTitle(FromWide(title.c_str()));
+    return window;
+}
+
+void StartDialog(HWND dialog, LPARAM parameter) {
+    const HWND first = FirstTabStop(*FindWindowRecord(dialog));
+    const LRESULT focus =
+        SendMessageW(dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(first), parameter);
+    const Window* window = FindWindowRecord(dialog);
+    const Window* control = FindWindowRecord(first);
+    if (window && control && (focus || !window->dialog->content->focusWidget()))
+        FocusControl(*control);
+}
+
+INT_PTR RunDialog(HWND dialog, bool at_once) {
+    Window* window = FindWindowRecord(dialog);
+    if (!window) return 0;
+    const std::shared_ptr<DialogData> data = window->dialog;
+    const QPointer<QWidget> below = window->widget->parentWidget();
+    g_open.push_back(dialog);
+    const auto over = [&] { return data->ended || QuitPosted() || !FindWindowRecord(dialog); };
+    if (!at_once) DispatchPosted(over);
+    if (!over()) {
+        window = FindWindowRecord(dialog);
+        window->widget->setWindowModality(Qt::ApplicationModal);
+        window->widget->show();
+        LendInputPanel(window->widget);
+        window->widget->activateWindow();
+        AnnounceDialog();
+    }
+    RunModalLoop([&] { return data->ended || !FindWindowRecord(dialog); });
+    std::erase(g_open, dialog);
+    DestroyWindow(dialog);
+    const Window* outer = g_open.empty() ? nullptr : FindWindowRecord(g_open.back());
+    LendInputPanel(outer ? outer->widget.data() : nullptr);
+    if (below && below->isVisible()) below->activateWindow();
+    return data->result;
+}
+
+QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {
+    auto* area = new QScrollArea(parent);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->viewport()->move(0, 0);  // the frame that it was made with is gone
+    *content = new QWidget;
+    area->setWidget(*content);
+    QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
+        if (now && area->widget()->isAncestorOf(now)) area->ensureWidgetVisible(now, 4, 4);
+    });
+    return area;
+}
+
+QSize DialogPixels(int width, int height) {
+    const QSize base = DialogBase();
+    return QSize(Scaled(width, base.width(), 4), Scaled(height, base.height(), 8));
+}
+
+// What fits above the input panel stands there.
+QRect CenteredPlace(QSize size) {
+    QRect screen = DeviceScreen()->rect();
+    if (InputPanelShown() && size.height() <= InputPanelPlace().top())
+        screen.setHeight(InputPanelPlace().top());
+    return QRect(QPoint(std::max((screen.width() - size.width()) / 2, 0),
+                        std::max((screen.height() - size.height()) / 2, 0)),
+                 size);
+}
+
+// A page lies where its sheet has it. What the screen cuts off is scrolled to; the bar for that
+// takes room of its own where there is some.
+void PlaceDialog(Window& window, const QRect& rect) {
+    if (!window.widget->isWindow()) return;
+    const QSize screen = DeviceScreen()->size();
+    const QSize whole = window.dialog->wanted.expandedTo(rect.size());
+    const int bar = window.widget->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    QSize size = whole;
+    if (whole.height() > screen.height()) size.rwidth() += bar;
+    if (whole.width() > screen.width()) size.rheight() += bar;
+    size = size.boundedTo(screen);
+    if (!window.dialog->sheet) window.dialog->content->setFixedSize(whole);
+    window.widget->setMaximumSize(whole.expandedTo(size));
+    window.widget->setGeometry(QRect(DeviceScreen()->mapToGlobal(rect.topLeft()), size));
+    SendSize(window);
+}
+
+QWidget* TopMostWidget() {
+    const Window* top = g_open.empty() ? nullptr : FindWindowRecord(g_open.back());
+    return top && top->widget ? top->widget.data() : DeviceScreen();
+}
+
+INT_PTR DialogBoxParamW(HINSTANCE, LPCWSTR name, HWND owner, DLGPROC procedure, LPARAM parameter) {
+    DialogTemplate shape;
+    if (!procedure || (owner && !IsWindow(owner)) || !LoadDialogTemplate(name, &shape)) return -1;
+    const HWND dialog = MakeDialog(shape, DialogOwner(owner), procedure);
+    if (!dialog) return -1;
+    StartDialog(dialog, parameter);
+    return RunDialog(dialog, shape.style & WS_VISIBLE);
+}
+
+BOOL EndDialog(HWND dialog, INT_PTR result) {
+    Window* window = FindWindowRecord(dialog);
+    if (!window || !window->dialog) return FALSE;
+    window->dialog->result = result;
+    window->dialog->ended = true;
+    return TRUE;
+}
+
+BOOL MapDialogRect(HWND dialog, RECT* rect) {
+    const Window* window = FindWindowRecord(dialog);
+    if (!window || !window->dialog || !rect) return FALSE;
+    const QSize corner = DialogPixels(rect->left, rect->top);
+    const QSize end = DialogPixels(rect->right, rect->bottom);
+    *rect = RECT{corner.width(), corner.height(), end.width(), end.height()};
+    return TRUE;
+}
+
+LONG_PTR SetWindowLongW(HWND dialog, int index, LONG_PTR value) {
+    Window* window = FindWindowRecord(dialog);
+    if (!window || !window->dialog || (index != DWLP_MSGRESULT && index != DWLP_USER)) return 0;
+    DialogData& data = *window->dialog;
+    return std::exchange(index == DWLP_USER ? data.user : data.message_result, value);
+}
+
+LONG_PTR GetWindowLongW(HWND dialog, int index) {
+    const Window* window = FindWindowRecord(dialog);
+    if (!window || !window->dialog || (index != DWLP_MSGRESULT && index != DWLP_USER)) return 0;
+    return index == DWLP_USER ? window->dialog->user : window->dialog->message_result;
+}
+
+HWND ShownDialog() { return g_open.empty() ? nullptr : g_open.back(); }

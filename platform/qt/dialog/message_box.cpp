@@ -1,0 +1,127 @@
+// Message boxes and beeps.
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLayout>
+#include <QMessageBox>
+#include <QMoveEvent>
+#include <QPushButton>
+#include <QScreen>
+#include <QTimer>
+
+#include "platform/qt/dialog/dialogs.h"
+#include "platform/qt/testing.h"
+
+namespace {
+
+QPointer<QMessageBox> g_shown;
+bool g_answer = false;
+int g_beeps = 0;
+UINT g_last_beep = 0;
+
+struct IconRow {
+    UINT type;
+    QMessageBox::Icon icon;
+};
+
+const IconRow kIcons[] = {
+    {MB_ICONERROR, QMessageBox::Critical},
+    {MB_ICONQUESTION, QMessageBox::Question},
+    {MB_ICONEXCLAMATION, QMessageBox::Warning},
+    {MB_ICONASTERISK, QMessageBox::Information},
+};
+
+QMessageBox::Icon IconOf(UINT type) {
+    for (const IconRow& row : kIcons)
+        if (row.type == (type & 0xF0u)) return row.icon;
+    return QMessageBox::NoIcon;
+}
+
+// Over the middle of the device's window; of the desktop while that one is not shown.
+QPoint BoxCorner(QSize size) {
+    if (DeviceScreen()->isVisible())
+        return DeviceScreen()->mapToGlobal(CenteredPlace(size).topLeft());
+    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
+    const QPoint corner = room.center() - QRect(QPoint(0, 0), size).center();
+    return QPoint(std::max(corner.x(), room.left()), std::max(corner.y(), room.top()));
+}
+
+// The toolkit breaks its texts for the desktop's screen. On a narrow device they are broken for
+// that one's, and the box stands within it. It goes along with the device's window, to which the
+// desktop may give its place only after the box has come up.
+class BoundedBox : public QMessageBox {
+  public:
+    explicit BoundedBox(QWidget* parent) : QMessageBox(parent) {
+        DeviceScreen()->installEventFilter(this);
+    }
+
+  protected:
+    void showEvent(QShowEvent* event) override {
+        QMessageBox::showEvent(event);
+        if (parentWidget() && width() > DeviceScreen()->width()) Narrow();
+        setGeometry(QRect(BoxCorner(size()), size()));
+    }
+    bool event(QEvent* event) override {
+        const bool keep = narrowed_ && event->type() == QEvent::LayoutRequest;
+        return keep ? QDialog::event(event) : QMessageBox::event(event);
+    }
+    bool eventFilter(QObject* device, QEvent* event) override {
+        if (event->type() == QEvent::Move && isVisible()) {
+            const auto* way = static_cast<QMoveEvent*>(event);
+            move(pos() + way->pos() - way->oldPos());
+        }
+        return QMessageBox::eventFilter(device, event);
+    }
+
+  private:
+    void Narrow() {
+        narrowed_ = true;
+        findChild<QLabel*>("qt_msgbox_label")->setWordWrap(true);
+        layout()->activate();
+        const int width = std::max(DeviceScreen()->width(), layout()->totalMinimumSize().width());
+        setFixedSize(width, layout()->totalHeightForWidth(width));
+    }
+
+    bool narrowed_ = false;
+};
+
+}  // namespace
+
+int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
+    Window* window = TopLevelOf(FindWindowRecord(owner));
+    BoundedBox box(window ? TopMostWidget() : nullptr);
+    box.setWindowTitle(FromWide(caption));
+    box.setTextFormat(Qt::PlainText);
+    box.setText(FromWide(text));
+    box.setIcon(IconOf(type));
+    QPushButton* ok = box.addButton(QMessageBox::Ok);
+    if ((type & 0xFu) == MB_OKCANCEL) box.addButton(QMessageBox::Cancel);
+    box.setDefaultButton(ok);
+    box.setWindowModality(Qt::ApplicationModal);
+    const QPointer<QMessageBox> outer = g_shown;
+    g_shown = &box;
+    box.show();
+    if (g_answer) QTimer::singleShot(0, ok, &QPushButton::click);
+    RunModalLoop([&] { return !box.isVisible(); });
+    g_shown = outer;
+    if (window) ReturnFocus();
+    // Esc and the close button of a box with OK alone count as OK.
+    const bool single = (type & 0xFu) == MB_OK;
+    return box.clickedButton() == ok || (single && !QuitPosted()) ? IDOK : IDCANCEL;
+}
+
+BOOL MessageBeep(UINT type) {
+    g_beeps++;
+    g_last_beep = type;
+    // A host that rings without end would otherwise fill the desktop's queue.
+    static QElapsedTimer since;
+    if (!since.isValid() || since.elapsed() >= 100) {
+        since.start();
+        QApplication::beep();
+    }
+    return TRUE;
+}
+
+QMessageBox* ShownMessageBox() { return g_shown; }
+void AnswerMessageBoxes(bool answer) { g_answer = answer; }
+int BeepCount() { return g_beeps; }
+UINT LastBeep() { return g_last_beep; }

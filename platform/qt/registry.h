@@ -1,9 +1,0 @@
-// The registry's end, for the host and for tests.
-#ifndef QUILL_PLATFORM_QT_REGISTRY_H
-#define QUILL_PLATFORM_QT_REGISTRY_H
-
-// Writes everything into the one file and closes it; the next call opens it again. Keys that are
-// open stay open.
-void CloseRegistry();
-
-#endif

@@ -1,0 +1,359 @@
+// The host's own socket calls.
+#include "platform/qt/services/posix_sockets.h"
+
+#include <fcntl.h>
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <climits>
+#include <system_error>
+#include <thread>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kLargestBuffer = 0x3FFFFFFF;    // the kernel cuts it to what it allows
+constexpr int64_t kNothingToWaitFor = 20000;  // us until a socket without a request is seen again
+constexpr int64_t kLongestWait = 1000000000000;  // us; keeps the sum with the clock in range
+
+// A request that ended at once reports so through the wait, as one that took its time does.
+bool IsOutcome(int error) { return error == ECONNREFUSED || error == ETIMEDOUT; }
+
+// A peer that took the connection and dropped it before anyone looked; a request that is turned
+// down ends in other errors.
+bool IsEndOfConnection(int error) { return error == ECONNRESET || error == EPIPE; }
+
+short EventsFor(const SocketWait& wait) {
+    int events = 0;
+    if (wait.want_read) events |= POLLIN | POLLRDHUP;
+    if (wait.want_write) events |= POLLOUT;
+    if (wait.want_except) events |= POLLPRI;
+    return static_cast<short>(events);
+}
+
+}  // namespace
+
+int StreamSocket::Open(std::shared_ptr<StreamSocket>* opened) {
+    const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0) return -errno;
+    const int wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    if (wake < 0) {
+        const int error = errno;
+        close(descriptor);
+        return -error;
+    }
+    setsockopt(descriptor, SOL_SOCKET, SO_SNDBUF, &kLargestBuffer, sizeof(kLargestBuffer));
+    opened->reset(new StreamSocket(descriptor, wake));
+    return 0;
+}
+
+StreamSocket::~StreamSocket() {
+    close(descriptor_);
+    close(wake_);
+}
+
+int StreamSocket::SetBlocking(bool blocking) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const int flags = fcntl(descriptor_, F_GETFL);
+    const int wanted = blocking ? flags & ~O_NONBLOCK : flags | O_NONBLOCK;
+    if (flags < 0 || fcntl(descriptor_, F_SETFL, wanted) < 0) return -errno;
+    blocking_ = blocking;
+    return 0;
+}
+
+int StreamSocket::BeginConnect(uint32_t address, uint16_t port, bool* blocking) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (closed_) return -ENOTSOCK;
+    LookAtRequest();
+    if (state_ == SocketState::kConnecting) return -EALREADY;
+    if (state_ == SocketState::kConnected) return -EISCONN;
+    // The host would take both for the host itself.
+    if (address == 0 || port == 0) return -EADDRNOTAVAIL;
+    state_ = SocketState::kConnecting;
+    *blocking = blocking_;
+    return 0;
+}
+
+int StreamSocket::Connect(uint32_t address, uint16_t port) {
+    bool blocking = false;
+    const int refused = BeginConnect(address, port, &blocking);
+    if (refused < 0) return refused;
+    sockaddr_in peer = {};
+    peer.sin_family = AF_INET;
+    peer.sin_port = port;
+    peer.sin_addr.s_addr = address;
+    int error = connect(descriptor_, reinterpret_cast<sockaddr*>(&peer), sizeof(peer)) ? errno : 0;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (closed_) return -ENOTSOCK;
+    if (error == EINPROGRESS || error == EAGAIN || error == EINTR) return -EINPROGRESS;
+    // A wait of another thread may have seen the end of the request first.
+    if (state_ == SocketState::kFailed && error == 0) error = ECONNREFUSED;
+    const bool outcome = IsOutcome(error);
+    if (error == 0)
+        state_ = SocketState::kConnected;
+    else
+        state_ = outcome ? SocketState::kFailed : SocketState::kFresh;
+    return !blocking && outcome ? -EINPROGRESS : -error;
+}
+
+// SO_ERROR is given out once, so that its first reader has to keep it.
+SocketState StreamSocket::LookAtRequest() {
+    if (state_ != SocketState::kConnecting) return state_;
+    pollfd request = {descriptor_, POLLOUT, 0};
+    if (poll(&request, 1, 0) <= 0) return state_;
+    int error = 0;
+    socklen_t size = sizeof(error);
+    if (getsockopt(descriptor_, SOL_SOCKET, SO_ERROR, &error, &size) < 0) error = errno;
+    // A socket whose request has not begun yet hangs up without an error.
+    sockaddr_in peer;
+    socklen_t peer_size = sizeof(peer);
+    const bool has_peer =
+        getpeername(descriptor_, reinterpret_cast<sockaddr*>(&peer), &peer_size) == 0;
+    if (error != 0 && !IsEndOfConnection(error)) {
+        state_ = SocketState::kFailed;
+    } else if (error != 0 || has_peer || !(request.revents & POLLHUP)) {
+        state_ = SocketState::kConnected;
+        pending_error_ = error;
+    }
+    return state_;
+}
+
+SocketState StreamSocket::State() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return LookAtRequest();
+}
+
+bool StreamSocket::IsClosed() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return closed_;
+}
+
+int StreamSocket::Usable() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (closed_) return -ENOTSOCK;
+    if (LookAtRequest() != SocketState::kConnected) return -ENOTCONN;
+    const int error = pending_error_;
+    pending_error_ = 0;
+    return -error;
+}
+
+int StreamSocket::Receive(void* bytes, size_t size, int flags) {
+    const int usable = Usable();
+    if (usable < 0) return usable;
+    ssize_t count;
+    do count = recv(descriptor_, bytes, std::min<size_t>(size, INT_MAX), flags);
+    while (count < 0 && errno == EINTR);
+    const int error = errno;
+    if (IsClosed()) return -ENOTSOCK;
+    return count < 0 ? -error : static_cast<int>(count);
+}
+
+bool StreamSocket::Blocks() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return blocking_;
+}
+
+int StreamSocket::SendNow(const char* bytes, size_t size, int flags) {
+    ssize_t count;
+    do count = send(descriptor_, bytes, size, flags | MSG_NOSIGNAL);
+    while (count < 0 && errno == EINTR);
+    return count < 0 ? -errno : static_cast<int>(count);
+}
+
+// A key, or a packet of an exchange, would else wait for the peer to confirm the piece before,
+// which it puts off for some 40 ms.
+void StreamSocket::ChooseGathering() {
+    const auto now = Clock::now();
+    if (now - last_sent_ > kSendingRest) run_ = 0;
+    last_sent_ = now;
+    const bool gather = run_ >= kSentAtOnce;
+    if (!gather) run_++;
+    if (gather == gathers_) return;
+    gathers_ = gather;
+    const int at_once = !gather;
+    setsockopt(descriptor_, IPPROTO_TCP, TCP_NODELAY, &at_once, sizeof(at_once));
+}
+
+int StreamSocket::Send(const void* bytes, size_t size, int flags) {
+    const int usable = Usable();
+    if (usable < 0) return usable;
+    const char* first = static_cast<const char*>(bytes);
+    size = std::min<size_t>(size, INT_MAX);
+    if (flags != 0 || Blocks()) return SendNow(first, size, flags);
+    const std::lock_guard<std::mutex> lock(send_mutex_);
+    if (send_error_) return -send_error_;
+    ChooseGathering();
+    int sent = sending_ ? -EAGAIN : SendNow(first, size, 0);
+    if (sent < 0 && sent != -EAGAIN) return sent;
+    sent = std::max(sent, 0);
+    sent += static_cast<int>(Queue(first + sent, size - static_cast<size_t>(sent)));
+    return sent > 0 || size == 0 ? sent : -EAGAIN;
+}
+
+// How many of the bytes there was room for. Without a thread nothing is taken.
+size_t StreamSocket::Queue(const char* bytes, size_t size) {
+    const size_t room = kLargestBacklog - (backlog_.size() - backlog_sent_);
+    size = std::min(size, room);
+    if (size == 0) return 0;
+    if (!sending_) {
+        try {
+            std::thread([self = shared_from_this()] { self->SendBacklog(); }).detach();
+        } catch (const std::system_error&) {
+            return 0;
+        }
+        sending_ = true;
+    }
+    backlog_.append(bytes, size);
+    return size;
+}
+
+// The thread: ends when all is sent, when the connection fails and when the socket is closed.
+void StreamSocket::SendBacklog() {
+    pollfd waits[2] = {{descriptor_, POLLOUT, 0}, {wake_, POLLIN, 0}};
+    do poll(waits, 2, -1);
+    while (SendSomeOfBacklog(waits[1].revents != 0));
+}
+
+// False when the thread is to end; the next bytes then start another one.
+bool StreamSocket::SendSomeOfBacklog(bool closed) {
+    const std::lock_guard<std::mutex> lock(send_mutex_);
+    const size_t left = backlog_.size() - backlog_sent_;
+    const int count =
+        closed ? -ENOTSOCK : SendNow(backlog_.data() + backlog_sent_, left, MSG_DONTWAIT);
+    if (count == -EAGAIN) return true;
+    if (count < 0) send_error_ = -count;
+    backlog_sent_ += count < 0 ? left : static_cast<size_t>(count);
+    if (backlog_sent_ * 2 >= backlog_.size()) {
+        backlog_.erase(0, backlog_sent_);
+        backlog_sent_ = 0;
+    }
+    sending_ = !backlog_.empty();
+    if (!sending_) backlog_.shrink_to_fit();
+    return sending_;
+}
+
+int StreamSocket::Shutdown(int how) {
+    if (State() != SocketState::kConnected) return -ENOTCONN;
+    return shutdown(descriptor_, how) < 0 ? -errno : 0;
+}
+
+void StreamSocket::Close() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (closed_) return;
+    closed_ = true;
+    shutdown(descriptor_, SHUT_RDWR);  // ends a call that blocks in another thread
+    const uint64_t one = 1;
+    if (write(wake_, &one, sizeof(one)) < 0) return;  // full: it is readable already
+}
+
+namespace {
+
+// One round of the wait: what to poll for, and what came of it.
+class WaitRound {
+  public:
+    WaitRound(std::vector<SocketWait>* waits, std::vector<bool>* muted)
+        : waits_(*waits), muted_(*muted), polled_(waits->size() * 2) {}
+
+    // How long the round may last at most, in microseconds.
+    int64_t Prepare(int64_t left) {
+        for (size_t i = 0; i < waits_.size(); i++) {
+            SocketWait& wait = waits_[i];
+            const SocketState state = wait.socket->State();
+            connecting_.push_back(state == SocketState::kConnecting);
+            const bool live = (connecting_[i] || state == SocketState::kConnected) && !muted_[i];
+            polled_[2 * i] = {live ? wait.socket->descriptor() : -1, EventsFor(wait), 0};
+            if (connecting_[i]) polled_[2 * i].events = POLLOUT;
+            polled_[2 * i + 1] = {wait.socket->wake_descriptor(), POLLIN, 0};
+            wait.has_except = wait.want_except && state == SocketState::kFailed;
+            if (wait.has_except) left = 0;
+            if (state == SocketState::kFresh) left = std::min(left, kNothingToWaitFor);
+        }
+        return left;
+    }
+
+    void Poll(int64_t microseconds) {
+        const timespec end = {static_cast<time_t>(microseconds / 1000000),
+                              static_cast<long>(microseconds % 1000000) * 1000};
+        if (ppoll(polled_.data(), polled_.size(), &end, nullptr) >= 0) return;
+        for (pollfd& one : polled_) one.revents = 0;
+    }
+
+    // How many wants are met, or -ENOTSOCK. `again` when a request has just ended.
+    int Collect(bool* again) {
+        int met = 0;
+        for (size_t i = 0; i < waits_.size(); i++) {
+            SocketWait& wait = waits_[i];
+            if (wait.socket->IsClosed()) return -ENOTSOCK;
+            const short seen = polled_[2 * i].revents;
+            if (connecting_[i]) {
+                *again = *again || (seen != 0 && HasEnded(wait));
+            } else {
+                Take(&wait, seen);
+                // An end that nobody asked about would wake every poll from now on.
+                if (seen && !wait.can_read && !wait.can_write && !wait.has_except) muted_[i] = true;
+            }
+            met += wait.can_read + wait.can_write + wait.has_except;
+        }
+        return met;
+    }
+
+  private:
+    static bool HasEnded(const SocketWait& wait) {
+        return wait.socket->State() != SocketState::kConnecting;
+    }
+
+    static void Take(SocketWait* wait, short seen) {
+        const bool over = seen & (POLLHUP | POLLERR);
+        wait->can_read = wait->want_read && (over || (seen & (POLLIN | POLLRDHUP)));
+        wait->can_write = wait->want_write && (over || (seen & POLLOUT));
+        if (wait->want_except && (seen & POLLPRI)) wait->has_except = true;
+    }
+
+    std::vector<SocketWait>& waits_;
+    std::vector<bool>& muted_;
+    std::vector<pollfd> polled_;  // each socket, and what wakes its wait
+    std::vector<bool> connecting_;
+};
+
+int64_t MicrosecondsUntil(Clock::time_point end) {
+    const auto left = std::chrono::duration_cast<std::chrono::microseconds>(end - Clock::now());
+    return std::max<int64_t>(left.count(), 0);
+}
+
+}  // namespace
+
+int WaitForSockets(std::vector<SocketWait>* waits, int64_t microseconds) {
+    const int64_t span = microseconds < 0 ? kLongestWait : std::min(microseconds, kLongestWait);
+    const Clock::time_point end = Clock::now() + std::chrono::microseconds(span);
+    std::vector<bool> muted(waits->size(), false);
+    for (;;) {
+        WaitRound round(waits, &muted);
+        const int64_t left = MicrosecondsUntil(end);
+        round.Poll(round.Prepare(left));
+        bool again = false;
+        const int met = round.Collect(&again);
+        if (met != 0) return met;
+        if (!again && left == 0) return 0;
+    }
+}
+
+bool HasNetworkInterface() {
+    ifaddrs* list = nullptr;
+    if (getifaddrs(&list) != 0) return false;
+    bool found = false;
+    for (const ifaddrs* row = list; row; row = row->ifa_next)
+        found |= (row->ifa_flags & IFF_UP) && !(row->ifa_flags & IFF_LOOPBACK) && row->ifa_addr &&
+                 row->ifa_addr->sa_family == AF_INET;
+    freeifaddrs(list);
+    return found;
+}

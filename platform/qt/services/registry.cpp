@@ -1,0 +1,202 @@
+// The registry's calls over its file. An HKEY is a number that is never given out twice in a run.
+#include "platform/qt/services/registry.h"
+
+#include <map>
+#include <mutex>
+
+#include "platform/qt/services/registry_store.h"
+#include "platform/qt/services/wide_text.h"
+#include "windows_ce.h"
+
+namespace {
+
+constexpr LONG kErrorBadPathname = 161;
+constexpr LONG kErrorRegistryFailed = 1016;
+constexpr DWORD kCreatedNewKey = 1;
+constexpr DWORD kOpenedExistingKey = 2;
+constexpr size_t kLongestKeyName = 255;
+constexpr size_t kLongestValueName = 16383;
+const char kLocalMachine[] = "HKEY_LOCAL_MACHINE";
+
+struct OpenKey {
+    std::string path;
+    DWORD access;
+};
+
+struct Registry {
+    std::mutex mutex;
+    RegistryStore store;
+    std::map<HKEY, OpenKey> open;
+    UINT_PTR last = 0;
+};
+
+// Never destroyed: CloseRegistry is its end.
+Registry& TheRegistry() {
+    static Registry* registry = new Registry;
+    return *registry;
+}
+
+// The file compares ASCII letters without case; all other letters are held in upper case.
+std::string StoredName(std::u16string name) {
+    for (char16_t& unit : name)
+        if (unit > 0x7F) unit = UpperUnit(unit);
+    return Utf8FromWide(name);
+}
+
+LONG ErrorOf(StoreResult result) {
+    if (result == StoreResult::kOk) return ERROR_SUCCESS;
+    return result == StoreResult::kNotFound ? ERROR_FILE_NOT_FOUND : kErrorRegistryFailed;
+}
+
+LONG FindKey(Registry& registry, HKEY key, DWORD access, std::string* path) {
+    if (key == HKEY_LOCAL_MACHINE) return *path = kLocalMachine, ERROR_SUCCESS;
+    const auto found = registry.open.find(key);
+    if (found == registry.open.end()) return ERROR_INVALID_HANDLE;
+    if ((found->second.access & access) != access) return ERROR_ACCESS_DENIED;
+    *path = found->second.path;
+    return ERROR_SUCCESS;
+}
+
+// Goes one name down; false at the end of the text.
+bool TakeName(LPCWSTR* sub_key, std::u16string* name) {
+    name->clear();
+    while (**sub_key == u'\\') ++*sub_key;
+    while (**sub_key && **sub_key != u'\\') name->push_back(*(*sub_key)++);
+    return !name->empty();
+}
+
+HKEY AddKey(Registry& registry, const std::string& path, DWORD access) {
+    const HKEY key = reinterpret_cast<HKEY>(registry.last += 4);
+    registry.open[key] = {path, access};
+    return key;
+}
+
+// With `created`, keys that are missing on the way are made.
+LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool* created) {
+    if (!sub_key) sub_key = u"";
+    if (*sub_key == u'\\') return kErrorBadPathname;
+    const StoreResult usable = registry.store.HasKey(*path);
+    if (usable == StoreResult::kFailed) return kErrorRegistryFailed;
+    std::u16string name;
+    while (TakeName(&sub_key, &name)) {
+        if (name.size() > kLongestKeyName) return ERROR_INVALID_PARAMETER;
+        path->append("\\").append(StoredName(name));
+        if (!created) continue;
+        const StoreResult made = registry.store.MakeKey(*path, created);
+        if (made != StoreResult::kOk) return ErrorOf(made);
+    }
+    if (created || *path == kLocalMachine) return ERROR_SUCCESS;
+    return ErrorOf(registry.store.HasKey(*path));
+}
+
+LONG ValueName(LPCWSTR name, std::string* stored) {
+    const std::u16string text = name ? name : u"";
+    if (text.size() > kLongestValueName) return ERROR_INVALID_PARAMETER;
+    *stored = StoredName(text);
+    return ERROR_SUCCESS;
+}
+
+// What every call on a value begins with.
+LONG FindPlace(Registry& registry, HKEY key, DWORD access, LPCWSTR name, std::string* path,
+               std::string* value_name) {
+    const LONG error = FindKey(registry, key, access, path);
+    return error == ERROR_SUCCESS ? ValueName(name, value_name) : error;
+}
+
+LONG HandOut(const StoredValue& value, DWORD* type, BYTE* data, DWORD* size) {
+    const DWORD room = size ? *size : 0;
+    if (type) *type = value.type;
+    if (size) *size = static_cast<DWORD>(value.data.size());
+    if (!data) return ERROR_SUCCESS;
+    if (room < value.data.size()) return ERROR_MORE_DATA;
+    memcpy(data, value.data.data(), value.data.size());
+    return ERROR_SUCCESS;
+}
+
+}  // namespace
+
+LONG RegOpenKeyExW(HKEY key, LPCWSTR sub_key, DWORD, DWORD access, HKEY* result) {
+    if (!result) return ERROR_INVALID_PARAMETER;
+    *result = nullptr;
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    std::string path;
+    LONG error = FindKey(registry, key, 0, &path);
+    if (error == ERROR_SUCCESS) error = WalkTo(registry, sub_key, &path, nullptr);
+    if (error == ERROR_SUCCESS) *result = AddKey(registry, path, access);
+    return error;
+}
+
+LONG RegCreateKeyExW(HKEY key, LPCWSTR sub_key, DWORD, LPWSTR, DWORD, DWORD access, LPVOID,
+                     HKEY* result, DWORD* disposition) {
+    if (!result) return ERROR_INVALID_PARAMETER;
+    *result = nullptr;
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    std::string path;
+    bool created = false;
+    LONG error = FindKey(registry, key, 0, &path);
+    if (error == ERROR_SUCCESS) error = WalkTo(registry, sub_key, &path, &created);
+    if (error != ERROR_SUCCESS) return error;
+    if (disposition) *disposition = created ? kCreatedNewKey : kOpenedExistingKey;
+    *result = AddKey(registry, path, access);
+    return ERROR_SUCCESS;
+}
+
+LONG RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE* data,
+                      DWORD* size) {
+    if (reserved || (data && !size)) return ERROR_INVALID_PARAMETER;
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    std::string path, value_name;
+    LONG error = FindPlace(registry, key, KEY_QUERY_VALUE, name, &path, &value_name);
+    if (error != ERROR_SUCCESS) return error;
+    StoredValue value;
+    error = ErrorOf(registry.store.Read(path, value_name, &value));
+    return error == ERROR_SUCCESS ? HandOut(value, type, data, size) : error;
+}
+
+LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD, DWORD type, const BYTE* data, DWORD size) {
+    if ((!data && size > 0) || size > INT32_MAX) return ERROR_INVALID_PARAMETER;
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    std::string path, value_name;
+    const LONG error = FindPlace(registry, key, KEY_SET_VALUE, name, &path, &value_name);
+    if (error != ERROR_SUCCESS) return error;
+    StoredValue value{type, {}};
+    if (size > 0) value.data.assign(reinterpret_cast<const char*>(data), size);
+    return ErrorOf(registry.store.Write(path, value_name, value));
+}
+
+LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    std::string path, value_name;
+    const LONG error = FindPlace(registry, key, KEY_SET_VALUE, name, &path, &value_name);
+    if (error != ERROR_SUCCESS) return error;
+    return ErrorOf(registry.store.Delete(path, value_name));
+}
+
+// Each value set is committed by itself: nothing waits for the flush.
+LONG RegFlushKey(HKEY key) {
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    std::string path;
+    const LONG error = FindKey(registry, key, 0, &path);
+    if (error != ERROR_SUCCESS) return error;
+    const StoreResult usable = registry.store.HasKey(path);
+    return usable == StoreResult::kFailed ? kErrorRegistryFailed : ERROR_SUCCESS;
+}
+
+LONG RegCloseKey(HKEY key) {
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    if (key == HKEY_LOCAL_MACHINE || registry.open.erase(key) > 0) return ERROR_SUCCESS;
+    return ERROR_INVALID_HANDLE;
+}
+
+void CloseRegistry() {
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    registry.store.Close();
+}

@@ -1,0 +1,304 @@
+// SQLite behind the registry.
+#include "platform/qt/services/registry_store.h"
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/qt/services/device_root.h"
+
+namespace {
+
+constexpr int kBusyMilliseconds = 3000;
+
+// Held against the file's own text, letter by letter.
+const char kSchema[] =
+    "CREATE TABLE registry ("
+    "key TEXT NOT NULL COLLATE NOCASE CHECK (typeof(key) = 'text'), "
+    "name TEXT COLLATE NOCASE CHECK (typeof(name) IN ('text', 'null')), "
+    "type INTEGER NOT NULL CHECK (typeof(type) = 'integer' AND type BETWEEN 0 AND 4294967295), "
+    "data BLOB NOT NULL CHECK (typeof(data) = 'blob'), "
+    "UNIQUE (key, name))";
+
+const char* const kStatementTexts[] = {
+    "SELECT 1 FROM registry WHERE key = ?1 LIMIT 1",
+    "INSERT INTO registry SELECT ?1, NULL, 0, x'' "
+    "WHERE NOT EXISTS (SELECT 1 FROM registry WHERE key = ?1)",
+    "SELECT type, data FROM registry WHERE key = ?1 AND name = ?2",
+    "INSERT INTO registry VALUES (?1, ?2, ?3, ?4) ON CONFLICT (key, name) "
+    "DO UPDATE SET type = excluded.type, data = excluded.data "
+    "WHERE type <> excluded.type OR data <> excluded.data",
+    "DELETE FROM registry WHERE key = ?1 AND name = ?2",
+};
+
+bool IsDamage(int result) {
+    const int code = result & 0xFF;
+    return code == SQLITE_CORRUPT || code == SQLITE_NOTADB || code == SQLITE_FORMAT;
+}
+
+// One process at a time opens the file or sets it aside. The lock is on the folder itself and ends
+// with the process.
+class FolderLock {
+  public:
+    explicit FolderLock(const std::string& folder)
+        : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        for (int waited = 0; folder_ >= 0 && waited < kBusyMilliseconds; waited += 5) {
+            if (flock(folder_, LOCK_EX | LOCK_NB) == 0) held_ = true;
+            if (held_ || errno != EWOULDBLOCK) break;
+            usleep(5000);
+        }
+    }
+    ~FolderLock() {
+        if (folder_ >= 0) close(folder_);
+    }
+    FolderLock(const FolderLock&) = delete;
+    FolderLock& operator=(const FolderLock&) = delete;
+    bool held() const { return held_; }
+
+  private:
+    int folder_;
+    bool held_ = false;
+};
+
+bool Exists(const std::string& path) {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0;
+}
+
+std::string FreeDamagedName(const std::string& path) {
+    std::string name = path + ".damaged";
+    for (int i = 2; Exists(name) || Exists(name + "-wal") || Exists(name + "-journal"); i++)
+        name = path + ".damaged-" + std::to_string(i);
+    return name;
+}
+
+// The log goes along, by the name under which SQLite finds it; the log's index is only a cache.
+// The database itself goes last: ended in between, the next start does it again.
+bool SetAside(const std::string& path) {
+    const std::string name = FreeDamagedName(path);
+    rename((path + "-wal").c_str(), (name + "-wal").c_str());
+    rename((path + "-journal").c_str(), (name + "-journal").c_str());
+    unlink((path + "-shm").c_str());
+    return rename(path.c_str(), name.c_str()) == 0;
+}
+
+// Versions that SQLite would open for reading only, or a log without its database.
+bool HasSoundHeader(int file, const struct stat& status, const std::string& path) {
+    unsigned char header[100] = {};
+    if (status.st_size == 0) {
+        struct stat log;
+        return stat((path + "-wal").c_str(), &log) != 0 || log.st_size == 0;
+    }
+    if (pread(file, header, sizeof(header), 0) != sizeof(header)) return false;
+    return header[18] <= 2 && header[19] <= 2;
+}
+
+int Execute(sqlite3* database, const char* text) {
+    return sqlite3_exec(database, text, nullptr, nullptr, nullptr);
+}
+
+// The first column of the first row.
+int QueryText(sqlite3* database, const char* query, std::string* text) {
+    sqlite3_stmt* statement = nullptr;
+    int result = sqlite3_prepare_v2(database, query, -1, &statement, nullptr);
+    if (result == SQLITE_OK) result = sqlite3_step(statement);
+    text->clear();
+    if (result == SQLITE_ROW) {
+        const unsigned char* bytes = sqlite3_column_text(statement, 0);
+        if (bytes) *text = reinterpret_cast<const char*>(bytes);
+        result = SQLITE_OK;
+    }
+    sqlite3_finalize(statement);
+    return result == SQLITE_DONE ? SQLITE_OK : result;
+}
+
+void BindText(sqlite3_stmt* statement, int place, const std::string& text) {
+    sqlite3_bind_text64(statement, place, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
+}
+
+}  // namespace
+
+RegistryStore::Opened RegistryStore::Classify(int result) const {
+    if (result == SQLITE_OK) return Opened::kSound;
+    // An error of the language comes from a file of another make: no such table, another format.
+    return IsDamage(result) || (result & 0xFF) == SQLITE_ERROR ? Opened::kDamaged : Opened::kFailed;
+}
+
+// The file exists afterwards, for nobody else to read. It must not be open in SQLite here: closing
+// any descriptor of it would end SQLite's locks.
+RegistryStore::Opened RegistryStore::TakeFile() {
+    const int file = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
+    if (file < 0) return errno == EISDIR || errno == ENXIO ? Opened::kDamaged : Opened::kFailed;
+    struct stat status;
+    Opened opened = Opened::kDamaged;
+    if (fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
+        HasSoundHeader(file, status, path_)) {
+        if (status.st_mode & 077) fchmod(file, 0600);
+        device_ = status.st_dev;
+        inode_ = status.st_ino;
+        opened = Opened::kSound;
+    }
+    close(file);
+    return opened;
+}
+
+// Reads only: a file of another make must stay as it is.
+RegistryStore::Opened RegistryStore::CheckContent(bool* empty) {
+    std::string schema, check;
+    int result = QueryText(database_,
+                           "SELECT group_concat(coalesce(sql, tbl_name), ';') FROM "
+                           "(SELECT * FROM sqlite_master ORDER BY type DESC)",
+                           &schema);
+    *empty = schema.empty();
+    if (result == SQLITE_OK && !*empty && schema != std::string(kSchema).append(";registry"))
+        return Opened::kDamaged;
+    if (result == SQLITE_OK) result = QueryText(database_, "PRAGMA integrity_check(1)", &check);
+    if (result == SQLITE_OK && check != "ok") return Opened::kDamaged;
+    return Classify(result);
+}
+
+RegistryStore::Opened RegistryStore::Prepare() {
+    for (int i = 0; i < kStatements; i++) {
+        const int result = sqlite3_prepare_v3(database_, kStatementTexts[i], -1,
+                                              SQLITE_PREPARE_PERSISTENT, &statements_[i], nullptr);
+        if (result != SQLITE_OK) return Classify(result);
+    }
+    return Opened::kSound;
+}
+
+RegistryStore::Opened RegistryStore::OpenFile() {
+    const Opened file = TakeFile();
+    if (file != Opened::kSound) return file;
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX;
+    if (sqlite3_open_v2(path_.c_str(), &database_, flags, nullptr) != SQLITE_OK)
+        return Opened::kFailed;
+    sqlite3_extended_result_codes(database_, 1);
+    sqlite3_busy_timeout(database_, kBusyMilliseconds);
+    sqlite3_db_config(database_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(database_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    bool empty = false;
+    const Opened content = CheckContent(&empty);
+    if (content != Opened::kSound) return content;
+    // NORMAL: a killed process loses nothing. A power cut may lose the last values, never the file.
+    int result = Execute(database_, "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;");
+    if (result == SQLITE_OK && empty) result = Execute(database_, kSchema);
+    return result == SQLITE_OK ? Prepare() : Classify(result);
+}
+
+bool RegistryStore::Open(bool damaged) {
+    path_ = DeviceRoot() + "/registry.db";
+    const FolderLock lock(DeviceRoot());
+    if (!lock.held()) return false;
+    // Another process may have set it aside already.
+    if (damaged && IsOwnFile() && !SetAside(path_)) return false;
+    for (int attempt = 0; attempt < 2; attempt++) {
+        const Opened opened = OpenFile();
+        if (opened == Opened::kSound) return true;
+        Abandon();
+        if (opened == Opened::kFailed || !SetAside(path_)) return false;
+    }
+    return false;
+}
+
+bool RegistryStore::IsOwnFile() const {
+    struct stat status;
+    return stat(path_.c_str(), &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;
+}
+
+bool RegistryStore::Ready() {
+    if (database_ && path_ == DeviceRoot() + "/registry.db" && IsOwnFile()) return true;
+    Abandon();
+    return Open(false);
+}
+
+void RegistryStore::Close() {
+    for (sqlite3_stmt*& statement : statements_) {
+        sqlite3_finalize(statement);
+        statement = nullptr;
+    }
+    sqlite3_close(database_);
+    database_ = nullptr;
+}
+
+void RegistryStore::Abandon() {
+    if (database_) sqlite3_db_config(database_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    Close();
+}
+
+int RegistryStore::RunOnce(Statement which, const std::string& key, const std::string* name,
+                           const StoredValue* value,
+                           const std::function<void(sqlite3_stmt*)>& row) {
+    sqlite3_stmt* statement = statements_[which];
+    BindText(statement, 1, key);
+    if (name) BindText(statement, 2, *name);
+    if (value) {
+        sqlite3_bind_int64(statement, 3, value->type);
+        // Never null, which would bind NULL.
+        sqlite3_bind_blob64(statement, 4, value->data.data(), value->data.size(), SQLITE_STATIC);
+    }
+    int result = sqlite3_step(statement);
+    if (result == SQLITE_ROW && row) row(statement);
+    const int reset = sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+    return reset == SQLITE_OK ? result : reset;
+}
+
+int RegistryStore::Run(Statement which, const std::string& key, const std::string* name,
+                       const StoredValue* value, const std::function<void(sqlite3_stmt*)>& row) {
+    if (!Ready()) return SQLITE_CANTOPEN;
+    const int result = RunOnce(which, key, name, value, row);
+    if (!IsDamage(result)) return result;
+    Abandon();
+    return Open(true) ? RunOnce(which, key, name, value, row) : result;
+}
+
+namespace {
+
+StoreResult FoundOr(int result) {
+    if (result == SQLITE_ROW) return StoreResult::kOk;
+    return result == SQLITE_DONE ? StoreResult::kNotFound : StoreResult::kFailed;
+}
+
+StoreResult Changed(int result) {
+    return result == SQLITE_DONE ? StoreResult::kOk : StoreResult::kFailed;
+}
+
+}  // namespace
+
+StoreResult RegistryStore::HasKey(const std::string& key) {
+    return FoundOr(Run(kHasKey, key, nullptr, nullptr, nullptr));
+}
+
+StoreResult RegistryStore::MakeKey(const std::string& key, bool* created) {
+    *created = false;
+    const StoreResult has = HasKey(key);  // most often a reading is enough
+    if (has != StoreResult::kNotFound) return has;
+    const StoreResult result = Changed(Run(kMakeKey, key, nullptr, nullptr, nullptr));
+    *created = result == StoreResult::kOk && sqlite3_changes(database_) > 0;
+    return result;
+}
+
+StoreResult RegistryStore::Read(const std::string& key, const std::string& name,
+                                StoredValue* value) {
+    return FoundOr(Run(kRead, key, &name, nullptr, [value](sqlite3_stmt* statement) {
+        value->type = static_cast<uint32_t>(sqlite3_column_int64(statement, 0));
+        const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, 1));
+        const auto size = static_cast<size_t>(sqlite3_column_bytes(statement, 1));
+        value->data.assign(bytes ? bytes : "", bytes ? size : 0);
+    }));
+}
+
+StoreResult RegistryStore::Write(const std::string& key, const std::string& name,
+                                 const StoredValue& value) {
+    return Changed(Run(kWrite, key, &name, &value, nullptr));
+}
+
+StoreResult RegistryStore::Delete(const std::string& key, const std::string& name) {
+    const StoreResult result = Changed(Run(kDelete, key, &name, nullptr, nullptr));
+    if (result != StoreResult::kOk) return result;
+    return sqlite3_changes(database_) > 0 ? StoreResult::kOk : StoreResult::kNotFound;
+}

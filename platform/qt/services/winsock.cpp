@@ -1,0 +1,262 @@
+// WinSock 1.1 over the host's sockets.
+#include "platform/qt/services/winsock.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+#include <memory>
+#include <mutex>
+
+#include "platform/qt/services/posix_sockets.h"
+#include "platform/qt/services/winsock_errors.h"
+#include "platform/qt/testing_services.h"
+#include "windows_ce.h"
+
+namespace {
+
+using SocketPointer = std::shared_ptr<StreamSocket>;
+
+constexpr int kProtocolTcp = 6;
+constexpr int kKnownFlags = 7;  // MSG_OOB, MSG_PEEK, MSG_DONTROUTE: the same bits on both sides
+constexpr UINT kSetSize = 64;
+
+struct SocketTable {
+    std::mutex mutex;
+    std::map<SOCKET, SocketPointer> open;
+    SOCKET last = 0;
+    int startups = 0;
+};
+
+// Never destroyed: a receiving thread may still use it while the program ends.
+SocketTable& Table() {
+    static SocketTable* table = new SocketTable;
+    return *table;
+}
+
+thread_local int t_last_error = 0;
+
+int FailFor(int negative_errno) { return FailWith(WinsockError(-negative_errno)); }
+
+// Null with the error set: 10093 before the start, 10038 for what is no open socket.
+SocketPointer FindSocket(SOCKET number) {
+    if (!WinsockStarted()) return nullptr;
+    SocketTable& table = Table();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    const auto found = table.open.find(number);
+    if (found != table.open.end()) return found->second;
+    FailWith(WSAENOTSOCK);
+    return nullptr;
+}
+
+SOCKET AddSocket(SocketPointer opened) {
+    SocketTable& table = Table();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    table.last += 4;
+    table.open[table.last] = std::move(opened);
+    return table.last;
+}
+
+SocketPointer TakeSocket(SOCKET number) {
+    SocketTable& table = Table();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    const auto found = table.open.find(number);
+    if (found == table.open.end()) return nullptr;
+    SocketPointer taken = std::move(found->second);
+    table.open.erase(found);
+    return taken;
+}
+
+// One wait a socket, whichever of the three sets it is in.
+using Waits = std::map<SOCKET, SocketWait>;
+
+bool AddSet(const SliceSocketSet* set, bool SocketWait::*want, Waits* waits) {
+    for (UINT i = 0; set && i < set->fd_count; i++) {
+        SocketWait& wait = (*waits)[set->fd_array[i]];
+        if (!wait.socket) wait.socket = FindSocket(set->fd_array[i]);
+        if (!wait.socket) return false;
+        wait.*want = true;
+    }
+    return true;
+}
+
+// Leaves the sockets in the set that are ready.
+int KeepReady(SliceSocketSet* set, bool SocketWait::*ready, const Waits& waits) {
+    UINT kept = 0;
+    for (UINT i = 0; set && i < set->fd_count; i++) {
+        const auto found = waits.find(set->fd_array[i]);
+        if (found != waits.end() && found->second.*ready) set->fd_array[kept++] = set->fd_array[i];
+    }
+    if (set) set->fd_count = kept;
+    return static_cast<int>(kept);
+}
+
+int WaitFor(Waits* waits, int64_t microseconds) {
+    std::vector<SocketWait> list;
+    for (const auto& [number, wait] : *waits) list.push_back(wait);
+    const int met = WaitForSockets(&list, microseconds);
+    size_t i = 0;
+    for (auto& [number, wait] : *waits) wait = list[i++];
+    return met;
+}
+
+UINT CountOf(const SliceSocketSet* set) { return set ? set->fd_count : 0; }
+
+bool AreSetsGood(const SliceSocketSet* read, const SliceSocketSet* write,
+                 const SliceSocketSet* except) {
+    const UINT r = CountOf(read), w = CountOf(write), e = CountOf(except);
+    return r <= kSetSize && w <= kSetSize && e <= kSetSize && r + w + e > 0;
+}
+
+bool TakeTimeout(const TIMEVAL* timeout, int64_t* microseconds) {
+    *microseconds = -1;
+    if (!timeout) return true;
+    if (timeout->tv_sec < 0 || timeout->tv_usec < 0) return false;
+    constexpr int64_t kLongest = 1000000;  // seconds
+    const int64_t seconds = std::min<int64_t>(timeout->tv_sec, kLongest);
+    const int64_t rest = std::min<int64_t>(timeout->tv_usec, kLongest * 1000000);
+    *microseconds = seconds * 1000000 + rest;
+    return true;
+}
+
+bool IsTcp(int family, int type, int protocol) {
+    return family == AF_INET && type == SOCK_STREAM && (protocol == 0 || protocol == kProtocolTcp);
+}
+
+// What sending and receiving begin with.
+SocketPointer FindForTransfer(SOCKET number, const void* bytes, int size, int flags) {
+    const SocketPointer found = FindSocket(number);
+    if (!found) return nullptr;
+    if (size < 0 || (!bytes && size > 0)) return FailWith(kWsaEFault), nullptr;
+    if (flags & ~kKnownFlags) return FailWith(kWsaEOpNotSupp), nullptr;
+    return found;
+}
+
+int CountOrFail(int result) { return result < 0 ? FailFor(result) : result; }
+
+}  // namespace
+
+int FailWith(int winsock_error) {
+    t_last_error = winsock_error;
+    return SOCKET_ERROR;
+}
+
+bool WinsockStarted() {
+    SocketTable& table = Table();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    if (table.startups == 0) FailWith(kWsaNotInitialised);
+    return table.startups > 0;
+}
+
+// The result is the error itself. 1.1 is spoken with everyone who can.
+int SliceStartup(WORD version, WSADATA* data) {
+    if (!data) return kWsaEFault;
+    if (services_test_hooks.fail_startup) return kWsaSysNotReady;
+    data->wVersion = data->wHighVersion = MAKEWORD(1, 1);
+    const int major = version & 0xFF, minor = version >> 8;
+    if (major < 1 || (major == 1 && minor < 1)) return kWsaVerNotSupported;
+    SocketTable& table = Table();
+    const std::lock_guard<std::mutex> lock(table.mutex);
+    table.startups++;
+    return 0;
+}
+
+int SliceCleanup() {
+    if (!WinsockStarted()) return SOCKET_ERROR;
+    SocketTable& table = Table();
+    std::map<SOCKET, SocketPointer> left;
+    {
+        const std::lock_guard<std::mutex> lock(table.mutex);
+        if (--table.startups == 0) left.swap(table.open);
+    }
+    for (const auto& [number, open] : left) open->Close();
+    return 0;
+}
+
+int SliceLastError() { return t_last_error; }
+
+SOCKET SliceSocket(int family, int type, int protocol) {
+    if (!WinsockStarted()) return INVALID_SOCKET;
+    int error = 0;
+    SocketPointer opened;
+    if (services_test_hooks.fail_socket)
+        error = kWsaEMFile;
+    else if (!IsTcp(family, type, protocol))
+        error = kWsaEAfNoSupport;
+    else if (const int result = StreamSocket::Open(&opened); result < 0)
+        error = WinsockError(-result);
+    if (error == 0) return AddSocket(std::move(opened));
+    FailWith(error);
+    return INVALID_SOCKET;
+}
+
+int SliceIoctl(SOCKET number, unsigned command, u_long* argument) {
+    const SocketPointer found = FindSocket(number);
+    if (!found) return SOCKET_ERROR;
+    if (!argument) return FailWith(kWsaEFault);
+    if (command != FIONBIO) return FailWith(kWsaEInval);
+    return CountOrFail(found->SetBlocking(*argument == 0));
+}
+
+int SliceConnect(SOCKET number, const SOCKADDR* address, int size) {
+    const SocketPointer found = FindSocket(number);
+    if (!found) return SOCKET_ERROR;
+    if (!address || size < static_cast<int>(sizeof(SOCKADDR_IN))) return FailWith(kWsaEFault);
+    SOCKADDR_IN peer;
+    memcpy(&peer, address, sizeof(peer));
+    if (peer.sin_family != AF_INET) return FailWith(kWsaEAfNoSupport);
+    if (services_test_hooks.force_connect_error)
+        return FailWith(services_test_hooks.force_connect_error);
+    return CountOrFail(found->Connect(peer.sin_addr.s_addr, peer.sin_port));
+}
+
+int SliceSelect(int, SliceSocketSet* read, SliceSocketSet* write, SliceSocketSet* except,
+                const TIMEVAL* timeout) {
+    if (!WinsockStarted()) return SOCKET_ERROR;
+    int64_t microseconds = 0;
+    if (!AreSetsGood(read, write, except) || !TakeTimeout(timeout, &microseconds))
+        return FailWith(kWsaEInval);
+    Waits waits;
+    if (!AddSet(read, &SocketWait::want_read, &waits) ||
+        !AddSet(write, &SocketWait::want_write, &waits) ||
+        !AddSet(except, &SocketWait::want_except, &waits))
+        return SOCKET_ERROR;
+    const int met = WaitFor(&waits, microseconds);
+    if (met < 0) return FailFor(met);
+    return KeepReady(read, &SocketWait::can_read, waits) +
+           KeepReady(write, &SocketWait::can_write, waits) +
+           KeepReady(except, &SocketWait::has_except, waits);
+}
+
+int SliceReceive(SOCKET number, char* bytes, int size, int flags) {
+    const SocketPointer found = FindForTransfer(number, bytes, size, flags);
+    if (!found) return SOCKET_ERROR;
+    return CountOrFail(found->Receive(bytes, static_cast<size_t>(size), flags));
+}
+
+int SliceSend(SOCKET number, const char* bytes, int size, int flags) {
+    const SocketPointer found = FindForTransfer(number, bytes, size, flags);
+    if (!found) return SOCKET_ERROR;
+    return CountOrFail(found->Send(bytes, static_cast<size_t>(size), flags));
+}
+
+int SliceShutdown(SOCKET number, int how) {
+    const SocketPointer found = FindSocket(number);
+    if (!found) return SOCKET_ERROR;
+    if (how < 0 || how > SD_BOTH) return FailWith(kWsaEInval);
+    return CountOrFail(found->Shutdown(how));
+}
+
+int SliceCloseSocket(SOCKET number) {
+    if (!WinsockStarted()) return SOCKET_ERROR;
+    const SocketPointer taken = TakeSocket(number);
+    if (!taken) return FailWith(WSAENOTSOCK);
+    taken->Close();
+    return 0;
+}
+
+uint16_t SliceNetworkShort(uint16_t value) {
+    const BYTE bytes[2] = {static_cast<BYTE>(value >> 8), static_cast<BYTE>(value)};
+    uint16_t ordered;
+    memcpy(&ordered, bytes, sizeof(ordered));
+    return ordered;
+}

@@ -1,0 +1,137 @@
+// The command bar: a row of flat buttons at the top of a window, each with a picture and a tool
+// tip. A button is a desktop button, so that finger, mouse and screen reader find it; it never
+// takes the keyboard from the window.
+#include <map>
+#include <QToolButton>
+
+#include "platform/qt/shell/bar_pictures.h"
+#include "platform/qt/window/gdi.h"
+#include "platform/qt/window/window_widget.h"
+
+namespace {
+
+constexpr int kButtonWidth = 21;
+constexpr int kButtonMargin = 2;  // above and below a button
+
+struct CommandBar {
+    std::vector<QIcon> pictures;
+    std::vector<QPointer<QToolButton>> buttons;  // from the left
+};
+
+std::map<HWND, CommandBar> g_bars;
+
+QWidget* WidgetOf(HWND bar) {
+    const Window* window = FindWindowRecord(bar);
+    return window ? window->widget.data() : nullptr;
+}
+
+CommandBar* FindBar(HWND bar) {
+    const auto found = g_bars.find(bar);
+    return found == g_bars.end() ? nullptr : &found->second;
+}
+
+// The command waits its turn behind the keys typed before.
+void QueueCommand(HWND bar, int id) {
+    const Window* window = FindWindowRecord(bar);
+    if (window)
+        QueueInput(window->parent, WM_COMMAND, static_cast<WPARAM>(id & 0xFFFF),
+                   reinterpret_cast<LPARAM>(bar));
+}
+
+QToolButton* MakeButton(HWND bar, const CommandBar& record, const TBBUTTON& wanted) {
+    auto* button = new QToolButton(WidgetOf(bar));
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setIconSize(QSize(kBarPicture, kBarPicture));
+    const auto index = static_cast<size_t>(wanted.iBitmap);
+    if (wanted.iBitmap >= 0 && index < record.pictures.size())
+        button->setIcon(record.pictures[index]);
+    button->setEnabled(wanted.fsState & TBSTATE_ENABLED);
+    const int id = wanted.idCommand;
+    QObject::connect(button, &QToolButton::clicked, button, [=] { QueueCommand(bar, id); });
+    return button;
+}
+
+void ArrangeButtons(const CommandBar& record) {
+    int left = 0;
+    for (const auto& button : record.buttons) {
+        button->setGeometry(left, kButtonMargin, kButtonWidth,
+                            kCommandBarHeight - 2 * kButtonMargin);
+        left += kButtonWidth;
+    }
+}
+
+void EraseBar(HWND handle, HDC dc) {
+    const QColor color = WidgetOf(handle)->palette().color(QPalette::Window);
+    RECT area;
+    GetClientRect(handle, &area);
+    const HBRUSH brush = CreateSolidBrush(ValueOf(color));
+    FillRect(dc, &area, brush);
+    DeleteObject(brush);
+}
+
+LRESULT CALLBACK CommandBarProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_CREATE) {
+        g_bars[handle] = {};
+        WidgetOf(handle)->setFocusPolicy(Qt::NoFocus);
+        return 0;
+    }
+    if (message == WM_DESTROY) return g_bars.erase(handle), 0;
+    if (message != WM_ERASEBKGND) return DefWindowProcW(handle, message, wparam, lparam);
+    EraseBar(handle, reinterpret_cast<HDC>(wparam));
+    return 1;
+}
+
+}  // namespace
+
+void RegisterCommandBar() { RegisterSystemClass(kCommandBarClass, CommandBarProcedure); }
+
+HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id) {
+    RECT room;
+    if (!GetClientRect(parent, &room)) return nullptr;
+    return CreateWindowExW(0, kCommandBarClass, nullptr, WS_CHILD | WS_VISIBLE, 0, 0, room.right,
+                           kCommandBarHeight, parent,
+                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
+}
+
+BOOL CommandBar_Show(HWND bar, BOOL show) { return ShowWindow(bar, show ? SW_SHOW : SW_HIDE); }
+
+int CommandBar_Height(HWND bar) {
+    RECT rect;
+    return GetWindowRect(bar, &rect) ? rect.bottom - rect.top : 0;
+}
+
+void CommandBar_Destroy(HWND bar) { DestroyWindow(bar); }
+
+int CommandBar_AddBitmap(HWND bar, HINSTANCE, int id, int count, int width, int height) {
+    CommandBar* record = FindBar(bar);
+    if (!record || id < 0 || id > 0xFFFF - kTwiceAsLarge || count < 1) return -1;
+    if (width != kBarPicture || height != kBarPicture) return -1;
+    const std::vector<QIcon>& pictures = BarPictures(id, count, WidgetOf(bar)->palette());
+    if (pictures.empty()) return -1;
+    const int first = static_cast<int>(record->pictures.size());
+    record->pictures.insert(record->pictures.end(), pictures.begin(), pictures.end());
+    return first;
+}
+
+BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button) {
+    CommandBar* record = FindBar(bar);
+    if (!record || !button || index < 0) return FALSE;
+    const int count = static_cast<int>(record->buttons.size());
+    QToolButton* widget = MakeButton(bar, *record, *button);
+    record->buttons.insert(record->buttons.begin() + std::min(index, count), widget);
+    ArrangeButtons(*record);
+    widget->show();
+    return TRUE;
+}
+
+BOOL CommandBar_AddToolTips(HWND bar, UINT count, LPWSTR* tips) {
+    CommandBar* record = FindBar(bar);
+    if (!record || !tips) return FALSE;
+    for (size_t i = 0; i < record->buttons.size() && i < count; i++) {
+        const QString text = FromWide(tips[i]);
+        record->buttons[i]->setToolTip(text);
+        record->buttons[i]->setAccessibleName(text);
+    }
+    return TRUE;
+}

@@ -1,0 +1,278 @@
+// Dialling: the system's pppd calls the entry, in the foreground, as a program of ours. A thread a
+// dial starts it, reads its log, tells the window the states, and ends it. Hanging up waits for
+// that end while it takes no longer than usual; beyond that, the next dial's thread waits for it
+// before it starts another one at the same modem.
+#include "platform/qt/shell/dial_up.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "platform/qt/services/dial_log.h"
+#include "platform/qt/services/wide_text.h"
+#include "platform/qt/testing_services.h"
+#include "platform/qt/window/slice.h"
+
+namespace {
+
+constexpr DWORD kErrorUnknown = 635;
+constexpr DWORD kNotifyWindow = 0xFFFFFFFF;
+constexpr int kPollMilliseconds = 50;
+constexpr DWORD kKilledMilliseconds = 2000;  // until a program ended by force is given up
+
+struct DialUp {
+    ~DialUp() {
+        hang_up = true;
+        if (thread.joinable()) thread.join();
+    }
+
+    HWND notifier = nullptr;
+    std::string program;
+    std::string entry;
+    DWORD patience = 0;  // milliseconds
+
+    std::atomic<bool> hang_up{false};
+    bool told_end = false;             // under g_telling: the last of its states is told
+    std::atomic<bool> calling{false};  // its program runs, or is about to
+    std::atomic<bool> ended{false};    // its thread needs nothing more
+    pid_t process = 0;                 // of the thread, as the log is
+    int log = -1;
+    std::thread thread;
+};
+
+std::map<HRASCONN, std::unique_ptr<DialUp>> g_dials;
+std::vector<std::unique_ptr<DialUp>> g_leaving;  // hung up
+UINT_PTR g_next_dial = 0x10;
+std::mutex g_line;     // held by the dial that has the modem
+std::mutex g_telling;  // held to tell a state, or that no more are told
+
+bool IsEnd(DWORD state) { return state == RASCS_Connected || state == RASCS_Disconnected; }
+
+// Nothing is told of a dial that was hung up.
+void Notify(DialUp& dial, DWORD state, DWORD error) {
+    const std::lock_guard<std::mutex> lock(g_telling);
+    if (dial.hang_up) return;
+    PostMessageW(dial.notifier, WM_RASDIALEVENT, state, static_cast<LPARAM>(error));
+    dial.told_end = IsEnd(state);
+}
+
+// The window hears the same in any moment of the dial: that it has ended, and of no failure. An
+// end on its way to the window is not the one that the user wanted.
+void TellHangUp(DialUp& dial) {
+    const std::lock_guard<std::mutex> lock(g_telling);
+    dial.hang_up = true;
+    const bool taken_back = DropPosted(dial.notifier, WM_RASDIALEVENT, RASCS_Connected) ||
+                            DropPosted(dial.notifier, WM_RASDIALEVENT, RASCS_Disconnected);
+    if (!dial.told_end || taken_back)
+        PostMessageW(dial.notifier, WM_RASDIALEVENT, RASCS_Disconnected, 0);
+}
+
+// ---------------------------------------------------------------- the thread
+
+// False at the log's end, which need not be the program's: what it started may hold the log open.
+bool ReadLog(DialUp& dial, DialLog* log) {
+    char bytes[1024];
+    const ssize_t count = read(dial.log, bytes, sizeof(bytes));
+    if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) return false;
+    if (count < 0) return true;
+    for (const DWORD state : log->Take(bytes, static_cast<size_t>(count))) Notify(dial, state, 0);
+    return true;
+}
+
+void WaitForLog(DialUp& dial, DialLog* log) {
+    pollfd wait = {dial.log, POLLIN, 0};
+    const int ready = poll(&wait, 1, kPollMilliseconds);
+    if (ready <= 0 || ReadLog(dial, log)) return;
+    close(dial.log);
+    dial.log = -1;
+}
+
+// What had been written before the program ended, at most a pipe's content.
+void ReadRest(DialUp& dial, DialLog* log) {
+    pollfd wait = {dial.log, POLLIN, 0};
+    for (int i = 0; i < 64 && poll(&wait, 1, 0) > 0; i++)
+        if (!ReadLog(dial, log)) return;
+}
+
+// Asks the program to end, once, and ends it by force when its time is over. False: given up.
+class Ending {
+  public:
+    bool Press(const DialUp& dial) {
+        if (!dial.hang_up) return true;
+        const DWORD now = GetTickCount();
+        if (!asked_) {
+            asked_ = true;
+            since_ = now;
+            kill(dial.process, SIGTERM);
+        } else if (!forced_ && now - since_ >= dial.patience) {
+            forced_ = true;
+            since_ = now;
+            kill(-dial.process, SIGKILL);
+        }
+        return !forced_ || now - since_ < kKilledMilliseconds;
+    }
+
+  private:
+    bool asked_ = false;
+    bool forced_ = false;
+    DWORD since_ = 0;
+};
+
+// The exit code; -1: a signal ended it. `running` while it does.
+int LookAtProcess(const DialUp& dial, bool* running) {
+    int status = 0;
+    *running = waitpid(dial.process, &status, WNOHANG) == 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// The name is an argument of its own: no shell sees it.
+int Spawn(const DialUp& dial, int log, pid_t* process) {
+    std::string words[] = {dial.program, "call", dial.entry, "nodetach"};
+    char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(),
+                         nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_adddup2(&actions, log, 1);
+    posix_spawn_file_actions_adddup2(&actions, log, 2);
+    posix_spawn_file_actions_addclosefrom_np(&actions, 3);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    const int error =
+        posix_spawn(process, dial.program.c_str(), &actions, &attributes, arguments, environ);
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&actions);
+    return error;
+}
+
+DWORD RasError(int posix_error) {
+    if (posix_error == ENOENT) return ERROR_FILE_NOT_FOUND;
+    return posix_error == EACCES ? ERROR_ACCESS_DENIED : kErrorUnknown;
+}
+
+DWORD StartProgram(DialUp* dial) {
+    int pipe_ends[2];
+    if (pipe2(pipe_ends, O_CLOEXEC) != 0) return RasError(errno);
+    fcntl(pipe_ends[0], F_SETFL, O_NONBLOCK);
+    const int error = Spawn(*dial, pipe_ends[1], &dial->process);
+    close(pipe_ends[1]);
+    if (error == 0) {
+        dial->log = pipe_ends[0];
+        return ERROR_SUCCESS;
+    }
+    close(pipe_ends[0]);
+    return RasError(error);
+}
+
+void ReadUntilTheEnd(DialUp& dial) {
+    DialLog log;
+    Ending ending;
+    bool running = true;
+    int exit_code = 0;
+    while (running && ending.Press(dial)) {
+        WaitForLog(dial, &log);
+        exit_code = LookAtProcess(dial, &running);
+    }
+    ReadRest(dial, &log);
+    if (dial.log >= 0) close(dial.log);
+    if (!log.connected()) Notify(dial, RASCS_Disconnected, log.ErrorOf(exit_code));
+}
+
+void Call(DialUp& dial) {
+    if (dial.hang_up) return;  // while it waited for the line
+    dial.calling = true;
+    const DWORD error = StartProgram(&dial);
+    if (error == ERROR_SUCCESS) {
+        ReadUntilTheEnd(dial);
+    } else {
+        Notify(dial, RASCS_Disconnected, error);
+    }
+    dial.calling = false;
+}
+
+void ServeDial(DialUp& dial) {
+    {
+        const std::lock_guard<std::mutex> line(g_line);
+        Call(dial);
+    }
+    dial.ended = true;
+}
+
+// ---------------------------------------------------------------- start and end
+
+// What the program's start would fail with, as far as that can be said beforehand.
+DWORD LookAtProgram(const DialUp& dial) {
+    return access(dial.program.c_str(), X_OK) == 0 ? DWORD{ERROR_SUCCESS} : RasError(errno);
+}
+
+DWORD StartThread(DialUp* dial) {
+    try {
+        dial->thread = std::thread([dial] { ServeDial(*dial); });
+    } catch (const std::system_error&) {
+        return kErrorUnknown;
+    }
+    return ERROR_SUCCESS;
+}
+
+// A modem usually hangs up within this time; the window does not stand still for longer.
+void AwaitUsualEnd(const DialUp& dial) {
+    const DWORD since = GetTickCount();
+    while (dial.calling && GetTickCount() - since < dial.patience / 4) Sleep(10);
+}
+
+void ForgetEnded() {
+    std::erase_if(g_leaving,
+                  [](const std::unique_ptr<DialUp>& dial) { return dial->ended.load(); });
+}
+
+}  // namespace
+
+DWORD RasDial(LPVOID, LPCWSTR, RASDIALPARAMSW* parameters, DWORD notifier_type, LPVOID notifier,
+              HRASCONN* connection) {
+    BOOL has_password = FALSE;
+    if (!connection || notifier_type != kNotifyWindow) return ERROR_INVALID_PARAMETER;
+    *connection = nullptr;
+    ForgetEnded();
+    if (const DWORD error = RasGetEntryDialParams(nullptr, parameters, &has_password)) return error;
+    auto dial = std::make_unique<DialUp>();
+    dial->notifier = static_cast<HWND>(notifier);
+    dial->program = services_test_hooks.dial_up_program;
+    dial->entry = Utf8FromWide(parameters->szEntryName);
+    dial->patience = static_cast<DWORD>(services_test_hooks.dial_up_patience);
+    if (const DWORD error = LookAtProgram(*dial)) return error;
+    Notify(*dial, RASCS_OpenPort, 0);
+    if (const DWORD error = StartThread(dial.get())) return error;
+    *connection = reinterpret_cast<HRASCONN>(g_next_dial += 4);
+    g_dials[*connection] = std::move(dial);
+    return ERROR_SUCCESS;
+}
+
+DWORD RasHangUp(HRASCONN connection) {
+    ForgetEnded();
+    const auto found = g_dials.find(connection);
+    if (found == g_dials.end()) return ERROR_INVALID_HANDLE;
+    TellHangUp(*found->second);
+    AwaitUsualEnd(*found->second);
+    g_leaving.push_back(std::move(found->second));
+    g_dials.erase(found);
+    return ERROR_SUCCESS;
+}
+
+void EndDialUps() {
+    while (!g_dials.empty()) RasHangUp(g_dials.begin()->first);
+    g_leaving.clear();
+}

@@ -1,0 +1,67 @@
+// The input panel: a soft keyboard above the menu bar, for a device without keys. Its keys reach
+// the widget that has the focus as key events like those of a real keyboard.
+#ifndef QUILL_PLATFORM_QT_SHELL_INPUT_PANEL_H
+#define QUILL_PLATFORM_QT_SHELL_INPUT_PANEL_H
+
+#include <QAbstractButton>
+#include <QWidget>
+#include <vector>
+
+inline constexpr int kInputPanelHeight = 80;  // pixels, five rows of keys
+
+struct PanelKeyRow;
+
+class PanelKey : public QAbstractButton {
+    Q_OBJECT
+  public:
+    PanelKey(QWidget* panel, const PanelKeyRow& key);
+    const PanelKeyRow& key() const { return key_; }
+    void Show(const QString& label, bool lit);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    QFont LabelFont() const;
+
+    const PanelKeyRow& key_;
+    bool lit_ = false;  // a latch that is on
+};
+
+class InputPanel : public QWidget {
+    Q_OBJECT
+  public:
+    explicit InputPanel(QWidget* screen);
+
+    void LetGo();  // of a key that is held down
+    void setVisible(bool visible) override;
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    void MakeKeys();  // when it is first shown
+    void PlaceKeys();
+    void Press(PanelKey* key);
+    void Label();  // every key by the latches that are on
+    bool Latched(int key) const;
+    bool Shifted() const;
+
+    std::vector<PanelKey*> keys_;
+    std::vector<int> latches_;  // keys that hold until the next one
+    bool capitals_ = false;
+};
+
+InputPanel* ShellInputPanel();  // of the device's screen
+QRect InputPanelPlace();        // on the device's screen, shown or not
+
+// A window under a dialog hears no mouse. While the panel is shown it therefore stands in a window
+// of its own before the dialog on top, unless that one lies over it; null: on the screen again.
+void LendInputPanel(QWidget* dialog);
+
+// Shows or hides it, and tells the program's window by WM_SETTINGCHANGE.
+void ShowInputPanel(bool show);
+bool InputPanelShown();
+
+#endif

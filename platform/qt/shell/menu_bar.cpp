@@ -1,0 +1,139 @@
+// The menu bar at the bottom of the device. Its menus open upward; the desktop's own menus do the
+// work, so that mouse, touch, Alt with a letter and the arrow keys reach every entry.
+#include "platform/qt/shell/menu_bar.h"
+
+#include <QMenu>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOption>
+
+#include "platform/qt/services/menu_resource.h"
+#include "platform/qt/shell/input_panel.h"
+#include "platform/qt/window/window_widget.h"
+
+namespace {
+
+constexpr int kPanelButtonWidth = 34;
+
+// Some styles draw a line below a bar, a piece below each title and one below what is left, with
+// gaps between. Here the bar is the screen's last row: nothing is to be set apart.
+class PlainBarStyle : public QProxyStyle {
+  public:
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        if (element == CE_MenuBarEmptyArea) return;
+        QProxyStyle::drawControl(element, option, painter, widget);
+        if (element != CE_MenuBarItem || option->state & State_Selected) return;
+        QRect line = option->rect;
+        line.setTop(line.bottom());
+        painter->fillRect(line, option->palette.window());
+    }
+};
+
+// A small keyboard, drawn at whatever sharpness the screen has.
+QIcon KeyboardIcon(const QColor& color, double sharpness) {
+    QPixmap picture(QSize(22, 14) * sharpness);
+    picture.setDevicePixelRatio(sharpness);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, 1));
+    painter.drawRoundedRect(QRectF(0.5, 0.5, 21, 13), 2, 2);
+    for (int row = 0; row < 2; row++)
+        for (int key = 0; key < 6; key++)
+            painter.fillRect(QRectF(3 + key * 2.8, 3 + row * 3, 1.8, 1.8), color);
+    painter.fillRect(QRectF(6, 9.4, 10, 1.8), color);
+    return QIcon(picture);
+}
+
+// Filled while the menu is about to be shown for the first time would be too late for the arrow
+// keys: everything is there from the start.
+void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
+    for (const MenuItem& item : items) {
+        if (item.text.empty()) {
+            menu->addSeparator();
+        } else if (!item.items.empty()) {
+            FillMenu(menu->addMenu(FromWide(item.text.c_str())), window, item.items);
+        } else {
+            QAction* action = menu->addAction(FromWide(item.text.c_str()));
+            const WORD id = item.id;
+            action->setData(id);
+            QObject::connect(action, &QAction::triggered, action,
+                             [window, id] { QueueInput(window, WM_COMMAND, id, 0); });
+        }
+    }
+}
+
+LRESULT CALLBACK MenuBarProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_DESTROY && ShellMenuStrip()) ShellMenuStrip()->RemoveMenus(window);
+    return DefWindowProcW(window, message, wparam, lparam);
+}
+
+}  // namespace
+
+MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
+    setAutoFillBackground(true);
+    bar_ = new QMenuBar(this);
+    bar_->setNativeMenuBar(false);
+    auto* style = new PlainBarStyle;
+    style->setParent(bar_);
+    bar_->setStyle(style);
+    bar_->setDefaultUp(true);
+    panel_button_ = new QToolButton(this);
+    panel_button_->setAutoRaise(true);
+    panel_button_->setFocusPolicy(Qt::NoFocus);
+    panel_button_->setCheckable(true);
+    panel_button_->setToolTip("Keyboard");
+    panel_button_->setAccessibleName("Keyboard");
+    panel_button_->setIconSize(QSize(22, 14));
+    panel_button_->setIcon(
+        KeyboardIcon(palette().color(QPalette::WindowText), devicePixelRatioF()));
+    connect(panel_button_, &QToolButton::clicked, this, [](bool down) { ShowInputPanel(down); });
+}
+
+void MenuStrip::resizeEvent(QResizeEvent*) {
+    const int bar_width = std::max(width() - kPanelButtonWidth, 0);
+    const int bar_height = std::min(bar_->sizeHint().height(), height());
+    bar_->setGeometry(0, (height() - bar_height) / 2, bar_width, bar_height);
+    panel_button_->setGeometry(bar_width, 1, kPanelButtonWidth, height() - 2);
+}
+
+void MenuStrip::ShowMenus(HWND bar, HWND window, const std::vector<MenuItem>& menus) {
+    RemoveMenus(owner_);
+    for (const MenuItem& menu : menus)
+        FillMenu(bar_->addMenu(FromWide(menu.text.c_str())), window, menu.items);
+    owner_ = bar;
+    resizeEvent(nullptr);
+}
+
+// An open menu closes; it may be the one whose key or click is being handled.
+void MenuStrip::RemoveMenus(HWND bar) {
+    if (bar != owner_) return;
+    for (QMenu* menu : bar_->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly)) {
+        menu->close();
+        menu->deleteLater();
+    }
+    bar_->clear();
+    owner_ = nullptr;
+}
+
+void RegisterMenuBar() { RegisterSystemClass(u"QuillMenuBar", MenuBarProcedure); }
+
+bool ActivateMenuBar() {
+    QMenuBar* bar = ShellMenuStrip()->bar();
+    if (bar->actions().isEmpty()) return false;
+    bar->setActiveAction(bar->actions().first());
+    return true;
+}
+
+BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
+    if (!info || info->cbSize != sizeof(SHMENUBARINFO) || !(info->dwFlags & SHCMBF_HMENU))
+        return FALSE;
+    const std::vector<MenuItem> menus = ReadMenu(static_cast<WORD>(info->nToolBarId));
+    if (menus.empty()) return FALSE;
+    info->hwndMB = CreateWindowExW(0, u"QuillMenuBar", nullptr, WS_CHILD, 0, 0, 0, 0,
+                                   info->hwndParent, nullptr, info->hInstRes, nullptr);
+    if (!info->hwndMB) return FALSE;
+    ShellMenuStrip()->ShowMenus(info->hwndMB, info->hwndParent, menus);
+    return TRUE;
+}

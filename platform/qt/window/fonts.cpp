@@ -1,0 +1,118 @@
+// Fonts: the fixed-pitch families of the desktop, and fonts whose cell has the wanted height.
+#include <cmath>
+#include <QFontDatabase>
+#include <QFontInfo>
+
+#include "platform/qt/services/wide_text.h"
+#include "platform/qt/window/gdi.h"
+
+namespace {
+
+std::unique_ptr<FontData> g_system_font;
+std::unique_ptr<LineFont> g_line_font;  // the one asked for last
+
+void FillGlyphs(FontData& font) {
+    for (int code = 32; code < 256; code++) {
+        if (code >= 127 && code < 160) continue;
+        const auto found = font.raw.glyphIndexesForString(QString(QChar(code)));
+        font.glyphs[code] = found.isEmpty() ? 0 : found.front();
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<FontData> MakeFont(const LOGFONTW& wanted) {
+    auto data = std::make_unique<FontData>();
+    data->height = std::max<LONG>(std::abs(wanted.lfHeight), 1);
+    data->font = QFont(FromWide(wanted.lfFaceName));
+    data->font.setStyleHint(QFont::Monospace);
+    data->font.setBold(wanted.lfWeight >= FW_BOLD);
+    data->font.setItalic(wanted.lfItalic);
+    data->font.setHintingPreference(QFont::PreferNoHinting);
+    data->font.setPixelSize(static_cast<int>(data->height));
+    data->raw = QRawFont::fromFont(data->font);
+    const double cell = data->raw.ascent() + data->raw.descent();
+    if (cell > 0) data->raw.setPixelSize(data->raw.pixelSize() * data->height / cell);
+    data->font.setPixelSize(std::max(static_cast<int>(data->raw.pixelSize()), 1));
+    data->ascent = data->raw.ascent();
+    data->descent = data->raw.descent();
+    data->leading = data->raw.leading();
+    data->fixed = QFontInfo(data->font).fixedPitch();
+    FillGlyphs(*data);
+    data->run.setRawFont(data->raw);
+    return data;
+}
+
+// A hair's breadth beyond the cell is cut off by the next run's background anyway.
+bool GlyphOverhangs(const FontData& font, char16_t code) {
+    std::optional<bool>& known = font.overhangs[code];
+    if (known) return *known;
+    const double advance = font.raw.advancesForGlyphIndexes({font.glyphs['M']}).value(0).x();
+    const QRectF box = code > u' ' ? font.raw.boundingRect(font.glyphs[code]) : QRectF();
+    known = box.left() < 0 || box.right() > std::floor(advance) ||
+            -box.top() > font.height - font.descent || box.bottom() > font.descent;
+    return *known;
+}
+
+const FontData& FontOf(HDC dc) {
+    if (dc && dc->font && dc->font->font) return *dc->font->font;
+    if (!g_system_font) {
+        LOGFONTW wanted = {};
+        wanted.lfHeight = 10;
+        CopyUnits(wanted.lfFaceName, ToWide(QApplication::font().family()).c_str(), LF_FACESIZE);
+        g_system_font = MakeFont(wanted);
+    }
+    return *g_system_font;
+}
+
+const LineFont& LineFontOf(const QFont& font) {
+    if (g_line_font && g_line_font->font == font) return *g_line_font;
+    g_line_font = std::make_unique<LineFont>();
+    LineFont& line = *g_line_font;
+    line.font = font;
+    line.raw = QRawFont::fromFont(font);
+    line.run.setRawFont(line.raw);
+    for (char16_t c = u' '; c < 127; c++) {
+        const auto found = line.raw.glyphIndexesForString(QString(QChar(c)));
+        if (found.isEmpty()) continue;
+        line.glyphs[c] = found.front();
+        line.advances[c] = line.raw.advancesForGlyphIndexes(found).value(0).x();
+    }
+    return line;
+}
+
+void ForgetFonts() {
+    g_system_font.reset();
+    g_line_font.reset();
+}
+
+// Tells of one family; the caller's answer, 0: no more.
+static int TellOfFamily(const QString& name, LPCWSTR wanted, FONTENUMPROCW procedure,
+                        LPARAM parameter) {
+    if (name.size() >= LF_FACESIZE || (wanted && name != FromWide(wanted))) return 1;
+    LOGFONTW font = {};
+    font.lfHeight = 8;
+    font.lfWeight = FW_NORMAL;
+    font.lfCharSet = DEFAULT_CHARSET;
+    font.lfPitchAndFamily = FIXED_PITCH;
+    CopyUnits(font.lfFaceName, ToWide(name).c_str(), LF_FACESIZE);
+    TEXTMETRICW metrics = {};
+    metrics.tmHeight = font.lfHeight;
+    return procedure(&font, &metrics, 4, parameter);  // 4: a scalable font
+}
+
+// The desktop's own fixed-pitch family comes first. The others are looked for only where they are
+// asked for: the toolkit reads each font for that.
+int EnumFontFamiliesW(HDC, LPCWSTR family, FONTENUMPROCW procedure, LPARAM parameter) {
+    const QString own = QFontInfo(QFontDatabase::systemFont(QFontDatabase::FixedFont)).family();
+    int result = TellOfFamily(own, family, procedure, parameter);
+    if (result == 0) return 0;
+    for (const QString& name : QFontDatabase::families()) {
+        if (name == own || !QFontDatabase::isFixedPitch(name) ||
+            !QFontDatabase::isSmoothlyScalable(name))
+            continue;
+        result = TellOfFamily(name, family, procedure, parameter);
+        if (result == 0) break;
+    }
+    return result;
+}

@@ -1,0 +1,117 @@
+// When the windows that are invalid are painted.
+#include "platform/qt/window/frames.h"
+
+#include <chrono>
+#include <QBackingStore>
+#include <QGuiApplication>
+#include <utility>
+
+#include "platform/qt/window/drawing_observer.h"
+#include "platform/qt/window/window_widget.h"
+
+namespace {
+
+constexpr qint64 kFrame = qint64{kFrameMilliseconds} * 1000000;
+
+FramePace g_pace;
+bool g_under_way = false;
+bool g_unsettled = false;     // a frame came since SettleFrames
+std::vector<HWND> g_painted;  // by the frame under way
+qint64 g_invalid_since = -1;  // when a frame was first found to be due; -1: none is
+
+qint64 Now() {
+    const auto time = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(time).count();
+}
+
+bool IsInvalid(Window& window) {
+    if (window.invalid.isEmpty() || !PaintedWidget(window)) return false;
+    if (window.widget->isVisible()) return true;
+    window.invalid = QRegion();
+    return false;
+}
+
+bool IsLeftOfFrame(Window& window) {
+    return IsInvalid(window) &&
+           std::find(g_painted.begin(), g_painted.end(), window.handle) == g_painted.end();
+}
+
+// The frame ends where no window is left that it has not painted.
+Window* NextOfFrame() {
+    if (!g_under_way) return nullptr;
+    Window* next = FirstWindow(IsLeftOfFrame);
+    if (!next) {
+        g_under_way = false;
+        g_painted.clear();
+    }
+    return next;
+}
+
+void BeginFrame() {
+    g_under_way = g_unsettled = true;
+    g_invalid_since = -1;
+    CountFrame(&g_pace, Now());
+    if (drawing_observer.frame) drawing_observer.frame();
+}
+
+}  // namespace
+
+qint64 NanosecondsToFrame(const FramePace& pace, qint64 now) {
+    return std::max(pace.rested - (kFramesAtOnce - 1) * kFrame - now, qint64{0});
+}
+
+void CountFrame(FramePace* pace, qint64 now) {
+    pace->rested = std::max(pace->rested, now) + kFrame;
+}
+
+void RestPace(FramePace* pace, qint64 now) { pace->rested = std::min(pace->rested, now); }
+
+Window* WindowToPaint() {
+    if (Window* next = NextOfFrame()) return next;
+    Window* first = FirstWindow(IsInvalid);
+    return first && NanosecondsToFrame(g_pace, Now()) == 0 ? first : nullptr;
+}
+
+bool FrameUnderWay() { return NextOfFrame() != nullptr; }
+
+bool FrameOverdue() {
+    if (!FirstWindow(IsInvalid)) {
+        g_invalid_since = -1;
+        return false;
+    }
+    const qint64 now = Now();
+    if (g_invalid_since < 0) g_invalid_since = now;
+    return now - g_invalid_since >= kFrame && NanosecondsToFrame(g_pace, now) == 0;
+}
+
+int MillisecondsToFrame() {
+    if (!FirstWindow(IsInvalid)) return -1;
+    return static_cast<int>((NanosecondsToFrame(g_pace, Now()) + 999999) / 1000000);
+}
+
+void PaintFrameOf(Window& window) {
+    if (!NextOfFrame()) BeginFrame();
+    g_painted.push_back(window.handle);
+    if (WindowWidget* widget = PaintedWidget(window)) widget->PaintInvalid();
+}
+
+void HurryFrames() { RestPace(&g_pace, Now()); }
+
+// The X server reads from shared memory what was painted, and the toolkit does not paint there
+// again before the server has answered that it is done. That is asked for here, while nobody waits.
+void SettleFrames() {
+    static const bool shared = QGuiApplication::platformName() == "xcb";
+    if (!std::exchange(g_unsettled, false) || !shared) return;
+    QBackingStore* store = DeviceScreen() ? ReadyStore(DeviceScreen()) : nullptr;
+    if (!store) return;
+    store->beginPaint(DeviceScreen()->rect());
+    store->endPaint();
+}
+
+void ResetFrames() {
+    g_unsettled = false;
+    g_pace = FramePace();
+    g_under_way = false;
+    g_painted.clear();
+    g_invalid_since = -1;
+}

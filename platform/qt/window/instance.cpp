@@ -1,0 +1,174 @@
+// One program a device root: the first one holds a lock file and listens on a local socket; a
+// second one finds it there and hands over to it. The socket's name is of the kernel alone, so that
+// nothing of it is left on the disk.
+#include <map>
+#include <memory>
+#include <QCryptographicHash>
+#include <QLockFile>
+#include <QSocketNotifier>
+
+#include "platform/qt/services/device_root.h"
+#include "platform/qt/services/local_socket.h"
+#include "platform/qt/window/window_widget.h"
+
+namespace {
+
+const HWND kOtherInstance = reinterpret_cast<HWND>(static_cast<UINT_PTR>(4));
+constexpr int kConnectMilliseconds = 2000;
+constexpr int kAnswerMilliseconds = 5000;
+constexpr qsizetype kLongestRequest = 64;
+
+// A socket that is watched while the program runs, closed with its watch.
+struct Watch {
+    explicit Watch(int socket) : descriptor(socket), notifier(socket, QSocketNotifier::Read) {}
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+    ~Watch() {
+        notifier.setEnabled(false);
+        CloseLocally(descriptor);
+    }
+
+    int descriptor;
+    QSocketNotifier notifier;
+    QByteArray heard;
+};
+
+std::unique_ptr<QLockFile> g_lock;
+std::unique_ptr<Watch> g_server;
+std::map<int, std::unique_ptr<Watch>> g_callers;  // by their sockets
+HWND g_window = nullptr;  // the one that others ask for; null until it is made
+
+std::string SocketName() {
+    const QByteArray root = QByteArray::fromStdString(DeviceRoot());
+    const QByteArray hash = QCryptographicHash::hash(root, QCryptographicHash::Sha1);
+    return "quill-" + hash.toHex().toStdString();
+}
+
+// What lies over the window is what the user is to see: a box or a dialog. The first box, and what
+// it asks, may come before the window.
+void Foreground() {
+    if (g_window) SetForegroundWindow(g_window);
+    QWidget* above = QApplication::activeModalWidget();
+    if (!above) return;
+    above->raise();
+    above->activateWindow();
+}
+
+void Show() {
+    if (g_window) ShowWindow(g_window, SW_SHOW);
+    if (QWidget* above = QApplication::activeModalWidget()) above->activateWindow();
+}
+
+void Paint() {
+    if (g_window) SendMessageW(g_window, WM_PAINT, 0, 0);
+}
+
+struct RequestRow {
+    const char* request;
+    void (*carry_out)();
+};
+
+const RequestRow kRequests[] = {
+    {"foreground", Foreground},
+    {"show", Show},
+    {"paint", Paint},
+};
+
+void Answer(Watch& caller) {
+    for (qsizetype end; (end = caller.heard.indexOf('\n')) >= 0; caller.heard.remove(0, end + 1)) {
+        const QByteArray line = caller.heard.left(end).trimmed();
+        for (const RequestRow& row : kRequests)
+            if (line == row.request) row.carry_out();
+        SayLocally(caller.descriptor, "done\n");
+    }
+}
+
+void Hear(int socket) {
+    const auto found = g_callers.find(socket);
+    if (found == g_callers.end()) return;
+    Watch& caller = *found->second;
+    char bytes[kLongestRequest];
+    const long count = HearLocally(socket, bytes, sizeof(bytes));
+    if (count < 0) return;
+    caller.heard.append(bytes, count);
+    Answer(caller);
+    if (count > 0 && caller.heard.size() <= kLongestRequest) return;
+    caller.notifier.setEnabled(false);
+    // The notifier is in the middle of its call.
+    QMetaObject::invokeMethod(
+        qApp, [socket] { g_callers.erase(socket); }, Qt::QueuedConnection);
+}
+
+void Accept() {
+    const int socket = AcceptLocally(g_server->descriptor);
+    if (socket < 0) return;
+    auto caller = std::make_unique<Watch>(socket);
+    QObject::connect(&caller->notifier, &QSocketNotifier::activated, qApp,
+                     [socket] { Hear(socket); });
+    g_callers[socket] = std::move(caller);
+}
+
+void Listen() {
+    if (g_server) return;
+    const int socket = ListenLocally(SocketName());
+    if (socket < 0) return;
+    g_server = std::make_unique<Watch>(socket);
+    QObject::connect(&g_server->notifier, &QSocketNotifier::activated, qApp, Accept);
+}
+
+// The lock is the kernel's and ends with its holder, however that ends.
+bool TakeLock() {
+    if (!g_lock)
+        g_lock =
+            std::make_unique<QLockFile>(QString::fromStdString(DeviceRoot()) + "/instance.lock");
+    g_lock->setStaleLockTime(0);
+    return g_lock->isLocked() || g_lock->tryLock(0);
+}
+
+// The other program may still be on its way to listening. Whether it has answered.
+bool TellOther(const char* request) {
+    int socket = CallLocally(SocketName());
+    for (int waited = 0; socket < 0 && waited < kConnectMilliseconds; waited += 50) {
+        Sleep(50);
+        socket = CallLocally(SocketName());
+    }
+    if (socket < 0) return false;
+    char byte = 0;
+    const bool answered = SayLocally(socket, std::string(request) + '\n') &&
+                          AwaitLocally(socket, kAnswerMilliseconds) &&
+                          HearLocally(socket, &byte, 1) > 0;
+    CloseLocally(socket);
+    return answered;
+}
+
+}  // namespace
+
+// Who holds the lock listens from then on: a box may keep the start from its end.
+HWND FindOtherInstance() {
+    if (TakeLock()) return Listen(), nullptr;
+    if (g_lock->error() != QLockFile::LockFailedError) return nullptr;  // no folder to lock in
+    return kOtherInstance;
+}
+
+bool IsOtherInstance(HWND window) { return window == kOtherInstance; }
+
+void AskOtherInstance(const char* request) {
+    static bool given_up = false;
+    if (given_up || TellOther(request)) return;
+    given_up = true;
+    std::fprintf(stderr, "quill: the program that runs on %s does not answer\n",
+                 DeviceRoot().c_str());
+}
+
+void ServeOtherInstances(HWND window) {
+    if (!TakeLock()) return;
+    Listen();
+    g_window = window;
+}
+
+void StopServingInstances() {
+    g_window = nullptr;
+    g_callers.clear();
+    g_server.reset();
+    g_lock.reset();
+}

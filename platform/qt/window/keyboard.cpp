@@ -1,0 +1,180 @@
+// The keyboard: virtual-key codes from Qt's keys, the key state, synthetic keys.
+#include <QInputMethod>
+#include <QKeyEvent>
+
+#include "platform/qt/testing.h"
+
+namespace {
+
+struct KeyRow {
+    int key;
+    int virtual_key;
+};
+
+// clang-format off
+const KeyRow kKeys[] = {
+    {Qt::Key_Backspace, VK_BACK},    {Qt::Key_Tab, VK_TAB},       {Qt::Key_Backtab, VK_TAB},
+    {Qt::Key_Return, VK_RETURN},     {Qt::Key_Enter, VK_RETURN},  {Qt::Key_Escape, VK_ESCAPE},
+    {Qt::Key_Space, VK_SPACE},       {Qt::Key_PageUp, VK_PRIOR},  {Qt::Key_PageDown, VK_NEXT},
+    {Qt::Key_End, VK_END},           {Qt::Key_Home, VK_HOME},     {Qt::Key_Left, VK_LEFT},
+    {Qt::Key_Up, VK_UP},             {Qt::Key_Right, VK_RIGHT},   {Qt::Key_Down, VK_DOWN},
+    {Qt::Key_Insert, VK_INSERT},     {Qt::Key_Delete, VK_DELETE}, {Qt::Key_CapsLock, VK_CAPITAL},
+};
+
+// The number pad while it gives digits.
+const KeyRow kPadKeys[] = {
+    {Qt::Key_Asterisk, VK_MULTIPLY}, {Qt::Key_Plus, VK_ADD},        {Qt::Key_Minus, VK_SUBTRACT},
+    {Qt::Key_Period, VK_DECIMAL},    {Qt::Key_Comma, VK_DECIMAL},   {Qt::Key_Slash, VK_DIVIDE},
+};
+
+// Punctuation that accelerators name, by either character of its key.
+const KeyRow kPunctuation[] = {
+    {Qt::Key_Plus, VK_OEM_PLUS},   {Qt::Key_Equal, VK_OEM_PLUS},
+    {Qt::Key_Minus, VK_OEM_MINUS}, {Qt::Key_Underscore, VK_OEM_MINUS},
+};
+
+// X11 keysyms of the modifiers, by which left and right differ.
+const KeyRow kModifiers[] = {
+    {0xffe1, VK_LSHIFT},   {0xffe2, VK_RSHIFT}, {0xffe3, VK_LCONTROL}, {0xffe4, VK_RCONTROL},
+    {0xffe9, VK_LMENU},    {0xffea, VK_RMENU},
+};
+// clang-format on
+
+constexpr int kProcessKey = 0xE5;  // a key press that the input method took
+
+KeyStates g_down;   // as the last event left them
+KeyStates g_taken;  // as they were for the message taken last
+int g_silent_keys = 0;
+SilentKey g_silent_key = {};
+
+int ModifierKey(const QKeyEvent& event) {
+    for (const KeyRow& row : kModifiers)
+        if (static_cast<quint32>(row.key) == event.nativeVirtualKey()) return row.virtual_key;
+    if (event.key() == Qt::Key_Shift) return VK_LSHIFT;
+    if (event.key() == Qt::Key_Control) return VK_LCONTROL;
+    return event.key() == Qt::Key_Alt ? VK_LMENU : 0;
+}
+
+// Messages carry the key without its side.
+int GenericKey(int key) {
+    if (key == VK_LSHIFT || key == VK_RSHIFT) return VK_SHIFT;
+    if (key == VK_LCONTROL || key == VK_RCONTROL) return VK_CONTROL;
+    return key == VK_LMENU || key == VK_RMENU ? VK_MENU : key;
+}
+
+// The digit keys keep their code whatever Shift makes of them; on X11 the hardware code tells.
+int DigitKey(const QKeyEvent& event) {
+    const quint32 code = event.nativeScanCode();
+    if (event.nativeVirtualKey() == 0 || code < 10 || code > 19) return 0;
+    return code == 19 ? '0' : static_cast<int>('1' + (code - 10));
+}
+
+template <size_t count>
+int FindKey(const KeyRow (&rows)[count], int key) {
+    for (const KeyRow& row : rows)
+        if (row.key == key) return row.virtual_key;
+    return 0;
+}
+
+int PadKey(const QKeyEvent& event) {
+    if (event.key() >= Qt::Key_0 && event.key() <= Qt::Key_9)
+        return VK_NUMPAD0 + (event.key() - Qt::Key_0);
+    return FindKey(kPadKeys, event.key());
+}
+
+int VirtualKey(const QKeyEvent& event) {
+    if (const int key = FindKey(kKeys, event.key())) return key;
+    if (event.modifiers() & Qt::KeypadModifier) return PadKey(event);
+    if (event.key() >= Qt::Key_F1 && event.key() <= Qt::Key_F24)
+        return VK_F1 + (event.key() - Qt::Key_F1);
+    if (const int digit = DigitKey(event)) return digit;
+    const bool digit_or_letter = (event.key() >= Qt::Key_0 && event.key() <= Qt::Key_9) ||
+                                 (event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z);
+    return digit_or_letter ? event.key() : FindKey(kPunctuation, event.key());
+}
+
+// What the key types: as on the device, Ctrl with a letter is a control character, and the keys
+// of the editing block other than these type nothing.
+QString CharactersOf(const QKeyEvent& event, int virtual_key) {
+    if (virtual_key == VK_BACK) return QString(QChar(8));
+    if (virtual_key == VK_TAB) return QString(QChar(9));
+    if (virtual_key == VK_RETURN) return QString(QChar(13));
+    if (virtual_key == VK_ESCAPE) return QString(QChar(27));
+    if (virtual_key == VK_DELETE || ModifierKey(event)) return QString();
+    return event.text();
+}
+
+// A lost release must not leave a modifier down for ever: each event tells the true state.
+void FollowModifiers(Qt::KeyboardModifiers modifiers) {
+    const auto clear = [](size_t left, size_t right) { g_down[left] = g_down[right] = false; };
+    if (!(modifiers & Qt::ShiftModifier)) clear(VK_LSHIFT, VK_RSHIFT);
+    if (!(modifiers & Qt::ControlModifier)) clear(VK_LCONTROL, VK_RCONTROL);
+    if (!(modifiers & Qt::AltModifier)) clear(VK_LMENU, VK_RMENU);
+    const auto hold = [](size_t left, size_t right) {
+        if (!g_down[left] && !g_down[right]) g_down[left] = true;
+    };
+    if (modifiers & Qt::ShiftModifier) hold(VK_LSHIFT, VK_RSHIFT);
+    if (modifiers & Qt::ControlModifier) hold(VK_LCONTROL, VK_RCONTROL);
+    if (modifiers & Qt::AltModifier) hold(VK_LMENU, VK_RMENU);
+}
+
+}  // namespace
+
+KeyStates CurrentKeyStates() { return g_down; }
+KeyStates TakenKeyStates() { return g_taken; }
+
+void TakeKeyStates(const KeyStates& states) { g_taken = states; }
+
+void QueueKeyEvent(HWND window, QKeyEvent* event, bool down) {
+    const int modifier = ModifierKey(*event);
+    if (!modifier) FollowModifiers(event->modifiers());
+    const int key = modifier ? modifier : VirtualKey(*event);
+    const bool system =
+        (event->modifiers() & Qt::AltModifier) && !(event->modifiers() & Qt::ControlModifier);
+    const UINT message =
+        down ? (system ? WM_SYSKEYDOWN : WM_KEYDOWN) : (system ? WM_SYSKEYUP : WM_KEYUP);
+    const QString characters = down ? CharactersOf(*event, key) : QString();
+    if (key == 0 && characters.isEmpty()) return;  // a key that the device has not
+    g_down[static_cast<size_t>(key)] = down;
+    QueueKey(window, message, static_cast<WPARAM>(GenericKey(key)),
+             event->isAutoRepeat() ? 1 << 30 : 0, characters);
+}
+
+// The input method's key press comes before its characters, as on the device.
+void QueueCommittedText(HWND window, const QString& text) {
+    if (text.isEmpty()) return;
+    QueueKey(window, WM_KEYDOWN, kProcessKey, 0, QString());
+    for (const QChar character : text) QueueInput(window, WM_CHAR, character.unicode(), 0);
+}
+
+int SilentKeyCount() { return g_silent_keys; }
+SilentKey LastSilentKey() { return g_silent_key; }
+
+void ResetKeyboard() {
+    g_silent_keys = 0;
+    g_down.reset();
+    g_taken.reset();
+}
+
+SHORT GetKeyState(int virtual_key) {
+    const auto held = [](size_t key) { return g_taken[key]; };
+    if (virtual_key < 0 || virtual_key > 255) return 0;
+    bool down = held(static_cast<size_t>(virtual_key));
+    if (virtual_key == VK_SHIFT) down = held(VK_LSHIFT) || held(VK_RSHIFT);
+    if (virtual_key == VK_CONTROL) down = held(VK_LCONTROL) || held(VK_RCONTROL);
+    if (virtual_key == VK_MENU) down = held(VK_LMENU) || held(VK_RMENU);
+    return static_cast<SHORT>(down ? 0x8000 : 0);
+}
+
+void keybd_event(BYTE virtual_key, BYTE, DWORD flags, DWORD_PTR) {
+    if (flags & KEYEVENTF_SILENT) {
+        g_silent_keys++;
+        g_silent_key = {virtual_key, flags};
+        return;
+    }
+    const bool down = !(flags & KEYEVENTF_KEYUP);
+    g_down[virtual_key] = down;
+    if (HWND window = GetActiveWindow())
+        QueueKey(window, down ? WM_KEYDOWN : WM_KEYUP, static_cast<WPARAM>(GenericKey(virtual_key)),
+                 0, QString());
+}

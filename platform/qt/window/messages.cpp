@@ -1,0 +1,433 @@
+// The message queue of the window thread: posted messages, input, paints and timers in the order
+// of the real one, over Qt's event loop.
+//
+// A frame (frames.h) is given out when the queue is idle, and at the latest when it has waited for
+// a frame's time while messages keep coming.
+#include <atomic>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <QAbstractEventDispatcher>
+#include <QElapsedTimer>
+#include <QTimer>
+#include <set>
+#include <thread>
+#include <utility>
+
+#include "platform/qt/services/accelerators.h"
+#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/testing.h"
+#include "platform/qt/window/frames.h"
+#include "platform/qt/window/window_widget.h"
+
+namespace {
+
+constexpr qint64 kSoonNanoseconds = 100000;
+
+struct QueuedMessage {
+    MSG message;
+    QString characters;  // of a key press
+    KeyStates keys;      // when it happened
+};
+
+std::mutex g_posted_mutex;
+std::deque<MSG> g_posted;
+std::set<HWND> g_takers;  // the windows that can be posted to
+std::atomic<bool> g_waiting{false};
+std::atomic<QAbstractEventDispatcher*> g_dispatcher{nullptr};
+
+std::deque<QueuedMessage> g_input;
+std::deque<MSG> g_timers;
+QString g_key_characters;  // what TranslateMessage makes of the key taken last
+bool g_quit = false;
+int g_quit_code = 0;
+bool g_took_posted = false;       // a posted message, since the queue was waited at
+QElapsedTimer g_since_collected;  // the toolkit's events had their turn
+
+using TimerKey = std::pair<HWND, UINT_PTR>;
+std::map<TimerKey, std::unique_ptr<QTimer>> g_running_timers;
+
+MSG MakeMessage(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    return MSG{window, message, wparam, lparam, GetTickCount(), POINT{0, 0}};
+}
+
+bool Fits(const MSG& message, HWND window, UINT first, UINT last) {
+    if (window && message.hwnd != window) return false;
+    return (first == 0 && last == 0) || (message.message >= first && message.message <= last);
+}
+
+bool TakePosted(MSG* message, HWND window, UINT first, UINT last, bool remove) {
+    const std::lock_guard<std::mutex> lock(g_posted_mutex);
+    for (auto entry = g_posted.begin(); entry != g_posted.end(); ++entry) {
+        if (!Fits(*entry, window, first, last)) continue;
+        *message = *entry;
+        if (remove) g_posted.erase(entry);
+        g_took_posted = true;
+        return true;
+    }
+    return false;
+}
+
+bool TakeInput(MSG* message, HWND window, UINT first, UINT last, bool remove) {
+    for (auto entry = g_input.begin(); entry != g_input.end(); ++entry) {
+        if (!Fits(entry->message, window, first, last)) continue;
+        *message = entry->message;
+        g_key_characters = entry->characters;
+        TakeKeyStates(entry->keys);
+        if (remove) g_input.erase(entry);
+        return true;
+    }
+    return false;
+}
+
+bool TakeTimer(MSG* message, HWND window, UINT first, UINT last, bool remove) {
+    for (auto entry = g_timers.begin(); entry != g_timers.end(); ++entry) {
+        if (!Fits(*entry, window, first, last)) continue;
+        *message = *entry;
+        if (remove) g_timers.erase(entry);
+        return true;
+    }
+    return false;
+}
+
+bool TakePaint(MSG* message, HWND window, UINT first, UINT last) {
+    const Window* invalid = WindowToPaint();
+    if (!invalid) return false;
+    *message = MakeMessage(invalid->handle, WM_PAINT, 0, 0);
+    return Fits(*message, window, first, last);
+}
+
+bool SomethingPosted() {
+    const std::lock_guard<std::mutex> lock(g_posted_mutex);
+    return !g_posted.empty();
+}
+
+// A host that streams has its next chunk posted within microseconds: to go to sleep and be woken up
+// would take many times that.
+bool PostedSoon() {
+    if (!std::exchange(g_took_posted, false)) return false;
+    QElapsedTimer since;
+    since.start();
+    while (since.nsecsElapsed() < kSoonNanoseconds) {
+        if (SomethingPosted()) return true;
+        std::this_thread::yield();
+    }
+    return false;
+}
+
+void CollectInput(bool wait) {
+    g_since_collected.start();
+    // The toolkit leaves this to its own loop, which never runs here.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    if (wait && g_dispatcher.load() == nullptr)
+        g_dispatcher.store(QAbstractEventDispatcher::instance());
+    if (!wait) return QCoreApplication::processEvents();
+    const bool outer = g_waiting.exchange(true);
+    QCoreApplication::processEvents(SomethingPosted() ? QEventLoop::AllEvents
+                                                      : QEventLoop::WaitForMoreEvents);
+    g_waiting.store(outer);
+}
+
+// While messages keep coming, the toolkit's events have a turn once a frame: to ask for them takes
+// longer than most messages do.
+bool CollectedLately() {
+    return g_since_collected.isValid() && g_since_collected.elapsed() < kFrameMilliseconds;
+}
+
+// A frame that is held back is looked for again when its time has come.
+void WakeForFrame() {
+    static QPointer<QTimer> timer;
+    const int milliseconds = MillisecondsToFrame();
+    if (milliseconds < 0) return;
+    if (!timer) timer = new QTimer(qApp);
+    if (timer->isActive()) return;
+    timer->setTimerType(Qt::PreciseTimer);
+    timer->setSingleShot(true);
+    timer->start(milliseconds);
+}
+
+// Whether a paint goes before what is posted: the rest of a frame, or one that waited too long.
+// Then the toolkit's events have a turn first.
+bool TakeDuePaint(MSG* message, HWND window, UINT first, UINT last) {
+    if (FrameUnderWay()) return TakePaint(message, window, first, last);
+    if (!FrameOverdue()) return false;
+    CollectInput(false);
+    return TakePaint(message, window, first, last);
+}
+
+// One step of the queue: a message, or false after Qt's events have had their turn. They may have
+// brought what the caller waits for, so that is asked last.
+bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
+          const std::function<bool()>& may_wait) {
+    if (TakeDuePaint(message, window, first, last)) return true;
+    if (TakePosted(message, window, first, last, remove)) return true;
+    if (TakeInput(message, window, first, last, remove)) return true;
+    if (g_quit) {
+        *message = MakeMessage(nullptr, WM_QUIT, static_cast<WPARAM>(g_quit_code), 0);
+        return true;
+    }
+    if (g_took_posted && CollectedLately() && may_wait()) {
+        if (TakePaint(message, window, first, last)) return true;
+        if (PostedSoon()) return false;
+    }
+    CollectInput(false);
+    if (!g_input.empty()) return TakeInput(message, window, first, last, remove);
+    if (TakePosted(message, window, first, last, remove)) return true;
+    if (TakePaint(message, window, first, last)) return true;
+    if (TakeTimer(message, window, first, last, remove)) return true;
+    if (g_quit || !may_wait() || PostedSoon()) return false;
+    WakeForFrame();
+    SettleFrames();
+    CollectInput(true);
+    return false;
+}
+
+}  // namespace
+
+LRESULT CallWindowProcedure(Window& window, UINT message, WPARAM wparam, LPARAM lparam) {
+    return window.window_class->procedure(window.handle, message, wparam, lparam);
+}
+
+void QueueInput(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_KEYDOWN || message == WM_CHAR) HurryFrames();
+    g_input.push_back(
+        {MakeMessage(window, message, wparam, lparam), QString(), CurrentKeyStates()});
+}
+
+void QueueKey(HWND window, UINT message, WPARAM key, LPARAM flags, const QString& characters) {
+    if (message == WM_KEYDOWN) HurryFrames();
+    g_input.push_back({MakeMessage(window, message, key, flags), characters, CurrentKeyStates()});
+}
+
+bool QuitPosted() { return g_quit; }
+
+bool MessagesWaiting() {
+    const std::lock_guard<std::mutex> lock(g_posted_mutex);
+    return !g_input.empty() || !g_posted.empty();
+}
+
+void TakeMessagesFor(HWND window) {
+    const std::lock_guard<std::mutex> lock(g_posted_mutex);
+    g_takers.insert(window);
+}
+
+void ForgetWindowMessages(HWND window) {
+    {
+        const std::lock_guard<std::mutex> lock(g_posted_mutex);
+        g_takers.erase(window);
+        std::erase_if(g_posted, [&](const MSG& m) { return m.hwnd == window; });
+    }
+    std::erase_if(g_input, [&](const QueuedMessage& m) { return m.message.hwnd == window; });
+    std::erase_if(g_timers, [&](const MSG& m) { return m.hwnd == window; });
+    std::erase_if(g_running_timers, [&](const auto& t) { return t.first.first == window; });
+}
+
+bool DropPosted(HWND window, UINT message, WPARAM wparam) {
+    const std::lock_guard<std::mutex> lock(g_posted_mutex);
+    return std::erase_if(g_posted, [&](const MSG& m) {
+               return m.hwnd == window && m.message == message && m.wParam == wparam;
+           }) > 0;
+}
+
+void ResetMessages() {
+    {
+        const std::lock_guard<std::mutex> lock(g_posted_mutex);
+        g_posted.clear();
+    }
+    g_input.clear();
+    g_timers.clear();
+    g_running_timers.clear();
+    g_key_characters.clear();
+    g_quit = false;
+    g_took_posted = false;
+    g_since_collected.invalidate();
+    ResetFrames();
+    g_dispatcher.store(nullptr);
+}
+
+BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last) {
+    while (!Step(message, window, first, last, true, [] { return true; })) {
+    }
+    if (message->message != WM_QUIT) return TRUE;
+    g_quit = false;
+    return FALSE;
+}
+
+BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove) {
+    if (!Step(message, window, first, last, remove & PM_REMOVE, [] { return false; })) return FALSE;
+    if (message->message == WM_QUIT && (remove & PM_REMOVE)) g_quit = false;
+    return TRUE;
+}
+
+void RunModalLoop(const std::function<bool()>& done) {
+    MSG message;
+    while (!done() && !g_quit) {
+        if (!Step(&message, nullptr, 0, 0, true, [&] { return !done(); })) continue;
+        if (message.message == WM_QUIT) return;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+void DispatchPosted(const std::function<bool()>& done) {
+    QElapsedTimer since;
+    since.start();
+    MSG message;
+    while (!done() && since.elapsed() < kFrameMilliseconds &&
+           TakePosted(&message, nullptr, 0, 0, true))
+        DispatchMessageW(&message);
+}
+
+BOOL TranslateMessage(const MSG* message) {
+    const bool plain = message->message == WM_KEYDOWN;
+    if (!plain && message->message != WM_SYSKEYDOWN) return FALSE;
+    const std::u16string characters = ToWide(g_key_characters);
+    const KeyStates keys = TakenKeyStates();
+    g_key_characters.clear();
+    // Characters come next, before any other input.
+    auto place = g_input.begin();
+    for (const char16_t character : characters)
+        place = g_input.insert(place, {MakeMessage(message->hwnd, plain ? WM_CHAR : WM_SYSCHAR,
+                                                   character, message->lParam),
+                                       QString(), keys}) +
+                1;
+    return TRUE;
+}
+
+LRESULT DispatchMessageW(const MSG* message) {
+    Window* window = FindWindowRecord(message->hwnd);
+    if (!window) return 0;
+    if (message->message != WM_PAINT)
+        return CallWindowProcedure(*window, message->message, message->wParam, message->lParam);
+    PaintFrameOf(*window);
+    return 0;
+}
+
+LRESULT SendMessageW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (IsOtherInstance(handle)) {
+        if (message == WM_PAINT) AskOtherInstance("paint");
+        return 0;
+    }
+    Window* window = FindWindowRecord(handle);
+    if (!window) return 0;
+    WindowWidget* widget = PaintedWidget(*window);
+    if (message != WM_PAINT || !widget || widget->painting())
+        return CallWindowProcedure(*window, message, wparam, lparam);
+    InvalidateRect(handle, nullptr, TRUE);
+    widget->PaintInvalid();
+    return 0;
+}
+
+BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    {
+        const std::lock_guard<std::mutex> lock(g_posted_mutex);
+        if (window && !g_takers.contains(window)) return FALSE;
+        g_posted.push_back(MakeMessage(window, message, wparam, lparam));
+    }
+    QAbstractEventDispatcher* dispatcher = g_dispatcher.load();
+    if (dispatcher && g_waiting.load()) dispatcher->wakeUp();
+    return TRUE;
+}
+
+void PostQuitMessage(int exit_code) {
+    g_quit = true;
+    g_quit_code = exit_code;
+}
+
+UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure) {
+    if (!FindWindowRecord(window)) return 0;
+    auto& timer = g_running_timers[{window, id}];
+    timer = std::make_unique<QTimer>();
+    QObject::connect(timer.get(), &QTimer::timeout, qApp, [window, id, procedure] {
+        for (const MSG& waiting : g_timers)
+            if (waiting.hwnd == window && waiting.wParam == id) return;
+        g_timers.push_back(MakeMessage(window, WM_TIMER, id, reinterpret_cast<LPARAM>(procedure)));
+    });
+    timer->start(static_cast<int>(milliseconds));
+    return id;
+}
+
+BOOL KillTimer(HWND window, UINT_PTR id) {
+    std::erase_if(g_timers, [&](const MSG& m) { return m.hwnd == window && m.wParam == id; });
+    return g_running_timers.erase({window, id}) > 0;
+}
+
+int TimerMilliseconds(HWND window, UINT_PTR id) {
+    const auto timer = g_running_timers.find({window, id});
+    return timer == g_running_timers.end() ? -1 : timer->second->interval();
+}
+
+namespace {
+
+LRESULT CloseByDefault(Window& window, WPARAM) {
+    DestroyWindow(window.handle);
+    return 0;
+}
+
+LRESULT PaintByDefault(Window& window, WPARAM) {
+    PAINTSTRUCT paint;
+    BeginPaint(window.handle, &paint);
+    EndPaint(window.handle, &paint);
+    return 0;
+}
+
+LRESULT EraseByDefault(Window& window, WPARAM dc) {
+    const HBRUSH background = window.window_class->background;
+    if (!background) return 0;
+    RECT area;
+    GetClientRect(window.handle, &area);
+    FillRect(reinterpret_cast<HDC>(dc), &area, background);
+    return 1;
+}
+
+LRESULT TakeKeyByDefault(Window& window, WPARAM key) {
+    if (key == VK_F10 && IsProgramWindow(window)) ActivateMenuBar();
+    return 0;
+}
+
+struct DefaultRow {
+    UINT message;
+    LRESULT (*handle)(Window& window, WPARAM wparam);
+};
+
+const DefaultRow kDefaults[] = {
+    {WM_CLOSE, CloseByDefault},
+    {WM_PAINT, PaintByDefault},
+    {WM_ERASEBKGND, EraseByDefault},
+    {WM_KEYDOWN, TakeKeyByDefault},
+};
+
+}  // namespace
+
+LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM) {
+    Window* window = FindWindowRecord(handle);
+    for (const DefaultRow& row : kDefaults)
+        if (window && row.message == message) return row.handle(*window, wparam);
+    return 0;
+}
+
+namespace {
+
+bool AcceleratorFits(const AcceleratorRow& row, const MSG& message) {
+    const bool key = row.flags & kAcceleratorKey;
+    const bool down = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
+    if (key ? !down : message.message != WM_CHAR) return false;
+    if (message.wParam != row.key) return false;
+    if (!key) return true;
+    const auto held = [](int virtual_key) { return (GetKeyState(virtual_key) & 0x8000) != 0; };
+    return held(VK_SHIFT) == ((row.flags & kAcceleratorShift) != 0) &&
+           held(VK_CONTROL) == ((row.flags & kAcceleratorControl) != 0) &&
+           held(VK_MENU) == ((row.flags & kAcceleratorAlt) != 0);
+}
+
+}  // namespace
+
+int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message) {
+    if (!table || !FindWindowRecord(window)) return 0;
+    for (const AcceleratorRow& row : table->rows) {
+        if (!AcceleratorFits(row, *message)) continue;
+        SendMessageW(window, WM_COMMAND, static_cast<WPARAM>(row.command | (1u << 16)), 0);
+        return 1;
+    }
+    return 0;
+}
