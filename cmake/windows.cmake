@@ -1,7 +1,6 @@
 # Toolchain: the program for 64-bit Windows, built on Linux (g++-mingw-w64-x86-64), or for 32-bit
 # Windows by way of windows32.cmake. Everything but the system's own DLLs is linked in. The thread
-# model is the one whose run-time library knows std::thread, which GoogleTest wants. Nothing in the
-# program tells when it was linked.
+# model is the one whose run-time library knows std::thread, which GoogleTest wants.
 if(NOT DEFINED QUILL_WINDOWS_CPU)
     set(QUILL_WINDOWS_CPU x86_64)
 endif()
@@ -18,4 +17,4 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")

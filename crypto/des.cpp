@@ -85,12 +85,16 @@ static inline CipherBlock FinalPermutation(Halves halves) {
     return block;
 }
 
+static inline uint64_t Share(size_t box, uint64_t halves, int shift) {
+    return kRoundTable[box][static_cast<size_t>(halves >> shift & 0xFF)];
+}
+
 static inline uint64_t RoundFunction(uint64_t half, uint64_t key) {
     uint64_t x = half ^ key;
-    uint64_t a = kRoundTable[0][x >> 56] ^ kRoundTable[1][x >> 24 & 0xFF];
-    uint64_t b = kRoundTable[2][x >> 48 & 0xFF] ^ kRoundTable[3][x >> 16 & 0xFF];
-    uint64_t c = kRoundTable[4][x >> 40 & 0xFF] ^ kRoundTable[5][x >> 8 & 0xFF];
-    uint64_t d = kRoundTable[6][x >> 32 & 0xFF] ^ kRoundTable[7][x & 0xFF];
+    uint64_t a = Share(0, x, 56) ^ Share(1, x, 24);
+    uint64_t b = Share(2, x, 48) ^ Share(3, x, 16);
+    uint64_t c = Share(4, x, 40) ^ Share(5, x, 8);
+    uint64_t d = Share(6, x, 32) ^ Share(7, x, 0);
     return (a ^ b) ^ (c ^ d);
 }
 

@@ -7,7 +7,8 @@
 
 namespace {
 
-constexpr int kButtonPadding = 7;  // pixels at 100 %, round a picture
+constexpr int kButtonWidth = 23;  // pixels at 100 %
+constexpr int kButtonHeight = 22;
 
 // The bitmaps of each bar, in the order in which they came: another scale draws them anew.
 struct Source {
@@ -21,10 +22,11 @@ HIMAGELIST PicturesOf(HWND bar) {
 }
 
 HIMAGELIST MakePictures(HWND bar) {
-    const int side = BarPictureSide(), padding = DevicePixels(kButtonPadding);
+    const int side = BarPictureSide();
     HIMAGELIST pictures = ImageList_Create(side, side, ILC_COLOR32, 32, 32);
-    SendMessageW(bar, TB_SETPADDING, 0, MAKELPARAM(padding, padding));
     SendMessageW(bar, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pictures));
+    SendMessageW(bar, TB_SETBUTTONSIZE, 0,
+                 MAKELPARAM(DevicePixels(kButtonWidth), DevicePixels(kButtonHeight)));
     return pictures;
 }
 

@@ -24,11 +24,15 @@ BOOL DeviceDeleteFile(LPCWSTR path);
 // The device's window classes have no cursor and no icon of their own; here the arrow and the
 // program's icon (IDI_DESKTOP; without one, the system's) take their place.
 ATOM DeviceRegisterClass(const WNDCLASSW* window_class);
+bool HasProgramClass(HWND window);  // registered by the call above
 // Every window of the device clips its children. A top-level window gets the desktop's frame, with
 // room for a menu, round the size that was asked for.
 HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x,
                         int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                         LPVOID parameter);
+// A menu may be higher than the system foretells. A window that nobody sees yet, the last top-level
+// one, grows so far that its client area has the height that was asked for.
+void MakeRoomForMenu(HWND window);
 // A minimised window is restored, as nothing else would make it visible.
 BOOL DeviceSetForegroundWindow(HWND window);
 

@@ -4,18 +4,13 @@
 
 namespace {
 
-bool IsOfTheProgram(HWND window) {
-    return GetClassLongPtrW(window, GCLP_HMODULE) ==
-           reinterpret_cast<ULONG_PTR>(GetModuleHandleW(nullptr));
-}
-
 // The stylus belongs to the window that it touched until it is lifted. The system's own controls
 // see to that themselves.
 void HoldStylus(const MSG& message) {
     const bool touched = message.message == WM_LBUTTONDOWN || message.message == WM_LBUTTONDBLCLK;
-    if (touched && IsOfTheProgram(message.hwnd)) SetCapture(message.hwnd);
+    if (touched && HasProgramClass(message.hwnd)) SetCapture(message.hwnd);
     if (message.message == WM_LBUTTONUP && GetCapture() == message.hwnd &&
-        IsOfTheProgram(message.hwnd))
+        HasProgramClass(message.hwnd))
         ReleaseCapture();
 }
 

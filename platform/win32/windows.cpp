@@ -1,5 +1,6 @@
 // Windows: what the desktop's look asks for and the device's does not know.
 #include <algorithm>
+#include <set>
 
 #include "device.h"
 #include "resource_numbers.h"
@@ -14,6 +15,9 @@ RECT WorkArea() {
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
     return area;
 }
+
+std::set<ATOM> program_classes;
+SIZE asked_for = {};  // of the main window's client area
 
 // The frame's outer size round a client area and a menu, as far as the monitor has room.
 SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
@@ -37,7 +41,13 @@ ATOM DeviceRegisterClass(const WNDCLASSW* window_class) {
     if (!dressed.hCursor) dressed.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
     if (!dressed.hIcon) dressed.hIcon = ProgramIcon();
     if (!dressed.hInstance) dressed.hInstance = GetModuleHandleW(nullptr);
-    return RegisterClassW(&dressed);
+    const ATOM atom = RegisterClassW(&dressed);
+    if (atom) program_classes.insert(atom);
+    return atom;
+}
+
+bool HasProgramClass(HWND window) {
+    return program_classes.count(static_cast<ATOM>(GetClassLongW(window, GCW_ATOM))) != 0;
 }
 
 HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x,
@@ -46,6 +56,7 @@ HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD
     style |= WS_CLIPCHILDREN | WS_CLIPSIBLINGS;
     if (!(style & (WS_CHILD | WS_POPUP)) && width != CW_USEDEFAULT) {
         style |= kFrame;
+        asked_for = {width, height};
         const SIZE size = FramedSize(width, height, style, ex_style);
         width = size.cx;
         height = size.cy;
@@ -57,6 +68,18 @@ HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD
     if (top && window && WindowDpi(window) != DeviceDpi())
         ChangeScale(window, WindowDpi(window), nullptr);
     return window;
+}
+
+void MakeRoomForMenu(HWND window) {
+    RECT client = {}, outer = {};
+    GetClientRect(window, &client);
+    GetWindowRect(window, &outer);
+    const RECT area = WorkArea();
+    const LONG missing = std::max<LONG>(0, asked_for.cy - client.bottom);
+    const LONG height = std::min(outer.bottom - outer.top + missing, area.bottom - area.top);
+    if (missing && height > outer.bottom - outer.top)
+        SetWindowPos(window, nullptr, 0, 0, outer.right - outer.left, height,
+                     SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 BOOL DeviceSetForegroundWindow(HWND window) {

@@ -14,6 +14,13 @@ class Adapter : public WindowTest {
         GetMessageW(&message, top, 0, 0);
         return message;
     }
+    // The same for any window, and the window has it.
+    void Handle(HWND window, UINT posted, WPARAM wparam, LPARAM lparam) {
+        MSG message = {};
+        PostMessageW(window, posted, wparam, lparam);
+        GetMessageW(&message, window, posted, posted);
+        DispatchMessageW(&message);
+    }
 };
 
 constexpr LPARAM kAltDown = 1 << 29;
@@ -223,25 +230,20 @@ TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
 // What a drag is: the button goes down in a window, and comes up wherever the mouse is.
 TEST_F(Adapter, DragGoesOnOutsideOfTheWindow) {
     const HWND child = Child(1);
-    PostMessageW(child, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
-    RunUntilIdle();
-    EXPECT_EQ(child, GetCapture());
-    PostMessageW(child, WM_LBUTTONUP, 0, MAKELPARAM(-50, 900));
-    RunUntilIdle();
-    EXPECT_EQ(nullptr, GetCapture());
-    PostMessageW(child, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(5, 5));
-    RunUntilIdle();
-    EXPECT_EQ(child, GetCapture());
-    PostMessageW(child, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
-    RunUntilIdle();
-    EXPECT_EQ(nullptr, GetCapture());
+    for (const UINT touch : {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK}) {
+        Handle(child, touch, MK_LBUTTON, MAKELPARAM(5, 5));
+        EXPECT_EQ(child, GetCapture());
+        Handle(child, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(-50, 900));
+        EXPECT_EQ(child, GetCapture());
+        Handle(child, WM_LBUTTONUP, 0, MAKELPARAM(-50, 900));
+        EXPECT_EQ(nullptr, GetCapture());
+    }
 }
 
 TEST_F(Adapter, DragOfASystemsControlIsItsOwn) {
     const HWND text = CreateWindowExW(0, TEXT("STATIC"), nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 50,
                                       20, top, nullptr, nullptr, nullptr);
-    PostMessageW(text, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
-    RunUntilIdle();
+    Handle(text, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
     EXPECT_EQ(nullptr, GetCapture());
     DestroyWindow(text);
 }

@@ -2,10 +2,6 @@
 // followed.
 #include <set>
 
-#include <windows.h>
-//
-#include <shlwapi.h>
-
 #include "resources/resource_ids.h"
 #include "tests/platform/test_windows.h"
 
@@ -15,7 +11,7 @@ constexpr int kPicture = 1540;  // of the connect button, 16x16; 11540 is the on
 const UINT kScales[] = {96, 120, 144, 192};
 
 class Scale : public WindowTest {
-  protected:
+  public:
     void SetUp() override {
         WindowTest::SetUp();
         before = DeviceDpi();
@@ -57,19 +53,16 @@ std::vector<uint32_t> PixelsOf(HBITMAP bitmap) {
 
 TEST(Manifest, MakesTheProgramAwareOfTheMonitorsScale) {
     EXPECT_TRUE(IsProcessDPIAware());
-    EXPECT_TRUE(AreDpiAwarenessContextsEqual(GetThreadDpiAwarenessContext(),
-                                             DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2));
+    EXPECT_EQ(DPI_AWARENESS_PER_MONITOR_AWARE,
+              GetAwarenessFromDpiAwarenessContext(GetThreadDpiAwarenessContext()));
 }
 
+// They lie in a folder of their own, apart from the older ones.
 TEST(Manifest, AsksForTheCommonControlsOfToday) {
-    const auto version =
-        reinterpret_cast<HRESULT(CALLBACK*)(DLLVERSIONINFO*)>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleW(L"comctl32.dll"), "DllGetVersion")));
-    ASSERT_NE(nullptr, version);
-    DLLVERSIONINFO info = {};
-    info.cbSize = sizeof(info);
-    version(&info);
-    EXPECT_EQ(6u, info.dwMajorVersion);
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(GetModuleHandleW(L"comctl32.dll"), path, MAX_PATH);
+    CharLowerW(path);
+    EXPECT_NE(nullptr, wcsstr(path, L"\\winsxs\\"));
 }
 
 TEST(Manifest, LeavesTheCodePageToTheUser) {
@@ -170,17 +163,20 @@ TEST_F(Scale, WindowTakesThePlaceThatTheDesktopNamesAndIsLaidOut) {
     EXPECT_FALSE(Of(WM_SIZE, top).empty());  // the size is the same, the cells are not
 }
 
+static Scale* self;
+static UINT seen;
+
+static void CALLBACK ChangeUnderTheBox(HWND, UINT, UINT_PTR id, DWORD) {
+    KillTimer(nullptr, id);
+    self->Change(192);
+    seen = DeviceDpi();
+    PostMessageW(FindWindowW(nullptr, L"Quill scale test"), WM_COMMAND, IDOK, 0);
+}
+
 TEST_F(Scale, IsFollowedWhileABoxIsOpen) {
-    static Scale* self;
-    static UINT seen;
     self = this;
     seen = 0;
-    SetTimer(nullptr, 0, 300, [](HWND, UINT, UINT_PTR id, DWORD) {
-        KillTimer(nullptr, id);
-        self->Change(192);
-        seen = DeviceDpi();
-        PostMessageW(FindWindowW(nullptr, L"Quill scale test"), WM_COMMAND, IDOK, 0);
-    });
+    SetTimer(nullptr, 0, 300, ChangeUnderTheBox);
     EXPECT_EQ(IDOK, MessageBoxW(top, L"!", L"Quill scale test", MB_OKCANCEL));
     EXPECT_EQ(192u, seen);
     EXPECT_TRUE(IsWindowEnabled(top));

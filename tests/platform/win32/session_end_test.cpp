@@ -81,16 +81,18 @@ TEST(SessionEnd, AnswersTheOpenQuestionWithCancelAndAsksNoOther) {
     EXPECT_EQ(IDCANCEL, program.next_answer);
 }
 
+static void CALLBACK LookUnderTheBox(HWND, UINT, UINT_PTR id, DWORD) {
+    KillTimer(nullptr, id);
+    EXPECT_EQ(nullptr, GetCapture());
+    PostMessageW(FindWindowW(nullptr, L"Quill modal test"), WM_COMMAND, IDOK, 0);
+}
+
 TEST(Modal, GivesTheStylusFree) {
     const HWND window = CreateWindowExW(0, L"STATIC", nullptr, WS_POPUP | WS_VISIBLE, 0, 0, 50, 50,
                                         nullptr, nullptr, nullptr, nullptr);
     SetCapture(window);
     ASSERT_EQ(window, GetCapture());
-    SetTimer(nullptr, 0, 300, [](HWND, UINT, UINT_PTR id, DWORD) {
-        KillTimer(nullptr, id);
-        EXPECT_EQ(nullptr, GetCapture());
-        PostMessageW(FindWindowW(nullptr, L"Quill modal test"), WM_COMMAND, IDOK, 0);
-    });
+    SetTimer(nullptr, 0, 300, LookUnderTheBox);
     EXPECT_EQ(IDOK, MessageBoxW(window, L"!", L"Quill modal test", MB_OKCANCEL));
     DestroyWindow(window);
 }
