@@ -1,5 +1,6 @@
 # Wine for 32-bit programs, without anything installed: the system's own 64-bit Wine with the 32-bit
-# libraries of its package, fetched and unpacked below build/. Sourced after wine.sh, before
+# libraries of its package, fetched and unpacked below build/. An installer runs in it; what wants
+# sockets does not, as Wine 8 does not start them there. Sourced after wine.sh, before
 # prepare_prefix; the prefix is another one. Exit code 77: not possible here.
 libraries32=$top/build/wine32-libraries
 export WINEPREFIX="${QUILL_WINE_PREFIX:-$top/build/wine}32"
