@@ -89,6 +89,7 @@ int RunSessions() {
 }  // namespace
 
 int InitApplication(HINSTANCE instance) {
+    InitCommonControls();
     if (!RegisterMainWindow(instance)) return 1;
     if (!RegisterClientWindow(instance)) return 2;
     FindColorDialog();

@@ -70,7 +70,7 @@ int OpenSocket() {
         ShowError(TEXT("Cannot open the socket interface. Maybe TCP/IP is missing"));
         return 0;
     }
-    WINSOCK_ULONG on = 1;
+    u_long on = 1;
     ioctlsocket(socket_made, FIONBIO, &on);
     session.socket.store(socket_made, std::memory_order_release);
     return 1;
@@ -79,12 +79,12 @@ int OpenSocket() {
 // The first dial-up entry of the device becomes the one to dial.
 void TakeFirstDialEntry() {
     DWORD size = 0, count = 0;
-    RasEnumEntriesW(nullptr, nullptr, nullptr, &size, &count);
+    RasEnumEntries(nullptr, nullptr, nullptr, &size, &count);
     if (size < sizeof(RASENTRYNAMEW)) return;
     auto* entries = static_cast<RASENTRYNAMEW*>(std::calloc(1, size));
     if (!entries) return;
     entries[0].dwSize = sizeof(RASENTRYNAMEW);
-    if (RasEnumEntriesW(nullptr, nullptr, entries, &size, &count) == 0 && count > 0)
+    if (RasEnumEntries(nullptr, nullptr, entries, &size, &count) == 0 && count > 0)
         SetDialEntry(entries[0].szEntryName);
     std::free(entries);
 }

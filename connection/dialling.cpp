@@ -4,6 +4,7 @@
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "terminal/interpreter.h"
+#include "text/text.h"
 
 namespace {
 
@@ -47,7 +48,7 @@ void ShowState(int state) {
     for (const StateRow& row : kStates)
         if (row.state == static_cast<WPARAM>(state)) return DialProgress(row.text);
     char text[48];
-    std::snprintf(text, sizeof(text), "unknown ras dial event %d\r\n", state);
+    std::sprintf(text, "unknown ras dial event %d\r\n", state);
     DialProgress(text);
 }
 
@@ -69,9 +70,9 @@ void TellDialError(DWORD error) {
 bool FetchParameters(RASDIALPARAMSW* parameters) {
     if (lstrlenW(session.settings.ras) > RAS_MaxEntryName) return false;
     parameters->dwSize = sizeof(*parameters);
-    lstrcpynW(parameters->szEntryName, session.settings.ras, RAS_MaxEntryName + 1);
+    CopyBounded(parameters->szEntryName, session.settings.ras, RAS_MaxEntryName + 1);
     BOOL has_password = FALSE;
-    return RasGetEntryDialParamsW(nullptr, parameters, &has_password) == 0;
+    return RasGetEntryDialParams(nullptr, parameters, &has_password) == 0;
 }
 
 // A dial that is given up for another one: what it still has to tell is not the new one's. A
@@ -101,8 +102,8 @@ void StartDial() {
     if (!FetchParameters(&parameters)) return TellNoEntry();
     EndDialBefore();
     session.dialling = 1;
-    const DWORD error = RasDialW(nullptr, nullptr, &parameters, kNotifyWindow, session.main_window,
-                                 &session.ras_connection);
+    const DWORD error = RasDial(nullptr, nullptr, &parameters, kNotifyWindow, session.main_window,
+                                &session.ras_connection);
     if (error) GiveUp(error);
 }
 
@@ -128,6 +129,6 @@ void DialProgress(const char* text) {
 }
 
 void HangUpDial() {
-    if (session.ras_connection) RasHangUpW(session.ras_connection);
+    if (session.ras_connection) RasHangUp(session.ras_connection);
     session.ras_connection = nullptr;
 }

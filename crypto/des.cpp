@@ -132,15 +132,16 @@ static uint64_t Select(uint64_t value, int bits, const uint8_t* choice, int coun
 void DesSetKey(uint32_t leftWord, uint32_t rightWord, DesContext* context) {
     uint64_t key = uint64_t{leftWord} << 32 | rightWord;
     uint64_t chosen = Select(key, 64, kDesPermutedChoice1, 56);
-    uint32_t c = static_cast<uint32_t>(chosen >> 28), d = chosen & 0x0FFFFFFFu;
+    uint32_t c = static_cast<uint32_t>(chosen >> 28),
+             d = static_cast<uint32_t>(chosen & 0x0FFFFFFFu);
     for (int round = 0; round < 16; round++) {
         c = RotateKeyHalf(c, kDesKeyShifts[round]);
         d = RotateKeyHalf(d, kDesKeyShifts[round]);
         uint64_t subkey = Select(uint64_t{c} << 28 | d, 56, kDesPermutedChoice2, 48);
         uint32_t odd = 0, even = 0;
         for (int box = 0; box < 8; box += 2) {
-            odd = odd << 8 | (subkey >> (42 - 6 * box) & 0x3F);
-            even = even << 8 | (subkey >> (36 - 6 * box) & 0x3F);
+            odd = odd << 8 | static_cast<uint32_t>(subkey >> (42 - 6 * box) & 0x3F);
+            even = even << 8 | static_cast<uint32_t>(subkey >> (36 - 6 * box) & 0x3F);
         }
         context->subkeysOdd[round] = odd;
         context->subkeysEven[round] = even;
@@ -182,12 +183,16 @@ static inline CipherBlock FinalPermutation(Halves halves) {
     return block;
 }
 
+static inline uint64_t Share(size_t box, uint64_t halves, int shift) {
+    return kRoundTable[box][static_cast<size_t>(halves >> shift & 0xFF)];
+}
+
 static inline uint64_t RoundFunction(uint64_t half, uint64_t key) {
     uint64_t x = half ^ key;
-    uint64_t a = kRoundTable[0][static_cast<uint8_t>(x >> 56)] ^ kRoundTable[1][x >> 24 & 0xFF];
-    uint64_t b = kRoundTable[2][x >> 48 & 0xFF] ^ kRoundTable[3][x >> 16 & 0xFF];
-    uint64_t c = kRoundTable[4][x >> 40 & 0xFF] ^ kRoundTable[5][x >> 8 & 0xFF];
-    uint64_t d = kRoundTable[6][x >> 32 & 0xFF] ^ kRoundTable[7][x & 0xFF];
+    uint64_t a = Share(0, x, 56) ^ Share(1, x, 24);
+    uint64_t b = Share(2, x, 48) ^ Share(3, x, 16);
+    uint64_t c = Share(4, x, 40) ^ Share(5, x, 8);
+    uint64_t d = Share(6, x, 32) ^ Share(7, x, 0);
     return (a ^ b) ^ (c ^ d);
 }
 

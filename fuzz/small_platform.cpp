@@ -12,13 +12,6 @@ int lstrlenW(LPCWSTR text) {
     return length;
 }
 
-LPWSTR lstrcpynW(LPWSTR to, LPCWSTR from, int units) {
-    int i = 0;
-    for (; i < units - 1 && from[i]; i++) to[i] = from[i];
-    to[i] = 0;
-    return to;
-}
-
 LPWSTR lstrcpyW(LPWSTR to, LPCWSTR from) {
     for (int i = 0; i <= lstrlenW(from); i++) to[i] = from[i];
     return to;

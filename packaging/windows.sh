@@ -1,35 +1,73 @@
 #!/bin/sh
-# Makes build/quill-windows.zip: the Windows program, its help page, the terminal's description for
-# hosts, and the licence. Installs what is missing, and builds the program unless a built one is
-# named.
-# Usage: packaging/windows.sh [QUILL.EXE]
+# Makes the packages of the Windows program: build/quill-windows.zip for 64-bit Windows,
+# build/quill-windows32.zip for 32-bit Windows, and build/quill-windows-installer.exe with both. Each
+# holds the program, its help page, the terminal's description for hosts, and the licence. The same
+# programs give the same bytes, whenever and wherever they are packed.
+# Installs what is missing, and builds the programs unless built ones are named.
+# QUILL_INSTALLER_TARGET names another kind of installer, "amd64-unicode" a 64-bit one.
+# Usage: packaging/windows.sh [QUILL64.EXE QUILL32.EXE]
 set -eu
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
-[ $# -le 1 ] || { echo "usage: packaging/windows.sh [QUILL.EXE]" >&2; exit 2; }
+[ $# = 0 ] || [ $# = 2 ] || { echo "usage: packaging/windows.sh [QUILL64.EXE QUILL32.EXE]" >&2; exit 2; }
 
-program=${1:-}
-if [ -z "$program" ]; then
-    install_packages $PACKAGES_WINDOWS
-    folder=build/windows-release
+# build PRESET: prints the program.
+build() {
+    folder=build/$1-release
     mkdir -p build
-    cmake --preset windows -B $folder -DBUILD_TESTING=OFF -DCMAKE_BUILD_TYPE=Release \
-        >build/windows-release.log 2>&1 &&
-        cmake --build $folder -j "$(job_count)" --target quill >>build/windows-release.log 2>&1 || {
-        tail -n 40 build/windows-release.log >&2
-        exit 1
+    cmake --preset "$1" -B "$folder" -DBUILD_TESTING=OFF -DCMAKE_BUILD_TYPE=Release \
+        >"$folder.log" 2>&1 &&
+        cmake --build "$folder" -j "$(job_count)" --target quill >>"$folder.log" 2>&1 || {
+        tail -n 40 "$folder.log" >&2
+        return 1
     }
-    program=$folder/platform/win32/quill.exe
+    echo "$folder/platform/win32/quill.exe"
+}
+
+if [ $# = 2 ]; then
+    program64=$1 program32=$2
+else
+    install_packages $PACKAGES_WINDOWS
+    program64=$(build windows)
+    program32=$(build windows32)
 fi
+
+# The day of the version's files, for every file of every package.
+day='2026-01-01 00:00:00 UTC'
+SOURCE_DATE_EPOCH=1767225600
+export SOURCE_DATE_EPOCH
+TZ=UTC
+export TZ
 
 stage=$(mktemp -d "${TMPDIR:-/tmp}/quill-package.XXXXXX")
 trap 'rm -rf "$stage"' EXIT
-mkdir "$stage/Quill"
-x86_64-w64-mingw32-strip -o "$stage/Quill/quill.exe" "$program"
-cp resources/telnet.htm resources/quill.ti "$stage/Quill/"
-cp LICENSE "$stage/Quill/LICENSE.txt"
+packages=$(pwd)/build
+version=$(sed -n 's/^project(quill VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 
-package=$(pwd)/build/quill-windows.zip
-rm -f "$package"
-(cd "$stage" && cmake -E tar cf "$package" --format=zip Quill)
-echo "$package"
+cp resources/telnet.htm resources/quill.ti platform/win32/quill.ico "$stage/"
+cp LICENSE "$stage/LICENSE.txt"
+x86_64-w64-mingw32-strip -o "$stage/quill64.exe" "$program64"
+i686-w64-mingw32-strip -o "$stage/quill32.exe" "$program32"
+
+# zip_up PACKAGE PROGRAM: the files in a folder "Quill", in one order.
+zip_up() {
+    mkdir "$stage/Quill"
+    cp "$2" "$stage/Quill/quill.exe"
+    (cd "$stage" && cp telnet.htm quill.ti LICENSE.txt Quill/ && chmod 644 Quill/* && chmod 755 Quill &&
+        touch -d "$day" Quill Quill/* &&
+        zip -q -X "$1" Quill/ Quill/LICENSE.txt Quill/quill.exe Quill/quill.ti Quill/telnet.htm)
+    rm -rf "$stage/Quill"
+    echo "$1"
+}
+
+rm -f "$packages"/quill-windows*.zip "$packages"/quill-windows-installer.exe
+zip_up "$packages/quill-windows.zip" "$stage/quill64.exe"
+zip_up "$packages/quill-windows32.zip" "$stage/quill32.exe"
+
+find "$stage" -exec touch -d "$day" {} +
+makensis -V2 -NOCD ${QUILL_INSTALLER_TARGET:+"-XTarget $QUILL_INSTALLER_TARGET"} -DSTAGE="$stage" -DOUTPUT="$packages/quill-windows-installer.exe" \
+    -DVERSION="$version" packaging/quill.nsi >"$packages/installer.log" 2>&1 || {
+    cat "$packages/installer.log" >&2
+    exit 1
+}
+echo "$packages/quill-windows-installer.exe"

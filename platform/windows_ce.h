@@ -441,8 +441,12 @@ BOOL MapDialogRect(HWND dialog, RECT* rect);  // dialog units to pixels
 
 #define DWLP_MSGRESULT 0  // the answer to the message in hand, with TRUE from the procedure
 #define DWLP_USER 16      // the program's own
-LONG_PTR SetWindowLongPtrW(HWND dialog, int index, LONG_PTR value);  // dialogs and pages only
-LONG_PTR GetWindowLongPtrW(HWND dialog, int index);
+// The program's words of dialogs and pages. A word is as wide as a pointer, which on the device is
+// a LONG; there the names with "Ptr" are macros too.
+LONG_PTR SetWindowLongW(HWND dialog, int index, LONG_PTR value);
+LONG_PTR GetWindowLongW(HWND dialog, int index);
+#define SetWindowLongPtrW SetWindowLongW
+#define GetWindowLongPtrW GetWindowLongW
 
 int GetDlgCtrlID(HWND control);
 BOOL SetDlgItemTextW(HWND dialog, int id, LPCWSTR text);
@@ -631,7 +635,7 @@ INT_PTR PropertySheetW(LPCPROPSHEETHEADERW header);
 struct CHOOSECOLORW {
     DWORD lStructSize;
     HWND hwndOwner;
-    HWND hInstance;  // the module of the template
+    HINSTANCE hInstance;  // the module of the template
     COLORREF rgbResult;
     COLORREF* lpCustColors;  // 16, in and out
     DWORD Flags;
@@ -685,6 +689,9 @@ struct SHMENUBARINFO {
 };
 #define SHCMBF_HMENU 0x0010u
 BOOL SHCreateMenuBar(SHMENUBARINFO* info);
+
+// The classes of the status window and the command bar are there from this call on.
+void InitCommonControls();
 
 HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id);
 BOOL CommandBar_Show(HWND bar, BOOL show);
@@ -767,7 +774,7 @@ typedef UINT_PTR SOCKET;  // never given out twice in a run
 #define MAKEWORD(low, high) \
     (static_cast<WORD>(static_cast<BYTE>(low) | (static_cast<WORD>(static_cast<BYTE>(high)) << 8)))
 
-typedef unsigned long WINSOCK_ULONG;  // the `u_long` of ioctlsocket
+typedef unsigned long u_long;  // of ioctlsocket; many a host has the same
 struct WSADATA {
     WORD wVersion;
     WORD wHighVersion;
@@ -805,7 +812,7 @@ int SliceStartup(WORD version, WSADATA* data);
 int SliceCleanup();
 int SliceLastError();  // [any thread] of this thread
 SOCKET SliceSocket(int family, int type, int protocol);
-int SliceIoctl(SOCKET socket, unsigned command, WINSOCK_ULONG* argument);
+int SliceIoctl(SOCKET socket, unsigned command, u_long* argument);
 int SliceConnect(SOCKET socket, const SOCKADDR* address, int size);
 int SliceSelect(int ignored, SliceSocketSet* read, SliceSocketSet* write, SliceSocketSet* except,
                 const TIMEVAL* timeout);                            // [any thread]
@@ -866,8 +873,8 @@ struct RASENTRYNAMEW {
 };
 // The entries are the system's dial-up peers (/etc/ppp/peers); none without the program that dials
 // them. ERROR_BUFFER_TOO_SMALL with the room needed in *size when not all of them fit.
-DWORD RasEnumEntriesW(LPWSTR reserved, LPWSTR phone_book, RASENTRYNAMEW* entries, DWORD* size,
-                      DWORD* count);
+DWORD RasEnumEntries(LPWSTR reserved, LPWSTR phone_book, RASENTRYNAMEW* entries, DWORD* size,
+                     DWORD* count);
 
 struct RASDIALPARAMSW {
     DWORD dwSize;
@@ -891,16 +898,16 @@ struct RASDIALPARAMSW {
 #define ERROR_CANNOT_FIND_PHONEBOOK_ENTRY 623
 // The stored parameters of the entry that is named in `parameters`. The slice's entries keep
 // number, name and password to themselves: those fields come back empty.
-DWORD RasGetEntryDialParamsW(LPCWSTR phone_book, RASDIALPARAMSW* parameters, BOOL* has_password);
+DWORD RasGetEntryDialParams(LPCWSTR phone_book, RASDIALPARAMSW* parameters, BOOL* has_password);
 // Dials the entry and returns at once. With the notifier type 0xFFFFFFFF, the only one, the window
 // `notifier` gets WM_RASDIALEVENT for each state reached, with an error code in lParam when it
 // failed; after RASCS_Connected or RASCS_Disconnected no more come.
-DWORD RasDialW(LPVOID extensions, LPCWSTR phone_book, RASDIALPARAMSW* parameters,
-               DWORD notifier_type, LPVOID notifier, HRASCONN* connection);
+DWORD RasDial(LPVOID extensions, LPCWSTR phone_book, RASDIALPARAMSW* parameters,
+              DWORD notifier_type, LPVOID notifier, HRASCONN* connection);
 // Ends the dial, of which nothing more is told than RASCS_Disconnected without an error, or the
 // connection that it made, and waits until the modem has hung up, at most 2 seconds. One that takes
 // longer is waited for by the next dial.
-DWORD RasHangUpW(HRASCONN connection);
+DWORD RasHangUp(HRASCONN connection);
 
 // ---------------------------------------------------------------- threads, events, time
 
@@ -943,7 +950,6 @@ int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, L
 int wsprintfW(LPWSTR text, LPCWSTR format, ...);
 int lstrlenW(LPCWSTR text);
 LPWSTR lstrcpyW(LPWSTR to, LPCWSTR from);
-LPWSTR lstrcpynW(LPWSTR to, LPCWSTR from, int capacity);  // terminator included
 int lstrcmpW(LPCWSTR a, LPCWSTR b);
 int lstrcmpiW(LPCWSTR a, LPCWSTR b);
 

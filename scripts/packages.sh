@@ -6,16 +6,17 @@
 PACKAGES_BUILD="g++ cmake ninja-build qt6-base-dev libsqlite3-dev binutils-mingw-w64-x86-64 ncurses-bin"
 PACKAGES_SHOW="fonts-dejavu-core"
 PACKAGES_HEADLESS="xvfb"
-PACKAGES_WINDOWS="cmake ninja-build g++-mingw-w64-x86-64"
+PACKAGES_WINDOWS="cmake ninja-build g++-mingw-w64-x86-64 g++-mingw-w64-i686 nsis zip"
 PACKAGES_DEB="dpkg-dev librsvg2-bin"
 # libkrb5-3 is for the unpacked telnetd of the peer tests, libvterm-dev for the benchmarks,
 # python3-pycryptodome for the SSH-1 test server, googletest and Wine for the Windows program;
-# libncurses-dev, ncurses-term and the programs after it for the terminal's description; openbox and
-# what follows for the package and its window.
+# locales for its code pages, iproute2 for the network that its dial is tried in; libncurses-dev,
+# ncurses-term and the programs after it for the terminal's description; openbox and what follows for
+# the package and its window.
 PACKAGES_TEST="libgtest-dev clang libclang-rt-dev|libclang-rt-14-dev|libclang-rt-18-dev
     xvfb xauth x11-utils xdotool xclip imagemagick socat libkrb5-3 libvterm-dev libbenchmark-dev
     libgmp-dev libssl-dev openssh-client python3-asyncssh python3-paramiko python3-twisted
-    python3 python3-pycryptodome googletest wine wine64
+    python3 python3-pycryptodome googletest wine wine64 locales iproute2
     libncurses-dev ncurses-term vim nano less mc dialog htop procps tmux w3m
     openbox lintian desktop-file-utils appstream man-db groff-base binutils"
 # The compilers of the other processors: some 45 MB to fetch and 160 MB on the disk each.

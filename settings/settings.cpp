@@ -4,6 +4,7 @@
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "settings/toolbars.h"
+#include "text/text.h"
 
 namespace {
 
@@ -77,7 +78,7 @@ void LoadSettings() {
     for (const NumberRow* row = kNumbers; row->field; row++)
         *row->field = ReadNumber(row->name, row->fallback);
     for (const StringRow* row = kStrings; row->field; row++)
-        lstrcpynW(row->field, ReadString(row->name, row->fallback), kSettingUnits);
+        CopyBounded(row->field, ReadString(row->name, row->fallback), kSettingUnits);
     LoadToolbars();
     LoadKeyMap();
 }
@@ -92,7 +93,7 @@ void SaveSettings() {
 void LeaveSettingsUnsaved() { session.save_settings = 0; }
 
 void SetDialEntry(LPCWSTR name) {
-    lstrcpynW(session.settings.ras, name, kDialEntryUnits);
+    CopyBounded(session.settings.ras, name, kDialEntryUnits);
     session.save_settings = 1;
 }
 

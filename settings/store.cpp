@@ -1,6 +1,8 @@
 // The settings' place in the registry, and the import of "\mconfig.cfg" into it.
 #include "settings/settings.h"
 
+#include <algorithm>
+
 #include "session/settings_types.h"
 #include "text/text.h"
 
@@ -85,10 +87,14 @@ const char* QuotedText(char* line) {
     return first + 1;
 }
 
+// Held to 32 bits, at INT32_MIN and UINT32_MAX. Behind the sign there is no second one.
 DWORD NumberOf(const char* token) {
-    const long long value = strtoll(token, nullptr, 0);
-    if (value < INT32_MIN) return static_cast<DWORD>(INT32_MIN);
-    return value > UINT32_MAX ? UINT32_MAX : static_cast<DWORD>(value);
+    const bool negative = token[0] == '-';
+    const char* digits = negative || token[0] == '+' ? token + 1 : token;
+    if (digits[0] == '-' || digits[0] == '+') return 0;
+    const unsigned long size = strtoul(digits, nullptr, 0);
+    if (!negative) return static_cast<DWORD>(std::min<unsigned long>(size, UINT32_MAX));
+    return 0 - static_cast<DWORD>(std::min<unsigned long>(size, 0x80000000u));
 }
 
 void ImportString(LPCWSTR name, char* line) {

@@ -37,8 +37,8 @@ static const StatusRow kStatus[] = {
 // Every text goes through as a format with the cursor's row and column; only one uses them.
 static void Reply(const ReplyText& text) {
     const char* format = session.modes.c1_replies ? text.eight_bit : text.seven_bit;
-    snprintf(session.parser.reply_text, kReplySize, format, session.screen.cursor_row,
-             session.screen.cursor_col);
+    sprintf(session.parser.reply_text, format, session.screen.cursor_row,
+            session.screen.cursor_col);
     session.parser.reply_pending = 1;
 }
 

@@ -23,6 +23,11 @@ int WideFromAnsi(const char* bytes, LPWSTR text, int capacity) {
     return length;
 }
 
+void CopyBounded(LPWSTR to, LPCWSTR from, int capacity) {
+    for (; capacity > 1 && *from; --capacity) *to++ = *from++;
+    if (capacity > 0) *to = 0;
+}
+
 // ---------------------------------------------------------------- escape text
 
 namespace {

@@ -12,6 +12,10 @@ int AnsiFromWide(LPCWSTR text, char* bytes, int capacity);
 // The other way; returns the length in units.
 int WideFromAnsi(const char* bytes, LPWSTR text, int capacity);
 
+// Copies up to `capacity` - 1 units, fewer where the text ends before, and terminates. The device
+// has no call for this.
+void CopyBounded(LPWSTR to, LPCWSTR from, int capacity);
+
 // ---------------------------------------------------------------- escape text
 
 // Bytes written as text: a backslash and up to three octal digits stand for one byte.

@@ -9,9 +9,13 @@
 
 namespace {
 
+void MeasureCommandBar() {
+    session.command_bar_height = session.command_bar ? CommandBar_Height(session.command_bar) : 0;
+}
+
 void MakeCommandBar() {
     session.command_bar = CommandBar_Create(session.instance, session.main_window, kCommandBarId);
-    session.command_bar_height = session.command_bar ? CommandBar_Height(session.command_bar) : 0;
+    MeasureCommandBar();
 }
 
 void MakeMenuBar() {
@@ -166,6 +170,7 @@ void RebuildMenuBar() {
 void LayoutMainWindow() {
     RECT room;
     if (!session.client_window || !GetClientRect(session.main_window, &room)) return;
+    MeasureCommandBar();
     if (session.command_bar)
         MoveWindow(session.command_bar, 0, 0, room.right, session.command_bar_height, TRUE);
     MoveWindow(session.client_window, 0, session.command_bar_height, room.right,

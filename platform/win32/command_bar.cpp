@@ -1,21 +1,42 @@
 // The command bar: a toolbar that keeps the height and place that the program gives it. Its
 // pictures stand in an image list of its own; its tips in the toolbar's tool tips.
+#include <map>
+#include <vector>
+
 #include "device.h"
 
 namespace {
 
-constexpr int kPicturePixels = 16;
-constexpr COLORREF kBarColor = RGB(0xC0, 0xC0, 0xC0);  // in the bitmaps: what shows the bar
+constexpr int kButtonWidth = 23;  // pixels at 100 %
+constexpr int kButtonHeight = 22;
+
+// The bitmaps of each bar, in the order in which they came: another scale draws them anew.
+struct Source {
+    HINSTANCE instance;
+    int id;
+};
+std::map<HWND, std::vector<Source>> sources;
 
 HIMAGELIST PicturesOf(HWND bar) {
     return reinterpret_cast<HIMAGELIST>(SendMessageW(bar, TB_GETIMAGELIST, 0, 0));
 }
 
 HIMAGELIST MakePictures(HWND bar) {
-    HIMAGELIST pictures =
-        ImageList_Create(kPicturePixels, kPicturePixels, ILC_COLOR24 | ILC_MASK, 32, 32);
+    const int side = BarPictureSide();
+    HIMAGELIST pictures = ImageList_Create(side, side, ILC_COLOR32, 32, 32);
     SendMessageW(bar, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pictures));
+    SendMessageW(bar, TB_SETBUTTONSIZE, 0,
+                 MAKELPARAM(DevicePixels(kButtonWidth), DevicePixels(kButtonHeight)));
     return pictures;
+}
+
+// The index of the first one, or -1.
+int AddPictures(HIMAGELIST pictures, const Source& source) {
+    const HBITMAP bitmap = LoadBarPictures(source.instance, source.id);
+    if (!bitmap) return -1;
+    const int first = ImageList_Add(pictures, bitmap, nullptr);
+    DeleteObject(bitmap);
+    return first;
 }
 
 void SetTip(HWND tips, HWND bar, int index, LPWSTR text) {
@@ -40,7 +61,7 @@ HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id) {
         CreateWindowExW(0, TOOLBARCLASSNAMEW, nullptr,
                         WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | TBSTYLE_FLAT | TBSTYLE_TOOLTIPS |
                             CCS_NORESIZE | CCS_NOPARENTALIGN | CCS_NODIVIDER,
-                        0, 0, room.right, kCommandBarHeight, parent,
+                        0, 0, room.right, DevicePixels(kCommandBarHeight), parent,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
     if (bar) SendMessageW(bar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     return bar;
@@ -56,18 +77,31 @@ int CommandBar_Height(HWND bar) {
 
 void CommandBar_Destroy(HWND bar) {
     const HIMAGELIST pictures = PicturesOf(bar);
-    if (DestroyWindow(bar) && pictures) ImageList_Destroy(pictures);
+    if (!DestroyWindow(bar)) return;
+    if (pictures) ImageList_Destroy(pictures);
+    sources.erase(bar);
 }
 
 int CommandBar_AddBitmap(HWND bar, HINSTANCE instance, int id, int, int, int) {
-    HBITMAP bitmap = static_cast<HBITMAP>(
-        LoadImageW(instance, MAKEINTRESOURCEW(id), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION));
-    if (!bitmap) return -1;
     HIMAGELIST pictures = PicturesOf(bar);
     if (!pictures) pictures = MakePictures(bar);
-    const int first = ImageList_AddMasked(pictures, bitmap, kBarColor);
-    DeleteObject(bitmap);
+    const Source source = {instance, id};
+    const int first = AddPictures(pictures, source);
+    if (first >= 0) sources[bar].push_back(source);
     return first;
+}
+
+void RescaleCommandBar(HWND bar) {
+    RECT rect = {};
+    GetWindowRect(bar, &rect);
+    SetWindowPos(bar, nullptr, 0, 0, rect.right - rect.left, DevicePixels(kCommandBarHeight),
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    const HIMAGELIST before = PicturesOf(bar);
+    if (!before) return;
+    const HIMAGELIST pictures = MakePictures(bar);
+    for (const Source& source : sources[bar]) AddPictures(pictures, source);
+    ImageList_Destroy(before);
+    InvalidateRect(bar, nullptr, TRUE);
 }
 
 BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button) {

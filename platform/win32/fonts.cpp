@@ -1,10 +1,57 @@
-// Fonts in the device's pixels.
+// Fonts in the device's pixels. A font keeps its handle when the monitor's scale changes: what is
+// selected for it then is its like in the new size.
+#include <map>
+
 #include "device.h"
+
+namespace {
+
+struct Font {
+    LOGFONTW device;  // in the device's pixels
+    HFONT drawn;      // the handle itself, or its like for another scale
+    UINT dpi;         // of `drawn`
+};
+std::map<HGDIOBJ, Font> fonts;
+
+HFONT MakeFont(const LOGFONTW& device) {
+    LOGFONTW scaled = device;
+    scaled.lfHeight = DevicePixels(device.lfHeight * kFontScale);
+    scaled.lfWidth = DevicePixels(device.lfWidth * kFontScale);
+    return CreateFontIndirectW(&scaled);
+}
+
+void DropLike(HGDIOBJ handle, const Font& font) {
+    if (font.drawn != handle) DeleteObject(font.drawn);
+}
+
+HGDIOBJ DrawnFor(HGDIOBJ handle) {
+    const auto found = fonts.find(handle);
+    if (found == fonts.end()) return handle;
+    Font& font = found->second;
+    if (font.dpi != DeviceDpi()) {
+        DropLike(handle, font);
+        font.dpi = DeviceDpi();
+        font.drawn = MakeFont(font.device);
+    }
+    return font.drawn;
+}
+
+}  // namespace
 
 HFONT DeviceCreateFontIndirect(const LOGFONTW* font) {
     if (!font) return nullptr;
-    LOGFONTW scaled = *font;
-    scaled.lfHeight *= kFontScale;
-    scaled.lfWidth *= kFontScale;
-    return CreateFontIndirectW(&scaled);
+    const HFONT handle = MakeFont(*font);
+    if (handle) fonts[handle] = {*font, handle, DeviceDpi()};
+    return handle;
+}
+
+HGDIOBJ DeviceSelectObject(HDC dc, HGDIOBJ object) { return SelectObject(dc, DrawnFor(object)); }
+
+BOOL DeviceDeleteObject(HGDIOBJ object) {
+    const auto found = fonts.find(object);
+    if (found != fonts.end()) {
+        DropLike(object, found->second);
+        fonts.erase(found);
+    }
+    return DeleteObject(object);
 }

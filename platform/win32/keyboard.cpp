@@ -4,8 +4,10 @@
 namespace {
 
 constexpr DWORD kSilent = 0x0004;
-constexpr UINT kF1Pressed = 0x004D;  // posted for each F1, whatever the window makes of the key
+constexpr UINT kF1Pressed = 0x004D;    // posted for each F1, whatever the window makes of the key
+constexpr LPARAM kExtended = 1 << 24;  // the right one of two keys
 constexpr LPARAM kAltDown = 1 << 29;
+constexpr LPARAM kWasDown = 1 << 30;
 
 bool IsLockKey(int virtual_key) {
     return virtual_key == VK_CAPITAL || virtual_key == VK_NUMLOCK || virtual_key == VK_SCROLL;
@@ -13,8 +15,34 @@ bool IsLockKey(int virtual_key) {
 
 bool Down(int virtual_key) { return (GetKeyState(virtual_key) & 0x8000) != 0; }
 
-// The desktop presses the left Ctrl along with AltGr, whose characters are no key's with Ctrl.
-bool PressedByAltGr(int virtual_key) { return virtual_key == VK_LCONTROL && Down(VK_RMENU); }
+// The left Ctrl, as a person holds it down. The desktop presses it too, along with AltGr; the two
+// presses then have one time.
+struct LeftControl {
+    bool held;
+    bool held_before;  // its last press
+    DWORD pressed;     // message time of that press
+};
+LeftControl left_control = {};
+
+void PressLeftControl(const MSG& message) {
+    const bool was_down = (message.lParam & kWasDown) != 0;
+    left_control = {true, left_control.held && was_down, message.time};
+}
+
+void NoteKey(const MSG& message) {
+    const bool right = (message.lParam & kExtended) != 0;
+    const bool press = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
+    if (message.wParam == VK_CONTROL && !right) {
+        press ? PressLeftControl(message) : void(left_control.held = false);
+    } else if (message.wParam == VK_MENU && right && press &&
+               message.time == left_control.pressed) {
+        left_control.held = left_control.held_before;
+    }
+}
+
+bool PressedByAltGr(int virtual_key) {
+    return virtual_key == VK_LCONTROL && Down(VK_RMENU) && !left_control.held;
+}
 
 UINT DialMessage() {
     static const UINT message = RegisterWindowMessageA(RASDIALEVENT);
@@ -23,12 +51,12 @@ UINT DialMessage() {
 
 }  // namespace
 
-BOOL DeviceGetMessage(MSG* message, HWND window, UINT first, UINT last) {
-    const BOOL result = GetMessageW(message, window, first, last);
-    if (result <= 0 || message->wParam != VK_F10 || (message->lParam & kAltDown)) return result;
+void DeviceNoteKey(MSG* message) {
+    if (message->message < WM_KEYFIRST || message->message > WM_KEYLAST) return;
+    NoteKey(*message);
+    if (message->wParam != VK_F10 || (message->lParam & kAltDown)) return;
     if (message->message == WM_SYSKEYDOWN) message->message = WM_KEYDOWN;
     if (message->message == WM_SYSKEYUP) message->message = WM_KEYUP;
-    return result;
 }
 
 LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -36,6 +64,8 @@ LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lpa
     if (message == WM_KEYDOWN && wparam == VK_F1) return SendMessageW(window, WM_HELP, 0, 0);
     if (message == WM_KEYDOWN && wparam == VK_F10 && GetMenu(window))
         return PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, 0), 0;
+    if (message == WM_DPICHANGED)
+        return ChangeScale(window, HIWORD(wparam), reinterpret_cast<const RECT*>(lparam)), 0;
     if (message == DialMessage()) return SendMessageW(window, WM_RASDIALEVENT, wparam, lparam);
     return DefWindowProcW(window, message, wparam, lparam);
 }

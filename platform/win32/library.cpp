@@ -13,15 +13,26 @@ const LibraryRow kLibraries[] = {
 };
 
 // The device's chooser has a template of the program's own; the desktop's looks as it always does.
-BOOL ChooseColorPlainly(LPVOID request) {
-    CHOOSECOLORW plain = *static_cast<CHOOSECOLORW*>(request);
-    plain.Flags &= ~static_cast<DWORD>(CC_ENABLETEMPLATE);
-    const BOOL chosen = ChooseColorW(&plain);
-    static_cast<CHOOSECOLORW*>(request)->rgbResult = plain.rgbResult;
-    return chosen;
+BOOL ChooseColorPlainly(LPVOID parameter) {
+    auto* request = static_cast<DeviceChooseColor*>(parameter);
+    CHOOSECOLORW plain = {};
+    plain.lStructSize = sizeof(plain);
+    plain.hwndOwner = request->hwndOwner;
+    plain.rgbResult = request->rgbResult;
+    plain.lpCustColors = request->lpCustColors;
+    plain.Flags = request->Flags & ~static_cast<DWORD>(CC_ENABLETEMPLATE);
+    ReleaseCapture();
+    if (!ChooseColorW(&plain) || ProgramEnds()) return FALSE;
+    request->rgbResult = plain.rgbResult;
+    return TRUE;
 }
 
 }  // namespace
+
+void KeepToSystemLibraries() {
+    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
+    SetDllDirectoryW(L"");
+}
 
 HMODULE DeviceLoadLibrary(LPCWSTR name) {
     if (!name) return nullptr;

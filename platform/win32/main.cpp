@@ -1,10 +1,11 @@
-// The Windows program: makes the common controls known and runs the program.
+// The Windows program: what the system is to know of it before it runs, and what is left to do
+// after.
 #include "windows_ce.h"
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, int show) {
-    INITCOMMONCONTROLSEX controls = {};
-    controls.dwSize = sizeof(controls);
-    controls.dwICC = ICC_BAR_CLASSES | ICC_TAB_CLASSES | ICC_STANDARD_CLASSES;
-    InitCommonControlsEx(&controls);
-    return WinMain(instance, previous, command_line, show);
+    KeepToSystemLibraries();
+    WatchSessionEnd();
+    const int result = WinMain(instance, previous, command_line, show);
+    if (SessionEnds()) HangUpWhatIsLeft();
+    return result;
 }

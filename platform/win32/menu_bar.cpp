@@ -46,5 +46,6 @@ BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
         return FALSE;
     }
     info->hwndMB = bar;
+    if (!IsWindowVisible(info->hwndParent)) MakeRoomForMenu(info->hwndParent);
     return TRUE;
 }

@@ -1,20 +1,34 @@
 // Starting other programs. The device has one: the help viewer, which is the desktop's own viewer
-// on the page that lies beside the program.
+// on the page that the program carries.
 #include "device.h"
+#include "resource_numbers.h"
 
 namespace {
 
-std::wstring ProgramFolder() {
-    wchar_t path[MAX_PATH] = {};
-    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
-    if (length == 0 || length == MAX_PATH) return L"";
-    const std::wstring program(path);
-    return program.substr(0, program.find_last_of(L'\\') + 1);
+bool WritePage(const std::wstring& path) {
+    const HRSRC found =
+        FindResourceW(nullptr, MAKEINTRESOURCEW(IDR_HELP_PAGE), MAKEINTRESOURCEW(10));
+    const HGLOBAL page = found ? LoadResource(nullptr, found) : nullptr;
+    if (!page) return false;
+    FILE* file = path.empty() ? nullptr : _wfopen(path.c_str(), L"wb");
+    if (!file) return false;
+    const size_t size = SizeofResource(nullptr, found);
+    const bool whole = fwrite(LockResource(page), 1, size, file) == size;
+    return fclose(file) == 0 && whole;
 }
 
+std::wstring TemporaryPage() {
+    wchar_t folder[MAX_PATH + 1] = {};
+    const DWORD length = GetTempPathW(MAX_PATH + 1, folder);
+    return length == 0 || length > MAX_PATH ? L"" : std::wstring(folder) + L"Quill telnet.htm";
+}
+
+// A viewer needs a file. It lies in the device's root folder, which outlives the program, or, where
+// nobody can write there, among the temporary files.
 bool ShowHelp(LPCWSTR page) {
     if (!page || lstrcmpiW(page, L"telnet.htm") != 0) return false;
-    const std::wstring path = ProgramFolder() + page;
+    std::wstring path = DevicePath(L"\\telnet.htm");
+    if (!WritePage(path) && !WritePage(path = TemporaryPage())) return false;
     const HINSTANCE result =
         ShellExecuteW(nullptr, L"open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
     return reinterpret_cast<INT_PTR>(result) > 32;

@@ -30,13 +30,13 @@ SIZE CellSize() {
     face.lfCharSet = DEFAULT_CHARSET;
     face.lfOutPrecision = face.lfClipPrecision = face.lfQuality = face.lfPitchAndFamily = 0;
     HFONT font = DeviceCreateFontIndirect(&face);
-    HGDIOBJ before = SelectObject(dc, font);
+    HGDIOBJ before = DeviceSelectObject(dc, font);
     TEXTMETRICW metrics = {};
     GetTextMetricsW(dc, &metrics);
     RECT rect = {};
     DrawTextW(dc, L"JULEMANDEN", 10, &rect, DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
     SelectObject(dc, before);
-    DeleteObject(font);
+    DeviceDeleteObject(font);
     ReleaseDC(nullptr, dc);
     return {rect.right / 10, metrics.tmHeight + metrics.tmExternalLeading};
 }
@@ -53,8 +53,9 @@ int StatusHeight() {
 
 SIZE DeviceSize() {
     const SIZE cell = CellSize();
-    const LONG bars = kCommandBarHeight + StatusHeight() + kMenuBarPixels;
-    return {std::max<LONG>(cell.cx * kColumns, kNarrowestPixels), cell.cy * kRows + bars};
+    const LONG bars = DevicePixels(kCommandBarHeight) + StatusHeight() + kMenuBarPixels;
+    return {std::max<LONG>(cell.cx * kColumns, DevicePixels(kNarrowestPixels)),
+            cell.cy * kRows + bars};
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
 // Windows: what the desktop's look asks for and the device's does not know.
 #include <algorithm>
+#include <set>
 
 #include "device.h"
-#include "resources/resource_ids.h"
+#include "resource_numbers.h"
 
 namespace {
 
@@ -15,17 +16,20 @@ RECT WorkArea() {
     return area;
 }
 
+std::set<ATOM> program_classes;
+SIZE asked_for = {};  // of the main window's client area
+
 // The frame's outer size round a client area and a menu, as far as the monitor has room.
 SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
     RECT frame = {0, 0, width, height};
-    AdjustWindowRectEx(&frame, style, TRUE, ex_style);
+    FrameRect(&frame, style, ex_style);
     const RECT area = WorkArea();
     return {std::min(frame.right - frame.left, area.right - area.left),
             std::min(frame.bottom - frame.top, area.bottom - area.top)};
 }
 
 HICON ProgramIcon() {
-    const HICON own = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_PROGRAM));
+    const HICON own = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_DESKTOP));
     return own ? own : LoadIconW(nullptr, MAKEINTRESOURCEW(32512));
 }
 
@@ -36,7 +40,14 @@ ATOM DeviceRegisterClass(const WNDCLASSW* window_class) {
     WNDCLASSW dressed = *window_class;
     if (!dressed.hCursor) dressed.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
     if (!dressed.hIcon) dressed.hIcon = ProgramIcon();
-    return RegisterClassW(&dressed);
+    if (!dressed.hInstance) dressed.hInstance = GetModuleHandleW(nullptr);
+    const ATOM atom = RegisterClassW(&dressed);
+    if (atom) program_classes.insert(atom);
+    return atom;
+}
+
+bool HasProgramClass(HWND window) {
+    return program_classes.count(static_cast<ATOM>(GetClassLongW(window, GCW_ATOM))) != 0;
 }
 
 HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x,
@@ -45,12 +56,30 @@ HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD
     style |= WS_CLIPCHILDREN | WS_CLIPSIBLINGS;
     if (!(style & (WS_CHILD | WS_POPUP)) && width != CW_USEDEFAULT) {
         style |= kFrame;
+        asked_for = {width, height};
         const SIZE size = FramedSize(width, height, style, ex_style);
         width = size.cx;
         height = size.cy;
     }
-    return CreateWindowExW(ex_style, class_name, title, style, x, y, width, height, parent, menu,
-                           instance, parameter);
+    const HWND window = CreateWindowExW(ex_style, class_name, title, style, x, y, width, height,
+                                        parent, menu, instance, parameter);
+    // It may have opened on a monitor of another scale than the first one's.
+    const bool top = !(style & (WS_CHILD | WS_POPUP));
+    if (top && window && WindowDpi(window) != DeviceDpi())
+        ChangeScale(window, WindowDpi(window), nullptr);
+    return window;
+}
+
+void MakeRoomForMenu(HWND window) {
+    RECT client = {}, outer = {};
+    GetClientRect(window, &client);
+    GetWindowRect(window, &outer);
+    const RECT area = WorkArea();
+    const LONG missing = std::max<LONG>(0, asked_for.cy - client.bottom);
+    const LONG height = std::min(outer.bottom - outer.top + missing, area.bottom - area.top);
+    if (missing && height > outer.bottom - outer.top)
+        SetWindowPos(window, nullptr, 0, 0, outer.right - outer.left, height,
+                     SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 BOOL DeviceSetForegroundWindow(HWND window) {

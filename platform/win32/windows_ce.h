@@ -21,8 +21,6 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, 
 #define SHCMBF_HMENU 0x0010u
 #define KEYEVENTF_SILENT 0x0004
 
-typedef u_long WINSOCK_ULONG;
-
 // ---------------------------------------------------------------- where the settings are
 
 // The stated key below the user's own: no administrator is needed to save.
@@ -36,12 +34,27 @@ typedef u_long WINSOCK_ULONG;
 #define SetForegroundWindow DeviceSetForegroundWindow
 #define OpenClipboard DeviceOpenClipboard
 #define CreateFontIndirectW DeviceCreateFontIndirect
+#define SelectObject DeviceSelectObject
+#define DeleteObject DeviceDeleteObject
+#define GetSystemMetrics DeviceGetSystemMetrics
 #define GetMessageW DeviceGetMessage
+#define MessageBoxW DeviceMessageBox
+#define DialogBoxParamW DeviceDialogBox
+#define PropertySheetW DevicePropertySheet
+#define CHOOSECOLORW DeviceChooseColor
 #define DefWindowProcW DeviceDefWindowProc
 #define GetKeyState DeviceGetKeyState
 #define keybd_event DeviceKeyEvent
 #define CreateProcessW DeviceCreateProcess
 #define LoadLibraryW DeviceLoadLibrary
+#undef RasEnumEntries
+#define RasEnumEntries DeviceRasEnumEntries
+#undef RasGetEntryDialParams
+#define RasGetEntryDialParams DeviceRasGetEntryDialParams
+#undef RasDial
+#define RasDial DeviceRasDial
+#undef RasHangUp
+#define RasHangUp DeviceRasHangUp
 #define _wfopen DeviceOpenFile
 #define DeleteFileW DeviceDeleteFile
 

@@ -1,10 +1,12 @@
 // The command table and the main window's own messages, by what a person sees of them.
 #include <gtest/gtest.h>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFile>
 #include <QUrl>
 
 #include "connection/connection.h"
+#include "platform/qt/services/services.h"
 #include "session/session_state.h"
 #include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
@@ -227,6 +229,26 @@ TEST(Commands, HelpOpensThePageInTheDesktopsViewer) {
         g_opened.clear();
         PressKey(Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
         EXPECT_TRUE(Eventually([] { return !g_opened.isEmpty(); })) << "by its accelerator";
+        OnWindowThread([] { QDesktopServices::unsetUrlHandler("file"); });
+    });
+}
+
+// Where the page should lie there is a folder, as nobody, not even root, writes a file over one.
+TEST(Commands, HelpOpensThePageFromAmongTheTemporaryFilesWhereTheSettingsCannotBeWritten) {
+    RunProgram({}, [] {
+        auto viewer = std::make_unique<Viewer>();
+        OnWindowThread([&] { QDesktopServices::setUrlHandler("file", viewer.get(), "Open"); });
+        const QString blocked = QString::fromStdString(DevicePath(u"\\telnet.htm"));
+        ASSERT_TRUE(QDir().mkpath(blocked));
+        g_opened.clear();
+        PostToMain(WM_COMMAND, 40113);
+        ASSERT_TRUE(Eventually([] { return !g_opened.isEmpty(); }));
+        QFile page(g_opened.toLocalFile());
+        EXPECT_NE(page.fileName(), blocked);
+        ASSERT_TRUE(page.open(QIODevice::ReadOnly));
+        EXPECT_TRUE(page.readAll().contains("<title>Quill Telnet - Help</title>"));
+        EXPECT_FALSE(page.permissions() & (QFile::WriteGroup | QFile::WriteOther));
+        EXPECT_TRUE(page.remove());
         OnWindowThread([] { QDesktopServices::unsetUrlHandler("file"); });
     });
 }

@@ -447,8 +447,8 @@ TEST_F(Dialling, ALogThatIsClosedEarlyIsNotTheEnd) {
 }
 
 TEST_F(Dialling, HangingUpWhatIsNoConnectionIsAnInvalidHandle) {
-    EXPECT_EQ(6u, RasHangUpW(nullptr));
-    EXPECT_EQ(6u, RasHangUpW(reinterpret_cast<HRASCONN>(static_cast<UINT_PTR>(0x1234))));
+    EXPECT_EQ(6u, RasHangUp(nullptr));
+    EXPECT_EQ(6u, RasHangUp(reinterpret_cast<HRASCONN>(static_cast<UINT_PTR>(0x1234))));
 }
 
 TEST_F(Dialling, LeavesNoDescriptorOpen) {
@@ -463,10 +463,10 @@ TEST_F(Dialling, LeavesNoDescriptorOpen) {
     const auto before = open();
     for (int i = 0; i < 20; i++) {
         HRASCONN connection = nullptr;
-        ASSERT_EQ(0u, RasDialW(nullptr, nullptr, &parameters, 0xFFFFFFFF, nullptr, &connection));
-        EXPECT_EQ(0u, RasHangUpW(connection));
+        ASSERT_EQ(0u, RasDial(nullptr, nullptr, &parameters, 0xFFFFFFFF, nullptr, &connection));
+        EXPECT_EQ(0u, RasHangUp(connection));
         fs::rename(folder + "/pppd", folder + "/other");
-        EXPECT_EQ(2u, RasDialW(nullptr, nullptr, &parameters, 0xFFFFFFFF, nullptr, &connection));
+        EXPECT_EQ(2u, RasDial(nullptr, nullptr, &parameters, 0xFFFFFFFF, nullptr, &connection));
         EXPECT_EQ(connection, nullptr);
         fs::rename(folder + "/other", folder + "/pppd");
     }

@@ -37,3 +37,19 @@ TEST(AnsiText, RoomForTheTerminatorAloneTakesNothing) {
     EXPECT_EQ("", Narrow(u"text", 1));
     EXPECT_EQ(u"", Widened("text", 1));
 }
+
+TEST(WideText, BoundedCopyEndsWhereTheTextOrTheRoomDoes) {
+    WCHAR room[6];
+    for (WCHAR& unit : room) unit = TEXT('!');
+    CopyBounded(room, TEXT("goodbye"), 5);
+    EXPECT_EQ(std::basic_string<WCHAR>(TEXT("good")), room);
+    EXPECT_EQ(TEXT('!'), room[5]);
+    CopyBounded(room, TEXT("hi"), 5);
+    EXPECT_EQ(std::basic_string<WCHAR>(TEXT("hi")), room);
+    EXPECT_EQ(TEXT('d'), room[3]);
+    CopyBounded(room, TEXT("x"), 1);
+    EXPECT_EQ(std::basic_string<WCHAR>(TEXT("")), room);
+    room[0] = TEXT('?');
+    CopyBounded(room, TEXT("x"), 0);
+    EXPECT_EQ(TEXT('?'), room[0]);
+}

@@ -6,6 +6,7 @@
 #include "tests/config/device.h"
 #include "tests/config/registry_log.h"
 #include "tests/config/settings_rows.h"
+#include "text/text.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ TEST_F(SettingsReset, DeletingGoesNumbersStringsToolbarsKeys) {
 TEST_F(SettingsReset, TheNextLoadFindsTheDefaults) {
     LoadSettings();
     for (const NumberSetting& row : number_settings) *row.field = 77;
-    for (const TextSetting& row : text_settings) lstrcpynW(row.field, TEXT("mine"), 40);
+    for (const TextSetting& row : text_settings) CopyBounded(row.field, TEXT("mine"), 40);
     toolbar_buttons[12].onBar1 = 0;
     ASSERT_EQ(1, SetKeyText(&key_map[65], TEXT("mine")));
     SaveSettings();

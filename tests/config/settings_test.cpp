@@ -9,6 +9,7 @@
 #include "tests/config/device.h"
 #include "tests/config/registry_log.h"
 #include "tests/config/settings_rows.h"
+#include "text/text.h"
 
 namespace {
 
@@ -16,7 +17,7 @@ class SettingsStore : public DeviceTest {};
 
 void ScribbleOverSettings() {
     for (const NumberSetting& row : number_settings) *row.field = 0xDEADBEEF;
-    for (const TextSetting& row : text_settings) lstrcpynW(row.field, TEXT("scribble"), 40);
+    for (const TextSetting& row : text_settings) CopyBounded(row.field, TEXT("scribble"), 40);
 }
 
 void ExpectDefaults() {
@@ -34,7 +35,7 @@ void FillSettings() {
     for (size_t i = 0; i < std::size(number_settings); i++)
         *number_settings[i].field = NumberOfRow(i);
     for (size_t i = 0; i < std::size(text_settings); i++)
-        lstrcpynW(text_settings[i].field, TextOfRow(i).c_str(), kSettingUnits);
+        CopyBounded(text_settings[i].field, TextOfRow(i).c_str(), kSettingUnits);
 }
 
 std::u16string LoadedText(const std::string& name) {
@@ -173,7 +174,7 @@ TEST_F(SettingsStore, APortOfMoreThanSixteenBitsIsKeptWhole) {
 TEST_F(SettingsStore, ThePasswordReadsBackAsTyped) {
     for (const char16_t* password : {u"  s3cret \"#\\033=\u00E4\u20AC", u"", u"x"}) {
         LoadSettings();
-        lstrcpynW(session.settings.ssh_p, password, kSettingUnits);
+        CopyBounded(session.settings.ssh_p, password, kSettingUnits);
         SaveSettings();
         session.settings = {};
         LoadSettings();
@@ -258,7 +259,7 @@ TEST_F(SettingsStore, NumbersOutOfRangeAreLoadedAsTheyAre) {
 TEST_F(SettingsStore, AHostOf59CharactersIsSavedWholeAndReadAsTheDefault) {
     LoadSettings();
     const std::u16string host(kHostUnits - 1, u'h');
-    lstrcpynW(session.settings.host, host.c_str(), kHostUnits);
+    CopyBounded(session.settings.host, host.c_str(), kHostUnits);
     SaveSettings();
     EXPECT_EQ(TerminatedBytes(host), Stored("host").data);
     LoadSettings();

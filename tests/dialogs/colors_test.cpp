@@ -76,7 +76,7 @@ TEST_P(Color, IsAskedForWithItsValueItsFlagsAndItsTemplate) {
         OnWindowThread([=] { session.instance = own; });
         EXPECT_EQ(g_request.lStructSize, sizeof(CHOOSECOLORW));
         EXPECT_EQ(g_request.hwndOwner, session.main_window);
-        EXPECT_EQ(g_request.hInstance, reinterpret_cast<HWND>(known));
+        EXPECT_EQ(g_request.hInstance, known);
         EXPECT_EQ(g_request.rgbResult, color.fallback);
         EXPECT_EQ(g_request.lpCustColors, session.custom_colors);
         EXPECT_EQ(std::size(session.custom_colors), 16u);

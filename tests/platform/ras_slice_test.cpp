@@ -33,14 +33,14 @@ class DialUpEntries : public testing::Test {
         entries.assign(room + 1, {});
         entries[0].dwSize = sizeof(RASENTRYNAMEW);
         size = static_cast<DWORD>(room * sizeof(RASENTRYNAMEW));
-        return RasEnumEntriesW(nullptr, nullptr, room ? entries.data() : nullptr, &size, &count);
+        return RasEnumEntries(nullptr, nullptr, room ? entries.data() : nullptr, &size, &count);
     }
     static DWORD Fetch(LPCWSTR name) {
         RASDIALPARAMSW parameters = {};
         parameters.dwSize = sizeof(parameters);
-        lstrcpynW(parameters.szEntryName, name, RAS_MaxEntryName + 1);
+        CopyUnits(parameters.szEntryName, name, RAS_MaxEntryName + 1);
         BOOL has_password = TRUE;
-        const DWORD error = RasGetEntryDialParamsW(nullptr, &parameters, &has_password);
+        const DWORD error = RasGetEntryDialParams(nullptr, &parameters, &has_password);
         EXPECT_EQ(has_password, FALSE);
         return error;
     }
@@ -127,9 +127,9 @@ TEST_F(DialUpEntries, OddNamesArePlainOnes) {
 TEST_F(DialUpEntries, WrongStructureSizeIsRefused) {
     RASENTRYNAMEW entry = {};
     size = sizeof(entry);
-    EXPECT_EQ(632u, RasEnumEntriesW(nullptr, nullptr, &entry, &size, &count));
+    EXPECT_EQ(632u, RasEnumEntries(nullptr, nullptr, &entry, &size, &count));
     EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER),
-              RasEnumEntriesW(nullptr, nullptr, &entry, nullptr, &count));
+              RasEnumEntries(nullptr, nullptr, &entry, nullptr, &count));
 }
 
 TEST_F(DialUpEntries, ParametersAreThereForEntriesAlone) {
@@ -148,10 +148,10 @@ TEST_F(DialUpEntries, ParametersOfAWrongShapeAreRefused) {
     Make("provider");
     RASDIALPARAMSW parameters = {};
     BOOL has_password = TRUE;
-    EXPECT_EQ(632u, RasGetEntryDialParamsW(nullptr, &parameters, &has_password));
+    EXPECT_EQ(632u, RasGetEntryDialParams(nullptr, &parameters, &has_password));
     parameters.dwSize = sizeof(parameters);
     for (WCHAR& unit : parameters.szEntryName) unit = u'x';
-    EXPECT_EQ(87u, RasGetEntryDialParamsW(nullptr, &parameters, &has_password));
-    EXPECT_EQ(87u, RasGetEntryDialParamsW(nullptr, &parameters, nullptr));
-    EXPECT_EQ(87u, RasGetEntryDialParamsW(nullptr, nullptr, &has_password));
+    EXPECT_EQ(87u, RasGetEntryDialParams(nullptr, &parameters, &has_password));
+    EXPECT_EQ(87u, RasGetEntryDialParams(nullptr, &parameters, nullptr));
+    EXPECT_EQ(87u, RasGetEntryDialParams(nullptr, nullptr, &has_password));
 }

@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
     HostOptions options;
     options.root = folder;
     OpenDevice(options);
+    InitCommonControls();
     const int result = RUN_ALL_TESTS();
     CloseDevice();
     std::filesystem::remove_all(folder);

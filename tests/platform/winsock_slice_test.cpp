@@ -24,7 +24,7 @@ size_t OpenDescriptors() {
 
 SOCKET NewSocket() {
     const SOCKET number = socket(AF_INET, SOCK_STREAM, 0);
-    WINSOCK_ULONG on = 1;
+    u_long on = 1;
     ioctlsocket(number, FIONBIO, &on);
     return number;
 }

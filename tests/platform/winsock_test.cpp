@@ -20,7 +20,7 @@ class Winsock : public testing::Test {
     void TearDown() override { WSACleanup(); }
 
     void DoNotBlock() {
-        WINSOCK_ULONG on = 1;
+        u_long on = 1;
         ASSERT_EQ(0, ioctlsocket(number, FIONBIO, &on));
     }
     int Connect(uint16_t port) {
@@ -216,7 +216,7 @@ TEST_F(Winsock, CloseByAnotherThreadWakesAWaitAfterARefusal) {
 
 TEST_F(Winsock, ClosedSocketIsNoSocket) {
     char byte = 0;
-    WINSOCK_ULONG on = 1;
+    u_long on = 1;
     EXPECT_EQ(0, closesocket(number));
     EXPECT_EQ(SOCKET_ERROR, closesocket(number));
     EXPECT_EQ(WSAENOTSOCK, WSAGetLastError());

@@ -289,11 +289,17 @@ BOOL Polyline(HDC, const POINT* points, int count) {
 
 int MultiByteToWideChar(UINT code_page, DWORD, LPCSTR bytes, int size, LPWSTR text, int capacity) {
     if (code_page != CP_ACP || size > capacity) Fault("a conversion of another kind");
+    int count = 0;
     for (int i = 0; i < size; ++i) {
         auto byte = static_cast<unsigned char>(bytes[i]);
-        text[i] = byte == 0x80 ? WCHAR{0x20AC} : WCHAR{byte};
+        if (gdi.two_byte_page && byte >= 0x81 && byte <= 0x9F) {
+            if (++i == size) return 0;
+            text[count++] = static_cast<WCHAR>(byte << 8 | static_cast<unsigned char>(bytes[i]));
+        } else {
+            text[count++] = byte == 0x80 ? WCHAR{0x20AC} : WCHAR{byte};
+        }
     }
-    return size;
+    return count;
 }
 
 int lstrcmpW(LPCWSTR a, LPCWSTR b) {

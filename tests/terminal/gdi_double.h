@@ -45,6 +45,7 @@ struct GdiDouble {
     int pens_made = 0;
     std::vector<UINT> beeps;  // their types
     bool refuse_class = false;
+    bool two_byte_page = false;  // bytes 0x81 to 0x9F begin a character of two
     bool refuse_fonts = false;
     bool refuse_paint = false;
 

@@ -174,6 +174,16 @@ TEST_F(Painting, BytesAreShownThroughTheAnsiCodePage) {
     EXPECT_EQ(PaintRow(3)[0].substr(0, 29), "text 0,32 640x16 '<20ac><e9> ");
 }
 
+TEST_F(Painting, AColumnStaysInItsCellInACodePageOfTwoBytes) {
+    gdi.two_byte_page = true;
+    Put(3, "\x82\xa0|\x83\x41.");
+    EXPECT_EQ(PaintRow(3)[0].substr(0, 25), "text 0,32 640x16 '?<a0>|?");
+    SetCell(4, 80, 0x82);
+    SetCell(4, 79, 'x');
+    const std::string row = PaintRow(4)[0];
+    EXPECT_EQ(row.substr(row.find('x'), 2), "x?");
+}
+
 TEST_F(Painting, GlyphsStandOnTheCellGridWhateverTheFont) {
     gdi.sample_width = [](const LOGFONTW&) { return 117; };  // 11 a cell
     DeleteObject(session.view.font);

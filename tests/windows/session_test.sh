@@ -6,7 +6,9 @@ set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)
 program=$1 demo=$2
 . "$top/tests/windows/wine.sh"
-command -v socat >/dev/null || { echo "session_test.sh: socat is missing" >&2; exit 77; }
+for tool in socat xclip; do
+    command -v $tool >/dev/null || { echo "session_test.sh: $tool is missing" >&2; exit 77; }
+done
 start_screen
 prepare_prefix
 
@@ -79,7 +81,7 @@ picture keys-menu
 xdotool key --delay 80 Down Down Return
 await 10 sent_is '\033[A' || fail "the entry of the menu sent $(sent_bytes)"
 
-# The help page beside the program, in the viewer that the desktop has for pages.
+# The help page out of the program, in the viewer that the desktop has for pages.
 xdotool key ctrl+shift+h
 await 20 cmp -s "$top/resources/telnet.htm" "$shown" || fail "the help page was not shown"
 
@@ -99,6 +101,19 @@ sleep 0.5
 picture selection
 xdotool key --delay 80 ctrl+shift+c ctrl+shift+v
 await 10 sent_is 'HARBOUR STORES\r' || fail "the clipboard sent $(sent_bytes)"
+
+# What the other side's programs get of it: the text, and zeroes at most behind it.
+clipboard() { timeout 5 xclip -selection clipboard -o -t UTF8_STRING >"$work/clipboard" 2>/dev/null; }
+clipboard_is() { clipboard && tr -d '\000' <"$work/clipboard" | tr -d '\r' | cmp -s - "$work/wanted"; }
+printf 'HARBOUR STORES\n' >"$work/wanted"
+await 10 clipboard_is || fail "the clipboard holds $(od -An -c "$work/clipboard" | head -n 4)"
+
+# A drag that leaves the window goes on to the end of the row.
+xdotool mousemove 24 76 mousedown 1 sleep 0.5 mousemove 80 76 sleep 0.5 mousemove 950 76 sleep 0.5 mouseup 1 mousemove 512 384
+sleep 0.3
+xdotool key --delay 80 ctrl+shift+c
+whole_row() { clipboard && grep -aq 'HARBOUR STORES.*Main menu' "$work/clipboard"; }
+await 10 whole_row || fail "a drag out of the window copied $(cat "$work/clipboard")"
 
 # Larger text does not fit any more: scroll bars. Then out, with everything saved.
 xdotool key --delay 80 ctrl+shift+KP_Add ctrl+shift+KP_Add

@@ -16,7 +16,7 @@ work=$(mktemp -d "${TMPDIR:-/tmp}/quill-wine.XXXXXX")
 started=
 
 fail() {
-    echo "$(basename "$0"): $1" >&2
+    printf '%s: %s\n' "$(basename "$0")" "$1" >&2
     [ -z "${DISPLAY:-}" ] || import -window root "$pictures/failed-$(basename "$0" .sh).png" || :
     exit 1
 }
@@ -61,7 +61,7 @@ first_line() {
 
 start_screen() {
     : >"$work/display"
-    Xvfb -r -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
+    Xvfb -r -displayfd 3 -screen 0 "${screen_size:-1024x768}x24" -nolisten tcp 3>"$work/display" 2>/dev/null &
     started="$! $started"
     DISPLAY=:$(first_line "$work/display")
     export DISPLAY

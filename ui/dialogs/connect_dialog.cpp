@@ -3,6 +3,7 @@
 #include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
+#include "text/text.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 
@@ -118,8 +119,8 @@ bool InHistory(LPCWSTR host) {
 // A host that is in the list already keeps its place.
 void Remember(LPCWSTR host) {
     if (InHistory(host)) return;
-    for (int i = kHosts - 1; i > 0; i--) lstrcpynW(kHistory[i], kHistory[i - 1], kHostUnits);
-    lstrcpynW(kHistory[0], host, kHostUnits);
+    for (int i = kHosts - 1; i > 0; i--) CopyBounded(kHistory[i], kHistory[i - 1], kHostUnits);
+    CopyBounded(kHistory[0], host, kHostUnits);
 }
 
 void OnOk(HWND dialog) {

@@ -2,6 +2,7 @@
 // system's colour chooser.
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
+#include "text/text.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 
@@ -44,7 +45,7 @@ void TakeFace(HWND dialog) {
     session.dialog_result = static_cast<int>(selected);
     if (selected < 0) return;
     const LRESULT face = AskList(dialog, LB_GETITEMDATA, static_cast<WPARAM>(selected));
-    lstrcpynW(s.fname, session.view.faces[face].font.lfFaceName, kSettingUnits);
+    CopyBounded(s.fname, session.view.faces[face].font.lfFaceName, kSettingUnits);
 }
 
 void OnOk(HWND dialog) {
@@ -79,7 +80,7 @@ static void ChooseTerminalColor(DWORD* color) {
     CHOOSECOLORW request = {};
     request.lStructSize = sizeof request;
     request.hwndOwner = session.main_window;
-    request.hInstance = reinterpret_cast<HWND>(session.instance);
+    request.hInstance = session.instance;
     request.rgbResult = *color;
     request.lpCustColors = session.custom_colors;
     request.Flags = CC_RGBINIT | CC_FULLOPEN | CC_ENABLETEMPLATE | CC_ANYCOLOR;

@@ -36,6 +36,15 @@ bool Swallowed(WCHAR character) {
     return character < 32 && session.telnet.escape_iac == 1;
 }
 
+// One byte a character: what takes several of them in the code page, or is not there at all, is a
+// question mark.
+BYTE ByteOf(WCHAR character) {
+    char bytes[8];
+    const int length =
+        WideCharToMultiByte(CP_ACP, 0, &character, 1, bytes, sizeof(bytes), nullptr, nullptr);
+    return length == 1 ? static_cast<BYTE>(bytes[0]) : BYTE{'?'};
+}
+
 }  // namespace
 
 void OnKeyDown(int virtual_key) {
@@ -55,9 +64,7 @@ void OnTypedCharacter(WCHAR character) {
     const bool taken = session.key_taken != 0;
     session.key_taken = 0;
     if (!Connected() || taken || Swallowed(character)) return;
-    BYTE byte = 0;
-    WideCharToMultiByte(CP_ACP, 0, &character, 1, reinterpret_cast<char*>(&byte), 1, nullptr,
-                        nullptr);
+    const BYTE byte = ByteOf(character);
     DropSelection();
     SendBytes(&byte, 1);
     if (session.modes.localecho == 1) TerminalWrite(&byte, 1);

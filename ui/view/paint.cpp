@@ -108,13 +108,20 @@ static void DrawRun(HDC dc, const PaintRow& row, int first, int end) {
 
 // ---------------------------------------------------------------- rows
 
-// Bytes are shown through the ANSI code page.
+// A byte is shown through the ANSI code page; as a question mark where it is but a part of a
+// character there.
+static WCHAR TextOfByte(DWORD code) {
+    const char byte = static_cast<char>(code);
+    WCHAR unit = 0;
+    const int units = MultiByteToWideChar(CP_ACP, 0, &byte, 1, &unit, 1);
+    return (units == 1 && unit) || !byte ? unit : TEXT('?');
+}
+
+// Each cell by itself, so that no two of them become one character.
 static void FillText(PaintRow& row) {
-    char bytes[kScreenColumns];
-    for (int i = 0; i < kScreenColumns; ++i) {
-        bytes[i] = static_cast<char>(row.cells[i + 1] & kCodeMask);
+    for (int col = 1; col <= kScreenColumns; ++col) {
+        row.text[col] = TextOfByte(row.cells[col] & kCodeMask);
     }
-    MultiByteToWideChar(CP_ACP, 0, bytes, kScreenColumns, &row.text[1], kScreenColumns);
 }
 
 static void DrawRow(HDC dc, int screen_row, int window_row) {

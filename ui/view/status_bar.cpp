@@ -36,13 +36,16 @@ LPCWSTR StateWord() {
     return session.settings.ssh_type2 == 1 ? TEXT("SSH2") : TEXT("SSH1");
 }
 
+void MeasureStatusBar() {
+    RECT rect;
+    if (GetWindowRect(session.status_window, &rect)) session.status_height = rect.bottom - rect.top;
+}
+
 void MakeStatusBar() {
     session.status_window = CreateWindowExW(
         0, STATUSCLASSNAME, TEXT(""), WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, session.client_window,
         reinterpret_cast<HMENU>(static_cast<INT_PTR>(kStatusBarId)), session.instance, nullptr);
-    RECT rect;
-    if (session.status_window && GetWindowRect(session.status_window, &rect))
-        session.status_height = rect.bottom - rect.top;
+    if (session.status_window) MeasureStatusBar();
 }
 
 }  // namespace
@@ -56,7 +59,9 @@ void RebuildStatusBar() {
 }
 
 void PlaceStatusBar() {
-    if (session.status_window) SendMessageW(session.status_window, WM_SIZE, 0, 0);
+    if (!session.status_window) return;
+    SendMessageW(session.status_window, WM_SIZE, 0, 0);
+    MeasureStatusBar();
 }
 
 void UpdateStatus() {

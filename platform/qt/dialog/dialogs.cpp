@@ -247,14 +247,14 @@ BOOL MapDialogRect(HWND dialog, RECT* rect) {
     return TRUE;
 }
 
-LONG_PTR SetWindowLongPtrW(HWND dialog, int index, LONG_PTR value) {
+LONG_PTR SetWindowLongW(HWND dialog, int index, LONG_PTR value) {
     Window* window = FindWindowRecord(dialog);
     if (!window || !window->dialog || (index != DWLP_MSGRESULT && index != DWLP_USER)) return 0;
     DialogData& data = *window->dialog;
     return std::exchange(index == DWLP_USER ? data.user : data.message_result, value);
 }
 
-LONG_PTR GetWindowLongPtrW(HWND dialog, int index) {
+LONG_PTR GetWindowLongW(HWND dialog, int index) {
     const Window* window = FindWindowRecord(dialog);
     if (!window || !window->dialog || (index != DWLP_MSGRESULT && index != DWLP_USER)) return 0;
     return index == DWLP_USER ? window->dialog->user : window->dialog->message_result;

@@ -102,8 +102,6 @@ void OpenDevice(const HostOptions& options) {
     SetDeviceRoot(options.root);
     SetResourceImage(quill_resources, static_cast<size_t>(quill_resources_end - quill_resources));
     SetSystemFont();
-    RegisterStatusWindow();
-    RegisterCommandBar();
     RegisterMenuBar();
     OpenDeviceScreen(QSize(kNarrowestPixels, 300));
     FurnishShell();

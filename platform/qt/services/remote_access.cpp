@@ -159,12 +159,12 @@ bool CanDial() { return access(TheDialUpHost().program, F_OK) == 0; }
 
 void FillEntry(RASENTRYNAMEW* entry, const std::u16string& name) {
     entry->dwSize = sizeof(RASENTRYNAMEW);
-    lstrcpynW(entry->szEntryName, name.c_str(), RAS_MaxEntryName + 1);
+    CopyUnits(entry->szEntryName, name.c_str(), RAS_MaxEntryName + 1);
 }
 
 }  // namespace
 
-DWORD RasEnumEntriesW(LPWSTR, LPWSTR, RASENTRYNAMEW* entries, DWORD* size, DWORD* count) {
+DWORD RasEnumEntries(LPWSTR, LPWSTR, RASENTRYNAMEW* entries, DWORD* size, DWORD* count) {
     if (!size || !count) return ERROR_INVALID_PARAMETER;
     if (entries && (*size < sizeof(*entries) || entries[0].dwSize != sizeof(*entries)))
         return kErrorInvalidSize;
@@ -179,7 +179,7 @@ DWORD RasEnumEntriesW(LPWSTR, LPWSTR, RASENTRYNAMEW* entries, DWORD* size, DWORD
 }
 
 // Only a name that the folder lists is an entry, so that no name leads out of the folder.
-DWORD RasGetEntryDialParamsW(LPCWSTR, RASDIALPARAMSW* parameters, BOOL* has_password) {
+DWORD RasGetEntryDialParams(LPCWSTR, RASDIALPARAMSW* parameters, BOOL* has_password) {
     if (!parameters || !has_password) return ERROR_INVALID_PARAMETER;
     if (parameters->dwSize != sizeof(*parameters)) return kErrorInvalidSize;
     const LPCWSTR name = parameters->szEntryName;

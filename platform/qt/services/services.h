@@ -23,6 +23,9 @@ char16_t LowerUnit(char16_t unit);
 // Order of two texts by their units, case set aside: below 0, 0 or above 0.
 int CompareWithoutCase(const char16_t* a, const char16_t* b);
 
+// Copies at most `capacity` - 1 units and terminates.
+void CopyUnits(char16_t* to, const char16_t* from, int capacity);
+
 // $XDG_DATA_HOME/quill, or ~/.local/share/quill, whether it is there or not.
 std::string UserRoot();
 // The folder and what is missing of the way to it, each with mode 0700.

@@ -65,6 +65,11 @@ int CompareWithoutCase(const char16_t* a, const char16_t* b) {
     return LowerUnit(*a) - LowerUnit(*b);
 }
 
+void CopyUnits(char16_t* to, const char16_t* from, int capacity) {
+    for (; capacity > 1 && *from; --capacity) *to++ = *from++;
+    if (capacity > 0) *to = 0;
+}
+
 namespace {
 
 constexpr UINT kCodePage1252 = 1252;
@@ -144,15 +149,6 @@ LPWSTR lstrcpyW(LPWSTR to, LPCWSTR from) {
     LPWSTR end = to;
     while ((*end++ = *from++) != 0) {
     }
-    return to;
-}
-
-LPWSTR lstrcpynW(LPWSTR to, LPCWSTR from, int capacity) {
-    if (!to || !from) return nullptr;
-    if (capacity <= 0) return to;
-    int i = 0;
-    for (; i < capacity - 1 && from[i]; i++) to[i] = from[i];
-    to[i] = 0;
     return to;
 }
 

@@ -190,7 +190,7 @@ SOCKET SliceSocket(int family, int type, int protocol) {
     return INVALID_SOCKET;
 }
 
-int SliceIoctl(SOCKET number, unsigned command, WINSOCK_ULONG* argument) {
+int SliceIoctl(SOCKET number, unsigned command, u_long* argument) {
     const SocketPointer found = FindSocket(number);
     if (!found) return SOCKET_ERROR;
     if (!argument) return FailWith(kWsaEFault);

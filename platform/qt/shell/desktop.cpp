@@ -3,8 +3,10 @@
 // program carries.
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFile>
 #include <QMimeData>
+#include <QTemporaryFile>
 #include <QUrl>
 
 #include "platform/qt/services/services.h"
@@ -87,18 +89,32 @@ extern "C" const uint8_t quill_help_page_end[];
 
 namespace {
 
-// A viewer needs a file; it lies in the device's root folder, which outlives this program.
-bool WritePage(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return false;
+bool WritePage(QFile& file) {
     const auto size = static_cast<qint64>(quill_help_page_end - quill_help_page);
-    return file.write(reinterpret_cast<const char*>(quill_help_page), size) == size;
+    return file.write(reinterpret_cast<const char*>(quill_help_page), size) == size && file.flush();
 }
 
+QString PageInRoot() {
+    QFile file(QString::fromStdString(DevicePath(u"\\telnet.htm")));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return {};
+    return WritePage(file) ? file.fileName() : QString();
+}
+
+// Of a name that nobody can take first, as others may write in that folder too.
+QString TemporaryPage() {
+    QTemporaryFile file(QDir::tempPath() + "/quill-XXXXXX-telnet.htm");
+    if (!file.open() || !WritePage(file)) return {};
+    file.setAutoRemove(false);
+    return file.fileName();
+}
+
+// A viewer needs a file that outlives this program. It lies in the device's root folder or, where
+// nobody can write there, among the temporary files.
 bool ShowHelp(LPCWSTR page) {
     if (!page || CompareWithoutCase(page, u"telnet.htm") != 0) return false;
-    const QString path = QString::fromStdString(DevicePath(u"\\telnet.htm"));
-    return WritePage(path) && QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    QString path = PageInRoot();
+    if (path.isEmpty()) path = TemporaryPage();
+    return !path.isEmpty() && QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 }  // namespace

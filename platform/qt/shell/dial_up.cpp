@@ -240,14 +240,13 @@ void ForgetEnded() {
 
 }  // namespace
 
-DWORD RasDialW(LPVOID, LPCWSTR, RASDIALPARAMSW* parameters, DWORD notifier_type, LPVOID notifier,
-               HRASCONN* connection) {
+DWORD RasDial(LPVOID, LPCWSTR, RASDIALPARAMSW* parameters, DWORD notifier_type, LPVOID notifier,
+              HRASCONN* connection) {
     BOOL has_password = FALSE;
     if (!connection || notifier_type != kNotifyWindow) return ERROR_INVALID_PARAMETER;
     *connection = nullptr;
     ForgetEnded();
-    if (const DWORD error = RasGetEntryDialParamsW(nullptr, parameters, &has_password))
-        return error;
+    if (const DWORD error = RasGetEntryDialParams(nullptr, parameters, &has_password)) return error;
     auto dial = std::make_unique<DialUp>();
     dial->notifier = static_cast<HWND>(notifier);
     const DialUpHost host = TheDialUpHost();
@@ -262,7 +261,7 @@ DWORD RasDialW(LPVOID, LPCWSTR, RASDIALPARAMSW* parameters, DWORD notifier_type,
     return ERROR_SUCCESS;
 }
 
-DWORD RasHangUpW(HRASCONN connection) {
+DWORD RasHangUp(HRASCONN connection) {
     ForgetEnded();
     const auto found = g_dials.find(connection);
     if (found == g_dials.end()) return ERROR_INVALID_HANDLE;
@@ -274,6 +273,6 @@ DWORD RasHangUpW(HRASCONN connection) {
 }
 
 void EndDialUps() {
-    while (!g_dials.empty()) RasHangUpW(g_dials.begin()->first);
+    while (!g_dials.empty()) RasHangUp(g_dials.begin()->first);
     g_leaving.clear();
 }

@@ -32,6 +32,11 @@ bool TakeState(const SIPINFO& info) {
 
 }  // namespace
 
+void InitCommonControls() {
+    RegisterStatusWindow();
+    RegisterCommandBar();
+}
+
 void FurnishShell() {
     auto* strip = new MenuStrip(DeviceScreen());
     auto* panel = new InputPanel(DeviceScreen());

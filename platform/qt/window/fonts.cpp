@@ -3,6 +3,7 @@
 #include <QFontDatabase>
 #include <QFontInfo>
 
+#include "platform/qt/services/services.h"
 #include "platform/qt/window/gdi.h"
 
 namespace {
@@ -71,7 +72,7 @@ const FontData& FontOf(HDC dc) {
     if (!g_system_font) {
         LOGFONTW wanted = {};
         wanted.lfHeight = 10;
-        lstrcpynW(wanted.lfFaceName, ToWide(QApplication::font().family()).c_str(), LF_FACESIZE);
+        CopyUnits(wanted.lfFaceName, ToWide(QApplication::font().family()).c_str(), LF_FACESIZE);
         g_system_font = MakeFont(wanted);
     }
     return *g_system_font;
@@ -108,7 +109,7 @@ static int TellOfFamily(const QString& name, LPCWSTR wanted, FONTENUMPROCW proce
     font.lfWeight = FW_NORMAL;
     font.lfCharSet = DEFAULT_CHARSET;
     font.lfPitchAndFamily = FIXED_PITCH;
-    lstrcpynW(font.lfFaceName, ToWide(name).c_str(), LF_FACESIZE);
+    CopyUnits(font.lfFaceName, ToWide(name).c_str(), LF_FACESIZE);
     TEXTMETRICW metrics = {};
     metrics.tmHeight = font.lfHeight;
     return procedure(&font, &metrics, 4, parameter);  // 4: a scalable font

@@ -74,6 +74,7 @@ Window* FindAnyWindow(HWND handle) {
 }
 
 void RegisterSystemClass(LPCWSTR name, WNDPROC procedure) {
+    if (g_classes.count(name)) return;
     auto window_class = std::make_unique<WindowClass>();
     window_class->name = name;
     window_class->procedure = procedure;

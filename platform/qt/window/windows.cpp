@@ -2,6 +2,7 @@
 // window leaves alone.
 #include "platform/qt/window/window.h"
 
+#include "platform/qt/services/services.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
@@ -300,7 +301,7 @@ int GetWindowTextW(HWND handle, LPWSTR text, int size) {
     if (window && window->control)
         return static_cast<int>(SendMessageW(handle, WM_GETTEXT, static_cast<WPARAM>(size),
                                              reinterpret_cast<LPARAM>(text)));
-    lstrcpynW(text, window ? window->text.c_str() : u"", size);
+    CopyUnits(text, window ? window->text.c_str() : u"", size);
     return lstrlenW(text);
 }
 

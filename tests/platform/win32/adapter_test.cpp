@@ -1,4 +1,5 @@
 // The adapter: what the program gets on desktop Windows where the system is not the device.
+#include "platform/win32/resource_numbers.h"
 #include "resources/resource_ids.h"
 #include "tests/platform/test_windows.h"
 
@@ -12,6 +13,13 @@ class Adapter : public WindowTest {
         PostMessageW(top, posted, key, flags);
         GetMessageW(&message, top, 0, 0);
         return message;
+    }
+    // The same for any window, and the window has it.
+    void Handle(HWND window, UINT posted, WPARAM wparam, LPARAM lparam) {
+        MSG message = {};
+        PostMessageW(window, posted, wparam, lparam);
+        GetMessageW(&message, window, posted, posted);
+        DispatchMessageW(&message);
     }
 };
 
@@ -110,22 +118,23 @@ TEST_F(Adapter, WindowHasAnArrowAndAnIcon) {
     EXPECT_EQ(reinterpret_cast<ULONG_PTR>(LoadCursorW(nullptr, IDC_ARROW)),
               GetClassLongPtrW(top, GCLP_HCURSOR));
     EXPECT_EQ(reinterpret_cast<ULONG_PTR>(
-                  LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_PROGRAM))),
+                  LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_DESKTOP))),
               GetClassLongPtrW(top, GCLP_HICON));
 }
 
-TEST(ProgramIcon, IsThereInThreeSizes) {
+TEST(ProgramIcon, IsThereInFullColourUpTo256Pixels) {
     const HMODULE module = GetModuleHandleW(nullptr);
-    ASSERT_NE(nullptr, LoadIconW(module, MAKEINTRESOURCEW(IDI_PROGRAM)));
-    for (const int side : {16, 32, 48}) {
+    ASSERT_NE(nullptr, LoadIconW(module, MAKEINTRESOURCEW(IDI_DESKTOP)));
+    for (const int side : {16, 24, 32, 48, 256}) {
         const auto icon = static_cast<HICON>(
-            LoadImageW(module, MAKEINTRESOURCEW(IDI_PROGRAM), IMAGE_ICON, side, side, 0));
+            LoadImageW(module, MAKEINTRESOURCEW(IDI_DESKTOP), IMAGE_ICON, side, side, 0));
         ICONINFO info = {};
         ASSERT_TRUE(GetIconInfo(icon, &info)) << side;
         BITMAP colors = {};
         GetObjectW(info.hbmColor, sizeof(colors), &colors);
         EXPECT_EQ(side, colors.bmWidth);
         EXPECT_EQ(side, colors.bmHeight);
+        EXPECT_EQ(32, colors.bmBitsPixel);
         DeleteObject(info.hbmColor);
         DeleteObject(info.hbmMask);
         DestroyIcon(icon);
@@ -218,18 +227,25 @@ TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
     SetKeyByte(VK_CAPITAL, 0);
 }
 
-// AltGr comes as the left Ctrl and the right Alt.
-TEST_F(Adapter, LeftCtrlIsUpWhileAltGrIsDown) {
-    SetKeyByte(VK_LCONTROL, 0x80);
-    EXPECT_LT(GetKeyState(VK_LCONTROL), 0);
-    SetKeyByte(VK_RMENU, 0x80);
-    EXPECT_EQ(0, GetKeyState(VK_LCONTROL));
-    SetKeyByte(VK_RCONTROL, 0x80);
-    EXPECT_LT(GetKeyState(VK_RCONTROL), 0);
-    SetKeyByte(VK_RCONTROL, 0);
-    SetKeyByte(VK_RMENU, 0x01);
-    EXPECT_LT(GetKeyState(VK_LCONTROL), 0);
-    for (const int key : {VK_LCONTROL, VK_RMENU}) SetKeyByte(key, 0);
+// What a drag is: the button goes down in a window, and comes up wherever the mouse is.
+TEST_F(Adapter, DragGoesOnOutsideOfTheWindow) {
+    const HWND child = Child(1);
+    for (const UINT touch : {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK}) {
+        Handle(child, touch, MK_LBUTTON, MAKELPARAM(5, 5));
+        EXPECT_EQ(child, GetCapture());
+        Handle(child, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(-50, 900));
+        EXPECT_EQ(child, GetCapture());
+        Handle(child, WM_LBUTTONUP, 0, MAKELPARAM(-50, 900));
+        EXPECT_EQ(nullptr, GetCapture());
+    }
+}
+
+TEST_F(Adapter, DragOfASystemsControlIsItsOwn) {
+    const HWND text = CreateWindowExW(0, TEXT("STATIC"), nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 50,
+                                      20, top, nullptr, nullptr, nullptr);
+    Handle(text, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+    EXPECT_EQ(nullptr, GetCapture());
+    DestroyWindow(text);
 }
 
 TEST_F(Adapter, SilentKeyIsHeardByNoWindow) {
@@ -253,4 +269,17 @@ TEST(Library, DialogsAreTheDesktopsOwn) {
     EXPECT_EQ(nullptr, GetProcAddressW(library, TEXT("QuillNoSuchCall")));
     EXPECT_EQ(nullptr, GetProcAddressW(library, nullptr));
     EXPECT_TRUE(FreeLibrary(library));
+}
+
+// Anybody may put a library beside the program.
+TEST(Library, RemoteAccessIsTheSystemsOwn) {
+    EXPECT_EQ(nullptr, GetModuleHandleW(L"rasapi32.dll"));
+    DWORD size = 0, count = 9;
+    RasEnumEntries(nullptr, nullptr, nullptr, &size, &count);
+    const HMODULE library = GetModuleHandleW(L"rasapi32.dll");
+    ASSERT_NE(nullptr, library);
+    wchar_t path[MAX_PATH] = {}, folder[MAX_PATH] = {};
+    GetModuleFileNameW(library, path, MAX_PATH);
+    GetSystemDirectoryW(folder, MAX_PATH);
+    EXPECT_EQ(0, lstrcmpiW((std::wstring(folder) + L"\\rasapi32.dll").c_str(), path));
 }

@@ -12,7 +12,6 @@ TestPlatform PlatformOfTests() {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_BAR_CLASSES};
-    InitCommonControlsEx(&controls);
+    InitCommonControls();
     return RUN_ALL_TESTS();
 }

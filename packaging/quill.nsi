@@ -1,0 +1,69 @@
+; The installer of the Windows program: for one user, without an administrator, with an entry in the
+; start menu and a removal. It holds the 64-bit and the 32-bit program and installs the one that fits.
+; makensis -DSTAGE=FOLDER -DOUTPUT=FILE -DVERSION=NUMBER quill.nsi
+Unicode true
+!include "x64.nsh"
+!include "FileFunc.nsh"
+
+Name "Quill"
+OutFile "${OUTPUT}"
+InstallDir "$LOCALAPPDATA\Programs\Quill"
+RequestExecutionLevel user
+SetCompressor /SOLID lzma
+SetDateSave off
+Icon "${STAGE}/quill.ico"
+UninstallIcon "${STAGE}/quill.ico"
+VIProductVersion "${VERSION}.0.0"
+VIAddVersionKey "ProductName" "Quill"
+VIAddVersionKey "FileDescription" "Quill Telnet, installer"
+VIAddVersionKey "FileVersion" "${VERSION}"
+VIAddVersionKey "LegalCopyright" "The Quill authors. MIT License."
+
+!define REMOVAL "Software\Microsoft\Windows\CurrentVersion\Uninstall\Quill"
+
+Page directory
+Page instfiles
+UninstPage uninstConfirm
+UninstPage instfiles
+
+Section
+    SetShellVarContext current
+    SetOutPath "$INSTDIR"
+    ClearErrors
+    ${If} ${RunningX64}
+        File "/oname=quill.exe" "${STAGE}/quill64.exe"
+    ${Else}
+        File "/oname=quill.exe" "${STAGE}/quill32.exe"
+    ${EndIf}
+    File "${STAGE}/telnet.htm" "${STAGE}/quill.ti" "${STAGE}/LICENSE.txt"
+    WriteUninstaller "$INSTDIR\remove.exe"
+    ${If} ${Errors}
+        SetErrorLevel 2
+        Abort "Quill could not be written. If it runs, close it and start again."
+    ${EndIf}
+    CreateShortcut "$SMPROGRAMS\Quill.lnk" "$INSTDIR\quill.exe"
+    WriteRegStr HKCU "${REMOVAL}" "DisplayName" "Quill"
+    WriteRegStr HKCU "${REMOVAL}" "DisplayVersion" "${VERSION}"
+    WriteRegStr HKCU "${REMOVAL}" "DisplayIcon" "$INSTDIR\quill.exe"
+    WriteRegStr HKCU "${REMOVAL}" "Publisher" "The Quill authors"
+    WriteRegStr HKCU "${REMOVAL}" "InstallLocation" "$INSTDIR"
+    WriteRegStr HKCU "${REMOVAL}" "UninstallString" '"$INSTDIR\remove.exe"'
+    WriteRegStr HKCU "${REMOVAL}" "QuietUninstallString" '"$INSTDIR\remove.exe" /S'
+    WriteRegDWORD HKCU "${REMOVAL}" "NoModify" 1
+    WriteRegDWORD HKCU "${REMOVAL}" "NoRepair" 1
+    ${GetSize} "$INSTDIR" "/S=0K" $0 $1 $2
+    WriteRegDWORD HKCU "${REMOVAL}" "EstimatedSize" $0
+SectionEnd
+
+; The settings stay: they are the user's, and a later installation finds them again.
+Section "Uninstall"
+    SetShellVarContext current
+    Delete "$INSTDIR\quill.exe"
+    Delete "$INSTDIR\telnet.htm"
+    Delete "$INSTDIR\quill.ti"
+    Delete "$INSTDIR\LICENSE.txt"
+    Delete "$INSTDIR\remove.exe"
+    RMDir "$INSTDIR"
+    Delete "$SMPROGRAMS\Quill.lnk"
+    DeleteRegKey HKCU "${REMOVAL}"
+SectionEnd

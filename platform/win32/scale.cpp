@@ -1,0 +1,84 @@
+// The monitor's scale: how many pixels an inch has, 96 at 100 %. Windows, fonts, pictures and bars
+// of the program are as large as that asks for, and follow when it changes.
+#include "device.h"
+
+namespace {
+
+constexpr int kPlainDpi = 96;
+int dpi = 0;  // of the main window's monitor; 0 until it is first asked for
+
+// A call of user32.dll that Windows has only since 10; null before.
+template <typename Call>
+Call* NewCall(Call*, const char* name) {
+    const FARPROC found = GetProcAddress(GetModuleHandleW(L"user32.dll"), name);
+    return reinterpret_cast<Call*>(reinterpret_cast<void*>(found));
+}
+#define NEW_CALL(name) NewCall(static_cast<decltype(name)*>(nullptr), #name)
+
+int SystemDpi() {
+    HDC screen = GetDC(nullptr);
+    const int pixels = GetDeviceCaps(screen, LOGPIXELSX);
+    ReleaseDC(nullptr, screen);
+    return pixels > 0 ? pixels : kPlainDpi;
+}
+
+HFONT StatusFont() {
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = sizeof(metrics);
+    const auto call = NEW_CALL(SystemParametersInfoForDpi);
+    if (!call || !call(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0, DeviceDpi()))
+        return nullptr;
+    return CreateFontIndirectW(&metrics.lfStatusFont);
+}
+
+// What has a size of its own takes the new one.
+BOOL CALLBACK RescaleChild(HWND child, LPARAM status_font) {
+    wchar_t name[32] = {};
+    GetClassNameW(child, name, 32);
+    if (lstrcmpiW(name, TOOLBARCLASSNAMEW) == 0) RescaleCommandBar(child);
+    if (lstrcmpiW(name, STATUSCLASSNAMEW) == 0 && status_font)
+        SendMessageW(child, WM_SETFONT, static_cast<WPARAM>(status_font), TRUE);
+    return TRUE;
+}
+
+}  // namespace
+
+UINT DeviceDpi() {
+    if (!dpi) dpi = SystemDpi();
+    return static_cast<UINT>(dpi);
+}
+
+int DevicePixels(int plain) { return MulDiv(plain, static_cast<int>(DeviceDpi()), kPlainDpi); }
+
+UINT WindowDpi(HWND window) {
+    const auto call = NEW_CALL(GetDpiForWindow);
+    return call ? call(window) : DeviceDpi();
+}
+
+BOOL FrameRect(RECT* rect, DWORD style, DWORD ex_style) {
+    const auto call = NEW_CALL(AdjustWindowRectExForDpi);
+    return call ? call(rect, style, TRUE, ex_style, DeviceDpi())
+                : AdjustWindowRectEx(rect, style, TRUE, ex_style);
+}
+
+int DeviceGetSystemMetrics(int index) {
+    const auto call = NEW_CALL(GetSystemMetricsForDpi);
+    return call ? call(index, DeviceDpi()) : GetSystemMetrics(index);
+}
+
+// The layout comes last, also where the window keeps its size.
+void ChangeScale(HWND window, UINT new_dpi, const RECT* place) {
+    dpi = static_cast<int>(new_dpi);
+    static HFONT status_font = nullptr;
+    const HFONT before = status_font;
+    status_font = StatusFont();
+    EnumChildWindows(window, RescaleChild, reinterpret_cast<LPARAM>(status_font));
+    if (before) DeleteObject(before);
+    if (place)
+        SetWindowPos(window, nullptr, place->left, place->top, place->right - place->left,
+                     place->bottom - place->top, SWP_NOZORDER | SWP_NOACTIVATE);
+    RECT room = {};
+    GetClientRect(window, &room);
+    SendMessageW(window, WM_SIZE, IsZoomed(window) ? SIZE_MAXIMIZED : SIZE_RESTORED,
+                 MAKELPARAM(room.right, room.bottom));
+}

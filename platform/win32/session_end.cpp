@@ -1,0 +1,61 @@
+// The end of the desktop's session: log-off, restart, power-off. The system ends a program as soon
+// as all of its windows have answered WM_ENDSESSION. So a window that nobody sees, with a thread of
+// its own, does not answer before the program has ended in its usual way, with its settings saved.
+#include <atomic>
+
+#include "device.h"
+
+namespace {
+
+const LPCWSTR kClass = L"QuillSessionEnd";
+constexpr DWORD kPatience = 200;  // milliseconds between two requests
+
+std::atomic<bool> session_ends = false;
+
+// A menu or a scroll bar in use has a loop of its own, which may lose the request.
+void EndProgram(HANDLE program) {
+    session_ends = true;
+    do {
+        PostThreadMessageW(GetThreadId(program), WM_QUIT, 0, 0);
+    } while (WaitForSingleObject(program, kPatience) == WAIT_TIMEOUT);
+}
+
+LRESULT CALLBACK GuardProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_ENDSESSION && wparam) {
+        EndProgram(reinterpret_cast<HANDLE>(GetWindowLongPtrW(window, GWLP_USERDATA)));
+        return 0;
+    }
+    return DefWindowProcW(window, message, wparam, lparam);
+}
+
+HWND MakeGuard(HANDLE program) {
+    WNDCLASSW guard = {};
+    guard.lpfnWndProc = GuardProcedure;
+    guard.lpszClassName = kClass;
+    RegisterClassW(&guard);  // fails from the second time on
+    const HWND window = CreateWindowExW(0, kClass, nullptr, WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                                        nullptr, nullptr);
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(program));
+    return window;
+}
+
+DWORD WINAPI Guard(LPVOID program) {
+    if (!MakeGuard(program)) return 1;
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+    return 0;
+}
+
+}  // namespace
+
+void WatchSessionEnd() {
+    HANDLE program = nullptr;
+    const HANDLE process = GetCurrentProcess();
+    if (!DuplicateHandle(process, GetCurrentThread(), process, &program, 0, FALSE,
+                         DUPLICATE_SAME_ACCESS))
+        return;
+    if (const HANDLE guard = CreateThread(nullptr, 0, Guard, program, 0, nullptr))
+        CloseHandle(guard);
+}
+
+bool SessionEnds() { return session_ends; }

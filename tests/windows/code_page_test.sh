@@ -1,0 +1,57 @@
+#!/bin/sh
+# The Windows program in a code page of two bytes a character and in the UTF-8 one: what takes
+# several bytes is typed as one question mark, and what follows it arrives as ever.
+# Usage: code_page_test.sh QUILL.EXE DEMO_HOST
+set -eu
+top=$(cd "$(dirname "$0")/../.." && pwd)
+program=$1 demo=$2
+. "$top/tests/windows/wine.sh"
+command -v socat >/dev/null || { echo "code_page_test.sh: socat is missing" >&2; exit 77; }
+
+# The code page is that of the user's language: Japanese has 932, Hindi 65001.
+make_locale() {
+    localedef -i "$1" -f UTF-8 "$work/$1.UTF-8" >/dev/null 2>&1 || {
+        echo "code_page_test.sh: the language $1 cannot be made" >&2
+        exit 77
+    }
+}
+make_locale ja_JP
+make_locale hi_IN
+start_screen
+setxkbmap ru || { echo "code_page_test.sh: no other keyboard can be had" >&2; exit 77; }
+prepare_prefix
+: >"$work/host"
+run "$demo" >"$work/host"
+port=$(first_line "$work/host")
+start_relay "${port##*:}"
+
+typed() { tail -c "+$sent_from" "$work/sent" | tr '\000' ' ' | grep -aq -F -e "$1"; }
+
+# types LANGUAGE
+types() {
+    fresh_device
+    printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "$relay_port" >"$device_root/mconfig.cfg"
+    : >"$work/received"
+    : >"$work/sent"
+    LOCPATH=$work LC_ALL=$1.UTF-8 run wine "$program"
+    client=$last
+    await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
+    sleep 0.5
+    answer_notice
+    await 20 received "login:" || fail "the host's question did not come"
+    await 10 sent vt220 || fail "the negotiation did not come to its end"
+    sleep 0.5
+    begin_sent
+    xdotool key --delay 120 Cyrillic_ef 1 Cyrillic_ef 2 Cyrillic_ya 3 # Wine may lose the first one
+    await 10 typed '2?3' || fail "with $1 the keys sent $(sent_bytes)"
+    [ "$(tail -c "+$sent_from" "$work/sent" | tr -dc '\000' | wc -c)" = 0 ] ||
+        fail "with $1 the keys sent a NUL: $(sent_bytes)"
+    sleep 0.5
+    picture "code-page-$1"
+    xdotool key ctrl+shift+q
+    await 20 has_ended "$client" || fail "the program did not end"
+    wait "$client" || fail "the program ended with code $?"
+}
+types ja_JP
+types hi_IN
+echo "two code pages; pictures in $pictures"

@@ -1,0 +1,53 @@
+#!/bin/sh
+# The installer, silently: it installs for this user, the installed program runs, and its removal takes
+# all of it away but the settings. It is a 32-bit program as installers are; where there is no 32-bit
+# Wine, the same one is made as a 64-bit program and run.
+# Usage: installer_test.sh QUILL64.EXE QUILL32.EXE
+set -eu
+top=$(cd "$(dirname "$0")/../.." && pwd)
+program64=$1 program32=$2
+. "$top/tests/windows/wine.sh"
+kind="32-bit"
+if ! (. "$top/tests/windows/wine32.sh") 2>/dev/null; then
+    kind="64-bit"
+    export QUILL_INSTALLER_TARGET=amd64-unicode
+else
+    . "$top/tests/windows/wine32.sh"
+fi
+start_screen
+prepare_prefix
+packages=$("$top/packaging/windows.sh" "$program64" "$program32") || fail "no packages"
+cp "$top/build/quill-windows-installer.exe" "$work/setup.exe"
+
+folder=$(winepath -u "$(wine cmd /c 'echo %LOCALAPPDATA%' | tr -d '\r')")/Programs/Quill
+menu="$(winepath -u "$(wine cmd /c 'echo %APPDATA%' | tr -d '\r')")/Microsoft/Windows/Start Menu/Programs/Quill.lnk"
+removal='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quill'
+rm -rf "$folder" "$menu"
+fresh_device
+
+# An administrator is not asked for.
+! grep -aq requireAdministrator "$work/setup.exe" || fail "the installer asks for an administrator"
+timeout 100 wine "$work/setup.exe" /S || fail "the installer ended with $?"
+for file in quill.exe telnet.htm quill.ti LICENSE.txt remove.exe; do
+    [ -s "$folder/$file" ] || fail "$file was not installed"
+done
+x86_64-w64-mingw32-objdump -f "$folder/quill.exe" | grep -q pei-x86-64 || fail "not the program of this system"
+[ -s "$menu" ] || fail "no entry in the start menu"
+wine reg query "$removal" /v DisplayName | grep -q Quill || fail "not in the list of programs"
+
+run wine "$folder/quill.exe"
+client=$last
+await 30 has_window "^$title" || fail "the installed program shows no window"
+sleep 1
+xdotool key ctrl+shift+q
+await 20 has_ended "$client" || fail "the installed program did not end"
+wait "$client" || fail "the installed program ended with code $?"
+
+# Once more over the first, as a later version is.
+timeout 100 wine "$work/setup.exe" /S || fail "the second installation ended with $?"
+timeout 100 wine "$folder/remove.exe" /S || fail "the removal ended with $?"
+gone() { [ ! -e "$folder" ] && [ ! -e "$menu" ]; }
+await 30 gone || fail "the removal left $(ls "$folder" 2>/dev/null)"
+! wine reg query "$removal" >/dev/null 2>&1 || fail "still in the list of programs"
+[ "$(setting fsize)" = 0x8 ] || fail "the settings went with the program: $(setting fsize)"
+echo "installed and removed by a $kind installer of $(wc -c <"$work/setup.exe") bytes"

@@ -1,0 +1,69 @@
+#!/bin/sh
+# The end of the desktop's session finds the program in each of its states: it ends as by its Exit,
+# with the settings saved, and asks nothing. The state before each has a larger font than is saved.
+# Usage: logoff_test.sh QUILL.EXE DEMO_HOST
+set -eu
+top=$(cd "$(dirname "$0")/../.." && pwd)
+program=$1 demo=$2
+. "$top/tests/windows/wine.sh"
+command -v socat >/dev/null || { echo "logoff_test.sh: socat is missing" >&2; exit 77; }
+start_screen
+prepare_prefix
+: >"$work/host"
+run "$demo" >"$work/host"
+port=$(first_line "$work/host")
+start_relay "${port##*:}"
+
+start_session() {
+    fresh_device
+    printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\nconfirm_exit = 1\n' "$relay_port" \
+        >"$device_root/mconfig.cfg"
+    : >"$work/received"
+    run wine "$program"
+    client=$last
+    await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
+    sleep 0.5
+    answer_notice
+    await 20 received "login:" || fail "the host's question did not come"
+    await 10 is_painted || fail "the host's text was not painted"
+    xdotool key --delay 80 ctrl+shift+KP_Add
+    sleep 0.3
+}
+
+# log_off STATE
+log_off() {
+    [ "$(setting fsize)" != 0x9 ] || fail "$1: the setting was saved before"
+    timeout 60 wine wineboot --end-session || fail "$1: the session's end failed"
+    await 20 has_ended "$client" || fail "$1: the program did not end"
+    wait "$client" || fail "$1: the program ended with code $?"
+    [ "$(setting fsize)" = 0x9 ] || fail "$1: fsize is $(setting fsize)"
+    [ "$(setting key4)" = '\033[15~' ] || fail "$1: the keys were not saved"
+}
+
+start_session
+log_off "a session at rest"
+
+# The exit's own question is open; nobody answers it.
+start_session
+xdotool key ctrl+shift+q
+await 10 has_window '^Warning$' || fail "no question"
+log_off "a question open"
+
+start_session
+xdotool key alt+s
+sleep 0.5
+xdotool key p
+await 10 has_window '^Properties$' || fail "the properties did not open"
+log_off "a dialog open"
+
+# 5,000 lines as fast as they come.
+start_session
+type_line anna
+await 10 received "assword" || fail "the host asked for no password"
+type_line secret
+await 10 received "Main menu" || fail "the host showed no menu"
+xdotool type --delay 40 6
+xdotool key Return
+await 10 received "HS-" || fail "no stream"
+log_off "a stream running"
+echo "four states"

@@ -1,0 +1,64 @@
+#!/bin/sh
+# Libraries of system names beside the program and in the folder that it is started from: none of them
+# is loaded. Each would leave a file behind.
+# Usage: planted_test.sh QUILL.EXE PLATFORM_TESTS.EXE
+set -eu
+top=$(cd "$(dirname "$0")/../.." && pwd)
+program=$1 tests=$2
+. "$top/tests/windows/wine.sh"
+start_screen
+prepare_prefix
+
+cat >"$work/planted.c" <<'END'
+#include <windows.h>
+BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, LPVOID reserved) {
+    (void)reserved;
+    char name[MAX_PATH + 10];
+    const DWORD length = GetModuleFileNameA(library, name, MAX_PATH);
+    lstrcpyA(name + length, ".loaded");
+    if (reason == DLL_PROCESS_ATTACH)
+        CloseHandle(CreateFileA(name, GENERIC_WRITE, 0, NULL, CREATE_ALWAYS, 0, NULL));
+    return TRUE;
+}
+END
+mkdir "$work/program" "$work/folder"
+x86_64-w64-mingw32-gcc-posix -shared -o "$work/planted.dll" "$work/planted.c"
+cp "$program" "$work/program/quill.exe"
+cp "$tests" "$work/program/tests.exe"
+# What Windows has no list of its own for, and looks for beside the program: what the program or one
+# of its libraries loads by name.
+planted="rasapi32 rasman dwmapi cryptbase propsys profapi mswsock textshaping"
+for name in $planted; do
+    cp "$work/planted.dll" "$work/program/$name.dll"
+    cp "$work/planted.dll" "$work/folder/$name.dll"
+done
+
+none_loaded() { [ -z "$(find "$work/program" "$work/folder" -name '*.loaded')" ]; }
+loaded() { find "$work/program" "$work/folder" -name '*.loaded' | tr '\n' ' '; }
+
+# A library that is asked for by its name alone is loaded from there: the trap works.
+cat >"$work/careless.c" <<'END'
+#include <windows.h>
+int main(void) { return LoadLibraryA("rasman.dll") == NULL; }
+END
+x86_64-w64-mingw32-gcc-posix -o "$work/program/careless.exe" "$work/careless.c"
+export WINEDLLOVERRIDES="$WINEDLLOVERRIDES;$(echo "$planted" | tr ' ' ',')=n,b"
+cd "$work/folder"
+timeout 60 wine "$work/program/careless.exe" || fail "the trap's own program failed"
+! none_loaded || fail "the trap does not work"
+rm -f "$work"/program/*.loaded "$work"/folder/*.loaded
+
+timeout 60 wine "$work/program/tests.exe" --gtest_filter='Library.*:Manifest.*:Winsock.Dotted*' >"$work/log" 2>&1 ||
+    { cat "$work/log" >&2; fail "the calls of the libraries failed"; }
+none_loaded || fail "loaded by the tests: $(loaded)"
+
+fresh_device
+run wine "$work/program/quill.exe"
+client=$last
+await 30 has_window "^$title" || fail "no window"
+sleep 1
+xdotool key ctrl+shift+q
+await 20 has_ended "$client" || fail "the program did not end"
+wait "$client" || fail "the program ended with code $?"
+none_loaded || fail "loaded by the program: $(loaded)"
+echo "none of $(echo "$planted" | wc -w) libraries"

@@ -1,0 +1,80 @@
+#!/bin/sh
+# The Windows program on monitors of 100, 150 and 200 %: text, menu, toolbar and a dialog are larger by
+# the same factor. A picture of each is kept.
+# Usage: scale_test.sh QUILL.EXE DEMO_HOST
+set -eu
+top=$(cd "$(dirname "$0")/../.." && pwd)
+program=$1 demo=$2
+screen_size=1700x1300
+. "$top/tests/windows/wine.sh"
+command -v socat >/dev/null || { echo "scale_test.sh: socat is missing" >&2; exit 77; }
+start_screen
+prepare_prefix
+: >"$work/host"
+run "$demo" >"$work/host"
+port=$(first_line "$work/host")
+start_relay "${port##*:}"
+desktop='HKCU\Control Panel\Desktop'
+whole='HKCU\Software\Wine\Explorer\Desktops'
+set_scale() {
+    wine reg add "$desktop" /v LogPixels /t REG_DWORD /d "$(($1 * 96 / 100))" /f >/dev/null
+    wine reg add "$whole" /v Default /d "$2" /f >/dev/null
+    wineserver -k || :
+    wineserver -w
+    wineserver -p
+}
+trap 'set_scale 100 1024x768; clean_up' EXIT
+
+size_of() { xdotool search --name "$1" 2>/dev/null | head -n 1 | xargs -n 1 xdotool getwindowgeometry --shell |
+    tr '\n' ' ' | sed 's/.*WIDTH=\([0-9]*\) HEIGHT=\([0-9]*\).*/\1 \2/'; }
+
+# session_at SCALE: leaves the dialog's and the window's sizes.
+session_at() {
+    set_scale "$1" "$screen_size"
+    fresh_device
+    printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "$relay_port" >"$device_root/mconfig.cfg"
+    : >"$work/received"
+    run wine "$program"
+    client=$last
+    xdotool mousemove 300 300 # who is below the mouse has the keyboard
+    await 30 has_window '^Quill Telnet$' || fail "no notice of the import at $1 %"
+    sleep 0.5
+    answer_notice
+    await 20 received "login:" || fail "the host's question did not come at $1 %"
+    await 10 is_painted || fail "the host's text was not painted at $1 %"
+    sleep 0.5
+    type_line anna
+    await 10 received "assword" || fail "the host asked for no password"
+    type_line secret
+    await 10 received "Main menu" || fail "the host showed no menu"
+    sleep 1
+    picture "scale-$1"
+    size_of "^$title  \[" >"$work/window-$1"
+    xdotool key alt+s
+    sleep 0.5
+    xdotool key p
+    await 10 has_window '^Properties$' || fail "the properties did not open at $1 %"
+    sleep 0.5
+    picture "scale-$1-dialog"
+    size_of '^Properties$' >"$work/dialog-$1"
+    xdotool key Escape
+    await 10 has_no_window '^Properties$' || fail "the properties did not close"
+    xdotool key ctrl+shift+q
+    await 20 has_ended "$client" || fail "the program did not end"
+    wait "$client" || fail "the program ended with code $?"
+}
+
+# larger_by SCALE NAME: both sides. The frame round a dialog stays as it is in Wine.
+larger_by() {
+    paste -d ' ' "$work/$2-100" "$work/$2-$1" | awk -v scale="$1" '
+        { for (i = 1; i <= 2; i++) { factor = $(i + 2) / $i * 100 / scale; if (factor < 0.85 || factor > 1.1) bad = 1 } }
+        END { exit bad || NR != 1 }' || fail "the $2 at $1 %: $(cat "$work/$2-$1"), at 100 %: $(cat "$work/$2-100")"
+}
+
+session_at 100
+for scale in 150 200; do
+    session_at $scale
+    larger_by $scale window
+    larger_by $scale dialog
+done
+echo "windows: $(cat "$work"/window-* | tr '\n' ','), dialogs: $(cat "$work"/dialog-* | tr '\n' ',')"
