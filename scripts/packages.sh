@@ -9,11 +9,13 @@ PACKAGES_HEADLESS="xvfb"
 PACKAGES_WINDOWS="cmake ninja-build g++-mingw-w64-x86-64"
 # libkrb5-3 is for the unpacked telnetd of the peer tests, libvterm-dev for the benchmarks,
 # python3-pycryptodome for the SSH-1 test server, googletest and Wine for the Windows program;
-# libncurses-dev, ncurses-term and the programs after it for the terminal's description.
+# libncurses-dev, ncurses-term and the programs after it for the terminal's description; weston and
+# qt6-wayland for the tests under Wayland, dbus to gir1.2-atspi for those of a screen reader.
 PACKAGES_TEST="libgtest-dev clang libclang-rt-dev|libclang-rt-14-dev|libclang-rt-18-dev
     xvfb xauth x11-utils xdotool xclip imagemagick socat libkrb5-3 libvterm-dev libbenchmark-dev
     libgmp-dev libssl-dev openssh-client python3-asyncssh python3-paramiko python3-twisted
     python3 python3-pycryptodome googletest wine wine64
+    weston qt6-wayland dbus-daemon dbus-bin at-spi2-core python3-gi gir1.2-atspi-2.0
     libncurses-dev ncurses-term vim nano less mc dialog htop procps tmux w3m"
 TOOLS_BUILD="c++ cmake ninja tic x86_64-w64-mingw32-windres"
 

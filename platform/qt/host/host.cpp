@@ -13,6 +13,7 @@
 #include "platform/qt/shell/dial_up.h"
 #include "platform/qt/shell/menu_bar.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/accessible.h"
 #include "platform/qt/window/gdi.h"
 #include "resources/resource_ids.h"
 
@@ -135,6 +136,7 @@ void OpenDevice(const HostOptions& options) {
     SetDeviceRoot(options.root);
     SetResourceImage(quill_resources, static_cast<size_t>(quill_resources_end - quill_resources));
     SetSystemFont();
+    OfferToScreenReaders();
     RegisterControls();
     RegisterMenuBar();
     OpenDeviceScreen(QSize(kNarrowestPixels, 300));
@@ -144,6 +146,7 @@ void OpenDevice(const HostOptions& options) {
 
 // The modem, which may take its time, is waited for when nothing is shown any more.
 void CloseDevice() {
+    ForgetTextChanges();
     DestroyAllWindows();
     StopServingInstances();
     ResetMessages();

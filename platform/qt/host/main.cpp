@@ -8,6 +8,7 @@
 #include "platform/qt/host/end_signals.h"
 #include "platform/qt/host/host.h"
 #include "platform/qt/host/screen_text.h"
+#include "platform/qt/host/terminal_source.h"
 #include "platform/qt/testing.h"
 
 namespace {
@@ -117,6 +118,7 @@ int main(int argc, char** argv) {
     if (scale != kUsualScale) StartAgain(given, scale);
     if (!options.snapshot.isEmpty() || !options.text.isEmpty()) WatchForRest(options);
     EndBySignals();
+    ServeTerminalText();
     const int result = WinMain(nullptr, nullptr, nullptr, SW_SHOW);
     CloseDevice();
     return result;

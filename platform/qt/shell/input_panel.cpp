@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "platform/qt/window/accessible.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/slice.h"
 #include "platform/qt/window/window_widget.h"
@@ -197,6 +198,7 @@ void InputPanel::MakeKeys() {
     }
     Label();
     PlaceKeys();
+    for (PanelKey* key : keys_) TellWidgetMade(key);
 }
 
 void InputPanel::LetGo() {

@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <utility>
 
+#include "platform/qt/window/accessible.h"
 #include "platform/qt/window/drawing_observer.h"
 #include "platform/qt/window/window_widget.h"
 
@@ -93,6 +94,7 @@ void PaintFrameOf(Window& window) {
     if (!NextOfFrame()) BeginFrame();
     g_painted.push_back(window.handle);
     if (WindowWidget* widget = PaintedWidget(window)) widget->PaintInvalid();
+    TellTextChanges();
 }
 
 void HurryFrames() { RestPace(&g_pace, Now()); }
@@ -100,6 +102,7 @@ void HurryFrames() { RestPace(&g_pace, Now()); }
 // The X server reads from shared memory what was painted, and the toolkit does not paint there
 // again before the server has answered that it is done. That is asked for here, while nobody waits.
 void SettleFrames() {
+    TellTextChanges();
     static const bool shared = QGuiApplication::platformName() == "xcb";
     if (!std::exchange(g_unsettled, false) || !shared) return;
     QBackingStore* store = DeviceScreen() ? ReadyStore(DeviceScreen()) : nullptr;

@@ -5,6 +5,7 @@
 
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/testing.h"
+#include "platform/qt/window/accessible.h"
 #include "platform/qt/window/window_widget.h"
 
 namespace {
@@ -39,6 +40,7 @@ void RemoveWindow(HWND handle) {
     Window* window = FindWindowRecord(handle);
     if (!window) return;
     if (window->widget) {
+        TellWidgetGone(window->widget);
         window->widget->hide();
         window->widget->deleteLater();
     }
@@ -155,7 +157,9 @@ HWND CreateWindowExW(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD st
     SendSize(*window);
     if (style & WS_VISIBLE) ShowWindow(handle, SW_SHOW);
     if (!child) ServeOtherInstances(handle);
-    return FindWindowRecord(handle) ? handle : nullptr;
+    window = FindWindowRecord(handle);
+    if (window) TellWidgetMade(window->widget);
+    return window ? handle : nullptr;
 }
 
 BOOL DestroyWindow(HWND handle) {
