@@ -6,6 +6,11 @@ mkdir -m 700 "$XDG_RUNTIME_DIR"
 unset AT_SPI_BUS_ADDRESS || :
 launcher=/usr/libexec/at-spi-bus-launcher
 
+has_screen_reader_bus() {
+    dbus-send --session --print-reply --dest=org.freedesktop.DBus / \
+        org.freedesktop.DBus.NameHasOwner string:org.a11y.Bus | grep -q 'boolean true'
+}
+
 # open_buses: sets DBUS_SESSION_BUS_ADDRESS, and SESSION_BUS and SCREEN_READER_BUS, the processes.
 open_buses() {
     [ -x $launcher ] || { echo "$script: $launcher is missing" >&2; exit 77; }
@@ -19,6 +24,9 @@ open_buses() {
     SCREEN_READER_BUS=$!
     ends_with_us $SCREEN_READER_BUS
     export SESSION_BUS SCREEN_READER_BUS
-    await 10 dbus-send --session --print-reply --dest=org.a11y.Bus /org/a11y/bus \
-        org.a11y.Bus.GetAddress || fail "no bus for screen readers"
+    # Whoever calls it before it is there has the bus start another one.
+    await 20 has_screen_reader_bus || fail "no bus for screen readers"
+    dbus-send --session --print-reply --dest=org.a11y.Bus /org/a11y/bus \
+        org.freedesktop.DBus.Properties.Set string:org.a11y.Status string:IsEnabled \
+        variant:boolean:true >/dev/null || fail "the bus for screen readers does not answer"
 }
