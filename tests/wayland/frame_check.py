@@ -44,13 +44,14 @@ def thick(places):
     return lines
 
 
-def check(path, scale):
+def check(path, scale, density):
     """A gap of one pixel would halve a line, and it would not be found."""
     width, height, data = pixels(path)
+    panel = int(34 * density)  # the compositor's, with a clock; the program has its bar there
     rows = [data[y * width:(y + 1) * width] for y in range(height)]
     across_least = int((COLUMNS - 2) * 4 * scale)  # a cell is at least 4 wide and 7 high
     down_least = int(ROWS * 7 * scale)
-    across = {y: runs(rows[y], across_least, across_least * 2) for y in range(height)}
+    across = {y: runs(rows[y], across_least, int(across_least * 1.3)) for y in range(panel, height)}
     across = {y: found[0] for y, found in across.items() if len(found) == 1}
     lines = thick(across)
     assert len(lines) == 3, f"{len(lines)} whole lines across in place of 3"
@@ -87,7 +88,7 @@ def check_sharpness(left, top, data, width, scale):
 def main():
     path, scale, density = sys.argv[1], float(sys.argv[2]), float(sys.argv[3])
     whole = scale * density
-    check_sharpness(*check(path, whole), whole)
+    check_sharpness(*check(path, whole, density), whole)
     print(f"{path}: whole lines at {whole:g}")
 
 
