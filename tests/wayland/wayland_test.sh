@@ -19,7 +19,8 @@ export XDG_RUNTIME_DIR="$work/runtime" HOME="$work"
 mkdir -m 700 "$XDG_RUNTIME_DIR"
 unset DISPLAY QT_QPA_PLATFORM XDG_SESSION_TYPE XDG_CURRENT_DESKTOP || :
 weston --backend=headless-backend.so --use-pixman --scale="$density" \
-    --width=$((1800 / density)) --height=$((1300 / density)) --socket=quill-test --idle-time=0 --no-config --debug >"$work/weston.log" 2>&1 &
+    --width=$((1800 / density)) --height=$((1300 / density)) \
+    --socket=quill-test --idle-time=0 --no-config --debug >"$work/weston.log" 2>&1 &
 ends_with_us $!
 export WAYLAND_DISPLAY=quill-test
 await 20 test -S "$XDG_RUNTIME_DIR/$WAYLAND_DISPLAY" || { cat "$work/weston.log" >&2; fail "no compositor"; }
