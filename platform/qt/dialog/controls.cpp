@@ -81,7 +81,11 @@ void NameControls(const std::vector<Window*>& controls) {
         auto* label = As<QLabel>(*controls[i - 1]);
         if (!label || !TakesItsName(*controls[i])) continue;
         const Window* before = i > 1 ? controls[i - 2] : nullptr;
-        controls[i]->widget->setAccessibleName(NameFromLabels(*controls[i - 1], before));
+        const QString name = NameFromLabels(*controls[i - 1], before);
+        controls[i]->widget->setAccessibleName(name);
+        // The keyboard is in the edit of a combo box, which has no label of its own.
+        auto* combo = As<QComboBox>(*controls[i]);
+        if (combo && combo->lineEdit()) combo->lineEdit()->setAccessibleName(name);
         label->setBuddy(controls[i]->widget);
         ShowLabel(*controls[i - 1]);
     }
@@ -101,7 +105,9 @@ void GroupRadios(const std::vector<Window*>& controls, QWidget* content) {
     for (const Window* window : controls) {
         if (!group || window->control->style & WS_GROUP) group = new QButtonGroup(content);
         auto* radio = As<QRadioButton>(*window);
-        if (radio && (window->control->style & 0xFu) == BS_AUTORADIOBUTTON) group->addButton(radio);
+        if (!radio || (window->control->style & 0xFu) != BS_AUTORADIOBUTTON) continue;
+        group->addButton(radio);
+        radio->setAutoExclusive(true);  // a group decides; screen readers go by this
     }
 }
 

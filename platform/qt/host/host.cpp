@@ -11,6 +11,7 @@
 #include "platform/qt/services/resources.h"
 #include "platform/qt/services/services.h"
 #include "platform/qt/shell/shell.h"
+#include "platform/qt/window/accessible.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
@@ -102,6 +103,7 @@ void OpenDevice(const HostOptions& options) {
     SetDeviceRoot(options.root);
     SetResourceImage(quill_resources, static_cast<size_t>(quill_resources_end - quill_resources));
     SetSystemFont();
+    OfferToScreenReaders();
     RegisterMenuBar();
     OpenDeviceScreen(QSize(kNarrowestPixels, 300));
     FurnishShell();
@@ -111,6 +113,7 @@ void OpenDevice(const HostOptions& options) {
 
 // The modem, which may take its time, is waited for when nothing is shown any more.
 void CloseDevice() {
+    ForgetTextChanges();
     DestroyAllWindows();
     StopServingInstances();
     ResetMessages();

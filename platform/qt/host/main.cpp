@@ -18,6 +18,7 @@
 #include "platform/qt/host/host.h"
 #include "platform/qt/host/profiles.h"
 #include "platform/qt/host/tasks.h"
+#include "platform/qt/host/terminal_source.h"
 #include "platform/qt/host/window_place.h"
 #include "platform/qt/services/services.h"
 #include "platform/qt/window/device_screen.h"
@@ -156,6 +157,7 @@ int RunProgram(const CommandLine& line) {
     if (KeepsPlace(options)) RestoreWindowPlace();
     if (!options.snapshot.isEmpty() || !options.text.isEmpty()) WatchForRest(options);
     EndBySignals();
+    ServeTerminalText();
     const int result = WinMain(nullptr, nullptr, nullptr, SW_SHOW);
     if (KeepsPlace(options)) SaveWindowPlace();
     return result;

@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "platform/qt/window/accessible.h"
 #include "platform/qt/window/device_screen.h"
 
 struct PanelKeyRow {
@@ -198,6 +199,7 @@ void InputPanel::MakeKeys() {
     }
     Label();
     PlaceKeys();
+    for (PanelKey* key : keys_) TellWidgetMade(key);
 }
 
 void InputPanel::LetGo() {

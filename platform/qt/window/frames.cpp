@@ -7,6 +7,7 @@
 #include <QWindow>
 #include <utility>
 
+#include "platform/qt/window/accessible.h"
 #include "platform/qt/window/window.h"
 
 namespace {
@@ -100,6 +101,7 @@ void PaintFrameOf(Window& window) {
     if (!NextOfFrame()) BeginFrame();
     g_painted.push_back(window.handle);
     if (PaintedByProgram(window)) window.operations->paint(window);
+    TellTextChanges();
 }
 
 void HurryFrames() { RestPace(&g_pace, Now()); }
@@ -107,6 +109,7 @@ void HurryFrames() { RestPace(&g_pace, Now()); }
 // The X server reads from shared memory what was painted, and the toolkit does not paint there
 // again before the server has answered that it is done. That is asked for here, while nobody waits.
 void SettleFrames() {
+    TellTextChanges();
     static const bool shared = QGuiApplication::platformName() == "xcb";
     if (!std::exchange(g_unsettled, false) || !shared) return;
     const Window* program = ProgramWindow();

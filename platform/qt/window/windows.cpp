@@ -3,6 +3,7 @@
 #include "platform/qt/window/window.h"
 
 #include "platform/qt/services/services.h"
+#include "platform/qt/window/accessible.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
@@ -33,6 +34,7 @@ void RemoveWindow(HWND handle) {
     Window* window = FindWindowRecord(handle);
     if (!window) return;
     if (window->widget) {
+        TellWidgetGone(window->widget);
         window->widget->hide();
         window->widget->deleteLater();
     }
@@ -193,7 +195,9 @@ HWND CreateWindowExW(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD st
     SendSize(*window);
     if (style & WS_VISIBLE) ShowWindow(handle, SW_SHOW);
     if (!child) ServeOtherInstances(handle);
-    return FindWindowRecord(handle) ? handle : nullptr;
+    window = FindWindowRecord(handle);
+    if (window) TellWidgetMade(window->widget);
+    return window ? handle : nullptr;
 }
 
 BOOL DestroyWindow(HWND handle) {

@@ -1,0 +1,304 @@
+// The windows that the program paints, for screen readers.
+#include "platform/qt/window/accessible.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include "platform/qt/window/window_widget.h"
+
+TextScreenSource text_screen_source;
+
+namespace {
+
+constexpr int kListeningMilliseconds = 50;
+
+struct Told {
+    TextScreen screen;
+    QElapsedTimer since;
+    QPointer<QTimer> later;
+    QPointer<QWidget> widget;  // the window that `screen` is of
+};
+std::unique_ptr<Told> g_told;  // null until something was told
+
+TextScreen ReadScreen() {
+    return text_screen_source.read ? text_screen_source.read() : TextScreen();
+}
+
+QWidget* TextWidget() {
+    const HWND handle = text_screen_source.window ? text_screen_source.window() : nullptr;
+    const Window* window = FindWindowRecord(handle);
+    return window ? window->widget.data() : nullptr;
+}
+
+bool IsProgramWidget(const QWidget* widget) {
+    for (const Window* window : AllWindows())
+        if (widget && window->widget == widget) return IsProgramWindow(*window);
+    return false;
+}
+
+// The program's window has the keyboard, and its text is what the keys go to.
+bool TextHasFocus() { return TextWidget() && IsProgramWidget(QApplication::focusWidget()); }
+
+// The window that shows text. Offsets that a screen reader asks for may be of an earlier text.
+class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface {
+  public:
+    explicit TextAccessible(QWidget* widget)
+        : QAccessibleWidget(widget, QAccessible::Terminal, "Terminal") {}
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::TextInterface) return static_cast<QAccessibleTextInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.focusable = state.multiLine = true;
+        state.focused = TextHasFocus();
+        return state;
+    }
+
+    int characterCount() const override { return static_cast<int>(TextOf(ReadScreen()).size()); }
+    QString text(int start, int end) const override {
+        const QString whole = TextOf(ReadScreen());
+        const int length = static_cast<int>(whole.size());
+        start = std::clamp(start, 0, length);
+        return whole.mid(start, std::clamp(end, start, length) - start);
+    }
+    int cursorPosition() const override { return CursorOffset(ReadScreen()); }
+    void setCursorPosition(int) override {}  // the host's to move
+
+    int selectionCount() const override {
+        return static_cast<int>(SelectedRanges(ReadScreen()).size());
+    }
+    void selection(int index, int* start, int* end) const override {
+        const std::vector<TextRange> ranges = SelectedRanges(ReadScreen());
+        const bool there = index >= 0 && index < static_cast<int>(ranges.size());
+        const TextRange range = there ? ranges[static_cast<size_t>(index)] : TextRange{0, 0};
+        *start = range.start;
+        *end = range.end;
+    }
+    void addSelection(int, int) override {}  // the stylus selects
+    void removeSelection(int) override {}
+    void setSelection(int, int, int) override {}
+
+    QRect characterRect(int offset) const override {
+        const TextScreen screen = ReadScreen();
+        const QPoint place = PlaceOf(screen, offset);
+        const QSize cell = screen.cell.size();
+        const QPoint corner =
+            screen.cell.topLeft() + QPoint(place.x() * cell.width(), place.y() * cell.height());
+        return QRect(widget()->mapToGlobal(corner), cell);
+    }
+    int offsetAtPoint(const QPoint& point) const override {
+        const TextScreen screen = ReadScreen();
+        const QPoint in = widget()->mapFromGlobal(point) - screen.cell.topLeft();
+        if (screen.cell.isEmpty() || !widget()->rect().contains(widget()->mapFromGlobal(point)))
+            return -1;
+        return OffsetOf(screen,
+                        QPoint(in.x() / screen.cell.width(), in.y() / screen.cell.height()));
+    }
+    void scrollToSubstring(int, int) override {}
+    QString attributes(int, int* start, int* end) const override {
+        *start = 0;
+        *end = characterCount();
+        return QString();
+    }
+};
+
+// The window around it, whose focus is its text's.
+class ProgramAccessible : public QAccessibleWidget {
+  public:
+    explicit ProgramAccessible(QWidget* widget)
+        : QAccessibleWidget(widget, QAccessible::Pane, QString()) {}
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        if (TextWidget()) state.focusable = state.focused = false;
+        return state;
+    }
+    QAccessibleInterface* focusChild() const override {
+        return TextHasFocus() ? QAccessible::queryAccessibleInterface(TextWidget())
+                              : QAccessibleWidget::focusChild();
+    }
+};
+
+// Buttons whose marks the program follows, and the soft keyboard's keys. The toolkit's own
+// interface turns a mark without the click that a person's finger would be.
+class ButtonAccessible : public QAccessibleWidget {
+  public:
+    ButtonAccessible(QAbstractButton* button, QAccessible::Role role)
+        : QAccessibleWidget(button, role), button_(button) {}
+
+    QString text(QAccessible::Text kind) const override {
+        const QString own = QAccessibleWidget::text(kind);
+        if (kind != QAccessible::Name || !own.isEmpty()) return own;
+        return QString(button_->text()).remove('&').simplified();
+    }
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = button_->isCheckable();
+        state.checked = button_->isChecked();
+        return state;
+    }
+    QStringList actionNames() const override {
+        return QStringList(button_->isCheckable() ? toggleAction() : pressAction()) +
+               QAccessibleWidget::actionNames();
+    }
+    void doAction(const QString& name) override {
+        if (name != toggleAction() && name != pressAction())
+            return QAccessibleWidget::doAction(name);
+        // Not within the reader's call: what a click does may wait for a person.
+        if (button_->isEnabled())
+            QMetaObject::invokeMethod(button_, &QAbstractButton::click, Qt::QueuedConnection);
+    }
+
+  private:
+    QAbstractButton* button_;
+};
+
+struct ButtonRow {
+    const char* widget_class;
+    QAccessible::Role role;
+};
+
+const ButtonRow kButtons[] = {
+    {"QCheckBox", QAccessible::CheckBox},
+    {"QRadioButton", QAccessible::RadioButton},
+    {"PanelKey", QAccessible::Button},
+};
+
+QAccessibleInterface* OfButton(const QString& class_name, QWidget* widget) {
+    auto* button = qobject_cast<QAbstractButton*>(widget);
+    if (!button) return nullptr;
+    if (class_name == "QToolButton" && button->isCheckable())
+        return new ButtonAccessible(button, QAccessible::CheckBox);
+    for (const ButtonRow& row : kButtons)
+        if (class_name == row.widget_class) return new ButtonAccessible(button, row.role);
+    return nullptr;
+}
+
+struct RoleRow {
+    LPCWSTR window_class;
+    QAccessible::Role role;
+    const char* name;  // empty: the widget's own
+};
+
+const RoleRow kRoles[] = {
+    {kCommandBarClass, QAccessible::ToolBar, "Toolbar"},
+    {STATUSCLASSNAME, QAccessible::StatusBar, ""},
+};
+
+QAccessibleInterface* OfWindow(const Window& window, QWidget* widget) {
+    if (widget == TextWidget()) return new TextAccessible(widget);
+    if (IsProgramWindow(window)) return new ProgramAccessible(widget);
+    for (const RoleRow& row : kRoles)
+        if (window.window_class->name == row.window_class)
+            return new QAccessibleWidget(widget, row.role, row.name);
+    return nullptr;
+}
+
+QAccessibleInterface* MakeAccessible(const QString& class_name, QObject* object) {
+    auto* widget = qobject_cast<QWidget*>(object);
+    if (widget && widget == DeviceScreen() && class_name == "ScreenWidget")
+        return new QAccessibleWidget(widget, QAccessible::Window);
+    if (QAccessibleInterface* button = OfButton(class_name, widget)) return button;
+    if (!widget || class_name != "WindowWidget") return nullptr;
+    for (const Window* window : AllWindows())
+        if (window->widget == widget) return OfWindow(*window, widget);
+    return nullptr;
+}
+
+// The toolkit tells of the program's window, after this signal.
+void TellFocusOfText() {
+    if (!TextHasFocus()) return;
+    QAccessibleEvent event(TextWidget(), QAccessible::Focus);
+    QAccessible::updateAccessibility(&event);
+}
+
+void OnFocusChanged(QWidget*, QWidget* now) {
+    if (QAccessible::isActive() && IsProgramWidget(now))
+        QMetaObject::invokeMethod(qApp, TellFocusOfText, Qt::QueuedConnection);
+}
+
+void TellChange(QWidget* widget, const TextChange& change) {
+    if (change.removed.isEmpty()) {
+        QAccessibleTextInsertEvent event(widget, change.offset, change.inserted);
+        QAccessible::updateAccessibility(&event);
+    } else if (change.inserted.isEmpty()) {
+        QAccessibleTextRemoveEvent event(widget, change.offset, change.removed);
+        QAccessible::updateAccessibility(&event);
+    } else {
+        QAccessibleTextUpdateEvent event(widget, change.offset, change.removed, change.inserted);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+void TellSelection(QWidget* widget, const TextScreen& screen) {
+    const std::vector<TextRange> ranges = SelectedRanges(screen);
+    const TextRange range = ranges.empty() ? TextRange{0, 0} : ranges.front();
+    QAccessibleTextSelectionEvent event(widget, range.start, range.end);
+    QAccessible::updateAccessibility(&event);
+}
+
+void TellDifferences(QWidget* widget, const TextScreen& before, const TextScreen& now) {
+    for (const TextChange& change : ChangesBetween(before, now)) TellChange(widget, change);
+    if (CursorOffset(before) != CursorOffset(now)) {
+        QAccessibleTextCursorEvent event(widget, CursorOffset(now));
+        QAccessible::updateAccessibility(&event);
+    }
+    if (before.selected != now.selected) TellSelection(widget, now);
+}
+
+void TellNow() {
+    QWidget* widget = TextWidget();
+    if (!widget || !g_told) return;
+    TextScreen now = ReadScreen();
+    const TextScreen before = std::exchange(g_told->screen, now);
+    g_told->since.start();
+    // Of a window that is new nothing has changed.
+    if (g_told->widget == widget) TellDifferences(widget, before, now);
+    if (g_told) g_told->widget = widget;
+}
+
+// A screen reader keeps what it knows of a widget's children until it hears of others.
+void TellOfWidget(QWidget* widget, QAccessible::Event kind) {
+    if (!QAccessible::isActive() || !widget) return;
+    QAccessibleEvent event(widget, kind);
+    QAccessible::updateAccessibility(&event);
+}
+
+void TellLater(qint64 milliseconds) {
+    if (!g_told->later) {
+        g_told->later = new QTimer(qApp);
+        g_told->later->setSingleShot(true);
+        QObject::connect(g_told->later, &QTimer::timeout, g_told->later, TellNow);
+    }
+    if (!g_told->later->isActive()) g_told->later->start(static_cast<int>(milliseconds));
+}
+
+}  // namespace
+
+void OfferToScreenReaders() {
+    static QMetaObject::Connection focus;
+    QAccessible::installFactory(MakeAccessible);
+    QObject::disconnect(focus);
+    focus = QObject::connect(qApp, &QApplication::focusChanged, OnFocusChanged);
+}
+
+void TellWidgetMade(QWidget* widget) { TellOfWidget(widget, QAccessible::ObjectCreated); }
+
+void TellWidgetGone(QWidget* widget) { TellOfWidget(widget, QAccessible::ObjectDestroyed); }
+
+void TellTextChanges() {
+    if (!QAccessible::isActive()) return;
+    if (!g_told) g_told = std::make_unique<Told>();
+    const qint64 since = g_told->since.isValid() ? g_told->since.elapsed() : kListeningMilliseconds;
+    if (since >= kListeningMilliseconds) return TellNow();
+    TellLater(kListeningMilliseconds - since);
+}
+
+void ForgetTextChanges() {
+    if (g_told) delete g_told->later;
+    g_told.reset();
+}

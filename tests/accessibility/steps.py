@@ -1,0 +1,214 @@
+"""The steps of the screen reader's test; each has its own program and bus.
+
+Usage: steps.py PROGRAM WORK-FOLDER STEP
+"""
+import os
+import pathlib
+import signal
+import sys
+import time
+
+from reader import *
+
+
+def names_and_roles(path, work):
+    host, program = in_session(path, work)
+    eventually(lambda: has(main_window(), "active"), "the window to be the active one")
+    find("push button", "disconnect")
+    bar = find("tool bar", "Toolbar")
+    names = [each.get_name() for each in children(bar)]
+    assert names[:4] == ["swap toolbar", "disconnect", "cut", "paste"], names
+    assert all(names), names
+    assert {each.get_role_name() for each in children(bar)} == {"push button"}
+    menus = find("menu bar")
+    assert [each.get_name() for each in children(menus)] == ["File", "Fx", "Keys", "Settings"]
+    find("menu item", "Properties...")
+    find("status bar", "online row: 1 column: 1")
+    find("check box", "Keyboard")
+    assert {"focused", "focusable", "multi-line", "showing"} <= states(terminal())
+    program.end()
+
+
+def rows_and_cursor(path, work):
+    host, program = in_session(path, work)
+    screen = terminal()
+    host.send("\033[2J\033[3;1Hdock 4\033[7;5Hna\xefve caf\xe9 \x80\033[9;1H\033)0\016lqk\017 box"
+              "\033[5;11H\033[1m12 pallets\033[0m\033[5;16H")
+    eventually(lambda: "box" in text_of(screen), "the host's text")
+    rows = text_of(screen).split("\n")
+    assert len(rows) == 24, len(rows)
+    assert rows[2] == "dock 4" and rows[4] == "          12 pallets", rows
+    assert rows[6] == "    na\xefve caf\xe9 \u20ac", rows[6]
+    assert rows[8] == "\u250c\u2500\u2510 box", rows[8]
+    assert caret(screen) == (4, 15), caret(screen)
+    # A row by the offset of the caret, as a reader asks for the line it is in.
+    here = Atspi.Text.get_text_at_offset(screen, Atspi.Text.get_caret_offset(screen),
+                                         Atspi.TextBoundaryType.LINE_START)
+    assert here.content.strip() == "12 pallets", here.content
+    # The cursor is a place of the text also behind a row's end.
+    host.send("\033[20;41H")
+    eventually(lambda: caret(screen) == (19, 40), "the cursor behind the end of a row")
+    # Cells lie below and beside each other.
+    first = Atspi.Text.get_character_extents(screen, 0, Atspi.CoordType.SCREEN)
+    offset = text_of(screen).index("pallets")
+    word = Atspi.Text.get_character_extents(screen, offset, Atspi.CoordType.SCREEN)
+    assert first.width > 0 and first.height > 0
+    assert word.x == first.x + 13 * first.width and word.y == first.y + 4 * first.height
+    assert Atspi.Text.get_offset_at_point(screen, word.x + 1, word.y + 1,
+                                          Atspi.CoordType.SCREEN) == offset
+    program.end()
+
+
+def lines_are_heard(path, work):
+    host, program = in_session(path, work)
+    screen = terminal()
+    heard = Heard("object:text-changed", "object:text-caret-moved")
+    host.send("\033[2J\033[Horder 4711 accepted\r\n")
+    eventually(lambda: "order 4711 accepted" in heard.spoken(), "the new line")
+    eventually(lambda: any(each[0] == "object:text-caret-moved" and each[4] == "terminal"
+                           for each in heard.events), "the cursor's move")
+    assert caret(screen) == (1, 0)
+    # Only what is new is said of a row.
+    heard.events.clear()
+    host.send("qty: ")
+    eventually(lambda: heard.spoken() == "qty: ", "the prompt alone")
+    # A full screen that scrolls: the line that comes is said, those that move are not.
+    host.send("\033[2J\033[H" + "\r\n".join(f"line {i} of stock" for i in range(1, 25)))
+    eventually(lambda: "line 24 of stock" in text_of(screen), "a full screen")
+    eventually(lambda: "line 24 of stock" in heard.spoken(), "the full screen's last line")
+    time.sleep(0.3)
+    eventually(lambda: True, "")
+    heard.events.clear()
+    host.send("\r\nlast line")
+    eventually(lambda: "last line" in heard.spoken(), "the line that scrolled in")
+    assert heard.spoken().strip() == "last line", heard.spoken()
+    assert heard.texts("object:text-changed:delete") == ["line 1 of stock\n"], heard.events
+    program.end()
+
+
+def buttons_by_action(path, work):
+    host, program = in_session(path, work)
+    find("push button", "disconnect")
+    press(find("push button", "P5"))
+    host.await_bytes(b"\033[15~")
+    press(find("menu item", "Arrow Up"))
+    host.await_bytes(b"\033[A")
+    press(find("menu item", "About..."))
+    about = dialog("")
+    press(find("push button", "OK", top=about))
+    eventually(lambda: not has(about, "showing"), "the end of the dialog")
+    host.answered()
+    # The soft keyboard: its keys by their names.
+    panel = find("check box", "Keyboard")
+    assert panel.do_action(0)
+    key = find("push button", "q")
+    press(key)
+    host.await_bytes(b"q")
+    program.end()
+
+
+def fill_in(box, name, text):
+    edit = find("text", name, top=box)
+    assert has(edit, "editable")
+    assert Atspi.EditableText.set_text_contents(edit, text)
+    eventually(lambda: text_of(edit) == text, f"{name} to read {text}")
+
+
+def dialog_filled_in(path, work):
+    host = Host()
+    program = Program(path, work)
+    main_window()
+    press(find("menu item", "Connect..."))
+    box = dialog("Connect")
+    fill_in(box, "UNIX Host IP Address", "127.0.0.1")
+    press(find("push button", "Advanced...", top=box))
+    advanced = dialog("Connect Advanced")
+    fill_in(advanced, "Port", str(host.port))
+    exit_with_session = find("check box", "Exit on session termination", top=advanced)
+    assert exit_with_session.do_action(0)
+    eventually(lambda: has(exit_with_session, "checked"), "the mark")
+    blowfish = find("radio button", "Blowfish", top=advanced)
+    assert blowfish.do_action(0)
+    eventually(lambda: has(blowfish, "checked"), "the cipher's mark")
+    assert not has(find("radio button", "3-DES", top=advanced), "checked")
+    press(find("push button", "OK", top=advanced))
+    eventually(lambda: not shown_window("dialog", "Connect Advanced"), "the end of the dialog")
+    press(find("push button", "OK", top=box))
+    host.accept()
+    main_window("[127.0.0.1]")
+    host.send("\033[2J\033[Hwelcome")
+    eventually(lambda: text_of(terminal()).startswith("welcome"), "the host's greeting")
+    # The session ends, and with it the program, as the dialog was told.
+    host.peer.close()
+    assert program.process.wait(PATIENCE) == 0
+
+
+def bars_that_change(path, work):
+    """Menus and buttons are those of the moment, and a reader hears of the new ones."""
+    host, program = in_session(path, work)
+    find("menu item", "Disconnect...")
+    find("push button", "disconnect")
+    heard = Heard("object:children-changed")
+    press(find("push button", "swap toolbar"))
+    find("push button", "P11")
+    eventually(lambda: "tool bar" in heard.added(), "news of the bar")
+    press(find("menu item", "Disconnect..."))
+    find("menu item", "Connect...")
+    find("push button", "swap toolbar")
+    program.end()
+
+
+def message_box_is_read(path, work):
+    host, program = in_session(path, work)
+    host.peer.close()
+    box = dialog("Error")
+    find("label", "Connection to the UNIX Host has been closed...", top=box)
+    press(find("push button", "OK", top=box))
+    find("status bar", "offline row: 1 column: 1")
+    program.end()
+
+
+def bus_that_dies(path, work):
+    host, program = in_session(path, work)
+    heard = Heard("object:text-changed")
+    host.send("before")
+    eventually(lambda: "before" in heard.spoken(), "the text before")
+    os.kill(int(os.environ["SCREEN_READER_BUS"]), signal.SIGKILL)
+    for folder in pathlib.Path("/proc").glob("[0-9]*"):
+        try:
+            words = (folder / "cmdline").read_bytes().split(b"\0")
+            ours = work.encode() in (folder / "environ").read_bytes()
+        except OSError:
+            continue
+        if ours and words[0].endswith((b"dbus-daemon", b"at-spi2-registryd")):
+            os.kill(int(folder.name), signal.SIGKILL)
+    host.send("\r\n".join(f"after {i}" for i in range(200)))
+    host.answered()
+    program.end()
+
+
+def bus_that_is_not_there(path, work):
+    for address in ("unix:path=" + work + "/nowhere", "", "nonsense:"):
+        os.environ["DBUS_SESSION_BUS_ADDRESS"] = address
+        os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+        host = Host()
+        program = Program(path, work, host.port, ["--text", work + "/text"])
+        host.accept()
+        host.send("\033[2J\033[Hstill here")
+        host.answered()
+        assert program.process.wait(PATIENCE) == 0
+        assert pathlib.Path(work, "text").read_text().startswith("still here")
+
+
+def main():
+    path, work, step = sys.argv[1:]
+    follow_changes()
+    steps = [names_and_roles, rows_and_cursor, lines_are_heard, buttons_by_action,
+             dialog_filled_in, bars_that_change,
+             message_box_is_read, bus_that_dies, bus_that_is_not_there]
+    {each.__name__: each for each in steps}[step](path, work)
+    print(f"{step}: as told")
+
+
+if __name__ == "__main__":
+    main()

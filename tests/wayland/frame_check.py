@@ -1,0 +1,96 @@
+#!/usr/bin/env python3
+"""Looks at a picture of the frame that frame_host.py paints: all its lines are whole, from end to end.
+
+Usage: frame_check.py PICTURE SCALE DENSITY
+"""
+import subprocess
+import sys
+
+DARK = 64  # of 255; lines are black on white
+COLUMNS, ROWS = 60, 16
+
+
+def pixels(path):
+    size = subprocess.run(["identify", "-format", "%w %h", path], check=True, capture_output=True,
+                          text=True).stdout
+    width, height = map(int, size.split())
+    data = subprocess.run(["convert", path, "-colorspace", "Gray", "-depth", "8", "gray:-"],
+                          check=True, capture_output=True).stdout
+    assert len(data) == width * height
+    return width, height, data
+
+
+def runs(line, least, most=100000):
+    """(first, after the last) of the dark runs of those lengths."""
+    found, start = [], None
+    for i, value in enumerate(line + b"\xff"):
+        if value < DARK:
+            start = i if start is None else start
+        elif start is not None:
+            if least <= i - start <= most:
+                found.append((start, i))
+            start = None
+    return found
+
+
+def thick(places):
+    """Neighbours among numbers make one line: (first, after the last) of each."""
+    lines = []
+    for place in sorted(places):
+        if lines and lines[-1][1] == place:
+            lines[-1][1] = place + 1
+        else:
+            lines.append([place, place + 1])
+    return lines
+
+
+def check(path, scale, density):
+    """A gap of one pixel would halve a line, and it would not be found."""
+    width, height, data = pixels(path)
+    panel = int(34 * density)  # the compositor's, with a clock; the program has its bar there
+    rows = [data[y * width:(y + 1) * width] for y in range(height)]
+    across_least = int((COLUMNS - 2) * 4 * scale)  # a cell is at least 4 wide and 7 high
+    down_least = int(ROWS * 7 * scale)
+    across = {y: runs(rows[y], across_least, int(across_least * 1.3)) for y in range(panel, height)}
+    across = {y: found[0] for y, found in across.items() if len(found) == 1}
+    lines = thick(across)
+    assert len(lines) == 3, f"{len(lines)} whole lines across in place of 3"
+    left, right = next(iter(across.values()))
+    assert set(across.values()) == {(left, right)}, "the lines across differ in their ends"
+    columns = {}
+    for x in range(left, right):
+        found = runs(bytes(data[y * width + x] for y in range(height)), down_least)
+        if found:
+            columns[x] = found[0]
+    downs = thick(columns)
+    assert len(downs) == 3, f"{len(downs)} whole lines down in place of 3"
+    assert downs[0][0] == left, "the left line does not begin where those across do"
+    top, bottom = lines[0][0], lines[-1][1]
+    assert {found for found in columns.values()} == {(top, bottom)}, "corners are open"
+    widths = {last - first for first, last in lines}
+    assert max(widths) - min(widths) <= 1 and min(widths) >= int(scale), f"lines of {widths} pixels"
+    return left, top, data, width
+
+
+def check_sharpness(left, top, data, width, scale):
+    """Text is drawn at the screen's density: a stretched one would be made of equal squares."""
+    side = int(scale)
+    if side < 2:
+        return
+    mixed = 0
+    for y in range(top + 10 * side, top + 30 * side, side):
+        for x in range(left + 10 * side, left + 100 * side, side):
+            square = {data[(y + j) * width + x + i] for j in range(side) for i in range(side)}
+            mixed += len(square) > 1
+    assert mixed > 20, "the text is stretched"
+
+
+def main():
+    path, scale, density = sys.argv[1], float(sys.argv[2]), float(sys.argv[3])
+    whole = scale * density
+    check_sharpness(*check(path, whole, density), whole)
+    print(f"{path}: whole lines at {whole:g}")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,59 @@
+#!/bin/sh
+# The program under Wayland: a session on a headless compositor of the test's own, at one scale, with
+# pictures of the program's own and of the compositor's screen.
+# Exit code 77: not possible here.
+# Usage: wayland_test.sh PROGRAM SCALE PICTURES [OUTPUT-SCALE]
+set -eu
+. "$(dirname "$0")/../support/outside.sh"
+need weston weston-screenshooter convert
+program=$1 scale=$2 pictures=$3 density=${4:-1}
+[ -n "$(find /usr/lib -name libqwayland-generic.so -path '*qt6*' 2>/dev/null | head -n 1)" ] ||
+    { echo "$script: the toolkit has no Wayland here" >&2; exit 77; }
+mkdir -p "$pictures"
+
+# What the toolkit and the graphics libraries keep until the end is theirs.
+export ASAN_OPTIONS="${ASAN_OPTIONS:-}:detect_leaks=0"
+# Nothing of the person's session: no X server, and a run-time folder of the test's own. Which platform
+# the toolkit takes is left to it, as ./run does.
+export XDG_RUNTIME_DIR="$work/runtime" HOME="$work"
+mkdir -m 700 "$XDG_RUNTIME_DIR"
+unset DISPLAY QT_QPA_PLATFORM XDG_SESSION_TYPE XDG_CURRENT_DESKTOP || :
+weston --backend=headless-backend.so --use-pixman --scale="$density" \
+    --width=$((1800 / density)) --height=$((1300 / density)) \
+    --socket=quill-test --idle-time=0 --no-config --debug >"$work/weston.log" 2>&1 &
+ends_with_us $!
+export WAYLAND_DISPLAY=quill-test
+await 20 test -S "$XDG_RUNTIME_DIR/$WAYLAND_DISPLAY" || { cat "$work/weston.log" >&2; fail "no compositor"; }
+
+: >"$work/port"
+/usr/bin/python3 "$(dirname "$0")/frame_host.py" >"$work/port" &
+ends_with_us $!
+mkdir "$work/root"
+printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "$(first_line "$work/port")" \
+    >"$work/root/mconfig.cfg"
+
+# The first start saves a picture of its own.
+own=$pictures/own-$scale-$density.png
+timeout -k 5 60 "$program" --root "$work/root" --scale "$scale" --snapshot "$own" --text "$work/text" ||
+    fail "the program ended with $?"
+grep -q 'twelve pallets' "$work/text" || fail "the session's text is missing"
+/usr/bin/python3 "$(dirname "$0")/frame_check.py" "$own" "$scale" "$density" || fail "see $own"
+
+# The second one has its settings, and its window is on the compositor's screen. A window there keeps
+# its size within the frame that the toolkit draws.
+"$program" --root "$work/root" --scale "$scale" &
+client=$!
+ends_with_us $client
+shown() {
+    rm -f "$work"/wayland-screenshot-*.png
+    (cd "$work" && weston-screenshooter) || return 1
+    mv "$work"/wayland-screenshot-*.png "$pictures/screen-$scale-$density.png"
+    /usr/bin/python3 "$(dirname "$0")/frame_check.py" "$pictures/screen-$scale-$density.png" \
+        "$scale" "$density" >/dev/null
+}
+await 5 shown || fail "no whole frame in $pictures/screen-$scale-$density.png"
+kill "$client"
+code=0
+wait "$client" || code=$?
+[ $code -eq 0 ] || fail "the program ended with $code"
+echo "scale $scale on a screen of density $density: whole lines, sharp text"
