@@ -8,8 +8,9 @@
 #include "platform/qt/window/window.h"
 
 bool IsProfileBusy(const CommandLine& line) {
-    if (!FindOtherInstance()) return false;
-    AskOtherInstance("foreground");
+    const HWND other = FindOtherInstance();
+    if (!other) return false;
+    SetForegroundWindow(other);
     const QString text = QString(
                              "Quill already runs on these settings. For a second window with "
                              "%1, start: quill --profile NAME %1")

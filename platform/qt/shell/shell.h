@@ -19,7 +19,6 @@ QRect CenteredPlace(QSize size);
 
 // command_bar.cpp
 inline constexpr int kCommandBarHeight = 26;
-inline constexpr LPCWSTR kCommandBarClass = u"QuillCommandBar";
 void RegisterCommandBar();
 void ForgetBarPictures();
 

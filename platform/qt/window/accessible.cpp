@@ -7,6 +7,7 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window_widget.h"
 
 TextScreenSource text_screen_source;

@@ -87,6 +87,7 @@ Window* FindAnyWindow(HWND handle);  // a window of the table, or that one
 
 // The table of classes.
 void RegisterSystemClass(LPCWSTR name, WNDPROC procedure);
+inline constexpr LPCWSTR kCommandBarClass = u"QuillCommandBar";
 const WindowClass* FindWindowClass(LPCWSTR name);  // null: none
 void ForgetProgramClasses();
 
