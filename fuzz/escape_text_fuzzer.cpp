@@ -24,6 +24,9 @@ int SliceSend(SOCKET, const char* bytes, int size, int) {
 
 SHORT GetKeyState(int) { return 0; }
 
+// The terminal comes along with the session that sends; it is never fed.
+BOOL MessageBeep(UINT) { return TRUE; }
+
 // The key table is neither loaded nor saved here.
 LPCWSTR ReadString(LPCWSTR, LPCWSTR fallback) { return fallback; }
 void WriteString(LPCWSTR, LPCWSTR) {}
