@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One escape text through the key table, through a response and through the expansion itself, held
 // against a reading of the text by its own rules. The responses are no longer than the settings
 // hold; the key table's bytes are read up to their first 0.

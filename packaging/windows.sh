@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Makes build/quill-windows.zip: the Windows program, its help page, the terminal's description for
 # hosts, and the licence. Installs what is missing, and builds the program unless a built one is
 # named.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The screen's storage: clearing, line sizes, the current attribute, cells and whole lines;
 // scrolling; selection and the rows as they are painted.
 #include "terminal/screen_buffer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The device of a test, and what its registry file holds.
 #include "tests/config/device.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which buttons a bar gets, and what each carries.
 #include "session/session_state.h"
 #include "settings/toolbars.h"

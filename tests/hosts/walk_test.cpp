@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Each program of the walks under the entry `quill`, judged after every step.
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The package: what is in it, and that the program in it wants nothing but the system's own DLLs.
 # Usage: package_test.sh QUILL.EXE
 set -eu

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The adapter: what the program gets on desktop Windows where the system is not the device.
 #include "resources/resource_ids.h"
 #include "tests/platform/test_windows.h"
