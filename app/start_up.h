@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Start-up: classes, windows, the socket library and the message loop. WinMain's exit codes: 0 or
 // the quit message's, 1 and 2 when a window class could not be registered, 16 without a main
 // window.

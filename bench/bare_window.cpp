@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The floor of a start and of its memory: a window of the toolkit that draws one line of text and
 // does nothing else.
 #include <QApplication>

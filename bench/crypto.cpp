@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // crypto/ against libcrypto and GMP, in one process and one run.
 //
 // Each line times both sides in turn, for long enough to meet a quiet moment of the machine, and

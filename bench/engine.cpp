@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal engine, from bytes to grid, beside libvterm's on the same bytes in the same run. One
 // thread, no painting. Each workload prints megabytes a second of both and their ratio.
 //

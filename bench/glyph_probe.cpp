@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a person sees of a terminal on an X server, measured from outside: bench/terminals.py runs
 // it.
 //

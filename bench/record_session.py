@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Records what full-screen programs write to an 80x24 vt220, for the engine benchmark.
 
 Usage: record_session.py OUTPUT

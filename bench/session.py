@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: MIT
 """Whole-program figures of Quill beside xterm on one Xvfb, in one run.
 
 What is measured, for the client and for `xterm -e telnet`:

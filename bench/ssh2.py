@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: MIT
 """SSH-2 sessions of Quill beside OpenSSH's own client with the old algorithms in an xterm, against the
 same sshd on loopback, on one Xvfb, in one run.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: MIT
 """Quill beside the terminals that the package manager has, on one Xvfb, in one run.
 
 Each terminal runs telnet to a host of this script's on loopback; Quill is its own telnet. Measured:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The generators of the benchmark's byte streams.
 #include "bench/workloads.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The byte streams that the engine benchmark feeds, each a quarter of a megabyte or a recording.
 #ifndef QUILL_BENCH_WORKLOADS_H
 #define QUILL_BENCH_WORKLOADS_H

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What every target of the tree shares: warnings, sanitizers, and the two kinds of target.
 
 set(QUILL_WARNINGS -Wall -Wextra -Wconversion -Werror)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Connecting, closing, and what is told of it.
 #include "connection/connection.h"
 

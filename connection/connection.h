@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The connection: the one TCP session that the program holds at a time, its receiving thread, and
 // the modem.
 #ifndef QUILL_CONNECTION_CONNECTION_H

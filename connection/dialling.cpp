@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Modem dialling.
 #include "connection/connection.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The receiving thread. Its socket is closed under it to end it: its select then fails.
 #include "connection/connection.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The end of a session, whoever ended it. A file of its own: it hangs up the modem, which itself
 // connects.
 #include "connection/connection.h"

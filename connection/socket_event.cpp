@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is done with a received chunk.
 #include "connection/connection.h"
 

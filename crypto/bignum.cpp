@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Multiprecision integers: life, bits and wire forms. The arithmetic is in bignum_arithmetic.cpp.
 #include "crypto/bignum.h"
 

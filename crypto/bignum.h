@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Unsigned multiprecision integers.
 //
 // A Bignum is a heap array of 16-bit words: word 0 is the number n of value words, words 1 to n

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Multiprecision integers: the arithmetic, by schoolbook multiplication and long division.
 #include <bit>
 #include <cstdlib>

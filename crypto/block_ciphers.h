@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The block ciphers: DES, triple DES and Blowfish, block by block and chained (CBC).
 #ifndef QUILL_CRYPTO_BLOCK_CIPHERS_H
 #define QUILL_CRYPTO_BLOCK_CIPHERS_H

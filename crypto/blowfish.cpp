@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Blowfish.
 #include "crypto/block_ciphers.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The hexadecimal digits of pi that start the Blowfish key schedule.
 #include "crypto/block_ciphers.h"
 

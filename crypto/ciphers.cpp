@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The cipher records of SSH-2 and SSH-1 over one set of contexts a direction.
 #include "crypto/ciphers.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The ciphers of both SSH versions, behind the records through which the transports reach them.
 //
 // One set of keys and chaining values for each direction (outgoing, incoming) lives for the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DES and triple DES.
 //
 // Both halves of a block are kept expanded (DesExpand) through all rounds: the tables give what

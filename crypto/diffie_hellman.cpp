@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Diffie-Hellman over the Oakley Group 2.
 #include "crypto/public_key.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ssh-dss: keys and signatures.
 #include "crypto/public_key.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The hashes: MD5, SHA-1 and SHA-512, each as a context that takes pieces of any length.
 #ifndef QUILL_CRYPTO_HASHES_H
 #define QUILL_CRYPTO_HASHES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Schoolbook multiplication and long division in base 2^16.
 #include "crypto/long_division.h"
 

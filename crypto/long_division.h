@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Schoolbook multiplication and long division in base 2^16: the core under the arithmetic of
 // bignum.h, on plain word arrays, most significant word first. Knows nothing of Bignum.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // MD5. The names F, G, H, I, the shift amounts and the constants are those of RFC 1321.
 #include "crypto/hashes.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // CRC-32, one byte at a time through a table; HMAC-SHA1, one-shot and as the MAC of SSH-2.
 #include "crypto/packet_checks.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What ends a packet and proves it: the CRC-32 of SSH-1 and the HMAC-SHA1 of SSH-2.
 #ifndef QUILL_CRYPTO_PACKET_CHECKS_H
 #define QUILL_CRYPTO_PACKET_CHECKS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The public-key operations: RSA for SSH-1, host keys and the key agreement of SSH-2.
 #ifndef QUILL_CRYPTO_PUBLIC_KEY_H
 #define QUILL_CRYPTO_PUBLIC_KEY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Random numbers from the runtime library's rand. A file of its own, so that a fuzz target can
 // bring others.
 #include "crypto/random.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The one source of random numbers: the runtime library's rand, seeded from the clock.
 //
 // There are 37 seeds and no more; what is drawn here can be guessed. It is kept that simple on

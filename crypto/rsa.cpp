@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // RSA encryption of SSH-1.
 #include "crypto/public_key.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // SHA-1: buffering, padding, and the compression function in its two forms.
 #include "crypto/hashes.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The way in and out: banner, login and password, the main menu, and goodbye.
 #include <cstdio>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pages that show how single cells and lines look: line drawing, double-size lines, attributes, and
 // the characters of the code page.
 #include <cstdio>

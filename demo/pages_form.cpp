@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pages that take what is typed: a form with fields, and a long list with menu numbers.
 #include <cstdio>
 #include <cstdlib>

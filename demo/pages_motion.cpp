@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pages about movement: a scrolling region that runs by itself, tab stops, cursor addressing, and
 // lines that are sent slowly and fast.
 #include <cmath>

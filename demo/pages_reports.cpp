@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pages that show what comes from the terminal: its answers to report requests, and its keys.
 #include <algorithm>
 #include <cstdio>

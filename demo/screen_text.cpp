@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Terminal output written piece by piece into a session's out buffer.
 #include "demo/screens.h"
 

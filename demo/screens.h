@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the demo host's screens are made of, and every one of them.
 #ifndef QUILL_DEMO_SCREENS_H
 #define QUILL_DEMO_SCREENS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // quill_demo_host: a Telnet server for 127.0.0.1 that shows what the terminal can do.
 // Usage: quill_demo_host [--port N] [--once]. The first line it prints says where it listens. It
 // ends on SIGTERM or SIGINT, when its parent dies, and with --once after the first session.

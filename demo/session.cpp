@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The life of a session: start, bytes received, change of screen, and the typed line.
 #include "demo/session.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One client of the demo host: what it is shown, what it has typed, what still has to be sent.
 // A screen is a row of three procedures; a session shows one screen at a time.
 #ifndef QUILL_DEMO_SESSION_H

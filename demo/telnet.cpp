@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Telnet parser of the demo host: a table of states, one handler each.
 #include "demo/session.h"
 

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Takes the pictures in docs/dialogs/ from the dialogs of the running program, on a desktop with room
 # for the largest.
 # Usage: docs/dialogs.sh [BUILD]      (after a build; build/release unless named)

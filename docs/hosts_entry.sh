@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Puts the entry of resources/quill.ti into the first box of docs/hosts.md: without remarks, and with
 # blanks for the tabs, which a shell would complete.
 # Usage: docs/hosts_entry.sh

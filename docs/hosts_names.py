@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: MIT
 """Writes docs/hosts_names.md: which terminal names of the usual databases are right for this terminal.
 
 Every name of this machine's terminfo database (install ncurses-term for the full one) is judged by

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Takes the pictures of this folder from the running program, on an X server of its own, in sessions
 # with the demo host.
 # Usage: docs/pictures.sh [NAME...]      (after a build of the demo host by the preset release)

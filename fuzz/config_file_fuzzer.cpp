@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as the configuration file, imported into a registry that records the writes: every
 // write well formed, as many as lines at most, one message, and the file read, closed and deleted
 // once; and the same file with a comment in front writes the same.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The clock behind SeedRandom, for the targets that reach no platform.
 #include "windows_ce.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DssParseKey on any bytes. A key that parses is used once, unless its numbers are so large that
 // the check would leave little time for others.
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DssVerify on any signature: the first byte chooses a sound key (of 256 bits, for speed) or one of
 // small odd numbers, which takes many more signatures past the range checks; the rest is the blob.
 #include <cstddef>

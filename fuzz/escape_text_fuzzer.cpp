@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One escape text through the key table, through a response and through the expansion itself, held
 // against a reading of the text by its own rules. The responses are no longer than the settings
 // hold; the key table's bytes are read up to their first 0.
@@ -23,6 +24,9 @@ int SliceSend(SOCKET, const char* bytes, int size, int) {
 }
 
 SHORT GetKeyState(int) { return 0; }
+
+// The terminal comes along with the session that sends; it is never fed.
+BOOL MessageBeep(UINT) { return TRUE; }
 
 // The key table is neither loaded nor saved here.
 LPCWSTR ReadString(LPCWSTR, LPCWSTR fallback) { return fallback; }

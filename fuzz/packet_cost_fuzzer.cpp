@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What one packet of an SSH server may cost: one of up to 65,535 bytes, in the state in which it
 // does the most work. The target fails by libFuzzer's own time-out, which packet_cost.options sets.
 // The first byte of an input chooses the state, the rest is the packet's payload:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // RsaParseKey on any bytes. A key that parses encrypts two messages, unless its numbers are so
 // large that this would leave little time for others.
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The slice's text calls on bytes that are their own characters, for fuzz targets without the
 // slice.
 #include <cstdarg>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole SSH-1 conversations of any server. The input's first byte sets the session up, the second
 // says how its bytes are cut; then come records, each its kind in the first byte:
 //   0   a packet: type, data length (2 bytes, little-endian), data

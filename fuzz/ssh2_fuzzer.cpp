@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes of an SSH-2 server, in any state. The first byte says where the session stands and
 // whether the bytes are behind a cipher, the second how they are cut into chunks; then come
 // records:

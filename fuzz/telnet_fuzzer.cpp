@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes of a host through the Telnet engine, three times: one by one with the state's bounds
 // checked after each, in chunks of the buffer's size, and cut where the input's first bytes say.
 // All must show and send alike. In the first byte, bit 0 is the trace and bit 1 a subnegotiation

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes into the terminal, three times: one by one with its bounds checked after each, as one
 // chunk, and cut where the input's first four bytes say. All must end alike and answer alike.
 #include <cstdio>

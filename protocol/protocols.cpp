@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The table of the protocols, the choice among them, and the identification lines.
 #include "protocol/protocols.h"
 

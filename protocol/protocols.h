@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The three protocols of a session, and which of them it speaks.
 #ifndef QUILL_PROTOCOL_PROTOCOLS_H
 #define QUILL_PROTOCOL_PROTOCOLS_H

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Makes resources of pictures that are drawn as text: cmake -DOUTPUT=FILE -P bitmaps.cmake
 #
 # bitmaps/ holds the toolbar's buttons and icons/ the program's icon, one text file a picture,

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The styles that the dialog templates use, by the names and values of the Windows CE API. Only
    the resource compiler reads this file. */
 #ifndef QUILL_RESOURCES_DIALOG_STYLES_H

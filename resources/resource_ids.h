@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The numbers of resources and commands, shared by quill.rc and the program. */
 #ifndef QUILL_RESOURCES_RESOURCE_IDS_H
 #define QUILL_RESOURCES_RESOURCE_IDS_H

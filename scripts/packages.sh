@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What ./run and ./test need from the system's package manager (Debian 12, Ubuntu 24.04), and how it
 # is got. Sourced by both; plain POSIX sh.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The protocols: what a session needs of one, and their sections of the session record.
 #ifndef QUILL_SESSION_PROTOCOL_TYPES_H
 #define QUILL_SESSION_PROTOCOL_TYPES_H

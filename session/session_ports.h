@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The ways out of every folder: the ports to what is above it, the send routine to the host, and
 // the message boxes to the user.
 #ifndef QUILL_SESSION_SESSION_PORTS_H

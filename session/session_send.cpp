@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The send routine of every session.
 #include "session/session_ports.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The one record of program and session state. "Owner:" heads each section and names who writes it:
 // a file without its suffix, or all files of a folder. Every other file reads it; "Also:" names a
 // single field of a section that one more file writes. tests/layers/owners.py holds the sources

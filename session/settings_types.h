@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The persisted settings, one field a registry value and named by it, and the rows of the key
 // table and the toolbars. The tables with names and defaults stand in settings.cpp, key_map.cpp and
 // toolbars.cpp.

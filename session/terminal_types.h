@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal's sections of the session record: the screen grid, the interpreter's state, the
 // modes, the split regions and the view. Types and constants only; the operations stand in
 // screen_buffer.h, interpreter.h, modes.h and view.h.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The key table and the way from a virtual key to its bytes.
 #include "settings/key_map.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The key table: which bytes a special key sends. Each row's sequence is escape text
 // (text/text.h), kept in the registry as "key%d" with the row's number, and turned into bytes at
 // each key press.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tables of the settings: loading, saving and deleting them.
 #include "settings/settings.h"
 

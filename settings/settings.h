@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The settings: session.settings in the registry, one value a field; their place there, and the
 // configuration file with which an administrator sets them.
 #ifndef QUILL_SETTINGS_SETTINGS_H

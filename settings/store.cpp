@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The settings' place in the registry, and the import of "\mconfig.cfg" into it.
 #include "settings/settings.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The table of the toolbar buttons.
 #include "settings/toolbars.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The three toolbars: one table of 27 actions, and for each the bars that show it, kept in the
 // registry as "tbar%d" with the row's number.
 #ifndef QUILL_SETTINGS_TOOLBARS_H

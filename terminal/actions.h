@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What sequences do to the screen: the cursor, erasing, the split regions, rendition and reports.
 #ifndef QUILL_TERMINAL_ACTIONS_H
 #define QUILL_TERMINAL_ACTIONS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Control sequences: parameters are collected as text and read as numbers when a final asks for
 // them.
 #include "terminal/sequences.h"

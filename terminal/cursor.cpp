@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cursor movement, tab stops, the saved cursor, the scrolling region, and the two split regions.
 #include "terminal/actions.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Erasing, and inserting and deleting of characters and lines.
 #include "terminal/actions.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sequences of ESC and one or two more bytes. Each procedure that takes a byte sets the state back
 // to ground first, so a byte that it does not know ends the sequence and is dropped.
 #include "terminal/sequences.h"

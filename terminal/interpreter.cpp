@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The states, the ground state's control characters, and the quick way through a whole chunk.
 #include "terminal/interpreter.h"
 

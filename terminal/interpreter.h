@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The interpreter of the host's byte stream: VT100 and VT220 control functions (ECMA-48, DEC) with
 // 7-bit and 8-bit introducers, and a VT52 mode. It works on session.screen, session.parser,
 // session.modes and session.split; rows to paint are marked in session.screen.row_changed, and the

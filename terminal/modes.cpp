@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two resets, the mode tables, the choice of replies, the readers, and the graphic rendition.
 #include "terminal/modes.h"
 

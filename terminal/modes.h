@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Terminal modes, the two resets, and what other folders read of them.
 #ifndef QUILL_TERMINAL_MODES_H
 #define QUILL_TERMINAL_MODES_H

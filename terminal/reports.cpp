@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The replies' texts and which of them a request gets.
 #include "terminal/actions.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The screen's storage: clearing, line sizes, the current attribute, cells and whole lines;
 // scrolling; selection and the rows as they are painted.
 #include "terminal/screen_buffer.h"
@@ -10,7 +11,8 @@
 
 static const DWORD kLineSizeBits = kLineDoubleWidth | kLineDoubleTop | kLineDoubleBottom;
 
-void MarkRows(int first, int last) {
+// This and FillLine are out of line: their loops need not be there once for each way to scroll.
+[[gnu::noinline]] void MarkRows(int first, int last) {
     for (int row = HoldRow(first); row <= HoldRow(last); ++row) session.screen.row_changed[row] = 1;
 }
 
@@ -102,7 +104,6 @@ void CopyLine(int to, int from) {
     MarkRow(to);
 }
 
-// Out of line: its loop need not be there once for each way to scroll.
 [[gnu::noinline]] void FillLine(int row, DWORD code, int reset_line_attr) {
     if (!RowExists(row)) return;
     DWORD* words = RowWords(row);

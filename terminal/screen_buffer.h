@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The grid of character cells and its operations, on session.screen.
 //
 // Rows and columns count from 1. Rows 1..24 are the screen; rows 25..49 are the ring's older lines,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The interpreter's own: which bytes are text, and the states of escape and control sequences.
 #ifndef QUILL_TERMINAL_SEQUENCES_H
 #define QUILL_TERMINAL_SEQUENCES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The way of the host's bytes into the terminal and of the terminal's replies back to the host. A
 // file of its own, so that the interpreter works without a way to a host.
 #include "terminal/interpreter.h"

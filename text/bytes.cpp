@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bounds-checked reader, and the wiping of secrets.
 #include "text/bytes.h"
 

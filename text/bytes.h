@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bytes in memory: words to and from them in either byte order, a reader that stays within its
 // bounds, and wiping.
 #ifndef QUILL_TEXT_BYTES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bounded conversions between UTF-16 and the ANSI code page, and the expansion of escape text.
 #include "text/text.h"
 

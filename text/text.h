@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text between UTF-16, in which everything is shown and stored, and the ANSI code page, in which
 // everything goes over the wire; and escape text, in which bytes are written as text.
 #ifndef QUILL_TEXT_TEXT_H

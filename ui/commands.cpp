@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The commands: what the toolbar's buttons do, and the table of the menus, accelerators and
 // buttons.
 #include "ui/main_window.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main window's message table and layout.
 #include "ui/main_window.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main window (class "TELNET"): its message table, its layout, its menu bar, its commands and
 // its toolbar.
 #ifndef QUILL_UI_MAIN_WINDOW_H

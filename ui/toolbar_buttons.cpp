@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Puts the buttons of a toolbar on the command bar.
 #include "ui/main_window.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The SSH-1.5 client (T. Ylonen, "The SSH (Secure Shell) Remote Login Protocol", 1995): password
 // authentication, a terminal and a shell.
 #ifndef QUILL_PROTOCOL_SSH_SSH1_H

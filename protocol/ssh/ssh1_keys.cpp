@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The session key under the server's two keys, and the cipher that takes it.
 #include <iterator>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Building and checking of packets.
 #include "protocol/ssh/ssh1.h"
 

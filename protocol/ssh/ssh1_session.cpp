@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a session goes through, from received chunks to packets, and from the server's key to the
 // end of the shell.
 #include "protocol/ssh/ssh1.h"

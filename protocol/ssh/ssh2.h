@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // SSH-2 (RFC 4251 to 4254), the client: the session, its packets, the key exchange, the user and
 // the channel.
 #ifndef QUILL_PROTOCOL_SSH_SSH2_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Password authentication of SSH-2.
 #include "protocol/ssh/ssh2.h"
 

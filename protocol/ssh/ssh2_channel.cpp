@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The channel, its pseudo-terminal and its bytes.
 #include "protocol/ssh/ssh2.h"
 

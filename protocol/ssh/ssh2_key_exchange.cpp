@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The key exchange of SSH-2.
 #include "protocol/ssh/ssh2.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Packets of SSH-2.
 #include "protocol/ssh/ssh2.h"
 

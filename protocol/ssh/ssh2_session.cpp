@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An SSH-2 session from its beginning to its end: chunks to packets, packets to the handlers of
 // their messages.
 #include "protocol/ssh/ssh2.h"

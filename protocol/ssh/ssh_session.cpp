@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The socket, the ciphers, the end of a session and the fields of packets, for both SSH protocols.
 #include "protocol/ssh/ssh_session.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What both SSH protocols stand on: the way to the socket, the ciphers, the end of a session, and
 // the fields of packets.
 #ifndef QUILL_PROTOCOL_SSH_SSH_SESSION_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lines of the negotiation trace.
 #include "protocol/telnet/telnet.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Telnet (RFC 854): one of the protocols that a session speaks, its engine, the negotiation trace
 // and the automatic login.
 #ifndef QUILL_PROTOCOL_TELNET_TELNET_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Telnet engine.
 #include "protocol/telnet/telnet.h"
 

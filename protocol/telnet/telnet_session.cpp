@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A Telnet session: received chunks through the engine to the terminal and to the automatic login,
 // typed bytes to the socket.
 #include "protocol/telnet/telnet.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A session with text on its screen and something on the desktop's clipboard.
 #ifndef QUILL_TESTS_APP_CLIPBOARD_STAGE_H
 #define QUILL_TESTS_APP_CLIPBOARD_STAGE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command table and the main window's own messages, by what a person sees of them.
 #include <gtest/gtest.h>
 #include <QDesktopServices>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The connection manager against a host whose every byte the test decides.
 #include <gtest/gtest.h>
 

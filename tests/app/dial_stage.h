@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A device with dial-up entries and a dial-up program of the test's own.
 #ifndef QUILL_TESTS_APP_DIAL_STAGE_H
 #define QUILL_TESTS_APP_DIAL_STAGE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dialling on the running program. The dial-up program is a script of the test's own that writes
 // the lines of pppd in their order and ends with its exit codes.
 #include "connection/connection.h"

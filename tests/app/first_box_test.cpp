@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the boxes of the start stand, before there is a window and while the desktop places it.
 #include <gtest/gtest.h>
 #include <QScreen>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers that are fixed: those of the messages, which the receiving thread and the dial-up service
 // post, and what the program asks of the window manager.
 #include <gtest/gtest.h>

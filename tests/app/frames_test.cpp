@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What reaches the screen, and when: frames of the running program.
 #include <gtest/gtest.h>
 

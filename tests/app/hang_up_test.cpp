@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hanging up: dials and links that the user ends, or that another dial or the program's end does.
 #include "connection/connection.h"
 #include "resources/resource_ids.h"

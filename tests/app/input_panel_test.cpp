@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The input panel: a keyboard for the stylus, and the rows that it leaves to the terminal.
 #include <gtest/gtest.h>
 #include <QtTest/QTest>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keys closely: the accelerators, what reaches the host of a key press, stored sequences.
 #include <gtest/gtest.h>
 #include <QKeyEvent>

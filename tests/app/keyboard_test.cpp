@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A desktop's keyboard: each key press reaches the host once, as the bytes of its row or as its
 // character.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main window where its messages, boxes, menus, keys and the input panel meet half way.
 #include <gtest/gtest.h>
 #include <QInputMethodEvent>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program that is left open for weeks: what a session or a change of the bar takes, it gives
 // back.
 #include <gtest/gtest.h>

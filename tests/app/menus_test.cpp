@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The menu bars: what they hold, how a person reaches it, and what each entry does.
 #include <gtest/gtest.h>
 #include <QMenu>

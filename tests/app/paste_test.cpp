@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pasting the desktop's clipboard to the host.
 #include <sys/socket.h>
 #include <QImage>

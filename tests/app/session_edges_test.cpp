@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sessions at their edges: ends that meet other steps half way, windows while the host floods.
 #include <gtest/gtest.h>
 #include <QInputMethodEvent>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The boxes at a session's end and at a request's, and the state that is shown and kept under each.
 #include <gtest/gtest.h>
 #include <QMenu>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the program asks of the socket library, call by call: the calls pass through a layer that
 // writes them down, and that answers look-ups with the addresses of the test.
 #include <gtest/gtest.h>

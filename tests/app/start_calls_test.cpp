@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What start-up and the program's end ask of the windows and the socket library, call by call.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Start-up: the order of things, the exit codes, one program a device.
 #include <gtest/gtest.h>
 #include <filesystem>

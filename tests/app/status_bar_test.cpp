@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The status line and the title.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Mouse and finger on the running program: selection, copy, paste, hotspots.
 #include <gtest/gtest.h>
 #include <QClipboard>

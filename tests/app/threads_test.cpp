@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window thread and the receiving threads, session after session.
 #include <dirent.h>
 #include <gtest/gtest.h>

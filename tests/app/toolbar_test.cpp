@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The toolbars of the running program: what a person sees on the command bar, and what a press of
 // each button does.
 #include <gtest/gtest.h>

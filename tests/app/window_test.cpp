@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal as it stands drawn on the real window.
 #include <gtest/gtest.h>
 #include <QScreen>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Conversions to and from the ANSI code page, at the bounds of their room.
 #include "text/text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command bar's calls, written down.
 #include "tests/config/command_bar_double.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A command bar that writes down what it is given.
 #ifndef QUILL_TESTS_CONFIG_COMMAND_BAR_DOUBLE_H
 #define QUILL_TESTS_CONFIG_COMMAND_BAR_DOUBLE_H

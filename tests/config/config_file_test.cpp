@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The import of the configuration file: every kind of line, and the fate of the file.
 #include "settings/settings.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A device of each test's own: an empty root folder with an empty registry. Its registry file is
 // read back with SQLite itself, without the registry's calls.
 #ifndef QUILL_TESTS_CONFIG_DEVICE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Escape text: each rule, and the bounds of the output.
 #include "text/text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The key table: its rows, and their way into the registry and back.
 #include "settings/key_map.h"
 

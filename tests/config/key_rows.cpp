@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The key table as it is known from outside.
 #include "tests/config/key_rows.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The key table as it is known from outside: name, default escape text, and the bytes sent, in
 // hexadecimal.
 #ifndef QUILL_TESTS_CONFIG_KEY_ROWS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The linker leads the registry's calls of the whole program through here.
 #include "tests/config/registry_log.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The registry's calls in their order, written down on their way to the registry.
 #ifndef QUILL_TESTS_CONFIG_REGISTRY_LOG_H
 #define QUILL_TESTS_CONFIG_REGISTRY_LOG_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reset: what it deletes, in which order, and when it deletes nothing.
 #include "session/session_state.h"
 #include "settings/key_map.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tables that the settings store is held against.
 #include "tests/config/settings_rows.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All settings as they are known from outside: value name, default, field.
 #ifndef QUILL_TESTS_CONFIG_SETTINGS_ROWS_H
 #define QUILL_TESTS_CONFIG_SETTINGS_ROWS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Loading and saving of the settings: every row, the types, what damaged values come to.
 #include "settings/settings.h"
 

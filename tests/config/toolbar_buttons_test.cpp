@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which buttons a bar gets, and what each carries.
 #include "ui/main_window.h"
 

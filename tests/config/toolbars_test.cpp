@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The toolbars: the table, its way into the registry and back, and the action of a position.
 #include "settings/toolbars.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which row a virtual key comes to: every code with every modifier, against rules written anew.
 #include "settings/key_map.h"
 #include "tests/config/device.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Recording doubles of the windows' calls.
 #include "tests/config/window_doubles.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two calls of the windows that these tests need: message boxes are written down, and keys are
 // in the state that a test gives them.
 #ifndef QUILL_TESTS_CONFIG_WINDOW_DOUBLES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Multiprecision integers against GMP: every result, every size from 1 to 2,100 bits, random
 // operands and shapes that trip arithmetic up, in both forms of the row loops.
 #include <gtest/gtest.h>

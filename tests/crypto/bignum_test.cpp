@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Multiprecision integers: the edge cases, by name.
 #include "crypto/bignum.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ciphers against libcrypto on random input. Blowfish and single DES live in its legacy provider,
 // which is loaded here.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ciphers, modes and the records of both SSH versions: the edge cases, by name.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the tests of crypto/ share.
 #include "crypto_test_support.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hashes and HMAC against libcrypto on random input, cut into random pieces.
 #include <gtest/gtest.h>
 #include <openssl/evp.h>

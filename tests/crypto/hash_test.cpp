@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hashes and MAC: the edge cases, by name.
 #include <gtest/gtest.h>
 

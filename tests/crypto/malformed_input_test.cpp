@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Host keys and signatures with lengths of every lie: refused, and nothing read outside the bytes
 // that were given (each input stands in a block of exactly its size, so that the address
 // sanitizer sees any other read).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lengths below zero are those of nothing: no procedure of crypto/ reads or writes for them.
 #include <gtest/gtest.h>
 

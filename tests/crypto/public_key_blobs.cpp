@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keys and signatures of libcrypto in the forms of SSH.
 #include "public_key_blobs.h"
 

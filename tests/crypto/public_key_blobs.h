@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keys and signatures of libcrypto in the forms in which SSH carries them.
 #ifndef QUILL_TESTS_CRYPTO_PUBLIC_KEY_BLOBS_H
 #define QUILL_TESTS_CRYPTO_PUBLIC_KEY_BLOBS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Diffie-Hellman, DSA and RSA: the edge cases by name, and libcrypto as the other side.
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include <gtest/gtest.h>

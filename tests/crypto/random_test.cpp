@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // CRC-32 and random numbers.
 #include "crypto/random.h"
 

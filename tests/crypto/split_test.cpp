@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One call and many: hashes at every split of messages of many lengths, ciphers at every split of a
 // stream, beside libcrypto's digest and the stream enciphered at once.
 #include <gtest/gtest.h>

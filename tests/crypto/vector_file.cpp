@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading of vector files.
 #include "vector_file.h"
 

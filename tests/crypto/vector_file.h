@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files of test vectors (*.data): lines "name = value", a blank line after each vector, comments
 // after '#'. The field "test" names the test that the vector is for.
 #ifndef QUILL_TESTS_CRYPTO_VECTOR_FILE_H

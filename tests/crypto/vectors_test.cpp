@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The runner over the vector files. Each file is one test, which prints how many vectors passed
 // (the script `test` adds them up).
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What held a secret is wiped before it is released: every heap block, seen by the sanitizer's
 // hook as it goes, and the working space on the stack, searched once a procedure has returned.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Child process and socket handling of the demo host's tests.
 #include "tests/demo/demo_client.h"
 

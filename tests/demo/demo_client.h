@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The demo host as a child process, and a plain Telnet client for its tests. Waiting always has an
 // end (kPatience), after which the call fails; how long things take is never judged.
 #ifndef QUILL_TESTS_DEMO_CLIENT_H

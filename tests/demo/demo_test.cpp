@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The demo host as its clients see it: start and end, login, every page, bad bytes, slow readers.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Auto Login": two searches and two responses.
 #include <gtest/gtest.h>
 

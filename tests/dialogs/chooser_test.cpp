@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The chooser of colours as a person works it: Enter and Esc, and what is in sight. The tests named
 // ChooserOnAnyDesktop also run on a desktop of 240 by 320 pixels.
 #include <gtest/gtest.h>

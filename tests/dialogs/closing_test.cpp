@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What follows when a dialog is closed: the terminal is repainted by whichever button, and the
 // settings are saved unless they are not to be kept.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The template of the colour chooser, as the resources hold it: the desktop's chooser takes its
 // place on this platform, so it cannot be seen on the screen.
 #include <gtest/gtest.h>

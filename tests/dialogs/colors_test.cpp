@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The four colours: through the desktop's chooser, and what is asked of it.
 #include <gtest/gtest.h>
 #include <QColorDialog>

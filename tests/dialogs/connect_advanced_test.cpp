@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Connect Advanced": marks, port, protocol and cipher.
 #include <gtest/gtest.h>
 

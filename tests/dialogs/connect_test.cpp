@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Connect": the host and its history.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which button Enter presses, and that a person can tell.
 #include <gtest/gtest.h>
 #include <QPushButton>

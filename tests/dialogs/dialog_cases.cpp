@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dialogs' captions, labels and numbers, written down once more.
 #include "tests/dialogs/dialog_cases.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All dialogs of the settings as they are known from outside: how to come to each, and what stands
 // on it.
 #ifndef QUILL_TESTS_DIALOGS_DIALOG_CASES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The person at the dialogs of the running program (tests/support/person.h): opens them by their
 // commands and works their controls by mouse and keys.
 #ifndef QUILL_TESTS_DIALOGS_DIALOG_PERSON_H

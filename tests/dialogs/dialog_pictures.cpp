@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Takes a picture of every dialog of the running program. Usage: dialog_pictures FOLDER
 #include <cstdio>
 #include <QApplication>

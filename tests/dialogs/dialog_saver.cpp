@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program that does nothing but change settings in a dialog and save them by OK, until it is
 // killed. Usage: dialog_saver ROOT. Writes a line when the first save is about to begin.
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Font": the terminal's face, bold and italic.
 #include <gtest/gtest.h>
 

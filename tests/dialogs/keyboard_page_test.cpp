@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page "Keyboard" of the Properties sheet, and its dialog "Change".
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Killed in the middle of saving, the program leaves each value old or new, and the file sound.
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page "Other" of the Properties sheet.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dialogs under an X server, worked by its mouse and its keyboard (xdotool); run by
 // outside_test.sh. What is stored is read back by SQLite itself.
 #include <gtest/gtest.h>

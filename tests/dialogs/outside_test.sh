@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Runs a program on an X server of its own. Exit code 77: not possible here.
 # Usage: outside_test.sh PROGRAM
 set -eu

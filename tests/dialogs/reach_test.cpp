@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dialogs on the smallest device, 240 by 320 pixels, upright and turned: every control is come
 // to, and a text that is cut off is scrolled to.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What dialog_saver writes in turn, and nothing else may be found.
 #ifndef QUILL_TESTS_DIALOGS_SAVED_TEXTS_H
 #define QUILL_TESTS_DIALOGS_SAVED_TEXTS_H

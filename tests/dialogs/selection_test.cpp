@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a click or a key may not take away: the selection of a list, and the mark at which Tab
 // enters a group of radio buttons.
 #include <gtest/gtest.h>

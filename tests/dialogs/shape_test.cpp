@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dialogs as they stand on the screen: controls, labels, room, names for a screen reader, and
 // the keys that every dialog knows.
 #include <gtest/gtest.h>

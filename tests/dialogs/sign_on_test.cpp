@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Sign on to the host": user, password, and whether it is remembered.
 #include <gtest/gtest.h>
 

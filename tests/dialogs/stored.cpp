@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads ROOT/registry.db beside the running program, or after it.
 #include "tests/dialogs/stored.h"
 

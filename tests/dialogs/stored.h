@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The registry's file of a device, read by SQLite itself, without the program's registry calls.
 #ifndef QUILL_TESTS_DIALOGS_STORED_H
 #define QUILL_TESTS_DIALOGS_STORED_H

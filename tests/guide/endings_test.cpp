@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What ends or blocks a session on the host's side, as docs/hosts.md has it.
 #include <gtest/gtest.h>
 #include <QThread>

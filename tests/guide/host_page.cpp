@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The handbook's recipes, its host, and its person.
 #include "tests/guide/host_page.h"
 

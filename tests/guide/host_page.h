@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // docs/hosts.md in tests: its recipes with their words filled in, a host on which they are run, and
 // the person who connects to it. The calls are the person's: [person's thread].
 #ifndef QUILL_TESTS_GUIDE_HOST_PAGE_H

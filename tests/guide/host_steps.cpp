@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The servers of the handbook.
 #include "tests/guide/host_steps.h"
 

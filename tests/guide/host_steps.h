@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The servers of docs/hosts.md as steps for a machine, and sessions with them by the page's lines.
 #ifndef QUILL_TESTS_GUIDE_HOST_STEPS_H
 #define QUILL_TESTS_GUIDE_HOST_STEPS_H

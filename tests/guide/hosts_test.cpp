@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The recipes of docs/hosts.md, run: servers of today set up by its boxes, sessions opened with its
 // lines of mconfig.cfg, its boxes pasted at the host's prompt.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Letters in UTF-8 that are controls to the terminal: the table of docs/hosts.md.
 #include <gtest/gtest.h>
 

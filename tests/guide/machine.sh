@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The host of the handbook: a machine to throw away (tests/peers/throwaway.sh) on which STEPS, a shell
 # script, has been run by root. What unpack.sh unpacked is in its own /usr, so that programs have the
 # paths that they have where they are installed. The user's start-up file is .profile; what the

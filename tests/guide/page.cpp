@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading pages of docs/.
 #include "tests/guide/page.h"
 

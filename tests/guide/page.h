@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pages of docs/ as tests read them: sections with their tables, and fenced blocks with a name.
 #ifndef QUILL_TESTS_GUIDE_PAGE_H
 #define QUILL_TESTS_GUIDE_PAGE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // docs/sequences.md against the terminal: each row of the tables in the code has its line there,
 // with its name, and each line has its row; what the page does not list does nothing; the reports
 // are sent as the page has them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hosts that send nonsense, UTF-8 or binary files: what docs/hosts.md advises brings the session
 // back, and the program is not started anew.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading tables of the program's source.
 #include "tests/guide/table_source.h"
 

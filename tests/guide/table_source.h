@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rows of a table in the program's source, read as text: what no procedure of the program
 // tells. The reader is strict. A line between the table's first and last that it cannot read fails
 // the test.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The entry `quill` as it is compiled: every capability is a test of its own.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strings that change cells or move the cursor, each with its effect in the manual's words on a
 // picture of the screen, and with the starts from which the manual defines it.
 #include <algorithm>

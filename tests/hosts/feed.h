@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal as a host sees it: bytes in, replies out. Apart from the rest, since the device's
 // headers and those of the system's terminals do not go together.
 #ifndef QUILL_TESTS_HOSTS_FEED_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What an entry promises by its flags, by the lack of a flag ("no am"), and by its numbers.
 #include "terminal/screen_buffer.h"
 #include "tests/hosts/picture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Draws a glyph with the terminal's own procedure on doubles of the drawing calls, and tells from
 // the lines which edges of the cell it reaches.
 #include "tests/hosts/glyphs.h"

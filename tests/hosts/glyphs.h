@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a cell of line drawing shows, found by drawing it.
 #ifndef QUILL_TESTS_HOSTS_GLYPHS_H
 #define QUILL_TESTS_HOSTS_GLYPHS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Judges terminfo entries by the proof: what each promises that the terminal does not do, and what
 // it lacks of the entry `quill`. Names come as arguments, or one a line on standard input.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A curses program that shows the name of each key it is sent, at the top of the screen.
 #include <clocale>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keys: which row of the key table a key string belongs to, and what the row sends by default.
 #include <cstdio>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The keys, as the key table sends them, in programs of a host.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strings that change how later characters look or act: attributes, character sets, modes, tab
 // stops, the saved cursor, and the strings that set a terminal up and reset it.
 #include <cstring>

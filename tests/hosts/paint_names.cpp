@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Paints at random under terminal names and prints the figures.
 // Usage: paint_names STEPS SEEDS NAME...
 #include <cstdio>

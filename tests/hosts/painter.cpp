@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A curses program that paints at random. After each step it hands over the screen as curses
 // believes it to be, and waits until the terminal has shown all of it.
 // Usage: painter SEED STEPS   (the screens go to file descriptor 3, see painter_screen.h)

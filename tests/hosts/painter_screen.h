@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The screen that the painter hands over after each step, as bytes on a pipe.
 #ifndef QUILL_TESTS_HOSTS_PAINTER_SCREEN_H
 #define QUILL_TESTS_HOSTS_PAINTER_SCREEN_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The random painter under the entries of this terminal, and under names of other terminals.
 #include <gtest/gtest.h>
 

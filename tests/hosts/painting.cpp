@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The random painter on a pseudo-terminal, judged by curses' own idea of the screen.
 #include "tests/hosts/painting.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second terminal, libvterm's, that gets the same bytes.
 #include "tests/hosts/peer_screen.h"
 

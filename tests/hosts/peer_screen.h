@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second terminal, libvterm's, that gets the same bytes: what a terminal of the usual kind shows.
 #ifndef QUILL_TESTS_HOSTS_PEER_SCREEN_H
 #define QUILL_TESTS_HOSTS_PEER_SCREEN_H

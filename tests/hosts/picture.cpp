@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal's screen as the manual page of a capability speaks of it.
 #include "tests/hosts/picture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal's screen as the manual page of a capability speaks of it: cells, cursor and region.
 // A test computes from the manual what a picture becomes, and compares it with the terminal's.
 #ifndef QUILL_TESTS_HOSTS_PICTURE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Programs of a host, walked through step by step on a pseudo-terminal.
 #include "tests/hosts/program_walks.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Programs of a host, walked through step by step on a pseudo-terminal. After each step the screen
 // has two judges: libvterm, which got the same bytes, and the program itself, which redraws it.
 #ifndef QUILL_TESTS_HOSTS_PROGRAM_WALKS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the tests with programs, which find the compiled entries by $TERMINFO.
 #include <gtest/gtest.h>
 

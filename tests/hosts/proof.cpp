@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The proof of a terminfo entry: which check belongs to which promise.
 #include "tests/hosts/proof.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The proof of a terminfo entry: each capability is expanded, fed to the terminal, and compared
 // with what terminfo(5) says of it, from every start that the manual defines.
 #ifndef QUILL_TESTS_HOSTS_PROOF_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program on a pseudo-terminal, with this terminal on the other side.
 #include "tests/hosts/pty_program.h"
 

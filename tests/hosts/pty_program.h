@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program on a pseudo-terminal, with this terminal on the other side: its output goes into the
 // engine (session.screen), replies and keys go to it.
 #ifndef QUILL_TESTS_HOSTS_PTY_PROGRAM_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The key table is read here for its defaults alone, so no settings and no keyboard are behind it.
 #include "settings/settings.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The curses library's term.h makes macros of everyday words, so nothing else is included with it.
 #include "tests/hosts/terminfo_entry.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A compiled terminfo entry, read by the curses library: what the entry promises, by terminfo(5)'s
 // short names. Extended names are left out.
 #ifndef QUILL_TESTS_HOSTS_TERMINFO_ENTRY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Walks through the programs under a terminal name and prints the figures.
 // Usage: walk_names NAME KEYS [PROGRAM...]   KEYS: the entry whose keys are typed; quill is the
 //        key table's defaults

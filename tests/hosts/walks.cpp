@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The walks: what a user does in each program.
 #include "tests/hosts/program_walks.h"
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Holds the table of known gaps in docs/platform.md against the marks of the platform's tests.
 
 Usage: known_gaps.py [--write]

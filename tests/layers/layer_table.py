@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The table of tests/layers.txt, for the scripts beside this file."""
 import pathlib
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Holds the sources against the owners that session/session_state.h names.
 
 Usage: owners.py [COMPILER]

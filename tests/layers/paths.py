@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Holds every file that the pages and the comments name against the tree: each of them exists.
 
 A name with a folder is one from the top of the tree, or from the folder of the file that names it,

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Holds every version of the program against the one in the top CMakeLists.txt.
 
 Usage: version.py RESOURCE-FILE

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # busybox telnetd on a free port of 127.0.0.1; see serve.sh for output, end and exit codes.
 # Usage: busybox_telnetd.sh                a login: user "visitor", password "warehouse7"
 #        busybox_telnetd.sh -E PROGRAM     PROGRAM in place of the login, run as root

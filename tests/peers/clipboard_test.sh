@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The clipboard between the program and xclip, both ways, on an X server of its own, with a session to
 # a host that keeps what it gets. Exit code 77: not possible here.
 # Usage: clipboard_test.sh PROGRAM

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Every key of keys.table, plain and with its modifiers, struck with xdotool on the running program
 # under Xvfb in a session with inetutils telnetd, whose end keeps the bytes that arrive; then two keys
 # of the input panel, tapped with the mouse.

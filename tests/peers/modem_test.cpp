@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dialling over a modem: a modem of the test's own on a pseudo-terminal, the real chat talking to
 // it, and the real pppd as far as a kernel without PPP lets it go.
 #include <fcntl.h>

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The program from outside, on an X server of its own: started by ./run's own means, typed at with
 # xdotool, and seen as a picture. Exit code 77: not possible here.
 # Usage: outside_test.sh PROGRAM DEMO_HOST PICTURE

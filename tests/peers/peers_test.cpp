@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program against real servers: logins typed by a person, what the terminal type brings,
 // much output, a test suite for terminals.
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Stands in for pppd on machines whose kernel has no PPP: dials the modem QUILL_MODEM with the real
 # chat (QUILL_CHAT) as an entry's connect script would, writes pppd's lines in their order, and ends
 # with its exit codes. SIGTERM hangs the modem up.

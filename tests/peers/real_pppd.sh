@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The real pppd, unpacked, with an entry "depot" in a throwaway copy of /etc.
 # Usage: real_pppd.sh PPPD-ARGUMENTS...
 here=$(cd "$(dirname "$0")" && pwd)

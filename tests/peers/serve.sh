@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Serves a command, inetd style, on a free port of 127.0.0.1, in name spaces of its own: a throwaway
 # copy of /etc with the user "visitor" (password "warehouse7", shell bash, prompt "$ ", vttest on
 # its path), throwaway login records, and process numbers of its own, so that everything it started

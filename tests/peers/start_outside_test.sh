@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # What a shell gives the program and gets from it: options, folders, a display that is missing, and
 # the signals that end it. Exit code 77: not possible here.
 # Usage: start_outside_test.sh PROGRAM

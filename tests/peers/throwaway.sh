@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # A machine to throw away, inside name spaces of its own: what serve.sh and the guide's tests share;
 # sourced by them.
 

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The toolbar from outside: buttons pressed by the mouse of a real X server, and what the host gets.
 # Exit code 77: not possible here.
 # Usage: toolbar_outside_test.sh PROGRAM PICTURE [SCALE]

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Fetches Debian packages and unpacks them below build/peers/root, without installing them: no file
 # outside the build folder changes and no server is started. A package that is there already is
 # not fetched again. Prints the folder. Exit codes: 0 done, 77 not possible here (no apt-get, or the

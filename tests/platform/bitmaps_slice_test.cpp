@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Decoding the bitmaps and icons of the resources, whole and damaged.
 #include "platform/qt/services/resources.h"
 

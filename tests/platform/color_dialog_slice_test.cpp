@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The chooser of colours, and the library that it is found in.
 #include <gtest/gtest.h>
 #include <QColorDialog>

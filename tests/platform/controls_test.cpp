@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The status window, the command bar, and what the shell says of the device.
 #include "tests/platform/test_windows.h"
 

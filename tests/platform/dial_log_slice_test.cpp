@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dial-up program's log and exit codes. The lines are those of pppd 2.4.9 and its chat.
 #include "platform/qt/services/remote_access.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The controls of dialogs, acted upon by messages alone.
 #include "tests/platform/test_dialogs.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dialog templates, whole and damaged.
 #include <gtest/gtest.h>
 

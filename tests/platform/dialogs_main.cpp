@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the tests of dialogs on a device that holds their templates and nothing else.
 #include <gtest/gtest.h>
 #include <filesystem>

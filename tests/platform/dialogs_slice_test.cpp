@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dialogs on the desktop: the keyboard and the mouse of a person, what a screen reader is told,
 // small screens.
 #include <gtest/gtest.h>

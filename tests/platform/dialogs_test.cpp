@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dialogs: their procedure, their end, their owner and their place.
 #include "tests/platform/known_gap.h"
 #include "tests/platform/test_dialogs.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the device's files lie.
 #include <fcntl.h>
 #include <gtest/gtest.h>

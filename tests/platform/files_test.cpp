@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files of the device.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Frames: how many come at once and at what pace, and what one of them paints.
 #include "platform/qt/window/frames.h"
 

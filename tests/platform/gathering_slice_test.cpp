@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whether small pieces go out at once or are gathered.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Glyphs that leave their cells, seen on the picture.
 #include <QImage>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fonts and their measures, what a device context remembers, and drawing calls' results.
 #include <set>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program's icon on the desktop's window.
 #include <gtest/gtest.h>
 #include <QIcon>

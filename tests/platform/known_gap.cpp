@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Known gaps: the failures of a marked test are taken off its result.
 #include "tests/platform/known_gap.h"
 

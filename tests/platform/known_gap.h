@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Marks for expectations that one of the systems is known not to meet. A marked test that fails is
 // skipped with the reason; a marked test that passes is an error, so that no mark outlives its gap.
 // The mark stands first in the test's body.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The marks for known gaps.
 #include "tests/platform/known_gap.h"
 

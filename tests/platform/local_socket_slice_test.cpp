@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Local sockets between programs of one user.
 #include "platform/qt/services/posix_sockets.h"
 

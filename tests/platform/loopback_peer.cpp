@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The loopback peer on POSIX sockets.
 #include "tests/platform/loopback_peer.h"
 

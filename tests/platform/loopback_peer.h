@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The other end of a connection on loopback, driven by the test. Free of windows_ce.h.
 #ifndef QUILL_TESTS_PLATFORM_LOOPBACK_PEER_H
 #define QUILL_TESTS_PLATFORM_LOOPBACK_PEER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shell's menu bar, from the program's own resources, and starting other programs.
 #include "resources/resource_ids.h"
 #include "tests/platform/test_windows.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The message queue: order, filters, timers, painting when idle, and the end.
 #include "tests/platform/test_windows.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dial-up entries out of a folder of peers.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Registry files that are none: each is set aside as it was, and a fresh one takes its place.
 #include <gtest/gtest.h>
 #include <sqlite3.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The registry's file: crash safety, several processes, rights.
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The registry as the program uses it.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading compiled resources, whole and damaged.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Property sheets, acted upon by messages alone.
 #include <utility>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dialog procedure of the tests, and what they ask of a dialog.
 #include "tests/platform/test_dialogs.h"
 

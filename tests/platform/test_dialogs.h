@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the tests of dialogs share: a dialog procedure that writes down what it hears and does what
 // the test has set. Window thread only.
 #ifndef QUILL_TESTS_PLATFORM_TEST_DIALOGS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the tests on a device of their own: an empty folder that is gone afterwards.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window class of the tests.
 #include "tests/platform/test_windows.h"
 

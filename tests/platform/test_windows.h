@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A window class of the tests, which writes down what its windows hear. Window thread only.
 #ifndef QUILL_TESTS_PLATFORM_TEST_WINDOWS_H
 #define QUILL_TESTS_PLATFORM_TEST_WINDOWS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text with the host's side: UTF-8, case, and formats that no program should hand over.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Code page 1252, wsprintfW and the string calls.
 #include <gtest/gtest.h>
 

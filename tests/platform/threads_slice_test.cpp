@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The clock set by hand, and what becomes of threads that nobody waits for.
 #include <gtest/gtest.h>
 

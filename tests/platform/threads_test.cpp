@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Threads, events and time.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the tests that need windows on a device of their own: a screen that nobody sees, and an
 // empty folder that is gone afterwards.
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Windows: their life, places, texts and scroll bars.
 #include "tests/platform/test_windows.h"
 

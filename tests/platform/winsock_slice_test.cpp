@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What stands behind the sockets: numbers, descriptors, threads, a machine without a network.
 #include <gtest/gtest.h>
 #include <sched.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sockets as WinSock 1.1 has them.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The public-key message and its answer.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The doubles.
 #include "tests/ssh1/outside.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the SSH-1 client calls outside itself, as doubles that record: the socket, the terminal,
 // message boxes, the Sign on dialog, the status line and the connection manager. Beside them the
 // shorthands of these tests.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The packet layer: padding, checksum, gathering, and its limits.
 #include <gtest/gtest.h>
 #include <cstdlib>

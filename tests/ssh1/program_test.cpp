@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole program against an SSH-1 server on a real terminal and a real shell.
 #include <gtest/gtest.h>
 #include <QCryptographicHash>

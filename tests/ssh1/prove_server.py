@@ -1,4 +1,5 @@
 #!/usr/bin/python3 -B
+# SPDX-License-Identifier: MIT
 """Proves the test server on a real client of the protocol: ssh1, unpacked below the build folder.
 
 Logs in with triple DES and with DES, with keys of several lengths, with a wrong password before the

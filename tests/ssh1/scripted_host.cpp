@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The scripted server.
 #include "tests/ssh1/scripted_host.h"
 

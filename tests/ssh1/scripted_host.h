@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The server's side of a conversation, byte by byte in the test's hands. Its keys have the
 // exponent 1, so that the session key can be read where an encrypted one is sent.
 #ifndef QUILL_TESTS_SSH1_SCRIPTED_HOST_H

@@ -1,4 +1,5 @@
 #!/usr/bin/python3 -B
+# SPDX-License-Identifier: MIT
 """An SSH-1.5 server for the tests, on a free port of 127.0.0.1.
 
 One user ("visitor", password "warehouse7") gets a shell on a pseudo-terminal, run as whoever runs

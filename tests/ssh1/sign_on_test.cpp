@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Logging in to an SSH-1 server through the Sign on dialog itself.
 #include <gtest/gtest.h>
 #include <QApplication>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """SSH-1.5 on the wire, for the test server: keys, ciphers, packets, strings and integers.
 
 Bytes and ciphers are those of the protocol's last draft; the block functions come from pycryptodome.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The steps of a session: what each state takes, and what it says to everything else.
 #include <gtest/gtest.h>
 

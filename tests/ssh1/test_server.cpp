@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The server process.
 #include "tests/ssh1/test_server.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The SSH-1 server beside this file as a process of the test's; see server.py for its options.
 #ifndef QUILL_TESTS_SSH1_TEST_SERVER_H
 #define QUILL_TESTS_SSH1_TEST_SERVER_H

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: MIT
 # asyncssh as the server, on a free port of 127.0.0.1, for "visitor" with "warehouse7"; a bash on a
 # real pty. It sends MSG_IGNORE before every packet.
 # Usage: asyncssh_server.py CIPHER [REKEY_BYTES]

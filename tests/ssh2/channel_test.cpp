@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Authentication and the channel, after the first exchange of keys.
 #include <climits>
 

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: MIT
 # Twisted's conch as the server, behind a relay that holds its first packet back, on a free port of
 # 127.0.0.1, for "visitor" with "warehouse7"; a bash on a real pty.
 # Usage: conch_server.py CIPHER

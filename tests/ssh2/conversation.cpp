@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The steps of a session.
 #include "tests/ssh2/conversation.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A client under test and the scripted server, step by step. Each step gives the client what a
 // server sends and compares every byte that comes back.
 #ifndef QUILL_TESTS_SSH2_CONVERSATION_H

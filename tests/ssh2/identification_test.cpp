@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lines that open a session.
 #include <climits>
 #include "crypto/ciphers.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lengths of packets behind a cipher, where the length itself is encrypted.
 #include "tests/ssh2/conversation.h"
 

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # lshd behind a relay that holds its first packet back, on a free port of 127.0.0.1, for the user
 # "visitor" with the password "warehouse7"; see tests/peers/serve.sh for output, end and exit codes.
 # Usage: lshd.sh CIPHER

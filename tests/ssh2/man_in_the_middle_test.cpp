@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A man in the middle who changes one bit. Before the keys he gets no NEWKEYS out of the client,
 // behind them his packet is dropped. One bit of each byte is tried, a different one in each; of
 // long numbers every fifth byte.

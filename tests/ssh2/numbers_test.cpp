@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers of every length in the exchange of keys: with a random exponent the public values and the
 // secret are of 128 bytes, and shorter once in 256. Here the exponents of both sides are chosen.
 #include "tests/ssh2/conversation.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The doubles.
 #include "tests/ssh2/outside.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What protocol/ssh/ calls outside itself, as doubles that record: the socket, the terminal, the
 // Sign on dialog, message boxes and the connection manager. Chunks come in through OnSocketEvent,
 // and terminal bytes leave through SessionSend, as in the program.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program against real SSH-2 servers: signing on, a shell's size and type, much output, much
 // input, new keys in mid-session, the server's end.
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: MIT
 # A relay before a server that sends its line and its first packet in one chunk: it holds back what
 # follows the line until the client's line has come.
 # Usage: relay.py --standard-input PORT     for the client on standard input, a socket

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The server's side of SSH-2.
 #include "tests/ssh2/scripted_server.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The server's side of SSH-2 (RFC 4253), on GMP and libcrypto: it takes nothing from protocol/ssh/
 // or crypto/, so what the client sends is judged by other code. Its numbers are fixed.
 #ifndef QUILL_TESTS_SSH2_SCRIPTED_SERVER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Secrets are wiped as soon as they are spent, and all of them at the end of the session.
 #include "connection/connection.h"
 #include "crypto/ciphers.h"

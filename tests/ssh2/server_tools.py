@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What the Python servers of these tests share: the user, a shell on a real pty, the port as first
 # line, and the end with standard input.
 import fcntl

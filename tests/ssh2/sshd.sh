@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # OpenSSH's sshd with the algorithms that the client has, on a free port of 127.0.0.1, for the user
 # "visitor" with the password "warehouse7"; see tests/peers/serve.sh for output, end and exit codes.
 # Usage: sshd.sh [OPTION=VALUE]...     options of sshd_config(5) to add

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Packets and the exchange of keys.
 #include "connection/connection.h"
 #include "crypto/ciphers.h"

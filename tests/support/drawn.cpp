@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The recorder of drawing calls.
 #include "tests/support/drawn.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the program drew: its drawing calls, paints and frames. Window thread only.
 #ifndef QUILL_TESTS_SUPPORT_DRAWN_H
 #define QUILL_TESTS_SUPPORT_DRAWN_H

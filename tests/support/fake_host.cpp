@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host on loopback.
 #include "tests/support/fake_host.h"
 

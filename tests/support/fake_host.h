@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host on loopback whose every byte the test decides.
 #ifndef QUILL_TESTS_SUPPORT_FAKE_HOST_H
 #define QUILL_TESTS_SUPPORT_FAKE_HOST_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Asks the sanitizers' allocator, or the C library's.
 #include "tests/support/heap.h"
 

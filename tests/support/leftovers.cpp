@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The search on the stack, and at each release of a block.
 #include "tests/support/leftovers.h"
 

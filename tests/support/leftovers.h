@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a piece of work left of a secret where it no longer belongs.
 #ifndef QUILL_TESTS_SUPPORT_LEFTOVERS_H
 #define QUILL_TESTS_SUPPORT_LEFTOVERS_H

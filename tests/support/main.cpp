@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main function of tests that need the window system; offscreen unless told otherwise.
 #include <gtest/gtest.h>
 #include <QApplication>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What the scripts share that drive the program from outside, on an X server of their own; sourced by
 # them. All that is started is ended, and $work removed, when the script ends.
 #

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The person at the device.
 #include "tests/support/person.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drives the real program in this process as a person would: WinMain runs on the main thread, the
 // person's actions on another one. Every call below is the person's and waits until it is done.
 #ifndef QUILL_TESTS_SUPPORT_PERSON_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Server scripts as processes, and steps at the shells behind them.
 #include "tests/support/real_servers.h"
 

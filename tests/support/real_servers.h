@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Real servers that a script starts for a test, and the shells that they give. The calls are the
 // person's: [person's thread].
 #ifndef QUILL_TESTS_SUPPORT_REAL_SERVERS_H

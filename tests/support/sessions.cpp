@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Steps of tests that hold sessions.
 #include "tests/support/sessions.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Steps of tests that hold sessions: connecting, closing, waiting for either.
 #ifndef QUILL_TESTS_SUPPORT_SESSIONS_H
 #define QUILL_TESTS_SUPPORT_SESSIONS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Automatic login.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The option policy: every command with every option in every state, held against tables, and the
 // points that matter to a person by name.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What telnet/ calls outside itself, as doubles that record: the socket, the terminal, SSH, the
 // receiving thread and the connection manager. Beside them the shorthands of these tests.
 #ifndef QUILL_TESTS_TELNET_OUTSIDE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The send routine, the socket writer and the responses' escapes.
 #include <gtest/gtest.h>
 

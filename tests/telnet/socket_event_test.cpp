@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is done with a notification, and that the buffer is handed back whatever it is.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Subnegotiations: their end, their truncation, and the terminal type.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a connect clears and what it leaves.
 #include <gtest/gtest.h>
 

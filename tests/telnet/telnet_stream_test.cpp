@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The order in which a byte of the host is judged: IAC, one-byte commands, the data mark.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The trace lines to the letter.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reading of transcripts.
 #include "tests/telnet/transcript.h"
 

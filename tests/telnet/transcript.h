@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transcripts: conversations with a host as commented text files, one line each of
 //     # a comment
 //     set NAME "TEXT"     nego (a digit) or termtype

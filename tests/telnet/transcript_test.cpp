@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs every transcript of this folder, each exchange as one chunk, byte by byte, and in threes.
 #include <gtest/gtest.h>
 

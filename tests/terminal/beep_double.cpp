@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The platform's beep, counted instead of sounded.
 #include "tests/terminal/beep_double.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The platform's beep, counted instead of sounded.
 #ifndef QUILL_TESTS_TERMINAL_BEEP_DOUBLE_H
 #define QUILL_TESTS_TERMINAL_BEEP_DOUBLE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every byte in every state of the interpreter, on a screen in use: a byte that the state does not
 // list changes nothing and ends the sequence, one that it lists acts, and marks like ? change only
 // the finals that read them.

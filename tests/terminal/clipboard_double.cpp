@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The clipboard's double.
 #include "clipboard_double.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A double of the clipboard and of local memory that a test can make fail, and that finds blocks
 // which are lost, freed twice or used after they were given away. Memory is full of garbage, and a
 // block is somewhat larger than what was asked for, as on a heap of 16 bytes a step.

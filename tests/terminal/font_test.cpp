@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faces, the font in use and its cell, and stepping the size.
 #include "program_double.h"
 #include "ui/view/view.h"

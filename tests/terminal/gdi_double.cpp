@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The recording double of the windows and GDI calls.
 #include "gdi_double.h"
 

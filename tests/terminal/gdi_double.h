@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A recording double of the windows and GDI calls that the terminal window uses: one window, whose
 // size, scroll bars and fonts a test sets, and a readable list of what was drawn on it.
 #ifndef QUILL_TESTS_TERMINAL_GDI_DOUBLE_H

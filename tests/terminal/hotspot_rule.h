@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rule of hotspots once more, as it is written down, beside which the program's is held.
 #ifndef QUILL_TESTS_TERMINAL_HOTSPOT_RULE_H
 #define QUILL_TESTS_TERMINAL_HOTSPOT_RULE_H

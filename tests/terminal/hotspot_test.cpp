@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Double taps on the numbers of a menu.
 #include "program_double.h"
 #include "terminal/interpreter.h"

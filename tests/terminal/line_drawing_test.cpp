@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DEC special graphics glyphs: the exact lines of each code. The cell under test is column 3 of
 // row 2: left 16, right 24, top 16, bottom 32, centre 20,24.
 #include "program_double.h"

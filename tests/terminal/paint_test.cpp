@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Painting: which rows, which runs, which colours, the cursor, the underline, the selection.
 #include "program_double.h"
 #include "terminal/actions.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Doubles of what surrounds the terminal window, and the fixture of the terminal window's tests.
 #include "program_double.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Doubles of what the terminal window calls in settings/, session/ and beside it, and the fixture
 // that starts each test with one terminal window: 640 x 384 pixels, cells of 8 x 16, a session up,
 // nothing on the screen, and the first paint done.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Random bytes, cut at random places: however they are cut, and whether they go the quick way or
 // one by one, the terminal ends alike, and nothing leaves its bounds.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The screen's operations with rows and columns that do not exist: nothing changes, and nothing
 // outside the ring is touched (run under AddressSanitizer too).
 #include <gtest/gtest.h>

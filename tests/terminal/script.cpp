@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Terminal scripts: reading a file and carrying out its sections.
 #include "tests/terminal/script.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Terminal scripts: reading a file and carrying out its sections. README.md describes the language.
 #ifndef QUILL_TESTS_TERMINAL_SCRIPT_H
 #define QUILL_TESTS_TERMINAL_SCRIPT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a script can call directly, past the interpreter.
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a script can look at: each query by its name, with the value as text.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Registers every section of the scripts beside it as a test of its own: the file's name without
 // its number is the suite, the section's title the test. A section runs twice, each PUSH once as a
 // whole chunk and once byte by byte, and both must end alike.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Marking with the stylus, copying and pasting.
 #include "clipboard_double.h"
 #include "program_double.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal as a test drives it.
 #include "tests/terminal/terminal_state.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal as a test drives it: made new, fed in several ways, and compared as a whole. Also
 // linked by the fuzz target.
 #ifndef QUILL_TESTS_TERMINAL_TERMINAL_STATE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The way of the host's bytes into the terminal: selection, replies, following, status.
 #include "program_double.h"
 #include "terminal/interpreter.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal window: its class and messages, geometry, scrolling, following the cursor, and the
 // requests for a repaint. Cells are 8 x 16; the bars are 10 wide and 12 high.
 #include "ui/view/view.h"

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The tests of tests/platform that include only the public header, against the system's own calls.
 # Usage: platform_test.sh PLATFORM_TESTS.EXE REPORT.XML
 set -eu

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The Windows program as a person meets it: first start, import of the configuration file, a session
 # with the demo host, keys, a second start, the end, and what the registry holds then.
 # Usage: session_test.sh QUILL.EXE DEMO_HOST

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The Windows program in SSH sessions with a real shell: a sign-on typed into its dialog, wrong the
 # first time; a command whose outcome the shell writes into a file; the end of the session by the
 # host; and a second start, which signs on with what was remembered.

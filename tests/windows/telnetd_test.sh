@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The Windows program with a real telnetd: login, a command, the end of the session by the host, and
 # a request that is refused.
 # Usage: telnetd_test.sh QUILL.EXE

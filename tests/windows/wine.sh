@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What the scripts of this folder share; sourced by them, with `top` naming the tree. Wine's prefix
 # is a folder below build/, made once and kept; its windows live on a desktop of Wine's own, in a
 # screen of Xvfb's.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "About TELNET", the one dialog without a setting.
 #include "resources/resource_ids.h"
 #include "ui/dialogs/dialog_tools.h"

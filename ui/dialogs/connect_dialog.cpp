@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Connect": the host to connect to, and the five before it; and over it "Connect Advanced": port,
 // protocol and cipher, and the marks around start and end.
 #include "connection/connection.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dispatch, marks, texts and placement of the settings dialogs.
 #include "ui/dialogs/dialog_tools.h"
 

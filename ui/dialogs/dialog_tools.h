@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the settings dialogs have in common: dispatch, marks, texts and placement.
 #ifndef QUILL_UI_DIALOGS_DIALOG_TOOLS_H
 #define QUILL_UI_DIALOGS_DIALOG_TOOLS_H

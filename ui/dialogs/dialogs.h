@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dialogs in which the user edits the settings. Each procedure shows its dialog modally, owned
 // by session.main_window, and returns when it is closed; the terminal is then repainted.
 //

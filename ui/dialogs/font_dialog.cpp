@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the terminal looks: "Font", its face, bold and italic; and its four colours, through the
 // system's colour chooser.
 #include "resources/resource_ids.h"

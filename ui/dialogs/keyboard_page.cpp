@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page "Keyboard" of the Properties sheet, and its dialog "Change".
 #include "resources/resource_ids.h"
 #include "session/session_state.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The "Properties" sheet, and its page "Other": the check boxes change the settings at once, the
 // fields when the page is left.
 #include "resources/resource_ids.h"

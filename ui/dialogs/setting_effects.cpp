@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a setting needs, once a dialog has changed it, beyond being read where it is used.
 #include "session/session_ports.h"
 #include "session/session_state.h"

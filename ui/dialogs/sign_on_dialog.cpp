@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How to sign on: "Sign on to the host", the user and the password of an SSH session; and "Auto
 // Login", what a Telnet session waits for and what it answers.
 #include "resources/resource_ids.h"

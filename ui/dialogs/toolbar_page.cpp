@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lists of the three toolbars.
 #include "ui/dialogs/dialogs.h"
 

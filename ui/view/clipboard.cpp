@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Marking with the stylus, copy and paste.
 #include "ui/view/input.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The hotspot's arithmetic. It is not a parser of numbers: what it makes of " x5." is kept as it
 // is.
 #include "ui/view/input.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the user does to the terminal window: keys, marking, copy and paste, double taps.
 #ifndef QUILL_UI_VIEW_INPUT_H
 #define QUILL_UI_VIEW_INPUT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the shell's input panel leaves of the terminal.
 #include "ui/view/view.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Key presses and typed characters.
 #include "ui/view/input.h"
 

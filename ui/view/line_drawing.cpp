@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The glyphs of the DEC special graphics set as a table of lines between the cell's edges and its
 // centre.
 #include "ui/view/view.h"

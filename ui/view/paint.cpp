@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Painting the terminal window: which rows, cut into which runs, in which colours.
 #include "ui/view/view.h"
 

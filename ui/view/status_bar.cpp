@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The status line and the title, rewritten together.
 #include "ui/view/view.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal's font: listing the faces, creating and measuring the font, stepping its size.
 #include "ui/view/view.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal window's class, its message table and what happens when it is created.
 #include "ui/view/view.h"
 

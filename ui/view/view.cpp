@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal window's view of the screen: geometry, scrolling, following the cursor, and the
 // requests for a repaint.
 #include "ui/view/view.h"

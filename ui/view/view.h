@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal window: its class, its view of the screen, painting, the font, the status line, and
 // what the input panel leaves of it.
 #ifndef QUILL_UI_VIEW_VIEW_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The adapter: what the program gets on desktop Windows where the system is not the device.
 #include "platform/win32/resource_numbers.h"
 #include "resources/resource_ids.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the tests against the system's own calls and the adapter.
 #include <gtest/gtest.h>
 
