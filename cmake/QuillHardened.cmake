@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What a packaged program is built with, so that an error in it is harder to use for an attack. The
 # package's tests look for each of these in the finished program.
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)

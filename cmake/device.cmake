@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Toolchain: tests for a processor other than this machine's, which QEMU's user mode runs. QUILL_DEVICE
 # names the processor: armel (ARMv5TE without floating point), mips (big-endian, 32 bits),
 # mipsel, s390x (big-endian, 64 bits). Everything is linked in, so a program needs no library of its own

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Toolchain: the program for 64-bit Windows, built on Linux (g++-mingw-w64-x86-64), or for 32-bit
 # Windows by way of windows32.cmake. Everything but the system's own DLLs is linked in. The thread
 # model is the one whose run-time library knows std::thread, which GoogleTest wants.

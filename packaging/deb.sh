@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Makes build/quill_VERSION_ARCHITECTURE.deb: the program, its help page, icons, the entry in the
 # menu, the description for software centres, the manual page, the terminal's description and the
 # licence. Installs what is missing, and builds the program unless the folder of a build of the

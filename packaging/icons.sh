@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Makes the icon theme's files of the program: FOLDER/SIZExSIZE/apps/quill.png and the SVG itself.
 # The small sizes are the pixels of resources/icons, the others are drawn from the SVG.
 # Usage: packaging/icons.sh FOLDER

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Makes the packages of the Windows program: build/quill-windows.zip for 64-bit Windows,
 # build/quill-windows32.zip for 32-bit Windows, and build/quill-windows-installer.exe with both. Each
 # holds the program, its help page, the terminal's description for hosts, and the licence. The same

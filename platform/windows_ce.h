@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The slice of the Windows CE API that the program is written against: every type, constant and
 // function that it or a test of it uses, by its real name and value, and nothing else.
 //

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Prints how many lines and branches of each product folder the tests ran, from a build with gcov's counts.
 
 Usage: coverage.py BUILD [FOLDER...]

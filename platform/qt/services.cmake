@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What of the slice needs no window: registry, sockets, remote access, threads, time, files, text
 # and the reading of resources.
 if(QUILL_DEVICE)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command bar's pictures in the size that the monitor's scale asks for. Each is drawn twice, at
 // 16 and at 32 pixels; the one that has no fewer pixels than are shown is averaged down.
 #include <algorithm>

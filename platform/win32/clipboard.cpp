@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The clipboard: on the desktop what is put there is a window's.
 #include "device.h"
 

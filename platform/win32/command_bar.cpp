@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command bar: a toolbar that keeps the height and place that the program gives it. Its
 // pictures stand in an image list of its own; its tips in the toolbar's tool tips.
 #include <map>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What desktop Windows lacks of the device, or does otherwise. The program calls each procedure by
 // the name that it has on the device (windows_ce.h); shapes, results and errors are those of that
 // call, and the declaration says what differs from the system's own. Window thread only.

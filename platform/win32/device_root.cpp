@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Device paths to paths of the system.
 #include "device.h"
 // device.h has the headers that this one builds on.

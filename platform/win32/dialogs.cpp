@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is modal: it neither keeps the stylus from a box, nor gives an answer when the program ends.
 #include "device.h"
 

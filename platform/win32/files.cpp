@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files by their device paths.
 #include "device.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fonts in the device's pixels. A font keeps its handle when the monitor's scale changes: what is
 // selected for it then is its like in the new size.
 #include <map>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Messages that the desktop treats otherwise than the device: keys, and the states of a dial.
 #include "device.h"
 

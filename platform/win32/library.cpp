@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Libraries that the program looks up at run time.
 #include "device.h"
 

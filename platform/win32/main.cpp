@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Windows program: what the system is to know of it before it runs, and what is left to do
 // after.
 #include "windows_ce.h"

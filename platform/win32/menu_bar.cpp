@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shell's menu bar. The desktop keeps menus below the title bar; the bar's window is one that
 // nobody sees, and the menu is there as long as it is.
 #include "device.h"

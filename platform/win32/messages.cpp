@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The message loop's source: each message as the device would tell it, and drags that go on
 // outside.
 #include "device.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Starting other programs. The device has one: the help viewer, which is the desktop's own viewer
 // on the page that the program carries.
 #include "device.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Remote access. Its library is large and few people dial, so it is loaded when it is first asked
 // for, and from the system's folder alone.
 #include "device.h"

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The numbers of the Windows program's own resources; read by the resource compiler too. */
 #ifndef QUILL_PLATFORM_WIN32_RESOURCE_NUMBERS_H
 #define QUILL_PLATFORM_WIN32_RESOURCE_NUMBERS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The monitor's scale: how many pixels an inch has, 96 at 100 %. Windows, fonts, pictures and bars
 // of the program are as large as that asks for, and follow when it changes.
 #include "device.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The end of the desktop's session: log-off, restart, power-off. The system ends a program as soon
 // as all of its windows have answered WM_ENDSESSION. So a window that nobody sees, with a thread of
 // its own, does not answer before the program has ended in its usual way, with its settings saved.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shell: the size of the device, and an input panel that is not there.
 #include <algorithm>
 

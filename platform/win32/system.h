@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The system's own headers, as the adapter and the program see them.
 #ifndef QUILL_PLATFORM_WIN32_SYSTEM_H
 #define QUILL_PLATFORM_WIN32_SYSTEM_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Windows: what the desktop's look asks for and the device's does not know.
 #include <algorithm>
 #include <set>

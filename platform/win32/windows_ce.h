@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Windows CE API on desktop Windows: the system's own headers, and for what they lack of the
 // device the adapter beside this file. Stands in for platform/windows_ce.h, so nothing outside
 // platform/ knows which of the two it was compiled with.

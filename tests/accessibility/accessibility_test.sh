@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The program as a screen reader has it: one step of steps.py on an X server and buses of its own.
 # Exit code 77: not possible here.
 # Usage: accessibility_test.sh PROGRAM STEP

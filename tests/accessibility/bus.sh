@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Buses of the test's own, for the desktop and for screen readers; sourced after outside.sh. Nothing of
 # the person's session is reached: the run-time folder and the settings are below $work.
 

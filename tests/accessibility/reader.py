@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """A screen reader's side of the accessibility bus, the program it reads, and a host for it."""
 import os
 import pathlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The steps of the screen reader's test; each has its own program and bus.
 
 Usage: steps.py PROGRAM WORK-FOLDER STEP

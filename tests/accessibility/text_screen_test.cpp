@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the changes of a text are told: whatever they are, who applies them has the new text.
 #include "platform/qt/window/text_screen.h"
 

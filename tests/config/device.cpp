@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The device of a test, and what it stores.
 #include "tests/config/device.h"
 

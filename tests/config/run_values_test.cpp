@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where one run connects to, beside the stored host: what the program finds and what the store
 // keeps.
 #include "platform/qt/services/run_values.h"

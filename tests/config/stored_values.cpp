@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The values of the registry's file, read with SQLite itself.
 #include <sqlite3.h>
 

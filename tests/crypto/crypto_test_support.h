@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the tests of crypto/ share: random input with a fixed seed, short forms for byte strings
 // and integers, and the clock behind SeedRandom.
 #ifndef QUILL_TESTS_CRYPTO_CRYPTO_TEST_SUPPORT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Integers of crypto/ to GMP and back.
 #include "gmp_bridge.h"
 

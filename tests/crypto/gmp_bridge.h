@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Integers of GMP beside those of crypto/.
 #ifndef QUILL_TESTS_CRYPTO_GMP_BRIDGE_H
 #define QUILL_TESTS_CRYPTO_GMP_BRIDGE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Prints the answers to much seeded work, one line each: integers of every size, hashes cut
 // anywhere, ciphers in both directions, and the terminal after random streams. A processor passes
 // if it prints what this machine prints.

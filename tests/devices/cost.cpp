@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Work whose instructions tests/devices/cost.sh counts. Usage: device_cost
 // nothing|exchange|3des|screen
 #include <cstdint>

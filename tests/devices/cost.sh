@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Prints how many instructions a key exchange of SSH-2, a megabyte of 3DES and a screen cost here and on
 # the other processors, built with the optimiser: QEMU's user mode runs all of them, this machine's own code too,
 # and a plugin of it counts. What the program costs that does nothing is taken off.

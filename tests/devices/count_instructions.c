@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* A plugin of QEMU's user mode: prints how many instructions the program ran. The declarations are
    those of QEMU's plugin interface, version 1. */
 #include <inttypes.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The registry's file on a processor for which there is no SQLite: all rows in the order in which
 // they were first written.
 #ifndef QUILL_TESTS_DEVICES_FLAT_REGISTRY_H

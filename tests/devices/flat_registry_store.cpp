@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The registry's store without SQLite: each change writes the whole file.
 #include <fcntl.h>
 #include <strings.h>

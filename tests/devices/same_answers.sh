@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Fails unless a program prints the lines of a file. Usage: same_answers.sh FILE PROGRAM...
 set -eu
 wanted=$1

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The values of the registry's file, where there is no SQLite.
 #include "flat_registry.h"
 #include "platform/qt/services/services.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The person at a dialog: hands and eyes of tests/qt_driver/driver.h, on the window thread.
 #include "tests/dialogs/dialog_person.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The last column of docs/sequences.md, where the terminal differs: each of its texts has a test of
 // that title in departures.test, which feeds the terminal and looks at what it does.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tables of docs/hosts.md that say what is wrong and what to set: each row is tried by tests,
 // which this list names. A row without its line here fails, and so does a line whose test is gone.
 #include <gtest/gtest.h>

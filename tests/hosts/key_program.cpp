@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program on a pseudo-terminal, and a user who presses keys and looks for texts on the screen.
 #include "tests/hosts/key_program.h"
 

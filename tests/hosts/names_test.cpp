@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // docs/hosts_names.md and the table of quill-7's keys, held against the proof and the key table.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the entry of this terminal is held to beyond the manual.
 #include "tests/hosts/own_entry.h"
 

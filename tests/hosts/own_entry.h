@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The entry of this terminal is held to more than the manual asks of any entry: what it lacks, and
 // what its strings for setting up leave.
 #ifndef QUILL_TESTS_HOSTS_OWN_ENTRY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the handbook says under "When the screen looks wrong", seen with the programs themselves:
 // the wrong screen, and the right one after what the page has set.
 #include <gtest/gtest.h>

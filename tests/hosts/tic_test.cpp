@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The source of the entries, read by tic, and the forms in which older systems take them.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Each program of the walks under the entry `quill`, and under the names for hosts where it cannot
 // be installed, judged after every step.
 #include <gtest/gtest.h>

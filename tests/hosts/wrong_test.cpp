@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Entries that are wrong in one place: the proof finds each.
 #include <gtest/gtest.h>
 

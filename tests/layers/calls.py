@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Holds the built libraries and the sources against tests/layers.txt: calls go down only. The rooms
 of platform/qt are layers like any other.
 

@@ -17,8 +17,6 @@ WORD = "SPDX-" "License-Identifier: "
 SLASHES = (".cpp", ".h", ".S")
 HASHES = (".py", ".sh", ".cmake", ".yml")
 STARS = (".rc", ".in")
-# Folders that are being re-sorted: their files get the line once that is done.
-LATER = ("platform/",)
 
 
 def listed():
@@ -29,7 +27,7 @@ def listed():
     else:  # a tree from an archive
         names = [str(path.relative_to(TOP)) for path in TOP.rglob("*")]
     return sorted(name for name in names
-                  if (TOP / name).is_file() and not name.startswith(("build/", ".git/", "fuzz/corpus/", *LATER)))
+                  if (TOP / name).is_file() and not name.startswith(("build/", ".git/", "fuzz/corpus/")))
 
 
 def line_for(name, first):

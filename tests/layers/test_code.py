@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Holds the program against the libraries of the tests: it has nothing of theirs.
 
 Usage: test_code.py BUILD-FOLDER [NM]

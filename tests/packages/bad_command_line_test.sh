@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Command lines that are wrong: a line on stderr without control characters, exit code 2, and
 # nothing written. Needs no display.
 # Usage: bad_command_line_test.sh PROGRAM

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The package as a file: the same twice, what is in it, what it needs, how the program in it is
 # built, and what the judges of each file say.
 # Usage: deb_test.sh BUILD      (the folder of a build of the preset "package")

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What the scripts of this folder share beside ../support/outside.sh; sourced after it. The program's
 # user folder is $home/data, so that nothing of the person's own is touched.
 

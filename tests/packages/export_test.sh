@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # One device set up, another one given what it exports: both store the same afterwards.
 # Usage: export_test.sh PROGRAM
 set -eu

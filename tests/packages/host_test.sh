@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # A host on the command line: the session that it opens, and what it leaves of the stored host.
 # Usage: host_test.sh PROGRAM DEMO_HOST
 set -eu

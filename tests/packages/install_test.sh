@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The package installed, upgraded, removed while it runs, and purged: in a root of its own, which is
 # a layer over the machine's in a mount namespace. Nothing of it reaches the machine, and it ends
 # with this script. Exit code 77: not possible here.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Asks the window manager to maximise a window: maximize.py WINDOW."""
 import ctypes
 import sys

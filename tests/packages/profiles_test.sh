@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Profiles: folders, list, one window each, and what tells the windows apart.
 # Usage: profiles_test.sh PROGRAM
 set -eu

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Size and place of the window, from run to run and from screen to screen.
 # Usage: window_place_test.sh PROGRAM
 set -eu

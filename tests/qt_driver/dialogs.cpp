@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A person's hands on dialogs, for tests.
 #include <deque>
 #include <QAbstractButton>

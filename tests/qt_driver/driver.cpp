@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What tests hear of a running program, and what they refuse it.
 #include "tests/qt_driver/driver.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What tests see of a running program and do to it: beeps, message boxes, dialogs, refusals. It is
 // behind the observers of platform/qt, which it sets when it is linked. Window thread only.
 #ifndef QUILL_TESTS_QT_DRIVER_DRIVER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The judge on this machine: GMP and libcrypto.
 #include "tests/ssh2/judge.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The arithmetic of the scripted server, by code that is not the client's. judge.cpp does it with
 // GMP and libcrypto, and writes each question with its answer to the file named by
 // QUILL_JUDGE_RECORD, if there is one. On another processor judge_answers.cpp gives the answers out

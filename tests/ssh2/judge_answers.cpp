@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The judge on another processor: what the judge of this machine answered, from the file named by
 // QUILL_JUDGE_ANSWERS. A question that is not in it fails the test.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Names of questions to the judge.
 #include <cinttypes>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the program holds on the heap.
 #ifndef QUILL_TESTS_SUPPORT_HEAP_H
 #define QUILL_TESTS_SUPPORT_HEAP_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The hooks behind the observer of the services.
 #include "tests/support/services_test_hooks.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What tests may change under the program: failures of the network, the clock, the dial-up folder.
 // Set while no other thread of the slice runs. They come with this file, and are not of the
 // program.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Looks at a picture of the frame that frame_host.py paints: all its lines are whole, from end to end.
 
 Usage: frame_check.py PICTURE SCALE DENSITY

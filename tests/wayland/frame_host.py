@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """A host that paints a frame with crossings, in line drawing, and some text; prints its port."""
 import socket
 import time

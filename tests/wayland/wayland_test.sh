@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The program under Wayland: a session on a headless compositor of the test's own, at one scale, with
 # pictures of the program's own and of the compositor's screen.
 # Exit code 77: not possible here.

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The Windows program in a code page of two bytes a character and in the UTF-8 one: what takes
 # several bytes is typed as one question mark, and what follows it arrives as ever.
 # Usage: code_page_test.sh QUILL.EXE DEMO_HOST

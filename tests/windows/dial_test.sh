@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # A dial in progress when the desktop's session ends: it is hung up, and the settings are saved. The
 # modem is a library in the system's folder (modem.c); the network, one of this script's own, has no
 # way to the host.

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The installer, silently: it installs for this user, the installed program runs, and its removal takes
 # all of it away but the settings. It is a 32-bit program as installers are; where there is no 32-bit
 # Wine, the same one is made as a 64-bit program and run.

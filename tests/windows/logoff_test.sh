@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The end of the desktop's session finds the program in each of its states: it ends as by its Exit,
 # with the settings saved, and asks nothing. The state before each has a larger font than is saved.
 # Usage: logoff_test.sh QUILL.EXE DEMO_HOST

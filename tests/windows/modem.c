@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* A remote access library with one entry, "office", for the system's folder of a prefix: a dial
    gets as far as the modem and stays there. What is asked of it is written to C:\modem.log. */
 #include <stdio.h>

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The packages: what is in them, that the programs want nothing but the system's own DLLs, and that
 # they have the same bytes when they are made again.
 # Usage: package_test.sh QUILL64.EXE QUILL32.EXE

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Libraries of system names beside the program and in the folder that it is started from: none of them
 # is loaded. Each would leave a file behind.
 # Usage: planted_test.sh QUILL.EXE PLATFORM_TESTS.EXE

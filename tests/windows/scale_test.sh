@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The Windows program on monitors of 100, 150 and 200 %: text, menu, toolbar and a dialog are larger by
 # the same factor. A picture of each is kept.
 # Usage: scale_test.sh QUILL.EXE DEMO_HOST

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Wine for 32-bit programs, without anything installed: the system's own 64-bit Wine with the 32-bit
 # libraries of its package, fetched and unpacked below build/. An installer runs in it; what wants
 # sockets does not, as Wine 8 does not start them there. Sourced after wine.sh, before

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Buttons and static texts of dialogs.
 #include "platform/qt/dialog/dialogs.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The library of common dialogs that a program looks up at run time, and what it holds: the chooser
 // of colours, which is the toolkit's own in a window no larger than the desktop, with buttons that
 // are always in sight.

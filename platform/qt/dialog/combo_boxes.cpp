@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Combo boxes of dialogs.
 #include <climits>
 #include <QComboBox>

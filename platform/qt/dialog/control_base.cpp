@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the kinds of controls share: notices to the dialog, texts, entries, and dialog units.
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/window/messages.h"

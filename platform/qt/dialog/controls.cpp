@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The controls of dialogs: how they are made from a template, named and ordered, and the calls that
 // reach one by its number. Each is a widget of the desktop with a window's record before it.
 #include <algorithm>

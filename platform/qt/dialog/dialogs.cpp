@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dialogs: the desktop's window around one, its procedure, the loop that runs it, and the button
 // that Enter presses.
 #include "platform/qt/dialog/dialogs.h"

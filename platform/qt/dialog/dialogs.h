@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What dialogs, their controls and property sheets share.
 #ifndef QUILL_PLATFORM_QT_DIALOG_DIALOGS_H
 #define QUILL_PLATFORM_QT_DIALOG_DIALOGS_H

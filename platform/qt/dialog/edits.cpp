@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Edits of dialogs.
 #include <climits>
 #include <QComboBox>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // List boxes of dialogs; entries that are too wide for one are broken over several lines.
 #include <QApplication>
 #include <QKeyEvent>

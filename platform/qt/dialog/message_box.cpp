@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Message boxes and beeps.
 #include <QElapsedTimer>
 #include <QLabel>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Property sheets: tabs over pages that are dialogs of their own, OK and Cancel below.
 #include <QHBoxLayout>
 #include <QPushButton>

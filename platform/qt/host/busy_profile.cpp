@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One window a profile.
 #include "platform/qt/host/busy_profile.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A start with a host while the window of these settings is open already.
 #ifndef QUILL_PLATFORM_QT_BUSY_PROFILE_H
 #define QUILL_PLATFORM_QT_BUSY_PROFILE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Options and operands, each by a row of a table.
 #include "platform/qt/host/command_line.h"
 

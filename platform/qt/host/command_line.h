@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command line: quill [OPTIONS] [HOST [PORT]], or an address telnet://... or ssh://... in place
 // of HOST and PORT. The options are the window host's; the program itself has none.
 #ifndef QUILL_PLATFORM_QT_COMMAND_LINE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host: opens the device before the program runs on it, and takes it down afterwards. The
 // program's icon.
 #include "platform/qt/host/host.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host: opens the device before the program runs on it, and takes it down afterwards; the icons
 // of the resources; the text that stands on each window, as it was drawn last.
 #ifndef QUILL_PLATFORM_QT_HOST_HOST_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The desktop program: reads the host's options, opens the device and runs the program on it, until
 // it ends or a signal ends it.
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Profiles and the marks of their windows.
 #include "platform/qt/host/profiles.h"
 
@@ -8,6 +9,7 @@
 #include <QPainter>
 
 #include "platform/qt/services/services.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 
 namespace {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Profiles: each is a settings folder of its own, below the user's own one, and has a window of its
 // own.
 #ifndef QUILL_PLATFORM_QT_PROFILES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text that stands on each window.
 #include "platform/qt/host/host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the command line wants to connect: HOST, PORT, telnet://HOST:PORT, ssh://USER@HOST:PORT.
 #include <strings.h>
 

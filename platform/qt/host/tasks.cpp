@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tasks, each a row.
 #include "platform/qt/host/tasks.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the command line can want besides a window: help, version, the list of profiles, an export.
 #ifndef QUILL_PLATFORM_QT_TASKS_H
 #define QUILL_PLATFORM_QT_TASKS_H

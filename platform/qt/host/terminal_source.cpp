@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal's text for screen readers, out of the session record.
 #include "platform/qt/host/terminal_source.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal's text for screen readers: the one place where the desktop program looks into the
 // session record.
 #ifndef QUILL_PLATFORM_QT_HOST_TERMINAL_SOURCE_H

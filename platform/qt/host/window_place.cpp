@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window's place: the file, and what of it is right on the screens of today.
 #include "platform/qt/host/window_place.h"
 
@@ -10,6 +11,7 @@
 #include <QScreen>
 
 #include "platform/qt/services/services.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 
 namespace {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Size and place of the desktop's window, kept from run to run in ROOT/window.cfg, beside the
 // program's settings: text, mode 0600.
 //     size 480 352         device pixels, without the frame

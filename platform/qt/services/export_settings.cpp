@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The configuration file out of the registry's file.
 #include "platform/qt/services/export_settings.h"
 

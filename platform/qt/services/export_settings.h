@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The stored settings as an mconfig.cfg, which a device reads at its next start.
 #ifndef QUILL_PLATFORM_QT_EXPORT_SETTINGS_H
 #define QUILL_PLATFORM_QT_EXPORT_SETTINGS_H

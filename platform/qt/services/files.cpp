@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Device paths to host paths, and files by their device paths.
 #include "platform/qt/services/services.h"
 

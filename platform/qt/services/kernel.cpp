@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a device's kernel gives: threads and events, blocks of memory, the time. A HANDLE is a
 // number that is never given out twice in a run; what it stands for lives on while a thread runs it
 // or waits for it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's own socket calls. This file stays free of windows_ce.h, whose macros take their names.
 #include "platform/qt/services/posix_sockets.h"
 

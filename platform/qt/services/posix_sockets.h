@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's sockets, names and error numbers, as WinSock needs them. This header and its .cpp stay
 // free of windows_ce.h, whose macros take the names of the calls used here.
 #ifndef QUILL_PLATFORM_QT_SERVICES_POSIX_SOCKETS_H

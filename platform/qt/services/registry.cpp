@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The registry's calls over its store. An HKEY is a number that is never given out twice in a run.
 #include "platform/qt/services/registry.h"
 

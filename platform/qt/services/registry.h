@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The registry's file: ROOT/registry.db, a SQLite database of one table (key, name, type, data),
 // mode 0600, in WAL mode, so that a process killed at any moment leaves each value old or new.
 // A row without a name says that its key exists. A file that cannot be read as that table is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The registry's file, which is one of SQLite's.
 #include "platform/qt/services/registry.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Remote access: the system's dial-up peers are the entries; what its log says of a dial.
 #include "platform/qt/services/remote_access.h"
 

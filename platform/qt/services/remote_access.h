@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the dial-up program's log and exit code say of a dial.
 #ifndef QUILL_PLATFORM_QT_SERVICES_REMOTE_ACCESS_H
 #define QUILL_PLATFORM_QT_SERVICES_REMOTE_ACCESS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The compiled resources: the entries of a .res file image, and a reader for each kind of them.
 #include "platform/qt/services/resources.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program's compiled resources (a .res file image, as `windres -O res` writes it): finding one
 // by type and name, the bounds-checked reader for what is inside, and the kinds: accelerators,
 // menus, templates of dialogs (DIALOG and DIALOGEX), bitmaps and icons.

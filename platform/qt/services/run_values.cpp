@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The values of one run, over those of the store.
 #include "platform/qt/services/run_values.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Settings that hold for one run: where the command line wants to connect. The program finds them
 // in the registry as if they were stored there; the store itself keeps the user's own.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the services share with each other and with the rooms above: the slice's 16-bit text as the
 // host's UTF-8 and back, the folder that is the root of the device's files, and who may come
 // between the services and the system.

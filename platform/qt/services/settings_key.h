@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program's own key, for what the host does with its values.
 #ifndef QUILL_PLATFORM_QT_SETTINGS_KEY_H
 #define QUILL_PLATFORM_QT_SETTINGS_KEY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text: UTF-16 and UTF-8, case without a locale, code page 1252, the plain string calls, wsprintfW.
 #include "platform/qt/services/services.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // WinSock 1.1 over the host's sockets, and host addresses: by name and in dots.
 #include <algorithm>
 #include <cctype>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command bar: a row of flat buttons at the top of a window, each with a picture and a tool
 // tip. A button is a desktop button, so that finger, mouse and screen reader find it; it never
 // takes the keyboard from the window. The pictures come out of the resources, in the desktop's

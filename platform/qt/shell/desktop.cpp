@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the device has of the desktop: its clipboard, with text alone, and its viewer. The one
 // program that can be started is the help viewer, which is the desktop's own on the page that this
 // program carries.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dialling: the system's pppd calls the entry, in the foreground, as a program of ours. A thread a
 // dial starts it, reads its log, tells the window the states, and ends it. Hanging up waits for
 // that end while it takes no longer than usual; beyond that, the next dial's thread waits for it

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The soft keyboard: 15 units wide, five rows, laid out as on an English keyboard. Shift, Ctl and
 // Fn hold for the next key, CAP until it is pressed again; with Fn the digits are the function
 // keys and the arrows Home, End and the page keys.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The input panel: a soft keyboard above the menu bar, for a device without keys. Its keys reach
 // the widget that has the focus as key events like those of a real keyboard.
 #ifndef QUILL_PLATFORM_QT_SHELL_INPUT_PANEL_H

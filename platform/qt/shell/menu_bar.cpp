@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The menu bar at the bottom of the device. Its menus open upward; the desktop's own menus do the
 // work, so that mouse, touch, Alt with a letter and the arrow keys reach every entry.
 #include "platform/qt/shell/menu_bar.h"

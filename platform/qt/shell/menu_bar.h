@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shell's strip at the bottom of the device: the program's menu bar and the input panel's
 // button.
 #ifndef QUILL_PLATFORM_QT_SHELL_MENU_BAR_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The compiled resources and the help page, as bytes of the program. */
     .section .rodata
     .global quill_resources

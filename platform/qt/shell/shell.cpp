@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shell: the foot of the device's screen, where the input panel is, and the visible part of the
 // screen.
 #include "platform/qt/shell/shell.h"

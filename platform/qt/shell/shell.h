@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the device's shell gives to a program: the foot of the screen, the input panel, the bars
 // that a program puts on its window, dialling.
 #ifndef QUILL_PLATFORM_QT_SHELL_SHELL_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The status window: a line of text at the foot of its parent.
 #include <cmath>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The windows that the program paints, for screen readers.
 #include "platform/qt/window/accessible.h"
 

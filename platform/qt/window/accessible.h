@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What screen readers see of the windows that the program paints: their roles and names, and the
 // text of the one that shows text. Dialogs, menus and buttons are the toolkit's, which speak for
 // themselves. Window thread only.

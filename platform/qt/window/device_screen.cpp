@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The desktop window that is the device's screen.
 #include "platform/qt/window/device_screen.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The desktop window that is the device's screen: the program's window on top, below it the shell's
 // strip, and the input panel over the window's foot while it is shown.
 #ifndef QUILL_PLATFORM_QT_WINDOW_DEVICE_SCREEN_H

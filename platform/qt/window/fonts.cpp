@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fonts: the fixed-pitch families of the desktop, and fonts whose cell has the wanted height.
 #include <cmath>
 #include <QFontDatabase>

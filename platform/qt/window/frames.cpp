@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // When the windows that are invalid are painted.
 #include "platform/qt/window/frames.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Frames: when the windows that are invalid are painted.
 //
 // A frame paints all windows that are invalid, one WM_PAINT each, and nothing else comes in

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Painting: device contexts over QPainter, pens, brushes and text on a grid of cells.
 #include "platform/qt/window/gdi.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The records behind the GDI handles.
 #ifndef QUILL_PLATFORM_QT_WINDOW_GDI_H
 #define QUILL_PLATFORM_QT_WINDOW_GDI_H

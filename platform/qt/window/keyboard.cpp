@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The keyboard: virtual-key codes from Qt's keys, synthetic keys, accelerators.
 #include <QInputMethod>
 #include <QKeyEvent>

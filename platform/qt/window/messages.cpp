@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The message queue of the window thread: posted messages, input, paints and timers in the order
 // of the real one, over Qt's event loop.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The message queue of the window thread and the state of the keys, which each message carries as
 // it was when it happened.
 #ifndef QUILL_PLATFORM_QT_WINDOW_MESSAGES_H

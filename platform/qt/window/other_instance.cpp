@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One program a device root: the first one holds a lock file and listens on a local socket; a
 // second one finds it there and hands over to it. The socket's name is of the kernel alone, so that
 // nothing of it is left on the disk.

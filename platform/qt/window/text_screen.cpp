@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text of a window that the program paints, and how it has changed.
 #include "platform/qt/window/text_screen.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text of a window that the program paints, as screen readers get it.
 //
 // Rows come without the blanks at their ends, but for those before the cursor, so that its place is

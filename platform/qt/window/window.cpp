@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The table of windows and that of their classes, and what can be said of a window by its record
 // alone.
 #include "platform/qt/window/window.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The records behind the window handles, their table, what can be done with a window of any kind,
 // and who looks on. Window thread only.
 #ifndef QUILL_PLATFORM_QT_WINDOW_WINDOW_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The widget behind every window that the program paints, and the scroll bars that it carries.
 #include "platform/qt/window/window_widget.h"
 

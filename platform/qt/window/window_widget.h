@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The widget behind every window that the program paints: turns Qt's events into the queue's
 // messages. Its scroll bars.
 #ifndef QUILL_PLATFORM_QT_WINDOW_WINDOW_WIDGET_H

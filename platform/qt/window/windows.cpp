@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Windows: creation and destruction, places, texts, focus, and what becomes of messages that a
 // window leaves alone.
 #include "platform/qt/window/window.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // AltGr: what the desktop tells of it on five layouts, and which Ctrl the program sees down.
 #include "tests/platform/test_windows.h"
 

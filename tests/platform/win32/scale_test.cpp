@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The monitor's scale: at 100, 150 and 200 % everything has one size, and a change of it is
 // followed.
 #include <set>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The end of the desktop's session, and what is modal when the program ends.
 #include <atomic>
 
