@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Makes the icon theme's files of the program: FOLDER/SIZExSIZE/apps/quill.png and the SVG itself.
+# Makes the icon theme's files of the program: a picture of each size below FOLDER, and the SVG itself.
 # The small sizes are the pixels of resources/icons, the others are drawn from the SVG.
 # Usage: packaging/icons.sh FOLDER
 set -eu

@@ -22,7 +22,8 @@ COMMENT = re.compile(r"(?:^|\s)(?://|/\*|#)\s(.*)$", re.M)
 PAGES = (".md",)
 SOURCES = (".cpp", ".h", ".py", ".sh", ".rc", ".cmake", ".txt")
 # The system's own headers, and a pattern of names.
-ELSEWHERE = ("winsock2.h", "windows.h", "ras.h", "term.h", "NUMBER-NAME.txt")
+ELSEWHERE = ("winsock2.h", "winsock.h", "windows.h", "commctrl.h", "commdlg.h", "prsht.h", "raserror.h",
+             "aygshell.h", "sipapi.h", "not_run.txt", "ras.h", "term.h", "NUMBER-NAME.txt")
 
 
 def listed():

@@ -181,8 +181,7 @@ TEST_F(Painting, AColumnStaysInItsCellInACodePageOfTwoBytes) {
     EXPECT_EQ(PaintRow(3)[0].substr(0, 25), "text 0,32 640x16 '?<a0>|?");
     SetCell(4, 80, 0x82);
     SetCell(4, 79, 'x');
-    const std::string row = PaintRow(4)[0];
-    EXPECT_EQ(row.substr(row.find('x'), 2), "x?");
+    EXPECT_NE(PaintRow(4)[0].find("x?'"), std::string::npos);
 }
 
 TEST_F(Painting, GlyphsStandOnTheCellGridWhateverTheFont) {

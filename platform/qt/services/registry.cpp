@@ -7,6 +7,7 @@
 
 #include "platform/qt/services/run_values.h"
 #include "platform/qt/services/services.h"
+#include "platform/qt/services/settings_key.h"
 #include "windows_ce.h"
 
 namespace {
@@ -181,6 +182,14 @@ LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
 }
 
 // Each value set is committed by itself: nothing waits for the flush.
+void ConnectThisRun(const RunTarget& target) {
+    HKEY key;
+    if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, kSettingsKeyName, 0, nullptr, REG_OPTION_NON_VOLATILE,
+                        KEY_SET_VALUE, nullptr, &key, nullptr) == ERROR_SUCCESS)
+        RegCloseKey(key);
+    SetRunTarget(target);
+}
+
 LONG RegFlushKey(HKEY key) {
     Registry& registry = TheRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);

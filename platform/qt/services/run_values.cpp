@@ -117,12 +117,8 @@ bool IsKept(const RuleRow& row) {
 
 }  // namespace
 
-void ConnectThisRun(const RunTarget& target) {
+void SetRunTarget(const RunTarget& target) {
     ForgetRun();
-    HKEY key;
-    if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, kSettingsKeyName, 0, nullptr, REG_OPTION_NON_VOLATILE,
-                        KEY_SET_VALUE, nullptr, &key, nullptr) == ERROR_SUCCESS)
-        RegCloseKey(key);
     g_run.target = target;
     g_run.wanted = true;
 }

@@ -25,11 +25,13 @@ struct RunTarget {
 };
 
 // To be called before the program starts. Makes the settings' key where it is missing, without
-// which the program would look for no value.
+// which the program would look for no value. With the registry's calls.
 void ConnectThisRun(const RunTarget& target);
 void ForgetRun();
 
-// For the registry's calls: whether the value is this run's. Only the settings' key has such.
+// For the registry's calls. What the run wants from now on.
+void SetRunTarget(const RunTarget& target);
+// Whether the value is this run's. Only the settings' key has such.
 bool ReadRunValue(RegistryStore& store, const std::string& key, const std::string& name,
                   StoredValue* value);
 bool KeepRunValue(const std::string& key, const std::string& name, const StoredValue& value);

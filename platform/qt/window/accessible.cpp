@@ -8,7 +8,6 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
-#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window_widget.h"
 
 TextScreenSource text_screen_source;
@@ -202,7 +201,7 @@ QAccessibleInterface* OfWindow(const Window& window, QWidget* widget) {
 
 QAccessibleInterface* MakeAccessible(const QString& class_name, QObject* object) {
     auto* widget = qobject_cast<QWidget*>(object);
-    if (widget && widget == DeviceScreen() && class_name == "ScreenWidget")
+    if (widget && widget->objectName() == "device")
         return new QAccessibleWidget(widget, QAccessible::Window);
     if (QAccessibleInterface* button = OfButton(class_name, widget)) return button;
     if (!widget || class_name != "WindowWidget") return nullptr;

@@ -61,7 +61,7 @@ inline WindowWidget* PaintedWidget(const Window& window) {
     return PaintedByProgram(window) ? static_cast<WindowWidget*>(window.widget.data()) : nullptr;
 }
 
-// scroll_bars.cpp
+// Scroll bars of a painted window.
 void AttachScrollBars(Window& window, DWORD style);
 void ArrangeScrollBars(Window& window);
 

@@ -19,9 +19,9 @@
 #include "platform/qt/host/host.h"
 #include "platform/qt/host/profiles.h"
 #include "platform/qt/host/tasks.h"
-#include "platform/qt/host/terminal_source.h"
 #include "platform/qt/host/window_place.h"
 #include "platform/qt/services/services.h"
+#include "platform/qt/terminal_source.h"
 #include "platform/qt/window/device_screen.h"
 #include "windows_ce.h"
 

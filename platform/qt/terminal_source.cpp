@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The terminal's text for screen readers, out of the session record.
-#include "platform/qt/host/terminal_source.h"
+#include "platform/qt/terminal_source.h"
 
 #include "platform/qt/window/accessible.h"
 #include "session/session_state.h"
