@@ -14,4 +14,9 @@ set(SERVICES export_settings files kernel posix_sockets registry registry_store 
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)
 quill_library(platform_services ${SERVICES})
+# Export, resources and the registry's file are read once in a run.
+set_source_files_properties(
+    services/export_settings.cpp services/run_values.cpp services/resources.cpp services/registry.cpp
+    services/registry_store.cpp services/remote_access.cpp
+    PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-Os>")
 target_link_libraries(platform_services PUBLIC Qt6::Core PRIVATE SQLite::SQLite3 Threads::Threads)
