@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
-// The slice of the Windows CE API that the program is written against: every type, constant and
-// function that it or a test of it uses, by its real name and value, and nothing else.
+// The part of the Windows CE API that the program is written against: every type, constant and
+// function that the program or one of its tests uses, with its real name and value, and nothing
+// else.
 //
-// On Windows platform/win32/windows_ce.h takes this file's place: the system's own headers.
-// Everywhere else the declarations below are met by platform/qt. Shapes, ranges and results are
-// those of the real calls; where the slice does less, the declaration says so, and docs/platform.md
-// lists the state of each call. All calls belong to the thread that owns the windows unless marked
-// [any thread].
+// On Windows, platform/win32/windows_ce.h takes this file's place and includes the system's own
+// headers. Everywhere else platform/qt implements these declarations. Shapes, ranges and results
+// are those of the real calls. Where this slice of the API does less, the declaration says so;
+// docs/platform.md lists the state of each call. All calls belong to the thread that owns the
+// windows unless marked [any thread].
 #ifndef QUILL_PLATFORM_WINDOWS_CE_H
 #define QUILL_PLATFORM_WINDOWS_CE_H
 
-#include <sys/select.h>  // its fd_set and select are spent here, so that the names can be WinSock's
+#include <sys/select.h>  // before WinSock's names redefine its fd_set and select
 
 #include <cstddef>
 #include <cstdint>
@@ -87,7 +88,7 @@ struct RECT {
 
 // ---------------------------------------------------------------- the program's entry
 
-// Defined by the program; the host calls it once on the window thread.
+// The program defines it; the host calls it once on the window thread.
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, int show);
 
 // ---------------------------------------------------------------- windows
@@ -133,7 +134,8 @@ struct CREATESTRUCTW {
 #define STATUSCLASSNAME TEXT("msctls_statusbar32")  // the common controls' status window
 
 ATOM RegisterClassW(const WNDCLASSW* window_class);
-// Child windows take their id in `menu`. Sends WM_CREATE; -1 from it destroys the window again.
+// Child windows pass their id in `menu`. Sends WM_CREATE; if that returns -1, the window is
+// destroyed.
 HWND CreateWindowExW(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x, int y,
                      int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                      LPVOID parameter);
@@ -149,10 +151,10 @@ BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
 #define SWP_NOMOVE 0x0002u
 #define SWP_NOZORDER 0x0004u
 #define SWP_NOACTIVATE 0x0010u
-// The order of windows stays as it is: SWP_NOZORDER and SWP_NOACTIVATE are to be given.
+// Does not change the order of windows: pass SWP_NOZORDER and SWP_NOACTIVATE.
 BOOL SetWindowPos(HWND window, HWND after, int x, int y, int width, int height, UINT flags);
 BOOL GetClientRect(HWND window, RECT* rect);
-BOOL GetWindowRect(HWND window, RECT* rect);  // in the coordinates of the device's screen
+BOOL GetWindowRect(HWND window, RECT* rect);  // in coordinates of the device's screen
 BOOL ClientToScreen(HWND window, POINT* point);
 BOOL ScreenToClient(HWND window, POINT* point);
 BOOL SetWindowTextW(HWND window, LPCWSTR text);
@@ -163,8 +165,8 @@ HWND SetFocus(HWND window);
 HWND GetFocus();
 HWND GetActiveWindow();
 BOOL SetForegroundWindow(HWND window);
-// A top-level window by class, in this program or in another one that runs on the same device
-// root; the other program's window takes SetForegroundWindow, ShowWindow and
+// Finds a top-level window by its class, in this program or in another one that runs on the same
+// device root. The other program's window accepts SetForegroundWindow, ShowWindow and
 // SendMessageW(WM_PAINT).
 HWND FindWindowW(LPCWSTR class_name, LPCWSTR title);
 BOOL InvalidateRect(HWND window, const RECT* rect, BOOL erase);
@@ -189,7 +191,7 @@ struct SCROLLINFO {
 #define SIF_RANGE 0x0001u
 #define SIF_PAGE 0x0002u
 #define SIF_POS 0x0004u
-// A bar whose page covers its whole range is hidden, which gives its room to the client area.
+// A bar whose page covers the whole range is hidden; the client area grows by its room.
 int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw);
 BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info);
 
@@ -238,7 +240,7 @@ struct MSG {
 #define WM_LBUTTONDOWN 0x0201u
 #define WM_LBUTTONUP 0x0202u
 #define WM_LBUTTONDBLCLK 0x0203u
-#define MK_LBUTTON 0x0001u  // in wParam of WM_MOUSEMOVE; the slice sends none without it
+#define MK_LBUTTON 0x0001u  // in wParam of WM_MOUSEMOVE; the slice sends no move without it
 #define WM_USER 0x0400u
 #define WM_APP 0x8000u
 #define WM_RASDIALEVENT 0xCCCDu
@@ -305,7 +307,7 @@ int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message);
 #define KEYEVENTF_SILENT 0x0004u
 typedef int16_t SHORT;
 SHORT GetKeyState(int virtual_key);  // bit 15: down, bit 0: toggled
-// A synthetic key. With KEYEVENTF_SILENT it only counts as activity of the user.
+// Sends a synthetic key. With KEYEVENTF_SILENT the key only counts as activity of the user.
 void keybd_event(BYTE virtual_key, BYTE scan_code, DWORD flags, DWORD_PTR extra);
 
 // ---------------------------------------------------------------- GDI
@@ -375,37 +377,39 @@ COLORREF SetTextColor(HDC dc, COLORREF color);
 COLORREF SetBkColor(HDC dc, COLORREF color);
 int SetBkMode(HDC dc, int mode);
 int FillRect(HDC dc, const RECT* rect, HBRUSH brush);
-// `advances` holds one width a character: the glyphs stand at the running sum, whatever the font.
+// `advances` holds a width for each character: each glyph is drawn at the sum of the widths before
+// it, whatever the font's own widths are.
 BOOL ExtTextOutW(HDC dc, int x, int y, UINT options, const RECT* rect, LPCWSTR text, UINT count,
                  const INT* advances);
-int DrawTextW(HDC dc, LPCWSTR text, int count, RECT* rect, UINT format);  // DT_CALCRECT alone
+int DrawTextW(HDC dc, LPCWSTR text, int count, RECT* rect, UINT format);  // only DT_CALCRECT
 BOOL Polyline(HDC dc, const POINT* points, int count);  // the last point itself is not drawn
 BOOL GetTextMetricsW(HDC dc, TEXTMETRICW* metrics);
 int GetDeviceCaps(HDC dc, int index);  // HORZRES, VERTRES
 
 typedef int(CALLBACK* FONTENUMPROCW)(const LOGFONTW*, const TEXTMETRICW*, DWORD type, LPARAM);
-// Every fixed-pitch family, the desktop's own monospace first; a 0 from the procedure stops.
+// Enumerates every fixed-pitch family, the desktop's own monospace font first. Stops when the
+// procedure returns 0.
 int EnumFontFamiliesW(HDC dc, LPCWSTR family, FONTENUMPROCW procedure, LPARAM parameter);
 
 // ---------------------------------------------------------------- memory and clipboard
 
 typedef HANDLE HLOCAL;
 #define LMEM_MOVEABLE 0x0002u
-HLOCAL LocalAlloc(UINT flags, size_t bytes);  // null without memory
+HLOCAL LocalAlloc(UINT flags, size_t bytes);  // null if there is no memory
 LPVOID LocalLock(HLOCAL block);
 BOOL LocalUnlock(HLOCAL block);
-size_t LocalSize(HLOCAL block);  // 0 for what is no block
-HLOCAL LocalFree(HLOCAL block);  // null: it is gone
+size_t LocalSize(HLOCAL block);  // 0 if `block` is not a block
+HLOCAL LocalFree(HLOCAL block);  // returns null after it has freed the block
 
-// The desktop's clipboard, with text alone. Its lines end with CR LF here, as the format has it,
-// and with LF for the desktop's other programs. Asking a program that does not answer takes seconds
-// and then yields nothing.
+// The desktop's clipboard, for text only. Lines end with CR LF here, as CF_UNICODETEXT requires,
+// and with LF for the desktop's other programs. If the program that owns the clipboard does not
+// answer, a read takes seconds and then returns nothing.
 #define CF_UNICODETEXT 13u
-BOOL OpenClipboard(HWND owner);  // FALSE while it is open
+BOOL OpenClipboard(HWND owner);  // FALSE while it is already open
 BOOL CloseClipboard();
 BOOL EmptyClipboard();
-HANDLE SetClipboardData(UINT format, HANDLE block);  // takes the block over
-HANDLE GetClipboardData(UINT format);  // the clipboard's own block, good until it is closed
+HANDLE SetClipboardData(UINT format, HANDLE block);  // takes ownership of the block
+HANDLE GetClipboardData(UINT format);  // the clipboard's own block, valid until CloseClipboard
 
 // ---------------------------------------------------------------- message boxes and sound
 
@@ -426,24 +430,25 @@ BOOL MessageBeep(UINT type);
 typedef INT_PTR(CALLBACK* DLGPROC)(HWND, UINT, WPARAM, LPARAM);
 
 // Shows the dialog of a template (DIALOG or DIALOGEX) over its owner until EndDialog, and returns
-// what that was given; -1 when there is no such template, it is damaged, or the owner is no window;
-// 0 when the program ends meanwhile. The owner gets no input; posted messages and timers of every
-// window go on. A child as the owner stands for its top-level window. What is posted comes before a
-// dialog without WS_VISIBLE is seen.
+// the result that EndDialog gets. Returns -1 if the template is missing or damaged, or if the owner
+// is not a window; 0 if the program ends meanwhile. The owner gets no input; posted messages and
+// timers of every window are still dispatched. If the owner is a child, its top-level window is
+// used. A dialog without WS_VISIBLE is shown only after the messages that are already posted.
 //
-// The procedure returns TRUE for what it has dealt with. Not dealt with, WM_CLOSE becomes
-// WM_COMMAND with IDCANCEL; Esc gives IDCANCEL; Enter presses the default button, or gives IDOK.
-// TRUE from WM_INITDIALOG (`lparam` is the parameter) puts the focus on the first control with
-// WS_TABSTOP. A dialog is never larger than the device's screen: what does not fit is scrolled.
+// The procedure returns TRUE for a message that it has handled. If it does not handle WM_CLOSE,
+// that becomes WM_COMMAND with IDCANCEL. Esc sends IDCANCEL; Enter presses the default button, or
+// sends IDOK. TRUE from WM_INITDIALOG (`lparam` is the parameter) puts the focus on the first
+// control with WS_TABSTOP. A dialog is never larger than the device's screen: it scrolls what does
+// not fit.
 INT_PTR DialogBoxParamW(HINSTANCE instance, LPCWSTR name, HWND owner, DLGPROC procedure,
                         LPARAM parameter);
-BOOL EndDialog(HWND dialog, INT_PTR result);  // the dialog goes when its procedure has returned
+BOOL EndDialog(HWND dialog, INT_PTR result);  // takes effect when the procedure has returned
 BOOL MapDialogRect(HWND dialog, RECT* rect);  // dialog units to pixels
 
-#define DWLP_MSGRESULT 0  // the answer to the message in hand, with TRUE from the procedure
-#define DWLP_USER 16      // the program's own
-// The program's words of dialogs and pages. A word is as wide as a pointer, which on the device is
-// a LONG; there the names with "Ptr" are macros too.
+#define DWLP_MSGRESULT 0  // the result of the current message, used if the procedure returns TRUE
+#define DWLP_USER 16      // free for the program's use
+// Reads and writes these two values of a dialog or page. A value is as wide as a pointer, which on
+// the device is a LONG; there, too, the names with "Ptr" are macros.
 LONG_PTR SetWindowLongW(HWND dialog, int index, LONG_PTR value);
 LONG_PTR GetWindowLongW(HWND dialog, int index);
 #define SetWindowLongPtrW SetWindowLongW
@@ -453,7 +458,7 @@ int GetDlgCtrlID(HWND control);
 BOOL SetDlgItemTextW(HWND dialog, int id, LPCWSTR text);
 UINT GetDlgItemTextW(HWND dialog, int id, LPWSTR text, int size);
 BOOL SetDlgItemInt(HWND dialog, int id, UINT value, BOOL is_signed);
-// 0, and FALSE in *translated, for a text that is no number or does not fit in 32 bits.
+// Returns 0, with FALSE in *translated, if the text is not a number or does not fit in 32 bits.
 UINT GetDlgItemInt(HWND dialog, int id, BOOL* translated, BOOL is_signed);
 LRESULT SendDlgItemMessageW(HWND dialog, int id, UINT message, WPARAM wparam, LPARAM lparam);
 BOOL CheckDlgButton(HWND dialog, int id, UINT check);
@@ -466,43 +471,45 @@ BOOL CheckRadioButton(HWND dialog, int first, int last, int checked);  // clears
 
 // ---------------------------------------------------------------- controls of dialogs
 
-// Each notifies its dialog by WM_COMMAND: MAKEWPARAM(id, code) and the control's handle. Nothing is
-// notified of what the program itself sets, but for EN_CHANGE. Texts are UTF-16 throughout.
+// Each control notifies its dialog by WM_COMMAND with MAKEWPARAM(id, code) and the control's
+// handle. Changes that the program makes itself are not notified, except by EN_CHANGE. All texts
+// are UTF-16.
 
-// Buttons. The plain kinds only notify; the automatic ones change their mark first.
+// Buttons. The plain kinds only notify; the automatic kinds change their mark first.
 #define BS_PUSHBUTTON 0x0000u
 #define BS_DEFPUSHBUTTON 0x0001u
 #define BS_CHECKBOX 0x0002u
 #define BS_AUTOCHECKBOX 0x0003u
 #define BS_RADIOBUTTON 0x0004u
 #define BS_GROUPBOX 0x0007u
-#define BS_AUTORADIOBUTTON 0x0009u  // clears the others from one WS_GROUP to the next
+#define BS_AUTORADIOBUTTON 0x0009u  // clears the others up to the next WS_GROUP
 #define BST_UNCHECKED 0x0000
 #define BST_CHECKED 0x0001
 #define BN_CLICKED 0
 #define BM_GETCHECK 0x00F0u
 #define BM_SETCHECK 0x00F1u
-#define BM_CLICK 0x00F5u  // as if the user had clicked
+#define BM_CLICK 0x00F5u  // acts like a click of the user
 
-// Static texts. "&" marks the letter that leads to the next control, but for SS_NOPREFIX.
+// Static texts. "&" marks the letter that moves the focus to the next control, unless SS_NOPREFIX
+// is set.
 #define SS_CENTER 0x0001u
 #define SS_RIGHT 0x0002u
 #define SS_NOPREFIX 0x0080u
 
-// Edits of one line.
+// Edits with one line.
 #define ES_CENTER 0x0001u
 #define ES_RIGHT 0x0002u
 #define ES_PASSWORD 0x0020u
 #define ES_AUTOHSCROLL 0x0080u  // the slice scrolls every edit
 #define ES_READONLY 0x0800u
-#define ES_NUMBER 0x2000u  // the user can type digits only
+#define ES_NUMBER 0x2000u  // the user can type only digits
 #define EN_CHANGE 0x0300
 #define EM_GETSEL 0x00B0u
 #define EM_SETSEL 0x00B1u
 #define EM_REPLACESEL 0x00C2u
-#define EM_LIMITTEXT 0x00C5u  // units that the user can type; 0: as many as there is room for
+#define EM_LIMITTEXT 0x00C5u  // units that the user can type; 0: no limit
 
-// List boxes with a single selection.
+// List boxes with single selection.
 #define LBS_NOTIFY 0x0001u
 #define LBS_SORT 0x0002u
 #define LBS_NOINTEGRALHEIGHT 0x0100u
@@ -511,20 +518,20 @@ BOOL CheckRadioButton(HWND dialog, int first, int last, int checked);  // clears
 #define LBN_DBLCLK 2
 #define LB_ADDSTRING 0x0180u
 #define LB_INSERTSTRING 0x0181u  // at a row, never sorted; -1: at the end
-#define LB_DELETESTRING 0x0182u  // the rows that are left
+#define LB_DELETESTRING 0x0182u  // returns the number of rows that are left
 #define LB_RESETCONTENT 0x0184u
 #define LB_SETCURSEL 0x0186u
 #define LB_GETCURSEL 0x0188u
 #define LB_GETTEXT 0x0189u
 #define LB_GETTEXTLEN 0x018Au
 #define LB_GETCOUNT 0x018Bu
-#define LB_SELECTSTRING 0x018Cu  // by how it begins, without case, after row `wparam`
+#define LB_SELECTSTRING 0x018Cu  // by its first characters, ignoring case, after row `wparam`
 #define LB_GETTOPINDEX 0x018Eu
-#define LB_SETHORIZONTALEXTENT 0x0194u  // pixels; until then WS_HSCROLL shows no bar
+#define LB_SETHORIZONTALEXTENT 0x0194u  // in pixels; until it is set, WS_HSCROLL has no effect
 #define LB_SETTOPINDEX 0x0197u
 #define LB_GETITEMDATA 0x0199u
 #define LB_SETITEMDATA 0x019Au
-#define LB_FINDSTRINGEXACT 0x01A2u  // without case
+#define LB_FINDSTRINGEXACT 0x01A2u  // ignoring case
 
 // Combo boxes.
 #define CBS_DROPDOWN 0x0002u  // with an edit
@@ -562,15 +569,16 @@ struct PSHNOTIFY {
     LPARAM lParam;
 };
 
-// WM_NOTIFY to a page, from the sheet (GetParent of the page). The answers go by DWLP_MSGRESULT.
+// WM_NOTIFY that the sheet (GetParent of the page) sends to a page. The page answers by
+// DWLP_MSGRESULT.
 #define PSN_FIRST (0U - 200U)
 #define PSN_SETACTIVE (PSN_FIRST - 0)
-#define PSN_KILLACTIVE (PSN_FIRST - 1)   // TRUE: the page stays. Before PSN_APPLY too
-#define PSN_APPLY (PSN_FIRST - 2)        // OK, to every page that has been shown
-#define PSN_RESET (PSN_FIRST - 3)        // Cancel, likewise
+#define PSN_KILLACTIVE (PSN_FIRST - 1)   // TRUE: the page stays. Also sent before PSN_APPLY
+#define PSN_APPLY (PSN_FIRST - 2)        // after OK, to every page that has been shown
+#define PSN_RESET (PSN_FIRST - 3)        // after Cancel, to the same pages
 #define PSN_QUERYCANCEL (PSN_FIRST - 9)  // TRUE: the sheet stays
 #define PSNRET_NOERROR 0
-#define PSNRET_INVALID 1  // the sheet stays, with this page on top
+#define PSNRET_INVALID 1  // the sheet stays open and shows this page
 
 struct PROPSHEETPAGEW {
     DWORD dwSize;
@@ -615,14 +623,14 @@ struct PROPSHEETHEADERW {
     void* pfnCallback;
 };
 typedef const PROPSHEETHEADERW* LPCPROPSHEETHEADERW;
-#define PSH_PROPSHEETPAGE 0x0008u  // required: the pages are given by ppsp
+#define PSH_PROPSHEETPAGE 0x0008u  // required: ppsp points to the pages
 #define PSH_NOAPPLYNOW 0x0080u     // required: there is no Apply button
 
-// Modal. The pages are made when they are first shown; `lparam` of a page's WM_INITDIALOG is its
-// PROPSHEETPAGEW. 1 after OK, 0 after Cancel, -1 when the sheet cannot be shown.
+// Shows a modal sheet. Each page is made when it is first shown; `lparam` of its WM_INITDIALOG is
+// its PROPSHEETPAGEW. Returns 1 after OK, 0 after Cancel, -1 if the sheet cannot be shown.
 INT_PTR PropertySheetW(LPCPROPSHEETHEADERW header);
 
-#define PSM_SETCURSEL (WM_USER + 101)  // by index; through PSN_KILLACTIVE and PSN_SETACTIVE
+#define PSM_SETCURSEL (WM_USER + 101)  // by index; sends PSN_KILLACTIVE and PSN_SETACTIVE
 #define PSM_PRESSBUTTON (WM_USER + 113)
 #define PSM_GETCURRENTPAGEHWND (WM_USER + 118)
 #define PSBTN_OK 3
@@ -630,21 +638,21 @@ INT_PTR PropertySheetW(LPCPROPSHEETHEADERW header);
 
 // ---------------------------------------------------------------- common dialogs
 
-// Found at run time as "ChooseColor" of "COMMDLG.DLL". FALSE after Cancel, and when the template
-// that CC_ENABLETEMPLATE names is missing. The slice shows the desktop's own chooser in place of
-// that template.
+// Looked up at run time as "ChooseColor" in "COMMDLG.DLL". Returns FALSE after Cancel, and if the
+// template that CC_ENABLETEMPLATE names is missing. The slice shows the desktop's own colour
+// chooser in place of that template.
 struct CHOOSECOLORW {
     DWORD lStructSize;
     HWND hwndOwner;
-    HINSTANCE hInstance;  // the module of the template
+    HINSTANCE hInstance;  // the module that has the template
     COLORREF rgbResult;
-    COLORREF* lpCustColors;  // 16, in and out
+    COLORREF* lpCustColors;  // 16 colours, read and written
     DWORD Flags;
     LPARAM lCustData;
     void* lpfnHook;
     LPCWSTR lpTemplateName;
 };
-#define CC_RGBINIT 0x00000001u  // rgbResult is the first colour
+#define CC_RGBINIT 0x00000001u  // rgbResult is the colour that is selected first
 #define CC_FULLOPEN 0x00000002u
 #define CC_ENABLETEMPLATE 0x00000020u
 #define CC_ANYCOLOR 0x00000100u
@@ -666,7 +674,7 @@ BOOL SHSipInfo(UINT action, UINT parameter, LPVOID info, UINT flags);
 
 struct TBBUTTON {
     int iBitmap;    // the picture's index, from CommandBar_AddBitmap
-    int idCommand;  // of the WM_COMMAND that a press sends to the bar's parent
+    int idCommand;  // a press sends it as WM_COMMAND to the bar's parent
     BYTE fsState;
     BYTE fsStyle;
     BYTE bReserved[sizeof(void*) - 2];
@@ -675,8 +683,8 @@ struct TBBUTTON {
 };
 #define TBSTATE_ENABLED 0x04
 #define TBSTYLE_BUTTON 0x00
-// The menu bar at the bottom of the screen, from the menu resource `nToolBarId`; its entries send
-// WM_COMMAND to hwndParent. The bar is a window, which DestroyWindow takes away again.
+// Makes the menu bar at the bottom of the screen from the menu resource `nToolBarId`. Its entries
+// send WM_COMMAND to hwndParent. The bar is a window; DestroyWindow removes it.
 struct SHMENUBARINFO {
     DWORD cbSize;
     HWND hwndParent;
@@ -691,21 +699,21 @@ struct SHMENUBARINFO {
 #define SHCMBF_HMENU 0x0010u
 BOOL SHCreateMenuBar(SHMENUBARINFO* info);
 
-// The classes of the status window and the command bar are there from this call on.
+// Registers the classes of the status window and the command bar.
 void InitCommonControls();
 
 HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id);
 BOOL CommandBar_Show(HWND bar, BOOL show);
 int CommandBar_Height(HWND bar);
 void CommandBar_Destroy(HWND bar);
-// Adds `count` pictures of 16x16 pixels, side by side in one bitmap resource; returns the index of
-// the first, or -1. Black, dark grey (0x808080) and white stand for the colours of the desktop's
-// buttons, light grey (0xC0C0C0) for the bar itself. Where there is a bitmap `id` + 10000, it
-// holds the same pictures drawn at 32x32, for screens with more pixels.
+// Adds `count` pictures of 16x16 pixels, which lie side by side in one bitmap resource. Returns the
+// index of the first, or -1. Black, dark grey (0x808080) and white are replaced by the colours of
+// the desktop's buttons, light grey (0xC0C0C0) by the colour of the bar. If a bitmap `id` + 10000
+// exists, it holds the same pictures at 32x32 for screens with more pixels.
 int CommandBar_AddBitmap(HWND bar, HINSTANCE instance, int id, int count, int width, int height);
 BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button);
-// tips[i] belongs to the button at index i; it is also what a screen reader calls it. The texts
-// and the array stay the caller's and must outlive the bar.
+// tips[i] is the tool tip of the button at index i, and its name for screen readers. The caller
+// keeps the texts and the array, which must live as long as the bar.
 BOOL CommandBar_AddToolTips(HWND bar, UINT count, LPWSTR* tips);
 
 // ---------------------------------------------------------------- other programs
@@ -716,8 +724,8 @@ struct PROCESS_INFORMATION {
     DWORD dwProcessId;
     DWORD dwThreadId;
 };
-// "PegHelp.exe" with a page's name is the desktop's viewer on the program's help page, which gives
-// no handles; there is no other program.
+// Starts only one program: "PegHelp.exe" with a page's name opens the desktop's viewer on the
+// program's help page. It returns no handles.
 BOOL CreateProcessW(LPCWSTR program, LPWSTR arguments, LPVOID process_security,
                     LPVOID thread_security, BOOL inherit, DWORD flags, LPVOID environment,
                     LPCWSTR folder, LPVOID start_up, PROCESS_INFORMATION* process);
@@ -725,7 +733,7 @@ BOOL CreateProcessW(LPCWSTR program, LPWSTR arguments, LPVOID process_security,
 // ---------------------------------------------------------------- libraries
 
 HMODULE LoadLibraryW(LPCWSTR name);
-typedef INT_PTR (*FARPROC)();  // cast through void (*)(), which compilers take for any procedure
+typedef INT_PTR (*FARPROC)();  // cast through void (*)(), which compilers accept for any procedure
 FARPROC GetProcAddressW(HMODULE library, LPCWSTR name);
 BOOL FreeLibrary(HMODULE library);
 
@@ -758,7 +766,7 @@ LONG RegCloseKey(HKEY key);
 
 // ---------------------------------------------------------------- sockets (WinSock 1.1)
 
-typedef UINT_PTR SOCKET;  // never given out twice in a run
+typedef UINT_PTR SOCKET;  // a run never uses the same value twice
 #define INVALID_SOCKET (static_cast<SOCKET>(~static_cast<SOCKET>(0)))
 #define SOCKET_ERROR (-1)
 #undef AF_INET
@@ -775,7 +783,7 @@ typedef UINT_PTR SOCKET;  // never given out twice in a run
 #define MAKEWORD(low, high) \
     (static_cast<WORD>(static_cast<BYTE>(low) | (static_cast<WORD>(static_cast<BYTE>(high)) << 8)))
 
-typedef unsigned long u_long;  // of ioctlsocket; many a host has the same
+typedef unsigned long u_long;  // of ioctlsocket; many hosts define the same
 struct WSADATA {
     WORD wVersion;
     WORD wHighVersion;
@@ -806,12 +814,12 @@ struct SliceSocketSet {
     SOCKET fd_array[64];
 };
 
-// Some names of WinSock are those of the host's own socket calls. Where the shapes differ they are
-// overloads; where they do not, the call is written through a macro with arguments, which leaves
-// fields of the same name as they are.
+// Some WinSock names are also names of the host's own socket calls. Where the parameters differ,
+// these are overloads. Where they do not, the name is a macro with arguments, which does not touch
+// fields of the same name.
 int SliceStartup(WORD version, WSADATA* data);
 int SliceCleanup();
-int SliceLastError();  // [any thread] of this thread
+int SliceLastError();  // [any thread] the calling thread's error
 SOCKET SliceSocket(int family, int type, int protocol);
 int SliceIoctl(SOCKET socket, unsigned command, u_long* argument);
 int SliceConnect(SOCKET socket, const SOCKADDR* address, int size);
@@ -872,8 +880,9 @@ struct RASENTRYNAMEW {
     DWORD dwSize;
     WCHAR szEntryName[RAS_MaxEntryName + 1];
 };
-// The entries are the system's dial-up peers (/etc/ppp/peers); none without the program that dials
-// them. ERROR_BUFFER_TOO_SMALL with the room needed in *size when not all of them fit.
+// The entries are the system's dial-up peers (/etc/ppp/peers); there are no entries if the program
+// that dials them is missing. If they do not all fit, returns ERROR_BUFFER_TOO_SMALL and the needed
+// size in *size.
 DWORD RasEnumEntries(LPWSTR reserved, LPWSTR phone_book, RASENTRYNAMEW* entries, DWORD* size,
                      DWORD* count);
 
@@ -897,17 +906,17 @@ struct RASDIALPARAMSW {
 #define RASCS_Connected 0x2000
 #define RASCS_Disconnected 0x2001
 #define ERROR_CANNOT_FIND_PHONEBOOK_ENTRY 623
-// The stored parameters of the entry that is named in `parameters`. The slice's entries keep
-// number, name and password to themselves: those fields come back empty.
+// Reads the stored parameters of the entry that `parameters` names. On the slice an entry does not
+// reveal its number, user name and password: those fields come back empty.
 DWORD RasGetEntryDialParams(LPCWSTR phone_book, RASDIALPARAMSW* parameters, BOOL* has_password);
-// Dials the entry and returns at once. With the notifier type 0xFFFFFFFF, the only one, the window
-// `notifier` gets WM_RASDIALEVENT for each state reached, with an error code in lParam when it
-// failed; after RASCS_Connected or RASCS_Disconnected no more come.
+// Dials the entry and returns at once. The only notifier type is 0xFFFFFFFF: the window `notifier`
+// gets WM_RASDIALEVENT for each state that the dial reaches, with an error code in lParam if it
+// fails. RASCS_Connected or RASCS_Disconnected is the last of them.
 DWORD RasDial(LPVOID extensions, LPCWSTR phone_book, RASDIALPARAMSW* parameters,
               DWORD notifier_type, LPVOID notifier, HRASCONN* connection);
-// Ends the dial, of which nothing more is told than RASCS_Disconnected without an error, or the
-// connection that it made, and waits until the modem has hung up, at most 2 seconds. One that takes
-// longer is waited for by the next dial.
+// Ends the dial, or the connection that it made. From then on the window gets at most
+// RASCS_Disconnected without an error. Waits until the modem has hung up, at most 2 seconds; the
+// next dial waits for one that takes longer.
 DWORD RasHangUp(HRASCONN connection);
 
 // ---------------------------------------------------------------- threads, events, time
@@ -935,7 +944,7 @@ void GetSystemTime(SYSTEMTIME* time);  // UTC
 
 // ---------------------------------------------------------------- files
 
-// Paths are the device's: they begin with a backslash, at the device's root folder.
+// Paths are the device's: each starts with a backslash, which is the device's root folder.
 FILE* _wfopen(LPCWSTR path, LPCWSTR mode);
 BOOL DeleteFileW(LPCWSTR path);
 
@@ -946,8 +955,8 @@ int MultiByteToWideChar(UINT code_page, DWORD flags, LPCSTR bytes, int size, LPW
                         int capacity);
 int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, LPSTR bytes,
                         int capacity, LPCSTR fallback, BOOL* used_fallback);
-// %d %i %u %x %X %c %s (wide) %S (narrow) %%, with -, 0, width and precision; at most 1023
-// characters and the terminator are written. Returns the characters without the terminator.
+// Knows %d %i %u %x %X %c %s (wide) %S (narrow) %%, with -, 0, width and precision. Writes at most
+// 1023 characters and the terminator. Returns the number of characters without the terminator.
 int wsprintfW(LPWSTR text, LPCWSTR format, ...);
 int lstrlenW(LPCWSTR text);
 LPWSTR lstrcpyW(LPWSTR to, LPCWSTR from);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The desktop program: reads the host's options, opens the device and runs the program on it, until
-// it ends or a signal ends it.
+// The main program of the desktop version. It reads the host's options, opens the device (the
+// window that plays the hand-held's screen) and runs Quill on it until Quill ends or a signal ends
+// it.
 #include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
@@ -35,7 +36,7 @@ void Note(int) {
     errno = before;
 }
 
-// What a parent ignores, as nohup does, stays ignored.
+// A signal that the parent process ignores, as nohup does, stays ignored.
 void Watch(int number) {
     struct sigaction action = {};
     if (sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) return;
@@ -59,7 +60,7 @@ void EndBySignals() {
 
 namespace {
 
-constexpr double kUsualScale = 2;  // the device's small pixels, readable on a desktop
+constexpr double kUsualScale = 2;  // makes the device's small pixels readable on a desktop
 constexpr int kTitleBarPixels = 40;
 constexpr int kQuietMilliseconds = 1000;
 constexpr int kLongestMilliseconds = 15000;
@@ -75,7 +76,7 @@ bool WriteText(const QString& path) {
     return file.write(bytes) == bytes.size() && file.flush();
 }
 
-// Nothing is written where no path was given.
+// A path that is empty is not written.
 bool WriteBoth(const HostOptions& options) {
     const bool picture =
         options.snapshot.isEmpty() || DeviceScreen()->grab().save(options.snapshot);
@@ -85,7 +86,8 @@ bool WriteBoth(const HostOptions& options) {
     return picture && text;
 }
 
-// A picture and the text of a session that has come to rest, and then the end.
+// Waits until the session paints no more, at most 15 seconds; then writes its picture and its text,
+// and quits.
 void WatchForRest(const HostOptions& options) {
     auto* timer = new QTimer(qApp);
     QElapsedTimer started;
@@ -104,8 +106,8 @@ void WatchForRest(const HostOptions& options) {
     timer->start(100);
 }
 
-// The largest scale up to the usual one that leaves the whole device on the desktop; asked while
-// the usual one is in force.
+// Returns the largest scale, at most the usual one, at which the whole device fits on the desktop.
+// The caller has already set the usual scale, so the desktop's size is in units of that.
 double ScaleThatFits(const QSize& device) {
     const QSizeF room = QSizeF(QGuiApplication::primaryScreen()->availableSize()) * kUsualScale;
     double scale = kUsualScale;
@@ -115,14 +117,16 @@ double ScaleThatFits(const QSize& device) {
     return scale;
 }
 
-// The toolkit reads its scale once, when it starts; for another one the program starts again.
+// The toolkit reads its scale only when it starts, so the program executes itself again with
+// another one.
 void StartAgain(std::vector<char*> arguments, double scale) {
     std::string option = "--scale", value = QByteArray::number(scale).toStdString();
     arguments.insert(arguments.begin() + 1, {option.data(), value.data()});
     execv("/proc/self/exe", arguments.data());
 }
 
-// The toolkit itself would end with a core dump. Other platforms of its need no display.
+// Without a display the toolkit would abort with a core dump. Its platforms that need no display
+// are named by an option or by QT_QPA_PLATFORM.
 bool IsDisplayNamed(int argc, char** argv) {
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         if (!qEnvironmentVariableIsEmpty(name)) return true;
@@ -138,15 +142,15 @@ bool MakeSettingsFolder(const CommandLine& line) {
     return MakeRoot(line.options.root);
 }
 
-// On X servers the class of a window has the name of the program in it.
+// X servers take the window's class from the program's name.
 void NameAfterProfile(char** argv, const std::string& profile) {
     static std::string name;
     name = "quill-" + profile;
     if (!profile.empty()) argv[0] = name.data();
 }
 
-// A device of a size that was asked for, and one whose picture is wanted, is no window of the
-// user's.
+// The place is kept only for ordinary windows: not with --screen, which sets the size, and not when
+// a picture or the text is wanted.
 bool KeepsPlace(const HostOptions& options) {
     return options.screen.isEmpty() && options.snapshot.isEmpty() && options.text.isEmpty();
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The terminal's text for screen readers, out of the session record.
+// Reads the terminal's text for screen readers from the session record.
 #include "platform/qt/terminal_source.h"
 
 #include "platform/qt/window/accessible.h"
@@ -8,7 +8,8 @@
 
 namespace {
 
-// What the line-drawing glyphs show, as characters; those that are not in it show nothing.
+// Characters that look like the line-drawing glyphs. A glyph that is not in the table becomes a
+// blank.
 struct GlyphText {
     DWORD code;
     char16_t text;
@@ -36,7 +37,7 @@ QChar CharacterOf(DWORD cell) {
                                                                        : QChar(character);
 }
 
-// Without the blanks at its end, but with `least` columns.
+// Removes trailing blanks, but keeps at least `least` columns.
 QString RowText(int row, int least) {
     QString text;
     for (int column = 1; column <= kScreenColumns; column++)

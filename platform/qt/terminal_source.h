@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The terminal's text for screen readers: the one place where the desktop program looks into the
-// session record.
+// Gives the terminal's text to screen readers. This is the only place where the desktop program
+// reads the session record.
 #ifndef QUILL_PLATFORM_QT_TERMINAL_SOURCE_H
 #define QUILL_PLATFORM_QT_TERMINAL_SOURCE_H
 
-void ServeTerminalText();  // from now on
+void ServeTerminalText();  // installs the source of the text
 
 #endif

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The command bar's pictures in the size that the monitor's scale asks for. Each is drawn twice, at
-// 16 and at 32 pixels; the one that has no fewer pixels than are shown is averaged down.
+// The command bar's pictures in the size that the monitor's scale asks for. Each picture exists at
+// 16 and at 32 pixels; above 100 % the larger one is used, and averaged to the size.
 #include <algorithm>
 #include <vector>
 
@@ -9,10 +9,10 @@
 namespace {
 
 constexpr int kPlainPixels = 16;
-constexpr int kTwiceAsLarge = 10000;      // from a bitmap's number to that of the larger one
-constexpr uint32_t kBarColor = 0xC0C0C0;  // in the bitmaps: what shows the bar
+constexpr int kTwiceAsLarge = 10000;      // added to a bitmap's number: the larger one
+constexpr uint32_t kBarColor = 0xC0C0C0;  // marks the pixels that show the bar
 
-// Pixels of 0xAARRGGBB, from the top; the colours are multiplied with their alpha.
+// Pixels are 0xAARRGGBB, from the top; the colours are multiplied by their alpha.
 struct Picture {
     int width = 0;
     int height = 0;
@@ -49,7 +49,8 @@ Picture Load(HINSTANCE instance, int id) {
     return picture;
 }
 
-// How much of the pixel `from` lies below the pixel `to`, when `from_size` become `to_size`.
+// Returns how much of the pixel `from` overlaps the pixel `to` when `from_size` pixels become
+// `to_size`.
 int Overlap(int from, int to, int from_size, int to_size) {
     return std::max(0, std::min((from + 1) * to_size, (to + 1) * from_size) -
                            std::max(from * to_size, to * from_size));

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The clipboard: on the desktop what is put there is a window's.
+// The clipboard: on the desktop, its content belongs to a window.
 #include "device.h"
 
 namespace {
 
-// Nobody sees it; it goes with its thread, and what was put on the clipboard stays.
+// An invisible window. It goes with its thread; the clipboard's content stays.
 HWND Keeper() {
     static HWND keeper = nullptr;
     if (!IsWindow(keeper))

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The command bar: a toolbar that keeps the height and place that the program gives it. Its
-// pictures stand in an image list of its own; its tips in the toolbar's tool tips.
+// The command bar: a toolbar that keeps the height and place that the program gives it. It has an
+// image list for its pictures, and uses the toolbar's tool tips.
 #include <map>
 #include <vector>
 
@@ -11,7 +11,8 @@ namespace {
 constexpr int kButtonWidth = 23;  // pixels at 100 %
 constexpr int kButtonHeight = 22;
 
-// The bitmaps of each bar, in the order in which they came: another scale draws them anew.
+// The bitmaps of each bar in the order in which they were added, to load them again for another
+// scale.
 struct Source {
     HINSTANCE instance;
     int id;
@@ -31,7 +32,7 @@ HIMAGELIST MakePictures(HWND bar) {
     return pictures;
 }
 
-// The index of the first one, or -1.
+// Returns the index of the first picture, or -1.
 int AddPictures(HIMAGELIST pictures, const Source& source) {
     const HBITMAP bitmap = LoadBarPictures(source.instance, source.id);
     if (!bitmap) return -1;

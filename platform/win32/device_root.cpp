@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Device paths to paths of the system.
+// Translates device paths to paths of the system.
 #include "device.h"
-// device.h has the headers that this one builds on.
+// Comes after device.h, whose headers this one needs.
 #include <shlobj.h>
 
 #include <vector>
@@ -19,7 +19,7 @@ std::wstring UserRoot() {
 
 bool IsSeparator(wchar_t unit) { return unit == L'\\' || unit == L'/'; }
 
-// A colon would name a drive or a stream beside the file.
+// Drops colons: a colon would name a drive, or a stream of the file.
 std::wstring TakeName(LPCWSTR* path) {
     std::wstring name;
     for (; **path && !IsSeparator(**path); ++*path)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is modal: it neither keeps the stylus from a box, nor gives an answer when the program ends.
+// Modal windows: they release the stylus first, and return no answer once the program ends.
 #include "device.h"
 
 bool ProgramEnds() {

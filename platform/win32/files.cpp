@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Files by their device paths.
+// Opens and deletes files by their device paths.
 #include "device.h"
 
 FILE* DeviceOpenFile(LPCWSTR path, LPCWSTR mode) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Fonts in the device's pixels. A font keeps its handle when the monitor's scale changes: what is
-// selected for it then is its like in the new size.
+// Fonts in the device's pixels. A font keeps its handle when the monitor's scale changes; to select
+// it then selects a copy in the new size.
 #include <map>
 
 #include "device.h"
@@ -9,7 +9,7 @@ namespace {
 
 struct Font {
     LOGFONTW device;  // in the device's pixels
-    HFONT drawn;      // the handle itself, or its like for another scale
+    HFONT drawn;      // the handle itself, or its copy for another scale
     UINT dpi;         // of `drawn`
 };
 std::map<HGDIOBJ, Font> fonts;

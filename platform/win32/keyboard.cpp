@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Messages that the desktop treats otherwise than the device: keys, and the states of a dial.
+// Messages that the desktop treats differently from the device: keys, and the states of a dial.
 #include "device.h"
 
 namespace {
 
 constexpr DWORD kSilent = 0x0004;
-constexpr UINT kF1Pressed = 0x004D;    // posted for each F1, whatever the window makes of the key
+constexpr UINT kF1Pressed = 0x004D;    // posted for each F1, even if the window handles it
 constexpr LPARAM kExtended = 1 << 24;  // the right one of two keys
 constexpr LPARAM kAltDown = 1 << 29;
 constexpr LPARAM kWasDown = 1 << 30;
@@ -16,11 +16,11 @@ bool IsLockKey(int virtual_key) {
 
 bool Down(int virtual_key) { return (GetKeyState(virtual_key) & 0x8000) != 0; }
 
-// The left Ctrl, as a person holds it down. The desktop presses it too, along with AltGr; the two
-// presses then have one time.
+// The left Ctrl, as a person holds it down. The desktop also presses it together with AltGr; both
+// presses then have the same time.
 struct LeftControl {
     bool held;
-    bool held_before;  // its last press
+    bool held_before;  // the value before its last press
     DWORD pressed;     // message time of that press
 };
 LeftControl left_control = {};

@@ -13,7 +13,7 @@ const LibraryRow kLibraries[] = {
     {L"COMMDLG.DLL", L"comdlg32.dll"},
 };
 
-// The device's chooser has a template of the program's own; the desktop's looks as it always does.
+// On the device, the chooser has a template of the program; on the desktop it looks as usual.
 BOOL ChooseColorPlainly(LPVOID parameter) {
     auto* request = static_cast<DeviceChooseColor*>(parameter);
     CHOOSECOLORW plain = {};

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The Windows program: what the system is to know of it before it runs, and what is left to do
-// after.
+// The Windows program: prepares the process before Quill runs, and does what is left afterwards.
 #include "windows_ce.h"
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, int show) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The shell's menu bar. The desktop keeps menus below the title bar; the bar's window is one that
-// nobody sees, and the menu is there as long as it is.
+// The shell's menu bar. On the desktop it is a menu below the title bar. The bar's window is
+// invisible; the menu exists as long as that window.
 #include "device.h"
 
 namespace {

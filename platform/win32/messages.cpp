@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The message loop's source: each message as the device would tell it, and drags that go on
-// outside.
+// The source of the message loop: changes messages to what the device would send, and keeps drags
+// going outside the window.
 #include "device.h"
 
 namespace {
 
-// The stylus belongs to the window that it touched until it is lifted. The system's own controls
-// see to that themselves.
+// Captures the stylus for the window that it touches, until it is lifted. The system's own controls
+// do that themselves.
 void HoldStylus(const MSG& message) {
     const bool touched = message.message == WM_LBUTTONDOWN || message.message == WM_LBUTTONDBLCLK;
     if (touched && HasProgramClass(message.hwnd)) SetCapture(message.hwnd);

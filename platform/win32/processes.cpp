@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Starting other programs. The device has one: the help viewer, which is the desktop's own viewer
-// on the page that the program carries.
+// Starts other programs. The device has one, the help viewer; here it is the desktop's viewer with
+// the help page that the program contains.
 #include "device.h"
 #include "resource_numbers.h"
 
@@ -24,8 +24,8 @@ std::wstring TemporaryPage() {
     return length == 0 || length > MAX_PATH ? L"" : std::wstring(folder) + L"Quill telnet.htm";
 }
 
-// A viewer needs a file. It lies in the device's root folder, which outlives the program, or, where
-// nobody can write there, among the temporary files.
+// The viewer needs a file that outlives the program. The file is in the device's root folder or, if
+// that cannot be written, among the temporary files.
 bool ShowHelp(LPCWSTR page) {
     if (!page || lstrcmpiW(page, L"telnet.htm") != 0) return false;
     std::wstring path = DevicePath(L"\\telnet.htm");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Remote access. Its library is large and few people dial, so it is loaded when it is first asked
-// for, and from the system's folder alone.
+// Remote access. Its library is large and few people dial, so it is loaded by the first call, and
+// only from the system's folder.
 #include "device.h"
 
 namespace {
@@ -13,10 +13,10 @@ Call* RasCall(Call*, const char* name) {
     return reinterpret_cast<Call*>(reinterpret_cast<void*>(found));
 }
 
-// Finds the call of that name; a system without remote access has none of them.
+// Finds the call with that name; null on a system without remote access.
 #define RAS_CALL(name) RasCall(static_cast<decltype(name)*>(nullptr), #name)
 
-HRASCONN dialled = nullptr;  // by the program, and not given back yet
+HRASCONN dialled = nullptr;  // by the program, and not yet hung up
 
 }  // namespace
 

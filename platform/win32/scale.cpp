@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The monitor's scale: how many pixels an inch has, 96 at 100 %. Windows, fonts, pictures and bars
-// of the program are as large as that asks for, and follow when it changes.
+// The monitor's scale in dots per inch, 96 at 100 %. The program's windows, fonts, pictures and
+// bars have the size that it asks for, and follow when it changes.
 #include "device.h"
 
 namespace {
@@ -8,7 +8,7 @@ namespace {
 constexpr int kPlainDpi = 96;
 int dpi = 0;  // of the main window's monitor; 0 until it is first asked for
 
-// A call of user32.dll that Windows has only since 10; null before.
+// Finds a call of user32.dll that only Windows 10 and later have; null on earlier versions.
 template <typename Call>
 Call* NewCall(Call*, const char* name) {
     const FARPROC found = GetProcAddress(GetModuleHandleW(L"user32.dll"), name);
@@ -32,7 +32,7 @@ HFONT StatusFont() {
     return CreateFontIndirectW(&metrics.lfStatusFont);
 }
 
-// What has a size of its own takes the new one.
+// Adapts a child that has a size of its own: a command bar or a status window.
 BOOL CALLBACK RescaleChild(HWND child, LPARAM status_font) {
     wchar_t name[32] = {};
     GetClassNameW(child, name, 32);
@@ -67,7 +67,7 @@ int DeviceGetSystemMetrics(int index) {
     return call ? call(index, DeviceDpi()) : GetSystemMetrics(index);
 }
 
-// The layout comes last, also where the window keeps its size.
+// The layout comes last, even if the window keeps its size.
 void ChangeScale(HWND window, UINT new_dpi, const RECT* place) {
     dpi = static_cast<int>(new_dpi);
     static HFONT status_font = nullptr;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The end of the desktop's session: log-off, restart, power-off. The system ends a program as soon
-// as all of its windows have answered WM_ENDSESSION. So a window that nobody sees, with a thread of
-// its own, does not answer before the program has ended in its usual way, with its settings saved.
+// as all of its windows have answered WM_ENDSESSION. So an invisible window with its own thread
+// delays its answer until the program has ended in the usual way, with its settings saved.
 #include <atomic>
 
 #include "device.h"
@@ -13,7 +13,8 @@ constexpr DWORD kPatience = 200;  // milliseconds between two requests
 
 std::atomic<bool> session_ends = false;
 
-// A menu or a scroll bar in use has a loop of its own, which may lose the request.
+// Repeats the request, because a menu or a scroll bar in use has its own message loop, which may
+// lose it.
 void EndProgram(HANDLE program) {
     session_ends = true;
     do {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The shell: the size of the device, and an input panel that is not there.
+// The shell: reports the size of the device, and that there is no input panel.
 #include <algorithm>
 
 #include "device.h"
@@ -12,7 +12,7 @@ constexpr int kNarrowestPixels = 400;
 constexpr int kRows = 24;
 constexpr int kColumns = 80;
 
-// What is kept is the face of the first start or, without it, the first with one width for all.
+// Keeps the face of a first start or, if that is missing, the first fixed-pitch face.
 int CALLBACK TakeFace(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD, LPARAM result) {
     auto* face = reinterpret_cast<LOGFONTW*>(result);
     if (metrics->tmPitchAndFamily & TMPF_FIXED_PITCH) return 1;
@@ -42,7 +42,7 @@ SIZE CellSize() {
     return {rect.right / 10, metrics.tmHeight + metrics.tmExternalLeading};
 }
 
-// A status window that nobody sees tells the height of one.
+// Measures an invisible status window.
 int StatusHeight() {
     HWND status = CreateWindowExW(0, STATUSCLASSNAMEW, nullptr, WS_CHILD, 0, 0, 0, 0, HWND_MESSAGE,
                                   nullptr, nullptr, nullptr);

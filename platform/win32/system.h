@@ -13,7 +13,7 @@
 #define _WINSOCK_DEPRECATED_NO_WARNINGS
 
 #include <winsock2.h>
-// winsock2.h before windows.h, ras.h after it.
+// winsock2.h must come before windows.h, and ras.h after it.
 #include <windows.h>
 //
 #include <commctrl.h>

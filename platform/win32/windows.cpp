@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Windows: what the desktop's look asks for and the device's does not know.
+// Windows: what they need on the desktop and the device's windows do not have.
 #include <algorithm>
 #include <set>
 
@@ -10,7 +10,7 @@ namespace {
 
 constexpr DWORD kFrame = WS_OVERLAPPEDWINDOW;
 
-// The work area of the monitor on which a new window opens.
+// Returns the work area of the primary monitor.
 RECT WorkArea() {
     RECT area = {};
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
@@ -18,9 +18,9 @@ RECT WorkArea() {
 }
 
 std::set<ATOM> program_classes;
-SIZE asked_for = {};  // of the main window's client area
+SIZE asked_for = {};  // client area that the main window was created with
 
-// The frame's outer size round a client area and a menu, as far as the monitor has room.
+// Returns the outer size around a client area and a menu, limited to the monitor's room.
 SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
     RECT frame = {0, 0, width, height};
     FrameRect(&frame, style, ex_style);
@@ -64,7 +64,7 @@ HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD
     }
     const HWND window = CreateWindowExW(ex_style, class_name, title, style, x, y, width, height,
                                         parent, menu, instance, parameter);
-    // It may have opened on a monitor of another scale than the first one's.
+    // The window may have opened on a monitor whose scale differs from the first one's.
     const bool top = !(style & (WS_CHILD | WS_POPUP));
     if (top && window && WindowDpi(window) != DeviceDpi())
         ChangeScale(window, WindowDpi(window), nullptr);

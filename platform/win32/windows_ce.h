@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The Windows CE API on desktop Windows: the system's own headers, and for what they lack of the
-// device the adapter beside this file. Stands in for platform/windows_ce.h, so nothing outside
+// The Windows CE API on desktop Windows: the system's own headers, and the adapter beside this file
+// for what they lack of the device. It takes the place of platform/windows_ce.h, so nothing outside
 // platform/ knows which of the two it was compiled with.
 #ifndef QUILL_PLATFORM_WIN32_WINDOWS_CE_H
 #define QUILL_PLATFORM_WIN32_WINDOWS_CE_H
@@ -10,7 +10,7 @@
 
 // ---------------------------------------------------------------- the program's entry
 
-// The device hands the command line over in UTF-16; main.cpp calls it.
+// On the device the command line is UTF-16. main.cpp calls the program's entry by this name.
 #define WinMain DeviceMain
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, int show);
 
@@ -24,7 +24,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, 
 
 // ---------------------------------------------------------------- where the settings are
 
-// The stated key below the user's own: no administrator is needed to save.
+// The same key below HKEY_CURRENT_USER, so the program can save without an administrator's rights.
 #undef HKEY_LOCAL_MACHINE
 #define HKEY_LOCAL_MACHINE HKEY_CURRENT_USER
 

@@ -13,15 +13,15 @@
 
 namespace {
 
-// The plain kinds leave their mark to the program.
+// The plain kinds do not change their mark; the program does.
 template <typename Button>
 class PlainButton : public Button {
   protected:
     void nextCheckState() override {}
 };
 
-// Enter is the dialog's, which presses the default button. The focus is drawn within the frame, as
-// the default button has that of the focus.
+// Leaves Enter to the dialog, which presses the default button. The focus is drawn inside the
+// frame, because the frame marks the default button.
 class PushButton : public QPushButton {
   protected:
     void keyPressEvent(QKeyEvent* event) override {
@@ -42,13 +42,13 @@ QAbstractButton* ButtonOf(const Window& window) {
     return qobject_cast<QAbstractButton*>(window.widget.data());
 }
 
-// Tab enters a group at its mark.
+// Tab enters a group at the button that is marked.
 void MoveTabStop(QAbstractButton* marked) {
     for (QAbstractButton* button : marked->group()->buttons())
         button->setFocusPolicy(button == marked ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
-// The group would not let its last mark go, nor two stand.
+// An exclusive group would not clear its last mark and would not allow two marks.
 void SetMark(QAbstractButton* button, bool checked) {
     QButtonGroup* group = button->group();
     if (group) group->setExclusive(false);
@@ -172,7 +172,7 @@ Qt::Alignment StaticAlignment(DWORD style) {
     return type == SS_CENTER ? Qt::AlignHCenter : type == SS_RIGHT ? Qt::AlignRight : Qt::AlignLeft;
 }
 
-// Text that has room for one line only is not wrapped out of sight.
+// A text with room for only one line is not wrapped, or its other lines would be invisible.
 QWidget* MakeStatic(HWND, const DialogItem& item, QWidget* parent) {
     auto* label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
@@ -202,7 +202,8 @@ const MessageRow kStaticMessages[] = {
 const ControlClass kButtonClass = {0x80, u"Button", MakeButton, kButtonMessages};
 const ControlClass kStaticClass = {0x82, u"Static", MakeStatic, kStaticMessages};
 
-// The toolkit shows "&" as it stands while a label leads to nothing, and the other way round.
+// The toolkit shows "&" as a character if the label has no buddy, and takes it for a mnemonic if it
+// has one. The text is adapted to both cases.
 void ShowLabel(Window& window) {
     auto* label = qobject_cast<QLabel*>(window.widget.data());
     if (!label) return;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The library of common dialogs that a program looks up at run time, and what it holds: the chooser
-// of colours, which is the toolkit's own in a window no larger than the desktop, with buttons that
-// are always in sight.
+// The library of common dialogs, which a program looks up at run time. Its only dialog is the
+// colour chooser: the toolkit's own, in a window that fits on the desktop and whose buttons are
+// always visible.
 #include <QColorDialog>
 #include <QDialogButtonBox>
 #include <QKeyEvent>
@@ -40,7 +40,7 @@ void TakeCustomColors(COLORREF* colors) {
         colors[i] = ValueOf(QColorDialog::customColor(i));
 }
 
-// Enter is the window's, which presses its default button.
+// Leaves Enter to the window, which presses its default button.
 class Chooser : public QColorDialog {
   protected:
     void keyPressEvent(QKeyEvent* event) override {
@@ -77,7 +77,8 @@ QDialogButtonBox* MakeButtons(QColorDialog* chooser, QDialog* window) {
     return box;
 }
 
-// As on the dialogs: a tap leaves the keyboard where it is, and Enter presses what is drawn so.
+// As in the other dialogs, a click on a button does not move the focus, and Enter presses the
+// button that is drawn as the default.
 void SetDefaults(QDialog* window, QPushButton* ok) {
     for (QPushButton* button : window->findChildren<QPushButton*>()) {
         button->setFocusPolicy(Qt::TabFocus);
@@ -87,7 +88,7 @@ void SetDefaults(QDialog* window, QPushButton* ok) {
     FollowFocusWithDefault(window, [ok] { return ok; });
 }
 
-// For a hand-held's screen: the room between the fields is given up, and most of the patch that
+// For the screen of a hand-held, drops the space between the fields and most of the patch that
 // shows the colour.
 void Squeeze(QColorDialog* chooser) {
     for (QLayout* layout : chooser->findChildren<QLayout*>()) layout->setSpacing(kMargin);
@@ -96,7 +97,8 @@ void Squeeze(QColorDialog* chooser) {
         if (widget->inherits("QColorShowLabel")) widget->setMinimumWidth(kSmallPatch);
 }
 
-// As large as the chooser wants to be, or as the desktop is: then it is scrolled over its buttons.
+// Gives the window the size that the chooser wants, or the desktop's if that is smaller. The
+// chooser then scrolls above its buttons.
 void SetSize(QDialog* window, QColorDialog* chooser, const QWidget& buttons) {
     const QSize frame = DeviceScreen()->frameGeometry().size() - DeviceScreen()->size();
     const QSize room = DeviceScreen()->screen()->availableGeometry().size() - frame;

@@ -22,7 +22,7 @@ QStringList Entries(const QComboBox* combo) {
     return entries;
 }
 
-// Typed text stays as it is: no completion, no entry of its own in the list.
+// Keeps the toolkit from completing the text that the user types and from adding it to the list.
 void MakeEditable(HWND control, QComboBox* combo) {
     combo->setEditable(true);
     combo->setInsertPolicy(QComboBox::NoInsert);
@@ -43,13 +43,13 @@ QWidget* MakeCombo(HWND control, const DialogItem& item, QWidget* parent) {
     return combo;
 }
 
-// The entry that is chosen: one whose text has been typed over is not.
+// Returns the selected row, or CB_ERR if its text has been typed over.
 int Chosen(const QComboBox* combo) {
     const int row = combo->currentIndex();
     return row >= 0 && combo->currentText() == combo->itemText(row) ? row : CB_ERR;
 }
 
-// A change of the list leaves the edit's text and the choice, which the toolkit would not.
+// Keeps the edit's text and the selection while the list changes; the toolkit would change both.
 template <typename Change>
 void ChangeList(QComboBox* combo, int chosen, Change change) {
     const QSignalBlocker quiet(combo);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the kinds of controls share: notices to the dialog, texts, entries, and dialog units.
+// What all kinds of controls share: notices to the dialog, texts, entries and dialog units.
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/window/messages.h"
 
@@ -7,7 +7,8 @@ namespace {
 
 int Scaled(int units, int base, int divisor) { return (units * base + divisor / 2) / divisor; }
 
-// Pixels of four units across and eight down: the mean letter of the dialogs' font.
+// The pixels of 4 dialog units across and 8 down: the mean width of a letter and the height of the
+// dialogs' font.
 QSize DialogBase() {
     static const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
     const QFontMetrics metrics(QApplication::font());

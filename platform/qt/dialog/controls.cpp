@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The controls of dialogs: how they are made from a template, named and ordered, and the calls that
-// reach one by its number. Each is a widget of the desktop with a window's record before it.
+// Controls of dialogs: makes them from a template, names and orders them, and has the calls that
+// reach a control by its id. Each control is a desktop widget with a window record.
 #include <algorithm>
 #include <QButtonGroup>
 #include <QComboBox>
@@ -45,7 +45,7 @@ const WindowClass* WindowClassOf(const ControlClass* kind) {
     return made.back().get();
 }
 
-// In the order of the template: records are numbered by age.
+// Returns the controls in the template's order, because window records are numbered by age.
 std::vector<Window*> ControlsOf(HWND dialog) {
     std::vector<Window*> controls;
     for (Window* window : AllWindows())
@@ -68,8 +68,8 @@ QString LabelText(const Window& window) {
     return window.control->style & SS_NOPREFIX ? text : WithoutMnemonic(text);
 }
 
-// What a screen reader says: the label without its colon. A word that is broken over two lines, or
-// over two labels, is put together again.
+// Makes the name that a screen reader speaks: the label without its colon. A word that is split
+// over two lines or over two labels is joined again.
 QString NameFromLabels(const Window& label, const Window* before) {
     QString name = LabelText(label).remove("-\n").simplified();
     while (name.endsWith(':') || name.endsWith(' ')) name.chop(1);
@@ -84,7 +84,7 @@ void NameControls(const std::vector<Window*>& controls) {
         const Window* before = i > 1 ? controls[i - 2] : nullptr;
         const QString name = NameFromLabels(*controls[i - 1], before);
         controls[i]->widget->setAccessibleName(name);
-        // The keyboard is in the edit of a combo box, which has no label of its own.
+        // In a combo box, the edit has the keyboard focus, but no label.
         auto* combo = As<QComboBox>(*controls[i]);
         if (combo && combo->lineEdit()) combo->lineEdit()->setAccessibleName(name);
         label->setBuddy(controls[i]->widget);
@@ -108,11 +108,12 @@ void GroupRadios(const std::vector<Window*>& controls, QWidget* content) {
         auto* radio = As<QRadioButton>(*window);
         if (!radio || (window->control->style & 0xFu) != BS_AUTORADIOBUTTON) continue;
         group->addButton(radio);
-        radio->setAutoExclusive(true);  // a group decides; screen readers go by this
+        radio->setAutoExclusive(true);  // the group decides; screen readers read this
     }
 }
 
-// A tap on a push button leaves the keyboard where it is, and so Enter to the usual button.
+// A click on a push button does not move the focus, so Enter still presses the usual default
+// button.
 Qt::FocusPolicy FocusPolicyOf(const QWidget& widget, DWORD style) {
     const bool tab = style & WS_TABSTOP;
     if (qobject_cast<const QPushButton*>(&widget)) return tab ? Qt::TabFocus : Qt::NoFocus;
@@ -133,7 +134,7 @@ HWND MakeControl(Window& dialog, const DialogItem& item) {
     const QSize corner = DialogPixels(item.x, item.y);
     const QSize end = DialogPixels(item.x + item.width, item.y + item.height);
     QRect place(QPoint(corner.width(), corner.height()), end - corner);
-    if (qobject_cast<QComboBox*>(window->widget))  // the template counts the list in
+    if (qobject_cast<QComboBox*>(window->widget))  // the template's height includes the open list
         place.setHeight(window->widget->sizeHint().height());
     if (kind == &kListBoxClass && !(item.style & LBS_NOINTEGRALHEIGHT))
         place.setHeight(WholeLines(window->widget, place.height()));
@@ -176,7 +177,7 @@ constexpr int kNumberUnits = 64;
 
 bool IsBlank(WCHAR unit) { return unit == u' ' || unit == u'\t'; }
 
-// A sign, where there may be one, and digits; blanks around them count for nothing.
+// Parses digits, with a minus sign if `is_signed`; ignores blanks around the number.
 bool ParseNumber(LPCWSTR text, bool is_signed, int64_t* value) {
     while (IsBlank(*text)) text++;
     const bool negative = is_signed && *text == u'-';

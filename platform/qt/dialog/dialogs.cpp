@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dialogs: the desktop's window around one, its procedure, the loop that runs it, and the button
+// Dialogs: a dialog's window on the desktop, its procedure, the loop that runs it, and the button
 // that Enter presses.
 #include "platform/qt/dialog/dialogs.h"
 
@@ -36,7 +36,8 @@ namespace {
 
 const WindowClass kDialogClass = {u"Dialog", 0, DialogWindowProcedure, nullptr};
 
-// These are answered by what the procedure returns; all others by DWLP_MSGRESULT.
+// The answer to these messages is what the procedure returns. The answer to all others is
+// DWLP_MSGRESULT.
 bool AnsweredDirectly(UINT message) { return message == WM_INITDIALOG; }
 
 void QueueCommand(HWND dialog, int id) {
@@ -44,7 +45,7 @@ void QueueCommand(HWND dialog, int id) {
                reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
 }
 
-// Closing is cancelling, unless the dialog has that switched off.
+// Closing a dialog counts as Cancel, unless the dialog has disabled its Cancel button.
 void CloseByCancel(HWND dialog) {
     const HWND button = GetDlgItem(dialog, IDCANCEL);
     if (button && !IsWindowEnabled(button)) {
@@ -55,7 +56,7 @@ void CloseByCancel(HWND dialog) {
                  reinterpret_cast<LPARAM>(button));
 }
 
-// The template's default button.
+// Returns the template's default button, or null if none is visible.
 QPushButton* UsualDefault(const QWidget& dialog) {
     for (const Window* window : AllWindows()) {
         const bool here = window->control && window->widget && window->widget->window() == &dialog;
@@ -73,7 +74,7 @@ void PressDefault(HWND dialog, const QWidget& widget) {
     button->click();
 }
 
-// The template's corner counts from the owner's client area.
+// The template's position is relative to the owner's client area, unless DS_ABSALIGN is set.
 QRect FirstPlace(const DialogTemplate& shape, HWND owner, QSize size) {
     if (shape.style & DS_CENTER) return CenteredPlace(size);
     const QSize corner = DialogPixels(shape.x, shape.y);
@@ -121,7 +122,7 @@ void DialogWidget::resizeEvent(QResizeEvent*) {
 constexpr WindowOperations kDialogOperations = {nullptr, PlaceDialog, ShowOwnWindow, BringOwnWindow,
                                                 CallWindowProcedure};
 
-// A page's cancel button is its sheet's.
+// A property sheet has no procedure of the program: `procedure` is null.
 LRESULT CALLBACK DialogWindowProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
     Window* window = FindWindowRecord(dialog);
     const std::shared_ptr<DialogData> data = window->dialog;
@@ -196,7 +197,7 @@ QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {
     auto* area = new QScrollArea(parent);
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);
-    area->viewport()->move(0, 0);  // the frame that it was made with is gone
+    area->viewport()->move(0, 0);  // removes the offset of the frame that it was made with
     *content = new QWidget;
     area->setWidget(*content);
     QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
@@ -205,8 +206,8 @@ QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {
     return area;
 }
 
-// A page lies where its sheet has it. What the screen cuts off is scrolled to; the bar for that
-// takes room of its own where there is some.
+// The sheet places its pages. A dialog scrolls what the screen cuts off; the scroll bar adds to the
+// dialog's size as far as the screen has room.
 void PlaceDialog(Window& window, const QRect& rect) {
     if (!window.widget->isWindow()) return;
     const QSize screen = DeviceScreen()->size();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Edits of dialogs.
+// Edit controls of dialogs.
 #include <climits>
 #include <QComboBox>
 #include <QLineEdit>
@@ -13,7 +13,8 @@ constexpr int kUsualLimit = 32767;
 
 QLineEdit* EditOf(const Window& window) { return qobject_cast<QLineEdit*>(window.widget.data()); }
 
-// What stands there may be longer than what can be typed; the toolkit knows one limit for both.
+// A text that the program sets may be longer than what the user may type, but the toolkit has one
+// limit for both.
 void HoldLimit(HWND control, QLineEdit* edit) {
     const Window* window = FindWindowRecord(control);
     if (window)
@@ -62,7 +63,7 @@ LRESULT LimitText(Window& window, WPARAM limit, LPARAM) {
     return 0;
 }
 
-// From -1: nothing; to -1: to the end.
+// A start of -1 selects nothing; an end of -1 is the end of the text.
 LRESULT SetSelection(Window& window, WPARAM from, LPARAM to) {
     QLineEdit* edit = EditOf(window);
     const int length = static_cast<int>(edit->text().size());

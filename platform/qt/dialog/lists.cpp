@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// List boxes of dialogs; entries that are too wide for one are broken over several lines.
+// List boxes of dialogs. A list can wrap entries that are too wide for it.
 #include <QApplication>
 #include <QKeyEvent>
 #include <QListWidget>
@@ -29,7 +29,7 @@ class BrokenLines : public QStyledItemDelegate {
         initStyleOption(&item, index);
         QTextLayout text(item.text, item.font);
         Arrange(&text);
-        item.text.clear();  // the style draws what lies below
+        item.text.clear();  // the style draws only the background
         list_->style()->drawControl(QStyle::CE_ItemViewItem, &item, painter, list_);
         const bool selected = item.state & QStyle::State_Selected;
         const bool active = item.state & QStyle::State_Active;
@@ -39,12 +39,12 @@ class BrokenLines : public QStyledItemDelegate {
     }
 
   private:
-    // The room of the bar that moves it up and down is left free, whether it is shown or not.
+    // Always leaves room for the vertical scroll bar, whether it is shown or not.
     int Width() const {
         return list_->contentsRect().width() - list_->verticalScrollBar()->sizeHint().width();
     }
 
-    // Gives each line its place; returns the height of all.
+    // Places each line; returns the height of all lines.
     double Arrange(QTextLayout* text) const {
         const double inset = list_->fontMetrics().horizontalAdvance("v ");
         double height = 0, left = kMargin;
@@ -67,13 +67,13 @@ class BrokenLines : public QStyledItemDelegate {
 void BreakLines(QListView* list) {
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setItemDelegate(new BrokenLines(list));
-    list->setWordWrap(true);  // lays out anew when the width changes
+    list->setWordWrap(true);  // repeats the layout when the width changes
 }
 
 namespace {
 
-// A list that has entries changed by a double tap takes the space bar for one. The selection moves,
-// but is not taken away: not by a click below the last entry, nor by one with Ctrl.
+// The space bar acts as a double tap on the current entry. The user can move the selection but
+// cannot clear it, neither by a click below the last entry nor by one with Ctrl.
 class ListBox : public QListWidget {
   public:
     using QListWidget::QListWidget;
@@ -82,10 +82,10 @@ class ListBox : public QListWidget {
     void keyPressEvent(QKeyEvent* event) override {
         const bool tap = event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier;
         if (!tap || !currentItem()) return QListWidget::keyPressEvent(event);
-        currentItem()->setSelected(true);  // Tab comes to an entry and selects none
+        currentItem()->setSelected(true);  // Tab moves to an entry without selecting it
         emit itemDoubleClicked(currentItem());
     }
-    // An entry that is seen in part at the bottom is left out.
+    // Does not paint an entry that is only partly visible at the bottom.
     void paintEvent(QPaintEvent* event) override {
         const QRect seen = viewport()->rect();
         const QRect last = visualRect(indexAt(seen.bottomLeft() + QPoint(1, 0)));
@@ -136,7 +136,7 @@ QWidget* MakeListBox(HWND control, const DialogItem& item, QWidget* parent) {
     return list;
 }
 
-// An insertion leaves the selection on its entry.
+// The selection stays on its entry when another one is inserted.
 int Insert(QListWidget* list, int row, const QString& text) {
     const QSignalBlocker quiet(list);
     list->insertItem(row, text);
@@ -211,7 +211,7 @@ LRESULT FindExact(Window& window, WPARAM after, LPARAM text) {
     return FindEntry(Entries(ListOf(window)), static_cast<int>(after), wanted, true);
 }
 
-// The lines are laid out late; the bar counts lines once they are.
+// The toolkit lays out the lines late, and the bar counts lines only after that.
 LRESULT GetTop(Window& window, WPARAM, LPARAM) {
     QListWidget* list = ListOf(window);
     list->scrollTo(QModelIndex());
@@ -227,8 +227,8 @@ LRESULT SetTop(Window& window, WPARAM row, LPARAM) {
     return 0;
 }
 
-// What does not fit is broken over lines: moved sideways, the list would hide how entries begin.
-// How wide they are the toolkit knows by itself.
+// Entries that do not fit are wrapped, because a list that scrolls sideways would hide how they
+// begin. The toolkit measures the entries itself, so the width is not used.
 LRESULT SetWidth(Window& window, WPARAM pixels, LPARAM) {
     if (pixels > 0 && window.control->style & WS_HSCROLL) BreakLines(ListOf(window));
     ListOf(window)->doItemsLayout();

@@ -37,7 +37,7 @@ QMessageBox::Icon IconOf(UINT type) {
     return QMessageBox::NoIcon;
 }
 
-// Over the middle of the device's window; of the desktop while that one is not shown.
+// Centres the box over the device's window, or on the desktop while that window is not shown.
 QPoint BoxCorner(QSize size) {
     if (DeviceScreen()->isVisible())
         return DeviceScreen()->mapToGlobal(CenteredPlace(size).topLeft());
@@ -46,9 +46,10 @@ QPoint BoxCorner(QSize size) {
     return QPoint(std::max(corner.x(), room.left()), std::max(corner.y(), room.top()));
 }
 
-// The toolkit breaks its texts for the desktop's screen. On a narrow device they are broken for
-// that one's, and the box stands within it. It goes along with the device's window, to which the
-// desktop may give its place only after the box has come up.
+// The toolkit wraps a box's text for the desktop's screen. If the device is narrower than that,
+// this class wraps the text for the device and keeps the box within it. The box follows the
+// device's window when that moves, because the desktop may place the window only after the box has
+// appeared.
 class BoundedBox : public QMessageBox {
   public:
     explicit BoundedBox(QWidget* parent) : QMessageBox(parent) {
@@ -102,14 +103,14 @@ int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
     if (g_answer) QTimer::singleShot(0, ok, &QPushButton::click);
     RunModalLoop([&] { return !box.isVisible(); });
     if (window) ReturnFocus();
-    // Esc and the close button of a box with OK alone count as OK.
+    // If OK is the only button, Esc and the close button count as OK.
     const bool single = (type & 0xFu) == MB_OK;
     return box.clickedButton() == ok || (single && !QuitPosted()) ? IDOK : IDCANCEL;
 }
 
 BOOL MessageBeep(UINT type) {
     if (window_observer.beep) window_observer.beep(type);
-    // A host that rings without end would otherwise fill the desktop's queue.
+    // A host that rings without end must not fill the desktop's queue of sounds.
     static QElapsedTimer since;
     if (!since.isValid() || since.elapsed() >= 100) {
         since.start();

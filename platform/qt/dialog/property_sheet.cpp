@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Property sheets: tabs over pages that are dialogs of their own, OK and Cancel below.
+// Property sheets: tabs whose pages are dialogs, with OK and Cancel below.
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QScrollArea>
@@ -15,7 +15,7 @@ struct SheetPage {
     PROPSHEETPAGEW page = {};
     DialogTemplate shape;
     QScrollArea* place = nullptr;
-    HWND window = nullptr;  // null until it is shown first
+    HWND window = nullptr;  // null until the page is first shown
 };
 
 struct SheetData {
@@ -31,7 +31,7 @@ LRESULT CALLBACK SheetProcedure(HWND sheet, UINT message, WPARAM wparam, LPARAM 
 const WindowClass kSheetClass = {u"PropertySheet", 0, SheetProcedure, nullptr};
 const WindowClass kPageClass = {u"PropertyPage", 0, DialogWindowProcedure, nullptr};
 
-// What a page's area wants to be: as large as the largest page, whatever it holds at the moment.
+// A page's area asks for the size of the largest page, whatever it shows at the moment.
 class PageArea : public QScrollArea {
   public:
     PageArea(QSize wanted, QWidget* parent) : QScrollArea(parent), wanted_(wanted) {
@@ -85,7 +85,7 @@ QString TitleOf(const SheetPage& page) {
                                             : FromWide(page.shape.caption.c_str());
 }
 
-// The tab is turned by the sheet, once the page before agrees; a click only asks for it.
+// A click on a tab only asks for its page. The sheet turns to it when the current page agrees.
 void ConnectTabs(HWND sheet, QTabWidget* tabs) {
     QObject::connect(tabs, &QTabWidget::currentChanged, tabs, [sheet, tabs](int index) {
         const auto data = SheetOf(sheet);
@@ -138,7 +138,7 @@ HWND MakeSheet(const PROPSHEETHEADERW& header, std::shared_ptr<SheetData> data) 
     return window->handle;
 }
 
-// A page is a dialog in its tab; `widget` is what its controls stand on.
+// A page is a dialog in its tab; `widget` is the parent of its controls.
 bool MakePage(HWND sheet, SheetPage* page) {
     Window* window = AddWindow(&kPageClass, &kDialogOperations, sheet, 0);
     const HWND handle = window->handle;
@@ -178,7 +178,8 @@ LRESULT TurnTo(HWND sheet, WPARAM index) {
     return ActivatePage(sheet, static_cast<int>(index));
 }
 
-// A page that does not agree stays, and is the one to be seen.
+// Asks every page that has been shown. A page that refuses becomes the visible one, and the sheet
+// stays open.
 bool ApplyPages(HWND sheet, SheetData& data) {
     if (Notify(sheet, CurrentPage(data), PSN_KILLACTIVE)) return false;
     for (size_t i = 0; i < data.pages.size(); i++) {
@@ -202,7 +203,7 @@ void Cancel(HWND sheet) {
 }
 
 struct ButtonRow {
-    WPARAM button;  // of PSM_PRESSBUTTON
+    WPARAM button;  // in wParam of PSM_PRESSBUTTON
     int id;
     void (*press)(HWND sheet);
 };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One window a profile.
+// Each profile has at most one window; a second start is pointed to the first.
 #include "platform/qt/host/busy_profile.h"
 
 #include <unistd.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Options and operands, each by a row of a table.
+// Parses the command line: each option is a row of a table, the operands follow.
 #include "platform/qt/host/command_line.h"
 
 #include <cstring>
@@ -18,7 +18,8 @@ bool TakeSize(const char* text, QSize* size) {
     return width >= 100 && width <= 4000 && height >= 80 && height <= 4000;
 }
 
-// Below 1 there are fewer desktop pixels than the device's lines and letters need.
+// Below 1, one device pixel would be less than one desktop pixel, and lines and letters would be
+// lost.
 bool TakeScale(const char* text, double* scale) {
     char* end = nullptr;
     *scale = std::strtod(text, &end);
@@ -59,8 +60,8 @@ const FlagRow kFlags[] = {
     {"--with-passwords", [](CommandLine* l) { l->with_passwords = true; }},
 };
 
-// The toolkit's own options, with one dash or two; those of the first list have a value behind
-// them.
+// The toolkit's own options, written with one dash or two. The options of the first list take the
+// next argument as their value.
 const char* const kToolkitValues[] = {
     "display", "fontengine",      "geometry",           "icon",
     "name",    "platform",        "platformpluginpath", "platformtheme",
@@ -85,14 +86,14 @@ bool IsToolkit(const char* const (&names)[count], const char* option) {
     return false;
 }
 
-// An option's value may stand behind an equals sign, as in -style=fusion.
+// The value may also follow an equals sign, as in -style=fusion.
 bool HasToolkitValue(const std::string& option) {
     const size_t equals = option.find('=');
     return equals != option.npos && IsToolkit(kToolkitValues, option.substr(0, equals).c_str());
 }
 
-// What complaints repeat goes into the logs of a desktop: without control characters, and without
-// the password of an address.
+// Complaints may end up in the logs of the desktop. So they repeat an argument without control
+// characters and without the password of an address.
 std::string Shown(std::string argument) {
     const size_t at = argument.rfind('@'), colon = argument.find(':', argument.find("://") + 1);
     if (at != argument.npos && colon < at) argument.replace(colon, at - colon, ":...");
@@ -108,7 +109,8 @@ bool Complain(const std::string& argument, const std::string& trouble) {
     return false;
 }
 
-// What is read from the left: an option and its value are taken together.
+// Reads argv from the left; `next` is the next argument to read, `kept` the end of what stays in
+// argv.
 struct Reader {
     int argc;
     char** argv;

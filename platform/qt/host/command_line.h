@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The command line: quill [OPTIONS] [HOST [PORT]], or an address telnet://... or ssh://... in place
-// of HOST and PORT. The options are the window host's; the program itself has none.
+// of HOST and PORT. The host (the desktop program around Quill) reads all options; Quill itself
+// gets none.
 #ifndef QUILL_PLATFORM_QT_COMMAND_LINE_H
 #define QUILL_PLATFORM_QT_COMMAND_LINE_H
 
@@ -15,17 +16,18 @@ enum class Task { kRun, kHelp, kVersion, kProfiles, kExport };
 struct CommandLine {
     Task task = Task::kRun;
     HostOptions options;
-    std::string profile;  // empty: the user's own settings
-    RunTarget target;     // without a host: none was given
+    std::string profile;  // empty: the user's default settings
+    RunTarget target;     // its host is empty if the command line names no host
     bool with_passwords = false;
 };
 
-// The toolkit's options are left in argv. False after a complaint of one line; nothing has been
-// written then, and control characters of the command line are not repeated.
+// Removes what it reads from argv and leaves the toolkit's options there. Returns false after a
+// complaint of one line on stderr; no file has been written by then. Complaints never repeat
+// control characters from the command line.
 bool TakeCommandLine(int* argc, char** argv, CommandLine* line);
 void TellHelp(std::FILE* stream);
 
-// HOST, or an address with its scheme; the trouble with it, or null.
+// Reads HOST, or an address with its scheme. Returns what is wrong with it, or null.
 const char* TakeTarget(const std::string& text, RunTarget* target);
 const char* TakePort(const std::string& text, int* port);
 

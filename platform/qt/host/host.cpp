@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The host: opens the device before the program runs on it, and takes it down afterwards. The
+// The host: opens the device before Quill runs on it and closes it afterwards. It also loads the
 // program's icon.
 #include "platform/qt/host/host.h"
 
@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr WORD kIcons = 1;  // the kind of a group
+constexpr WORD kIcons = 1;  // the resource type of an icon group
 
 bool FindPart(WORD type, WORD number, ResourceReader* reader) {
     *reader = ResourceReader();
@@ -47,7 +47,7 @@ QIcon LoadProgramIcon(WORD number) {
     group.Skip(2);
     if (group.TakeWord() != kIcons) return icon;
     for (WORD count = group.TakeWord(); count > 0 && group.ok; count--) {
-        group.Skip(12);  // what the picture says itself
+        group.Skip(12);  // the picture itself has the same data
         const WORD picture = group.TakeWord();
         if (group.ok) AddPicture(picture, &icon);
     }
@@ -60,17 +60,17 @@ extern "C" const uint8_t quill_resources_end[];
 namespace {
 
 constexpr int kSystemFontPixels = 9;
-constexpr int kNarrowestPixels = 400;  // wide enough for a full bar of buttons
+constexpr int kNarrowestPixels = 400;  // wide enough for a full button bar
 
 int CALLBACK TakeFirstFace(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM result) {
     *reinterpret_cast<LOGFONTW*>(result) = *font;
     return 0;
 }
 
-// Command bar, status line and menu bar.
+// The heights of the command bar, the status line and the menu bar.
 int BarsHeight() { return kCommandBarHeight + StatusHeight() + kMenuBarHeight; }
 
-// The screen on which 80 by 24 cells of the first start's font are wholly visible.
+// The smallest screen that shows all 80 by 24 cells in the font of a first start.
 QSize ScreenForTerminal() {
     LOGFONTW face = {};
     EnumFontFamiliesW(nullptr, nullptr, TakeFirstFace, reinterpret_cast<LPARAM>(&face));
@@ -112,7 +112,7 @@ void OpenDevice(const HostOptions& options) {
     DeviceScreen()->resize(options.screen.isEmpty() ? ScreenForTerminal() : options.screen);
 }
 
-// The modem, which may take its time, is waited for when nothing is shown any more.
+// A modem may take seconds to hang up, so the wait for it comes last, when no window is visible.
 void CloseDevice() {
     ForgetTextChanges();
     DestroyAllWindows();

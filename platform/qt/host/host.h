@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The host: opens the device before the program runs on it, and takes it down afterwards; the icons
-// of the resources; the text that stands on each window, as it was drawn last.
+// The host: opens the device before Quill runs on it and closes it afterwards. It also loads icons
+// from the resources and records the text that was last drawn on each window.
 #ifndef QUILL_PLATFORM_QT_HOST_HOST_H
 #define QUILL_PLATFORM_QT_HOST_HOST_H
 
@@ -14,26 +14,26 @@
 #include "windows_ce.h"
 
 struct HostOptions {
-    std::string root;  // the device's root folder; empty: below the user's data folder
-    QSize screen;      // pixels of the device; empty: 80x24 characters fit
-    double scale = 0;  // desktop pixels a device pixel; 0: readable on this desktop
-    QString snapshot;  // picture file: written when the session has come to rest
-    QString text;      // text file, likewise
+    std::string root;  // the device's root folder; empty: a folder below the user's data folder
+    QSize screen;      // the device's size in pixels; empty: large enough for 80x24 characters
+    double scale = 0;  // desktop pixels per device pixel; 0: chosen for this desktop
+    QString snapshot;  // file for a picture of the session once it paints no more
+    QString text;      // file for the session's text at the same moment
 };
 
-// Makes the folder of --root if it is missing; false after a complaint.
+// Makes the folder of --root if it is missing. Returns false after a complaint on stderr.
 bool MakeRoot(const std::string& folder);
 
 void OpenDevice(const HostOptions& options);  // needs a QApplication
 void CloseDevice();
 
-// The icon of that number with all its sizes; those that are damaged are left out. Null without
-// any.
+// Returns the icon with that number in all its sizes, without those that are damaged; a null icon
+// if there is no picture.
 QIcon LoadProgramIcon(WORD number);
 
-void KeepScreenText();                // from now on, as one of those who look on
-void ForgetScreenText();              // and no more
-QStringList ScreenText(HWND window);  // line by line; blanks at the end cut
-int PaintsKept();                     // how many WM_PAINTs there have been since KeepScreenText
+void KeepScreenText();                // starts recording, as the drawing observer
+void ForgetScreenText();              // stops recording
+QStringList ScreenText(HWND window);  // line by line, without trailing blanks
+int PaintsKept();                     // number of WM_PAINT messages since KeepScreenText
 
 #endif

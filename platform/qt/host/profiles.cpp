@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Profiles and the marks of their windows.
+// Lists profiles and marks the window of one.
 #include "platform/qt/host/profiles.h"
 
 #include <dirent.h>
@@ -22,7 +22,7 @@ bool IsPlain(char c) {
 
 std::string ProfilesFolder() { return UserRoot() + "/profiles"; }
 
-// The letter in white on a dark disc, in the lower right quarter and a little more.
+// Draws the letter in white on a dark disc, a little larger than the lower right quarter.
 void DrawLetter(QPixmap* picture, QChar letter) {
     const int side = picture->width() * 5 / 8;
     const QRect place(picture->width() - side, picture->height() - side, side, side);
@@ -76,6 +76,6 @@ void MarkWindow(const std::string& profile) {
         marked.addPixmap(picture);
     }
     DeviceScreen()->setWindowIcon(marked);
-    DeviceScreen()->winId();  // makes the window, which takes the text
+    DeviceScreen()->winId();  // creates the native window, which takes the icon text
     DeviceScreen()->setWindowIconText(name + " - Quill");
 }

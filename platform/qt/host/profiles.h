@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Profiles: each is a settings folder of its own, below the user's own one, and has a window of its
-// own.
+// Profiles: each is a separate settings folder below the user's default one, and has its own
+// window.
 #ifndef QUILL_PLATFORM_QT_PROFILES_H
 #define QUILL_PLATFORM_QT_PROFILES_H
 
@@ -9,11 +9,11 @@
 
 // 1 to 40 ASCII letters, digits, '.', '-' and '_'; the first one is a letter or a digit.
 bool IsProfileName(const std::string& name);
-std::string ProfileFolder(const std::string& name);  // of a good name; it need not exist
+std::string ProfileFolder(const std::string& name);  // of a valid name; it need not exist
 std::vector<std::string> ProfileNames();             // sorted
 
-// The window's icon gets the name's first letter, and a task bar its text. After OpenDevice; the
-// title is the program's alone.
+// Draws the name's first letter on the window's icon and sets the name as the text of the task
+// bar's entry. Call it after OpenDevice. The window's title does not change: it belongs to Quill.
 void MarkWindow(const std::string& profile);
 
 #endif

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The text that stands on each window.
+// Records the text that is visible on each window, from what is drawn.
 #include "platform/qt/host/host.h"
 
 #include <map>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where the command line wants to connect: HOST, PORT, telnet://HOST:PORT, ssh://USER@HOST:PORT.
+// Parses the host to connect to: HOST, PORT, telnet://HOST:PORT, ssh://USER@HOST:PORT.
 #include <strings.h>
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr size_t kLongestName = 39;  // what the settings hold
+constexpr size_t kLongestName = 39;  // the settings hold no more
 constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
 
 bool IsMadeOf(const std::string& text, const char* others) {
@@ -34,7 +34,7 @@ const char* TakeUser(const std::string& text, RunTarget* target) {
     return target->user = text, nullptr;
 }
 
-// USER@HOST:PORT and a slash that may be left out.
+// Parses USER@HOST:PORT, with or without a slash at its end.
 const char* TakeAddress(std::string text, RunTarget* target) {
     if (!text.empty() && text.back() == '/') text.pop_back();
     const size_t at = text.rfind('@');

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The tasks, each a row.
+// The tasks that open no window; each is a row of a table.
 #include "platform/qt/host/tasks.h"
 
 #include <unistd.h>

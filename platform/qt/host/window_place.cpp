@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The window's place: the file, and what of it is right on the screens of today.
+// Reads and writes the file of the window's place, and fits the place to the present screens.
 #include "platform/qt/host/window_place.h"
 
 #include <fcntl.h>
@@ -18,19 +18,20 @@ namespace {
 
 constexpr int kLongestSide = 4000;
 constexpr int kSmallestSide = 80;
-constexpr int kTitleHeight = 20;     // desktop pixels that a title bar has at least
-constexpr int kBorder = 8;           // of a frame on both sides together
-constexpr int kTitleReachable = 60;  // as many of its width must be on a screen
+constexpr int kTitleHeight = 20;     // a title bar has at least as many desktop pixels
+constexpr int kBorder = 8;           // both sides of the frame together
+constexpr int kTitleReachable = 60;  // width of the title bar that must be on a screen
 
 struct WindowPlace {
     QSize size;
     std::optional<QPoint> place;
-    QSize desktop;  // of all screens together, when the place was kept
+    QSize desktop;  // size of all screens together when the place was saved
     bool maximized = false;
 };
 
-// Where the window was put at the start. The desktop counts in its own pixels, of which a device
-// pixel has several: a window that nobody has moved must not wander from run to run.
+// Where RestoreWindowPlace put the window. A device pixel is several desktop pixels, so the
+// position that is read back can be off by rounding. SaveWindowPlace then writes this one again, or
+// a window that nobody moves would wander from run to run.
 std::optional<QPoint> g_restored;
 constexpr int kRounding = 2;
 
@@ -44,7 +45,7 @@ void TakeLine(const char* line, WindowPlace* place) {
     if (std::sscanf(line, "maximized %6d", &a) == 1) place->maximized = a == 1;
 }
 
-// Opened so that no pipe that bears the name holds the start up.
+// O_NONBLOCK: if the name is that of a pipe, open must not block the start.
 bool ReadPlace(WindowPlace* place) {
     const int file = open(PlaceFile().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0) return false;
@@ -70,7 +71,7 @@ const QScreen* ScreenOf(const WindowPlace& place) {
 
 QSize DesktopSize() { return QGuiApplication::primaryScreen()->virtualGeometry().size(); }
 
-// A window that hangs over an edge does so by its user's hand, as long as the desktop is the same.
+// If the desktop is the same as before, the user has put the window over the edge: it stays there.
 void FitInto(const QRect& screen, WindowPlace* place) {
     const QRect room = screen.adjusted(0, 0, -kBorder, -kBorder);
     const QSize wanted = place->size;
@@ -123,7 +124,7 @@ void RestoreWindowPlace() {
     if (place.maximized) window->setWindowState(Qt::WindowMaximized);
 }
 
-// The old file stays until the new one is whole.
+// Writes a new file and renames it, so that the old one stays until the new one is complete.
 void SaveWindowPlace() {
     const QWidget* window = DeviceScreen();
     if (!window || !window->isVisible()) return;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The configuration file out of the registry's file.
+// Makes a configuration file from the registry's file.
 #include "platform/qt/services/export_settings.h"
 
 #include <sqlite3.h>
@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr size_t kLongestLine = 78;   // the program takes 79 with the line's end
-constexpr size_t kLongestValue = 80;  // bytes that the program reads
+constexpr size_t kLongestLine = 78;   // the program reads 79 with the line's end
+constexpr size_t kLongestValue = 80;  // the program reads at most as many bytes
 constexpr int kBusyMilliseconds = 3000;
 
 const char kHeading[] =
@@ -37,7 +37,7 @@ bool IsOneOf(const char* const (&names)[count], const std::string& name) {
     return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
-// Opened for writing, as a reader alone may not look into another program's log.
+// Opens the file for writing, because a reader alone may not open another program's log.
 sqlite3* OpenStore(const std::string& root) {
     sqlite3* database = nullptr;
     const std::string path = root + "/registry.db";
@@ -73,7 +73,7 @@ bool ReadValues(sqlite3* database, std::vector<Value>* values) {
     return result == SQLITE_DONE;
 }
 
-// "key2" before "key10", and the numbered ones after all others.
+// Sorts "key2" before "key10", and numbered names after all others.
 bool ComesBefore(const Value& a, const Value& b) {
     const auto split = [](const std::string& name) {
         return std::min(name.find_last_not_of("0123456789") + 1, name.size());
@@ -87,13 +87,13 @@ bool ComesBefore(const Value& a, const Value& b) {
     return digits_a != digits_b ? digits_a < digits_b : a.name < b.name;
 }
 
-// The name is the line's first word.
+// The name is the first word of its line, so it has no blanks and does not begin a comment.
 bool IsSayableName(const std::string& name) {
     if (name.empty() || name[0] == '#') return false;
     return std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < 0x7F; });
 }
 
-// The text as the program reads it: up to its terminator, or cut.
+// Returns the text as the program reads it: up to its terminator, or cut at the longest value.
 std::u16string TextOf(const std::string& data) {
     std::u16string text(data.size() / sizeof(char16_t), 0);
     std::memcpy(text.data(), data.data(), text.size() * sizeof(char16_t));
@@ -101,7 +101,7 @@ std::u16string TextOf(const std::string& data) {
     return text.c_str();
 }
 
-// False where the code page has not all of its letters.
+// False if the code page does not have all of its letters.
 bool AnsiOf(const std::u16string& text, std::string* bytes) {
     char ansi[kLongestValue];
     WCHAR back[kLongestValue];
@@ -114,7 +114,7 @@ bool AnsiOf(const std::u16string& text, std::string* bytes) {
     return text == back;
 }
 
-// What a line cannot hold, or null.
+// Returns why a line cannot hold the text, or null.
 const char* TextTrouble(const std::u16string& text, std::string* bytes) {
     if (text.find(u'"') != text.npos) return "has a double quote in it";
     for (const char16_t unit : text)
@@ -128,7 +128,8 @@ std::string NumberLine(const Value& value) {
     return value.name + " = " + std::to_string(number);
 }
 
-// The trouble with a value, or null and its line; an empty line where a fresh device needs none.
+// Returns what is wrong with a value, or null and its line. The line is empty if a new device has
+// that value anyway.
 const char* SayText(const Value& value, std::string* line) {
     if (value.data.size() > kLongestValue) return "is longer than the program reads";
     const std::u16string text = TextOf(value.data);

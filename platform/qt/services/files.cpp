@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Device paths to host paths, and files by their device paths.
+// Translates device paths to host paths, and opens and deletes files by their device paths.
 #include "platform/qt/services/services.h"
 
 #include <fcntl.h>
@@ -14,7 +14,7 @@ namespace {
 
 std::string g_root;
 
-// Only an absolute path counts in XDG_DATA_HOME.
+// XDG_DATA_HOME counts only if it is an absolute path.
 std::string UserDataFolder() {
     const char* data = getenv("XDG_DATA_HOME");
     if (data && data[0] == '/') return data;
@@ -78,7 +78,7 @@ namespace {
 
 struct ModeRow {
     WCHAR letter;
-    int flags;         // of open
+    int flags;         // flags of open
     int flags_update;  // with '+'
     const char* stream;
     const char* stream_update;
@@ -104,7 +104,7 @@ const ModeRow* FindMode(LPCWSTR mode, bool* update) {
     return nullptr;
 }
 
-// A folder, and anything that could block, is no file of the device.
+// Folders, and anything whose reading could block, do not count as files of the device.
 bool IsPlainFile(int file) {
     struct stat status;
     return fstat(file, &status) == 0 && S_ISREG(status.st_mode);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What a device's kernel gives: threads and events, blocks of memory, the time. A HANDLE is a
-// number that is never given out twice in a run; what it stands for lives on while a thread runs it
-// or waits for it.
+// The services of a device's kernel: threads, events, memory blocks and time. A run never uses the
+// same HANDLE number twice. The object behind a handle lives as long as a thread runs it or waits
+// for it, even after the handle is closed.
 #include <pthread.h>
 #include <time.h>
 
@@ -105,8 +105,8 @@ bool IsSignalled(Waitable& waitable) {
     return waitable.signalled;
 }
 
-// What is signalled within microseconds, as between the two threads of a session whose host
-// streams, costs less to look for than to be woken up by.
+// When a host streams, the two threads of a session signal each other within microseconds. To poll
+// for so short a time costs less than to sleep and be woken up.
 void WatchForAMoment(Waitable& waitable) {
     const auto end = std::chrono::steady_clock::now() + kMoment;
     while (!IsSignalled(waitable) && std::chrono::steady_clock::now() < end)
@@ -133,11 +133,11 @@ HANDLE CreateThread(LPVOID, DWORD stack, LPTHREAD_START_ROUTINE procedure, LPVOI
         CloseHandle(handle);
         return nullptr;
     }
-    start.release();  // RunThread's now
+    start.release();  // RunThread owns it now
     return handle;
 }
 
-// A name joins an event of this program that has it.
+// If an event of this program has the name already, opens that event.
 HANDLE CreateEventW(LPVOID, BOOL manual_reset, BOOL signalled, LPCWSTR name) {
     const std::u16string wanted = name ? name : u"";
     WaitablePointer waitable = wanted.empty() ? nullptr : FindNamed(wanted);
@@ -172,7 +172,7 @@ DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
 
 BOOL CloseHandle(HANDLE handle) {
     HandleTable& table = Table();
-    WaitablePointer last_use;  // let go of after the lock
+    WaitablePointer last_use;  // released after the lock
     const std::lock_guard<std::mutex> lock(table.mutex);
     const auto found = table.open.find(handle);
     if (found == table.open.end()) return FALSE;
@@ -212,7 +212,7 @@ LPVOID LocalLock(HLOCAL handle) {
     return block ? block->bytes.get() : nullptr;
 }
 
-BOOL LocalUnlock(HLOCAL) { return FALSE; }  // locked by no one any more
+BOOL LocalUnlock(HLOCAL) { return FALSE; }  // the block is not locked any more
 
 size_t LocalSize(HLOCAL handle) {
     const Block* block = FindBlock(handle);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The host's own socket calls. This file stays free of windows_ce.h, whose macros take their names.
+// The host's own socket calls. This file does not include windows_ce.h, whose macros redefine their
+// names.
 #include "platform/qt/services/posix_sockets.h"
 
 #include <fcntl.h>
@@ -26,15 +27,15 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kLargestBuffer = 0x3FFFFFFF;    // the kernel cuts it to what it allows
-constexpr int64_t kNothingToWaitFor = 20000;  // us until a socket without a request is seen again
+constexpr int kLargestBuffer = 0x3FFFFFFF;       // the kernel reduces it to its limit
+constexpr int64_t kNothingToWaitFor = 20000;     // us between checks of a socket without a request
 constexpr int64_t kLongestWait = 1000000000000;  // us; keeps the sum with the clock in range
 
-// A request that ended at once reports so through the wait, as one that took its time does.
+// A request that fails at once is reported through the wait, like one that takes its time.
 bool IsOutcome(int error) { return error == ECONNREFUSED || error == ETIMEDOUT; }
 
-// A peer that took the connection and dropped it before anyone looked; a request that is turned
-// down ends in other errors.
+// The peer accepted the connection and dropped it before anyone looked. A refused request ends with
+// other errors.
 bool IsEndOfConnection(int error) { return error == ECONNRESET || error == EPIPE; }
 
 short EventsFor(const SocketWait& wait) {
@@ -81,7 +82,7 @@ int StreamSocket::BeginConnect(uint32_t address, uint16_t port, bool* blocking) 
     LookAtRequest();
     if (state_ == SocketState::kConnecting) return -EALREADY;
     if (state_ == SocketState::kConnected) return -EISCONN;
-    // The host would take both for the host itself.
+    // The host would take address 0 for itself; WinSock refuses it, as it refuses port 0.
     if (address == 0 || port == 0) return -EADDRNOTAVAIL;
     state_ = SocketState::kConnecting;
     *blocking = blocking_;
@@ -100,7 +101,7 @@ int StreamSocket::Connect(uint32_t address, uint16_t port) {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (closed_) return -ENOTSOCK;
     if (error == EINPROGRESS || error == EAGAIN || error == EINTR) return -EINPROGRESS;
-    // A wait of another thread may have seen the end of the request first.
+    // Another thread's wait may have seen the end of the request first.
     if (state_ == SocketState::kFailed && error == 0) error = ECONNREFUSED;
     const bool outcome = IsOutcome(error);
     if (error == 0)
@@ -110,7 +111,7 @@ int StreamSocket::Connect(uint32_t address, uint16_t port) {
     return !blocking && outcome ? -EINPROGRESS : -error;
 }
 
-// SO_ERROR is given out once, so that its first reader has to keep it.
+// The system reports SO_ERROR only once, so the first reader must keep it.
 SocketState StreamSocket::LookAtRequest() {
     if (state_ != SocketState::kConnecting) return state_;
     pollfd request = {descriptor_, POLLOUT, 0};
@@ -118,7 +119,7 @@ SocketState StreamSocket::LookAtRequest() {
     int error = 0;
     socklen_t size = sizeof(error);
     if (getsockopt(descriptor_, SOL_SOCKET, SO_ERROR, &error, &size) < 0) error = errno;
-    // A socket whose request has not begun yet hangs up without an error.
+    // Before a request begins, poll reports a hang-up without an error.
     sockaddr_in peer;
     socklen_t peer_size = sizeof(peer);
     const bool has_peer =
@@ -174,8 +175,8 @@ int StreamSocket::SendNow(const char* bytes, size_t size, int flags) {
     return count < 0 ? -errno : static_cast<int>(count);
 }
 
-// A key, or a packet of an exchange, would else wait for the peer to confirm the piece before,
-// which it puts off for some 40 ms.
+// Otherwise a key, or a packet of an exchange, waits until the peer confirms the bytes before it,
+// which the peer delays by about 40 ms.
 void StreamSocket::ChooseGathering() {
     const auto now = Clock::now();
     if (now - last_sent_ > kSendingRest) run_ = 0;
@@ -204,7 +205,7 @@ int StreamSocket::Send(const void* bytes, size_t size, int flags) {
     return sent > 0 || size == 0 ? sent : -EAGAIN;
 }
 
-// How many of the bytes there was room for. Without a thread nothing is taken.
+// Returns how many of the bytes there is room for; 0 if the thread cannot start.
 size_t StreamSocket::Queue(const char* bytes, size_t size) {
     const size_t room = kLargestBacklog - (backlog_.size() - backlog_sent_);
     size = std::min(size, room);
@@ -221,14 +222,15 @@ size_t StreamSocket::Queue(const char* bytes, size_t size) {
     return size;
 }
 
-// The thread: ends when all is sent, when the connection fails and when the socket is closed.
+// The body of the thread: ends when all is sent, when the connection fails or when the socket is
+// closed.
 void StreamSocket::SendBacklog() {
     pollfd waits[2] = {{descriptor_, POLLOUT, 0}, {wake_, POLLIN, 0}};
     do poll(waits, 2, -1);
     while (SendSomeOfBacklog(waits[1].revents != 0));
 }
 
-// False when the thread is to end; the next bytes then start another one.
+// Returns false if the thread must end; the next bytes then start another one.
 bool StreamSocket::SendSomeOfBacklog(bool closed) {
     const std::lock_guard<std::mutex> lock(send_mutex_);
     const size_t left = backlog_.size() - backlog_sent_;
@@ -257,18 +259,18 @@ void StreamSocket::Close() {
     closed_ = true;
     shutdown(descriptor_, SHUT_RDWR);  // ends a call that blocks in another thread
     const uint64_t one = 1;
-    if (write(wake_, &one, sizeof(one)) < 0) return;  // full: it is readable already
+    if (write(wake_, &one, sizeof(one)) < 0) return;  // the counter is full, so already readable
 }
 
 namespace {
 
-// One round of the wait: what to poll for, and what came of it.
+// One round of the wait: what to poll for, and the results.
 class WaitRound {
   public:
     WaitRound(std::vector<SocketWait>* waits, std::vector<bool>* muted)
         : waits_(*waits), muted_(*muted), polled_(waits->size() * 2) {}
 
-    // How long the round may last at most, in microseconds.
+    // Returns how long the round may last, in microseconds.
     int64_t Prepare(int64_t left) {
         for (size_t i = 0; i < waits_.size(); i++) {
             SocketWait& wait = waits_[i];
@@ -292,7 +294,7 @@ class WaitRound {
         for (pollfd& one : polled_) one.revents = 0;
     }
 
-    // How many wants are met, or -ENOTSOCK. `again` when a request has just ended.
+    // Returns how many wants are met, or -ENOTSOCK. Sets `again` when a request has just ended.
     int Collect(bool* again) {
         int met = 0;
         for (size_t i = 0; i < waits_.size(); i++) {
@@ -303,7 +305,7 @@ class WaitRound {
                 *again = *again || (seen != 0 && HasEnded(wait));
             } else {
                 Take(&wait, seen);
-                // An end that nobody asked about would wake every poll from now on.
+                // Otherwise an end that nobody asked about would wake every later poll.
                 if (seen && !wait.can_read && !wait.can_write && !wait.has_except) muted_[i] = true;
             }
             met += wait.can_read + wait.can_write + wait.has_except;
@@ -325,7 +327,7 @@ class WaitRound {
 
     std::vector<SocketWait>& waits_;
     std::vector<bool>& muted_;
-    std::vector<pollfd> polled_;  // each socket, and what wakes its wait
+    std::vector<pollfd> polled_;  // each socket, and behind it its wake descriptor
     std::vector<bool> connecting_;
 };
 
@@ -370,7 +372,7 @@ struct LocalAddress {
     const sockaddr* Generic() const { return reinterpret_cast<const sockaddr*>(&address); }
 };
 
-// A name that begins with a zero byte is the kernel's, and no file's.
+// A name that begins with a zero byte belongs to the kernel and is not in the file system.
 LocalAddress AddressOf(const std::string& name) {
     LocalAddress local;
     local.address.sun_family = AF_UNIX;
@@ -381,7 +383,7 @@ LocalAddress AddressOf(const std::string& name) {
 
 int NewSocket(int flags) { return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0); }
 
-// Anybody on the machine may call a name.
+// The kernel lets any user on the machine connect to a name.
 bool IsOwnUser(int socket) {
     ucred peer = {};
     socklen_t size = sizeof peer;
@@ -507,7 +509,7 @@ const ErrorRow kLookupErrors[] = {
 }  // namespace
 
 int WinsockError(int error_number) {
-    // Out of local addresses, or without any.
+    // EADDRNOTAVAIL may mean that all local addresses are in use, or that there is no network.
     if (error_number == EADDRNOTAVAIL && !HasNetworkInterface()) return 10065;
     for (const ErrorRow& row : kErrors)
         if (row.from == error_number) return row.to;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The host's sockets, names and error numbers, as WinSock needs them. This header and its .cpp stay
-// free of windows_ce.h, whose macros take the names of the calls used here.
+// The host's sockets, host names and error numbers, as WinSock needs them. This header and its .cpp
+// do not include windows_ce.h, because its macros redefine the names of the calls used here.
 #ifndef QUILL_PLATFORM_QT_SERVICES_POSIX_SOCKETS_H
 #define QUILL_PLATFORM_QT_SERVICES_POSIX_SOCKETS_H
 
@@ -12,18 +12,20 @@
 #include <string>
 #include <vector>
 
-// Network streams: shared between threads, closed under a waiting one, and with the end of a
-// connection request kept apart from data. Results are 0 or more, or a negative errno.
+// Network streams. Several threads may share one, and a thread may close it while another waits for
+// it. The end of a connection request is reported apart from data. Results are 0 or more, or a
+// negative errno.
 enum class SocketState { kFresh, kConnecting, kConnected, kFailed };
 
-// The descriptor is closed when the last thread lets go of the object.
+// The descriptor is closed when the last reference to the object is gone.
 //
-// A socket that does not block takes up to kLargestBacklog more bytes than the kernel has room for.
-// A thread of the socket's own sends them as the peer reads; Close drops what is left.
+// A non-blocking socket accepts up to kLargestBacklog more bytes than the kernel has room for. The
+// socket has a thread that sends them as the peer reads; Close drops what is left.
 inline constexpr size_t kLargestBacklog = size_t{64} << 20;
 
-// What is sent after a rest goes out at once, for so many calls; in a longer run, as a paste is,
-// the system gathers what is sent while the peer has not confirmed the last of it (RFC 896).
+// The first kSentAtOnce calls after a pause of kSendingRest send their bytes at once. In a longer
+// run, such as a paste, the system gathers bytes while the peer has not confirmed the last ones
+// (RFC 896).
 inline constexpr std::chrono::milliseconds kSendingRest{20};
 inline constexpr int kSentAtOnce = 16;
 
@@ -35,17 +37,17 @@ class StreamSocket : public std::enable_shared_from_this<StreamSocket> {
     StreamSocket& operator=(const StreamSocket&) = delete;
 
     int SetBlocking(bool blocking);
-    // -EINPROGRESS for a request under way on a socket that does not block; how it ends is for
-    // WaitForSockets to say, never for this call.
+    // Returns -EINPROGRESS while the request of a non-blocking socket goes on. Only WaitForSockets
+    // reports how it ends, even if it has already ended.
     int Connect(uint32_t address, uint16_t port);  // both in network byte order
     int Receive(void* bytes, size_t size, int flags);
     int Send(const void* bytes, size_t size, int flags);
     int Shutdown(int how);
-    // Wakes every thread that waits for the socket; all calls fail from then on.
+    // Wakes every thread that waits for the socket; from then on all calls fail.
     void Close();
 
     bool IsClosed();
-    SocketState State();  // looks first whether a request under way has ended
+    SocketState State();  // first checks whether a pending request has ended
     int descriptor() const { return descriptor_; }
     int wake_descriptor() const { return wake_; }
 
@@ -67,15 +69,15 @@ class StreamSocket : public std::enable_shared_from_this<StreamSocket> {
     bool closed_ = false;
     bool blocking_ = true;
     SocketState state_ = SocketState::kFresh;
-    int pending_error_ = 0;  // of the connection, for the next transfer to report
+    int pending_error_ = 0;  // of the connection; the next transfer reports it
 
     std::mutex send_mutex_;  // taken before mutex_
     std::string backlog_;    // bytes that wait for room in the kernel
     size_t backlog_sent_ = 0;
     bool sending_ = false;  // the thread that sends them runs
-    int send_error_ = 0;    // what it met
-    bool gathers_ = true;   // as a new socket does
-    int run_ = 0;           // calls since the last rest, counted up to the limit
+    int send_error_ = 0;    // the error that it met
+    bool gathers_ = true;   // the system gathers small sends, as on a new socket
+    int run_ = 0;           // calls since the last pause, at most kSentAtOnce
     std::chrono::steady_clock::time_point last_sent_;
 };
 
@@ -88,30 +90,30 @@ struct SocketWait {
     bool can_write = false;
     bool has_except = false;  // the request failed, or urgent data came
 };
-// How many of the wants are met; 0 after `microseconds` (below 0: no end). -ENOTSOCK as soon as one
-// of the sockets is closed.
+// Returns how many of the wants are met; 0 after `microseconds` (below 0: no limit). Returns
+// -ENOTSOCK as soon as one of the sockets is closed.
 int WaitForSockets(std::vector<SocketWait>* waits, int64_t microseconds);
 
-// Whether an interface is up that leads anywhere but back.
+// True if a network interface other than loopback is up and has an IPv4 address.
 bool HasNetworkInterface();
 
-// Streams between programs of one user on this machine, by names of the kernel that leave nothing
-// on the disk. A name has 100 bytes at most. A descriptor below 0 is none; none of these ends the
-// program by a signal.
-int ListenLocally(const std::string& name);  // does not block; below 0: the name is taken
-int AcceptLocally(int listener);           // does not block; callers of other users are turned away
-int CallLocally(const std::string& name);  // below 0: nobody listens
+// Streams between programs of the same user on this machine. Their names exist only in the kernel,
+// not on the disk, and have at most 100 bytes. A descriptor below 0 means failure. No call here
+// ends the program by a signal.
+int ListenLocally(const std::string& name);  // non-blocking; below 0: the name is taken
+int AcceptLocally(int listener);             // non-blocking; refuses callers of other users
+int CallLocally(const std::string& name);    // below 0: nobody listens
 bool SayLocally(int socket, const std::string& bytes);
-// The bytes that are there: 0 at the end, below 0 when none has come yet.
+// Reads the bytes that have arrived: 0 at the end of the stream, below 0 if there are no bytes yet.
 long HearLocally(int socket, char* bytes, size_t size);
-bool AwaitLocally(int socket, int milliseconds);  // whether there is something to hear by then
+bool AwaitLocally(int socket, int milliseconds);  // true if something can be read by then
 void CloseLocally(int socket);
 
-// Looking up names. At least one IPv4 address, in network byte order, or a result of getaddrinfo
-// other than 0.
+// Looks up a name. Returns 0 and at least one IPv4 address in network byte order, or the error of
+// getaddrinfo.
 int LookUpAddresses(const char* name, std::vector<uint32_t>* addresses, std::string* official);
 
-// WinSock's numbers for errors.
+// WinSock's error numbers.
 inline constexpr int kWsaEFault = 10014;
 inline constexpr int kWsaEInval = 10022;
 inline constexpr int kWsaEMFile = 10024;
@@ -124,7 +126,8 @@ inline constexpr int kWsaHostNotFound = 11001;
 inline constexpr int kWsaTryAgain = 11002;
 inline constexpr int kWsaNoRecovery = 11003;
 
-// 10022 for an errno without a number of its own. Every "no network" and "no route" is 10065.
+// Translates an errno; 10022 for one that has no counterpart. Every "no network" and "no route" is
+// 10065.
 int WinsockError(int error_number);
 // The same for getaddrinfo's results.
 int WinsockLookupError(int result);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The registry's calls over its store. An HKEY is a number that is never given out twice in a run.
+// The registry's calls, on top of its store. A run never uses the same HKEY number twice.
 #include "platform/qt/services/registry.h"
 
 #include <map>
@@ -32,13 +32,13 @@ struct Registry {
     UINT_PTR last = 0;
 };
 
-// Never destroyed: CloseRegistry is its end.
+// Never destroyed; CloseRegistry closes the store.
 Registry& TheRegistry() {
     static Registry* registry = new Registry;
     return *registry;
 }
 
-// The file compares ASCII letters without case; all other letters are held in upper case.
+// The file compares only ASCII letters without case, so all other letters are stored in upper case.
 std::string StoredName(std::u16string name) {
     for (char16_t& unit : name)
         if (unit > 0x7F) unit = UpperUnit(unit);
@@ -59,7 +59,7 @@ LONG FindKey(Registry& registry, HKEY key, DWORD access, std::string* path) {
     return ERROR_SUCCESS;
 }
 
-// Goes one name down; false at the end of the text.
+// Takes the next name of the path; false at its end.
 bool TakeName(LPCWSTR* sub_key, std::u16string* name) {
     name->clear();
     while (**sub_key == u'\\') ++*sub_key;
@@ -73,7 +73,7 @@ HKEY AddKey(Registry& registry, const std::string& path, DWORD access) {
     return key;
 }
 
-// With `created`, keys that are missing on the way are made.
+// If `created` is given, creates the keys that are missing on the way.
 LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool* created) {
     if (!sub_key) sub_key = u"";
     if (*sub_key == u'\\') return kErrorBadPathname;
@@ -98,7 +98,7 @@ LONG ValueName(LPCWSTR name, std::string* stored) {
     return ERROR_SUCCESS;
 }
 
-// What every call on a value begins with.
+// The checks that every call on a value starts with.
 LONG FindPlace(Registry& registry, HKEY key, DWORD access, LPCWSTR name, std::string* path,
                std::string* value_name) {
     const LONG error = FindKey(registry, key, access, path);
@@ -181,7 +181,6 @@ LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
     return ErrorOf(registry.store.Delete(path, value_name));
 }
 
-// Each value set is committed by itself: nothing waits for the flush.
 void ConnectThisRun(const RunTarget& target) {
     HKEY key;
     if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, kSettingsKeyName, 0, nullptr, REG_OPTION_NON_VOLATILE,
@@ -190,6 +189,7 @@ void ConnectThisRun(const RunTarget& target) {
     SetRunTarget(target);
 }
 
+// Each value is committed when it is set, so there is nothing to flush.
 LONG RegFlushKey(HKEY key) {
     Registry& registry = TheRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The registry's file: ROOT/registry.db, a SQLite database of one table (key, name, type, data),
-// mode 0600, in WAL mode, so that a process killed at any moment leaves each value old or new.
-// A row without a name says that its key exists. A file that cannot be read as that table is
-// renamed to registry.db.damaged (then .damaged-2, ...), and a fresh one is begun. Several
-// processes may share a root.
+// The registry's file: ROOT/registry.db, an SQLite database with one table (key, name, type, data)
+// and mode 0600. It is in WAL mode, so a process that is killed at any moment leaves each value
+// either old or new. A row without a name means that its key exists. If the file cannot be read as
+// that table, it is renamed to registry.db.damaged (then .damaged-2, ...), and a new one is
+// created. Several processes may share a root.
 #ifndef QUILL_PLATFORM_QT_SERVICES_REGISTRY_H
 #define QUILL_PLATFORM_QT_SERVICES_REGISTRY_H
 
@@ -13,8 +13,8 @@
 #include <functional>
 #include <string>
 
-// Writes everything into the one file and closes it; the next call opens it again. Keys that are
-// open stay open.
+// Writes everything into the one file and closes it; the next call opens it again. Open keys stay
+// open.
 void CloseRegistry();
 
 struct sqlite3;
@@ -23,7 +23,7 @@ struct sqlite3_stmt;
 enum class StoreResult {
     kOk,
     kNotFound,
-    kFailed,  // no folder, no right to it, no room, or another process does not let go of it
+    kFailed,  // no folder, no permission, no room, or another process keeps it locked
 };
 
 struct StoredValue {
@@ -31,7 +31,7 @@ struct StoredValue {
     std::string data;
 };
 
-// Not for two threads at once. Keys and names are compared without the case of ASCII letters.
+// Not thread-safe. Keys and names are compared without the case of ASCII letters.
 class RegistryStore {
   public:
     StoreResult HasKey(const std::string& key);
@@ -50,7 +50,7 @@ class RegistryStore {
     int RunOnce(Statement which, const std::string& key, const std::string* name,
                 const StoredValue* value, const std::function<void(sqlite3_stmt*)>& row);
     bool Ready();
-    bool IsOwnFile() const;  // the file open here is still the one that bears the name
+    bool IsOwnFile() const;  // the open file is still the one with this name
     bool Open(bool damaged);
     Opened OpenFile();
     Opened TakeFile();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The registry's file, which is one of SQLite's.
+// Keeps the registry in its SQLite file.
 #include "platform/qt/services/registry.h"
 
 #include <fcntl.h>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kBusyMilliseconds = 3000;
 
-// Held against the file's own text, letter by letter.
+// Compared with the schema in the file, letter by letter.
 const char kSchema[] =
     "CREATE TABLE registry ("
     "key TEXT NOT NULL COLLATE NOCASE CHECK (typeof(key) = 'text'), "
@@ -41,7 +41,7 @@ bool IsDamage(int result) {
     return code == SQLITE_CORRUPT || code == SQLITE_NOTADB || code == SQLITE_FORMAT;
 }
 
-// One process at a time opens the file or sets it aside. The lock is on the folder itself and ends
+// Only one process at a time opens the file or sets it aside. The lock is on the folder and ends
 // with the process.
 class FolderLock {
   public:
@@ -77,8 +77,8 @@ std::string FreeDamagedName(const std::string& path) {
     return name;
 }
 
-// The log goes along, by the name under which SQLite finds it; the log's index is only a cache.
-// The database itself goes last: ended in between, the next start does it again.
+// The log moves first, to the name where SQLite finds it; the log's index is only a cache. The
+// database moves last: if the process ends in between, the next start repeats the move.
 bool SetAside(const std::string& path) {
     const std::string name = FreeDamagedName(path);
     rename((path + "-wal").c_str(), (name + "-wal").c_str());
@@ -87,7 +87,7 @@ bool SetAside(const std::string& path) {
     return rename(path.c_str(), name.c_str()) == 0;
 }
 
-// Versions that SQLite would open for reading only, or a log without its database.
+// False for versions that SQLite would open for reading only, and for a log without its database.
 bool HasSoundHeader(int file, const struct stat& status, const std::string& path) {
     unsigned char header[100] = {};
     if (status.st_size == 0) {
@@ -102,7 +102,7 @@ int Execute(sqlite3* database, const char* text) {
     return sqlite3_exec(database, text, nullptr, nullptr, nullptr);
 }
 
-// The first column of the first row.
+// Reads the first column of the first row.
 int QueryText(sqlite3* database, const char* query, std::string* text) {
     sqlite3_stmt* statement = nullptr;
     int result = sqlite3_prepare_v2(database, query, -1, &statement, nullptr);
@@ -125,12 +125,13 @@ void BindText(sqlite3_stmt* statement, int place, const std::string& text) {
 
 RegistryStore::Opened RegistryStore::Classify(int result) const {
     if (result == SQLITE_OK) return Opened::kSound;
-    // An error of the language comes from a file of another make: no such table, another format.
+    // SQLITE_ERROR means that another program made the file: the table is missing, or the format
+    // differs.
     return IsDamage(result) || (result & 0xFF) == SQLITE_ERROR ? Opened::kDamaged : Opened::kFailed;
 }
 
-// The file exists afterwards, for nobody else to read. It must not be open in SQLite here: closing
-// any descriptor of it would end SQLite's locks.
+// Afterwards the file exists, and only its owner can read it. SQLite must not have it open in this
+// process: closing any descriptor of it would release SQLite's locks.
 RegistryStore::Opened RegistryStore::TakeFile() {
     const int file = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
     if (file < 0) return errno == EISDIR || errno == ENXIO ? Opened::kDamaged : Opened::kFailed;
@@ -147,7 +148,7 @@ RegistryStore::Opened RegistryStore::TakeFile() {
     return opened;
 }
 
-// Reads only: a file of another make must stay as it is.
+// Only reads, because a file of another program must not change.
 RegistryStore::Opened RegistryStore::CheckContent(bool* empty) {
     std::string schema, check;
     int result = QueryText(database_,
@@ -184,7 +185,8 @@ RegistryStore::Opened RegistryStore::OpenFile() {
     bool empty = false;
     const Opened content = CheckContent(&empty);
     if (content != Opened::kSound) return content;
-    // NORMAL: a killed process loses nothing. A power cut may lose the last values, never the file.
+    // NORMAL: a killed process loses nothing. A power cut may lose the last values, but never
+    // damages the file.
     int result = Execute(database_, "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;");
     if (result == SQLITE_OK && empty) result = Execute(database_, kSchema);
     return result == SQLITE_OK ? Prepare() : Classify(result);
@@ -194,7 +196,7 @@ bool RegistryStore::Open(bool damaged) {
     path_ = DeviceRoot() + "/registry.db";
     const FolderLock lock(DeviceRoot());
     if (!lock.held()) return false;
-    // Another process may have set it aside already.
+    // Another process may already have set the file aside.
     if (damaged && IsOwnFile() && !SetAside(path_)) return false;
     for (int attempt = 0; attempt < 2; attempt++) {
         const Opened opened = OpenFile();
@@ -238,7 +240,7 @@ int RegistryStore::RunOnce(Statement which, const std::string& key, const std::s
     if (name) BindText(statement, 2, *name);
     if (value) {
         sqlite3_bind_int64(statement, 3, value->type);
-        // Never null, which would bind NULL.
+        // data() is never null, or SQLite would bind NULL.
         sqlite3_bind_blob64(statement, 4, value->data.data(), value->data.size(), SQLITE_STATIC);
     }
     int result = sqlite3_step(statement);
@@ -276,7 +278,7 @@ StoreResult RegistryStore::HasKey(const std::string& key) {
 
 StoreResult RegistryStore::MakeKey(const std::string& key, bool* created) {
     *created = false;
-    const StoreResult has = HasKey(key);  // most often a reading is enough
+    const StoreResult has = HasKey(key);  // usually a read is enough
     if (has != StoreResult::kNotFound) return has;
     const StoreResult result = Changed(Run(kMakeKey, key, nullptr, nullptr, nullptr));
     *created = result == StoreResult::kOk && sqlite3_changes(database_) > 0;

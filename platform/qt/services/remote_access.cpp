@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Remote access: the system's dial-up peers are the entries; what its log says of a dial.
+// Remote access: the entries are the system's dial-up peers; the states of a dial are read from its
+// log.
 #include "platform/qt/services/remote_access.h"
 
 #include <dirent.h>
@@ -22,7 +23,7 @@ struct StateRow {
     DWORD state;
 };
 
-// In the order of a dial.
+// In the order in which a dial reaches them.
 // clang-format off
 const StateRow kStates[] = {
     {"Serial port initialized",            RASCS_PortOpened},
@@ -42,7 +43,7 @@ struct ScriptRow {
     DWORD error;
 };
 
-// What the modem answered; chat tells the word that its script gave up on.
+// The modem's answers: chat logs the word that made its script fail.
 const ScriptRow kScriptFailures[] = {
     {"Failed (BUSY",         676},
     {"Failed (NO ANSWER",    678},
@@ -64,7 +65,7 @@ const ExitRow kExits[] = {
     {2,  625},  // options: the entry is damaged
     {3,  5},    // not installed with root's rights
     {4,  608},  // the kernel has no PPP
-    {5,  kDisconnected},  // a signal of someone else's
+    {5,  kDisconnected},  // a signal from elsewhere
     {6,  633},  // the port is in use
     {7,  618},  // the port cannot be opened
     {8,  651},  // the modem's script failed
@@ -99,7 +100,7 @@ void DialLog::TakeLine(std::vector<DWORD>* reached) {
         if (Begins(line_, row.begins)) script_error_ = row.error;
     for (size_t i = next_row_; i < std::size(kStates); i++) {
         if (!Begins(line_, kStates[i].begins)) continue;
-        // Two rows may stand for one state.
+        // Several rows may report the same state.
         if (i == 0 || next_row_ == 0 || kStates[next_row_ - 1].state != kStates[i].state)
             reached->push_back(kStates[i].state);
         connected_ = kStates[i].state == RASCS_Connected;
@@ -125,7 +126,7 @@ bool EndsWith(const std::string& name, const char* end) {
     return name.size() >= length && name.compare(name.size() - length, length, end) == 0;
 }
 
-// Hidden files, and what editors and the package manager leave beside a file.
+// True for hidden files and for copies that editors and the package manager leave beside a file.
 bool IsBackup(const std::string& name) {
     for (const char* end : {"~", ".bak", ".old", ".orig", ".save", ".swp"})
         if (EndsWith(name, end)) return true;
@@ -147,7 +148,7 @@ std::vector<std::u16string> DialUpNames() {
         const std::string file = row->d_name;
         const std::u16string name = WideFromUtf8(file);
         if (IsBackup(file) || name.size() > RAS_MaxEntryName) continue;
-        if (Utf8FromWide(name) != file) continue;  // the program would be told another name
+        if (Utf8FromWide(name) != file) continue;  // the program would get another name
         if (IsPlainFile(folder + "/" + file)) names.push_back(name);
     }
     closedir(listing);
@@ -155,7 +156,7 @@ std::vector<std::u16string> DialUpNames() {
     return names;
 }
 
-// Peers outlast the program that would dial them, when its package is removed.
+// The peers stay when the package of the program that dials them is removed.
 bool CanDial() { return access(TheDialUpHost().program, F_OK) == 0; }
 
 void FillEntry(RASENTRYNAMEW* entry, const std::u16string& name) {
@@ -179,7 +180,7 @@ DWORD RasEnumEntries(LPWSTR, LPWSTR, RASENTRYNAMEW* entries, DWORD* size, DWORD*
     return fitting < names.size() ? ERROR_BUFFER_TOO_SMALL : ERROR_SUCCESS;
 }
 
-// Only a name that the folder lists is an entry, so that no name leads out of the folder.
+// Accepts only names that the folder lists, so no name leads out of the folder.
 DWORD RasGetEntryDialParams(LPCWSTR, RASDIALPARAMSW* parameters, BOOL* has_password) {
     if (!parameters || !has_password) return ERROR_INVALID_PARAMETER;
     if (parameters->dwSize != sizeof(*parameters)) return kErrorInvalidSize;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The compiled resources: the entries of a .res file image, and a reader for each kind of them.
+// The compiled resources: finds an entry in a .res file image and reads each kind of entry.
 #include "platform/qt/services/resources.h"
 
 #include <cstdlib>
@@ -89,7 +89,7 @@ ResourceName TakeResourceName(ResourceReader* reader) {
     return name;
 }
 
-// Tables that were loaded live as long as the image.
+// The loaded tables live as long as the image.
 static void FreeAcceleratorTables();
 
 void SetResourceImage(const uint8_t* image, size_t size) {
@@ -116,10 +116,10 @@ namespace {
 
 constexpr WORD kLastRow = 0x80;
 
-// By where they lie in the image, so that a table loaded twice is the same one.
+// By their address in the image, so that loading a table twice returns the same one.
 std::map<const uint8_t*, std::unique_ptr<SliceAccelerators>> g_tables;
 
-// Rows of four words: flags, key, command, padding; the last one says so.
+// A row has four words: flags, key, command, padding. A flag marks the last row.
 std::unique_ptr<SliceAccelerators> ReadTable(ResourceReader reader) {
     auto table = std::make_unique<SliceAccelerators>();
     for (;;) {
@@ -149,15 +149,15 @@ HACCEL LoadAcceleratorsW(HINSTANCE, LPCWSTR name) {
 
 // ---------------------------------------------------------------- menus
 
-// A header of two words, then items of flags, id (not for submenus) and text, each submenu followed
-// by its own items; a flag marks the last item of each level.
+// A menu is a header of two words and then items. An item is flags, id (not for submenus) and text;
+// a submenu is followed by its own items. A flag marks the last item of each level.
 namespace {
 
 constexpr WORD kSubmenu = 0x10;
 constexpr WORD kLastItem = 0x80;
 constexpr int kDeepest = 4;  // levels
 
-// An empty result stands for a damaged menu.
+// Returns an empty list for a damaged menu.
 std::vector<MenuItem> ReadItems(ResourceReader* reader, int level) {
     std::vector<MenuItem> items;
     for (WORD flags = 0; !(flags & kLastItem);) {
@@ -181,13 +181,13 @@ std::vector<MenuItem> ReadMenu(WORD name) {
         return {};
     ResourceReader reader{bytes, size};
     reader.TakeWord();               // version
-    reader.Skip(reader.TakeWord());  // what the header has beyond these two words
+    reader.Skip(reader.TakeWord());  // skips the rest of the header
     return ReadItems(&reader, 1);
 }
 
 // ---------------------------------------------------------------- dialogs
 
-// Two layouts, told apart by the words that the newer one begins with.
+// A template has one of two layouts; the newer one begins with a version and a signature.
 namespace {
 
 constexpr WORD kExtendedVersion = 1;
@@ -208,7 +208,7 @@ bool IsExtended(ResourceReader reader) {
     return reader.TakeWord() == kExtendedSignature && version == kExtendedVersion;
 }
 
-// Size and face; the newer layout has weight, slant and character set between them.
+// Skips size and face. The newer layout has weight, slant and character set between them.
 void SkipFont(ResourceReader* reader, bool extended) {
     reader->Skip(extended ? 6 : 2);
     reader->TakeText();
@@ -266,16 +266,16 @@ namespace {
 
 constexpr DWORD kHeaderSize = 40;
 constexpr DWORD kUncompressed = 0;
-constexpr DWORD kMostHints = 256;  // colours that come with pixels that name none
+constexpr DWORD kMostHints = 256;  // palette entries at most for depths that do not use a palette
 
 struct Header {
     int width = 0;
-    int height = 0;  // negative: from the top
+    int height = 0;  // negative: rows start at the top
     WORD bits = 0;
-    DWORD colors = 0;  // in the palette that follows; 0: all that the bits can name
+    DWORD colors = 0;  // palette entries; 0: as many as the bits can address
 };
 
-// Bit depths, and what one pixel of a row is: an index into the palette, or the colour itself.
+// For each bit depth, how to read a pixel of a row: as an index into the palette, or as a colour.
 struct DepthRow {
     WORD bits;
     uint32_t (*pixel)(const uint8_t* row, int x, const std::vector<uint32_t>& palette);
@@ -347,7 +347,7 @@ bool TakePalette(ResourceReader* reader, const Header& header, std::vector<uint3
 
 size_t StrideOf(int width, WORD bits) { return (static_cast<size_t>(width) * bits + 31) / 32 * 4; }
 
-// The pixels of `bits` each that come next, named by the palette.
+// Reads the next pixels, each of `bits` bits, and looks them up in the palette.
 bool TakePixels(ResourceReader* reader, const Header& header, WORD bits,
                 const std::vector<uint32_t>& palette, Bitmap* bitmap) {
     const DepthRow* depth = DepthOf(bits);
@@ -380,7 +380,7 @@ bool ReadIcon(ResourceReader reader, Bitmap* bitmap) {
     std::vector<uint32_t> palette;
     if (!TakeHeader(&reader, &header) || !TakePalette(&reader, header, &palette)) return false;
     if (header.height < 2 || header.height % 2) return false;
-    header.height /= 2;  // it counts the mask in
+    header.height /= 2;  // it includes the mask
     Bitmap mask;
     if (!TakePixels(&reader, header, header.bits, palette, bitmap)) return false;
     if (!TakePixels(&reader, header, 1, {0xFF000000u, 0}, &mask)) return false;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The values of one run, over those of the store.
+// Values that hold for one run only, in front of the stored ones.
 #include "platform/qt/services/run_values.h"
 
 #include <strings.h>
@@ -19,10 +19,10 @@ constexpr DWORD kSshPort = 22;
 
 enum Rule {
     kTarget,      // always this run's
-    kUser,        // this run's where the command line names a user, or the host is another one
-    kOwn,         // this run's where the host is another one, at first as stored
-    kSecret,      // the same, but at first empty
-    kSecretFlag,  // the same, but at first 0
+    kUser,        // this run's if the command line names a user or the target is another one
+    kOwn,         // this run's if the target is another one; starts as stored
+    kSecret,      // the same, but starts empty
+    kSecretFlag,  // the same, but starts at 0
 };
 
 struct RuleRow {
@@ -39,7 +39,7 @@ const RuleRow kRules[] = {
 struct Run {
     bool wanted = false;
     bool begun = false;  // a value has been read
-    bool other = false;  // it goes elsewhere than the store says
+    bool other = false;  // the target differs from the stored one
     RunTarget target;
     std::map<std::string, StoredValue> values;
 };

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Settings that hold for one run: where the command line wants to connect. The program finds them
-// in the registry as if they were stored there; the store itself keeps the user's own.
+// Settings that hold for one run only: where the command line wants to connect. The program reads
+// them from the registry as if they were stored there; the store keeps the user's own values.
 //
-// What belongs to a host (its name, port and protocol, the user, passwords, the automatic login) is
-// this run's from the first time that the program reads one of these values: before, an import
-// writes into the store; afterwards what the program writes is kept in memory until the end.
-// Passwords of the stored host never go to another one: unless host, port, protocol and user are
-// those of the store, the run finds no password and no response of an automatic login.
+// The values that belong to a host (its name, port and protocol, the user, passwords, the automatic
+// login) belong to this run from the first time that the program reads one of them. Before that, an
+// import still writes to the store. After that, what the program writes is kept in memory until the
+// end. Passwords of the stored host never go to another one: unless host, port, protocol and user
+// are the stored ones, the run has no password and no response of an automatic login.
 #ifndef QUILL_PLATFORM_QT_RUN_VALUES_H
 #define QUILL_PLATFORM_QT_RUN_VALUES_H
 
@@ -19,19 +19,19 @@ enum class RunProtocol { kOfTheStore, kTelnet, kSsh };
 
 struct RunTarget {
     std::string host;  // ASCII, at most 39 characters
-    int port = 0;      // 1 to 65535; 0: the usual one of the protocol, 23 or 22
+    int port = 0;      // 1 to 65535; 0: the protocol's default, 23 or 22
     RunProtocol protocol = RunProtocol::kOfTheStore;
     std::string user;  // ASCII, at most 39 characters; empty: the stored one
 };
 
-// To be called before the program starts. Makes the settings' key where it is missing, without
-// which the program would look for no value. With the registry's calls.
+// Call it before the program starts. Makes the settings key if it is missing, because without it
+// the program looks for no value. Defined beside the registry's calls.
 void ConnectThisRun(const RunTarget& target);
 void ForgetRun();
 
-// For the registry's calls. What the run wants from now on.
+// For the registry's calls. Sets what the run wants from now on.
 void SetRunTarget(const RunTarget& target);
-// Whether the value is this run's. Only the settings' key has such.
+// True if the value is one of this run's. Only the settings key has such values.
 bool ReadRunValue(RegistryStore& store, const std::string& key, const std::string& name,
                   StoredValue* value);
 bool KeepRunValue(const std::string& key, const std::string& name, const StoredValue& value);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Text: UTF-16 and UTF-8, case without a locale, code page 1252, the plain string calls, wsprintfW.
+// Text: UTF-16 and UTF-8, code page 1252, case without a locale, the plain string calls, wsprintfW.
 #include "platform/qt/services/services.h"
 
 #include <cstdarg>
@@ -75,7 +75,7 @@ namespace {
 
 constexpr UINT kCodePage1252 = 1252;
 
-// 0x80 to 0x9F; the five bytes that the code page leaves open stay what they are.
+// 0x80 to 0x9F. The five bytes that the code page does not define keep their value.
 // clang-format off
 const WCHAR kUpperControls[32] = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
@@ -101,7 +101,7 @@ bool ByteOf(WCHAR unit, char* byte) {
 
 bool IsAnsi(UINT code_page) { return code_page == CP_ACP || code_page == kCodePage1252; }
 
-// The units to convert; 0 where the call cannot be carried out.
+// Returns the number of units to convert; 0 if the call must fail.
 size_t UnitsGiven(int size, size_t terminated_length) {
     if (size == -1) return terminated_length + 1;
     return size > 0 ? static_cast<size_t>(size) : 0;
@@ -187,7 +187,7 @@ struct Conversion {
     bool prefix = false;  // '#'
     int width = 0;
     int precision = -1;
-    WCHAR size = 0;  // 'h', 'l' or none
+    WCHAR size = 0;  // 'h', 'l' or 0
     WCHAR letter = 0;
 };
 
@@ -231,7 +231,7 @@ void PutPadded(Output* output, const Conversion& conversion, LPCWSTR units, int 
     if (conversion.left) output->Repeat(u' ', padding);
 }
 
-// `digits` holds the number without sign; zeros stand between the sign and it.
+// `digits` holds the number without its sign; zeros go between the sign and the digits.
 void PutNumber(Output* output, const Conversion& conversion, LPCWSTR sign, LPCWSTR digits) {
     const int count = lstrlenW(digits), before = lstrlenW(sign);
     int zeros = conversion.precision - count;
@@ -246,7 +246,7 @@ void PutNumber(Output* output, const Conversion& conversion, LPCWSTR sign, LPCWS
     if (conversion.left) output->Repeat(u' ', padding);
 }
 
-// The digits of `value`, most significant first, within `room`.
+// Writes the digits of `value` to the end of `room`, most significant first; returns their start.
 LPCWSTR Digits(DWORD value, DWORD base, bool upper, WCHAR (&room)[12]) {
     LPWSTR first = room + 11;
     *first = 0;
@@ -322,7 +322,7 @@ const ConversionRow kConversions[] = {
     {u'X', PutHexadecimal}, {u'c', PutCharacter}, {u's', PutText},     {u'S', PutText},
 };
 
-// What is no conversion, %% among it, stands for its letter.
+// A letter that is not a conversion, such as the second one of %%, is copied as it is.
 void Put(Output* output, const Conversion& conversion, va_list* arguments) {
     for (const ConversionRow& row : kConversions)
         if (row.letter == conversion.letter) return row.put(output, conversion, arguments);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// WinSock 1.1 over the host's sockets, and host addresses: by name and in dots.
+// WinSock 1.1 on top of the host's sockets; looks up hosts by name and parses dotted addresses.
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
@@ -36,13 +36,12 @@ SocketTable& Table() {
 
 thread_local int t_last_error = 0;
 
-// Sets the thread's last error.
 int FailWith(int winsock_error) {
     t_last_error = winsock_error;
     return SOCKET_ERROR;
 }
 
-// False, with the thread's error 10093, before WSAStartup.
+// Before WSAStartup, sets the thread's error 10093 and returns false.
 bool WinsockStarted() {
     SocketTable& table = Table();
     const std::lock_guard<std::mutex> lock(table.mutex);
@@ -52,7 +51,8 @@ bool WinsockStarted() {
 
 int FailFor(int negative_errno) { return FailWith(WinsockError(-negative_errno)); }
 
-// Null with the error set: 10093 before the start, 10038 for what is no open socket.
+// Returns null and sets the error: 10093 before WSAStartup, 10038 if the number is not an open
+// socket.
 SocketPointer FindSocket(SOCKET number) {
     if (!WinsockStarted()) return nullptr;
     SocketTable& table = Table();
@@ -81,7 +81,7 @@ SocketPointer TakeSocket(SOCKET number) {
     return taken;
 }
 
-// One wait a socket, whichever of the three sets it is in.
+// One wait per socket, whichever of the three sets it is in.
 using Waits = std::map<SOCKET, SocketWait>;
 
 bool AddSet(const SliceSocketSet* set, bool SocketWait::*want, Waits* waits) {
@@ -94,7 +94,7 @@ bool AddSet(const SliceSocketSet* set, bool SocketWait::*want, Waits* waits) {
     return true;
 }
 
-// Leaves the sockets in the set that are ready.
+// Removes the sockets that are not ready from the set.
 int KeepReady(SliceSocketSet* set, bool SocketWait::*ready, const Waits& waits) {
     UINT kept = 0;
     for (UINT i = 0; set && i < set->fd_count; i++) {
@@ -137,7 +137,7 @@ bool IsTcp(int family, int type, int protocol) {
     return family == AF_INET && type == SOCK_STREAM && (protocol == 0 || protocol == kProtocolTcp);
 }
 
-// What sending and receiving begin with.
+// The checks that sending and receiving start with.
 SocketPointer FindForTransfer(SOCKET number, const void* bytes, int size, int flags) {
     const SocketPointer found = FindSocket(number);
     if (!found) return nullptr;
@@ -150,7 +150,7 @@ int CountOrFail(int result) { return result < 0 ? FailFor(result) : result; }
 
 }  // namespace
 
-// The result is the error itself. 1.1 is spoken with everyone who can.
+// Returns the error itself. Agrees on version 1.1 with every caller that supports it.
 int SliceStartup(WORD version, WSADATA* data) {
     if (!data) return kWsaEFault;
     if (const int error = ErrorOf(NetworkCall::kStartup)) return error;
@@ -266,7 +266,7 @@ namespace {
 
 constexpr size_t kLongestName = 255;
 
-// The answer of a thread's last lookup; HOSTENT points into it.
+// The result of a thread's last lookup; HOSTENT points into it.
 struct HostAnswer {
     std::string name;
     std::vector<uint32_t> addresses;
@@ -300,7 +300,7 @@ int DigitOf(char letter) {
     return 16;
 }
 
-// 0x begins a hexadecimal number, 0 an octal one.
+// 0x starts a hexadecimal number, 0 an octal one.
 bool TakePart(const char** text, uint64_t* value) {
     int base = 10;
     if (**text == '0' && ((*text)[1] == 'x' || (*text)[1] == 'X')) {
@@ -333,7 +333,7 @@ HOSTENT* SliceHostByName(const char* name) {
     return Answer(std::move(official), std::move(addresses));
 }
 
-// One to four parts; the last one fills all bytes that are left.
+// Reads one to four parts; the last one fills all remaining bytes.
 uint32_t SliceDottedAddress(const char* text) {
     uint64_t address = 0, part = 0;
     int parts = 0;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The command bar: a row of flat buttons at the top of a window, each with a picture and a tool
-// tip. A button is a desktop button, so that finger, mouse and screen reader find it; it never
-// takes the keyboard from the window. The pictures come out of the resources, in the desktop's
-// colours.
+// tip. The buttons are the desktop's, so finger, mouse and screen reader can use them; they never
+// take the focus from the window. The pictures come from the resources and are shown in the
+// desktop's colours.
 #include <map>
 #include <QImage>
 #include <QPixmap>
@@ -16,16 +16,16 @@
 namespace {
 
 constexpr int kBarPicture = 16;       // pixels of a picture's sides
-constexpr int kTwiceAsLarge = 10000;  // from a bitmap's number to that of the larger one
+constexpr int kTwiceAsLarge = 10000;  // added to a bitmap's number: the larger version
 constexpr int kTwice = 2;
 
-// Pictures are drawn in the device's colours; these stand for the desktop's.
+// Pictures are drawn in the device's colours; each of these is replaced by one of the desktop's.
 struct SystemColor {
     uint32_t drawn;  // 0x00RRGGBB
     QPalette::ColorRole role;
 };
 
-constexpr uint32_t kFace = 0xC0C0C0;  // the bar itself: seen through
+constexpr uint32_t kFace = 0xC0C0C0;  // the bar itself: becomes transparent
 
 const SystemColor kSystemColors[] = {
     {0x000000, QPalette::ButtonText},
@@ -34,7 +34,7 @@ const SystemColor kSystemColors[] = {
 };
 
 struct Pictures {
-    QPalette palette;  // that they were made with
+    QPalette palette;  // the colours that they were made with
     std::vector<QIcon> icons;
 };
 
@@ -62,7 +62,8 @@ QImage Translated(const Bitmap& bitmap, const QPalette& palette) {
     return image;
 }
 
-// The strip's bitmap, or none where it is missing, damaged or too small for `count` pictures.
+// Returns the strip's picture; a null image if it is missing, damaged or too small for `count`
+// pictures.
 QImage LoadStrip(int id, int count, int side, const QPalette& palette) {
     const uint8_t* bytes = nullptr;
     size_t length = 0;
@@ -94,9 +95,9 @@ std::vector<QIcon> MakePictures(int id, int count, const QPalette& palette) {
     return icons;
 }
 
-// The first `count` pictures of that bitmap in the palette's colours, each also twice as large
-// where there is a bitmap for it; empty when the bitmap is missing, damaged or too small. They are
-// made once: the toolkit keeps something of every picture that it has drawn.
+// Returns the first `count` pictures of that bitmap in the palette's colours, each also at twice
+// the size if there is a bitmap for it. Empty if the bitmap is missing, damaged or too small. The
+// pictures are made only once, because the toolkit keeps data of every picture that it has drawn.
 const std::vector<QIcon>& BarPictures(int id, int count, const QPalette& palette) {
     Pictures& known = g_pictures[id];
     if (known.icons.size() != static_cast<size_t>(count) || !SameColors(known.palette, palette))
@@ -124,7 +125,7 @@ CommandBar* FindBar(HWND bar) {
     return found == g_bars.end() ? nullptr : &found->second;
 }
 
-// The command waits its turn behind the keys typed before.
+// The command is queued, so it comes after the keys that were typed before.
 void QueueCommand(HWND bar, int id) {
     const Window* window = FindWindowRecord(bar);
     if (window)

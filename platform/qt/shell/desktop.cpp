@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What the device has of the desktop: its clipboard, with text alone, and its viewer. The one
-// program that can be started is the help viewer, which is the desktop's own on the page that this
-// program carries.
+// What the device uses of the desktop: its clipboard, for text only, and its viewer. The help
+// viewer is the only program that can be started: it is the desktop's viewer with the help page
+// that this program contains.
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QDir>
@@ -16,7 +16,7 @@
 namespace {
 
 bool g_open = false;
-HLOCAL g_lent = nullptr;  // what GetClipboardData gave out
+HLOCAL g_lent = nullptr;  // the block that GetClipboardData returned
 
 void TakeBack() {
     if (g_lent) LocalFree(g_lent);
@@ -76,7 +76,7 @@ HANDLE SetClipboardData(UINT format, HANDLE block) {
     return block;
 }
 
-// A list of files is text for the toolkit too, but not for the program.
+// The toolkit offers a list of files as text too, but the program must not get it.
 HANDLE GetClipboardData(UINT format) {
     if (!g_open || format != CF_UNICODETEXT) return nullptr;
     TakeBack();
@@ -101,7 +101,7 @@ QString PageInRoot() {
     return WritePage(file) ? file.fileName() : QString();
 }
 
-// Of a name that nobody can take first, as others may write in that folder too.
+// The file gets a name that nobody can take first, because others may write in that folder too.
 QString TemporaryPage() {
     QTemporaryFile file(QDir::tempPath() + "/quill-XXXXXX-telnet.htm");
     if (!file.open() || !WritePage(file)) return {};
@@ -109,8 +109,8 @@ QString TemporaryPage() {
     return file.fileName();
 }
 
-// A viewer needs a file that outlives this program. It lies in the device's root folder or, where
-// nobody can write there, among the temporary files.
+// The viewer needs a file that outlives this program. The file is in the device's root folder or,
+// if that cannot be written, among the temporary files.
 bool ShowHelp(LPCWSTR page) {
     if (!page || CompareWithoutCase(page, u"telnet.htm") != 0) return false;
     QString path = PageInRoot();

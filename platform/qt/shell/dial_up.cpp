@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Dialling: the system's pppd calls the entry, in the foreground, as a program of ours. A thread a
-// dial starts it, reads its log, tells the window the states, and ends it. Hanging up waits for
-// that end while it takes no longer than usual; beyond that, the next dial's thread waits for it
-// before it starts another one at the same modem.
+// Dials an entry: runs the system's pppd in the foreground as a child process. Each dial has a
+// thread that starts pppd, reads its log, posts the states to the window, and ends it. A hang-up
+// waits for that end for the usual time. If pppd takes longer, the thread of the next dial waits
+// for it before it starts another one on the same modem.
 
 #include <fcntl.h>
 #include <poll.h>
@@ -31,7 +31,7 @@ namespace {
 constexpr DWORD kErrorUnknown = 635;
 constexpr DWORD kNotifyWindow = 0xFFFFFFFF;
 constexpr int kPollMilliseconds = 50;
-constexpr DWORD kKilledMilliseconds = 2000;  // until a program ended by force is given up
+constexpr DWORD kKilledMilliseconds = 2000;  // until a killed program is given up
 
 struct DialUp {
     ~DialUp() {
@@ -45,23 +45,23 @@ struct DialUp {
     DWORD patience = 0;  // milliseconds
 
     std::atomic<bool> hang_up{false};
-    bool told_end = false;             // under g_telling: the last of its states is told
+    bool told_end = false;             // guarded by g_telling: the last state has been posted
     std::atomic<bool> calling{false};  // its program runs, or is about to
-    std::atomic<bool> ended{false};    // its thread needs nothing more
-    pid_t process = 0;                 // of the thread, as the log is
+    std::atomic<bool> ended{false};    // its thread has finished its work
+    pid_t process = 0;                 // used only by the thread, like `log`
     int log = -1;
     std::thread thread;
 };
 
 std::map<HRASCONN, std::unique_ptr<DialUp>> g_dials;
-std::vector<std::unique_ptr<DialUp>> g_leaving;  // hung up
+std::vector<std::unique_ptr<DialUp>> g_leaving;  // dials that were hung up
 UINT_PTR g_next_dial = 0x10;
-std::mutex g_line;     // held by the dial that has the modem
-std::mutex g_telling;  // held to tell a state, or that no more are told
+std::mutex g_line;     // held by the dial that uses the modem
+std::mutex g_telling;  // held to post a state, or to mark that no more follow
 
 bool IsEnd(DWORD state) { return state == RASCS_Connected || state == RASCS_Disconnected; }
 
-// Nothing is told of a dial that was hung up.
+// A dial that was hung up posts no more states.
 void Notify(DialUp& dial, DWORD state, DWORD error) {
     const std::lock_guard<std::mutex> lock(g_telling);
     if (dial.hang_up) return;
@@ -69,8 +69,9 @@ void Notify(DialUp& dial, DWORD state, DWORD error) {
     dial.told_end = IsEnd(state);
 }
 
-// The window hears the same in any moment of the dial: that it has ended, and of no failure. An
-// end on its way to the window is not the one that the user wanted.
+// Posts the end of the dial, without an error, unless the window has already got a last state. A
+// last state that is still in the queue is dropped, because it is not the end that the user asked
+// for.
 void TellHangUp(DialUp& dial) {
     const std::lock_guard<std::mutex> lock(g_telling);
     dial.hang_up = true;
@@ -82,7 +83,8 @@ void TellHangUp(DialUp& dial) {
 
 // ---------------------------------------------------------------- the thread
 
-// False at the log's end, which need not be the program's: what it started may hold the log open.
+// Returns false at the end of the log. That may not be the end of the program's processes: what it
+// started may hold the log open.
 bool ReadLog(DialUp& dial, DialLog* log) {
     char bytes[1024];
     const ssize_t count = read(dial.log, bytes, sizeof(bytes));
@@ -100,14 +102,14 @@ void WaitForLog(DialUp& dial, DialLog* log) {
     dial.log = -1;
 }
 
-// What had been written before the program ended, at most a pipe's content.
+// Reads what the program wrote before it ended, at most the content of a pipe.
 void ReadRest(DialUp& dial, DialLog* log) {
     pollfd wait = {dial.log, POLLIN, 0};
     for (int i = 0; i < 64 && poll(&wait, 1, 0) > 0; i++)
         if (!ReadLog(dial, log)) return;
 }
 
-// Asks the program to end, once, and ends it by force when its time is over. False: given up.
+// Asks the program to end, once, and kills it when its time is over. False: it is given up.
 class Ending {
   public:
     bool Press(const DialUp& dial) {
@@ -131,14 +133,14 @@ class Ending {
     DWORD since_ = 0;
 };
 
-// The exit code; -1: a signal ended it. `running` while it does.
+// Returns the exit code; -1: a signal ended it. Sets `running` while it runs.
 int LookAtProcess(const DialUp& dial, bool* running) {
     int status = 0;
     *running = waitpid(dial.process, &status, WNOHANG) == 0;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// The name is an argument of its own: no shell sees it.
+// The name is a separate argument, so no shell interprets it.
 int Spawn(const DialUp& dial, int log, pid_t* process) {
     std::string words[] = {dial.program, "call", dial.entry, "nodetach"};
     char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(),
@@ -193,7 +195,7 @@ void ReadUntilTheEnd(DialUp& dial) {
 }
 
 void Call(DialUp& dial) {
-    if (dial.hang_up) return;  // while it waited for the line
+    if (dial.hang_up) return;  // hung up while it waited for the line
     dial.calling = true;
     const DWORD error = StartProgram(&dial);
     if (error == ERROR_SUCCESS) {
@@ -214,7 +216,7 @@ void ServeDial(DialUp& dial) {
 
 // ---------------------------------------------------------------- start and end
 
-// What the program's start would fail with, as far as that can be said beforehand.
+// Returns the error with which the program's start would fail, as far as that is known beforehand.
 DWORD LookAtProgram(const DialUp& dial) {
     return access(dial.program.c_str(), X_OK) == 0 ? DWORD{ERROR_SUCCESS} : RasError(errno);
 }
@@ -228,7 +230,7 @@ DWORD StartThread(DialUp* dial) {
     return ERROR_SUCCESS;
 }
 
-// A modem usually hangs up within this time; the window does not stand still for longer.
+// A modem usually hangs up within this time; the window must not block for longer.
 void AwaitUsualEnd(const DialUp& dial) {
     const DWORD since = GetTickCount();
     while (dial.calling && GetTickCount() - since < dial.patience / 4) Sleep(10);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The soft keyboard: 15 units wide, five rows, laid out as on an English keyboard. Shift, Ctl and
-// Fn hold for the next key, CAP until it is pressed again; with Fn the digits are the function
-// keys and the arrows Home, End and the page keys.
+// The soft keyboard: 15 units wide, with five rows, laid out like an English keyboard. Shift, Ctl
+// and Fn stay on for the next key, CAP until it is pressed again. With Fn, the digits become the
+// function keys, and the arrows become Home, End and the page keys.
 #include "platform/qt/shell/input_panel.h"
 
 #include <QCoreApplication>
@@ -14,10 +14,10 @@
 struct PanelKeyRow {
     int row;              // from the top
     double width;         // in units
-    int key;              // Qt's key without Shift
-    const char* plain;    // what it types, or its label when it types nothing
-    const char* shifted;  // the same with Shift; null: as without
-    int fn_key;           // the key with Fn; 0: as without
+    int key;              // Qt's key code without Shift
+    const char* plain;    // what it types, or its label if it types nothing
+    const char* shifted;  // the same with Shift; null: no difference
+    int fn_key;           // the key code with Fn; 0: no difference
     const char* fn_label;
 };
 
@@ -115,7 +115,7 @@ QString ControlCharacter(const PanelKeyRow& row) {
     return row.key == Qt::Key_Space ? QString(QChar(0)) : QString();
 }
 
-// Control characters are those of X11's keyboard driver.
+// Control characters are the same as those of X11's keyboard driver.
 QString TextOf(const PanelKeyRow& row, bool shifted, bool control) {
     if (row.key == Qt::Key_Backspace) return "\b";
     if (row.key == Qt::Key_Tab) return "\t";
@@ -128,7 +128,7 @@ QString TextOf(const PanelKeyRow& row, bool shifted, bool control) {
 
 QPointer<InputPanel> g_panel;
 
-// Not every desktop leaves the focus with the dialog when the panel is tapped.
+// Not every desktop keeps the focus in the dialog when the panel is tapped.
 QWidget* Target() {
     QWidget* modal = QApplication::activeModalWidget();
     if (modal) return modal->focusWidget() ? modal->focusWidget() : modal;
@@ -157,7 +157,7 @@ void PanelKey::Show(const QString& label, bool lit) {
     update();
 }
 
-// Smaller letters for a label that would touch the key's edge.
+// Uses smaller letters if the label would touch the key's edge.
 QFont PanelKey::LabelFont() const {
     QFont font = this->font();
     const int room = width() - 2 * kLabelMargin;
@@ -194,7 +194,8 @@ void InputPanel::setVisible(bool visible) {
 void InputPanel::MakeKeys() {
     for (const PanelKeyRow& row : kPanelKeys) {
         auto* key = new PanelKey(this, row);
-        // A press counts, not a release: a stylus that slips off has still typed.
+        // A key types when it is pressed, not when it is released: a stylus that slips off has
+        // still typed.
         connect(key, &QAbstractButton::pressed, this, [this, key] { Press(key); });
         keys_.push_back(key);
     }
@@ -245,7 +246,7 @@ void InputPanel::Label() {
 
 void InputPanel::resizeEvent(QResizeEvent*) { PlaceKeys(); }
 
-// Each key ends where its row's next one begins, so no rounding leaves a gap.
+// Each key ends where the next one of its row begins, so rounding leaves no gap.
 void InputPanel::PlaceKeys() {
     double unit = 0;
     int row = 0;

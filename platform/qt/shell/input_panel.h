@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The input panel: a soft keyboard above the menu bar, for a device without keys. Its keys reach
-// the widget that has the focus as key events like those of a real keyboard.
+// The input panel: a soft keyboard above the menu bar, for a device without keys. Its keys send key
+// events, like those of a real keyboard, to the widget that has the focus.
 #ifndef QUILL_PLATFORM_QT_SHELL_INPUT_PANEL_H
 #define QUILL_PLATFORM_QT_SHELL_INPUT_PANEL_H
 
@@ -24,7 +24,7 @@ class PanelKey : public QAbstractButton {
     QFont LabelFont() const;
 
     const PanelKeyRow& key_;
-    bool lit_ = false;  // a latch that is on
+    bool lit_ = false;  // true for a latch that is on
 };
 
 class InputPanel : public QWidget {
@@ -32,7 +32,7 @@ class InputPanel : public QWidget {
   public:
     explicit InputPanel(QWidget* screen);
 
-    void LetGo();  // of a key that is held down
+    void LetGo();  // releases a key that is held down
     void setVisible(bool visible) override;
 
   protected:
@@ -43,15 +43,15 @@ class InputPanel : public QWidget {
     void MakeKeys();  // when it is first shown
     void PlaceKeys();
     void Press(PanelKey* key);
-    void Label();  // every key by the latches that are on
+    void Label();  // labels every key for the latches that are on
     bool Latched(int key) const;
     bool Shifted() const;
 
     std::vector<PanelKey*> keys_;
-    std::vector<int> latches_;  // keys that hold until the next one
+    std::vector<int> latches_;  // latch keys that are on, until the next key
     bool capitals_ = false;
 };
 
-InputPanel* ShellInputPanel();  // of the device's screen; null while that is not open
+InputPanel* ShellInputPanel();  // null while the device's screen is not open
 
 #endif

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The menu bar at the bottom of the device. Its menus open upward; the desktop's own menus do the
-// work, so that mouse, touch, Alt with a letter and the arrow keys reach every entry.
+// The menu bar at the bottom of the device. Its menus open upward. They are the toolkit's menus, so
+// mouse, touch, Alt with a letter and the arrow keys reach every entry.
 #include "platform/qt/shell/menu_bar.h"
 
 #include <QMenu>
@@ -18,8 +18,8 @@ constexpr int kPanelButtonWidth = 34;
 
 QPointer<MenuStrip> g_strip;
 
-// Some styles draw a line below a bar, a piece below each title and one below what is left, with
-// gaps between. Here the bar is the screen's last row: nothing is to be set apart.
+// Some styles draw a line below the bar: a piece below each title and a piece below the rest, with
+// gaps between them. This bar is the last row of the screen and needs no line below it.
 class PlainBarStyle : public QProxyStyle {
   public:
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
@@ -33,7 +33,7 @@ class PlainBarStyle : public QProxyStyle {
     }
 };
 
-// A small keyboard, drawn at whatever sharpness the screen has.
+// Draws a small keyboard for a screen with that pixel ratio.
 QIcon KeyboardIcon(const QColor& color, double sharpness) {
     QPixmap picture(QSize(22, 14) * sharpness);
     picture.setDevicePixelRatio(sharpness);
@@ -49,8 +49,8 @@ QIcon KeyboardIcon(const QColor& color, double sharpness) {
     return QIcon(picture);
 }
 
-// Filled while the menu is about to be shown for the first time would be too late for the arrow
-// keys: everything is there from the start.
+// Fills all menus at the start. A menu that is filled only when it is about to be shown for the
+// first time would miss the arrow keys.
 void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
     for (const MenuItem& item : items) {
         if (item.text.empty()) {
@@ -109,7 +109,8 @@ void MenuStrip::ShowMenus(HWND bar, HWND window, const std::vector<MenuItem>& me
     resizeEvent(nullptr);
 }
 
-// An open menu closes; it may be the one whose key or click is being handled.
+// Closes a menu that is open. It may be the one whose key or click is being handled, so it is
+// deleted later.
 void MenuStrip::RemoveMenus(HWND bar) {
     if (bar != owner_) return;
     for (QMenu* menu : bar_->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly)) {

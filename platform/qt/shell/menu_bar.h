@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The shell's strip at the bottom of the device: the program's menu bar and the input panel's
-// button.
+// The shell's strip at the bottom of the device: it holds the program's menu bar and the button of
+// the input panel.
 #ifndef QUILL_PLATFORM_QT_SHELL_MENU_BAR_H
 #define QUILL_PLATFORM_QT_SHELL_MENU_BAR_H
 
@@ -16,9 +16,9 @@ class MenuStrip : public QWidget {
   public:
     explicit MenuStrip(QWidget* screen);
 
-    // Takes the place of the menus before; the commands go to `window`.
+    // Replaces the menus that are shown. Their commands go to `window`.
     void ShowMenus(HWND bar, HWND window, const std::vector<MenuItem>& menus);
-    void RemoveMenus(HWND bar);  // does nothing when another bar's menus are shown
+    void RemoveMenus(HWND bar);  // does nothing if another bar's menus are shown
     QMenuBar* bar() const { return bar_; }
     QToolButton* panel_button() const { return panel_button_; }
 
@@ -31,7 +31,7 @@ class MenuStrip : public QWidget {
     HWND owner_ = nullptr;  // the menu bar window whose menus are shown
 };
 
-MenuStrip* ShellMenuStrip();  // of the device's screen; null while that is not open
-bool ActivateMenuBar();       // opens the first menu, as F10 does; false: there is none
+MenuStrip* ShellMenuStrip();  // null while the device's screen is not open
+bool ActivateMenuBar();       // opens the first menu, as F10 does; false: there is no menu
 
 #endif

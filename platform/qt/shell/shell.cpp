@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The shell: the foot of the device's screen, where the input panel is, and the visible part of the
-// screen.
+// The shell: puts the foot on the device's screen, and reports the input panel's place and the
+// visible part of the screen.
 #include "platform/qt/shell/shell.h"
 
 #include <QWindow>
@@ -65,11 +65,11 @@ void LendInputPanel(QWidget* dialog) {
     const QRect on_desktop(DeviceScreen()->mapToGlobal(place.topLeft()), place.size());
     const bool free = dialog && !dialog->geometry().intersects(on_desktop);
     if (!free && !panel->isWindow()) return;
-    panel->LetGo();  // its mouse button is let go elsewhere
+    panel->LetGo();  // the release of its mouse button goes elsewhere
     panel->setParent(DeviceScreen(), free ? kOwnWindow : Qt::Widget);
     panel->setAttribute(Qt::WA_ShowWithoutActivating);
     if (free) {
-        panel->winId();  // makes the window, which then follows the dialog
+        panel->winId();  // creates the native window, which then follows the dialog
         panel->windowHandle()->setTransientParent(dialog->windowHandle());
     }
     ArrangeScreen();

@@ -1,21 +1,22 @@
 // SPDX-License-Identifier: MIT
-// What the device's shell gives to a program: the foot of the screen, the input panel, the bars
-// that a program puts on its window, dialling.
+// The device's shell: the foot of the screen, the input panel, the bars that a program puts on its
+// window, and dialling.
 #ifndef QUILL_PLATFORM_QT_SHELL_SHELL_H
 #define QUILL_PLATFORM_QT_SHELL_SHELL_H
 
 #include "platform/qt/window/window.h"
 
-void FurnishShell();  // puts the menu strip and the input panel on the screen that was opened
+void FurnishShell();  // puts the menu strip and the input panel on the open screen
 void RegisterMenuBar();
 
-// Shows or hides the input panel, and tells the program's window by WM_SETTINGCHANGE.
+// Shows or hides the input panel, and sends WM_SETTINGCHANGE to the program's window.
 void ShowInputPanel(bool show);
 bool InputPanelShown();
-// A window under a dialog hears no mouse. While the panel is shown it therefore stands in a window
-// of its own before the dialog on top, unless that one lies over it; null: on the screen again.
+// While a dialog is open, the windows below it get no mouse events. So if the panel is shown, this
+// call moves it to a separate window in front of `dialog`, unless the dialog covers it; null moves
+// it back to the screen.
 void LendInputPanel(QWidget* dialog);
-// In the middle of the screen; what fits above the input panel stands there.
+// The middle of the screen, or of the part above the input panel if the size fits there.
 QRect CenteredPlace(QSize size);
 
 // command_bar.cpp
@@ -28,6 +29,6 @@ int StatusHeight();  // pixels
 void RegisterStatusWindow();
 
 // dial_up.cpp
-void EndDialUps();  // hangs up whatever the program has left
+void EndDialUps();  // hangs up all dials that the program has left
 
 #endif

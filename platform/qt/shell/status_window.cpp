@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The status window: a line of text at the foot of its parent.
+// The status window: a line of text at the bottom of its parent.
 #include <cmath>
 
 #include "platform/qt/shell/shell.h"
@@ -8,8 +8,8 @@
 
 namespace {
 
-// The status window keeps itself at the bottom of its parent, one line high. Its parent may be in
-// the middle of a paint that began when this place was its own.
+// Keeps the status window at the bottom of its parent, one line high. The parent may be in the
+// middle of a paint that began when that area was still its own.
 void PlaceStatus(Window& window) {
     const Window* parent = FindWindowRecord(window.parent);
     if (!parent) return;

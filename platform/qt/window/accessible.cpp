@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The windows that the program paints, for screen readers.
+// The screen readers' interfaces of the windows that the program paints.
 #include "platform/qt/window/accessible.h"
 
 #include <QAbstractButton>
@@ -20,9 +20,9 @@ struct Told {
     TextScreen screen;
     QElapsedTimer since;
     QPointer<QTimer> later;
-    QPointer<QWidget> widget;  // the window that `screen` is of
+    QPointer<QWidget> widget;  // the window that `screen` belongs to
 };
-std::unique_ptr<Told> g_told;  // null until something was told
+std::unique_ptr<Told> g_told;  // null until something has been reported
 
 TextScreen ReadScreen() {
     return text_screen_source.read ? text_screen_source.read() : TextScreen();
@@ -40,10 +40,10 @@ bool IsProgramWidget(const QWidget* widget) {
     return false;
 }
 
-// The program's window has the keyboard, and its text is what the keys go to.
+// True if the program's window has the focus; its keys then go to the text.
 bool TextHasFocus() { return TextWidget() && IsProgramWidget(QApplication::focusWidget()); }
 
-// The window that shows text. Offsets that a screen reader asks for may be of an earlier text.
+// The window that shows text. A screen reader may ask for offsets in an earlier text.
 class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface {
   public:
     explicit TextAccessible(QWidget* widget)
@@ -68,7 +68,7 @@ class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface
         return whole.mid(start, std::clamp(end, start, length) - start);
     }
     int cursorPosition() const override { return CursorOffset(ReadScreen()); }
-    void setCursorPosition(int) override {}  // the host's to move
+    void setCursorPosition(int) override {}  // only the host moves it
 
     int selectionCount() const override {
         return static_cast<int>(SelectedRanges(ReadScreen()).size());
@@ -80,7 +80,7 @@ class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface
         *start = range.start;
         *end = range.end;
     }
-    void addSelection(int, int) override {}  // the stylus selects
+    void addSelection(int, int) override {}  // only the stylus selects
     void removeSelection(int) override {}
     void setSelection(int, int, int) override {}
 
@@ -108,7 +108,7 @@ class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface
     }
 };
 
-// The window around it, whose focus is its text's.
+// The window around the text. Its focus is reported as the text's.
 class ProgramAccessible : public QAccessibleWidget {
   public:
     explicit ProgramAccessible(QWidget* widget)
@@ -124,8 +124,8 @@ class ProgramAccessible : public QAccessibleWidget {
     }
 };
 
-// Buttons whose marks the program follows, and the soft keyboard's keys. The toolkit's own
-// interface turns a mark without the click that a person's finger would be.
+// Check boxes and radio buttons, whose marks the program follows, and the keys of the soft
+// keyboard. The toolkit's own interface would change a mark without the click that a finger makes.
 class ButtonAccessible : public QAccessibleWidget {
   public:
     ButtonAccessible(QAbstractButton* button, QAccessible::Role role)
@@ -149,7 +149,7 @@ class ButtonAccessible : public QAccessibleWidget {
     void doAction(const QString& name) override {
         if (name != toggleAction() && name != pressAction())
             return QAccessibleWidget::doAction(name);
-        // Not within the reader's call: what a click does may wait for a person.
+        // Not within the screen reader's call: what a click does may wait for a person.
         if (button_->isEnabled())
             QMetaObject::invokeMethod(button_, &QAbstractButton::click, Qt::QueuedConnection);
     }
@@ -182,7 +182,7 @@ QAccessibleInterface* OfButton(const QString& class_name, QWidget* widget) {
 struct RoleRow {
     LPCWSTR window_class;
     QAccessible::Role role;
-    const char* name;  // empty: the widget's own
+    const char* name;  // empty: the widget's own name
 };
 
 const RoleRow kRoles[] = {
@@ -210,7 +210,8 @@ QAccessibleInterface* MakeAccessible(const QString& class_name, QObject* object)
     return nullptr;
 }
 
-// The toolkit tells of the program's window, after this signal.
+// The toolkit reports the program's window as focused after this signal, so this report is queued
+// behind that.
 void TellFocusOfText() {
     if (!TextHasFocus()) return;
     QAccessibleEvent event(TextWidget(), QAccessible::Focus);
@@ -257,12 +258,12 @@ void TellNow() {
     TextScreen now = ReadScreen();
     const TextScreen before = std::exchange(g_told->screen, now);
     g_told->since.start();
-    // Of a window that is new nothing has changed.
+    // A new window has no changes to report.
     if (g_told->widget == widget) TellDifferences(widget, before, now);
     if (g_told) g_told->widget = widget;
 }
 
-// A screen reader keeps what it knows of a widget's children until it hears of others.
+// A screen reader keeps what it knows of a widget's children until it gets such an event.
 void TellOfWidget(QWidget* widget, QAccessible::Event kind) {
     if (!QAccessible::isActive() || !widget) return;
     QAccessibleEvent event(widget, kind);

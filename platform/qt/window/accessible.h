@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What screen readers see of the windows that the program paints: their roles and names, and the
-// text of the one that shows text. Dialogs, menus and buttons are the toolkit's, which speak for
-// themselves. Window thread only.
+// text of the window that shows text. Dialogs and menus are the toolkit's, which serves screen
+// readers itself; a few kinds of buttons get an interface here. Window thread only.
 //
-// Nothing of it is made, kept or compared before a screen reader asks.
+// Nothing here is made, stored or compared before a screen reader asks.
 #ifndef QUILL_PLATFORM_QT_WINDOW_ACCESSIBLE_H
 #define QUILL_PLATFORM_QT_WINDOW_ACCESSIBLE_H
 
@@ -13,20 +13,21 @@
 // Where the text comes from. Null procedures: no window shows text.
 struct TextScreenSource {
     HWND (*window)() = nullptr;
-    TextScreen (*read)() = nullptr;  // as the window shows it, or will at its next paint
+    TextScreen (*read)() = nullptr;  // as the window shows it, or will after its next paint
 };
 extern TextScreenSource text_screen_source;
 
-// Before the first widget is made: the toolkit keeps what it has once found for one.
+// Call it before the first widget is made: the toolkit keeps the interface that it first finds for
+// a widget.
 void OfferToScreenReaders();
 
-// A widget has come, with all that is in it; one is about to go.
+// Report that a widget has been made, with all its children, or is about to be destroyed.
 void TellWidgetMade(QWidget* widget);
 void TellWidgetGone(QWidget* widget);
 
-// Something may have been drawn: tells a screen reader what has changed since the last time. What
-// comes sooner after that than it can be listened to is told together.
+// Call it when something may have been drawn. Reports to a screen reader what has changed since the
+// last report. Changes that follow too soon to be listened to are reported together.
 void TellTextChanges();
-void ForgetTextChanges();  // before the windows go
+void ForgetTextChanges();  // before the windows are destroyed
 
 #endif

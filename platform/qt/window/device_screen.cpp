@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The desktop window that is the device's screen.
+// The desktop window that shows the device's screen.
 #include "platform/qt/window/device_screen.h"
 
 #include <QCloseEvent>
@@ -33,7 +33,7 @@ class ScreenWidget : public QWidget {
 };
 
 std::unique_ptr<ScreenWidget> g_screen;
-std::vector<HWND> g_over;  // the one on top last
+std::vector<HWND> g_over;  // the last one is on top
 
 QRect ScreenWidget::PanelPlace() const {
     const int bottom = std::max(height() - kMenuBarHeight, 0);
@@ -55,19 +55,19 @@ void ScreenWidget::Arrange() {
     foot_.panel->raise();
 }
 
-// A resized screen is a device of another size: the program's window goes on filling it.
+// A resized screen is a device of another size: the program's window still fills it.
 void ScreenWidget::resizeEvent(QResizeEvent*) {
     Arrange();
     if (Window* window = ProgramWindow()) window->operations->place(*window, MainWindowArea());
 }
 
-// The program decides whether it closes.
+// Asks the program, which decides whether it closes.
 void ScreenWidget::closeEvent(QCloseEvent* event) {
     event->ignore();
     if (Window* window = ProgramWindow()) QueueInput(window->handle, WM_CLOSE, 0, 0);
 }
 
-// Under a box the program's window is disabled, and so is its close button.
+// While a box is open, the program's window is disabled, so it does not get the message.
 void ScreenWidget::changeEvent(QEvent* event) {
     Window* window = ProgramWindow();
     if (event->type() != QEvent::WindowStateChange || !window) return;
@@ -79,7 +79,7 @@ void ScreenWidget::focusInEvent(QFocusEvent*) {
     if (Window* window = ProgramWindow()) window->widget->setFocus();
 }
 
-// Until the focus has come back from a box that closed, the keys come here.
+// The keys come here until the focus returns from a box that has closed.
 void ScreenWidget::keyPressEvent(QKeyEvent* event) {
     if (Window* window = ProgramWindow()) QueueKeyEvent(window->handle, event, true);
 }
@@ -124,7 +124,7 @@ QWidget* TopMostWidget() {
     return top && top->widget ? top->widget.data() : DeviceScreen();
 }
 
-// Not every desktop gives the focus back by itself.
+// Not every desktop returns the focus by itself.
 void ReturnFocus() {
     if (!g_screen || QApplication::activeModalWidget()) return;
     g_screen->activateWindow();

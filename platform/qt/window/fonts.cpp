@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Fonts: the fixed-pitch families of the desktop, and fonts whose cell has the wanted height.
+// Fonts: lists the desktop's fixed-pitch families, and makes fonts whose cell has the wanted
+// height.
 #include <cmath>
 #include <QFontDatabase>
 #include <QFontInfo>
@@ -10,9 +11,9 @@
 namespace {
 
 std::shared_ptr<const FontData> g_system_font;
-std::shared_ptr<const FontData> g_made_last;  // of the face below
+std::shared_ptr<const FontData> g_made_last;  // made for the face below
 LOGFONTW g_face_made_last;
-std::unique_ptr<LineFont> g_line_font;  // the one asked for last
+std::unique_ptr<LineFont> g_line_font;  // the last one that was asked for
 
 void FillGlyphs(FontData& font) {
     for (int code = 32; code < 256; code++) {
@@ -22,7 +23,7 @@ void FillGlyphs(FontData& font) {
     }
 }
 
-// By what a font of the desktop is chosen.
+// Compares only what decides which font of the desktop is chosen.
 bool SameFont(const LOGFONTW& one, const LOGFONTW& other) {
     return one.lfHeight == other.lfHeight && !one.lfItalic == !other.lfItalic &&
            (one.lfWeight >= FW_BOLD) == (other.lfWeight >= FW_BOLD) &&
@@ -31,7 +32,8 @@ bool SameFont(const LOGFONTW& one, const LOGFONTW& other) {
 
 }  // namespace
 
-// A start asks for the same font twice: to choose the screen's size, and to draw.
+// Keeps the last font, because a start asks for the same font twice: to choose the screen's size,
+// and to draw.
 std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted) {
     if (g_made_last && SameFont(wanted, g_face_made_last)) return g_made_last;
     const auto data = std::make_shared<FontData>();
@@ -57,7 +59,7 @@ std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted) {
     return data;
 }
 
-// A hair's breadth beyond the cell is cut off by the next run's background anyway.
+// Compares with whole pixels, because the background of the next run cuts off the rest anyway.
 bool GlyphOverhangs(const FontData& font, char16_t code) {
     std::optional<bool>& known = font.overhangs[code];
     if (known) return *known;
@@ -101,7 +103,8 @@ void ForgetFonts() {
     g_line_font.reset();
 }
 
-// Tells of one family; the caller's answer, 0: no more.
+// Calls the procedure for one family, unless the family does not match. Returns the procedure's
+// answer; 0 means stop.
 static int TellOfFamily(const QString& name, LPCWSTR wanted, FONTENUMPROCW procedure,
                         LPARAM parameter) {
     if (name.size() >= LF_FACESIZE || (wanted && name != FromWide(wanted))) return 1;
@@ -116,8 +119,8 @@ static int TellOfFamily(const QString& name, LPCWSTR wanted, FONTENUMPROCW proce
     return procedure(&font, &metrics, 4, parameter);  // 4: a scalable font
 }
 
-// The desktop's own fixed-pitch family comes first. The others are looked for only where they are
-// asked for: the toolkit reads each font for that.
+// The desktop's own fixed-pitch family comes first. The others are looked up only if the procedure
+// wants more, because the toolkit reads each font for that.
 int EnumFontFamiliesW(HDC, LPCWSTR family, FONTENUMPROCW procedure, LPARAM parameter) {
     const QString own = QFontInfo(QFontDatabase::systemFont(QFontDatabase::FixedFont)).family();
     int result = TellOfFamily(own, family, procedure, parameter);

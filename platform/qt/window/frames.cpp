@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// When the windows that are invalid are painted.
+// Decides when invalid windows are painted.
 #include "platform/qt/window/frames.h"
 
 #include <chrono>
@@ -17,9 +17,9 @@ constexpr qint64 kFrame = qint64{kFrameMilliseconds} * 1000000;
 
 FramePace g_pace;
 bool g_under_way = false;
-bool g_unsettled = false;     // a frame came since SettleFrames
-std::vector<HWND> g_painted;  // by the frame under way
-qint64 g_invalid_since = -1;  // when a frame was first found to be due; -1: none is
+bool g_unsettled = false;     // a frame has come since SettleFrames
+std::vector<HWND> g_painted;  // by the present frame
+qint64 g_invalid_since = -1;  // when FrameOverdue first found an invalid window; -1: none
 
 qint64 Now() {
     const auto time = std::chrono::steady_clock::now().time_since_epoch();
@@ -38,7 +38,7 @@ bool IsLeftOfFrame(Window& window) {
            std::find(g_painted.begin(), g_painted.end(), window.handle) == g_painted.end();
 }
 
-// The frame ends where no window is left that it has not painted.
+// The frame ends when no invalid window is left that it has not painted.
 Window* NextOfFrame() {
     if (!g_under_way) return nullptr;
     Window* next = FirstWindow(IsLeftOfFrame);
@@ -107,8 +107,9 @@ void PaintFrameOf(Window& window) {
 
 void HurryFrames() { RestPace(&g_pace, Now()); }
 
-// The X server reads from shared memory what was painted, and the toolkit does not paint there
-// again before the server has answered that it is done. That is asked for here, while nobody waits.
+// The X server reads from shared memory what was painted, and the toolkit paints there again only
+// after the server has answered that it is done. This call waits for that answer, while nobody else
+// waits.
 void SettleFrames() {
     TellTextChanges();
     static const bool shared = QGuiApplication::platformName() == "xcb";

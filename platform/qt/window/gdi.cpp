@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Painting: device contexts over QPainter, pens, brushes and text on a grid of cells.
+// Painting: device contexts on top of QPainter, pens, brushes, and text on a grid of cells.
 #include "platform/qt/window/gdi.h"
 
 #include <array>
@@ -15,7 +15,7 @@
 namespace {
 
 std::set<SliceGdiObject*> g_objects;
-// What a new context holds, as on the device.
+// The objects that a new context holds, as on the device.
 SliceGdiObject g_white_brush{&SliceDeviceContext::brush, 0x00FFFFFF, 1, nullptr};
 SliceGdiObject g_black_pen{&SliceDeviceContext::pen, 0, 1, nullptr};
 SliceGdiObject g_system_font{&SliceDeviceContext::font, 0, 1, nullptr};
@@ -47,7 +47,7 @@ bool Overhangs(const FontData& font, LPCWSTR text, UINT count) {
                        [&](char16_t c) { return c < 256 && GlyphOverhangs(font, c); });
 }
 
-// Of another font, so it may be wider than its cell.
+// The glyph comes from another font, so it may be wider than its cell and is clipped.
 void DrawMissingGlyph(QPainter& painter, const FontData& font, const QRectF& cell, char16_t c) {
     painter.save();
     painter.setClipRect(cell, Qt::IntersectClip);
@@ -56,7 +56,7 @@ void DrawMissingGlyph(QPainter& painter, const FontData& font, const QRectF& cel
     painter.restore();
 }
 
-// One run of glyphs, each at its own place.
+// Draws one run of glyphs, each at its own position.
 void DrawGlyphs(SliceDeviceContext& dc, const FontData& font, int x, int y, LPCWSTR text,
                 UINT count, const INT* advances) {
     constexpr UINT kMost = 256;
@@ -249,7 +249,8 @@ BOOL GetTextMetricsW(HDC dc, TEXTMETRICW* metrics) {
     const FontData& font = FontOf(dc);
     *metrics = TEXTMETRICW{};
     metrics->tmHeight = font.height;
-    // Never more than the room below the baseline, where the program draws its underline.
+    // The descent is never more than the room below the baseline, where the program draws its
+    // underline.
     metrics->tmDescent = std::max(static_cast<LONG>(std::floor(font.descent)), LONG{1});
     metrics->tmAscent = metrics->tmHeight - metrics->tmDescent;
     metrics->tmExternalLeading = static_cast<LONG>(std::lround(font.leading));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The records behind the GDI handles.
+// The records behind the GDI handles: fonts, pens, brushes and device contexts.
 #ifndef QUILL_PLATFORM_QT_WINDOW_GDI_H
 #define QUILL_PLATFORM_QT_WINDOW_GDI_H
 
@@ -12,8 +12,8 @@
 
 #include "platform/qt/window/window.h"
 
-// A font as the program asked for it and as the desktop has it. The raw font is drawn glyph by
-// glyph; the plain one stands in for characters that it lacks.
+// A font as the program asked for it and as the desktop has it. Glyphs are drawn one by one from
+// the raw font; characters that it lacks are drawn with the plain font.
 struct FontData {
     QFont font;
     QRawFont raw;
@@ -22,15 +22,15 @@ struct FontData {
     double descent = 0;
     double leading = 0;
     bool fixed = true;
-    quint32 glyphs[256] = {};  // of the code points 0..255, 0 = none
-    // Whether the glyph leaves its cell; looked at when it is first drawn, as all of them take as
-    // long as the rest of a start's fonts.
+    quint32 glyphs[256] = {};  // of the code points 0 to 255; 0: no glyph
+    // True if the glyph reaches outside its cell. Computed when the glyph is first drawn, because
+    // to compute all of them takes as long as the rest of a start's work on fonts.
     mutable std::optional<bool> overhangs[256] = {};
-    mutable QGlyphRun run;  // kept, so that to draw one allocates nothing
+    mutable QGlyphRun run;  // reused, so that drawing allocates nothing
 };
 
-// The ASCII characters of one of the desktop's fonts, looked up once: to lay a line of text out
-// anew takes longer than to paint a row of the terminal.
+// The ASCII characters of one of the desktop's fonts, looked up once: to lay out a line of text
+// takes longer than to paint a row of the terminal.
 struct LineFont {
     QFont font;
     QRawFont raw;
@@ -40,7 +40,7 @@ struct LineFont {
 };
 
 struct SliceGdiObject {
-    HGDIOBJ SliceDeviceContext::*place;  // where a context keeps an object of this kind
+    HGDIOBJ SliceDeviceContext::*place;  // the field of a context for objects of this kind
     COLORREF color = 0;
     int width = 1;
     std::shared_ptr<const FontData> font;
@@ -59,15 +59,15 @@ struct SliceDeviceContext {
 
 // fonts.cpp
 std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted);
-bool GlyphOverhangs(const FontData& font, char16_t code);  // below 256
-const FontData& FontOf(HDC dc);                            // the selected font, or the system's
+bool GlyphOverhangs(const FontData& font, char16_t code);  // `code` is below 256
+const FontData& FontOf(HDC dc);                            // the selected font, or the system font
 const LineFont& LineFontOf(const QFont& font);
 void ForgetFonts();
 
 // gdi.cpp
 COLORREF BrushColor(HBRUSH brush);
 void ReleaseGdi();
-// ASCII alone, in the painter's pen.
+// Draws ASCII text only, with the painter's pen.
 void DrawLineOfText(QPainter& painter, const LineFont& font, QPointF place,
                     const std::u16string& text);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The keyboard: virtual-key codes from Qt's keys, synthetic keys, accelerators.
+// The keyboard: translates Qt's keys to virtual-key codes; synthetic keys; accelerators.
 #include <QInputMethod>
 #include <QKeyEvent>
 
@@ -24,26 +24,26 @@ const KeyRow kKeys[] = {
     {Qt::Key_Insert, VK_INSERT},     {Qt::Key_Delete, VK_DELETE}, {Qt::Key_CapsLock, VK_CAPITAL},
 };
 
-// The number pad while it gives digits.
+// Keys of the number pad while it types digits.
 const KeyRow kPadKeys[] = {
     {Qt::Key_Asterisk, VK_MULTIPLY}, {Qt::Key_Plus, VK_ADD},        {Qt::Key_Minus, VK_SUBTRACT},
     {Qt::Key_Period, VK_DECIMAL},    {Qt::Key_Comma, VK_DECIMAL},   {Qt::Key_Slash, VK_DIVIDE},
 };
 
-// Punctuation that accelerators name, by either character of its key.
+// Punctuation keys that accelerators name, each by both characters of its key.
 const KeyRow kPunctuation[] = {
     {Qt::Key_Plus, VK_OEM_PLUS},   {Qt::Key_Equal, VK_OEM_PLUS},
     {Qt::Key_Minus, VK_OEM_MINUS}, {Qt::Key_Underscore, VK_OEM_MINUS},
 };
 
-// X11 keysyms of the modifiers, by which left and right differ.
+// X11 keysyms of the modifiers, which distinguish left and right.
 const KeyRow kModifiers[] = {
     {0xffe1, VK_LSHIFT},   {0xffe2, VK_RSHIFT}, {0xffe3, VK_LCONTROL}, {0xffe4, VK_RCONTROL},
     {0xffe9, VK_LMENU},    {0xffea, VK_RMENU},
 };
 // clang-format on
 
-constexpr int kProcessKey = 0xE5;  // a key press that the input method took
+constexpr int kProcessKey = 0xE5;  // a key press that the input method handled
 
 int ModifierKey(const QKeyEvent& event) {
     for (const KeyRow& row : kModifiers)
@@ -53,14 +53,15 @@ int ModifierKey(const QKeyEvent& event) {
     return event.key() == Qt::Key_Alt ? VK_LMENU : 0;
 }
 
-// Messages carry the key without its side.
+// Messages name the key without its side.
 int GenericKey(int key) {
     if (key == VK_LSHIFT || key == VK_RSHIFT) return VK_SHIFT;
     if (key == VK_LCONTROL || key == VK_RCONTROL) return VK_CONTROL;
     return key == VK_LMENU || key == VK_RMENU ? VK_MENU : key;
 }
 
-// The digit keys keep their code whatever Shift makes of them; on X11 the hardware code tells.
+// The digit keys have the same code with and without Shift; on X11 the hardware code identifies
+// them.
 int DigitKey(const QKeyEvent& event) {
     const quint32 code = event.nativeScanCode();
     if (event.nativeVirtualKey() == 0 || code < 10 || code > 19) return 0;
@@ -91,8 +92,8 @@ int VirtualKey(const QKeyEvent& event) {
     return digit_or_letter ? event.key() : FindKey(kPunctuation, event.key());
 }
 
-// What the key types: as on the device, Ctrl with a letter is a control character, and the keys
-// of the editing block other than these type nothing.
+// Returns what the key types. As on the device, Ctrl with a letter types a control character, and
+// the keys of the editing block other than these type nothing.
 QString CharactersOf(const QKeyEvent& event, int virtual_key) {
     if (virtual_key == VK_BACK) return QString(QChar(8));
     if (virtual_key == VK_TAB) return QString(QChar(9));
@@ -102,7 +103,7 @@ QString CharactersOf(const QKeyEvent& event, int virtual_key) {
     return event.text();
 }
 
-// A lost release must not leave a modifier down for ever: each event tells the true state.
+// A release that is lost must not leave a modifier down forever, so each event corrects the state.
 void FollowModifiers(Qt::KeyboardModifiers modifiers) {
     const auto clear = [](size_t left, size_t right) {
         SetKeyDown(left, false);
@@ -142,13 +143,13 @@ void QueueKeyEvent(HWND window, QKeyEvent* event, bool down) {
     const UINT message =
         down ? (system ? WM_SYSKEYDOWN : WM_KEYDOWN) : (system ? WM_SYSKEYUP : WM_KEYUP);
     const QString characters = down ? CharactersOf(*event, key) : QString();
-    if (key == 0 && characters.isEmpty()) return;  // a key that the device has not
+    if (key == 0 && characters.isEmpty()) return;  // a key that the device does not have
     SetKeyDown(static_cast<size_t>(key), down);
     QueueKey(window, message, static_cast<WPARAM>(GenericKey(key)),
              event->isAutoRepeat() ? 1 << 30 : 0, characters);
 }
 
-// The input method's key press comes before its characters, as on the device.
+// As on the device, the key press of the input method comes before its characters.
 void QueueCommittedText(HWND window, const QString& text) {
     if (text.isEmpty()) return;
     QueueKey(window, WM_KEYDOWN, kProcessKey, 0, QString());

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The message queue of the window thread: posted messages, input, paints and timers in the order
-// of the real one, over Qt's event loop.
+// The message queue of the window thread: posted messages, input, paints and timers in the order of
+// the real queue, on top of Qt's event loop.
 //
-// A frame (frames.h) is given out when the queue is idle, and at the latest when it has waited for
-// a frame's time while messages keep coming.
+// A frame (frames.h) comes when the queue is idle. While messages keep coming, it comes when it has
+// waited for a frame's time.
 #include <atomic>
 #include <deque>
 #include <map>
@@ -31,19 +31,19 @@ struct QueuedMessage {
 
 std::mutex g_posted_mutex;
 std::deque<MSG> g_posted;
-std::set<HWND> g_takers;  // the windows that can be posted to
+std::set<HWND> g_takers;  // the windows that messages can be posted to
 std::atomic<bool> g_waiting{false};
 std::atomic<QAbstractEventDispatcher*> g_dispatcher{nullptr};
 
 std::deque<QueuedMessage> g_input;
 std::deque<MSG> g_timers;
-QString g_key_characters;  // what TranslateMessage makes of the key taken last
+QString g_key_characters;  // what TranslateMessage makes of the last key taken
 bool g_quit = false;
 int g_quit_code = 0;
-KeyStates g_keys_down;            // as the last event left them
-KeyStates g_keys_taken;           // as they were for the message taken last
-bool g_took_posted = false;       // a posted message, since the queue was waited at
-QElapsedTimer g_since_collected;  // the toolkit's events had their turn
+KeyStates g_keys_down;            // after the last event
+KeyStates g_keys_taken;           // as they were for the last message taken
+bool g_took_posted = false;       // true if a posted message was taken since the queue last waited
+QElapsedTimer g_since_collected;  // since the toolkit's events were last processed
 
 using TimerKey = std::pair<HWND, UINT_PTR>;
 std::map<TimerKey, std::unique_ptr<QTimer>> g_running_timers;
@@ -103,8 +103,8 @@ bool SomethingPosted() {
     return !g_posted.empty();
 }
 
-// A host that streams has its next chunk posted within microseconds: to go to sleep and be woken up
-// would take many times that.
+// While a host streams, its next chunk is posted within microseconds. To sleep and be woken up
+// would take many times longer.
 bool PostedSoon() {
     if (!std::exchange(g_took_posted, false)) return false;
     QElapsedTimer since;
@@ -118,7 +118,7 @@ bool PostedSoon() {
 
 void CollectInput(bool wait) {
     g_since_collected.start();
-    // The toolkit leaves this to its own loop, which never runs here.
+    // Only the toolkit's own loop deletes such objects by itself, and it never runs here.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     if (wait && g_dispatcher.load() == nullptr)
         g_dispatcher.store(QAbstractEventDispatcher::instance());
@@ -129,13 +129,13 @@ void CollectInput(bool wait) {
     g_waiting.store(outer);
 }
 
-// While messages keep coming, the toolkit's events have a turn once a frame: to ask for them takes
-// longer than most messages do.
+// While messages keep coming, the toolkit's events are processed only once per frame's time,
+// because that takes longer than most messages do.
 bool CollectedLately() {
     return g_since_collected.isValid() && g_since_collected.elapsed() < kFrameMilliseconds;
 }
 
-// A frame that is held back is looked for again when its time has come.
+// Wakes the queue when the time of a frame that has to wait has come.
 void WakeForFrame() {
     static QPointer<QTimer> timer;
     const int milliseconds = MillisecondsToFrame();
@@ -147,8 +147,8 @@ void WakeForFrame() {
     timer->start(milliseconds);
 }
 
-// Whether a paint goes before what is posted: the rest of a frame, or one that waited too long.
-// Then the toolkit's events have a turn first.
+// Takes a paint that goes before posted messages: the rest of a frame, or a frame that has waited
+// too long. In the second case, the toolkit's events are processed first.
 bool TakeDuePaint(MSG* message, HWND window, UINT first, UINT last) {
     if (FrameUnderWay()) return TakePaint(message, window, first, last);
     if (!FrameOverdue()) return false;
@@ -156,8 +156,8 @@ bool TakeDuePaint(MSG* message, HWND window, UINT first, UINT last) {
     return TakePaint(message, window, first, last);
 }
 
-// One step of the queue: a message, or false after Qt's events have had their turn. They may have
-// brought what the caller waits for, so that is asked last.
+// One step of the queue: takes a message, or returns false after Qt's events have been processed.
+// The events may bring what the caller waits for, so `may_wait` is asked last.
 bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
           const std::function<bool()>& may_wait) {
     if (TakeDuePaint(message, window, first, last)) return true;
@@ -292,7 +292,7 @@ BOOL TranslateMessage(const MSG* message) {
     const std::u16string characters = ToWide(g_key_characters);
     const KeyStates keys = g_keys_taken;
     g_key_characters.clear();
-    // Characters come next, before any other input.
+    // The characters come next, before any other input.
     auto place = g_input.begin();
     for (const char16_t character : characters)
         place = g_input.insert(place, {MakeMessage(message->hwnd, plain ? WM_CHAR : WM_SYSCHAR,

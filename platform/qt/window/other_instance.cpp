@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// One program a device root: the first one holds a lock file and listens on a local socket; a
-// second one finds it there and hands over to it. The socket's name is of the kernel alone, so that
-// nothing of it is left on the disk.
+// Allows one program per device root. The first program holds a lock file and listens on a local
+// socket; a second one finds it there and hands over to it. The socket's name exists only in the
+// kernel, so the socket leaves nothing on the disk.
 #include <map>
 #include <QCryptographicHash>
 #include <QLockFile>
@@ -18,7 +18,7 @@ constexpr int kConnectMilliseconds = 2000;
 constexpr int kAnswerMilliseconds = 5000;
 constexpr qsizetype kLongestRequest = 64;
 
-// A socket that is watched while the program runs, closed with its watch.
+// A socket that is watched while the program runs; it is closed together with its watch.
 struct Watch {
     explicit Watch(int socket) : descriptor(socket), notifier(socket, QSocketNotifier::Read) {}
     Watch(const Watch&) = delete;
@@ -35,8 +35,8 @@ struct Watch {
 
 std::unique_ptr<QLockFile> g_lock;
 std::unique_ptr<Watch> g_server;
-std::map<int, std::unique_ptr<Watch>> g_callers;  // by their sockets
-HWND g_window = nullptr;  // the one that others ask for; null until it is made
+std::map<int, std::unique_ptr<Watch>> g_callers;  // by socket
+HWND g_window = nullptr;  // the window that others ask for; null until it is made
 
 std::string SocketName() {
     const QByteArray root = QByteArray::fromStdString(DeviceRoot());
@@ -44,8 +44,8 @@ std::string SocketName() {
     return "quill-" + hash.toHex().toStdString();
 }
 
-// What lies over the window is what the user is to see: a box or a dialog. The first box, and what
-// it asks, may come before the window.
+// The user must see what lies over the window, a box or a dialog. A first box may appear before the
+// window does.
 void Foreground() {
     if (Window* window = FindWindowRecord(g_window)) window->operations->foreground(*window);
     QWidget* above = QApplication::activeModalWidget();
@@ -95,7 +95,7 @@ void Hear(int socket) {
     Answer(caller);
     if (count > 0 && caller.heard.size() <= kLongestRequest) return;
     caller.notifier.setEnabled(false);
-    // The notifier is in the middle of its call.
+    // The notifier is still in its call, so the caller is erased later.
     QMetaObject::invokeMethod(
         qApp, [socket] { g_callers.erase(socket); }, Qt::QueuedConnection);
 }
@@ -117,7 +117,7 @@ void Listen() {
     QObject::connect(&g_server->notifier, &QSocketNotifier::activated, qApp, Accept);
 }
 
-// The lock is the kernel's and ends with its holder, however that ends.
+// The kernel releases the lock when its holder ends, however it ends.
 bool TakeLock() {
     if (!g_lock)
         g_lock =
@@ -126,7 +126,8 @@ bool TakeLock() {
     return g_lock->isLocked() || g_lock->tryLock(0);
 }
 
-// The other program may still be on its way to listening. Whether it has answered.
+// Sends a request and returns whether the other program has answered. That program may not listen
+// yet, so the call is repeated.
 bool TellOther(const char* request) {
     int socket = CallLocally(SocketName());
     for (int waited = 0; socket < 0 && waited < kConnectMilliseconds; waited += 50) {
@@ -163,7 +164,7 @@ constexpr WindowOperations kOtherOperations = {
 
 }  // namespace
 
-// Who holds the lock listens from then on: a box may keep the start from its end.
+// The program that gets the lock listens at once, because a box may hold up the rest of its start.
 HWND FindOtherInstance() {
     static Window other;
     if (TakeLock()) return Listen(), nullptr;

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The text of a window that the program paints, and how it has changed.
+// The text of a window that the program paints, and how it changes.
 #include "platform/qt/window/text_screen.h"
 
 #include <algorithm>
 
 namespace {
 
-// How many rows with text `now` and `before` share when those of `before` have moved up by `shift`.
+// Counts the rows with text that `now` has in common with `before` when `before` is moved up by
+// `shift`.
 int SharedRows(const QStringList& before, const QStringList& now, int shift) {
     int shared = 0;
     for (int i = 0; i < now.size() && i + shift < before.size(); i++)
@@ -21,7 +22,7 @@ int RowsMovedUp(const QStringList& before, const QStringList& now) {
     return best;
 }
 
-// What differs between two rows, at `offset` of the first one.
+// Adds what differs between two rows; `offset` is where the first one begins.
 void AddRowChange(std::vector<TextChange>* changes, int offset, const QString& before,
                   const QString& now) {
     if (before == now) return;

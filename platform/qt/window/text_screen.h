@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The text of a window that the program paints, as screen readers get it.
+// The text of a window that the program paints, in the form that screen readers get.
 //
-// Rows come without the blanks at their ends, but for those before the cursor, so that its place is
-// always one of the text. The text is the rows with line feeds between them, and an offset counts
-// its UTF-16 units from 0.
+// Rows have no trailing blanks, except those before the cursor, so the cursor is always at a place
+// in the text. The text is the rows joined by line feeds; an offset counts its UTF-16 units from 0.
 #ifndef QUILL_PLATFORM_QT_WINDOW_TEXT_SCREEN_H
 #define QUILL_PLATFORM_QT_WINDOW_TEXT_SCREEN_H
 
@@ -15,11 +14,11 @@
 struct TextScreen {
     QStringList rows;
     QPoint cursor;   // column and row, from 0
-    QRect selected;  // columns and rows, from 0; empty: nothing is
+    QRect selected;  // columns and rows, from 0; empty: nothing is selected
     QRect cell;      // of row 0, column 0, in the window's pixels; the others follow without gaps
 };
 
-// One piece of text in place of another: at most one of the two is empty.
+// Replaces one piece of text by another; at most one of the two is empty.
 struct TextChange {
     int offset;
     QString removed;
@@ -27,7 +26,7 @@ struct TextChange {
 };
 
 QString TextOf(const TextScreen& screen);
-int OffsetOf(const TextScreen& screen, QPoint place);  // the nearest one there is
+int OffsetOf(const TextScreen& screen, QPoint place);  // the nearest offset that exists
 QPoint PlaceOf(const TextScreen& screen, int offset);  // column and row
 int CursorOffset(const TextScreen& screen);
 
@@ -36,9 +35,9 @@ struct TextRange {
 };
 std::vector<TextRange> SelectedRanges(const TextScreen& screen);  // one for each row
 
-// The changes that make the text of `now` out of that of `before`, each with its offset in the text
-// as the changes before it left it. Rows that moved up, as when the host writes a line below the
-// last one, are told as lines that went at the top and lines that came at the bottom.
+// Returns the changes that turn the text of `before` into that of `now`. Each has its offset in the
+// text that the changes before it left. Rows that moved up, as when the host writes a line below
+// the last one, are reported as lines removed at the top and lines added at the bottom.
 std::vector<TextChange> ChangesBetween(const TextScreen& before, const TextScreen& now);
 
 #endif

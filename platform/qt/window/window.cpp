@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The table of windows and that of their classes, and what can be said of a window by its record
-// alone.
+// The tables of windows and of their classes, and what a window's record alone can answer.
 #include "platform/qt/window/window.h"
 
 #include <map>

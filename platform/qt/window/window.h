@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The records behind the window handles, their table, what can be done with a window of any kind,
-// and who looks on. Window thread only.
+// The records behind the window handles, their table, the operations of each kind of window, and
+// the observers. Window thread only.
 #ifndef QUILL_PLATFORM_QT_WINDOW_WINDOW_H
 #define QUILL_PLATFORM_QT_WINDOW_WINDOW_H
 
@@ -25,15 +25,15 @@ struct WindowClass {
     UINT style = 0;
     WNDPROC procedure = nullptr;
     HBRUSH background = nullptr;
-    bool system = false;  // the slice's own, there from the start
+    bool system = false;  // a class of the slice, registered from the start
 };
 
-// What a window does when it is asked to. Each kind of window has one record of them; whoever asks
-// need not know the kind.
+// What a window does when it is asked to. Each kind of window has one record of these, so the
+// caller need not know the kind.
 struct WindowOperations {
-    // Paints what is invalid, at once. Null: the toolkit paints the window by itself.
+    // Paints what is invalid, at once. Null: the toolkit paints the window.
     void (*paint)(Window& window);
-    void (*place)(Window& window, const QRect& rect);  // moves, and sends WM_SIZE on a new size
+    void (*place)(Window& window, const QRect& rect);  // moves; sends WM_SIZE if the size changes
     BOOL (*show)(Window& window, int show);            // as ShowWindow
     BOOL (*foreground)(Window& window);                // as SetForegroundWindow
     LRESULT (*send)(Window& window, UINT message, WPARAM wparam, LPARAM lparam);
@@ -48,7 +48,7 @@ struct ScrollBarState {
     bool shown = false;
 };
 
-// One window; `handle` is a number that is never given out twice in a run.
+// One window. A run never uses the same `handle` twice.
 struct Window {
     HWND handle = nullptr;
     const WindowClass* window_class = nullptr;
@@ -56,10 +56,10 @@ struct Window {
     HWND parent = nullptr;
     int id = 0;
     std::u16string text;
-    QPointer<QWidget> widget;  // a WindowWidget where the program paints
+    QPointer<QWidget> widget;  // a WindowWidget if the program paints it
     ScrollBarState vertical;
     ScrollBarState horizontal;
-    QWidget* corner = nullptr;  // between the bars, shown with both
+    QWidget* corner = nullptr;  // between the bars, shown if both are
     QRegion invalid;            // to be painted
     QRegion painted;            // what the last BeginPaint made valid
     bool erase = true;          // the next BeginPaint sends WM_ERASEBKGND
@@ -75,54 +75,55 @@ inline std::u16string ToWide(const QString& text) { return text.toStdU16String()
 Window* AddWindowRecord(const WindowClass* window_class, const WindowOperations* operations,
                         HWND parent, int id);
 void RemoveWindowRecord(HWND handle);
-Window* FindWindowRecord(HWND handle);                // null for a window that is gone
+Window* FindWindowRecord(HWND handle);                // null if the window is gone
 std::vector<Window*> AllWindows();                    // oldest first
-Window* FirstWindow(bool (*wanted)(Window& window));  // the oldest one; null: none
+Window* FirstWindow(bool (*wanted)(Window& window));  // the oldest wanted one; null: there is none
 Window* TopLevelOf(Window* window);
-bool IsProgramWindow(const Window& window);  // top-level, and no dialog
-Window* ProgramWindow();                     // the oldest of those; null: none
+bool IsProgramWindow(const Window& window);  // top-level, and not a dialog
+Window* ProgramWindow();                     // the oldest one; null: there is none
 
-// The window of another program, which is in no list, and is found by its handle here alone.
+// The window of another program. It is not in the table; only FindAnyWindow finds it.
 void SetForeignWindow(Window* window);
-Window* FindAnyWindow(HWND handle);  // a window of the table, or that one
+Window* FindAnyWindow(HWND handle);  // a window of the table, or the foreign one
 
 // The table of classes.
 void RegisterSystemClass(LPCWSTR name, WNDPROC procedure);
 inline constexpr LPCWSTR kCommandBarClass = u"QuillCommandBar";
-const WindowClass* FindWindowClass(LPCWSTR name);  // null: none
+const WindowClass* FindWindowClass(LPCWSTR name);  // null: there is none
 void ForgetProgramClasses();
 
 inline constexpr int kScrollBarSize = 13;     // pixels across
-QRect ClientArea(const Window& window);       // the widget less its shown scroll bars
-bool PaintedByProgram(const Window& window);  // by WM_PAINT, and not by the toolkit
+QRect ClientArea(const Window& window);       // the widget without the scroll bars that are shown
+bool PaintedByProgram(const Window& window);  // by WM_PAINT, not by the toolkit
 LRESULT CallWindowProcedure(Window& window, UINT message, WPARAM wparam, LPARAM lparam);
 void SendSize(Window& window);
 
-// A record without a widget; what is posted to it is taken from now on.
+// Adds a record without a widget. From now on messages can be posted to it.
 Window* AddWindow(const WindowClass* window_class, const WindowOperations* operations, HWND parent,
                   int id);
 void DestroyAllWindows();
 
-// Of a window that the toolkit paints, and parts for kinds that do some of it otherwise.
+// The operations of a window that the toolkit paints, and parts of them for kinds that do some
+// things differently.
 extern const WindowOperations kToolkitOperations;
 BOOL ShowOwnWindow(Window& window, int show);
 BOOL BringOwnWindow(Window& window);
 
-HWND FindOtherInstance();               // null: this is the one that runs on the device root
-void ServeOtherInstances(HWND window);  // the one that others ask for
+HWND FindOtherInstance();               // null: no other program runs on the device root
+void ServeOtherInstances(HWND window);  // the window that they ask for
 void StopServingInstances();
 
 struct TextDrawing {
     HWND window;
     int x, y;
-    RECT area;  // filled with the background; empty, at x and y: nothing was
+    RECT area;  // filled with the background; empty, at x and y: nothing was filled
     LPCWSTR text;
     UINT count;
     COLORREF color, background;
-    int advance;  // of its first character, pixels; 0: the font's
+    int advance;  // of its first character, in pixels; 0: the font's own
 };
 
-// Called after the call has drawn.
+// Each is called after the call has drawn.
 struct DrawingObserver {
     void (*text)(const TextDrawing& drawn) = nullptr;
     void (*fill)(HWND window, const RECT& area, COLORREF color) = nullptr;
@@ -135,13 +136,13 @@ inline DrawingObserver drawing_observer;
 
 struct WindowObserver {
     bool (*refuse)(LPCWSTR class_name) = nullptr;  // true: no window of that class can be made
-    bool (*hide_library)(LPCWSTR name) = nullptr;  // true: there is no such library
-    // A timer runs from now on; below 0 milliseconds: no more.
+    bool (*hide_library)(LPCWSTR name) = nullptr;  // true: the library is missing
+    // A timer starts; below 0 milliseconds: it stops.
     void (*timer)(HWND window, UINT_PTR id, int milliseconds) = nullptr;
     void (*silent_key)(BYTE virtual_key, DWORD flags) = nullptr;
     void (*beep)(UINT type) = nullptr;
-    void (*dialog)() = nullptr;  // a dialog, a sheet or a chooser has come up
-    void (*idle)() = nullptr;    // the queue is empty and goes to sleep
+    void (*dialog)() = nullptr;  // a dialog, a sheet or a chooser has appeared
+    void (*idle)() = nullptr;    // the queue is empty and is about to sleep
 };
 
 inline WindowObserver window_observer;

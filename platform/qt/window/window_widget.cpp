@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The widget behind every window that the program paints, and the scroll bars that it carries.
+// The widget behind every window that the program paints, and its scroll bars.
 #include "platform/qt/window/window_widget.h"
 
 #include <QBackingStore>
@@ -18,7 +18,7 @@
 
 namespace {
 
-// What of a part of a widget no other widget covers, in the coordinates of its desktop window.
+// Returns the region of `part` that no other widget covers, in coordinates of the desktop window.
 QRegion UncoveredPart(const QWidget* widget, QRegion part) {
     part -= widget->childrenRegion();
     for (; !widget->isWindow(); widget = widget->parentWidget()) {
@@ -40,7 +40,7 @@ WindowWidget::WindowWidget(HWND window, QWidget* parent) : QWidget(parent), wind
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
     setAttribute(Qt::WA_AcceptTouchEvents);
-    // The focus is the program's to give; a tap on a child leaves it where it is.
+    // Only the program moves the focus; a tap on a child does not.
     setFocusPolicy(FindWindowRecord(window)->parent ? Qt::NoFocus : Qt::StrongFocus);
 }
 
@@ -51,14 +51,14 @@ void WindowWidget::PaintInvalid() {
     paint_came_ = false;
     if (!PaintStraight(window->invalid)) repaint(window->invalid);
     own_paint_ = false;
-    // A window that the desktop does not show is painted whole when it comes back.
+    // The desktop does not show the window, which is painted whole when it comes back.
     window = FindWindowRecord(window_);
     if (window && !paint_came_) window->invalid = QRegion();
 }
 
-// Paints into the desktop window's store and hands that part over, without the toolkit's search for
-// everything that might be due: it takes longer than a row of text. False where the store is not in
-// the state that this needs.
+// Paints into the desktop window's store and flushes that part. This leaves out the toolkit's
+// search for everything that might need a paint, which takes longer than a row of text. Returns
+// false if the store is not in the state that this needs.
 bool WindowWidget::PaintStraight(const QRegion& invalid) {
     QWidget* top = QWidget::window();
     QBackingStore* store = ReadyStore(top);
@@ -88,7 +88,8 @@ void WindowWidget::paintEvent(QPaintEvent* event) {
     Window* window = FindWindowRecord(window_);
     if (!window || painting_) return;
     if (!own_paint_) {
-        // Uncovered, resized or drawn into a picture: nothing of the old content counts.
+        // The window was uncovered or resized, or is drawn into a picture: its old content is not
+        // valid.
         window->invalid = rect();
         window->erase = true;
     } else {
@@ -97,7 +98,8 @@ void WindowWidget::paintEvent(QPaintEvent* event) {
     PaintWindow(event->region());
 }
 
-// `reachable`: what of a painting reaches the screen. The program holds all of it for drawn.
+// `reachable` is the part of a paint that reaches the screen. The program takes all of its paint
+// for drawn, so a visible part that was missed makes the window invalid again.
 void WindowWidget::PaintWindow(const QRegion& reachable) {
     Window* window = FindWindowRecord(window_);
     window->painted = QRegion();
@@ -154,8 +156,8 @@ void WindowWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     QueueMouse(wanted ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN, event->position(), event->buttons());
 }
 
-// The letters of the menus come with Alt. To look for any other key among them takes more than half
-// of the toolkit's way from the key to its window.
+// Keeps every key but those with Alt, which open the menus by their letters. The toolkit's search
+// for any other key among the menus takes more than half of that key's way to its window.
 static bool KeepsKey(const QKeyEvent& event) { return !(event.modifiers() & Qt::AltModifier); }
 
 bool WindowWidget::event(QEvent* event) {
@@ -167,14 +169,14 @@ bool WindowWidget::event(QEvent* event) {
         return QWidget::event(event);
     const auto& touch = *static_cast<QTouchEvent*>(event);
     if (type == QEvent::TouchBegin && childAt(touch.points().first().position().toPoint()))
-        return false;  // a scroll bar's or a button's, for which the toolkit makes a mouse of it
+        return false;  // on a scroll bar or a button: the toolkit makes mouse events of it
     TakeTouch(touch);
     event->accept();
     return true;
 }
 
-// The finger that touches first is the stylus; others do nothing until all are up. A touch that
-// begins is the first, even if the end of the one before was never told.
+// The finger that touches first acts as the stylus; others do nothing until all are up. A touch
+// that begins is always the first, even if the end of the one before was lost.
 void WindowWidget::TakeTouch(const QTouchEvent& touch) {
     if (touch.type() == QEvent::TouchBegin) finger_ = -1;
     for (const QEventPoint& point : touch.points()) {
@@ -195,7 +197,7 @@ void WindowWidget::TakeFirstTouch(const QPointF& position) {
     const bool second = IsSecondTap(position);
     const bool wanted = second && window && (window->window_class->style & CS_DBLCLKS);
     QueueMouse(wanted ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN, position, Qt::LeftButton);
-    if (second) return since_tap_.invalidate();  // a third tap is a first one
+    if (second) return since_tap_.invalidate();  // a third tap counts as a first one
     since_tap_.start();
     tap_ = position;
 }
@@ -206,7 +208,7 @@ bool WindowWidget::IsSecondTap(const QPointF& position) {
            (position - tap_).manhattanLength() < hints->touchDoubleTapDistance();
 }
 
-// Tab is a key like any other here.
+// Tab is an ordinary key here.
 bool WindowWidget::focusNextPrevChild(bool) { return false; }
 
 namespace {
@@ -228,7 +230,7 @@ const ActionRow kActions[] = {
     {QAbstractSlider::SliderMove, SB_THUMBPOSITION},
 };
 
-// The program decides where the bar goes: it hears the action, and sets the position itself.
+// Only reports the action. The program decides where the bar goes, and sets the position itself.
 void QueueScroll(HWND handle, int bar, QScrollBar* widget, int action) {
     Window* window = FindWindowRecord(handle);
     if (!window) return;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The widget behind every window that the program paints: turns Qt's events into the queue's
-// messages. Its scroll bars.
+// The widget behind every window that the program paints. It turns Qt's events into messages of the
+// queue, and carries the scroll bars.
 #ifndef QUILL_PLATFORM_QT_WINDOW_WINDOW_WIDGET_H
 #define QUILL_PLATFORM_QT_WINDOW_WINDOW_WIDGET_H
 
@@ -17,10 +17,11 @@ class WindowWidget : public QWidget {
   public:
     WindowWidget(HWND window, QWidget* parent);
 
-    // Paints what InvalidateRect collected, at once.
+    // Paints at once what InvalidateRect has collected.
     void PaintInvalid();
     bool painting() const { return painting_; }
-    // While painting: a painter in this widget's coordinates, on what is painted and nothing else.
+    // While the window paints, returns a painter in this widget's coordinates that draws only on
+    // the part to be painted.
     std::unique_ptr<QPainter> MakePainter();
 
   protected:
@@ -46,17 +47,17 @@ class WindowWidget : public QWidget {
     void PaintWindow(const QRegion& reachable);
 
     HWND window_;
-    QPaintDevice* store_ = nullptr;  // that is painted on straight; null: the toolkit paints
-    QRegion store_region_;           // in its coordinates
-    bool own_paint_ = false;         // the paint was asked for by the program
+    QPaintDevice* store_ = nullptr;  // painted on directly; null: the toolkit paints
+    QRegion store_region_;           // in the store's coordinates
+    bool own_paint_ = false;         // the program asked for this paint
     bool painting_ = false;
-    bool paint_came_ = false;  // since the program asked for one
-    int finger_ = -1;          // the touch point that is the stylus; -1: none is down
+    bool paint_came_ = false;  // since the program asked for a paint
+    int finger_ = -1;          // the touch point that acts as the stylus; -1: no finger is down
     QElapsedTimer since_tap_;
     QPointF tap_;
 };
 
-// Null where the program does not paint.
+// Null if the program does not paint the window.
 inline WindowWidget* PaintedWidget(const Window& window) {
     return PaintedByProgram(window) ? static_cast<WindowWidget*>(window.widget.data()) : nullptr;
 }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Windows: creation and destruction, places, texts, focus, and what becomes of messages that a
-// window leaves alone.
+// Windows: creation and destruction, places, texts, focus, and the default handling of messages.
 #include "platform/qt/window/window.h"
 
 #include "platform/qt/services/services.h"
@@ -19,7 +18,7 @@ QRect InitialPlace(int x, int y, int width, int height) {
     return QRect(x, y, std::max(width, 0), std::max(height, 0));
 }
 
-// Dialogs are desktop windows of their own.
+// Maps through the desktop, because dialogs are separate windows of it.
 QPoint CornerOnScreen(const Window& window) {
     return DeviceScreen()->mapFromGlobal(window.widget->mapToGlobal(QPoint(0, 0)));
 }
