@@ -65,7 +65,7 @@ struct AutoLogin {
 inline constexpr int kSshReassemblySize = 65535;
 
 // Used by SSH-1 and SSH-2: received bytes that are not a whole packet yet. It lasts as long as the
-// session. Protocol names.
+// session. The fields have protocol names.
 struct SshState {
     int recvFill = 0;  // bytes in recvBuf
     BYTE recvBuf[kSshReassemblySize] = {};
@@ -81,7 +81,7 @@ inline constexpr uint32_t kSsh1PtyRows = 24;
 inline constexpr uint32_t kSsh1PtyColumns = 80;
 
 // The state of an SSH-1 session. Outside a session everything is zero except the terminal's size.
-// Protocol names.
+// The fields have protocol names.
 struct Ssh1State {
     int ssh1State = 0;                       // 0..5, see `State` in ssh1_session.cpp
     const Ssh1Cipher* ssh1Cipher = nullptr;  // null: packets are not encrypted
@@ -111,7 +111,8 @@ inline constexpr int kSsh2MaxData = 16384;     // bytes of data in one outgoing 
 inline constexpr int kSsh2MaxHeld = 1 << 20;   // bytes that can wait during a key exchange
 inline constexpr int kSsh2KeyBlockSize = 2 * kSha1Size;
 
-// The state of an SSH-2 session. Outside a session everything is zero. Protocol names.
+// The state of an SSH-2 session. Outside a session everything is zero. The fields have protocol
+// names.
 struct Ssh2State {
     // Packets. While `cipher` is set, packets are encrypted and have a MAC.
     const SshCipher* cipher = nullptr;
