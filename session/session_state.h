@@ -108,7 +108,7 @@ struct SessionState {
     Settings settings = {};
 
     // Owner: settings/settings.
-    DWORD save_settings = 1;  // 0: the program does not save the settings at its end
+    DWORD save_settings = 1;  // 0: the settings are not saved any more
 };
 
 extern SessionState session;
