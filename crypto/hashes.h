@@ -15,11 +15,11 @@ inline constexpr int kMd5Size = 16;  // bytes of a digest
 struct Md5Context {
     uint32_t state[4];
     uint64_t bitCount;   // bits of input so far, modulo 2^64
-    uint8_t buffer[64];  // pending input: (bitCount / 8) mod 64 bytes of it
+    uint8_t buffer[64];  // pending input: (bitCount / 8) mod 64 bytes
 };
 
 void Md5Init(Md5Context* context);
-// Any number of calls with pieces of any length give the digest of the pieces in a row.
+// Adds a piece of any length. The digest is that of all pieces joined together.
 void Md5Update(Md5Context* context, const uint8_t* bytes, int length);
 // Writes the digest and wipes the context.
 void Md5Final(Md5Context* context, uint8_t digest[kMd5Size]);
