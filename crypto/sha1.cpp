@@ -143,8 +143,8 @@ void Sha1UpdateMpint(Sha1Context* context, ConstBignum integer) {
 
 // ---------------------------------------------------------------- with SHA instructions
 
-// SHA-1 with the SHA instructions of x86 processors. Without them SHA-1 would be much slower than
-// the processor allows. The program checks once, at its start, whether the processor has them.
+// SHA-1 with the SHA instructions of x86 processors, which are much faster than portable code. The
+// program checks once, at its start, whether the processor has them.
 
 #if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
 

@@ -32,19 +32,19 @@ struct Protocol {
 
 // ---------------------------------------------------------------- Telnet
 
-inline constexpr int kReceiveSize = 3000;  // most bytes of one receive
+inline constexpr int kReceiveSize = 3000;  // the most bytes that one receive returns
 inline constexpr int kSubnegSize = 80;
 inline constexpr int kTelnetOptions = 251;  // codes 0..250
 
 struct TelnetState {
     DWORD iac_seen = 0;
-    DWORD last_command = 0;  // 250..254; 0 until the first one; stays set after use
-    DWORD in_subneg = 0;     // survives a disconnect
+    DWORD last_command = 0;  // 250..254; 0 at each connect; stays set after use
+    DWORD in_subneg = 0;     // 1: inside a subnegotiation; a disconnect does not clear it
     BYTE subneg_buffer[kSubnegSize] = {};
     int subneg_count = 0;
-    BYTE his_options[kTelnetOptions] = {};   // 1: we sent DO for this option
-    BYTE my_options[kTelnetOptions] = {};    // 1: we sent WILL for this option; 1 for echo at first
-    DWORD escape_iac = 0;                    // 1: send typed data with IAC doubled, then IAC EOR
+    BYTE his_options[kTelnetOptions] = {};  // 1: we sent DO for this option
+    BYTE my_options[kTelnetOptions] = {};   // 1: we sent WILL for this option; 1 for echo at first
+    DWORD escape_iac = 0;  // 1: typed data gets IAC doubled and IAC EOR; always 0 so far
     BYTE display_buffer[kReceiveSize] = {};  // the displayable bytes of the current chunk
 };
 

@@ -58,7 +58,7 @@ struct SessionState {
     int status_height = 0;         // pixels; 0 while hidden
 
     // Owner: ui/view/terminal_window.
-    DWORD narrow_screen = 0;  // 1: less than 350 pixels wide
+    DWORD narrow_screen = 0;  // 1: the screen is less than 350 pixels wide
 
     // Owner: ui/view/.
     ViewState view;

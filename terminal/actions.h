@@ -95,7 +95,7 @@ void DeleteCharacters();
 void InsertOneLine();  // CSI L: always one line; the parameter is ignored
 void DeleteSomeLines();
 
-void BlankScreen(int reset_line_attr);  // rows 1..24
+void BlankScreen(int reset_line_attr);  // rows 1..24; reset_line_attr as for FillLine
 
 // The VT52 forms. On the cursor's row they write spaces with the current attribute; the rows below
 // become plain blanks.
@@ -134,6 +134,6 @@ void ReplyVt52Identity();        // ESC Z in VT52 mode
 void ReplyPrimaryAttributes();   // ESC Z in ANSI mode
 void ReplyDeviceAttributes();    // CSI c; the secondary reply when secondary_flag is set
 void ReplyDeviceStatus();        // CSI n; sends nothing for an unknown status
-void ReplyTerminalParameters();  // CSI x
+void ReplyTerminalParameters();  // CSI x; one text for parameter 0, another for the rest
 
 #endif

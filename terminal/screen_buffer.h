@@ -6,8 +6,8 @@
 // column outside 1..80 changes nothing, and reading such a cell returns a blank.
 //
 // A cell is a 32-bit word (kCell... in terminal_types.h). Every operation except TurnRing sets
-// row_changed for each row that it changes; only the renderer clears it. Erasing writes plain
-// blanks, never the current attribute.
+// row_changed for each row of the screen that it changes; only the renderer clears it. Erasing
+// writes plain blanks, never the current attribute.
 #ifndef QUILL_TERMINAL_SCREEN_BUFFER_H
 #define QUILL_TERMINAL_SCREEN_BUFFER_H
 

@@ -80,9 +80,10 @@ void ControlSequenceByte(BYTE b);  // one byte in state 2
 
 // In the ground state: runs the whole control sequence at the front of the bytes, ESC [ included.
 // The effect is the same as feeding the bytes one by one. It handles only the common kind: at most
-// two numbers of at most two digits each, no flag characters, no two leading zeros, and a final
-// byte that reads the numbers and sends no reply. For any other sequence, and with fewer than ten
-// bytes to look at, it does nothing and returns 0. Otherwise it returns how many bytes it took.
+// two numbers of at most two digits each, no flag characters, no text that begins with two zeros,
+// and a final byte that reads the numbers and sends no reply. For any other sequence, and with
+// fewer than ten bytes to look at, it does nothing and returns 0. Otherwise it returns how many
+// bytes it took.
 int RunCommonSequence(const BYTE* bytes, int count);
 
 // In state 2: appends the parameter characters at the front, as ControlSequenceByte would one by

@@ -188,7 +188,7 @@ void OnKexInit() {
 
 // An exchange accepts only one reply: the group is released even if the reply is bad.
 void OnKexDhReply() {
-    if (!session.ssh2.dh.p) return;  // no exchange is under way
+    if (!session.ssh2.dh.p) return;  // no exchange is in progress
     const KexDhReply reply = ReadReply();
     if (reply.signature && AgreeWith(reply)) {
         BeginPacket(kMsgNewKeys, 1);

@@ -71,7 +71,7 @@ int CompletePacket() {
 
 // Handles one packet; returns false if there is no complete one, or if the handler ended the
 // session. In that case the waiting bytes are dropped only if there is no socket: otherwise a new
-// session has already begun, and they belong to it.
+// session may have begun, and they belong to it.
 bool TakePacket(SOCKET served) {
     SshState& ssh = session.ssh;
     const int size = CompletePacket();
