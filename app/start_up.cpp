@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The program's entry point.
+// The program's entry point: it brings a running instance to the front or else starts the program,
+// and saves the settings at the end.
 #include "app/start_up.h"
 
 #include "connection/connection.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Connecting, closing, and what is told of it.
+// Connecting a session and closing it, and the messages to the user about both.
 #include "connection/connection.h"
 
 #include "protocol/protocols.h"
@@ -21,9 +21,10 @@ void CloseSocket() {
     WakeReceiveThread();
 }
 
-// A session that is over may have left its socket open (the host dropped the line) or its thread
-// and notifications on their way (the user closed it). Both come to their end before the next
-// session begins, so nothing of the old one can reach the new.
+// After a session has ended, its socket may still be open (the host closed the connection), or its
+// thread may still run and its messages may still wait (the user closed it). This closes the
+// socket, waits for the thread and handles the messages, so that nothing of the old session reaches
+// the new one.
 int FinishLastSession() {
     if (session.connect_pending && session.socket != INVALID_SOCKET) return 1;
     if (Connected() && session.socket != INVALID_SOCKET) return 1;
@@ -32,7 +33,7 @@ int FinishLastSession() {
     MSG message;
     while (PeekMessageW(&message, session.main_window, WM_SOCKET_DATA, WM_SOCKET_CONNECTED,
                         PM_REMOVE)) {
-        if (message.message == WM_QUIT) {  // it passes every filter
+        if (message.message == WM_QUIT) {  // no filter keeps WM_QUIT back
             PostQuitMessage(static_cast<int>(message.wParam));
             return 0;
         }
@@ -51,8 +52,8 @@ void ResetForSession() {
     if (CursorPosition() != cursor) session_ports.update_status();
 }
 
-// The address of settings.host in network order, or INADDR_NONE. A dotted address is not looked
-// up; an empty name names nothing.
+// Returns the address of settings.host in network byte order, or INADDR_NONE. It does not look up a
+// dotted address. An empty name yields INADDR_NONE.
 uint32_t HostAddress() {
     char name[kHostUnits];
     if (AnsiFromWide(session.settings.host, name, kHostUnits) == 0) return INADDR_NONE;
@@ -77,7 +78,7 @@ int OpenSocket() {
     return 1;
 }
 
-// The first dial-up entry of the device becomes the one to dial.
+// Makes the device's first dial-up entry the one to dial.
 void TakeFirstDialEntry() {
     DWORD size = 0, count = 0;
     RasEnumEntries(nullptr, nullptr, nullptr, &size, &count);
@@ -106,7 +107,7 @@ void TellConnectError(int error) {
     ShowError(text);
 }
 
-// 1 while the request is under way or done.
+// Returns 1 if the request succeeded or is in progress, 0 if it failed.
 int RequestConnection(uint32_t address) {
     session.peer = SOCKADDR_IN{};
     session.peer.sin_family = AF_INET;
@@ -132,7 +133,7 @@ int RequestConnection(uint32_t address) {
 void SessionConnect() {
     if (!FinishLastSession()) return;
     BeginProtocol();
-    if (session.connect_pending && !Connected()) return;  // the flag outlasts the request
+    if (session.connect_pending && !Connected()) return;  // it stays set after the request
     if (Connected()) return ShowError(TEXT("Already a session to the UNIX Host"));
     ArmAutoLogin();
     ResetForSession();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The connection: the one TCP session that the program holds at a time, its receiving thread, and
-// the modem.
+// The connection: the program's one TCP session at a time, the thread that receives its bytes, and
+// dialling with the modem.
 #ifndef QUILL_CONNECTION_CONNECTION_H
 #define QUILL_CONNECTION_CONNECTION_H
 
@@ -8,33 +8,38 @@
 
 // ---------------------------------------------------------------- the session
 
-// Connects to settings.host and settings.port. Every failure is told in a message box with the
-// caption "Error"; without a network the user is asked whether to dial. Does nothing while a
-// request is under way.
+// Connects to settings.host and settings.port. A message box with the caption "Error" reports each
+// failure. If there is no network, it asks the user whether to dial. Does nothing while a connect
+// request is in progress.
 void SessionConnect();
 
-// The user's close: shuts the socket; the receiving thread's notification then runs SessionClosed.
+// Closes the session on the user's side: it closes the socket. The receiving thread then posts
+// WM_SOCKET_DATA, which leads to SessionClosed.
 void SessionClose();
 
-// The session has ended, whoever ended it: the offline menus, and the message that is due.
+// Runs when the session has ended, on either side: wipes the SSH state, shows the offline menus,
+// and shows a message if one applies. With the setting exit_dis it ends the program instead.
 void SessionClosed();
 
 // ---------------------------------------------------------------- the receiving thread
 
-// One for each connection; it only waits, reads and posts. It serves the
-// socket that was the session's when it was started, fills session.receive_buffer only while
-// session.receive_ready is 1, and posts WM_SOCKET_DATA and WM_SOCKET_CONNECTED to the main window.
+// Each connection has one receiving thread. It waits for data, reads it and posts messages to the
+// main window: WM_SOCKET_DATA and WM_SOCKET_CONNECTED. It uses the socket that session.socket holds
+// when the thread starts, and writes to session.receive_buffer only while session.receive_ready
+// is 1.
 
-// Starts the thread for session.socket. No other one may be running.
+// Starts the thread for session.socket. No other receiving thread may be running.
 void StartReceiveThread();
 
-// Waits until the thread of a closed socket has ended; 1, or 0 if it has not within 5 seconds.
+// Waits until the thread of a closed socket has ended. Returns 1, or 0 if it has not ended after 5
+// seconds.
 int AwaitReceiveThread();
 
-// Wakes the thread that waits for its turn on the buffer: the turn has come, or the socket closed.
+// Wakes the thread while it waits for the buffer. Call it when the buffer is free again or the
+// socket is closed.
 void WakeReceiveThread();
 
-// Frees the events after the last session.
+// Frees the thread's events when the program ends.
 void EndReceiving();
 
 // The thread's procedure; the argument is not used. Returns 1.
@@ -42,29 +47,32 @@ DWORD WINAPI ReceiveThread(LPVOID);
 
 // ---------------------------------------------------------------- received bytes
 
-// The window thread's side of the hand-over of received bytes.
+// How the window thread takes the received bytes.
 
-// WM_SOCKET_DATA: kind 0, a chunk waits in session.receive_buffer; 1, the connection has ended. The
-// buffer is handed back to the receiving thread on every path.
+// Handles WM_SOCKET_DATA. kind 0: a chunk waits in session.receive_buffer; 1: the connection has
+// ended. It then gives the buffer back to the receiving thread, unless a new session has begun in
+// the meantime.
 void OnSocketEvent(WPARAM kind);
 
 // ---------------------------------------------------------------- the modem
 
-// Dials the entry settings.ras and returns at once. Failures to begin are told in a message box
-// with the caption "Error".
+// Starts to dial the entry settings.ras and returns at once. If dialling cannot start, a message
+// box with the caption "Error" says so.
 void StartDial();
 
-// Starts the dial that the user has agreed to, once; without one it does nothing.
+// Starts the dial that the user agreed to (session.dial_request) and clears the request. Does
+// nothing without a request.
 void StartRequestedDial();
 
-// WM_RASDIALEVENT: the state that the dial has reached, and an error code or 0. A connection made
-// begins the session.
+// Handles WM_RASDIALEVENT: the state that the dial has reached, and an error code or 0. When the
+// dial has connected, it starts the session.
 void OnDialEvent(WPARAM state, LPARAM error);
 
-// A line of the dial's, ending in CR LF, into the terminal. Only while a dial is in progress.
+// Shows a line about the dial in the terminal. The text ends in CR LF. Does nothing if no dial is
+// in progress.
 void DialProgress(const char* text);
 
-// Ends the dial or the connection that it made, if there is one. Does not wait for the modem.
+// Ends the dial in progress or the modem connection, if there is one. Does not wait for the modem.
 void HangUpDial();
 
 #endif

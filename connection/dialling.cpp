@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Modem dialling.
+// Dialling with the modem: starting a dial, showing its progress in the terminal, and ending it.
 #include "connection/connection.h"
 
 #include "session/session_ports.h"
@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr DWORD kNotifyWindow = 0xFFFFFFFF;  // the notifier is a window
+constexpr DWORD kNotifyWindow = 0xFFFFFFFF;  // RasDial notifies a window
 
 struct StateRow {
     WPARAM state;
@@ -67,7 +67,7 @@ void TellDialError(DWORD error) {
     ShowError(text);
 }
 
-// A name too long for an entry is that of none; cut short it might be another one's.
+// A name that is too long cannot name an entry. If it were cut, it might name a different entry.
 bool FetchParameters(RASDIALPARAMSW* parameters) {
     if (lstrlenW(session.settings.ras) > RAS_MaxEntryName) return false;
     parameters->dwSize = sizeof(*parameters);
@@ -76,20 +76,20 @@ bool FetchParameters(RASDIALPARAMSW* parameters) {
     return RasGetEntryDialParams(nullptr, parameters, &has_password) == 0;
 }
 
-// A dial that is given up for another one: what it still has to tell is not the new one's. A
-// connection that it made goes with it.
+// Ends the previous dial, or the connection that it made, before a new dial. It discards the
+// messages of the previous dial, so that they are not taken for those of the new one.
 void EndDialBefore() {
     HangUpDial();
     MSG message;
     while (
         PeekMessageW(&message, session.main_window, WM_RASDIALEVENT, WM_RASDIALEVENT, PM_REMOVE)) {
-        if (message.message != WM_QUIT) continue;  // it passes every filter
+        if (message.message != WM_QUIT) continue;  // no filter keeps WM_QUIT back
         PostQuitMessage(static_cast<int>(message.wParam));
         return;
     }
 }
 
-// A dial that did not begin tells nothing more, and its handle is to be given back.
+// A dial that could not start sends no more messages, but its handle must be closed.
 void GiveUp(DWORD error) {
     session.dialling = 0;
     HangUpDial();

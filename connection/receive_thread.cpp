@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The receiving thread. Its socket is closed under it to end it: its select then fails.
+// The receiving thread. To end it, the window thread closes its socket; its select then fails.
 #include "connection/connection.h"
 
 #include "session/session_state.h"
@@ -12,8 +12,8 @@ constexpr DWORD kEndMilliseconds = 5000;
 
 bool OwnTurn() { return session.receive_ready.load(std::memory_order_acquire) == 1; }
 
-// While the window thread holds the buffer, its hand-back is waited for rather than the socket, so
-// that the next read follows at once. Returns select's result.
+// While the window thread uses the buffer, this waits for the buffer and not for the socket, so
+// that the next read starts as soon as the buffer is free. Returns the result of select.
 int WaitForSocket(SOCKET socket, fd_set* readable, fd_set* failed) {
     TIMEVAL timeout = {0, kWaitMicroseconds};
     if (!OwnTurn()) {
@@ -34,7 +34,8 @@ void ReportConnected() {
     PostMessageW(session.main_window, WM_SOCKET_CONNECTED, 0, 0);
 }
 
-// One chunk into the buffer and over to the window thread; false at the connection's end.
+// Reads one chunk into the buffer and passes it to the window thread. Returns false if the host has
+// closed the connection.
 bool ReceiveChunk(SOCKET socket) {
     session.receive_count = recv(socket, session.receive_buffer, kReceiveSize, 0);
     if (session.receive_count == 0) return false;
@@ -48,7 +49,8 @@ bool ServeSocket(SOCKET socket) {
     const int result = WaitForSocket(socket, &readable, &failed);
     if (result == 0) return true;
     if (result == SOCKET_ERROR || FD_ISSET(socket, &failed)) return false;
-    // The user's close shuts the socket first, which reads like the host's end.
+    // When the user closes the session, the socket is shut down first. That looks like the end of
+    // the host's data.
     if (session.socket.load(std::memory_order_acquire) != socket) return false;
     ReportConnected();
     if (!OwnTurn() || !FD_ISSET(socket, &readable)) return true;
@@ -69,7 +71,7 @@ DWORD WINAPI ReceiveThread(LPVOID) {
     while (ServeSocket(socket)) {
     }
     PostMessageW(session.main_window, WM_SOCKET_DATA, 1, 0);
-    SetEvent(session.receive_ended);  // from here on the next session may start
+    SetEvent(session.receive_ended);  // the next session may start now
     return 1;
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The end of a session, whoever ended it. A file of its own: it hangs up the modem, which itself
-// connects.
+// The end of a session, on either side. This is a separate file: it calls the code of the modem,
+// and that code starts sessions.
 #include "connection/connection.h"
 #include "protocol/protocols.h"
 #include "session/session_ports.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is done with a received chunk.
+// Handling of WM_SOCKET_DATA: passing a received chunk to the protocol, or ending the session.
 #include "connection/connection.h"
 
 #include "protocol/protocols.h"
@@ -12,7 +12,8 @@ void HandBackBuffer() {
     WakeReceiveThread();
 }
 
-// A failed recv is handed over like a chunk; it ends here, and no protocol sees it.
+// The receiving thread also reports a failed recv, as a chunk with a negative count. It is ignored
+// here.
 void TakeChunk() {
     if (session.receive_count < 1) return;
     TakeSessionChunk(reinterpret_cast<const BYTE*>(session.receive_buffer), session.receive_count);
@@ -22,8 +23,8 @@ bool Stale() { return !Connected() || session.receive_ready.load(std::memory_ord
 
 }  // namespace
 
-// A message box shown on the way lets other messages run, and a new session may begin in them: its
-// turn on the buffer is not this event's to give.
+// A message box that is shown here lets other messages run, and these may start a new session. This
+// event must not give that session's buffer to its receiving thread.
 void OnSocketEvent(WPARAM kind) {
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     if (kind == 1) {

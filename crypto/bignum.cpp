@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Multiprecision integers: life, bits and wire forms. The arithmetic is in bignum_arithmetic.cpp.
+// Multiprecision integers: making and freeing them, bits and wire forms. The arithmetic is in
+// bignum_arithmetic.cpp.
 #include "crypto/bignum.h"
 
 #include <bit>
@@ -40,7 +41,7 @@ Bignum BignumCopy(ConstBignum a) {
     return copy;
 }
 
-// Words that BignumNormalise dropped are zero, so wiping the ones that are left is enough.
+// The words that BignumNormalise removed are zero, so it is enough to wipe the remaining ones.
 void BignumFree(Bignum a) {
     if (a != nullptr) WipeAndFree(a, (size_t{a[0]} + 1) * sizeof(uint16_t));
 }

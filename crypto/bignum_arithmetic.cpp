@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Multiprecision integers: the arithmetic, by schoolbook multiplication and long division.
+// Multiprecision integers: the arithmetic, with schoolbook multiplication and long division.
 #include <bit>
 #include <cstdlib>
 #include <cstring>
@@ -8,8 +8,9 @@
 #include "crypto/long_division.h"
 #include "text/bytes.h"
 
-// The working space of one operation, allocated once: a divisor shifted left so that its top bit
-// is bit 15 of its first word, three word arrays, most significant word first, and columns.
+// The working memory of one operation, in a single allocation. It holds a divisor, shifted left so
+// that its top bit is bit 15 of its first word, three word arrays, most significant word first, and
+// columns.
 struct Scratch {
     void* memory;
     size_t size;
@@ -24,7 +25,7 @@ struct Scratch {
 
 static int SignificantWords(ConstBignum a) { return (BignumBitLength(a) + 15) / 16; }
 
-// The lowest `count` words of a, most significant first.
+// Copies the lowest `count` words of a, most significant first.
 static void ToWords(uint16_t* words, int count, ConstBignum a) {
     for (int i = 0; i < count; i++) words[i] = count - i <= a[0] ? a[count - i] : uint16_t{0};
 }
@@ -33,7 +34,8 @@ static void FromWords(Bignum a, const uint16_t* words, int count) {
     for (int i = 1; i <= a[0]; i++) a[i] = i <= count ? words[count - i] : uint16_t{0};
 }
 
-// `columns`, `left` and `right` are sizes to make room for; the quotient has a word a column.
+// `columns`, `left` and `right` are the sizes to make room for. The quotient has one word for each
+// column.
 static bool ScratchOpen(Scratch* scratch, ConstBignum divisor, int columns, int left, int right) {
     int count = SignificantWords(divisor);
     if (columns < count + 1) columns = count + 1;
@@ -67,7 +69,7 @@ static void ReduceToLeft(Scratch* scratch) {
     ColumnsStore(&scratch->columns, scratch->left, scratch->divisorCount, 0);
 }
 
-// words, below the shifted divisor, to the remainder of the divisor itself.
+// Reduces `words`, which is less than the shifted divisor, modulo the divisor itself.
 static void ReduceToDivisor(Scratch* scratch, uint16_t* words) {
     int count = scratch->divisorCount;
     ColumnsLoad(&scratch->columns, words, count, scratch->shift);
@@ -75,10 +77,10 @@ static void ReduceToDivisor(Scratch* scratch, uint16_t* words) {
     ColumnsStore(&scratch->columns, words, count, scratch->shift);
 }
 
-// words = a modulo the shifted divisor; the columns have room for a.
+// words = a modulo the shifted divisor. The columns must have room for a.
 static void LoadReduced(Scratch* scratch, uint16_t* words, ConstBignum a) {
     int count = SignificantWords(a);
-    ToWords(scratch->quotient, count, a);  // spent here as the room for a's words
+    ToWords(scratch->quotient, count, a);  // the quotient's memory is free: use it for a's words
     ColumnsLoad(&scratch->columns, scratch->quotient, count, 0);
     ColumnsDivide(&scratch->columns, scratch->divisor, scratch->divisorCount, nullptr);
     ColumnsStore(&scratch->columns, words, scratch->divisorCount, 0);
@@ -92,7 +94,7 @@ static Bignum NormalisedFromWords(const uint16_t* words, int count) {
     return result;
 }
 
-// Quotient and remainder at once; either may be null. False when memory is short.
+// Computes quotient and remainder; either may be null. Returns false if there is no memory.
 static bool Divide(ConstBignum a, ConstBignum divisor, Bignum quotient, Bignum remainder) {
     int count = SignificantWords(a);
     Scratch scratch;
@@ -123,7 +125,7 @@ Bignum BignumDiv(ConstBignum a, ConstBignum divisor) {
     return nullptr;
 }
 
-// c joins the product before the carries are taken.
+// Adds c to the product before the carries are resolved.
 Bignum BignumMulAdd(ConstBignum a, ConstBignum b, ConstBignum c) {
     int aCount = SignificantWords(a), bCount = SignificantWords(b), cCount = SignificantWords(c);
     int count = (aCount + bCount > cCount ? aCount + bCount : cCount) + 1;
@@ -172,9 +174,9 @@ static void SquareAndMultiply(Scratch* scratch, ConstBignum exponent) {
     }
 }
 
-// The power of a base that has no more words than the modulus. Products are reduced by the shifted
-// modulus all along, which leaves their remainder by the modulus itself as it is; one more
-// reduction at the end comes down to that.
+// Computes the power of a base that has no more words than the modulus. It reduces each product
+// modulo the shifted modulus, a multiple of the modulus; this does not change the remainder modulo
+// the modulus itself. A last reduction then gives that remainder.
 static Bignum PowerOfReduced(ConstBignum base, ConstBignum exponent, ConstBignum modulus) {
     int count = SignificantWords(modulus);
     Scratch scratch;
@@ -190,7 +192,7 @@ static Bignum PowerOfReduced(ConstBignum base, ConstBignum exponent, ConstBignum
     return result;
 }
 
-// Every step works on as many columns as there are: a long base is reduced before the first one.
+// Each step works on all columns, so a base longer than the modulus is reduced first.
 Bignum BignumModPow(ConstBignum base, ConstBignum exponent, ConstBignum modulus) {
     if (SignificantWords(base) <= SignificantWords(modulus))
         return PowerOfReduced(base, exponent, modulus);
@@ -201,8 +203,8 @@ Bignum BignumModPow(ConstBignum base, ConstBignum exponent, ConstBignum modulus)
     return result;
 }
 
-// One step of Euclid's algorithm: the pair (first, second) and the coefficients of a in them,
-// without their signs, which alternate.
+// The state of Euclid's algorithm: the pair (first, second) and the coefficients of a in them. The
+// signs alternate and are not stored.
 struct Euclid {
     Bignum first;
     Bignum second;
@@ -226,7 +228,7 @@ static bool EuclidStep(Euclid* state) {
     return remainder != nullptr && coefficient != nullptr;
 }
 
-// a - b, for b not above a; n that of the highest word that is not zero.
+// a - b, for b <= a. The result has no leading zero words.
 static Bignum Subtract(ConstBignum a, ConstBignum b) {
     Bignum result = BignumCopy(a);
     if (result == nullptr) return nullptr;
@@ -240,7 +242,7 @@ static Bignum Subtract(ConstBignum a, ConstBignum b) {
     return result;
 }
 
-// Euclid's algorithm ends at 1 for numbers without a common factor and at 0 for all others.
+// Euclid's algorithm ends at 1 if the numbers have no common factor, and else at 0.
 Bignum BignumModInverse(ConstBignum a, ConstBignum modulus) {
     Euclid state = {BignumCopy(modulus), BignumCopy(a), BignumFromUint32(0), BignumFromUint32(1)};
     int sign = 1;

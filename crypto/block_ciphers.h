@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The block ciphers: DES, triple DES and Blowfish, block by block and chained (CBC).
+// The block ciphers of SSH: DES, triple DES and Blowfish, on single blocks and in CBC mode.
 #ifndef QUILL_CRYPTO_BLOCK_CIPHERS_H
 #define QUILL_CRYPTO_BLOCK_CIPHERS_H
 
@@ -9,8 +9,9 @@
 
 // Cipher block chaining (FIPS 81) over any cipher whose block is two 32-bit words.
 //
-// Both procedures work on ceil(length / 8) blocks (callers pass whole ones), may have output and
-// input the same, and leave the chaining value in `iv`, so that calls in a row are one stream.
+// Both procedures work on ceil(length / 8) blocks; callers pass whole blocks. Output and input may
+// be the same buffer. They leave the chaining value in `iv`, so consecutive calls process one
+// stream.
 
 inline constexpr int kCipherBlockSize = 8;  // bytes, for DES and for Blowfish
 
@@ -23,7 +24,7 @@ inline CipherBlock operator^(CipherBlock a, CipherBlock b) {
     return {a.left ^ b.left, a.right ^ b.right};
 }
 
-// The byte orders of a block: byte 0 is the highest, or the lowest, byte of `left`.
+// The byte orders of a block: byte 0 is the highest (Big) or the lowest (Little) byte of `left`.
 inline CipherBlock LoadBigBlock(const uint8_t* bytes) {
     return {LoadBig<uint32_t>(bytes), LoadBig<uint32_t>(bytes + 4)};
 }
@@ -45,8 +46,8 @@ inline void StoreLittleBlock(uint8_t* bytes, CipherBlock block) {
 typedef CipherBlock (*LoadBlock)(const uint8_t* bytes);
 typedef void (*StoreBlock)(uint8_t* bytes, CipherBlock block);
 
-// A cipher is a procedure that changes an array of blocks in place, whatever its size: each block
-// by itself, side by side where there are several.
+// A cipher is a procedure that changes an array of blocks in place. It takes an array of any size
+// and treats each block independently, so the processor can work on several at once.
 template <LoadBlock load, StoreBlock store, typename Cipher>
 inline void CbcEncrypt(uint8_t* output, const uint8_t* input, int length, uint32_t iv[2],
                        Cipher encrypt) {
@@ -62,7 +63,7 @@ inline void CbcEncrypt(uint8_t* output, const uint8_t* input, int length, uint32
     iv[1] = chain[0].right;
 }
 
-// The next `count` blocks; returns the last of the input, which is the next chaining value.
+// Decrypts the next `count` blocks. Returns the last input block, which is the next chaining value.
 template <int count, LoadBlock load, StoreBlock store, typename Cipher>
 inline CipherBlock CbcDecryptGroup(uint8_t* output, const uint8_t* input, CipherBlock chain,
                                    Cipher decrypt) {
@@ -76,8 +77,8 @@ inline CipherBlock CbcDecryptGroup(uint8_t* output, const uint8_t* input, Cipher
     return chain;
 }
 
-// An encryption waits for each block before the next one. A decryption does not: it is given
-// kCbcGroup blocks at a time, which a processor works on side by side.
+// CBC encryption needs each block's result for the next block. Decryption does not, so it processes
+// kCbcGroup blocks at a time, which the processor can overlap.
 inline constexpr int kCbcGroup = 4;
 
 template <LoadBlock load, StoreBlock store, typename Cipher>
@@ -101,17 +102,17 @@ inline void CbcDecrypt(uint8_t* output, const uint8_t* input, int length, uint32
 
 // ---------------------------------------------------------------- DES
 
-// DES (FIPS 46-3) and triple DES, as blocks and in CBC.
+// DES (FIPS 46-3) and triple DES, on single blocks and in CBC mode.
 //
-// A block is two 32-bit words, left and right, big-endian: byte 0 is the top byte of left. Every
-// mode takes lengths and buffers as said above, its chaining value in the context.
+// A block is two 32-bit words, left and right, big-endian: byte 0 is the top byte of left. Lengths
+// and buffers are as for CbcEncrypt; the chaining value is in the context.
 //
-// The S-boxes are tables: how long a block takes depends on what the processor holds of them, and
-// so a little on key and text.
+// The S-boxes are tables. The time for a block depends on which parts of them are in the
+// processor's cache, and so slightly on key and text.
 
-// The sixteen round keys, six bits a byte: in `subkeysOdd` for S-boxes 1, 3, 5 and 7 (1 in the top
-// byte), in `subkeysEven` for 2, 4, 6 and 8. Each direction has its chaining value, left and right,
-// so one context can carry an encryption and a decryption stream at once.
+// The sixteen round keys, six bits in each byte. `subkeysOdd` is for S-boxes 1, 3, 5 and 7 (1 in
+// the top byte), `subkeysEven` for 2, 4, 6 and 8. Each direction has its own chaining value, left
+// and right, so one context can serve an encryption stream and a decryption stream.
 struct DesContext {
     uint32_t subkeysOdd[16];
     uint32_t subkeysEven[16];
@@ -119,24 +120,24 @@ struct DesContext {
     uint32_t decryptIv[2];
 };
 
-// Takes the eight key bytes as two big-endian words (parity bits are not looked at) and clears
-// both chaining values.
+// Takes the eight key bytes as two big-endian words and clears both chaining values. It ignores the
+// parity bits.
 void DesSetKey(uint32_t leftWord, uint32_t rightWord, DesContext* context);
 // One block; output[0] is left, output[1] right.
 void DesEncryptBlock(uint32_t left, uint32_t right, uint32_t output[2], const DesContext* context);
 void DesDecryptBlock(uint32_t left, uint32_t right, uint32_t output[2], const DesContext* context);
 
-// DES in CBC, chained through encryptIv and decryptIv.
+// DES in CBC mode, chained through encryptIv and decryptIv.
 void DesCbcEncrypt(uint8_t* output, const uint8_t* input, int length, DesContext* context);
 void DesCbcDecrypt(uint8_t* output, const uint8_t* input, int length, DesContext* context);
 
-// Triple DES (encrypt K1, decrypt K2, encrypt K3) as one block function inside one CBC chain, kept
-// in the first context: the "3des-cbc" of SSH-2 (RFC 4253, 6.3).
+// Triple DES (encrypt K1, decrypt K2, encrypt K3) as one block function inside one CBC chain. This
+// is the "3des-cbc" of SSH-2 (RFC 4253, 6.3). The first context holds the chaining value.
 void TripleDesCbcEncrypt(uint8_t* output, const uint8_t* input, int length, DesContext contexts[3]);
 void TripleDesCbcDecrypt(uint8_t* output, const uint8_t* input, int length, DesContext contexts[3]);
 
-// Three whole CBC passes, one a key, each with its own chaining value: the triple DES of SSH-1.
-// Encryption goes through K1's encryptIv, K2's decryptIv and K3's encryptIv, decryption through
+// Three whole CBC passes, one for each key, each with its own chaining value. This is the triple
+// DES of SSH-1. Encryption uses K1's encryptIv, K2's decryptIv and K3's encryptIv; decryption uses
 // the other three.
 void TripleDesPassesEncrypt(uint8_t* output, const uint8_t* input, int length,
                             DesContext contexts[3]);
@@ -146,24 +147,25 @@ void TripleDesPassesDecrypt(uint8_t* output, const uint8_t* input, int length,
 // ---------------------------------------------------------------- Blowfish
 
 // Blowfish (B. Schneier, "Description of a New Variable-Length Key, 64-Bit Block Cipher", 1993):
-// sixteen rounds, as a block function and in CBC with big-endian and with little-endian blocks.
+// sixteen rounds, on single blocks and in CBC mode with big-endian or little-endian blocks.
 //
-// Every mode takes lengths and buffers as said above, its chaining value in the context.
+// Lengths and buffers are as for CbcEncrypt; the chaining value is in the context.
 //
-// The S-boxes are tables: how long a block takes depends on what the processor holds of them, and
-// so a little on key and text.
+// The S-boxes are tables. The time for a block depends on which parts of them are in the
+// processor's cache, and so slightly on key and text.
 
 struct BlowfishContext {
     uint32_t boxes[4][256];
     uint32_t p[18];
-    uint32_t iv[2];  // chaining value, left and right; one direction a context
+    uint32_t iv[2];  // chaining value, left and right; a context serves one direction
 };
 
-// The hexadecimal digits of pi behind the point: first the P-array, then the boxes.
+// The hexadecimal digits of pi after the point: first the P-array, then the boxes.
 extern const uint32_t kBlowfishP[18];
 extern const uint32_t kBlowfishBoxes[4][256];
 
-// Schedules keyLength bytes of key (1 to 72; none leaves the context untouched). `iv` stays.
+// Sets up the context with a key of 1 to 72 bytes. With no bytes the context does not change. `iv`
+// never changes.
 void BlowfishSetKey(BlowfishContext* context, const uint8_t* key, int keyLength);
 // One block; output[0] is left, output[1] right.
 void BlowfishEncryptBlock(uint32_t left, uint32_t right, uint32_t output[2],
@@ -177,7 +179,7 @@ void BlowfishCbcEncrypt(uint8_t* output, const uint8_t* input, int length,
 void BlowfishCbcDecrypt(uint8_t* output, const uint8_t* input, int length,
                         BlowfishContext* context);
 
-// CBC with little-endian blocks (byte 0 is the lowest byte of left): what SSH-1 peers use.
+// CBC with little-endian blocks (byte 0 is the lowest byte of left), as SSH-1 peers use it.
 void BlowfishLittleCbcEncrypt(uint8_t* output, const uint8_t* input, int length,
                               BlowfishContext* context);
 void BlowfishLittleCbcDecrypt(uint8_t* output, const uint8_t* input, int length,

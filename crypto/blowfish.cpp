@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Blowfish.
+// Blowfish: the key schedule, the block function and the CBC modes.
 #include "crypto/block_ciphers.h"
 
 #include <cstring>
@@ -11,7 +11,8 @@ static inline uint32_t RoundFunction(uint32_t half, const BlowfishContext* conte
     return (sum ^ context->boxes[2][half >> 8 & 0xFF]) + context->boxes[3][half & 0xFF];
 }
 
-// The key words join the half that waits, beside the look-ups of the other.
+// Each round key is XOR-ed into the half that waits, so that this runs in parallel with the table
+// look-ups of the other half.
 template <size_t count>
 static inline void Encrypt(CipherBlock (&blocks)[count], const BlowfishContext* context) {
     for (CipherBlock& block : blocks) block.left ^= context->p[0];

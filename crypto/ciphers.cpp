@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The cipher records of SSH-2 and SSH-1 over one set of contexts a direction.
+// The cipher records of SSH-2 and SSH-1. They share one set of contexts for each direction.
 #include "crypto/ciphers.h"
 
 #include <cstring>
@@ -133,7 +133,7 @@ static void Ssh1DesSetKey(const uint8_t* sessionKey) {
     SetDesKeys(incoming.des, 1, sessionKey);
 }
 
-// Both on the outgoing context: its two chaining values keep the directions apart.
+// Both directions use the outgoing context, which has a chaining value for each of them.
 static void Ssh1DesEncrypt(uint8_t* buffer, int length) {
     DesCbcEncrypt(buffer, buffer, length, &outgoing.des[0]);
 }

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // DES and triple DES.
 //
-// Both halves of a block are kept expanded (DesExpand) through all rounds: the tables give what
-// an S-box contributes in that form already, so a round is eight look-ups by byte and their XOR.
+// Both halves of a block stay expanded (DesExpand) during all rounds. The tables hold the S-boxes'
+// results in expanded form too, so a round is eight table look-ups, one for each byte, and their
+// XOR.
 #include "crypto/block_ciphers.h"
 
 #include <array>
@@ -11,10 +12,10 @@
 
 #include "text/bytes.h"
 
-// The permutations and S-boxes of FIPS 46-3 as it prints them, and the tables made of them at
-// translation.
+// The permutations and S-boxes as FIPS 46-3 prints them, and the tables computed from them at
+// compile time.
 
-// Bit numbers count from 1, the most significant bit.
+// Bit numbers count from 1, which is the most significant bit.
 // clang-format off
 inline constexpr uint8_t kDesPermutedChoice1[56] = {
     57, 49, 41, 33, 25, 17,  9,  1, 58, 50, 42, 34, 26, 18,
@@ -37,7 +38,7 @@ inline constexpr uint8_t kDesPermutation[32] = {
      2,  8, 24, 14, 32, 27,  3,  9, 19, 13, 30,  6, 22, 11,  4, 25,
 };
 
-// Box, row, column.
+// Indexed by box, row, column.
 inline constexpr uint8_t kDesBoxes[8][4][16] = {
     {{14,  4, 13,  1,  2, 15, 11,  8,  3, 10,  6, 12,  5,  9,  0,  7},
      { 0, 15,  7,  4, 14,  2, 13,  1, 10,  6, 12, 11,  9,  5,  3,  8},
@@ -74,22 +75,23 @@ inline constexpr uint8_t kDesBoxes[8][4][16] = {
 };
 // clang-format on
 
-// The expansion E of a half block: eight groups of six bits, one a byte. The upper 32 bits hold the
-// groups of S-boxes 1, 3, 5, 7 and the lower those of 2, 4, 6, 8, the first in the top byte.
+// Returns the expansion E of a half block: eight groups of six bits, one in each byte. The upper 32
+// bits hold the groups of S-boxes 1, 3, 5, 7 and the lower 32 bits those of 2, 4, 6, 8, each with
+// the first in the top byte.
 inline constexpr uint64_t DesExpand(uint32_t half) {
     uint32_t odd = (half >> 3 | half << 29) & 0x3F3F3F3Fu;
     uint32_t even = (half << 1 | half >> 31) & 0x3F3F3F3Fu;
     return uint64_t{odd} << 32 | even;
 }
 
-// The half block of an expansion: the middle four bits of each group.
+// Undoes the expansion: returns the half block, the middle four bits of each group.
 inline constexpr uint32_t DesContract(uint64_t expanded) {
     uint32_t odd = static_cast<uint32_t>(expanded >> 32) & 0x1E1E1E1Eu;
     uint32_t even = static_cast<uint32_t>(expanded) & 0x1E1E1E1Eu;
     return (odd << 3 | odd >> 29) | (even >> 1 | even << 31);
 }
 
-// What one S-box makes of its six bits, permuted by P and expanded for the next round.
+// For each S-box and its six input bits: the output, permuted by P and expanded for the next round.
 typedef std::array<std::array<uint64_t, 64>, 8> DesRoundTable;
 
 constexpr DesRoundTable MakeDesRoundTable() {
@@ -110,7 +112,7 @@ constexpr DesRoundTable MakeDesRoundTable() {
 
 static constexpr DesRoundTable kRoundTable = MakeDesRoundTable();
 
-// The round keys of one pass over a block, in the order of their use.
+// The round keys of one pass over a block, in the order in which the rounds use them.
 struct RoundKeys {
     uint64_t key[16];
 };
@@ -158,7 +160,7 @@ static void LoadKeys(RoundKeys* keys, const DesContext* context, bool decrypt) {
     }
 }
 
-// Swaps the bits of a and b that lie `shift` apart under the mask.
+// Swaps the bits of b under the mask with the bits of a that are `shift` places higher.
 static inline void SwapBits(uint32_t& a, uint32_t& b, int shift, uint32_t mask) {
     uint32_t difference = (a >> shift ^ b) & mask;
     b ^= difference;
@@ -197,8 +199,9 @@ static inline uint64_t RoundFunction(uint64_t half, uint64_t key) {
     return (a ^ b) ^ (c ^ d);
 }
 
-// Sixteen rounds and the exchange of the halves that ends them. The next pass of a triple
-// encryption takes the result as it is: final and initial permutation would undo each other.
+// Runs the sixteen rounds and the final swap of the halves. The next pass of a triple encryption
+// uses the result directly, because the final permutation and the next initial permutation cancel
+// out.
 template <size_t count>
 static inline void Rounds(Halves (&halves)[count], const RoundKeys* keys) {
     for (int i = 0; i < 16; i += 2) {
@@ -208,7 +211,7 @@ static inline void Rounds(Halves (&halves)[count], const RoundKeys* keys) {
     for (Halves& each : halves) each = {each.right, each.left};
 }
 
-// A block function of `passes` passes, each with its round keys.
+// The block function with `passes` passes, each with its own round keys.
 template <int passes, size_t count>
 static inline void Encrypt(CipherBlock (&blocks)[count], const RoundKeys* keys) {
     Halves halves[count];

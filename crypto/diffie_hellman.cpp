@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Diffie-Hellman over the Oakley Group 2.
+// The Diffie-Hellman key agreement over the Oakley Group 2.
 #include "crypto/public_key.h"
 
 #include <cstdlib>
@@ -36,7 +36,7 @@ void DhSetup(DhContext* context) {
     context->bound = AllOnes(BignumBitLength(context->q));
 }
 
-// The bits one by one, the lowest bit of each random byte first.
+// Sets the bits one by one, with the lowest bit of each random byte first.
 static Bignum RandomBits(int bits) {
     Bignum a = BignumNew((bits + 15) / 16);
     int byte = 0;
@@ -47,7 +47,7 @@ static Bignum RandomBits(int bits) {
     return a;
 }
 
-// The bound in its SSH-1 form with each byte of the number cut down by a random one.
+// Returns the bound with each byte AND-ed with a random byte.
 static Bignum RandomBelow(ConstBignum bound) {
     int size = BignumSsh1Size(bound);
     uint8_t* bytes = static_cast<uint8_t*>(malloc(static_cast<size_t>(size)));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// ssh-dss: keys and signatures.
+// The host key algorithm "ssh-dss": reading public keys and checking signatures.
 #include "crypto/public_key.h"
 
 #include <cstdlib>
@@ -55,7 +55,7 @@ void DssFreeKey(DssKey* key) {
     free(key);
 }
 
-// The 40 bytes of r and s; null when the blob is neither of the two forms.
+// Returns the 40 bytes of r and s, or null if the blob has neither of the two forms.
 static const uint8_t* SignatureBytes(const uint8_t* blob, int length) {
     if (length == kSignatureSize) return blob;
     ByteReader reader = ReaderOf(blob, length);
@@ -69,7 +69,8 @@ static const uint8_t* SignatureBytes(const uint8_t* blob, int length) {
     return TakeBytes(&reader, kSignatureSize, &numbers) ? numbers : nullptr;
 }
 
-// (g^u1 * y^u2 mod p) mod q with u1 = h * w mod q and u2 = r * w mod q, as FIPS 186-2 names them.
+// (g^u1 * y^u2 mod p) mod q with u1 = h * w mod q and u2 = r * w mod q, with the names of FIPS
+// 186-2.
 static Bignum Recompute(const DssKey* key, ConstBignum h, ConstBignum r, ConstBignum w) {
     Bignum u1 = BignumModMul(h, w, key->q);
     Bignum u2 = BignumModMul(r, w, key->q);
@@ -89,7 +90,7 @@ static bool Matches(const DssKey* key, ConstBignum r, ConstBignum s, ConstBignum
     if (BignumBitLength(r) == 0 || BignumCompare(r, key->q) >= 0) return false;
     if (BignumBitLength(s) == 0 || BignumCompare(s, key->q) >= 0) return false;
     Bignum w = BignumModInverse(s, key->q);
-    if (w == nullptr) return false;  // q is no prime
+    if (w == nullptr) return false;  // q is not prime
     Bignum v = Recompute(key, h, r, w);
     bool good = BignumCompare(v, r) == 0;
     BignumFree(w);

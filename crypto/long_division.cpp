@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Schoolbook multiplication and long division in base 2^16.
+// Schoolbook multiplication and long division in base 2^16, with carries that are resolved late.
 #include "crypto/long_division.h"
 
 #include <cstring>
 
-// A column takes this many rows of either sign without overflow, twice over: once for a product,
-// and once for its division.
+// A column can add this many rows of either sign, twice, without overflow: once for a product and
+// once for its division.
 static const int kRowsBeforeSettle = 2048;
 
 void ColumnsPlace(Columns* columns, int count, void* memory) {
@@ -18,9 +18,9 @@ static void Clear(Columns* columns) {
     memset(columns->low, 0, static_cast<size_t>(ColumnsSize(columns->count)));
 }
 
-// The two row loops. The least significant word falls on position first + count - 1. They stay out
-// of line: with nothing known of `factor`, compilers take the 16-bit multiplications of the vector
-// unit.
+// The two row loops. The least significant word is at position first + count - 1. They are not
+// inlined: if compilers know nothing about `factor`, they use the vector unit's 16-bit
+// multiplications.
 typedef void (*RowLoop)(Columns* columns, int first, const uint16_t* words, int count,
                         uint16_t factor);
 
@@ -64,7 +64,7 @@ static RowLoop SubtractRow = SubtractRowPortable;
 
 #if defined(__x86_64__) && defined(__GNUC__)
 
-// The same loops, translated once more for vectors of twice the width.
+// The same loops, compiled again for vectors of twice the width.
 __attribute__((target("avx2"))) static void AddRowWide(Columns* columns, int first,
                                                        const uint16_t* words, int count,
                                                        uint16_t factor) {
@@ -101,8 +101,8 @@ void ColumnsMultiply(Columns* columns, const uint16_t* a, int aCount, const uint
     }
 }
 
-// Each product of two different words comes up twice in a square: it is added once, and all is
-// doubled before the squares of the single words join.
+// In a square each product of two different words occurs twice. So each is added once, everything
+// is doubled, and then the squares of the single words are added.
 void ColumnsSquare(Columns* columns, const uint16_t* a, int count) {
     Clear(columns);
     for (int row = 1; row < count; row++) {
@@ -144,10 +144,11 @@ static inline int64_t Column(const Columns* columns, int k) {
     return k < columns->count ? int64_t{columns->low[k]} + columns->high[k + 1] : 0;
 }
 
-// The quotient word at a position, or a little less, never more: the dividend's words there by the
-// divisor's top two, every rounding downward. `above` is all that is left at and above position
-// k - 1, in its units; the columns too far right to look at can take off at most one unit of
-// position k + 1. `reciprocal` is that of DivisorReciprocal.
+// Estimates the quotient word at a position: the dividend's words there divided by the divisor's
+// top two words. All rounding is downward, so the result is exact or slightly too small, never too
+// large. `above` is everything that is left at and above position k - 1, in units of that position.
+// The columns to the right that are not looked at can subtract at most one unit of position k + 1.
+// `reciprocal` comes from DivisorReciprocal.
 static inline uint32_t EstimateQuotient(const Columns* columns, int k, int64_t above,
                                         uint64_t reciprocal) {
     int64_t top = (above * 65536 + Column(columns, k)) * 65536 + Column(columns, k + 1) +
@@ -156,13 +157,14 @@ static inline uint32_t EstimateQuotient(const Columns* columns, int k, int64_t a
     return static_cast<uint32_t>((static_cast<uint64_t>(top) >> 17) * reciprocal >> 46);
 }
 
-// 2^63 divided by the top two words and one, so that no word needs a division of its own.
+// Returns 2^63 divided by (the divisor's top two words + 1). With it no quotient word needs a
+// division.
 static uint64_t DivisorReciprocal(const uint16_t* divisor, int count) {
     uint64_t top = uint64_t{divisor[0]} << 16 | (count > 1 ? divisor[1] : 0u);
     return (uint64_t{1} << 63) / (top + 1);
 }
 
-// Adds a quotient word at its position, carrying upward.
+// Adds a quotient word at its position and propagates the carry.
 static void AddToQuotient(uint16_t* quotient, int position, uint32_t word) {
     for (; word != 0 && position >= 0; position--) {
         word += quotient[position];
@@ -171,8 +173,8 @@ static void AddToQuotient(uint16_t* quotient, int position, uint32_t word) {
     }
 }
 
-// Takes the carries of the last divisorCount columns into the one before them, which becomes all
-// that is left there and above.
+// Resolves the carries of the last divisorCount columns into the column before them. That column
+// then holds everything that is left there and above.
 static void SettleRemainder(Columns* columns, int divisorCount, int64_t above) {
     int first = columns->count - divisorCount;
     int32_t carry = 0;
@@ -186,7 +188,8 @@ static void SettleRemainder(Columns* columns, int divisorCount, int64_t above) {
     columns->high[first] = 0;
 }
 
-// The estimates are a little low at times, so the remainder can still hold the divisor once.
+// Subtracts the divisor once more if the remainder is not less than it: the estimates are sometimes
+// slightly too small.
 static void SubtractLast(Columns* columns, const uint16_t* divisor, int divisorCount,
                          uint16_t* quotient) {
     int first = columns->count - divisorCount;
@@ -203,8 +206,8 @@ static void SubtractLast(Columns* columns, const uint16_t* divisor, int divisorC
 void ColumnsDivide(Columns* columns, const uint16_t* divisor, int divisorCount,
                    uint16_t* quotient) {
     uint64_t reciprocal = DivisorReciprocal(divisor, divisorCount);
-    int64_t higher = 0;  // what is left above position k - 1, in its units
-    int64_t above = 0;   // what is left at and above it
+    int64_t higher = 0;  // left above position k - 1, in its units
+    int64_t above = 0;   // left at and above it
     for (int k = 1; k + divisorCount <= columns->count; k++) {
         if (k % kRowsBeforeSettle == 0) {
             ColumnsSettle(columns);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// MD5. The names F, G, H, I, the shift amounts and the constants are those of RFC 1321.
+// The hash function MD5. The names F, G, H, I, the shift amounts and the constants are those of RFC
+// 1321.
 #include "crypto/hashes.h"
 
 #include <bit>
@@ -9,8 +10,8 @@
 
 static inline uint32_t F(uint32_t x, uint32_t y, uint32_t z) { return ((y ^ z) & x) ^ z; }
 
-// The two halves share no bit, so they may be added one after the other; the half without the
-// newest word then waits for nothing.
+// The two parts of G have no bit in common, so they can be added separately. The part that does not
+// use the newest word then does not wait for it.
 #define MD5_STEP(mix, a, b, c, d, word, shift, constant)    \
     a += LoadLittle<uint32_t>(bytes + 4 * word) + constant; \
     a = mix;                                                \

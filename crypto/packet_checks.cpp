@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// CRC-32, one byte at a time through a table; HMAC-SHA1, one-shot and as the MAC of SSH-2.
+// CRC-32, computed byte by byte with a table; HMAC-SHA1, in one call and as the MAC of SSH-2.
 #include "crypto/packet_checks.h"
 
 #include <cstring>
@@ -56,7 +56,7 @@ void HmacSha1Prepare(Sha1Context* inner, Sha1Context* outer, const uint8_t* key,
     PreparePad(outer, kOuterPad, key, keyLength);
 }
 
-// Ends both hashes; the inner one has been fed its message.
+// Finishes both hashes. The inner one must already have its message.
 static void Finish(Sha1Context* inner, Sha1Context* outer, uint8_t mac[kSha1Size]) {
     uint8_t digest[kSha1Size];
     Sha1Final(inner, digest);
@@ -95,13 +95,13 @@ static void Generate(uint8_t* packet, int length, uint32_t sequenceNumber) {
     PacketMac(&outgoing, packet, length, sequenceNumber, packet + length);
 }
 
-// A wrong MAC takes as long wherever it differs.
+// The comparison takes the same time wherever a wrong MAC differs.
 static int Verify(const uint8_t* packet, int length, uint32_t sequenceNumber) {
     uint8_t mac[kSha1Size];
     PacketMac(&incoming, packet, length, sequenceNumber, mac);
     int difference = 0;
     for (int i = 0; i < kSha1Size; i++) difference |= mac[i] ^ packet[length + i];
-    Wipe(mac, sizeof(mac));  // after a mismatch it is one that a forger lacks
+    Wipe(mac, sizeof(mac));  // after a mismatch it would help a forger
     return difference == 0;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The public-key operations: RSA for SSH-1, host keys and the key agreement of SSH-2.
+// The public-key operations: RSA for SSH-1, and the host keys and the key agreement of SSH-2.
 #ifndef QUILL_CRYPTO_PUBLIC_KEY_H
 #define QUILL_CRYPTO_PUBLIC_KEY_H
 
@@ -11,39 +11,40 @@
 
 // RSA encryption of SSH-1, with the padding of PKCS #1 version 1.5, block type 2 (RFC 2313, 8.1).
 
-// Beyond these an encryption would take too long. Of a modulus that is not long any exponent up to
-// its limit is taken, of a long one a short exponent only.
+// Keys beyond these limits are refused, because an encryption would take too long. A long modulus
+// is accepted only with a short exponent.
 inline constexpr int kRsaMaxModulusBits = 16384;
 inline constexpr int kRsaLongModulusBits = 3072;  // a modulus of more bits is long
 inline constexpr int kRsaMaxExponentBits = 3072;
 inline constexpr int kRsaMaxShortExponentBits = 64;
 
 struct RsaKey {
-    uint32_t bits;  // as the server states it; not relied on
+    uint32_t bits;  // as the server states it; not used
     int bytes;      // the modulus length, (modulus bits + 7)/8
     Bignum modulus;
     Bignum exponent;
 };
 
 // Reads an SSH-1 public key from at most `length` bytes: uint32 bits, then exponent and modulus in
-// the SSH-1 form of bignum.h. Returns how many bytes it took, and in *end (null allowed) where it
-// ended. 0, with the key all zero, when the bytes do not hold it or a number is zero or beyond the
-// limits above. The caller releases the numbers with RsaReleaseKey.
+// the SSH-1 form of bignum.h. Returns how many bytes it read, and sets *end (may be null) to the
+// position after them. Returns 0 and sets the key to zero if the bytes do not hold a whole key, or
+// if a number is zero or beyond the limits above. The caller releases the numbers with
+// RsaReleaseKey.
 int RsaParseKey(const uint8_t* bytes, int length, RsaKey* key, const uint8_t** end);
 void RsaReleaseKey(RsaKey* key);
 
-// Replaces the first `bytes` bytes of the buffer by the encryption of its first `length` bytes.
-// False, with the buffer as it was, when length leaves no room for the padding's own three bytes.
+// Encrypts the first `length` bytes of the buffer and writes the result, key->bytes bytes, to its
+// start. Returns false and does not change the buffer if there is no room for the padding's three
+// fixed bytes.
 bool RsaEncrypt(uint8_t* buffer, int length, const RsaKey* key);
 
 // ---------------------------------------------------------------- ssh-dss
 
-// The host key algorithm "ssh-dss" of SSH-2 (RFC 4253, 6.6): reading of public keys and checking
-// of DSA signatures (FIPS 186-2) over SHA-1. Everything here comes from the peer and may be wrong
-// in any way.
+// The host key algorithm "ssh-dss" of SSH-2 (RFC 4253, 6.6): reading public keys and checking DSA
+// signatures (FIPS 186-2) with SHA-1. All input comes from the peer, so it may be wrong in any way.
 
-// A longer prime would make a check too long. The order has no more bits than r and s, of 20 bytes
-// each, can reach. g and y may be of any size: they count modulo p.
+// With a longer prime a check would take too long. The order q is limited to 160 bits because r and
+// s have 20 bytes each. g and y may have any size: they are used modulo p.
 inline constexpr int kDssMaxPrimeBits = 8192;
 inline constexpr int kDssMaxOrderBits = 160;
 
@@ -54,17 +55,17 @@ struct DssKey {
     Bignum y;
 };
 
-// Reads `string` "ssh-dss" (a longer name that starts so will do) and the mpints p, q, g, y, which
-// are taken as unsigned. What follows them is ignored. Null for another name, for lengths that
-// lead outside the blob, and for p or q of zero or beyond the limits above. The caller releases
-// the key with DssFreeKey.
+// Reads the `string` "ssh-dss" (a longer name that starts with it is accepted) and the mpints p, q,
+// g, y, which are taken as unsigned. Bytes after them are ignored. Returns null for another name,
+// for lengths that exceed the blob, and if p or q is zero or beyond the limits above. The caller
+// releases the key with DssFreeKey.
 DssKey* DssParseKey(const uint8_t* blob, int length);
-void DssFreeKey(DssKey* key);  // a null key too
+void DssFreeKey(DssKey* key);  // null is allowed
 
-// Whether the signature is the key's over the data, which is hashed with SHA-1 first. The blob is
-// either r and s alone, 20 bytes each, or a `string` "ssh-dss" and a `string` of those 40 bytes,
-// whose length is not looked at; what follows them is ignored. False also for r or s of zero or
-// not below q.
+// Returns true if the signature of the data, which is hashed with SHA-1 first, was made with this
+// key. The blob is either r and s alone, 20 bytes each, or a `string` "ssh-dss" and a `string` of
+// these 40 bytes. The length of that second string is not checked, and bytes after the 40 are
+// ignored. Returns false if r or s is zero or not less than q.
 bool DssVerify(const DssKey* key, const uint8_t* signatureBlob, int signatureLength,
                const uint8_t* data, int dataLength);
 
@@ -75,29 +76,30 @@ bool DssVerify(const DssKey* key, const uint8_t* signatureBlob, int signatureLen
 
 inline constexpr int kDhExponentBits = 256;
 
-// Starts as all null; the context owns every value in it.
+// All values are null at first. The context owns them.
 struct DhContext {
     Bignum p;
     Bignum g;
     Bignum q;      // (p - 1)/2
-    Bignum bound;  // as many one bits as q has bits; an exponent has at most so many
+    Bignum bound;  // all one bits, as many as q has bits
     Bignum x;      // the private exponent
     Bignum e;      // the public value, g^x mod p
 };
 
 extern const uint8_t kDhPrime[128];  // big-endian
 
-// Loads the group; an earlier one is released first.
+// Loads the group's values. Earlier ones are released first.
 void DhSetup(DhContext* context);
-// Chooses a new exponent, 1 < x < q, of at most `bits` random bits (0, or more than q has: as many
-// as q; never 1, which no such exponent has) and returns e, which stays the context's. Values of an
-// earlier exchange are released.
+// Chooses a new random exponent x, 1 < x < q, of at most `bits` bits, and returns e, which the
+// context owns. If `bits` is 0 or more than q has, x has at most as many bits as q. `bits` must not
+// be 1, since no such exponent exists. Earlier values of x and e are released.
 ConstBignum DhGenerate(DhContext* context, int bits);
-// f^x mod p, owned by the caller; null unless 0 < f < p (RFC 4253, 8) and an exponent is there.
+// Returns f^x mod p, which the caller owns. Returns null unless 0 < f < p (RFC 4253, 8) and there
+// are a group and an exponent.
 Bignum DhSharedSecret(const DhContext* context, ConstBignum f);
-// Releases the group. x and e stay until the session ends.
+// Releases the group's values. x and e are kept until DhForget.
 void DhRelease(DhContext* context);
-// Releases everything.
+// Releases all values.
 void DhForget(DhContext* context);
 
 #endif

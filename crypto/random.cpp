@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Random numbers from the runtime library's rand. A file of its own, so that a fuzz target can
-// bring others.
+// Random numbers from the runtime library's rand. This is a separate file so that a fuzz target can
+// replace it.
 #include "crypto/random.h"
 
 #include <cstdlib>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The one source of random numbers: the runtime library's rand, seeded from the clock.
 //
-// There are 37 seeds and no more; what is drawn here can be guessed. It is kept that simple on
-// purpose. One state for the process, shared with every other caller of rand.
+// There are only 37 different seeds, so the numbers can be guessed. This simplicity is intended.
+// The whole process has one generator state, which every other caller of rand shares.
 #ifndef QUILL_CRYPTO_RANDOM_H
 #define QUILL_CRYPTO_RANDOM_H
 
@@ -11,10 +11,10 @@
 // Seeds the generator with the clock's milliseconds (GetSystemTime, wMilliseconds) modulo 37.
 void SeedRandom();
 
-// The next value of rand that is not 0.
+// Returns the next value of rand that is not 0.
 int RandomNonZero();
 
-// The low 8 bits of one RandomNonZero; may be 0.
+// Returns the low 8 bits of one RandomNonZero. The result can be 0.
 uint8_t RandomByte();
 
 #endif

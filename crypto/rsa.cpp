@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// RSA encryption of SSH-1.
+// RSA for SSH-1: reading public keys and encrypting with them.
 #include "crypto/public_key.h"
 
 #include <cstring>
@@ -7,7 +7,7 @@
 #include "crypto/random.h"
 #include "text/bytes.h"
 
-// Takes one number in SSH-1 form from the front of *bytes; null when it is not all there.
+// Takes one number in SSH-1 form from the front of *bytes. Returns null if it is incomplete.
 static Bignum TakeNumber(const uint8_t** bytes, int* length) {
     Bignum number = BignumFromSsh1Bytes(*bytes, *length);
     if (number == nullptr) return nullptr;

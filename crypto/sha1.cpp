@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// SHA-1: buffering, padding, and the compression function in its two forms.
+// The hash function SHA-1: buffering, padding, and two implementations of the compression function.
 #include "crypto/hashes.h"
 
 #include <bit>
@@ -23,7 +23,7 @@ static inline uint32_t Majority(uint32_t x, uint32_t y, uint32_t z) {
     return (x & y) + (z & (x ^ y));
 }
 
-// w holds the last 16 words of the message schedule, round.
+// w is a circular buffer with the last 16 words of the message schedule.
 static inline uint32_t Schedule(uint32_t w[16], int t) {
     uint32_t word = w[(t + 13) & 15] ^ w[(t + 8) & 15] ^ w[(t + 2) & 15] ^ w[t & 15];
     return w[t & 15] = std::rotl(word, 1);
@@ -101,8 +101,8 @@ void Sha1Update(Sha1Context* context, const uint8_t* bytes, int length) {
     memcpy(context->block, bytes + (left - left % 64), left % 64);
 }
 
-// 0x80 and zeros up to the last eight bytes of a block, one block on if they are taken already, and
-// there the length in bits.
+// The padding is 0x80, zeros up to the last eight bytes of a block, and the length in bits in these
+// eight bytes. If the input already reaches into them, the padding continues in one more block.
 void Sha1Final(Sha1Context* context, uint8_t digest[kSha1Size]) {
     uint8_t* block = context->block;
     uint32_t used = context->blockUsed;
@@ -143,8 +143,8 @@ void Sha1UpdateMpint(Sha1Context* context, ConstBignum integer) {
 
 // ---------------------------------------------------------------- with SHA instructions
 
-// SHA-1 with the SHA instructions of x86 processors. Only these reach the speed of other
-// libraries on a processor that has them; whether it has is asked once, at start.
+// SHA-1 with the SHA instructions of x86 processors, which are much faster than portable code. The
+// program checks once, at its start, whether the processor has them.
 
 #if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
 
@@ -153,8 +153,8 @@ void Sha1UpdateMpint(Sha1Context* context, ConstBignum integer) {
 
 #define SHA_TARGET __attribute__((target("sha,sse4.1,ssse3")))
 
-// Four rounds. The state is abcd and the words of e that wait in `e`; each group of four words of
-// the schedule is made while the rounds of earlier groups run.
+// Four rounds. The state is abcd, and `e` holds what the next value of e is made of. Each group of
+// four words of the schedule is computed while the rounds of earlier groups run.
 #define FOUR_ROUNDS(group, e, e_next, w0, w1, w2, w3) \
     e = _mm_sha1nexte_epu32(e, w0);                   \
     e_next = abcd;                                    \

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// SHA-512: buffering, padding, and the compression function in its two forms.
+// The hash function SHA-512: buffering, padding, and two implementations of the compression
+// function.
 #include "crypto/hashes.h"
 
 #include <bit>
@@ -8,19 +9,19 @@
 
 #include "text/bytes.h"
 
-// The rounds of SHA-512 (FIPS 180-2, 6.3.2), for every form of its compression function. Macros,
-// so that each form translates them for its own processor.
+// The rounds of SHA-512 (FIPS 180-2, 6.3.2), for both implementations. They are macros so that each
+// implementation compiles them for its own processor.
 
-// A sum that the compiler leaves in the order written, where it can be told so. The order is what
-// the speed of a round hangs on: what waits for the newest value is added last.
+// A sum that the compiler evaluates in the written order, if it supports that. The speed of a round
+// depends on this order: the term that depends on the newest value is added last.
 #if defined(__has_builtin) && __has_builtin(__builtin_assoc_barrier)
 #define SHA512_AS_WRITTEN(sum) __builtin_assoc_barrier(sum)
 #else
 #define SHA512_AS_WRITTEN(sum) (sum)
 #endif
 
-// `ab` is a ^ b of this round, which is b ^ c of the next; `sigma0` of the last round is added to
-// its sum here, beside the first steps of this one.
+// `ab` is a ^ b of this round, which is b ^ c of the next round. The `sigma0` of the previous round
+// is added to its sum here, in parallel with the first steps of this round.
 #define SHA512_ROUND(a, b, c, d, e, f, g, h, bc, ab, word) \
     {                                                      \
         uint64_t sigma1 = std::rotr(e, 41);                \
@@ -42,8 +43,8 @@
         h = SHA512_AS_WRITTEN(h + bc);                     \
     }
 
-// Eight rounds over words w[0] to w[7], the round constants added; `between` is expanded with 0 to
-// 3 after every second.
+// Eight rounds over words w[0] to w[7], to which the round constants are already added. `between`
+// is expanded with 0 to 3 after every second round.
 // clang-format off
 #define SHA512_EIGHT_ROUNDS(w, between)                \
     SHA512_ROUND(a, b, c, d, e, f, g, h, bc, ab, w[0]) \
@@ -60,7 +61,7 @@
     between(3)
 // clang-format on
 
-// The working variables, and the sum of them and the state that ends a block.
+// Loads the working variables, and adds them to the state at the end of a block.
 #define SHA512_LOAD_STATE                                            \
     uint64_t a = state[0], b = state[1], c = state[2], d = state[3]; \
     uint64_t e = state[4], f = state[5], g = state[6], h = state[7]; \
@@ -78,7 +79,7 @@
 
 #define SHA512_NOTHING(i)
 
-// ---------------------------------------------------------------- the portable form
+// ---------------------------------------------------------------- the portable implementation
 
 // clang-format off
 const uint64_t kSha512Constants[80] = {
@@ -125,14 +126,14 @@ static inline uint64_t SmallSigma1(uint64_t x) {
     return std::rotr(x, 19) ^ std::rotr(x, 61) ^ (x >> 6);
 }
 
-// The next sixteen words of the schedule.
+// Computes the next sixteen words of the schedule.
 static inline void NextWords(uint64_t w[16]) {
     for (int i = 0; i < 16; i++) {
         w[i] += SmallSigma1(w[(i + 14) & 15]) + w[(i + 9) & 15] + SmallSigma0(w[(i + 1) & 15]);
     }
 }
 
-// w and sums are working space, kept by the caller so that it is wiped but once.
+// w and sums are working memory. The caller provides it, so that it is wiped only once.
 static void CompressBlock(uint64_t state[8], const uint8_t* block, uint64_t w[16],
                           uint64_t sums[16]) {
     for (int t = 0; t < 16; t++) w[t] = LoadBig<uint64_t>(block + 8 * t);
@@ -200,9 +201,9 @@ void Sha512(const uint8_t* bytes, int length, uint8_t digest[kSha512Size]) {
 
 // SHA-512 for processors with wide vectors and three-operand rotates (x86: AVX2 and BMI2).
 //
-// The message schedules of two blocks are made side by side, while the rounds of the first run;
-// the rounds themselves stay scalar. It is plain C++ over vectors, translated for more of the
-// processor: without it, the speed of other libraries is out of reach on such a machine.
+// The message schedules of two blocks are computed together, in vectors, while the rounds of the
+// first block run. The rounds themselves are scalar. The code is plain C++ with vector types,
+// compiled for these instructions; it is faster than the portable implementation.
 
 #if defined(__x86_64__) && defined(__GNUC__)
 
@@ -213,7 +214,7 @@ typedef uint64_t Words __attribute__((vector_size(32)));
 typedef uint8_t Bytes __attribute__((vector_size(32)));
 typedef uint8_t HalfBytes __attribute__((vector_size(16)));
 
-// For each block its 80 words, the round constants added.
+// The 80 words of each block, with the round constants added.
 struct Schedule {
     alignas(32) uint64_t words[2][80];
 };
@@ -230,7 +231,8 @@ WIDE_TARGET static inline Words LoadPair(const uint8_t* first, const uint8_t* se
                                 22, 21, 20, 19, 18, 17, 16, 31, 30, 29, 28, 27, 26, 25, 24));
 }
 
-// The words one further on: the second of `low` and the first of `high`, in both blocks.
+// Returns the words one position later: the second of `low` and the first of `high`, for both
+// blocks.
 WIDE_TARGET static inline Words Between(Words low, Words high) {
     return __builtin_shufflevector(low, high, 1, 4, 3, 6);
 }
@@ -254,7 +256,8 @@ WIDE_TARGET static inline void StorePair(Schedule* schedule, int t, Words words)
     memcpy(&schedule->words[1][t], reinterpret_cast<const uint8_t*>(&sums) + 16, 16);
 }
 
-// The pair sixteen words on, out of the pairs 0, 1, 4, 5 and 7 from here, and its sums to word t.
+// Computes the pair sixteen words later from the pairs 0, 1, 4, 5 and 7 after this one, and stores
+// it, with the round constants added, at word t.
 #define NEXT_PAIR(t, x0, x1, x4, x5, x7)                                    \
     x0 += SmallSigma0(Between(x0, x1)) + Between(x4, x5) + SmallSigma1(x7); \
     StorePair(schedule, t, x0);
@@ -277,8 +280,9 @@ WIDE_TARGET static inline void StorePair(Schedule* schedule, int t, Words words)
     Words x##i = LoadPair(first + 16 * i, second + 16 * i); \
     StorePair(schedule, 2 * i, x##i)
 
-// The first block, and the schedules of both; the second may be the first again. The two loops stay
-// functions of their own: each needs all registers there are.
+// Runs the first block and computes the schedules of both blocks; `second` may be equal to `first`.
+// The loops for the first and second block are separate functions, because each needs all
+// registers.
 [[gnu::noinline]] WIDE_TARGET static void CompressFirst(uint64_t state[8], const uint8_t* first,
                                                         const uint8_t* second, Schedule* schedule) {
     FIRST_PAIR(0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The table of the protocols, the choice among them, and the identification lines.
+// The table of the protocols, the choice between them, and the exchange of identification lines.
 #include "protocol/protocols.h"
 
 #include "crypto/ciphers.h"

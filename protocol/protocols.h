@@ -1,24 +1,26 @@
 // SPDX-License-Identifier: MIT
-// The three protocols of a session, and which of them it speaks.
+// The protocols Telnet, SSH-1 and SSH-2: the procedures here call the one that the settings choose.
 #ifndef QUILL_PROTOCOL_PROTOCOLS_H
 #define QUILL_PROTOCOL_PROTOCOLS_H
 
 #include "windows_ce.h"
 
-// A connection is about to be made: no line has been exchanged, and nothing has come.
+// Called before each connection is made. Resets the state: no identification line has been
+// exchanged, and no bytes have been received.
 void BeginProtocol();
 
-// A received chunk, 1..kReceiveSize bytes. On SSH the first one of a session is the server's
-// line, which ours answers; while ours cannot be sent, the next chunk is taken as the server's line
-// again, and what was on its way when the session was closed is passed over.
+// Takes a received chunk of 1..kReceiveSize bytes. On SSH the first chunk of a session is the
+// server's identification line, and ours is sent in reply. If sending fails, the next chunk is
+// taken as the server's line again. On SSH, chunks that arrive after the socket was closed are
+// ignored.
 void TakeSessionChunk(const BYTE* bytes, int count);
 
-// Terminal bytes for the host; SessionSend's way into the protocol. SSH drops them while no shell
-// can take them.
+// Sends terminal bytes to the host in the session's protocol; SessionSend calls this. SSH drops
+// them until there is a shell.
 void SendSessionData(const BYTE* bytes, int length, int escape);
 
-// Wipes everything that an SSH session left: keys, passwords and packets. Also before the first
-// one.
+// Wipes what an SSH session left in its sections of the record and in crypto/: keys and packets. It
+// may also be called before the first session.
 void ForgetSshSession();
 
 #endif

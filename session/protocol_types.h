@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The protocols: what a session needs of one, and their sections of the session record.
+// The protocols Telnet, SSH-1 and SSH-2: the operations that a session calls, and the protocols'
+// sections of the session record.
 #ifndef QUILL_SESSION_PROTOCOL_TYPES_H
 #define QUILL_SESSION_PROTOCOL_TYPES_H
 
@@ -10,41 +11,44 @@
 #include "text/bytes.h"
 #include "windows_ce.h"
 
-// A protocol that a session can speak, as a record of operations. The three are rows of one table
-// in protocol/protocols.cpp.
+// A protocol that a session can speak, as a record of operations. A table in protocol/protocols.cpp
+// holds the three of them.
 
 struct Protocol {
-    // Our identification line, with its end. Null for a protocol that exchanges none; `start` is
-    // not called then.
+    // Our identification line, with its line end. Null if the protocol exchanges no such lines;
+    // `start` is not called then.
     const char* identification;
-    // The server's line has come: the first chunk, whole and unchecked. Our line follows.
+    // Called when the server's identification line has arrived. serverVersion is the whole first
+    // chunk, unchecked. Our line is sent afterwards.
     void (*start)(const char* clientVersion, const BYTE* serverVersion, int serverLength);
-    // A chunk, 1..kReceiveSize bytes; a later one where lines are exchanged.
+    // Takes a received chunk of 1..kReceiveSize bytes. If the protocol exchanges identification
+    // lines, it gets only the later chunks.
     void (*take_chunk)(const BYTE* bytes, int count);
-    // What was typed, pasted or answered. `escape` is Telnet's, see SessionSend.
+    // Sends bytes that the user typed or pasted, or that the terminal replied. Only Telnet uses
+    // `escape`, see SessionSend.
     void (*send_data)(const BYTE* bytes, int length, int escape);
-    void (*forget)();  // wipes and releases the protocol's section; also where there is nothing
+    void (*forget)();  // wipes and releases the protocol's section, which may be empty already
 };
 
 // ---------------------------------------------------------------- Telnet
 
-inline constexpr int kReceiveSize = 3000;  // most bytes of one receive
+inline constexpr int kReceiveSize = 3000;  // the most bytes that one receive returns
 inline constexpr int kSubnegSize = 80;
 inline constexpr int kTelnetOptions = 251;  // codes 0..250
 
 struct TelnetState {
     DWORD iac_seen = 0;
-    DWORD last_command = 0;  // 250..254, or 0 since the connect; never cleared after use
-    DWORD in_subneg = 0;     // survives a disconnect
+    DWORD last_command = 0;  // 250..254; 0 at each connect; stays set after use
+    DWORD in_subneg = 0;     // 1: inside a subnegotiation; a disconnect does not clear it
     BYTE subneg_buffer[kSubnegSize] = {};
     int subneg_count = 0;
-    BYTE his_options[kTelnetOptions] = {};   // 1: the host was told DO
-    BYTE my_options[kTelnetOptions] = {};    // 1: the client announced WILL
-    DWORD escape_iac = 0;                    // typed data is sent with IAC doubled and IAC EOR
-    BYTE display_buffer[kReceiveSize] = {};  // the displayable bytes of the chunk in hand
+    BYTE his_options[kTelnetOptions] = {};  // 1: we sent DO for this option
+    BYTE my_options[kTelnetOptions] = {};   // 1: we sent WILL for this option; 1 for echo at first
+    DWORD escape_iac = 0;  // 1: typed data gets IAC doubled and IAC EOR; always 0 so far
+    BYTE display_buffer[kReceiveSize] = {};  // the displayable bytes of the current chunk
 };
 
-// Texts in the ANSI code page, for the life of a connection.
+// The automatic login's texts, in the ANSI code page. They are set at each connect.
 inline constexpr int kLoginTextSize = 41;  // 40 bytes and the terminator
 struct AutoLogin {
     char search1[kLoginTextSize] = {};
@@ -57,10 +61,11 @@ struct AutoLogin {
 
 // ---------------------------------------------------------------- SSH
 
-// Most bytes that wait for their packet's end. A packet has fewer.
+// The most bytes that can wait for the rest of their packet. A packet has fewer bytes than this.
 inline constexpr int kSshReassemblySize = 65535;
 
-// Both protocols': what has come and is no whole packet yet. For the life of a session.
+// Used by SSH-1 and SSH-2: received bytes that are not a whole packet yet. It lasts as long as the
+// session. The fields have protocol names.
 struct SshState {
     int recvFill = 0;  // bytes in recvBuf
     BYTE recvBuf[kSshReassemblySize] = {};
@@ -68,27 +73,28 @@ struct SshState {
 
 // ---------------------------------------------------------------- SSH-1
 
-inline constexpr int kSsh1PacketSize = 65536;  // any packet that is sent or handled, length and all
+inline constexpr int kSsh1PacketSize = 65536;  // room for any packet, length field included
 inline constexpr int kSsh1MaxData = 65000;     // bytes of terminal input in one packet
 inline constexpr int kSsh1CookieSize = 8;
 inline constexpr int kSsh1KeySize = 32;
 inline constexpr uint32_t kSsh1PtyRows = 24;
 inline constexpr uint32_t kSsh1PtyColumns = 80;
 
-// For the life of a session; outside one all is zero but the size of the terminal.
+// The state of an SSH-1 session. Outside a session everything is zero except the terminal's size.
+// The fields have protocol names.
 struct Ssh1State {
-    int ssh1State = 0;                       // 0..5, see the table in ssh1_session.cpp
-    const Ssh1Cipher* ssh1Cipher = nullptr;  // null: in the clear
-    DWORD loginFailed = 0;                   // the server refused a password: ask in any case
+    int ssh1State = 0;                       // 0..5, see `State` in ssh1_session.cpp
+    const Ssh1Cipher* ssh1Cipher = nullptr;  // null: packets are not encrypted
+    DWORD loginFailed = 0;  // 1: the server refused a password; ask the user even if one is stored
 
     // From the server's public-key message.
     BYTE cookie[kSsh1CookieSize] = {};
     uint32_t supportedCiphers = 0;          // bit n: cipher number n
-    uint32_t supportedAuthentications = 0;  // not looked at
+    uint32_t supportedAuthentications = 0;  // not used
     BYTE sessionId[kMd5Size] = {};
-    BYTE sessionKey[kSsh1KeySize] = {};  // until the cipher has it
+    BYTE sessionKey[kSsh1KeySize] = {};  // wiped once the cipher is set up
 
-    // Asked of the server.
+    // The terminal size that we request from the server.
     uint32_t ptyRows = kSsh1PtyRows;
     uint32_t ptyColumns = kSsh1PtyColumns;
 
@@ -99,47 +105,48 @@ struct Ssh1State {
 
 // ---------------------------------------------------------------- SSH-2
 
-inline constexpr int kSsh2PacketSize = 65536;  // a packet of the reassembly, and a byte
-inline constexpr int kSsh2SendSize = 16640;    // a packet of kSsh2MaxData bytes of data, its MAC
-inline constexpr int kSsh2MaxData = 16384;     // bytes of data in one packet that goes out
-inline constexpr int kSsh2MaxHeld = 1 << 20;   // bytes that may wait while keys are exchanged
+inline constexpr int kSsh2PacketSize = 65536;  // kSshReassemblySize and one byte
+inline constexpr int kSsh2SendSize = 16640;    // room for a packet with kSsh2MaxData bytes of data
+inline constexpr int kSsh2MaxData = 16384;     // bytes of data in one outgoing packet
+inline constexpr int kSsh2MaxHeld = 1 << 20;   // bytes that can wait during a key exchange
 inline constexpr int kSsh2KeyBlockSize = 2 * kSha1Size;
 
-// For the life of a session, all zero outside one.
+// The state of an SSH-2 session. Outside a session everything is zero. The fields have protocol
+// names.
 struct Ssh2State {
-    // Packets. Encryption and MAC are both on exactly while there is a cipher.
+    // Packets. While `cipher` is set, packets are encrypted and have a MAC.
     const SshCipher* cipher = nullptr;
     const SshMac* outMac = nullptr;
     const SshMac* inMac = nullptr;
     uint32_t sendSeq = 0;  // packets sent and received, modulo 2^32
     uint32_t recvSeq = 0;
-    DWORD headDecrypted = 0;               // the first block of recvBuf stands decrypted in place
-    ByteReader payload = {};               // of the packet being handled, its message number first
-    ByteReader reader = {};                // in it, from behind the number on
-    int payloadLength = 0;                 // of the packet in sendBuf, its message number counted
+    DWORD headDecrypted = 0;               // 1: the first block of recvBuf is already decrypted
+    ByteReader payload = {};               // of the packet being handled, from its message number
+    ByteReader reader = {};                // reads that payload's fields after the message number
+    int payloadLength = 0;                 // of the packet in sendBuf, message number included
     BYTE packetBuf[kSsh2PacketSize] = {};  // the packet being handled, length field first
     BYTE sendBuf[kSsh2SendSize] = {};      // the packet being built
 
     // Key exchange.
-    DWORD firstKex = 0;     // no keys have been derived yet
-    DWORD kexDone = 0;      // our NEWKEYS has gone out and the server's has not come
-    DWORD keysPending = 0;  // our KEXINIT has gone out and the new keys are not in use yet
-    Sha1Context exchangeHashBase = {};  // of the two identification lines
+    DWORD firstKex = 0;                 // 1: no keys have been derived yet
+    DWORD kexDone = 0;                  // 1: we sent NEWKEYS and wait for the server's
+    DWORD keysPending = 0;              // 1: we sent KEXINIT and the new keys are not in use yet
+    Sha1Context exchangeHashBase = {};  // over the two identification lines
     Sha1Context exchangeHash = {};
     BYTE H[kSha1Size] = {};
     BYTE sessionId[kSha1Size] = {};
-    DhContext dh = {};  // x and e, and the group while an exchange is under way
+    DhContext dh = {};  // x and e, and the group during an exchange
     Bignum K = nullptr;
     DssKey* hostKey = nullptr;
     BYTE keyBlock[kSsh2KeyBlockSize] = {};
 
     // Channel.
     DWORD channelOpen = 0;
-    DWORD ptyRequested = 0;  // the next CHANNEL_SUCCESS is the pty's
+    DWORD ptyRequested = 0;  // 1: the next CHANNEL_SUCCESS answers the pty request
     uint32_t remoteChannel = 0;
-    uint32_t remoteWindow = 0;  // as the server opened it; not looked at
-    int localWindow = 0;        // bytes that the server may send before we adjust
-    BYTE* heldData = nullptr;  // what was typed while keys were pending; null while heldLength is 0
+    uint32_t remoteWindow = 0;  // the server's initial window; not used
+    int localWindow = 0;        // bytes that the server may still send
+    BYTE* heldData = nullptr;   // typed while keysPending; null while heldLength is 0
     int heldLength = 0;
 };
 

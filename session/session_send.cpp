@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The send routine of every session.
+// Sending to the host: the dispatch to the session's protocol, the socket writes, and expanded
+// escape text.
 #include "session/session_ports.h"
 
 #include "session/session_state.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The one record of program and session state. "Owner:" heads each section and names who writes it:
-// a file without its suffix, or all files of a folder. Every other file reads it; "Also:" names a
-// single field of a section that one more file writes. tests/layers/owners.py holds the sources
-// against these lines. All of it belongs to the window thread, except the fields of "Shared with
-// the receiving thread", which say how they are shared.
+// The one record of all program and session state. Each section begins with "Owner:", which names
+// the files that may write it: a file without its suffix, or all files of a folder. All other files
+// only read it. "Also:" names a single field that one more file writes. tests/layers/owners.py
+// checks the sources against these lines. Only the window thread uses this record, except for the
+// fields under "Shared with the receiving thread", whose comments say how they are shared.
 #ifndef QUILL_SESSION_SESSION_STATE_H
 #define QUILL_SESSION_SESSION_STATE_H
 
@@ -14,8 +14,8 @@
 #include "session/terminal_types.h"
 #include "windows_ce.h"
 
-inline constexpr UINT WM_SOCKET_DATA = 105;  // wParam 0: a chunk waits; 1: the connection ended
-inline constexpr UINT WM_SOCKET_CONNECTED = 107;  // the host sent its first sign of life
+inline constexpr UINT WM_SOCKET_DATA = 105;  // wParam 0: a chunk waits; 1: the connection has ended
+inline constexpr UINT WM_SOCKET_CONNECTED = 107;  // the first data came: the session is up
 
 inline constexpr int kCommandBarId = 1;  // child ids of the main window
 inline constexpr int kClientWindowId = 2;
@@ -31,64 +31,64 @@ struct SessionState {
     ChooseColorProcedure choose_color = nullptr;  // null: no colour dialog on this device
 
     // Owner: app/start_up, which clears them, and ui/dialogs/font_dialog.
-    COLORREF custom_colors[16] = {};  // of the colour dialog, for the run
+    COLORREF custom_colors[16] = {};  // the colour dialog's custom colours; not saved
 
     // Owner: ui/view/terminal_window, ui/main_window. Set as soon as the window gets WM_CREATE.
     HWND client_window = nullptr;
 
-    // Owner: ui/main_window. Windows live from WM_CREATE to the end.
+    // Owner: ui/main_window. The windows exist from WM_CREATE until the program ends.
     HWND main_window = nullptr;
     HWND command_bar = nullptr;
     HWND menu_bar = nullptr;
     int command_bar_height = 0;  // pixels
-    int main_width = 0;          // pixels of the main window when it was made
-    int client_width = 0;        // pixels of the client window when it was made
+    int main_width = 0;          // pixels; the main window's width at its creation
+    int client_width = 0;        // pixels; the client window's width at its creation
 
     // Owner: ui/commands.
     int toolbar = 1;  // the bar that is shown, 1..3
 
     // Owner: ui/view/keys.
-    DWORD key_taken = 0;  // the key table takes the key press being handled: no character
+    DWORD key_taken = 0;  // 1: the key table handles the current key press; ignore its character
 
     // Owner: ui/view/input_panel.
-    DWORD input_panel_up = 0;  // as the shell told it last
+    DWORD input_panel_up = 0;  // 1: the on-screen keyboard is shown, as last reported
 
     // Owner: ui/view/status_bar.
     HWND status_window = nullptr;  // null while hidden
     int status_height = 0;         // pixels; 0 while hidden
 
     // Owner: ui/view/terminal_window.
-    DWORD narrow_screen = 0;  // 1: less than 350 pixels wide
+    DWORD narrow_screen = 0;  // 1: the screen is less than 350 pixels wide
 
     // Owner: ui/view/.
     ViewState view;
 
     // Owner: ui/dialogs/.
-    int dialog_result = 0;      // what the dialog closed last left; -1: it was cancelled
-    DWORD connect_request = 0;  // 1: the Connect dialog shown last was closed by OK
+    int dialog_result = 0;      // the result of the last dialog; -1: it was cancelled
+    DWORD connect_request = 0;  // 1: the last Connect dialog was closed by OK
 
     // Owner: connection/.
-    DWORD connect_pending = 0;  // a connect request is under way
-    DWORD closing = 0;          // the user closed the session: no "closed" message
-    DWORD dial_request = 0;     // the user agreed to dial; the timer starts it
-    DWORD dialling = 0;         // a dial is in progress
-    int last_dial_state = -1;   // shown last, by any dial of the run; -1: none
+    DWORD connect_pending = 0;  // 1: a connect request is in progress
+    DWORD closing = 0;          // 1: the user closed the session: no "closed" message
+    DWORD dial_request = 0;     // 1: the user agreed to dial; the timer starts it
+    DWORD dialling = 0;         // 1: a dial is in progress
+    int last_dial_state = -1;   // the last dial state that was shown; -1: no state yet
     HRASCONN ras_connection = nullptr;
     SOCKADDR_IN peer = {};
 
-    // Owner: connection/. Shared with the receiving thread (connection/receive_thread.cpp). The
-    // thread touches nothing else, and reads main_window.
+    // Owner: connection/. Shared with the receiving thread (connection/receive_thread.cpp). That
+    // thread uses only these fields, and it reads main_window.
     std::atomic<SOCKET> socket{INVALID_SOCKET};  // written by the window thread
-    std::atomic<DWORD> connected{0};         // set by the receiving thread, cleared by the window's
+    std::atomic<DWORD> connected{0};  // set by the receiving thread, cleared by the window thread
     std::atomic<DWORD> receive_ready{0};     // 1: the thread may fill receive_buffer
     char receive_buffer[kReceiveSize] = {};  // receive_ready says which thread may touch it
     int receive_count = 0;                   // bytes in receive_buffer, or what recv returned
     HANDLE handed_back = nullptr;            // event: receive_ready was set, or the socket closed
-    HANDLE receive_ended = nullptr;          // event: no receiving thread runs
+    HANDLE receive_ended = nullptr;          // event: the receiving thread has ended
 
     // Owner: protocol/protocols, protocol/ssh/.
-    DWORD banner_sent = 0;   // our identification line has gone out
-    DWORD ssh_progress = 0;  // from 1 on the session is secure
+    DWORD banner_sent = 0;   // 1: our identification line has been sent
+    DWORD ssh_progress = 0;  // 0: the session is not encrypted yet
     SshState ssh;
     Ssh1State ssh1;
     Ssh2State ssh2;
@@ -108,12 +108,12 @@ struct SessionState {
     Settings settings = {};
 
     // Owner: settings/settings.
-    DWORD save_settings = 1;  // cleared by a reset, so that the exit does not save
+    DWORD save_settings = 1;  // 0: the settings are not saved any more
 };
 
 extern SessionState session;
 
-// A session is up. [any thread]
+// True while a session is connected. Any thread may call this.
 inline bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
 
 #endif

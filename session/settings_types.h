@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: MIT
-// The persisted settings, one field a registry value and named by it, and the rows of the key
-// table and the toolbars. The tables with names and defaults stand in settings.cpp, key_map.cpp and
-// toolbars.cpp.
+// The saved settings. Each field holds one registry value and has its name. The table with the
+// names and defaults is in settings.cpp.
 #ifndef QUILL_SESSION_SETTINGS_TYPES_H
 #define QUILL_SESSION_SETTINGS_TYPES_H
 
 #include "windows_ce.h"
 
-// Strings are UTF-16 with their terminator. 80 bytes are read back, so 40 units hold any value;
-// the dialogs read 60 units of host, and a dial-up entry's name has 48 reserved.
+// Strings are UTF-16 with a terminator. At most 80 bytes of a value are read from the registry, so
+// 40 units hold any value. Host fields have 60 units because the dialogs accept that many. A
+// dial-up entry's name has 48.
 inline constexpr int kSettingUnits = 40;
 inline constexpr int kHostUnits = 60;
 inline constexpr int kDialEntryUnits = 48;
 
 struct Settings {
-    DWORD blink;         // kept, without visible effect
+    DWORD blink;         // saved, but has no visible effect
     DWORD fsize;         // font size, 1..25
     DWORD bell;          // 1: the bell sounds
     DWORD alive;         // 1: a session keeps the device powered
@@ -24,10 +24,10 @@ struct Settings {
     DWORD ssh;           // 0 Telnet, 1 SSH
     DWORD ssh_type;      // 0 DES, 1 triple DES, 2 Blowfish
     DWORD autoconnect;   // 1: connect at program start
-    DWORD table;         // kept; nothing reads it
+    DWORD table;         // saved, but not used
     DWORD followcursor;  // 1: the view follows the cursor
     DWORD hidestatus;    // 1: no status bar
-    DWORD port;          // its low 16 bits count
+    DWORD port;          // only the low 16 bits are used
     DWORD nego;          // 1: trace the Telnet negotiation
     DWORD hotspot;       // 1: double taps send menu numbers
     DWORD ssh_def;       // 1: remember the SSH password

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The key table and the way from a virtual key to its bytes.
+// The key table, and the steps from a virtual key to the bytes that it sends.
 #include "settings/key_map.h"
 
 #include "settings/settings.h"
 #include "text/text.h"
 
-// \217 is the 8-bit SS3, \233 the 8-bit CSI. Function keys 1 to 4 and the keys from HOME to PGDN
-// use these, all others the 7-bit forms; so hosts know them.
+// \217 is the 8-bit SS3, \233 the 8-bit CSI. F1 to F4, Ctrl 1 to Ctrl 4, HOME, END, PGUP and PGDN
+// use these; the other sequences use 7-bit forms. Hosts expect exactly this.
 // clang-format off
 KeyMapEntry key_map[kKeyRows + 1] = {
     {"f1",           "\\217P",    nullptr},
@@ -48,7 +48,7 @@ KeyMapEntry key_map[kKeyRows + 1] = {
     {"PGDN",         "\\2336~",   nullptr},
     {"ESC",          "\\033",     nullptr},
     {"DEL",          "\\177",     nullptr},
-    {"BACKSPACE",    "\\008",     nullptr},  // a 0 byte first: the key is left to its character
+    {"BACKSPACE",    "\\008",     nullptr},  // the first byte is 0: the key sends its character
     {"TAB",          "\\011",     nullptr},
     {"SHIFTTAB",     "\\011",     nullptr},
     {"Ctrl 0",       "\\033[21~", nullptr},
@@ -87,7 +87,7 @@ constexpr int kBackspaceRow = 39;
 struct KeyRange {
     int first;  // virtual keys
     int last;
-    int row;                // of `first` without modifiers, or kNotMapped
+    int row;                // row of `first` without modifiers, or kNotMapped
     int row_shift;          // with Shift
     int row_control;        // with Ctrl
     int row_shift_control;  // with both
@@ -114,7 +114,7 @@ const KeyRange kRanges[] = {
 };
 // clang-format on
 
-constexpr int kSavedUnits = 80;  // of a sequence or a default, terminator not counted
+constexpr int kSavedUnits = 80;  // of a sequence or a default, without the terminator
 constexpr int kNameSize = 16;
 constexpr LPCWSTR kValueFormat = TEXT("key%d");
 

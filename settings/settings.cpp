@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The tables of the settings: loading, saving and deleting them.
+// The tables of the settings with their registry names and defaults, and loading, saving and
+// deleting them.
 #include "settings/settings.h"
 
 #include "session/session_state.h"
@@ -23,7 +24,7 @@ struct StringRow {
 
 Settings& s = session.settings;
 
-// The order of the rows is the order of loading, saving and deleting.
+// Loading, saving and deleting follow the order of the rows.
 // clang-format off
 const NumberRow kNumbers[] = {
     {&s.blink,        0,        TEXT("blink")},

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The settings' place in the registry, and the import of "\mconfig.cfg" into it.
+// Reading and writing the settings' registry values, and importing "\mconfig.cfg" into them.
 #include "settings/settings.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace {
 constexpr LPCWSTR kSettingsKey = TEXT("Software\\QUILLWARE\\TELNET");
 constexpr int kNameSize = 16;  // of a numbered value
 
-// Both are out of line, once for numbers and strings.
+// Both are not inlined, so that numbers and strings share their code.
 [[gnu::noinline]] bool QueryValue(LPCWSTR name, LPVOID data, DWORD size) {
     HKEY key;
     if (OpenSettings(KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return false;
@@ -78,8 +78,8 @@ namespace {
 constexpr LPCWSTR kFileName = TEXT("\\mconfig.cfg");
 constexpr int kLineSize = 80;  // a line's 79 characters and the terminator
 
-// The text between the first double quote of the line and the next one, which is cut off there;
-// null if there is none, or nothing in between.
+// Returns the text between the first two double quotes of the line, and cuts the line there.
+// Returns null if there are no two quotes or nothing between them.
 const char* QuotedText(char* line) {
     char* first = strchr(line, '"');
     char* last = first ? strchr(first + 1, '"') : nullptr;
@@ -88,7 +88,7 @@ const char* QuotedText(char* line) {
     return first + 1;
 }
 
-// Held to 32 bits, at INT32_MIN and UINT32_MAX. Behind the sign there is no second one.
+// The result is limited to the range from INT32_MIN to UINT32_MAX. A second sign makes it 0.
 DWORD NumberOf(const char* token) {
     const bool negative = token[0] == '-';
     const char* digits = negative || token[0] == '+' ? token + 1 : token;

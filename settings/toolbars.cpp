@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The table of the toolbar buttons.
+// The table of the toolbar buttons, and loading and saving which bars show them.
 #include "settings/toolbars.h"
 
 #include "session/session_state.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What sequences do to the screen: the cursor, erasing, the split regions, rendition and reports.
+// The actions of the host's control characters and sequences: moving the cursor, erasing, the split
+// regions, rendition and reports. The byte parsers call them, and they change session.screen.
 #ifndef QUILL_TERMINAL_ACTIONS_H
 #define QUILL_TERMINAL_ACTIONS_H
 
@@ -8,10 +9,11 @@
 
 // ---------------------------------------------------------------- rows
 
-// Rows as the terminal's own files write them, without a call: their words and their marks.
+// Inline access to a row, for the files of this folder: its words, and the flag that the row needs
+// painting.
 
 // The 81 words of a row: the line attribute, then the cells of columns 1..80. The row must be
-// 1..49, as the cursor's always is.
+// 1..49. The cursor's row always is.
 inline DWORD* RowWords(int row) {
     const int slot = session.screen.ring_origin + row;
     return session.screen.slots[slot > kRingLines ? slot - kRingLines : slot];
@@ -21,15 +23,15 @@ inline void MarkRow(int row) { session.screen.row_changed[row] = 1; }  // row 1.
 
 // ---------------------------------------------------------------- the cursor
 
-// After each of these cursor_row is within 1..49 and cursor_col within 1..80, or 1..40 on a
+// After each of these calls cursor_row is within 1..49 and cursor_col within 1..80, or 1..40 on a
 // double-width row.
 
-// Cursor motion is frequent and where it goes is random, so the bounds below are written to compile
-// to conditional moves.
+// Hosts move the cursor often and unpredictably. The bounds below are written so that they compile
+// to conditional moves instead of branches.
 inline int AtLeast(int value, int bound) { return value < bound ? bound : value; }
 inline int AtMost(int value, int bound) { return value > bound ? bound : value; }
 
-// row 1..49; any column.
+// `row` must be 1..49. `col` may be any number.
 inline void PlaceCursor(int row, int col) {
     ScreenBuffer& screen = session.screen;
     const int double_width = static_cast<int>(RowWords(row)[0] & kLineDoubleWidth);
@@ -39,23 +41,25 @@ inline void PlaceCursor(int row, int col) {
 
 inline void MoveCursor(int row, int col) { PlaceCursor(HoldRow(row), col); }
 
-// To the width of the cursor's row.
+// Limits the cursor's column to the width of its row.
 inline void ClampColumn() { PlaceCursor(session.screen.cursor_row, session.screen.cursor_col); }
 
-void LineFeed();      // on bottom_margin the region scrolls up; never returns the carriage
+void LineFeed();      // on bottom_margin the region scrolls up; the column stays
 void NextLine();      // line feed, then column 1
 void ReverseIndex();  // on top_margin the region scrolls down
 void Backspace();
 void CarriageReturn();
 
-// To the next stop after the cursor. Where there is none up to the last column the cursor ends on
-// the last column but one: hosts that count on a tab's room at the right edge see this terminal
-// leave one cell free, from column 73 on and also from column 80 itself.
+// Moves to the next tab stop after the cursor. If there is no stop up to the last column, the
+// cursor goes to the last column but one. With the default stops this happens from column 73 on,
+// and also from column 80 itself. Hosts see that this terminal leaves one cell free at the right
+// edge.
 void Tab();
 void SetTabStop();
-void ClearTabStops();  // CSI g: 0 the cursor's, 3 all
+void ClearTabStops();  // CSI g: 0 clears the stop at the cursor, 3 clears all
 
-// CSI A, B, C and D act only with exactly one parameter. Direction: 0 up .. 3 left, as the finals.
+// CSI A, B, C and D act only with exactly one parameter. The direction is 0 up, 1 down, 2 right, 3
+// left, in the order of the final bytes.
 void StepCursor(int direction);
 void CursorUp();
 void CursorDown();
@@ -69,7 +73,7 @@ void Vt52Right();
 void Vt52Left();
 void Vt52Home();
 
-// The one slot of ESC 7 and ESC 8.
+// ESC 7 and ESC 8. There is one saved cursor.
 void SaveCursor();
 void RestoreCursor();
 
@@ -77,56 +81,59 @@ void SetScrollingRegion();  // CSI r
 
 // ---------------------------------------------------------------- erasing
 
-// Erasing, and inserting and deleting of characters and lines: the finals @ J K L M P X and the
-// VT52 sequences J and K. The cursor stays, but for L and M, which take it to column 1.
+// Erasing, and inserting and deleting characters and lines: the final bytes @ J K L M P X and the
+// VT52 sequences J and K. L and M move the cursor to column 1; the others do not move it.
 
-// Each parameter in turn. With private_flag (selective erase) protected cells are kept.
+// These act on each parameter in turn. With private_flag set (selective erase) they keep protected
+// cells.
 void EraseInDisplay();
 void EraseInLine();
 
 void EraseCharacters();
 void InsertCharacters();
 void DeleteCharacters();
-void InsertOneLine();  // CSI L: one line, whatever its parameter says
+void InsertOneLine();  // CSI L: always one line; the parameter is ignored
 void DeleteSomeLines();
 
-void BlankScreen(int reset_line_attr);  // rows 1..24
+void BlankScreen(int reset_line_attr);  // rows 1..24; reset_line_attr as for FillLine
 
-// VT52: what they erase becomes spaces in the current attribute.
+// The VT52 forms. On the cursor's row they write spaces with the current attribute; the rows below
+// become plain blanks.
 void Vt52EraseToEndOfScreen();
 void Vt52EraseToEndOfLine();
 
 // ---------------------------------------------------------------- the split regions
 
-// The screen divided into an upper and a lower region, each with its own cursor, margins and
-// attribute. One of them is active; it is the one whose values stand in session.screen.
+// The screen can be divided into an upper and a lower region, each with its own cursor, margins and
+// attribute. One region is active: session.screen holds its values.
 
-// The upper region active and as high as the screen, for TerminalStart and TerminalReset.
+// Makes the upper region active and as high as the screen. TerminalStart and TerminalReset call
+// this.
 void ResetSplit();
 
-void DefineSplit();   // CSI n p: rows 1..n and the rest
+void DefineSplit();   // CSI n p: the upper region is rows 1..n, the lower one the rest
 void SwitchRegion();  // CSI 1 s to the lower region, CSI 0 s to the upper
 
 // ---------------------------------------------------------------- rendition
 
-// Graphic rendition (CSI m) and character protection (CSI n " q): what they set in the current
+// Graphic rendition (CSI m) and character protection (CSI n " q). Both change the current
 // attribute.
 
-void SelectRendition();  // every parameter in turn; colours and the rest are ignored
+void SelectRendition();  // every parameter in turn; colours and unknown values are ignored
 void SelectProtection();
 
 // ---------------------------------------------------------------- reports
 
-// The texts that the terminal sends to the host when asked. Each of these places one reply in
-// session.parser.reply_text and sets reply_pending; the reply begins with the 8-bit introducer when
-// c1_replies is on.
+// The texts that the terminal sends to the host on request. Each procedure writes one reply to
+// session.parser.reply_text and sets reply_pending. A reply that is a control sequence begins with
+// the 8-bit CSI when c1_replies is on; the table in reports.cpp has the exceptions.
 
 void ReplyAnswerback();          // ENQ
 void ReplyNotImplemented();      // = in a control sequence
 void ReplyVt52Identity();        // ESC Z in VT52 mode
 void ReplyPrimaryAttributes();   // ESC Z in ANSI mode
 void ReplyDeviceAttributes();    // CSI c; the secondary reply when secondary_flag is set
-void ReplyDeviceStatus();        // CSI n; nothing for a status that is not known
-void ReplyTerminalParameters();  // CSI x
+void ReplyDeviceStatus();        // CSI n; sends nothing for an unknown status
+void ReplyTerminalParameters();  // CSI x; one text for parameter 0, another for the rest
 
 #endif

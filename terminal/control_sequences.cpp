@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Control sequences: parameters are collected as text and read as numbers when a final asks for
-// them.
+// Control sequences (ESC [ parameters final-byte). The parameters are collected as text. They are
+// converted to numbers when the final byte's row asks for that.
 #include "terminal/sequences.h"
 
 #include <array>
@@ -10,7 +10,8 @@
 #include "terminal/actions.h"
 #include "terminal/modes.h"
 
-// Pieces between semicolons; what is not a digit is skipped, and a number too large wraps.
+// Reads the numbers between the semicolons. It skips characters that are not digits. A number that
+// is too large wraps around.
 static void ParseParameters() {
     ParserState& parser = session.parser;
     DWORD value = 0;
@@ -28,7 +29,7 @@ static void ParseParameters() {
     parser.param_count = count;
 }
 
-// ---------------------------------------------------------------- finals with a choice in them
+// ---------------------------------------------------------------- finals with several meanings
 
 static void ConformanceResetOrSplit() {
     ParserState& parser = session.parser;
@@ -55,7 +56,7 @@ static void ConfidenceTest() {
 
 static void Ignore() {}
 
-// ---------------------------------------------------------------- the finals
+// ---------------------------------------------------------------- the final bytes
 
 typedef void (*FinalHandler)();
 
@@ -104,9 +105,9 @@ static constexpr std::array<FinalRow, 256> kFinals = [] {
     return table;
 }();
 
-// ---------------------------------------------------------------- what may come before the final
+// ---------------------------------------------------------------- bytes before the final byte
 
-// Zeros in front are kept as one, so that they never fill the buffer.
+// Leading zeros are stored as a single zero, so that they cannot fill the buffer.
 static void CollectParameter(BYTE b) {
     ParserState& parser = session.parser;
     parser.bang_flag = 0;
@@ -208,9 +209,9 @@ int CollectParameters(const BYTE* bytes, int count) {
 
 // ---------------------------------------------------------------- whole sequences
 //
-// A host that moves the cursor about sends little else than short sequences with one or two
-// numbers. Read digit by digit, each of them costs several mispredicted branches, so the eight
-// bytes after ESC [ are looked at together, as the bytes of one 64-bit word (the first the lowest).
+// A host that moves the cursor a lot sends mostly short sequences with one or two numbers. Parsing
+// each of them digit by digit costs several mispredicted branches. So this code looks at the eight
+// bytes after ESC [ together, as one 64-bit word with the first byte lowest.
 
 static const uint64_t kEveryByte = 0x0101010101010101;
 static const int kLongestNumber = 2;  // digits
@@ -225,7 +226,8 @@ static uint64_t LoadEight(const void* bytes) {
     return FirstByteLowest(word);
 }
 
-// The number in the lowest `count` bytes, each 0..9. A count below 1 yields 0; at most 2.
+// Returns the number whose digits are the lowest `count` bytes, each 0..9. `count` is at most 2;
+// below 1 the result is 0.
 static int NumberOf(uint64_t digits, int count) {
     const uint64_t two = digits << (8 * (kLongestNumber - count));
     return static_cast<int>((two & 0x0F) * 10 + (two >> 8 & 0x0F));
@@ -236,12 +238,12 @@ int RunCommonSequence(const BYTE* bytes, int count) {
     const uint64_t word = LoadEight(bytes + 2);
     const uint64_t ends = (word & 0xF0 * kEveryByte) ^ 0x30 * kEveryByte;  // not 0 to ?
     if (ends == 0) return 0;
-    const int length = std::countr_zero(ends) / 8;  // of the parameters
+    const int length = std::countr_zero(ends) / 8;  // bytes of parameters
     const uint64_t inside = (1ULL << (8 * length)) - 1;
     const uint64_t digits = word & 0x0F * kEveryByte;
     const uint64_t marks = (digits + 0x06 * kEveryByte) & inside & (0x10 * kEveryByte);  // : to ?
     const int first = marks ? std::countr_zero(marks) / 8 : length;
-    const int second = length - first - 1;  // digits after the semicolon, -1 without one
+    const int second = length - first - 1;  // digits after the semicolon; -1: no semicolon
     if (first > kLongestNumber || second > kLongestNumber) return 0;
     if (marks && ((marks & (marks - 1)) || bytes[2 + first] != ';')) return 0;
     const bool leading_zeros = (word & inside & 0xFFFF) == 0x3030;

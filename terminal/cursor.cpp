@@ -72,9 +72,10 @@ static const StepRow kSteps[] = {
 };
 // clang-format on
 
-// Up and down stop at the region's edge, or from outside of it at the screen's. One procedure for
-// all four, and products in place of branches, since hosts send them in no order that a processor
-// could foresee.
+// Up stops at the top margin, or at row 1 if the cursor is above the margin. Down stops at the
+// bottom margin, or at the last row if the cursor is below the margin. All four directions share
+// one procedure that multiplies instead of branching: hosts mix the directions, so the processor
+// would mispredict the branches.
 void StepCursor(int direction) {
     if (session.parser.param_count != 1) return;
     const ScreenBuffer& screen = session.screen;
@@ -95,7 +96,7 @@ void CursorDown() { StepCursor(1); }
 void CursorRight() { StepCursor(2); }
 void CursorLeft() { StepCursor(3); }
 
-// With origin mode on, row 0 is the row above the region.
+// In origin mode, parameter 0 means the row above the scrolling region.
 void CursorPositionTo() {
     const ScreenBuffer& screen = session.screen;
     int row = AtMost(FirstParam(), screen.rows);
@@ -104,7 +105,7 @@ void CursorPositionTo() {
     PlaceCursor(AtLeast(row, 1), SecondParam());
 }
 
-// A single parameter is disregarded: the region becomes the whole screen.
+// With fewer than two parameters the region becomes the whole screen.
 void SetScrollingRegion() {
     ScreenBuffer& screen = session.screen;
     int top = 1, bottom = screen.rows;
@@ -171,8 +172,8 @@ void ResetSplit() {
     split.lower = {1, split.lower.row, rows, rows, 0, 0};
 }
 
-// The top margin stays. Where the upper region takes the whole screen the lower one starts on row
-// 1.
+// The top margin does not change. If the upper region takes the whole screen, the lower one starts
+// at row 1.
 void DefineSplit() {
     SplitRegions& split = session.split;
     const int rows = session.screen.rows;

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Erasing, and inserting and deleting of characters and lines.
+// Erasing, and inserting and deleting characters and lines.
 #include "terminal/actions.h"
 
 #include <algorithm>
 
 #include "terminal/screen_buffer.h"
 
-// Plain blanks from first to last column of a row. selective keeps protected cells.
+// Writes plain blanks to columns first..last of a row. With `selective` it keeps protected cells.
 static void BlankCells(int row, int first, int last, bool selective) {
     if (!RowExists(row)) return;
     DWORD* words = RowWords(row);
@@ -86,7 +86,7 @@ void EraseCharacters() {
     BlankCells(screen.cursor_row, screen.cursor_col, screen.cursor_col + count - 1, false);
 }
 
-// More than the rest of the row has the effect of the rest of the row.
+// A count beyond the end of the row acts like a count up to the end of the row.
 static int HoldToRestOfRow(int count) {
     return std::min(count, session.screen.columns - session.screen.cursor_col + 1);
 }
@@ -106,8 +106,9 @@ void DeleteCharacters() {
     }
 }
 
-// The rows that insert and delete line move: from the cursor's row to the end of the region, or of
-// the lines below or above it, that the cursor is in.
+// Sets the rows that inserting and deleting lines scrolls. Inside the scrolling region they run
+// from the cursor's row to the bottom margin, above it from the cursor's row to the row before the
+// top margin. Below it they run from the row after the bottom margin to the cursor's row.
 static void LinesFromCursor(int* first, int* last) {
     const ScreenBuffer& screen = session.screen;
     const int row = screen.cursor_row;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Sequences of ESC and one or two more bytes. Each procedure that takes a byte sets the state back
-// to ground first, so a byte that it does not know ends the sequence and is dropped.
+// Sequences of ESC and one or two more bytes. Each procedure that takes a byte first sets the state
+// back to ground, so an unknown byte ends the sequence and is dropped. Only DeviceControlByte stays
+// in its state until ESC \ ends the string.
 #include "terminal/sequences.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The states, the ground state's control characters, and the quick way through a whole chunk.
+// The byte interpreter: its table of states, the control characters of the ground state, and the
+// fast path for a whole chunk.
 #include "terminal/interpreter.h"
 
 #include <array>
@@ -11,17 +12,18 @@
 
 // ---------------------------------------------------------------- text
 
-// Printable characters into the grid: pending wrap, insert mode, line drawing and autowrap.
+// Writing printable characters to the grid, with pending wrap, insert mode, line drawing and
+// autowrap.
 
-// What a character written now gets beside its code.
+// The attribute bits of a character that is written now.
 static inline DWORD WrittenAttr() {
     const DWORD attr = session.screen.current_attr;
     return session.modes.graphic_active ? attr | kCellGraphic : attr;
 }
 
-// Writes the printable bytes at the front, as WritePrintable would one by one, as long as they are
-// only cells: up to the last column but one of the cursor's row, with nothing to insert and no wrap
-// pending. Returns how many bytes it wrote, perhaps none.
+// Writes the printable bytes at the front, as WritePrintable would one by one, but only in the
+// simple case: insert mode is off, no wrap is pending, and it stops after the last column but one
+// of the cursor's row. Returns how many bytes it wrote, 0 included.
 static inline int WriteCells(const BYTE* bytes, int count) {
     ScreenBuffer& screen = session.screen;
     if (session.modes.insert_mode | session.parser.pending_wrap) return 0;
@@ -67,7 +69,7 @@ static void Bell() {
     if (session.settings.bell) MessageBeep(MB_ICONASTERISK);
 }
 
-// An 8-bit introducer stands for ESC and the byte 64 below it.
+// An 8-bit introducer means the same as ESC and the byte that is 64 less.
 static void Introduce(BYTE second) {
     BeginEscape();
     EscapeByte(second);
@@ -153,7 +155,7 @@ const char* TerminalTakeReply() {
 
 // ---------------------------------------------------------------- whole chunks
 
-// One bit a state: the byte may place a reply there.
+// One bit for each state: set if the byte may produce a reply in that state.
 static constexpr std::array<BYTE, 256> kMayReply = [] {
     std::array<BYTE, 256> table{};
     table[5] = 1 << kStateGround;
@@ -166,7 +168,8 @@ static constexpr std::array<BYTE, 256> kMayReply = [] {
 
 static bool MayReply(BYTE b) { return kMayReply[b] >> session.parser.parser_state & 1; }
 
-// In the ground state: a run of text, a whole control sequence, or one byte.
+// In the ground state: runs a stretch of text, a whole control sequence, or one byte. Returns how
+// many bytes it ran; 0 if the first may produce a reply.
 static int RunGround(const BYTE* bytes, int count) {
     if (kPrintableBytes[bytes[0]]) {
         if (const int cells = WriteCells(bytes, count)) return cells;
@@ -181,7 +184,8 @@ static int RunGround(const BYTE* bytes, int count) {
     return 1;
 }
 
-// In any other state: a run of parameters, or one byte.
+// In any other state: runs a stretch of parameter characters, or one byte. Returns the same as
+// RunGround.
 static int RunSequence(const BYTE* bytes, int count) {
     if (session.parser.parser_state == kStateControlSequence) {
         if (const int run = CollectParameters(bytes, count)) return run;

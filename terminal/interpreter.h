@@ -1,39 +1,42 @@
 // SPDX-License-Identifier: MIT
 // The interpreter of the host's byte stream: VT100 and VT220 control functions (ECMA-48, DEC) with
 // 7-bit and 8-bit introducers, and a VT52 mode. It works on session.screen, session.parser,
-// session.modes and session.split; rows to paint are marked in session.screen.row_changed, and the
-// bell is its one call to the platform. No byte is an error: what it does not know it drops.
+// session.modes and session.split, and marks the rows to paint in session.screen.row_changed. The
+// bell is its only call to the platform. No byte is an error: the interpreter drops what it does
+// not know.
 #ifndef QUILL_TERMINAL_INTERPRETER_H
 #define QUILL_TERMINAL_INTERPRETER_H
 
 #include "session/session_state.h"
 #include "windows_ce.h"
 
-// Runs one byte through the current state. Returns reply_pending: 1 when a reply waits to be taken.
+// Runs one byte through the current state. Returns reply_pending: 1 while a reply waits for
+// TerminalTakeReply.
 int TerminalFeedByte(BYTE b);
 
-// The waiting reply, NUL-terminated and good until the next byte is fed, or null if there is none.
+// Returns the waiting reply, or null if there is no reply, and clears reply_pending. The text is
+// NUL-terminated and valid until the next byte is fed.
 const char* TerminalTakeReply();
 
-// The quick way for a whole chunk: feeds bytes from the front, with the effect of feeding them one
-// by one, up to the first that can produce a reply, and returns how many it fed. That next byte is
-// for TerminalFeedByte, so
+// The fast path for a whole chunk. It feeds bytes from the front, up to the first byte that can
+// produce a reply, and returns how many it fed. The effect is the same as feeding them one by one.
+// The caller passes the next byte to TerminalFeedByte, so
 //     int fed = TerminalFeedText(bytes, count);
 //     if (fed < count && TerminalFeedByte(bytes[fed])) ... take the reply
-// is the loop's body. Returns 0 when the very first byte is such a byte, or count is below 1.
+// is the body of the loop. Returns 0 if the first byte can produce a reply, or if count is below 1.
 int TerminalFeedText(const BYTE* bytes, int count);
 
 // ---------------------------------------------------------------- whole writes
 
-// The way of the host's bytes, and of the program's own, into the terminal.
+// How bytes from the host, and text that the program shows itself, reach the terminal.
 
-// Shows `count` bytes: drops a selection, runs the bytes through the interpreter, sends each reply
-// to the host as it arises, and asks for a paint of what changed.
+// Shows `count` bytes: drops the selection, runs the bytes through the interpreter, sends each
+// reply to the host at once, and then calls ShowWritten.
 void TerminalWrite(const BYTE* bytes, int count);
 
-// What every write ends with: the view follows the cursor where it is to, what changed is painted,
-// and the status line tells the cursor's place unless it is the one before the write
-// (CursorPosition, terminal/modes.h).
+// The last step of every write. The view follows the cursor if the setting asks for it, and the
+// changed rows are painted. The status line is updated if the cursor has moved: cursor_before is
+// CursorPosition (terminal/modes.h) from before the write.
 void ShowWritten(int cursor_before);
 
 #endif

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The two resets, the mode tables, the choice of replies, the readers, and the graphic rendition.
+// The two resets, the mode tables, 7-bit or 8-bit replies, the accessors, and the graphic
+// rendition.
 #include "terminal/modes.h"
 
 #include <algorithm>
@@ -15,7 +16,7 @@ void SetDefaultTabStops() {
     for (int col = 9; col < kTabColumns; col += 8) session.screen.tab_stops[col] = 0;
 }
 
-// What both resets set alike.
+// What both resets have in common.
 static void ResetCommon() {
     TerminalModes& modes = session.modes;
     modes.insert_mode = 0;
@@ -94,7 +95,7 @@ static void RepeatOff() { session.modes.autorepeat = 0; }
 static void CursorOn() { session.modes.cursor_visible = 1; }
 static void CursorOff() { session.modes.cursor_visible = 0; }
 
-// Asked for 80 or 132 columns, the screen is blanked and stays as wide as it is.
+// A request for 80 or 132 columns blanks the screen, but its width does not change.
 static void ChangeWidth() {
     BlankScreen(0);
     session.parser.pending_wrap = 0;
@@ -162,7 +163,7 @@ static void ChangeModes(bool set) {
 void SetModes() { ChangeModes(true); }
 void ResetModes() { ChangeModes(false); }
 
-// ---------------------------------------------------------------- the choice of replies
+// ---------------------------------------------------------------- 7-bit or 8-bit replies
 
 void SetConformanceLevel() {
     ParserState& parser = session.parser;
@@ -186,7 +187,7 @@ void LeaveVt52() {
     session.modes.c1_replies = 0;
 }
 
-// ---------------------------------------------------------------- readers
+// ---------------------------------------------------------------- accessors
 
 DWORD NewlineMode() { return session.modes.newline_mode; }
 void SetNewlineMode(DWORD on) { session.modes.newline_mode = on; }
@@ -201,7 +202,7 @@ DWORD ScreenReverse() { return session.modes.screen_reverse; }
 
 struct RenditionRow {
     int value;
-    DWORD kept;  // of the current attribute
+    DWORD kept;  // bits of the current attribute that stay
     DWORD added;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The replies' texts and which of them a request gets.
+// The texts of the terminal's replies to the host, and which request gets which reply.
 #include "terminal/actions.h"
 
 #include <cstdio>
@@ -22,7 +22,7 @@ static const ReplyText kPrimary        = {"\x1b[?62;1;6c",              "\x9b?62
 static const ReplyText kSecondary      = {"\x1b[>1;1;0c",               "\x9b>1;1;0c"};
 static const ReplyText kCursor         = {"\x1b[%d;%dR",                "\x9b%d;%dR"};
 
-// Hosts know the 8-bit text of request 0 as it stands, without an introducer.
+// The 8-bit reply to request 0 has no introducer. Hosts expect exactly this text.
 static const ReplyText kParameters0    = {"\x1b[2;1;1;128;128;1;0x",    "2332;1;1;128;128;1;0x"};
 static const ReplyText kParameters     = {"\x1b[3;1;1;128;128;1;0x",    "\x9b""3;1;1;128;128;1;0x"};
 
@@ -35,7 +35,7 @@ static const StatusRow kStatus[] = {
 };
 // clang-format on
 
-// Every text goes through as a format with the cursor's row and column; only one uses them.
+// Every text is a format that gets the cursor's row and column, but only kCursor uses them.
 static void Reply(const ReplyText& text) {
     const char* format = session.modes.c1_replies ? text.eight_bit : text.seven_bit;
     sprintf(session.parser.reply_text, format, session.screen.cursor_row,

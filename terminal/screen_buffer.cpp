@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The screen's storage: clearing, line sizes, the current attribute, cells and whole lines;
-// scrolling; selection and the rows as they are painted.
+// The grid of character cells: clearing, line sizes, the current attribute, cells and whole lines,
+// scrolling, the selection, and the rows as the renderer reads them.
 #include "terminal/screen_buffer.h"
 
 #include <algorithm>
@@ -11,7 +11,8 @@
 
 static const DWORD kLineSizeBits = kLineDoubleWidth | kLineDoubleTop | kLineDoubleBottom;
 
-// This and FillLine are out of line: their loops need not be there once for each way to scroll.
+// MarkRows and FillLine are not inlined, so that their loops are not copied into every way to
+// scroll.
 [[gnu::noinline]] void MarkRows(int first, int last) {
     for (int row = HoldRow(first); row <= HoldRow(last); ++row) session.screen.row_changed[row] = 1;
 }
@@ -137,7 +138,7 @@ static void MoveSlots(int to, int from, int count) {
             static_cast<size_t>(count) * sizeof session.screen.slots[0]);
 }
 
-// Row r+1 onto row r, for r = top..bottom-1. Needs top < bottom.
+// Copies row r+1 onto row r, for r = top..bottom-1. Needs top < bottom.
 static void MoveRowsUp(int top, int bottom) {
     const int first = RowSlot(top);
     const int last = RowSlot(bottom);
@@ -150,7 +151,7 @@ static void MoveRowsUp(int top, int bottom) {
     MoveSlots(1, 2, last - 1);
 }
 
-// Row r-1 onto row r, for r = bottom..top+1. Needs top < bottom.
+// Copies row r-1 onto row r, for r = bottom..top+1. Needs top < bottom.
 static void MoveRowsDown(int top, int bottom) {
     const int first = RowSlot(top);
     const int last = RowSlot(bottom);
@@ -165,8 +166,9 @@ static void MoveRowsDown(int top, int bottom) {
 
 static bool WholeScreen(int top, int bottom) { return top == 1 && bottom == session.screen.rows; }
 
-// How many single steps have the effect of n: a region is blank after its height; the ring is blank
-// after one turn, and from then on only its origin moves.
+// Returns how many single steps have the same effect as n, so that a huge n costs little. A region
+// is blank after as many steps as it has rows. The whole ring is blank after one turn; after that
+// only its origin moves.
 static int StepsThatMatter(int n, int top, int bottom) {
     if (WholeScreen(top, bottom)) return n <= kRingLines ? n : kRingLines + n % kRingLines;
     const int height = bottom > top ? bottom - top + 1 : 1;
@@ -217,7 +219,8 @@ void SetSelection(int start_col, int start_row, int end_col, int end_row) {
     screen.selection_end_row = end_row;
 }
 
-// The columns run from the upper point's to the lower point's; points on one row are put in order.
+// The columns run from the column of the upper point to that of the lower point. Points on the same
+// row are put in order.
 ScreenArea SelectedArea() {
     const ScreenBuffer& screen = session.screen;
     ScreenArea area = {screen.selection_start_row, screen.selection_end_row,

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The interpreter's own: which bytes are text, and the states of escape and control sequences.
+// Internal to the interpreter: which bytes are text, and the states that parse escape sequences and
+// control sequences.
 #ifndef QUILL_TERMINAL_SEQUENCES_H
 #define QUILL_TERMINAL_SEQUENCES_H
 
@@ -10,8 +11,8 @@
 
 // ---------------------------------------------------------------- text
 
-// Which bytes are text in the ground state: everything from 32 on but for the five 8-bit
-// introducers. A table, because every byte of text is looked up in it.
+// The bytes that are text in the ground state: everything from 32 on except the five 8-bit
+// introducers. This is a table for speed, since every byte of text is looked up in it.
 
 inline constexpr BYTE kIntroducerInd = 0x84;
 inline constexpr BYTE kIntroducerRi = 0x8D;
@@ -30,7 +31,7 @@ inline constexpr std::array<BYTE, 256> kPrintableBytes = [] {
 
 // ---------------------------------------------------------------- escape sequences
 
-// ESC and one or two more bytes: the states 1 and 3 to 7.
+// ESC followed by one or two more bytes: the states 1 and 3 to 7.
 
 inline constexpr BYTE kEsc = 27;
 
@@ -45,28 +46,28 @@ enum ParserStateNumber {
     kStateDeviceControl = 7
 };
 
-// ESC in any state that heeds it: forgets ? and >.
+// Starts an escape sequence. Clears the flags for ? and >.
 inline void BeginEscape() {
     session.parser.parser_state = kStateEscape;
     session.parser.secondary_flag = 0;
     session.parser.private_flag = 0;
 }
 
-void EscapeByte(BYTE b);  // one byte in state 1; also what an 8-bit introducer stands for
+void EscapeByte(BYTE b);  // one byte in state 1; also runs the second byte of an 8-bit introducer
 void LineSizeByte(BYTE b);
 void DesignateG0Byte(BYTE b);
 void DesignateG1Byte(BYTE b);
 void Vt52AddressByte(BYTE b);
 void DeviceControlByte(BYTE b);
 
-void ShiftOut();  // SO: G1 into use
-void ShiftIn();   // SI: G0
+void ShiftOut();  // SO: selects G1
+void ShiftIn();   // SI: selects G0
 
 // ---------------------------------------------------------------- control sequences
 
-// What comes between ESC [ and the final character, and the finals' table.
+// Parses the bytes between ESC [ and the final byte. The final byte selects the action.
 
-// ESC [.
+// Starts the control sequence after ESC [ has been read.
 inline void BeginControlSequence() {
     ParserState& parser = session.parser;
     parser.parser_state = kStateControlSequence;
@@ -77,14 +78,16 @@ inline void BeginControlSequence() {
 
 void ControlSequenceByte(BYTE b);  // one byte in state 2
 
-// In the ground state: runs the whole control sequence that the bytes begin with, ESC [ included,
-// with the effect of feeding them one by one. Takes only the common kind, at most two numbers of at
-// most two digits and a final that reads them and sends no reply; of any other it takes nothing.
-// Needs ten bytes to look at. Returns how many bytes it took.
+// In the ground state: runs the whole control sequence at the front of the bytes, ESC [ included.
+// The effect is the same as feeding the bytes one by one. It handles only the common kind: at most
+// two numbers of at most two digits each, no flag characters, no text that begins with two zeros,
+// and a final byte that reads the numbers and sends no reply. For any other sequence, and with
+// fewer than ten bytes to look at, it does nothing and returns 0. Otherwise it returns how many
+// bytes it took.
 int RunCommonSequence(const BYTE* bytes, int count);
 
-// In state 2: appends the parameter characters at the front as ControlSequenceByte would one by
-// one, as far as there is room, and returns how many bytes it took.
+// In state 2: appends the parameter characters at the front, as ControlSequenceByte would one by
+// one, while there is room. Returns how many bytes it took.
 int CollectParameters(const BYTE* bytes, int count);
 
 #endif

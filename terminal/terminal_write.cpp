@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The way of the host's bytes into the terminal and of the terminal's replies back to the host. A
-// file of its own, so that the interpreter works without a way to a host.
+// Passes the host's bytes to the interpreter and the terminal's replies back to the host. This is a
+// separate file so that the interpreter does not depend on a connection.
 #include "terminal/interpreter.h"
 
 #include <cstring>

@@ -45,7 +45,7 @@ bool TakeString(ByteReader* reader, const uint8_t** bytes, int* length) {
 
 // ---------------------------------------------------------------- wiping
 
-// Read anew at each call, so the compiler cannot know what is called and cannot leave it out.
+// The pointer is volatile: the compiler cannot know what is called and so cannot remove the call.
 static void* (*const volatile kSetMemory)(void*, int, size_t) = memset;
 
 void Wipe(void* memory, size_t size) {

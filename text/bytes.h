@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Bytes in memory: words to and from them in either byte order, a reader that stays within its
-// bounds, and wiping.
+// Bytes in memory: loading and storing words in either byte order, a reader that stays within its
+// bounds, and wiping secrets.
 #ifndef QUILL_TEXT_BYTES_H
 #define QUILL_TEXT_BYTES_H
 
@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <cstring>
 
-// Words to and from bytes, big-endian and little-endian, at any address.
+// Loading and storing words, big-endian and little-endian. The address needs no alignment.
 
 inline uint16_t SwapBytes(uint16_t word) { return __builtin_bswap16(word); }
 
@@ -45,34 +45,34 @@ inline void StoreLittle(uint8_t* bytes, Word word) {
 
 // ---------------------------------------------------------------- the reader
 
-// The one reader of bytes that an SSH server sent, in packets and in keys. It never leads outside
-// the bytes it was set on: what they do not hold whole is not taken, and the reader stays where it
-// is.
+// Reads the bytes that an SSH server sent, in packets and in keys. It never reads outside its
+// bytes: if a field is not completely there, the reader does not move.
 
 struct ByteReader {
     const uint8_t* next;
-    int left;  // bytes from next on
+    int left;  // bytes from `next` on
 };
 
-// Set on `count` bytes; a negative count is none.
+// Returns a reader of `count` bytes. A negative count means 0.
 ByteReader ReaderOf(const uint8_t* bytes, int count);
 
-// Each returns false, with a value of 0 or null, when the bytes are not there.
+// Each returns false, and sets the value to 0 or null, if the bytes are not there.
 bool TakeByte(ByteReader* reader, uint8_t* value);
 bool TakeUint32(ByteReader* reader, uint32_t* value);  // big-endian
 bool TakeBytes(ByteReader* reader, uint32_t count, const uint8_t** bytes);
-// A uint32 length and so many bytes, of which *bytes is the first (RFC 4251, 5; SSH-1 has the
-// same).
+// Takes a uint32 length and that many bytes; *bytes is the first of them (RFC 4251, 5; SSH-1 has
+// the same).
 bool TakeString(ByteReader* reader, const uint8_t** bytes, int* length);
 
 // ---------------------------------------------------------------- wiping
 
-// Wiping of memory that held a key, a secret number or anything that would give one away.
+// Wiping memory that held a key, a secret number or anything that would reveal one.
 
-// Sets `size` bytes to zero, and does so even when nothing reads them again.
+// Sets `size` bytes to zero. The compiler cannot leave this out, even if nothing reads the bytes
+// again.
 void Wipe(void* memory, size_t size);
 
-// Wipes a block of malloc or calloc and releases it. Null is allowed.
+// Wipes and frees a block from malloc or calloc. Null is allowed.
 void WipeAndFree(void* memory, size_t size);
 
 #endif

@@ -47,7 +47,7 @@ void Emit(Output* output, int value) {
 
 bool IsOctalDigit(char c) { return c >= '0' && c <= '7'; }
 
-// The digits at `text` as a value; moves past them.
+// Returns the value of the octal digits at *text and moves *text past them.
 int TakeValue(const char** text) {
     int value = 0;
     for (int digits = 0; digits < kMostDigits && IsOctalDigit(**text); digits++)

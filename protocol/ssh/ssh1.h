@@ -11,12 +11,12 @@
 // ---------------------------------------------------------------- the packets
 
 // The packets of SSH-1.5, in either direction:
-//   length    uint32: type, data and checksum, so data + 5
+//   length    uint32: the size of type, data and checksum, that is, data + 5
 //   padding   8 - length mod 8 bytes (1 to 8), random
 //   type      1 byte
 //   data
-//   checksum  CRC-32 without inversions, of padding, type and data
-// From the padding on, a packet is encrypted once there is a cipher.
+//   checksum  CRC-32 without inversions, over padding, type and data
+// Once there is a cipher, everything from the padding on is encrypted.
 
 enum Ssh1Type : BYTE {
     MSG_DISCONNECT = 1,
@@ -37,15 +37,17 @@ enum Ssh1Type : BYTE {
     MSG_DEBUG = 36,
 };
 
-// Starts a packet of dataLength bytes, at most kSsh1PacketSize - 17; returns where they go.
+// Starts a packet with dataLength bytes of data, at most kSsh1PacketSize - 17. Returns where the
+// caller writes them.
 BYTE* Ssh1BeginPacket(BYTE type, int dataLength);
 void Ssh1SendPacket();
 
-// A packet that is one string.
+// Sends a packet whose data is one string.
 void Ssh1SendString(BYTE type, const void* bytes, int length);
 
-// The bytes from the length field on that a packet needs to be opened. One that is too large never
-// comes whole: its length alone is enough. At least the length field must be there.
+// Returns how many bytes, from the length field on, must have arrived before the packet can be
+// opened. For a packet that is too large this is only the length field, since the rest would never
+// fit. The length field must have arrived.
 uint64_t Ssh1PacketSize(const BYTE* packet);
 
 struct Ssh1Packet {
@@ -54,33 +56,34 @@ struct Ssh1Packet {
     int length;
 };
 
-// A packet from its length field on, `length` bytes of it in all: decrypts and checks it. False
-// when there is nothing to act on: it claims too few bytes for a type, is not as long as it says,
-// or is to be ignored. Too large or with a wrong checksum, it ends the session with a message.
+// Decrypts and checks a packet of `length` bytes, from its length field on. Returns false if there
+// is nothing to act on: the packet has no room for a type, its length is not the one that it
+// states, or its type is MSG_IGNORE or MSG_DEBUG. A packet that is too large or has a wrong
+// checksum ends the session with a message; the result is false then too.
 bool Ssh1OpenPacket(const BYTE* bytes, int length, Ssh1Packet* packet);
 
-// Shows the error, and then CloseSession, unless the session ended while the box was shown.
+// Shows the error and then calls CloseSession, unless the session ended while the message box was
+// open.
 void Ssh1EndSession(LPCWSTR text);
 
 // ---------------------------------------------------------------- the session
 
 extern const Protocol kSsh1Protocol;
 
-// A received chunk: gathered until packets are whole, which are then handled one by one.
+// Takes a received chunk: collects bytes until packets are complete and handles these one by one.
 void Ssh1TakeChunk(const BYTE* bytes, int count);
 
 // Opens a packet and acts on it.
 void Ssh1HandlePacket(const BYTE* bytes, int length);
 
-// A packet that has been checked, `length` bytes of data: the step that is due in the session's
-// state.
+// Acts on a checked packet with `length` bytes of data, depending on the session's state.
 void Ssh1RunState(BYTE type, const BYTE* data, int length);
 
-// Bytes for the shell, as they are; dropped before there is one.
+// Sends bytes to the shell, unchanged. Drops them if there is no shell yet.
 void Ssh1SendData(const BYTE* data, int length);
 
-// Takes the server's public-key message, answers it with the session key, and encrypts from then
-// on. False when the session has ended instead, its message shown.
+// Takes the server's public-key message, replies with the session key, and encrypts from then on.
+// Returns false if it showed an error and ended the session instead.
 bool Ssh1ExchangeKeys(const BYTE* data, int length);
 
 #endif

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The session key under the server's two keys, and the cipher that takes it.
+// The key exchange of SSH-1: the client draws a session key, encrypts it with the server's two
+// public keys, and sets up the cipher with it.
 #include <iterator>
 
 #include "crypto/hashes.h"
@@ -11,7 +12,7 @@
 
 namespace {
 
-constexpr int kMessageSize = 401;  // units of the message about ciphers with its zero
+constexpr int kMessageSize = 401;  // units of the message about ciphers, terminator included
 constexpr int kKeyBufferSize = kRsaMaxModulusBits / 8;  // an encrypted session key
 const LPCWSTR kViolation = TEXT("SSH protocol violation. Session must close!!!");
 
@@ -21,7 +22,7 @@ struct CipherChoice {
     LPCWSTR name;
 };
 
-// By settings.ssh_type.
+// Indexed by settings.ssh_type.
 // clang-format off
 const CipherChoice kChoices[] = {
     {2, &kSsh1Des,       TEXT("(DES)")},
@@ -35,7 +36,7 @@ struct CipherName {
     LPCWSTR name;
 };
 
-// In the order in which the message lists them.
+// The message lists the ciphers in this order.
 const CipherName kServerCiphers[] = {
     {1, TEXT("IDEA ")},
     {2, TEXT("DES ")},
@@ -64,7 +65,7 @@ bool TakeKey(ByteReader* reader, RsaKey* key) {
     return taken > 0 && TakeBytes(reader, static_cast<uint32_t>(taken), &skipped);
 }
 
-// False, with whatever was read of the keys, when the message does not hold all of it.
+// Returns false if the message is too short; `keys` then has what was read so far.
 bool ReadPublicKeyMessage(const BYTE* data, int length, ServerKeys* keys) {
     Ssh1State& ssh1 = session.ssh1;
     ByteReader reader = ReaderOf(data, length);
@@ -102,8 +103,9 @@ int LargerSize(const ServerKeys& keys) {
     return keys.host.bytes > keys.server.bytes ? keys.host.bytes : keys.server.bytes;
 }
 
-// The smaller key first; of two that are equal, the host key. False when the key in turn has no
-// room for the padding, as the second of two that are equal never has.
+// Encrypts with the smaller key first, and with the host key first if both have the same size.
+// Returns false if a key has no room for the padding. With keys of the same size this is always so
+// for the second one.
 bool EncryptUnderBoth(BYTE* buffer, const ServerKeys& keys) {
     const bool host_first = keys.host.bytes <= keys.server.bytes;
     const RsaKey* first = host_first ? &keys.host : &keys.server;
@@ -111,7 +113,7 @@ bool EncryptUnderBoth(BYTE* buffer, const ServerKeys& keys) {
     return RsaEncrypt(buffer, kSsh1KeySize, first) && RsaEncrypt(buffer, first->bytes, second);
 }
 
-// The session key as it is sent, LargerSize bytes of `buffer`.
+// Writes the session key in the form in which it is sent: LargerSize bytes of `buffer`.
 bool EncryptSessionKey(BYTE* buffer, const ServerKeys& keys) {
     std::memcpy(buffer, session.ssh1.sessionKey, kSsh1KeySize);
     for (int i = 0; i < kMd5Size; i++) buffer[i] ^= session.ssh1.sessionId[i];
@@ -155,7 +157,7 @@ void TakeUpCipher(const Ssh1Cipher* cipher) {
     ssh1.ssh1Cipher = cipher;
 }
 
-// False when the server lacks the chosen cipher.
+// Returns false if the server does not have the chosen cipher.
 bool SendEncrypted(const BYTE* encrypted, int size) {
     const CipherChoice& choice = ChosenCipher();
     if (!choice.cipher || !ServerHas(choice.number)) {

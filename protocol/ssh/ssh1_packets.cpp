@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Building and checking of packets.
+// Building and checking the packets of SSH-1.
 #include "protocol/ssh/ssh1.h"
 
 #include "crypto/packet_checks.h"
@@ -19,10 +19,10 @@ int PaddingOf(uint32_t length) {
     return kCipherBlockSize - static_cast<int>(length % kCipherBlockSize);
 }
 
-// From padding to checksum.
+// `body` is the size from the padding to the checksum.
 bool TooLarge(uint64_t body) { return body >= kSshReassemblySize; }
 
-// Bytes from padding to checksum, a multiple of 8; may be beyond 32 bits.
+// Returns the size from the padding to the checksum, a multiple of 8. It can exceed 32 bits.
 uint64_t BodyOf(uint32_t length) {
     return uint64_t{length} + static_cast<uint64_t>(PaddingOf(length));
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What a session goes through, from received chunks to packets, and from the server's key to the
-// end of the shell.
+// An SSH-1 session: received chunks become packets, and a table of states says what each packet
+// does, from the server's public key to the end of the shell.
 #include "protocol/ssh/ssh1.h"
 
 #include "protocol/ssh/ssh_session.h"
@@ -13,8 +13,8 @@
 namespace {
 
 constexpr int kLengthFieldSize = 4;
-constexpr int kTextSize = 80;          // bytes of user name and password with their zero
-constexpr int kTerminalTypeSize = 41;  // bytes of the terminal type with its zero
+constexpr int kTextSize = 80;          // bytes of user name or password, terminator included
+constexpr int kTerminalTypeSize = 41;  // bytes of the terminal type, terminator included
 
 enum State {
     kAwaitPublicKey,
@@ -35,7 +35,8 @@ void GoTo(State state) {
 
 // ---------------------------------------------------------------- login
 
-// False when the session has ended: the dialog could not be shown, or others ran while it was.
+// Returns false if the session has ended: the dialog could not be shown, or the session ended while
+// the dialog was open.
 bool AskForUser() {
     const SOCKET served = ServedSocket();
     const bool shown = session_ports.ask_sign_on();
@@ -44,7 +45,7 @@ bool AskForUser() {
     return shown;
 }
 
-// A cancelled dialog is no end: what the settings hold is sent.
+// A cancelled dialog does not end the session: the user name in the settings is sent.
 void SendUser() {
     if ((!session.settings.ssh_def || session.ssh1.loginFailed) && !AskForUser()) return;
     char user[kTextSize];
@@ -87,7 +88,7 @@ void RequestTerminal(const BYTE*, int) {
     at = PutBlock(at, type, length);
     at = PutUint32(at, session.ssh1.ptyRows);
     at = PutUint32(at, session.ssh1.ptyColumns);
-    at = PutUint32(at, 0);  // width and height in pixels: not told
+    at = PutUint32(at, 0);  // width and height in pixels: unknown
     at = PutUint32(at, 0);
     *at = 0;  // no terminal modes
     Ssh1SendPacket();
@@ -118,8 +119,8 @@ void ConfirmExit(const BYTE*, int) {
 
 constexpr int kAnyType = -1;
 
-// The first row that fits acts; a text is shown, and the session closed. Without a row a packet is
-// passed over.
+// The first row that matches state and type is used. A row with an `end` text shows it and closes
+// the session; any other row calls `act`. A packet without a matching row is ignored.
 struct StateRow {
     State state;
     int type;
@@ -153,7 +154,7 @@ const StateRow kStates[] = {
 
 // ---------------------------------------------------------------- received chunks
 
-// Handles the whole packets at the front, and stops where one of them ends the session.
+// Handles the complete packets at the front. Stops as soon as one of them ends the session.
 void HandleWholePackets(SOCKET served) {
     SshState& ssh = session.ssh;
     int at = 0;
@@ -207,7 +208,7 @@ const Protocol kSsh1Protocol = {
     .forget = Forget,
 };
 
-// Out of line, once for chunks and for single packets.
+// Not inlined, so that its code exists only once.
 [[gnu::noinline]] void Ssh1RunState(BYTE type, const BYTE* data, int length) {
     for (const StateRow& row : kStates) {
         if (row.state != session.ssh1.ssh1State) continue;

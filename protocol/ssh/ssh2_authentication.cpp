@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kCredentialSize = 80;
 
-// The connection may end while the dialog is up: nothing more is sent then.
+// Returns false if nothing more may be sent, since the connection can end while the dialog is open.
 bool SignOn() {
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     const bool shown = session_ports.ask_sign_on();
@@ -35,7 +35,7 @@ void SendPasswordRequest(const char* name, const char* password) {
     BYTE* at = PutString(Payload(), name);
     at = PutString(at, kService);
     at = PutString(at, kMethod);
-    at = PutByte(at, 0);  // no change of the password
+    at = PutByte(at, 0);  // the password is not being changed
     PutString(at, password);
     SendPacket();
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The channel, its pseudo-terminal and its bytes.
+// The channel of an SSH-2 session: requesting the pseudo-terminal and the shell, and passing bytes
+// in both directions.
 #include "protocol/ssh/ssh2.h"
 
 #include <algorithm>
@@ -13,8 +14,8 @@
 namespace {
 
 constexpr uint32_t kLocalChannel = 27;
-constexpr int kWindow = 8000;       // bytes granted at the open, and again by each adjust
-constexpr int kAdjustBelow = 4000;  // what is left of it when an adjust is due
+constexpr int kWindow = 8000;       // bytes; each adjust tops the window up to this
+constexpr int kAdjustBelow = 4000;  // bytes; send an adjust when less than this is left
 constexpr uint32_t kMaxPacket = 16384;
 constexpr int kTermTypeSize = 40;
 constexpr size_t kLeastHeldRoom = 256;  // bytes
@@ -58,7 +59,7 @@ void AdjustWindow(int length) {
     ssh.localWindow = kWindow;
 }
 
-// The data at the reader; a length that leads outside the packet drops it.
+// Shows the string at the reader. It is dropped if its length exceeds the packet.
 void ShowData() {
     const BYTE* data;
     int length;
@@ -79,12 +80,13 @@ void SendDataPackets(const BYTE* data, int length) {
         SendDataPacket(data + at, std::min(kSsh2MaxData, length - at));
 }
 
-// The size of the block that holds so many bytes: it doubles, so that few moves hold any number.
+// Returns the size of the block that holds `length` bytes. The sizes double, so that the data is
+// moved only a few times.
 size_t HeldRoom(int length) {
     return length == 0 ? 0 : std::bit_ceil(std::max(static_cast<size_t>(length), kLeastHeldRoom));
 }
 
-// False without memory.
+// Returns false if there is no memory.
 bool MakeHeldRoom(int length) {
     Ssh2State& ssh = session.ssh2;
     const size_t room = HeldRoom(ssh.heldLength);
@@ -97,7 +99,8 @@ bool MakeHeldRoom(int length) {
     return true;
 }
 
-// A piece that finds no room is lost whole: no answer of the terminal goes out cut in two.
+// A piece that does not fit is dropped completely, so that no reply of the terminal is sent in
+// part.
 void HoldData(const BYTE* data, int length) {
     Ssh2State& ssh = session.ssh2;
     if (length > kSsh2MaxHeld - ssh.heldLength || !MakeHeldRoom(ssh.heldLength + length)) return;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The key exchange of SSH-2.
+// The key exchange of SSH-2: the KEXINIT and Diffie-Hellman messages, the check of the host key's
+// signature, and the derived keys.
 #include "protocol/ssh/ssh2.h"
 
 #include "crypto/random.h"
@@ -11,9 +12,9 @@
 namespace {
 
 constexpr int kCookieSize = 16;
-constexpr int kKexInitTail = 13;  // two empty language lists, no guess, a reserved number
+constexpr int kKexInitTail = 13;  // two empty language lists, no guessed packet, a reserved number
 
-// By the setting ssh_type.
+// Indexed by the setting ssh_type.
 const SshCipher* const kOffered[] = {&kTripleDesCbc, &kTripleDesCbc, &kBlowfishCbc};
 
 const SshCipher* OfferedCipher() {
@@ -32,7 +33,7 @@ struct NameLists {
     int count;
 };
 
-// With an unknown ssh_type the two of the ciphers are missing.
+// If ssh_type is unknown, the two lists of ciphers are left out.
 NameLists OurLists() {
     NameLists lists = {{"diffie-hellman-group1-sha1", "ssh-dss"}, 2};
     const auto twice = [&](const char* name) {
@@ -124,7 +125,8 @@ bool AgreeWith(const KexDhReply& reply) {
 
 // ---------------------------------------------------------------- keys
 
-// 40 bytes for one letter; each operation takes as many of them as it needs.
+// Derives 40 bytes for one letter of RFC 4253, 7.2. Each `install` procedure uses as many of them
+// as it needs.
 void FillKeyBlock(BYTE letter) {
     Ssh2State& ssh = session.ssh2;
     Sha1Context start, hash;
@@ -184,9 +186,9 @@ void OnKexInit() {
     SendKexDhInit();
 }
 
-// Whatever comes of it, an exchange has one reply.
+// An exchange accepts only one reply: the group is released even if the reply is bad.
 void OnKexDhReply() {
-    if (!session.ssh2.dh.p) return;  // no exchange is under way
+    if (!session.ssh2.dh.p) return;  // no exchange is in progress
     const KexDhReply reply = ReadReply();
     if (reply.signature && AgreeWith(reply)) {
         BeginPacket(kMsgNewKeys, 1);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Packets of SSH-2.
+// Packets of SSH-2: building and sending them, and reading the fields of received ones.
 #include "protocol/ssh/ssh2.h"
 
 #include "crypto/random.h"
@@ -13,7 +13,7 @@ constexpr int kHeadSize = 5;  // the length field and the padding's length
 constexpr int kLeastPadding = 4;
 constexpr int kLeastPacket = 16;
 
-// The last rule is never needed after the first two.
+// The last of the three rules never applies once the first two have.
 int PaddingFor(int payloadLength) {
     int padding = kCipherBlockSize - (payloadLength + kHeadSize) % kCipherBlockSize;
     if (padding < kLeastPadding) padding += kCipherBlockSize;
@@ -43,7 +43,7 @@ void SendPacket() {
     if (HasCipher()) ssh.outMac->generate(ssh.sendBuf, size, ssh.sendSeq);
     ssh.sendSeq++;
     if (HasCipher()) {
-        ssh.cipher->encrypt(ssh.sendBuf, packetLength);  // rounded up to all blocks of it
+        ssh.cipher->encrypt(ssh.sendBuf, packetLength);  // rounds up to whole blocks
         size += ssh.outMac->macLength;
     }
     SshSendPacketBytes(ssh.sendBuf, size);

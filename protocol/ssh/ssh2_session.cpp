@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// An SSH-2 session from its beginning to its end: chunks to packets, packets to the handlers of
-// their messages.
+// An SSH-2 session from its beginning to its end: it splits received chunks into packets and passes
+// each packet to the handler of its message.
 #include "protocol/ssh/ssh2.h"
 
 #include "protocol/ssh/ssh_session.h"
@@ -13,11 +13,11 @@ constexpr int kLengthSize = 4;
 
 struct MessageRow {
     BYTE number;
-    bool secured;  // taken only behind a cipher: nothing secret is asked for or sent in the clear
+    bool secured;  // accepted only while there is a cipher: no password is sent unencrypted
     void (*handler)();
 };
 
-// What is not here is ignored.
+// A message that is not in this table is ignored.
 // clang-format off
 const MessageRow kMessages[] = {
     {kMsgServiceAccept,            true,  OnServiceAccept},
@@ -51,7 +51,7 @@ void Append(const BYTE* bytes, int count) {
     ssh.recvFill += count;
 }
 
-// The bytes of the packet at the head of recvBuf, or 0 while it is not complete.
+// Returns the size of the packet at the front of recvBuf, or 0 while it is not complete.
 int CompletePacket() {
     SshState& ssh = session.ssh;
     if (ssh.recvFill < kLengthSize) return 0;
@@ -69,8 +69,9 @@ int CompletePacket() {
     return needed <= ssh.recvFill ? needed : 0;
 }
 
-// Handlers may end the session, and with it what waits; where the next one has begun meanwhile,
-// that is the next one's.
+// Handles one packet; returns false if there is no complete one, or if the handler ended the
+// session. In that case the waiting bytes are dropped only if there is no socket: otherwise a new
+// session may have begun, and they belong to it.
 bool TakePacket(SOCKET served) {
     SshState& ssh = session.ssh;
     const int size = CompletePacket();
@@ -86,7 +87,7 @@ bool TakePacket(SOCKET served) {
     return true;
 }
 
-// Decrypts what follows the first block and checks the MAC behind `total` bytes.
+// Decrypts what follows the first block and checks the MAC after the first `total` bytes.
 bool Authentic(int total, int length) {
     Ssh2State& ssh = session.ssh2;
     if (!HasCipher()) return true;
@@ -95,7 +96,8 @@ bool Authentic(int total, int length) {
     return ssh.inMac->verify(ssh.packetBuf, total, ssh.recvSeq);
 }
 
-// Sets the reader behind the message number; false when the padding leaves no payload.
+// Sets the reader to the first byte after the message number. Returns false if the padding leaves
+// no payload.
 bool OpenPayload(int total, BYTE* number) {
     Ssh2State& ssh = session.ssh2;
     BYTE padding;
@@ -117,7 +119,7 @@ void Dispatch(BYTE number) {
 }  // namespace
 
 void Ssh2TakeChunk(const BYTE* bytes, int count) {
-    if (!session.ssh2.inMac) return;  // the session began with the other protocol
+    if (!session.ssh2.inMac) return;  // the session began with SSH-1
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     Append(bytes, count);
     while (TakePacket(served)) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The socket, the ciphers, the end of a session and the fields of packets, for both SSH protocols.
+// Common code of SSH-1 and SSH-2: the socket, the ciphers, the end of a session and the fields of
+// packets.
 #include "protocol/ssh/ssh_session.h"
 
 #include "session/session_ports.h"

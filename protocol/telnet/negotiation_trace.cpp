@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The lines of the negotiation trace.
+// The trace of the Telnet negotiation: the text of its lines, and how they reach the terminal.
 #include "protocol/telnet/telnet.h"
 
 #include "terminal/interpreter.h"
@@ -52,7 +52,7 @@ LPCWSTR CommandName(BYTE command) {
     return TEXT(" BUG");
 }
 
-// Good until the next call.
+// The result is valid until the next call.
 LPCWSTR OptionName(BYTE option) {
     static WCHAR number[8];
     for (const NameRow& row : kOptionNames)
@@ -85,8 +85,8 @@ void TraceHostCommand(BYTE command, BYTE option) {
 
 void TraceDataMark() { TraceWrite(TEXT("HOST: IAC DM\n\r")); }
 
-// At most 80 bytes of four characters each do not fit one line of the buffer, so it goes out in
-// parts; the interpreter sees one line.
+// Up to 80 bytes of four characters each do not fit into the line buffer. So the line is written in
+// parts; on the screen it is one line.
 void TraceSubnegotiation(const BYTE* bytes, int count) {
     WCHAR part[kLineUnits];
     wsprintfW(part, TEXT("HOST: IAC SB %s"), OptionName(bytes[0]));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The Telnet engine.
+// The Telnet engine: it separates commands from data, negotiates options and answers the
+// terminal-type request.
 #include "protocol/telnet/telnet.h"
 
 #include "session/session_ports.h"
@@ -25,7 +26,8 @@ constexpr BYTE kTerminalType = 24;
 constexpr BYTE kTypeIs = 0;
 constexpr BYTE kTypeSend = 1;
 
-// Turns an option on and announces it, or off; nothing is sent that the host knows already.
+// These turn an option on or off and send the announcement. They send nothing if the option already
+// has that value. An option above the table is always answered.
 void SwitchOn(BYTE* options, BYTE option, BYTE announcement) {
     if (options[option] == 1) return;
     options[option] = 1;
@@ -121,7 +123,7 @@ void AnswerTerminalType() {
     if (session.settings.nego == 1) TraceTerminalType(name);
 }
 
-// The count is not looked at: byte 1 may still be that of the subnegotiation before.
+// The count is not checked, so byte 1 may still be from the previous subnegotiation.
 void EndSubnegotiation() {
     TelnetState& telnet = session.telnet;
     telnet.in_subneg = 0;

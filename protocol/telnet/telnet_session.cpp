@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A Telnet session: received chunks through the engine to the terminal and to the automatic login,
-// typed bytes to the socket.
+// A Telnet session. Received chunks go through the engine to the terminal and to the automatic
+// login; typed bytes go to the socket.
 #include "protocol/telnet/telnet.h"
 
 #include <string_view>
@@ -18,7 +18,7 @@ constexpr BYTE kIac = 255;
 constexpr BYTE kEor = 239;
 constexpr int kStagingSize = 1024;
 
-// Goes out in pieces of the staging buffer's size.
+// Sends in pieces that fit the staging buffer.
 void SendEscaped(const BYTE* bytes, int length) {
     BYTE staging[kStagingSize];
     int used = 0;
@@ -84,7 +84,7 @@ void CheckAutoLogin(const BYTE* bytes, int count) {
 
 namespace {
 
-// Gathers the displayable bytes of the chunk in display_buffer; their number.
+// Copies the displayable bytes of the chunk to display_buffer. Returns how many there are.
 int FilterChunk(const BYTE* bytes, int count) {
     BYTE* data = session.telnet.display_buffer;
     int kept = 0;
@@ -107,7 +107,7 @@ void TakeChunk(const BYTE* bytes, int count) {
 
 }  // namespace
 
-// The engine's state outlives the session, see TelnetReset.
+// `forget` does nothing: the engine's state is kept until TelnetReset.
 const Protocol kTelnetProtocol = {
     .identification = nullptr,
     .start = nullptr,
