@@ -12,7 +12,7 @@ import sys
 
 from layer_table import layers, rooms
 
-TESTS = ["tests/qt_driver/libqt_driver.a", "tests/qt_driver/libservice_hooks.a",
+TESTS = ["tests/qt_driver/libqt_driver.a", "tests/libservice_hooks.a",
          "tests/support/libtest_support.a"]
 PROGRAM = "platform/qt/quill"
 

@@ -11,7 +11,7 @@ set -eu
 if [ -z "${QUILL_OUTER_NAMESPACE:-}" ]; then
     user=
     [ "$(id -u)" = 0 ] || user="--user --map-root-user"
-    unshare $user --mount --propagation private --pid --fork --kill-child true 2>/dev/null || {
+    unshare $user --mount --propagation private --pid --fork --kill-child --mount-proc true 2>/dev/null || {
         echo "install_test.sh: there are no namespaces here" >&2
         exit 77
     }
@@ -35,20 +35,21 @@ package=$(realpath "$1")
 demo=$2
 
 # The layer.
-mkdir "$work/layer"
-mount -t tmpfs none "$work/layer"
-layer=$work/layer/upper root=$work/layer/root
-mkdir "$layer" "$work/layer/work" "$root"
-mount -t overlay none -o "lowerdir=/,upperdir=$layer,workdir=$work/layer/work" "$root" 2>/dev/null || {
+cannot() {
     echo "install_test.sh: no layer can be mounted over the machine's root" >&2
     exit 77
 }
+mkdir "$work/layer"
+mount -t tmpfs none "$work/layer" || cannot
+layer=$work/layer/upper root=$work/layer/root
+mkdir "$layer" "$work/layer/work" "$root"
+mount -t overlay none -o "lowerdir=/,upperdir=$layer,workdir=$work/layer/work" "$root" 2>/dev/null || cannot
 # Single devices, and never the machine's folder of them.
-mount -t proc none "$root/proc"
-mount -t tmpfs none "$root/dev"
+mount -t proc none "$root/proc" || cannot
+mount -t tmpfs none "$root/dev" || cannot
 for device in null zero full random urandom tty; do
     : >"$root/dev/$device"
-    mount --bind "/dev/$device" "$root/dev/$device"
+    mount --bind "/dev/$device" "$root/dev/$device" || cannot
 done
 ln -s /proc/self/fd "$root/dev/fd"
 mkdir -m 1777 "$root/dev/shm"
