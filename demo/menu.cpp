@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The way in and out: banner, login and password, the main menu, and goodbye.
+// The screens around the pages: banner with login and password, the main menu, and goodbye.
 #include <cstdio>
 
 #include "demo/screens.h"
 
 // ---------------------------------------------------------------- login
 
-// Banner, login and password. Any name and any password will do.
+// Banner, login and password. Any name and any password are accepted.
 
 namespace {
 
@@ -60,8 +60,8 @@ const Screen kGoodbyeScreen = {EnterGoodbye, TypedNothing, nullptr};
 
 // ---------------------------------------------------------------- the menu
 
-// The main menu: numbered choices, each number after a blank and before a full stop, so that a tap
-// on one can choose it.
+// The main menu. Each number has a blank before it and a full stop after it, so that the terminal
+// accepts a double tap on it as a menu number.
 
 namespace {
 

@@ -121,12 +121,12 @@ const Screen kAttributesPage = {EnterAttributes, BackToMenu, nullptr};
 
 // ---------------------------------------------------------------- characters
 
-// The 8-bit page: every character of code page 1252 that a terminal can be sent.
+// The 8-bit page: every character of code page 1252 that can be sent to a terminal.
 
 namespace {
 
-// The 8-bit controls that terminals act on (IND, RI, SS3, DCS, CSI), the codes that the code page
-// leaves empty, and 255, which Telnet keeps for itself.
+// False for the 8-bit controls that terminals act on (IND, RI, SS3, DCS, CSI), the codes that the
+// code page does not define, and 255, which is IAC in Telnet.
 bool IsShown(int code) {
     static const int kNotShown[] = {0x81, 0x84, 0x8D, 0x8F, 0x90, 0x9B, 0x9D, 0xFF};
     for (const int hidden : kNotShown) {

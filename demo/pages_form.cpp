@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Pages that take what is typed: a form with fields, and a long list with menu numbers.
+// Pages with typed input: a form with fields, and a long list with menu numbers.
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
@@ -9,7 +9,7 @@
 
 // ---------------------------------------------------------------- the form
 
-// Goods received: a form with fields. Enter or Tab goes to the next field, Esc leaves.
+// Goods received: a form with fields. Enter or Tab goes to the next field, Esc returns to the menu.
 
 namespace {
 
@@ -106,7 +106,8 @@ const Screen kFormPage = {EnterForm, TypedForm, nullptr};
 
 // ---------------------------------------------------------------- the list
 
-// Ships in port: a list with many menu numbers, after a blank and before a full stop or a colon.
+// Ships in port: a list with many menu numbers. Each has a blank before it and a full stop or a
+// colon after it, so that the terminal accepts a double tap on it.
 
 namespace {
 
@@ -175,7 +176,8 @@ void TellShip(Session& session, int number) {
     out += text;
 }
 
-// Digits only and at most three of them, so that the value fits; anything else is no ship.
+// Accepts one to three digits, so that the value fits into an int. Returns 0, which is no ship, for
+// any other text.
 int ShipNumber(const std::string& text) {
     if (text.size() > 3 || text.find_first_not_of("0123456789") != text.npos) return 0;
     return atoi(text.c_str());

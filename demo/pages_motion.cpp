@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Pages about movement: a scrolling region that runs by itself, tab stops, cursor addressing, and
-// lines that are sent slowly and fast.
+// Pages about movement: a scrolling region that scrolls by the clock, tab stops, cursor addressing,
+// and streams of lines, one slow and one fast.
 #include <cmath>
 #include <cstdio>
 
@@ -32,7 +32,7 @@ void EnterRegions(Session& session) {
     session.wake = Now();
 }
 
-// Upwards by line feeds on the region's last row, then downwards by reverse index on its first.
+// Scrolls the region up by line feeds in its last row, then down by reverse index in its first row.
 void TickRegions(Session& session) {
     const bool up = session.step % (2 * kLinesEachWay) < kLinesEachWay;
     MoveTo(session.out, up ? kRegionBottom : kRegionTop, 1);
@@ -49,7 +49,7 @@ void WriteRuler(std::string& out, int row) {
     WriteAt(out, row, 1, ruler);
 }
 
-// A table whose columns are tab stops of its own; the usual stops are put back afterwards.
+// Writes a table with its own tab stops as columns, then sets the default stops again.
 void WriteTabTable(std::string& out, int row) {
     out += "\x1b[3g";
     for (const int stop : {6, 30, 46, 62}) {
@@ -67,7 +67,8 @@ void WriteTabTable(std::string& out, int row) {
     }
 }
 
-// The tide of one day: every point set by its own address, from right to left.
+// Draws the tide of one day as a curve. Each point is written to its own address, from right to
+// left.
 void WriteTide(std::string& out, int top) {
     for (int col = 74; col >= 8; --col) {
         const double phase = (col - 8) * 3.14159265 / 16.5;
@@ -86,7 +87,7 @@ void EnterTabs(Session& session) {
     WriteAt(out, 11, 4, "The tide today, each point written to its own address:");
     WriteTide(out, 13);
     WriteHint(out, kAnyKey);
-    // A round trip by relative motion ends where it began.
+    // Relative cursor motions that end where they began.
     WriteAt(out, 11, 60,
             "\x1b"
             "7\x1b[2A\x1b[5C\x1b[2B\x1b[5D\x1b"
@@ -100,7 +101,8 @@ const Screen kTabsPage = {EnterTabs, BackToMenu, nullptr};
 
 // ---------------------------------------------------------------- streams
 
-// Pages that send lines: slowly by the clock, and as fast as the connection takes them.
+// Two pages that send many lines: one line every 0.2 seconds, and as fast as the connection takes
+// them.
 
 namespace {
 

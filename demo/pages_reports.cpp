@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Pages that show what comes from the terminal: its answers to report requests, and its keys.
+// Pages that show the bytes that the terminal sends: its answers to report requests, and its keys.
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
@@ -7,7 +7,8 @@
 
 namespace {
 
-// Bytes as text: printable ones as they are, ESC and CSI by name, others in hexadecimal.
+// Returns bytes as text: printable ones unchanged, ESC and CSI by name, others in hexadecimal.
+// After about `most` characters the text is cut and ends in "...".
 std::string Readable(const std::string& bytes, size_t most) {
     std::string text;
     for (const char byte : bytes) {
@@ -69,7 +70,8 @@ void Ask(Session& session) {
     WriteAt(session.out, QuestionRow(session), 5, Fit(question.label, 24));
     session.out += Fit(Readable(question.request, 20), 12);
     session.answer.clear();
-    // The cursor waits where the answer will stand, so its position report is known.
+    // Puts the cursor where the answer will be shown, so that the answer to the cursor position
+    // request is known.
     MoveTo(session.out, QuestionRow(session), kAnswerCol);
     session.out += question.request;
     session.wake = Now() + kMostWait;
@@ -83,7 +85,8 @@ void EnterReports(Session& session) {
     Ask(session);
 }
 
-// Called when the answer has been quiet for a moment, or none has come.
+// Called kQuiet milliseconds after the last byte of an answer, or after kMostWait without an
+// answer.
 void TickReports(Session& session) {
     const std::string text = session.answer.empty() ? "no answer" : Readable(session.answer, 34);
     WriteAt(session.out, QuestionRow(session), kAnswerCol, text);
@@ -114,7 +117,8 @@ bool IsEnter(const std::string& bytes) {
     return bytes.find_first_not_of(std::string("\r\n\0", 3)) == bytes.npos;
 }
 
-// Rows are used in turn; the row after the newest one is blanked, so the newest is easy to find.
+// The rows are used in a cycle. The row after the newest one is blanked, so that the newest one is
+// easy to find.
 void TypedKeys(Session& session, const std::string& bytes) {
     std::string& out = session.out;
     const auto enters = std::count(bytes.begin(), bytes.end(), '\r');

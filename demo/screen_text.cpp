@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Terminal output written piece by piece into a session's out buffer.
+// Procedures that append terminal output (text and escape sequences) to a session's `out` buffer.
 #include "demo/screens.h"
 
 void ClearScreen(std::string& out) {

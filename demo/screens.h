@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the demo host's screens are made of, and every one of them.
+// The screens of the demo host, and the procedures that they use to write terminal output.
 #ifndef QUILL_DEMO_SCREENS_H
 #define QUILL_DEMO_SCREENS_H
 
@@ -9,30 +9,33 @@
 
 // ---------------------------------------------------------------- writing
 
-// Small procedures that write terminal output: cursor addressing, attributes, boxes, title bars.
-// Rows and columns count from 1 on a screen of 24 by 80 (ECMA-48, DEC VT100 private sequences).
+// Small procedures that append terminal output to `out`: cursor addressing, attributes, boxes,
+// title bars. Rows and columns count from 1 on a screen of 24 rows by 80 columns (ECMA-48, DEC
+// VT100 private sequences).
 
-// Modes, margins, attributes and character sets as at the start; screen blank, cursor home.
+// Resets modes, margins, attributes and character sets, blanks the screen and moves the cursor
+// home.
 void ClearScreen(std::string& out);
 
 void MoveTo(std::string& out, int row, int col);
 void WriteAt(std::string& out, int row, int col, const std::string& text);
 
-// Text between the given graphic rendition ("1;7") and attributes off.
+// Writes text with the given graphic rendition ("1;7"), then turns all attributes off.
 void WriteStyled(std::string& out, int row, int col, const char* rendition,
                  const std::string& text);
 
-// Text in the special graphics set, for example "lqqk".
+// Writes text in the special graphics set, for example "lqqk".
 void WriteGraphics(std::string& out, int row, int col, const std::string& text);
 
-// A frame of `height` by `width` cells with a title in its upper edge ("" for none).
+// Draws a frame of `height` by `width` cells with a title in its upper edge ("" for no title).
 void WriteBox(std::string& out, int row, int col, int height, int width, const std::string& title);
 
-// Row 1 as a reverse bar with the page's title, row 24 as a reverse bar with a hint.
+// WriteTitle writes row 1 as a reverse bar with the page's title, WriteHint row 24 as a reverse bar
+// with a hint.
 void WriteTitle(std::string& out, const std::string& title);
 void WriteHint(std::string& out, const std::string& hint);
 
-// `text` cut or filled with blanks to `width`.
+// Returns `text` cut to `width`, or filled with blanks to `width`.
 std::string Fit(const std::string& text, int width);
 
 // ---------------------------------------------------------------- the screens
@@ -45,7 +48,7 @@ extern const Screen kCharactersPage;
 extern const Screen kFormPage, kShipListPage;
 extern const Screen kReportsPage, kKeysPage;
 
-// `typed` of a page that any key leaves.
+// The `typed` procedure of a page that returns to the menu at any key.
 void BackToMenu(Session& session, const std::string& bytes);
 
 constexpr const char kAnyKey[] = "Press any key to return to the menu";

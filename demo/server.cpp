@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// quill_demo_host: a Telnet server for 127.0.0.1 that shows what the terminal can do.
-// Usage: quill_demo_host [--port N] [--once]. The first line it prints says where it listens. It
-// ends on SIGTERM or SIGINT, when its parent dies, and with --once after the first session.
+// quill_demo_host: a Telnet server for 127.0.0.1 that shows what the terminal can do. Usage:
+// quill_demo_host [--port N] [--once]. The first line that it prints says on which port it listens.
+// It ends on SIGTERM or SIGINT, when its parent process dies, and with --once after the first
+// session.
 //
-// Sockets and polling. A session whose client does not read is not read from either, and its page
-// waits, so no client can make this host keep more than a screenful or two for it.
+// This file has the sockets and the poll loop. While a client does not read, the host does not read
+// from that client either, and its page sends nothing more. So no client can make the host buffer
+// much more than kOutLimit bytes.
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
@@ -34,7 +36,7 @@ volatile sig_atomic_t g_stop = 0;
 
 void OnStopSignal(int) { g_stop = 1; }
 
-// SIGTERM and SIGINT are let in only while ppoll waits; returns the mask to wait with.
+// Blocks SIGTERM and SIGINT except while ppoll waits. Returns the signal mask for ppoll.
 sigset_t CatchStopSignals() {
     struct sigaction action = {};
     action.sa_handler = OnStopSignal;
@@ -55,7 +57,8 @@ void Accept(int listener, Sessions& sessions) {
     if (client < 0) return;
     const int on = 1;
     setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    // Little is on its way at a time, so a key pressed during a stream is felt at once.
+    // A small send buffer keeps little data in flight, so a key pressed during a stream takes
+    // effect at once.
     const int on_its_way = 32768;
     setsockopt(client, SOL_SOCKET, SO_SNDBUF, &on_its_way, sizeof on_its_way);
     sessions.push_back(std::make_unique<Session>());
@@ -90,7 +93,7 @@ void Read(Session& session) {
 
 bool HasRoom(const Session& session) { return session.out.size() < kOutLimit; }
 
-// A session that is ending is still read, so that a client that goes away is noticed.
+// A session that is ending is still read, so that the host notices when the client disconnects.
 short WantedEvents(const Session& session) {
     const int read = HasRoom(session) ? POLLIN : 0;
     const int write = session.out.empty() ? 0 : POLLOUT;
@@ -106,7 +109,7 @@ void Attend(Session& session, int events) {
     Flush(session);
 }
 
-// Milliseconds until the next page is due, -1 for never.
+// Returns the milliseconds until the next `tick` is due, -1 if none is.
 long long Wait(const Sessions& sessions) {
     long long first = -1;
     for (const auto& session : sessions) {
@@ -135,8 +138,8 @@ void PollOnce(int listener, bool accepting, Sessions& sessions, const sigset_t& 
 
 }  // namespace
 
-// Opens a listening socket on 127.0.0.1; `port` 0 takes a free one. Stores the port in use in
-// `port`. Returns the socket, or -1 with errno set.
+// Opens a listening socket on 127.0.0.1. With `port` 0 the system chooses a free port. Stores the
+// port in use in `port`. Returns the socket, or -1 with errno set.
 static int ListenOnLoopback(int& port) {
     const int listener = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (listener < 0) return -1;
@@ -202,7 +205,8 @@ bool ParseOptions(int count, char** arguments, Options& options) {
     return true;
 }
 
-// False when the parent was gone before the request stood.
+// Asks the system to send SIGTERM to this process when its parent dies. Returns false if the parent
+// has died already.
 bool EndWithParent(pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     return getppid() == parent;

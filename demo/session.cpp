@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The life of a session: start, bytes received, change of screen, and the typed line.
+// The life of a session: its start, received bytes, changes of the screen, and the line that the
+// user types.
 #include "demo/session.h"
 
 #include <chrono>
@@ -45,7 +46,7 @@ void StartLine(Session& session, bool secret) {
 
 namespace {
 
-// Follows an escape sequence that a key sent; returns true while the byte belongs to one.
+// Tracks escape sequences that keys send. Returns true if the byte belongs to one.
 bool SkipEscape(LineInput& line, unsigned char byte) {
     if (byte == 27) {
         line.escape = 1;

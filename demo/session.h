@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// One client of the demo host: what it is shown, what it has typed, what still has to be sent.
-// A screen is a row of three procedures; a session shows one screen at a time.
+// A session is one client of the demo host: its screen, what the user has typed, and the output
+// that is not sent yet. A screen is a record of three procedures; a session shows one screen at a
+// time.
 #ifndef QUILL_DEMO_SESSION_H
 #define QUILL_DEMO_SESSION_H
 
@@ -9,16 +10,16 @@
 
 // ---------------------------------------------------------------- Telnet
 
-// The Telnet side of a session (RFC 854, 857, 858, 1091): takes options and subnegotiations out of
+// The Telnet side of a session (RFC 854, 857, 858, 1091): removes options and subnegotiations from
 // the received bytes and answers them.
 
 struct Telnet {
     int state = 0;               // row of the parser's table; 0 = data
-    unsigned char command = 0;   // WILL, WONT, DO or DONT that waits for its option byte
+    unsigned char command = 0;   // WILL, WONT, DO or DONT whose option byte comes next
     bool echo = false;           // the client agreed that this host echoes
     bool type_asked = false;     // the terminal type has been asked for
     std::string subnegotiation;  // option byte and contents, at most kSubnegotiationMax bytes
-    std::string terminal_type;   // as the client named it, at most 40 printable characters
+    std::string terminal_type;   // as the client sent it, at most 40 printable characters
 };
 
 constexpr size_t kSubnegotiationMax = 64;
@@ -26,8 +27,8 @@ constexpr size_t kSubnegotiationMax = 64;
 // Writes the opening offers (WILL ECHO, WILL SUPPRESS-GO-AHEAD, DO TERMINAL-TYPE) to `out`.
 void TelnetOpen(std::string& out);
 
-// Takes one received byte. Returns true when it is data, with the byte in `data`; answers to the
-// client's options are appended to `out`. Every byte string is accepted.
+// Processes one received byte. If it is data, stores it in `data` and returns true. Appends answers
+// to the client's options to `out`. Any sequence of bytes is accepted.
 bool TelnetTake(Telnet& telnet, unsigned char byte, std::string& out, char& data);
 
 // ---------------------------------------------------------------- the session
@@ -40,7 +41,7 @@ struct Screen {
     void (*tick)(Session& session);                             // called at `wake`; may be null
 };
 
-// A line being typed. Escape sequences of cursor keys and the like leave no trace in it.
+// The line that the user is typing. Escape sequences, such as those of cursor keys, are ignored.
 struct LineInput {
     std::string text;     // at most kLineMax characters
     int escape = 0;       // 0 outside an escape sequence, 1 after ESC, 2 after ESC [ or ESC O
@@ -55,34 +56,36 @@ struct Session {
     std::string out;  // bytes not yet sent
     const Screen* screen = nullptr;
     long long wake = 0;     // when `tick` is due, in milliseconds of Now(); 0 = never
-    bool ending = false;    // close as soon as `out` is sent
+    bool ending = false;    // the session closes as soon as `out` is sent
     std::string name;       // as typed at the login prompt
     LineInput line;         // the line being typed on this screen
     int step = 0;           // progress of this screen, 0 when it is entered
-    int field = 0;          // field of the form, or a count of the screen's own
+    int field = 0;          // form: its current field; page "Keys": number of Enters in a row
     std::string answer;     // bytes the terminal sent in answer to a report request
     std::string fields[5];  // contents of the form
 };
 
-// While more than this is unsent, nothing more is read from the client and no `tick` runs.
+// While this many bytes or more are unsent, the host reads nothing from the client and runs no
+// `tick`.
 constexpr size_t kOutLimit = 16384;
 
-// Milliseconds of a clock that never goes back.
+// Milliseconds of a clock that never goes back; never 0.
 long long Now();
 
 // Starts a session on a connected socket: options, banner, login prompt.
 void SessionStart(Session& session, int socket);
 
-// Takes the bytes of one read.
+// Processes the bytes of one read.
 void SessionReceive(Session& session, const char* bytes, size_t count);
 
 // Shows another screen: resets modes, clears the terminal and calls its `enter`.
 void ShowScreen(Session& session, const Screen& screen);
 
-// Adds one typed byte to session.line and echoes it. Returns true when it ended the line (CR).
+// Adds one typed byte to session.line; backspace and delete remove the last one. Echoes it if the
+// client agreed and the line is not secret. Returns true if the byte is a CR, which ends the line.
 bool TakeLineByte(Session& session, char byte);
 
-// A line cleared for the next input; `secret` for a password.
+// Clears the line for the next input. `secret` is true for a password.
 void StartLine(Session& session, bool secret);
 
 #endif

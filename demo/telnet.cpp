@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The Telnet parser of the demo host: a table of states, one handler each.
+// The Telnet parser of the demo host: a table with one handler for each state.
 #include "demo/session.h"
 
 namespace {
@@ -64,8 +64,8 @@ bool TakeData(Telnet& telnet, unsigned char byte, std::string&, char& data) {
     return true;
 }
 
-// After IAC: a command that takes an option, SB, a doubled IAC, or one of the single commands
-// (NOP, GA, EOR, ...), which mean nothing here.
+// The byte after IAC: a command with an option, SB, a second IAC (a data byte 255), or a single
+// command (NOP, GA, EOR, ...), which is ignored.
 bool TakeCommand(Telnet& telnet, unsigned char byte, std::string&, char& data) {
     telnet.state = kData;
     if (byte == kSb) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The commands: what the toolbar's buttons do, and the table of the menus, accelerators and
-// buttons.
+// The handlers of all commands, which menus, accelerators and toolbar buttons send, and the table
+// that maps command ids to them. The toolbar buttons come first.
 #include "ui/main_window.h"
 
 #include "connection/connection.h"
@@ -29,7 +29,8 @@ bool MayCloseSession() {
            Agreed(TEXT("Do you really want to close this session"));
 }
 
-// Offline and while connecting it is the menu's command. Here any `confirm_exit` but 0 asks.
+// The toolbar's connect button. While no session is up it runs the menu's command. For closing a
+// session it asks if `confirm_exit` is anything but 0; the menu's command asks only if it is 1.
 void PressConnect() {
     if (session.dialling) {
         AbortDialling();

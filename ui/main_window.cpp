@@ -114,7 +114,8 @@ LRESULT OnSocketConnected(HWND, WPARAM, LPARAM) {
     return 0;
 }
 
-// In a session every key is the host's. Offline they have their usual meaning: F10 opens the menu.
+// While connected, every key belongs to the host. Offline, DefWindowProcW gives a key its usual
+// meaning: F10 opens the menu.
 LRESULT OnKey(HWND window, WPARAM wparam, LPARAM lparam) {
     OnKeyDown(static_cast<int>(wparam));
     UpdateStatus();
@@ -131,7 +132,6 @@ struct MessageRow {
     LRESULT (*handler)(HWND window, WPARAM wparam, LPARAM lparam);
 };
 
-// Searched in this order.
 // clang-format off
 const MessageRow kMessages[] = {
     {WM_CREATE,           OnCreate},

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The main window (class "TELNET"): its message table, its layout, its menu bar, its commands and
-// its toolbar.
+// its toolbar. It contains the client window (ui/view/view.h), which shows the terminal.
 #ifndef QUILL_UI_MAIN_WINDOW_H
 #define QUILL_UI_MAIN_WINDOW_H
 
@@ -8,45 +8,50 @@
 
 LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 
-// Makes the command bar with the current toolbar and the menu bar again, for a program that is
-// connected or not, and updates the status line.
+// Rebuilds the command bar with the current toolbar, and the menu bar for the current connection
+// state (connected or not). Then updates the status line.
 void RebuildMenuBar();
 
-// The client window fills the main window below the command bar.
+// Places the child windows for the main window's current size. The client window fills the area
+// below the command bar.
 void LayoutMainWindow();
 
-// ---------------------------------------------------------------- the commands of menus,
-// accelerators and buttons
+// ---------------------------------------------------------------- the commands
 
-// Carries out the command of that id; an unknown one does nothing.
+// Runs the command with this id. An unknown id does nothing.
 void RunCommand(WORD id);
 
 // Starts the help viewer on the program's page and does not wait for it.
 void ShowHelp();
 
-// The close button's way out: asks while a session is up and `confirm_exit` is set.
+// Ends the program, as the close button does. Asks first if a session is up and `confirm_exit` is
+// 1.
 void ExitProgram();
 
-// Minimising ends the program when `xbox` is set, with the same question.
+// Called when the window is minimised. Ends the program if `xbox` is 1; asks first under the same
+// condition as ExitProgram.
 void CloseByMinimising();
 
-// A synthetic key while a session is up and `alive` is set keeps the device powered.
+// Sends a synthetic key press while a session is up and `alive` is 1, so that the device does not
+// power off.
 void KeepDeviceAwake();
 
 // ---------------------------------------------------------------- the toolbar on the command bar
 
-// The buttons of the current bar, as many as the main window had room for when it was made.
+// Shows the buttons of the current toolbar, as many as fit the width that the main window had when
+// it was created.
 void ShowToolbar();
 
-// IDM_TOOLBAR_FIRST to IDM_TOOLBAR_LAST: the action of that button of the current bar. A position
-// without a button does nothing.
+// Runs the action of a button of the current toolbar. `id` is IDM_TOOLBAR_FIRST + the button's
+// position. A position without a button does nothing.
 void RunToolbarCommand(WORD id);
 
-// Adds a button to the command bar for each row on bar 1, 2 or 3, in the table's order and at most
-// `maxButtons`, with the row's bitmap, and its name as tool tip. The button at `position` sends
-// IDM_TOOLBAR_FIRST + position. While a session is up the connect button reads "disconnect".
-// Returns the number of buttons. The tool tips' texts live until the next call, so one bar is shown
-// at a time.
+// Adds the buttons of toolbar `barNumber` (1, 2 or 3) to the command bar: one for each row of
+// toolbar_buttons that is on this toolbar, in the table's order, at most `maxButtons`. A button
+// shows the row's bitmap and has the row's name as its tool tip. The button at `position` sends
+// IDM_TOOLBAR_FIRST + position. While a session is up, the connect button shows the "disconnect"
+// bitmap and tool tip. Returns the number of buttons. The texts of the tool tips stay valid until
+// the next call, so only one toolbar can be shown at a time.
 int BuildToolbar(HWND commandBar, int barNumber, int maxButtons);
 
 #endif

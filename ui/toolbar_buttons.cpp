@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Puts the buttons of a toolbar on the command bar.
+// Adds the buttons of one of the three toolbars to the command bar.
 #include "ui/main_window.h"
 
 #include "resources/resource_ids.h"
@@ -10,9 +10,9 @@
 namespace {
 
 constexpr int kPictureSize = 16;  // pixels
-constexpr int kNoText = -1;       // beside a button's picture
+constexpr int kNoText = -1;       // the button shows no text beside its picture
 
-LPWSTR g_labels[kToolbarRows] = {};  // of the buttons that are shown, by position
+LPWSTR g_labels[kToolbarRows] = {};  // tool tips of the shown buttons, indexed by position
 
 struct Face {
     const char* label;
@@ -26,7 +26,7 @@ Face FaceOf(const ToolbarButton& button) {
     return {button.name, button.bitmapId};
 }
 
-// Without memory the button has no label.
+// If there is no memory, the button gets no tool tip.
 void SetLabel(int position, const char* label) {
     const int units = static_cast<int>(std::strlen(label)) + 1;
     std::free(g_labels[position]);

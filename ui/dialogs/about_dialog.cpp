@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "About TELNET", the one dialog without a setting.
+// The dialog "About TELNET", the only one that changes no setting.
 #include "resources/resource_ids.h"
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Connect": the host to connect to, and the five before it; and over it "Connect Advanced": port,
-// protocol and cipher, and the marks around start and end.
+// The dialog "Connect", with the host and a list of the last five hosts, and the dialog "Connect
+// Advanced", which it opens: port, protocol, cipher, and check boxes for start and exit.
 #include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
@@ -27,9 +27,9 @@ const MarkRow kAdvancedMarks[] = {
     {0, nullptr},
 };
 
-const int kCiphers[] = {IDC_DES, IDC_TRIPLE_DES, IDC_BLOWFISH};  // at the values of ssh_type
+const int kCiphers[] = {IDC_DES, IDC_TRIPLE_DES, IDC_BLOWFISH};  // indexed by ssh_type
 
-// A value of ssh_type that is none of the ciphers leaves all of them unmarked.
+// If ssh_type has any other value, no cipher is checked.
 void ShowCipher(HWND dialog) {
     DWORD type = 0;
     for (int id : kCiphers)
@@ -88,8 +88,8 @@ INT_PTR CALLBACK ConnectAdvancedDialogProc(HWND dialog, UINT message, WPARAM wpa
 
 }  // namespace
 
-// Shown over the dialog `owner` until it is closed. OK changes the record of settings alone: they
-// are saved with the next save.
+// Shows the dialog modally over the dialog `owner`. OK changes session.settings but does not save;
+// the next save writes the new values.
 static void ShowConnectAdvancedDialog(HWND owner) {
     DialogBoxParamW(session.instance, MAKEINTRESOURCE(IDD_CONNECT_ADVANCED), owner,
                     ConnectAdvancedDialogProc, 0);
@@ -117,7 +117,7 @@ bool InHistory(LPCWSTR host) {
     return false;
 }
 
-// A host that is in the list already keeps its place.
+// A host that is already in the history keeps its position.
 void Remember(LPCWSTR host) {
     if (InHistory(host)) return;
     for (int i = kHosts - 1; i > 0; i--) CopyBounded(kHistory[i], kHistory[i - 1], kHostUnits);
@@ -144,7 +144,8 @@ INT_PTR CALLBACK ConnectDialogProc(HWND dialog, UINT message, WPARAM wparam, LPA
 
 }  // namespace
 
-// The connection is begun when the dialog is gone: what it has to tell stands over the terminal.
+// Connects after the dialog has closed, so that the message boxes of connecting appear over the
+// terminal.
 void ShowConnectDialog() {
     session.connect_request = 0;
     RunDialog(IDD_CONNECT, ConnectDialogProc);

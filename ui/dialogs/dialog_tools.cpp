@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Dispatch, marks, texts and placement of the settings dialogs.
+// Helpers that the settings dialogs share: message dispatch, check boxes, text fields and
+// placement.
 #include "ui/dialogs/dialog_tools.h"
 
 #include <algorithm>
@@ -22,7 +23,7 @@ INT_PTR RunDialogMessage(HWND dialog, UINT message, WPARAM wparam, void (*open)(
     if (message == WM_COMMAND) return RunDialogCommand(dialog, wparam, commands) ? TRUE : FALSE;
     if (message != WM_INITDIALOG) return FALSE;
     open(dialog);
-    return TRUE;  // the first control that takes the tabulator has the focus
+    return TRUE;  // the system gives the focus to the first control with a tab stop
 }
 
 void CancelDialog(HWND dialog) {
@@ -52,7 +53,7 @@ void TakeTexts(HWND dialog, const TextRow* rows) {
     for (; rows->id; rows++) GetDlgItemTextW(dialog, rows->id, rows->field, rows->units);
 }
 
-// A mean letter is four dialog units wide.
+// A character of average width is four dialog units wide.
 void FitListWidth(HWND dialog, int id) {
     LRESULT longest = 0;
     const LRESULT count = SendDlgItemMessageW(dialog, id, LB_GETCOUNT, 0, 0);

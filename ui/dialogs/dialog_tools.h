@@ -1,39 +1,42 @@
 // SPDX-License-Identifier: MIT
-// What the settings dialogs have in common: dispatch, marks, texts and placement.
+// Helpers that the settings dialogs share: message dispatch, check boxes ("marks"), text fields and
+// placement. Show... procedures copy settings into controls, Take... procedures copy controls into
+// settings.
 #ifndef QUILL_UI_DIALOGS_DIALOG_TOOLS_H
 #define QUILL_UI_DIALOGS_DIALOG_TOOLS_H
 
 #include "windows_ce.h"
 
-// One control of a dialog that shows a number of the settings as a mark: any value but 0 is
-// checked. A row with id 0 ends a table.
+// A check box and the numeric setting that it shows. Any value but 0 is shown as checked. A row
+// with id 0 ends a table.
 struct MarkRow {
     int id;
     DWORD* field;
 };
 
-// One text field. No more than `units` - 1 units can be typed, and what is longer when it is read
-// is cut there. A row with id 0 ends a table.
+// An edit control and the text setting that it shows. The user can type at most `units` - 1 units;
+// a longer text is cut to that length when it is read. A row with id 0 ends a table.
 struct TextRow {
     int id;
     LPWSTR field;
-    int units;  // that the field holds, terminator included
+    int units;  // size of the field, terminator included
 };
 
-// What a dialog does on a notification (`code`: BN_CLICKED, LBN_SELCHANGE, ...) of a control. A row
-// without a procedure ends a table.
+// The handler of one notification (`code`: BN_CLICKED, LBN_SELCHANGE, ...) of the control `id`. A
+// row with a null `run` ends a table.
 struct DialogCommand {
     int id;
     WORD code;
     void (*run)(HWND dialog);
 };
 
-// The body of a dialog procedure: WM_INITDIALOG runs `open`, WM_COMMAND looks its row up.
+// The body of a dialog procedure: WM_INITDIALOG runs `open`, WM_COMMAND runs the matching row of
+// `commands`.
 INT_PTR RunDialogMessage(HWND dialog, UINT message, WPARAM wparam, void (*open)(HWND dialog),
                          const DialogCommand* commands);
 
-// A row of the tables above for Cancel: the dialog closes with IDCANCEL and session.dialog_result
-// becomes -1.
+// The handler of the Cancel button, for tables of DialogCommand. Closes the dialog with IDCANCEL
+// and sets session.dialog_result to -1.
 void CancelDialog(HWND dialog);
 
 void ShowMarks(HWND dialog, const MarkRow* rows);
@@ -41,24 +44,28 @@ void TakeMarks(HWND dialog, const MarkRow* rows);  // each field becomes 0 or 1
 void ShowTexts(HWND dialog, const TextRow* rows);
 void TakeTexts(HWND dialog, const TextRow* rows);
 
-// Lets a list box with a horizontal scroll bar be scrolled to the end of its longest entry.
+// Sets the horizontal scroll range of a list box so that the user can scroll to the end of its
+// longest entry.
 void FitListWidth(HWND dialog, int id);
 
-// Moves a dialog over the middle of its parent's client area, and never to the left of it or above.
+// Centres a dialog over its parent's client area. A dialog that is larger starts at the left or top
+// edge of that area.
 void CentreDialog(HWND dialog);
 
-// Shows a dialog of the main window until it is closed; session.dialog_result is 0 when it opens.
-// Returns what EndDialog was given, or -1 if the dialog could not be shown.
+// Shows a dialog modally over the main window. Sets session.dialog_result to 0 before the dialog
+// opens. Returns the value passed to EndDialog, or -1 if the dialog could not be shown.
 INT_PTR RunDialog(WORD id, DLGPROC procedure);
 
-// After a field of session.settings or the table toolbar_buttons has changed: what it needs at
-// once, by the table kEffects. `setting` is the field's address; most fields need nothing.
+// Call this after a dialog changed a setting. Runs the action that the table kEffects has for the
+// setting, if there is one. `setting` is the address of a field of session.settings, or
+// toolbar_buttons.
 void ApplySetting(const void* setting);
 
-// After a dialog: the terminal is repainted, as any of its settings may be another one.
+// Call this after a dialog closed. Repaints the terminal, because any of its settings may have
+// changed.
 void SettingsChanged();
 
-// Writes the settings, unless they are not to be kept (session.save_settings).
+// Saves the settings, unless session.save_settings is 0.
 void SaveIfEnabled();
 
 #endif

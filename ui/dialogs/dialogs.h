@@ -1,38 +1,43 @@
 // SPDX-License-Identifier: MIT
 // The dialogs in which the user edits the settings. Each procedure shows its dialog modally, owned
-// by session.main_window, and returns when it is closed; the terminal is then repainted.
+// by session.main_window, and returns after the dialog has closed. All but ShowAboutDialog then
+// repaint the terminal. No procedure saves while session.save_settings is 0.
 //
-// Cancel of Connect, Font, Auto Login and Sign on to the host leaves -1 in session.dialog_result;
-// OK leaves what it was, or what the dialog has put there.
+// Cancel in Connect, Font, Auto Login and Sign on to the host sets session.dialog_result to -1. OK
+// leaves 0 there; only the font dialog stores another value.
 #ifndef QUILL_UI_DIALOGS_DIALOGS_H
 #define QUILL_UI_DIALOGS_DIALOGS_H
 
 #include "windows_ce.h"
 
-// The host, its history of five, and "Connect Advanced". OK saves the settings while
-// session.save_settings is set, and connects.
+// "Connect": the host, the history of five hosts, and the button for "Connect Advanced". OK saves
+// the settings and connects.
 void ShowConnectDialog();
 
-// The face and the marks of the terminal's font. The position of the chosen face in
-// session.view.faces is left in session.dialog_result, -1 if none is chosen. Saves.
+// "Font": face, bold and italic of the terminal's font. OK sets session.dialog_result to the
+// selected position in the list of faces, -1 if no face is selected. The settings are saved after
+// OK and after Cancel.
 void ShowFontDialog();
 
-// The pages "Other", "Toolbar" and "Keyboard". Saves after the sheet is closed, by whichever
-// button: its check boxes and lists take effect at once.
+// "Properties": the pages "Other", "Toolbar" and "Keyboard". The settings are saved after OK and
+// after Cancel, because the check boxes and lists take effect at once.
 void ShowPropertiesSheet();
 
-// The two search and response pairs of the automatic login. Saves.
+// "Auto Login": the two search and response pairs of the automatic login. The settings are saved
+// after OK and after Cancel.
 void ShowAutoLoginDialog();
 
 void ShowAboutDialog();
 
-// Asks for the user and the password of an SSH session. False only if the dialog could not be
-// shown; a Cancel is told by session.dialog_result alone, and leaves the settings as they were,
-// except that a password that is not to be remembered is forgotten when the dialog opens.
+// "Sign on to the host": asks for the user and the password of an SSH session. Returns false only
+// if the dialog could not be shown; after Cancel it returns true, and session.dialog_result is -1.
+// Cancel changes no setting. When the dialog opens, it clears the password (ssh_p) unless the user
+// chose to keep it (ssh_def).
 bool AskSignOn();
 
-// The desktop's colour chooser for one colour of the terminal. Nothing happens on a device without
-// one (session.choose_color is null). Not saved before the program's end.
+// Show the system's colour chooser for one colour of the terminal. They do nothing on a device
+// without a chooser (session.choose_color is null). They do not save; the colour is saved with the
+// next save.
 void ChooseBackgroundColor();
 void ChooseCursorColor();
 void ChooseTextColor();
@@ -40,12 +45,13 @@ void ChooseBoldColor();
 
 // ---------------------------------------------------------------- pages of the Properties sheet
 
-// "Keyboard": the key table; each Change takes effect at once.
+// "Keyboard": shows the key table. A change of a key takes effect at once.
 INT_PTR CALLBACK KeyboardPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
 
-// "Toolbar": three lists with every row of toolbar_buttons, marked where the row is on that bar. A
-// double tap puts a row on the bar or takes it off, at once and for good: neither OK nor Cancel
-// changes it. The command bar keeps its buttons until it is built anew.
+// "Toolbar": one list for each of the three toolbars, each with every row of toolbar_buttons and a
+// mark at the rows that are on this toolbar. A double tap adds a row to the toolbar or removes it.
+// The change takes effect in the table at once; Cancel does not undo it. The command bar shows it
+// when the sheet has closed.
 INT_PTR CALLBACK ToolbarPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
 
 #endif

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How the terminal looks: "Font", its face, bold and italic; and its four colours, through the
-// system's colour chooser.
+// How the terminal looks: the dialog "Font" (face, bold, italic), and the choice of its four
+// colours in the system's colour chooser.
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "text/text.h"
@@ -21,7 +21,7 @@ LRESULT AskList(HWND dialog, UINT message, WPARAM wparam = 0, LPARAM lparam = 0)
     return SendDlgItemMessageW(dialog, IDC_FONTS, message, wparam, lparam);
 }
 
-// Each entry of the list carries its face's position in session.view.faces.
+// The item data of each list entry is the position of its face in session.view.faces.
 void ShowFaces(HWND dialog) {
     WPARAM selected = 0;
     for (int i = 0; i < session.view.face_count; i++) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The page "Keyboard" of the Properties sheet, and its dialog "Change".
+// The page "Keyboard" of the Properties sheet, and the dialog that its button "Change" opens. They
+// edit the key table (settings/key_map.h).
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
@@ -9,12 +10,12 @@
 
 namespace {
 
-constexpr int kEditUnits = 40;  // that Change takes, terminator included
+constexpr int kEditUnits = 40;  // text limit of the Change dialog, terminator included
 constexpr int kMostDeletions = 20;
 constexpr INT_PTR kTaken = 0;
 constexpr INT_PTR kCancelled = -1;
 
-// The text that the Change dialog shows, and what it leaves.
+// The text that the Change dialog shows when it opens, and the edited text after OK.
 WCHAR g_edited[kLongestKeyText + 1];
 
 LRESULT AddLine(HWND page, int list, const char* text) {

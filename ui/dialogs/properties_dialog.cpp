@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The "Properties" sheet, and its page "Other": the check boxes change the settings at once, the
-// fields when the page is left.
+// The "Properties" sheet and its page "Other". On this page a check box changes its setting at
+// once; the text fields change theirs when the user leaves the page.
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/toolbars.h"
@@ -34,7 +34,8 @@ void OnOpen(HWND page) {
     ShowMarks(page, kMarks);
 }
 
-// The boxes are not automatic: the mark and the setting are each turned from what it was.
+// The check boxes do not toggle by themselves. This toggles the check mark and the setting, each
+// from its own current value.
 bool TurnMark(HWND page, int id) {
     for (const MarkRow* row = kMarks; row->id; row++) {
         if (row->id != id) continue;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What a setting needs, once a dialog has changed it, beyond being read where it is used.
+// The actions that some settings need right after a dialog changed them. All other settings take
+// effect when they are next read.
 #include "session/session_ports.h"
 #include "session/session_state.h"
 #include "settings/toolbars.h"
@@ -15,8 +16,9 @@ void MakeFont() {
     LayoutTerminal();
 }
 
-// One step up and one down fit the terminal to its new room. Where sizes share a cell height the
-// steps do not meet again; the size is then put back.
+// Changing the font size one step up and one step down fits the terminal to its new space. If
+// several sizes have the same cell height, or the size is at its limit, the two steps can end at
+// another size. The old size is then restored.
 void RefitTerminal() {
     const DWORD size = s.fsize;
     LargerFont();
@@ -41,11 +43,11 @@ struct EffectRow {
     void (*apply)();
 };
 
-// A setting without a row takes effect where it is read; the colours need the repaint alone that
-// ends every dialog (SettingsChanged).
+// A setting without a row takes effect where it is read. The colours only need the repaint that
+// follows every dialog (SettingsChanged).
 // clang-format off
 const EffectRow kEffects[] = {
-    {s.fname,         MakeFont},  // with font_bold and font_italic
+    {s.fname,         MakeFont},  // also for font_bold and font_italic
     {&s.hidestatus,   ShowOrHideStatusBar},
     {toolbar_buttons, ShowButtons},
 };

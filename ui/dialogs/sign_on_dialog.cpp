@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How to sign on: "Sign on to the host", the user and the password of an SSH session; and "Auto
-// Login", what a Telnet session waits for and what it answers.
+// The two dialogs about logging in: "Sign on to the host" asks for the user and the password of an
+// SSH session; "Auto Login" edits the texts that a Telnet session waits for and its responses.
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "ui/dialogs/dialog_tools.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The lists of the three toolbars.
+// The page "Toolbar" of the Properties sheet: a list for each of the three toolbars.
 #include "ui/dialogs/dialogs.h"
 
 #include "resources/resource_ids.h"
@@ -24,7 +24,8 @@ const BarList kLists[] = {
     {IDC_BAR3, &ToolbarButton::onBar3},
 };
 
-// `row` is within the table, `place` a row of the list or its end.
+// `row` is an index of toolbar_buttons. `place` is the position in the list at which the line is
+// inserted.
 void InsertLine(HWND page, const BarList& list, int row, int place) {
     const ToolbarButton& button = toolbar_buttons[row];
     WCHAR line[kLineUnits];
@@ -42,7 +43,8 @@ void FillLists(HWND page) {
     }
 }
 
-// What lies under the stylus stays there: a list that is a line shorter for a moment scrolls.
+// The list may scroll while it is one line shorter. Restoring its top row keeps the tapped line
+// under the stylus.
 void ReplaceLine(HWND page, const BarList& list, int row) {
     const LRESULT top = SendDlgItemMessageW(page, list.id, LB_GETTOPINDEX, 0, 0);
     SendDlgItemMessageW(page, list.id, LB_DELETESTRING, static_cast<WPARAM>(row), 0);

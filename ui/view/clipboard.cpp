@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Marking with the stylus, copy and paste.
+// Selecting text with the stylus, copy and paste.
 #include "ui/view/input.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ static int CellNumber(int pixel, int cell_size, int first, int most) {
     return std::clamp(pixel / cell_size + first + 1, 1, most);
 }
 
-// A drag may leave the window, so that the position's halves are signed.
+// A drag can leave the window, so both coordinates are signed.
 StylusCell CellUnderStylus(LPARAM position) {
     const ViewState& view = session.view;
     const int x = static_cast<int16_t>(LOWORD(position));
@@ -44,7 +44,8 @@ void ExtendSelection(LPARAM position) {
 static const WCHAR kCarriageReturn = 13;
 static const WCHAR kLineFeed = 10;
 
-// A row takes at most 80 characters and its line end; the last one also the terminator.
+// Space for one copied row: at most 80 characters, CR and LF. The terminator of the text is counted
+// separately.
 static const UINT kBytesARow = (kScreenColumns + 2) * sizeof(WCHAR);
 
 static WCHAR* CopyRow(int row, const ScreenArea& area, WCHAR* to) {
@@ -56,8 +57,8 @@ static WCHAR* CopyRow(int row, const ScreenArea& area, WCHAR* to) {
     return to;
 }
 
-// Other programs get the whole block, which may be larger than what was asked for, so that no byte
-// of it stays as the heap left it.
+// Other programs can read the whole block, which may be larger than the requested size. Clearing it
+// keeps old heap contents from them.
 static void CopyText(const ScreenArea& area, HLOCAL block) {
     auto* to = static_cast<WCHAR*>(LocalLock(block));
     memset(to, 0, LocalSize(block));
@@ -65,7 +66,7 @@ static void CopyText(const ScreenArea& area, HLOCAL block) {
     LocalUnlock(block);
 }
 
-// The clipboard owns the block from then on; a block that it does not take is freed.
+// If the clipboard accepts the block, it owns the block. Otherwise the block is freed here.
 static void HandToClipboard(HLOCAL block) {
     const bool open = OpenClipboard(nullptr) != 0;
     const bool taken = open && EmptyClipboard() && SetClipboardData(CF_UNICODETEXT, block);
@@ -84,7 +85,7 @@ void CopySelection() {
     DropSelection();
 }
 
-// Another program's block need not be terminated.
+// Text from another program may lack the terminator, so `units` bounds the loop.
 static void SendText(const WCHAR* text, size_t units) {
     for (size_t i = 0; i < units && text[i]; ++i) {
         const BYTE byte = static_cast<BYTE>(text[i]);

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
-// The hotspot's arithmetic. It is not a parser of numbers: what it makes of " x5." is kept as it
-// is.
+// Finds the menu number under a double tap ("hotspot") and sends it. The check is simple
+// arithmetic, not a number parser: in " x5." it accepts "x5". This behaviour is intended; do not
+// repair it.
 #include "ui/view/input.h"
 
 #include "session/session_ports.h"
 #include "terminal/screen_buffer.h"
 #include "ui/view/view.h"
 
-static const int kFirstDigitColumn = 3;  // a tapped digit left of it is no hotspot
-static const int kTapLimit = 75;         // taps from this column on are none
+static const int kFirstDigitColumn = 3;  // a tapped digit left of this column is no hotspot
+static const int kTapLimit = 75;         // taps in this column or right of it are no hotspots
 static const int kNoNumber = -1;
 
 static bool IsDigit(BYTE c) { return c >= '0' && c <= '9'; }
@@ -18,7 +19,7 @@ static BYTE CharacterAt(int row, int col) { return static_cast<BYTE>(GetCell(row
 
 struct Hotspot {
     BYTE characters[2];
-    int count;  // 0: there is none
+    int count;  // 0: no hotspot
 };
 
 static int NumberOf(BYTE first, BYTE second) {
@@ -28,7 +29,7 @@ static int NumberOf(BYTE first, BYTE second) {
     return number;
 }
 
-// The characters after the blank.
+// Examines the characters after the blank at column `blank`.
 static Hotspot HotspotAfter(int row, int blank) {
     const BYTE first = CharacterAt(row, blank + 1);
     const BYTE second = CharacterAt(row, blank + 2);
@@ -54,7 +55,8 @@ static void SendHotspot(const Hotspot& hotspot) {
     RefreshTerminal();
 }
 
-// The selection that the first tap began is shown again, should the host's text have dropped it.
+// The first tap of the double tap starts a selection. Text from the host may have dropped it since,
+// so this selects it again.
 static void ShowSelection() {
     const ScreenBuffer& screen = session.screen;
     SetSelection(screen.selection_start_col, screen.selection_start_row, screen.selection_end_col,

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the shell's input panel leaves of the terminal.
+// Adapts the terminal to the shell's input panel (the on-screen keyboard), which covers its lower
+// rows.
 #include "ui/view/view.h"
 
 #include <algorithm>
@@ -10,8 +11,8 @@ namespace {
 
 bool HorizontalBarShown() { return session.view.visible_columns < session.screen.columns; }
 
-// The panel covers the status bar and the horizontal scroll bar before it covers a row; a row that
-// it only touches counts.
+// Returns how many rows the panel covers. It covers the status bar and the horizontal scroll bar
+// first. A partly covered row counts as covered.
 int CoveredRows(const RECT& panel) {
     if (session.view.cell_height < 1) return 0;
     int height = panel.bottom - panel.top - session.status_height;
@@ -47,7 +48,8 @@ void FollowInputPanel() {
     panel.fdwFlags& SIPF_ON ? PanelUp(panel.rcSipRect) : PanelDown();
 }
 
-// Whether there is a horizontal scroll bar counts too, and only a measuring tells.
+// The count depends on whether the horizontal scroll bar is shown. MeasureView decides that, so it
+// runs first.
 void RecountCoveredRows() {
     SIPINFO panel;
     if (!session.input_panel_up || session.view.cell_height < 1 || !AskShell(&panel)) return;

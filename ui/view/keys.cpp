@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Key presses and typed characters.
+// Turns key presses and typed characters into bytes for the host.
 #include "ui/view/input.h"
 
 #include "session/session_ports.h"
@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr size_t kLongestSequence = 255;  // this long and longer is not sent
+constexpr size_t kLongestSequence = 255;  // sequences of this length or longer are not sent
 
 void SendBytes(const BYTE* bytes, int length) {
     SessionSend(bytes, length, static_cast<int>(session.telnet.escape_iac));
@@ -37,8 +37,8 @@ bool Swallowed(WCHAR character) {
     return character < 32 && session.telnet.escape_iac == 1;
 }
 
-// One byte a character: what takes several of them in the code page, or is not there at all, is a
-// question mark.
+// Each character is sent as one byte. A character that the code page encodes as several bytes, or
+// does not have, becomes a question mark.
 BYTE ByteOf(WCHAR character) {
     char bytes[8];
     const int length =

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The glyphs of the DEC special graphics set as a table of lines between the cell's edges and its
-// centre.
+// Draws the glyphs of the DEC special graphics set. A table describes each glyph as lines between
+// the edges and the centre of the cell.
 #include "ui/view/view.h"
 
 #include <algorithm>
 
-// Places in a cell: left, centre and right edge; top, centre, bottom edge and 2 above the bottom.
+// Positions in a cell. Across: left edge, centre, right edge. Down: top edge, centre, bottom edge,
+// 2 pixels above the bottom edge.
 enum Across { L, X, R };
 enum Down { T, Y, B, B2 };
 
@@ -33,7 +34,8 @@ void DrawLine(HDC dc, POINT from, POINT to, COLORREF color) {
     DeleteObject(pen);
 }
 
-// A line that ends at the centre includes it, so that the two lines of a corner always meet.
+// DrawLine leaves out the end point. A line that ends at the centre is made one pixel longer, so
+// that the two lines of a corner always meet.
 static void DrawLines(HDC dc, const RECT& cell, const GlyphRow& glyph, COLORREF color) {
     const LONG x[] = {cell.left, (cell.left + cell.right) / 2, cell.right};
     const LONG y[] = {cell.top, (cell.top + cell.bottom) / 2, cell.bottom,

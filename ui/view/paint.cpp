@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Painting the terminal window: which rows, cut into which runs, in which colours.
+// Painting the terminal window. Each row that needs painting is divided into runs of cells with the
+// same attributes, and each run is drawn with one call in the colours of its attributes.
 #include "ui/view/view.h"
 
 #include <cstring>
@@ -8,8 +9,8 @@
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 
-// A blinking cursor would be a plain cell on every other tick. The cursor is steady on this device,
-// whatever the setting `blink` says.
+// The cursor is steady on this device, whatever the setting `blink` says. If this were true, every
+// other timer tick would hide the cursor.
 static constexpr bool kCursorBlinks = false;
 
 static const DWORD kCodeMask = 0xFF;
@@ -19,12 +20,12 @@ struct RunColors {
     COLORREF background;
 };
 
-// A row on its way to the window.
+// One row, prepared for drawing.
 struct PaintRow {
-    int window_row;                // 1 = the window's first
-    DWORD cells[kSlotWords];       // [column], with the cursor's mark
+    int window_row;                // 1 = the window's first row
+    DWORD cells[kSlotWords];       // [column]; kCellCursor is set where the cursor is
     WCHAR text[kSlotWords];        // [column]
-    INT advances[kScreenColumns];  // the cell's width each: glyphs keep to it
+    INT advances[kScreenColumns];  // cell_width for each character: holds glyphs to their cells
 };
 
 // ---------------------------------------------------------------- colours
@@ -51,7 +52,7 @@ static bool IsGlyph(DWORD cell) {
     return (cell & kCellGraphic) && code >= kFirstGlyph && code <= kLastGlyph;
 }
 
-// Comma and underscore reach out of their cells in many fonts.
+// In many fonts, comma and underscore extend beyond their cells. They are drawn by themselves.
 static bool ReachesOut(DWORD cell) {
     DWORD code = cell & kCodeMask;
     return code == ',' || code == '_';
@@ -61,7 +62,7 @@ static bool StandsAlone(DWORD cell) {
     return ReachesOut(cell) || (cell & (kCellGraphic | kCellCursor));
 }
 
-// The column after the run that begins at `first`.
+// Returns the column after the run that begins at column `first`.
 static int RunEnd(const PaintRow& row, int first) {
     int columns = session.screen.columns, end = first + 1;
     if (StandsAlone(row.cells[first])) return end;
@@ -109,8 +110,8 @@ static void DrawRun(HDC dc, const PaintRow& row, int first, int end) {
 
 // ---------------------------------------------------------------- rows
 
-// A byte is shown through the ANSI code page; as a question mark where it is but a part of a
-// character there.
+// Converts a byte by the ANSI code page. A byte that is only part of a character in that code page
+// is shown as a question mark.
 static WCHAR TextOfByte(DWORD code) {
     const char byte = static_cast<char>(code);
     WCHAR unit = 0;
@@ -118,7 +119,8 @@ static WCHAR TextOfByte(DWORD code) {
     return (units == 1 && unit) || !byte ? unit : TEXT('?');
 }
 
-// Each cell by itself, so that no two of them become one character.
+// Each cell is converted separately, so that a two-byte code page never combines two cells into one
+// character.
 static void FillText(PaintRow& row) {
     for (int col = 1; col <= kScreenColumns; ++col) {
         row.text[col] = TextOfByte(row.cells[col] & kCodeMask);
@@ -191,9 +193,10 @@ static void PrepareView() {
     view.full_repaint = 1;
 }
 
-// Preparing comes first, as it may show or hide a scroll bar; and BeginPaint may send
-// WM_ERASEBKGND, which asks for a full repaint. All rows that will count as painted belong to what
-// this paint may draw on, also those that changed since the last request.
+// The order matters. PrepareView comes before BeginPaint, because it may show or hide a scroll bar.
+// RefreshTerminal invalidates the rows that changed since the last request: this paint clears their
+// flags, so it must be allowed to draw on them. BeginPaint may send WM_ERASEBKGND, whose handler
+// sets full_repaint, so full_repaint is read after it.
 void PaintTerminal(HWND window) {
     PrepareView();
     RefreshTerminal();

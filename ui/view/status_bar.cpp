@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The status line and the title, rewritten together.
+// The status line below the terminal and the main window's title. Both are rewritten together.
 #include "ui/view/view.h"
 
 #include "session/session_state.h"
@@ -13,7 +13,7 @@ constexpr int kStateSecure = 3;
 
 struct StateWords {
     LPCWSTR long_word;
-    LPCWSTR short_word;  // of a Telnet session
+    LPCWSTR short_word;  // on narrow screens, except for an SSH session that is up
 };
 
 const StateWords kStateWords[] = {

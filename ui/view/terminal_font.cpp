@@ -9,7 +9,7 @@
 static int CALLBACK TakeFontFace(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD, LPARAM) {
     ViewState& view = session.view;
     if (view.face_count == kMaxFontFaces) return 0;
-    if (metrics->tmPitchAndFamily & TMPF_FIXED_PITCH) return 1;  // set: the widths vary
+    if (metrics->tmPitchAndFamily & TMPF_FIXED_PITCH) return 1;  // set: variable width
     view.faces[view.face_count++].font = *font;
     return 1;
 }
@@ -21,7 +21,7 @@ void ListFontFaces(HWND window) {
     ReleaseDC(window, dc);
 }
 
-// With no face at all the first entry is all zero, which lets the system choose.
+// If no face was found, the first entry is all zero, and the system chooses a font.
 static const LOGFONTW& ChosenFace() {
     const ViewState& view = session.view;
     for (int i = 0; i < view.face_count; ++i) {
@@ -49,7 +49,8 @@ static HFONT MakeFont() {
     return CreateFontIndirectW(&font);
 }
 
-// The smallest fonts may be less than a pixel wide; a cell never is.
+// Characters of the smallest fonts may measure less than a pixel. A cell is at least one pixel wide
+// and high.
 static void MeasureCell(HDC dc) {
     ViewState& view = session.view;
     TEXTMETRICW metrics = {};
@@ -73,7 +74,8 @@ void CreateTerminalFont() {
     ReleaseDC(session.client_window, dc);
 }
 
-// Neighbouring sizes may give cells of one height: they are passed over.
+// Neighbouring sizes may have the same cell height. Such sizes are skipped, so that each step is
+// visible.
 static void StepFont(int step) {
     if (!session.view.font) CreateTerminalFont();
     int height = session.view.cell_height;

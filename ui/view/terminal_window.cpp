@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The terminal window's class, its message table and what happens when it is created.
+// The terminal window (class "ClientWnd"): registering the class, its message table, and the
+// handler of WM_CREATE.
 #include "ui/view/view.h"
 
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "ui/view/input.h"
 
-static const int kNarrowScreen = 350;  // pixels; below it the status bar takes its short form
+static const int kNarrowScreen = 350;  // pixels; on narrower screens the status line is short
 
 static DWORD ScreenIsNarrow(HWND window) {
     HDC dc = GetDC(window);
@@ -15,8 +16,9 @@ static DWORD ScreenIsNarrow(HWND window) {
     return width < kNarrowScreen ? 1 : 0;
 }
 
-// The status bar is a child of this window, so the handle is put in its place before
-// CreateWindowExW has returned it. The import comes first: the settings loaded are those it wrote.
+// Sets session.client_window here, before CreateWindowExW returns it, because the status bar is
+// created as a child of this window. ImportConfigFile runs before LoadSettings, so that the
+// imported values are loaded.
 static LRESULT OnCreate(HWND window, WPARAM, LPARAM) {
     session.client_window = window;
     session.narrow_screen = ScreenIsNarrow(window);
@@ -33,7 +35,8 @@ static LRESULT OnPaint(HWND window, WPARAM, LPARAM) {
     return 0;
 }
 
-// Comes from within BeginPaint. Nothing is erased here: the paint under way fills the background.
+// BeginPaint sends this message. Nothing is erased here, because the paint in progress fills the
+// background.
 static LRESULT OnEraseBackground(HWND, WPARAM, LPARAM) {
     session.view.full_repaint = 1;
     return 1;
@@ -44,7 +47,7 @@ static LRESULT OnStylusDown(HWND, WPARAM, LPARAM position) {
     return 0;
 }
 
-// A mouse also moves while no button is down.
+// A mouse also sends moves while no button is down; these are ignored.
 static LRESULT OnStylusMove(HWND, WPARAM buttons, LPARAM position) {
     if (buttons & MK_LBUTTON) ExtendSelection(position);
     return 0;

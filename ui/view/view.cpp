@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The terminal window's view of the screen: geometry, scrolling, following the cursor, and the
-// requests for a repaint.
+// The terminal window's view: the part of the screen that the window shows. This file handles its
+// geometry, scrolling, following the cursor, and repaint requests.
 #include "ui/view/view.h"
 
 #include <algorithm>
@@ -17,7 +17,7 @@ int ShownCursorColumn() {
                                                                                : 0;
 }
 
-// Whether the window shows the row as it no longer is.
+// True if what the window shows of this row is out of date.
 static bool RowIsStale(int row) {
     const ScreenBuffer& screen = session.screen;
     const ViewState& view = session.view;
@@ -33,7 +33,7 @@ static bool PaintsWholeWindow() {
            session.screen.selection_active;
 }
 
-// Window rows, 1 = the first.
+// `first` and `last` are rows of the window, counted from 1.
 static void InvalidateRows(int first, int last) {
     const ViewState& view = session.view;
     const RECT rows = {0, (first - 1) * view.cell_height,
@@ -53,7 +53,7 @@ static void InvalidateStaleRows() {
     }
 }
 
-// A null window would stand for every window there is.
+// InvalidateRect on a null window would invalidate all windows.
 void RefreshTerminal() {
     if (!session.client_window) return;
     if (PaintsWholeWindow()) {
@@ -104,8 +104,9 @@ static void SetUpBar(int bar, int cells, int visible) {
     SetScrollInfo(session.client_window, bar, &info, TRUE);
 }
 
-// The window's whole size is taken, as its client size depends on the bars that are shown now. One
-// bar's width may be what makes the other one necessary, and what is wanted once stays wanted.
+// Starts from the size of the whole window, because the client size depends on the scroll bars that
+// are shown at the moment. One scroll bar may take the room that makes the other one necessary, so
+// the loop repeats. A bar that was needed once stays, so the loop settles.
 void MeasureView() {
     ViewState& view = session.view;
     RECT window = {};
@@ -146,9 +147,9 @@ static void SetBarPosition(int bar, int position) {
 }
 
 struct BarEvent {
-    int first;     // what view_top or view_left is now
-    int visible;   // cells of the window
-    int position;  // of the thumb
+    int first;     // current view_top or view_left
+    int visible;   // visible_rows or visible_columns
+    int position;  // of the thumb, for SB_THUMBPOSITION
 };
 
 static const int kLineStep = 2;  // cells
@@ -183,7 +184,7 @@ static int ScrollTarget(int code, const BarEvent& event) {
 
 static void Scroll(int bar, int code, int position, int cells, int visible, int* first) {
     int target = ScrollTarget(code, {*first, visible, position});
-    if (target == *first) return;  // as it may stand past the screen's end, only a step clamps it
+    if (target == *first) return;  // no step: keep a view that is past the screen's end
     target = std::clamp(target, 0, std::max(cells - visible, 0));
     if (target == *first) return;
     *first = target;
@@ -201,7 +202,8 @@ void ScrollColumns(int code, int position) {
     Scroll(SB_HORZ, code, position, session.screen.columns, view.visible_columns, &view.view_left);
 }
 
-// A cell that the window shows in part keeps what it showed, unless the background is filled too.
+// Repaints the background too. Otherwise a cell that the window shows only in part would keep its
+// old contents.
 static void Follow(int bar, int cursor, int visible, int* first) {
     if (cursor > *first && cursor <= *first + visible) return;
     *first = std::max(cursor - visible, 0);

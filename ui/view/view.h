@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The terminal window: its class, its view of the screen, painting, the font, the status line, and
-// what the input panel leaves of it.
+// The terminal window: its class, its view of the screen, painting, line drawing, the font, the
+// status line, and the rows that the input panel covers. The view is the part of the 24x80 screen
+// that the window shows; a small device shows only some rows and columns.
 #ifndef QUILL_UI_VIEW_VIEW_H
 #define QUILL_UI_VIEW_VIEW_H
 
@@ -8,116 +9,125 @@
 
 // ---------------------------------------------------------------- the window
 
-// Registers the window class "ClientWnd", a child of the main window that shows the screen. FALSE
-// when the system refuses it.
+// Registers the window class "ClientWnd". A window of this class is a child of the main window and
+// shows the screen. Returns FALSE if the system refuses the class.
 //
-// Creating a window of it imports the configuration file, loads the settings, builds the status bar
-// and lists the device's fonts. From its WM_CREATE on the window is session.client_window.
+// Creating a window of this class imports the configuration file, loads the settings, builds the
+// status bar and lists the device's fonts. Its WM_CREATE sets session.client_window.
 BOOL RegisterClientWindow(HINSTANCE instance);
 
 // ---------------------------------------------------------------- the view
 
-// How many cells fit, which row and column stand at its
-// top left of the window, and the requests for a repaint. All on session.view and
-// session.client_window; while there is no such window a request only sets its flags.
+// How many cells fit into the window, which row and column is at its top left, and repaint
+// requests. All procedures work on session.view and session.client_window. While there is no such
+// window, a request only sets its flags.
 
-// Repaint requests. A paint comes later, once for any number of requests.
+// Repaint requests. They do not paint: WM_PAINT comes later, once for any number of requests.
 void RepaintTerminal();  // the background and all rows
-void RefreshTerminal();  // the rows that changed, and the cursor's if it moved; perhaps none
-void LayoutTerminal();   // as RepaintTerminal, after the geometry was measured again
-void ShowChanges();      // as RefreshTerminal, after the view has followed the cursor if it is to
+void RefreshTerminal();  // only the rows that changed, or where the cursor was or is
+void LayoutTerminal();   // as RepaintTerminal; the next paint also measures the view again
+void ShowChanges();      // follows the cursor if `followcursor` is set, then as RefreshTerminal
 
-int ShownCursorColumn();  // where the cursor is drawn in its row; 0: nowhere
+int ShownCursorColumn();  // column where the cursor is drawn; 0: not drawn
 
-// Measures visible_rows and visible_columns from the window's size, the status bar's height, the
-// rows under the input panel and the cell's size, sets both scroll bars up for them, and takes the
-// view back to row 1, column 1. A bar is shown only if fewer cells fit than the screen has; its
-// room is taken from the cells, and the status bar is placed again. The next paint must be a full
-// one. While the input panel covers rows, the view then follows the cursor, if it is to follow it.
+// Calculates visible_rows and visible_columns from the sizes of the window, the status bar and a
+// cell, and from the rows that the input panel covers. Sets up both scroll bars, moves the view
+// back to row 1, column 1, and places the status bar again. A scroll bar is shown only if fewer
+// cells fit than the screen has; it reduces the room for cells. While the input panel covers rows
+// and `followcursor` is set, the view then follows the cursor. The caller must make the next paint
+// a full one.
 void MeasureView();
 
-// The input panel covers that many rows, from 0 on, at the next measuring. None covered any more
-// takes the view back to row 1, column 1.
+// Sets how many rows the input panel covers (0 or more), for the next MeasureView. 0 also moves the
+// view back to row 1, column 1.
 void CoverRows(int rows);
 
-// A scroll bar's event: one of SB_..., and the position that goes with SB_THUMBPOSITION. The view
-// stays on the screen's rows and columns.
+// Handles a scroll bar's event. `code` is one of SB_...; `position` is used by SB_THUMBPOSITION
+// only. A scroll step never moves the view past the screen's rows and columns.
 void ScrollRows(int code, int position);
 void ScrollColumns(int code, int position);
 
-// Moves the view so that the cursor is in it: to the last visible row, or the last visible column.
-// A cursor below row 24 takes the view along, past the screen's end.
+// If the cursor is outside the view, moves the view so that the cursor is in its last row or its
+// last column. If the cursor is below row 24, the view moves past the screen's end.
 void FollowCursor();
 
-// One tick of the main window's timer: turns blink_phase and asks for the rows that blink.
+// Called at each tick of the main window's timer. Toggles blink_phase and requests a repaint of the
+// rows with blinking cells.
 void BlinkTick();
 
 // ---------------------------------------------------------------- painting
 
-// The answer to WM_PAINT. Makes the font and measures the geometry where that is due, then draws
-// the rows that changed, every visible row while a selection is shown, and the rows where the
-// cursor is and was. With a full repaint asked for, or without a session, the background is filled
-// and every row drawn. Their flags in session.screen.row_changed are cleared.
+// Handles WM_PAINT. Creates the font and measures the view if necessary. Then draws the rows that
+// changed and the rows where the cursor is and was; while something is selected, every visible row.
+// If a full repaint is requested, or no session is up, it fills the background and draws every
+// visible row. Clears the flags of the visible rows in session.screen.row_changed.
 void PaintTerminal(HWND window);
 
 // ---------------------------------------------------------------- line drawing
 
-// The glyphs of the DEC special graphics set, drawn as lines.
+// The DEC special graphics set: a character set of frame corners, lines and symbols, for codes
+// 95..126.
 
 inline constexpr BYTE kFirstGlyph = 95;
 inline constexpr BYTE kLastGlyph = 126;
 
-// A one-pixel line from one point up to, but not including, the other, with a pen of its own.
+// Draws a one-pixel line from `from` up to, but not including, `to`, with a pen that it creates for
+// the call.
 void DrawLine(HDC dc, POINT from, POINT to, COLORREF color);
 
 // Draws the glyph of a code 95..126 into a cell that is already blank. The pound sign and the
-// centred dot are text, in the colours that `dc` holds; all else is lines in `color`. Codes without
-// a glyph leave the cell blank.
+// centred dot (a full stop) are drawn as text in the colours of `dc`; all other glyphs are lines in
+// `color`. A code without a glyph leaves the cell blank.
 void DrawGlyph(HDC dc, const RECT& cell, BYTE code, COLORREF color);
 
 // ---------------------------------------------------------------- the font
 
-// The device's fixed-pitch faces, and the font in use with the size of its
-// character cell. The size is the setting fsize; every procedure here holds it to 1..25 before use.
+// The list of the device's fixed-pitch faces, and the current font with the size of its character
+// cell. The font's size is the setting fsize; CreateTerminalFont, LargerFont and SmallerFont limit
+// it to 1..25.
 
-// Fills session.view.faces with the device's fixed-pitch families, at most 24, in their order.
+// Fills session.view.faces with the device's fixed-pitch families, at most 24, in the order in
+// which the system lists them.
 void ListFontFaces(HWND window);
 
-// Makes the font that the settings fname, fsize, font_bold and font_italic ask for in place of the
-// one before, and measures its cell: cell_height and cell_width (each at least 1) and
-// underline_offset. A face that is not listed becomes the first one that is. The view is not laid
-// out again: LayoutTerminal does that.
+// Replaces the current font by the one that the settings fname, fsize, font_bold and font_italic
+// describe, and sets cell_height and cell_width (each at least 1) and underline_offset from it. If
+// fname is not in the list of faces, the first face of the list is used. The caller then calls
+// LayoutTerminal.
 void CreateTerminalFont();
 
-// The next size with another cell height; at 25 and at 1 the size stays. The view is laid out again
-// in every case.
+// Change to the next larger or smaller size that has another cell height, but not above 25 or below
+// 1. Both then call LayoutTerminal, even if the size did not change.
 void LargerFont();
 void SmallerFont();
 
 // ---------------------------------------------------------------- the status line
 
-// Below the terminal; it is rewritten together with the main window's title.
+// The status line is below the terminal. It is rewritten together with the main window's title.
 
-// Destroys the status window and, unless `hidestatus` is set, makes it anew; session.status_height
-// is its height in pixels, 0 while hidden.
+// Destroys the status window and, unless `hidestatus` is set, creates a new one. Sets
+// session.status_height to its height in pixels, 0 while hidden.
 void RebuildStatusBar();
 
-// The status window keeps the bottom of the client window after that changed its size.
+// Moves the status window to the bottom of the client window. Called after the client window
+// changed its size.
 void PlaceStatusBar();
 
-// Rewrites the status text (state, cursor row and column) and the title (host). Without a status
-// window both stay as they are.
+// Rewrites the status text (state, cursor row and column) and the title (host). Does nothing while
+// there is no status window.
 void UpdateStatus();
 
 // ---------------------------------------------------------------- the input panel
 
-// The shell's keyboard or pad on the screen covers rows of the terminal.
+// The input panel is the shell's on-screen keyboard. It covers the lower rows of the terminal.
 
-// The panel came, went or changed: counts the rows that it covers and lays the terminal out anew.
+// The panel appeared, disappeared or changed. Counts the rows that it covers. Lays the terminal out
+// again when the panel disappears, and when it appears while a session is up.
 void FollowInputPanel();
 
-// Something else than the panel changed the count: the window's size, the font, the status bar. Or
-// a session began under a panel that was there before. Does nothing while the panel is down.
+// Counts the covered rows again and lays the terminal out again. Called after a change of the
+// window's size, the font or the status bar, and when a session begins, because the panel may be up
+// already. Does nothing while the panel is down.
 void RecountCoveredRows();
 
 #endif
