@@ -10,8 +10,8 @@
 
 static inline uint32_t F(uint32_t x, uint32_t y, uint32_t z) { return ((y ^ z) & x) ^ z; }
 
-// The two parts of G have no bit in common, so they can be added separately. The part that does not
-// use the newest word then does not wait for it.
+// The two terms of G have no bit in common, so they can be added separately. The term that does
+// not use the newest word then does not wait for it.
 #define MD5_STEP(mix, a, b, c, d, word, shift, constant)    \
     a += LoadLittle<uint32_t>(bytes + 4 * word) + constant; \
     a = mix;                                                \

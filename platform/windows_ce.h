@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The part of the Windows CE API that the program is written against: every type, constant and
+// The subset of the Windows CE API that the program is written against: every type, constant and
 // function that the program or one of its tests uses, with its real name and value, and nothing
 // else.
 //

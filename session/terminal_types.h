@@ -123,7 +123,7 @@ struct SplitRegions {
     RegionCursor lower;
 };
 
-// The view: the part of the grid that the window shows. Lengths are in device pixels.
+// The view: the area of the grid that the window shows. Lengths are in device pixels.
 inline constexpr int kMaxFontFaces = 24;
 inline constexpr int kFontSizeMin = 1;
 inline constexpr int kFontSizeMax = 25;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The terminal window's view: the part of the screen that the window shows. This file handles its
+// The terminal window's view: the area of the screen that the window shows. This file handles its
 // geometry, scrolling, following the cursor, and repaint requests.
 #include "ui/view/view.h"
 

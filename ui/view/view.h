@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The terminal window: its class, its view of the screen, painting, line drawing, the font, the
-// status line, and the rows that the input panel covers. The view is the part of the 24x80 screen
+// status line, and the rows that the input panel covers. The view is the area of the 24x80 screen
 // that the window shows; a small device shows only some rows and columns.
 #ifndef QUILL_UI_VIEW_VIEW_H
 #define QUILL_UI_VIEW_VIEW_H

@@ -16,7 +16,7 @@ bool InputPanelShown();
 // call moves it to a separate window in front of `dialog`, unless the dialog covers it; null moves
 // it back to the screen.
 void LendInputPanel(QWidget* dialog);
-// The middle of the screen, or of the part above the input panel if the size fits there.
+// The middle of the screen, or of the area above the input panel if the size fits there.
 QRect CenteredPlace(QSize size);
 
 // command_bar.cpp

@@ -98,7 +98,7 @@ void WindowWidget::paintEvent(QPaintEvent* event) {
     PaintWindow(event->region());
 }
 
-// `reachable` is the part of a paint that reaches the screen. The program takes all of its paint
+// `reachable` is the region of a paint that reaches the screen. The program takes all of its paint
 // for drawn, so a visible part that was missed makes the window invalid again.
 void WindowWidget::PaintWindow(const QRegion& reachable) {
     Window* window = FindWindowRecord(window_);

@@ -21,7 +21,7 @@ class WindowWidget : public QWidget {
     void PaintInvalid();
     bool painting() const { return painting_; }
     // While the window paints, returns a painter in this widget's coordinates that draws only on
-    // the part to be painted.
+    // the region to be painted.
     std::unique_ptr<QPainter> MakePainter();
 
   protected:
