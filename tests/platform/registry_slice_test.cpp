@@ -307,3 +307,20 @@ TEST_F(RegistryFileOnDisk, FileTakenAwayIsBegunAfresh) {
     EXPECT_TRUE(LoadNumber(1, &number));
     EXPECT_EQ(2u, number);
 }
+
+TEST_F(RegistryFileOnDisk, KeyIsUnknownInAFileThatCameInItsPlace) {
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
+    HKEY key = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_QUERY_VALUE, &key));
+    RegCloseKey(key);
+    std::filesystem::rename(RegistryFile(), RegistryFile() + ".kept");
+    std::filesystem::remove(RegistryFile() + "-wal");
+    std::filesystem::remove(RegistryFile() + "-shm");
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND,
+              RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_QUERY_VALUE, &key));
+    DWORD disposition = 0;
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, nullptr, 0,
+                                             KEY_SET_VALUE, nullptr, &key, &disposition));
+    EXPECT_EQ(1u, disposition);  // made new
+    RegCloseKey(key);
+}

@@ -77,17 +77,18 @@ HKEY AddKey(Registry& registry, const std::string& path, DWORD access) {
 LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool* created) {
     if (!sub_key) sub_key = u"";
     if (*sub_key == u'\\') return kErrorBadPathname;
-    const StoreResult usable = registry.store.HasKey(*path);
-    if (usable == StoreResult::kFailed) return kErrorRegistryFailed;
     std::u16string name;
+    bool asked = false;  // the store, so it is usable
     while (TakeName(&sub_key, &name)) {
         if (name.size() > kLongestKeyName) return ERROR_INVALID_PARAMETER;
         path->append("\\").append(StoredName(name));
         if (!created) continue;
         const StoreResult made = registry.store.MakeKey(*path, created);
         if (made != StoreResult::kOk) return ErrorOf(made);
+        asked = true;
     }
-    if (created || *path == kLocalMachine) return ERROR_SUCCESS;
+    if (created || *path == kLocalMachine)
+        return asked || registry.store.IsUsable() ? ERROR_SUCCESS : kErrorRegistryFailed;
     return ErrorOf(registry.store.HasKey(*path));
 }
 

@@ -34,6 +34,8 @@ struct StoredValue {
 // Not thread-safe. Keys and names are compared without the case of ASCII letters.
 class RegistryStore {
   public:
+    bool IsUsable();  // opens the file if it is not open
+    // Keys are never deleted: once a key was found, it is known as long as the file is open.
     StoreResult HasKey(const std::string& key);
     StoreResult MakeKey(const std::string& key, bool* created);
     StoreResult Read(const std::string& key, const std::string& name, StoredValue* value);
@@ -64,6 +66,7 @@ class RegistryStore {
     ino_t inode_ = 0;
     sqlite3* database_ = nullptr;
     sqlite3_stmt* statements_[kStatements] = {};
+    std::string known_key_;  // the last one that was found; empty: none since the file was opened
 };
 
 #endif

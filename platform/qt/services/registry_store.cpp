@@ -225,6 +225,7 @@ void RegistryStore::Close() {
     }
     sqlite3_close(database_);
     database_ = nullptr;
+    known_key_.clear();
 }
 
 void RegistryStore::Abandon() {
@@ -272,8 +273,14 @@ StoreResult Changed(int result) {
 
 }  // namespace
 
+bool RegistryStore::IsUsable() { return Ready(); }
+
+// A start reads all settings, and each read opens the same key.
 StoreResult RegistryStore::HasKey(const std::string& key) {
-    return FoundOr(Run(kHasKey, key, nullptr, nullptr, nullptr));
+    if (Ready() && !key.empty() && key == known_key_) return StoreResult::kOk;
+    const StoreResult found = FoundOr(Run(kHasKey, key, nullptr, nullptr, nullptr));
+    if (found == StoreResult::kOk) known_key_ = key;
+    return found;
 }
 
 StoreResult RegistryStore::MakeKey(const std::string& key, bool* created) {
