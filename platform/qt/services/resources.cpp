@@ -356,11 +356,12 @@ bool TakePixels(ResourceReader* reader, const Header& header, WORD bits,
     const uint8_t* rows = reader->bytes + reader->position;
     if (!depth || !reader->Has(stride * static_cast<size_t>(height))) return false;
     *bitmap = {header.width, height, {}};
+    bitmap->pixels.resize(static_cast<size_t>(header.width) * static_cast<size_t>(height));
+    uint32_t* next = bitmap->pixels.data();
     for (int y = 0; y < height; y++) {
         const int line = header.height < 0 ? y : height - 1 - y;
         const uint8_t* row = rows + stride * static_cast<size_t>(line);
-        for (int x = 0; x < header.width; x++)
-            bitmap->pixels.push_back(depth->pixel(row, x, palette));
+        for (int x = 0; x < header.width; ++x) *next++ = depth->pixel(row, x, palette);
     }
     reader->Skip(stride * static_cast<size_t>(height));
     return true;

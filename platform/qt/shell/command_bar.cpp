@@ -55,10 +55,16 @@ bool SameColors(const QPalette& one, const QPalette& other) {
 
 QImage Translated(const Bitmap& bitmap, const QPalette& palette) {
     QImage image(bitmap.width, bitmap.height, QImage::Format_ARGB32);
-    size_t next = 0;
-    for (int y = 0; y < bitmap.height; y++)
-        for (int x = 0; x < bitmap.width; x++)
-            image.setPixel(x, y, Shown(bitmap.pixels[next++], palette));
+    const uint32_t* next = bitmap.pixels.data();
+    uint32_t drawn = kFace;  // the pixel before, because most pixels are like it
+    QRgb shown = Shown(drawn, palette);
+    for (int y = 0; y < bitmap.height; y++) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < bitmap.width; x++, next++) {
+            if (*next != drawn) shown = Shown(drawn = *next, palette);
+            line[x] = shown;
+        }
+    }
     return image;
 }
 
