@@ -45,13 +45,13 @@ std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted) {
     data->font.setHintingPreference(QFont::PreferNoHinting);
     data->font.setPixelSize(static_cast<int>(data->height));
     data->raw = QRawFont::fromFont(data->font);
+    data->fixed = QFontInfo(data->font).fixedPitch();  // before the size changes: a size is a load
     const double cell = data->raw.ascent() + data->raw.descent();
     if (cell > 0) data->raw.setPixelSize(data->raw.pixelSize() * data->height / cell);
     data->font.setPixelSize(std::max(static_cast<int>(data->raw.pixelSize()), 1));
     data->ascent = data->raw.ascent();
     data->descent = data->raw.descent();
     data->leading = data->raw.leading();
-    data->fixed = QFontInfo(data->font).fixedPitch();
     FillGlyphs(*data);
     data->run.setRawFont(data->raw);
     g_face_made_last = wanted;
