@@ -32,8 +32,10 @@ class ScreenWidget : public QWidget {
     ScreenFoot foot_;
 };
 
-std::unique_ptr<ScreenWidget> g_screen;
-std::vector<HWND> g_over;  // the last one is on top
+}  // namespace
+
+static std::unique_ptr<ScreenWidget> g_screen;
+static std::vector<HWND> g_over;  // the last one is on top
 
 QRect ScreenWidget::PanelPlace() const {
     const int bottom = std::max(height() - kMenuBarHeight, 0);
@@ -87,8 +89,6 @@ void ScreenWidget::keyPressEvent(QKeyEvent* event) {
 void ScreenWidget::keyReleaseEvent(QKeyEvent* event) {
     if (Window* window = ProgramWindow()) QueueKeyEvent(window->handle, event, false);
 }
-
-}  // namespace
 
 void OpenDeviceScreen(QSize size) { g_screen = std::make_unique<ScreenWidget>(size); }
 
