@@ -14,6 +14,8 @@
 static constexpr bool kCursorBlinks = false;
 
 static const DWORD kCodeMask = 0xFF;
+static const DWORD kFirstAscii = ' ';
+static const DWORD kLastAscii = '~';
 
 struct RunColors {
     COLORREF text;
@@ -111,8 +113,9 @@ static void DrawRun(HDC dc, const PaintRow& row, int first, int end) {
 // ---------------------------------------------------------------- rows
 
 // Converts a byte by the ANSI code page. A byte that is only part of a character in that code page
-// is shown as a question mark.
+// is shown as a question mark. ASCII's printable characters are the same in every code page.
 static WCHAR TextOfByte(DWORD code) {
+    if (code >= kFirstAscii && code <= kLastAscii) return static_cast<WCHAR>(code);
     const char byte = static_cast<char>(code);
     WCHAR unit = 0;
     const int units = MultiByteToWideChar(CP_ACP, 0, &byte, 1, &unit, 1);
