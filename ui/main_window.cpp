@@ -116,8 +116,9 @@ static LRESULT OnSocketConnected(HWND, WPARAM, LPARAM) {
 // meaning: F10 opens the menu.
 static LRESULT OnKey(HWND window, WPARAM wparam, LPARAM lparam) {
     OnKeyDown(static_cast<int>(wparam));
+    if (Connected()) return 0;  // OnKeyDown has updated the status
     UpdateStatus();
-    return Connected() ? 0 : DefWindowProcW(window, WM_KEYDOWN, wparam, lparam);
+    return DefWindowProcW(window, WM_KEYDOWN, wparam, lparam);
 }
 
 static LRESULT OnCharacter(HWND, WPARAM wparam, LPARAM) {
