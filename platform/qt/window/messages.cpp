@@ -20,6 +20,7 @@
 #include "platform/qt/window/window.h"
 
 constexpr qint64 kSoonNanoseconds = 100000;
+constexpr int kRestsAfterMiss = 8;
 
 namespace {
 
@@ -45,7 +46,8 @@ static int g_quit_code = 0;
 static KeyStates g_keys_down;   // after the last event
 static KeyStates g_keys_taken;  // as they were for the last message taken
 static bool g_took_posted =
-    false;  // true if a posted message was taken since the queue last waited
+    false;               // true if a posted message was taken since the queue last waited
+static int g_rests = 0;  // this many times from now on PostedSoon does not poll
 static QElapsedTimer g_since_collected;  // since the toolkit's events were last processed
 
 namespace {
@@ -111,15 +113,21 @@ static bool SomethingPosted() {
 }
 
 // While a host streams, its next chunk is posted within microseconds. To sleep and be woken up
-// would take many times longer.
+// would take many times longer. After a chunk that did not come so soon, the next ones are not
+// expected to.
 static bool PostedSoon() {
     if (!std::exchange(g_took_posted, false)) return false;
+    if (g_rests > 0) {
+        --g_rests;
+        return false;
+    }
     QElapsedTimer since;
     since.start();
     while (since.nsecsElapsed() < kSoonNanoseconds) {
         if (SomethingPosted()) return true;
         std::this_thread::yield();
     }
+    g_rests = kRestsAfterMiss;
     return false;
 }
 
@@ -243,6 +251,7 @@ void ResetMessages() {
     g_keys_taken.reset();
     g_quit = false;
     g_took_posted = false;
+    g_rests = 0;
     g_since_collected.invalidate();
     ResetFrames();
     g_dispatcher.store(nullptr);
