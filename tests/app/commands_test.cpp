@@ -185,7 +185,7 @@ TEST(Commands, SessionKeepsTheDeviceAwakeWhileAliveIsSet) {
     });
 }
 
-TEST(Commands, TimerTurnsTheBlinkPhase) {
+TEST(Commands, TimerTogglesTheBlinkPhase) {
     RunProgram({}, [] {
         DWORD phase = 0;
         OnWindowThread([&] { phase = session.view.blink_phase; });
@@ -235,7 +235,7 @@ TEST(Commands, HelpOpensThePageInTheDesktopsViewer) {
 }
 
 // Where the page should lie there is a folder, as nobody, not even root, writes a file over one.
-TEST(Commands, HelpOpensThePageFromAmongTheTemporaryFilesWhereTheSettingsCannotBeWritten) {
+TEST(Commands, HelpOpensATemporaryPageWhenTheDeviceFolderCannotBeWritten) {
     RunProgram({}, [] {
         auto viewer = std::make_unique<Viewer>();
         OnWindowThread([&] { QDesktopServices::setUrlHandler("file", viewer.get(), "Open"); });
@@ -254,7 +254,7 @@ TEST(Commands, HelpOpensThePageFromAmongTheTemporaryFilesWhereTheSettingsCannotB
     });
 }
 
-TEST(Commands, HelpPageTellsEachStateMessageAndKey) {
+TEST(Commands, HelpPageListsEachStateMessageAndKey) {
     const char* const texts[] = {"offline",
                                  "OFF",
                                  "request",
@@ -305,7 +305,7 @@ TEST(Commands, EveryOtherNumberDoesNothing) {
     });
 }
 
-TEST(Commands, CommandsGoOnBehindAnOpenQuestion) {
+TEST(Commands, CommandsStillWorkBehindAnOpenQuestion) {
     FakeHost host;
     WithSession(host, [&] {
         ConfirmExit(true);

@@ -16,7 +16,7 @@ namespace {
 const char kClosed[] = "Error: Connection to the UNIX Host has been closed...";
 const char kNotPossible[] = "Error: Not possible to create a session to the UNIX Host";
 
-TEST(Connection, BytesOfTheHostReachTheGridAndTheGlass) {
+TEST(Connection, BytesOfTheHostReachTheGridAndTheScreen) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\r\nsecond line");
@@ -253,7 +253,7 @@ TEST(Connection, ExitOnDisconnectEndsTheProgramWithoutAMessage) {
     });
 }
 
-TEST(Connection, ExitOnDisconnectHoldsForTheUsersOwnDisconnectToo) {
+TEST(Connection, ExitOnDisconnectAppliesToTheUsersOwnDisconnectToo) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.settings.exit_dis = 1; });
@@ -286,7 +286,7 @@ TEST(Connection, UrgentDataOfTheHostEndsTheSession) {
     });
 }
 
-TEST(Connection, ResizeTellsATelnetHostNothing) {
+TEST(Connection, ResizeSendsATelnetHostNothing) {
     FakeHost host;
     WithSession(host, [&] {
         host.ReadSome(100);
@@ -340,7 +340,7 @@ TEST(Connection, LocalEchoShowsTypedCharactersUntilTheHostEchoes) {
     });
 }
 
-TEST(Connection, AnEntryThatBeginsWithABlankIsNoneAndTheFirstIsSavedLater) {
+TEST(Connection, ADialUpNameThatBeginsWithABlankIsReplacedByTheFirstEntry) {
     const std::string peers = FreshRoot();
     fclose(fopen((peers + "/annex").c_str(), "w"));
     RunProgram({}, [&] {
@@ -379,7 +379,7 @@ TEST(Connection, AConnectionThatNeverCameUpIsReportedEvenWithExitOnDisconnect) {
     });
 }
 
-TEST(Connection, ConnectingWhileOnlineLeavesTheScreenAndTheUsedUpLogin) {
+TEST(Connection, ConnectingWhileOnlineNeitherClearsTheScreenNorLogsInAgain) {
     FakeHost host;
     RunProgram({}, [&] {
         OnWindowThread([] {
@@ -407,7 +407,7 @@ TEST(Connection, ConnectingWhileOnlineLeavesTheScreenAndTheUsedUpLogin) {
 }
 
 // Whatever comes of it, a connect begins by forgetting what SSH had reached.
-TEST(Connection, EveryConnectForgetsHowFarSshHadCome) {
+TEST(Connection, EveryConnectResetsTheSshProgress) {
     FakeHost host;
     const auto reached = [] {
         OnWindowThread([] {
@@ -442,7 +442,7 @@ TEST(Connection, EveryConnectForgetsHowFarSshHadCome) {
 }
 
 // Local echo and the attribute are the terminal's and stay; what the host set up goes.
-TEST(Connection, NewSessionFindsAClearScreenAndTheLastOnesAttributeAndEcho) {
+TEST(Connection, NewSessionClearsTheScreenAndKeepsAttributeAndEcho) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send(

@@ -157,7 +157,7 @@ TEST_F(Dialling, ARequestIsTakenOnceHoweverLongItsBoxStaysOpen) {
     });
 }
 
-TEST_F(Dialling, AConnectionWithAnErrorConnectsAndTellsTheError) {
+TEST_F(Dialling, AConnectionWithAnErrorConnectsAndShowsTheError) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);
@@ -307,7 +307,7 @@ TEST_F(Dialling, TheSessionsEndHangsUpWithExitOnDisconnect) {
 
 // ---------------------------------------------------------------- failures
 
-TEST_F(Dialling, ABusyLineIsTold) {
+TEST_F(Dialling, ABusyLineIsReported) {
     MakeEntry("depot");
     MakeProgram(
         "echo 'send (ATDT5551234^M)'; echo 'Failed (BUSY)'\n"
@@ -340,7 +340,7 @@ TEST_F(Dialling, EveryExitCodeOfTheProgramIsAFailure) {
     });
 }
 
-TEST_F(Dialling, AMissingProgramIsToldAndTheUserMayConnectAgain) {
+TEST_F(Dialling, AMissingProgramIsReportedAndTheUserCanConnectAgain) {
     MakeEntry("depot");
     FakeHost host;
     RunProgram({}, [&] {
@@ -353,7 +353,7 @@ TEST_F(Dialling, AMissingProgramIsToldAndTheUserMayConnectAgain) {
     });
 }
 
-TEST_F(Dialling, AProgramThatMayNotBeStartedIsTold) {
+TEST_F(Dialling, AProgramThatCannotBeStartedIsReported) {
     MakeEntry("depot");
     MakeProgram("exit 0\n");
     fs::permissions(folder + "/pppd", fs::perms::owner_read);
@@ -364,7 +364,7 @@ TEST_F(Dialling, AProgramThatMayNotBeStartedIsTold) {
     });
 }
 
-TEST_F(Dialling, AnUnknownEntryIsTold) {
+TEST_F(Dialling, AnUnknownEntryIsReported) {
     MakeEntry("depot");
     MakeEntry("a-name-of-20-letters");
     RunProgram({}, [&] {
@@ -378,7 +378,7 @@ TEST_F(Dialling, AnUnknownEntryIsTold) {
     });
 }
 
-TEST_F(Dialling, NamesReachTheProgramAsTheyAre) {
+TEST_F(Dialling, NamesReachTheProgramUnchanged) {
     const std::pair<const char*, const char16_t*> names[] = {
         {"two words", u"two words"},
         {"it's \"mine\"", u"it's \"mine\""},
@@ -400,7 +400,7 @@ TEST_F(Dialling, NamesReachTheProgramAsTheyAre) {
     });
 }
 
-TEST_F(Dialling, ABabblingProgramDoesNotStopTheTerminal) {
+TEST_F(Dialling, AProgramThatFloodsItsLogDoesNotStopTheTerminal) {
     MakeEntry("depot");
     MakeProgram(
         "exec yes 'Connect: ppp0\nSerial connection established.\nPAP authentication "
@@ -447,7 +447,7 @@ TEST_F(Dialling, ALogThatIsClosedEarlyIsNotTheEnd) {
     });
 }
 
-TEST_F(Dialling, HangingUpWhatIsNoConnectionIsAnInvalidHandle) {
+TEST_F(Dialling, HangingUpAnUnknownConnectionReturnsInvalidHandle) {
     EXPECT_EQ(6u, RasHangUp(nullptr));
     EXPECT_EQ(6u, RasHangUp(reinterpret_cast<HRASCONN>(static_cast<UINT_PTR>(0x1234))));
 }
@@ -493,7 +493,7 @@ TEST_F(Dialling, ASuccessfulDialWritesItsLineBeforeItConnects) {
     });
 }
 
-TEST_F(Dialling, AnErrorIsShownWithWhateverNewStateItComes) {
+TEST_F(Dialling, AnErrorIsShownWithEveryNewState) {
     RunProgram({}, [] {
         OnWindowThread([] { session.dialling = 1; });
         PostToMain(WM_RASDIALEVENT, 5, 691);

@@ -33,7 +33,7 @@ void ExpectCentredOn(QPoint middle) {
                                    << " in place of " << middle.x() << "," << middle.y();
 }
 
-TEST(FirstBox, StandsInTheMiddleOfTheDesktopWhileThereIsNoWindow) {
+TEST(FirstBox, IsCentredOnTheDesktopWhileThereIsNoWindow) {
     for (const auto& [width, height] : {std::pair(400, 300), {240, 320}}) {
         RunProgram({.width = width, .height = height, .config = "bell = 1\n"}, [] {
             ASSERT_EQ(AwaitBox(), kImportNotice);
@@ -46,7 +46,7 @@ TEST(FirstBox, StandsInTheMiddleOfTheDesktopWhileThereIsNoWindow) {
     }
 }
 
-TEST(FirstBox, StandsOverTheWindowsMiddle) {
+TEST(FirstBox, IsCentredOverTheWindow) {
     RunProgram({.width = 400, .height = 300}, [] {
         ASSERT_TRUE(Eventually([] { return DeviceScreen()->isVisible(); }));
         OnWindowThread([] { DeviceScreen()->move(210, 330); });

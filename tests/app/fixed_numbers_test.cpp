@@ -75,7 +75,7 @@ TEST(FixedNumbers, ReceivingThreadPostsTheNumbers) {
     });
 }
 
-TEST(FixedNumbers, FirstActivityIsToldOnceASession) {
+TEST(FixedNumbers, FirstActivityIsReportedOncePerSession) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);

@@ -104,7 +104,7 @@ TEST(Frames, AnEchoPaintsItsRowAlone) {
     });
 }
 
-TEST(Frames, WhatChangesNeitherTextNorCellsPaintsNothing) {
+TEST(Frames, OutputThatChangesNeitherTextNorCellsPaintsNothing) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\033[2J\033[7;10Hsome text");
@@ -118,7 +118,7 @@ TEST(Frames, WhatChangesNeitherTextNorCellsPaintsNothing) {
     });
 }
 
-TEST(Frames, OfAStreamThereIsAtMostOneInSixteenMilliseconds) {
+TEST(Frames, AStreamIsPaintedAtMostOncePerSixteenMilliseconds) {
     FakeHost host;
     WithSession(host, [&] {
         using Clock = std::chrono::steady_clock;
@@ -187,7 +187,7 @@ TEST(Frames, AfterAResizeInAStreamTheScreenShowsTheGrid) {
     });
 }
 
-TEST(Frames, RowsUnderTheKeyboardLeaveItAlone) {
+TEST(Frames, RowsUnderTheKeyboardDoNotPaintOverIt) {
     FakeHost host;
     WithSession(host, [&] {
         ResizeDevice(640, 260);

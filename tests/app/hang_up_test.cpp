@@ -107,7 +107,7 @@ TEST_F(HangUp, DiallingAgainWhileDiallingLeavesTheNewDialInProgress) {
 }
 
 // The device's own end, which hangs up as well, comes after the person's.
-TEST_F(HangUp, EveryWayOutHangsUpBeforeTheProgramEnds) {
+TEST_F(HangUp, EveryWayToExitHangsUpBeforeTheProgramEnds) {
     MakeEntry("depot");
     MakeProgram(kUp, kEnds);
     void (*const ways_out[])() = {[] { RunCommand(IDM_EXIT); },
@@ -219,7 +219,7 @@ TEST_F(HangUp, AProgramThatEndsAsUsualIsGoneWhenTheHangUpReturns) {
     });
 }
 
-TEST_F(HangUp, HangingUpGoesOnBeforeAProgramThatTakesItsTime) {
+TEST_F(HangUp, HangingUpDoesNotWaitForASlowProgram) {
     MakeEntry("depot");
     MakeProgram("await leave\nexit 5\n", ": >asked");
     FakeHost host;
@@ -284,7 +284,7 @@ TEST_F(HangUp, ADialThatIsHungUpWhileItWaitsForTheLineNeverStarts) {
     EXPECT_FALSE(fs::exists(folder + "/arguments"));
 }
 
-TEST_F(HangUp, AConnectionMadeInTheMomentOfTheHangUpBeginsNoSession) {
+TEST_F(HangUp, AConnectionMadeDuringTheHangUpStartsNoSession) {
     MakeEntry("depot");
     MakeProgram("await go\necho 'local  IP address 10.0.0.2'\nawait leave\n");
     FakeHost host;
@@ -311,7 +311,7 @@ TEST_F(HangUp, AConnectionMadeInTheMomentOfTheHangUpBeginsNoSession) {
     });
 }
 
-TEST_F(HangUp, AFailureInTheMomentOfTheHangUpIsNotTold) {
+TEST_F(HangUp, AFailureDuringTheHangUpIsNotReported) {
     MakeEntry("depot");
     MakeProgram("await go\nexit 1\n");
     RunProgram({}, [&] {

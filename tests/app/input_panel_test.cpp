@@ -63,7 +63,7 @@ void OnSmallDevice(FakeHost& host, const std::function<void()>& person) {
     });
 }
 
-TEST(InputPanel, ButtonShowsAndHidesItAndTheShellTellsSo) {
+TEST(InputPanel, ButtonShowsAndHidesItAndTheShellReportsIt) {
     RunProgram(SmallDevice(), [] {
         ASSERT_TRUE(Eventually([] { return session.view.cell_height > 0; }));
         for (const bool up : {true, false}) {
@@ -192,7 +192,7 @@ TEST(InputPanel, HidingItTakesTheViewBackToTheTop) {
     });
 }
 
-TEST(InputPanel, OfflineTheRowsAreCountedAndTheTerminalLeftAlone) {
+TEST(InputPanel, OfflineTheRowsAreCountedAndTheTerminalIsUnchanged) {
     RunProgram(SmallDevice(), [] {
         ASSERT_TRUE(Eventually([] { return session.view.visible_rows > 0; }));
         int before = 0;
@@ -340,7 +340,7 @@ TEST(InputPanel, LatchesHoldForOneKey) {
 }
 
 // As a real keyboard types them; Ctl with Space is the character 0.
-TEST(InputPanel, ControlCharactersThatAreNoLetters) {
+TEST(InputPanel, ControlCharactersOtherThanLetters) {
     FakeHost host;
     OnSmallDevice(host, [&] {
         TapPanelButton();
@@ -471,7 +471,7 @@ TEST(InputPanel, TypesIntoADialog) {
     });
 }
 
-TEST(InputPanel, TypesIntoADialogOverTheSheetAndTheSheetStandsAboveIt) {
+TEST(InputPanel, TypesIntoADialogOverTheSheetAndTheSheetStaysAboveThePanel) {
     RunProgram(SmallDevice(), [&] {
         TapPanelButton();
         const HWND sheet = OpenOnSmallDevice(40012);
@@ -512,7 +512,7 @@ TEST(InputPanel, FollowsADeviceResizedUnderADialog) {
     });
 }
 
-TEST(InputPanel, KeyThatClosesADialogIsNotHeldOn) {
+TEST(InputPanel, KeyThatClosesADialogIsReleased) {
     RunProgram(SmallDevice(), [&] {
         TapPanelButton();
         const HWND dialog = OpenOnSmallDevice(126);
@@ -528,7 +528,7 @@ TEST(InputPanel, KeyThatClosesADialogIsNotHeldOn) {
     });
 }
 
-TEST(InputPanel, ProgramEndsUnderADialogWithIt) {
+TEST(InputPanel, ProgramCanEndWhileADialogUsesIt) {
     const int result = RunProgram(SmallDevice(), [&] {
         TapPanelButton();
         OpenOnSmallDevice(40011);

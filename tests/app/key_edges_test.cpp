@@ -62,7 +62,7 @@ TEST(KeyEdges, AcceleratorsDisconnectAndExit) {
     });
 }
 
-TEST(KeyEdges, KeysBesideTheAcceleratorsAreTheHosts) {
+TEST(KeyEdges, KeysOtherThanTheAcceleratorsGoToTheHost) {
     FakeHost host;
     WithSession(host, [&] {
         Strike(Qt::Key_N, Qt::ControlModifier, "\x0e");
@@ -199,7 +199,7 @@ void StoreKey(LPCWSTR name, const std::u16string& text) {
     RegCloseKey(key);
 }
 
-TEST(KeyEdges, StoredSequenceThatIsTooLongIsTheDefault) {
+TEST(KeyEdges, StoredSequenceThatIsTooLongIsReplacedByTheDefault) {
     FakeHost host;
     Stage stage;
     stage.before = [] {

@@ -77,7 +77,7 @@ bool FootStaysInSight(FakeHost& host) {
 
 // ---------------------------------------------------------------- focus
 
-TEST(MainWindowEdges, KeysAreTheHostsAfterATapOnTheTerminal) {
+TEST(MainWindowEdges, KeysGoToTheHostAfterATapOnTheTerminal) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] {
@@ -91,7 +91,7 @@ TEST(MainWindowEdges, KeysAreTheHostsAfterATapOnTheTerminal) {
     });
 }
 
-TEST(MainWindowEdges, KeysAreTheHostsAfterAScrollBarWasUsed) {
+TEST(MainWindowEdges, KeysGoToTheHostAfterAScrollBarWasUsed) {
     FakeHost host;
     OnDevice(240, 200, [&] {
         ConnectTo(host);
@@ -158,7 +158,7 @@ TEST(MainWindowEdges, StatusBarHiddenUnderThePanelKeepsTheCursorInSight) {
     });
 }
 
-TEST(MainWindowEdges, SettingChangesWithoutEndLeaveTheStateTheShellTellsLast) {
+TEST(MainWindowEdges, ManySettingChangesEndInTheShellsLastState) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         ConnectTo(host);
@@ -214,7 +214,7 @@ TEST(MainWindowEdges, MinimisingTheDesktopWindowIsTheCloseButton) {
     });
 }
 
-TEST(MainWindowEdges, KeysAndInputMethodUnderABoxAreNotTheHosts) {
+TEST(MainWindowEdges, KeysAndInputMethodUnderABoxDoNotReachTheHost) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.settings.confirm_exit = 1; });
@@ -296,7 +296,7 @@ TEST(MainWindowEdges, BoxThatComesOverAnOpenMenuClosesIt) {
     });
 }
 
-TEST(MainWindowEdges, AltAloneLeadsToTheMenus) {
+TEST(MainWindowEdges, AltAloneActivatesTheMenus) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] {
@@ -327,7 +327,7 @@ TEST(MainWindowEdges, ScreenOf350PixelsTakesTheLongFormat) {
 
 // ---------------------------------------------------------------- messages and commands, closely
 
-TEST(MainWindowEdges, ChildWindowsBearTheirNumbers) {
+TEST(MainWindowEdges, ChildWindowsHaveTheirNumbers) {
     RunProgram({}, [] {
         OnWindowThread([] {
             ASSERT_NE(session.client_window, nullptr);
@@ -338,7 +338,7 @@ TEST(MainWindowEdges, ChildWindowsBearTheirNumbers) {
     });
 }
 
-TEST(MainWindowEdges, WidthsAreThoseOfTheWindowsAsTheyWereMade) {
+TEST(MainWindowEdges, WidthsAreThoseAtTheCreationOfTheWindows) {
     OnDevice(300, 320, [] {
         int client = 0;
         OnWindowThread([&] {
@@ -402,7 +402,7 @@ TEST(MainWindowEdges, ExitAndMinimisingForgetTheDialUpConnection) {
     }
 }
 
-TEST(MainWindowEdges, InactiveWindowLeavesThePanelsChangeAlone) {
+TEST(MainWindowEdges, InactiveWindowIgnoresThePanelsChange) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.settings.confirm_exit = 1; });
@@ -511,7 +511,7 @@ const EndCase kEnds[] = {{"Plain", NothingMore},
 
 class EndInASession : public testing::TestWithParam<EndCase> {};
 
-TEST_P(EndInASession, SessionEndThatEndsTheProgramDoesSo) {
+TEST_P(EndInASession, ExitOnDisconnectEndsTheProgram) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.settings.confirm_exit = session.settings.exit_dis = 1; });

@@ -255,7 +255,7 @@ bool KeepsKey(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     return kept;
 }
 
-TEST(Menus, KeysWithoutAltAreNotLookedForAmongThem) {
+TEST(Menus, KeysWithoutAltStayWithTheTerminal) {
     FakeHost host;
     WithSession(host, [] {
         EXPECT_TRUE(KeepsKey(Qt::Key_K, Qt::NoModifier));
@@ -274,7 +274,7 @@ TEST(Menus, F10OpensThemOffline) {
     });
 }
 
-TEST(Menus, F10IsTheHostsInASession) {
+TEST(Menus, F10GoesToTheHostInASession) {
     FakeHost host;
     WithSession(host, [&] {
         PressKey(Qt::Key_F10);

@@ -115,7 +115,7 @@ TEST(SessionEdges, MinimisingEndsTheProgramWhileTheHostFloods) {
     EXPECT_EQ(ended, 1);
 }
 
-TEST(SessionEdges, DataGoesOnWhileTheCloseQuestionIsOpen) {
+TEST(SessionEdges, DataKeepsArrivingWhileTheCloseQuestionIsOpen) {
     FakeHost host;
     int ended = 0;
     WithSession(host, [&] {
@@ -199,7 +199,7 @@ TEST(SessionEdges, CloseWhileARequestIsPendingEndsTheProgram) {
     });
 }
 
-TEST(SessionEdges, EachSessionNegotiatesAnew) {
+TEST(SessionEdges, EachSessionNegotiatesFromTheStart) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);
@@ -215,7 +215,7 @@ TEST(SessionEdges, EachSessionNegotiatesAnew) {
     });
 }
 
-TEST(SessionEdges, SubnegotiationThatADroppedLineBrokeOffGoesOnInTheNextSession) {
+TEST(SessionEdges, SubnegotiationCutByADroppedLineContinuesInTheNextSession) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);

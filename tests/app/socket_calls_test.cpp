@@ -209,7 +209,7 @@ TEST(SocketCalls, PortOf65559Is23OnTheWire) {
     });
 }
 
-TEST(SocketCalls, ReadTakes3000BytesWhereThereAreAsMany) {
+TEST(SocketCalls, ReadTakes3000BytesWhenThatManyAreAvailable) {
     FakeHost host;
     WithSession(host, [&] {
         ForgetCalls();

@@ -108,7 +108,7 @@ TEST(StartCalls, SecondStartRaisesShowsAndPaintsTheFirst) {
     });
 }
 
-TEST(StartCalls, MenusAreMadeAnewAfterAnAutoconnectThatHasNotBeenAnswered) {
+TEST(StartCalls, MenusAreRebuiltAfterAnAutoconnectThatIsStillPending) {
     const auto rebuilds = [](const std::vector<Call>& calls) {
         int count = 0;
         for (const Call& call : calls) count += call.name == "rebuild";

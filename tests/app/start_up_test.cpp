@@ -243,7 +243,7 @@ TEST(StartUp, SecondStartLeavesTheFirstSessionAlone) {
     });
 }
 
-TEST(StartUp, ResetLeavesNoValueAndEndsTheProgram) {
+TEST(StartUp, ResetDeletesEveryValueAndEndsTheProgram) {
     const std::string root = FreshRoot();
     RunProgram({.root = root}, [] { OnWindowThread([] { SaveSettings(); }); });
     RunProgram({.root = root}, [] {
@@ -274,7 +274,7 @@ void ExpectBox(const std::string& text, QMessageBox::Icon icon,
 }
 
 // The values are gone, and the settings are still to be saved, while the last box stands.
-TEST(StartUp, ResetAsksTwiceDeletesThenTellsSo) {
+TEST(StartUp, ResetAsksTwiceDeletesThenReportsIt) {
     const auto both = QMessageBox::Ok | QMessageBox::Cancel;
     const auto stored = [](DWORD expected) {
         OnWindowThread([=] {
@@ -300,7 +300,7 @@ TEST(StartUp, ResetAsksTwiceDeletesThenTellsSo) {
     });
 }
 
-TEST(StartUp, ResetIsCalledOffByEitherCancel) {
+TEST(StartUp, EitherCancelStopsTheReset) {
     RunProgram({}, [] {
         PostToMain(WM_COMMAND, 40111);
         EXPECT_NE(AwaitBox(), "");
@@ -320,7 +320,7 @@ TEST(StartUp, ExitCodeIsThatOfTheQuitMessage) {
     EXPECT_EQ(RunProgram({}, [] { OnWindowThread([] { PostQuitMessage(7); }); }), 7);
 }
 
-TEST(StartUp, AutoconnectConnectsWhenItIs1Alone) {
+TEST(StartUp, AutoconnectConnectsOnlyWhenItIs1) {
     for (const char* value : {"0", "2"}) {
         FakeHost host;
         const std::string config = "host = \"127.0.0.1\"\nport = " + std::to_string(host.port);
@@ -354,7 +354,7 @@ TEST(StartUp, MainWindowTakesTheVisibleDesktopLessTheMenuBarUnlessThePanelIsUp) 
     }
 }
 
-TEST(StartUp, SettingsAreSavedAtExitWhenThatIsWantedAlone) {
+TEST(StartUp, SettingsAreSavedAtExitOnlyWhenThatIsWanted) {
     for (const DWORD wanted : {0u, 2u}) {
         const std::string root = FreshRoot();
         RunProgram({.root = root}, [&] {

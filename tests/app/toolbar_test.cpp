@@ -254,7 +254,7 @@ TEST(Toolbar, Row5Of7PutsSmallerFontOnAllThreeBars) {
     });
 }
 
-TEST(Toolbar, ValuesOutOfRangeShowNoMoreThanThreeBitsCanSay) {
+TEST(Toolbar, OnlyTheThreeLowBitsOfAValueShowButtons) {
     const auto before = [] {
         StoreAllRows(0xFFFFFFFF);
         WriteString(TEXT("tbar1"), TEXT("a text that is not a number"));
@@ -383,7 +383,7 @@ TEST(Toolbar, PictureIsDrawnOnTheScreen) {
     });
 }
 
-TEST(Toolbar, ToolTipAndScreenReaderTellTheName) {
+TEST(Toolbar, ToolTipAndScreenReaderGiveTheName) {
     WithAllButtons([] {
         OnWindowThread([] {
             const std::vector<QToolButton*> buttons = Buttons();
@@ -546,7 +546,7 @@ TEST(Toolbar, DisconnectAsksUnlessConfirmExitIs0) {
     }
 }
 
-TEST(Toolbar, BarIsMadeAnewAfterEveryPressOfTheConnectButton) {
+TEST(Toolbar, BarIsRebuiltAfterEveryPressOfTheConnectButton) {
     FakeHost host;
     WithAllButtonsOnline(host, [&] {
         const auto bar = [] {
@@ -622,7 +622,7 @@ TEST(Toolbar, PressWhileDiallingSaysSoInTheTerminalAndHangsUp) {
     });
 }
 
-TEST(Toolbar, CommandsBesideTheButtonsDoNothing) {
+TEST(Toolbar, CommandsOutsideTheButtonsRangeDoNothing) {
     FakeHost host;
     WithAllButtonsOnline(host, [&] {
         for (const WPARAM id : {40020 + 27, 40069, 40070}) PostToMain(WM_COMMAND, id);
@@ -633,7 +633,7 @@ TEST(Toolbar, CommandsBesideTheButtonsDoNothing) {
     });
 }
 
-TEST(Toolbar, BarTakesPicturesOfTheResourcesAlone) {
+TEST(Toolbar, BarAcceptsOnlyPicturesOfTheResources) {
     WithAllButtons([] {
         OnWindowThread([] {
             const HWND bar = session.command_bar;
@@ -655,7 +655,7 @@ TEST(Toolbar, BarTakesPicturesOfTheResourcesAlone) {
     });
 }
 
-TEST(Toolbar, BarThatIsGoneTakesNothing) {
+TEST(Toolbar, DestroyedBarAcceptsNothing) {
     WithAllButtons([] {
         OnWindowThread([] {
             const HWND gone = session.command_bar;

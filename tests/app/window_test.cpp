@@ -87,7 +87,7 @@ TEST(Window, FollowingTheCursorBringsItIntoView) {
     });
 }
 
-TEST(Window, FollowingTheCursorHoldsForTheNegotiationsLinesToo) {
+TEST(Window, FollowingTheCursorIncludesTheNegotiationsLines) {
     FakeHost host;
     Stage stage;
     stage.width = 240, stage.height = 200;
@@ -102,7 +102,7 @@ TEST(Window, FollowingTheCursorHoldsForTheNegotiationsLinesToo) {
     });
 }
 
-TEST(Window, GlyphsStandOnTheCellGrid) {
+TEST(Window, GlyphsAreDrawnOnTheCellGrid) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\033[2J\033[H\033[7m" + std::string(80, ' ') +
@@ -240,7 +240,7 @@ Feet FeetOfFirstCell() {
     return feet;
 }
 
-TEST(Window, UnderlineStandsBelowTheLettersInEverySize) {
+TEST(Window, UnderlineIsBelowTheLettersInEverySize) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\033[2J\033[Hmmm");
@@ -261,7 +261,7 @@ TEST(Window, UnderlineStandsBelowTheLettersInEverySize) {
 }
 
 // The bars take their room from the status line and leave a corner between them.
-TEST(Window, BarsThatComeAndGoLeaveNothingOldOnTheScreen) {
+TEST(Window, BarsThatAppearAndDisappearLeaveNoOldPixels) {
     FakeHost host;
     WithSession(host, [&] {
         ResizeDevice(400, 258);  // as large as it is on a desktop

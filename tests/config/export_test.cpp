@@ -106,7 +106,7 @@ TEST_F(Export, NumbersAreDecimalAndWhole) {
     EXPECT_TRUE(HasLine(Exported(), "port = 4294967295"));
 }
 
-TEST_F(Export, TextsStandInQuotes) {
+TEST_F(Export, TextsAreQuoted) {
     StoreText("host", u" a  b ");
     EXPECT_TRUE(HasLine(Exported(), "host = \" a  b \""));
 }
@@ -136,7 +136,7 @@ TEST_F(Export, EmptyPasswordsAreNotNamed) {
     EXPECT_EQ(std::vector<std::string>(), Exported(false).left_out);
 }
 
-TEST_F(Export, WhatALineCannotHoldIsTold) {
+TEST_F(Export, ValuesThatALineCannotHoldAreReported) {
     StoreText("termtype", u"a\"b");
     StoreText("host", u"a\nb");
     StoreText("ras", u"\u03A9");
@@ -159,7 +159,7 @@ TEST_F(Export, NoLineIsLongerThanTheProgramReads) {
     EXPECT_EQ(1u, settings.unsaid.size());
 }
 
-TEST_F(Export, EmptyTextsThatAreEmptyAtFirstAreNoLoss) {
+TEST_F(Export, EmptyTextsWithAnEmptyDefaultAreNotReported) {
     for (const TextSetting& row : text_settings)
         EXPECT_EQ(row.fallback[0] == 0, IsEmptyAtFirst(row.name)) << row.name;
     for (int i = 0; i < 66; i++)
@@ -168,7 +168,7 @@ TEST_F(Export, EmptyTextsThatAreEmptyAtFirstAreNoLoss) {
     EXPECT_EQ(std::vector<std::string>(), Exported().unsaid);
 }
 
-TEST_F(Export, ADeviceWithoutSettingsHasNone) {
+TEST_F(Export, ADeviceWithoutSettingsExportsNothing) {
     SettingsExport result;
     EXPECT_FALSE(ExportSettings(DeviceRoot(), true, &result));
     EXPECT_FALSE(DeviceFileExists("registry.db"));

@@ -201,7 +201,7 @@ TEST_F(SettingsStore, AStringOfMoreThan80BytesIsTheDefault) {
     EXPECT_EQ(u"ogin", std::u16string(session.settings.sear1));
 }
 
-TEST_F(SettingsStore, EightyBytesWithoutTerminatorComeOutTerminated) {
+TEST_F(SettingsStore, EightyBytesWithoutTerminatorAreTerminated) {
     Store("termtype", REG_SZ, TextBytes(std::u16string(40, u'a')));
     EXPECT_EQ(std::u16string(39, u'a'), LoadedText("termtype"));
     LoadSettings();

@@ -87,7 +87,7 @@ TEST_F(ToolbarButtons, EachButtonHasItsRowsBitmapAndItsPositionsCommand) {
     }
 }
 
-TEST_F(ToolbarButtons, RowsBeyondTheMostAreDropped) {
+TEST_F(ToolbarButtons, RowsBeyondTheMaximumAreDropped) {
     StoreAll(7);
     LoadToolbars();
     for (const int most : {0, 1, 11, 26, 27, 28, INT32_MAX}) {
@@ -127,7 +127,7 @@ TEST_F(ToolbarButtons, ABarOfOneButtonHasItsTip) {
     EXPECT_EQ(Names{"swap toolbar"}, Tips());
 }
 
-TEST_F(ToolbarButtons, ABarThatIsNotThereShowsNoButtons) {
+TEST_F(ToolbarButtons, AnUnknownBarShowsNoButtons) {
     LoadToolbars();
     for (const int bar : {0, 4, -1, INT32_MAX, INT32_MIN}) EXPECT_EQ(0, Build(bar)) << bar;
 }
@@ -148,7 +148,7 @@ TEST_F(ToolbarButtons, WhileConnectedTheConnectButtonReadsDisconnect) {
     EXPECT_EQ(1540, command_bar.buttons[1].bitmap);
 }
 
-TEST_F(ToolbarButtons, WhatTheRegistryHoldsBesideThreeBitsIsNotShown) {
+TEST_F(ToolbarButtons, OnlyTheThreeLowBitsOfARegistryValueCount) {
     StoreAll(0xFFFFFFF8);
     StoreNumber("tbar3", 0xFFFFFFFF);
     Store("tbar4", REG_SZ, TextBytes(u"77"));  // '7' is 0x37
@@ -163,7 +163,7 @@ TEST_F(ToolbarButtons, WhatTheRegistryHoldsBesideThreeBitsIsNotShown) {
     EXPECT_EQ((Names{"paste", "larger font"}), Tips());
 }
 
-TEST_F(ToolbarButtons, ABarThatTakesNoMoreEndsThere) {
+TEST_F(ToolbarButtons, ABarThatRefusesAButtonGetsNoMore) {
     LoadToolbars();
     command_bar = {};
     command_bar.room = 3;

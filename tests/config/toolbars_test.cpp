@@ -215,7 +215,7 @@ TEST_F(Toolbars, APositionPastTheLastButtonHasNoAction) {
         EXPECT_EQ(0, ToolbarAction(position, 1)) << position;
 }
 
-TEST_F(Toolbars, ABarThatIsNotThereHasNoAction) {
+TEST_F(Toolbars, AnUnknownBarHasNoAction) {
     LoadToolbars();
     for (const int bar : {0, 4, -1, INT32_MAX, INT32_MIN})
         EXPECT_EQ(0, ToolbarAction(0, bar)) << bar;
@@ -229,7 +229,7 @@ TEST_F(Toolbars, ABarWithEveryFlagOffHasNoButtons) {
     EXPECT_EQ(27u, ActionsOnBar(3).size());
 }
 
-TEST_F(Toolbars, ARowOnNoBarIsNeverThere) {
+TEST_F(Toolbars, ARowOnNoBarHasNoButton) {
     StoreNumber("tbar6", 0);
     LoadToolbars();
     for (int bar = 1; bar <= 3; bar++) {

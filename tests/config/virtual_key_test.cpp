@@ -99,7 +99,7 @@ TEST_F(VirtualKeys, AToggledModifierCountsAsDown) {
     EXPECT_EQ(57, SentRow('5'));
 }
 
-TEST_F(VirtualKeys, TheGenericModifierCodesAreNotAsked) {
+TEST_F(VirtualKeys, TheGenericModifierCodesAreNotQueried) {
     key_states = {{VK_SHIFT, kKeyDown}, {VK_CONTROL, kKeyDown}, {VK_MENU, kKeyDown}};
     ExpectAllKeys(false, false);
 }

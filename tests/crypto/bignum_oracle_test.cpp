@@ -114,7 +114,7 @@ TEST_P(BignumOracle, LongExponentsOfAnyShapeAreExact) {
     }
 }
 
-TEST_P(BignumOracle, EqualOperandsZeroOneAllOnesAndPowersOfTwoMeetEachOther) {
+TEST_P(BignumOracle, EqualOperandsZeroOneAllOnesAndPowersOfTwoAreCombined) {
     std::vector<Number> numbers;
     for (int bits : {0, 1, 2, 15, 16, 17, 31, 32, 33, 64, 160, 1023, 1024, 1025, 2100}) {
         for (int shape = 1; shape < 6; shape++) numbers.push_back(RandomNumber(bits, shape));
@@ -130,7 +130,7 @@ TEST_P(BignumOracle, EqualOperandsZeroOneAllOnesAndPowersOfTwoMeetEachOther) {
     }
 }
 
-TEST_P(BignumOracle, OneNumberInEveryPlaceIsTakenForEach) {
+TEST_P(BignumOracle, OneNumberMayBeEveryOperand) {
     for (int bits = 1; bits <= kMaxBits && !HasFatalFailure(); bits++) {
         Number a = RandomNumber(bits, bits % 6);
         CheckProducts(a.get(), a.get(), a.get());
@@ -195,7 +195,7 @@ TEST(BignumSizes, ProductsAndQuotientsOfMoreThan16384WordsAreExact) {
     ExpectEqual(BignumMod(product.get(), a.get()), wanted, "the remainder");
 }
 
-TEST(BignumSizes, NumbersOfAllTheWordsThereAreMeetShorterOnes) {
+TEST(BignumSizes, NumbersOfTheMaximumWordsCombineWithShorterOnes) {
     const Number largest = RandomNumber(16 * kBignumMaxWords, 0);
     CheckDivision(largest.get(), RandomNumber(16 * (kBignumMaxWords - 40) - 7, 1).get());
     CheckDivision(largest.get(), RandomNumber(50, 0).get());

@@ -135,7 +135,7 @@ TEST(Bignum, SetBitSetsAndClears) {
     EXPECT_EQ(a.get()[1], 0x0001);
 }
 
-TEST(Bignum, CompareOfDifferentWordCountsLooksAtTheValueAlone) {
+TEST(Bignum, CompareOfDifferentWordCountsUsesOnlyTheValue) {
     Number a = Make(1, {7}), b = Make(3, {7, 0, 0}), c = Make(3, {7, 0, 1});
     EXPECT_EQ(BignumCompare(a.get(), b.get()), 0);
     EXPECT_EQ(BignumCompare(b.get(), a.get()), 0);
@@ -212,7 +212,7 @@ TEST(Bignum, ModSmallIsTheRemainder) {
     EXPECT_EQ(BignumModSmall(a.get(), 1), 0);
 }
 
-TEST(Bignum, ModHasTheWordsOfTheModulusAndDivThoseOfTheDividend) {
+TEST(Bignum, RemainderHasTheModulusWordCountAndQuotientTheDividends) {
     Number a = FromHexNumber("123456789abc"), m = Make(4, {0x100, 0, 0, 0});
     Number remainder(BignumMod(a.get(), m.get())), quotient(BignumDiv(a.get(), m.get()));
     EXPECT_EQ(remainder.get()[0], 4);
@@ -238,7 +238,7 @@ TEST(Bignum, ModulusIsShiftedByNothingWhenItsTopBitIsSetAndBy15AtMost) {
     }
 }
 
-TEST(Bignum, ResultsOfAllTheWordsThereAreFitAndLargerOnesAreNull) {
+TEST(Bignum, ResultsOfTheMaximumWordsFitAndLargerOnesAreNull) {
     Number largest = RandomNumber(16 * kBignumMaxWords, 1), two(BignumFromUint32(2));
     Number same(BignumMulAdd(largest.get(), BignumOne, BignumZero));
     ASSERT_NE(same, nullptr);

@@ -262,7 +262,7 @@ INSTANTIATE_TEST_SUITE_P(TripleDes, MonteCarlo,
                                  .append(std::to_string(std::get<1>(info.param)));
                          });
 
-TEST_P(MonteCarlo, EcbIsThatOfLibcrypto) {
+TEST_P(MonteCarlo, EcbMatchesLibcrypto) {
     ByteString block = FromHex("4e6f772069732074");
     for (int k = 0; k < kMonteKeys; k++) {
         DesContext contexts[3];
@@ -280,7 +280,7 @@ TEST_P(MonteCarlo, EcbIsThatOfLibcrypto) {
     }
 }
 
-TEST_P(MonteCarlo, CbcIsThatOfLibcrypto) {
+TEST_P(MonteCarlo, CbcMatchesLibcrypto) {
     ByteString input = FromHex("6d65206f6f6b2061"), iv = FromHex("1234567890abcdef");
     for (int k = 0; k < kMonteKeys; k++) {
         DesContext contexts[3];

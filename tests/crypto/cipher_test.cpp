@@ -137,7 +137,7 @@ static bool ModesAgree(int count) {
     return a == b;
 }
 
-TEST(TripleDes, ThreePassesEqualTheOuterChainOnOneBlockAlone) {
+TEST(TripleDes, ThreePassesEqualTheOuterChainForOneBlockOnly) {
     EXPECT_TRUE(ModesAgree(1));
     for (int count = 2; count < 6; count++) EXPECT_FALSE(ModesAgree(count)) << count;
 }
@@ -302,7 +302,7 @@ TEST_F(SshCiphers, OneCallAndManyCallsGiveTheSameBytes) {
     }
 }
 
-TEST_F(SshCiphers, NoLengthChangesNeitherBytesNorChains) {
+TEST_F(SshCiphers, ZeroAndNegativeLengthsChangeNeitherBytesNorChains) {
     auto check = [](const auto& cipher, auto start) {
         const ByteString text = RandomBytes(16);
         ByteString plain = text, disturbed = text, untouched = text;

@@ -110,7 +110,7 @@ TEST_F(MalformedDss, PrimeOrOrderBeyondTheLimitsIsRefused) {
 }
 
 // Composite, even and tiny moduli end in a refusal, not in a loop.
-TEST_F(MalformedDss, KeysThatAreNoKeysVerifyNothingAndEnd) {
+TEST_F(MalformedDss, InvalidKeysVerifyNothingAndReturn) {
     const ByteString name = SshString(FromHex("7373682d647373"));
     for (int round = 0; round < 2000; round++) {
         auto number = [](int bits) {
@@ -169,7 +169,7 @@ TEST_F(MalformedDss, SignatureCutShortOrStretchedIsRefused) {
     EXPECT_TRUE(Verify(key.get(), wrapped + RandomBytes(9), data));
 }
 
-TEST_F(MalformedDss, SignatureNameLengthOfEveryLieIsRefused) {
+TEST_F(MalformedDss, EveryFalseSignatureNameLengthIsRefused) {
     OwnedKey key = Parse(blob);
     for (uint32_t lie : kLies) {
         ByteString wrapped = WrapSignature(signature);
@@ -189,7 +189,7 @@ TEST_F(MalformedDss, NoBytesAndNegativeLengthsAreRefused) {
 
 // A number with its top bit set and no zero byte before it would be negative as an mpint; it is
 // taken as it stands. Zero bytes in front, of which an mpint has one at most, do no harm.
-TEST_F(MalformedDss, NumbersAreTakenAsUnsignedWhateverZerosStandBefore) {
+TEST_F(MalformedDss, NumbersAreUnsignedWithAnyLeadingZeros) {
     const ByteString name = SshString(FromHex("7373682d647373")), some = SshString({11});
     OwnedKey high = Parse(name + SshString({0xFF, 0x01}) + some + some + some);
     ASSERT_NE(high, nullptr);
@@ -202,7 +202,7 @@ TEST_F(MalformedDss, NumbersAreTakenAsUnsignedWhateverZerosStandBefore) {
 }
 
 // As many words as a number may have, and more.
-TEST_F(MalformedDss, NumbersOfHundredsOfThousandsOfBitsEndInAnAnswer) {
+TEST_F(MalformedDss, NumbersOfHundredsOfThousandsOfBitsAreDecided) {
     const ByteString name = SshString(FromHex("7373682d647373"));
     const ByteString p = SshString(FromHex("10001")), q = SshString(FromHex("fff1"));
     const ByteString huge = RandomBytes(2 * kBignumMaxWords);

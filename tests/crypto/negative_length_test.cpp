@@ -31,7 +31,7 @@ TEST(NegativeLength, IsAnEmptyMessageOfEveryHash) {
 }
 
 // In the midst of a message, with bytes waiting for the rest of their block.
-TEST(NegativeLength, LeavesAHashWhereItIs) {
+TEST(NegativeLength, LeavesAHashUnchanged) {
     const ByteString message = RandomBytes(100);
     for (int length : kNegative) {
         Sha1Context sha1;
@@ -84,7 +84,7 @@ TEST(NegativeLength, HasAChecksumOfZero) {
     for (int length : kNegative) EXPECT_EQ(Crc32(nullptr, length), 0u) << length;
 }
 
-TEST(NegativeLength, MakesNoNumber) {
+TEST(NegativeLength, GivesNoNumber) {
     const uint8_t bytes[4] = {0, 8, 1, 2};
     uint8_t room[4] = {9, 9, 9, 9};
     for (int length : kNegative) {
@@ -96,7 +96,7 @@ TEST(NegativeLength, MakesNoNumber) {
     }
 }
 
-TEST(NegativeLength, HoldsNoField) {
+TEST(NegativeLength, LetsAReaderTakeNoField) {
     const uint8_t bytes[8] = {};
     for (int length : kNegative) {
         ByteReader reader = ReaderOf(bytes, length);

@@ -123,7 +123,7 @@ TEST_F(DiffieHellman, ExponentWithoutABitCountComesFromTheBound) {
     }
 }
 
-TEST_F(DiffieHellman, BothSidesComeToTheSameSecret) {
+TEST_F(DiffieHellman, BothSidesReachTheSameSecret) {
     DhContext other = {};
     DhSetup(&other);
     Seed(1);
@@ -262,7 +262,7 @@ TEST_F(Dss, KeysOf2048And3072BitsVerify) {
 }
 
 // The same key modulo p: g and y may be sent with any multiple of it added.
-TEST_F(Dss, NumbersFarAboveThePrimeCountModuloIt) {
+TEST_F(Dss, NumbersFarAboveThePrimeAreReducedModuloIt) {
     const ByteString signature = Sign(peer, hash);
     for (Bignum* number : {&key->g, &key->y}) {
         const Number factor = RandomNumber(30000, 0);
@@ -327,7 +327,7 @@ TEST_F(Dss, SignatureOfAnotherNameIsRefused) {
     }
 }
 
-TEST_F(Dss, InnerSignatureLengthIsNotLookedAt) {
+TEST_F(Dss, InnerSignatureLengthIsIgnored) {
     ByteString wrapped = WrapSignature(Sign(peer, hash));
     for (size_t i = 0; i < 4; i++) wrapped[11 + i] = static_cast<uint8_t>(0xFF - i);
     EXPECT_TRUE(Verify(wrapped, hash));
@@ -428,7 +428,7 @@ TEST_P(RsaTest, MessageWithoutRoomForThePaddingIsRefusedAndKept) {
 }
 
 // A server key first, then its result with a longer host key.
-TEST(Rsa, TwoEncryptionsOneAfterTheOtherComeApartAgain) {
+TEST(Rsa, TwoEncryptionsInARowDecryptInReverseOrder) {
     RSA* inner = MakeRsaKey(768);
     RSA* outer = MakeRsaKey(1024);
     RsaKey keys[2] = {};

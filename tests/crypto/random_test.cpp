@@ -79,7 +79,7 @@ TEST(Random, SequenceIsThatOfTheRuntimeLibrarySeededWithTheRemainder) {
 }
 
 // The runtime library's own zeros are too rare to meet.
-TEST(Random, NonZeroDrawsAgainUntilItIsNoZero) {
+TEST(Random, NonZeroDrawsAgainUntilItIsNotZero) {
     scripted_draws = {0, 7, 0, 0, 0, 32767, 1};
     EXPECT_EQ(RandomNonZero(), 7);
     EXPECT_EQ(RandomNonZero(), 32767);

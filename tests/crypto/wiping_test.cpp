@@ -195,7 +195,7 @@ TEST(StackWiping, HmacLeavesNeitherKeyNorPadsNorPreparedContexts) {
 }
 
 // A MAC that the sender does not have would let a forger do without the key.
-TEST(StackWiping, MacThatWasExpectedIsNotLeftWhereAnotherCame) {
+TEST(StackWiping, ExpectedMacIsNotLeftAfterAMismatch) {
     const ByteString key = RandomBytes(20);
     static uint8_t packet[120];
     kHmacSha1.setOutgoingKey(key.data());

@@ -123,7 +123,7 @@ TEST_F(DemoHost, MenuNamesTheTerminalType) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, MenuNumbersStandAfterABlankAndBeforeAFullStop) {
+TEST_F(DemoHost, MenuNumbersFollowABlankAndPrecedeAFullStop) {
     Client client = Connect(host);
     ASSERT_NE(LogIn(client), kNowhere);
     for (int number = 0; number <= 12; ++number) {
@@ -136,7 +136,7 @@ TEST_F(DemoHost, MenuNumbersStandAfterABlankAndBeforeAFullStop) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, UnknownChoiceIsSaidAndAskedAgain) {
+TEST_F(DemoHost, UnknownChoiceIsReportedAndAskedAgain) {
     Client client = Connect(host);
     const size_t said = OpenPage(client, "99", "There is no such choice.");
     ASSERT_NE(said, kNowhere);
@@ -237,7 +237,7 @@ TEST_F(DemoHost, FastStreamSendsEveryLineInOrder) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, FastStreamIsLeftInTheMiddleByAKey) {
+TEST_F(DemoHost, AKeyStopsTheFastStream) {
     Client client = Connect(host, 4096);
     const size_t first = OpenPage(client, "6", "00001  HS-1001");
     ASSERT_NE(first, kNowhere);
@@ -247,7 +247,7 @@ TEST_F(DemoHost, FastStreamIsLeftInTheMiddleByAKey) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, SlowReaderHoldsUpNobodyAndLosesNothing) {
+TEST_F(DemoHost, SlowReaderDelaysNoOtherSessionAndLosesNothing) {
     Client slow = Connect(host, 4096);
     ASSERT_NE(LogIn(slow), kNowhere);
     Send(slow, "6\r");
@@ -290,7 +290,7 @@ TEST_F(DemoHost, KeysPageShowsTheBytesOfEachKey) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, FormTakesFieldsAndInsistsOnANumber) {
+TEST_F(DemoHost, FormTakesFieldsAndRequiresANumber) {
     Client client = Connect(host);
     size_t at = OpenPage(client, "9", "Delivery note");
     ASSERT_NE(at, kNowhere);
@@ -305,7 +305,7 @@ TEST_F(DemoHost, FormTakesFieldsAndInsistsOnANumber) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, ShipListTellsOfTheShipAndOfNoSuchShip) {
+TEST_F(DemoHost, ShipListShowsAShipAndReportsAnUnknownOne) {
     Client client = Connect(host);
     size_t at = OpenPage(client, "10", "Choice: ");
     ASSERT_NE(at, kNowhere);
@@ -327,7 +327,7 @@ TEST_F(DemoHost, LogOutClosesTheSession) {
     ExpectServes(host);
 }
 
-TEST_F(DemoHost, AnyBytesLeaveItServing) {
+TEST_F(DemoHost, RandomBytesDoNotStopItsService) {
     std::mt19937 random(7);
     for (int round = 0; round < 12; ++round) {
         Client client = Connect(host);
@@ -363,7 +363,7 @@ TEST_F(DemoHost, OverlongLineIsCut) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, TwentySessionsAtOnceAreKeptApart) {
+TEST_F(DemoHost, TwentySessionsAtOnceAreIndependent) {
     std::vector<Client> clients;
     for (int i = 0; i < 20; ++i) {
         clients.push_back(Connect(host));

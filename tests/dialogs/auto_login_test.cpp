@@ -62,7 +62,7 @@ TEST_P(AutoLoginField, OkStoresItAsTyped) {
     TypeAndClose(GetParam(), u"pass\\012 \\\\", IDOK, u"pass\\012 \\\\");
 }
 
-TEST_P(AutoLoginField, CancelKeepsWhatItWas) {
+TEST_P(AutoLoginField, CancelKeepsTheOldText) {
     TypeAndClose(GetParam(), u"other", IDCANCEL, GetParam().fallback);
 }
 

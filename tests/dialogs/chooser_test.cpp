@@ -59,7 +59,7 @@ void ExpectButtonsInSight() {
     }
 }
 
-TEST(ChooserOnAnyDesktop, OkAndCancelAreAlwaysInSight) {
+TEST(ChooserOnAnyDesktop, OkAndCancelAreAlwaysVisible) {
     for (const auto& [width, height] : {std::pair(240, 320), {320, 240}, {400, 258}}) {
         OnDevice(width, height, [] {
             OpenChooser();
@@ -102,7 +102,7 @@ TEST(ChooserOnAnyDesktop, NothingIsCutOffSideways) {
 }
 
 // The device may be smaller than the chooser; the desktop is not.
-TEST(Chooser, IsShownWholeWhereTheDesktopHasRoom) {
+TEST(Chooser, IsShownWholeOnALargeEnoughDesktop) {
     for (const auto& [width, height] : {std::pair(240, 320), {400, 258}}) {
         OnDevice(width, height, [] {
             OpenChooser();

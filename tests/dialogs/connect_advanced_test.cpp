@@ -69,7 +69,7 @@ const MarkCase kMarks[] = {
 
 class AdvancedMark : public testing::TestWithParam<MarkCase> {};
 
-TEST_P(AdvancedMark, OkStoresTheTurnedMarkAndNoOther) {
+TEST_P(AdvancedMark, OkStoresOnlyTheToggledMark) {
     const MarkCase& mark = GetParam();
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
@@ -223,7 +223,7 @@ TEST(ConnectAdvanced, ClosesWithMinusOneByEitherButtonAndReturnsToConnect) {
     });
 }
 
-TEST(ConnectAdvanced, WhatOkHasTakenStaysWhenConnectIsCancelled) {
+TEST(ConnectAdvanced, ValuesTakenByOkStayWhenConnectIsCancelled) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const Advanced advanced = OpenAdvanced();
@@ -238,7 +238,7 @@ TEST(ConnectAdvanced, WhatOkHasTakenStaysWhenConnectIsCancelled) {
     EXPECT_EQ(StoredNumber(stage.root, "xbox"), 1u) << "saved at the program's end";
 }
 
-TEST(ConnectAdvanced, ProtocolsTakeEachOthersMark) {
+TEST(ConnectAdvanced, SelectingAProtocolClearsTheOther) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         Advanced advanced = OpenAdvanced();
@@ -263,7 +263,7 @@ TEST(ConnectAdvanced, ProtocolsTakeEachOthersMark) {
     });
 }
 
-TEST(ConnectAdvanced, CiphersTakeEachOthersMarkAndLeaveTheProtocol) {
+TEST(ConnectAdvanced, SelectingACipherClearsTheOtherAndLeavesTheProtocol) {
     const int ids[] = {IDC_DES, IDC_TRIPLE_DES, IDC_BLOWFISH};
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
@@ -317,7 +317,7 @@ TEST(ConnectAdvanced, MarksOutOfRangeAreMarkedAndBecomeOne) {
     });
 }
 
-TEST(ConnectAdvanced, StandsAt20And20) {
+TEST(ConnectAdvanced, OpensAtPosition20And20) {
     RunProgram(FreshStage(), [] {
         const RECT place = Place(OpenAdvanced().dialog);
         EXPECT_EQ(place.left, 20);

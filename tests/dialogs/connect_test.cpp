@@ -76,7 +76,7 @@ TEST(ConnectDialog, OkStoresTheHostAndPutsItFirstInTheHistory) {
     });
 }
 
-TEST(ConnectDialog, OkSavesBeforeTheConnectionIsBegun) {
+TEST(ConnectDialog, OkSavesBeforeTheConnectionStarts) {
     const Stage stage = StageWithHistory(0);
     RunProgram(stage, [&] {
         const HWND dialog = OpenConnect();
@@ -107,7 +107,7 @@ TEST(ConnectDialog, OkConnects) {
     });
 }
 
-TEST(ConnectDialog, CancelChangesNothingAndLeavesMinusOne) {
+TEST(ConnectDialog, CancelChangesNothingAndTheResultIsMinusOne) {
     const Stage stage = StageWithHistory(1);
     RunProgram(stage, [&] {
         const HWND dialog = OpenConnect();
@@ -152,7 +152,7 @@ TEST(ConnectDialog, CancelAfterAnOkDoesNotConnectAgain) {
     });
 }
 
-TEST(ConnectDialog, OkAfterCancelDoesNotLeaveMinusOne) {
+TEST(ConnectDialog, AfterOkTheResultIsNoLongerMinusOne) {
     RunProgram(StageWithHistory(0), [&] {
         HWND dialog = OpenConnect();
         ClickControl(dialog, IDCANCEL);

@@ -75,7 +75,7 @@ TEST(DefaultButton, ATapLeavesTheKeyboardInTheFieldBefore) {
 class EachDefaultButton : public testing::TestWithParam<DialogCase> {};
 
 // The one with the focus; where the focus is elsewhere, the template's.
-TEST_P(EachDefaultButton, IsDrawnAsSuchAloneWhereverTheFocusIs) {
+TEST_P(EachDefaultButton, IsTheOnlyOneDrawnAsDefaultWhereverTheFocusIs) {
     RunProgram(FreshStage(), [] {
         const HWND dialog = GetParam().open();
         for (const int id : GetParam().tabs) {

@@ -144,7 +144,7 @@ TEST(ChangeKey, CancelChangesNothing) {
     });
 }
 
-TEST(ChangeKey, WhatOkHasTakenStaysWhenTheSheetIsCancelled) {
+TEST(ChangeKey, TextTakenByOkStaysWhenTheSheetIsCancelled) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const OpenSheet open = OpenKeyboard();
@@ -246,7 +246,7 @@ TEST(ChangeKey, ARowWithoutATextOpensEmptyAndCanBeGivenOne) {
     });
 }
 
-TEST(ChangeKey, StandsOverTheMiddleOfTheSheetOrAtItsCorner) {
+TEST(ChangeKey, IsCentredOverTheSheetOrPlacedAtItsCorner) {
     RunProgram(FreshStage(), [] {
         const OpenSheet open = OpenKeyboard();
         const RECT change = Place(OpenChange(open));

@@ -79,7 +79,7 @@ bool HalfSaved(const std::string& root) {
 
 class KilledInSaving : public testing::TestWithParam<unsigned> {};
 
-TEST_P(KilledInSaving, LeavesEachValueOldOrNewAndTheFileSound) {
+TEST_P(KilledInSaving, LeavesEachValueOldOrNewAndTheFileIntact) {
     const std::string root = FreshRoot();
     std::mt19937 random(GetParam());
     std::uniform_int_distribution<int> moment(0, 120000);

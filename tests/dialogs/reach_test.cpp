@@ -63,7 +63,7 @@ std::vector<QWidget*> TabRound() {
 
 class EachSmallDialog : public testing::TestWithParam<DialogCase> {};
 
-TEST_P(EachSmallDialog, TabBringsEveryControlIntoSight) {
+TEST_P(EachSmallDialog, TabScrollsEveryControlIntoView) {
     for (const bool turned : {false, true}) {
         RunProgram(SmallDevice(turned), [] {
             GetParam().open();
@@ -110,7 +110,7 @@ class OnEachScreen : public testing::TestWithParam<QSize> {
 };
 
 // Three lists share the width; what is too long for one goes on in a second line.
-TEST_P(OnEachScreen, NamesOfTheToolbarsStandWholeBesideTheirMarks) {
+TEST_P(OnEachScreen, ToolbarNamesAreShownWholeBesideTheirMarks) {
     RunProgram(Device(), [] {
         ClickTab(OpenDialog(IDM_PROPERTIES, "Properties"), "Toolbar");
         for (const int id : {IDC_BAR1, IDC_BAR2, IDC_BAR3}) {
@@ -149,7 +149,7 @@ void ExpectNothingBelowTheLastLine(QListWidget* list) {
                 << x << "," << y << " below " << end;
 }
 
-TEST_P(OnEachScreen, NoLineOfTheToolbarsIsSeenInPart) {
+TEST_P(OnEachScreen, NoLineOfTheToolbarsIsPartlyVisible) {
     RunProgram(Device(), [] {
         ClickTab(OpenDialog(IDM_PROPERTIES, "Properties"), "Toolbar");
         for (const int id : {IDC_BAR1, IDC_BAR2, IDC_BAR3}) {
@@ -190,7 +190,7 @@ INSTANTIATE_TEST_SUITE_P(Each, OnEachScreen,
                          });
 
 // The one line of the keystroke has no room for a bar.
-TEST(SmallDevice, ALongKeystrokeStaysInSight) {
+TEST(SmallDevice, ALongKeystrokeStaysVisible) {
     RunProgram(SmallDevice(), [] {
         OnWindowThread(
             [] { SetKeyText(&key_map[0], u"\\033[01;02;03;04;05;06;07;08;09;10;11;12m"); });
@@ -205,7 +205,7 @@ TEST(SmallDevice, ALongKeystrokeStaysInSight) {
 }
 
 // The longest texts that the program shows, and its longest question.
-TEST(SmallDevice, MessageBoxesStandOnTheScreenWithTheirTextsWhole) {
+TEST(SmallDevice, MessageBoxesFitTheScreenWithTheirWholeTexts) {
     static const char16_t* const kTexts[] = {
         u"I am busy making a connection. Do you want to cancel the request",
         u"RAS Dial has failed. Check your network configuration (633)",

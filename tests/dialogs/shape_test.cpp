@@ -107,7 +107,7 @@ TEST_P(EachDialog, HasItsControlsInOrderWithTheirNumbersAndLabels) {
     });
 }
 
-TEST(Templates, StandUnderTheirNumbers) {
+TEST(Templates, AreFoundByTheirNumbers) {
     const struct {
         int number;
         const char16_t* caption;
@@ -203,7 +203,7 @@ TEST_P(EachDialog, ControlsDoNotOverlap) {
 
 class CentredDialog : public testing::TestWithParam<DialogCase> {};
 
-TEST_P(CentredDialog, StandsOverTheMiddleOfTheMainWindow) {
+TEST_P(CentredDialog, IsCentredOverTheMainWindow) {
     for (const auto& [width, height] : {std::pair(640, 400), {240, 400}, {150, 100}}) {
         RunProgram(FreshStage(width, height), [] {
             const RECT place = Place(GetParam().open());

@@ -63,7 +63,7 @@ TEST(SignOn, OkTakesUserPasswordAndMark) {
     EXPECT_EQ(StoredNumber(stage.root, "ssh_def"), 1u);
 }
 
-TEST(SignOn, CancelIsToldByTheMarkerAlone) {
+TEST(SignOn, OnlyDialogResultReportsCancel) {
     const Stage stage = StageWith(u"berta", u"old", 1);
     RunProgram(stage, [&] {
         const HWND dialog = OpenSignOn();

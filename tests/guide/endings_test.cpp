@@ -102,7 +102,7 @@ TEST(Endings, LimitsOfTheServerAreThoseOfThePage) {
     }
 }
 
-TEST(Endings, NobodyWhoListensIsSaidAtOnce) {
+TEST(Endings, MissingListenerIsReportedAtOnce) {
     const int port = FreePort();
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", port);
@@ -114,7 +114,7 @@ TEST(Endings, NobodyWhoListensIsSaidAtOnce) {
 // ---------------------------------------------------------------- nothing in common
 
 // Each row of the page's table: the log has its words, and the line that it names is the cure.
-TEST(Endings, LogOfTheServerSaysWhatIsMissing) {
+TEST(Endings, LogOfTheServerShowsWhatIsMissing) {
     const auto rows = HostsPage().tables.find("An SSH server");
     ASSERT_NE(rows, HostsPage().tables.end());
     ASSERT_EQ(rows->second.size(), 4u);
@@ -190,7 +190,7 @@ TEST(Endings, ServerWhoseFirstPacketComesWithItsGreetingStaysOnline) {
     });
 }
 
-TEST(Endings, HostThatSaysNothingLeavesARequest) {
+TEST(Endings, SilentHostLeavesARequestPending) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);
@@ -204,7 +204,7 @@ TEST(Endings, HostThatSaysNothingLeavesARequest) {
     });
 }
 
-TEST(Endings, StoppedLineGoesOnWithCtrlQ) {
+TEST(Endings, StoppedOutputContinuesWithCtrlQ) {
     const Host host = SshHost();
     HostMachine machine(host);
     START_OR_SKIP(machine);

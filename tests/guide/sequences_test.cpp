@@ -111,7 +111,7 @@ TEST(SequencesPage, Vt52SequencesAreThoseOfTheTable) {
     EXPECT_EQ(PageNames("VT52 mode"), Escapes(true));
 }
 
-TEST(SequencesPage, SevenAndEightBitRepliesAloneAreMissingInVt52Mode) {
+TEST(SequencesPage, OnlySevenAndEightBitRepliesAreMissingInVt52Mode) {
     std::set<std::string> missing;
     for (const SourceRow& row : ReadTable("escape_sequences.cpp", "kEscapeRows")) {
         if (row.fields[2] == "kNothing") missing.insert(row.fields[0]);
@@ -270,7 +270,7 @@ TEST(SequencesPage, AttributesThatItDoesNotListDoNothing) {
     }
 }
 
-TEST(SequencesPage, ReportsAreSentAsItHasThem) {
+TEST(SequencesPage, ReportsAreSentAsItListsThem) {
     int reports = 0;
     for (const PageRow& row : SequencesPage().tables.at("Reports")) {
         const std::string request = BytesOf(CodeOf(row[0]).at(0));

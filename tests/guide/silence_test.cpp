@@ -205,7 +205,7 @@ void ConnectByTheMenu() {
     ASSERT_TRUE(Closed(dialog));
 }
 
-TEST(Silence, DisconnectAndConnectBeginAnew) {
+TEST(Silence, DisconnectAndConnectStartOver) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\x1b[?25l\x1b[4;20h\x1b(0\x1b[3;9r\x1b[7;9H\x1bPsilence");
@@ -245,7 +245,7 @@ TEST(Silence, NonsenseOfEachKindIsGoneAfterAnotherConnect) {
     });
 }
 
-TEST(Silence, NegotiationThatWasNoneOutlivesTheSessionUntilTheByte240) {
+TEST(Silence, FalseNegotiationOutlivesTheSessionUntilTheByte240) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\xff\xfa\x18silence");

@@ -82,7 +82,7 @@ TEST(Entry, Quill7DiffersInTheEightBitKeysAlone) {
     }
 }
 
-TEST(Entry, InitialisingPutsAllModesRightAndLeavesTheScreen) {
+TEST(Entry, InitialisingResetsAllModesAndKeepsTheScreen) {
     EXPECT_EQ("", LeftByInitialising(quill));
 }
 

@@ -132,7 +132,7 @@ TEST_F(ModemDial, ConnectsAndTheSessionBeginsAndHangingUpReachesTheModem) {
     EXPECT_EQ(modem.Heard(), "ATZ ATDT5551234 +++ ATH ");
 }
 
-TEST_F(ModemDial, EveryRefusalOfTheModemIsTold) {
+TEST_F(ModemDial, EveryRefusalOfTheModemIsReported) {
     for (const char* answer : {"BUSY", "NO CARRIER", "NO ANSWER", "NO DIALTONE"}) {
         Modem modem(answer);
         RunProgram({}, [&] {
@@ -180,7 +180,7 @@ TEST_F(ModemDial, HangingUpWhileTheModemStillDials) {
     EXPECT_EQ(modem.Heard(), "ATZ ATDT5551234 +++ ATH ");
 }
 
-TEST_F(ModemDial, TheRealPppdWithoutPppInTheKernelIsTold) {
+TEST_F(ModemDial, TheRealPppdWithoutPppInTheKernelIsReported) {
     if (geteuid() != 0) GTEST_SKIP() << "needs root for a name space";
     if (std::filesystem::exists("/dev/ppp")) GTEST_SKIP() << "this kernel has PPP";
     services_test_hooks.dial_up_program = QUILL_PEERS "/real_pppd.sh";

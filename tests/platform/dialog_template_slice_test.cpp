@@ -86,7 +86,7 @@ TEST(DialogTemplates, AnyChangedByteIsReadWithinTheBounds) {
     }
 }
 
-TEST(DialogTemplates, MoreItemsThanThereAreAreRefused) {
+TEST(DialogTemplates, ACountAboveTheItemsPresentIsRefused) {
     const Bytes whole = TemplateBytes(100);
     std::vector<uint8_t> bytes(whole.data, whole.data + whole.size);
     bytes[8] = 0xFF;  // how many items

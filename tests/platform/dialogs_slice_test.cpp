@@ -206,7 +206,7 @@ TEST_F(DialogSlice, ArrowsMoveTheMarkWithinTheGroup) {
     });
 }
 
-TEST_F(DialogSlice, LettersLeadToTheirControls) {
+TEST_F(DialogSlice, AccessLettersFocusTheirControls) {
     On(kEverything, [] {
         DialogWidgetOf(kFont)->setFocus();
         PressMnemonic('n');
@@ -230,7 +230,7 @@ TEST_F(DialogSlice, ControlsAreNamedByTheirLabels) {
     });
 }
 
-TEST_F(DialogSlice, LabelsShowWhatTheySay) {
+TEST_F(DialogSlice, LabelsShowAmpersandsAndNameTheirControls) {
     On(kEverything, [] {
         const auto* hint = qobject_cast<QLabel*>(DialogWidgetOf(kHint));
         ASSERT_NE(nullptr, hint);
@@ -293,7 +293,7 @@ TEST_F(DialogSlice, TextOutsideTheCodePageIsTyped) {
     });
 }
 
-TEST_F(DialogSlice, ClicksReachTheProcedureInTheirTurn) {
+TEST_F(DialogSlice, ClicksReachTheProcedureInOrder) {
     On(kEverything, [] {
         EXPECT_TRUE(ClickControl(kPlain));
         EXPECT_TRUE(ClickControl(kAutomatic));
@@ -316,7 +316,7 @@ TEST_F(DialogSlice, GroupBoxLetsClicksThrough) {
     });
 }
 
-TEST_F(DialogSlice, ListTellsOfSelectionAndDoubleTap) {
+TEST_F(DialogSlice, ListNotifiesOfSelectionAndDoubleTap) {
     g_on_init = [](HWND dialog) { Fill(dialog, kFont, LB_ADDSTRING, {u"one", u"two", u"three"}); };
     On(kEverything, [] {
         ClickEntry(kFont, 1);
@@ -330,7 +330,7 @@ TEST_F(DialogSlice, ListTellsOfSelectionAndDoubleTap) {
     });
 }
 
-TEST_F(DialogSlice, ListBreaksWideEntriesOnceItIsTold) {
+TEST_F(DialogSlice, ListWrapsWideEntriesOnceItHasAnExtent) {
     g_on_init = [](HWND dialog) {
         Fill(dialog, kFont, LB_ADDSTRING, {u"an entry that is wider than the list by far"});
     };
@@ -401,7 +401,7 @@ TEST_F(DialogSlice, ComboIsChosenFromAndTypedOver) {
     });
 }
 
-TEST_F(DialogSlice, InnerOneIsOnTopUntilItCloses) {
+TEST_F(DialogSlice, InnerDialogIsOnTopUntilItCloses) {
     g_on_advanced = [](HWND outer) { EXPECT_EQ(IDCANCEL, Show(kExtended, outer)); };
     EXPECT_EQ(IDOK, On(kEverything, [] {
                   const HWND outer = ShownDialog();
@@ -439,7 +439,7 @@ TEST_F(DialogSlice, ModalLoopSeesItsEndAtOnce) {
     EXPECT_EQ(5u, message.wParam);
 }
 
-TEST_F(DialogSlice, MessageBoxStandsOverTheDialog) {
+TEST_F(DialogSlice, MessageBoxOpensOverTheDialog) {
     On(kEverything, [] {
         QTimer::singleShot(0, [] {
             ASSERT_NE(nullptr, ShownMessageBox());
@@ -538,7 +538,7 @@ TEST_F(DialogSlice, TabsAreNamedByTemplateOrTitle) {
               }));
 }
 
-TEST_F(DialogSlice, TabsTurnThePagesInTheirTurn) {
+TEST_F(DialogSlice, TabsSwitchPagesFromTheMessageQueue) {
     EXPECT_EQ(0, ShowSheet([] {
                   TurnPage(1);
                   EXPECT_EQ(0, Tabs()->currentIndex());

@@ -43,7 +43,7 @@ TEST(FramePace, InAStreamNoTwoAreCloserThanAFramesTime) {
     }
 }
 
-TEST(FramePace, WhatIsHeldBackComesWhenItsTimeIsThere) {
+TEST(FramePace, DelayedFrameComesWhenItIsDue) {
     FramePace pace;
     FramesIn(&pace, 0, 100);
     const qint64 wait = NanosecondsToFrame(pace, 100 * kMillisecond);
@@ -52,7 +52,7 @@ TEST(FramePace, WhatIsHeldBackComesWhenItsTimeIsThere) {
     EXPECT_EQ(0, NanosecondsToFrame(pace, 100 * kMillisecond + wait));
 }
 
-TEST(FramePace, ARestOrAKeyLetsAFewComeAtOnceAgain) {
+TEST(FramePace, APauseOrAKeyAllowsAFewAtOnceAgain) {
     FramePace pace;
     FramesIn(&pace, 0, 200);
     EXPECT_EQ(kFramesAtOnce, FramesIn(&pace, 300 * kMillisecond, 4));
@@ -101,7 +101,7 @@ class Frames : public WindowTest {
 
 }  // namespace
 
-TEST_F(Frames, OneFramePaintsAllThatIsInvalidBeforeWhatIsPostedMeanwhile) {
+TEST_F(Frames, OneFramePaintsAllInvalidWindowsBeforeNewMessages) {
     PaintAndDo([](HWND window) { PostMessageW(window, kTestMessage, 0, 0); });
     InvalidateAll();
     RunUntilIdle();
@@ -138,7 +138,7 @@ TEST_F(Frames, AWindowThatIsNeverValidIsPaintedOnceAFrameAndStarvesNobody) {
     PaintAndDo([](HWND) {});
 }
 
-TEST_F(Frames, WhatIsHeldBackIsPaintedInTheEnd) {
+TEST_F(Frames, DelayedPaintsAreNeverLost) {
     PaintAndDo([](HWND) {});
     for (int i = 0; i < 10; i++) {
         InvalidateAll();
@@ -153,7 +153,7 @@ TEST_F(Frames, WhatIsHeldBackIsPaintedInTheEnd) {
 }
 
 // Nothing else wakes the queue. Should the frame not come, a timer does, and is then in the queue.
-TEST_F(Frames, WhatIsHeldBackWakesTheSleepingQueue) {
+TEST_F(Frames, DelayedPaintWakesTheSleepingQueue) {
     PaintAndDo([](HWND) {});
     SetTimer(top, 7, 3000, nullptr);
     MSG message = {};

@@ -55,7 +55,7 @@ class Gathering : public testing::Test {
     int listener_ = -1;
 };
 
-TEST_F(Gathering, WhatComesAfterARestGoesOutAtOnce) {
+TEST_F(Gathering, DataAfterAPauseIsSentAtOnce) {
     Send('a');
     EXPECT_TRUE(AtOnce());
     Rest();
@@ -65,7 +65,7 @@ TEST_F(Gathering, WhatComesAfterARestGoesOutAtOnce) {
 
 // The run is sent so fast that no rest comes into it, but on a machine that stands still for a
 // moment.
-TEST_F(Gathering, ALongRunIsGatheredUntilTheNextRest) {
+TEST_F(Gathering, ALongRunIsGatheredUntilTheNextPause) {
     for (int tries = 0; tries < 100 && (tries == 0 || AtOnce()); tries++)
         for (int i = 0; i <= kSentAtOnce; i++) Send(static_cast<char>('a' + i));
     EXPECT_FALSE(AtOnce());
@@ -74,7 +74,7 @@ TEST_F(Gathering, ALongRunIsGatheredUntilTheNextRest) {
     EXPECT_TRUE(AtOnce());
 }
 
-TEST_F(Gathering, NothingIsLostOrTurnedRound) {
+TEST_F(Gathering, NothingIsLostOrReordered) {
     for (int i = 0; i < 1000; i++) {
         Send(static_cast<char>(i));
         if (i % 250 == 0) Rest();

@@ -56,7 +56,7 @@ class Glyphs : public WindowTest {
 
 }  // namespace
 
-TEST_F(Glyphs, ThoseThatLeaveTheirCellAreCutOffAtIt) {
+TEST_F(Glyphs, AreClippedToTheirCell) {
     child = Child(1, 0, 0, 0, 100, 60);
     font = SlantedFont(40);
     HDC dc = GetDC(child);

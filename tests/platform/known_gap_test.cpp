@@ -41,7 +41,7 @@ TEST(KnownGapMark, OfAnotherSystemDoesNothing) {
     EXPECT_EQ("", ResultsOf([] { const KnownGap gap(false, "reason"); }));
 }
 
-TEST(KnownGapMark, StandsOnExactlyOneSystem) {
+TEST(KnownGapMark, AppliesToExactlyOneSystem) {
     const TestPlatform here = PlatformOfTests();
     EXPECT_NE(here.slice, here.windows);
     EXPECT_TRUE(here.windows || !here.wine);

@@ -64,7 +64,7 @@ TEST_F(DialUpEntries, ComeInOrder) {
     EXPECT_EQ(2 * sizeof(RASENTRYNAMEW), size);
 }
 
-TEST_F(DialUpEntries, NoneAreNoError) {
+TEST_F(DialUpEntries, NoEntriesAreNoError) {
     EXPECT_EQ(0u, Enumerate(5));
     EXPECT_EQ(0u, count);
     fs::remove_all(services_test_hooks.dial_up_folder);
@@ -72,7 +72,7 @@ TEST_F(DialUpEntries, NoneAreNoError) {
     EXPECT_EQ(0u, count);
 }
 
-TEST_F(DialUpEntries, WithoutTheProgramThatDialsNoneIsListed) {
+TEST_F(DialUpEntries, WithoutTheDialProgramNothingIsListed) {
     Make("provider");
     services_test_hooks.dial_up_program = services_test_hooks.dial_up_folder + "/pppd";
     EXPECT_EQ(0u, Enumerate(5));
@@ -83,7 +83,7 @@ TEST_F(DialUpEntries, WithoutTheProgramThatDialsNoneIsListed) {
     EXPECT_EQ(2u, count);
 }
 
-TEST_F(DialUpEntries, TooLittleRoomGivesTheSizeAndTheFirst) {
+TEST_F(DialUpEntries, TooSmallABufferGivesTheSizeAndTheFirst) {
     for (const char* name : {"a", "b", "c"}) Make(name);
     EXPECT_EQ(static_cast<DWORD>(ERROR_BUFFER_TOO_SMALL), Enumerate(1));
     EXPECT_EQ(3 * sizeof(RASENTRYNAMEW), size);
@@ -94,7 +94,7 @@ TEST_F(DialUpEntries, TooLittleRoomGivesTheSizeAndTheFirst) {
     EXPECT_EQ(3 * sizeof(RASENTRYNAMEW), size);
 }
 
-TEST_F(DialUpEntries, BackupsHiddenFilesAndLongNamesAreNone) {
+TEST_F(DialUpEntries, BackupsHiddenFilesAndLongNamesAreNotListed) {
     for (const char* name :
          {".hidden", "peer~", "peer.bak", "peer.dpkg-old", "#peer#", "name-of-21-characters"})
         Make(name);
@@ -106,7 +106,7 @@ TEST_F(DialUpEntries, BackupsHiddenFilesAndLongNamesAreNone) {
 }
 
 // Its name could not be given to the program as it is.
-TEST_F(DialUpEntries, AFileWhoseNameIsNoTextIsNone) {
+TEST_F(DialUpEntries, AFileWhoseNameIsNoTextIsNotListed) {
     Make("caf\xe9");
     Make("caf\xc3\xa9");
     EXPECT_EQ(0u, Enumerate(5));
@@ -115,7 +115,7 @@ TEST_F(DialUpEntries, AFileWhoseNameIsNoTextIsNone) {
     EXPECT_EQ(623u, Fetch(u"caf\ufffd"));
 }
 
-TEST_F(DialUpEntries, OddNamesArePlainOnes) {
+TEST_F(DialUpEntries, OddNamesAreTakenLiterally) {
     const std::pair<const char*, const char16_t*> names[] = {
         {"\nline", u"\nline"}, {" ", u" "},       {"%s%n", u"%s%n"}, {"-x", u"-x"},
         {"..x", u"..x"},       {"a..b", u"a..b"}, {"\\", u"\\"},     {"'\"", u"'\""}};
@@ -133,7 +133,7 @@ TEST_F(DialUpEntries, WrongStructureSizeIsRefused) {
               RasEnumEntries(nullptr, nullptr, &entry, nullptr, &count));
 }
 
-TEST_F(DialUpEntries, ParametersAreThereForEntriesAlone) {
+TEST_F(DialUpEntries, ParametersExistForEntriesOnly) {
     Make("provider");
     Make("it's \"home\"; $(x)");
     fs::create_directory(services_test_hooks.dial_up_folder + "/folder");

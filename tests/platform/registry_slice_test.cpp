@@ -162,7 +162,7 @@ TEST_F(RegistryFileOnDisk, ProcessKilledInTheMiddleOfASaveLeavesEachValueOldOrNe
     munmap(progress, sizeof(*progress));
 }
 
-TEST_F(RegistryFileOnDisk, ProcessKilledAtItsFirstStepsLeavesASoundFile) {
+TEST_F(RegistryFileOnDisk, ProcessKilledWhileCreatingItLeavesAnIntactFile) {
     Progress* progress = SharedProgress();
     std::mt19937 random(8);
     for (int round = 0; round < 100; round++) {
@@ -296,7 +296,7 @@ TEST_F(RegistryFileOnDisk, ReadOnlyFileGivesErrorsAndStays) {
     EXPECT_FALSE(std::filesystem::exists(RegistryFile() + ".damaged"));
 }
 
-TEST_F(RegistryFileOnDisk, FileTakenAwayIsBegunAfresh) {
+TEST_F(RegistryFileOnDisk, DeletedFileIsCreatedAgain) {
     ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
     std::filesystem::rename(RegistryFile(), RegistryFile() + ".kept");
     std::filesystem::remove(RegistryFile() + "-wal");

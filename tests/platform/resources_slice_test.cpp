@@ -146,7 +146,7 @@ TEST_F(Resources, EachChangedByteIsReadWithinItsBounds) {
     }
 }
 
-TEST_F(Resources, TableWithoutALastRowIsNone) {
+TEST_F(Resources, TableWithoutALastRowIsRefused) {
     const uint8_t* bytes = nullptr;
     size_t size = 0;
     ASSERT_TRUE(FindResourceBytes(MAKEINTRESOURCE(kResourceAccelerator), MAKEINTRESOURCE(8), &bytes,

@@ -85,7 +85,7 @@ int WithoutNetwork(Procedure procedure) {
 
 }  // namespace
 
-TEST_F(WinsockInside, NumbersAreNeverGivenOutTwice) {
+TEST_F(WinsockInside, SocketNumbersAreNeverReused) {
     std::set<SOCKET> seen;
     for (int i = 0; i < 1000; i++) {
         const SOCKET number = NewSocket();
@@ -168,7 +168,7 @@ TEST_F(WinsockInside, ClosingWithABacklogEndsItsThread) {
     EXPECT_TRUE(ThreadsBecome(before));
 }
 
-TEST_F(WinsockInside, APeerThatGoesDuringABacklogFailsTheNextSend) {
+TEST_F(WinsockInside, APeerThatClosesDuringABacklogFailsTheNextSend) {
     LoopbackPeer peer;
     const size_t before = Threads();
     const SOCKET number = NewSocket();
@@ -274,7 +274,7 @@ TEST_F(WinsockInside, EndOfAConnectionDoesNotKeepAnIdleWaitBusy) {
     EXPECT_GT(after.ru_nvcsw, before.ru_nvcsw);  // it slept
 }
 
-TEST_F(WinsockInside, AddressOfNobodyIsRefused) {
+TEST_F(WinsockInside, ZeroAddressOrPortIsRefused) {
     EXPECT_EQ(10049, Connect(NewSocket(), "0.0.0.0", 23));
     EXPECT_EQ(10049, Connect(NewSocket(), "127.0.0.1", 0));
 }

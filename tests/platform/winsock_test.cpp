@@ -251,7 +251,7 @@ TEST_F(Winsock, SendingBeforeAConnectionIsRefused) {
     EXPECT_EQ("error 10057", Receive(1));
 }
 
-TEST_F(Winsock, SendingAfterTheHostWentAwayIsAnError) {
+TEST_F(Winsock, SendingAfterTheHostHasClosedIsAnError) {
     LoopbackPeer peer;
     ConnectTo(&peer);
     ASSERT_EQ("w", Select("w", kLong));
@@ -304,7 +304,7 @@ TEST_F(Winsock, NameResolves) {
     EXPECT_EQ(Dotted(127, 0, 0, 1), address);
 }
 
-TEST_F(Winsock, NameThatIsNoneDoesNotResolve) {
+TEST_F(Winsock, UnknownNameDoesNotResolve) {
     EXPECT_EQ(nullptr, gethostbyname("no such name.invalid"));
     EXPECT_EQ(nullptr, gethostbyname(std::string(5000, 'a').c_str()));
 }
@@ -326,7 +326,7 @@ TEST(DottedAddress, HexadecimalAndOctalParts) {
     EXPECT_EQ(Dotted(8, 255, 0, 9), inet_addr("010.0xFF.0x0.9"));
 }
 
-TEST(DottedAddress, WhatIsNone) {
+TEST(DottedAddress, OtherTextsAreRefused) {
     for (const char* text :
          {"", "host", "1.2.3.4.5", "256.1.1.1", "1.2.3.256", "1.2.3.", ".1.2.3", "1..2.3", "08",
           "4294967296", "99999999999999999999", "1.2.3.4x", "-1.2.3.4", "1.2.65536", "1.16777216"})

@@ -132,7 +132,7 @@ TEST(SessionKey, WithZerosInFrontIsSentWhole) {
     }
 }
 
-TEST(SessionKey, IsDrawnFromTheGeneratorAsTheClockSeedsIt) {
+TEST(SessionKey, IsDrawnFromTheGeneratorSeededByTheClock) {
     for (const int milliseconds : {0, 5, 36, 42, 999}) {
         ScriptedHost host;
         NewSession();
@@ -172,7 +172,7 @@ TEST(Cipher, EachCarriesTheSession) {
     }
 }
 
-TEST(Cipher, AnotherChosenInMidSessionIsForTheNextOne) {
+TEST(Cipher, ChangeInMidSessionAppliesToTheNextSession) {
     ScriptedHost host = SessionInState(5);
     session.settings.ssh_type = 2;
     Receive(host.Packet(17, String("through")));
@@ -181,7 +181,7 @@ TEST(Cipher, AnotherChosenInMidSessionIsForTheNextOne) {
     EXPECT_EQ(host.Sent(), (std::vector<Message>{{16, String("typed"), ""}}));
 }
 
-TEST(Cipher, UnsupportedIsToldWithWhatTheServerHas) {
+TEST(Cipher, UnsupportedOneIsReportedWithTheServersList) {
     ScriptedHost host;
     host.ciphers = 0x44;
     NewSession();
@@ -205,7 +205,7 @@ TEST(Cipher, BlowfishIsListedBeforeTssAndRc4) {
               "Server supports: IDEA 3-DES BLOWFISH TSS RC4 ");
 }
 
-TEST(Cipher, ServerWithoutAnyIsToldAsSuch) {
+TEST(Cipher, ServerWithoutAnyIsReported) {
     ScriptedHost host;
     host.ciphers = 0;
     NewSession();
@@ -217,7 +217,7 @@ TEST(Cipher, ServerWithoutAnyIsToldAsSuch) {
         "Server supports: ");
 }
 
-TEST(Cipher, SettingThatNamesNoneIsUnsupported) {
+TEST(Cipher, UnknownSettingIsUnsupported) {
     for (const DWORD type : {3u, 6u, 0xFFFFFFFFu}) {
         ScriptedHost host;
         host.ciphers = 0xFFFFFFFF;
@@ -240,12 +240,12 @@ TEST(BadKeyMessage, CutAnywhereIsRefused) {
         ExpectRefused(host, whole.substr(0, length), std::to_string(length));
 }
 
-TEST(BadKeyMessage, BytesBehindItAreNotLookedAt) {
+TEST(BadKeyMessage, BytesBehindItAreIgnored) {
     ScriptedHost host;
     ExpectAccepted(host, host.PublicKeyData() + "more", "longer");
 }
 
-TEST(BadKeyMessage, StatedBitsOfAKeyAreNotReliedOn) {
+TEST(BadKeyMessage, StatedBitCountsAreNotTrusted) {
     ScriptedHost host;
     for (const uint32_t bits : {0u, 1u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         const std::string key = Uint32(bits) + Ssh1Number("\1") + Ssh1Number(host.server_modulus);
@@ -258,7 +258,7 @@ TEST(BadKeyMessage, StatedBitsOfAKeyAreNotReliedOn) {
 
 // Each bit count in the message is replaced by another: numbers that reach over their end, or
 // leave the next field in their middle.
-TEST(BadKeyMessage, BitCountsThatLieEndInAMessageOrNothing) {
+TEST(BadKeyMessage, FalseBitCountsGiveAMessageOrNothing) {
     ScriptedHost host;
     const std::string whole = host.PublicKeyData();
     const size_t counts[] = {12, 15, 15 + 2 + 96 + 4, 15 + 2 + 96 + 4 + 3};
@@ -325,7 +325,7 @@ TEST(BadKeyMessage, EvenModulusIsAnsweredLikeAnyOther) {
     ExpectAccepted(host, host.PublicKeyData(), "even");
 }
 
-TEST(BadKeyMessage, LeadingZerosOfAModulusAreNotItsLength) {
+TEST(BadKeyMessage, LeadingZerosOfAModulusDoNotCountInItsLength) {
     ScriptedHost host;
     const std::string key =
         Uint32(768) + Ssh1Number("\1") + Ssh1Number(std::string(40, '\0') + host.server_modulus);
@@ -353,7 +353,7 @@ TEST(BadKeyMessage, NumbersThatWouldTakeTooLongAreRefused) {
         "exponent of 4,096 bits");
 }
 
-TEST(BadKeyMessage, SecondOneIsNoAnswerToTheSessionKey) {
+TEST(BadKeyMessage, SecondOneDoesNotConfirmTheSessionKey) {
     ScriptedHost host = SessionInState(1);
     Receive(host.PublicKey());
     EXPECT_EQ(Box(), "Error: SSH server rejects the encryption mode. Session must be terminated");

@@ -103,7 +103,7 @@ TEST(Gathering, AnyCutGivesTheSameSession) {
     }
 }
 
-TEST(Gathering, WhatIsLeftOverWaitsForTheRest) {
+TEST(Gathering, PartOfAPacketWaitsForTheRest) {
     ScriptedHost host = SessionInState(5);
     const std::string first = host.Packet(17, String("one"));
     const std::string second = host.Packet(17, String("two"));
@@ -124,7 +124,7 @@ TEST(Gathering, TheLargestPacketArrivesWhole) {
     EXPECT_EQ(Box(), "");
 }
 
-TEST(Gathering, OverflowIsToldAndWhatWaitedIsDropped) {
+TEST(Gathering, OverflowIsReportedAndTheBufferedBytesAreDropped) {
     ScriptedHost host = SessionInState(5);
     session.ssh.recvFill = 65000;  // of a packet that is not whole
     std::memcpy(session.ssh.recvBuf, Uint32(65520).data(), 4);

@@ -90,7 +90,7 @@ TEST(Ciphers, TheServerSeesTheChosenOne) {
                   [&](TestServer& server) { EXPECT_TRUE(server.Tells(lines[cipher])); });
 }
 
-TEST(Ciphers, UnsupportedIsToldWithWhatTheServerHas) {
+TEST(Ciphers, UnsupportedOneIsReportedWithTheServersList) {
     ExpectBox({"--ciphers", "0x44"}, kTripleDes,
               "Error: Server does not support selected encryption (3-DES). Try another encryption\n"
               "Server supports: DES BLOWFISH ");
@@ -288,7 +288,7 @@ TEST(Session, ReportsOfTheTerminalAreSent) {
 }
 
 // Any packet that is built changes the buffer that it is built in.
-TEST(Session, ResizeTellsTheServerNothing) {
+TEST(Session, ResizeSendsTheServerNothing) {
     WithShell({}, kTripleDes, [](TestServer&) {
         const auto built = [] {
             const BYTE* bytes = session.ssh1.sendBuf;
@@ -324,7 +324,7 @@ TEST(Session, DisconnectByTheUserIsSilent) {
     });
 }
 
-TEST(Session, NothingOfItIsLeftAfterwards) {
+TEST(Session, ItsStateIsClearedAfterwards) {
     WithShell({}, kTripleDes, [](TestServer&) {
         ClearAndRun("echo confiden\"\"tial");
         ASSERT_TRUE(TerminalShows("\nconfidential\n")) << TerminalText();
@@ -338,7 +338,7 @@ TEST(Session, NothingOfItIsLeftAfterwards) {
     });
 }
 
-TEST(Session, DisconnectByTheServerIsTold) {
+TEST(Session, DisconnectByTheServerIsReported) {
     ExpectBox({"--say", "shell=1:00000003627965"}, kTripleDes,
               "Error: Disconnect request from SSH Server. Session must be terminated");
 }

@@ -80,7 +80,7 @@ TEST(SignOnDialog, CancelledWithoutAUserNameEndsTheSession) {
     });
 }
 
-TEST(SignOnDialog, CancelledWithAUserNameSendsWhatThereIs) {
+TEST(SignOnDialog, CancelledWithAUserNameSendsTheStoredValues) {
     Connecting([](TestServer& server) {
         SignOn("visitor", "guess");
         ASSERT_TRUE(DismissBox(kLoginIncorrect));
@@ -129,7 +129,7 @@ TEST(SignOnDialog, SessionThatIsClosedMeanwhileSendsNothingMore) {
     });
 }
 
-TEST(SignOnDialog, SessionThatIsOpenedAnewMeanwhileIsLeftAlone) {
+TEST(SignOnDialog, SessionOpenedMeanwhileIsNotTouched) {
     Connecting([](TestServer& server) {
         ASSERT_TRUE(DialogShown());
         Close();

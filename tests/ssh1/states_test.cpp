@@ -62,7 +62,7 @@ TEST(Conversation, StatusIsSecureFromTheSessionKeyOn) {
     EXPECT_EQ(outside.status_updates, 1);
 }
 
-TEST(Conversation, ASecondSessionStartsAfresh) {
+TEST(Conversation, ASecondSessionStartsFromTheBeginning) {
     ScriptedHost host = SessionInState(3);
     Receive(host.Packet(15));  // a refused password
     host = SessionInState(5);
@@ -266,7 +266,7 @@ TEST(SignOn, IsAskedAgainAfterARefusalThoughThePasswordIsRemembered) {
     EXPECT_EQ(session.ssh1.ssh1State, 4);
 }
 
-TEST(SignOn, CancelledSendsWhatTheSettingsHold) {
+TEST(SignOn, CancelledSendsTheStoredValues) {
     ScriptedHost host = SessionInState(1);
     session.settings.ssh_def = 0;
     outside.during_dialog = [] {
@@ -373,7 +373,7 @@ TEST(Interrupted, SessionThatEndsBehindTheDialogIsOverThoughItsSocketNumberStays
 }
 
 // The chunk was on its way when the user closed the session.
-TEST(Interrupted, PacketThatComesAfterTheUsersCloseAsksAndTellsNothing) {
+TEST(Interrupted, PacketAfterTheUsersCloseShowsNoDialogOrMessage) {
     for (int state = 0; state <= 5; state++) {
         ScriptedHost host = SessionInState(state);
         session.socket = INVALID_SOCKET;
@@ -451,7 +451,7 @@ TEST(Exit, IsConfirmedAndTheSessionGoesOn) {
     EXPECT_EQ(outside.closed, 0);
 }
 
-TEST(Disconnect, OfTheServerIsToldAndClosesTheSession) {
+TEST(Disconnect, OfTheServerIsReportedAndClosesTheSession) {
     ScriptedHost host = SessionInState(5);
     Receive(host.Packet(1, String("maintenance")));
     EXPECT_EQ(Box(), "Error: Disconnect request from SSH Server. Session must be terminated");
@@ -470,7 +470,7 @@ TEST(Disconnect, LeavesTheFirstStateInTheClear) {
 
 // ---------------------------------------------------------------- secrets
 
-TEST(Secrets, NothingIsLeftWhenTheSessionIsForgotten) {
+TEST(Secrets, AllStateIsZeroWhenTheSessionIsForgotten) {
     ScriptedHost host = SessionInState(5);
     Receive(Join({host.Packet(17, String("confidential")), host.Packet(17, "half").substr(0, 7)}));
     ForgetSshSession();

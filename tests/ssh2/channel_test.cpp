@@ -54,7 +54,7 @@ TEST_F(Ssh2Authentication, FailuresAskAgainWithoutLimit) {
     ExpectOpen();
 }
 
-TEST_F(Ssh2Authentication, CancelledDialogSendsWhatStands) {
+TEST_F(Ssh2Authentication, CancelledDialogSendsTheStoredValues) {
     session.settings.ssh_def = 0;
     outside.sign_on = [] {
         session.dialog_result = -1;
@@ -74,7 +74,7 @@ TEST_F(Ssh2Authentication, DialogThatCannotBeShownClosesTheSession) {
     ExpectClosed();
 }
 
-TEST_F(Ssh2Authentication, EmptyUserNameIsToldAndClosesTheSession) {
+TEST_F(Ssh2Authentication, EmptyUserNameIsReportedAndClosesTheSession) {
     SetText(session.settings.ssh_u, "");
     ToService();
     Give(Message(6));
@@ -230,7 +230,7 @@ TEST_F(Ssh2Channel, RefusedShellClosesTheSession) {
     ExpectClosed();
 }
 
-TEST_F(Ssh2Channel, NumbersOfAnotherChannelAndAnyWindowAreTakenAsTheyCome) {
+TEST_F(Ssh2Channel, AnyChannelNumberAndWindowAreAccepted) {
     for (const uint32_t number : {0u, 28u, 0x7fffffffu, 0xffffffffu}) {
         NewSession();
         server = {};
@@ -395,7 +395,7 @@ TEST_F(Ssh2Channel, DataIsNotHeldBackForTheServersWindow) {
     }
 }
 
-TEST_F(Ssh2Channel, NegativeOrNoLengthSendsAndHoldsNothing) {
+TEST_F(Ssh2Channel, NegativeOrZeroLengthSendsAndQueuesNothing) {
     const auto type_nothing = [] {
         for (const int length : {0, -1, -9, -16384, INT_MIN}) {
             SendSessionData(nullptr, length, 0);
@@ -433,7 +433,7 @@ TEST_F(Ssh2Channel, TypingBeforeTheChannelIsOpenIsLost) {
 }
 
 // With the cipher gone it would be in the clear.
-TEST_F(Ssh2Channel, TypingBehindTheClientsOwnEndIsNotEvenPacked) {
+TEST_F(Ssh2Channel, TypingAfterTheClientsOwnEndBuildsNoPacket) {
     ToShell();
     Give(Message(97, U32(27)));
     const uint32_t sent = session.ssh2.sendSeq;

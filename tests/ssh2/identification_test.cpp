@@ -50,7 +50,7 @@ TEST_F(Ssh2Identification, AfterAFailedSendTheNextChunkIsTheLine) {
     ToService();
 }
 
-TEST_F(Ssh2Identification, NothingOfTheOtherProtocolStays) {
+TEST_F(Ssh2Identification, StateOfTheOtherProtocolIsCleared) {
     session.ssh1.ssh1State = 4;
     session.ssh1.ssh1Cipher = &kSsh1Des;
     Identify();

@@ -40,7 +40,7 @@ static std::string Changed(std::string bytes, size_t place) {
 }
 
 // The end of the line is in no hash; changing it changes nothing but the end.
-TEST_F(Ssh2ManInTheMiddle, ABitOfTheLineGetsNoKeys) {
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfTheLineGivesNoKeys) {
     const size_t length = server.line.find('\r');
     for (size_t place = 0; place < length; place++) {
         Begin();
@@ -54,7 +54,7 @@ TEST_F(Ssh2ManInTheMiddle, ABitOfTheLineGetsNoKeys) {
 }
 
 // The padding of a packet in the clear is in no hash either.
-TEST_F(Ssh2ManInTheMiddle, ABitOfTheOfferGetsNoKeys) {
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfTheOfferGivesNoKeys) {
     const size_t size = 5 + ServerKexInit().size();
     for (size_t place = 0; place <= size; place++) {
         BeginToOffer();
@@ -70,7 +70,7 @@ TEST_F(Ssh2ManInTheMiddle, ABitOfTheOfferGetsNoKeys) {
     }
 }
 
-TEST_F(Ssh2ManInTheMiddle, ABitOfHostKeyOrPublicValueGetsNoKeys) {
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfHostKeyOrPublicValueGivesNoKeys) {
     const size_t size = 5 + 1 + 4 + HostKeyBlob().size() + 4 + 128;
     for (size_t place = 0; place < size; place += place < 30 ? 1 : 5) {
         BeginToOffer();
@@ -82,7 +82,7 @@ TEST_F(Ssh2ManInTheMiddle, ABitOfHostKeyOrPublicValueGetsNoKeys) {
 }
 
 // Of the blob, the two numbers are what is signed with; their own length field is not looked at.
-TEST_F(Ssh2ManInTheMiddle, ABitOfTheSignatureGetsNoKeys) {
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfTheSignatureGivesNoKeys) {
     BeginToOffer();
     Offer();
     const size_t end = 5 + KexDhReply(server, "SSH-2.0-1.0.00").size();
@@ -95,7 +95,7 @@ TEST_F(Ssh2ManInTheMiddle, ABitOfTheSignatureGetsNoKeys) {
     }
 }
 
-TEST_F(Ssh2ManInTheMiddle, ABitOfOurValueOrOfferFailsAtTheServersSignature) {
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfOurValueOrOfferFailsTheServersSignature) {
     for (const bool offer : {false, true}) {
         BeginToOffer();
         Offer();
@@ -107,7 +107,7 @@ TEST_F(Ssh2ManInTheMiddle, ABitOfOurValueOrOfferFailsAtTheServersSignature) {
     }
 }
 
-TEST_F(Ssh2ManInTheMiddle, ABitOfCiphertextOrMacDropsThePacketAndWhatFollows) {
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfCiphertextOrMacDropsThePacketAndAllLaterOnes) {
     const size_t size = 4 + 1 + Data("rm -rf /").size() + 10 + 20;
     ASSERT_EQ(size % 8, 4u) << "whole blocks and the MAC";
     for (size_t place = 0; place < size; place++) {

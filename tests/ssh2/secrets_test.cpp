@@ -31,7 +31,7 @@ std::string FingerprintOfNone(const SshCipher& cipher) {
     return Fingerprint(cipher);
 }
 
-TEST_F(Ssh2Secrets, KeysAreNowhereButInTheirCiphersOnceTheyAreInUse) {
+TEST_F(Ssh2Secrets, KeysInUseAreOnlyInTheirCiphers) {
     ToService();
     EXPECT_EQ(session.ssh2.K, nullptr);
     for (const BYTE byte : session.ssh2.keyBlock) ASSERT_EQ(byte, 0);
@@ -69,7 +69,7 @@ TEST_F(Ssh2Secrets, IncomingMacKeyIsForgottenToo) {
     EXPECT_EQ(kHmacSha1.verify(packet, 8, 0), 1) << "as the incoming one is";
 }
 
-TEST_F(Ssh2Secrets, FailedExchangeLeavesNothingBehindTheSession) {
+TEST_F(Ssh2Secrets, FailedExchangeLeavesNothingAfterTheSession) {
     Identify();
     Offer();
     KexDhReply(server, "SSH-2.0-1.0.00");
@@ -88,7 +88,7 @@ TEST_F(Ssh2Secrets, PasswordIsNotLeftOnTheStack) {
     Expect(PasswordRequest("visitor", kPassword));
 }
 
-TEST_F(Ssh2Secrets, WhatWaitsForNewKeysIsWipedBeforeItIsReleased) {
+TEST_F(Ssh2Secrets, DataHeldForNewKeysIsWipedBeforeItIsReleased) {
     const std::string typed = "typed while keys are exchanged", more = " and more of it";
     ToShell();
     Offer();
@@ -107,7 +107,7 @@ TEST_F(Ssh2Secrets, WhatWaitsForNewKeysIsWipedBeforeItIsReleased) {
     Expect(ClientData(typed + more));
 }
 
-TEST_F(Ssh2Secrets, WhatWaitsAtTheEndOfTheSessionIsWipedToo) {
+TEST_F(Ssh2Secrets, DataHeldAtTheEndOfTheSessionIsWipedToo) {
     const std::string typed = "typed while keys are exchanged";
     ToShell();
     Offer();

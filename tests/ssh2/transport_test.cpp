@@ -120,7 +120,7 @@ TEST_F(Ssh2Packets, SequenceNumbersBeginAgainAfterTheLast) {
     EXPECT_EQ(session.ssh2.recvSeq, 2u);
 }
 
-TEST_F(Ssh2Packets, NegativeOrTooLongLengthDropsAllThatWaits) {
+TEST_F(Ssh2Packets, NegativeOrTooLongLengthDropsTheWholeBuffer) {
     for (const uint32_t length : {0x80000000u, 0xffffffffu, 65536u}) {
         NewSession();
         server = {};
@@ -141,7 +141,7 @@ TEST_F(Ssh2Packets, LengthOf65535IsWaitedForUntilTheBufferOverflows) {
     Reply();
 }
 
-TEST_F(Ssh2Packets, OneByteBeyondAFullBufferDropsWhatWaits) {
+TEST_F(Ssh2Packets, OneByteBeyondAFullBufferDropsTheBuffer) {
     Identify();
     server.server_kex_init = ServerKexInit();
     const std::string offer = Seal(server, server.server_kex_init);
@@ -220,7 +220,7 @@ TEST_F(Ssh2Packets, MessagesOfLaterLayersAreIgnoredInTheClear) {
     Expect(Message(5, Str("ssh-userauth")));
 }
 
-TEST_F(Ssh2Packets, MessagesThatEndASessionEndItInTheClearToo) {
+TEST_F(Ssh2Packets, MessagesThatEndASessionEndItBeforeEncryptionToo) {
     for (const int number : {60, 92, 97, 100}) {
         NewSession();
         server = {};
@@ -237,7 +237,7 @@ TEST_F(Ssh2Packets, BufferIsHandedBackWhereAPacketEndsTheSession) {
     EXPECT_EQ(session.receive_ready, 1u);
 }
 
-TEST_F(Ssh2Packets, SessionOfTheOtherProtocolIsNoneOfThisOne) {
+TEST_F(Ssh2Packets, PacketsOfASessionBegunAsTheOtherProtocolAreIgnored) {
     session.settings.ssh_type2 = 0;
     Receive(server.line);
     outside.wire.clear();
@@ -247,7 +247,7 @@ TEST_F(Ssh2Packets, SessionOfTheOtherProtocolIsNoneOfThisOne) {
     ExpectOpen();
 }
 
-TEST_F(Ssh2Packets, StringsAreReadInsideThePacketAlone) {
+TEST_F(Ssh2Packets, StringsAreReadOnlyInsideThePacket) {
     ToShell();
     Give(Message(2, U32(0x80000000) + "abc"));
     const BYTE* data = reinterpret_cast<const BYTE*>("");
@@ -298,7 +298,7 @@ TEST_F(Ssh2KeyExchange, UnknownSshTypeLeavesTheCipherListsOut) {
     EXPECT_EQ(session.ssh2.cipher, &kTripleDesCbc);
 }
 
-TEST_F(Ssh2KeyExchange, EverySeedOfTheClockIsFollowed) {
+TEST_F(Ssh2KeyExchange, EverySeedOfTheClockIsUsed) {
     for (const int milliseconds : {0, 1, 36, 37, 999, 1000, 1005, 61000, 3599999}) {
         NewSession(milliseconds);
         server = {};
@@ -436,7 +436,7 @@ TEST_F(Ssh2KeyExchange, SecondReplyDoesNotTouchTheAgreedKeys) {
     Expect(Message(5, Str("ssh-userauth")));
 }
 
-TEST_F(Ssh2KeyExchange, SecondKexInitStartsTheExchangeAnew) {
+TEST_F(Ssh2KeyExchange, SecondKexInitRestartsTheExchange) {
     Identify();
     Offer();
     Offer();
@@ -447,7 +447,7 @@ TEST_F(Ssh2KeyExchange, SecondKexInitStartsTheExchangeAnew) {
 }
 
 // The server's NEWKEYS then brings the keys of the last exchange alone.
-TEST_F(Ssh2KeyExchange, SecondExchangeBeforeNewKeysTakesThePlaceOfTheFirst) {
+TEST_F(Ssh2KeyExchange, SecondExchangeBeforeNewKeysReplacesTheFirst) {
     Identify();
     Offer();
     Reply();
@@ -559,7 +559,7 @@ TEST_F(Ssh2KeyExchange, TypingMeanwhileWaitsForTheNewKeys) {
 }
 
 // Many small answers of the terminal, as a host can provoke them.
-TEST_F(Ssh2KeyExchange, WhatWaitsMovesBySizeAndNotWithEachPiece) {
+TEST_F(Ssh2KeyExchange, HeldDataIsNotReallocatedForEachPiece) {
     ToShell();
     Offer();
     std::string typed;
@@ -580,7 +580,7 @@ TEST_F(Ssh2KeyExchange, WhatWaitsMovesBySizeAndNotWithEachPiece) {
     EXPECT_EQ(session.ssh2.heldData, nullptr);
 }
 
-TEST_F(Ssh2KeyExchange, PieceThatFindsNoRoomAmongWhatWaitsIsLostWhole) {
+TEST_F(Ssh2KeyExchange, PieceThatDoesNotFitTheHeldDataIsDroppedWhole) {
     static constexpr size_t kMost = kSsh2MaxHeld;
     ToShell();
     Offer();
@@ -664,7 +664,7 @@ TEST_F(Ssh2KeyExchange, EndOfTheSessionWipesItsSecrets) {
 }
 
 // As when the user asks for one more connection while this one stands.
-TEST_F(Ssh2KeyExchange, LineInMidSessionStartsAllOfItAnew) {
+TEST_F(Ssh2KeyExchange, LineInMidSessionRestartsTheProtocol) {
     ToShell();
     Offer();  // and an exchange is under way
     Type("held");
@@ -682,7 +682,7 @@ TEST_F(Ssh2KeyExchange, LineInMidSessionStartsAllOfItAnew) {
     ExpectSilence();
 }
 
-TEST_F(Ssh2KeyExchange, NextSessionKnowsNothingOfTheLast) {
+TEST_F(Ssh2KeyExchange, NextSessionKeepsNoStateOfTheLast) {
     Identify();
     Offer();
     Reply();  // our NEWKEYS has gone out

@@ -114,7 +114,7 @@ TEST(OptionPolicy, EveryCommandWithEveryOptionInEveryState) {
                 CheckCase({command, option, state & 1, state >> 1 & 1, state >> 2 & 1, state >> 3});
 }
 
-TEST(OptionPolicy, CodesThatAreCommandsThemselvesAreNoOptions) {
+TEST(OptionPolicy, CommandCodesAreNotOptions) {
     for (int command = kWill; command <= kDont; command++) {
         for (int code = 250; code < 256; code++) {
             NewSession();
@@ -126,7 +126,7 @@ TEST(OptionPolicy, CodesThatAreCommandsThemselvesAreNoOptions) {
     }
 }
 
-TEST(OptionPolicy, RequestsForTheStateThatIsGetNoReply) {
+TEST(OptionPolicy, RequestsForTheCurrentStateGetNoReply) {
     for (int command = kWill; command <= kDont; command++) {
         for (int option : {1, 3, 24}) {
             NewSession();

@@ -113,7 +113,7 @@ TEST(SocketEvent, FullBufferOfCommandsIsAnswered) {
     ExpectHandedBack();
 }
 
-TEST(SocketEvent, CommandMayReachAcrossChunks) {
+TEST(SocketEvent, CommandMaySpanChunks) {
     NewSession();
     Receive("a\xFF");
     Receive("\xFD");
@@ -124,7 +124,7 @@ TEST(SocketEvent, CommandMayReachAcrossChunks) {
     EXPECT_EQ(Sent(), Iac(252, 31));
 }
 
-TEST(SocketEvent, StaleNotificationIsPassedOver) {
+TEST(SocketEvent, StaleNotificationIsIgnored) {
     NewSession();
     session.receive_buffer[0] = 'x';
     session.receive_count = 1;

@@ -99,7 +99,7 @@ TEST(Subnegotiation, KeepsItsFirst80Bytes) {
     EXPECT_EQ(Sent(), Answer("vt220"));
 }
 
-TEST(Subnegotiation, ShortOneSeesTheByteOfTheOneBefore) {
+TEST(Subnegotiation, ShortOneReadsTheByteOfThePreviousOne) {
     NewSession();
     Filter(kBegin + "\x05\x01" + kEnd);
     EXPECT_EQ(Sent(), "");

@@ -52,7 +52,7 @@ TEST(TelnetReset, ForgetsAnIacThatWasTheLastByte) {
     EXPECT_EQ(Sent(), "");
 }
 
-TEST(TelnetReset, SubnegotiationGoesOnInTheNextConnection) {
+TEST(TelnetReset, SubnegotiationContinuesInTheNextConnection) {
     NewSession();
     Filter("\xFF\xFA\x18\x01");
     TelnetReset();

@@ -202,7 +202,7 @@ TEST(TraceWrite, RefreshesTheTerminalOnce) {
     EXPECT_EQ(Shown(), "two\n\rlines");
 }
 
-TEST(TraceWrite, TerminalRepliesAreTakenAndNotSent) {
+TEST(TraceWrite, TerminalRepliesAreDiscarded) {
     NewSession();
     TraceWrite(
         TEXT("a\x05"

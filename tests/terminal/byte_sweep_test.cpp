@@ -222,7 +222,7 @@ static void ExpectAlike(const TerminalSnapshot& use, const MarkOfFinals& mark, S
     }
 }
 
-TEST(EveryByte, TakesNoNoticeOfAMarkThatItDoesNotName) {
+TEST(EveryByte, IgnoresAMarkerThatItDoesNotUse) {
     for (const char* use : kUses) {
         const TerminalSnapshot terminal = UsedTerminal(use, false);
         for (const MarkOfFinals& mark : kMarks) {
@@ -232,7 +232,7 @@ TEST(EveryByte, TakesNoNoticeOfAMarkThatItDoesNotName) {
     }
 }
 
-TEST(EveryByte, EndsASequenceAlikeInAChunkAndAlone) {
+TEST(EveryByte, EndsASequenceTheSameInAChunkAndByItself) {
     for (const char* use : kUses) {
         const TerminalSnapshot terminal = UsedTerminal(use, false);
         for (const std::string& parameters : kParameters) {

@@ -105,7 +105,7 @@ TEST_F(HotspotTap, FromColumn75OnDoesNothing) {
     for (int col = 75; col <= 80; col++) EXPECT_EQ(Tap(col), "") << col;
 }
 
-TEST_F(HotspotTap, OnADigitWithTheSecondBeingNoneStillCounts) {
+TEST_F(HotspotTap, OnADigitFollowedByALetterSendsBoth) {
     Text(10, " 1x. Mail");
     EXPECT_EQ(Tap(10), "1x<Enter>");
 }

@@ -119,7 +119,7 @@ TEST_F(LineDrawing, AnUnderlinedGlyphGetsTheUnderlineToo) {
               (Lines{kBlankCell, "line 20,16 20,32 111111", "line 16,28 24,28 111111"}));
 }
 
-TEST_F(LineDrawing, EveryLineHasAPenOfItsOwnThatIsDeleted) {
+TEST_F(LineDrawing, EveryLineUsesItsOwnPenAndDeletesIt) {
     Glyph('n');
     EXPECT_EQ(gdi.pens_made, 2);
     Glyph('a');

@@ -122,7 +122,7 @@ TEST_F(Painting, ASelectionPaintsEveryVisibleRow) {
     EXPECT_EQ(PaintedRows(), std::vector<int>{1});
 }
 
-TEST_F(Painting, WithoutADeviceContextNothingIsTakenAsPainted) {
+TEST_F(Painting, WithoutADeviceContextNothingCountsAsPainted) {
     RepaintTerminal();
     gdi.refuse_paint = true;
     EXPECT_EQ(Paint(), Lines{});
@@ -184,7 +184,7 @@ TEST_F(Painting, AColumnStaysInItsCellInACodePageOfTwoBytes) {
     EXPECT_NE(PaintRow(4)[0].find("x?'"), std::string::npos);
 }
 
-TEST_F(Painting, GlyphsStandOnTheCellGridWhateverTheFont) {
+TEST_F(Painting, GlyphsAreDrawnOnTheCellGridWhateverTheFont) {
     gdi.sample_width = [](const LOGFONTW&) { return 117; };  // 11 a cell
     DeleteObject(session.view.font);
     session.view.font = nullptr;
@@ -294,7 +294,7 @@ TEST_F(Cursor, IsNotDrawnWhileTheHostHidesIt) {
     EXPECT_EQ(PaintRow(3), Lines{Run(Padded("abc", 77), kPlain)});
 }
 
-TEST_F(Cursor, StandsOnTheLastColumnToo) {
+TEST_F(Cursor, IsDrawnOnTheLastColumnToo) {
     session.screen.cursor_col = 80;
     EXPECT_EQ(PaintRow(3),
               (Lines{Run(std::string(79, ' '), kPlain), Run(" ", "111111 on cccccc", 80)}));

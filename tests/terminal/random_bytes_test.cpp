@@ -123,7 +123,7 @@ static void FeedCutAtRandom(const std::string& stream, std::mt19937* random, std
     }
 }
 
-TEST(RandomBytes, EndAlikeWholeCutAndByteByByte) {
+TEST(RandomBytes, GiveTheSameScreenWholeCutAndByteByByte) {
     for (unsigned seed = 1; seed <= 1500; ++seed) {
         std::mt19937 random(seed);
         const std::string stream = RandomStream(&random, 400);

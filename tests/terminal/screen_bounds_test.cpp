@@ -67,7 +67,7 @@ TEST(ScreenBounds, CellsThatDoNotExistReadAsBlanks) {
     for (int row : kNoRows) EXPECT_FALSE(IsDoubleWidth(row) || IsDoubleTop(row));
 }
 
-TEST(ScreenBounds, PaintRowOfNoRowIsBlank) {
+TEST(ScreenBounds, PaintRowOfAMissingRowIsBlank) {
     FillScreen();
     for (int row : kNoRows) {
         const DWORD* words = GetPaintRow(row);
@@ -116,7 +116,7 @@ static void ExpectScrolled(int top, int bottom, bool down) {
     }
 }
 
-TEST(ScreenBounds, RegionScrollMovesEachLineOnceWhereverTheRingStands) {
+TEST(ScreenBounds, RegionScrollMovesEachLineOnceWhereverTheRingStarts) {
     for (int origin = 0; origin < kRingLines; ++origin) {
         for (int top = 1; top <= kScreenRows; top += 3) {
             for (int bottom = top + 1; bottom < kScreenRows; bottom += 4) {
@@ -132,7 +132,7 @@ TEST(ScreenBounds, RegionScrollMovesEachLineOnceWhereverTheRingStands) {
     }
 }
 
-TEST(ScreenBounds, CountsWithoutBoundEndAtOnce) {
+TEST(ScreenBounds, HugeCountsEndAtOnce) {
     FillScreen();
     DeleteLines(INT_MAX, 1, kScreenRows);
     EXPECT_EQ(INT_MAX % kRingLines, session.screen.ring_origin);

@@ -61,7 +61,7 @@ class Stylus : public TerminalWindow {
     }
 };
 
-TEST_F(Stylus, GoingDownMarksTheCellUnderIt) {
+TEST_F(Stylus, PressingSelectsTheCellUnderIt) {
     Down(Cell(10, 3));
     EXPECT_EQ(session.screen.selection_active, 1u);
     EXPECT_EQ(Corners(), (Lines{"10,3", "10,3"}));

@@ -42,7 +42,7 @@ void SetKeyByte(int key, BYTE state) {
 
 }  // namespace
 
-TEST(DeviceFolder, StandsBelowTheUsersData) {
+TEST(DeviceFolder, IsBelowTheUsersData) {
     wchar_t data[MAX_PATH];
     ASSERT_NE(0u, GetEnvironmentVariableW(L"APPDATA", data, MAX_PATH));
     EXPECT_EQ(std::wstring(data) + L"\\Quill", DeviceRoot());
@@ -51,7 +51,7 @@ TEST(DeviceFolder, StandsBelowTheUsersData) {
     EXPECT_EQ(L"", DevicePath(nullptr));
 }
 
-TEST(DeviceFolder, IsNeverLeft) {
+TEST(DeviceFolder, CannotBeLeft) {
     EXPECT_EQ(Below(L"\\system.ini"), DevicePath(TEXT("\\..\\..\\system.ini")));
     EXPECT_EQ(Below(L"\\b"), DevicePath(TEXT("\\a\\..\\..\\b")));
     EXPECT_EQ(Below(L"\\a\\b"), DevicePath(TEXT("\\\\a\\.\\\\b")));
@@ -190,7 +190,7 @@ TEST_F(Adapter, F10ThatAWindowLeavesOpensTheMenu) {
     EXPECT_EQ(1, opened);
 }
 
-TEST_F(Adapter, F1ThatAWindowTakesAsksForNoHelp) {
+TEST_F(Adapter, F1ThatAWindowHandlesOpensNoHelp) {
     answer = [](const Heard& now, LRESULT* result) {
         *result = 0;
         return now.message == WM_KEYDOWN || now.message == WM_HELP;
@@ -202,7 +202,7 @@ TEST_F(Adapter, F1ThatAWindowTakesAsksForNoHelp) {
     EXPECT_EQ(1u, Of(WM_HELP).size());
 }
 
-TEST_F(Adapter, StatesOfADialComeAsOnTheDevice) {
+TEST_F(Adapter, StatesOfADialArriveAsTheDevicesMessage) {
     const UINT told = RegisterWindowMessageA(RASDIALEVENT);
     ASSERT_NE(0u, told);
     ASSERT_NE(static_cast<UINT>(WM_RASDIALEVENT), told);
@@ -241,7 +241,7 @@ TEST_F(Adapter, DragGoesOnOutsideOfTheWindow) {
     }
 }
 
-TEST_F(Adapter, DragOfASystemsControlIsItsOwn) {
+TEST_F(Adapter, DragOfASystemControlIsNotCaptured) {
     const HWND text = CreateWindowExW(0, TEXT("STATIC"), nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 50,
                                       20, top, nullptr, nullptr, nullptr);
     Handle(text, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
@@ -249,7 +249,7 @@ TEST_F(Adapter, DragOfASystemsControlIsItsOwn) {
     DestroyWindow(text);
 }
 
-TEST_F(Adapter, SilentKeyIsHeardByNoWindow) {
+TEST_F(Adapter, SilentKeyReachesNoWindow) {
     SetForegroundWindow(top);
     RunUntilIdle();
     heard.clear();

@@ -76,7 +76,7 @@ class AltGr : public testing::Test {
 
 }  // namespace
 
-TEST_F(AltGr, IsNoControl) {
+TEST_F(AltGr, IsNotControl) {
     PressAltGr();
     EXPECT_FALSE(ControlIsDown());
     PressAltGr();  // the desktop repeats both
@@ -97,7 +97,7 @@ TEST_F(AltGr, LeavesTheControlThatIsHeldDownAsItIs) {
     EXPECT_FALSE(ControlIsDown());
 }
 
-TEST_F(AltGr, ControlThatComesAfterItIsOne) {
+TEST_F(AltGr, ControlPressedAfterItCounts) {
     PressAltGr();
     PressLeftControl();
     EXPECT_TRUE(ControlIsDown());
@@ -105,7 +105,7 @@ TEST_F(AltGr, ControlThatComesAfterItIsOne) {
     EXPECT_FALSE(ControlIsDown());
 }
 
-TEST_F(AltGr, ControlWithAPlainRightAltIsOne) {
+TEST_F(AltGr, ControlWithAPlainRightAltCounts) {
     PressLeftControl();
     PressRightAlt();
     EXPECT_TRUE(ControlIsDown());
@@ -118,7 +118,7 @@ TEST_F(AltGr, ControlWithAPlainRightAltIsOne) {
 }
 
 // Let go in another program's window, which no message tells.
-TEST_F(AltGr, ControlThatWasLetGoElsewhereCountsNoMore) {
+TEST_F(AltGr, ControlReleasedElsewhereNoLongerCounts) {
     PressLeftControl();
     BYTE none[256] = {};
     SetKeyboardState(none);

@@ -106,7 +106,7 @@ TEST_F(Scale, CommandBarTakesTheNewHeightAndItsPicturesTheNewSize) {
 }
 
 // At 200 % nothing is averaged: the pixels are those of the drawing of 32x32.
-TEST_F(Scale, PicturesOfTwiceTheSizeAreTheOnesDrawnSo) {
+TEST_F(Scale, PicturesOfTwiceTheSizeUseTheLargerDrawings) {
     Change(192);
     const HMODULE module = GetModuleHandleW(nullptr);
     const HBITMAP shown = LoadBarPictures(module, kPicture);
@@ -151,7 +151,7 @@ TEST_F(Scale, PicturesBetweenTheTwoDrawingsAreAveraged) {
                 static_cast<double>(weight[0]) / 100);
 }
 
-TEST_F(Scale, WindowTakesThePlaceThatTheDesktopNamesAndIsLaidOut) {
+TEST_F(Scale, WindowTakesTheSuggestedRectangleAndIsLaidOut) {
     RECT place = {40, 50, 640, 500}, now = {};
     heard.clear();
     SendMessageW(top, WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&place));
@@ -174,7 +174,7 @@ static void CALLBACK ChangeUnderTheBox(HWND, UINT, UINT_PTR id, DWORD) {
     PostMessageW(FindWindowW(nullptr, L"Quill scale test"), WM_COMMAND, IDOK, 0);
 }
 
-TEST_F(Scale, IsFollowedWhileABoxIsOpen) {
+TEST_F(Scale, ChangeIsAppliedWhileABoxIsOpen) {
     self = this;
     seen = 0;
     SetTimer(nullptr, 0, 300, ChangeUnderTheBox);

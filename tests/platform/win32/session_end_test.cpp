@@ -88,7 +88,7 @@ static void CALLBACK LookUnderTheBox(HWND, UINT, UINT_PTR id, DWORD) {
     PostMessageW(FindWindowW(nullptr, L"Quill modal test"), WM_COMMAND, IDOK, 0);
 }
 
-TEST(Modal, GivesTheStylusFree) {
+TEST(Modal, ReleasesTheMouseCapture) {
     const HWND window = CreateWindowExW(0, L"STATIC", nullptr, WS_POPUP | WS_VISIBLE, 0, 0, 50, 50,
                                         nullptr, nullptr, nullptr, nullptr);
     SetCapture(window);
