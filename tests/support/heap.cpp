@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Asks the sanitizers' allocator, or the C library's.
+// Asks the allocator of the sanitizers or of the C library for the heap in use.
 #include "tests/support/heap.h"
 
 #include <malloc.h>
 
 extern "C" {
-// Of the sanitizers' runtime; null in a build without one.
+// A function of the sanitizer runtime; null in a build without sanitizers.
 [[gnu::weak]] size_t __sanitizer_get_current_allocated_bytes();
 }
 

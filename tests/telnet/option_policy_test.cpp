@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The option policy: every command with every option in every state, held against tables, and the
-// points that matter to a person by name.
+// The option policy: every command with every option in every state is compared with tables. The
+// behaviour that a user notices has tests by name.
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet.h"
@@ -51,7 +51,7 @@ const PolicyRow& RowOf(int command, int option) {
     return kPolicy[0];
 }
 
-// Codes that the engine takes as something else than the option of a command.
+// Codes that the engine does not treat as the option of a command.
 bool IsOption(int code) { return code < 250 && code != 242; }
 
 struct Case {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is done with a notification, and that the buffer is handed back whatever it is.
+// The handling of socket notifications; the buffer is handed back after each of them.
 #include <gtest/gtest.h>
 
 #include "connection/connection.h"
@@ -75,8 +75,8 @@ TEST(SocketEvent, WithoutBytesNothingIsDone) {
     }
 }
 
-// What a failed recv gives ends here: neither protocol of SSH hears of it, before its line and
-// after.
+// The result of a failed recv goes no further: neither SSH protocol gets it, before or after the
+// identification line.
 TEST(SocketEvent, WithoutBytesSshGetsNoChunk) {
     for (DWORD type2 : {0u, 1u}) {
         for (DWORD banner_sent : {0u, 1u}) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Subnegotiations: their end, their truncation, and the terminal type.
+// Subnegotiations: how they end and are truncated, and the terminal type.
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a connect clears and what it leaves.
+// What a connect clears in the Telnet state and what it keeps.
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The order in which a byte of the host is judged: IAC, one-byte commands, the data mark.
+// How a byte of the host is classified: IAC, one-byte commands, the data mark, data.
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet.h"

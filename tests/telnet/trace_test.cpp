@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The trace lines to the letter.
+// The exact text of the trace lines.
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet.h"
@@ -147,8 +147,7 @@ void ReceiveAll(const std::string& bytes) {
     for (size_t i = 0; i < bytes.size(); i += kReceiveSize) Receive(bytes.substr(i, kReceiveSize));
 }
 
-// What is kept of it: the option and 79 bytes, of which the last one shown is the one before the
-// last.
+// The buffer keeps the option and 79 bytes; the trace shows all of them but the last one.
 std::string LineOfPayload(const std::string& payload) {
     const std::string kept = ("\x1F" + payload + "\xFF").substr(0, 80);
     std::string line = "HOST: IAC SB  31";

@@ -91,7 +91,7 @@ TEST_F(Font, WithoutAnyFaceTheSystemChooses) {
     CreateTerminalFont();
     EXPECT_EQ(gdi.fonts_made.at(0).lfFaceName[0], 0);
     EXPECT_EQ(session.view.cell_height, 16);
-    DeleteObject(session.view.font);  // the first one went with the old state
+    DeleteObject(session.view.font);  // the first font was released with the old state
 }
 
 TEST_F(Font, TheCellIsHeightPlusLeadingAndATenthOfTheSample) {

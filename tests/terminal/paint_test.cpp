@@ -16,7 +16,7 @@ class Painting : public TerminalWindow {
         return rows;
     }
     static bool Filled() { return !gdi.drawn.empty() && gdi.drawn[0].what.rfind("fill", 0) == 0; }
-    // A run at column 1 of row 3, as it is printed.
+    // A run at column 1 of row 3, as the drawing call prints it.
     static std::string Run(const std::string& text, const std::string& colors, int column = 1) {
         return "text " + std::to_string((column - 1) * 8) + ",32 " +
                std::to_string(text.size() * 8) + "x16 '" + text + "' " + colors;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The screen's operations with rows and columns that do not exist: nothing changes, and nothing
-// outside the ring is touched (run under AddressSanitizer too).
+// The screen's operations with rows and columns that do not exist: they change nothing and access
+// nothing outside the ring (AddressSanitizer checks this too).
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -97,7 +97,7 @@ TEST(ScreenBounds, HugeSelectionStaysInTheRow) {
     for (int col = 1; col <= kScreenColumns; ++col) EXPECT_NE(0u, words[col] & kCellReverse);
 }
 
-// A region scroll against the plain rule, line by line, from every place of the ring.
+// Compares a region scroll with the plain rule, line by line, from every position of the ring.
 static void ExpectScrolled(int top, int bottom, bool down) {
     const TerminalSnapshot before = TakeSnapshot();
     down ? InsertLines(1, top, bottom) : DeleteLines(1, top, bottom);

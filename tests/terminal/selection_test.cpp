@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Marking with the stylus, copying and pasting.
+// Selecting with the stylus, copying and pasting.
 #include "clipboard_double.h"
 #include "program_double.h"
 #include "terminal/interpreter.h"
@@ -258,7 +258,7 @@ TEST_F(Stylus, CopyAllocates164BytesARowAnd2More) {
     EXPECT_EQ(clipboard.allocated, (std::vector<size_t>{166, 23 * 164 + 166, 48 * 164 + 166}));
 }
 
-// The text ends where its lines end; whatever was in the memory before stays here.
+// The text ends with its last line; the memory after it keeps its old content.
 TEST_F(Stylus, CopyHandsOverTheTextAndZeroesBehindItAlone) {
     const int drags[][4] = {
         {7, 3, 7, 3}, {1, 3, 80, 3}, {10, 3, 5, 6}, {3, 3, 8, 24}, {1, 1, 80, 24}};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The way of the host's bytes into the terminal: selection, replies, following, status.
+// What TerminalWrite does with the host's bytes: selection, replies, following the cursor, status.
 #include "program_double.h"
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"

@@ -327,7 +327,7 @@ TEST_F(FollowingTheCursor, InsideTheViewNothingMoves) {
     EXPECT_EQ(session.view.view_top, 0);
     EXPECT_EQ(session.view.view_left, 0);
     EXPECT_EQ(gdi.scroll_calls, 0);
-    EXPECT_EQ(FlaggedRows(), 12);  // those that were never visible
+    EXPECT_EQ(FlaggedRows(), 12);  // the rows that were never visible
 }
 
 TEST_F(FollowingTheCursor, BelowTheViewTheCursorRowBecomesTheLast) {
