@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Conversions to and from the ANSI code page, at the bounds of their room.
+// Conversions to and from the ANSI code page, at the limits of their buffers.
 #include "text/text.h"
 
 #include <gtest/gtest.h>

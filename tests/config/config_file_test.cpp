@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The import of the configuration file: every kind of line, and the fate of the file.
+// The import of the configuration file: every kind of line, and when the file is deleted.
 #include "settings/settings.h"
 
 #include <sys/stat.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Escape text: each rule, and the bounds of the output.
+// Escape text: each rule, and the limits of the output.
 #include "text/text.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Where one run connects to, beside the stored host: what the program finds and what the store
-// keeps.
+// A host that applies to one run only, instead of the stored one: which values the program uses,
+// and which values the store keeps.
 #include "platform/qt/services/run_values.h"
 
 #include "session/session_state.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Loading and saving of the settings: every row, the types, what damaged values come to.
+// Loading and saving of the settings: every row, the types, and what damaged values give.
 #include "settings/settings.h"
 
 #include <cstring>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which buttons a bar gets, and what each carries.
+// Which buttons a bar gets, and the bitmap, command and tip of each.
 #include "ui/main_window.h"
 
 #include <bit>
@@ -152,10 +152,10 @@ TEST_F(ToolbarButtons, OnlyTheThreeLowBitsOfARegistryValueCount) {
     StoreAll(0xFFFFFFF8);
     StoreNumber("tbar3", 0xFFFFFFFF);
     Store("tbar4", REG_SZ, TextBytes(u"77"));  // '7' is 0x37
-    // One byte, where that is the lowest.
+    // One byte if that is the lowest byte, else all four.
     const size_t given = std::endian::native == std::endian::little ? 1 : 4;
     Store("tbar5", REG_SZ, NumberBytes(6).substr(0, given));
-    Store("tbar6", REG_DWORD, "");  // none
+    Store("tbar6", REG_DWORD, "");  // no data
     LoadToolbars();
     Build(1);
     EXPECT_EQ((Names{"paste", "larger font", "smaller font"}), Tips());

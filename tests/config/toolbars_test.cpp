@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The toolbars: the table, its way into the registry and back, and the action of a position.
+// The toolbars: the table, how it is saved and loaded, and the action of each position.
 #include "settings/toolbars.h"
 
 #include <algorithm>
@@ -73,7 +73,7 @@ std::vector<int> ActionsOnBar(int bar) {
     return actions;
 }
 
-// What the rows say that a bar shows at first.
+// The rows that a bar shows by default.
 std::vector<int> DefaultActions(int bar, bool narrow) {
     std::vector<int> actions;
     for (const ToolbarRow& row : kRows)

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Which row a virtual key comes to: every code with every modifier, against rules written anew.
+// Which row a virtual key selects: every code with every modifier, compared with separate rules.
 #include "settings/key_map.h"
 #include "tests/config/device.h"
 #include "tests/config/window_doubles.h"
 
 namespace {
 
-// Every row is given its own number as text, so that the row shows in what is sent.
+// Every row has its number as text, so that the sent bytes show the row.
 class VirtualKeys : public DeviceTest {
   protected:
     void SetUp() override {
@@ -49,7 +49,7 @@ void ExpectAllKeys(bool shift, bool control) {
         EXPECT_EQ(ExpectedRow(vk, shift, control), SentRow(vk)) << vk;
 }
 
-// Each way in which one modifier can be down.
+// Each state in which a modifier counts as down.
 const SHORT kStates[] = {kKeyDown, kKeyToggled, static_cast<SHORT>(kKeyDown | kKeyToggled)};
 constexpr int kShiftKeys[] = {160, 161};
 constexpr int kControlKeys[] = {162, 163};

@@ -175,7 +175,8 @@ TEST(Bignum, Ssh1FormOfZeroIsTwoZeroBytes) {
 TEST(Bignum, Ssh1FormThatIsCutShortIsRefused) {
     ByteString form = FromHex("0011010203");
     for (int length = 0; length < 5; length++) {
-        ByteString exact(form.begin(), form.begin() + length);  // a read beyond it is seen
+        ByteString exact(form.begin(),
+                         form.begin() + length);  // the sanitizer sees a read beyond it
         EXPECT_EQ(BignumFromSsh1Bytes(exact.data(), length), nullptr) << length;
     }
     EXPECT_EQ(NumberHex(Number(BignumFromSsh1Bytes(form.data(), 5)).get()), "10203");
@@ -256,7 +257,7 @@ TEST(Bignum, PowerOfZeroIsOneButZeroModuloOne) {
     EXPECT_EQ(NumberHex(Number(BignumModPow(five.get(), seven.get(), BignumOne)).get()), "0");
 }
 
-// Each squaring of a power passes here, by way of the linker.
+// The linker redirects each squaring of a power to this function (--wrap).
 static int widest_square = 0;
 void RealSquare(Columns* columns, const uint16_t* words,
                 int count) __asm__("__real__Z13ColumnsSquareP7ColumnsPKti");

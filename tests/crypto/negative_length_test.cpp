@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Lengths below zero are those of nothing: no procedure of crypto/ reads or writes for them.
+// Negative lengths count as zero: no procedure of crypto/ reads or writes any byte for them.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -30,7 +30,7 @@ TEST(NegativeLength, IsAnEmptyMessageOfEveryHash) {
     }
 }
 
-// In the midst of a message, with bytes waiting for the rest of their block.
+// In the middle of a message, with an incomplete block in the context.
 TEST(NegativeLength, LeavesAHashUnchanged) {
     const ByteString message = RandomBytes(100);
     for (int length : kNegative) {

@@ -78,7 +78,7 @@ TEST(Random, SequenceIsThatOfTheRuntimeLibrarySeededWithTheRemainder) {
     }
 }
 
-// The runtime library's own zeros are too rare to meet.
+// The runtime library returns zero too rarely for a test to see it.
 TEST(Random, NonZeroDrawsAgainUntilItIsNotZero) {
     scripted_draws = {0, 7, 0, 0, 0, 32767, 1};
     EXPECT_EQ(RandomNonZero(), 7);

@@ -44,7 +44,7 @@ TEST(SessionKey, IsSentWithCipherCookieAndFlags) {
 }
 
 TEST(SessionKey, KeepsLeadingZeroBytesOfTheEncryptedNumber) {
-    ScriptedHost host = SessionInState(1);  // exponent 1: the block begins with 0 and 2
+    ScriptedHost host = SessionInState(1);  // exponent 1 leaves the block as it is: 0 and 2 first
     EXPECT_EQ(host.key_bits, 8 * 128);
 }
 
@@ -65,8 +65,8 @@ TEST(SessionKey, IsTheHostKeyFirstWhereTheServersIsLonger) {
     EXPECT_EQ(host.Sent().size(), 1u);
 }
 
-// The result of the first fills its block, so the second has no room for the padding and the
-// session ends.
+// The result of the first encryption is as long as the second key, so the second encryption has no
+// room for the padding and the session ends.
 TEST(SessionKey, IsTheHostKeyFirstWhereBothAreEqual) {
     ScriptedHost host;
     host.host_modulus = std::string(96, '\xC5');
@@ -108,7 +108,7 @@ TEST(SessionKey, EveryKeySizeFrom512To2048) {
     }
 }
 
-// Behind the key, packets in both directions are under it.
+// After the session key, packets in both directions are encrypted with it.
 void ExpectSessionUnderTheKey(ScriptedHost& host, const std::string& what) {
     ASSERT_TRUE(host.TakeSessionKey()) << what;
     Receive(host.Packet(14));
@@ -116,7 +116,7 @@ void ExpectSessionUnderTheKey(ScriptedHost& host, const std::string& what) {
     EXPECT_EQ(host.Sent(), (std::vector<Message>{{4, String("visitor"), ""}})) << what;
 }
 
-// By chance its first byte is zero once in 256; the number in the block is shorter then.
+// The key's first byte is zero once in 256 by chance. The number in the block is then shorter.
 TEST(SessionKey, WithZerosInFrontIsSentWhole) {
     ScriptedHost host;
     const std::string id = host.SessionId();
@@ -256,8 +256,8 @@ TEST(BadKeyMessage, StatedBitCountsAreNotTrusted) {
     }
 }
 
-// Each bit count in the message is replaced by another: numbers that reach over their end, or
-// leave the next field in their middle.
+// Replaces each bit count in the message by another one: numbers that reach beyond the end of the
+// message, or that end inside themselves or inside the next field.
 TEST(BadKeyMessage, FalseBitCountsGiveAMessageOrNothing) {
     ScriptedHost host;
     const std::string whole = host.PublicKeyData();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The packet layer: padding, checksum, gathering, and its limits.
+// The packet layer: padding, checksum, reassembly, and the limits of lengths.
 #include <gtest/gtest.h>
 #include <cstdlib>
 #include <set>
@@ -19,7 +19,7 @@ void Type(const std::string& text) {
     SendSessionData(reinterpret_cast<const BYTE*>(text.data()), static_cast<int>(text.size()), 0);
 }
 
-// A data packet that is `body` bytes from padding to checksum, a multiple of 8.
+// A data packet of `body` bytes from padding to checksum; `body` is a multiple of 8.
 std::string DataPacket(ScriptedHost& host, size_t body) {
     return host.Packet(17, String(std::string(body - 8 - 9, 'd')));
 }
@@ -126,10 +126,10 @@ TEST(Gathering, TheLargestPacketArrivesWhole) {
 
 TEST(Gathering, OverflowIsReportedAndTheBufferedBytesAreDropped) {
     ScriptedHost host = SessionInState(5);
-    session.ssh.recvFill = 65000;  // of a packet that is not whole
+    session.ssh.recvFill = 65000;  // the start of an incomplete packet
     std::memcpy(session.ssh.recvBuf, Uint32(65520).data(), 4);
     std::string chunk;
-    while (chunk.size() <= 535) chunk += host.Packet(14);  // passed over
+    while (chunk.size() <= 535) chunk += host.Packet(14);  // a type that is ignored
     Receive(chunk + host.Packet(17, String("after")));
     EXPECT_EQ(Box(), kOutOfMemory);
     EXPECT_EQ(Shown(), "after");
@@ -141,7 +141,8 @@ TEST(Gathering, ExactlyFullIsNoOverflow) {
     for (const int room : {10, 9}) {
         SessionInState(5);
         session.ssh.recvFill = kSshReassemblySize - room;
-        std::memcpy(session.ssh.recvBuf, Uint32(5).data(), 4);  // a packet of 12 bytes, and more
+        std::memcpy(session.ssh.recvBuf, Uint32(5).data(),
+                    4);  // a packet of 12 bytes and the next one
         Receive(std::string(10, 'x'));
         EXPECT_EQ(outside.boxes[0], room == 10 ? kChecksum : kOutOfMemory);
     }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The steps of a session: what each state takes, and what it says to everything else.
+// The states of a session: which message each accepts, and how it answers every other one.
 #include <gtest/gtest.h>
 
 #include "crypto/ciphers.h"
@@ -32,7 +32,7 @@ bool AllZero(const void* memory, size_t size) {
     return true;
 }
 
-// ---------------------------------------------------------------- the straight way
+// ---------------------------------------------------------------- a normal session
 
 TEST(Conversation, GoesFromKeyToShell) {
     ScriptedHost host;
@@ -352,8 +352,8 @@ TEST(Interrupted, SessionThatEndsBehindTheDialogSendsNothing) {
     EXPECT_EQ(outside.closed, 0);
 }
 
-// The host drops the line while the dialog is up: all of the session is forgotten, and only the
-// number of its socket stays until the next one.
+// The host drops the line while the dialog is open: the session state is cleared, but its socket
+// number stays until the next session.
 TEST(Interrupted, SessionThatEndsBehindTheDialogIsOverThoughItsSocketNumberStays) {
     ScriptedHost host = SessionInState(1);
     session.settings.ssh_def = 0;
@@ -372,7 +372,7 @@ TEST(Interrupted, SessionThatEndsBehindTheDialogIsOverThoughItsSocketNumberStays
     EXPECT_EQ(Wire(), "");
 }
 
-// The chunk was on its way when the user closed the session.
+// The chunk was already queued when the user closed the session.
 TEST(Interrupted, PacketAfterTheUsersCloseShowsNoDialogOrMessage) {
     for (int state = 0; state <= 5; state++) {
         ScriptedHost host = SessionInState(state);
@@ -484,7 +484,7 @@ TEST(Secrets, SessionKeyIsWipedOnceTheCipherHasIt) {
     EXPECT_TRUE(AllZero(session.ssh1.sessionKey, sizeof(session.ssh1.sessionKey)));
 }
 
-// What the cipher makes of a block in each direction.
+// The result of the cipher for a block in each direction; it shows which keys are set.
 std::string Fingerprint(const Ssh1Cipher& cipher) {
     BYTE out[8] = {}, in[8] = {};
     cipher.encrypt(out, 8);
@@ -503,9 +503,9 @@ TEST(Secrets, CipherForgetsItsKeysWithTheSession) {
     }
 }
 
-// Whoever holds the server's keys reads the session key from it.
+// Anyone with the server's private keys could decrypt the session key from it.
 TEST(Secrets, EncryptedSessionKeyIsNotLeftOnTheStack) {
-    static BYTE encrypted[16];  // the beginning of what is sent
+    static BYTE encrypted[16];  // the first bytes of the number that is sent
     static bool answered;
     ScriptedHost host;
     NewSession();

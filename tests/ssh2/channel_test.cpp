@@ -139,8 +139,8 @@ TEST_F(Ssh2Authentication, NextSessionBehindTheDialogKeepsWhatItHasReceived) {
     EXPECT_EQ(session.receive_ready, 0u) << "the buffer is the next session's";
 }
 
-// The host drops the line while the dialog is up: all of the session is forgotten, and only the
-// number of its socket stays until the next one.
+// The host drops the line while the dialog is open: the session state is cleared, but its socket
+// number stays until the next session.
 TEST_F(Ssh2Authentication, SessionThatEndsDuringTheDialogIsOverThoughItsSocketNumberStays) {
     session.settings.ssh_def = 0;
     outside.sign_on = [] {
@@ -161,7 +161,7 @@ TEST_F(Ssh2Authentication, SessionThatEndsDuringTheDialogIsOverThoughItsSocketNu
     ExpectSilence();
 }
 
-// The chunk was on its way when the user closed the session.
+// The chunk was already queued when the user closed the session.
 TEST_F(Ssh2Authentication, RefusalThatComesAfterTheUsersCloseAsksNothing) {
     ToPassword();
     session.socket = INVALID_SOCKET;
@@ -268,7 +268,7 @@ TEST_F(Ssh2Channel, DataIsShown) {
     ExpectSilence();
 }
 
-// The terminal would drop its selection.
+// A write, even of no bytes, would make the terminal drop its selection.
 TEST_F(Ssh2Channel, DataOfNoBytesDoesNotTouchTheTerminal) {
     ToShell();
     Give(Data(""));
@@ -432,7 +432,7 @@ TEST_F(Ssh2Channel, TypingBeforeTheChannelIsOpenIsLost) {
     ExpectSilence();
 }
 
-// With the cipher gone it would be in the clear.
+// The cipher is already removed, so the packet would be unencrypted.
 TEST_F(Ssh2Channel, TypingAfterTheClientsOwnEndBuildsNoPacket) {
     ToShell();
     Give(Message(97, U32(27)));
@@ -442,7 +442,7 @@ TEST_F(Ssh2Channel, TypingAfterTheClientsOwnEndBuildsNoPacket) {
     ExpectClosed();
 }
 
-// The protocol is looked up at each chunk. That of the other one finds no session of its own.
+// Each chunk looks up the protocol. SSH-1 then finds that it has no session.
 TEST_F(Ssh2Channel, OtherProtocolChosenInMidSessionEndsItAndSendsNothing) {
     ToShell();
     session.settings.ssh_type2 = 0;

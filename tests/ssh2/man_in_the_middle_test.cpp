@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// A man in the middle who changes one bit. Before the keys he gets no NEWKEYS out of the client,
-// behind them his packet is dropped. One bit of each byte is tried, a different one in each; of
-// long numbers every fifth byte.
+// A man in the middle who changes one bit. Before the keys are in use the client then sends no
+// NEWKEYS; afterwards it drops the packet. The tests change one bit of each byte, a different one
+// each time; in long numbers they change every fifth byte.
 #include "tests/ssh2/conversation.h"
 
 class Ssh2ManInTheMiddle : public Conversation {
   protected:
-    // A new session, up to what is changed in each test.
+    // Starts a new session, up to the message that the test changes.
     void Begin() {
         NewSession();
         server = {};
@@ -17,7 +17,7 @@ class Ssh2ManInTheMiddle : public Conversation {
         Identify();
     }
 
-    // The client has not agreed, whatever it made of the change; nor does it after NEWKEYS.
+    // The client has not agreed to keys, and does not use any after NEWKEYS.
     void ExpectNoKeys(size_t place) {
         Give(Message(21));
         EXPECT_EQ(session.ssh2.cipher, nullptr) << place;
@@ -25,7 +25,7 @@ class Ssh2ManInTheMiddle : public Conversation {
         EXPECT_EQ(outside.wire.find(U32(12) + "\x0a\x15"), std::string::npos) << place;
     }
 
-    // The server goes by what it sent and got itself.
+    // The server computes with the messages that it really sent and received.
     void GoOnWithReply() {
         server.client_kex_init = ClientKexInit(tape, cipher);
         tape.Take(10);  // the padding
@@ -39,7 +39,7 @@ static std::string Changed(std::string bytes, size_t place) {
     return bytes;
 }
 
-// The end of the line is in no hash; changing it changes nothing but the end.
+// The line ending is not part of the hash, so a change of it has no effect on the keys.
 TEST_F(Ssh2ManInTheMiddle, AChangedBitOfTheLineGivesNoKeys) {
     const size_t length = server.line.find('\r');
     for (size_t place = 0; place < length; place++) {
@@ -53,7 +53,7 @@ TEST_F(Ssh2ManInTheMiddle, AChangedBitOfTheLineGivesNoKeys) {
     }
 }
 
-// The padding of a packet in the clear is in no hash either.
+// The padding of an unencrypted packet is not part of the hash either.
 TEST_F(Ssh2ManInTheMiddle, AChangedBitOfTheOfferGivesNoKeys) {
     const size_t size = 5 + ServerKexInit().size();
     for (size_t place = 0; place <= size; place++) {
@@ -81,7 +81,7 @@ TEST_F(Ssh2ManInTheMiddle, AChangedBitOfHostKeyOrPublicValueGivesNoKeys) {
     }
 }
 
-// Of the blob, the two numbers are what is signed with; their own length field is not looked at.
+// Only the two numbers of the blob are checked; the client ignores their length field.
 TEST_F(Ssh2ManInTheMiddle, AChangedBitOfTheSignatureGivesNoKeys) {
     BeginToOffer();
     Offer();

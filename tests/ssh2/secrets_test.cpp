@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Secrets are wiped as soon as they are spent, and all of them at the end of the session.
+// Secrets are wiped as soon as they are no longer needed, and all of them at the session's end.
 #include "connection/connection.h"
 #include "crypto/ciphers.h"
 #include "crypto/packet_checks.h"
@@ -13,7 +13,7 @@ class Ssh2Secrets : public Conversation {};
 
 const std::string kPassword = "a password of 30 bytes, no less";
 
-// What the keys in use make of a block, in each direction, and of a packet.
+// The results of the keys in use for a block in each direction and for a packet's MAC.
 std::string Fingerprint(const SshCipher& cipher) {
     BYTE out[8] = {}, in[8] = {}, packet[8 + kSha1Size] = {};
     cipher.encrypt(out, 8);
@@ -24,7 +24,7 @@ std::string Fingerprint(const SshCipher& cipher) {
     return bytes.append(packet + 8, packet + sizeof(packet));
 }
 
-// Of no keys at all. The incoming MAC key cannot be seen but by a MAC that holds.
+// The fingerprint without keys. The incoming MAC key shows only in a MAC that matches.
 std::string FingerprintOfNone(const SshCipher& cipher) {
     WipeCipherKeys();
     WipeMacKeys();
@@ -65,7 +65,7 @@ TEST_F(Ssh2Secrets, IncomingMacKeyIsForgottenToo) {
     OnSocketEvent(1);
     BYTE packet[8 + kSha1Size] = {};
     WipeCipherKeys();
-    kHmacSha1.generate(packet, 8, 0);  // with the outgoing key, which is none
+    kHmacSha1.generate(packet, 8, 0);  // with the outgoing key, which is cleared
     EXPECT_EQ(kHmacSha1.verify(packet, 8, 0), 1) << "as the incoming one is";
 }
 

@@ -52,7 +52,7 @@ TEST_F(Ssh2Packets, ChunksOfEverySizeMakeTheSamePackets) {
     }
 }
 
-// The padding of such a packet is less than four bytes, which nobody minds.
+// Such a packet has less than four bytes of padding, which the client accepts.
 TEST_F(Ssh2Packets, PacketOfOneBlockNeedsOnlyItsHeadDecrypted) {
     ToShell();
     const uint32_t before = session.ssh2.recvSeq;
@@ -137,7 +137,7 @@ TEST_F(Ssh2Packets, LengthOf65535IsWaitedForUntilTheBufferOverflows) {
     Identify();
     Receive(U32(65535) + std::string(65531, 'x'));
     EXPECT_EQ(session.ssh.recvFill, 65535);
-    Offer();  // does not fit behind it: what waited is dropped
+    Offer();  // does not fit behind it, so the buffer is dropped
     Reply();
 }
 
@@ -203,10 +203,10 @@ TEST_F(Ssh2Packets, DisconnectIsIgnored) {
     EXPECT_EQ(outside.display, "still here");
 }
 
-// Nothing that carries a password or a terminal's bytes is asked for or shown in the clear.
+// Without encryption the client neither asks for a password nor shows data.
 TEST_F(Ssh2Packets, MessagesOfLaterLayersAreIgnoredInTheClear) {
     const std::function<void()> steps[] = {[this] { Identify(); }, [this] { Offer(); },
-                                           [this] { Reply(); }};  // our NEWKEYS is out
+                                           [this] { Reply(); }};  // our NEWKEYS has been sent
     for (const auto& step : steps) {
         step();
         for (const int number : {6, 51, 52, 91, 94, 95, 99})
@@ -241,7 +241,7 @@ TEST_F(Ssh2Packets, PacketsOfASessionBegunAsTheOtherProtocolAreIgnored) {
     session.settings.ssh_type2 = 0;
     Receive(server.line);
     outside.wire.clear();
-    session.settings.ssh_type2 = 1;  // chosen for the next session
+    session.settings.ssh_type2 = 1;  // the setting for the next session
     Give(ServerKexInit());
     ExpectSilence();
     ExpectOpen();
@@ -446,7 +446,7 @@ TEST_F(Ssh2KeyExchange, SecondKexInitRestartsTheExchange) {
     ExpectClosed();
 }
 
-// The server's NEWKEYS then brings the keys of the last exchange alone.
+// The server's NEWKEYS then activates only the keys of the last exchange.
 TEST_F(Ssh2KeyExchange, SecondExchangeBeforeNewKeysReplacesTheFirst) {
     Identify();
     Offer();
@@ -558,7 +558,7 @@ TEST_F(Ssh2KeyExchange, TypingMeanwhileWaitsForTheNewKeys) {
     ExpectSilence();
 }
 
-// Many small answers of the terminal, as a host can provoke them.
+// Many small replies of the terminal, as a host can trigger them.
 TEST_F(Ssh2KeyExchange, HeldDataIsNotReallocatedForEachPiece) {
     ToShell();
     Offer();
@@ -606,7 +606,7 @@ TEST_F(Ssh2KeyExchange, PieceThatDoesNotFitTheHeldDataIsDroppedWhole) {
     Expect(ClientData("after"));
 }
 
-// Every packet of it, both ways of the session around it too.
+// Every packet of the exchange, and of the session before and after it.
 TEST_F(Ssh2KeyExchange, InMidSessionComesInOneByteChunks) {
     for (const DWORD type : {1u, 2u}) {
         NewSession();
@@ -663,10 +663,10 @@ TEST_F(Ssh2KeyExchange, EndOfTheSessionWipesItsSecrets) {
     EXPECT_EQ(session.ssh.recvFill, 0);
 }
 
-// As when the user asks for one more connection while this one stands.
+// As when the user connects again while this connection is up.
 TEST_F(Ssh2KeyExchange, LineInMidSessionRestartsTheProtocol) {
     ToShell();
-    Offer();  // and an exchange is under way
+    Offer();  // a key exchange is in progress
     Type("held");
     session.banner_sent = 0;
     server = {};
@@ -685,7 +685,7 @@ TEST_F(Ssh2KeyExchange, LineInMidSessionRestartsTheProtocol) {
 TEST_F(Ssh2KeyExchange, NextSessionKeepsNoStateOfTheLast) {
     Identify();
     Offer();
-    Reply();  // our NEWKEYS has gone out
+    Reply();  // our NEWKEYS has been sent
     session.banner_sent = 0;
     outside.wire.clear();
     server = {};

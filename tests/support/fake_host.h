@@ -17,15 +17,15 @@ struct FakeHost {
     bool Send(const std::string& bytes);
     void SendUrgent(char byte);
     size_t TrySend(const std::string& bytes);  // sends what fits without waiting; returns the count
-    std::string Read(size_t count,
-                     int milliseconds = 10000);  // `count` bytes, or fewer at the time limit
-    std::string ReadSome(int milliseconds);      // everything that arrives within the time
-    bool Closed(int milliseconds = 10000);       // true once the client has closed its end
-    void Drop();                                 // an orderly close
-    void Reset();                                // an abort
+    // `count` bytes, or fewer at the time limit.
+    std::string Read(size_t count, int milliseconds = 10000);
+    std::string ReadSome(int milliseconds);  // everything that arrives within the time
+    bool Closed(int milliseconds = 10000);   // true once the client has closed its end
+    void Drop();                             // an orderly close
+    void Reset();                            // an abort
 
-    std::string Config(
-        const std::string& more = "") const;  // text of an mconfig.cfg that connects here
+    // The text of an mconfig.cfg that connects here.
+    std::string Config(const std::string& more = "") const;
 
     int listener = -1;
     int connection = -1;

@@ -28,7 +28,6 @@ struct RealServer {
 
 // Clears the screen and runs the command at the shell's prompt "$ ".
 void ClearAndRun(const std::string& command);
-void ExpectFirstScreenOfVttest(
-    const std::string& program);  // its path, or a name that the shell finds
+void ExpectFirstScreenOfVttest(const std::string& program);  // its path, or a name on PATH
 
 #endif
