@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The command table and the main window's own messages, by what a person sees of them.
+// The commands and messages of the main window, tested by what a person sees.
 #include <gtest/gtest.h>
 #include <QDesktopServices>
 #include <QDir>
@@ -205,7 +205,7 @@ TEST(Commands, SmallerFontStopsAtTheSecondSize) {
     });
 }
 
-// Stands in the way of the desktop's viewer, and keeps what it was given.
+// Replaces the desktop's viewer and records the address that it gets.
 QUrl g_opened;
 
 class Viewer : public QObject {
@@ -234,7 +234,7 @@ TEST(Commands, HelpOpensThePageInTheDesktopsViewer) {
     });
 }
 
-// Where the page should lie there is a folder, as nobody, not even root, writes a file over one.
+// A folder has the name of the page, because no user, not even root, can write a file over it.
 TEST(Commands, HelpOpensATemporaryPageWhenTheDeviceFolderCannotBeWritten) {
     RunProgram({}, [] {
         auto viewer = std::make_unique<Viewer>();

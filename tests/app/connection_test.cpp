@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The connection manager against a host whose every byte the test decides.
+// The connection manager against a host whose bytes the test controls.
 #include <gtest/gtest.h>
 
 #include "session/session_state.h"
@@ -299,8 +299,8 @@ TEST(Connection, ResizeSendsATelnetHostNothing) {
     });
 }
 
-// A chunk that the window thread has not taken yet keeps the thread from reading on: what the host
-// sends then waits in the sockets, and the host is held up.
+// The receiving thread does not read on while the window thread has not handled its chunk. The
+// host's next bytes then wait in the sockets, and the host has to stop sending.
 TEST(Connection, SlowTerminalSlowsTheSocket) {
     FakeHost host;
     WithSession(host, [&] {
@@ -406,7 +406,7 @@ TEST(Connection, ConnectingWhileOnlineNeitherClearsTheScreenNorLogsInAgain) {
     });
 }
 
-// Whatever comes of it, a connect begins by forgetting what SSH had reached.
+// Each connect clears the SSH progress first, even if the connect then fails.
 TEST(Connection, EveryConnectResetsTheSshProgress) {
     FakeHost host;
     const auto reached = [] {
@@ -441,7 +441,7 @@ TEST(Connection, EveryConnectResetsTheSshProgress) {
     });
 }
 
-// Local echo and the attribute are the terminal's and stay; what the host set up goes.
+// Local echo and the attribute belong to the terminal and stay; the host's modes are reset.
 TEST(Connection, NewSessionClearsTheScreenAndKeepsAttributeAndEcho) {
     FakeHost host;
     WithSession(host, [&] {

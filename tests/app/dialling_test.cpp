@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Dialling on the running program. The dial-up program is a script of the test's own that writes
-// the lines of pppd in their order and ends with its exit codes.
+// Dialling in the running program. The dial-up program is a script that writes the lines of pppd in
+// order and ends with its exit codes.
 #include "connection/connection.h"
 #include "terminal/screen_buffer.h"
 #include "tests/app/dial_stage.h"
@@ -88,7 +88,7 @@ TEST_F(Dialling, AnotherDialsFirstStateIsNotShownWhenItWasTheLast) {
     });
 }
 
-// Its own state, and its error with it, is passed over where the last dial ended in the same one.
+// A first state that equals the last state of the previous dial is ignored, and its error too.
 TEST_F(Dialling, TheLastStateOfADialIsNotForgottenByTheNext) {
     MakeEntry("depot");
     MakeProgram("exit 1\n");
@@ -105,7 +105,7 @@ TEST_F(Dialling, TheLastStateOfADialIsNotForgottenByTheNext) {
             lstrcpyW(session.settings.ras, u"depot");
             StartDial();
             EXPECT_EQ(session.dialling, 1u);
-            AnswerMessageBoxes(true);  // were one to come
+            AnswerMessageBoxes(true);  // if one appears
             OnDialEvent(RASCS_Disconnected, 676);
             AnswerMessageBoxes(false);
             EXPECT_EQ(session.dialling, 1u);
@@ -475,7 +475,7 @@ TEST_F(Dialling, LeavesNoDescriptorOpen) {
     EXPECT_EQ(open(), before);
 }
 
-// The connect that follows clears the screen, unless a session stands already.
+// The connect that follows would clear the screen, but not while a session is up.
 TEST_F(Dialling, ASuccessfulDialWritesItsLineBeforeItConnects) {
     FakeHost host;
     WithSession(host, [&] {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Numbers that are fixed: those of the messages, which the receiving thread and the dial-up service
-// post, and what the program asks of the window manager.
+// Fixed numbers: those of the messages that the receiving thread and the dial-up service post, and
+// the window class that the program registers.
 #include <gtest/gtest.h>
 
 #include "platform/qt/window/window.h"
@@ -46,7 +46,7 @@ TEST(FixedNumbers, MessagesAreHandledByTheirNumbers) {
     });
 }
 
-// What the thread posts is looked at before the window thread takes it.
+// Checks what the thread posts before the window thread takes it.
 TEST(FixedNumbers, ReceivingThreadPostsTheNumbers) {
     FakeHost host;
     RunProgram({}, [&] {

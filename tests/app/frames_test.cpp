@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What reaches the screen, and when: frames of the running program.
+// What the running program draws on the screen, and in which frames.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -20,7 +20,7 @@
 
 namespace {
 
-// What the desktop shows, where Picture() draws anew.
+// The pixels that the desktop really shows; Picture() would draw the window again.
 QImage Glass() {
     QImage glass;
     OnWindowThread([&] {
@@ -38,7 +38,7 @@ bool AllPainted() {
     return true;
 }
 
-// Everything that the host sent is taken in and painted: its question is answered after it.
+// Waits until everything is handled and painted: the reply to a report request comes after it.
 void AwaitRest(FakeHost& host) {
     host.Send("\033[6n");
     std::string answer;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Keys closely: the accelerators, what reaches the host of a key press, stored sequences.
+// Edge cases of keys: accelerators, what a key press sends to the host, stored sequences.
 #include <gtest/gtest.h>
 #include <QKeyEvent>
 #include <QtTest/QTest>
@@ -21,7 +21,7 @@ bool Ended() {
 
 // ---------------------------------------------------------------- accelerators
 
-// As X11 gives them: Shift turns = into + and - into _.
+// The key events of X11: Shift turns = into + and - into _.
 void Strike(int key, Qt::KeyboardModifiers modifiers, const QString& text = QString()) {
     OnWindowThread([=] {
         for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {

@@ -189,12 +189,12 @@ TEST(Keyboard, OneKeyPressReachesTheHostOnce) {
     });
 }
 
-// ---------------------------------------------------------------- keys that the table names
+// ---------------------------------------------------------------- keys in the table
 
 struct NamedKey {
     int key;
     Qt::KeyboardModifiers modifiers;
-    const char* character;  // as the desktop gives it with the key
+    const char* character;  // the character that the desktop sends with the key
     int row;
 };
 
@@ -270,7 +270,7 @@ TEST(Keyboard, BackspaceWithItsDefaultRowAndKeysOutsideTheTableAreSentAsCharacte
     });
 }
 
-// A dead key before it gives a press a second character.
+// A dead key pressed before adds a second character to a press.
 TEST(Keyboard, OneCharacterIsKeptBackForAKeyThatTheTableTakes) {
     FakeHost host;
     RunProgram({}, [&] {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The main window where its messages, boxes, menus, keys and the input panel meet half way.
+// The main window when messages, boxes, menus, keys and the input panel interrupt each other.
 #include <gtest/gtest.h>
 #include <QInputMethodEvent>
 #include <QMenu>
@@ -61,7 +61,7 @@ void ShowPanel(bool up) {
     ASSERT_TRUE(Eventually([=] { return session.input_panel_up == (up ? 1u : 0u); }));
 }
 
-// The lower edge of the cursor's row, and the panel's upper one, on the screen.
+// True if the lower edge of the cursor's row is above the panel's upper edge on the screen.
 bool CursorAboveThePanel() {
     UpdateWindow(session.client_window);
     RECT client;
@@ -325,7 +325,7 @@ TEST(MainWindowEdges, ScreenOf350PixelsTakesTheLongFormat) {
         });
 }
 
-// ---------------------------------------------------------------- messages and commands, closely
+// ---------------------------------------------------------------- messages and commands
 
 TEST(MainWindowEdges, ChildWindowsHaveTheirNumbers) {
     RunProgram({}, [] {

@@ -175,8 +175,8 @@ TEST(Bignum, Ssh1FormOfZeroIsTwoZeroBytes) {
 TEST(Bignum, Ssh1FormThatIsCutShortIsRefused) {
     ByteString form = FromHex("0011010203");
     for (int length = 0; length < 5; length++) {
-        ByteString exact(form.begin(),
-                         form.begin() + length);  // the sanitizer sees a read beyond it
+        // Exactly its size, so that the sanitizer sees a read past its end.
+        ByteString exact(form.begin(), form.begin() + length);
         EXPECT_EQ(BignumFromSsh1Bytes(exact.data(), length), nullptr) << length;
     }
     EXPECT_EQ(NumberHex(Number(BignumFromSsh1Bytes(form.data(), 5)).get()), "10203");

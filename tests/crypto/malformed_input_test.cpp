@@ -235,8 +235,8 @@ TEST(MalformedRsa, KeyCutShortAnywhereIsRefusedAndLeftEmpty) {
         EXPECT_EQ(key.modulus, nullptr);
         EXPECT_EQ(key.exponent, nullptr);
     }
-    EXPECT_EQ(ParseRsa(bytes + RandomBytes(30), &key),
-              Size(bytes));  // returns the length that it read
+    // The result is the length of the key without the bytes behind it.
+    EXPECT_EQ(ParseRsa(bytes + RandomBytes(30), &key), Size(bytes));
     RsaReleaseKey(&key);
 }
 

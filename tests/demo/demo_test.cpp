@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The demo host as its clients see it: start and end, login, every page, bad bytes, slow readers.
+// The demo host as clients see it: start and end, login, every page, invalid bytes, slow readers.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -146,8 +146,8 @@ TEST_F(DemoHost, UnknownChoiceIsReportedAndAskedAgain) {
 
 struct PageCase {
     const char* choice;
-    const char* shows;  // stands on the page when it is complete
-    const char* leave;  // what goes back to the menu
+    const char* shows;  // text at the end of the complete page
+    const char* leave;  // the keys that return to the menu
 };
 
 class DemoPages : public testing::TestWithParam<PageCase> {};
@@ -280,7 +280,7 @@ TEST_F(DemoHost, KeysPageShowsTheBytesOfEachKey) {
     ASSERT_NE(page, kNowhere);
     Send(client, "\x1bOP");
     EXPECT_NE(Expect(client, "1B 4F 50 ", page), kNowhere);
-    // IAC EOR, which this program's own key strings end with, is no data.
+    // IAC EOR, with which Quill ends its key strings, is not data.
     Send(client, "\x7f\xff\xef");
     const size_t rubout = Expect(client, "7F ", page);
     ASSERT_NE(rubout, kNowhere);

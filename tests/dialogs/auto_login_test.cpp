@@ -39,7 +39,7 @@ Stage FreshStage() {
 
 class AutoLoginField : public testing::TestWithParam<Field> {};
 
-// Types `typed` into the one field, presses the button, and compares all of them.
+// Types `typed` into one field, presses the button and compares all fields.
 void TypeAndClose(const Field& field, const std::u16string& typed, int button,
                   const std::u16string& expected) {
     const Stage stage = FreshStage();

@@ -24,7 +24,7 @@ Stage FreshStage(const std::function<void()>& before = {}) {
 
 std::u16string Face(int i) { return session.view.faces[i].font.lfFaceName; }
 
-// A second face whose name is known; the fonts of the machine decide whether there is one anyway.
+// Adds a second face with a known name, because a machine may have only one.
 void AddFace(const char16_t* name) {
     OnWindowThread([=] {
         ViewState& view = session.view;
@@ -161,7 +161,7 @@ TEST(FontDialog, TheTerminalIsLaidOutForTheNewFontsCells) {
         ASSERT_TRUE(Eventually([] { return session.view.visible_columns > 0; }));
         const int columns = session.view.visible_columns;
         const HWND dialog = OpenFont();
-        OnWindowThread([] { s.fsize = 20; });  // in place of a face of larger cells
+        OnWindowThread([] { s.fsize = 20; });  // instead of a face with larger cells
         ClickControl(dialog, IDOK);
         ASSERT_TRUE(Closed(dialog));
         EXPECT_TRUE(Eventually([=] { return session.view.visible_columns < columns; }, 3000));

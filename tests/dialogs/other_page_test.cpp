@@ -106,7 +106,7 @@ TEST_P(OtherMark, ASecondClickTogglesItBack) {
 INSTANTIATE_TEST_SUITE_P(Each, OtherMark, testing::ValuesIn(kMarks),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// The mark and the setting are turned each from what it was, so that they part if they differ.
+// A click toggles the mark and the setting separately, so different values stay different.
 TEST(OtherPage, MarkAndSettingAreToggledIndependently) {
     RunProgram(FreshStage(), [] {
         const OpenSheet open = OpenOther();

@@ -16,7 +16,7 @@ namespace {
 
 Settings& s = session.settings;
 
-// What AskSignOn returned: -1 while it has not.
+// The result of AskSignOn; -1 until it returns.
 std::atomic<int> g_answer;
 
 HWND OpenSignOn() {

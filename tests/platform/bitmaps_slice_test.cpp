@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Decoding the bitmaps and icons of the resources, whole and damaged.
+// Decodes intact and damaged bitmaps and icons of the resources.
 #include "platform/qt/services/resources.h"
 
 #include <gtest/gtest.h>
@@ -40,7 +40,7 @@ Bytes MakeBitmap(const Shape& shape, const Pixels& palette, const Bytes& rows) {
     return bytes;
 }
 
-// From a block of exactly that size, so that a read past its end is seen by the sanitizer.
+// Decodes from a block of exactly that size, so that the sanitizer sees a read past its end.
 bool Decode(const Bytes& bytes, size_t size, Bitmap* bitmap) {
     const std::unique_ptr<uint8_t[]> copy(new uint8_t[size]);
     std::copy(bytes.begin(), bytes.begin() + static_cast<long>(size), copy.get());
@@ -163,7 +163,7 @@ TEST(Bitmaps, EachChangedByteIsReadWithinItsBounds) {
     }
 }
 
-// Two pixels by two, and behind them a mask in which the left one below is seen through.
+// Two by two pixels, followed by a mask that makes the lower left one transparent.
 Bytes MakeIcon(int32_t height = 4) {
     const Bytes colors_and_mask = {0x01, 0, 0, 0, 0x23, 0, 0, 0, 0x80, 0, 0, 0, 0x00, 0, 0, 0};
     return MakeBitmap({.height = height}, Ramp(16), colors_and_mask);

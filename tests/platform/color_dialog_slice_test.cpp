@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The chooser of colours, and the library that it is found in.
+// The colour chooser, and the library that provides it.
 #include <gtest/gtest.h>
 #include <QColorDialog>
 #include <QScreen>

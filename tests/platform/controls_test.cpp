@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The status window, the command bar, and what the shell says of the device.
+// The status window, the command bar, and what the shell reports of the device.
 #include "tests/platform/test_windows.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The controls of dialogs, acted upon by messages alone.
+// The controls of dialogs, driven only by messages.
 #include "tests/platform/test_dialogs.h"
 
 namespace {

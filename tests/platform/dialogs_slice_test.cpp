@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dialogs on the desktop: the keyboard and the mouse of a person, what a screen reader is told,
+// Dialogs on the desktop: the keyboard and the mouse of a person, what a screen reader gets,
 // small screens.
 #include <gtest/gtest.h>
 #include <QAbstractButton>
@@ -56,14 +56,14 @@ INT_PTR Show(int id, HWND owner = nullptr) {
     return DialogBoxParamW(nullptr, MAKEINTRESOURCE(id), owner, Procedure, 0);
 }
 
-// Lets what is queued be dealt with, while a dialog is open.
+// Handles queued messages and events while a dialog is open.
 void Settle(int milliseconds = 20) {
     bool passed = false;
     QTimer::singleShot(milliseconds, [&] { passed = true; });
     RunModalLoop([&] { return passed; });
 }
 
-// What a person has left open is closed with 99.
+// Closes a dialog that the test has left open; its result is then 99.
 void EndWhatIsOpen() {
     const Window* window = FindWindowRecord(ShownDialog());
     if (window && !window->dialog->ended) EndDialog(window->handle, 99);
@@ -94,7 +94,8 @@ bool Press(int key, int modifiers = 0) {
     return pressed;
 }
 
-// With Alt, as the desktop turns it into a shortcut; buttons are seen to go down and up again.
+// Presses Alt and the letter, a shortcut of the desktop. A button takes some time to go down and
+// up.
 void PressMnemonic(char letter) {
     QWidget* dialog = FindWindowRecord(ShownDialog())->widget;
     QTest::keyClick(dialog, letter, Qt::AltModifier);
@@ -394,7 +395,7 @@ TEST_F(DialogSlice, ComboIsChosenFromAndTypedOver) {
         EXPECT_EQ("beta", ControlText(kHost));
         EXPECT_TRUE(Heard(kHost, CBN_SELCHANGE));
         TypeInto(kHost, "al");
-        EXPECT_EQ("al", ControlText(kHost));  // nothing is completed
+        EXPECT_EQ("al", ControlText(kHost));  // no automatic completion
         EXPECT_EQ(CB_ERR, SendDlgItemMessageW(ShownDialog(), kHost, CB_GETCURSEL, 0, 0));
         Press(Qt::Key_Down);
         EXPECT_EQ(2, SendDlgItemMessageW(ShownDialog(), kHost, CB_GETCOUNT, 0, 0));
@@ -422,7 +423,7 @@ TEST_F(DialogSlice, InnerDialogIsOnTopUntilItCloses) {
               }));
 }
 
-// What a loop waits for may come while it only looks whether anything has come.
+// The end of the loop may come while the loop only checks the queue.
 TEST_F(DialogSlice, ModalLoopSeesItsEndAtOnce) {
     bool done = false, late = false;
     QTimer rescue;

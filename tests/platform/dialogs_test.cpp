@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dialogs: their procedure, their end, their owner and their place.
+// Dialogs: their procedure, their end, their owner and their position.
 #include "tests/platform/known_gap.h"
 #include "tests/platform/test_dialogs.h"
 
@@ -7,7 +7,7 @@ namespace {
 
 using Dialogs = DialogTest;
 
-// A window that counts what reaches it.
+// A window that counts the messages that it gets.
 int g_counted = 0;
 
 LRESULT CALLBACK CountProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {

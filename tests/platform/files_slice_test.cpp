@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where the device's files lie.
+// Where the files of the device are on the desktop's file system.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>

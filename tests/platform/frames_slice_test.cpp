@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Frames: how many come at once and at what pace, and what one of them paints.
+// Frames: how many come at once, at what pace they follow, and what one frame paints.
 #include "platform/qt/window/frames.h"
 
 #include "platform/qt/window/window.h"
@@ -9,7 +9,7 @@ namespace {
 
 constexpr qint64 kMillisecond = 1000000;
 
-// How many frames begin in a time in which every millisecond asks for one.
+// Counts the frames that begin if every millisecond requests one.
 int FramesIn(FramePace* pace, qint64 from, qint64 milliseconds) {
     int frames = 0;
     for (qint64 i = 0; i < milliseconds; i++) {
@@ -73,7 +73,7 @@ class Frames : public WindowTest {
         HurryFrames();
         heard.clear();
     }
-    // Every paint is a real one, and does something on its way.
+    // Paints each window for real, and calls `something` during the paint.
     void PaintAndDo(const std::function<void(HWND)>& something) {
         answer = [something](const Heard& now, LRESULT* result) {
             if (now.message != WM_PAINT) return false;
@@ -152,7 +152,7 @@ TEST_F(Frames, DelayedPaintsAreNeverLost) {
     EXPECT_EQ(Of(WM_PAINT, children[0]).size(), Of(WM_PAINT, children[2]).size());
 }
 
-// Nothing else wakes the queue. Should the frame not come, a timer does, and is then in the queue.
+// Nothing else wakes the queue. If the frame does not come, a timer wakes it and is then queued.
 TEST_F(Frames, DelayedPaintWakesTheSleepingQueue) {
     PaintAndDo([](HWND) {});
     SetTimer(top, 7, 3000, nullptr);

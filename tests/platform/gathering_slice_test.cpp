@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whether small pieces go out at once or are gathered.
+// Whether the socket sends small pieces at once or gathers them.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -63,8 +63,8 @@ TEST_F(Gathering, DataAfterAPauseIsSentAtOnce) {
     EXPECT_TRUE(AtOnce());
 }
 
-// The run is sent so fast that no rest comes into it, but on a machine that stands still for a
-// moment.
+// The run is fast enough to contain no pause, unless the machine stalls for a moment; then the test
+// tries again.
 TEST_F(Gathering, ALongRunIsGatheredUntilTheNextPause) {
     for (int tries = 0; tries < 100 && (tries == 0 || AtOnce()); tries++)
         for (int i = 0; i <= kSentAtOnce; i++) Send(static_cast<char>('a' + i));

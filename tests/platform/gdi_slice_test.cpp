@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Glyphs that leave their cells, seen on the picture.
+// Fonts and glyphs of the slice, checked on a picture: clipping to the cell, and shared fonts.
 #include <QImage>
 
 #include "platform/qt/window/gdi.h"
@@ -76,7 +76,7 @@ TEST_F(Glyphs, AreClippedToTheirCell) {
     DeleteObject(font);
 }
 
-// The two have their font in common, or not.
+// True if both handles share one font. Deletes both.
 static bool OneFont(HFONT one, HFONT other) {
     const bool same = one->font == other->font;
     DeleteObject(one);

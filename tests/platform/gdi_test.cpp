@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Fonts and their measures, what a device context remembers, and drawing calls' results.
+// Fonts and their metrics, the state of a device context, and the results of drawing calls.
 #include <set>
 
 #include "tests/platform/known_gap.h"

@@ -4,7 +4,7 @@
 
 namespace {
 
-// What a block reports, in order: f a failure, s a skip.
+// The results that a block reports, in order: f is a failure, s a skip.
 template <typename Block>
 std::string ResultsOf(Block block) {
     testing::TestPartResultArray results;

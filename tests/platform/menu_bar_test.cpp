@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The shell's menu bar, from the program's own resources, and starting other programs.
+// The shell's menu bar, made from the program's resources, and starting other programs.
 #include "resources/resource_ids.h"
 #include "tests/platform/test_windows.h"
 

@@ -126,7 +126,7 @@ TEST_F(Messages, TimerDoesNotRepeatMissedTicks) {
     Sleep(200);
     const DWORD begin = GetTickCount();
     RunUntilIdle();
-    const DWORD passed = GetTickCount() - begin;  // ticks of this time are not missed ones
+    const DWORD passed = GetTickCount() - begin;  // ticks during this time are not missed ones
     EXPECT_LE(Of(WM_TIMER).size(), 2u + passed / 10);
     KillTimer(top, 5);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dial-up entries out of a folder of peers.
+// Dial-up entries, read from a folder of peers.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -29,7 +29,7 @@ class DialUpEntries : public testing::Test {
     static void Make(const std::string& name) {
         std::ofstream(services_test_hooks.dial_up_folder + "/" + name) << "/dev/ttyS0\n";
     }
-    // With room for that many entries.
+    // Lists with a buffer for that many entries.
     DWORD Enumerate(size_t room) {
         entries.assign(room + 1, {});
         entries[0].dwSize = sizeof(RASENTRYNAMEW);
@@ -105,7 +105,7 @@ TEST_F(DialUpEntries, BackupsHiddenFilesAndLongNamesAreNotListed) {
     EXPECT_EQ(u"name-of-20-character", Name(0));
 }
 
-// Its name could not be given to the program as it is.
+// The slice could not pass its name to the program unchanged.
 TEST_F(DialUpEntries, AFileWhoseNameIsNoTextIsNotListed) {
     Make("caf\xe9");
     Make("caf\xc3\xa9");

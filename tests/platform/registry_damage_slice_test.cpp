@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Registry files that are none: each is set aside as it was, and a fresh one takes its place.
+// Damaged registry files: the slice renames each one and creates a new file.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -62,7 +62,7 @@ void Write(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
 
-// A registry of several pages, as it lies on the disk.
+// The bytes of an intact registry file of several pages.
 std::string SoundFile() {
     EmptyFolder();
     for (int i = 0; i < 300; i++) SaveNumber(i, static_cast<DWORD>(i));
@@ -253,7 +253,7 @@ TEST_F(DamagedRegistry, DamageWhileOpenIsSetAsideToo) {
         file.seekp(4096);
         file << std::string(static_cast<size_t>(fs::file_size(RegistryFile())) - 4096, '\x5A');
     }
-    // A change by another connection makes this one read the pages again.
+    // After a change by another connection this one reads the pages again.
     sqlite3* database = nullptr;
     sqlite3_open(RegistryFile().c_str(), &database);
     sqlite3_exec(database, "PRAGMA user_version = 3", nullptr, nullptr, nullptr);

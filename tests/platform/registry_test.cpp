@@ -12,7 +12,7 @@ const LPCWSTR kPath = TEXT("Software\\QUILLWARE\\REGISTRY TEST");
 
 LPCWSTR const kNames[] = {TEXT("number"), TEXT("text"), TEXT(""), TEXT("Other")};
 
-// Each test finds the key without a value.
+// Each test starts with the key and no value.
 class RegistryKey : public testing::Test {
   protected:
     void SetUp() override {

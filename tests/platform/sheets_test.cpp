@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Property sheets, acted upon by messages alone.
+// Property sheets, driven only by messages.
 #include <utility>
 
 #include "tests/platform/test_dialogs.h"
 
 namespace {
 
-// What the pages have heard, "page:notice", and how they are to answer.
+// The notifications that the pages got, as "page:notice", and the answers that they give.
 std::vector<Text> g_heard;
 Action g_in_sheet[2];
 LONG_PTR g_kill_answer, g_apply_answer, g_cancel_answer;

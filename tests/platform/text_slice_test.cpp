@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Text with the host's side: UTF-8, case, and formats that no program should hand over.
+// Text on the desktop: UTF-8, case conversion, and formats that no program should pass.
 #include <gtest/gtest.h>
 
 #include "platform/qt/services/services.h"
@@ -22,8 +22,8 @@ TEST(WideText, SurrogateHalvesAreNotJoined) {
 TEST(WideText, CaseConversionNeverMapsIntoAscii) {
     EXPECT_EQ(u'A', UpperUnit(u'a'));
     EXPECT_EQ(0x0178, UpperUnit(0x00FF));
-    EXPECT_EQ(0x0131, UpperUnit(0x0131));  // would be I
-    EXPECT_EQ(0x212A, LowerUnit(0x212A));  // the sign for kelvin would be k
+    EXPECT_EQ(0x0131, UpperUnit(0x0131));  // its capital would be I
+    EXPECT_EQ(0x212A, LowerUnit(0x212A));  // the small letter of the kelvin sign would be k
 }
 
 TEST(WsprintfLimits, HugeWidthsAreCut) {

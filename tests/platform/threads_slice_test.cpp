@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The clock set by hand, and what becomes of threads that nobody waits for.
+// A clock set by the test, and threads that no other thread waits for.
 #include <gtest/gtest.h>
 
 #include "tests/support/services_test_hooks.h"

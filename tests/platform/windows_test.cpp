@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Windows: their life, places, texts and scroll bars.
+// Windows: creation, destruction, positions, texts and scroll bars.
 #include "tests/platform/test_windows.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Sockets as WinSock 1.1 has them.
+// Sockets with the behaviour of WinSock 1.1.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -31,14 +31,14 @@ class Winsock : public testing::Test {
         address.sin_addr.s_addr = inet_addr("127.0.0.1");
         return connect(number, reinterpret_cast<SOCKADDR*>(&address), sizeof(address));
     }
-    // The usual way of the program: no blocking, and then the peer's side.
+    // Connects as the program does, without blocking; then the peer accepts.
     void ConnectTo(LoopbackPeer* peer) {
         DoNotBlock();
         const int result = Connect(peer->port());
         ASSERT_TRUE(result == 0 || WSAGetLastError() == WSAEWOULDBLOCK) << WSAGetLastError();
         ASSERT_TRUE(peer->Accept());
     }
-    // Waits with the socket in the sets that are named: "rwx". Gives the names that are left.
+    // Calls select with the socket in the named sets ("rwx"); returns the sets that keep it.
     std::string Select(const std::string& wanted, LONG milliseconds) {
         fd_set sets[3];
         for (size_t i = 0; i < 3; i++) {
@@ -80,7 +80,7 @@ uint32_t Dotted(int a, int b, int c, int d) {
 }
 
 constexpr DWORD kRefusal = 30;  // ms; a refusal on loopback has arrived by then
-constexpr LONG kLong = 600000;  // ms; beyond the time that a test may take
+constexpr LONG kLong = 600000;  // ms; longer than a test may take
 
 }  // namespace
 

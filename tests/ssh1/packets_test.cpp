@@ -141,8 +141,8 @@ TEST(Gathering, ExactlyFullIsNoOverflow) {
     for (const int room : {10, 9}) {
         SessionInState(5);
         session.ssh.recvFill = kSshReassemblySize - room;
-        std::memcpy(session.ssh.recvBuf, Uint32(5).data(),
-                    4);  // a packet of 12 bytes and the next one
+        // The first packet has 12 bytes; the rest belongs to the next one.
+        std::memcpy(session.ssh.recvBuf, Uint32(5).data(), 4);
         Receive(std::string(10, 'x'));
         EXPECT_EQ(outside.boxes[0], room == 10 ? kChecksum : kOutOfMemory);
     }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The adapter: what the program gets on desktop Windows where the system is not the device.
+// The adapter: what the program gets on desktop Windows where that differs from the device.
 #include "platform/win32/resource_numbers.h"
 #include "resources/resource_ids.h"
 #include "tests/platform/test_windows.h"
@@ -8,14 +8,14 @@ namespace {
 
 class Adapter : public WindowTest {
   protected:
-    // What DeviceGetMessage makes of a posted message.
+    // The message that DeviceGetMessage returns for a posted one.
     MSG Taken(UINT posted, WPARAM key, LPARAM flags) {
         MSG message = {};
         PostMessageW(top, posted, key, flags);
         GetMessageW(&message, top, 0, 0);
         return message;
     }
-    // The same for any window, and the window has it.
+    // The same for any window, which then handles the message.
     void Handle(HWND window, UINT posted, WPARAM wparam, LPARAM lparam) {
         MSG message = {};
         PostMessageW(window, posted, wparam, lparam);
@@ -32,7 +32,7 @@ bool IsFile(const std::wstring& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-// Sets the state of one key as a press would leave it.
+// Sets the state of one key, like a press of it.
 void SetKeyByte(int key, BYTE state) {
     BYTE states[256];
     GetKeyboardState(states);
@@ -142,7 +142,7 @@ TEST(ProgramIcon, IsThereInFullColourUpTo256Pixels) {
     }
 }
 
-// Windows refuses what is put on a clipboard that was emptied for nobody.
+// Windows refuses data for a clipboard that was opened and emptied without an owner.
 TEST_F(Adapter, ClipboardOpenedWithoutAnOwnerBelongsToAWindow) {
     ASSERT_TRUE(OpenClipboard(nullptr));
     EXPECT_TRUE(EmptyClipboard());
@@ -196,7 +196,7 @@ TEST_F(Adapter, F1ThatAWindowHandlesOpensNoHelp) {
         return now.message == WM_KEYDOWN || now.message == WM_HELP;
     };
     SendMessageW(top, WM_KEYDOWN, VK_F1, 0);
-    SendMessageW(top, 0x004D, 0, 0);  // the system's own message for F1
+    SendMessageW(top, 0x004D, 0, 0);  // the message of Windows for F1
     EXPECT_TRUE(Of(WM_HELP).empty());
     DefWindowProcW(top, WM_KEYDOWN, VK_F1, 0);
     EXPECT_EQ(1u, Of(WM_HELP).size());
@@ -228,7 +228,7 @@ TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
     SetKeyByte(VK_CAPITAL, 0);
 }
 
-// What a drag is: the button goes down in a window, and comes up wherever the mouse is.
+// A drag: the button goes down in a window and comes up anywhere.
 TEST_F(Adapter, DragGoesOnOutsideOfTheWindow) {
     const HWND child = Child(1);
     for (const UINT touch : {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK}) {
@@ -272,7 +272,7 @@ TEST(Library, DialogsAreTheDesktopsOwn) {
     EXPECT_TRUE(FreeLibrary(library));
 }
 
-// Anybody may put a library beside the program.
+// An attacker may put a library into the program's folder.
 TEST(Library, RemoteAccessIsTheSystemsOwn) {
     EXPECT_EQ(nullptr, GetModuleHandleW(L"rasapi32.dll"));
     DWORD size = 0, count = 9;
