@@ -116,7 +116,7 @@ TEST(FixedNumbers, MainWindowsClassTakesDoubleClicksOnWhite) {
     });
 }
 
-TEST(FixedNumbers, MainWindowIsWhiteWhereNoChildLies) {
+TEST(FixedNumbers, MainWindowIsWhiteWhereNoChildCoversIt) {
     RunProgram({}, [] {
         ASSERT_TRUE(Eventually([] { return session.view.cell_height > 0; }));
         OnWindowThread([] {

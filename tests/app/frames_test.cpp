@@ -89,7 +89,7 @@ TEST(Frames, AnEchosFrameHoldsTheTerminalAndTheStatusLine) {
     });
 }
 
-TEST(Frames, AnEchoPaintsItsRowAlone) {
+TEST(Frames, AnEchoPaintsOnlyItsRow) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\033[2J\033[7;10H");

@@ -205,7 +205,7 @@ TEST_F(HangUp, TheLinkStaysWhileTheQuestionOfTheProgramsEndIsOpenAndAfterItsCanc
 
 // ---------------------------------------------------------------- after a hang-up
 
-TEST_F(HangUp, AProgramThatEndsAsUsualIsGoneWhenTheHangUpReturns) {
+TEST_F(HangUp, AProgramThatEndsNormallyHasEndedWhenTheHangUpReturns) {
     MakeEntry("depot");
     MakeProgram("while :; do sleep 0.02; done\n", "sleep 0.2; exit 5");
     services_test_hooks.dial_up_patience = 60000;  // a normal end may take long on a busy machine

@@ -146,7 +146,7 @@ TEST(InputPanel, CursorRowStaysOutOfTheCoveredRows) {
     });
 }
 
-TEST(InputPanel, CursorRowIsInSightAsSoonAsThePanelIsUp) {
+TEST(InputPanel, CursorRowIsVisibleAsSoonAsThePanelIsUp) {
     FakeHost host;
     OnSmallDevice(host, [&] {
         host.Send("\033[24;1Hat the foot");

@@ -105,7 +105,7 @@ TEST(KeyEdges, KeysAndCharactersAreEscapedByTheSessionsFlag) {
     });
 }
 
-TEST(KeyEdges, TerminalsReportsGoUnescapedWhateverTypedDataDoes) {
+TEST(KeyEdges, TerminalReportsAreSentUnescapedWhateverTypedDataDoes) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.telnet.escape_iac = 1; });
@@ -139,7 +139,7 @@ TEST(KeyEdges, CharacterAfterAMenusKeyIsTyped) {
     });
 }
 
-TEST(KeyEdges, NewlineModeChangesEnterAlone) {
+TEST(KeyEdges, NewlineModeChangesOnlyEnter) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.modes.newline_mode = 1; });

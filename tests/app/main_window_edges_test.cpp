@@ -110,7 +110,7 @@ TEST(MainWindowEdges, KeysGoToTheHostAfterAScrollBarWasUsed) {
 
 // ---------------------------------------------------------------- the input panel's rows
 
-TEST(MainWindowEdges, PanelThatWasUpBeforeTheSessionKeepsTheCursorInSight) {
+TEST(MainWindowEdges, PanelThatWasUpBeforeTheSessionKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         ShowPanel(true);
@@ -119,7 +119,7 @@ TEST(MainWindowEdges, PanelThatWasUpBeforeTheSessionKeepsTheCursorInSight) {
     });
 }
 
-TEST(MainWindowEdges, SmallerFontUnderThePanelKeepsTheCursorInSight) {
+TEST(MainWindowEdges, SmallerFontUnderThePanelKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         OnWindowThread([] { session.settings.fsize = 20; });
@@ -132,7 +132,7 @@ TEST(MainWindowEdges, SmallerFontUnderThePanelKeepsTheCursorInSight) {
     });
 }
 
-TEST(MainWindowEdges, WiderDeviceUnderThePanelKeepsTheCursorInSight) {
+TEST(MainWindowEdges, WiderDeviceUnderThePanelKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         ConnectTo(host);
@@ -144,7 +144,7 @@ TEST(MainWindowEdges, WiderDeviceUnderThePanelKeepsTheCursorInSight) {
     });
 }
 
-TEST(MainWindowEdges, StatusBarHiddenUnderThePanelKeepsTheCursorInSight) {
+TEST(MainWindowEdges, StatusBarHiddenUnderThePanelKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         ConnectTo(host);

@@ -135,7 +135,7 @@ TEST(SessionEnd, MenusAreOfflineBeforeTheBoxOfAClosedSession) {
     });
 }
 
-TEST(SessionEnd, MenusAreMadeAfterTheBoxOfASessionThatWasNotPossible) {
+TEST(SessionEnd, MenusAreRebuiltAfterTheBoxOfASessionThatWasNotPossible) {
     FakeHost host;
     RunProgram({}, [&] {
         UseOnce(host);

@@ -298,7 +298,7 @@ TEST(SocketCalls, EachWaitForTheSocketEndsAfterAFifthOfASecond) {
 }
 
 // The test counts calls, not time: a thread that spins makes thousands of calls.
-TEST(SocketCalls, HeldBufferIsWaitedForWithoutReadingOrSpinning) {
+TEST(SocketCalls, ThreadWaitsForTheBufferWithoutReadingOrSpinning) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([&] {

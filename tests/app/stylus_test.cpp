@@ -130,7 +130,7 @@ TEST(Stylus, CopiedTextPastesAsRowsWithCarriageReturns) {
     });
 }
 
-TEST(Stylus, LettersBeyondAsciiReachTheDesktopAsTheyLook) {
+TEST(Stylus, LettersBeyondAsciiReachTheDesktopAsDisplayed) {
     WithText("\033[3;1Hcaf\xe9 \xa3", [](FakeHost&) {
         DragCells(3, 1, 3, 6);
         ASSERT_TRUE(Selected(3, 1, 3, 6));

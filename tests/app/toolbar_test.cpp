@@ -463,7 +463,7 @@ TEST(Toolbar, QuickPressesAllCount) {
     });
 }
 
-TEST(Toolbar, PressLetGoBesideTheButtonDoesNothing) {
+TEST(Toolbar, PressReleasedOutsideTheButtonDoesNothing) {
     FakeHost host;
     WithAllButtonsOnline(host, [&] {
         OnWindowThread([] {
@@ -513,7 +513,7 @@ TEST(Toolbar, FontButtonsStepTheSizeAndKeepItInItsRange) {
     });
 }
 
-TEST(Toolbar, SwapGoesFrom3To1AndStaysAsItIsAcrossASession) {
+TEST(Toolbar, SwapGoesFrom3To1AndASessionDoesNotChangeTheBar) {
     FakeHost host;
     WithAllButtonsOnline(host, [&] {
         for (const int next : {2, 3, 1, 2}) {

@@ -245,7 +245,7 @@ TEST_F(ConfigFile, LinesMayEndInCarriageReturns) {
     EXPECT_EQ(3u, StoredValues().size());
 }
 
-TEST_F(ConfigFile, CarriageReturnsAloneEndNoLine) {
+TEST_F(ConfigFile, CarriageReturnsWithoutLineFeedsEndNoLine) {
     Import("port = 24\rfsize = 9\r");
     EXPECT_EQ(std::vector<std::string>{"port"}, StoredNames());
 }
@@ -274,7 +274,7 @@ TEST_F(ConfigFile, ALongCommentEndsAfter79Characters) {
     EXPECT_EQ(1u, StoredValues().size());
 }
 
-TEST_F(ConfigFile, ATokenCutAtTheEndOfAPieceGoesOnAsANewLine) {
+TEST_F(ConfigFile, ATokenCutAtTheEndOfAPieceContinuesAsANewLine) {
     std::string line = "port =";
     line.resize(78, ' ');
     Import(line + "24 = 7\n");

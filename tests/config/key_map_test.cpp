@@ -125,7 +125,7 @@ TEST_F(KeyMap, AValueOf39CharactersIsReadWhole) {
 }
 
 // Strings of more than 80 bytes cannot be read, so the default applies before the limit of 255.
-TEST_F(KeyMap, AValueOfMoreThan255CharactersIsTheDefaultAndLoadingGoesOn) {
+TEST_F(KeyMap, AValueOfMoreThan255CharactersIsTheDefaultAndLoadingContinues) {
     StoreText("key7", std::u16string(256, u'x'));
     StoreText("key8", std::u16string(40, u'x'));
     StoreText("key9", u"after");

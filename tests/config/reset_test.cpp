@@ -59,7 +59,7 @@ TEST_F(SettingsReset, TheNextLoadFindsTheDefaults) {
     EXPECT_STREQ("\\033[C", key_map[65].text);
 }
 
-TEST_F(SettingsReset, TheRecordAndTheFlagStayAsTheyAre) {
+TEST_F(SettingsReset, TheRecordAndTheFlagDoNotChange) {
     LoadSettings();
     session.settings.fsize = 13;
     SaveSettings();

@@ -150,7 +150,7 @@ TEST_F(DefaultKeys, TheTableTakesEveryKeyThatItNamesButBackspaceWithItsDefault) 
     EXPECT_FALSE(TableTakesKey('9' + 1));
 }
 
-TEST_F(DefaultKeys, BackspaceWithAnyOtherRowIsTakenWhateverTheRowHolds) {
+TEST_F(DefaultKeys, BackspaceWithAnyOtherTextInItsRowIsTaken) {
     for (const char16_t* text : {u"", u"\\177", u"\\0", u"\\08", u"\\0080", u"\\000"}) {
         SetKeyText(&key_map[39], text);
         EXPECT_TRUE(TableTakesKey(VK_BACK));

@@ -148,7 +148,7 @@ TEST_P(BignumOracle, EverySizeInvertsNumbersFarAboveTheModulus) {
 }
 
 // Quotient estimates that have to be corrected: dividends just below, at and above multiples.
-TEST_P(BignumOracle, DividendsBesideAMultipleOfTheDivisorAreExact) {
+TEST_P(BignumOracle, DividendsNextToAMultipleOfTheDivisorAreExact) {
     for (int round = 0; round < 3000 && !HasFatalFailure(); round++) {
         Number m = RandomNumber(17 + RandomBelow(300), RandomBelow(6));
         Number q = RandomNumber(1 + RandomBelow(300), RandomBelow(6));
@@ -289,7 +289,7 @@ TEST(BignumSizes, EverySizeSetsAndClearsEachBit) {
     }
 }
 
-TEST(BignumSizes, EverySizeIsCopiedNormalisedAndComparedWhateverItsWords) {
+TEST(BignumSizes, EverySizeIsCopiedNormalisedAndComparedWithAnyWordCount) {
     for (int bits = 0; bits <= kMaxBits; bits++) {
         Number a = RandomNumber(bits, RandomBelow(6)), padded = Padded(a, 1 + RandomBelow(4));
         Number copy(BignumCopy(padded.get()));

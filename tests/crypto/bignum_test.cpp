@@ -71,7 +71,7 @@ TEST(Bignum, NormaliseStopsAtOneWord) {
     EXPECT_EQ(zero.get()[0], 1);
 }
 
-TEST(Bignum, FromBytesOfAnOddCountPutsTheFirstByteAloneInTheTopWord) {
+TEST(Bignum, FromBytesOfAnOddCountPutsOnlyTheFirstByteInTheTopWord) {
     const uint8_t bytes[5] = {0x12, 0x34, 0x56, 0x78, 0x9A};
     Number a(BignumFromBytes(bytes, 5));
     EXPECT_EQ(a.get()[0], 3);

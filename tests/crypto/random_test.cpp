@@ -58,7 +58,7 @@ TEST(Random, SecondsMinutesAndHoursOfTheClockDoNotCount) {
         EXPECT_EQ(Sequence(5 + 1000 * seconds), sequence) << seconds;
 }
 
-TEST(Random, ThereAre37SeedsAndNoMore) {
+TEST(Random, ThereAreExactly37Seeds) {
     std::set<std::vector<int>> sequences;
     for (int milliseconds = 0; milliseconds < 1000; milliseconds++) {
         sequences.insert(Sequence(milliseconds));

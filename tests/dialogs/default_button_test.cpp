@@ -40,7 +40,7 @@ std::vector<QPushButton*> Defaults() {
     return defaults;
 }
 
-TEST(DefaultButton, ATapOnAnotherOneDoesNotMakeItTheOneThatEnterPresses) {
+TEST(DefaultButton, ATapOnAnotherButtonDoesNotMakeItTheDefault) {
     RunProgram(FreshStage(), [] {
         const HWND dialog = OpenDialog(IDM_CONNECT, "Connect");
         TypeInto(dialog, IDC_HOST, u"no.invalid");
@@ -92,7 +92,7 @@ TEST_P(EachDefaultButton, IsTheOnlyOneDrawnAsDefaultWhereverTheFocusIs) {
 INSTANTIATE_TEST_SUITE_P(Each, EachDefaultButton, testing::ValuesIn(dialog_cases),
                          [](const auto& info) { return info.param.name; });
 
-TEST(DefaultButton, LooksUnlikeTheOthersAndTheFocusIsSeenOnIt) {
+TEST(DefaultButton, LooksDifferentFromTheOthersAndShowsTheFocus) {
     RunProgram(FreshStage(), [] {
         ClickControl(OpenDialog(IDM_CONNECT, "Connect"), IDC_ADVANCED);
         const HWND dialog = AwaitDialog("Connect Advanced");

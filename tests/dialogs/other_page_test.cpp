@@ -241,7 +241,7 @@ TEST(HideStatusBar, RemovesTheBarAndGivesItsRoomToTheTerminal) {
 
 class HideStatusBarAtSize : public testing::TestWithParam<DWORD> {};
 
-TEST_P(HideStatusBarAtSize, LeavesTheFontAsItWas) {
+TEST_P(HideStatusBarAtSize, KeepsTheFont) {
     const Stage stage = FreshStage([] { WriteNumber(u"fsize", GetParam()); });
     RunProgram(stage, [&] {
         ASSERT_TRUE(Eventually([] { return session.view.visible_rows > 0; }));

@@ -103,7 +103,7 @@ TEST(OutsideDialogs, ConnectByMouse) {
     });
 }
 
-TEST(OutsideDialogs, ConnectByKeysAlone) {
+TEST(OutsideDialogs, ConnectByKeysOnly) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const HWND connect = OpenByKeys("ctrl+shift+n", "Connect");

@@ -223,7 +223,7 @@ TEST(Silence, DisconnectAndConnectStartOver) {
 
 // Each in turn in one run of the program. A negotiation that was none is ended by its byte, the
 // server's offer to echo ends local echo, and its prompt begins with no attribute.
-TEST(Silence, NonsenseOfEachKindIsGoneAfterAnotherConnect) {
+TEST(Silence, AnotherConnectClearsEachKindOfNonsense) {
     FakeHost host;
     WithSession(host, [&] {
         for (const Nonsense& nonsense : AllNonsense()) {

@@ -347,7 +347,7 @@ TEST_F(DialogSlice, ListWrapsWideEntriesOnceItHasAnExtent) {
     });
 }
 
-TEST_F(DialogSlice, ListIsUsedByKeyboardAlone) {
+TEST_F(DialogSlice, ListCanBeUsedWithOnlyTheKeyboard) {
     g_on_init = [](HWND dialog) {
         Fill(dialog, kFont, LB_ADDSTRING, {u"one", u"two", u"three"});
         SendDlgItemMessageW(dialog, kFont, LB_SETCURSEL, 0, 0);
@@ -554,7 +554,7 @@ TEST_F(DialogSlice, TabsSwitchPagesFromTheMessageQueue) {
     EXPECT_EQ((std::vector<UINT>{PSN_SETACTIVE, PSN_QUERYCANCEL, PSN_RESET}), g_heard[1]);
 }
 
-TEST_F(DialogSlice, SheetIsUsedByKeyboardAlone) {
+TEST_F(DialogSlice, SheetCanBeUsedWithOnlyTheKeyboard) {
     EXPECT_EQ(1, ShowSheet([] {
                   EXPECT_EQ(400, Focused());
                   QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);

@@ -122,7 +122,7 @@ TEST_F(Frames, OneFramePaintsWhatItsOwnPaintsMakeInvalid) {
     EXPECT_EQ(1u, Of(WM_PAINT, children[2]).size());
 }
 
-TEST_F(Frames, AWindowThatIsNeverValidIsPaintedOnceAFrameAndStarvesNobody) {
+TEST_F(Frames, AWindowThatIsNeverValidIsPaintedOncePerFrameAndBlocksNothing) {
     PaintAndDo([this](HWND window) {
         if (window == children[0]) InvalidateRect(window, nullptr, FALSE);
     });

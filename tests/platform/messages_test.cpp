@@ -79,7 +79,7 @@ TEST_F(Messages, FilterTakesOnlyItsWindow) {
     EXPECT_FALSE(PeekMessageW(&message, child, 0, 0, PM_REMOVE));
 }
 
-TEST_F(Messages, ThoseOfADestroyedWindowAreGone) {
+TEST_F(Messages, ThoseOfADestroyedWindowAreDropped) {
     HWND child = Child(1);
     RunUntilIdle();
     heard.clear();

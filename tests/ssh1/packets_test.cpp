@@ -254,7 +254,7 @@ TEST(HandlePacket, LengthThatDoesNotFitTheFieldIsDropped) {
     EXPECT_EQ(Box(), "Error: SSH protocol violation. Session must close!!!");
 }
 
-TEST(SendData, IsOneStringAsItIs) {
+TEST(SendData, IsOneUnchangedString) {
     ScriptedHost host = SessionInState(5);
     std::string all;
     for (int i = 0; i < 256; i++) all += static_cast<char>(i);

@@ -177,7 +177,7 @@ TEST(Login, WithoutAUserNameIsRefusedHere) {
     });
 }
 
-TEST(Login, ServerThatWantsNoPassword) {
+TEST(Login, ServerThatRequiresNoPassword) {
     WithShell({"--no-password"}, kTripleDes,
               [](TestServer& server) { EXPECT_EQ(server.Count("password"), 0); });
 }

@@ -58,7 +58,7 @@ TEST(SignOnDialog, TypedUserAndPasswordOpenTheShell) {
     });
 }
 
-TEST(SignOnDialog, ComesAgainAfterAWrongPassword) {
+TEST(SignOnDialog, OpensAgainAfterAWrongPassword) {
     Connecting([](TestServer& server) {
         SignOn("visitor", "guess");
         ASSERT_TRUE(DismissBox(kLoginIncorrect));

@@ -324,7 +324,7 @@ TEST(SignOn, LongestTextsGoWhole) {
     EXPECT_EQ(sent[2].data.substr(0, 4 + longest.size()), String(longest));
 }
 
-TEST(SignOn, ServerThatWantsNoPasswordGetsNone) {
+TEST(SignOn, ServerThatRequiresNoPasswordGetsNoPassword) {
     ScriptedHost host = SessionInState(2);
     session.settings.ssh_def = 0;
     Receive(host.Packet(14));
@@ -443,7 +443,7 @@ TEST(Data, OfNegativeOrNoLengthIsNotSent) {
     EXPECT_EQ(Box(), "");
 }
 
-TEST(Exit, IsConfirmedAndTheSessionGoesOn) {
+TEST(Exit, IsConfirmedAndTheSessionContinues) {
     ScriptedHost host = SessionInState(5);
     Receive(Join({host.Packet(20, Uint32(3)), host.Packet(17, String("last words"))}));
     EXPECT_EQ(host.Sent(), (Messages{{33, "", ""}}));

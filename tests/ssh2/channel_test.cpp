@@ -341,7 +341,7 @@ TEST_F(Ssh2Channel, DataWhoseLengthLeadsOutsideThePacketIsDropped) {
     ExpectOpen();
 }
 
-TEST_F(Ssh2Channel, MessagesThatNeedNoAnswerGetNone) {
+TEST_F(Ssh2Channel, MessagesThatNeedNoReplyGetNoReply) {
     ToShell();
     const int ignored[] = {0, 1, 2, 3, 4, 5, 7, 22, 30, 53, 80, 81, 82, 90, 93, 96, 98, 101, 255};
     for (const int number : ignored)
@@ -386,7 +386,7 @@ TEST_F(Ssh2Channel, LongDataIsSplitAt16384Bytes) {
     ExpectSilence();
 }
 
-TEST_F(Ssh2Channel, DataIsNotHeldBackForTheServersWindow) {
+TEST_F(Ssh2Channel, DataIsSentBeyondTheServersWindow) {
     ToShell();
     EXPECT_EQ(session.ssh2.remoteWindow, 0u);
     for (int i = 0; i < 5; i++) {

@@ -53,7 +53,7 @@ TEST(SocketEvent, BufferOfANewSessionIsNotHandedBackForTheOldOne) {
     EXPECT_EQ(outside.wakes, 0);
 }
 
-TEST(SocketEvent, ChunkOfNegotiationAloneShowsNothingAndChecksNoLogin) {
+TEST(SocketEvent, ChunkOfOnlyNegotiationShowsNothingAndChecksNoLogin) {
     NewSession();
     SetText(session.settings.sear1, "\xFF");
     SetText(session.settings.resp1, "name");
@@ -208,7 +208,7 @@ TEST(SocketEvent, AnyValueOfSshButZeroIsAnSshSession) {
     }
 }
 
-TEST(SocketEvent, RepliesGoUnescapedWhateverTypedDataDoes) {
+TEST(SocketEvent, RepliesAreSentUnescapedWhateverTypedDataDoes) {
     NewSession();
     session.telnet.escape_iac = 1;
     Receive(Iac(253, 31) + "\xFF\xFA\x18\x01\xFF\xF0");

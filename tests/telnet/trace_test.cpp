@@ -97,7 +97,7 @@ TEST(Trace, UnknownOptionHasTwoBlanksBeforeItsNumber) {
     EXPECT_EQ(LinesOf(Iac(kWill, 31)), "HOST: IAC WILL  31 \n\rCLIENT: IAC  DONT  31\n\r");
 }
 
-TEST(Trace, RequestWithoutReplyShowsTheHostAlone) {
+TEST(Trace, RequestWithoutReplyShowsOnlyTheHost) {
     EXPECT_EQ(LinesOf(Iac(kDo, 1)), "HOST: IAC DO TN_ECHO \n\r");
     EXPECT_EQ(LinesOf(Iac(kWont, 5)), "HOST: IAC WONT TN_STATUS \n\r");
     EXPECT_EQ(LinesOf(Iac(kDont, 6)), "HOST: IAC DONT TN_TIMING_MARK\n\r");

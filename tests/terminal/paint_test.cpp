@@ -145,7 +145,7 @@ TEST_F(Painting, ACommaBIsDrawnAsThreePieces) {
                      Run("z", "222222 on eeeeee", 4), Run(std::string(76, ' '), kPlain, 5)}));
 }
 
-TEST_F(Painting, CommasAndUnderscoresAreEachDrawnAlone) {
+TEST_F(Painting, CommasAndUnderscoresAreDrawnSeparately) {
     Put(3, ",,_x");
     Lines row = PaintRow(3);
     EXPECT_EQ(row, (Lines{Run(",", kPlain), Run(",", kPlain, 2), Run("_", kPlain, 3),

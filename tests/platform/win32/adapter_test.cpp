@@ -123,7 +123,7 @@ TEST_F(Adapter, WindowHasAnArrowAndAnIcon) {
               GetClassLongPtrW(top, GCLP_HICON));
 }
 
-TEST(ProgramIcon, IsThereInFullColourUpTo256Pixels) {
+TEST(ProgramIcon, ExistsInFullColourUpTo256Pixels) {
     const HMODULE module = GetModuleHandleW(nullptr);
     ASSERT_NE(nullptr, LoadIconW(module, MAKEINTRESOURCEW(IDI_DESKTOP)));
     for (const int side : {16, 24, 32, 48, 256}) {
@@ -229,7 +229,7 @@ TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
 }
 
 // A drag: the button goes down in a window and comes up anywhere.
-TEST_F(Adapter, DragGoesOnOutsideOfTheWindow) {
+TEST_F(Adapter, DragContinuesOutsideTheWindow) {
     const HWND child = Child(1);
     for (const UINT touch : {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK}) {
         Handle(child, touch, MK_LBUTTON, MAKELPARAM(5, 5));

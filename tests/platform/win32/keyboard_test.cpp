@@ -85,7 +85,7 @@ TEST_F(AltGr, IsNotControl) {
     EXPECT_FALSE(ControlIsDown());
 }
 
-TEST_F(AltGr, LeavesTheControlThatIsHeldDownAsItIs) {
+TEST_F(AltGr, LeavesAHeldControlDown) {
     PressLeftControl();
     PressAltGr();
     EXPECT_TRUE(ControlIsDown());
