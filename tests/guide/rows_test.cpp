@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The tables of docs/hosts.md that say what is wrong and what to set: each row is tried by tests,
-// which this list names. A row without its line here fails, and so does a line whose test is gone.
+// The tables of docs/hosts.md that say what is wrong and what to set. This list names the tests of
+// each row. A row without a line here fails, and so does a line whose test does not exist.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 
 struct TriedRow {
     const char* first_cell;
-    const char* tests;  // with blanks between them
+    const char* tests;  // the names, separated by blanks
 };
 
 // clang-format off
