@@ -309,7 +309,7 @@ TEST_F(RegistryFileOnDisk, DeletedFileIsCreatedAgain) {
     EXPECT_EQ(2u, number);
 }
 
-TEST_F(RegistryFileOnDisk, KeyIsUnknownInAFileThatCameInItsPlace) {
+TEST_F(RegistryFileOnDisk, KeysOfARemovedFileAreUnknown) {
     ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
     HKEY key = nullptr;
     ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_QUERY_VALUE, &key));
