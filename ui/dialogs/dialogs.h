@@ -43,15 +43,4 @@ void ChooseCursorColor();
 void ChooseTextColor();
 void ChooseBoldColor();
 
-// ---------------------------------------------------------------- pages of the Properties sheet
-
-// "Keyboard": shows the key table. A change of a key takes effect at once.
-INT_PTR CALLBACK KeyboardPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
-
-// "Toolbar": one list for each of the three toolbars, each with every row of toolbar_buttons and a
-// mark at the rows that are on this toolbar. A double tap adds a row to the toolbar or removes it.
-// The change takes effect in the table at once; Cancel does not undo it. The command bar shows it
-// when the sheet has closed.
-INT_PTR CALLBACK ToolbarPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
-
 #endif
