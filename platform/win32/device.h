@@ -10,7 +10,7 @@
 
 #include "system.h"
 
-// ---------------------------------------------------------------- device_root.cpp, files.cpp
+// ---------------------------------------------------------------- files.cpp
 
 // The device's root folder, without a backslash at its end: "Quill" below the user's roaming
 // application data. The first call makes it. Empty if there is no such folder.
