@@ -39,7 +39,7 @@ void MakeRoomForMenu(HWND window);
 // Restores a minimised window, because nothing else would make it visible.
 BOOL DeviceSetForegroundWindow(HWND window);
 
-// ---------------------------------------------------------------- clipboard.cpp
+// ---------------------------------------------------------------- shell.cpp: the clipboard
 
 // Without an owner, the clipboard is opened for a window of the adapter: if it is emptied without
 // an owner, it accepts nothing afterwards.
@@ -142,7 +142,7 @@ struct SHMENUBARINFO {
 // The bar is the menu of the window `hwndParent`, below its title bar.
 BOOL SHCreateMenuBar(SHMENUBARINFO* info);
 
-// ---------------------------------------------------------------- processes.cpp
+// ---------------------------------------------------------------- shell.cpp: other programs
 
 // Starts only one program: "PegHelp.exe" opens the desktop's viewer on the help page that the
 // program contains. It returns no handles.
