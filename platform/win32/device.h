@@ -92,7 +92,7 @@ HFONT DeviceCreateFontIndirect(const LOGFONTW* font);
 HGDIOBJ DeviceSelectObject(HDC dc, HGDIOBJ object);
 BOOL DeviceDeleteObject(HGDIOBJ object);
 
-// ---------------------------------------------------------------- messages.cpp
+// ---------------------------------------------------------------- windows.cpp: messages
 
 // Gets the next message for the message loop. A window of the program that the stylus touches gets
 // its moves until it is lifted, even outside the window.
