@@ -82,7 +82,7 @@ int DeviceGetSystemMetrics(int index);
 // is null.
 void ChangeScale(HWND window, UINT new_dpi, const RECT* place);
 
-// ---------------------------------------------------------------- fonts.cpp
+// ---------------------------------------------------------------- scale.cpp: fonts
 
 // A pixel of the device's fonts is two pixels of the desktop at 100 %, so the 8-pixel font of a
 // first start is as readable as on the device. When the monitor's scale changes, a font follows
