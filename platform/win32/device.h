@@ -62,7 +62,7 @@ BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button);
 BOOL CommandBar_AddToolTips(HWND bar, UINT count, LPWSTR* tips);
 void RescaleCommandBar(HWND bar);  // adapts its height and pictures to the present scale
 
-// ---------------------------------------------------------------- bar_pictures.cpp
+// ---------------------------------------------------------------- command_bar.cpp: its pictures
 
 int BarPictureSide();  // pixels
 // Returns the pictures of a bitmap resource, side by side, with alpha; null if there are none.
