@@ -168,7 +168,7 @@ INT_PTR DevicePropertySheet(LPCPROPSHEETHEADERW header);
 void WatchSessionEnd();
 bool SessionEnds();  // [any thread]
 
-// ---------------------------------------------------------------- ras.cpp
+// ---------------------------------------------------------------- dial_up.cpp
 
 // The calls of remote access. Their library is loaded by the first of them; they return
 // ERROR_MOD_NOT_FOUND if there is none.
@@ -182,7 +182,7 @@ DWORD DeviceRasHangUp(HRASCONN connection);
 // Ends the last dial, or the connection that it made, if the program has not done so.
 void HangUpWhatIsLeft();
 
-// ---------------------------------------------------------------- library.cpp
+// ---------------------------------------------------------------- dialogs.cpp: the chooser of colours
 
 // The device's structure: `hInstance` is the module of the template.
 struct DeviceChooseColor {
