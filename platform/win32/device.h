@@ -182,7 +182,7 @@ DWORD DeviceRasHangUp(HRASCONN connection);
 // Ends the last dial, or the connection that it made, if the program has not done so.
 void HangUpWhatIsLeft();
 
-// ---------------------------------------------------------------- dialogs.cpp: the chooser of colours
+// ---------------------------------------------------------------- dialogs.cpp: choosing a colour
 
 // The device's structure: `hInstance` is the module of the template.
 struct DeviceChooseColor {

@@ -31,4 +31,11 @@ void TellHelp(std::FILE* stream);
 const char* TakeTarget(const std::string& text, RunTarget* target);
 const char* TakePort(const std::string& text, int* port);
 
+// ---------------------------------------------------------------- tasks that open no window
+
+// Needs no display and writes only to stdout and stderr. Returns the exit code: 0, or 1 if an
+// export lacks something other than the passwords that --with-passwords adds, or if settings cannot
+// be read or the output cannot be written.
+int DoTask(const CommandLine& line);
+
 #endif
