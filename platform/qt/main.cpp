@@ -15,7 +15,6 @@
 #include <QTimer>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/host/busy_profile.h"
 #include "platform/qt/host/command_line.h"
 #include "platform/qt/host/host.h"
 #include "platform/qt/host/profiles.h"

@@ -33,9 +33,9 @@ const char* TakePort(const std::string& text, int* port);
 
 // ---------------------------------------------------------------- tasks that open no window
 
-// Needs no display and writes only to stdout and stderr. Returns the exit code: 0, or 1 if an
-// export lacks something other than the passwords that --with-passwords adds, or if settings cannot
-// be read or the output cannot be written.
+// Help, version, the list of profiles, or an export. Needs no display and writes only to stdout and
+// stderr. Returns the exit code: 0, or 1 if an export lacks something other than the passwords that
+// --with-passwords adds, or if settings cannot be read or the output cannot be written.
 int DoTask(const CommandLine& line);
 
 #endif
