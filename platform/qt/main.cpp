@@ -18,7 +18,6 @@
 #include "platform/qt/host/command_line.h"
 #include "platform/qt/host/host.h"
 #include "platform/qt/host/profiles.h"
-#include "platform/qt/host/window_place.h"
 #include "platform/qt/services/services.h"
 #include "platform/qt/terminal_source.h"
 #include "platform/qt/window/device_screen.h"
