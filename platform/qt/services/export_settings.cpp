@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/qt/services/registry.h"
 #include "platform/qt/services/services.h"
-#include "platform/qt/services/settings_key.h"
 #include "windows_ce.h"
 
 constexpr size_t kLongestLine = 78;   // the program reads 79 with the line's end

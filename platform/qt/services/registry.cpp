@@ -7,7 +7,6 @@
 
 #include "platform/qt/services/run_values.h"
 #include "platform/qt/services/services.h"
-#include "platform/qt/services/settings_key.h"
 #include "windows_ce.h"
 
 constexpr LONG kErrorBadPathname = 161;

@@ -8,7 +8,6 @@
 #define QUILL_PLATFORM_QT_SERVICES_REGISTRY_H
 
 #include <sys/types.h>
-
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -65,5 +64,12 @@ class RegistryStore {
     sqlite3* database_ = nullptr;
     sqlite3_stmt* statements_[kStatements] = {};
 };
+
+// ---------------------------------------------------------------- the program's key
+
+// For the host's own access to its values.
+inline constexpr char16_t kSettingsKeyName[] = u"Software\\QUILLWARE\\TELNET";
+// The same key as the registry's file writes it.
+inline constexpr char kSettingsKeyPath[] = "HKEY_LOCAL_MACHINE\\Software\\QUILLWARE\\TELNET";
 
 #endif

@@ -9,7 +9,6 @@
 
 #include "platform/qt/services/registry.h"
 #include "platform/qt/services/services.h"
-#include "platform/qt/services/settings_key.h"
 #include "windows_ce.h"
 
 constexpr DWORD kTelnetPort = 23;
