@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The export of the settings as a configuration file: what it holds reads back as the same.
-#include "platform/qt/services/export_settings.h"
+#include "platform/qt/services/registry.h"
 
 #include <algorithm>
 #include <random>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Where one run connects to, beside the stored host: what the program finds and what the store
 // keeps.
-#include "platform/qt/services/run_values.h"
+#include "platform/qt/services/registry.h"
 
 #include "session/session_state.h"
 #include "settings/settings.h"

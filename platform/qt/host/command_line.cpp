@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "platform/qt/host/profiles.h"
-#include "platform/qt/services/export_settings.h"
+#include "platform/qt/services/registry.h"
 #include "platform/qt/services/services.h"
 
 constexpr size_t kShownOfAnArgument = 60;

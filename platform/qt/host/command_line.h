@@ -9,7 +9,7 @@
 #include <string>
 
 #include "platform/qt/host/host.h"
-#include "platform/qt/services/run_values.h"
+#include "platform/qt/services/registry.h"
 
 enum class Task { kRun, kHelp, kVersion, kProfiles, kExport };
 

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Makes a configuration file from the registry's file.
-#include "platform/qt/services/export_settings.h"
+#include "platform/qt/services/registry.h"
 
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <cstring>
 
-#include "platform/qt/services/registry.h"
 #include "platform/qt/services/services.h"
 #include "windows_ce.h"
 

@@ -5,7 +5,6 @@
 #include <map>
 #include <mutex>
 
-#include "platform/qt/services/run_values.h"
 #include "platform/qt/services/services.h"
 #include "windows_ce.h"
 

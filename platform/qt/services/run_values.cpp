@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Values that hold for one run only, in front of the stored ones.
-#include "platform/qt/services/run_values.h"
+#include "platform/qt/services/registry.h"
 
 #include <strings.h>
 
 #include <cstring>
 #include <map>
 
-#include "platform/qt/services/registry.h"
 #include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
