@@ -23,8 +23,6 @@ QRect CenteredPlace(QSize size);
 inline constexpr int kCommandBarHeight = 26;
 void RegisterCommandBar();
 void ForgetBarPictures();
-
-// status_window.cpp
 int StatusHeight();  // pixels
 void RegisterStatusWindow();
 
