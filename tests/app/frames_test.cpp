@@ -6,7 +6,6 @@
 #include <QScreen>
 #include <random>
 
-#include "platform/qt/shell/input_panel.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/frames.h"

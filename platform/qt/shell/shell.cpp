@@ -15,8 +15,6 @@
 #include <QWindow>
 
 #include "platform/qt/services/services.h"
-#include "platform/qt/shell/input_panel.h"
-#include "platform/qt/shell/menu_bar.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 
@@ -207,3 +205,5 @@ BOOL CreateProcessW(LPCWSTR program, LPWSTR arguments, LPVOID, LPVOID, BOOL, DWO
     if (process) *process = {};
     return ShowHelp(arguments);
 }
+
+#include "moc_shell.cpp"
