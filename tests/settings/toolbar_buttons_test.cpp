@@ -5,8 +5,8 @@
 #include <bit>
 #include "session/session_state.h"
 #include "settings/toolbars.h"
-#include "tests/config/command_bar_double.h"
-#include "tests/config/device.h"
+#include "tests/settings/command_bar_double.h"
+#include "tests/settings/device.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include "settings/key_map.h"
 
 #include "settings/settings.h"
-#include "tests/config/device.h"
-#include "tests/config/key_rows.h"
-#include "tests/config/registry_log.h"
+#include "tests/settings/device.h"
+#include "tests/settings/key_rows.h"
+#include "tests/settings/registry_log.h"
 
 namespace {
 

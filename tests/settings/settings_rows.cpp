@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The tables that the settings store is held against.
-#include "tests/config/settings_rows.h"
+#include "tests/settings/settings_rows.h"
 
 #include "session/session_state.h"
 

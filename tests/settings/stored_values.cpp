@@ -3,7 +3,7 @@
 #include <sqlite3.h>
 
 #include "platform/qt/services/services.h"
-#include "tests/config/device.h"
+#include "tests/settings/device.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "settings/toolbars.h"
-#include "tests/config/device.h"
-#include "tests/config/registry_log.h"
-#include "tests/config/settings_rows.h"
+#include "tests/settings/device.h"
+#include "tests/settings/registry_log.h"
+#include "tests/settings/settings_rows.h"
 #include "text/text.h"
 
 namespace {

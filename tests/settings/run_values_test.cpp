@@ -5,7 +5,7 @@
 
 #include "session/session_state.h"
 #include "settings/settings.h"
-#include "tests/config/device.h"
+#include "tests/settings/device.h"
 
 namespace {
 

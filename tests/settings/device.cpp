@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The device of a test, and what it stores.
-#include "tests/config/device.h"
+#include "tests/settings/device.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,9 +11,9 @@
 #include "platform/qt/services/registry.h"
 #include "platform/qt/services/services.h"
 #include "session/session_state.h"
-#include "tests/config/registry_log.h"
-#include "tests/config/settings_rows.h"
-#include "tests/config/window_doubles.h"
+#include "tests/settings/registry_log.h"
+#include "tests/settings/settings_rows.h"
+#include "tests/settings/window_doubles.h"
 
 namespace {
 

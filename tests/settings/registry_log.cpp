@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The linker leads the registry's calls of the whole program through here.
-#include "tests/config/registry_log.h"
+#include "tests/settings/registry_log.h"
 
 #include "windows_ce.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Which row a virtual key comes to: every code with every modifier, against rules written anew.
 #include "settings/key_map.h"
-#include "tests/config/device.h"
-#include "tests/config/window_doubles.h"
+#include "tests/settings/device.h"
+#include "tests/settings/window_doubles.h"
 
 namespace {
 

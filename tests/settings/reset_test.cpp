@@ -4,9 +4,9 @@
 #include "settings/key_map.h"
 #include "settings/settings.h"
 #include "settings/toolbars.h"
-#include "tests/config/device.h"
-#include "tests/config/registry_log.h"
-#include "tests/config/settings_rows.h"
+#include "tests/settings/device.h"
+#include "tests/settings/registry_log.h"
+#include "tests/settings/settings_rows.h"
 #include "text/text.h"
 
 namespace {

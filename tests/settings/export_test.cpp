@@ -8,9 +8,9 @@
 #include "platform/qt/services/services.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
-#include "tests/config/device.h"
-#include "tests/config/key_rows.h"
-#include "tests/config/settings_rows.h"
+#include "tests/settings/device.h"
+#include "tests/settings/key_rows.h"
+#include "tests/settings/settings_rows.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The key table as it is known from outside.
-#include "tests/config/key_rows.h"
+#include "tests/settings/key_rows.h"
 
 // clang-format off
 const KeyRow key_rows[66] = {

@@ -6,8 +6,8 @@
 
 #include "session/session_state.h"
 #include "settings/settings.h"
-#include "tests/config/device.h"
-#include "tests/config/registry_log.h"
+#include "tests/settings/device.h"
+#include "tests/settings/registry_log.h"
 
 namespace {
 

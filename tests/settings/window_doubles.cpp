@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Recording doubles of the windows' calls.
-#include "tests/config/window_doubles.h"
+#include "tests/settings/window_doubles.h"
 
-#include "tests/config/device.h"
+#include "tests/settings/device.h"
 
 std::vector<ShownMessage> shown_messages;
 std::map<int, SHORT> key_states;

@@ -10,8 +10,8 @@
 
 #include "platform/qt/services/services.h"
 #include "session/session_state.h"
-#include "tests/config/device.h"
-#include "tests/config/window_doubles.h"
+#include "tests/settings/device.h"
+#include "tests/settings/window_doubles.h"
 
 namespace {
 

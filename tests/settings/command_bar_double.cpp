@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The command bar's calls, written down.
-#include "tests/config/command_bar_double.h"
+#include "tests/settings/command_bar_double.h"
 
 #include <gtest/gtest.h>
 
