@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The dialogs in which the user edits the settings. Each procedure shows its dialog modally, owned
-// by session.main_window, and returns after the dialog has closed. All but ShowAboutDialog then
-// repaint the terminal. No procedure saves while session.save_settings is 0.
+// by session.main_window, and returns after the dialog has closed. They then repaint the terminal.
+// No procedure saves while session.save_settings is 0.
 //
 // Cancel in Connect, Font, Auto Login and Sign on to the host sets session.dialog_result to -1. OK
 // leaves 0 there; only the font dialog stores another value.
@@ -26,8 +26,6 @@ void ShowPropertiesSheet();
 // "Auto Login": the two search and response pairs of the automatic login. The settings are saved
 // after OK and after Cancel.
 void ShowAutoLoginDialog();
-
-void ShowAboutDialog();
 
 // "Sign on to the host": asks for the user and the password of an SSH session. Returns false only
 // if the dialog could not be shown; after Cancel it returns true, and session.dialog_result is -1.
