@@ -48,12 +48,12 @@ void BignumFree(Bignum a) {
 }
 
 void BignumNormalise(Bignum a) {
-    while (a[0] > 1 && a[a[0]] == 0) a[0]--;
+    while (a[0] > 1 && a[a[0]] == 0) --a[0];
 }
 
 int BignumBitLength(ConstBignum a) {
     int words = a[0];
-    while (words > 0 && a[words] == 0) words--;
+    while (words > 0 && a[words] == 0) --words;
     return words == 0 ? 0 : 16 * (words - 1) + static_cast<int>(std::bit_width(a[words]));
 }
 
@@ -274,7 +274,7 @@ Bignum BignumMulAdd(ConstBignum a, ConstBignum b, ConstBignum c) {
     ColumnsSettle(&scratch.columns);
     ColumnsStore(&scratch.columns, scratch.quotient, count, 0);
     int leading = 0;
-    while (leading < count && scratch.quotient[leading] == 0) leading++;
+    while (leading < count && scratch.quotient[leading] == 0) ++leading;
     Bignum result = NormalisedFromWords(scratch.quotient + leading, count - leading);
     ScratchClose(&scratch);
     return result;

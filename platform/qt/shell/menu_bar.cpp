@@ -34,9 +34,12 @@ class PlainBarStyle : public QProxyStyle {
 
 }  // namespace
 
+constexpr QSize kIconSize(22, 14);
+
+// NOLINTBEGIN(readability-magic-numbers): the places of a picture
 // Draws a small keyboard for a screen with that pixel ratio.
 static QIcon KeyboardIcon(const QColor& color, double sharpness) {
-    QPixmap picture(QSize(22, 14) * sharpness);
+    QPixmap picture(kIconSize * sharpness);
     picture.setDevicePixelRatio(sharpness);
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
@@ -49,6 +52,7 @@ static QIcon KeyboardIcon(const QColor& color, double sharpness) {
     painter.fillRect(QRectF(6, 9.4, 10, 1.8), color);
     return QIcon(picture);
 }
+// NOLINTEND(readability-magic-numbers)
 
 // Fills all menus at the start. A menu that is filled only when it is about to be shown for the
 // first time would miss the arrow keys.
@@ -88,7 +92,7 @@ MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
     panel_button_->setCheckable(true);
     panel_button_->setToolTip("Keyboard");
     panel_button_->setAccessibleName("Keyboard");
-    panel_button_->setIconSize(QSize(22, 14));
+    panel_button_->setIconSize(kIconSize);
     panel_button_->setIcon(
         KeyboardIcon(palette().color(QPalette::WindowText), devicePixelRatioF()));
 }

@@ -34,7 +34,7 @@ static void AddRowChange(std::vector<TextChange>* changes, int offset, const QSt
     if (before == now) return;
     const auto most = std::min(before.size(), now.size());
     qsizetype head = 0, tail = 0;
-    while (head < most && before[head] == now[head]) head++;
+    while (head < most && before[head] == now[head]) ++head;
     while (tail < most - head && before[before.size() - 1 - tail] == now[now.size() - 1 - tail])
         ++tail;
     changes->push_back({offset + static_cast<int>(head),
@@ -149,6 +149,7 @@ class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface
         return state;
     }
 
+    using QAccessibleWidget::text;
     int characterCount() const override { return static_cast<int>(TextOf(ReadScreen()).size()); }
     QString text(int start, int end) const override {
         const QString whole = TextOf(ReadScreen());
@@ -221,7 +222,7 @@ class ButtonAccessible : public QAccessibleWidget {
         : QAccessibleWidget(button, role), button_(button) {}
 
     QString text(QAccessible::Text kind) const override {
-        const QString own = QAccessibleWidget::text(kind);
+        QString own = QAccessibleWidget::text(kind);
         if (kind != QAccessible::Name || !own.isEmpty()) return own;
         return QString(button_->text()).remove('&').simplified();
     }
