@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a frame costs beside its drawing.
+// The allocations of a frame: drawing text makes none.
 #include <gtest/gtest.h>
 
 #include <utility>
@@ -13,7 +13,7 @@
 
 static constexpr int kRows = 24;
 
-// Paints the first rows as changed ones, as the shipped program does: without an observer.
+// Marks the first rows as changed and paints them without an observer, like the shipped program.
 static Allocations AllocationsOfAFrame(int rows) {
     const DrawingObserver before = std::exchange(drawing_observer, DrawingObserver());
     for (int row = 1; row <= rows; ++row) session.screen.row_changed[row] = 1;
@@ -23,7 +23,7 @@ static Allocations AllocationsOfAFrame(int rows) {
     return count;
 }
 
-// Each row has runs of every attribute that needs no pen, and letters that reach out of their
+// Each row has runs of every attribute that needs no pen, and letters that are wider than their
 // cells.
 static std::string FullScreen() {
     std::string screen = "\033[H";
@@ -33,8 +33,8 @@ static std::string FullScreen() {
     return screen + "the end";
 }
 
-// The frame itself takes memory, for its context and its region; a run of text takes none.
-TEST(Painting, RunsOfTextTakeNoMemory) {
+// A frame allocates memory for its context and its region; a run of text allocates no memory.
+TEST(Painting, DrawingTextAllocatesNoMemory) {
     if (!CanCountAllocations()) GTEST_SKIP() << "a build without the address sanitizer";
     FakeHost host;
     WithSession(host, [&] {

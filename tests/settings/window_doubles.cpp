@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Recording doubles of the windows' calls.
+// Recording doubles of MessageBoxW and GetKeyState.
 #include "tests/settings/window_doubles.h"
 
 #include "tests/settings/device.h"

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds the product to one way of writing what C++ lets one write in two.
+"""Checks that the product uses one form where C++ allows several.
 
 Usage: dialect.py
   - a procedure or variable of one file is `static`; an anonymous namespace holds types only;
   - `sizeof` has parentheses; a counter steps by `++name`; a null pointer is `nullptr`; a name
     of a type is made by `using`.
-Prints each line that breaks a rule, and ends with 1 if there is one. Comments and texts are left out.
+Prints each violation and ends with 1 if there is one. It ignores comments and string literals.
 """
 import pathlib
 import re
@@ -14,7 +14,7 @@ import subprocess
 import sys
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
-THE_API = "windows_ce.h"  # written as the device's own headers are
+THE_API = "windows_ce.h"  # in the form of the device's headers
 FOLDERS_LEFT_OUT = ("tests", "fuzz", "bench", "build")
 RULES = (
     (re.compile(r"\bsizeof\s*[^\s(.]|\bsizeof \("), "sizeof without parentheses"),

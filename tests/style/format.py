@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds every source and header to .clang-format.
+"""Checks every source and header with .clang-format.
 
 Usage: format.py
 Prints each line that clang-format would change, and ends with 1 if there is one.
@@ -16,7 +16,7 @@ FOLDERS_LEFT_OUT = ("build", ".git")
 
 
 def sources():
-    """Every source and header of the tree, as git lists them or, without git, as they lie there."""
+    """Every source and header of the tree, listed by git or, without git, by a search."""
     listed = subprocess.run(["git", "-C", TOP, "ls-files", "*.cpp", "*.h"], capture_output=True, text=True)
     if listed.returncode == 0 and listed.stdout:
         return [TOP / name for name in listed.stdout.splitlines() if (TOP / name).exists()]

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The tools of the style checks: of one version, since another formats and warns in another way."""
+"""The tools of the style checks, in one fixed version, because other versions give other results."""
 import re
 import shutil
 import subprocess
@@ -10,7 +10,7 @@ SKIPPED = 77  # the runner counts the check as skipped
 
 
 def tool(name):
-    """The command of clang's tool `name` in the one version; ends the check where there is none."""
+    """The command of clang's tool `name` in that version; skips the check if it is missing."""
     for command in (f"{name}-{VERSION}", name):
         if shutil.which(command):
             text = subprocess.run([command, "--version"], capture_output=True, text=True).stdout

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Asks the sanitizers' allocator, or the C library's.
+// Asks the allocator of the sanitizers or of the C library for the heap in use.
 #include "tests/support/heap.h"
 
 #include <dlfcn.h>
@@ -9,7 +9,7 @@
 #include <cstring>
 
 extern "C" {
-// Of the sanitizers' runtime; null in a build without one.
+// A function of the sanitizer runtime; null in a build without sanitizers.
 [[gnu::weak]] size_t __sanitizer_get_current_allocated_bytes();
 [[gnu::weak]] int __sanitizer_install_malloc_and_free_hooks(void (*)(const volatile void*, size_t),
                                                             void (*)(const volatile void*));

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
-// What the program holds on the heap, and how often it asks for memory.
+// How much memory the program has allocated on the heap, and how often it allocates.
 #ifndef QUILL_TESTS_SUPPORT_HEAP_H
 #define QUILL_TESTS_SUPPORT_HEAP_H
 
 #include <cstddef>
 #include <functional>
 
-size_t HeapInUse();  // bytes that are allocated and not released, of all threads
+size_t HeapInUse();  // bytes that are allocated and not yet released, by all threads
 
-// Allocations that this thread makes while `work` runs. Those of the program are made by its own
-// code, directly or through the language's library; those of the libraries by other libraries.
+// Counts the allocations of this thread while `work` runs. `program` counts those by the program's
+// code, directly or through the C++ library; `libraries` counts those by other libraries.
 struct Allocations {
     int program;
     int libraries;
