@@ -160,10 +160,6 @@ struct BlowfishContext {
     uint32_t iv[2];  // chaining value, left and right; a context serves one direction
 };
 
-// The hexadecimal digits of pi after the point: first the P-array, then the boxes.
-extern const uint32_t kBlowfishP[18];
-extern const uint32_t kBlowfishBoxes[4][256];
-
 // Sets up the context with a key of 1 to 72 bytes. With no bytes the context does not change. `iv`
 // never changes.
 void BlowfishSetKey(BlowfishContext* context, const uint8_t* key, int keyLength);

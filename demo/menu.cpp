@@ -2,7 +2,7 @@
 // The screens around the pages: banner with login and password, the main menu, and goodbye.
 #include <cstdio>
 
-#include "demo/screens.h"
+#include "demo/session.h"
 
 // ---------------------------------------------------------------- login
 

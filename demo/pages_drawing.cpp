@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "demo/screens.h"
+#include "demo/session.h"
 
 // A frame divided into three by three compartments.
 static void WriteGrid(std::string& out, int row, int col) {

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <type_traits>
 
-#include "demo/screens.h"
+#include "demo/session.h"
 
 // ---------------------------------------------------------------- the form
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "demo/screens.h"
+#include "demo/session.h"
 
 constexpr int kRegionTop = 5, kRegionBottom = 20;
 constexpr int kLinesEachWay = 24;

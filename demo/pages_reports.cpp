@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
-#include "demo/screens.h"
+#include "demo/session.h"
 
 // Returns bytes as text: printable ones unchanged, ESC and CSI by name, others in hexadecimal.
 // After about `most` characters the text is cut and ends in "...".

@@ -50,7 +50,7 @@ struct SessionState {
     // Owner: ui/view/keys.
     DWORD key_taken = 0;  // 1: the key table handles the current key press; ignore its character
 
-    // Owner: ui/view/input_panel.
+    // Owner: ui/view/view.
     DWORD input_panel_up = 0;  // 1: the on-screen keyboard is shown, as last reported
 
     // Owner: ui/view/status_bar.

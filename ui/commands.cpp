@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The handlers of all commands, which menus, accelerators and toolbar buttons send, and the table
-// that maps command ids to them. The toolbar buttons come first.
+// that maps command ids to them. The toolbar buttons come first, then the dialog "About TELNET",
+// the only one that changes no setting.
 #include "ui/main_window.h"
 
 #include "connection/connection.h"
@@ -9,6 +10,7 @@
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "settings/toolbars.h"
+#include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 #include "ui/view/input.h"
 #include "ui/view/view.h"
@@ -78,6 +80,22 @@ void RunToolbarCommand(WORD id) {
         if (row.action == action) return row.run();
     if (action) SendVirtualKey(action);
 }
+
+// ---------------------------------------------------------------- the dialog "About TELNET"
+
+static void CloseAbout(HWND dialog) { EndDialog(dialog, IDOK); }
+
+static const DialogCommand kAboutCommands[] = {
+    {IDOK, BN_CLICKED, CloseAbout},
+    {IDCANCEL, BN_CLICKED, CloseAbout},  // Esc
+    {0, 0, nullptr},
+};
+
+static INT_PTR CALLBACK AboutDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+    return RunDialogMessage(dialog, message, wparam, CentreDialog, kAboutCommands);
+}
+
+static void ShowAboutDialog() { RunDialog(IDD_ABOUT, AboutDialogProc); }
 
 // ---------------------------------------------------------------- the command table
 

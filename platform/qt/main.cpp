@@ -15,12 +15,9 @@
 #include <QTimer>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/host/busy_profile.h"
 #include "platform/qt/host/command_line.h"
 #include "platform/qt/host/host.h"
 #include "platform/qt/host/profiles.h"
-#include "platform/qt/host/tasks.h"
-#include "platform/qt/host/window_place.h"
 #include "platform/qt/services/services.h"
 #include "platform/qt/terminal_source.h"
 #include "platform/qt/window/device_screen.h"

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The monitor's scale in dots per inch, 96 at 100 %. The program's windows, fonts, pictures and
-// bars have the size that it asks for, and follow when it changes.
+// bars have the size that it asks for, and follow when it changes. A font is in the device's
+// pixels. It keeps its handle when the scale changes; to select it then selects a copy in the new
+// size.
 #include "device.h"
+
+#include <map>
 
 constexpr int kPlainDpi = 96;
 static int dpi = 0;  // of the main window's monitor; 0 until it is first asked for
@@ -78,4 +82,58 @@ void ChangeScale(HWND window, UINT new_dpi, const RECT* place) {
     GetClientRect(window, &room);
     SendMessageW(window, WM_SIZE, IsZoomed(window) ? SIZE_MAXIMIZED : SIZE_RESTORED,
                  MAKELPARAM(room.right, room.bottom));
+}
+
+// ---------------------------------------------------------------- fonts
+
+namespace {
+
+struct Font {
+    LOGFONTW device;  // in the device's pixels
+    HFONT drawn;      // the handle itself, or its copy for another scale
+    UINT dpi;         // of `drawn`
+};
+
+}  // namespace
+static std::map<HGDIOBJ, Font> fonts;
+
+static HFONT MakeFont(const LOGFONTW& device) {
+    LOGFONTW scaled = device;
+    scaled.lfHeight = DevicePixels(device.lfHeight * kFontScale);
+    scaled.lfWidth = DevicePixels(device.lfWidth * kFontScale);
+    return CreateFontIndirectW(&scaled);
+}
+
+static void DropLike(HGDIOBJ handle, const Font& font) {
+    if (font.drawn != handle) DeleteObject(font.drawn);
+}
+
+static HGDIOBJ DrawnFor(HGDIOBJ handle) {
+    const auto found = fonts.find(handle);
+    if (found == fonts.end()) return handle;
+    Font& font = found->second;
+    if (font.dpi != DeviceDpi()) {
+        DropLike(handle, font);
+        font.dpi = DeviceDpi();
+        font.drawn = MakeFont(font.device);
+    }
+    return font.drawn;
+}
+
+HFONT DeviceCreateFontIndirect(const LOGFONTW* font) {
+    if (!font) return nullptr;
+    const HFONT handle = MakeFont(*font);
+    if (handle) fonts[handle] = {*font, handle, DeviceDpi()};
+    return handle;
+}
+
+HGDIOBJ DeviceSelectObject(HDC dc, HGDIOBJ object) { return SelectObject(dc, DrawnFor(object)); }
+
+BOOL DeviceDeleteObject(HGDIOBJ object) {
+    const auto found = fonts.find(object);
+    if (found != fonts.end()) {
+        DropLike(object, found->second);
+        fonts.erase(found);
+    }
+    return DeleteObject(object);
 }

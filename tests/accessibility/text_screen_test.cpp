@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // How the changes of a text are told: whatever they are, who applies them has the new text.
-#include "platform/qt/window/text_screen.h"
+#include "platform/qt/window/accessible.h"
 
 #include <gtest/gtest.h>
 

@@ -6,10 +6,9 @@
 #include <QScreen>
 #include <random>
 
-#include "platform/qt/shell/input_panel.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
-#include "platform/qt/window/frames.h"
+#include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "tests/support/drawn.h"

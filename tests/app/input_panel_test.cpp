@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 #include <QtTest/QTest>
 
-#include "platform/qt/shell/input_panel.h"
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"

@@ -4,7 +4,7 @@
 #include <QKeyEvent>
 #include <QtTest/QTest>
 
-#include "platform/qt/shell/input_panel.h"
+#include "platform/qt/shell/shell.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "tests/qt_driver/driver.h"

@@ -6,8 +6,7 @@
 #include <QtTest/QTest>
 
 #include "connection/connection.h"
-#include "platform/qt/shell/input_panel.h"
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "platform/qt/window/window_widget.h"

@@ -4,7 +4,7 @@
 #include <QMenu>
 #include <QtTest/QTest>
 
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"

@@ -4,7 +4,7 @@
 #include <QMenu>
 
 #include "connection/connection.h"
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_state.h"
 #include "tests/qt_driver/driver.h"

@@ -2,7 +2,7 @@
 // Reads the values of the registry's file on a processor without SQLite.
 #include "flat_registry.h"
 #include "platform/qt/services/services.h"
-#include "tests/config/device.h"
+#include "tests/settings/device.h"
 
 std::vector<RegistryValue> StoredValues() {
     std::vector<RegistryValue> values;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Frames: how many come at once, at what pace they follow, and what one frame paints.
-#include "platform/qt/window/frames.h"
+#include "platform/qt/window/messages.h"
 
 #include "platform/qt/window/window.h"
 #include "tests/platform/test_windows.h"

@@ -1,10 +1,17 @@
 // SPDX-License-Identifier: MIT
-// Parses the command line: each option is a row of a table, the operands follow.
+// The command line: its options, the host to connect to (HOST, PORT, telnet://HOST:PORT,
+// ssh://USER@HOST:PORT), and the tasks that open no window.
 #include "platform/qt/host/command_line.h"
 
+#include <strings.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstring>
 
 #include "platform/qt/host/profiles.h"
+#include "platform/qt/services/registry.h"
+#include "platform/qt/services/services.h"
 
 constexpr size_t kShownOfAnArgument = 60;
 
@@ -222,4 +229,134 @@ void TellHelp(std::FILE* stream) {
         "\n"
         "Options of the Qt toolkit, such as -platform, work too.\n",
         stream);
+}
+
+// ---------------------------------------------------------------- the host to connect to
+
+constexpr size_t kLongestName = 39;  // the settings hold no more
+constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+
+static bool IsMadeOf(const std::string& text, const char* others) {
+    return text.find_first_not_of(std::string(kLetters) + others) == text.npos;
+}
+
+static const char* TakeHost(const std::string& text, std::string* host) {
+    if (text.empty()) return "has no host";
+    if (text[0] == '[' || std::count(text.begin(), text.end(), ':') > 1)
+        return "is an IPv6 address; Quill connects to names and IPv4 addresses";
+    if (text.size() > kLongestName) return "is too long; a host has at most 39 characters";
+    if (text[0] == '-' || !IsMadeOf(text, ".-_"))
+        return "is no host; it has letters, digits, '.', '-' and '_' and begins with no '-'";
+    return *host = text, nullptr;
+}
+
+static const char* TakeUser(const std::string& text, RunTarget* target) {
+    if (target->protocol != RunProtocol::kSsh) return "names a user, which only ssh:// can";
+    if (text.find(':') != text.npos) return "has a password, which no command line should";
+    if (text.empty() || text.size() > kLongestName || text[0] == '-' || !IsMadeOf(text, ".-_"))
+        return "names no user of at most 39 letters, digits, '.', '-' and '_'";
+    return target->user = text, nullptr;
+}
+
+// Parses USER@HOST:PORT, with or without a slash at its end.
+static const char* TakeAddress(std::string text, RunTarget* target) {
+    if (!text.empty() && text.back() == '/') text.pop_back();
+    const size_t at = text.rfind('@');
+    if (at != text.npos) {
+        if (const char* trouble = TakeUser(text.substr(0, at), target)) return trouble;
+        text.erase(0, at + 1);
+    }
+    const size_t colon = text.find(':');
+    if (colon != text.npos && colon == text.rfind(':')) {
+        if (const char* trouble = TakePort(text.substr(colon + 1), &target->port)) return trouble;
+        text.erase(colon);
+    }
+    return TakeHost(text, &target->host);
+}
+
+namespace {
+
+struct SchemeRow {
+    const char* name;
+    RunProtocol protocol;
+};
+
+}  // namespace
+
+const SchemeRow kSchemes[] = {{"telnet://", RunProtocol::kTelnet}, {"ssh://", RunProtocol::kSsh}};
+
+const char* TakePort(const std::string& text, int* port) {
+    const bool digits = text.find_first_not_of("0123456789") == text.npos;
+    *port = digits && text.size() <= 5 ? std::atoi(text.c_str()) : 0;
+    return *port >= 1 && *port <= 65535 ? nullptr : "has a port that is no number from 1 to 65535";
+}
+
+const char* TakeTarget(const std::string& text, RunTarget* target) {
+    for (const SchemeRow& row : kSchemes) {
+        if (strncasecmp(text.c_str(), row.name, std::strlen(row.name)) != 0) continue;
+        target->protocol = row.protocol;
+        return TakeAddress(text.substr(std::strlen(row.name)), target);
+    }
+    if (text.find("://") != text.npos) return "is no address; it begins with telnet:// or ssh://";
+    return TakeHost(text, &target->host);
+}
+
+// ---------------------------------------------------------------- tasks that open no window
+
+static int Help(const CommandLine&) { return TellHelp(stdout), 0; }
+
+static int Version(const CommandLine&) { return std::puts("quill " QUILL_VERSION), 0; }
+
+static int List(const CommandLine&) {
+    for (const std::string& name : ProfileNames()) std::puts(name.c_str());
+    return 0;
+}
+
+static void TellLeftOut(const std::vector<std::string>& names) {
+    if (names.empty()) return;
+    std::fputs("quill: left out, as they may be passwords:", stderr);
+    for (const std::string& name : names) std::fprintf(stderr, " %s", name.c_str());
+    std::fputs(" (--with-passwords prints them)\n", stderr);
+}
+
+static int Export(const CommandLine& line) {
+    const std::string root = line.options.root.empty() ? UserRoot() : line.options.root;
+    SettingsExport settings;
+    if (!ExportSettings(root, line.with_passwords, &settings)) {
+        std::fprintf(stderr, "quill: %s has no settings that can be read\n", root.c_str());
+        return 1;
+    }
+    if (access((root + "/mconfig.cfg").c_str(), F_OK) == 0)
+        std::fprintf(stderr, "quill: %s/mconfig.cfg waits for the next start and is not in it\n",
+                     root.c_str());
+    std::fwrite(settings.file.data(), 1, settings.file.size(), stdout);
+    TellLeftOut(settings.left_out);
+    for (const std::string& sentence : settings.unsaid)
+        std::fprintf(stderr, "quill: left out: %s\n", sentence.c_str());
+    return settings.unsaid.empty() ? 0 : 1;
+}
+
+namespace {
+
+struct TaskRow {
+    Task task;
+    int (*carry_out)(const CommandLine& line);
+};
+
+}  // namespace
+
+const TaskRow kTasks[] = {
+    {Task::kHelp, Help},
+    {Task::kVersion, Version},
+    {Task::kProfiles, List},
+    {Task::kExport, Export},
+};
+
+int DoTask(const CommandLine& line) {
+    int result = 0;
+    for (const TaskRow& row : kTasks)
+        if (row.task == line.task) result = row.carry_out(line);
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return result;
+    std::fputs("quill: cannot write to standard output\n", stderr);
+    return 1;
 }

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Lists profiles and marks the window of one.
+// Profiles: lists them, and marks the window of one. Each profile has at most one window; a second
+// start is pointed to the first.
 #include "platform/qt/host/profiles.h"
 
 #include <dirent.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <QIcon>
+#include <QMessageBox>
 #include <QPainter>
 
 #include "platform/qt/services/services.h"
@@ -76,4 +79,19 @@ void MarkWindow(const std::string& profile) {
     DeviceScreen()->setWindowIcon(marked);
     DeviceScreen()->winId();  // creates the native window, which takes the icon text
     DeviceScreen()->setWindowIconText(name + " - Quill");
+}
+
+// ---------------------------------------------------------------- a second start
+
+bool IsProfileBusy(const CommandLine& line) {
+    const HWND other = FindOtherInstance();
+    if (!other) return false;
+    SetForegroundWindow(other);
+    const QString text = QString(
+                             "Quill already runs on these settings. For a second window with "
+                             "%1, start: quill --profile NAME %1")
+                             .arg(QString::fromStdString(line.target.host));
+    std::fprintf(stderr, "quill: %s\n", qPrintable(text));
+    if (!isatty(STDERR_FILENO)) QMessageBox::information(nullptr, "Quill Telnet", text);
+    return true;
 }

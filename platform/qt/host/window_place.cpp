@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads and writes the file of the window's place, and fits the place to the present screens.
-#include "platform/qt/host/window_place.h"
+#include "platform/qt/host/host.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Makes a configuration file from the registry's file.
-#include "platform/qt/services/export_settings.h"
+#include "platform/qt/services/registry.h"
 
 #include <sqlite3.h>
 
@@ -8,7 +8,6 @@
 #include <cstring>
 
 #include "platform/qt/services/services.h"
-#include "platform/qt/services/settings_key.h"
 #include "windows_ce.h"
 
 constexpr size_t kLongestLine = 78;   // the program reads 79 with the line's end

@@ -5,9 +5,7 @@
 #include <map>
 #include <mutex>
 
-#include "platform/qt/services/run_values.h"
 #include "platform/qt/services/services.h"
-#include "platform/qt/services/settings_key.h"
 #include "windows_ce.h"
 
 constexpr LONG kErrorBadPathname = 161;

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Values that hold for one run only, in front of the stored ones.
-#include "platform/qt/services/run_values.h"
+#include "platform/qt/services/registry.h"
 
 #include <strings.h>
 
 #include <cstring>
 #include <map>
 
-#include "platform/qt/services/registry.h"
 #include "platform/qt/services/services.h"
-#include "platform/qt/services/settings_key.h"
 #include "windows_ce.h"
 
 constexpr DWORD kTelnetPort = 23;

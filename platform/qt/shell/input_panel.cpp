@@ -2,7 +2,7 @@
 // The soft keyboard: 15 units wide, with five rows, laid out like an English keyboard. Shift, Ctl
 // and Fn stay on for the next key, CAP until it is pressed again. With Fn, the digits become the
 // function keys, and the arrows become Home, End and the page keys.
-#include "platform/qt/shell/input_panel.h"
+#include "platform/qt/shell/shell.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>
@@ -266,5 +266,3 @@ void InputPanel::paintEvent(QPaintEvent*) {
 }
 
 InputPanel* ShellInputPanel() { return g_panel; }
-
-#include "moc_input_panel.cpp"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The menu bar at the bottom of the device. Its menus open upward. They are the toolkit's menus, so
 // mouse, touch, Alt with a letter and the arrow keys reach every entry.
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 
 #include <QMenu>
 #include <QPainter>
@@ -9,7 +9,6 @@
 #include <QStyleOption>
 
 #include "platform/qt/services/resources.h"
-#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/messages.h"
 
 constexpr int kPanelButtonWidth = 34;
@@ -147,5 +146,3 @@ BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
     ShellMenuStrip()->ShowMenus(info->hwndMB, info->hwndParent, menus);
     return TRUE;
 }
-
-#include "moc_menu_bar.cpp"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Decides when invalid windows are painted.
-#include "platform/qt/window/frames.h"
+#include "platform/qt/window/messages.h"
 
 #include <chrono>
 #include <QBackingStore>

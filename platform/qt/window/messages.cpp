@@ -2,8 +2,8 @@
 // The message queue of the window thread: posted messages, input, paints and timers in the order of
 // the real queue, on top of Qt's event loop.
 //
-// A frame (frames.h) comes when the queue is idle. While messages keep coming, it comes when it has
-// waited for a frame's time.
+// A frame (frames.cpp) comes when the queue is idle. While messages keep coming, it comes when it
+// has waited for a frame's time.
 #include <atomic>
 #include <deque>
 #include <map>
@@ -15,7 +15,6 @@
 #include <thread>
 #include <utility>
 
-#include "platform/qt/window/frames.h"
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
 

@@ -13,7 +13,6 @@
 #include <QTouchEvent>
 #include <QWindow>
 
-#include "platform/qt/window/frames.h"
 #include "platform/qt/window/messages.h"
 
 // Returns the region of `part` that no other widget covers, in coordinates of the desktop window.
