@@ -13,15 +13,15 @@
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/messages.h"
 
-namespace {
-
 constexpr int kPanelButtonWidth = 34;
 
-QPointer<MenuStrip> g_strip;
+static QPointer<MenuStrip> g_strip;
+
+namespace {
 
 // Some styles draw a line below the bar: a piece below each title and a piece below the rest, with
-// gaps between them. This bar is the last row of the screen and needs no line below it. A pixel that
-// is not a whole number of the screen's pixels can touch one more of those on each side.
+// gaps between them. This bar is the last row of the screen and needs no line below it. A pixel
+// that is not a whole number of the screen's pixels can touch one more of those on each side.
 class PlainBarStyle : public QProxyStyle {
   public:
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
@@ -37,7 +37,11 @@ class PlainBarStyle : public QProxyStyle {
     }
 };
 
-constexpr QSize kKeyboardSize(22, 14);
+}  // namespace
+
+static constexpr QSize kKeyboardSize(22, 14);
+
+namespace {
 
 // A small keyboard, drawn for whatever density the screen has.
 class KeyboardPicture : public QIconEngine {
@@ -52,8 +56,8 @@ class KeyboardPicture : public QIconEngine {
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setPen(QPen(color_, 1));
         painter->drawRoundedRect(QRectF(0.5, 0.5, 21, 13), 2, 2);
-        for (int row = 0; row < 2; row++)
-            for (int key = 0; key < 6; key++)
+        for (int row = 0; row < 2; ++row)
+            for (int key = 0; key < 6; ++key)
                 painter->fillRect(QRectF(3 + key * 2.8, 3 + row * 3, 1.8, 1.8), color_);
         painter->fillRect(QRectF(6, 9.4, 10, 1.8), color_);
         painter->restore();
@@ -71,9 +75,11 @@ class KeyboardPicture : public QIconEngine {
     QColor color_;
 };
 
+}  // namespace
+
 // Fills all menus at the start. A menu that is filled only when it is about to be shown for the
 // first time would miss the arrow keys.
-void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
+static void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
     for (const MenuItem& item : items) {
         if (item.text.empty()) {
             menu->addSeparator();
@@ -89,12 +95,10 @@ void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
     }
 }
 
-LRESULT CALLBACK MenuBarProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+static LRESULT CALLBACK MenuBarProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_DESTROY && ShellMenuStrip()) ShellMenuStrip()->RemoveMenus(window);
     return DefWindowProcW(window, message, wparam, lparam);
 }
-
-}  // namespace
 
 MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
     g_strip = this;

@@ -34,8 +34,10 @@ class ScreenWidget : public QWidget {
     ScreenFoot foot_;
 };
 
-std::unique_ptr<ScreenWidget> g_screen;
-std::vector<HWND> g_over;  // the last one is on top
+}  // namespace
+
+static std::unique_ptr<ScreenWidget> g_screen;
+static std::vector<HWND> g_over;  // the last one is on top
 
 QRect ScreenWidget::PanelPlace() const {
     const int bottom = std::max(height() - kMenuBarHeight, 0);
@@ -89,8 +91,6 @@ void ScreenWidget::keyPressEvent(QKeyEvent* event) {
 void ScreenWidget::keyReleaseEvent(QKeyEvent* event) {
     if (Window* window = ProgramWindow()) QueueKeyEvent(window->handle, event, false);
 }
-
-}  // namespace
 
 // The toolkit follows a window that moves to a monitor of another density, but not a monitor that
 // changes its own. A window that the toolkit makes again has the monitor's. Only the QWindow is
