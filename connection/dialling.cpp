@@ -7,14 +7,16 @@
 #include "terminal/interpreter.h"
 #include "text/text.h"
 
-namespace {
-
 constexpr DWORD kNotifyWindow = 0xFFFFFFFF;  // RasDial notifies a window
+
+namespace {
 
 struct StateRow {
     WPARAM state;
     const char* text;
 };
+
+}  // namespace
 
 // clang-format off
 const StateRow kStates[] = {
@@ -45,7 +47,7 @@ const StateRow kStates[] = {
 };
 // clang-format on
 
-void ShowState(int state) {
+static void ShowState(int state) {
     for (const StateRow& row : kStates)
         if (row.state == static_cast<WPARAM>(state)) return DialProgress(row.text);
     char text[48];
@@ -53,14 +55,14 @@ void ShowState(int state) {
     DialProgress(text);
 }
 
-void TellNoEntry() {
+static void TellNoEntry() {
     WCHAR text[64 + kDialEntryUnits];
     wsprintfW(text, TEXT("Cannot find dial information for connection name. (%s)"),
               session.settings.ras);
     ShowError(text);
 }
 
-void TellDialError(DWORD error) {
+static void TellDialError(DWORD error) {
     WCHAR text[80];
     wsprintfW(text, TEXT("RAS Dial has failed. Check your network configuration (%d)"),
               static_cast<int>(error));
@@ -68,7 +70,7 @@ void TellDialError(DWORD error) {
 }
 
 // A name that is too long cannot name an entry. If it were cut, it might name a different entry.
-bool FetchParameters(RASDIALPARAMSW* parameters) {
+static bool FetchParameters(RASDIALPARAMSW* parameters) {
     if (lstrlenW(session.settings.ras) > RAS_MaxEntryName) return false;
     parameters->dwSize = sizeof(*parameters);
     CopyBounded(parameters->szEntryName, session.settings.ras, RAS_MaxEntryName + 1);
@@ -78,7 +80,7 @@ bool FetchParameters(RASDIALPARAMSW* parameters) {
 
 // Ends the previous dial, or the connection that it made, before a new dial. It discards the
 // messages of the previous dial, so that they are not taken for those of the new one.
-void EndDialBefore() {
+static void EndDialBefore() {
     HangUpDial();
     MSG message;
     while (
@@ -90,13 +92,11 @@ void EndDialBefore() {
 }
 
 // A dial that could not start sends no more messages, but its handle must be closed.
-void GiveUp(DWORD error) {
+static void GiveUp(DWORD error) {
     session.dialling = 0;
     HangUpDial();
     TellDialError(error);
 }
-
-}  // namespace
 
 void StartDial() {
     RASDIALPARAMSW parameters = {};

@@ -68,9 +68,9 @@ template <int count, LoadBlock load, StoreBlock store, typename Cipher>
 inline CipherBlock CbcDecryptGroup(uint8_t* output, const uint8_t* input, CipherBlock chain,
                                    Cipher decrypt) {
     CipherBlock given[count], blocks[count];
-    for (int i = 0; i < count; i++) blocks[i] = given[i] = load(input + i * kCipherBlockSize);
+    for (int i = 0; i < count; ++i) blocks[i] = given[i] = load(input + i * kCipherBlockSize);
     decrypt(blocks);
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         store(output + i * kCipherBlockSize, blocks[i] ^ chain);
         chain = given[i];
     }

@@ -31,9 +31,9 @@ void CopyBounded(LPWSTR to, LPCWSTR from, int capacity) {
 
 // ---------------------------------------------------------------- escape text
 
-namespace {
-
 constexpr int kMostDigits = 3;
+
+namespace {
 
 struct Output {
     BYTE* bytes;
@@ -41,21 +41,21 @@ struct Output {
     int count;
 };
 
-void Emit(Output* output, int value) {
+}  // namespace
+
+static void Emit(Output* output, int value) {
     if (output->count < output->capacity) output->bytes[output->count++] = static_cast<BYTE>(value);
 }
 
-bool IsOctalDigit(char c) { return c >= '0' && c <= '7'; }
+static bool IsOctalDigit(char c) { return c >= '0' && c <= '7'; }
 
 // Returns the value of the octal digits at *text and moves *text past them.
-int TakeValue(const char** text) {
+static int TakeValue(const char** text) {
     int value = 0;
-    for (int digits = 0; digits < kMostDigits && IsOctalDigit(**text); digits++)
+    for (int digits = 0; digits < kMostDigits && IsOctalDigit(**text); ++digits)
         value = value * 8 + (*(*text)++ - '0');
     return value;
 }
-
-}  // namespace
 
 int ExpandEscapeText(const char* text, BYTE* bytes, int capacity) {
     Output output = {bytes, capacity, 0};

@@ -8,8 +8,8 @@
 #include "crypto/bignum.h"
 #include "crypto/long_division.h"
 #include "crypto_test_support.h"
-#include "text/bytes.h"
 #include "gmp_bridge.h"
+#include "text/bytes.h"
 
 static const int kMaxBits = 2100;
 

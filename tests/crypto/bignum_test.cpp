@@ -6,8 +6,8 @@
 
 #include "crypto/long_division.h"
 #include "crypto_test_support.h"
-#include "text/bytes.h"
 #include "gmp_bridge.h"
+#include "text/bytes.h"
 
 static Number Make(int words, std::initializer_list<int> values) {
     Number a(BignumNew(words));

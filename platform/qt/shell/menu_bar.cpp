@@ -14,6 +14,7 @@
 #include "platform/qt/window/messages.h"
 
 constexpr int kPanelButtonWidth = 34;
+constexpr QSize kKeyboardSize(22, 14);
 
 static QPointer<MenuStrip> g_strip;
 
@@ -36,12 +37,6 @@ class PlainBarStyle : public QProxyStyle {
         painter->fillRect(line, option->palette.window());
     }
 };
-
-}  // namespace
-
-static constexpr QSize kKeyboardSize(22, 14);
-
-namespace {
 
 // A small keyboard, drawn for whatever density the screen has.
 class KeyboardPicture : public QIconEngine {

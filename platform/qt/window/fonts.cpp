@@ -8,15 +8,13 @@
 #include "platform/qt/services/services.h"
 #include "platform/qt/window/gdi.h"
 
-namespace {
+static std::shared_ptr<const FontData> g_system_font;
+static std::shared_ptr<const FontData> g_made_last;  // made for the face below
+static LOGFONTW g_face_made_last;
+static std::unique_ptr<LineFont> g_line_font;  // the last one that was asked for
 
-std::shared_ptr<const FontData> g_system_font;
-std::shared_ptr<const FontData> g_made_last;  // made for the face below
-LOGFONTW g_face_made_last;
-std::unique_ptr<LineFont> g_line_font;  // the last one that was asked for
-
-void FillGlyphs(FontData& font) {
-    for (int code = 32; code < 256; code++) {
+static void FillGlyphs(FontData& font) {
+    for (int code = 32; code < 256; ++code) {
         if (code >= 127 && code < 160) continue;
         const auto found = font.raw.glyphIndexesForString(QString(QChar(code)));
         font.glyphs[code] = found.isEmpty() ? 0 : found.front();
@@ -24,13 +22,11 @@ void FillGlyphs(FontData& font) {
 }
 
 // Compares only what decides which font of the desktop is chosen.
-bool SameFont(const LOGFONTW& one, const LOGFONTW& other) {
+static bool SameFont(const LOGFONTW& one, const LOGFONTW& other) {
     return one.lfHeight == other.lfHeight && !one.lfItalic == !other.lfItalic &&
            (one.lfWeight >= FW_BOLD) == (other.lfWeight >= FW_BOLD) &&
            FromWide(one.lfFaceName) == FromWide(other.lfFaceName);
 }
-
-}  // namespace
 
 // Keeps the last font, because a start asks for the same font twice: to choose the screen's size,
 // and to draw.
@@ -88,7 +84,7 @@ const LineFont& LineFontOf(const QFont& font) {
     line.font = font;
     line.raw = QRawFont::fromFont(font);
     line.run.setRawFont(line.raw);
-    for (char16_t c = u' '; c < 127; c++) {
+    for (char16_t c = u' '; c < 127; ++c) {
         const auto found = line.raw.glyphIndexesForString(QString(QChar(c)));
         if (found.isEmpty()) continue;
         line.glyphs[c] = found.front();

@@ -12,15 +12,15 @@ struct WithoutCase {
     }
 };
 
-std::map<std::u16string, std::unique_ptr<WindowClass>, WithoutCase> g_classes;
-std::map<UINT_PTR, std::unique_ptr<Window>> g_windows;  // ordered by age
-UINT_PTR g_next_handle = 0x10;
-
-Window* g_foreign = nullptr;
-
-UINT_PTR Number(HWND handle) { return reinterpret_cast<UINT_PTR>(handle); }
-
 }  // namespace
+
+static std::map<std::u16string, std::unique_ptr<WindowClass>, WithoutCase> g_classes;
+static std::map<UINT_PTR, std::unique_ptr<Window>> g_windows;  // ordered by age
+static UINT_PTR g_next_handle = 0x10;
+
+static Window* g_foreign = nullptr;
+
+static UINT_PTR Number(HWND handle) { return reinterpret_cast<UINT_PTR>(handle); }
 
 Window* AddWindowRecord(const WindowClass* window_class, const WindowOperations* operations,
                         HWND parent, int id) {
