@@ -382,8 +382,10 @@ bool IsOk(const QWidget& widget) {
     return button && QString(button->text()).remove('&') == "OK";
 }
 
+// The squares of colours, or the field that a small chooser has alone.
 bool HasColors(const QWidget& widget) {
-    return QString(widget.metaObject()->className()).contains("Well");
+    const QString name = widget.metaObject()->className();
+    return name == "QColorPicker" || name.contains("Well");
 }
 
 TEST(Touch, ChoosesEachColor) {
