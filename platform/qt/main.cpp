@@ -18,6 +18,7 @@
 #include "platform/qt/host/busy_profile.h"
 #include "platform/qt/host/command_line.h"
 #include "platform/qt/host/host.h"
+#include "platform/qt/host/mute_bus.h"
 #include "platform/qt/host/profiles.h"
 #include "platform/qt/host/tasks.h"
 #include "platform/qt/host/window_place.h"
@@ -182,6 +183,7 @@ int main(int argc, char** argv) {
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 
+    LeaveMuteBus();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     OpenDevice(options);
