@@ -16,14 +16,17 @@ export CCACHE_DISABLE=1
 work=$(mktemp -d "${TMPDIR:-/tmp}/quill-twice.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
-# make_in FOLDER: prints the package's checksum.
-make_in() {
+# The sources are copied first, so that they may change meanwhile.
+copy_to() {
     mkdir -p "$1"
     git ls-files -z | xargs -0 cp --parents -t "$1"
-    sha256sum <"$("$1/packaging/deb.sh")" | cut -d ' ' -f 1
 }
-first=$(umask 022 && TZ=UTC LC_ALL=C make_in "$work/first")
-second=$(umask 077 && TZ=Asia/Tokyo LC_ALL=C.UTF-8 make_in "$work/a longer name/of the second folder")
+checksum_of() { sha256sum <"$("$1/packaging/deb.sh")" | cut -d ' ' -f 1; }
+one=$work/first two="$work/a longer name/of the second folder"
+copy_to "$one"
+(umask 077 && copy_to "$two")
+first=$(umask 022 && TZ=UTC LC_ALL=C checksum_of "$one")
+second=$(umask 077 && TZ=Asia/Tokyo LC_ALL=C.UTF-8 checksum_of "$two")
 echo "first  $first"
 echo "second $second"
 [ "$first" = "$second" ] || { echo "The two packages differ." >&2; exit 1; }
