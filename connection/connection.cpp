@@ -89,9 +89,12 @@ static void TakeFirstDialEntry() {
     std::free(entries);
 }
 
+constexpr int kQuestionUnits = 160;
+constexpr int kErrorUnits = 80;
+
 static void AskToDial() {
     if (!session.settings.ras[0] || session.settings.ras[0] == TEXT(' ')) TakeFirstDialEntry();
-    WCHAR question[160];
+    WCHAR question[kQuestionUnits];
     wsprintfW(question, TEXT("No active network. Should I dial a network using modem (%s) ?"),
               session.settings.ras);
     if (MessageBoxW(session.main_window, question, TEXT("Request"),
@@ -100,7 +103,7 @@ static void AskToDial() {
 }
 
 static void TellConnectError(int error) {
-    WCHAR text[80];
+    WCHAR text[kErrorUnits];
     wsprintfW(text, TEXT("Connection to the UNIX Host has failed (%d)"), error);
     ShowError(text);
 }

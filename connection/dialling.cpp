@@ -47,10 +47,13 @@ const StateRow kStates[] = {
 };
 // clang-format on
 
+constexpr int kStateBytes = 48;
+constexpr int kErrorUnits = 80;
+
 static void ShowState(int state) {
     for (const StateRow& row : kStates)
         if (row.state == static_cast<WPARAM>(state)) return DialProgress(row.text);
-    char text[48];
+    char text[kStateBytes];
     std::sprintf(text, "unknown ras dial event %d\r\n", state);
     DialProgress(text);
 }
@@ -63,7 +66,7 @@ static void TellNoEntry() {
 }
 
 static void TellDialError(DWORD error) {
-    WCHAR text[80];
+    WCHAR text[kErrorUnits];
     wsprintfW(text, TEXT("RAS Dial has failed. Check your network configuration (%d)"),
               static_cast<int>(error));
     ShowError(text);

@@ -47,12 +47,12 @@ void BignumFree(Bignum a) {
 }
 
 void BignumNormalise(Bignum a) {
-    while (a[0] > 1 && a[a[0]] == 0) a[0]--;
+    while (a[0] > 1 && a[a[0]] == 0) --a[0];
 }
 
 int BignumBitLength(ConstBignum a) {
     int words = a[0];
-    while (words > 0 && a[words] == 0) words--;
+    while (words > 0 && a[words] == 0) --words;
     return words == 0 ? 0 : 16 * (words - 1) + static_cast<int>(std::bit_width(a[words]));
 }
 

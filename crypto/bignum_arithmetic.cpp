@@ -138,7 +138,7 @@ Bignum BignumMulAdd(ConstBignum a, ConstBignum b, ConstBignum c) {
     ColumnsSettle(&scratch.columns);
     ColumnsStore(&scratch.columns, scratch.quotient, count, 0);
     int leading = 0;
-    while (leading < count && scratch.quotient[leading] == 0) leading++;
+    while (leading < count && scratch.quotient[leading] == 0) ++leading;
     Bignum result = NormalisedFromWords(scratch.quotient + leading, count - leading);
     ScratchClose(&scratch);
     return result;

@@ -43,8 +43,8 @@ inline void StoreLittleBlock(uint8_t* bytes, CipherBlock block) {
     StoreLittle<uint32_t>(bytes + 4, block.right);
 }
 
-typedef CipherBlock (*LoadBlock)(const uint8_t* bytes);
-typedef void (*StoreBlock)(uint8_t* bytes, CipherBlock block);
+using LoadBlock = CipherBlock (*)(const uint8_t* bytes);
+using StoreBlock = void (*)(uint8_t* bytes, CipherBlock block);
 
 // A cipher is a procedure that changes an array of blocks in place. It takes an array of any size
 // and treats each block independently, so the processor can work on several at once.

@@ -92,7 +92,7 @@ inline constexpr uint32_t DesContract(uint64_t expanded) {
 }
 
 // For each S-box and its six input bits: the output, permuted by P and expanded for the next round.
-typedef std::array<std::array<uint64_t, 64>, 8> DesRoundTable;
+using DesRoundTable = std::array<std::array<uint64_t, 64>, 8>;
 
 constexpr DesRoundTable MakeDesRoundTable() {
     DesRoundTable table = {};

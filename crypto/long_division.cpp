@@ -21,8 +21,8 @@ static void Clear(Columns* columns) {
 // The two row loops. The least significant word is at position first + count - 1. They are not
 // inlined: if compilers know nothing about `factor`, they use the vector unit's 16-bit
 // multiplications.
-typedef void (*RowLoop)(Columns* columns, int first, const uint16_t* words, int count,
-                        uint16_t factor);
+using RowLoop = void (*)(Columns* columns, int first, const uint16_t* words, int count,
+                         uint16_t factor);
 
 [[gnu::always_inline]] static inline void AddRowBody(Columns* columns, int first,
                                                      const uint16_t* words, int count,

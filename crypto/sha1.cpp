@@ -86,7 +86,7 @@ void Sha1Update(Sha1Context* context, const uint8_t* bytes, int length) {
     if (length <= 0) return;
     uint32_t left = static_cast<uint32_t>(length);
     context->bytesLow += left;
-    if (context->bytesLow < left) context->bytesHigh++;
+    if (context->bytesLow < left) ++context->bytesHigh;
     if (context->blockUsed != 0) {
         uint32_t taken = left < 64 - context->blockUsed ? left : 64 - context->blockUsed;
         memcpy(context->block + context->blockUsed, bytes, taken);

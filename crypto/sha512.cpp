@@ -165,7 +165,7 @@ void Sha512Update(Sha512Context* context, const uint8_t* bytes, int length) {
     size_t left = static_cast<size_t>(length);
     size_t used = static_cast<size_t>(context->bytesLow % 128);
     context->bytesLow += left;
-    if (context->bytesLow < left) context->bytesHigh++;
+    if (context->bytesLow < left) ++context->bytesHigh;
     if (used != 0) {
         size_t taken = left < 128 - used ? left : 128 - used;
         memcpy(context->block + used, bytes, taken);
@@ -210,9 +210,9 @@ void Sha512(const uint8_t* bytes, int length, uint8_t digest[kSha512Size]) {
 #define WIDE_TARGET __attribute__((target("avx2,bmi,bmi2")))
 
 // Words 2i and 2i + 1 of the first block, then the same of the second.
-typedef uint64_t Words __attribute__((vector_size(32)));
-typedef uint8_t Bytes __attribute__((vector_size(32)));
-typedef uint8_t HalfBytes __attribute__((vector_size(16)));
+using Words [[gnu::vector_size(32)]] = uint64_t;
+using Bytes [[gnu::vector_size(32)]] = uint8_t;
+using HalfBytes [[gnu::vector_size(16)]] = uint8_t;
 
 // The 80 words of each block, with the round constants added.
 struct Schedule {

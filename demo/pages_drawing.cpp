@@ -32,7 +32,7 @@ static void WriteGlyphs(std::string& out, int row, int col) {
         const int at_row = row + i / 8 * 2;
         const int at_col = col + i % 8 * 8;
         WriteAt(out, at_row, at_col, letter + "  ");
-        out += "\x1b(0" + letter + letter + letter + "\x1b(B";
+        out.append("\x1b(0").append(3, letter[0]).append("\x1b(B");
     }
 }
 

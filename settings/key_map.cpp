@@ -185,7 +185,7 @@ int SetKeyText(KeyMapEntry* row, LPCWSTR text) {
 
 void LoadKeyMap() {
     int i = 0;
-    while (key_map[i].name && LoadRow(i)) i++;
+    while (key_map[i].name && LoadRow(i)) ++i;
     for (; key_map[i].name; ++i) ForgetText(&key_map[i]);
 }
 

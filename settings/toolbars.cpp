@@ -5,6 +5,7 @@
 #include "session/session_state.h"
 #include "settings/settings.h"
 
+// NOLINTBEGIN(readability-magic-numbers)
 // clang-format off
 ToolbarButton toolbar_buttons[kToolbarRows + 1] = {
     // name                    wide       narrow     bitmap action
@@ -38,6 +39,7 @@ ToolbarButton toolbar_buttons[kToolbarRows + 1] = {
     {nullptr,        0, 0, 0, {0, 0, 0}, {0, 0, 0}, 0,    0},
 };
 // clang-format on
+// NOLINTEND(readability-magic-numbers)
 
 constexpr DWORD kBit1 = 4;
 constexpr DWORD kBit2 = 2;

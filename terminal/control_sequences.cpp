@@ -58,7 +58,7 @@ static void Ignore() {}
 
 // ---------------------------------------------------------------- the final bytes
 
-typedef void (*FinalHandler)();
+using FinalHandler = void (*)();
 
 struct FinalRow {
     BYTE byte;
@@ -143,7 +143,7 @@ static void EscapeAgain(BYTE) {
     BeginEscape();
 }
 
-typedef void (*InnerHandler)(BYTE b);
+using InnerHandler = void (*)(BYTE b);
 
 struct InnerRow {
     BYTE first;

@@ -5,7 +5,7 @@
 template <typename Unit>
 static int BoundedLength(const Unit* text, int most) {
     int length = 0;
-    while (length < most && text[length]) length++;
+    while (length < most && text[length]) ++length;
     return length;
 }
 

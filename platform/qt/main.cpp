@@ -3,8 +3,8 @@
 // window that plays the hand-held's screen) and runs Quill on it until Quill ends or a signal ends
 // it.
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
+#include <csignal>
 
 #include <cerrno>
 #include <QApplication>
@@ -57,6 +57,8 @@ void EndBySignals() {
 
 constexpr double kUsualScale = 2;  // makes the device's small pixels readable on a desktop
 constexpr int kTitleBarPixels = 40;
+constexpr double kScaleStep = 0.25;
+constexpr int kLookMilliseconds = 100;
 constexpr int kQuietMilliseconds = 1000;
 constexpr int kLongestMilliseconds = 15000;
 
@@ -98,7 +100,7 @@ static void WatchForRest(const HostOptions& options) {
         timer->stop();
         PostQuitMessage(WriteBoth(options) ? 0 : 1);
     });
-    timer->start(100);
+    timer->start(kLookMilliseconds);
 }
 
 // Returns the largest scale, at most the usual one, at which the whole device fits on the desktop.
@@ -108,7 +110,7 @@ static double ScaleThatFits(const QSize& device) {
     double scale = kUsualScale;
     while (scale > 1 && (device.width() * scale > room.width() ||
                          device.height() * scale + kTitleBarPixels > room.height()))
-        scale -= 0.25;
+        scale -= kScaleStep;
     return scale;
 }
 

@@ -22,6 +22,7 @@ const GlyphText kGlyphTexts[] = {
     {'o', u'⎺'}, {'p', u'─'}, {'q', u'─'}, {'r', u'─'}, {'s', u'⎽'}, {'t', u'├'},
     {'u', u'┤'}, {'v', u'┴'}, {'w', u'┬'}, {'x', u'│'}, {'}', u'£'}, {'~', u'·'},
 };
+constexpr WCHAR kAfterUpperControls = 0xa0;
 constexpr DWORD kFirstGlyphCode = 95;
 constexpr DWORD kLastGlyphCode = 126;
 
@@ -35,8 +36,9 @@ static QChar CharacterOf(DWORD cell) {
     WCHAR character = u' ';
     const auto byte = static_cast<char>(code);
     MultiByteToWideChar(CP_ACP, 0, &byte, 1, &character, 1);
-    return character < u' ' || (character >= 0x7f && character < 0xa0) ? QChar(u' ')
-                                                                       : QChar(character);
+    return character < u' ' || (character >= 0x7f && character < kAfterUpperControls)
+               ? QChar(u' ')
+               : QChar(character);
 }
 
 // Removes trailing blanks, but keeps at least `least` columns.
@@ -45,7 +47,7 @@ static QString RowText(int row, int least) {
     for (int column = 1; column <= kScreenColumns; ++column)
         text += CharacterOf(GetCell(row, column));
     auto length = text.size();
-    while (length > least && text[length - 1] == ' ') length--;
+    while (length > least && text[length - 1] == ' ') --length;
     return text.left(length);
 }
 

@@ -223,7 +223,7 @@ void HashIdentifications(const char* clientVersion, const BYTE* serverVersion, i
     Sha1Context* hash = &session.ssh2.exchangeHashBase;
     const auto line = [&](const BYTE* bytes, int length) {
         int end = 0;
-        while (end < length && bytes[end] != '\r' && bytes[end] != '\n') end++;
+        while (end < length && bytes[end] != '\r' && bytes[end] != '\n') ++end;
         Sha1UpdateString(hash, bytes, end);
     };
     Sha1Init(hash);

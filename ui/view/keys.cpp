@@ -31,7 +31,7 @@ static void FinishLine(int virtual_key) {
 }
 
 static bool Swallowed(WCHAR character) {
-    if (character == 9 || character == 13) return true;
+    if (character == TEXT('\t') || character == TEXT('\r')) return true;
     return character < 32 && session.telnet.escape_iac == 1;
 }
 

@@ -18,6 +18,8 @@ class PlainButton : public Button {
     void nextCheckState() override {}
 };
 
+constexpr double kFocusInset = 3.5;
+
 namespace {
 
 // Leaves Enter to the dialog, which presses the default button. The focus is drawn inside the
@@ -34,7 +36,8 @@ class PushButton : public QPushButton {
         if (!hasFocus()) return;
         QPainter painter(this);
         painter.setPen(QPen(palette().color(QPalette::ButtonText), 1, Qt::DotLine));
-        painter.drawRect(QRectF(rect()).adjusted(3.5, 3.5, -3.5, -3.5));
+        painter.drawRect(
+            QRectF(rect()).adjusted(kFocusInset, kFocusInset, -kFocusInset, -kFocusInset));
     }
 };
 

@@ -154,7 +154,7 @@ BOOL ShowColorDialog(CHOOSECOLORW* request) {
     return chosen;
 }
 
-typedef void (*AnyProcedure)();
+using AnyProcedure = void (*)();
 
 struct ProcedureRow {
     LPCWSTR name;  // null ends the table

@@ -13,7 +13,7 @@ static QSize DialogBase() {
     static const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
     const QFontMetrics metrics(QApplication::font());
     const int width = metrics.horizontalAdvance(letters);
-    return QSize(static_cast<int>((width / 26 + 1) / 2), metrics.height());
+    return QSize(static_cast<int>((width * 2 / letters.size() + 1) / 2), metrics.height());
 }
 
 QSize DialogPixels(int width, int height) {
@@ -67,7 +67,7 @@ int FindEntry(const QStringList& entries, int after, const QString& wanted, bool
 
 int SortedPlace(const QStringList& entries, const QString& text) {
     int row = 0;
-    while (row < entries.size() && entries[row].compare(text, Qt::CaseInsensitive) <= 0) row++;
+    while (row < entries.size() && entries[row].compare(text, Qt::CaseInsensitive) <= 0) ++row;
     return row;
 }
 

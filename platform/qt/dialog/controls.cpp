@@ -171,15 +171,17 @@ constexpr int kNumberUnits = 64;
 
 static bool IsBlank(WCHAR unit) { return unit == u' ' || unit == u'\t'; }
 
+constexpr int kMostDigits = 18;  // any number of them fits in 64 bits
+
 // Parses digits, with a minus sign if `is_signed`; ignores blanks around the number.
 static bool ParseNumber(LPCWSTR text, bool is_signed, int64_t* value) {
-    while (IsBlank(*text)) text++;
+    while (IsBlank(*text)) ++text;
     const bool negative = is_signed && *text == u'-';
-    if (negative) text++;
+    if (negative) ++text;
     int digits = 0;
-    for (*value = 0; *text >= u'0' && *text <= u'9' && digits < 18; ++text, ++digits)
+    for (*value = 0; *text >= u'0' && *text <= u'9' && digits < kMostDigits; ++text, ++digits)
         *value = *value * 10 + (*text - u'0');
-    while (IsBlank(*text)) text++;
+    while (IsBlank(*text)) ++text;
     if (negative) *value = -*value;
     const int64_t least = is_signed ? INT32_MIN : 0, most = is_signed ? INT32_MAX : UINT32_MAX;
     return digits > 0 && *text == 0 && *value >= least && *value <= most;

@@ -33,9 +33,11 @@ const IconRow kIcons[] = {
     {MB_ICONASTERISK, QMessageBox::Information},
 };
 
+constexpr UINT kIconMask = 0xF0;
+
 static QMessageBox::Icon IconOf(UINT type) {
     for (const IconRow& row : kIcons)
-        if (row.type == (type & 0xF0u)) return row.icon;
+        if (row.type == (type & kIconMask)) return row.icon;
     return QMessageBox::NoIcon;
 }
 
@@ -68,6 +70,7 @@ class BoundedBox : public QMessageBox {
     }
     bool event(QEvent* event) override {
         const bool keep = narrowed_ && event->type() == QEvent::LayoutRequest;
+        // NOLINTNEXTLINE(bugprone-parent-virtual-call): the box's own would widen it again
         return keep ? QDialog::event(event) : QMessageBox::event(event);
     }
     bool eventFilter(QObject* device, QEvent* event) override {
@@ -112,11 +115,13 @@ int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
     return box.clickedButton() == ok || (single && !QuitPosted()) ? IDOK : IDCANCEL;
 }
 
+constexpr int kBeepMilliseconds = 100;  // at least so long between two sounds
+
 BOOL MessageBeep(UINT type) {
     if (window_observer.beep) window_observer.beep(type);
     // A host that rings without end must not fill the desktop's queue of sounds.
     static QElapsedTimer since;
-    if (!since.isValid() || since.elapsed() >= 100) {
+    if (!since.isValid() || since.elapsed() >= kBeepMilliseconds) {
         since.start();
         QApplication::beep();
     }

@@ -119,7 +119,7 @@ static void MakeSheetButton(Window& window, int id, DWORD type, LPCWSTR text, QL
     row->addWidget(FindWindowRecord(MakeControl(window, item))->widget);
 }
 
-static HWND MakeSheet(const PROPSHEETHEADERW& header, std::shared_ptr<SheetData> data) {
+static HWND MakeSheet(const PROPSHEETHEADERW& header, const std::shared_ptr<SheetData>& data) {
     const std::u16string title = header.pszCaption ? header.pszCaption : u"";
     Window* window = MakeDialogWindow(&kSheetClass, DialogOwner(header.hwndParent), title, nullptr);
     auto* widget = static_cast<DialogWidget*>(window->widget.data());

@@ -8,12 +8,15 @@
 
 constexpr size_t kShownOfAnArgument = 60;
 
+constexpr int kLeastWidth = 100, kLeastHeight = 80, kLargestSide = 4000;  // pixels
+
 static bool TakeSize(const char* text, QSize* size) {
     int width = 0, height = 0;
     char end = 0;
     if (std::sscanf(text, "%dx%d%c", &width, &height, &end) != 2) return false;
     *size = QSize(width, height);
-    return width >= 100 && width <= 4000 && height >= 80 && height <= 4000;
+    return width >= kLeastWidth && width <= kLargestSide && height >= kLeastHeight &&
+           height <= kLargestSide;
 }
 
 // Below 1, one device pixel would be less than one desktop pixel, and lines and letters would be

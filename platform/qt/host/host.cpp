@@ -54,6 +54,7 @@ extern "C" const uint8_t quill_resources[];
 extern "C" const uint8_t quill_resources_end[];
 
 constexpr int kSystemFontPixels = 9;
+constexpr int kUsualHeight = 300;
 constexpr int kNarrowestPixels = 400;  // wide enough for a full button bar
 
 static int CALLBACK TakeFirstFace(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM result) {
@@ -98,7 +99,7 @@ void OpenDevice(const HostOptions& options) {
     SetSystemFont();
     OfferToScreenReaders();
     RegisterMenuBar();
-    OpenDeviceScreen(QSize(kNarrowestPixels, 300));
+    OpenDeviceScreen(QSize(kNarrowestPixels, kUsualHeight));
     FurnishShell();
     DeviceScreen()->setWindowIcon(LoadProgramIcon(IDI_PROGRAM));
     DeviceScreen()->resize(options.screen.isEmpty() ? ScreenForTerminal() : options.screen);

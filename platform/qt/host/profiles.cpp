@@ -20,13 +20,15 @@ static bool IsPlain(char c) {
 
 static std::string ProfilesFolder() { return UserRoot() + "/profiles"; }
 
+static const QColor kDisc(0x60, 0x00, 0x20);
+
 // Draws the letter in white on a dark disc, a little larger than the lower right quarter.
 static void DrawLetter(QPixmap* picture, QChar letter) {
     const int side = picture->width() * 5 / 8;
     const QRect place(picture->width() - side, picture->height() - side, side, side);
     QPainter painter(picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(QColor(0x60, 0x00, 0x20));
+    painter.setBrush(kDisc);
     painter.setPen(Qt::NoPen);
     painter.drawEllipse(place);
     QFont font = painter.font();

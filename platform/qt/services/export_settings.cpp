@@ -100,7 +100,7 @@ static std::u16string TextOf(const std::string& data) {
     std::u16string text(data.size() / sizeof(char16_t), 0);
     std::memcpy(text.data(), data.data(), text.size() * sizeof(char16_t));
     text.resize(std::min(text.size(), kLongestValue / sizeof(char16_t) - 1));
-    return text.c_str();
+    return text.substr(0, text.find(u'\0'));
 }
 
 // False if the code page does not have all of its letters.
@@ -116,11 +116,13 @@ static bool AnsiOf(const std::u16string& text, std::string* bytes) {
     return text == back;
 }
 
+constexpr char16_t kEndOfText = 0x1A;  // SUB, as on the device
+
 // Returns why a line cannot hold the text, or null.
 const char* TextTrouble(const std::u16string& text, std::string* bytes) {
     if (text.find(u'"') != text.npos) return "has a double quote in it";
     for (const char16_t unit : text)
-        if (unit == u'\n' || unit == u'\r' || unit == 0x1A) return "has a line's end in it";
+        if (unit == u'\n' || unit == u'\r' || unit == kEndOfText) return "has a line's end in it";
     return AnsiOf(text, bytes) ? nullptr : "has letters that are not in code page 1252";
 }
 

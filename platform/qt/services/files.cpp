@@ -10,6 +10,8 @@
 #include <climits>
 #include <vector>
 
+constexpr mode_t kOwnerOnly = 0700;
+
 static std::string g_root;
 
 // XDG_DATA_HOME counts only if it is an absolute path.
@@ -37,8 +39,8 @@ std::string UserRoot() { return UserDataFolder() + "/quill"; }
 void MakeFolders(const std::string& path) {
     for (size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1))
-        mkdir(path.substr(0, slash).c_str(), 0700);
-    mkdir(path.c_str(), 0700);
+        mkdir(path.substr(0, slash).c_str(), kOwnerOnly);
+    mkdir(path.c_str(), kOwnerOnly);
 }
 
 void SetDeviceRoot(const std::string& folder) {
@@ -57,7 +59,7 @@ std::string DevicePath(LPCWSTR device_path) {
     while (*device_path) {
         std::u16string name;
         while (*device_path && !IsSeparator(*device_path)) name.push_back(*device_path++);
-        if (*device_path) device_path++;
+        if (*device_path) ++device_path;
         if (name.empty() || name == u".") continue;
         if (name != u"..") {
             names.push_back(name);

@@ -3,7 +3,7 @@
 // same HANDLE number twice. The object behind a handle lives as long as a thread runs it or waits
 // for it, even after the handle is closed.
 #include <pthread.h>
-#include <time.h>
+#include <ctime>
 
 #include <chrono>
 #include <condition_variable>
@@ -133,7 +133,7 @@ HANDLE CreateThread(LPVOID, DWORD stack, LPTHREAD_START_ROUTINE procedure, LPVOI
         CloseHandle(handle);
         return nullptr;
     }
-    start.release();  // RunThread owns it now
+    static_cast<void>(start.release());  // RunThread owns it now
     return handle;
 }
 
@@ -231,9 +231,12 @@ DWORD GetTickCount() { return static_cast<DWORD>(MillisecondsOf(CLOCK_MONOTONIC)
 
 void Sleep(DWORD milliseconds) {
     if (milliseconds == 0) return std::this_thread::yield();
+    // NOLINTNEXTLINE(bugprone-infinite-loop): INFINITE asks for it
     do std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
     while (milliseconds == INFINITE);
 }
+
+constexpr int kFirstYear = 1900;  // of tm
 
 void GetSystemTime(SYSTEMTIME* time) {
     if (!time) return;
@@ -242,7 +245,7 @@ void GetSystemTime(SYSTEMTIME* time) {
     const time_t seconds = static_cast<time_t>(now / 1000);
     tm utc = {};
     gmtime_r(&seconds, &utc);
-    time->wYear = static_cast<WORD>(utc.tm_year + 1900);
+    time->wYear = static_cast<WORD>(utc.tm_year + kFirstYear);
     time->wMonth = static_cast<WORD>(utc.tm_mon + 1);
     time->wDayOfWeek = static_cast<WORD>(utc.tm_wday);
     time->wDay = static_cast<WORD>(utc.tm_mday);

@@ -168,7 +168,7 @@ bool StreamSocket::Blocks() {
     return blocking_;
 }
 
-int StreamSocket::SendNow(const char* bytes, size_t size, int flags) {
+int StreamSocket::SendNow(const char* bytes, size_t size, int flags) const {
     ssize_t count;
     do count = send(descriptor_, bytes, size, flags | MSG_NOSIGNAL);
     while (count < 0 && errno == EINTR);
@@ -182,7 +182,7 @@ void StreamSocket::ChooseGathering() {
     if (now - last_sent_ > kSendingRest) run_ = 0;
     last_sent_ = now;
     const bool gather = run_ >= kSentAtOnce;
-    if (!gather) run_++;
+    if (!gather) ++run_;
     if (gather == gathers_) return;
     gathers_ = gather;
     const int at_once = !gather;
@@ -510,7 +510,7 @@ const ErrorRow kLookupErrors[] = {
 
 int WinsockError(int error_number) {
     // EADDRNOTAVAIL may mean that all local addresses are in use, or that there is no network.
-    if (error_number == EADDRNOTAVAIL && !HasNetworkInterface()) return 10065;
+    if (error_number == EADDRNOTAVAIL && !HasNetworkInterface()) return kWsaEHostUnreach;
     for (const ErrorRow& row : kErrors)
         if (row.from == error_number) return row.to;
     return kWsaEInval;

@@ -85,7 +85,7 @@ static LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool*
     while (TakeName(&sub_key, &name)) {
         if (name.size() > kLongestKeyName) return ERROR_INVALID_PARAMETER;
         path->append("\\").append(StoredName(name));
-        if (!created) continue;
+        if (!created) continue;  // NOLINT(bugprone-bool-pointer-implicit-conversion)
         const StoreResult made = registry.store.MakeKey(*path, created);
         if (made != StoreResult::kOk) return ErrorOf(made);
     }

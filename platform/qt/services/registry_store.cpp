@@ -13,6 +13,8 @@
 #include "platform/qt/services/services.h"
 
 constexpr int kBusyMilliseconds = 3000;
+constexpr int kBusyStep = 5;  // milliseconds
+constexpr mode_t kOwnerAlone = 0600;
 
 // Compared with the schema in the file, letter by letter.
 const char kSchema[] =
@@ -47,10 +49,10 @@ class FolderLock {
   public:
     explicit FolderLock(const std::string& folder)
         : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        for (int waited = 0; folder_ >= 0 && waited < kBusyMilliseconds; waited += 5) {
+        for (int waited = 0; folder_ >= 0 && waited < kBusyMilliseconds; waited += kBusyStep) {
             if (flock(folder_, LOCK_EX | LOCK_NB) == 0) held_ = true;
             if (held_ || errno != EWOULDBLOCK) break;
-            usleep(5000);
+            usleep(kBusyStep * 1000);
         }
     }
     ~FolderLock() {
@@ -89,15 +91,18 @@ static bool SetAside(const std::string& path) {
     return rename(path.c_str(), name.c_str()) == 0;
 }
 
+// SQLite's file header: its size, and the places of the two versions.
+constexpr size_t kHeaderBytes = 100, kWriteVersion = 18, kReadVersion = 19;
+
 // False for versions that SQLite would open for reading only, and for a log without its database.
 static bool HasSoundHeader(int file, const struct stat& status, const std::string& path) {
-    unsigned char header[100] = {};
+    unsigned char header[kHeaderBytes] = {};
     if (status.st_size == 0) {
         struct stat log;
         return stat((path + "-wal").c_str(), &log) != 0 || log.st_size == 0;
     }
     if (pread(file, header, sizeof(header), 0) != sizeof(header)) return false;
-    return header[18] <= 2 && header[19] <= 2;
+    return header[kWriteVersion] <= 2 && header[kReadVersion] <= 2;
 }
 
 static int Execute(sqlite3* database, const char* text) {
@@ -139,7 +144,7 @@ RegistryStore::Opened RegistryStore::TakeFile() {
     Opened opened = Opened::kDamaged;
     if (fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
         HasSoundHeader(file, status, path_)) {
-        if (status.st_mode & 077) fchmod(file, 0600);
+        if (status.st_mode & 077) fchmod(file, kOwnerAlone);
         device_ = status.st_dev;
         inode_ = status.st_ino;
         opened = Opened::kSound;

@@ -157,7 +157,7 @@ static std::vector<std::u16string> DialUpNames() {
         const std::u16string name = WideFromUtf8(file);
         if (IsBackup(file) || name.size() > RAS_MaxEntryName) continue;
         if (Utf8FromWide(name) != file) continue;  // the program would get another name
-        if (IsPlainFile(folder + "/" + file)) names.push_back(name);
+        if (IsPlainFile(std::string(folder).append("/").append(file))) names.push_back(name);
     }
     closedir(listing);
     std::sort(names.begin(), names.end());

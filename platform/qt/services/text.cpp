@@ -8,8 +8,11 @@
 
 #include "windows_ce.h"
 
-static bool IsHigh(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
-static bool IsLow(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+// The surrogates of UTF-16, and where they end.
+constexpr char32_t kFirstHigh = 0xD800, kFirstLow = 0xDC00, kAfterLow = 0xE000;
+
+static bool IsHigh(char32_t unit) { return unit >= kFirstHigh && unit < kFirstLow; }
+static bool IsLow(char32_t unit) { return unit >= kFirstLow && unit < kAfterLow; }
 
 static void AppendUtf8(std::string* bytes, char32_t point) {
     const auto tail = [&](int shift) {
@@ -39,7 +42,7 @@ std::string Utf8FromWide(std::u16string_view text) {
     for (size_t i = 0; i < text.size(); ++i) {
         char32_t point = text[i];
         if (IsHigh(point) && i + 1 < text.size() && IsLow(text[i + 1]))
-            point = 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00u);
+            point = 0x10000 + ((point - kFirstHigh) << 10) + (text[++i] - kFirstLow);
         AppendUtf8(&bytes, point);
     }
     return bytes;
@@ -58,7 +61,7 @@ char16_t LowerUnit(char16_t unit) {
 }
 
 int CompareWithoutCase(const char16_t* a, const char16_t* b) {
-    while (*a && LowerUnit(*a) == LowerUnit(*b)) a++, b++;
+    while (*a && LowerUnit(*a) == LowerUnit(*b)) ++a, ++b;
     return LowerUnit(*a) - LowerUnit(*b);
 }
 
@@ -79,14 +82,16 @@ const WCHAR kUpperControls[32] = {
 };
 // clang-format on
 
+constexpr WCHAR kAfterUpperControls = 0xA0;
+
 static WCHAR WideOf(char byte) {
     const BYTE value = static_cast<BYTE>(byte);
-    return value >= 0x80 && value < 0xA0 ? kUpperControls[value - 0x80] : value;
+    return value >= 0x80 && value < kAfterUpperControls ? kUpperControls[value - 0x80] : value;
 }
 
 static bool ByteOf(WCHAR unit, char* byte) {
     int value = -1;
-    if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF)) value = unit;
+    if (unit < 0x80 || (unit >= kAfterUpperControls && unit <= 0xFF)) value = unit;
     for (int i = 0; i < 32 && value < 0; ++i)
         if (kUpperControls[i] == unit) value = 0x80 + i;
     *byte = static_cast<char>(value);
@@ -113,6 +118,20 @@ int MultiByteToWideChar(UINT code_page, DWORD, LPCSTR bytes, int size, LPWSTR te
     return static_cast<int>(count);
 }
 
+// Encodes the first `room` units, and returns how many those are. `bytes` may be null. The unit
+// after them still counts for `used_fallback`.
+static size_t Encode(std::u16string_view text, char instead, size_t room, char* bytes,
+                     BOOL* used_fallback) {
+    for (size_t i = 0; i < text.size(); ++i) {
+        char byte = 0;
+        const bool known = ByteOf(text[i], &byte);
+        if (!known && used_fallback) *used_fallback = TRUE;
+        if (i == room) return i;
+        if (bytes) bytes[i] = known ? byte : instead;
+    }
+    return text.size();
+}
+
 int WideCharToMultiByte(UINT code_page, DWORD, LPCWSTR text, int length, LPSTR bytes, int capacity,
                         LPCSTR fallback, BOOL* used_fallback) {
     if (used_fallback) *used_fallback = FALSE;
@@ -120,20 +139,15 @@ int WideCharToMultiByte(UINT code_page, DWORD, LPCWSTR text, int length, LPSTR b
     const size_t count = UnitsGiven(length, static_cast<size_t>(length == -1 ? lstrlenW(text) : 0));
     if (count > INT32_MAX) return 0;
     const char instead = fallback ? *fallback : '?';
-    for (size_t i = 0; i < count; ++i) {
-        char byte = 0;
-        const bool known = ByteOf(text[i], &byte);
-        if (!known && used_fallback) *used_fallback = TRUE;
-        if (capacity == 0) continue;
-        if (i == static_cast<size_t>(capacity)) return 0;
-        bytes[i] = known ? byte : instead;
-    }
-    return static_cast<int>(count);
+    const size_t room = capacity == 0 ? count : static_cast<size_t>(capacity);
+    const size_t written =
+        Encode({text, count}, instead, room, capacity ? bytes : nullptr, used_fallback);
+    return written < count ? 0 : static_cast<int>(count);
 }
 
 int lstrlenW(LPCWSTR text) {
     int length = 0;
-    while (text && text[length]) length++;
+    while (text && text[length]) ++length;
     return length;
 }
 
@@ -147,7 +161,7 @@ LPWSTR lstrcpyW(LPWSTR to, LPCWSTR from) {
 
 int lstrcmpW(LPCWSTR a, LPCWSTR b) {
     if (!a || !b) return (a != nullptr) - (b != nullptr);
-    while (*a && *a == *b) a++, b++;
+    while (*a && *a == *b) ++a, ++b;
     return (*a > *b) - (*a < *b);
 }
 
@@ -242,7 +256,7 @@ static void PutNumber(Output* output, const Conversion& conversion, LPCWSTR sign
 
 // Writes the digits of `value` to the end of `room`, most significant first; returns their start.
 static LPCWSTR Digits(DWORD value, DWORD base, bool upper, WCHAR (&room)[12]) {
-    LPWSTR first = room + 11;
+    LPWSTR first = std::end(room) - 1;
     *first = 0;
     do {
         const DWORD digit = value % base;
@@ -255,7 +269,7 @@ static LPCWSTR Digits(DWORD value, DWORD base, bool upper, WCHAR (&room)[12]) {
 
 static int TextLength(LPCWSTR text, int limit) {
     int length = 0;
-    while ((limit < 0 || length < limit) && length < kRoom && text[length]) length++;
+    while ((limit < 0 || length < limit) && length < kRoom && text[length]) ++length;
     return length;
 }
 

@@ -149,7 +149,7 @@ static bool IsTcp(int family, int type, int protocol) {
 
 // The checks that sending and receiving start with.
 static SocketPointer FindForTransfer(SOCKET number, const void* bytes, int size, int flags) {
-    const SocketPointer found = FindSocket(number);
+    SocketPointer found = FindSocket(number);
     if (!found) return nullptr;
     if (size < 0 || (!bytes && size > 0)) return FailWith(kWsaEFault), nullptr;
     if (flags & ~kKnownFlags) return FailWith(kWsaEOpNotSupp), nullptr;

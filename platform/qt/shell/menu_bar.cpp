@@ -43,6 +43,7 @@ class KeyboardPicture : public QIconEngine {
   public:
     explicit KeyboardPicture(const QColor& color) : color_(color) {}
 
+    // NOLINTBEGIN(readability-magic-numbers): the places of a picture
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override {
         painter->save();
         painter->translate(rect.topLeft());
@@ -57,6 +58,7 @@ class KeyboardPicture : public QIconEngine {
         painter->fillRect(QRectF(6, 9.4, 10, 1.8), color_);
         painter->restore();
     }
+    // NOLINTEND(readability-magic-numbers)
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
         QPixmap picture(size);
         picture.fill(Qt::transparent);

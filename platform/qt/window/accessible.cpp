@@ -64,6 +64,7 @@ class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface
         return state;
     }
 
+    using QAccessibleWidget::text;
     int characterCount() const override { return static_cast<int>(TextOf(ReadScreen()).size()); }
     QString text(int start, int end) const override {
         const QString whole = TextOf(ReadScreen());
@@ -136,7 +137,7 @@ class ButtonAccessible : public QAccessibleWidget {
         : QAccessibleWidget(button, role), button_(button) {}
 
     QString text(QAccessible::Text kind) const override {
-        const QString own = QAccessibleWidget::text(kind);
+        QString own = QAccessibleWidget::text(kind);
         if (kind != QAccessible::Name || !own.isEmpty()) return own;
         return QString(button_->text()).remove('&').simplified();
     }

@@ -8,13 +8,15 @@
 
 #include "platform/qt/window/messages.h"
 
+constexpr QSize kLeastSize(100, 80);
+
 namespace {
 
 class ScreenWidget : public QWidget {
   public:
     explicit ScreenWidget(QSize size) {
         setObjectName("device");
-        setMinimumSize(100, 80);
+        setMinimumSize(kLeastSize);
         resize(size);
     }
     QRect PanelPlace() const;

@@ -13,9 +13,12 @@ static std::shared_ptr<const FontData> g_made_last;  // made for the face below
 static LOGFONTW g_face_made_last;
 static std::unique_ptr<LineFont> g_line_font;  // the last one that was asked for
 
+// DEL and the control characters after it.
+constexpr int kFirstUpperControl = 127, kAfterUpperControls = 160;
+
 static void FillGlyphs(FontData& font) {
     for (int code = 32; code < 256; ++code) {
-        if (code >= 127 && code < 160) continue;
+        if (code >= kFirstUpperControl && code < kAfterUpperControls) continue;
         const auto found = font.raw.glyphIndexesForString(QString(QChar(code)));
         font.glyphs[code] = found.isEmpty() ? 0 : found.front();
     }
@@ -59,7 +62,7 @@ std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted) {
 bool GlyphOverhangs(const FontData& font, char16_t code) {
     std::optional<bool>& known = font.overhangs[code];
     if (known) return *known;
-    const double advance = font.raw.advancesForGlyphIndexes({font.glyphs['M']}).value(0).x();
+    const double advance = font.raw.advancesForGlyphIndexes({font.glyphs[u'M']}).value(0).x();
     const QRectF box = code > u' ' ? font.raw.boundingRect(font.glyphs[code]) : QRectF();
     known = box.left() < 0 || box.right() > std::floor(advance) ||
             -box.top() > font.height - font.descent || box.bottom() > font.descent;

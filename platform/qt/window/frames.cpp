@@ -89,9 +89,12 @@ bool FrameOverdue() {
     return now - g_invalid_since >= kFrame && NanosecondsToFrame(g_pace, now) == 0;
 }
 
+constexpr int64_t kPerMillisecond = 1000000;
+
 int MillisecondsToFrame() {
     if (!FirstWindow(IsInvalid)) return -1;
-    return static_cast<int>((NanosecondsToFrame(g_pace, Now()) + 999999) / 1000000);
+    return static_cast<int>((NanosecondsToFrame(g_pace, Now()) + kPerMillisecond - 1) /
+                            kPerMillisecond);
 }
 
 void PaintFrameOf(Window& window) {

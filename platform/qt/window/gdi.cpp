@@ -221,21 +221,26 @@ int DrawTextW(HDC dc, LPCWSTR text, int count, RECT* rect, UINT format) {
     return font.height;
 }
 
+// The last point of a line is not drawn.
+static void DrawLine(QPainter& painter, POINT a, POINT b, const QColor& color, int width) {
+    const auto low = [](LONG p, LONG q) { return p <= q ? p : q + 1; };
+    if (a.y == b.y) {
+        painter.fillRect(low(a.x, b.x), a.y, std::abs(b.x - a.x), width, color);
+    } else if (a.x == b.x) {
+        painter.fillRect(a.x, low(a.y, b.y), width, std::abs(b.y - a.y), color);
+    } else {
+        painter.setPen(QPen(color, width));
+        painter.drawLine(a.x, a.y, b.x, b.y);
+    }
+}
+
 BOOL Polyline(HDC dc, const POINT* points, int count) {
     if (!dc || !dc->painter || count < 2) return FALSE;
     const COLORREF color = dc->pen && Known(dc->pen) ? dc->pen->color : 0;
     const int width = dc->pen && Known(dc->pen) ? dc->pen->width : 1;
     for (int i = 1; i < count; ++i) {
         const POINT a = points[i - 1], b = points[i];
-        const auto low = [](LONG p, LONG q) { return p <= q ? p : q + 1; };
-        if (a.y == b.y) {
-            dc->painter->fillRect(low(a.x, b.x), a.y, std::abs(b.x - a.x), width, ColorOf(color));
-        } else if (a.x == b.x) {
-            dc->painter->fillRect(a.x, low(a.y, b.y), width, std::abs(b.y - a.y), ColorOf(color));
-        } else {
-            dc->painter->setPen(QPen(ColorOf(color), width));
-            dc->painter->drawLine(a.x, a.y, b.x, b.y);
-        }
+        DrawLine(*dc->painter, a, b, ColorOf(color), width);
         if (drawing_observer.line) drawing_observer.line(dc->window, a, b, color);
     }
     return TRUE;

@@ -45,7 +45,8 @@ const KeyRow kModifiers[] = {
 };
 // clang-format on
 
-constexpr int kProcessKey = 0xE5;  // a key press that the input method handled
+constexpr LPARAM kWasDown = 1 << 30;  // of a key message: the key repeats
+constexpr int kProcessKey = 0xE5;     // a key press that the input method handled
 
 static int ModifierKey(const QKeyEvent& event) {
     for (const KeyRow& row : kModifiers)
@@ -62,12 +63,14 @@ static int GenericKey(int key) {
     return key == VK_LMENU || key == VK_RMENU ? VK_MENU : key;
 }
 
+constexpr quint32 kScanCodeOf1 = 10, kScanCodeOf0 = 19;
+
 // The digit keys have the same code with and without Shift; on X11 the hardware code identifies
 // them.
 static int DigitKey(const QKeyEvent& event) {
     const quint32 code = event.nativeScanCode();
-    if (event.nativeVirtualKey() == 0 || code < 10 || code > 19) return 0;
-    return code == 19 ? '0' : static_cast<int>('1' + (code - 10));
+    if (event.nativeVirtualKey() == 0 || code < kScanCodeOf1 || code > kScanCodeOf0) return 0;
+    return code == kScanCodeOf0 ? '0' : static_cast<int>('1' + (code - kScanCodeOf1));
 }
 
 template <size_t count>
@@ -98,9 +101,9 @@ static int VirtualKey(const QKeyEvent& event) {
 // the keys of the editing block other than these type nothing.
 static QString CharactersOf(const QKeyEvent& event, int virtual_key) {
     if (virtual_key == VK_BACK) return QString(QChar(8));
-    if (virtual_key == VK_TAB) return QString(QChar(9));
-    if (virtual_key == VK_RETURN) return QString(QChar(13));
-    if (virtual_key == VK_ESCAPE) return QString(QChar(27));
+    if (virtual_key == VK_TAB) return QString(u'\t');
+    if (virtual_key == VK_RETURN) return QString(u'\r');
+    if (virtual_key == VK_ESCAPE) return QString(u'\x1b');
     if (virtual_key == VK_DELETE || ModifierKey(event)) return QString();
     return event.text();
 }
@@ -146,7 +149,7 @@ void QueueKeyEvent(HWND window, QKeyEvent* event, bool down) {
     if (key == 0 && characters.isEmpty()) return;  // a key that the device does not have
     SetKeyDown(static_cast<size_t>(key), down);
     QueueKey(window, message, static_cast<WPARAM>(GenericKey(key)),
-             event->isAutoRepeat() ? 1 << 30 : 0, characters);
+             event->isAutoRepeat() ? kWasDown : 0, characters);
 }
 
 // As on the device, the key press of the input method comes before its characters.

@@ -167,9 +167,10 @@ static bool TakeDuePaint(MSG* message, HWND window, UINT first, UINT last) {
 // The events may bring what the caller waits for, so `may_wait` is asked last.
 static bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
                  const std::function<bool()>& may_wait) {
-    if (TakeDuePaint(message, window, first, last)) return true;
-    if (TakePosted(message, window, first, last, remove)) return true;
-    if (TakeInput(message, window, first, last, remove)) return true;
+    if (TakeDuePaint(message, window, first, last) ||
+        TakePosted(message, window, first, last, remove) ||
+        TakeInput(message, window, first, last, remove))
+        return true;
     if (g_quit) {
         *message = MakeMessage(nullptr, WM_QUIT, static_cast<WPARAM>(g_quit_code), 0);
         return true;
@@ -180,9 +181,9 @@ static bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
     }
     CollectInput(false);
     if (!g_input.empty()) return TakeInput(message, window, first, last, remove);
-    if (TakePosted(message, window, first, last, remove)) return true;
-    if (TakePaint(message, window, first, last)) return true;
-    if (TakeTimer(message, window, first, last, remove)) return true;
+    if (TakePosted(message, window, first, last, remove) ||
+        TakePaint(message, window, first, last) || TakeTimer(message, window, first, last, remove))
+        return true;
     if (g_quit || !may_wait() || PostedSoon()) return false;
     if (window_observer.idle) window_observer.idle();
     WakeForFrame();

@@ -13,6 +13,7 @@
 
 const HWND kOtherInstance = reinterpret_cast<HWND>(static_cast<UINT_PTR>(4));
 constexpr int kConnectMilliseconds = 2000;
+constexpr int kConnectStep = 50;  // milliseconds
 constexpr int kAnswerMilliseconds = 5000;
 constexpr qsizetype kLongestRequest = 64;
 
@@ -136,8 +137,8 @@ static bool TakeLock() {
 // yet, so the call is repeated.
 static bool TellOther(const char* request) {
     int socket = CallLocally(SocketName());
-    for (int waited = 0; socket < 0 && waited < kConnectMilliseconds; waited += 50) {
-        Sleep(50);
+    for (int waited = 0; socket < 0 && waited < kConnectMilliseconds; waited += kConnectStep) {
+        Sleep(kConnectStep);
         socket = CallLocally(SocketName());
     }
     if (socket < 0) return false;

@@ -26,7 +26,7 @@ static void AddRowChange(std::vector<TextChange>* changes, int offset, const QSt
     if (before == now) return;
     const auto most = std::min(before.size(), now.size());
     qsizetype head = 0, tail = 0;
-    while (head < most && before[head] == now[head]) head++;
+    while (head < most && before[head] == now[head]) ++head;
     while (tail < most - head && before[before.size() - 1 - tail] == now[now.size() - 1 - tail])
         ++tail;
     changes->push_back({offset + static_cast<int>(head),

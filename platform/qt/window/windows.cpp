@@ -154,14 +154,17 @@ void DestroyAllWindows() {
     ForgetProgramClasses();
 }
 
+static bool Refused(LPCWSTR class_name) {
+    return window_observer.refuse && window_observer.refuse(class_name);
+}
+
 HWND CreateWindowExW(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x, int y,
                      int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                      LPVOID parameter) {
     const WindowClass* window_class = FindWindowClass(class_name);
     Window* parent_window = FindWindowRecord(parent);
     const bool child = style & WS_CHILD;
-    if (!window_class || (child && !parent_window)) return nullptr;
-    if (window_observer.refuse && window_observer.refuse(class_name)) return nullptr;
+    if (!window_class || (child && !parent_window) || Refused(class_name)) return nullptr;
 
     const int id = child ? static_cast<int>(reinterpret_cast<INT_PTR>(menu)) : 0;
     Window* window = AddWindow(window_class, &kPaintedOperations, child ? parent : nullptr, id);
