@@ -55,6 +55,25 @@ for run in 1 2 3; do
     end_window
 done
 
+# Where a device pixel is no whole number of the desktop's, the place is rounded. It is not rounded
+# again in each run.
+cp "$place" "$work/kept"
+for scale in 1.5 3; do
+    opened --scale $scale
+    xdotool windowmove "$window" 311 217
+    sleep 0.5
+    end_window
+    opened --scale $scale
+    sleep 0.5
+    back=$(corner)
+    end_window
+    for run in 1 2 3; do
+        opened --scale $scale
+        await 10 is_corner "$back" || fail "the window wanders at $scale: $(corner) instead of $back"
+        end_window
+    done
+done
+cp "$work/kept" "$place"
 # Maximised: the size of before stays behind it.
 opened --scale 2
 xdotool windowfocus "$window" || :
