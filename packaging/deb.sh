@@ -90,6 +90,10 @@ Description: terminal client for Telnet, SSH-1.5 and SSH-2
  speak, and no protection on a network of today.
 END
 
+# Whoever made the sources' files, with whatever umask.
+find "$root" -type d -exec chmod 755 {} +
+find "$root" -type f -exec chmod 644 {} +
+chmod 755 "$root/usr/bin/quill"
 find "$root" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
 package=$(pwd)/build/quill_${version}_$architecture.deb
 mkdir -p build

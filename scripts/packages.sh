@@ -14,13 +14,13 @@ PACKAGES_DEB="dpkg-dev librsvg2-bin"
 # locales for its code pages, iproute2 for the network that its dial is tried in; libncurses-dev,
 # ncurses-term and the programs after it for the terminal's description; openbox and what follows for
 # the package and its window; clang-format and clang-tidy, in the one version that the project uses, for
-# the style; weston and qt6-wayland for the tests under Wayland, dbus to gir1.2-atspi
+# the style; weston to qt6-wayland for the tests under Wayland, dbus to gir1.2-atspi
 # for those of a screen reader.
 PACKAGES_TEST="libgtest-dev clang libclang-rt-dev|libclang-rt-14-dev|libclang-rt-18-dev
     xvfb xauth x11-utils xdotool xclip imagemagick socat libkrb5-3 libvterm-dev libbenchmark-dev
     libgmp-dev libssl-dev openssh-client python3-asyncssh python3-paramiko python3-twisted
     python3 python3-pycryptodome googletest wine wine64 locales iproute2
-    weston qt6-wayland dbus-daemon dbus-bin at-spi2-core python3-gi gir1.2-atspi-2.0
+    weston sway grim qt6-wayland dbus-daemon dbus-bin at-spi2-core python3-gi gir1.2-atspi-2.0
     libncurses-dev ncurses-term vim nano less mc dialog htop procps tmux w3m
     clang-format-14 clang-tidy-14 openbox lintian desktop-file-utils appstream man-db groff-base binutils"
 # The compilers of the other processors: each is a download of 45 MB and takes 160 MB on disk.

@@ -17,6 +17,7 @@
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/host/command_line.h"
 #include "platform/qt/host/host.h"
+#include "platform/qt/host/mute_bus.h"
 #include "platform/qt/host/profiles.h"
 #include "platform/qt/services/services.h"
 #include "platform/qt/terminal_source.h"
@@ -181,6 +182,7 @@ int main(int argc, char** argv) {
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 
+    LeaveMuteBus();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     OpenDevice(options);

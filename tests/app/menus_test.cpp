@@ -185,6 +185,44 @@ TEST(Menus, NoLineIsDrawnBelowTheTitles) {
     });
 }
 
+QImage StripAtScale(double scale) {
+    QImage picture((QSizeF(ShellMenuStrip()->size()) * scale).toSize(), QImage::Format_RGB32);
+    picture.setDevicePixelRatio(scale);
+    ShellMenuStrip()->render(&picture);
+    return picture;
+}
+
+// Where a pixel of the screen is not a pixel of the device, the line may cover parts of two.
+TEST(Menus, NoLineIsDrawnBelowTheTitlesAtAnyScale) {
+    RunProgram({}, [] {
+        ASSERT_TRUE(Eventually([] { return !BarTitles().isEmpty(); }));
+        OnWindowThread([] {
+            const QRect bar = ShellMenuStrip()->bar()->geometry();
+            for (const double scale : {1.0, 1.25, 1.5, 1.75, 2.0, 2.5, 3.0}) {
+                const QImage strip = StripAtScale(scale);
+                const int right = static_cast<int>(bar.width() * scale);
+                for (int y = static_cast<int>((bar.bottom() - 1) * scale); y < strip.height(); ++y)
+                    for (int x = 0; x < right; ++x)
+                        ASSERT_EQ(strip.pixel(x, y), strip.pixel(0, 0))
+                            << x << "," << y << " at " << scale;
+            }
+        });
+    });
+}
+
+TEST(Menus, TheKeyboardsPictureIsMadeForTheDensity) {
+    RunProgram({}, [] {
+        OnWindowThread([] {
+            const QIcon icon = ShellMenuStrip()->panel_button()->icon();
+            for (const double density : {1.0, 1.25, 2.0, 3.0}) {
+                const QPixmap picture = icon.pixmap(QSize(22, 14), density);
+                EXPECT_EQ(picture.size(), (QSizeF(22, 14) * density).toSize());
+                EXPECT_EQ(picture.devicePixelRatio(), density);
+            }
+        });
+    });
+}
+
 TEST(Menus, TappedTitleOpensItsMenuUpward) {
     RunProgram({}, [] {
         Ready();

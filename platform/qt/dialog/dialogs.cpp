@@ -202,20 +202,24 @@ QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {
     return area;
 }
 
-// The sheet places its pages. A dialog scrolls what the screen cuts off; the scroll bar adds to the
-// dialog's size as far as the screen has room.
+// The sheet places its pages. A dialog scrolls what the room cuts off; the scroll bar adds to the
+// dialog's size as far as there is room. Above a shown input panel the dialog moves up if it would
+// cover the panel, for then nobody could type into it.
 void PlaceDialog(Window& window, const QRect& rect) {
     if (!window.widget->isWindow()) return;
-    const QSize screen = DeviceScreen()->size();
+    const QSize room = RoomForDialogs();
     const QSize whole = window.dialog->wanted.expandedTo(rect.size());
     const int bar = window.widget->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     QSize size = whole;
-    if (whole.height() > screen.height()) size.rwidth() += bar;
-    if (whole.width() > screen.width()) size.rheight() += bar;
-    size = size.boundedTo(screen);
+    if (whole.height() > room.height()) size.rwidth() += bar;
+    if (whole.width() > room.width()) size.rheight() += bar;
+    size = size.boundedTo(room);
     if (!window.dialog->sheet) window.dialog->content->setFixedSize(whole);
     window.widget->setMaximumSize(whole.expandedTo(size));
-    window.widget->setGeometry(QRect(DeviceScreen()->mapToGlobal(rect.topLeft()), size));
+    QPoint corner = rect.topLeft();
+    if (room != DeviceScreen()->size())
+        corner.setY(std::min(corner.y(), room.height() - size.height()));
+    window.widget->setGeometry(QRect(DeviceScreen()->mapToGlobal(corner), size));
     SendSize(window);
 }
 

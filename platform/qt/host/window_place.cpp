@@ -74,11 +74,14 @@ static const QScreen* ScreenOf(const WindowPlace& place) {
 static QSize DesktopSize() { return QGuiApplication::primaryScreen()->virtualGeometry().size(); }
 
 // If the desktop is the same as before, the user has put the window over the edge: it stays there.
+// Only a title bar above the screen comes back: nothing else can move the window on every desktop.
 static void FitInto(const QRect& screen, WindowPlace* place) {
     const QRect room = screen.adjusted(0, 0, -kBorder, -kBorder);
     const QSize wanted = place->size;
     place->size = wanted.boundedTo(room.size() - QSize(0, kTitleHeight));
-    if (!place->place || (place->size == wanted && place->desktop == DesktopSize())) return;
+    if (!place->place) return;
+    place->place->setY(std::max(place->place->y(), room.top()));
+    if (place->size == wanted && place->desktop == DesktopSize()) return;
     const QPoint farthest(room.right() + 1 - place->size.width(),
                           room.bottom() + 1 - place->size.height() - kTitleHeight);
     place->place = QPoint(std::max(std::min(place->place->x(), farthest.x()), room.left()),

@@ -81,12 +81,18 @@ void LendInputPanel(QWidget* dialog) {
     panel->show();
 }
 
+QSize RoomForDialogs() {
+    constexpr int kLeastRoom = 100;
+    QSize room = DeviceScreen()->size();
+    const int above_panel = InputPanelPlace().top();
+    if (InputPanelShown() && above_panel >= kLeastRoom) room.setHeight(above_panel);
+    return room;
+}
+
 QRect CenteredPlace(QSize size) {
-    QRect screen = DeviceScreen()->rect();
-    if (InputPanelShown() && size.height() <= InputPanelPlace().top())
-        screen.setHeight(InputPanelPlace().top());
-    return QRect(QPoint(std::max((screen.width() - size.width()) / 2, 0),
-                        std::max((screen.height() - size.height()) / 2, 0)),
+    const QSize room = RoomForDialogs();
+    return QRect(QPoint(std::max((room.width() - size.width()) / 2, 0),
+                        std::max((room.height() - size.height()) / 2, 0)),
                  size);
 }
 

@@ -22,8 +22,9 @@ bool InputPanelShown();
 // call moves it to a separate window in front of `dialog`, unless the dialog covers it; null moves
 // it back to the screen.
 void LendInputPanel(QWidget* dialog);
-// The middle of the screen, or of the area above the input panel if the size fits there.
-QRect CenteredPlace(QSize size);
+// The screen, or the area above a shown input panel if a dialog can be used there.
+QSize RoomForDialogs();
+QRect CenteredPlace(QSize size);  // the middle of that room
 
 // command_bar.cpp
 inline constexpr int kCommandBarHeight = 26;

@@ -3,6 +3,8 @@
 #include "platform/qt/window/device_screen.h"
 
 #include <QCloseEvent>
+#include <QScreen>
+#include <QWindow>
 
 #include "platform/qt/window/messages.h"
 
@@ -92,7 +94,30 @@ void ScreenWidget::keyReleaseEvent(QKeyEvent* event) {
     if (Window* window = ProgramWindow()) QueueKeyEvent(window->handle, event, false);
 }
 
-void OpenDeviceScreen(QSize size) { g_screen = std::make_unique<ScreenWidget>(size); }
+// The toolkit follows a window that moves to a monitor of another density, but not a monitor that
+// changes its own. A window that the toolkit makes again has the monitor's. Only the QWindow is
+// made again: a dialog whose widget is hidden has been answered.
+static void TakeDensityOfMonitors() {
+    for (const QWidget* widget : QApplication::topLevelWidgets()) {
+        QWindow* window = widget->windowHandle();
+        if (!window || !widget->isVisible() || !window->isVisible()) continue;
+        if (window->devicePixelRatio() == window->screen()->devicePixelRatio()) continue;
+        window->destroy();
+        window->setVisible(true);
+    }
+}
+
+// Queued, because a monitor changes one value after the other.
+static void FollowMonitor(const QScreen* monitor) {
+    QObject::connect(monitor, &QScreen::geometryChanged, g_screen.get(), TakeDensityOfMonitors,
+                     Qt::QueuedConnection);
+}
+
+void OpenDeviceScreen(QSize size) {
+    g_screen = std::make_unique<ScreenWidget>(size);
+    for (const QScreen* monitor : QGuiApplication::screens()) FollowMonitor(monitor);
+    QObject::connect(qApp, &QGuiApplication::screenAdded, g_screen.get(), FollowMonitor);
+}
 
 void FurnishScreen(const ScreenFoot& foot) { g_screen->Furnish(foot); }
 
