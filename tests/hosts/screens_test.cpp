@@ -156,6 +156,49 @@ TEST(WrongScreen, BackspaceIsWhatTheHostIsToldAndWhatTheKeySends) {
     }
 }
 
+// What is left of "abc" after one step to the left and one Backspace.
+static bool BackspaceLeaves(const char* left, const std::vector<std::string>& program,
+                            const char* term, const char* backspace) {
+    TemporaryHome home;
+    const bool quill = std::string(term) != "vt100";
+    std::string command = quill ? "stty erase '^H'; exec" : "stty erase '^?'; exec";
+    for (const std::string& word : program) command += " '" + word + "'";
+    KeyProgram editor(term, "C", {"sh", "-c", command}, home.path);
+    editor.Press("");
+    editor.Press("abc");
+    editor.Press("<left>");
+    editor.Press(backspace);
+    editor.Press("!");
+    return ScreenHas(left);
+}
+
+static const std::vector<std::string> kNano = {"nano", "--ignorercfiles", "text"};
+static const std::vector<std::string> kInputBox = {"dialog", "--inputbox", "Name:", "9", "40"};
+
+TEST(WrongScreen, BackspaceErasesToItsLeftAsTheChecklistSays) {
+    for (const auto& program : {kNano, kInputBox}) {
+        if (!IsInstalled(program[0])) GTEST_SKIP() << program[0] << " is not installed";
+        for (const char* term : {"quill", "quill-7"})
+            EXPECT_TRUE(BackspaceLeaves("a!c", program, term, "\b")) << term << ScreenText();
+        EXPECT_TRUE(BackspaceLeaves("a!c", program, "vt100", "\177")) << ScreenText();
+    }
+}
+
+TEST(WrongScreen, BackspaceOfDelErasesToItsRightAsQuill) {
+    for (const auto& program : {kNano, kInputBox}) {
+        if (!IsInstalled(program[0])) GTEST_SKIP() << program[0] << " is not installed";
+        for (const char* term : {"quill", "quill-7"})
+            EXPECT_TRUE(BackspaceLeaves("ab!", program, term, "\177")) << term << ScreenText();
+    }
+}
+
+TEST(WrongScreen, ProgramsNameTheTypeThatTheyDoNotKnow) {
+    KeyProgram shell("quill", "C", {"bash", "--norc"}, "/", {"PS1=$ ", "TERMINFO=/nowhere"});
+    EXPECT_TRUE(shell.Shows("nano\r", "Error opening terminal: quill.")) << ScreenText();
+    EXPECT_TRUE(shell.Shows("tput cols\r", "unknown terminal \"quill\"")) << ScreenText();
+    EXPECT_TRUE(shell.Shows("export TERM=vt100; echo $(tput cols) columns\r", "80 columns"));
+}
+
 // By the sequences that the key table has at first, and by those of its changed rows.
 TEST(WrongScreen, ArrowKeysEndAMenuAsVt100) {
     if (!IsInstalled("dialog")) GTEST_SKIP() << "dialog is not installed";
