@@ -3,7 +3,6 @@
 // picture of the screen, and with the starts from which the manual defines it.
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <map>
 
 #include "tests/hosts/picture.h"
@@ -244,21 +243,6 @@ static NumberLists ListsOf(Numbers numbers) {
             return {{0, 0}, {0, 79}, {23, 0}, {23, 79}, {11, 39}, {4, 8}, {19, 78}};
     }
     return {};
-}
-
-static void ForEveryStart(const std::function<void(const Start&)>& act) {
-    const int regions[][2] = {{1, kScreenRows}, {5, 20}, {1, 10}, {12, 24}, {23, 24}};
-    for (const auto& region : regions) {
-        for (const int row : {1, 2, 5, 10, 12, 19, 20, 23, 24}) {
-            for (const int col : {1, 2, 9, 39, 40, 72, 79, 80}) {
-                for (const WORD pen : {WORD{0}, WORD{kCellReverse | kCellBold}}) {
-                    act({row, col, region[0], region[1], pen, false, false});
-                    if (col <= 40) act({row, col, region[0], region[1], pen, true, false});
-                    if (col == 80) act({row, col, region[0], region[1], pen, false, true});
-                }
-            }
-        }
-    }
 }
 
 // ---------------------------------------------------------------- one start

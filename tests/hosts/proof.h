@@ -66,6 +66,10 @@ std::string LeftByInitialising(const TerminfoEntry& entry);
 // flags.cpp: flags, absent flags ("no am") and numbers. Every name that curses has is there.
 const CheckRow* FindFlagCheck(const std::string& capability);
 
+// changes.cpp: what a string changes beyond what its capability may change, anywhere in the
+// terminal's state. Empty if it is nothing, and for a capability that may change anything.
+std::string ChangesMore(const TerminfoEntry& entry, const std::string& capability);
+
 // keys.cpp: what a key sends. Null for a key that the terminal has not.
 struct KeyRow {
     const char* capability;
