@@ -350,3 +350,41 @@ bool CheckEffect(const TerminfoEntry& entry, const std::string& capability, std:
     }
     return false;
 }
+
+static std::string WidthAfter(const EffectRow& row, const Start& start, const int* numbers,
+                              const std::string& bytes) {
+    SetUp(start);
+    Picture wanted = TakePicture();
+    row.effect(wanted, numbers);
+    Feed(bytes);
+    const std::string difference = WidthDifference(wanted, TakePicture());
+    return difference.empty() ? ""
+                              : AsEscapeText(bytes) + " " + Describe(start) + ": " + difference;
+}
+
+static std::string WidthsAfter(const TerminfoEntry& entry, const EffectRow& row) {
+    std::string message;
+    for (const std::vector<int>& list : ListsOf(row.numbers)) {
+        int numbers[kMostNumbers] = {};
+        std::copy(list.begin(), list.end(), numbers);
+        const std::string bytes = row.numbers == Numbers::kNone
+                                      ? Expand(entry, row.capability)
+                                      : Expand(entry, row.capability, numbers);
+        ForEveryStart([&](const Start& start) {
+            if (start.pen || !message.empty() || !row.defined(start, numbers)) return;
+            message = WidthAfter(row, start, numbers, bytes);
+        });
+    }
+    return message;
+}
+
+std::string LeavesAnotherWidth(const TerminfoEntry& entry, const std::string& capability) {
+    for (const EffectRow& row : kEffects) {
+        if (capability != row.capability) continue;
+        static KnownMessages known;
+        const auto key = std::pair(capability, entry.strings.at(capability));
+        if (known.count(key) == 0) known[key] = WidthsAfter(entry, row);
+        return known[key];
+    }
+    return "";
+}

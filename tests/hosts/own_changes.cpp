@@ -163,6 +163,8 @@ static const ExactRow kExact[] = {
     {"civis", Hidden,        0           },
     {"cnorm", Shown,         0           },
     {"csr",   RegionFromTo,  0           },
+    {"cud1", Nothing, kPlace},
+    {"cuu1", Nothing, kPlace},
     {"hts",   StopHere,      0           },
     {"ind", LineFeed, kCells},
     {"is2",   SetUpAgain,    0           },

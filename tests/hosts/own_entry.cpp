@@ -109,6 +109,7 @@ std::vector<std::string> FaultsOfString(const TerminfoEntry& entry, const std::s
     if (capability[0] != 'u') note(FaultOfExpression(text));
     if (text.find("$<") != text.npos) note("no string takes time");
     note(FaultOfChanges(entry, capability));
+    note(LeavesAnotherWidth(entry, capability));
     return faults;
 }
 

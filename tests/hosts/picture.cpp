@@ -127,8 +127,6 @@ static std::string CellDifference(const Picture& wanted, const Picture& found, i
 
 std::string Difference(const Picture& wanted, const Picture& found, bool with_cursor) {
     for (int row = 1; row <= kScreenRows; ++row) {
-        if (wanted.width[row] != found.width[row])
-            return "row " + std::to_string(row) + " has another width";
         for (int col = 1; col <= wanted.width[row]; ++col) {
             if (!SameCell(wanted.cells[row][col], found.cells[row][col]))
                 return CellDifference(wanted, found, row, col);
@@ -139,6 +137,15 @@ std::string Difference(const Picture& wanted, const Picture& found, bool with_cu
     snprintf(text, sizeof text, "the cursor is at %d,%d, not %d,%d", found.row, found.col,
              wanted.row, wanted.col);
     return text;
+}
+
+std::string WidthDifference(const Picture& wanted, const Picture& found) {
+    for (int row = 1; row <= kScreenRows; ++row) {
+        if (wanted.width[row] != found.width[row])
+            return "row " + std::to_string(row) + " has " + std::to_string(found.width[row]) +
+                   " columns";
+    }
+    return "";
 }
 
 std::string Describe(const Start& start) {

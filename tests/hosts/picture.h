@@ -47,6 +47,9 @@ Picture TakePicture();
 // The first difference in words, or an empty text. The cursor is compared if `with_cursor`.
 std::string Difference(const Picture& wanted, const Picture& found, bool with_cursor);
 
+// Of the sizes of rows, which no program that asks a terminfo entry changes.
+std::string WidthDifference(const Picture& wanted, const Picture& found);
+
 std::string Describe(const Start& start);
 
 #endif

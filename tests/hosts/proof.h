@@ -51,6 +51,10 @@ struct CheckRow {
 // effects.cpp: strings that change cells or move the cursor. False for a string that is not theirs.
 bool CheckEffect(const TerminfoEntry& entry, const std::string& capability, std::string* message);
 
+// The same, with a row of double width among the others: one that has another size afterwards.
+// Empty for strings of other kinds.
+std::string LeavesAnotherWidth(const TerminfoEntry& entry, const std::string& capability);
+
 // A step of the cursor that leaves the screen or changes it at an edge, where the manual leaves
 // open what happens; empty for one that stops there, and for all other strings.
 std::string LeavesTheScreen(const TerminfoEntry& entry, const std::string& capability);

@@ -109,6 +109,20 @@ TEST(Tic, FindsNamesThatEveryHostTakes) {
     EXPECT_EQ(2, heads);
 }
 
+// What ./run prints is pasted into a shell, whatever the folder is called.
+TEST(Tic, IsFoundByTheLineThatRunPrintsInAnyFolder) {
+    std::string folder = (std::filesystem::temp_directory_path() / "quill it's.XXXXXX").string();
+    ASSERT_NE(nullptr, mkdtemp(folder.data()));
+    const std::string print =
+        "cd \"" + folder + "\" && sh -c \"$(grep 'export TERM=quill' " + QUILL_RUN ")\"";
+    const std::string line = OutputOf(print);
+    EXPECT_EQ(0u, line.find("    export TERM=quill TERMINFO=")) << line;
+    std::ofstream(folder + "/line") << line << "echo $TERM $TERMINFO\n";
+    EXPECT_EQ("quill " + folder + "/build/release/resources/terminfo\n",
+              OutputOf("sh \"" + folder + "/line\""));
+    std::filesystem::remove_all(folder);
+}
+
 // ---------------------------------------------------------------- the compiled form
 
 static int ShortAt(const std::string& bytes, size_t index) {
