@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Killed in the middle of saving, the program leaves each value old or new, and the file sound.
+// A program that is killed while it saves leaves each value old or new, and the file intact.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -18,7 +18,7 @@ extern char** environ;
 
 namespace {
 
-constexpr int kKills = 10;  // of each of the ten tests
+constexpr int kKills = 10;  // in each of the ten tests
 
 struct Saver {
     pid_t process = -1;
@@ -42,7 +42,7 @@ Saver StartSaver(const std::string& root) {
     return saver;
 }
 
-// Lets it save for a while from its first word on, and kills it. True if it was still at work.
+// Lets it save for a while after its first output and kills it. True if it was still running.
 bool KillAfter(const Saver& saver, int microseconds) {
     char byte = 0;
     const bool began = read(saver.output, &byte, 1) == 1;
@@ -70,7 +70,7 @@ void ExpectOldOrNew(const std::string& root) {
     }
 }
 
-// A save that was cut: its first value is of another turn than its last text.
+// True after an incomplete save: the first value is from another round than the last text.
 bool HalfSaved(const std::string& root) {
     const bool first = StoredNumber(root, "blink") == saved_numbers[0].values[1];
     const bool last = StoredText(root, "resp2") == saved_texts[3].values[1];
@@ -79,7 +79,7 @@ bool HalfSaved(const std::string& root) {
 
 class KilledInSaving : public testing::TestWithParam<unsigned> {};
 
-TEST_P(KilledInSaving, LeavesEachValueOldOrNewAndTheFileSound) {
+TEST_P(KilledInSaving, LeavesEachValueOldOrNewAndTheFileIntact) {
     const std::string root = FreshRoot();
     std::mt19937 random(GetParam());
     std::uniform_int_distribution<int> moment(0, 120000);

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/guide/page.h"
 #include "tests/hosts/proof.h"
 
 static const char* const kEntries[] = {"quill", "quill-7"};
@@ -156,7 +157,7 @@ TEST(Tic, WritesTheSameWithAndWithoutNamesOfLaterVersions) {
 // ---------------------------------------------------------------- forms that older systems take
 
 // A termcap entry has 1023 bytes at most.
-TEST(OlderForm, OfTermcapHasRoomForTheEntry) {
+TEST(OlderForm, OfTermcapFitsTheBuffer) {
     for (const std::string entry : kEntries) {
         const std::string termcap = OutputOf("infocmp -Cr " + entry + " | grep -v '^#'");
         EXPECT_LE(termcap.size(), 1023u);
@@ -165,6 +166,15 @@ TEST(OlderForm, OfTermcapHasRoomForTheEntry) {
             EXPECT_NE(std::string::npos, termcap.find(needed)) << needed;
         }
     }
+}
+
+// The handbook has blanks for tabs, which a shell completes.
+TEST(OlderForm, OfTermcapIsTheHandbooks) {
+    std::string expected = OutputOf("infocmp -Cr quill | grep -v '^#'");
+    for (size_t at; (at = expected.find('\t')) != std::string::npos;)
+        expected.replace(at, 1, "    ");
+    const std::string recipe = ReadPage(QUILL_HOSTS_PAGE).recipes.at("termcap");
+    EXPECT_NE(std::string::npos, recipe.find("<<'END'\n" + expected + "quill-7|"));
 }
 
 // An entry compiled from what `command` prints, read back.
@@ -195,10 +205,10 @@ static void ExpectProven(const std::string& command, const std::set<std::string>
 }
 
 // They know one line drawing set, all of the VT100's.
-TEST(OlderForm, OfEachSystemIsProven) {
+TEST(OlderForm, OfEachSystemPassesTheProof) {
     for (const char* form : {"SVr1", "Ultrix", "HP", "BSD"})
         ExpectProven(std::string("infocmp -R ") + form + " quill", {"acsc"});
 }
 
 // Its string that ends attributes leaves line drawing to another.
-TEST(OlderForm, OfTermcapIsProven) { ExpectProven("infocmp -Cr quill", {"acsc", "sgr0"}); }
+TEST(OlderForm, OfTermcapPassesTheProof) { ExpectProven("infocmp -Cr quill", {"acsc", "sgr0"}); }
