@@ -174,6 +174,26 @@ void UseSsh2() {
     OnWindowThread([] { session.settings.ssh = session.settings.ssh_type2 = 1; });
 }
 
+std::string Uint32(size_t value) {
+    std::string bytes;
+    for (const int shift : {24, 16, 8, 0}) bytes += static_cast<char>(value >> shift & 0xff);
+    return bytes;
+}
+
+// A server's offer of algorithms that the terminal has, as a packet.
+std::string OfferPacket() {
+    std::string payload = "\x14" + std::string(16, 'c');
+    for (const std::string list : {"diffie-hellman-group1-sha1", "ssh-dss", "3des-cbc", "3des-cbc",
+                                   "hmac-sha1", "hmac-sha1", "none", "none", "", ""}) {
+        payload += Uint32(list.size()) + list;
+    }
+    payload += std::string(5, '\0');
+    const size_t padding = 8 - (payload.size() + 5) % 8 + 8;
+    return Uint32(1 + payload.size() + padding) + static_cast<char>(padding) + payload +
+           std::string(padding, 'p');
+}
+
+// The same packet alone is answered.
 TEST(Endings, ServerWhoseFirstPacketComesWithItsGreetingStaysOnline) {
     FakeHost host;
     RunProgram({}, [&] {
@@ -181,12 +201,14 @@ TEST(Endings, ServerWhoseFirstPacketComesWithItsGreetingStaysOnline) {
         UseSsh2();
         Connect();
         ASSERT_TRUE(host.Accept());
-        host.Send("SSH-2.0-old\r\n" + std::string("\0\0\0\x0c\x0a\x14packet", 12));
+        host.Send("SSH-2.0-old\r\n" + OfferPacket());
         EXPECT_EQ(host.Read(15), "SSH-2.0-1.0.00\n");
         ASSERT_TRUE(Online());
         EXPECT_EQ(host.ReadSome(200), "") << "no answer to the packet";
         EXPECT_EQ(StatusText().substr(0, 10), "    online");
         EXPECT_EQ(AwaitBox(100), "");
+        host.Send(OfferPacket());
+        EXPECT_EQ(host.Read(4).size(), 4u) << "a packet by itself is answered";
     });
 }
 

@@ -9,9 +9,14 @@
 
 namespace {
 
+// The shell reads the box as it reads what is pasted: a command that asks gets the box's next line.
+std::string PasteTwice(const std::string& recipe) {
+    return "cat >/mnt/box <<'BOX'\n" + recipe + "BOX\nsh -e </mnt/box\nsh -e </mnt/box\n";
+}
+
 // Starts it in the background, like systemd.
 std::string RunService(const std::string& recipe) {
-    return recipe + UnitValue(recipe, "ExecStart") + " &\n";
+    return PasteTwice(recipe) + UnitValue(recipe, "ExecStart") + " &\n";
 }
 
 // Waits until a server listens on the port.
@@ -64,8 +69,8 @@ Host BusyboxHost() {
 
 Host InetdHost() {
     Host host{FreePort(), {"inetutils-inetd", "inetutils-telnetd"}, "", true};
-    host.steps = Recipe("telnetd-inetd", host.words()) + "/usr/sbin/inetutils-inetd\n" +
-                 AwaitPort(host.port);
+    host.steps = PasteTwice(Recipe("telnetd-inetd", host.words())) +
+                 "cp /etc/inetd.conf /var/log\n/usr/sbin/inetutils-inetd\n" + AwaitPort(host.port);
     return host;
 }
 
@@ -83,9 +88,9 @@ Host SerialHost() {
         "socat pty,raw,echo=0,link=/mnt/line pty,raw,echo=0,link=/mnt/console &\n"
         "until [ -e /mnt/console ]; do sleep 0.05; done\n"
         "console=$(readlink /mnt/console)\n" +
-        getty + Recipe("ser2net", words) + "/usr/sbin/ser2net -n -c /etc/ser2net.yaml &\nsetsid " +
-        command.substr(1, line - 1) + "${console#/dev/}" + command.substr(line + 8) + " &\n" +
-        AwaitPort(host.port);
+        PasteTwice(getty) + PasteTwice(Recipe("ser2net", words)) +
+        "/usr/sbin/ser2net -n -c /etc/ser2net.yaml &\nsetsid " + command.substr(1, line - 1) +
+        "${console#/dev/}" + command.substr(line + 8) + " &\n" + AwaitPort(host.port);
     return host;
 }
 

@@ -47,6 +47,9 @@ TEST(HostsPage, InetdsTelnetServerOfTheBoxIsLoggedInToByTheClientsLines) {
     const Host host = InetdHost();
     HostMachine machine(host);
     START_OR_SKIP(machine);
+    const std::string lines = machine.Log("inetd.conf");
+    const size_t service = lines.find(" stream tcp4 ");
+    EXPECT_EQ(service, lines.rfind(" stream tcp4 ")) << "pasted twice, it is there once\n" << lines;
     WithTelnetSession(host, "",
                       [] { RunAtPrompt("id -un; echo type=$TERM", "visitor\ntype=quill"); });
 }
@@ -70,7 +73,75 @@ TEST(HostsPage, SerialConsoleBehindTheConsoleServerIsLoggedInTo) {
     });
 }
 
+TEST(HostsPage, UnitsWaitForTheNetworkAndTryAgain) {
+    for (const char* name : {"sshd", "telnetd-busybox"}) {
+        const std::string unit = Recipe(name);
+        EXPECT_EQ(UnitValue(unit, "Wants"), "network-online.target") << name;
+        EXPECT_EQ(UnitValue(unit, "After"), "network-online.target") << name;
+        EXPECT_EQ(UnitValue(unit, "Restart"), "on-failure") << name;
+        EXPECT_EQ(UnitValue(unit, "RestartSec"), "5") << name;
+    }
+}
+
+// The box's last line, on a machine that has started no SSH server yet.
+TEST(HostsPage, CheckOfTheSshServersFileMissesAFolderThatTheUnitMakes) {
+    Host host = SshHost();
+    host.steps = "cat >/mnt/box <<'BOX'\n" + Recipe("sshd", host.words()) +
+                 "BOX\nsh </mnt/box >/var/log/first 2>&1 || :\nmkdir -p /run/sshd\n"
+                 "sh -e </mnt/box >/var/log/second 2>&1\n";
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    EXPECT_EQ(machine.Log("first"), "Missing privilege separation directory: /run/sshd\r\n");
+    EXPECT_EQ(machine.Log("second"), "");
+}
+
 // ---------------------------------------------------------------- what is pasted at the prompt
+
+// csh puts its own name for it in place of a ~ in some words only.
+TEST(HostsPage, BoxesNameTheHomeFolderAsEveryShellDoes) {
+    for (const auto& [name, text] : HostsPage().recipes)
+        EXPECT_EQ(text.find("~/"), std::string::npos) << name;
+}
+
+TEST(HostsPage, UserOfTcshHasTheEntryAfterTheBoxes) {
+    Host host = WithoutEntry(SshHost());
+    host.packages << "tcsh";
+    host.steps =
+        "usermod -s /usr/bin/tcsh visitor\n"
+        "echo \"set prompt = '$ '\" >/mnt/home/visitor/.cshrc\n" +
+        host.steps;
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    WithSshSession(host, "", [] {
+        TypeText("sh\n");
+        PasteAtPrompt(Recipe("entry"));
+        PasteAtPrompt(Recipe("csh"));
+        PasteAtPrompt(Recipe("csh"));
+        TypeText("exit\nstty erase '^?'\nsource .login\n");
+        RunAtPrompt("echo $version | cut -c1-4; grep -c setenv .login; tput cols", "tcsh\n1\n80");
+        RunAtPrompt("stty -a | grep -o 'erase = ^H'; echo now=$TERMINFO",
+                    "erase = ^H\nnow=/mnt/home/visitor/.terminfo");
+        TypeText("unsetenv TERMINFO; setenv TERM vt100; source .login\n");
+        RunAtPrompt("env | grep -c TERMINFO", "0");
+    });
+}
+
+// A host that knows no termcap reads the text as terminfo's tic does.
+TEST(HostsPage, TermcapEntryIsPastedByAUser) {
+    const Host host = SshHost();
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    WithSshSession(host, "", [] {
+        PasteAtPrompt(". ~/.profile\n" + Recipe("termcap"));
+        PasteAtPrompt(Recipe("termcap"));
+        RunAtPrompt("grep -c TERMCAP .profile; echo now=$TERMCAP",
+                    "1\nnow=/mnt/home/visitor/.termcap");
+        RunAtPrompt(
+            "tic -o $HOME/t .termcap; TERMINFO=$HOME/t tput cols; "
+            "TERMINFO=$HOME/t tput -T quill-7 khome | cut -c2-",
+            "80\n[1~");
+    });
+}
 
 TEST(HostsPage, EntryIsPastedAndCompiledByAUserWithoutRoot) {
     const Host host = WithoutEntry(SshHost());
@@ -133,6 +204,105 @@ TEST(HostsPage, ProfileSetsSizeAndBackspace) {
     });
 }
 
+// A session with a second user, who reaches the machine as a further host, too.
+std::string WithClerk(const Host& host) {
+    return "useradd -m -d /mnt/home/clerk -s /bin/bash clerk\necho clerk:warehouse7 | chpasswd\n"
+           "echo \"PS1='$ '\" >/mnt/home/clerk/.profile\n"
+           "chmod o+rx /mnt/home/visitor\n"
+           "echo 'visitor ALL=(ALL) NOPASSWD: ALL' >/etc/sudoers.d/visitor\n"
+           "mkdir /mnt/home/visitor/.ssh /mnt/home/clerk/.ssh\n"
+           "ssh-keygen -q -t rsa -N '' -f /mnt/home/visitor/.ssh/id_rsa\n"
+           "cp /mnt/home/visitor/.ssh/id_rsa.pub /mnt/home/clerk/.ssh/authorized_keys\n"
+           "cat >/mnt/home/visitor/.ssh/config <<'END'\nHost further\nHostName 127.0.0.1\n"
+           "User clerk\nStrictHostKeyChecking no\nLogLevel ERROR\nMACs hmac-sha1\n"
+           "HostKeyAlgorithms ssh-dss\nKexAlgorithms diffie-hellman-group1-sha1\n"
+           "Ciphers 3des-cbc\nPort " +
+           std::to_string(host.port) +
+           "\nEND\n"
+           "chown -R visitor /mnt/home/visitor/.ssh\nchown -R clerk /mnt/home/clerk/.ssh\n";
+}
+
+// The remedies of the page's table: what is typed is in backticks.
+std::vector<std::string> RemediesFor(const std::string& way) {
+    for (const PageRow& row : HostsPage().tables.at("Another user, another host")) {
+        if (row.at(0) == way) return CodeOf(row.at(1));
+    }
+    ADD_FAILURE() << "the table has no row " << way;
+    return {"", ""};
+}
+
+std::string Replaced(std::string text, const std::string& word, const std::string& by) {
+    const size_t at = text.find(word);
+    EXPECT_NE(at, std::string::npos) << word << " is not in " << text;
+    return at == std::string::npos ? text : text.replace(at, word.size(), by);
+}
+
+const char kKnows[] = "tput cols 2>&1 | sed 's/.*unknown.*/unknown/'";
+
+// Without `clear`, which needs the entry.
+void ExpectHere(const std::string& command, const std::string& row) {
+    TypeText("printf '\\033[H\\033[2J'\n");
+    ASSERT_TRUE(Eventually([] { return TerminalRow(1) == "$"; })) << TerminalText();
+    TypeText(command + "\n");
+    EXPECT_TRUE(ShowsRow(row)) << command << TerminalText();
+}
+
+bool AtNewPrompt() {
+    return Eventually([] { return TerminalRow(session.screen.cursor_row) == "$"; });
+}
+
+void BecomeClerk() {
+    TypeText("su - clerk\n");
+    ASSERT_TRUE(TerminalShows("Password:")) << TerminalText();
+    TypeText("warehouse7\n");
+    ASSERT_TRUE(AtNewPrompt()) << TerminalText();
+    ExpectHere(kKnows, "unknown");
+}
+
+void GoToTheFurtherHost(const std::string& command) {
+    TypeText(command + "\n");
+    ASSERT_TRUE(TerminalShows(command + "\n")) << TerminalText();
+    ASSERT_TRUE(AtNewPrompt()) << TerminalText();
+    ExpectHere("echo $USER is there", "clerk is there");
+}
+
+void LeaveThere() {
+    TypeText("exit\n");
+    ASSERT_TRUE(TerminalShows("logout")) << TerminalText();
+    ASSERT_TRUE(AtNewPrompt()) << TerminalText();
+}
+
+TEST(HostsPage, AnotherUserAndAnotherHostAreHelpedByTheirRows) {
+    Host host = SshHost();
+    host.packages << "openssh-client"
+                  << "sudo";
+    host.steps = WithClerk(host) + host.steps;
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    WithSshSession(host, "", [] {
+        ExpectHere(". ~/.profile; " + std::string(kKnows), "80");
+        const std::vector<std::string> sudo = RemediesFor("`sudo`");
+        ExpectHere(Replaced(sudo.at(1), "PROGRAM", kKnows), "unknown");
+        ExpectHere(Replaced(sudo.at(0), "PROGRAM", kKnows), "80");
+        BecomeClerk();
+        TypeText(RemediesFor("any of them").at(0) + "\n");
+        ExpectHere(kKnows, "80");
+        LeaveThere();
+        BecomeClerk();
+        TypeText(Replaced(RemediesFor("`su -`").at(0), "/home/NAME", "/mnt/home/visitor") + "\n");
+        ExpectHere(kKnows, "80");
+        LeaveThere();
+        const std::string ssh = RemediesFor("`ssh`").at(0);
+        GoToTheFurtherHost(Replaced(ssh, "HOST", "further"));
+        ExpectHere(kKnows, "80");
+        LeaveThere();
+        GoToTheFurtherHost("ssh further");
+        ExpectHere(kKnows, "unknown");
+        PasteAtPrompt(Recipe("entry"));
+        ExpectHere(kKnows, "80");
+    });
+}
+
 // The row BACKSPACE of the page Keyboard, for hosts that expect DEL.
 TEST(HostsPage, RowOfTheKeyTableSendsDelForBackspace) {
     for (const bool changed : {false, true}) {
@@ -160,9 +330,13 @@ TEST(HostsPage, LocaleOfTheBoxBringsAccentsToTheScreenAndFromTheKeys) {
         RunAtPrompt("cat /var/log/notes.txt",
                     "Gr\xC3\xBC\xC3\x9F"
                     "e \xE2\x82\xAC 5");
+        std::string french = Recipe("locale");
+        french.replace(french.find("de_DE"), 5, "fr_FR");
+        PasteAtPrompt(french);
+        RunAtPrompt("(. ~/.profile; date -d 2026-03-01 +%B)", "mars");
         PasteAtPrompt(Recipe("locale"));
         PasteAtPrompt(Recipe("locale"));
-        RunAtPrompt("grep -c CP1252 ~/.profile", "1");
+        RunAtPrompt("grep -c LOCPATH/chosen ~/.profile", "1");
         RunAtPrompt(
             "for t in quill quill-7 vt100; do TERM=$t LC_ALL=C sh -c "
             "'. ~/.profile; locale charmap'; done",

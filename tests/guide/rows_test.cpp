@@ -57,9 +57,11 @@ const TriedRow kScreens[] = {
     {"all text is lines and corners", "Silence.LineTypedBlindBringsAnSshSessionBack"},
     {"every typed letter appears twice", "Silence.LineTypedBlindBringsAnSshSessionBack"},
     {"Enter counts twice", "Silence.LineTypedBlindBringsAnSshSessionBack"},
-    {"Backspace shows `^H`",
+    {"Backspace shows `^H`, or does nothing",
      "HostsPage.ProfileSetsSizeAndBackspace WrongScreen.BackspaceMustMatchBetweenHostAndKey "
-     "HostsPage.RowOfTheKeyTableSendsDelForBackspace"},
+     "WrongScreen.BackspaceErasesToItsLeftAsTheChecklistSays HostsPage.RowOfTheKeyTableSendsDelForBackspace"},
+    {"Backspace takes the letter to its right away",
+     "WrongScreen.BackspaceOfDelErasesToItsRightAsQuill WrongScreen.BackspaceErasesToItsLeftAsTheChecklistSays"},
     {"arrow keys end a menu",
      "WrongScreen.ArrowKeysEndAMenuAsVt100 Keys.DialogMovesInItsMenuByTheArrows"},
     {"F1 to F4, Home, End and the Page keys do nothing, or show strange letters",
@@ -67,6 +69,8 @@ const TriedRow kScreens[] = {
      "WrongScreen.HomeKeyOf8BitsIsNotTakenByAShellInUtf8"},
     {"the cursor is below the last line, nothing shows",
      "WrongScreen.LineFeedsBelowTheRegionHideTheCursorUntilSane Silence.OneKeyBringsASessionBack"},
+    {"\"unknown terminal type\", \"Error opening terminal: quill.\"",
+     "HostsPage.AnotherUserAndAnotherHostAreHelpedByTheirRows WrongScreen.ProgramsNameTheTypeThatTheyDoNotKnow"},
     {"anything else", ""},
 };
 // clang-format on

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <QThread>
 #include <random>
+#include <set>
 
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
@@ -115,11 +116,13 @@ void UseTheSession() {
     ASSERT_TRUE(ShowsRow("90")) << TerminalText();
 }
 
-// Shows each file, follows the page's advice without reading the screen, and continues to work.
+// Shows each file, or those of `kinds`, follows the page's advice without reading the screen, and
+// continues to work.
 void ExpectSessionBack(const Machine& machine, const std::function<void()>& repair,
-                       bool drawing_in_g1 = false) {
+                       const std::set<std::string>& kinds = {}, bool drawing_in_g1 = false) {
     UseTheSession();
     for (const Nonsense& nonsense : AllNonsense()) {
+        if (!kinds.empty() && kinds.count(nonsense.name) == 0) continue;
         SCOPED_TRACE(nonsense.name);
         const std::string shown = std::string(nonsense.name) + ".shown";
         TypeText(std::string("cat /var/log/") + nonsense.name + "; : >/var/log/" + shown + "\n");
@@ -180,12 +183,16 @@ void PressCtrlCAndTypeReset() {
     TypeText("reset\n");
 }
 
+// The program waits a second each time, and its string begins as the page's line does.
+const std::set<std::string> kForReset = {"binary", "string", "drawing", "modes", "vt52", "below"};
+
 TEST(Silence, ResetOfTheEntryBringsAnSshSessionBack) {
     const Host host = SshHost();
     HostMachine machine(host);
     START_OR_SKIP(machine);
     PutNonsense(machine);
-    WithSshSession(host, "", [&] { ExpectSessionBack(machine, PressCtrlCAndTypeReset, true); });
+    WithSshSession(host, "",
+                   [&] { ExpectSessionBack(machine, PressCtrlCAndTypeReset, kForReset, true); });
 }
 
 TEST(Silence, ResetOfTheEntryBringsATelnetSessionBack) {
@@ -193,7 +200,9 @@ TEST(Silence, ResetOfTheEntryBringsATelnetSessionBack) {
     HostMachine machine(host);
     START_OR_SKIP(machine);
     PutNonsense(machine);
-    WithTelnetSession(host, "", [&] { ExpectSessionBack(machine, PressCtrlCAndTypeReset, true); });
+    WithTelnetSession(host, "", [&] {
+        ExpectSessionBack(machine, PressCtrlCAndTypeReset, {"string", "negotiation"}, true);
+    });
 }
 
 // ---------------------------------------------------------------- without a prompt

@@ -134,7 +134,18 @@ TEST(Quill7, HasItsKeysOnceTheRowsOfTheHandbookAreChanged) {
     TerminfoEntry entry;
     ASSERT_TRUE(ReadEntry("quill-7", &entry));
     const std::map<std::string, std::string> rows = RowsOfQuill7();
-    EXPECT_EQ(8u, rows.size());
+    EXPECT_EQ(12u, rows.size());
+    for (int row = 0; row < kKeyRows; ++row) {
+        const KeyMapEntry& key = key_map[row];
+        const auto changed = rows.find(key.name);
+        const std::string sent =
+            UnescapeKeyText(changed == rows.end() ? key.defaultText : changed->second.c_str());
+        for (const char c : sent) EXPECT_EQ(0, c & 0x80) << key.name << " begins with 8 bits";
+    }
+    for (const int number : {1, 2, 3, 4}) {
+        const std::string digit = std::to_string(number);
+        EXPECT_EQ(rows.at("f" + digit), rows.at("Ctrl " + digit));
+    }
     for (const std::string& capability : KeyCapabilities()) {
         const KeyRow& key = *FindKey(capability);
         if (!Has(entry, capability)) continue;

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "terminal/screen_buffer.h"
+#include "tests/hosts/glyphs.h"
 #include "tests/hosts/picture.h"
 
 // What the terminal does and `quill` leaves out, with the reason.
@@ -60,8 +61,9 @@ static std::string LeavesTheText(const std::string& bytes) {
 
 static std::string ClearsAll(const std::string& bytes) {
     SetUp(kMiddle);
-    Feed("\033[3g\033Psilence" + bytes + "\t");
+    Feed("\033[3g\033#6\033Psilence" + bytes + "\t");
     for (int row = 1; row <= kScreenRows; ++row) {
+        if (IsDoubleWidth(row)) return "a row is still of double width";
         for (int col = 1; col <= kScreenColumns; ++col) {
             if (GetCell(row, col) != kBlank) return "text stays on the screen";
         }
@@ -98,6 +100,19 @@ std::string FaultOfExpression(const std::string& text) {
     return open == 0 ? "" : "a condition has no end";
 }
 
+std::vector<std::string> FaultsOfString(const TerminfoEntry& entry, const std::string& capability) {
+    const std::string& text = entry.strings.at(capability);
+    std::vector<std::string> faults;
+    const auto note = [&](const std::string& fault) {
+        if (!fault.empty()) faults.push_back(fault);
+    };
+    if (capability[0] != 'u') note(FaultOfExpression(text));
+    if (text.find("$<") != text.npos) note("no string takes time");
+    note(FaultOfChanges(entry, capability));
+    note(LeavesAnotherWidth(entry, capability));
+    return faults;
+}
+
 // ---------------------------------------------------------------- all of it
 
 static bool HoldsWith(TerminfoEntry entry, const std::string& flag) {
@@ -108,6 +123,16 @@ static bool HoldsWith(TerminfoEntry entry, const std::string& flag) {
 static bool HoldsWith(TerminfoEntry entry, const std::string& number, int value) {
     entry.numbers[number] = value;
     return ProveCapability(entry, number).empty();
+}
+
+std::string FaultOfGlyphs(const TerminfoEntry& entry) {
+    const std::string pairs = Expand(entry, "acsc");
+    std::string named, missing;
+    for (size_t i = 0; i < pairs.size(); i += 2) named += pairs[i];
+    for (const char name : DrawnGlyphs()) {
+        if (named.find(name) == named.npos) missing += name;
+    }
+    return missing.empty() ? "" : "acsc lacks the glyphs " + missing;
 }
 
 static void NoteLacking(const TerminfoEntry& entry, std::vector<std::string>* faults) {
@@ -129,9 +154,10 @@ std::vector<std::string> FaultsOfOwnEntry(const TerminfoEntry& entry) {
     for (const Finding& finding : ProveEntry(entry))
         faults.push_back(finding.capability + ": " + finding.message);
     NoteLacking(entry, &faults);
+    if (const std::string fault = FaultOfGlyphs(entry); !fault.empty()) faults.push_back(fault);
     for (const auto& [capability, text] : entry.strings) {
-        const std::string fault = capability[0] == 'u' ? "" : FaultOfExpression(text);
-        if (!fault.empty()) faults.push_back(capability + ": " + fault);
+        for (const std::string& fault : FaultsOfString(entry, capability))
+            faults.push_back(capability + ": " + fault);
         if (IsNeutral(capability)) faults.push_back(capability + " promises nothing");
         if (capability[0] == 'k' && !FindKey(capability))
             faults.push_back("the key table has no key " + capability);

@@ -14,6 +14,15 @@ std::vector<std::string> FaultsOfOwnEntry(const TerminfoEntry& entry);
 // may take what such an expression leaves behind.
 std::string FaultOfExpression(const std::string& text);
 
+// own_changes.cpp: a change that a string makes besides the one it is for, or does not make.
+std::string FaultOfChanges(const TerminfoEntry& entry, const std::string& capability);
+
+// What is wrong with one string beyond its promise: its expression, padding, further changes.
+std::vector<std::string> FaultsOfString(const TerminfoEntry& entry, const std::string& capability);
+
+// A pair of a glyph and a character that the entry lacks, though the terminal draws the glyph.
+std::string FaultOfGlyphs(const TerminfoEntry& entry);
+
 // Of those, what is2, rs1 and rs2 do, each sent alone.
 std::vector<std::string> FaultsOfSettingUp(const TerminfoEntry& entry);
 

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/guide/page.h"
 #include "tests/hosts/proof.h"
 
 static const char* const kEntries[] = {"quill", "quill-7"};
@@ -109,6 +110,20 @@ TEST(Tic, FindsNamesThatEveryHostTakes) {
     EXPECT_EQ(2, heads);
 }
 
+// What ./run prints is pasted into a shell, whatever the folder is called.
+TEST(Tic, IsFoundByTheLineThatRunPrintsInAnyFolder) {
+    std::string folder = (std::filesystem::temp_directory_path() / "quill it's.XXXXXX").string();
+    ASSERT_NE(nullptr, mkdtemp(folder.data()));
+    const std::string print =
+        "cd \"" + folder + "\" && sh -c \"$(grep 'export TERM=quill' " + QUILL_RUN ")\"";
+    const std::string line = OutputOf(print);
+    EXPECT_EQ(0u, line.find("    export TERM=quill TERMINFO=")) << line;
+    std::ofstream(folder + "/line") << line << "echo $TERM $TERMINFO\n";
+    EXPECT_EQ("quill " + folder + "/build/release/resources/terminfo\n",
+              OutputOf("sh \"" + folder + "/line\""));
+    std::filesystem::remove_all(folder);
+}
+
 // ---------------------------------------------------------------- the compiled form
 
 static int ShortAt(const std::string& bytes, size_t index) {
@@ -151,6 +166,15 @@ TEST(OlderForm, OfTermcapFitsTheBuffer) {
             EXPECT_NE(std::string::npos, termcap.find(needed)) << needed;
         }
     }
+}
+
+// The handbook has blanks for tabs, which a shell completes.
+TEST(OlderForm, OfTermcapIsTheHandbooks) {
+    std::string expected = OutputOf("infocmp -Cr quill | grep -v '^#'");
+    for (size_t at; (at = expected.find('\t')) != std::string::npos;)
+        expected.replace(at, 1, "    ");
+    const std::string recipe = ReadPage(QUILL_HOSTS_PAGE).recipes.at("termcap");
+    EXPECT_NE(std::string::npos, recipe.find("<<'END'\n" + expected + "quill-7|"));
 }
 
 // An entry compiled from what `command` prints, read back.

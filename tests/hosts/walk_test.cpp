@@ -37,4 +37,5 @@ void RegisterWalks() {
     for (const ProgramWalk& walk : ProgramWalks()) RegisterWalk("Walk", walk, walk.term);
     for (const ProgramWalk& walk : ProgramWalks()) RegisterWalk("WalkAsVt220d", walk, "vt220d");
     for (const ProgramWalk& walk : ProgramWalks()) RegisterWalk("WalkAsVt102", walk, "vt102");
+    for (const ProgramWalk& walk : ProgramWalks()) RegisterWalk("WalkAsVt100", walk, "vt100");
 }
