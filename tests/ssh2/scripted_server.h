@@ -58,6 +58,11 @@ std::string SealBody(ScriptedServer& server, uint32_t packet_length, const std::
 // the tape, the MAC.
 std::string Open(ScriptedServer& server, Tape& tape, std::string* wire);
 
+// The same wherever the padding comes from; it is put into *padding, which stays as it was where
+// the packet is broken.
+std::string Unseal(ScriptedServer& server, std::string* wire, std::string* padding);
+bool PacketWaits(const ScriptedServer& server, const std::string& wire);  // a whole one
+
 std::string ServerKexInit(const std::string& cookie = std::string(16, 'c'));
 // What the client must offer; `cipher` empty: its two lists left out.
 std::string ClientKexInit(Tape& tape, const std::string& cipher);
