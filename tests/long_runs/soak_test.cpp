@@ -20,7 +20,7 @@
 static constexpr int kSessionsOfAStart = 9;
 static constexpr int kStepsOfASession = 24;
 static constexpr int kWarmSessions = 27;  // until every font, picture and table is there
-static constexpr int kPatience = 240;     // seconds of one step
+static constexpr int kPatience = 1800;    // seconds of one step, on a machine with other work
 
 static long Asked(const char* name, long otherwise) {
     const char* value = std::getenv(name);

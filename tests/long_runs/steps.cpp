@@ -119,7 +119,7 @@ static void StartAgain(LongRun& run) {
     const char* other = std::getenv("QUILL_SOAK_PROGRAM");
     second.start(other ? other : QUILL_PROGRAM, {"-platform", "offscreen", "--scale", "1", "--root",
                                                  QString::fromStdString(run.root)});
-    EXPECT_TRUE(second.waitForFinished(60000)) << "a second start does not end";
+    EXPECT_TRUE(second.waitForFinished(600000)) << "a second start does not end";
     EXPECT_EQ(second.exitCode(), 0) << second.readAll().toStdString();
 }
 
