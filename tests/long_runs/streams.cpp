@@ -2,6 +2,8 @@
 // The streams.
 #include "tests/long_runs/streams.h"
 
+#include <algorithm>
+
 static const std::string kPieces[] = {
     "\x1b",
     "\x1b[",
@@ -124,9 +126,10 @@ static std::string GoTo(unsigned row, unsigned col) {
     return "\x1b[" + std::to_string(row) + ";" + std::to_string(col) + "H";
 }
 
+// It does not scroll: a line that scrolls in has the pen's attributes elsewhere, here it has none.
 static std::string Words(Random& random) {
     const unsigned row = 1 + Below(random, 24), col = 1 + Below(random, 80);
-    const unsigned room = row == 24 ? 81 - col : 100;
+    const unsigned room = std::min(81 - col + 80 * (24 - row), 100u);
     std::string text = GoTo(row, col);
     static const char* const pens[] = {"",        "\x1b[1m",   "\x1b[4m",
                                        "\x1b[7m", "\x1b[1;7m", "\x1b[4;5m"};
