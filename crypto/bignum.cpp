@@ -47,12 +47,12 @@ void BignumFree(Bignum a) {
 }
 
 void BignumNormalise(Bignum a) {
-    while (a[0] > 1 && a[a[0]] == 0) a[0]--;
+    while (a[0] > 1 && a[a[0]] == 0) --a[0];
 }
 
 int BignumBitLength(ConstBignum a) {
     int words = a[0];
-    while (words > 0 && a[words] == 0) words--;
+    while (words > 0 && a[words] == 0) --words;
     return words == 0 ? 0 : 16 * (words - 1) + static_cast<int>(std::bit_width(a[words]));
 }
 
@@ -74,7 +74,7 @@ void BignumSetBit(Bignum a, int bit, int value) {
 }
 
 int BignumCompare(ConstBignum a, ConstBignum b) {
-    for (int i = a[0] > b[0] ? a[0] : b[0]; i > 0; i--) {
+    for (int i = a[0] > b[0] ? a[0] : b[0]; i > 0; --i) {
         uint16_t left = i <= a[0] ? a[i] : uint16_t{0};
         uint16_t right = i <= b[0] ? b[i] : uint16_t{0};
         if (left != right) return left < right ? -1 : 1;
@@ -87,7 +87,7 @@ Bignum BignumShiftRight(ConstBignum a, int bits) {
     Bignum result = BignumNew(left > 0 ? (left + 15) / 16 : 0);
     if (result == nullptr) return nullptr;
     int skipped = bits / 16;
-    for (int i = 1; i <= result[0]; i++) {
+    for (int i = 1; i <= result[0]; ++i) {
         uint32_t pair = a[i + skipped];
         if (i + skipped < a[0]) pair |= uint32_t{a[i + skipped + 1]} << 16;
         result[i] = static_cast<uint16_t>(pair >> (bits % 16));
@@ -97,7 +97,7 @@ Bignum BignumShiftRight(ConstBignum a, int bits) {
 
 uint16_t BignumModSmall(ConstBignum a, uint16_t modulus) {
     uint32_t remainder = 0;
-    for (int i = a[0]; i > 0; i--) remainder = (remainder << 16 | a[i]) % modulus;
+    for (int i = a[0]; i > 0; --i) remainder = (remainder << 16 | a[i]) % modulus;
     return static_cast<uint16_t>(remainder);
 }
 
@@ -105,7 +105,7 @@ Bignum BignumFromBytes(const uint8_t* bytes, int count) {
     if (count < 0 || count > 2 * kBignumMaxWords) return nullptr;
     Bignum a = BignumNew((count + 1) / 2);
     if (a == nullptr) return nullptr;
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         uint16_t& word = a[1 + i / 2];
         word = static_cast<uint16_t>(word | bytes[count - 1 - i] << (i % 2 * 8));
     }
@@ -113,7 +113,7 @@ Bignum BignumFromBytes(const uint8_t* bytes, int count) {
 }
 
 void BignumToBytes(uint8_t* bytes, int count, ConstBignum a) {
-    for (int i = 0; i < count; i++) bytes[i] = BignumByte(a, count - 1 - i);
+    for (int i = 0; i < count; ++i) bytes[i] = BignumByte(a, count - 1 - i);
 }
 
 int BignumSsh1Size(ConstBignum a) { return (BignumBitLength(a) + 7) / 8 + 2; }

@@ -27,11 +27,11 @@ static int SignificantWords(ConstBignum a) { return (BignumBitLength(a) + 15) / 
 
 // Copies the lowest `count` words of a, most significant first.
 static void ToWords(uint16_t* words, int count, ConstBignum a) {
-    for (int i = 0; i < count; i++) words[i] = count - i <= a[0] ? a[count - i] : uint16_t{0};
+    for (int i = 0; i < count; ++i) words[i] = count - i <= a[0] ? a[count - i] : uint16_t{0};
 }
 
 static void FromWords(Bignum a, const uint16_t* words, int count) {
-    for (int i = 1; i <= a[0]; i++) a[i] = i <= count ? words[count - i] : uint16_t{0};
+    for (int i = 1; i <= a[0]; ++i) a[i] = i <= count ? words[count - i] : uint16_t{0};
 }
 
 // `columns`, `left` and `right` are the sizes to make room for. The quotient has one word for each
@@ -53,7 +53,7 @@ static bool ScratchOpen(Scratch* scratch, ConstBignum divisor, int columns, int 
     scratch->divisorCount = count;
     scratch->shift = count == 0 ? 0 : std::countl_zero(divisor[count]);
     ToWords(scratch->divisor, count, divisor);
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         uint32_t pair = uint32_t{scratch->divisor[i]} << 16;
         if (i + 1 < count) pair |= scratch->divisor[i + 1];
         scratch->divisor[i] = static_cast<uint16_t>(pair << scratch->shift >> 16);
@@ -134,11 +134,11 @@ Bignum BignumMulAdd(ConstBignum a, ConstBignum b, ConstBignum c) {
     ToWords(scratch.left, aCount, a);
     ToWords(scratch.right, bCount, b);
     ColumnsMultiply(&scratch.columns, scratch.left, aCount, scratch.right, bCount);
-    for (int i = 1; i <= cCount; i++) scratch.columns.low[count - i] += c[i];
+    for (int i = 1; i <= cCount; ++i) scratch.columns.low[count - i] += c[i];
     ColumnsSettle(&scratch.columns);
     ColumnsStore(&scratch.columns, scratch.quotient, count, 0);
     int leading = 0;
-    while (leading < count && scratch.quotient[leading] == 0) leading++;
+    while (leading < count && scratch.quotient[leading] == 0) ++leading;
     Bignum result = NormalisedFromWords(scratch.quotient + leading, count - leading);
     ScratchClose(&scratch);
     return result;
@@ -164,7 +164,7 @@ Bignum BignumModMul(ConstBignum a, ConstBignum b, ConstBignum modulus) {
 // left = base to the power of exponent, modulo the shifted divisor; right holds the base.
 static void SquareAndMultiply(Scratch* scratch, ConstBignum exponent) {
     int count = scratch->divisorCount;
-    for (int bit = BignumBitLength(exponent) - 1; bit >= 0; bit--) {
+    for (int bit = BignumBitLength(exponent) - 1; bit >= 0; --bit) {
         ColumnsSquare(&scratch->columns, scratch->left, count);
         ReduceToLeft(scratch);
         if (BignumBit(exponent, bit)) {
@@ -233,7 +233,7 @@ static Bignum Subtract(ConstBignum a, ConstBignum b) {
     Bignum result = BignumCopy(a);
     if (result == nullptr) return nullptr;
     int32_t borrow = 0;
-    for (int i = 1; i <= result[0]; i++) {
+    for (int i = 1; i <= result[0]; ++i) {
         int32_t word = result[i] - (i <= b[0] ? b[i] : 0) + borrow;
         result[i] = static_cast<uint16_t>(word & 0xFFFF);
         borrow = word >> 16;

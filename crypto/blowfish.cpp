@@ -40,9 +40,9 @@ static inline void Decrypt(CipherBlock (&blocks)[count], const BlowfishContext* 
 void BlowfishSetKey(BlowfishContext* context, const uint8_t* key, int keyLength) {
     if (keyLength <= 0) return;
     int index = 0;
-    for (int i = 0; i < 18; i++) {
+    for (int i = 0; i < 18; ++i) {
         uint32_t word = 0;
-        for (int byte = 0; byte < 4; byte++, index++) word = word << 8 | key[index % keyLength];
+        for (int byte = 0; byte < 4; ++byte, ++index) word = word << 8 | key[index % keyLength];
         context->p[i] = kBlowfishP[i] ^ word;
     }
     memcpy(context->boxes, kBlowfishBoxes, sizeof(context->boxes));

@@ -30,7 +30,7 @@ static void LoadIv(uint32_t words[2], const uint8_t iv[8]) {
 }
 
 static void SetDesKeys(DesContext* contexts, int count, const uint8_t* key) {
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         DesSetKey(LoadBig<uint32_t>(key + 8 * i), LoadBig<uint32_t>(key + 8 * i + 4), &contexts[i]);
     }
 }

@@ -24,7 +24,7 @@ static const uint8_t kGenerator[1] = {2};
 
 static Bignum AllOnes(int bits) {
     Bignum a = BignumNew((bits + 15) / 16);
-    for (int i = 0; i < bits; i++) BignumSetBit(a, i, 1);
+    for (int i = 0; i < bits; ++i) BignumSetBit(a, i, 1);
     return a;
 }
 
@@ -40,7 +40,7 @@ void DhSetup(DhContext* context) {
 static Bignum RandomBits(int bits) {
     Bignum a = BignumNew((bits + 15) / 16);
     int byte = 0;
-    for (int i = 0; i < bits; i++) {
+    for (int i = 0; i < bits; ++i) {
         if (i % 8 == 0) byte = RandomByte();
         BignumSetBit(a, i, byte >> (i % 8) & 1);
     }
@@ -52,7 +52,7 @@ static Bignum RandomBelow(ConstBignum bound) {
     int size = BignumSsh1Size(bound);
     uint8_t* bytes = static_cast<uint8_t*>(malloc(static_cast<size_t>(size)));
     BignumToSsh1Bytes(bytes, bound);
-    for (int i = 2; i < size; i++) bytes[i] = static_cast<uint8_t>(bytes[i] & RandomByte());
+    for (int i = 2; i < size; ++i) bytes[i] = static_cast<uint8_t>(bytes[i] & RandomByte());
     Bignum result = BignumFromSsh1Bytes(bytes, size);
     WipeAndFree(bytes, static_cast<size_t>(size));
     return result;

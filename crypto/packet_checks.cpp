@@ -12,9 +12,9 @@ struct CrcTable {
 
 static constexpr CrcTable MakeCrcTable() {
     CrcTable table = {};
-    for (uint32_t n = 0; n < 256; n++) {
+    for (uint32_t n = 0; n < 256; ++n) {
         uint32_t value = n;
-        for (int step = 0; step < 8; step++) {
+        for (int step = 0; step < 8; ++step) {
             value = (value & 1) ? (value >> 1) ^ 0xEDB88320u : value >> 1;
         }
         table.entry[n] = value;
@@ -27,7 +27,7 @@ static_assert(kCrcTable.entry[1] == 0x77073096u && kCrcTable.entry[255] == 0x2D0
 
 uint32_t Crc32(const uint8_t* bytes, int length) {
     uint32_t crc = 0;
-    for (int i = 0; i < length; i++) {
+    for (int i = 0; i < length; ++i) {
         crc = kCrcTable.entry[(crc ^ bytes[i]) & 0xFF] ^ (crc >> 8);
     }
     return crc;
@@ -45,7 +45,7 @@ static MacKeyPair incoming;
 static void PreparePad(Sha1Context* context, uint8_t fill, const uint8_t* key, int keyLength) {
     uint8_t pad[kPadSize];
     memset(pad, fill, sizeof(pad));
-    for (int i = 0; i < keyLength && i < kPadSize; i++) pad[i] ^= key[i];
+    for (int i = 0; i < keyLength && i < kPadSize; ++i) pad[i] ^= key[i];
     Sha1Init(context);
     Sha1Update(context, pad, kPadSize);
     Wipe(pad, sizeof(pad));
@@ -100,7 +100,7 @@ static int Verify(const uint8_t* packet, int length, uint32_t sequenceNumber) {
     uint8_t mac[kSha1Size];
     PacketMac(&incoming, packet, length, sequenceNumber, mac);
     int difference = 0;
-    for (int i = 0; i < kSha1Size; i++) difference |= mac[i] ^ packet[length + i];
+    for (int i = 0; i < kSha1Size; ++i) difference |= mac[i] ^ packet[length + i];
     Wipe(mac, sizeof(mac));  // after a mismatch it would help a forger
     return difference == 0;
 }

@@ -63,7 +63,7 @@ bool RsaEncrypt(uint8_t* buffer, int length, const RsaKey* key) {
     memmove(buffer + separator + 1, buffer, static_cast<size_t>(length));
     buffer[0] = 0x00;
     buffer[1] = 0x02;
-    for (int i = 2; i < separator; i++) buffer[i] = NonZeroRandomByte();
+    for (int i = 2; i < separator; ++i) buffer[i] = NonZeroRandomByte();
     buffer[separator] = 0x00;
     Bignum block = BignumFromBytes(buffer, key->bytes);
     Bignum result = BignumModPow(block, key->exponent, key->modulus);

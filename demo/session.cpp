@@ -44,10 +44,8 @@ void StartLine(Session& session, bool secret) {
     session.line.secret = secret;
 }
 
-namespace {
-
 // Tracks escape sequences that keys send. Returns true if the byte belongs to one.
-bool SkipEscape(LineInput& line, unsigned char byte) {
+static bool SkipEscape(LineInput& line, unsigned char byte) {
     if (byte == 27) {
         line.escape = 1;
         return true;
@@ -63,14 +61,12 @@ bool SkipEscape(LineInput& line, unsigned char byte) {
     return false;
 }
 
-void RubOut(Session& session) {
+static void RubOut(Session& session) {
     LineInput& line = session.line;
     if (line.text.empty()) return;
     line.text.pop_back();
     if (!line.secret && session.telnet.echo) session.out += "\b \b";
 }
-
-}  // namespace
 
 bool TakeLineByte(Session& session, char byte) {
     LineInput& line = session.line;

@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 # Makes build/quill_VERSION_ARCHITECTURE.deb: the program, its help page, icons, the entry in the
 # menu, the description for software centres, the manual page, the terminal's description and the
-# licence. Installs what is missing, and builds the program unless the folder of a build of the
-# preset "package" is named. The same sources give the same file: all times in it are that of the
+# licence. Installs missing packages, and builds the program unless BUILD names the folder of a build
+# of the preset "package". The same sources give the same file: all times in it are the time of the
 # last commit, or SOURCE_DATE_EPOCH.
 # Usage: packaging/deb.sh [BUILD]
 set -eu
@@ -63,7 +63,7 @@ END
     sed -e '1,/^Copyright/d' LICENSE | sed -e '/./,$!d' -e 's/^$/./' -e 's/^/ /'
 } >"$documents/copyright"
 
-# What the program is linked with, by the packages' own lists of symbols.
+# The libraries that the program needs, from the symbol lists of their packages.
 printf 'Source: quill\n\nPackage: quill\nArchitecture: any\n' >"$work/debian/control"
 depends=$(cd "$work" && dpkg-shlibdeps -O -e"$root/usr/bin/quill" 2>"$work/log" |
     sed -n 's/^shlibs:Depends=//p')

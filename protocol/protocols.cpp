@@ -12,16 +12,14 @@
 #include "session/session_state.h"
 #include "text/bytes.h"
 
-namespace {
-
 const Protocol* const kProtocols[] = {&kTelnetProtocol, &kSsh1Protocol, &kSsh2Protocol};
 
-const Protocol& Spoken() {
+static const Protocol& Spoken() {
     if (session.settings.ssh == 0) return *kProtocols[0];
     return *kProtocols[session.settings.ssh_type2 == 1 ? 2 : 1];
 }
 
-void Identify(const Protocol& protocol, const BYTE* bytes, int count) {
+static void Identify(const Protocol& protocol, const BYTE* bytes, int count) {
     const char* line = protocol.identification;
     protocol.start(line, bytes, count);
     if (!SocketSendAll(reinterpret_cast<const BYTE*>(line), static_cast<int>(std::strlen(line))))
@@ -29,8 +27,6 @@ void Identify(const Protocol& protocol, const BYTE* bytes, int count) {
     session.banner_sent = 1;
     session_ports.update_status();
 }
-
-}  // namespace
 
 void BeginProtocol() {
     session.ssh.recvFill = 0;

@@ -21,7 +21,7 @@ inline constexpr int kCommandBarId = 1;  // child ids of the main window
 inline constexpr int kClientWindowId = 2;
 inline constexpr int kStatusBarId = 106;  // child id of the client window
 
-typedef BOOL (*ChooseColorProcedure)(LPVOID request);
+using ChooseColorProcedure = BOOL (*)(LPVOID request);
 
 struct SessionState {
     // Owner: app/start_up.

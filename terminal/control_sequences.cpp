@@ -58,7 +58,7 @@ static void Ignore() {}
 
 // ---------------------------------------------------------------- the final bytes
 
-typedef void (*FinalHandler)();
+using FinalHandler = void (*)();
 
 struct FinalRow {
     BYTE byte;
@@ -143,7 +143,7 @@ static void EscapeAgain(BYTE) {
     BeginEscape();
 }
 
-typedef void (*InnerHandler)(BYTE b);
+using InnerHandler = void (*)(BYTE b);
 
 struct InnerRow {
     BYTE first;
@@ -222,7 +222,7 @@ static uint64_t FirstByteLowest(uint64_t word) {
 
 static uint64_t LoadEight(const void* bytes) {
     uint64_t word;
-    memcpy(&word, bytes, sizeof word);
+    memcpy(&word, bytes, sizeof(word));
     return FirstByteLowest(word);
 }
 
@@ -254,7 +254,7 @@ int RunCommonSequence(const BYTE* bytes, int count) {
     ParserState& parser = session.parser;
     const uint64_t text =
         FirstByteLowest((LoadEight(parser.param_text) & ~inside) | (word & inside));
-    memcpy(parser.param_text, &text, sizeof text);
+    memcpy(parser.param_text, &text, sizeof(text));
     parser.param_len = length;
     parser.private_flag = 0;
     parser.secondary_flag = 0;

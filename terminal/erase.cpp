@@ -30,7 +30,7 @@ void BlankScreen(int reset_line_attr) { BlankRows(1, session.screen.rows, false,
 
 // ---------------------------------------------------------------- CSI J and K
 
-typedef void (*EraseProcedure)(bool selective);
+using EraseProcedure = void (*)(bool selective);
 
 static void EraseDisplayAfter(bool selective) {
     const ScreenBuffer& screen = session.screen;

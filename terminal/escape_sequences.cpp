@@ -13,7 +13,7 @@
 
 static const int kLineDrawingSet = 128;
 
-typedef void (*EscapeHandler)();
+using EscapeHandler = void (*)();
 
 struct EscapeRow {
     BYTE byte;

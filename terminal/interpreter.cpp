@@ -81,7 +81,7 @@ static void IntroduceSs3() { Introduce('O'); }
 static void IntroduceDcs() { Introduce('P'); }
 static void IntroduceCsi() { Introduce('['); }
 
-typedef void (*ControlHandler)();
+using ControlHandler = void (*)();
 
 struct ControlRow {
     BYTE byte;
@@ -123,7 +123,7 @@ static void GroundByte(BYTE b) {
 
 // ---------------------------------------------------------------- states
 
-typedef void (*StateHandler)(BYTE b);
+using StateHandler = void (*)(BYTE b);
 
 static const int kStates = 8;
 

@@ -15,23 +15,21 @@
 
 // ---------------------------------------------------------------- the toolbar's buttons
 
-namespace {
-
 constexpr int kPixelsPerButton = 21;
 
-void AbortDialling() {
+static void AbortDialling() {
     DialProgress("Abort modem dialing\r\n");
     HangUpDial();
 }
 
-bool MayCloseSession() {
+static bool MayCloseSession() {
     return session.settings.confirm_exit == 0 ||
            Agreed(TEXT("Do you really want to close this session"));
 }
 
 // The toolbar's connect button. While no session is up it runs the menu's command. For closing a
 // session it asks if `confirm_exit` is anything but 0; the menu's command asks only if it is 1.
-void PressConnect() {
+static void PressConnect() {
     if (session.dialling) {
         AbortDialling();
     } else if (!Connected()) {
@@ -42,18 +40,22 @@ void PressConnect() {
     session_ports.rebuild_menu_bar();
 }
 
-void PressLarger() { RunCommand(IDM_LARGER_FONT); }
-void PressSmaller() { RunCommand(IDM_SMALLER_FONT); }
+static void PressLarger() { RunCommand(IDM_LARGER_FONT); }
+static void PressSmaller() { RunCommand(IDM_SMALLER_FONT); }
 
-void SwapToolbar() {
+static void SwapToolbar() {
     session.toolbar = session.toolbar % kToolbars + 1;
     session_ports.rebuild_menu_bar();
 }
+
+namespace {
 
 struct ActionRow {
     int action;
     void (*run)();
 };
+
+}  // namespace
 
 // clang-format off
 const ActionRow kActions[] = {
@@ -65,8 +67,6 @@ const ActionRow kActions[] = {
     {kActionSwapToolbar, SwapToolbar},
 };
 // clang-format on
-
-}  // namespace
 
 void ShowToolbar() {
     BuildToolbar(session.command_bar, session.toolbar, session.main_width / kPixelsPerButton);
@@ -81,13 +81,11 @@ void RunToolbarCommand(WORD id) {
 
 // ---------------------------------------------------------------- the command table
 
-namespace {
-
-bool MayEnd(LPCWSTR question) {
+static bool MayEnd(LPCWSTR question) {
     return !(session.settings.confirm_exit == 1 && Connected()) || Agreed(question);
 }
 
-void ConnectOrDisconnect(WORD) {
+static void ConnectOrDisconnect(WORD) {
     if (session.dialling) {
         HangUpDial();
     } else if (Connected()) {
@@ -100,13 +98,13 @@ void ConnectOrDisconnect(WORD) {
     }
 }
 
-void Exit(WORD) {
+static void Exit(WORD) {
     if (!MayEnd(TEXT("Do you really want to close this program"))) return;
     HangUpDial();
     DestroyWindow(session.main_window);
 }
 
-void ResetConfiguration(WORD) {
+static void ResetConfiguration(WORD) {
     if (!Agreed(TEXT("Do you really want to reset the configuration"))) return;
     if (!Agreed(TEXT("Are you sure!"))) return;
     ResetSettings();
@@ -116,31 +114,35 @@ void ResetConfiguration(WORD) {
     DestroyWindow(session.main_window);
 }
 
-void Larger(WORD) {
+static void Larger(WORD) {
     LargerFont();
     RecountCoveredRows();
     RepaintTerminal();
 }
 
-void Smaller(WORD) {
+static void Smaller(WORD) {
     if (session.settings.fsize < 2) return;
     SmallerFont();
     RecountCoveredRows();
     RepaintTerminal();
 }
 
-void FunctionKey(WORD id) { SendVirtualKey(VK_F1 + (id - IDM_F1)); }
+static void FunctionKey(WORD id) { SendVirtualKey(VK_F1 + (id - IDM_F1)); }
 
 template <int kVirtualKey>
-void NamedKey(WORD) {
+static void NamedKey(WORD) {
     SendVirtualKey(kVirtualKey);
 }
+
+namespace {
 
 struct CommandRow {
     WORD first;
     WORD last;
     void (*run)(WORD id);
 };
+
+}  // namespace
 
 // clang-format off
 const CommandRow kCommands[] = {
@@ -172,8 +174,6 @@ const CommandRow kCommands[] = {
     {IDM_TOOLBAR_FIRST, IDM_TOOLBAR_LAST,  RunToolbarCommand},
 };
 // clang-format on
-
-}  // namespace
 
 void RunCommand(WORD id) {
     for (const CommandRow& row : kCommands)

@@ -6,11 +6,11 @@
 
 #include "device.h"
 
-namespace {
-
 constexpr int kPlainPixels = 16;
 constexpr int kTwiceAsLarge = 10000;      // added to a bitmap's number: the larger one
 constexpr uint32_t kBarColor = 0xC0C0C0;  // marks the pixels that show the bar
+
+namespace {
 
 // Pixels are 0xAARRGGBB, from the top; the colours are multiplied by their alpha.
 struct Picture {
@@ -19,7 +19,9 @@ struct Picture {
     std::vector<uint32_t> pixels;
 };
 
-BITMAPINFO PixelFormat(int width, int height) {
+}  // namespace
+
+static BITMAPINFO PixelFormat(int width, int height) {
     BITMAPINFO info = {};
     info.bmiHeader.biSize = sizeof(info.bmiHeader);
     info.bmiHeader.biWidth = width;
@@ -29,7 +31,7 @@ BITMAPINFO PixelFormat(int width, int height) {
     return info;
 }
 
-Picture Load(HINSTANCE instance, int id) {
+static Picture Load(HINSTANCE instance, int id) {
     const auto bitmap = static_cast<HBITMAP>(
         LoadImageW(instance, MAKEINTRESOURCEW(id), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION));
     BITMAP shape = {};
@@ -51,31 +53,29 @@ Picture Load(HINSTANCE instance, int id) {
 
 // Returns how much of the pixel `from` overlaps the pixel `to` when `from_size` pixels become
 // `to_size`.
-int Overlap(int from, int to, int from_size, int to_size) {
+static int Overlap(int from, int to, int from_size, int to_size) {
     return std::max(0, std::min((from + 1) * to_size, (to + 1) * from_size) -
                            std::max(from * to_size, to * from_size));
 }
 
-uint32_t Average(const Picture& from, int x, int y, int width, int height) {
+static uint32_t Average(const Picture& from, int x, int y, int width, int height) {
     uint64_t sums[4] = {}, whole = 0;
-    for (int row = y * from.height / height; row < from.height; row++) {
+    for (int row = y * from.height / height; row < from.height; ++row) {
         const int high = Overlap(row, y, from.height, height);
         if (!high) break;
-        for (int col = x * from.width / width; col < from.width; col++) {
+        for (int col = x * from.width / width; col < from.width; ++col) {
             const auto area = static_cast<uint64_t>(high * Overlap(col, x, from.width, width));
             if (!area) break;
             const uint32_t pixel = from.pixels[static_cast<size_t>(row * from.width + col)];
-            for (int i = 0; i < 4; i++) sums[i] += area * (pixel >> (8 * i) & 0xFF);
+            for (int i = 0; i < 4; ++i) sums[i] += area * (pixel >> (8 * i) & 0xFF);
             whole += area;
         }
     }
     uint32_t result = 0;
-    for (int i = 0; i < 4; i++)
+    for (int i = 0; i < 4; ++i)
         result |= static_cast<uint32_t>((sums[i] + whole / 2) / whole) << (8 * i);
     return result;
 }
-
-}  // namespace
 
 int BarPictureSide() { return DevicePixels(kPlainPixels); }
 
@@ -90,7 +90,7 @@ HBITMAP LoadBarPictures(HINSTANCE instance, int id) {
     const HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
     if (!bitmap) return nullptr;
     auto* pixel = static_cast<uint32_t*>(bits);
-    for (int y = 0; y < side; y++)
-        for (int x = 0; x < width; x++) *pixel++ = Average(from, x, y, width, side);
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < width; ++x) *pixel++ = Average(from, x, y, width, side);
     return bitmap;
 }

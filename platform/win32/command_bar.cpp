@@ -6,10 +6,10 @@
 
 #include "device.h"
 
-namespace {
-
 constexpr int kButtonWidth = 23;  // pixels at 100 %
 constexpr int kButtonHeight = 22;
+
+namespace {
 
 // The bitmaps of each bar in the order in which they were added, to load them again for another
 // scale.
@@ -17,13 +17,15 @@ struct Source {
     HINSTANCE instance;
     int id;
 };
-std::map<HWND, std::vector<Source>> sources;
 
-HIMAGELIST PicturesOf(HWND bar) {
+}  // namespace
+static std::map<HWND, std::vector<Source>> sources;
+
+static HIMAGELIST PicturesOf(HWND bar) {
     return reinterpret_cast<HIMAGELIST>(SendMessageW(bar, TB_GETIMAGELIST, 0, 0));
 }
 
-HIMAGELIST MakePictures(HWND bar) {
+static HIMAGELIST MakePictures(HWND bar) {
     const int side = BarPictureSide();
     HIMAGELIST pictures = ImageList_Create(side, side, ILC_COLOR32, 32, 32);
     SendMessageW(bar, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pictures));
@@ -33,7 +35,7 @@ HIMAGELIST MakePictures(HWND bar) {
 }
 
 // Returns the index of the first picture, or -1.
-int AddPictures(HIMAGELIST pictures, const Source& source) {
+static int AddPictures(HIMAGELIST pictures, const Source& source) {
     const HBITMAP bitmap = LoadBarPictures(source.instance, source.id);
     if (!bitmap) return -1;
     const int first = ImageList_Add(pictures, bitmap, nullptr);
@@ -41,7 +43,7 @@ int AddPictures(HIMAGELIST pictures, const Source& source) {
     return first;
 }
 
-void SetTip(HWND tips, HWND bar, int index, LPWSTR text) {
+static void SetTip(HWND tips, HWND bar, int index, LPWSTR text) {
     TBBUTTON button = {};
     if (!SendMessageW(bar, TB_GETBUTTON, static_cast<WPARAM>(index),
                       reinterpret_cast<LPARAM>(&button)))
@@ -53,8 +55,6 @@ void SetTip(HWND tips, HWND bar, int index, LPWSTR text) {
     tool.lpszText = text;
     SendMessageW(tips, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
 }
-
-}  // namespace
 
 HWND CommandBar_Create(HINSTANCE instance, HWND parent, int id) {
     RECT room = {};
@@ -114,6 +114,6 @@ BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button) {
 BOOL CommandBar_AddToolTips(HWND bar, UINT count, LPWSTR* tips) {
     const auto window = reinterpret_cast<HWND>(SendMessageW(bar, TB_GETTOOLTIPS, 0, 0));
     if (!window || !tips) return FALSE;
-    for (UINT i = 0; i < count; i++) SetTip(window, bar, static_cast<int>(i), tips[i]);
+    for (UINT i = 0; i < count; ++i) SetTip(window, bar, static_cast<int>(i), tips[i]);
     return TRUE;
 }

@@ -6,9 +6,7 @@
 
 #include <vector>
 
-namespace {
-
-std::wstring UserRoot() {
+static std::wstring UserRoot() {
     wchar_t data[MAX_PATH] = {};
     if (SHGetFolderPathW(nullptr, CSIDL_APPDATA | CSIDL_FLAG_CREATE, nullptr, 0, data) != S_OK)
         return L"";
@@ -17,18 +15,16 @@ std::wstring UserRoot() {
     return folder;
 }
 
-bool IsSeparator(wchar_t unit) { return unit == L'\\' || unit == L'/'; }
+static bool IsSeparator(wchar_t unit) { return unit == L'\\' || unit == L'/'; }
 
 // Drops colons: a colon would name a drive, or a stream of the file.
-std::wstring TakeName(LPCWSTR* path) {
+static std::wstring TakeName(LPCWSTR* path) {
     std::wstring name;
     for (; **path && !IsSeparator(**path); ++*path)
         if (**path != L':') name.push_back(**path);
     if (**path) ++*path;
     return name;
 }
-
-}  // namespace
 
 const std::wstring& DeviceRoot() {
     static const std::wstring root = UserRoot();

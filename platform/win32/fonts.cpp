@@ -12,20 +12,22 @@ struct Font {
     HFONT drawn;      // the handle itself, or its copy for another scale
     UINT dpi;         // of `drawn`
 };
-std::map<HGDIOBJ, Font> fonts;
 
-HFONT MakeFont(const LOGFONTW& device) {
+}  // namespace
+static std::map<HGDIOBJ, Font> fonts;
+
+static HFONT MakeFont(const LOGFONTW& device) {
     LOGFONTW scaled = device;
     scaled.lfHeight = DevicePixels(device.lfHeight * kFontScale);
     scaled.lfWidth = DevicePixels(device.lfWidth * kFontScale);
     return CreateFontIndirectW(&scaled);
 }
 
-void DropLike(HGDIOBJ handle, const Font& font) {
+static void DropLike(HGDIOBJ handle, const Font& font) {
     if (font.drawn != handle) DeleteObject(font.drawn);
 }
 
-HGDIOBJ DrawnFor(HGDIOBJ handle) {
+static HGDIOBJ DrawnFor(HGDIOBJ handle) {
     const auto found = fonts.find(handle);
     if (found == fonts.end()) return handle;
     Font& font = found->second;
@@ -36,8 +38,6 @@ HGDIOBJ DrawnFor(HGDIOBJ handle) {
     }
     return font.drawn;
 }
-
-}  // namespace
 
 HFONT DeviceCreateFontIndirect(const LOGFONTW* font) {
     if (!font) return nullptr;

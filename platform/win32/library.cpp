@@ -9,12 +9,14 @@ struct LibraryRow {
     LPCWSTR desktop;
 };
 
+}  // namespace
+
 const LibraryRow kLibraries[] = {
     {L"COMMDLG.DLL", L"comdlg32.dll"},
 };
 
 // On the device, the chooser has a template of the program; on the desktop it looks as usual.
-BOOL ChooseColorPlainly(LPVOID parameter) {
+static BOOL ChooseColorPlainly(LPVOID parameter) {
     auto* request = static_cast<DeviceChooseColor*>(parameter);
     CHOOSECOLORW plain = {};
     plain.lStructSize = sizeof(plain);
@@ -27,8 +29,6 @@ BOOL ChooseColorPlainly(LPVOID parameter) {
     request->rgbResult = plain.rgbResult;
     return TRUE;
 }
-
-}  // namespace
 
 void KeepToSystemLibraries() {
     SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
@@ -47,7 +47,7 @@ FARPROC GetProcAddressW(HMODULE library, LPCWSTR name) {
     if (library == GetModuleHandleW(L"comdlg32.dll") && lstrcmpW(name, L"ChooseColor") == 0)
         return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(ChooseColorPlainly));
     std::string narrow;
-    for (; *name; name++) narrow.push_back(static_cast<char>(*name < 128 ? *name : '?'));
+    for (; *name; ++name) narrow.push_back(static_cast<char>(*name < 128 ? *name : '?'));
     if (narrow.empty()) return nullptr;
     const FARPROC wide = GetProcAddress(library, (narrow + "W").c_str());
     return wide ? wide : GetProcAddress(library, narrow.c_str());

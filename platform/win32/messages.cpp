@@ -3,19 +3,15 @@
 // going outside the window.
 #include "device.h"
 
-namespace {
-
 // Captures the stylus for the window that it touches, until it is lifted. The system's own controls
 // do that themselves.
-void HoldStylus(const MSG& message) {
+static void HoldStylus(const MSG& message) {
     const bool touched = message.message == WM_LBUTTONDOWN || message.message == WM_LBUTTONDBLCLK;
     if (touched && HasProgramClass(message.hwnd)) SetCapture(message.hwnd);
     if (message.message == WM_LBUTTONUP && GetCapture() == message.hwnd &&
         HasProgramClass(message.hwnd))
         ReleaseCapture();
 }
-
-}  // namespace
 
 BOOL DeviceGetMessage(MSG* message, HWND window, UINT first, UINT last) {
     const BOOL result = GetMessageW(message, window, first, last);

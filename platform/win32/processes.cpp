@@ -4,9 +4,7 @@
 #include "device.h"
 #include "resource_numbers.h"
 
-namespace {
-
-bool WritePage(const std::wstring& path) {
+static bool WritePage(const std::wstring& path) {
     const HRSRC found =
         FindResourceW(nullptr, MAKEINTRESOURCEW(IDR_HELP_PAGE), MAKEINTRESOURCEW(10));
     const HGLOBAL page = found ? LoadResource(nullptr, found) : nullptr;
@@ -18,7 +16,7 @@ bool WritePage(const std::wstring& path) {
     return fclose(file) == 0 && whole;
 }
 
-std::wstring TemporaryPage() {
+static std::wstring TemporaryPage() {
     wchar_t folder[MAX_PATH + 1] = {};
     const DWORD length = GetTempPathW(MAX_PATH + 1, folder);
     return length == 0 || length > MAX_PATH ? L"" : std::wstring(folder) + L"Quill telnet.htm";
@@ -26,7 +24,7 @@ std::wstring TemporaryPage() {
 
 // The viewer needs a file that outlives the program. The file is in the device's root folder or, if
 // that cannot be written, among the temporary files.
-bool ShowHelp(LPCWSTR page) {
+static bool ShowHelp(LPCWSTR page) {
     if (!page || lstrcmpiW(page, L"telnet.htm") != 0) return false;
     std::wstring path = DevicePath(L"\\telnet.htm");
     if (!WritePage(path) && !WritePage(path = TemporaryPage())) return false;
@@ -34,8 +32,6 @@ bool ShowHelp(LPCWSTR page) {
         ShellExecuteW(nullptr, L"open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
     return reinterpret_cast<INT_PTR>(result) > 32;
 }
-
-}  // namespace
 
 BOOL DeviceCreateProcess(LPCWSTR program, LPWSTR arguments, LPVOID, LPVOID, BOOL, DWORD, LPVOID,
                          LPCWSTR, LPVOID, PROCESS_INFORMATION* process) {

@@ -3,10 +3,8 @@
 // only from the system's folder.
 #include "device.h"
 
-namespace {
-
 template <typename Call>
-Call* RasCall(Call*, const char* name) {
+static Call* RasCall(Call*, const char* name) {
     static const HMODULE library =
         LoadLibraryExW(L"rasapi32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
     const FARPROC found = library ? GetProcAddress(library, name) : nullptr;
@@ -16,9 +14,7 @@ Call* RasCall(Call*, const char* name) {
 // Finds the call with that name; null on a system without remote access.
 #define RAS_CALL(name) RasCall(static_cast<decltype(name)*>(nullptr), #name)
 
-HRASCONN dialled = nullptr;  // by the program, and not yet hung up
-
-}  // namespace
+static HRASCONN dialled = nullptr;  // by the program, and not yet hung up
 
 DWORD DeviceRasEnumEntries(LPWSTR reserved, LPWSTR phone_book, RASENTRYNAMEW* entries, DWORD* size,
                            DWORD* count) {

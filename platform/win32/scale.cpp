@@ -3,27 +3,25 @@
 // bars have the size that it asks for, and follow when it changes.
 #include "device.h"
 
-namespace {
-
 constexpr int kPlainDpi = 96;
-int dpi = 0;  // of the main window's monitor; 0 until it is first asked for
+static int dpi = 0;  // of the main window's monitor; 0 until it is first asked for
 
 // Finds a call of user32.dll that only Windows 10 and later have; null on earlier versions.
 template <typename Call>
-Call* NewCall(Call*, const char* name) {
+static Call* NewCall(Call*, const char* name) {
     const FARPROC found = GetProcAddress(GetModuleHandleW(L"user32.dll"), name);
     return reinterpret_cast<Call*>(reinterpret_cast<void*>(found));
 }
 #define NEW_CALL(name) NewCall(static_cast<decltype(name)*>(nullptr), #name)
 
-int SystemDpi() {
+static int SystemDpi() {
     HDC screen = GetDC(nullptr);
     const int pixels = GetDeviceCaps(screen, LOGPIXELSX);
     ReleaseDC(nullptr, screen);
     return pixels > 0 ? pixels : kPlainDpi;
 }
 
-HFONT StatusFont() {
+static HFONT StatusFont() {
     NONCLIENTMETRICSW metrics = {};
     metrics.cbSize = sizeof(metrics);
     const auto call = NEW_CALL(SystemParametersInfoForDpi);
@@ -33,7 +31,7 @@ HFONT StatusFont() {
 }
 
 // Adapts a child that has a size of its own: a command bar or a status window.
-BOOL CALLBACK RescaleChild(HWND child, LPARAM status_font) {
+static BOOL CALLBACK RescaleChild(HWND child, LPARAM status_font) {
     wchar_t name[32] = {};
     GetClassNameW(child, name, 32);
     if (lstrcmpiW(name, TOOLBARCLASSNAMEW) == 0) RescaleCommandBar(child);
@@ -41,8 +39,6 @@ BOOL CALLBACK RescaleChild(HWND child, LPARAM status_font) {
         SendMessageW(child, WM_SETFONT, static_cast<WPARAM>(status_font), TRUE);
     return TRUE;
 }
-
-}  // namespace
 
 UINT DeviceDpi() {
     if (!dpi) dpi = SystemDpi();

@@ -4,8 +4,6 @@
 
 #include "device.h"
 
-namespace {
-
 constexpr UINT kGetSipInfo = 225;
 constexpr int kMenuBarPixels = 26;  // the program leaves them free at the bottom
 constexpr int kNarrowestPixels = 400;
@@ -13,7 +11,8 @@ constexpr int kRows = 24;
 constexpr int kColumns = 80;
 
 // Keeps the face of a first start or, if that is missing, the first fixed-pitch face.
-int CALLBACK TakeFace(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD, LPARAM result) {
+static int CALLBACK TakeFace(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD,
+                             LPARAM result) {
     auto* face = reinterpret_cast<LOGFONTW*>(result);
     if (metrics->tmPitchAndFamily & TMPF_FIXED_PITCH) return 1;
     const bool usual = lstrcmpW(font->lfFaceName, L"Terminal") == 0;
@@ -21,7 +20,7 @@ int CALLBACK TakeFace(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD, L
     return !usual;
 }
 
-SIZE CellSize() {
+static SIZE CellSize() {
     HDC dc = GetDC(nullptr);
     LOGFONTW face = {};
     EnumFontFamiliesW(dc, nullptr, TakeFace, reinterpret_cast<LPARAM>(&face));
@@ -43,7 +42,7 @@ SIZE CellSize() {
 }
 
 // Measures an invisible status window.
-int StatusHeight() {
+static int StatusHeight() {
     HWND status = CreateWindowExW(0, STATUSCLASSNAMEW, nullptr, WS_CHILD, 0, 0, 0, 0, HWND_MESSAGE,
                                   nullptr, nullptr, nullptr);
     RECT rect = {};
@@ -52,14 +51,12 @@ int StatusHeight() {
     return rect.bottom - rect.top;
 }
 
-SIZE DeviceSize() {
+static SIZE DeviceSize() {
     const SIZE cell = CellSize();
     const LONG bars = DevicePixels(kCommandBarHeight) + StatusHeight() + kMenuBarPixels;
     return {std::max<LONG>(cell.cx * kColumns, DevicePixels(kNarrowestPixels)),
             cell.cy * kRows + bars};
 }
-
-}  // namespace
 
 BOOL SHSipInfo(UINT action, UINT, LPVOID info, UINT) {
     auto* sip = static_cast<SIPINFO*>(info);

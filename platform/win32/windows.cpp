@@ -6,22 +6,20 @@
 #include "device.h"
 #include "resource_numbers.h"
 
-namespace {
-
 constexpr DWORD kFrame = WS_OVERLAPPEDWINDOW;
 
 // Returns the work area of the primary monitor.
-RECT WorkArea() {
+static RECT WorkArea() {
     RECT area = {};
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
     return area;
 }
 
-std::set<ATOM> program_classes;
-SIZE asked_for = {};  // client area that the main window was created with
+static std::set<ATOM> program_classes;
+static SIZE asked_for = {};  // client area that the main window was created with
 
 // Returns the outer size around a client area and a menu, limited to the monitor's room.
-SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
+static SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
     RECT frame = {0, 0, width, height};
     FrameRect(&frame, style, ex_style);
     const RECT area = WorkArea();
@@ -29,12 +27,10 @@ SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
             std::min(frame.bottom - frame.top, area.bottom - area.top)};
 }
 
-HICON ProgramIcon() {
+static HICON ProgramIcon() {
     const HICON own = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_DESKTOP));
     return own ? own : LoadIconW(nullptr, MAKEINTRESOURCEW(32512));
 }
-
-}  // namespace
 
 ATOM DeviceRegisterClass(const WNDCLASSW* window_class) {
     if (!window_class) return 0;

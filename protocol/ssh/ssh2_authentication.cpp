@@ -8,12 +8,10 @@
 #include "text/bytes.h"
 #include "text/text.h"
 
-namespace {
-
 constexpr int kCredentialSize = 80;
 
 // Returns false if nothing more may be sent, since the connection can end while the dialog is open.
-bool SignOn() {
+static bool SignOn() {
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     const bool shown = session_ports.ask_sign_on();
     if (!SshSessionStands(served) || !HasCipher()) return false;
@@ -21,13 +19,13 @@ bool SignOn() {
     return shown;
 }
 
-void RefuseEmptyName() {
+static void RefuseEmptyName() {
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     ShowError(TEXT("Cannot sign on to the host without a valid user name"));
     if (SshSessionStands(served)) CloseSession();
 }
 
-void SendPasswordRequest(const char* name, const char* password) {
+static void SendPasswordRequest(const char* name, const char* password) {
     static const char kService[] = "ssh-connection";
     static const char kMethod[] = "password";
     BeginPacket(kMsgUserauthRequest, 1 + StringSize(name) + StringSize(kService) +
@@ -39,8 +37,6 @@ void SendPasswordRequest(const char* name, const char* password) {
     PutString(at, password);
     SendPacket();
 }
-
-}  // namespace
 
 void Ssh2Authenticate(bool retry) {
     if ((retry || !session.settings.ssh_def) && !SignOn()) return;

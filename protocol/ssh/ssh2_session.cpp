@@ -7,15 +7,17 @@
 #include "session/session_state.h"
 #include "text/bytes.h"
 
-namespace {
-
 constexpr int kLengthSize = 4;
+
+namespace {
 
 struct MessageRow {
     BYTE number;
     bool secured;  // accepted only while there is a cipher: no password is sent unencrypted
     void (*handler)();
 };
+
+}  // namespace
 
 // A message that is not in this table is ignored.
 // clang-format off
@@ -37,14 +39,14 @@ const MessageRow kMessages[] = {
 };
 // clang-format on
 
-int MacSize() { return HasCipher() ? session.ssh2.inMac->macLength : 0; }
+static int MacSize() { return HasCipher() ? session.ssh2.inMac->macLength : 0; }
 
-void DropWaiting() {
+static void DropWaiting() {
     session.ssh.recvFill = 0;
     session.ssh2.headDecrypted = 0;
 }
 
-void Append(const BYTE* bytes, int count) {
+static void Append(const BYTE* bytes, int count) {
     SshState& ssh = session.ssh;
     if (ssh.recvFill + count > kSshReassemblySize) DropWaiting();
     std::memcpy(ssh.recvBuf + ssh.recvFill, bytes, static_cast<size_t>(count));
@@ -52,7 +54,7 @@ void Append(const BYTE* bytes, int count) {
 }
 
 // Returns the size of the packet at the front of recvBuf, or 0 while it is not complete.
-int CompletePacket() {
+static int CompletePacket() {
     SshState& ssh = session.ssh;
     if (ssh.recvFill < kLengthSize) return 0;
     if (HasCipher() && !session.ssh2.headDecrypted) {
@@ -72,7 +74,7 @@ int CompletePacket() {
 // Handles one packet; returns false if there is no complete one, or if the handler ended the
 // session. In that case the waiting bytes are dropped only if there is no socket: otherwise a new
 // session may have begun, and they belong to it.
-bool TakePacket(SOCKET served) {
+static bool TakePacket(SOCKET served) {
     SshState& ssh = session.ssh;
     const int size = CompletePacket();
     if (size == 0) return false;
@@ -88,7 +90,7 @@ bool TakePacket(SOCKET served) {
 }
 
 // Decrypts what follows the first block and checks the MAC after the first `total` bytes.
-bool Authentic(int total, int length) {
+static bool Authentic(int total, int length) {
     Ssh2State& ssh = session.ssh2;
     if (!HasCipher()) return true;
     const int behind_head = length - kCipherBlockSize - ssh.inMac->macLength;
@@ -98,7 +100,7 @@ bool Authentic(int total, int length) {
 
 // Sets the reader to the first byte after the message number. Returns false if the padding leaves
 // no payload.
-bool OpenPayload(int total, BYTE* number) {
+static bool OpenPayload(int total, BYTE* number) {
     Ssh2State& ssh = session.ssh2;
     BYTE padding;
     ByteReader reader = ReaderOf(ssh.packetBuf + kLengthSize, total - kLengthSize);
@@ -108,15 +110,13 @@ bool OpenPayload(int total, BYTE* number) {
     return TakeByte(&ssh.reader, number);
 }
 
-void Dispatch(BYTE number) {
+static void Dispatch(BYTE number) {
     for (const MessageRow& row : kMessages) {
         if (row.number != number) continue;
         if (HasCipher() || !row.secured) row.handler();
         return;
     }
 }
-
-}  // namespace
 
 void Ssh2TakeChunk(const BYTE* bytes, int count) {
     if (!session.ssh2.inMac) return;  // the session began with SSH-1
@@ -134,7 +134,7 @@ void Ssh2HandlePacket(const BYTE* packet, int length) {
     if (total >= kSshReassemblySize) return CloseSession();
     if (static_cast<int>(total) + MacSize() != length) return;
     if (!Authentic(static_cast<int>(total), length)) return;
-    ssh.recvSeq++;
+    ++ssh.recvSeq;
     BYTE number;
     if (OpenPayload(static_cast<int>(total), &number)) Dispatch(number);
 }

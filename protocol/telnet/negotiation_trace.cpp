@@ -5,10 +5,10 @@
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"
 
-namespace {
-
 constexpr int kLineUnits = 256;
 constexpr int kLineBytes = 255;
+
+namespace {
 
 struct NameRow {
     BYTE code;
@@ -19,6 +19,8 @@ struct HostRow {
     BYTE command;
     LPCWSTR format;
 };
+
+}  // namespace
 
 // clang-format off
 const HostRow kHostLines[] = {
@@ -46,14 +48,14 @@ const NameRow kOptionNames[] = {
 };
 // clang-format on
 
-LPCWSTR CommandName(BYTE command) {
+static LPCWSTR CommandName(BYTE command) {
     for (const NameRow& row : kCommandNames)
         if (row.code == command) return row.name;
     return TEXT(" BUG");
 }
 
 // The result is valid until the next call.
-LPCWSTR OptionName(BYTE option) {
+static LPCWSTR OptionName(BYTE option) {
     static WCHAR number[8];
     for (const NameRow& row : kOptionNames)
         if (row.code == option) return row.name;
@@ -61,15 +63,13 @@ LPCWSTR OptionName(BYTE option) {
     return number;
 }
 
-}  // namespace
-
 void TraceWrite(LPCWSTR text) {
     char bytes[kLineBytes + 1] = {};
     const int cursor = CursorPosition();
     const int length = lstrlenW(text);
     WideCharToMultiByte(CP_ACP, 0, text, length < kLineBytes ? length : kLineBytes, bytes,
                         kLineBytes, nullptr, nullptr);
-    for (const char* byte = bytes; *byte; byte++)
+    for (const char* byte = bytes; *byte; ++byte)
         if (TerminalFeedByte(static_cast<BYTE>(*byte))) TerminalTakeReply();
     ShowWritten(cursor);
 }
@@ -91,7 +91,7 @@ void TraceSubnegotiation(const BYTE* bytes, int count) {
     WCHAR part[kLineUnits];
     wsprintfW(part, TEXT("HOST: IAC SB %s"), OptionName(bytes[0]));
     TraceWrite(part);
-    for (int i = 1; count >= 3 && i < count - 1; i++) {
+    for (int i = 1; count >= 3 && i < count - 1; ++i) {
         wsprintfW(part, TEXT(" %d"), bytes[i]);
         TraceWrite(part);
     }

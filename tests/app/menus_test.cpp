@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The menu bars: what they hold, how a person reaches it, and what each entry does.
+// The menu bars: their entries, how a person opens them, and what each entry does.
 #include <gtest/gtest.h>
 #include <QMenu>
 #include <QtTest/QTest>
@@ -62,7 +62,7 @@ bool Shown(const QString& title) {
     return Eventually([&] { return MenuOf(title) && MenuOf(title)->isVisible(); });
 }
 
-// A key as the desktop gives it, with the shortcuts that come before it.
+// Sends a key as the desktop does, with the check for shortcuts first.
 void Strike(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     OnWindowThread([=] {
         QWidget* target = QApplication::activePopupWidget();
@@ -171,7 +171,7 @@ TEST(Menus, KeysAndFunctionKeysDoNothingOffline) {
     });
 }
 
-// The toolkit draws a line below a bar, and the titles over it.
+// The toolkit draws a line below a bar and draws the titles over it.
 TEST(Menus, NoLineIsDrawnBelowTheTitles) {
     RunProgram({}, [] {
         ASSERT_TRUE(Eventually([] { return !BarTitles().isEmpty(); }));
@@ -242,8 +242,8 @@ TEST(Menus, AltWithALetterAndTheArrowsReachEveryEntry) {
     });
 }
 
-// Whether the terminal keeps a key to itself, so that the desktop does not look for it among the
-// menus' letters.
+// True if the terminal accepts the key, so that the desktop does not treat it as the letter of a
+// menu.
 bool KeepsKey(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     bool kept = false;
     OnWindowThread([&] {
@@ -255,7 +255,7 @@ bool KeepsKey(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     return kept;
 }
 
-TEST(Menus, KeysWithoutAltAreNotLookedForAmongThem) {
+TEST(Menus, KeysWithoutAltStayWithTheTerminal) {
     FakeHost host;
     WithSession(host, [] {
         EXPECT_TRUE(KeepsKey(Qt::Key_K, Qt::NoModifier));
@@ -274,7 +274,7 @@ TEST(Menus, F10OpensThemOffline) {
     });
 }
 
-TEST(Menus, F10IsTheHostsInASession) {
+TEST(Menus, F10GoesToTheHostInASession) {
     FakeHost host;
     WithSession(host, [&] {
         PressKey(Qt::Key_F10);

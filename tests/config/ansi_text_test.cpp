@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Conversions to and from the ANSI code page, at the bounds of their room.
+// Conversions to and from the ANSI code page, at the limits of their buffers.
 #include "text/text.h"
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ std::u16string Widened(const std::string& bytes, int capacity) {
 
 }  // namespace
 
-TEST(AnsiText, WhatHasNoRoomIsCut) {
+TEST(AnsiText, TextBeyondTheBufferIsCut) {
     for (const size_t length : {0u, 1u, 3u, 4u, 5u, 6u, 100u}) {
         const size_t kept = std::min<size_t>(length, 4);
         EXPECT_EQ(std::string(kept, '\x80'), Narrow(std::u16string(length, u'\u20AC'), 5));
@@ -34,12 +34,12 @@ TEST(AnsiText, WhatHasNoRoomIsCut) {
     }
 }
 
-TEST(AnsiText, RoomForTheTerminatorAloneTakesNothing) {
+TEST(AnsiText, BufferOfOneUnitHoldsOnlyTheTerminator) {
     EXPECT_EQ("", Narrow(u"text", 1));
     EXPECT_EQ(u"", Widened("text", 1));
 }
 
-TEST(WideText, BoundedCopyEndsWhereTheTextOrTheRoomDoes) {
+TEST(WideText, BoundedCopyEndsWithTheTextOrTheBuffer) {
     WCHAR room[6];
     for (WCHAR& unit : room) unit = TEXT('!');
     CopyBounded(room, TEXT("goodbye"), 5);

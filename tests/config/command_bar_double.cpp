@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The command bar's calls, written down.
+// Records the calls of the command bar.
 #include "tests/config/command_bar_double.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A command bar that writes down what it is given.
+// A double of the command bar that records its buttons, bitmaps and tips.
 #ifndef QUILL_TESTS_CONFIG_COMMAND_BAR_DOUBLE_H
 #define QUILL_TESTS_CONFIG_COMMAND_BAR_DOUBLE_H
 
@@ -9,16 +9,16 @@
 #include "windows_ce.h"
 
 struct BarButton {
-    int bitmap;  // the resource
+    int bitmap;  // the number of the resource
     int command;
     std::string tip;
 };
 
 struct CommandBarDouble {
     std::vector<BarButton> buttons;
-    std::vector<int> bitmaps;  // in the order of their adding
+    std::vector<int> bitmaps;  // in the order in which they were added
     LPWSTR* tips = nullptr;
-    size_t room = 1000;  // buttons that it takes
+    size_t room = 1000;  // the count of buttons that it accepts
 };
 
 extern CommandBarDouble command_bar;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The import of the configuration file: every kind of line, and the fate of the file.
+// The import of the configuration file: every kind of line, and when the file is deleted.
 #include "settings/settings.h"
 
 #include <sys/stat.h>
@@ -144,7 +144,7 @@ TEST_F(ConfigFile, NumbersBeyond32BitsStopAtTheBounds) {
     ExpectNumber("c", 0x80000000);
 }
 
-TEST_F(ConfigFile, WhatIsNoNumberIs0) {
+TEST_F(ConfigFile, TextThatIsNoNumberIs0) {
     Import("a = vt100\nb = -\nc = 0x\nd = 'x'\n");
     for (const char* name : {"a", "b", "c", "d"}) ExpectNumber(name, 0);
 }
@@ -182,7 +182,7 @@ TEST_F(ConfigFile, AStringMayHoldEqualsSignsAndNumberSigns) {
     ExpectText("resp1", u"# a = b");
 }
 
-TEST_F(ConfigFile, EscapeTextIsTakenAsItStands) {
+TEST_F(ConfigFile, EscapeTextIsTakenUnchanged) {
     Import("key0 = \"\\033[A\"\n");
     ExpectText("key0", u"\\033[A");
 }
@@ -245,7 +245,7 @@ TEST_F(ConfigFile, LinesMayEndInCarriageReturns) {
     EXPECT_EQ(3u, StoredValues().size());
 }
 
-TEST_F(ConfigFile, CarriageReturnsAloneEndNoLine) {
+TEST_F(ConfigFile, CarriageReturnsWithoutLineFeedsEndNoLine) {
     Import("port = 24\rfsize = 9\r");
     EXPECT_EQ(std::vector<std::string>{"port"}, StoredNames());
 }
@@ -274,7 +274,7 @@ TEST_F(ConfigFile, ALongCommentEndsAfter79Characters) {
     EXPECT_EQ(1u, StoredValues().size());
 }
 
-TEST_F(ConfigFile, ATokenCutAtTheEndOfAPieceGoesOnAsANewLine) {
+TEST_F(ConfigFile, ATokenCutAtTheEndOfAPieceContinuesAsANewLine) {
     std::string line = "port =";
     line.resize(78, ' ');
     Import(line + "24 = 7\n");
@@ -294,13 +294,13 @@ TEST_F(ConfigFile, ANulByteEndsItsLine) {
     EXPECT_EQ(2u, StoredValues().size());
 }
 
-TEST_F(ConfigFile, ALineOfAMegabyteIsPassedOver) {
+TEST_F(ConfigFile, ALineOfAMegabyteIsSkipped) {
     ExpectNothingWritten(std::string(1 << 20, 'x') + "\n");
     Import(std::string((1 << 20) / 79 * 79, 'x') + "port = 24\n");
     ExpectNumber("port", 24);
 }
 
-TEST_F(ConfigFile, AMegabyteOfQuotesIsPassedOver) {
+TEST_F(ConfigFile, AMegabyteOfQuotesIsSkipped) {
     ExpectNothingWritten("host = " + std::string(1 << 20, '"') + "\n");
 }
 

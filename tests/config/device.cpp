@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The device of a test, and what it stores.
+// Creates the device of a test and writes values and files to it.
 #include "tests/config/device.h"
 
 #include <sys/stat.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A device of each test's own: an empty root folder with an empty registry. Its registry file is
-// read back with SQLite itself, without the registry's calls.
+// A new device for each test: an empty root folder with an empty registry. The tests read its
+// registry file with SQLite, not with the registry's calls.
 #ifndef QUILL_TESTS_CONFIG_DEVICE_H
 #define QUILL_TESTS_CONFIG_DEVICE_H
 
@@ -28,11 +28,11 @@ struct RegistryValue {
 
 // The values under the settings key in the order in which they were first written.
 std::vector<RegistryValue> StoredValues();
-// Type 0 and no data if there is none of the name.
+// The value of that name; type 0 and no data if there is none.
 RegistryValue Stored(const std::string& name);
 std::vector<std::string> StoredNames();
 
-// The names of all values that a save of everything leaves, in the order of writing.
+// The names of all values after a save of everything, in the order of writing.
 std::vector<std::string> AllValueNames();
 std::vector<std::string> NumberedNames(const std::string& prefix, int count);
 
@@ -41,15 +41,15 @@ void StoreNumber(const std::string& name, DWORD value);
 void StoreText(const std::string& name, const std::u16string& text);
 
 std::u16string Wide(const std::string& latin);
-std::string NumberBytes(DWORD value);                     // as a REG_DWORD holds it
+std::string NumberBytes(DWORD value);                     // as in a REG_DWORD
 std::string TextBytes(const std::u16string& text);        // without a terminator
-std::string TerminatedBytes(const std::u16string& text);  // as a REG_SZ holds it
+std::string TerminatedBytes(const std::u16string& text);  // as in a REG_SZ
 
 void WriteDeviceFile(const std::string& name, const std::string& content);
 bool DeviceFileExists(const std::string& name);
 
-// From here to its end nobody may write in the root, nor read files without rights. Also for root,
-// who goes on as somebody else.
+// While it exists, the process cannot write in the device's root or read files without permission.
+// A process of the root user continues as another user.
 class WithoutRights {
   public:
     WithoutRights();

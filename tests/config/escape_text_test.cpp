@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Escape text: each rule, and the bounds of the output.
+// Escape text: each rule, and the limits of the output.
 #include "text/text.h"
 
 #include <gtest/gtest.h>
@@ -95,7 +95,7 @@ TEST(EscapeText, EveryByteCanBeWritten) {
     }
 }
 
-TEST(EscapeText, WhatDoesNotFitIsDropped) {
+TEST(EscapeText, BytesThatDoNotFitAreDropped) {
     BYTE bytes[4] = {0xEE, 0xEE, 0xEE, 0xEE};
     EXPECT_EQ(3, ExpandEscapeText("ab\\103d\\", bytes, 3));
     EXPECT_EQ('C', bytes[2]);

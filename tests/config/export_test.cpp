@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The export of the settings as a configuration file: what it holds reads back as the same.
+// The export of the settings as a configuration file: its import gives the same settings.
 #include "platform/qt/services/export_settings.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ bool HasLine(const SettingsExport& settings, const std::string& line) {
     return settings.file.find('\n' + line + '\n') != std::string::npos;
 }
 
-// The values in the order of their names, as a device has them that knows nothing but the file.
+// The values sorted by name, because an import may write them in another order.
 std::vector<RegistryValue> Sorted() {
     std::vector<RegistryValue> values = StoredValues();
     std::sort(values.begin(), values.end(),
@@ -42,7 +42,7 @@ void ReadOnAFreshDevice(const SettingsExport& settings) {
     SaveSettings();
 }
 
-// Letters of the code page, without the double quote and the ends of lines and files.
+// Text of the code page, without double quotes, line ends and end-of-file characters.
 std::u16string RandomText(std::mt19937* random) {
     const std::u16string special = u" \t#=\\'\u20AC\u017D\u00FF\u00A0~";
     std::u16string text;
@@ -73,7 +73,7 @@ TEST_F(Export, EverySettingOfRandomValuesReadsBackTheSame) {
         SaveSettings();
         StoreRandomValues(&random);
         LoadSettings();
-        SaveSettings();  // as a run leaves them
+        SaveSettings();  // as after a run of the program
         const std::vector<RegistryValue> before = Sorted();
         ASSERT_EQ(AllValueNames().size(), before.size());
         const SettingsExport settings = Exported();
@@ -106,7 +106,7 @@ TEST_F(Export, NumbersAreDecimalAndWhole) {
     EXPECT_TRUE(HasLine(Exported(), "port = 4294967295"));
 }
 
-TEST_F(Export, TextsStandInQuotes) {
+TEST_F(Export, TextsAreQuoted) {
     StoreText("host", u" a  b ");
     EXPECT_TRUE(HasLine(Exported(), "host = \" a  b \""));
 }
@@ -136,7 +136,7 @@ TEST_F(Export, EmptyPasswordsAreNotNamed) {
     EXPECT_EQ(std::vector<std::string>(), Exported(false).left_out);
 }
 
-TEST_F(Export, WhatALineCannotHoldIsTold) {
+TEST_F(Export, ValuesThatALineCannotHoldAreReported) {
     StoreText("termtype", u"a\"b");
     StoreText("host", u"a\nb");
     StoreText("ras", u"\u03A9");
@@ -159,7 +159,7 @@ TEST_F(Export, NoLineIsLongerThanTheProgramReads) {
     EXPECT_EQ(1u, settings.unsaid.size());
 }
 
-TEST_F(Export, EmptyTextsThatAreEmptyAtFirstAreNoLoss) {
+TEST_F(Export, EmptyTextsWithAnEmptyDefaultAreNotReported) {
     for (const TextSetting& row : text_settings)
         EXPECT_EQ(row.fallback[0] == 0, IsEmptyAtFirst(row.name)) << row.name;
     for (int i = 0; i < 66; i++)
@@ -168,7 +168,7 @@ TEST_F(Export, EmptyTextsThatAreEmptyAtFirstAreNoLoss) {
     EXPECT_EQ(std::vector<std::string>(), Exported().unsaid);
 }
 
-TEST_F(Export, ADeviceWithoutSettingsHasNone) {
+TEST_F(Export, ADeviceWithoutSettingsExportsNothing) {
     SettingsExport result;
     EXPECT_FALSE(ExportSettings(DeviceRoot(), true, &result));
     EXPECT_FALSE(DeviceFileExists("registry.db"));

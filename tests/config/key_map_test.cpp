@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The key table: its rows, and their way into the registry and back.
+// The key table: its rows, and how they are saved to the registry and loaded from it.
 #include "settings/key_map.h"
 
 #include "settings/settings.h"
@@ -124,8 +124,8 @@ TEST_F(KeyMap, AValueOf39CharactersIsReadWhole) {
     EXPECT_EQ(std::string(39, 'x'), key_map[7].text);
 }
 
-// Strings of more than 80 bytes cannot be read at all, so the default comes before the bound.
-TEST_F(KeyMap, AValueOfMoreThan255CharactersIsTheDefaultAndLoadingGoesOn) {
+// Strings of more than 80 bytes cannot be read, so the default applies before the limit of 255.
+TEST_F(KeyMap, AValueOfMoreThan255CharactersIsTheDefaultAndLoadingContinues) {
     StoreText("key7", std::u16string(256, u'x'));
     StoreText("key8", std::u16string(40, u'x'));
     StoreText("key9", u"after");

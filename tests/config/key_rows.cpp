@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The key table as it is known from outside.
+// The expected key table, written independently of the product.
 #include "tests/config/key_rows.h"
 
 // clang-format off

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The key table as it is known from outside: name, default escape text, and the bytes sent, in
-// hexadecimal.
+// The expected key table, written independently of the product: name, default escape text, and the
+// bytes sent, in hexadecimal.
 #ifndef QUILL_TESTS_CONFIG_KEY_ROWS_H
 #define QUILL_TESTS_CONFIG_KEY_ROWS_H
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The linker leads the registry's calls of the whole program through here.
+// The linker redirects the program's calls of the registry to these functions (--wrap).
 #include "tests/config/registry_log.h"
 
 #include "windows_ce.h"

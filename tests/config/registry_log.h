@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The registry's calls in their order, written down on their way to the registry.
+// Records the calls of the registry in order and passes them on.
 #ifndef QUILL_TESTS_CONFIG_REGISTRY_LOG_H
 #define QUILL_TESTS_CONFIG_REGISTRY_LOG_H
 

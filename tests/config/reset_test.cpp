@@ -15,7 +15,7 @@ class SettingsReset : public DeviceTest {};
 
 }  // namespace
 
-TEST_F(SettingsReset, NoValueIsLeft) {
+TEST_F(SettingsReset, EveryValueIsGone) {
     LoadSettings();
     SaveSettings();
     ASSERT_EQ(24u + 15u + 27u + 66u, StoredValues().size());
@@ -59,7 +59,7 @@ TEST_F(SettingsReset, TheNextLoadFindsTheDefaults) {
     EXPECT_STREQ("\\033[C", key_map[65].text);
 }
 
-TEST_F(SettingsReset, TheRecordAndTheFlagStayAsTheyAre) {
+TEST_F(SettingsReset, TheRecordAndTheFlagDoNotChange) {
     LoadSettings();
     session.settings.fsize = 13;
     SaveSettings();
@@ -75,7 +75,7 @@ TEST_F(SettingsReset, ValuesOfOtherNamesStay) {
     EXPECT_EQ((std::vector<std::string>{"key66", "tbar27", "key00", "mine"}), StoredNames());
 }
 
-TEST_F(SettingsReset, MissingValuesDoNotEndIt) {
+TEST_F(SettingsReset, MissingValuesDoNotStopIt) {
     StoreNumber("ssh_type2", 0);
     StoreText("ras", u"isp");
     StoreNumber("tbar26", 0);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Where one run connects to, beside the stored host: what the program finds and what the store
-// keeps.
+// A host that applies to one run only, instead of the stored one: which values the program uses,
+// and which values the store keeps.
 #include "platform/qt/services/run_values.h"
 
 #include "session/session_state.h"
@@ -78,14 +78,14 @@ TEST_F(RunValues, AFreshDeviceConnectsToTheHostByTelnet) {
     EXPECT_EQ(NumberBytes(8), Stored("fsize").data);
 }
 
-TEST_F(RunValues, TheStoredProtocolHoldsForABareHost) {
+TEST_F(RunValues, TheStoredProtocolIsUsedForABareHost) {
     StoreLogin();
     Load({"other.example", 0, RunProtocol::kOfTheStore, ""});
     EXPECT_EQ(1u, s.ssh);
     EXPECT_EQ(22u, s.port);
 }
 
-TEST_F(RunValues, AnAddressSaysItsProtocolAndPort) {
+TEST_F(RunValues, AnAddressGivesItsProtocolAndPort) {
     StoreLogin();
     Load({"other.example", 2323, RunProtocol::kTelnet, ""});
     EXPECT_EQ(0u, s.ssh);
@@ -97,7 +97,7 @@ TEST_F(RunValues, AnAddressSaysItsProtocolAndPort) {
     EXPECT_EQ(u"bert", Text(s.ssh_u));
 }
 
-TEST_F(RunValues, AnotherHostFindsNoPassword) {
+TEST_F(RunValues, AnotherHostGetsNoPassword) {
     StoreLogin();
     Load({"other.example", 0, RunProtocol::kOfTheStore, ""});
     ExpectNoPasswords();
@@ -105,7 +105,7 @@ TEST_F(RunValues, AnotherHostFindsNoPassword) {
     ExpectStoredLogin();
 }
 
-TEST_F(RunValues, AnotherPortProtocolOrUserFindsNoPassword) {
+TEST_F(RunValues, AnotherPortProtocolOrUserGetsNoPassword) {
     StoreLogin();
     Load({"stores.example", 2222, RunProtocol::kSsh, ""});
     ExpectNoPasswords();
@@ -117,7 +117,7 @@ TEST_F(RunValues, AnotherPortProtocolOrUserFindsNoPassword) {
     ExpectStoredLogin();
 }
 
-TEST_F(RunValues, TheStoredHostFindsItsPasswords) {
+TEST_F(RunValues, TheStoredHostGetsItsPasswords) {
     StoreLogin();
     Load({"Stores.Example", 0, RunProtocol::kSsh, ""});
     ExpectPasswords();
@@ -135,7 +135,7 @@ TEST_F(RunValues, ANewPasswordOfTheStoredHostIsStored) {
     EXPECT_EQ(TerminatedBytes(u"changed"), Stored("ssh_p").data);
 }
 
-TEST_F(RunValues, WhatIsTypedForAnotherHostIsOfThisRun) {
+TEST_F(RunValues, ValuesTypedForAnotherHostLastForThisRun) {
     StoreLogin();
     Load({"other.example", 0, RunProtocol::kSsh, ""});
     lstrcpyW(session.settings.host, u"third.example");

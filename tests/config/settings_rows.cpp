@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The tables that the settings store is held against.
+// The expected settings; tests compare the settings store with these tables.
 #include "tests/config/settings_rows.h"
 
 #include "session/session_state.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// All settings as they are known from outside: value name, default, field.
+// All expected settings, written independently of the product: value name, default, field.
 #ifndef QUILL_TESTS_CONFIG_SETTINGS_ROWS_H
 #define QUILL_TESTS_CONFIG_SETTINGS_ROWS_H
 

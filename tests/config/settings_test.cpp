@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Loading and saving of the settings: every row, the types, what damaged values come to.
+// Loading and saving of the settings: every row, the types, and what damaged values give.
 #include "settings/settings.h"
 
 #include <cstring>
@@ -119,7 +119,7 @@ TEST_F(SettingsStore, EveryStringIsSavedWithItsTerminator) {
     }
 }
 
-TEST_F(SettingsStore, AnEmptyStringIsSavedAsItsTerminatorAlone) {
+TEST_F(SettingsStore, AnEmptyStringIsSavedAsOnlyItsTerminator) {
     WriteString(TEXT("sear1"), TEXT(""));
     EXPECT_EQ(std::string(2, '\0'), Stored("sear1").data);
     LoadSettings();
@@ -201,7 +201,7 @@ TEST_F(SettingsStore, AStringOfMoreThan80BytesIsTheDefault) {
     EXPECT_EQ(u"ogin", std::u16string(session.settings.sear1));
 }
 
-TEST_F(SettingsStore, EightyBytesWithoutTerminatorComeOutTerminated) {
+TEST_F(SettingsStore, EightyBytesWithoutTerminatorAreTerminated) {
     Store("termtype", REG_SZ, TextBytes(std::u16string(40, u'a')));
     EXPECT_EQ(std::u16string(39, u'a'), LoadedText("termtype"));
     LoadSettings();
@@ -245,7 +245,7 @@ TEST_F(SettingsStore, ANumberOfMoreThanFourBytesIsTheDefault) {
     EXPECT_EQ(23u, session.settings.port);
 }
 
-TEST_F(SettingsStore, NumbersOutOfRangeAreLoadedAsTheyAre) {
+TEST_F(SettingsStore, NumbersOutOfRangeAreLoadedUnchanged) {
     for (const DWORD value : {0u, 3u, 26u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
         for (const NumberSetting& row : number_settings) StoreNumber(row.name, value);
         for (const std::string& name : NumberedNames("tbar", 27)) StoreNumber(name, value);

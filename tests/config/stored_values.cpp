@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The values of the registry's file, read with SQLite itself.
+// Reads the values of the registry's file with SQLite.
 #include <sqlite3.h>
 
 #include "platform/qt/services/services.h"

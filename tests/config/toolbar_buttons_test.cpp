@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which buttons a bar gets, and what each carries.
+// Which buttons a bar gets, and the bitmap, command and tip of each.
 #include "ui/main_window.h"
 
 #include <bit>
@@ -87,7 +87,7 @@ TEST_F(ToolbarButtons, EachButtonHasItsRowsBitmapAndItsPositionsCommand) {
     }
 }
 
-TEST_F(ToolbarButtons, RowsBeyondTheMostAreDropped) {
+TEST_F(ToolbarButtons, RowsBeyondTheMaximumAreDropped) {
     StoreAll(7);
     LoadToolbars();
     for (const int most : {0, 1, 11, 26, 27, 28, INT32_MAX}) {
@@ -127,7 +127,7 @@ TEST_F(ToolbarButtons, ABarOfOneButtonHasItsTip) {
     EXPECT_EQ(Names{"swap toolbar"}, Tips());
 }
 
-TEST_F(ToolbarButtons, ABarThatIsNotThereShowsNoButtons) {
+TEST_F(ToolbarButtons, AnUnknownBarShowsNoButtons) {
     LoadToolbars();
     for (const int bar : {0, 4, -1, INT32_MAX, INT32_MIN}) EXPECT_EQ(0, Build(bar)) << bar;
 }
@@ -148,14 +148,14 @@ TEST_F(ToolbarButtons, WhileConnectedTheConnectButtonReadsDisconnect) {
     EXPECT_EQ(1540, command_bar.buttons[1].bitmap);
 }
 
-TEST_F(ToolbarButtons, WhatTheRegistryHoldsBesideThreeBitsIsNotShown) {
+TEST_F(ToolbarButtons, OnlyTheThreeLowBitsOfARegistryValueCount) {
     StoreAll(0xFFFFFFF8);
     StoreNumber("tbar3", 0xFFFFFFFF);
     Store("tbar4", REG_SZ, TextBytes(u"77"));  // '7' is 0x37
-    // One byte, where that is the lowest.
+    // One byte if that is the lowest byte, else all four.
     const size_t given = std::endian::native == std::endian::little ? 1 : 4;
     Store("tbar5", REG_SZ, NumberBytes(6).substr(0, given));
-    Store("tbar6", REG_DWORD, "");  // none
+    Store("tbar6", REG_DWORD, "");  // no data
     LoadToolbars();
     Build(1);
     EXPECT_EQ((Names{"paste", "larger font", "smaller font"}), Tips());
@@ -163,7 +163,7 @@ TEST_F(ToolbarButtons, WhatTheRegistryHoldsBesideThreeBitsIsNotShown) {
     EXPECT_EQ((Names{"paste", "larger font"}), Tips());
 }
 
-TEST_F(ToolbarButtons, ABarThatTakesNoMoreEndsThere) {
+TEST_F(ToolbarButtons, ABarThatRefusesAButtonGetsNoMore) {
     LoadToolbars();
     command_bar = {};
     command_bar.room = 3;

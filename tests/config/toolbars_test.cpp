@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The toolbars: the table, its way into the registry and back, and the action of a position.
+// The toolbars: the table, how it is saved and loaded, and the action of each position.
 #include "settings/toolbars.h"
 
 #include <algorithm>
@@ -73,7 +73,7 @@ std::vector<int> ActionsOnBar(int bar) {
     return actions;
 }
 
-// What the rows say that a bar shows at first.
+// The rows that a bar shows by default.
 std::vector<int> DefaultActions(int bar, bool narrow) {
     std::vector<int> actions;
     for (const ToolbarRow& row : kRows)
@@ -215,7 +215,7 @@ TEST_F(Toolbars, APositionPastTheLastButtonHasNoAction) {
         EXPECT_EQ(0, ToolbarAction(position, 1)) << position;
 }
 
-TEST_F(Toolbars, ABarThatIsNotThereHasNoAction) {
+TEST_F(Toolbars, AnUnknownBarHasNoAction) {
     LoadToolbars();
     for (const int bar : {0, 4, -1, INT32_MAX, INT32_MIN})
         EXPECT_EQ(0, ToolbarAction(0, bar)) << bar;
@@ -229,7 +229,7 @@ TEST_F(Toolbars, ABarWithEveryFlagOffHasNoButtons) {
     EXPECT_EQ(27u, ActionsOnBar(3).size());
 }
 
-TEST_F(Toolbars, ARowOnNoBarIsNeverThere) {
+TEST_F(Toolbars, ARowOnNoBarHasNoButton) {
     StoreNumber("tbar6", 0);
     LoadToolbars();
     for (int bar = 1; bar <= 3; bar++) {

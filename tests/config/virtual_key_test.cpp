@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Which row a virtual key comes to: every code with every modifier, against rules written anew.
+// Which row a virtual key selects: every code with every modifier, compared with separate rules.
 #include "settings/key_map.h"
 #include "tests/config/device.h"
 #include "tests/config/window_doubles.h"
 
 namespace {
 
-// Every row is given its own number as text, so that the row shows in what is sent.
+// Every row has its number as text, so that the sent bytes show the row.
 class VirtualKeys : public DeviceTest {
   protected:
     void SetUp() override {
@@ -49,7 +49,7 @@ void ExpectAllKeys(bool shift, bool control) {
         EXPECT_EQ(ExpectedRow(vk, shift, control), SentRow(vk)) << vk;
 }
 
-// Each way in which one modifier can be down.
+// Each state in which a modifier counts as down.
 const SHORT kStates[] = {kKeyDown, kKeyToggled, static_cast<SHORT>(kKeyDown | kKeyToggled)};
 constexpr int kShiftKeys[] = {160, 161};
 constexpr int kControlKeys[] = {162, 163};
@@ -99,7 +99,7 @@ TEST_F(VirtualKeys, AToggledModifierCountsAsDown) {
     EXPECT_EQ(57, SentRow('5'));
 }
 
-TEST_F(VirtualKeys, TheGenericModifierCodesAreNotAsked) {
+TEST_F(VirtualKeys, TheGenericModifierCodesAreNotQueried) {
     key_states = {{VK_SHIFT, kKeyDown}, {VK_CONTROL, kKeyDown}, {VK_MENU, kKeyDown}};
     ExpectAllKeys(false, false);
 }
@@ -150,7 +150,7 @@ TEST_F(DefaultKeys, TheTableTakesEveryKeyThatItNamesButBackspaceWithItsDefault) 
     EXPECT_FALSE(TableTakesKey('9' + 1));
 }
 
-TEST_F(DefaultKeys, BackspaceWithAnyOtherRowIsTakenWhateverTheRowHolds) {
+TEST_F(DefaultKeys, BackspaceWithAnyOtherTextInItsRowIsTaken) {
     for (const char16_t* text : {u"", u"\\177", u"\\0", u"\\08", u"\\0080", u"\\000"}) {
         SetKeyText(&key_map[39], text);
         EXPECT_TRUE(TableTakesKey(VK_BACK));

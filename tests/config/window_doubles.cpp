@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Recording doubles of the windows' calls.
+// Recording doubles of MessageBoxW and GetKeyState.
 #include "tests/config/window_doubles.h"
 
 #include "tests/config/device.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The two calls of the windows that these tests need: message boxes are written down, and keys are
-// in the state that a test gives them.
+// Doubles of the two window calls that these tests need: message boxes are recorded, and the test
+// sets the state of keys.
 #ifndef QUILL_TESTS_CONFIG_WINDOW_DOUBLES_H
 #define QUILL_TESTS_CONFIG_WINDOW_DOUBLES_H
 
@@ -15,11 +15,11 @@ struct ShownMessage {
     std::u16string text;
     std::u16string caption;
     UINT type;
-    bool file_present;  // the configuration file still was there
+    bool file_present;  // the configuration file still existed
 };
 
 extern std::vector<ShownMessage> shown_messages;
-extern std::map<int, SHORT> key_states;  // by virtual key; 0 where missing
+extern std::map<int, SHORT> key_states;  // by virtual key; 0 if missing
 
 inline constexpr SHORT kKeyDown = static_cast<SHORT>(0x8000);
 inline constexpr SHORT kKeyToggled = 1;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The values of the registry's file, where there is no SQLite.
+// Reads the values of the registry's file on a processor without SQLite.
 #include "flat_registry.h"
 #include "platform/qt/services/services.h"
 #include "tests/config/device.h"

@@ -21,7 +21,7 @@ const std::vector<ScriptSection>& Sections() {
     return sections;
 }
 
-// As after an hour's work: the ring has turned and all attributes were on. Then all is erased.
+// Runs the section on a used terminal: the ring has turned, all attributes were on, all is erased.
 ScriptSection InUse(ScriptSection section) {
     const int line = section.line;
     section.lines.insert(section.lines.begin(),

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What ends or blocks a session on the host's side, as docs/hosts.md has it.
+// What ends or blocks a session on the host's side, as docs/hosts.md says.
 #include <gtest/gtest.h>
 #include <QThread>
 
@@ -34,7 +34,7 @@ TEST(Endings, ServerOfTheBoxLeavesAnIdleSessionAlone) {
     });
 }
 
-// bash's own limit, which counts at its prompt only.
+// The time limit of bash, which counts only at its prompt.
 TEST(Endings, ShellWithATimeLimitEndsASessionAtThePrompt) {
     const Host host = SshHost();
     HostMachine machine(host);
@@ -89,7 +89,7 @@ TEST(Endings, SignOnWithTooManyWrongPasswordsIsClosed) {
     });
 }
 
-// Those of the server that is tried here.
+// The limits of the server that these tests use.
 TEST(Endings, LimitsOfTheServerAreThoseOfThePage) {
     Host host = SshHost();
     host.steps += "/usr/sbin/sshd -T -f /etc/ssh/sshd_quill >/var/log/settings\n";
@@ -102,7 +102,7 @@ TEST(Endings, LimitsOfTheServerAreThoseOfThePage) {
     }
 }
 
-TEST(Endings, NobodyWhoListensIsSaidAtOnce) {
+TEST(Endings, MissingListenerIsReportedAtOnce) {
     const int port = FreePort();
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", port);
@@ -113,8 +113,8 @@ TEST(Endings, NobodyWhoListensIsSaidAtOnce) {
 
 // ---------------------------------------------------------------- nothing in common
 
-// Each row of the page's table: the log has its words, and the line that it names is the cure.
-TEST(Endings, LogOfTheServerSaysWhatIsMissing) {
+// For each row of the page's table: the log has its words, and the row's line repairs the server.
+TEST(Endings, LogOfTheServerShowsWhatIsMissing) {
     const auto rows = HostsPage().tables.find("An SSH server");
     ASSERT_NE(rows, HostsPage().tables.end());
     ASSERT_EQ(rows->second.size(), 4u);
@@ -190,7 +190,7 @@ TEST(Endings, ServerWhoseFirstPacketComesWithItsGreetingStaysOnline) {
     });
 }
 
-TEST(Endings, HostThatSaysNothingLeavesARequest) {
+TEST(Endings, SilentHostLeavesARequestPending) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);
@@ -204,7 +204,7 @@ TEST(Endings, HostThatSaysNothingLeavesARequest) {
     });
 }
 
-TEST(Endings, StoppedLineGoesOnWithCtrlQ) {
+TEST(Endings, StoppedOutputContinuesWithCtrlQ) {
     const Host host = SshHost();
     HostMachine machine(host);
     START_OR_SKIP(machine);

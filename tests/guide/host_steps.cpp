@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The servers of the handbook.
+// The steps that set up the servers of docs/hosts.md.
 #include "tests/guide/host_steps.h"
 
 #include <gtest/gtest.h>
@@ -9,12 +9,12 @@
 
 namespace {
 
-// As systemd starts it, in the background.
+// Starts it in the background, like systemd.
 std::string RunService(const std::string& recipe) {
     return recipe + UnitValue(recipe, "ExecStart") + " &\n";
 }
 
-// Until somebody listens there.
+// Waits until a server listens on the port.
 std::string AwaitPort(int port) {
     char line[80];
     snprintf(line, sizeof line, "until grep -q ':%04X 00000000:0000 0A' /proc/net/tcp",
@@ -22,7 +22,7 @@ std::string AwaitPort(int port) {
     return line + std::string("; do sleep 0.05; done\n");
 }
 
-// As its user would paste it.
+// Pastes the entry as its user would.
 std::string InstallEntry() {
     return "cat >/mnt/entry <<'ENTRY'\n" + Recipe("entry") +
            "ENTRY\nsu visitor -c 'cd; HOME=/mnt/home/visitor sh -e /mnt/entry'\n";

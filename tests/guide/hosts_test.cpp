@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The recipes of docs/hosts.md, run: servers of today set up by its boxes, sessions opened with its
-// lines of mconfig.cfg, its boxes pasted at the host's prompt.
+// Runs the recipes of docs/hosts.md: they set up current servers, their lines of mconfig.cfg open
+// sessions, and their commands are pasted at the host's prompt.
 #include <gtest/gtest.h>
 #include <filesystem>
 #include <fstream>
@@ -15,7 +15,7 @@
 
 namespace {
 
-// Each box is run by a test: its name is in a call of Recipe somewhere among them.
+// A test runs each recipe: its name is in a call of Recipe in one of these files.
 TEST(HostsPage, EveryRecipeIsRun) {
     std::string sources;
     for (const auto& entry : std::filesystem::directory_iterator(QUILL_GUIDE)) {
@@ -92,7 +92,7 @@ TEST(HostsPage, EntryIsPastedAndCompiledByAUserWithoutRoot) {
     });
 }
 
-// The page has the entry without its remarks, and blanks for tabs, which a shell completes.
+// The page has the entry without its comments, and with blanks for tabs, which a shell completes.
 TEST(HostsPage, EntryOfThePageIsTheProjects) {
     std::ifstream file(QUILL_RESOURCES "/quill.ti");
     if (!file.is_open()) GTEST_SKIP() << "there is no resources/quill.ti";
@@ -192,7 +192,7 @@ TEST(HostsPage, TerminalTypeOfTheLineIsTheOneOfTheDialog) {
     });
 }
 
-// Each row of the page's table: a greeting with the words in it is not answered, the prompts are.
+// For each row of the page's table: the prompts are answered, a greeting with the words is not.
 TEST(HostsPage, PromptsOfTheTableAreAnswered) {
     const auto rows = HostsPage().tables.find("Automatic login");
     ASSERT_NE(rows, HostsPage().tables.end());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Letters in UTF-8 that are controls to the terminal: the table of docs/hosts.md.
+// UTF-8 letters whose bytes are control codes of the terminal: the table of docs/hosts.md.
 #include <gtest/gtest.h>
 
 #include "terminal/sequences.h"

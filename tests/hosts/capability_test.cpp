@@ -67,7 +67,7 @@ TEST(Entry, EveryKeyOfTheTableThatCursesKnowsIsInIt) {
 }
 
 // The entry for lines of seven bits differs in the keys that begin with an 8-bit introducer.
-TEST(Entry, Quill7DiffersInTheEightBitKeysAlone) {
+TEST(Entry, Quill7DiffersOnlyInTheEightBitKeys) {
     TerminfoEntry seven;
     ASSERT_TRUE(ReadEntry("quill-7", &seven));
     std::string changed;
@@ -82,7 +82,7 @@ TEST(Entry, Quill7DiffersInTheEightBitKeysAlone) {
     }
 }
 
-TEST(Entry, InitialisingPutsAllModesRightAndLeavesTheScreen) {
+TEST(Entry, InitialisingResetsAllModesAndKeepsTheScreen) {
     EXPECT_EQ("", LeftByInitialising(quill));
 }
 

@@ -51,7 +51,7 @@ class Names : public testing::TestWithParam<NameRow> {
     TerminfoEntry entry;
 };
 
-TEST_P(Names, PromiseNothingThatEndsInAWrongScreen) {
+TEST_P(Names, PromiseNothingThatGivesAWrongScreen) {
     EXPECT_EQ(std::vector<std::string>(), Broken(Loss::kScreen));
     EXPECT_EQ("0", GetParam().cells[1]);
 }

@@ -146,7 +146,7 @@ TEST(WrongScreen, LinesAreLettersWhereMcDrawsThemInUtf8) {
     EXPECT_TRUE(ScreenHas("10Quit"));
 }
 
-TEST(WrongScreen, BackspaceIsWhatTheHostIsToldAndWhatTheKeySends) {
+TEST(WrongScreen, BackspaceMustMatchBetweenHostAndKey) {
     for (const char* erase : {"^H", "^?"}) {
         KeyProgram shell("quill", "C",
                          {"sh", "-c", "stty erase '" + std::string(erase) + "'; echo ready; cat"});

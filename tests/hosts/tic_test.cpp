@@ -142,7 +142,7 @@ TEST(Tic, WritesTheSameWithAndWithoutNamesOfLaterVersions) {
 // ---------------------------------------------------------------- forms that older systems take
 
 // A termcap entry has 1023 bytes at most.
-TEST(OlderForm, OfTermcapHasRoomForTheEntry) {
+TEST(OlderForm, OfTermcapFitsTheBuffer) {
     for (const std::string entry : kEntries) {
         const std::string termcap = OutputOf("infocmp -Cr " + entry + " | grep -v '^#'");
         EXPECT_LE(termcap.size(), 1023u);
@@ -181,10 +181,10 @@ static void ExpectProven(const std::string& command, const std::set<std::string>
 }
 
 // They know one line drawing set, all of the VT100's.
-TEST(OlderForm, OfEachSystemIsProven) {
+TEST(OlderForm, OfEachSystemPassesTheProof) {
     for (const char* form : {"SVr1", "Ultrix", "HP", "BSD"})
         ExpectProven(std::string("infocmp -R ") + form + " quill", {"acsc"});
 }
 
 // Its string that ends attributes leaves line drawing to another.
-TEST(OlderForm, OfTermcapIsProven) { ExpectProven("infocmp -Cr quill", {"acsc", "sgr0"}); }
+TEST(OlderForm, OfTermcapPassesTheProof) { ExpectProven("infocmp -Cr quill", {"acsc", "sgr0"}); }

@@ -200,10 +200,10 @@ static void ExpectEachFound(Change change) {
     printf("%d wrong strings\n", wrong);
 }
 
-TEST(Proof, FindsEachByteThatIsMissing) {
+TEST(Proof, FindsEachMissingByte) {
     ExpectEachFound([](std::string& text, size_t byte) { text.erase(byte, 1); });
 }
 
-TEST(Proof, FindsEachByteThatIsAnother) {
+TEST(Proof, FindsEachChangedByte) {
     ExpectEachFound([](std::string& text, size_t byte) { ++text[byte]; });
 }

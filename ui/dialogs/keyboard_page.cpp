@@ -8,51 +8,49 @@
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 
-namespace {
-
 constexpr int kEditUnits = 40;  // text limit of the Change dialog, terminator included
 constexpr int kMostDeletions = 20;
 constexpr INT_PTR kTaken = 0;
 constexpr INT_PTR kCancelled = -1;
 
 // The text that the Change dialog shows when it opens, and the edited text after OK.
-WCHAR g_edited[kLongestKeyText + 1];
+static WCHAR g_edited[kLongestKeyText + 1];
 
-LRESULT AddLine(HWND page, int list, const char* text) {
+static LRESULT AddLine(HWND page, int list, const char* text) {
     WCHAR line[kLongestKeyText + 1];
     WideFromAnsi(text ? text : "", line, kLongestKeyText + 1);
     return SendDlgItemMessageW(page, list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line));
 }
 
-KeyMapEntry* SelectedRow(HWND page) {
+static KeyMapEntry* SelectedRow(HWND page) {
     const LRESULT row = SendDlgItemMessageW(page, IDC_KEYS, LB_GETCURSEL, 0, 0);
     return row >= 0 && row < kKeyRows ? &key_map[row] : nullptr;
 }
 
-void ShowKeystroke(HWND page) {
-    for (int i = 0; i < kMostDeletions; i++)
+static void ShowKeystroke(HWND page) {
+    for (int i = 0; i < kMostDeletions; ++i)
         if (SendDlgItemMessageW(page, IDC_KEYSTROKE, LB_DELETESTRING, 0, 0) <= 0) break;
     if (const KeyMapEntry* row = SelectedRow(page)) AddLine(page, IDC_KEYSTROKE, row->text);
 }
 
-void OnOpenPage(HWND page) {
-    for (const KeyMapEntry* row = key_map; row->name; row++) AddLine(page, IDC_KEYS, row->name);
+static void OnOpenPage(HWND page) {
+    for (const KeyMapEntry* row = key_map; row->name; ++row) AddLine(page, IDC_KEYS, row->name);
     SendDlgItemMessageW(page, IDC_KEYS, LB_SETCURSEL, 0, 0);
     ShowKeystroke(page);
 }
 
-void OnOpenChange(HWND dialog) {
+static void OnOpenChange(HWND dialog) {
     SendDlgItemMessageW(dialog, IDC_KEY_TEXT, EM_LIMITTEXT, kEditUnits - 1, 0);
     SetDlgItemTextW(dialog, IDC_KEY_TEXT, g_edited);
     CentreDialog(dialog);
 }
 
-void OnChangeOk(HWND dialog) {
+static void OnChangeOk(HWND dialog) {
     GetDlgItemTextW(dialog, IDC_KEY_TEXT, g_edited, kEditUnits);
     EndDialog(dialog, kTaken);
 }
 
-void OnChangeCancel(HWND dialog) { EndDialog(dialog, kCancelled); }
+static void OnChangeCancel(HWND dialog) { EndDialog(dialog, kCancelled); }
 
 const DialogCommand kChangeCommands[] = {
     {IDOK, BN_CLICKED, OnChangeOk},
@@ -60,11 +58,11 @@ const DialogCommand kChangeCommands[] = {
     {0, 0, nullptr},
 };
 
-INT_PTR CALLBACK ChangeKeyDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+static INT_PTR CALLBACK ChangeKeyDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     return RunDialogMessage(dialog, message, wparam, OnOpenChange, kChangeCommands);
 }
 
-void ChangeKey(HWND page) {
+static void ChangeKey(HWND page) {
     KeyMapEntry* row = SelectedRow(page);
     if (!row) return;
     WideFromAnsi(row->text ? row->text : "", g_edited, kLongestKeyText + 1);
@@ -80,8 +78,6 @@ const DialogCommand kPageCommands[] = {
     {IDC_CHANGE, BN_CLICKED, ChangeKey},
     {0, 0, nullptr},
 };
-
-}  // namespace
 
 INT_PTR CALLBACK KeyboardPageProc(HWND page, UINT message, WPARAM wparam, LPARAM) {
     return RunDialogMessage(page, message, wparam, OnOpenPage, kPageCommands);

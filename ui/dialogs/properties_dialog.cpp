@@ -9,9 +9,7 @@
 
 // ---------------------------------------------------------------- the page "Other"
 
-namespace {
-
-Settings& s = session.settings;
+static Settings& s = session.settings;
 
 const TextRow kTexts[] = {
     {IDC_TERMTYPE, s.termtype, kSettingUnits},
@@ -29,15 +27,15 @@ const MarkRow kMarks[] = {
     {0, nullptr},
 };
 
-void OnOpen(HWND page) {
+static void OnOpen(HWND page) {
     ShowTexts(page, kTexts);
     ShowMarks(page, kMarks);
 }
 
 // The check boxes do not toggle by themselves. This toggles the check mark and the setting, each
 // from its own current value.
-bool TurnMark(HWND page, int id) {
-    for (const MarkRow* row = kMarks; row->id; row++) {
+static bool TurnMark(HWND page, int id) {
+    for (const MarkRow* row = kMarks; row->id; ++row) {
         if (row->id != id) continue;
         const bool marked = IsDlgButtonChecked(page, id) == BST_CHECKED;
         CheckDlgButton(page, id, marked ? BST_UNCHECKED : BST_CHECKED);
@@ -48,14 +46,12 @@ bool TurnMark(HWND page, int id) {
     return false;
 }
 
-bool OnNotify(HWND page, LPARAM lparam) {
+static bool OnNotify(HWND page, LPARAM lparam) {
     if (reinterpret_cast<const NMHDR*>(lparam)->code != PSN_KILLACTIVE) return false;
     TakeTexts(page, kTexts);
     SetWindowLongPtrW(page, DWLP_MSGRESULT, FALSE);  // the page may be left
     return true;
 }
-
-}  // namespace
 
 static INT_PTR CALLBACK OtherPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_INITDIALOG) return OnOpen(page), TRUE;
@@ -74,25 +70,25 @@ struct PageRow {
     DLGPROC procedure;
 };
 
+}  // namespace
+
 const PageRow kPages[] = {
     {IDD_OTHER_PAGE, OtherPageProc},
     {IDD_TOOLBAR_PAGE, ToolbarPageProc},
     {IDD_KEYBOARD_PAGE, KeyboardPageProc},
 };
-constexpr UINT kPageCount = static_cast<UINT>(sizeof kPages / sizeof kPages[0]);
-
-}  // namespace
+constexpr UINT kPageCount = static_cast<UINT>(sizeof(kPages) / sizeof(kPages[0]));
 
 void ShowPropertiesSheet() {
     PROPSHEETPAGEW pages[kPageCount] = {};
-    for (UINT i = 0; i < kPageCount; i++) {
-        pages[i].dwSize = sizeof pages[i];
+    for (UINT i = 0; i < kPageCount; ++i) {
+        pages[i].dwSize = sizeof(pages[i]);
         pages[i].hInstance = session.instance;
         pages[i].pszTemplate = MAKEINTRESOURCE(kPages[i].id);
         pages[i].pfnDlgProc = kPages[i].procedure;
     }
     PROPSHEETHEADERW sheet = {};
-    sheet.dwSize = sizeof sheet;
+    sheet.dwSize = sizeof(sheet);
     sheet.dwFlags = PSH_PROPSHEETPAGE | PSH_NOAPPLYNOW;
     sheet.hwndParent = session.main_window;
     sheet.hInstance = session.instance;

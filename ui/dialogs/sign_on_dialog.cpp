@@ -6,9 +6,7 @@
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 
-namespace {
-
-Settings& s = session.settings;
+static Settings& s = session.settings;
 
 const TextRow kTexts[] = {
     {IDC_SSH_U, s.ssh_u, kSettingUnits},
@@ -21,14 +19,14 @@ const MarkRow kMarks[] = {
     {0, nullptr},
 };
 
-void OnOpen(HWND dialog) {
-    if (!s.ssh_def) memset(s.ssh_p, 0, sizeof s.ssh_p);
+static void OnOpen(HWND dialog) {
+    if (!s.ssh_def) memset(s.ssh_p, 0, sizeof(s.ssh_p));
     ShowTexts(dialog, kTexts);
     ShowMarks(dialog, kMarks);
     CentreDialog(dialog);
 }
 
-void OnOk(HWND dialog) {
+static void OnOk(HWND dialog) {
     TakeMarks(dialog, kMarks);
     TakeTexts(dialog, kTexts);
     EndDialog(dialog, IDOK);
@@ -40,11 +38,9 @@ const DialogCommand kCommands[] = {
     {0, 0, nullptr},
 };
 
-INT_PTR CALLBACK SignOnDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+static INT_PTR CALLBACK SignOnDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     return RunDialogMessage(dialog, message, wparam, OnOpen, kCommands);
 }
-
-}  // namespace
 
 bool AskSignOn() {
     const bool shown = RunDialog(IDD_SIGN_ON, SignOnDialogProc) >= 0;
@@ -54,8 +50,6 @@ bool AskSignOn() {
 
 // ---------------------------------------------------------------- Auto Login
 
-namespace {
-
 const TextRow kAutoLoginTexts[] = {
     {IDC_SEAR1, s.sear1, kSettingUnits},
     {IDC_RESP1, s.resp1, kSettingUnits},
@@ -64,12 +58,12 @@ const TextRow kAutoLoginTexts[] = {
     {0, nullptr, 0},
 };
 
-void OpenAutoLogin(HWND dialog) {
+static void OpenAutoLogin(HWND dialog) {
     ShowTexts(dialog, kAutoLoginTexts);
     CentreDialog(dialog);
 }
 
-void TakeAutoLogin(HWND dialog) {
+static void TakeAutoLogin(HWND dialog) {
     TakeTexts(dialog, kAutoLoginTexts);
     EndDialog(dialog, IDOK);
 }
@@ -80,11 +74,9 @@ const DialogCommand kAutoLoginCommands[] = {
     {0, 0, nullptr},
 };
 
-INT_PTR CALLBACK AutoLoginDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+static INT_PTR CALLBACK AutoLoginDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     return RunDialogMessage(dialog, message, wparam, OpenAutoLogin, kAutoLoginCommands);
 }
-
-}  // namespace
 
 void ShowAutoLoginDialog() {
     RunDialog(IDD_AUTO_LOGIN, AutoLoginDialogProc);

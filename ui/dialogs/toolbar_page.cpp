@@ -7,16 +7,18 @@
 #include "text/text.h"
 #include "ui/dialogs/dialog_tools.h"
 
-namespace {
-
 constexpr int kLineUnits = 32;
 constexpr LPCWSTR kOnBar = TEXT("v ");
 constexpr LPCWSTR kOffBar = TEXT("  ");
+
+namespace {
 
 struct BarList {
     int id;
     DWORD ToolbarButton::*on_bar;
 };
+
+}  // namespace
 
 const BarList kLists[] = {
     {IDC_BAR1, &ToolbarButton::onBar1},
@@ -26,7 +28,7 @@ const BarList kLists[] = {
 
 // `row` is an index of toolbar_buttons. `place` is the position in the list at which the line is
 // inserted.
-void InsertLine(HWND page, const BarList& list, int row, int place) {
+static void InsertLine(HWND page, const BarList& list, int row, int place) {
     const ToolbarButton& button = toolbar_buttons[row];
     WCHAR line[kLineUnits];
     lstrcpyW(line, button.*list.on_bar ? kOnBar : kOffBar);
@@ -36,16 +38,16 @@ void InsertLine(HWND page, const BarList& list, int row, int place) {
                         reinterpret_cast<LPARAM>(line));
 }
 
-void FillLists(HWND page) {
+static void FillLists(HWND page) {
     for (const BarList& list : kLists) {
-        for (int row = 0; toolbar_buttons[row].name; row++) InsertLine(page, list, row, row);
+        for (int row = 0; toolbar_buttons[row].name; ++row) InsertLine(page, list, row, row);
         FitListWidth(page, list.id);
     }
 }
 
 // The list may scroll while it is one line shorter. Restoring its top row keeps the tapped line
 // under the stylus.
-void ReplaceLine(HWND page, const BarList& list, int row) {
+static void ReplaceLine(HWND page, const BarList& list, int row) {
     const LRESULT top = SendDlgItemMessageW(page, list.id, LB_GETTOPINDEX, 0, 0);
     SendDlgItemMessageW(page, list.id, LB_DELETESTRING, static_cast<WPARAM>(row), 0);
     InsertLine(page, list, row, row);
@@ -53,7 +55,7 @@ void ReplaceLine(HWND page, const BarList& list, int row) {
     SendDlgItemMessageW(page, list.id, LB_SETTOPINDEX, static_cast<WPARAM>(top), 0);
 }
 
-void ToggleSelected(HWND page, const BarList& list) {
+static void ToggleSelected(HWND page, const BarList& list) {
     const LRESULT selected = SendDlgItemMessageW(page, list.id, LB_GETCURSEL, 0, 0);
     if (selected < 0 || selected >= kToolbarRows) return;
     const int row = static_cast<int>(selected);
@@ -62,9 +64,9 @@ void ToggleSelected(HWND page, const BarList& list) {
     ReplaceLine(page, list, row);
 }
 
-void ToggleOnBar1(HWND page) { ToggleSelected(page, kLists[0]); }
-void ToggleOnBar2(HWND page) { ToggleSelected(page, kLists[1]); }
-void ToggleOnBar3(HWND page) { ToggleSelected(page, kLists[2]); }
+static void ToggleOnBar1(HWND page) { ToggleSelected(page, kLists[0]); }
+static void ToggleOnBar2(HWND page) { ToggleSelected(page, kLists[1]); }
+static void ToggleOnBar3(HWND page) { ToggleSelected(page, kLists[2]); }
 
 const DialogCommand kCommands[] = {
     {IDC_BAR1, LBN_DBLCLK, ToggleOnBar1},
@@ -72,8 +74,6 @@ const DialogCommand kCommands[] = {
     {IDC_BAR3, LBN_DBLCLK, ToggleOnBar3},
     {0, 0, nullptr},
 };
-
-}  // namespace
 
 INT_PTR CALLBACK ToolbarPageProc(HWND page, UINT message, WPARAM wparam, LPARAM) {
     return RunDialogMessage(page, message, wparam, FillLists, kCommands);

@@ -7,40 +7,36 @@
 
 #include "session/session_state.h"
 
-namespace {
-
-bool HorizontalBarShown() { return session.view.visible_columns < session.screen.columns; }
+static bool HorizontalBarShown() { return session.view.visible_columns < session.screen.columns; }
 
 // Returns how many rows the panel covers. It covers the status bar and the horizontal scroll bar
 // first. A partly covered row counts as covered.
-int CoveredRows(const RECT& panel) {
+static int CoveredRows(const RECT& panel) {
     if (session.view.cell_height < 1) return 0;
     int height = panel.bottom - panel.top - session.status_height;
     if (HorizontalBarShown()) height -= GetSystemMetrics(SM_CYHSCROLL);
     return std::max(height / session.view.cell_height + 1, 0);
 }
 
-bool AskShell(SIPINFO* panel) {
+static bool AskShell(SIPINFO* panel) {
     *panel = {};
     panel->cbSize = sizeof(*panel);
     return SHSipInfo(SPI_GETSIPINFO, 0, panel, 0) != 0;
 }
 
-void PanelUp(const RECT& panel) {
+static void PanelUp(const RECT& panel) {
     const bool changed = !session.input_panel_up;
     session.input_panel_up = 1;
     CoverRows(CoveredRows(panel));
     if (changed && Connected()) LayoutTerminal();
 }
 
-void PanelDown() {
+static void PanelDown() {
     if (!session.input_panel_up) return;
     session.input_panel_up = 0;
     CoverRows(0);
     LayoutTerminal();
 }
-
-}  // namespace
 
 void FollowInputPanel() {
     SIPINFO panel;

@@ -131,7 +131,7 @@ static void DrawRow(HDC dc, int screen_row, int window_row) {
     const ScreenBuffer& screen = session.screen;
     PaintRow row = {};
     row.window_row = window_row;
-    memcpy(row.cells, GetPaintRow(screen_row), sizeof row.cells);
+    memcpy(row.cells, GetPaintRow(screen_row), sizeof(row.cells));
     if (screen_row == screen.cursor_row && ShownCursorColumn()) {
         row.cells[screen.cursor_col] |= kCellCursor;
     }

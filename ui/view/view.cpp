@@ -97,7 +97,7 @@ static void FitCells(int width, int height) {
 
 static void SetUpBar(int bar, int cells, int visible) {
     SCROLLINFO info = {};
-    info.cbSize = sizeof info;
+    info.cbSize = sizeof(info);
     info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
     info.nMax = cells - 1;
     info.nPage = static_cast<UINT>(visible);
@@ -140,7 +140,7 @@ void CoverRows(int rows) {
 static void SetBarPosition(int bar, int position) {
     if (!session.client_window) return;
     SCROLLINFO info = {};
-    info.cbSize = sizeof info;
+    info.cbSize = sizeof(info);
     info.fMask = SIF_POS;
     info.nPos = position;
     SetScrollInfo(session.client_window, bar, &info, TRUE);

@@ -32,21 +32,19 @@ QPushButton* ShownDefault(const QWidget& window) {
     return nullptr;
 }
 
-namespace {
-
 const WindowClass kDialogClass = {u"Dialog", 0, DialogWindowProcedure, nullptr};
 
 // The answer to these messages is what the procedure returns. The answer to all others is
 // DWLP_MSGRESULT.
-bool AnsweredDirectly(UINT message) { return message == WM_INITDIALOG; }
+static bool AnsweredDirectly(UINT message) { return message == WM_INITDIALOG; }
 
-void QueueCommand(HWND dialog, int id) {
+static void QueueCommand(HWND dialog, int id) {
     QueueInput(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
                reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
 }
 
 // Closing a dialog counts as Cancel, unless the dialog has disabled its Cancel button.
-void CloseByCancel(HWND dialog) {
+static void CloseByCancel(HWND dialog) {
     const HWND button = GetDlgItem(dialog, IDCANCEL);
     if (button && !IsWindowEnabled(button)) {
         MessageBeep(MB_OK);
@@ -57,7 +55,7 @@ void CloseByCancel(HWND dialog) {
 }
 
 // Returns the template's default button, or null if none is visible.
-QPushButton* UsualDefault(const QWidget& dialog) {
+static QPushButton* UsualDefault(const QWidget& dialog) {
     for (const Window* window : AllWindows()) {
         const bool here = window->control && window->widget && window->widget->window() == &dialog;
         if (!here || (window->control->style & 0xFu) != BS_DEFPUSHBUTTON) continue;
@@ -67,7 +65,7 @@ QPushButton* UsualDefault(const QWidget& dialog) {
     return nullptr;
 }
 
-void PressDefault(HWND dialog, const QWidget& widget) {
+static void PressDefault(HWND dialog, const QWidget& widget) {
     auto* button = qobject_cast<QPushButton*>(widget.focusWidget());
     if (!button) button = ShownDefault(widget);
     if (!button) return QueueCommand(dialog, IDOK);
@@ -75,7 +73,7 @@ void PressDefault(HWND dialog, const QWidget& widget) {
 }
 
 // The template's position is relative to the owner's client area, unless DS_ABSALIGN is set.
-QRect FirstPlace(const DialogTemplate& shape, HWND owner, QSize size) {
+static QRect FirstPlace(const DialogTemplate& shape, HWND owner, QSize size) {
     if (shape.style & DS_CENTER) return CenteredPlace(size);
     const QSize corner = DialogPixels(shape.x, shape.y);
     POINT place = {corner.width(), corner.height()};
@@ -83,7 +81,7 @@ QRect FirstPlace(const DialogTemplate& shape, HWND owner, QSize size) {
     return QRect(QPoint(place.x, place.y), size);
 }
 
-HWND MakeDialog(const DialogTemplate& shape, HWND owner, DLGPROC procedure) {
+static HWND MakeDialog(const DialogTemplate& shape, HWND owner, DLGPROC procedure) {
     Window* window = MakeDialogWindow(&kDialogClass, owner, shape.caption, procedure);
     const HWND dialog = window->handle;
     auto* widget = static_cast<DialogWidget*>(window->widget.data());
@@ -96,8 +94,6 @@ HWND MakeDialog(const DialogTemplate& shape, HWND owner, DLGPROC procedure) {
     PlaceDialog(*window, FirstPlace(shape, owner, window->dialog->wanted));
     return dialog;
 }
-
-}  // namespace
 
 void DialogWidget::SetBody(QWidget* body) { body_ = body; }
 

@@ -6,31 +6,36 @@
 
 #include "platform/qt/host/profiles.h"
 
-namespace {
-
 constexpr size_t kShownOfAnArgument = 60;
 
-bool TakeSize(const char* text, QSize* size) {
+constexpr int kLeastWidth = 100, kLeastHeight = 80, kLargestSide = 4000;  // pixels
+
+static bool TakeSize(const char* text, QSize* size) {
     int width = 0, height = 0;
     char end = 0;
     if (std::sscanf(text, "%dx%d%c", &width, &height, &end) != 2) return false;
     *size = QSize(width, height);
-    return width >= 100 && width <= 4000 && height >= 80 && height <= 4000;
+    return width >= kLeastWidth && width <= kLargestSide && height >= kLeastHeight &&
+           height <= kLargestSide;
 }
 
 // Below 1, one device pixel would be less than one desktop pixel, and lines and letters would be
 // lost.
-bool TakeScale(const char* text, double* scale) {
+static bool TakeScale(const char* text, double* scale) {
     char* end = nullptr;
     *scale = std::strtod(text, &end);
     return *text && !*end && *scale >= 1 && *scale <= 8;
 }
+
+namespace {
 
 struct ValueRow {
     const char* name;
     const char* wanted;
     bool (*take)(const char* value, CommandLine* line);
 };
+
+}  // namespace
 
 const ValueRow kValues[] = {
     {"--profile", "a name of at most 40 letters, digits, '.', '-' and '_'",
@@ -47,10 +52,14 @@ const ValueRow kValues[] = {
      [](const char* v, CommandLine* l) { return l->options.text = v, *v != 0; }},
 };
 
+namespace {
+
 struct FlagRow {
     const char* name;
     void (*take)(CommandLine* line);
 };
+
+}  // namespace
 
 const FlagRow kFlags[] = {
     {"--help", [](CommandLine* l) { l->task = Task::kHelp; }},
@@ -72,14 +81,14 @@ const char* const kToolkitValues[] = {
 const char* const kToolkitFlags[] = {"dograb", "nograb", "reverse", "sync", "widgetcount"};
 
 template <typename Row, size_t count>
-const Row* FindRow(const Row (&rows)[count], const char* name) {
+static const Row* FindRow(const Row (&rows)[count], const char* name) {
     for (const Row& row : rows)
         if (std::strcmp(row.name, name) == 0) return &row;
     return nullptr;
 }
 
 template <size_t count>
-bool IsToolkit(const char* const (&names)[count], const char* option) {
+static bool IsToolkit(const char* const (&names)[count], const char* option) {
     const char* name = option + (option[1] == '-' ? 2 : 1);
     for (const char* each : names)
         if (std::strcmp(each, name) == 0) return true;
@@ -87,14 +96,14 @@ bool IsToolkit(const char* const (&names)[count], const char* option) {
 }
 
 // The value may also follow an equals sign, as in -style=fusion.
-bool HasToolkitValue(const std::string& option) {
+static bool HasToolkitValue(const std::string& option) {
     const size_t equals = option.find('=');
     return equals != option.npos && IsToolkit(kToolkitValues, option.substr(0, equals).c_str());
 }
 
 // Complaints may end up in the logs of the desktop. So they repeat an argument without control
 // characters and without the password of an address.
-std::string Shown(std::string argument) {
+static std::string Shown(std::string argument) {
     const size_t at = argument.rfind('@'), colon = argument.find(':', argument.find("://") + 1);
     if (at != argument.npos && colon < at) argument.replace(colon, at - colon, ":...");
     std::string shown = argument.substr(0, kShownOfAnArgument);
@@ -103,11 +112,13 @@ std::string Shown(std::string argument) {
     return shown.size() < argument.size() ? shown + "..." : shown;
 }
 
-bool Complain(const std::string& argument, const std::string& trouble) {
+static bool Complain(const std::string& argument, const std::string& trouble) {
     std::fprintf(stderr, "quill: '%s' %s (quill --help tells more)\n", Shown(argument).c_str(),
                  trouble.c_str());
     return false;
 }
+
+namespace {
 
 // Reads argv from the left; `next` is the next argument to read, `kept` the end of what stays in
 // argv.
@@ -119,14 +130,16 @@ struct Reader {
     std::vector<std::string> operands;
 };
 
-bool TakeValue(Reader* reader, const ValueRow& row, CommandLine* line) {
+}  // namespace
+
+static bool TakeValue(Reader* reader, const ValueRow& row, CommandLine* line) {
     if (reader->next < reader->argc && row.take(reader->argv[reader->next], line))
         return reader->next++, true;
     std::fprintf(stderr, "quill: %s wants %s (quill --help tells more)\n", row.name, row.wanted);
     return false;
 }
 
-bool TakeToolkitOption(Reader* reader, char* option) {
+static bool TakeToolkitOption(Reader* reader, char* option) {
     const bool value = IsToolkit(kToolkitValues, option);
     if (!value && !IsToolkit(kToolkitFlags, option) && !HasToolkitValue(option))
         return Complain(option, "is no option");
@@ -136,7 +149,7 @@ bool TakeToolkitOption(Reader* reader, char* option) {
     return true;
 }
 
-bool TakeArgument(Reader* reader, CommandLine* line) {
+static bool TakeArgument(Reader* reader, CommandLine* line) {
     char* argument = reader->argv[reader->next++];
     if (std::strcmp(argument, "--") == 0) {
         while (reader->next < reader->argc)
@@ -149,7 +162,7 @@ bool TakeArgument(Reader* reader, CommandLine* line) {
     return reader->operands.push_back(argument), true;
 }
 
-bool TakeOperands(const std::vector<std::string>& operands, CommandLine* line) {
+static bool TakeOperands(const std::vector<std::string>& operands, CommandLine* line) {
     RunTarget& target = line->target;
     if (operands.size() > 2) return Complain(operands[2], "is one word too many");
     if (operands.empty()) return true;
@@ -163,7 +176,7 @@ bool TakeOperands(const std::vector<std::string>& operands, CommandLine* line) {
     return true;
 }
 
-bool GoTogether(const CommandLine& line) {
+static bool GoTogether(const CommandLine& line) {
     if (!line.profile.empty() && !line.options.root.empty())
         return Complain("--profile", "and --root both name the settings");
     if (line.with_passwords && line.task != Task::kExport)
@@ -172,8 +185,6 @@ bool GoTogether(const CommandLine& line) {
         return Complain(line.target.host, "is one word too many: --export takes no host");
     return true;
 }
-
-}  // namespace
 
 bool TakeCommandLine(int* argc, char** argv, CommandLine* line) {
     Reader reader{*argc, argv, 1, 1, {}};

@@ -12,23 +12,23 @@
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 
-namespace {
-
 constexpr size_t kLongestName = 40;
 
-bool IsPlain(char c) {
+static bool IsPlain(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-std::string ProfilesFolder() { return UserRoot() + "/profiles"; }
+static std::string ProfilesFolder() { return UserRoot() + "/profiles"; }
+
+static const QColor kDisc(0x60, 0x00, 0x20);
 
 // Draws the letter in white on a dark disc, a little larger than the lower right quarter.
-void DrawLetter(QPixmap* picture, QChar letter) {
+static void DrawLetter(QPixmap* picture, QChar letter) {
     const int side = picture->width() * 5 / 8;
     const QRect place(picture->width() - side, picture->height() - side, side, side);
     QPainter painter(picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(QColor(0x60, 0x00, 0x20));
+    painter.setBrush(kDisc);
     painter.setPen(Qt::NoPen);
     painter.drawEllipse(place);
     QFont font = painter.font();
@@ -38,8 +38,6 @@ void DrawLetter(QPixmap* picture, QChar letter) {
     painter.setPen(Qt::white);
     painter.drawText(place, Qt::AlignCenter, letter.toUpper());
 }
-
-}  // namespace
 
 bool IsProfileName(const std::string& name) {
     if (name.empty() || name.size() > kLongestName || !IsPlain(name[0])) return false;

@@ -7,16 +7,14 @@
 
 #include "platform/qt/host/command_line.h"
 
-namespace {
-
 constexpr size_t kLongestName = 39;  // the settings hold no more
 constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
 
-bool IsMadeOf(const std::string& text, const char* others) {
+static bool IsMadeOf(const std::string& text, const char* others) {
     return text.find_first_not_of(std::string(kLetters) + others) == text.npos;
 }
 
-const char* TakeHost(const std::string& text, std::string* host) {
+static const char* TakeHost(const std::string& text, std::string* host) {
     if (text.empty()) return "has no host";
     if (text[0] == '[' || std::count(text.begin(), text.end(), ':') > 1)
         return "is an IPv6 address; Quill connects to names and IPv4 addresses";
@@ -26,7 +24,7 @@ const char* TakeHost(const std::string& text, std::string* host) {
     return *host = text, nullptr;
 }
 
-const char* TakeUser(const std::string& text, RunTarget* target) {
+static const char* TakeUser(const std::string& text, RunTarget* target) {
     if (target->protocol != RunProtocol::kSsh) return "names a user, which only ssh:// can";
     if (text.find(':') != text.npos) return "has a password, which no command line should";
     if (text.empty() || text.size() > kLongestName || text[0] == '-' || !IsMadeOf(text, ".-_"))
@@ -35,7 +33,7 @@ const char* TakeUser(const std::string& text, RunTarget* target) {
 }
 
 // Parses USER@HOST:PORT, with or without a slash at its end.
-const char* TakeAddress(std::string text, RunTarget* target) {
+static const char* TakeAddress(std::string text, RunTarget* target) {
     if (!text.empty() && text.back() == '/') text.pop_back();
     const size_t at = text.rfind('@');
     if (at != text.npos) {
@@ -50,14 +48,16 @@ const char* TakeAddress(std::string text, RunTarget* target) {
     return TakeHost(text, &target->host);
 }
 
+namespace {
+
 struct SchemeRow {
     const char* name;
     RunProtocol protocol;
 };
 
-const SchemeRow kSchemes[] = {{"telnet://", RunProtocol::kTelnet}, {"ssh://", RunProtocol::kSsh}};
-
 }  // namespace
+
+const SchemeRow kSchemes[] = {{"telnet://", RunProtocol::kTelnet}, {"ssh://", RunProtocol::kSsh}};
 
 const char* TakePort(const std::string& text, int* port) {
     const bool digits = text.find_first_not_of("0123456789") == text.npos;

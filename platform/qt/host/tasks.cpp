@@ -8,25 +8,23 @@
 #include "platform/qt/services/export_settings.h"
 #include "platform/qt/services/services.h"
 
-namespace {
+static int Help(const CommandLine&) { return TellHelp(stdout), 0; }
 
-int Help(const CommandLine&) { return TellHelp(stdout), 0; }
+static int Version(const CommandLine&) { return std::puts("quill " QUILL_VERSION), 0; }
 
-int Version(const CommandLine&) { return std::puts("quill " QUILL_VERSION), 0; }
-
-int List(const CommandLine&) {
+static int List(const CommandLine&) {
     for (const std::string& name : ProfileNames()) std::puts(name.c_str());
     return 0;
 }
 
-void TellLeftOut(const std::vector<std::string>& names) {
+static void TellLeftOut(const std::vector<std::string>& names) {
     if (names.empty()) return;
     std::fputs("quill: left out, as they may be passwords:", stderr);
     for (const std::string& name : names) std::fprintf(stderr, " %s", name.c_str());
     std::fputs(" (--with-passwords prints them)\n", stderr);
 }
 
-int Export(const CommandLine& line) {
+static int Export(const CommandLine& line) {
     const std::string root = line.options.root.empty() ? UserRoot() : line.options.root;
     SettingsExport settings;
     if (!ExportSettings(root, line.with_passwords, &settings)) {
@@ -43,10 +41,14 @@ int Export(const CommandLine& line) {
     return settings.unsaid.empty() ? 0 : 1;
 }
 
+namespace {
+
 struct TaskRow {
     Task task;
     int (*carry_out)(const CommandLine& line);
 };
+
+}  // namespace
 
 const TaskRow kTasks[] = {
     {Task::kHelp, Help},
@@ -54,8 +56,6 @@ const TaskRow kTasks[] = {
     {Task::kProfiles, List},
     {Task::kExport, Export},
 };
-
-}  // namespace
 
 int DoTask(const CommandLine& line) {
     int result = 0;

@@ -13,17 +13,19 @@
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
 
-namespace {
-
 constexpr int kBarPicture = 16;       // pixels of a picture's sides
 constexpr int kTwiceAsLarge = 10000;  // added to a bitmap's number: the larger version
 constexpr int kTwice = 2;
+
+namespace {
 
 // Pictures are drawn in the device's colours; each of these is replaced by one of the desktop's.
 struct SystemColor {
     uint32_t drawn;  // 0x00RRGGBB
     QPalette::ColorRole role;
 };
+
+}  // namespace
 
 constexpr uint32_t kFace = 0xC0C0C0;  // the bar itself: becomes transparent
 
@@ -33,38 +35,42 @@ const SystemColor kSystemColors[] = {
     {0xFFFFFF, QPalette::Light},
 };
 
+namespace {
+
 struct Pictures {
     QPalette palette;  // the colours that they were made with
     std::vector<QIcon> icons;
 };
 
-std::map<int, Pictures> g_pictures;  // by the bitmap's number
+}  // namespace
 
-QRgb Shown(uint32_t drawn, const QPalette& palette) {
+static std::map<int, Pictures> g_pictures;  // by the bitmap's number
+
+static QRgb Shown(uint32_t drawn, const QPalette& palette) {
     if (drawn == kFace) return qRgba(0, 0, 0, 0);
     for (const SystemColor& row : kSystemColors)
         if (row.drawn == drawn) return palette.color(row.role).rgb();
     return 0xFF000000u | drawn;
 }
 
-bool SameColors(const QPalette& one, const QPalette& other) {
+static bool SameColors(const QPalette& one, const QPalette& other) {
     for (const SystemColor& row : kSystemColors)
         if (one.color(row.role) != other.color(row.role)) return false;
     return true;
 }
 
-QImage Translated(const Bitmap& bitmap, const QPalette& palette) {
+static QImage Translated(const Bitmap& bitmap, const QPalette& palette) {
     QImage image(bitmap.width, bitmap.height, QImage::Format_ARGB32);
     size_t next = 0;
-    for (int y = 0; y < bitmap.height; y++)
-        for (int x = 0; x < bitmap.width; x++)
+    for (int y = 0; y < bitmap.height; ++y)
+        for (int x = 0; x < bitmap.width; ++x)
             image.setPixel(x, y, Shown(bitmap.pixels[next++], palette));
     return image;
 }
 
 // Returns the strip's picture; a null image if it is missing, damaged or too small for `count`
 // pictures.
-QImage LoadStrip(int id, int count, int side, const QPalette& palette) {
+static QImage LoadStrip(int id, int count, int side, const QPalette& palette) {
     const uint8_t* bytes = nullptr;
     size_t length = 0;
     Bitmap bitmap;
@@ -75,18 +81,18 @@ QImage LoadStrip(int id, int count, int side, const QPalette& palette) {
     return Translated(bitmap, palette);
 }
 
-void AddPicture(QIcon* icon, const QImage& strip, int index, int side, double ratio) {
+static void AddPicture(QIcon* icon, const QImage& strip, int index, int side, double ratio) {
     if (strip.isNull()) return;
     QPixmap picture = QPixmap::fromImage(strip.copy(index * side, 0, side, side));
     picture.setDevicePixelRatio(ratio);
     icon->addPixmap(picture);
 }
 
-std::vector<QIcon> MakePictures(int id, int count, const QPalette& palette) {
+static std::vector<QIcon> MakePictures(int id, int count, const QPalette& palette) {
     const QImage plain = LoadStrip(id, count, kBarPicture, palette);
     const QImage sharp = LoadStrip(id + kTwiceAsLarge, count, kBarPicture * kTwice, palette);
     std::vector<QIcon> icons;
-    for (int i = 0; i < count && !plain.isNull(); i++) {
+    for (int i = 0; i < count && !plain.isNull(); ++i) {
         QIcon icon;
         AddPicture(&icon, plain, i, kBarPicture, 1);
         AddPicture(&icon, sharp, i, kBarPicture * kTwice, kTwice);
@@ -98,7 +104,7 @@ std::vector<QIcon> MakePictures(int id, int count, const QPalette& palette) {
 // Returns the first `count` pictures of that bitmap in the palette's colours, each also at twice
 // the size if there is a bitmap for it. Empty if the bitmap is missing, damaged or too small. The
 // pictures are made only once, because the toolkit keeps data of every picture that it has drawn.
-const std::vector<QIcon>& BarPictures(int id, int count, const QPalette& palette) {
+static const std::vector<QIcon>& BarPictures(int id, int count, const QPalette& palette) {
     Pictures& known = g_pictures[id];
     if (known.icons.size() != static_cast<size_t>(count) || !SameColors(known.palette, palette))
         known = {palette, MakePictures(id, count, palette)};
@@ -108,32 +114,36 @@ const std::vector<QIcon>& BarPictures(int id, int count, const QPalette& palette
 constexpr int kButtonWidth = 21;
 constexpr int kButtonMargin = 2;  // above and below a button
 
+namespace {
+
 struct CommandBar {
     std::vector<QIcon> pictures;
     std::vector<QPointer<QToolButton>> buttons;  // from the left
 };
 
-std::map<HWND, CommandBar> g_bars;
+}  // namespace
 
-QWidget* WidgetOf(HWND bar) {
+static std::map<HWND, CommandBar> g_bars;
+
+static QWidget* WidgetOf(HWND bar) {
     const Window* window = FindWindowRecord(bar);
     return window ? window->widget.data() : nullptr;
 }
 
-CommandBar* FindBar(HWND bar) {
+static CommandBar* FindBar(HWND bar) {
     const auto found = g_bars.find(bar);
     return found == g_bars.end() ? nullptr : &found->second;
 }
 
 // The command is queued, so it comes after the keys that were typed before.
-void QueueCommand(HWND bar, int id) {
+static void QueueCommand(HWND bar, int id) {
     const Window* window = FindWindowRecord(bar);
     if (window)
         QueueInput(window->parent, WM_COMMAND, static_cast<WPARAM>(id & 0xFFFF),
                    reinterpret_cast<LPARAM>(bar));
 }
 
-QToolButton* MakeButton(HWND bar, const CommandBar& record, const TBBUTTON& wanted) {
+static QToolButton* MakeButton(HWND bar, const CommandBar& record, const TBBUTTON& wanted) {
     auto* button = new QToolButton(WidgetOf(bar));
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);
@@ -147,7 +157,7 @@ QToolButton* MakeButton(HWND bar, const CommandBar& record, const TBBUTTON& want
     return button;
 }
 
-void ArrangeButtons(const CommandBar& record) {
+static void ArrangeButtons(const CommandBar& record) {
     int left = 0;
     for (const auto& button : record.buttons) {
         button->setGeometry(left, kButtonMargin, kButtonWidth,
@@ -156,7 +166,7 @@ void ArrangeButtons(const CommandBar& record) {
     }
 }
 
-void EraseBar(HWND handle, HDC dc) {
+static void EraseBar(HWND handle, HDC dc) {
     const QColor color = WidgetOf(handle)->palette().color(QPalette::Window);
     RECT area;
     GetClientRect(handle, &area);
@@ -165,7 +175,8 @@ void EraseBar(HWND handle, HDC dc) {
     DeleteObject(brush);
 }
 
-LRESULT CALLBACK CommandBarProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+static LRESULT CALLBACK CommandBarProcedure(HWND handle, UINT message, WPARAM wparam,
+                                            LPARAM lparam) {
     if (message == WM_CREATE) {
         g_bars[handle] = {};
         WidgetOf(handle)->setFocusPolicy(Qt::NoFocus);
@@ -176,8 +187,6 @@ LRESULT CALLBACK CommandBarProcedure(HWND handle, UINT message, WPARAM wparam, L
     EraseBar(handle, reinterpret_cast<HDC>(wparam));
     return 1;
 }
-
-}  // namespace
 
 void ForgetBarPictures() { g_pictures.clear(); }
 
@@ -225,7 +234,7 @@ BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button) {
 BOOL CommandBar_AddToolTips(HWND bar, UINT count, LPWSTR* tips) {
     CommandBar* record = FindBar(bar);
     if (!record || !tips) return FALSE;
-    for (size_t i = 0; i < record->buttons.size() && i < count; i++) {
+    for (size_t i = 0; i < record->buttons.size() && i < count; ++i) {
         const QString text = FromWide(tips[i]);
         record->buttons[i]->setToolTip(text);
         record->buttons[i]->setAccessibleName(text);

@@ -13,27 +13,25 @@
 #include "platform/qt/services/services.h"
 #include "platform/qt/window/window.h"
 
-namespace {
+static bool g_open = false;
+static HLOCAL g_lent = nullptr;  // the block that GetClipboardData returned
 
-bool g_open = false;
-HLOCAL g_lent = nullptr;  // the block that GetClipboardData returned
-
-void TakeBack() {
+static void TakeBack() {
     if (g_lent) LocalFree(g_lent);
     g_lent = nullptr;
 }
 
-std::u16string WithCarriageReturns(const std::u16string& text) {
+static std::u16string WithCarriageReturns(const std::u16string& text) {
     std::u16string lines;
     lines.reserve(text.size() + text.size() / 16);
-    for (size_t i = 0; i < text.size(); i++) {
+    for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] == u'\n' && (i == 0 || text[i - 1] != u'\r')) lines += u'\r';
         lines += text[i];
     }
     return lines;
 }
 
-QString TextOf(HLOCAL block) {
+static QString TextOf(HLOCAL block) {
     const auto* text = static_cast<const char16_t*>(LocalLock(block));
     const size_t units = LocalSize(block) / sizeof(char16_t);
     const size_t length = std::u16string_view(text, units).find(u'\0');
@@ -41,14 +39,12 @@ QString TextOf(HLOCAL block) {
     return QString(whole).replace("\r\n", "\n");
 }
 
-HLOCAL BlockOf(const std::u16string& text) {
+static HLOCAL BlockOf(const std::u16string& text) {
     const size_t bytes = (text.size() + 1) * sizeof(char16_t);
     const HLOCAL block = LocalAlloc(LMEM_MOVEABLE, bytes);
     if (block) memcpy(LocalLock(block), text.c_str(), bytes);
     return block;
 }
-
-}  // namespace
 
 BOOL OpenClipboard(HWND) {
     if (g_open) return FALSE;
@@ -88,21 +84,19 @@ HANDLE GetClipboardData(UINT format) {
 extern "C" const uint8_t quill_help_page[];
 extern "C" const uint8_t quill_help_page_end[];
 
-namespace {
-
-bool WritePage(QFile& file) {
+static bool WritePage(QFile& file) {
     const auto size = static_cast<qint64>(quill_help_page_end - quill_help_page);
     return file.write(reinterpret_cast<const char*>(quill_help_page), size) == size && file.flush();
 }
 
-QString PageInRoot() {
+static QString PageInRoot() {
     QFile file(QString::fromStdString(DevicePath(u"\\telnet.htm")));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return {};
     return WritePage(file) ? file.fileName() : QString();
 }
 
 // The file gets a name that nobody can take first, because others may write in that folder too.
-QString TemporaryPage() {
+static QString TemporaryPage() {
     QTemporaryFile file(QDir::tempPath() + "/quill-XXXXXX-telnet.htm");
     if (!file.open() || !WritePage(file)) return {};
     file.setAutoRemove(false);
@@ -111,14 +105,12 @@ QString TemporaryPage() {
 
 // The viewer needs a file that outlives this program. The file is in the device's root folder or,
 // if that cannot be written, among the temporary files.
-bool ShowHelp(LPCWSTR page) {
+static bool ShowHelp(LPCWSTR page) {
     if (!page || CompareWithoutCase(page, u"telnet.htm") != 0) return false;
     QString path = PageInRoot();
     if (path.isEmpty()) path = TemporaryPage();
     return !path.isEmpty() && QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
-
-}  // namespace
 
 BOOL CreateProcessW(LPCWSTR program, LPWSTR arguments, LPVOID, LPVOID, BOOL, DWORD, LPVOID, LPCWSTR,
                     LPVOID, PROCESS_INFORMATION* process) {

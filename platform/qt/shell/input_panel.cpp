@@ -21,8 +21,6 @@ struct PanelKeyRow {
     const char* fn_label;
 };
 
-namespace {
-
 constexpr double kUnits = 15;
 constexpr int kRows = 5;
 constexpr int kFnKey = Qt::Key_unknown;
@@ -101,22 +99,28 @@ const PanelKeyRow kPanelKeys[] = {
 };
 // clang-format on
 
-bool IsLatch(int key) { return key == Qt::Key_Shift || key == Qt::Key_Control || key == kFnKey; }
+static bool IsLatch(int key) {
+    return key == Qt::Key_Shift || key == Qt::Key_Control || key == kFnKey;
+}
 
-bool IsLetter(const PanelKeyRow& row) { return row.key >= Qt::Key_A && row.key <= Qt::Key_Z; }
+static bool IsLetter(const PanelKeyRow& row) {
+    return row.key >= Qt::Key_A && row.key <= Qt::Key_Z;
+}
 
-bool TypesItsLabel(const PanelKeyRow& row) { return row.shifted || row.key == Qt::Key_Space; }
+static bool TypesItsLabel(const PanelKeyRow& row) {
+    return row.shifted || row.key == Qt::Key_Space;
+}
 
-bool IsBracket(int key) { return key >= Qt::Key_BracketLeft && key <= Qt::Key_BracketRight; }
+static bool IsBracket(int key) { return key >= Qt::Key_BracketLeft && key <= Qt::Key_BracketRight; }
 
-QString ControlCharacter(const PanelKeyRow& row) {
+static QString ControlCharacter(const PanelKeyRow& row) {
     if (IsLetter(row) || IsBracket(row.key)) return QString(QChar(row.key & 0x1f));
     if (row.key == Qt::Key_Slash) return QString(QChar(0x1f));
     return row.key == Qt::Key_Space ? QString(QChar(0)) : QString();
 }
 
 // Control characters are the same as those of X11's keyboard driver.
-QString TextOf(const PanelKeyRow& row, bool shifted, bool control) {
+static QString TextOf(const PanelKeyRow& row, bool shifted, bool control) {
     if (row.key == Qt::Key_Backspace) return "\b";
     if (row.key == Qt::Key_Tab) return "\t";
     if (row.key == Qt::Key_Return) return "\r";
@@ -126,22 +130,20 @@ QString TextOf(const PanelKeyRow& row, bool shifted, bool control) {
     return QString::fromUtf8(shifted && row.shifted ? row.shifted : row.plain);
 }
 
-QPointer<InputPanel> g_panel;
+static QPointer<InputPanel> g_panel;
 
 // Not every desktop keeps the focus in the dialog when the panel is tapped.
-QWidget* Target() {
+static QWidget* Target() {
     QWidget* modal = QApplication::activeModalWidget();
     if (modal) return modal->focusWidget() ? modal->focusWidget() : modal;
     return QApplication::focusWidget() ? QApplication::focusWidget() : DeviceScreen();
 }
 
-void Tap(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
+static void Tap(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
     QWidget* target = Target();
     QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyPress, key, modifiers, text));
     QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyRelease, key, modifiers, text));
 }
-
-}  // namespace
 
 PanelKey::PanelKey(QWidget* panel, const PanelKeyRow& key) : QAbstractButton(panel), key_(key) {
     setFocusPolicy(Qt::NoFocus);

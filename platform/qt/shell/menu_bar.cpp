@@ -12,11 +12,11 @@
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/messages.h"
 
-namespace {
-
 constexpr int kPanelButtonWidth = 34;
 
-QPointer<MenuStrip> g_strip;
+static QPointer<MenuStrip> g_strip;
+
+namespace {
 
 // Some styles draw a line below the bar: a piece below each title and a piece below the rest, with
 // gaps between them. This bar is the last row of the screen and needs no line below it.
@@ -33,25 +33,31 @@ class PlainBarStyle : public QProxyStyle {
     }
 };
 
+}  // namespace
+
+constexpr QSize kIconSize(22, 14);
+
+// NOLINTBEGIN(readability-magic-numbers): the places of a picture
 // Draws a small keyboard for a screen with that pixel ratio.
-QIcon KeyboardIcon(const QColor& color, double sharpness) {
-    QPixmap picture(QSize(22, 14) * sharpness);
+static QIcon KeyboardIcon(const QColor& color, double sharpness) {
+    QPixmap picture(kIconSize * sharpness);
     picture.setDevicePixelRatio(sharpness);
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(color, 1));
     painter.drawRoundedRect(QRectF(0.5, 0.5, 21, 13), 2, 2);
-    for (int row = 0; row < 2; row++)
-        for (int key = 0; key < 6; key++)
+    for (int row = 0; row < 2; ++row)
+        for (int key = 0; key < 6; ++key)
             painter.fillRect(QRectF(3 + key * 2.8, 3 + row * 3, 1.8, 1.8), color);
     painter.fillRect(QRectF(6, 9.4, 10, 1.8), color);
     return QIcon(picture);
 }
+// NOLINTEND(readability-magic-numbers)
 
 // Fills all menus at the start. A menu that is filled only when it is about to be shown for the
 // first time would miss the arrow keys.
-void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
+static void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
     for (const MenuItem& item : items) {
         if (item.text.empty()) {
             menu->addSeparator();
@@ -67,12 +73,10 @@ void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
     }
 }
 
-LRESULT CALLBACK MenuBarProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+static LRESULT CALLBACK MenuBarProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_DESTROY && ShellMenuStrip()) ShellMenuStrip()->RemoveMenus(window);
     return DefWindowProcW(window, message, wparam, lparam);
 }
-
-}  // namespace
 
 MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
     g_strip = this;
@@ -89,7 +93,7 @@ MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
     panel_button_->setCheckable(true);
     panel_button_->setToolTip("Keyboard");
     panel_button_->setAccessibleName("Keyboard");
-    panel_button_->setIconSize(QSize(22, 14));
+    panel_button_->setIconSize(kIconSize);
     panel_button_->setIcon(
         KeyboardIcon(palette().color(QPalette::WindowText), devicePixelRatioF()));
 }

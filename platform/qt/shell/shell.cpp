@@ -9,15 +9,13 @@
 #include "platform/qt/shell/menu_bar.h"
 #include "platform/qt/window/device_screen.h"
 
-namespace {
-
-RECT PanelRect() {
+static RECT PanelRect() {
     const QRect panel = InputPanelPlace();
     return RECT{panel.left(), panel.top(), panel.left() + panel.width(),
                 panel.top() + panel.height()};
 }
 
-bool ReadState(SIPINFO* info) {
+static bool ReadState(SIPINFO* info) {
     const QSize size = DeviceScreen()->size();
     const bool shown = InputPanelShown();
     info->fdwFlags = shown ? SIPF_ON : 0;
@@ -26,12 +24,10 @@ bool ReadState(SIPINFO* info) {
     return true;
 }
 
-bool TakeState(const SIPINFO& info) {
+static bool TakeState(const SIPINFO& info) {
     ShowInputPanel((info.fdwFlags & SIPF_ON) != 0);
     return true;
 }
-
-}  // namespace
 
 void InitCommonControls() {
     RegisterStatusWindow();

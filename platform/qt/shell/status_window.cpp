@@ -6,11 +6,9 @@
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/window.h"
 
-namespace {
-
 // Keeps the status window at the bottom of its parent, one line high. The parent may be in the
 // middle of a paint that began when that area was still its own.
-void PlaceStatus(Window& window) {
+static void PlaceStatus(Window& window) {
     const Window* parent = FindWindowRecord(window.parent);
     if (!parent) return;
     const QRect room = ClientArea(*parent);
@@ -21,12 +19,12 @@ void PlaceStatus(Window& window) {
     InvalidateRect(window.handle, nullptr, TRUE);
 }
 
-bool IsAscii(const std::u16string& text) {
+static bool IsAscii(const std::u16string& text) {
     return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 128; });
 }
 
-void DrawStatusText(QPainter& painter, const QFont& font, const QRect& area,
-                    const std::u16string& text) {
+static void DrawStatusText(QPainter& painter, const QFont& font, const QRect& area,
+                           const std::u16string& text) {
     if (!IsAscii(text)) {
         painter.setFont(font);
         painter.drawText(area, Qt::AlignVCenter | Qt::AlignLeft, FromWide(text.c_str()));
@@ -38,7 +36,7 @@ void DrawStatusText(QPainter& painter, const QFont& font, const QRect& area,
     DrawLineOfText(painter, line, QPointF(area.left(), baseline), text);
 }
 
-void PaintStatus(Window& window) {
+static void PaintStatus(Window& window) {
     PAINTSTRUCT paint;
     HDC dc = BeginPaint(window.handle, &paint);
     if (!dc) return;
@@ -56,7 +54,7 @@ void PaintStatus(Window& window) {
     EndPaint(window.handle, &paint);
 }
 
-LRESULT CALLBACK StatusProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+static LRESULT CALLBACK StatusProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
     Window* window = FindWindowRecord(handle);
     if (message == WM_PAINT) return PaintStatus(*window), 0;
     if (message == WM_ERASEBKGND) return 1;
@@ -65,8 +63,6 @@ LRESULT CALLBACK StatusProcedure(HWND handle, UINT message, WPARAM wparam, LPARA
     PlaceStatus(*window);
     return 0;
 }
-
-}  // namespace
 
 int StatusHeight() { return QFontMetrics(QApplication::font()).height() + 4; }
 

@@ -12,9 +12,9 @@
 
 TextScreenSource text_screen_source;
 
-namespace {
-
 constexpr int kListeningMilliseconds = 50;
+
+namespace {
 
 struct Told {
     TextScreen screen;
@@ -22,26 +22,30 @@ struct Told {
     QPointer<QTimer> later;
     QPointer<QWidget> widget;  // the window that `screen` belongs to
 };
-std::unique_ptr<Told> g_told;  // null until something has been reported
 
-TextScreen ReadScreen() {
+}  // namespace
+static std::unique_ptr<Told> g_told;  // null until something has been reported
+
+static TextScreen ReadScreen() {
     return text_screen_source.read ? text_screen_source.read() : TextScreen();
 }
 
-QWidget* TextWidget() {
+static QWidget* TextWidget() {
     const HWND handle = text_screen_source.window ? text_screen_source.window() : nullptr;
     const Window* window = FindWindowRecord(handle);
     return window ? window->widget.data() : nullptr;
 }
 
-bool IsProgramWidget(const QWidget* widget) {
+static bool IsProgramWidget(const QWidget* widget) {
     for (const Window* window : AllWindows())
         if (widget && window->widget == widget) return IsProgramWindow(*window);
     return false;
 }
 
 // True if the program's window has the focus; its keys then go to the text.
-bool TextHasFocus() { return TextWidget() && IsProgramWidget(QApplication::focusWidget()); }
+static bool TextHasFocus() { return TextWidget() && IsProgramWidget(QApplication::focusWidget()); }
+
+namespace {
 
 // The window that shows text. A screen reader may ask for offsets in an earlier text.
 class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface {
@@ -60,6 +64,7 @@ class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface
         return state;
     }
 
+    using QAccessibleWidget::text;
     int characterCount() const override { return static_cast<int>(TextOf(ReadScreen()).size()); }
     QString text(int start, int end) const override {
         const QString whole = TextOf(ReadScreen());
@@ -132,7 +137,7 @@ class ButtonAccessible : public QAccessibleWidget {
         : QAccessibleWidget(button, role), button_(button) {}
 
     QString text(QAccessible::Text kind) const override {
-        const QString own = QAccessibleWidget::text(kind);
+        QString own = QAccessibleWidget::text(kind);
         if (kind != QAccessible::Name || !own.isEmpty()) return own;
         return QString(button_->text()).remove('&').simplified();
     }
@@ -163,13 +168,15 @@ struct ButtonRow {
     QAccessible::Role role;
 };
 
+}  // namespace
+
 const ButtonRow kButtons[] = {
     {"QCheckBox", QAccessible::CheckBox},
     {"QRadioButton", QAccessible::RadioButton},
     {"PanelKey", QAccessible::Button},
 };
 
-QAccessibleInterface* OfButton(const QString& class_name, QWidget* widget) {
+static QAccessibleInterface* OfButton(const QString& class_name, QWidget* widget) {
     auto* button = qobject_cast<QAbstractButton*>(widget);
     if (!button) return nullptr;
     if (class_name == "QToolButton" && button->isCheckable())
@@ -179,18 +186,22 @@ QAccessibleInterface* OfButton(const QString& class_name, QWidget* widget) {
     return nullptr;
 }
 
+namespace {
+
 struct RoleRow {
     LPCWSTR window_class;
     QAccessible::Role role;
     const char* name;  // empty: the widget's own name
 };
 
+}  // namespace
+
 const RoleRow kRoles[] = {
     {kCommandBarClass, QAccessible::ToolBar, "Toolbar"},
     {STATUSCLASSNAME, QAccessible::StatusBar, ""},
 };
 
-QAccessibleInterface* OfWindow(const Window& window, QWidget* widget) {
+static QAccessibleInterface* OfWindow(const Window& window, QWidget* widget) {
     if (widget == TextWidget()) return new TextAccessible(widget);
     if (IsProgramWindow(window)) return new ProgramAccessible(widget);
     for (const RoleRow& row : kRoles)
@@ -199,7 +210,7 @@ QAccessibleInterface* OfWindow(const Window& window, QWidget* widget) {
     return nullptr;
 }
 
-QAccessibleInterface* MakeAccessible(const QString& class_name, QObject* object) {
+static QAccessibleInterface* MakeAccessible(const QString& class_name, QObject* object) {
     auto* widget = qobject_cast<QWidget*>(object);
     if (widget && widget->objectName() == "device")
         return new QAccessibleWidget(widget, QAccessible::Window);
@@ -212,18 +223,18 @@ QAccessibleInterface* MakeAccessible(const QString& class_name, QObject* object)
 
 // The toolkit reports the program's window as focused after this signal, so this report is queued
 // behind that.
-void TellFocusOfText() {
+static void TellFocusOfText() {
     if (!TextHasFocus()) return;
     QAccessibleEvent event(TextWidget(), QAccessible::Focus);
     QAccessible::updateAccessibility(&event);
 }
 
-void OnFocusChanged(QWidget*, QWidget* now) {
+static void OnFocusChanged(QWidget*, QWidget* now) {
     if (QAccessible::isActive() && IsProgramWidget(now))
         QMetaObject::invokeMethod(qApp, TellFocusOfText, Qt::QueuedConnection);
 }
 
-void TellChange(QWidget* widget, const TextChange& change) {
+static void TellChange(QWidget* widget, const TextChange& change) {
     if (change.removed.isEmpty()) {
         QAccessibleTextInsertEvent event(widget, change.offset, change.inserted);
         QAccessible::updateAccessibility(&event);
@@ -236,14 +247,14 @@ void TellChange(QWidget* widget, const TextChange& change) {
     }
 }
 
-void TellSelection(QWidget* widget, const TextScreen& screen) {
+static void TellSelection(QWidget* widget, const TextScreen& screen) {
     const std::vector<TextRange> ranges = SelectedRanges(screen);
     const TextRange range = ranges.empty() ? TextRange{0, 0} : ranges.front();
     QAccessibleTextSelectionEvent event(widget, range.start, range.end);
     QAccessible::updateAccessibility(&event);
 }
 
-void TellDifferences(QWidget* widget, const TextScreen& before, const TextScreen& now) {
+static void TellDifferences(QWidget* widget, const TextScreen& before, const TextScreen& now) {
     for (const TextChange& change : ChangesBetween(before, now)) TellChange(widget, change);
     if (CursorOffset(before) != CursorOffset(now)) {
         QAccessibleTextCursorEvent event(widget, CursorOffset(now));
@@ -252,7 +263,7 @@ void TellDifferences(QWidget* widget, const TextScreen& before, const TextScreen
     if (before.selected != now.selected) TellSelection(widget, now);
 }
 
-void TellNow() {
+static void TellNow() {
     QWidget* widget = TextWidget();
     if (!widget || !g_told) return;
     TextScreen now = ReadScreen();
@@ -264,13 +275,13 @@ void TellNow() {
 }
 
 // A screen reader keeps what it knows of a widget's children until it gets such an event.
-void TellOfWidget(QWidget* widget, QAccessible::Event kind) {
+static void TellOfWidget(QWidget* widget, QAccessible::Event kind) {
     if (!QAccessible::isActive() || !widget) return;
     QAccessibleEvent event(widget, kind);
     QAccessible::updateAccessibility(&event);
 }
 
-void TellLater(qint64 milliseconds) {
+static void TellLater(qint64 milliseconds) {
     if (!g_told->later) {
         g_told->later = new QTimer(qApp);
         g_told->later->setSingleShot(true);
@@ -278,8 +289,6 @@ void TellLater(qint64 milliseconds) {
     }
     if (!g_told->later->isActive()) g_told->later->start(static_cast<int>(milliseconds));
 }
-
-}  // namespace
 
 void OfferToScreenReaders() {
     static QMetaObject::Connection focus;

@@ -6,13 +6,15 @@
 
 #include "platform/qt/window/messages.h"
 
+constexpr QSize kLeastSize(100, 80);
+
 namespace {
 
 class ScreenWidget : public QWidget {
   public:
     explicit ScreenWidget(QSize size) {
         setObjectName("device");
-        setMinimumSize(100, 80);
+        setMinimumSize(kLeastSize);
         resize(size);
     }
     QRect PanelPlace() const;
@@ -32,8 +34,10 @@ class ScreenWidget : public QWidget {
     ScreenFoot foot_;
 };
 
-std::unique_ptr<ScreenWidget> g_screen;
-std::vector<HWND> g_over;  // the last one is on top
+}  // namespace
+
+static std::unique_ptr<ScreenWidget> g_screen;
+static std::vector<HWND> g_over;  // the last one is on top
 
 QRect ScreenWidget::PanelPlace() const {
     const int bottom = std::max(height() - kMenuBarHeight, 0);
@@ -87,8 +91,6 @@ void ScreenWidget::keyPressEvent(QKeyEvent* event) {
 void ScreenWidget::keyReleaseEvent(QKeyEvent* event) {
     if (Window* window = ProgramWindow()) QueueKeyEvent(window->handle, event, false);
 }
-
-}  // namespace
 
 void OpenDeviceScreen(QSize size) { g_screen = std::make_unique<ScreenWidget>(size); }
 
