@@ -15,9 +15,13 @@ struct SavedText {
 inline constexpr SavedText saved_texts[] = {
     {1002, "sear1", {u"a", u"the other search, of 34 characters"}, u"ogin"},
     {1003, "resp1", {u"\x4e2d\x4e2d", u"b"}, u""},
-    {1253, "sear2", {u"", u"cc"}, u""},
     {1256, "resp2", {u"dddddddddddddddddddddddddddddd", u""}, u""},
 };
+
+// The number of the turn is saved too: as the number "table", and as a text in the field of
+// "sear2".
+inline constexpr DWORD kFirstTurn = 1000;
+inline constexpr int kTurnField = 1253;
 
 struct SavedNumber {
     const char* name;
@@ -30,7 +34,6 @@ inline constexpr SavedNumber saved_numbers[] = {
     {"blink", &Settings::blink, {0, 0xFFFFFFFF}, 0},
     {"port", &Settings::port, {23, 22}, 23},
     {"color_cursor", &Settings::color_cursor, {0x808080, 0x00FF00}, 0x808080},
-    {"table", &Settings::table, {0x01020304, 0xF0E0D0C0}, 1},
 };
 
 #endif

@@ -69,6 +69,12 @@ std::string LeastPadding(size_t payload, int more) {
     return std::string(padding + 8 * static_cast<size_t>(more), 'p');
 }
 
+size_t LengthOf(const std::string& packet) {
+    size_t length = 0;
+    for (size_t i = 0; i < 4; ++i) length = length << 8 | static_cast<unsigned char>(packet[i]);
+    return length;
+}
+
 std::string Broken(const std::string& why, std::string* wire) {
     ADD_FAILURE() << why << "; " << wire->size() << " bytes wait: " << Hex(wire->substr(0, 64));
     wire->clear();
@@ -149,16 +155,12 @@ std::string Seal(ScriptedServer& server, const std::string& payload, int more) {
     return SealBody(server, static_cast<uint32_t>(body.size()), body);
 }
 
-std::string Open(ScriptedServer& server, Tape& tape, std::string* wire) {
+std::string Unseal(ScriptedServer& server, std::string* wire, std::string* padding) {
     const size_t mac_size = server.keyed ? 20 : 0;
     if (wire->size() < 16 + mac_size) return Broken("no packet", wire);
     std::string packet = wire->substr(0, 8);
     if (server.keyed) packet = server.from_client->Run(packet);
-    const std::string length = packet.substr(0, 4);
-    size_t size = 4;
-    for (int i = 0; i < 4; i++)
-        size += static_cast<size_t>(static_cast<unsigned char>(length[static_cast<size_t>(i)]))
-                << (24 - 8 * i);
+    const size_t size = 4 + LengthOf(packet);
     if (size % 8 || size < 16 || wire->size() < size + mac_size)
         return Broken("a packet of " + std::to_string(size) + " bytes", wire);
     const std::string rest = wire->substr(8, size - 8);
@@ -166,14 +168,30 @@ std::string Open(ScriptedServer& server, Tape& tape, std::string* wire) {
     const uint32_t sequence = server.received++;
     if (server.keyed && wire->substr(size, 20) != Mac(server.mac_from_client, sequence, packet))
         return Broken("a wrong MAC", wire);
-    const size_t padding = static_cast<unsigned char>(packet[4]);
-    if (padding + 6 > size) return Broken("no payload", wire);
-    const std::string payload = packet.substr(5, size - 5 - padding);
-    if (padding != LeastPadding(payload.size(), 0).size())
-        return Broken("padding of " + std::to_string(padding) + " bytes", wire);
-    if (packet.substr(size - padding) != tape.Take(padding))
-        return Broken("padding that is not what the generator gave", wire);
+    const size_t count = static_cast<unsigned char>(packet[4]);
+    if (count + 6 > size) return Broken("no payload", wire);
+    const std::string payload = packet.substr(5, size - 5 - count);
+    if (count != LeastPadding(payload.size(), 0).size())
+        return Broken("padding of " + std::to_string(count) + " bytes", wire);
+    *padding = packet.substr(size - count);
     wire->erase(0, size + mac_size);
+    return payload;
+}
+
+bool PacketWaits(const ScriptedServer& server, const std::string& wire) {
+    const size_t mac_size = server.keyed ? 20 : 0;
+    if (wire.size() < 16 + mac_size) return false;
+    std::string packet = wire.substr(0, 8);
+    if (server.keyed) packet = CipherStream(*server.from_client).Run(packet);
+    return wire.size() >= 4 + LengthOf(packet) + mac_size;
+}
+
+std::string Open(ScriptedServer& server, Tape& tape, std::string* wire) {
+    std::string padding;
+    const std::string payload = Unseal(server, wire, &padding);
+    if (padding.empty()) return payload;
+    if (padding != tape.Take(padding.size()))
+        return Broken("padding that is not what the generator gave", wire);
     return payload;
 }
 

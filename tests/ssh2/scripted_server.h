@@ -57,6 +57,11 @@ std::string SealBody(ScriptedServer& server, uint32_t packet_length, const std::
 // returns "broken" if the length, the padding (drawn from the tape) or the MAC is wrong.
 std::string Open(ScriptedServer& server, Tape& tape, std::string* wire);
 
+// The same wherever the padding comes from; it is put into *padding, which stays as it was where
+// the packet is broken.
+std::string Unseal(ScriptedServer& server, std::string* wire, std::string* padding);
+bool PacketWaits(const ScriptedServer& server, const std::string& wire);  // a whole one
+
 std::string ServerKexInit(const std::string& cookie = std::string(16, 'c'));
 // The KEXINIT that the client must send; with an empty `cipher` it lacks the two cipher lists.
 std::string ClientKexInit(Tape& tape, const std::string& cipher);
