@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A program that is killed while it saves leaves each value old or new, and the file intact. It does
-// not lose what an earlier save has written. QUILL_KILLS: how many kills each test makes.
+// A program that is killed while it saves leaves each value old or new, and the file intact. It
+// does not lose what an earlier save has written. QUILL_KILLS: how many kills each test makes.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>

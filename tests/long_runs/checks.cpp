@@ -9,10 +9,10 @@
 
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
-#include "tests/config/settings_rows.h"
 #include "tests/dialogs/stored.h"
 #include "tests/hosts/peer_screen.h"
 #include "tests/long_runs/counts.h"
+#include "tests/settings/settings_rows.h"
 #include "tests/support/heap.h"
 #include "tests/support/person.h"
 #include "tests/terminal/terminal_state.h"
