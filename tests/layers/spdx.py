@@ -34,6 +34,8 @@ def line_for(name, first):
     """The licence line as a comment of the file's language; None if the file needs no line."""
     path = pathlib.Path(name)
     text = WORD + LICENCES[(TOP / "LICENSE").read_text().splitlines()[0]]
+    if ".json" in path.suffixes:  # has no comments
+        return None
     if first.startswith("/*") or path.suffix in STARS:
         return f"/* {text} */"
     if path.suffix in SLASHES:
