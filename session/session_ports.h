@@ -12,19 +12,19 @@
 
 struct SessionPorts {
     // The terminal's window.
-    void (*repaint)();        // paints the background and all rows
-    void (*show_changes)();   // paints the rows in row_changed, after text was written
-    void (*update_status)();  // updates the status line and the title
+    void (*repaint)();        // requests a paint of the background and all rows
+    void (*show_changes)();   // follows the cursor, requests a paint of the rows in row_changed
+    void (*update_status)();  // updates the status line and the title; does nothing while hidden
 
-    // The main window's menu bar: called when a session has begun or ended, or the toolbar has
-    // changed.
+    // Makes the main window's command bar, with its toolbar, and its menu bar anew: after a session
+    // has ended or could not begin, after the connect button, and when the toolbar has changed.
     void (*rebuild_menu_bar)();
 
     // Asks the user for the SSH user and password. Returns false if the dialog could not be shown.
     // The message loop runs while the dialog is open, so the session may end in the meantime.
     bool (*ask_sign_on)();
 
-    // Closes the session's socket.
+    // Closes the session from our side: no "closed" message follows.
     void (*close_session)();
 
     // Sends on a connected session, in its protocol.
@@ -35,8 +35,9 @@ extern SessionPorts session_ports;
 
 // ---------------------------------------------------------------- to the host
 
-// Sends terminal data on the current session. Does nothing while not connected. On Telnet with
-// `escape` 1, each byte 255 is doubled and IAC EOR follows; with 0 the bytes are sent unchanged.
+// Sends data on the current session, in its protocol. Does nothing while not connected. On Telnet
+// with `escape` 1, each byte 255 is doubled and IAC EOR follows; with 0 the bytes are sent
+// unchanged.
 void SessionSend(const BYTE* bytes, int length, int escape);
 
 // Writes to the socket until all bytes are sent. Returns true if they are, and also if there is
