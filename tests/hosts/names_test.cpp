@@ -56,9 +56,13 @@ TEST_P(Names, PromiseNothingThatGivesAWrongScreen) {
     EXPECT_EQ("0", GetParam().cells[1]);
 }
 
-TEST_P(Names, AreWalkedThroughWithEveryProgram) {
-    const std::string& walked = GetParam().cells[2];
-    EXPECT_NE(std::string::npos, walked.find(" steps, 0 wrong")) << walked;
+// So that a walk with the first name holds for all of them.
+TEST_P(Names, AreOneEntryInARow) {
+    TerminfoEntry first;
+    ASSERT_TRUE(ReadEntry(CodeOf(GetParam().cells[0]).at(0), &first));
+    EXPECT_EQ(first.flags, entry.flags);
+    EXPECT_EQ(first.numbers, entry.numbers);
+    EXPECT_EQ(first.strings, entry.strings);
 }
 
 TEST_P(Names, LackWhatThePageSays) {
