@@ -149,18 +149,77 @@ static void NoteLacking(const TerminfoEntry& entry, std::vector<std::string>* fa
     }
 }
 
+static void NoteLeftOut(const TerminfoEntry& entry, std::vector<std::string>* faults) {
+    for (const LeftOut& row : kLeftOut) {
+        if (Has(entry, row.capability) || entry.flags.count(row.capability) != 0 ||
+            entry.numbers.count(row.capability) != 0)
+            faults->push_back(std::string("the entry has ") + row.capability + ": " + row.reason);
+    }
+}
+
+static std::string FaultOfKey(const std::string& capability) {
+    const KeyRow* key = FindKey(capability);
+    if (!key) return "the key table has no key " + capability;
+    const std::string other = OtherKeyOf(*key);
+    return other.empty() ? "" : capability + " is what the key " + other + " sends";
+}
+
 std::vector<std::string> FaultsOfOwnEntry(const TerminfoEntry& entry) {
     std::vector<std::string> faults = FaultsOfSettingUp(entry);
     for (const Finding& finding : ProveEntry(entry))
         faults.push_back(finding.capability + ": " + finding.message);
     NoteLacking(entry, &faults);
+    NoteLeftOut(entry, &faults);
     if (const std::string fault = FaultOfGlyphs(entry); !fault.empty()) faults.push_back(fault);
     for (const auto& [capability, text] : entry.strings) {
         for (const std::string& fault : FaultsOfString(entry, capability))
             faults.push_back(capability + ": " + fault);
         if (IsNeutral(capability)) faults.push_back(capability + " promises nothing");
-        if (capability[0] == 'k' && !FindKey(capability))
-            faults.push_back("the key table has no key " + capability);
+        const std::string fault = capability[0] == 'k' ? FaultOfKey(capability) : "";
+        if (!fault.empty()) faults.push_back(fault);
     }
+    return faults;
+}
+
+// ---------------------------------------------------------------- keys of seven bits
+
+static const unsigned kC1Mask = 0xe0, kC1 = 0x80, kC1ToFinal = 0x40;
+
+static std::string InSevenBits(const std::string& text) {
+    std::string seven;
+    for (const char c : text) {
+        const unsigned byte = static_cast<unsigned char>(c);
+        if ((byte & kC1Mask) == kC1) {
+            seven += '\033';
+            seven += static_cast<char>(byte - kC1ToFinal);
+        } else {
+            seven += c;
+        }
+    }
+    return seven;
+}
+
+static void NoteString(const std::string& name, const TerminfoEntry& seven,
+                       const TerminfoEntry& eight, std::vector<std::string>* faults) {
+    const std::string text = Expand(eight, name);
+    const std::string wanted = name[0] == 'k' ? InSevenBits(text) : text;
+    if (Has(seven, name) != Has(eight, name) || Expand(seven, name) != wanted)
+        faults->push_back(name + "=" + AsEscapeText(Expand(seven, name)) + ", not " +
+                          AsEscapeText(wanted));
+}
+
+std::vector<std::string> FaultsOfSevenBitEntry(const TerminfoEntry& seven,
+                                               const TerminfoEntry& eight) {
+    std::vector<std::string> faults;
+    for (const std::string& flag : FlagNames()) {
+        if (seven.flags.count(flag) != eight.flags.count(flag)) faults.push_back(flag);
+    }
+    for (const std::string& number : NumberNames()) {
+        const auto found = seven.numbers.find(number), wanted = eight.numbers.find(number);
+        const bool has = found != seven.numbers.end();
+        if (has != (wanted != eight.numbers.end()) || (has && found->second != wanted->second))
+            faults.push_back(number);
+    }
+    for (const std::string& name : StringNames()) NoteString(name, seven, eight, &faults);
     return faults;
 }

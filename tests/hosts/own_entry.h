@@ -6,9 +6,15 @@
 
 #include "tests/hosts/proof.h"
 
-// Broken promises, flags and numbers that the terminal would keep and the entry lacks, strings that
-// promise nothing, keys that the key table lacks. One message each; none for a true entry.
+// Broken promises, flags and numbers that the terminal would keep and the entry lacks, capabilities
+// that are left out for a reason and are there, strings that promise nothing, keys that the key
+// table lacks or that send what another key sends. One message each; none for a true entry.
 std::vector<std::string> FaultsOfOwnEntry(const TerminfoEntry& entry);
+
+// Where `seven` is not `eight` with the keys in their 7-bit forms: flags, numbers and strings, one
+// message each.
+std::vector<std::string> FaultsOfSevenBitEntry(const TerminfoEntry& seven,
+                                               const TerminfoEntry& eight);
 
 // A string with an expression that terminfo(5) does not define; empty for a true one. The terminal
 // may take what such an expression leaves behind.

@@ -83,5 +83,8 @@ const KeyRow* FindKey(const std::string& capability);
 std::vector<std::string> KeyCapabilities();
 std::string KeyName(const KeyRow& key);
 std::string SentByDefault(const KeyRow& key);
+// The first row that sends the same by default, and so is the key that a host takes it for; empty
+// if it is this one.
+std::string OtherKeyOf(const KeyRow& key);
 
 #endif
