@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <cstring>
+#include <QPixmapCache>
 
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
@@ -238,6 +239,7 @@ static long EntriesOf(const char* folder) {
 Held WhatIsHeld() {
     Held held = {};
     OnWindowThread([&] {
+        QPixmapCache::clear();  // the toolkit keeps up to 10 MB of pictures that were drawn
         held = {EntriesOf("/proc/self/task"),
                 EntriesOf("/proc/self/fd"),
                 counts.handles,

@@ -131,7 +131,7 @@ TEST(Soak, HostUserAndNetworkAtOnce) {
     Soak soak;
     soak.seed = Asked("QUILL_SOAK_SEED", 1);
     soak.first = soak.session = Asked("QUILL_SOAK_FROM", 0);
-    soak.end = Clock::now() + std::chrono::seconds(Asked("QUILL_SOAK_SECONDS", 40));
+    soak.end = Clock::now() + std::chrono::seconds(Asked("QUILL_SOAK_SECONDS", 20));
     soak.run.root = FreshRoot();
     soak.run.dial = FreshRoot();
     std::atomic<bool> over{false};

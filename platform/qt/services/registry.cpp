@@ -82,12 +82,12 @@ static LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool*
     while (TakeName(&sub_key, &name)) {
         if (name.size() > kLongestKeyName) return ERROR_INVALID_PARAMETER;
         path->append("\\").append(StoredName(name));
-        if (!created) continue;  // NOLINT(bugprone-bool-pointer-implicit-conversion)
+        if (!created) continue;
         const StoreResult made = registry.store.MakeKey(*path, created);
         if (made != StoreResult::kOk) return ErrorOf(made);
         asked = true;
     }
-    if (created || *path == kLocalMachine)
+    if (created != nullptr || *path == kLocalMachine)
         return asked || registry.store.IsUsable() ? ERROR_SUCCESS : kErrorRegistryFailed;
     return ErrorOf(registry.store.HasKey(*path));
 }
