@@ -423,6 +423,7 @@ TEST(HostsPage, EditorsAndPagersShowTheEuroAsThePageSays) {
             ClearAndRun(program + " euro");
             EXPECT_TRUE(TerminalShows(letters + euro + " 5\n")) << program << TerminalText();
             TypeText(end);
+            ASSERT_TRUE(AtNewPrompt()) << program << TerminalText();
         };
         shows("vim -u NONE -i NONE -n", "~@", ":q!\n");
         shows("vim -u vimrc -i NONE -n", "\x80", ":q!\n");
