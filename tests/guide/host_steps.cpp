@@ -88,7 +88,10 @@ Host SerialHost() {
         "socat pty,raw,echo=0,link=/mnt/line pty,raw,echo=0,link=/mnt/console &\n"
         "until [ -e /mnt/console ]; do sleep 0.05; done\n"
         "console=$(readlink /mnt/console)\n" +
-        PasteTwice(getty) + PasteTwice(Recipe("ser2net", words)) +
+        PasteTwice(getty) + "mv /etc/ser2net.yaml /mnt/packaged\n" +
+        PasteTwice(Recipe("ser2net", words)) +
+        "mv /etc/ser2net.yaml /var/log/alone.yaml\nmv /mnt/packaged /etc/ser2net.yaml\n" +
+        PasteTwice(Recipe("ser2net", words)) + "cp /etc/ser2net.yaml /var/log\n" +
         "/usr/sbin/ser2net -n -c /etc/ser2net.yaml &\nsetsid " + command.substr(1, line - 1) +
         "${console#/dev/}" + command.substr(line + 8) + " &\n" + AwaitPort(host.port);
     return host;

@@ -62,10 +62,23 @@ TEST(HostsPage, BusyboxTelnetServerOfTheBoxIsLoggedInToByTheClientsLines) {
                       [] { RunAtPrompt("id -un; echo type=$TERM", "visitor\ntype=quill"); });
 }
 
+int CountOf(const std::string& text, const std::string& part) {
+    int count = 0;
+    for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size()) ++count;
+    return count;
+}
+
 TEST(HostsPage, SerialConsoleBehindTheConsoleServerIsLoggedInTo) {
     const Host host = SerialHost();
     HostMachine machine(host);
     START_OR_SKIP(machine);
+    const std::string file = machine.Log("ser2net.yaml"), alone = machine.Log("alone.yaml");
+    EXPECT_EQ(CountOf(file, "connection: &quill\n"), 1) << "pasted twice, it is there once\n"
+                                                        << file;
+    EXPECT_EQ(CountOf(file, "connection: &con0096\n"), 1) << "the file's own stays\n" << file;
+    EXPECT_EQ(CountOf(file, "%YAML"), 1) << file;
+    EXPECT_EQ(alone.find("%YAML 1.1\n---\nconnection: &quill\n"), 0u) << alone;
+    EXPECT_EQ(CountOf(alone, "connection:"), 1) << alone;
     WithConfig(Recipe("telnet-client", host.words()) + Recipe("auto-login"), [] {
         ASSERT_TRUE(Online()) << "the console server speaks first";
         ASSERT_TRUE(TerminalShows("\n$\n")) << TerminalText();
@@ -81,6 +94,18 @@ TEST(HostsPage, UnitsWaitForTheNetworkAndTryAgain) {
         EXPECT_EQ(UnitValue(unit, "Restart"), "on-failure") << name;
         EXPECT_EQ(UnitValue(unit, "RestartSec"), "5") << name;
     }
+}
+
+// A unit that runs, or is only loaded, needs each of the three.
+TEST(HostsPage, UnitsOfTheBoxesAreReadEnabledAndStartedAnew) {
+    std::ifstream file(QUILL_DOCS "/hosts.md");
+    const std::string page{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    for (const std::string unit : {"sshd-quill", "telnetd-quill", "serial-getty@LINE"}) {
+        const std::string command = "`systemctl daemon-reload && systemctl enable " + unit +
+                                    " && systemctl restart " + unit + '`';
+        EXPECT_EQ(CountOf(page, command), 1) << command;
+    }
+    EXPECT_EQ(CountOf(page, "enable --now"), 0) << "which leaves a unit that runs as it is";
 }
 
 // The box's last line, on a machine that has started no SSH server yet.
@@ -117,10 +142,17 @@ TEST(HostsPage, UserOfTcshHasTheEntryAfterTheBoxes) {
         PasteAtPrompt(Recipe("entry"));
         PasteAtPrompt(Recipe("csh"));
         PasteAtPrompt(Recipe("csh"));
+        PasteAtPrompt(Recipe("locale"));
         TypeText("exit\nstty erase '^?'\nsource .login\n");
-        RunAtPrompt("echo $version | cut -c1-4; grep -c setenv .login; tput cols", "tcsh\n1\n80");
+        RunAtPrompt("echo $version | cut -c1-4; grep -c setenv .login; tput cols", "tcsh\n4\n80");
         RunAtPrompt("stty -a | grep -o 'erase = ^H'; echo now=$TERMINFO",
                     "erase = ^H\nnow=/mnt/home/visitor/.terminfo");
+        RunAtPrompt("locale charmap; echo $LANG $LOCPATH",
+                    "CP1252\nde_DE.CP1252 /mnt/home/visitor/.locale");
+        TypeText("stty erase '^?'\n");
+        RunAtPrompt("sane | od -An -tx1 -w18; stty -a | grep -o 'erase = ^H'",
+                    " f0 1b 5c 1b 63 1b 29 42 1b 5b 31 32 68 1b 5b 32 30 6c\nerase = ^H");
+        RunAtPrompt("(source .login) < /dev/null |& wc -c", "0");
         TypeText("unsetenv TERMINFO; setenv TERM vt100; source .login\n");
         RunAtPrompt("env | grep -c TERMINFO", "0");
     });
@@ -140,6 +172,26 @@ TEST(HostsPage, TermcapEntryIsPastedByAUser) {
             "tic -o $HOME/t .termcap; TERMINFO=$HOME/t tput cols; "
             "TERMINFO=$HOME/t tput -T quill-7 khome | cut -c2-",
             "80\n[1~");
+        TypeText("infocmp -A $HOME/t -1 quill >read\n");
+        RunAtPrompt(
+            "grep -cE 'k(end|f1?[0-9]|f20)=' read; grep -c 'acsc=0aaahajjkkllmmnnooppqq' read",
+            "21\n1");
+    });
+}
+
+// bash takes an unquoted name with a blank after > for two.
+TEST(HostsPage, BoxesTakeAHomeFolderWithABlank) {
+    const Host host = WithoutEntry(SshHost());
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    WithSshSession(host, "", [] {
+        TypeText("export HOME=\"$HOME/a b\"; mkdir \"$HOME\"; cd\n");
+        for (const char* name : {"entry", "csh", "termcap", "profile", "locale"})
+            PasteAtPrompt(Recipe(name));
+        RunAtPrompt("ls -A | LC_ALL=C sort | tr '\\n' /; echo",
+                    ".locale/.login/.profile/.termcap/.terminfo/quill.ti/");
+        RunAtPrompt("TERMINFO=; . ./.profile; echo $LANG; echo $TERMINFO; tput cols",
+                    "de_DE.CP1252\n/mnt/home/visitor/a b/.terminfo\n80");
     });
 }
 
@@ -196,6 +248,7 @@ TEST(HostsPage, ProfileSetsSizeAndBackspace) {
                         "24 80\nerase = ^H");
         }
         RunAtPrompt("stty rows 5; (TERM=vt100; . ~/.profile; stty size); stty rows 24", "5 80");
+        RunAtPrompt("(. ~/.profile) </dev/null 2>&1 | wc -c", "0");
         ClearAndRun("echo rea\"dy\"; cat");
         ASSERT_TRUE(ShowsRow("ready")) << TerminalText();
         TypeText("wrong\b\b\b\b\bright\n");
@@ -350,6 +403,32 @@ TEST(HostsPage, LocaleOfTheBoxBringsAccentsToTheScreenAndFromTheKeys) {
             ShowsRow("Gr\xFC\xDF"
                      "e \x80 5"))
             << TerminalText();
+    });
+}
+
+TEST(HostsPage, EditorsAndPagersShowTheEuroAsThePageSays) {
+    const Host host = SshHost();
+    HostMachine machine(host);
+    START_OR_SKIP(machine);
+    const std::string letters =
+        "Gr\xFC\xDF"
+        "e ";
+    machine.Put("euro", letters + "\x80 5\n");
+    machine.Put("vimrc", Recipe("vim"));
+    WithSshSession(host, "", [&] {
+        PasteAtPrompt(Recipe("locale"));
+        TypeText(". ~/.profile; cd /var/log\n");
+        const auto shows = [&](const std::string& program, const std::string& euro,
+                               const char* end) {
+            ClearAndRun(program + " euro");
+            EXPECT_TRUE(TerminalShows(letters + euro + " 5\n")) << program << TerminalText();
+            TypeText(end);
+            ASSERT_TRUE(AtNewPrompt()) << program << TerminalText();
+        };
+        shows("vim -u NONE -i NONE -n", "~@", ":q!\n");
+        shows("vim -u vimrc -i NONE -n", "\x80", ":q!\n");
+        shows("nano -I", "^`", "\x18");
+        shows("less", "\x80", "q");
     });
 }
 

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 #include "tests/guide/page.h"
 #include "tests/hosts/proof.h"
@@ -168,13 +169,70 @@ TEST(OlderForm, OfTermcapFitsTheBuffer) {
     }
 }
 
-// The handbook has blanks for tabs, which a shell completes.
-TEST(OlderForm, OfTermcapIsTheHandbooks) {
-    std::string expected = OutputOf("infocmp -Cr quill | grep -v '^#'");
-    for (size_t at; (at = expected.find('\t')) != std::string::npos;)
-        expected.replace(at, 1, "    ");
+static std::string TermcapBox() {
     const std::string recipe = ReadPage(QUILL_HOSTS_PAGE).recipes.at("termcap");
-    EXPECT_NE(std::string::npos, recipe.find("<<'END'\n" + expected + "quill-7|"));
+    const size_t start = recipe.find("<<'END'\n") + 8;
+    return recipe.substr(start, recipe.find("END\n", start) - start);
+}
+
+// The entry with its lines joined, as a program has it in its buffer.
+static std::string JoinedTermcap(std::string text, const std::string& entry) {
+    for (size_t at; (at = text.find("\\\n")) != std::string::npos;) text.erase(at, 2);
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind(entry + '|', 0) == 0) return line;
+    }
+    ADD_FAILURE() << "no entry " << entry;
+    return "|:";
+}
+
+// "am", "co#80" and "bl=^G"; without those that begin with a point, which programs skip.
+static std::set<std::string> TermcapFields(const std::string& command_output,
+                                           const std::string& entry) {
+    const std::string joined = JoinedTermcap(command_output, entry);
+    std::istringstream text(joined.substr(joined.find(':')));
+    std::set<std::string> fields;
+    for (std::string field; std::getline(text, field, ':');) {
+        field.erase(0, field.find_first_not_of(" \t"));
+        if (!field.empty() && field[0] != '.') fields.insert(field);
+    }
+    return fields;
+}
+
+// What infocmp makes, and of what it leaves out for the length: keys and line drawing.
+static std::set<std::string> TermcapOfTheHandbook(const std::string& entry) {
+    const std::set<std::string> more = {"@7", "F1", "F2", "F3", "F4", "F5", "F6",
+                                        "F7", "F8", "F9", "FA", "k;", "ac"};
+    std::set<std::string> fields = TermcapFields(OutputOf("infocmp -Cr " + entry), entry);
+    for (const std::string& field : TermcapFields(OutputOf("infocmp -CrT " + entry), entry)) {
+        if (more.count(field.substr(0, 2)) == 1) fields.insert(field);
+    }
+    return fields;
+}
+
+TEST(OlderForm, OfTermcapIsTheHandbooks) {
+    EXPECT_EQ(TermcapFields(TermcapBox(), "quill"), TermcapOfTheHandbook("quill"));
+    EXPECT_EQ(1u, TermcapOfTheHandbook("quill").count("FA=\\E[34~"));
+}
+
+// Fields of the shorter entry come before those of the other, so that they count.
+TEST(OlderForm, OfTermcapWithKeysOfSevenBitsDiffersInThoseOnly) {
+    const std::set<std::string> own = TermcapFields(TermcapBox(), "quill-7");
+    std::set<std::string> expected = {"tc=quill"};
+    const std::set<std::string> other = TermcapOfTheHandbook("quill");
+    for (const std::string& field : TermcapOfTheHandbook("quill-7")) {
+        if (other.count(field) == 0) expected.insert(field);
+    }
+    EXPECT_EQ(own, expected);
+}
+
+// `tc=` is replaced by the other entry's fields.
+TEST(OlderForm, OfTermcapOfTheHandbookFitsTheBuffer) {
+    const std::string quill = JoinedTermcap(TermcapBox(), "quill");
+    const std::string seven = JoinedTermcap(TermcapBox(), "quill-7");
+    EXPECT_LE(quill.size(), 1023u);
+    const size_t fields = quill.size() - quill.find(':');
+    EXPECT_LE(seven.size() - std::string("tc=quill:").size() + fields, 1023u);
 }
 
 // An entry compiled from what `command` prints, read back.
@@ -212,3 +270,7 @@ TEST(OlderForm, OfEachSystemPassesTheProof) {
 
 // Its string that ends attributes leaves line drawing to another.
 TEST(OlderForm, OfTermcapPassesTheProof) { ExpectProven("infocmp -Cr quill", {"acsc", "sgr0"}); }
+
+TEST(OlderForm, OfTheHandbookPassesTheProof) {
+    ExpectProven("{ cat <<'BOX'\n" + TermcapBox() + "BOX\n}", {"sgr0"});
+}
