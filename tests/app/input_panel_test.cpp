@@ -224,7 +224,7 @@ TEST(InputPanel, BarsHigherThanThePanelLeaveNoRowCovered) {
     });
 }
 
-// Integer division truncates, so the part counts as a row.
+// Integer division truncates, so a covered piece counts as a whole row.
 TEST(InputPanel, PartOfACellBelowThePanelCountsAsARow) {
     FakeHost host;
     OnSmallDevice(host, [] {

@@ -286,7 +286,7 @@ TEST(SequencesPage, ReportsAreSentAsItListsThem) {
     EXPECT_EQ(reports, 13);
 }
 
-// Sequences of other terminals, and the part of each that this terminal shows.
+// Sequences of other terminals, and what of each this terminal shows.
 TEST(SequencesPage, ExamplesOfWhatShowsAreTrue) {
     struct {
         const char* bytes;
