@@ -19,7 +19,7 @@ struct StateRow {
 }  // namespace
 
 // clang-format off
-const StateRow kStates[] = {
+static const StateRow kStates[] = {
     {0,    "Open port\r\n"},
     {1,    "The com. port has been opened successfully\r\n"},
     {2,    "A device is about to be connected\r\n"},

@@ -16,8 +16,8 @@ struct DirectionKeys {
 static DirectionKeys outgoing;
 static DirectionKeys incoming;
 
-static const int kSsh2BlowfishKey = 16;  // bytes
-static const int kSsh1BlowfishKey = 32;
+constexpr int kSsh2BlowfishKey = 16;  // bytes
+constexpr int kSsh1BlowfishKey = 32;
 
 void WipeCipherKeys() {
     Wipe(&outgoing, sizeof(outgoing));

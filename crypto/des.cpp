@@ -110,7 +110,7 @@ constexpr DesRoundTable MakeDesRoundTable() {
 
 // ---------------------------------------------------------------- the rounds
 
-static constexpr DesRoundTable kRoundTable = MakeDesRoundTable();
+constexpr DesRoundTable kRoundTable = MakeDesRoundTable();
 
 // The round keys of one pass over a block, in the order in which the rounds use them.
 struct RoundKeys {

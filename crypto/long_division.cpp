@@ -6,7 +6,7 @@
 
 // A column can add this many rows of either sign, twice, without overflow: once for a product and
 // once for its division.
-static const int kRowsBeforeSettle = 2048;
+constexpr int kRowsBeforeSettle = 2048;
 
 void ColumnsPlace(Columns* columns, int count, void* memory) {
     columns->count = count;

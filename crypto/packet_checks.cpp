@@ -10,7 +10,7 @@ struct CrcTable {
     uint32_t entry[256];
 };
 
-static constexpr CrcTable MakeCrcTable() {
+constexpr CrcTable MakeCrcTable() {
     CrcTable table = {};
     for (uint32_t n = 0; n < 256; ++n) {
         uint32_t value = n;
@@ -22,7 +22,7 @@ static constexpr CrcTable MakeCrcTable() {
     return table;
 }
 
-static constexpr CrcTable kCrcTable = MakeCrcTable();
+constexpr CrcTable kCrcTable = MakeCrcTable();
 static_assert(kCrcTable.entry[1] == 0x77073096u && kCrcTable.entry[255] == 0x2D02EF8Du);
 
 uint32_t Crc32(const uint8_t* bytes, int length) {
@@ -35,9 +35,9 @@ uint32_t Crc32(const uint8_t* bytes, int length) {
 
 // ---------------------------------------------------------------- HMAC-SHA1
 
-static const int kPadSize = 64;
-static const uint8_t kInnerPad = 0x36;
-static const uint8_t kOuterPad = 0x5C;
+constexpr int kPadSize = 64;
+constexpr uint8_t kInnerPad = 0x36;
+constexpr uint8_t kOuterPad = 0x5C;
 
 static MacKeyPair outgoing;
 static MacKeyPair incoming;

@@ -171,9 +171,9 @@ void DhForget(DhContext* context) {
 // ---------------------------------------------------------------- ssh-dss
 
 static const char kDssName[] = "ssh-dss";
-static const int kDssNameLength = 7;
-static const int kNumberSize = 20;  // bytes of r and of s
-static const int kSignatureSize = 2 * kNumberSize;
+constexpr int kDssNameLength = 7;
+constexpr int kNumberSize = 20;  // bytes of r and of s
+constexpr int kSignatureSize = 2 * kNumberSize;
 
 static Bignum TakeNumber(ByteReader* reader) {
     const uint8_t* bytes;

@@ -71,7 +71,7 @@ struct Choice {
 }  // namespace
 
 // clang-format off
-const Choice kChoices[] = {
+static const Choice kChoices[] = {
     {"1",  "Line drawing",        "frames and every special graphics glyph", &kLineDrawingPage},
     {"2",  "Double-size lines",   "double width, double height",             &kDoubleSizePage},
     {"3",  "Attributes",          "bold, underline, blink, reverse",         &kAttributesPage},

@@ -82,7 +82,7 @@ struct Style {
 }  // namespace
 
 // clang-format off
-const Style kStyles[] = {
+static const Style kStyles[] = {
     {"0",       "plain"},            {"1",       "bold"},
     {"4",       "underline"},        {"1;4",     "bold underline"},
     {"5",       "blink"},            {"1;5",     "bold blink"},

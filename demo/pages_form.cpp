@@ -22,7 +22,7 @@ struct Field {
 }  // namespace
 
 // clang-format off
-const Field kFields[] = {
+static const Field kFields[] = {
     {"Ship",         6, 24},
     {"Article",      8, 24},
     {"Quantity",    10,  8},
@@ -119,7 +119,7 @@ struct Ship {
 }  // namespace
 
 // clang-format off
-const Ship kShips[] = {
+static const Ship kShips[] = {
     {"Albatross",     "sailcloth"},      {"Anna Marie",    "oak planks"},
     {"Bright Star",   "lanterns"},       {"Cormorant",     "fresh water"},
     {"Dogger",        "herring"},        {"Eider",         "hemp rope"},

@@ -48,7 +48,7 @@ struct Question {
 }  // namespace
 
 // clang-format off
-const Question kQuestions[] = {
+static const Question kQuestions[] = {
     {"Primary attributes",    "\x1b[c"},
     {"Secondary attributes",  "\x1b[>c"},
     {"Status",                "\x1b[5n"},

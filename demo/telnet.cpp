@@ -53,7 +53,7 @@ struct OptionRow {
 }  // namespace
 
 // clang-format off
-const OptionRow kOptionRows[] = {
+static const OptionRow kOptionRows[] = {
     {kWill, OnWill},
     {kWont, OnWont},
     {kDo,   OnDo},
@@ -130,7 +130,7 @@ using StateHandler = bool (*)(Telnet&, unsigned char, std::string&, char&);
 
 }  // namespace
 
-const StateHandler kStates[] = {
+static const StateHandler kStates[] = {
     TakeData, TakeCommand, TakeOption, TakeSubnegotiation, TakeSubnegotiationIac,
 };
 

@@ -14,7 +14,7 @@
 
 const Protocol* const kProtocols[] = {&kTelnetProtocol, &kSsh1Protocol, &kSsh2Protocol};
 
-static const Protocol& Spoken() {
+static const Protocol& CurrentProtocol() {
     if (session.settings.ssh == 0) return *kProtocols[0];
     return *kProtocols[session.settings.ssh_type2 == 1 ? 2 : 1];
 }
@@ -35,7 +35,7 @@ void BeginProtocol() {
 }
 
 void TakeSessionChunk(const BYTE* bytes, int count) {
-    const Protocol& protocol = Spoken();
+    const Protocol& protocol = CurrentProtocol();
     if (!protocol.identification) return protocol.take_chunk(bytes, count);
     if (session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) return;
     if (session.banner_sent) return protocol.take_chunk(bytes, count);
@@ -43,7 +43,7 @@ void TakeSessionChunk(const BYTE* bytes, int count) {
 }
 
 void SendSessionData(const BYTE* bytes, int length, int escape) {
-    Spoken().send_data(bytes, length, escape);
+    CurrentProtocol().send_data(bytes, length, escape);
 }
 
 void ForgetSshSession() {

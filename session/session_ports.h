@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What any folder may call to reach the rest of the program: the ports to the folders above it, the
-// routine that sends to the host, and the message boxes for the user.
+// What the folders above this one may call to reach the rest of the program: the ports to the
+// folders above it, the routine that sends to the host, and the message boxes for the user.
 #ifndef QUILL_SESSION_SESSION_PORTS_H
 #define QUILL_SESSION_SESSION_PORTS_H
 
@@ -16,8 +16,9 @@ struct SessionPorts {
     void (*show_changes)();   // follows the cursor, requests a paint of the rows in row_changed
     void (*update_status)();  // updates the status line and the title; does nothing while hidden
 
-    // Makes the main window's command bar, with its toolbar, and its menu bar anew: after a session
-    // has ended or could not begin, after the connect button, and when the toolbar has changed.
+    // Makes the main window's command bar, with its toolbar, and its menu bar again: after a
+    // session has ended or could not begin, after the connect button, and when the toolbar has
+    // changed.
     void (*rebuild_menu_bar)();
 
     // Asks the user for the SSH user and password. Returns false if the dialog could not be shown.

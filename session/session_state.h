@@ -38,7 +38,7 @@ struct SessionState {
     // Owner: ui/view/terminal_window, ui/main_window. Set as soon as the window gets WM_CREATE.
     HWND client_window = nullptr;
 
-    // Owner: ui/main_window. RebuildMenuBar makes both bars anew, so their handles are not kept.
+    // Owner: ui/main_window. RebuildMenuBar makes both bars again, so their handles are not kept.
     HWND main_window = nullptr;  // set at WM_CREATE and never cleared
     HWND command_bar = nullptr;
     HWND menu_bar = nullptr;     // null if the bar could not be made
@@ -56,7 +56,7 @@ struct SessionState {
     DWORD input_panel_up = 0;  // 1: the on-screen keyboard is shown, as last reported
 
     // Owner: ui/view/status_bar.
-    HWND status_window = nullptr;  // null while hidden; RebuildStatusBar makes it anew
+    HWND status_window = nullptr;  // null while hidden; RebuildStatusBar makes it again
     int status_height = 0;         // pixels; 0 while hidden
 
     // Owner: ui/view/terminal_window.
@@ -86,7 +86,7 @@ struct SessionState {
     std::atomic<DWORD> connected{0};  // set by the receiving thread, cleared by the window thread
     std::atomic<DWORD> receive_ready{0};     // 1: the thread may fill receive_buffer
     char receive_buffer[kReceiveSize] = {};  // receive_ready says which thread may touch it
-    int receive_count = 0;  // what recv returned: the bytes in receive_buffer, 0 or less: none
+    int receive_count = 0;           // what recv returned: bytes in receive_buffer, or 0 or less
     HANDLE handed_back = nullptr;    // event: receive_ready was set, or the socket closed
     HANDLE receive_ended = nullptr;  // event: the receiving thread has ended
 

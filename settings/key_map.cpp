@@ -96,7 +96,7 @@ struct KeyRange {
 }  // namespace
 
 // clang-format off
-const KeyRange kRanges[] = {
+static const KeyRange kRanges[] = {
     // keys               plain       Shift       Ctrl  Shift+Ctrl
     {VK_F1,     VK_F20,    0,         20,          0,   20},
     {'0',       '9',       kNotMapped, kNotMapped, 42,  52},

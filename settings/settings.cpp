@@ -28,7 +28,7 @@ static Settings& s = session.settings;
 
 // Loading, saving and deleting follow the order of the rows.
 // clang-format off
-const NumberRow kNumbers[] = {
+static const NumberRow kNumbers[] = {
     {&s.blink,        0,        TEXT("blink")},
     {&s.fsize,        8,        TEXT("fsize")},
     {&s.bell,         1,        TEXT("bell")},
@@ -56,7 +56,7 @@ const NumberRow kNumbers[] = {
     {nullptr,         0,        nullptr},
 };
 
-const StringRow kStrings[] = {
+static const StringRow kStrings[] = {
     {s.fname,    TEXT("Terminal"), TEXT("fname")},
     {s.host,     TEXT(""),         TEXT("host")},
     {s.hist0a,   TEXT(""),         TEXT("hist0a")},

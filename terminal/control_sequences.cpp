@@ -68,7 +68,7 @@ struct FinalRow {
 };
 
 // clang-format off
-static constexpr FinalRow kFinalRows[] = {
+constexpr FinalRow kFinalRows[] = {
     // final, action,                  parses, replies
     {'@',     InsertCharacters,        true,   false},  // ICH
     {'A',     CursorUp,                true,   false},  // CUU
@@ -99,7 +99,7 @@ static constexpr FinalRow kFinalRows[] = {
 };
 // clang-format on
 
-static constexpr std::array<FinalRow, 256> kFinals = [] {
+constexpr std::array<FinalRow, 256> kFinals = [] {
     std::array<FinalRow, 256> table{};
     for (const FinalRow& row : kFinalRows) table[row.byte] = row;
     return table;
@@ -152,7 +152,7 @@ struct InnerRow {
 };
 
 // clang-format off
-static constexpr InnerRow kInnerRows[] = {
+constexpr InnerRow kInnerRows[] = {
     {'0',  '9',  CollectParameter},
     {';',  ';',  CollectParameter},
     {'\'', '\'', CollectParameter},
@@ -166,7 +166,7 @@ static constexpr InnerRow kInnerRows[] = {
 };
 // clang-format on
 
-static constexpr std::array<InnerHandler, 256> kInner = [] {
+constexpr std::array<InnerHandler, 256> kInner = [] {
     std::array<InnerHandler, 256> table{};
     for (const InnerRow& row : kInnerRows) {
         for (size_t b = row.first; b <= row.last; ++b) table[b] = row.act;
@@ -174,7 +174,7 @@ static constexpr std::array<InnerHandler, 256> kInner = [] {
     return table;
 }();
 
-static constexpr std::array<BYTE, 256> kParameterBytes = [] {
+constexpr std::array<BYTE, 256> kParameterBytes = [] {
     std::array<BYTE, 256> table{};
     for (size_t b = 0; b < table.size(); ++b) table[b] = kInner[b] == CollectParameter;
     return table;
@@ -213,8 +213,8 @@ int CollectParameters(const BYTE* bytes, int count) {
 // each of them digit by digit costs several mispredicted branches. So this code looks at the eight
 // bytes after ESC [ together, as one 64-bit word with the first byte lowest.
 
-static const uint64_t kEveryByte = 0x0101010101010101;
-static const int kLongestNumber = 2;  // digits
+constexpr uint64_t kEveryByte = 0x0101010101010101;
+constexpr int kLongestNumber = 2;  // digits
 
 static uint64_t FirstByteLowest(uint64_t word) {
     return std::endian::native == std::endian::little ? word : __builtin_bswap64(word);

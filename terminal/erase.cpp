@@ -59,7 +59,7 @@ static void EraseLineWhole(bool selective) {
     BlankRows(session.screen.cursor_row, session.screen.cursor_row, selective, 0);
 }
 
-static const int kEraseChoices = 3;
+constexpr int kEraseChoices = 3;
 static const EraseProcedure kEraseInDisplay[kEraseChoices] = {EraseDisplayAfter, EraseDisplayBefore,
                                                               EraseDisplayWhole};
 static const EraseProcedure kEraseInLine[kEraseChoices] = {EraseLineAfter, EraseLineBefore,

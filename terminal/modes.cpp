@@ -212,7 +212,7 @@ struct RenditionRow {
 };
 
 // clang-format off
-static const DWORD kAllBits = 0xFFFF;
+constexpr DWORD kAllBits = 0xFFFF;
 static const RenditionRow kRenditions[] = {
     { 0, 0,                          0             },
     { 1, kAllBits,                   kCellBold     },

@@ -9,7 +9,7 @@
 #include "session/session_ports.h"
 #include "terminal/actions.h"
 
-static const DWORD kLineSizeBits = kLineDoubleWidth | kLineDoubleTop | kLineDoubleBottom;
+constexpr DWORD kLineSizeBits = kLineDoubleWidth | kLineDoubleTop | kLineDoubleBottom;
 
 // MarkRows and FillLine are not inlined, so that their loops are not copied into every way to
 // scroll.

@@ -60,7 +60,7 @@ struct ActionRow {
 }  // namespace
 
 // clang-format off
-const ActionRow kActions[] = {
+static const ActionRow kActions[] = {
     {kActionConnect,     PressConnect},
     {kActionCut,         CopySelection},
     {kActionPaste,       PasteClipboard},
@@ -163,7 +163,7 @@ struct CommandRow {
 }  // namespace
 
 // clang-format off
-const CommandRow kCommands[] = {
+static const CommandRow kCommands[] = {
     {IDM_CONNECT,       IDM_CONNECT,       ConnectOrDisconnect},
     {IDM_FONT,          IDM_FONT,          [](WORD) { ShowFontDialog(); }},
     {IDM_PROPERTIES,    IDM_PROPERTIES,    [](WORD) { ShowPropertiesSheet(); }},

@@ -136,7 +136,7 @@ struct MessageRow {
 }  // namespace
 
 // clang-format off
-const MessageRow kMessages[] = {
+static const MessageRow kMessages[] = {
     {WM_CREATE,           OnCreate},
     {WM_CLOSE,            OnClose},
     {WM_SIZE,             OnSize},

@@ -21,7 +21,7 @@ struct Face {
 
 }  // namespace
 
-const Face kDisconnect = {"disconnect", IDB_DISCONNECT};
+static const Face kDisconnect = {"disconnect", IDB_DISCONNECT};
 
 static Face FaceOf(const ToolbarButton& button) {
     if (button.action == kActionConnect && Connected()) return kDisconnect;

@@ -17,7 +17,7 @@ struct GlyphText {
 
 }  // namespace
 
-const GlyphText kGlyphTexts[] = {
+static const GlyphText kGlyphTexts[] = {
     {'a', u'▒'}, {'j', u'┘'}, {'k', u'┐'}, {'l', u'┌'}, {'m', u'└'}, {'n', u'┼'},
     {'o', u'⎺'}, {'p', u'─'}, {'q', u'─'}, {'r', u'─'}, {'s', u'⎽'}, {'t', u'├'},
     {'u', u'┤'}, {'v', u'┴'}, {'w', u'┬'}, {'x', u'│'}, {'}', u'£'}, {'~', u'·'},

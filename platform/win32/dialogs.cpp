@@ -42,7 +42,7 @@ struct LibraryRow {
 
 }  // namespace
 
-const LibraryRow kLibraries[] = {
+static const LibraryRow kLibraries[] = {
     {L"COMMDLG.DLL", L"comdlg32.dll"},
 };
 

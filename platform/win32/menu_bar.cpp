@@ -3,7 +3,7 @@
 // invisible; the menu exists as long as that window.
 #include "device.h"
 
-const LPCWSTR kClass = L"QuillMenuBar";
+static const LPCWSTR kClass = L"QuillMenuBar";
 constexpr DWORD kMenuBar = 0x0010;
 
 static LRESULT CALLBACK BarProcedure(HWND bar, UINT message, WPARAM wparam, LPARAM lparam) {

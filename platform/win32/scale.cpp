@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The monitor's scale in dots per inch, 96 at 100 %. The program's windows, fonts, pictures and
 // bars have the size that it asks for, and follow when it changes. A font is in the device's
-// pixels. It keeps its handle when the scale changes; to select it then selects a copy in the new
+// pixels. It keeps its handle when the scale changes; selecting it then selects a copy in the new
 // size.
 #include "device.h"
 

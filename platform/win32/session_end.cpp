@@ -6,7 +6,7 @@
 
 #include "device.h"
 
-const LPCWSTR kClass = L"QuillSessionEnd";
+static const LPCWSTR kClass = L"QuillSessionEnd";
 constexpr DWORD kPatience = 200;  // milliseconds between two requests
 
 static std::atomic<bool> session_ends = false;

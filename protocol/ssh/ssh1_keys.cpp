@@ -12,7 +12,7 @@
 
 constexpr int kMessageSize = 401;  // units of the message about ciphers, terminator included
 constexpr int kKeyBufferSize = kRsaMaxModulusBits / 8;  // an encrypted session key
-const LPCWSTR kViolation = TEXT("SSH protocol violation. Session must close!!!");
+static const LPCWSTR kViolation = TEXT("SSH protocol violation. Session must close!!!");
 
 namespace {
 
@@ -26,12 +26,12 @@ struct CipherChoice {
 
 // Indexed by settings.ssh_type.
 // clang-format off
-const CipherChoice kChoices[] = {
+static const CipherChoice kChoices[] = {
     {2, &kSsh1Des,       TEXT("(DES)")},
     {3, &kSsh1TripleDes, TEXT("(3-DES)")},
     {6, &kSsh1Blowfish,  TEXT("(BLOWFISH)")},
 };
-const CipherChoice kNoChoice = {0, nullptr, TEXT("")};  // a setting that names no cipher
+static const CipherChoice kNoChoice = {0, nullptr, TEXT("")};  // a setting that names no cipher
 
 namespace {
 
@@ -43,7 +43,7 @@ struct CipherName {
 }  // namespace
 
 // The message lists the ciphers in this order.
-const CipherName kServerCiphers[] = {
+static const CipherName kServerCiphers[] = {
     {1, TEXT("IDEA ")},
     {2, TEXT("DES ")},
     {3, TEXT("3-DES ")},

@@ -84,5 +84,5 @@ bool Ssh1OpenPacket(const BYTE* bytes, int length, Ssh1Packet* packet) {
 void Ssh1EndSession(LPCWSTR text) {
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     ShowError(text);
-    if (SshSessionStands(served)) CloseSession();
+    if (SshSessionIsCurrent(served)) CloseSession();
 }

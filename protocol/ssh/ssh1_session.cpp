@@ -42,7 +42,7 @@ static void GoTo(State state) {
 static bool AskForUser() {
     const SOCKET served = ServedSocket();
     const bool shown = session_ports.ask_sign_on();
-    if (!SshSessionStands(served)) return false;
+    if (!SshSessionIsCurrent(served)) return false;
     if (!shown) CloseSession();
     return shown;
 }
@@ -76,7 +76,7 @@ static void SendPassword(const BYTE*, int) {
 static void AskAgain(const BYTE*, int) {
     const SOCKET served = ServedSocket();
     ShowError(TEXT("Login incorrect"));
-    if (!SshSessionStands(served)) return;
+    if (!SshSessionIsCurrent(served)) return;
     session.ssh1.loginFailed = 1;
     SendUser();
 }
@@ -135,7 +135,7 @@ struct StateRow {
 }  // namespace
 
 // clang-format off
-const StateRow kStates[] = {
+static const StateRow kStates[] = {
     {kAwaitPublicKey,   SMSG_PUBLIC_KEY,  TakePublicKey,   nullptr},
     {kAwaitPublicKey,   kAnyType,         nullptr,
      TEXT("SSH protocol violation. Session must close!!!")},
@@ -168,7 +168,7 @@ static void HandleWholePackets(SOCKET served) {
         const uint64_t needed = Ssh1PacketSize(ssh.recvBuf + at);
         if (static_cast<uint64_t>(ssh.recvFill - at) < needed) break;
         Ssh1HandlePacket(ssh.recvBuf + at, static_cast<int>(needed));
-        if (!SshSessionStands(served)) return;
+        if (!SshSessionIsCurrent(served)) return;
         at += static_cast<int>(needed);
     }
     ssh.recvFill -= at;
@@ -190,7 +190,7 @@ void Ssh1TakeChunk(const BYTE* bytes, int count) {
     const SOCKET served = ServedSocket();
     if (count > kSshReassemblySize - ssh.recvFill) {
         ShowError(TEXT("SSH out of memory"));
-        if (!SshSessionStands(served)) return;
+        if (!SshSessionIsCurrent(served)) return;
         ssh.recvFill = 0;
     }
     std::memcpy(ssh.recvBuf + ssh.recvFill, bytes, static_cast<size_t>(count));

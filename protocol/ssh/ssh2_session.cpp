@@ -23,7 +23,7 @@ struct MessageRow {
 
 // A message that is not in this table is ignored.
 // clang-format off
-const MessageRow kMessages[] = {
+static const MessageRow kMessages[] = {
     {kMsgServiceAccept,            true,  OnServiceAccept},
     {kMsgKexInit,                  false, OnKexInit},
     {kMsgNewKeys,                  false, OnNewKeys},
@@ -82,7 +82,7 @@ static bool TakePacket(SOCKET served) {
     if (size == 0) return false;
     session.ssh2.headDecrypted = 0;
     Ssh2HandlePacket(ssh.recvBuf, size);
-    if (!SshSessionStands(served)) {
+    if (!SshSessionIsCurrent(served)) {
         if (session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) DropWaiting();
         return false;
     }
@@ -177,7 +177,7 @@ constexpr int kCredentialSize = 80;
 static bool SignOn() {
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     const bool shown = session_ports.ask_sign_on();
-    if (!SshSessionStands(served) || !HasCipher()) return false;
+    if (!SshSessionIsCurrent(served) || !HasCipher()) return false;
     if (!shown) CloseSession();
     return shown;
 }
@@ -185,7 +185,7 @@ static bool SignOn() {
 static void RefuseEmptyName() {
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     ShowError(TEXT("Cannot sign on to the host without a valid user name"));
-    if (SshSessionStands(served)) CloseSession();
+    if (SshSessionIsCurrent(served)) CloseSession();
 }
 
 static void SendPasswordRequest(const char* name, const char* password) {

@@ -23,21 +23,21 @@ struct HostRow {
 }  // namespace
 
 // clang-format off
-const HostRow kHostLines[] = {
+static const HostRow kHostLines[] = {
     {251, TEXT("HOST: IAC WILL %s \n\r")},
     {252, TEXT("HOST: IAC WONT %s \n\r")},
     {253, TEXT("HOST: IAC DO %s \n\r")},
     {254, TEXT("HOST: IAC DONT %s\n\r")},
 };
 
-const NameRow kCommandNames[] = {
+static const NameRow kCommandNames[] = {
     {251, TEXT(" WILL")},
     {252, TEXT(" WONT")},
     {253, TEXT(" DO")},
     {254, TEXT(" DONT")},
 };
 
-const NameRow kOptionNames[] = {
+static const NameRow kOptionNames[] = {
     {0,   TEXT("TN_TRANSBIT_BINARY")},
     {1,   TEXT("TN_ECHO")},
     {3,   TEXT("TN_SUPPRESS_GA")},

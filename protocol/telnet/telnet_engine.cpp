@@ -92,7 +92,7 @@ struct CommandRow {
 }  // namespace
 
 // clang-format off
-const CommandRow kCommands[] = {
+static const CommandRow kCommands[] = {
     {kSb,   BeginSubnegotiation},
     {kWill, OnWill},
     {kWont, OnWont},

@@ -39,8 +39,8 @@ struct Outcome {
 Outcome OutcomeNow();
 Outcome OutcomeOf(const std::string& bytes);
 
-// The first field in which the two differ, but for `parts`, for marks of what has to be painted,
-// and for numbers of sequences that have ended. Empty if nothing does.
+// The first field in which the two differ, except for `parts`, marks of what has to be painted,
+// and numbers of sequences that have ended. Empty if nothing does.
 std::string OutcomeDifference(Outcome wanted, const Outcome& found, unsigned parts);
 
 // Some starts with each kind of edge, each with `set_up` SetUp and SetUpTheOtherWay.

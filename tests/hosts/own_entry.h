@@ -8,7 +8,7 @@
 
 // Broken promises, flags and numbers that the terminal would keep and the entry lacks, capabilities
 // that are left out for a reason and are there, strings that promise nothing, keys that the key
-// table lacks or that send what another key sends. One message each; none for a true entry.
+// table lacks or that send what another key sends. One message each; empty for a true entry.
 std::vector<std::string> FaultsOfOwnEntry(const TerminfoEntry& entry);
 
 // Where `seven` is not `eight` with the keys in their 7-bit forms: flags, numbers and strings, one

@@ -25,7 +25,7 @@ struct Finding {
     std::string message;
 };
 
-// Every promise that the terminal does not keep; none for a true entry. At most one of a
+// Every promise that the terminal does not keep; empty for a true entry. At most one of a
 // capability.
 std::vector<Finding> ProveEntry(const TerminfoEntry& entry);
 

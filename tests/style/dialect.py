@@ -5,7 +5,8 @@
 Usage: dialect.py
   - a procedure or variable of one file is `static`; an anonymous namespace holds types only;
   - `sizeof` has parentheses; a counter steps by `++name`; a null pointer is `nullptr`; a name
-    of a type is made by `using`.
+    of a type is made by `using`; a number
+    that the compiler knows is `constexpr`, without `static`.
 Prints each violation and ends with 1 if there is one. It ignores comments and string literals.
 """
 import pathlib
@@ -16,11 +17,18 @@ import sys
 TOP = pathlib.Path(__file__).resolve().parents[2]
 THE_API = "windows_ce.h"  # in the form of the device's headers
 FOLDERS_LEFT_OUT = ("tests", "fuzz", "bench", "build")
+NUMBER = (r"(?:int|unsigned|DWORD|size_t|BYTE|WCHAR|LONG|UINT|WORD|char|double|float|long|bool|qint64|COLORREF|"
+          r"u?int(?:8|16|32|64)_t|char16_t|char32_t)")
 RULES = (
     (re.compile(r"\bsizeof\s*[^\s(.]|\bsizeof \("), "sizeof without parentheses"),
-    (re.compile(r"(?:^\s*|[;,)] )(?!return\b)[\w.>\[\]-]+(?:\+\+|--)[;)]"), "a counter that steps behind its name"),
+    # A statement, or the last section of a `for`: the value before the step is not used.
+    (re.compile(r"(?:^|[;{}):,]|\belse\b)\s*(?!return\b)(?:[\w.:>\[\]-]+|\(\*[\w.>-]+\))(?:\+\+|--)\s*[;)]"),
+     "a counter that steps behind its name"),
     (re.compile(r"\bNULL\b"), "NULL"),
     (re.compile(r"^\s*typedef\b"), "typedef"),
+    # A number that is known to the compiler is `constexpr`, a table of one file `static const`.
+    (re.compile(rf"^static const {NUMBER} k\w+ = [^()]*;"), "a number that is not constexpr"),
+    (re.compile(r"^static constexpr\b"), "constexpr says static already"),
 )
 TYPE = re.compile(r"(struct|class|enum|union|using|template|\}|\{|#|public:|private:|protected:)")
 TEXT_OR_COMMENT = re.compile(r'//.*|"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])+\'')

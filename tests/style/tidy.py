@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Runs clang-tidy with the rules of .clang-tidy over every source of the product.
+"""Runs clang-tidy with the rules of .clang-tidy over every source of the product that this system builds
+(not platform/win32), and what these include of the product.
 
 Usage: tidy.py BUILD-FOLDER [FILE...]
 BUILD-FOLDER holds compile_commands.json and what the toolkit generates for the program. Prints every finding, and ends with 1

@@ -16,7 +16,7 @@ constexpr int kLeft = 20;  // pixels
 constexpr int kTop = 20;
 constexpr INT_PTR kClosed = -1;
 
-const MarkRow kAdvancedMarks[] = {
+static const MarkRow kAdvancedMarks[] = {
     {IDC_AUTOCONNECT, &s.autoconnect},
     {IDC_EXIT_DIS, &s.exit_dis},
     {IDC_CONFIRM_EXIT, &s.confirm_exit},
@@ -25,7 +25,7 @@ const MarkRow kAdvancedMarks[] = {
     {0, nullptr},
 };
 
-const int kCiphers[] = {IDC_DES, IDC_TRIPLE_DES, IDC_BLOWFISH};  // indexed by ssh_type
+static const int kCiphers[] = {IDC_DES, IDC_TRIPLE_DES, IDC_BLOWFISH};  // indexed by ssh_type
 
 // If ssh_type has any other value, no cipher is checked.
 static void ShowCipher(HWND dialog) {
@@ -74,7 +74,7 @@ static void TakeAdvanced(HWND dialog) {
 
 static void LeaveAdvanced(HWND dialog) { EndDialog(dialog, kClosed); }
 
-const DialogCommand kAdvancedCommands[] = {
+static const DialogCommand kAdvancedCommands[] = {
     {IDOK, BN_CLICKED, TakeAdvanced},
     {IDCANCEL, BN_CLICKED, LeaveAdvanced},
     {0, 0, nullptr},
@@ -126,7 +126,7 @@ static void OnOk(HWND dialog) {
     EndDialog(dialog, IDOK);
 }
 
-const DialogCommand kCommands[] = {
+static const DialogCommand kCommands[] = {
     {IDOK, BN_CLICKED, OnOk},
     {IDCANCEL, BN_CLICKED, CancelDialog},
     {IDC_ADVANCED, BN_CLICKED, ShowConnectAdvancedDialog},

@@ -9,7 +9,7 @@
 
 static Settings& s = session.settings;
 
-const MarkRow kMarks[] = {
+static const MarkRow kMarks[] = {
     {IDC_FONT_BOLD, &s.font_bold},
     {IDC_FONT_ITALIC, &s.font_italic},
     {0, nullptr},
@@ -53,7 +53,7 @@ static void OnOk(HWND dialog) {
     EndDialog(dialog, IDOK);
 }
 
-const DialogCommand kCommands[] = {
+static const DialogCommand kCommands[] = {
     {IDOK, BN_CLICKED, OnOk},
     {IDCANCEL, BN_CLICKED, CancelDialog},
     {0, 0, nullptr},

@@ -30,7 +30,7 @@ struct BarList {
 
 }  // namespace
 
-const BarList kLists[] = {
+static const BarList kLists[] = {
     {IDC_BAR1, &ToolbarButton::onBar1},
     {IDC_BAR2, &ToolbarButton::onBar2},
     {IDC_BAR3, &ToolbarButton::onBar3},
@@ -78,7 +78,7 @@ static void ToggleOnBar1(HWND page) { ToggleSelected(page, kLists[0]); }
 static void ToggleOnBar2(HWND page) { ToggleSelected(page, kLists[1]); }
 static void ToggleOnBar3(HWND page) { ToggleSelected(page, kLists[2]); }
 
-const DialogCommand kToolbarCommands[] = {
+static const DialogCommand kToolbarCommands[] = {
     {IDC_BAR1, LBN_DBLCLK, ToggleOnBar1},
     {IDC_BAR2, LBN_DBLCLK, ToggleOnBar2},
     {IDC_BAR3, LBN_DBLCLK, ToggleOnBar3},
@@ -138,7 +138,7 @@ static void OnChangeOk(HWND dialog) {
 
 static void OnChangeCancel(HWND dialog) { EndDialog(dialog, kCancelled); }
 
-const DialogCommand kChangeCommands[] = {
+static const DialogCommand kChangeCommands[] = {
     {IDOK, BN_CLICKED, OnChangeOk},
     {IDCANCEL, BN_CLICKED, OnChangeCancel},
     {0, 0, nullptr},
@@ -159,7 +159,7 @@ static void ChangeKey(HWND page) {
     ShowKeystroke(page);
 }
 
-const DialogCommand kKeyboardCommands[] = {
+static const DialogCommand kKeyboardCommands[] = {
     {IDC_KEYS, LBN_SELCHANGE, ShowKeystroke},
     {IDC_CHANGE, BN_CLICKED, ChangeKey},
     {0, 0, nullptr},
@@ -173,13 +173,13 @@ static INT_PTR CALLBACK KeyboardPageProc(HWND page, UINT message, WPARAM wparam,
 
 static Settings& s = session.settings;
 
-const TextRow kTexts[] = {
+static const TextRow kTexts[] = {
     {IDC_TERMTYPE, s.termtype, kSettingUnits},
     {IDC_RAS, s.ras, kSettingUnits},
     {0, nullptr, 0},
 };
 
-const MarkRow kMarks[] = {
+static const MarkRow kMarks[] = {
     {IDC_HIDESTATUS, &s.hidestatus},
     {IDC_FOLLOWCURSOR, &s.followcursor},
     {IDC_BELL, &s.bell},
@@ -234,7 +234,7 @@ struct PageRow {
 
 }  // namespace
 
-const PageRow kPages[] = {
+static const PageRow kPages[] = {
     {IDD_OTHER_PAGE, OtherPageProc},
     {IDD_TOOLBAR_PAGE, ToolbarPageProc},
     {IDD_KEYBOARD_PAGE, KeyboardPageProc},

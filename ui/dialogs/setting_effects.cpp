@@ -48,7 +48,7 @@ struct EffectRow {
 // A setting without a row takes effect where it is read. The colours only need the repaint that
 // follows every dialog (SettingsChanged).
 // clang-format off
-const EffectRow kEffects[] = {
+static const EffectRow kEffects[] = {
     {s.fname,         MakeFont},  // also for font_bold and font_italic
     {&s.hidestatus,   ShowOrHideStatusBar},
     {toolbar_buttons, ShowButtons},

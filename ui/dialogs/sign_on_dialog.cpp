@@ -8,13 +8,13 @@
 
 static Settings& s = session.settings;
 
-const TextRow kTexts[] = {
+static const TextRow kTexts[] = {
     {IDC_SSH_U, s.ssh_u, kSettingUnits},
     {IDC_SSH_P, s.ssh_p, kSettingUnits},
     {0, nullptr, 0},
 };
 
-const MarkRow kMarks[] = {
+static const MarkRow kMarks[] = {
     {IDC_SSH_DEF, &s.ssh_def},
     {0, nullptr},
 };
@@ -32,7 +32,7 @@ static void OnOk(HWND dialog) {
     EndDialog(dialog, IDOK);
 }
 
-const DialogCommand kCommands[] = {
+static const DialogCommand kCommands[] = {
     {IDOK, BN_CLICKED, OnOk},
     {IDCANCEL, BN_CLICKED, CancelDialog},
     {0, 0, nullptr},
@@ -50,7 +50,7 @@ bool AskSignOn() {
 
 // ---------------------------------------------------------------- Auto Login
 
-const TextRow kAutoLoginTexts[] = {
+static const TextRow kAutoLoginTexts[] = {
     {IDC_SEAR1, s.sear1, kSettingUnits},
     {IDC_RESP1, s.resp1, kSettingUnits},
     {IDC_SEAR2, s.sear2, kSettingUnits},
@@ -68,7 +68,7 @@ static void TakeAutoLogin(HWND dialog) {
     EndDialog(dialog, IDOK);
 }
 
-const DialogCommand kAutoLoginCommands[] = {
+static const DialogCommand kAutoLoginCommands[] = {
     {IDOK, BN_CLICKED, TakeAutoLogin},
     {IDCANCEL, BN_CLICKED, CancelDialog},
     {0, 0, nullptr},

@@ -11,11 +11,11 @@
 
 // The cursor is steady on this device, whatever the setting `blink` says. If this were true, every
 // other timer tick would hide the cursor.
-static constexpr bool kCursorBlinks = false;
+constexpr bool kCursorBlinks = false;
 
-static const DWORD kCodeMask = 0xFF;
-static const DWORD kFirstAscii = ' ';
-static const DWORD kLastAscii = '~';
+constexpr DWORD kCodeMask = 0xFF;
+constexpr DWORD kFirstAscii = ' ';
+constexpr DWORD kLastAscii = '~';
 
 struct RunColors {
     COLORREF text;
@@ -60,14 +60,14 @@ static bool ReachesOut(DWORD cell) {
     return code == ',' || code == '_';
 }
 
-static bool StandsAlone(DWORD cell) {
+static bool DrawnSeparately(DWORD cell) {
     return ReachesOut(cell) || (cell & (kCellGraphic | kCellCursor));
 }
 
 // Returns the column after the run that begins at column `first`.
 static int RunEnd(const PaintRow& row, int first) {
     int columns = session.screen.columns, end = first + 1;
-    if (StandsAlone(row.cells[first])) return end;
+    if (DrawnSeparately(row.cells[first])) return end;
     DWORD attributes = row.cells[first] & ~kCodeMask;
     while (end <= columns && (row.cells[end] & ~kCodeMask) == attributes &&
            !ReachesOut(row.cells[end])) {

@@ -18,7 +18,7 @@ struct StateWords {
 
 }  // namespace
 
-const StateWords kStateWords[] = {
+static const StateWords kStateWords[] = {
     {TEXT("offline"), TEXT("OFF")},
     {TEXT("request"), TEXT("REQ")},
     {TEXT("online"), TEXT("ON")},

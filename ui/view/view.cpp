@@ -153,7 +153,7 @@ struct BarEvent {
     int position;  // of the thumb, for SB_THUMBPOSITION
 };
 
-static const int kLineStep = 2;  // cells
+constexpr int kLineStep = 2;  // cells
 
 static int LineUp(const BarEvent& event) { return event.first - kLineStep; }
 static int LineDown(const BarEvent& event) { return event.first + kLineStep; }

@@ -93,7 +93,7 @@ struct ButtonRow {
 
 }  // namespace
 
-const ButtonRow kButtons[] = {
+static const ButtonRow kButtons[] = {
     {BS_PUSHBUTTON, Make<PushButton>},
     {BS_DEFPUSHBUTTON, Make<PushButton>},
     {BS_CHECKBOX, Make<PlainButton<QCheckBox>>},
@@ -166,7 +166,7 @@ static LRESULT GetOwnLength(Window& window, WPARAM, LPARAM) {
     return static_cast<LRESULT>(window.text.size());
 }
 
-const MessageRow kButtonMessages[] = {
+static const MessageRow kButtonMessages[] = {
     {WM_SETTEXT, SetButtonText},
     {WM_GETTEXT, GetOwnText},
     {WM_GETTEXTLENGTH, GetOwnLength},
@@ -199,7 +199,7 @@ static LRESULT SetStaticText(Window& window, WPARAM, LPARAM text) {
     return TRUE;
 }
 
-const MessageRow kStaticMessages[] = {
+static const MessageRow kStaticMessages[] = {
     {WM_SETTEXT, SetStaticText},
     {WM_GETTEXT, GetOwnText},
     {WM_GETTEXTLENGTH, GetOwnLength},

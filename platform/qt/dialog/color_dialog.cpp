@@ -166,7 +166,7 @@ struct SliceModule {
     const ProcedureRow* procedures;
 };
 
-const ProcedureRow kCommonDialogs[] = {
+static const ProcedureRow kCommonDialogs[] = {
     {u"ChooseColor", reinterpret_cast<AnyProcedure>(ShowColorDialog)},
     {nullptr, nullptr},
 };

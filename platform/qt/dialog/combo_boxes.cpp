@@ -175,7 +175,7 @@ static LRESULT SetSelection(Window& window, WPARAM, LPARAM range) {
     return TRUE;
 }
 
-const MessageRow kComboMessages[] = {
+static const MessageRow kComboMessages[] = {
     {WM_SETTEXT, SetText},
     {WM_GETTEXT, GetText},
     {WM_GETTEXTLENGTH, GetLength},

@@ -14,8 +14,8 @@
 #include "platform/qt/services/services.h"
 #include "platform/qt/window/window.h"
 
-const ControlClass* const kClasses[] = {&kButtonClass, &kEditClass, &kStaticClass, &kListBoxClass,
-                                        &kComboBoxClass};
+static const ControlClass* const kClasses[] = {&kButtonClass, &kEditClass, &kStaticClass,
+                                               &kListBoxClass, &kComboBoxClass};
 
 static const ControlClass* ClassOf(const ResourceName& name) {
     for (const ControlClass* kind : kClasses)

@@ -32,7 +32,7 @@ QPushButton* ShownDefault(const QWidget& window) {
     return nullptr;
 }
 
-const WindowClass kDialogClass = {u"Dialog", 0, DialogWindowProcedure, nullptr};
+static const WindowClass kDialogClass = {u"Dialog", 0, DialogWindowProcedure, nullptr};
 
 // The answer to these messages is what the procedure returns. The answer to all others is
 // DWLP_MSGRESULT.
@@ -164,7 +164,7 @@ void StartDialog(HWND dialog, LPARAM parameter) {
         FocusControl(*control);
 }
 
-INT_PTR RunDialog(HWND dialog, bool at_once) {
+INT_PTR RunDialogLoop(HWND dialog, bool at_once) {
     Window* window = FindWindowRecord(dialog);
     if (!window) return 0;
     const std::shared_ptr<DialogData> data = window->dialog;
@@ -204,7 +204,7 @@ QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {
 
 // The sheet places its pages. A dialog scrolls what the room cuts off; the scroll bar adds to the
 // dialog's size as far as there is room. Above a shown input panel the dialog moves up if it would
-// cover the panel, for then nobody could type into it.
+// cover the panel, which is needed to type into it.
 void PlaceDialog(Window& window, const QRect& rect) {
     if (!window.widget->isWindow()) return;
     const QSize room = RoomForDialogs();
@@ -229,7 +229,7 @@ INT_PTR DialogBoxParamW(HINSTANCE, LPCWSTR name, HWND owner, DLGPROC procedure, 
     const HWND dialog = MakeDialog(shape, DialogOwner(owner), procedure);
     if (!dialog) return -1;
     StartDialog(dialog, parameter);
-    return RunDialog(dialog, shape.style & WS_VISIBLE);
+    return RunDialogLoop(dialog, shape.style & WS_VISIBLE);
 }
 
 BOOL EndDialog(HWND dialog, INT_PTR result) {

@@ -92,7 +92,7 @@ static LRESULT ReplaceSelection(Window& window, WPARAM, LPARAM text) {
     return 0;
 }
 
-const MessageRow kEditMessages[] = {
+static const MessageRow kEditMessages[] = {
     {WM_SETTEXT, SetText},
     {WM_GETTEXT, GetText},
     {WM_GETTEXTLENGTH, GetLength},

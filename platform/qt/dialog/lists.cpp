@@ -249,7 +249,7 @@ static LRESULT SetData(Window& window, WPARAM row, LPARAM data) {
     return 0;
 }
 
-const MessageRow kListMessages[] = {
+static const MessageRow kListMessages[] = {
     {LB_ADDSTRING, AddEntry},
     {LB_INSERTSTRING, InsertEntry},
     {LB_DELETESTRING, DeleteEntry},

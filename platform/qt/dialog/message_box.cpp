@@ -26,7 +26,7 @@ struct IconRow {
 
 }  // namespace
 
-const IconRow kIcons[] = {
+static const IconRow kIcons[] = {
     {MB_ICONERROR, QMessageBox::Critical},
     {MB_ICONQUESTION, QMessageBox::Question},
     {MB_ICONEXCLAMATION, QMessageBox::Warning},
@@ -70,7 +70,7 @@ class BoundedBox : public QMessageBox {
     }
     bool event(QEvent* event) override {
         const bool keep = narrowed_ && event->type() == QEvent::LayoutRequest;
-        // NOLINTNEXTLINE(bugprone-parent-virtual-call): the box's own would widen it again
+        // NOLINTNEXTLINE(bugprone-parent-virtual-call): QMessageBox would widen it again
         return keep ? QDialog::event(event) : QMessageBox::event(event);
     }
     bool eventFilter(QObject* device, QEvent* event) override {

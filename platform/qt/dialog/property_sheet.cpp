@@ -26,8 +26,8 @@ struct SheetData {
 
 static LRESULT CALLBACK SheetProcedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam);
 
-const WindowClass kSheetClass = {u"PropertySheet", 0, SheetProcedure, nullptr};
-const WindowClass kPageClass = {u"PropertyPage", 0, DialogWindowProcedure, nullptr};
+static const WindowClass kSheetClass = {u"PropertySheet", 0, SheetProcedure, nullptr};
+static const WindowClass kPageClass = {u"PropertyPage", 0, DialogWindowProcedure, nullptr};
 
 namespace {
 
@@ -214,7 +214,7 @@ struct ButtonRow {
 
 }  // namespace
 
-const ButtonRow kSheetButtons[] = {{PSBTN_OK, IDOK, Ok}, {PSBTN_CANCEL, IDCANCEL, Cancel}};
+static const ButtonRow kSheetButtons[] = {{PSBTN_OK, IDOK, Ok}, {PSBTN_CANCEL, IDCANCEL, Cancel}};
 
 static LRESULT CALLBACK SheetProcedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
     const auto data = SheetOf(sheet);
@@ -237,5 +237,5 @@ INT_PTR PropertySheetW(LPCPROPSHEETHEADERW header) {
     const HWND sheet = MakeSheet(*header, data);
     const UINT start = header->nStartPage < header->nPages ? header->nStartPage : 0;
     if (!ActivatePage(sheet, static_cast<int>(start))) return DestroyWindow(sheet), -1;
-    return RunDialog(sheet, true);
+    return RunDialogLoop(sheet, true);
 }

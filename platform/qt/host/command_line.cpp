@@ -44,7 +44,7 @@ struct ValueRow {
 
 }  // namespace
 
-const ValueRow kValues[] = {
+static const ValueRow kValues[] = {
     {"--profile", "a name of at most 40 letters, digits, '.', '-' and '_'",
      [](const char* v, CommandLine* l) { return l->profile = v, IsProfileName(v); }},
     {"--root", "a folder",
@@ -68,7 +68,7 @@ struct FlagRow {
 
 }  // namespace
 
-const FlagRow kFlags[] = {
+static const FlagRow kFlags[] = {
     {"--help", [](CommandLine* l) { l->task = Task::kHelp; }},
     {"--version", [](CommandLine* l) { l->task = Task::kVersion; }},
     {"--profiles", [](CommandLine* l) { l->task = Task::kProfiles; }},
@@ -78,14 +78,14 @@ const FlagRow kFlags[] = {
 
 // The toolkit's own options, written with one dash or two. The options of the first list take the
 // next argument as their value.
-const char* const kToolkitValues[] = {
+static const char* const kToolkitValues[] = {
     "display", "fontengine",      "geometry",           "icon",
     "name",    "platform",        "platformpluginpath", "platformtheme",
     "plugin",  "qwindowgeometry", "qwindowicon",        "qwindowtitle",
     "session", "style",           "stylesheet",         "title",
     "visual",
 };
-const char* const kToolkitFlags[] = {"dograb", "nograb", "reverse", "sync", "widgetcount"};
+static const char* const kToolkitFlags[] = {"dograb", "nograb", "reverse", "sync", "widgetcount"};
 
 template <typename Row, size_t count>
 static const Row* FindRow(const Row (&rows)[count], const char* name) {
@@ -283,7 +283,8 @@ struct SchemeRow {
 
 }  // namespace
 
-const SchemeRow kSchemes[] = {{"telnet://", RunProtocol::kTelnet}, {"ssh://", RunProtocol::kSsh}};
+static const SchemeRow kSchemes[] = {{"telnet://", RunProtocol::kTelnet},
+                                     {"ssh://", RunProtocol::kSsh}};
 
 const char* TakePort(const std::string& text, int* port) {
     const bool digits = text.find_first_not_of("0123456789") == text.npos;
@@ -345,7 +346,7 @@ struct TaskRow {
 
 }  // namespace
 
-const TaskRow kTasks[] = {
+static const TaskRow kTasks[] = {
     {Task::kHelp, Help},
     {Task::kVersion, Version},
     {Task::kProfiles, List},

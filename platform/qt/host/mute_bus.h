@@ -4,8 +4,8 @@
 #define QUILL_PLATFORM_QT_HOST_MUTE_BUS_H
 
 // Asks the bus of the session for its first answer, and waits at most two seconds. If none comes,
-// this process goes on without the bus, and so without screen readers: the toolkit would wait for
-// ever. To be called before the toolkit starts.
+// this process runs without the bus, and so without screen readers, because the toolkit would wait
+// for ever. Call it before the toolkit starts.
 void LeaveMuteBus();
 
 #endif

@@ -44,7 +44,7 @@ static void DropFilled(HWND window, const RECT& area, COLORREF) {
         if (y >= area.top && y < area.bottom) RemovePieces(row, area.left, area.right);
 }
 
-static void CountPaint(HWND) { g_paints++; }
+static void CountPaint(HWND) { ++g_paints; }
 
 void KeepScreenText() {
     g_text.clear();

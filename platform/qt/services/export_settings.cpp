@@ -14,14 +14,14 @@ constexpr size_t kLongestLine = 78;   // the program reads 79 with the line's en
 constexpr size_t kLongestValue = 80;  // the program reads at most as many bytes
 constexpr int kBusyMilliseconds = 3000;
 
-const char kHeading[] =
+static const char kHeading[] =
     "# The settings of one device. As mconfig.cfg in the settings folder of\n"
     "# another one it is read at the next start, and then deleted.\n";
 
-const char* const kPasswords[] = {"ssh_p", "resp1", "resp2"};
-const char* const kEmptyAtFirst[] = {"host",  "hist0a", "hist1a", "hist2a", "hist3a", "hist4a",
-                                     "sear2", "resp1",  "resp2",  "ssh_u",  "ssh_p",  "ras",
-                                     "key28", "key29",  "key30",  "key31"};
+static const char* const kPasswords[] = {"ssh_p", "resp1", "resp2"};
+static const char* const kEmptyAtFirst[] = {
+    "host",  "hist0a", "hist1a", "hist2a", "hist3a", "hist4a", "sear2", "resp1",
+    "resp2", "ssh_u",  "ssh_p",  "ras",    "key28",  "key29",  "key30", "key31"};
 
 namespace {
 

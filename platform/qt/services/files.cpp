@@ -84,7 +84,7 @@ struct ModeRow {
 
 }  // namespace
 // clang-format off
-const ModeRow kModes[] = {
+static const ModeRow kModes[] = {
     {u'r', O_RDONLY,                       O_RDWR,                       "r", "r+"},
     {u'w', O_WRONLY | O_CREAT | O_TRUNC,   O_RDWR | O_CREAT | O_TRUNC,   "w", "w+"},
     {u'a', O_WRONLY | O_CREAT | O_APPEND,  O_RDWR | O_CREAT | O_APPEND,  "a", "a+"},

@@ -461,7 +461,7 @@ struct ErrorRow {
 
 }  // namespace
 // clang-format off
-const ErrorRow kErrors[] = {
+static const ErrorRow kErrors[] = {
     {EINTR,           10004},
     {EBADF,           10038},
     {EACCES,          10013},
@@ -500,7 +500,7 @@ const ErrorRow kErrors[] = {
     {ETIMEDOUT,       10060},
     {ECONNREFUSED,    10061},
 };
-const ErrorRow kLookupErrors[] = {
+static const ErrorRow kLookupErrors[] = {
     {EAI_NONAME,      kWsaHostNotFound},
     {EAI_AGAIN,       kWsaTryAgain},
     {EAI_FAIL,        kWsaNoRecovery},

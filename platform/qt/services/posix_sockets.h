@@ -37,8 +37,8 @@ class StreamSocket : public std::enable_shared_from_this<StreamSocket> {
     StreamSocket& operator=(const StreamSocket&) = delete;
 
     int SetBlocking(bool blocking);
-    // Returns -EINPROGRESS while the request of a non-blocking socket goes on. Only WaitForSockets
-    // reports how it ends, even if it has already ended.
+    // Returns -EINPROGRESS while the request of a non-blocking socket is in progress. Only
+    // WaitForSockets reports how it ends, even if it has already ended.
     int Connect(uint32_t address, uint16_t port);  // both in network byte order
     int Receive(void* bytes, size_t size, int flags);
     int Send(const void* bytes, size_t size, int flags);

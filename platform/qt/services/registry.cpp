@@ -14,7 +14,7 @@ constexpr DWORD kCreatedNewKey = 1;
 constexpr DWORD kOpenedExistingKey = 2;
 constexpr size_t kLongestKeyName = 255;
 constexpr size_t kLongestValueName = 16383;
-const char kLocalMachine[] = "HKEY_LOCAL_MACHINE";
+static const char kLocalMachine[] = "HKEY_LOCAL_MACHINE";
 
 namespace {
 

@@ -17,7 +17,7 @@ constexpr int kBusyStep = 5;  // milliseconds
 constexpr mode_t kOwnerAlone = 0600;
 
 // Compared with the schema in the file, letter by letter.
-const char kSchema[] =
+static const char kSchema[] =
     "CREATE TABLE registry ("
     "key TEXT NOT NULL COLLATE NOCASE CHECK (typeof(key) = 'text'), "
     "name TEXT COLLATE NOCASE CHECK (typeof(name) IN ('text', 'null')), "
@@ -25,7 +25,7 @@ const char kSchema[] =
     "data BLOB NOT NULL CHECK (typeof(data) = 'blob'), "
     "UNIQUE (key, name))";
 
-const char* const kStatementTexts[] = {
+static const char* const kStatementTexts[] = {
     "SELECT 1 FROM registry WHERE key = ?1 LIMIT 1",
     "INSERT INTO registry SELECT ?1, NULL, 0, x'' "
     "WHERE NOT EXISTS (SELECT 1 FROM registry WHERE key = ?1)",

@@ -27,7 +27,7 @@ struct StateRow {
 
 // In the order in which a dial reaches them.
 // clang-format off
-const StateRow kStates[] = {
+static const StateRow kStates[] = {
     {"Serial port initialized",            RASCS_PortOpened},
     {"send (ATD",                          RASCS_ConnectDevice},
     {"Serial connection established",      RASCS_DeviceConnected},
@@ -50,7 +50,7 @@ struct ScriptRow {
 }  // namespace
 
 // The modem's answers: chat logs the word that made its script fail.
-const ScriptRow kScriptFailures[] = {
+static const ScriptRow kScriptFailures[] = {
     {"Failed (BUSY",         676},
     {"Failed (NO ANSWER",    678},
     {"Failed (NO CARRIER",   679},
@@ -70,7 +70,7 @@ struct ExitRow {
 constexpr DWORD kDisconnected = 628;
 constexpr DWORD kUnknown = 635;
 
-const ExitRow kExits[] = {
+static const ExitRow kExits[] = {
     {0,  kDisconnected},
     {2,  625},  // options: the entry is damaged
     {3,  5},    // not installed with root's rights

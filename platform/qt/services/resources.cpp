@@ -301,7 +301,7 @@ static uint32_t FourBytes(const uint8_t* row, int x, const std::vector<uint32_t>
     return Color(row + 4 * x);
 }
 
-const DepthRow kDepths[] = {
+static const DepthRow kDepths[] = {
     {1, OneBit}, {4, FourBits}, {8, EightBits}, {24, ThreeBytes}, {32, FourBytes},
 };
 

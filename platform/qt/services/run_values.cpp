@@ -30,7 +30,7 @@ struct RuleRow {
 
 }  // namespace
 
-const RuleRow kRules[] = {
+static const RuleRow kRules[] = {
     {"host", kTarget},  {"port", kTarget},        {"ssh", kTarget},   {"autoconnect", kTarget},
     {"ssh_u", kUser},   {"ssh_def", kSecretFlag}, {"sear1", kOwn},    {"sear2", kOwn},
     {"ssh_p", kSecret}, {"resp1", kSecret},       {"resp2", kSecret},

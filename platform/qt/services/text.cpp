@@ -74,7 +74,7 @@ constexpr UINT kCodePage1252 = 1252;
 
 // 0x80 to 0x9F. The five bytes that the code page does not define keep their value.
 // clang-format off
-const WCHAR kUpperControls[32] = {
+static const WCHAR kUpperControls[32] = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
     0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
     0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
@@ -329,7 +329,7 @@ struct ConversionRow {
 
 }  // namespace
 
-const ConversionRow kConversions[] = {
+static const ConversionRow kConversions[] = {
     {u'd', PutSigned},      {u'i', PutSigned},    {u'u', PutUnsigned}, {u'x', PutHexadecimal},
     {u'X', PutHexadecimal}, {u'c', PutCharacter}, {u's', PutText},     {u'S', PutText},
 };

@@ -33,7 +33,7 @@ struct SystemColor {
 
 constexpr uint32_t kFace = 0xC0C0C0;  // the bar itself: becomes transparent
 
-const SystemColor kSystemColors[] = {
+static const SystemColor kSystemColors[] = {
     {0x000000, QPalette::ButtonText},
     {0x808080, QPalette::Dark},
     {0xFFFFFF, QPalette::Light},

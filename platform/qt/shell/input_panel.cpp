@@ -30,7 +30,7 @@ constexpr int kRepeatDelay = 400;    // milliseconds
 constexpr int kRepeatInterval = 60;  // milliseconds
 
 // clang-format off
-const PanelKeyRow kPanelKeys[] = {
+static const PanelKeyRow kPanelKeys[] = {
     {0, 1.25, Qt::Key_Escape,      "Esc", nullptr, 0,            nullptr},
     {0, 1,   Qt::Key_1,            "1",   "!",     Qt::Key_F1,   "F1"},
     {0, 1,   Qt::Key_2,            "2",   "@",     Qt::Key_F2,   "F2"},

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The shell: puts the foot on the device's screen, and reports the input panel's place and the
-// visible part of the screen. Below: what the device uses of the desktop, that is its clipboard,
-// for text only, and its viewer. The help viewer is the only program that can be started: it is the
-// desktop's viewer with the help page that this program contains.
+// The shell: puts the menu bar and the input panel below the program's window, and reports the
+// input panel's place and the visible part of the screen. It also gives the device the desktop's
+// clipboard, for text only, and its viewer. The help viewer is the only program that can be
+// started: it is the desktop's viewer with the help page that this program contains.
 #include "platform/qt/shell/shell.h"
 
 #include <QClipboard>

@@ -255,7 +255,7 @@ struct ButtonRow {
 
 }  // namespace
 
-const ButtonRow kButtons[] = {
+static const ButtonRow kButtons[] = {
     {"QCheckBox", QAccessible::CheckBox},
     {"QRadioButton", QAccessible::RadioButton},
     {"PanelKey", QAccessible::Button},
@@ -281,7 +281,7 @@ struct RoleRow {
 
 }  // namespace
 
-const RoleRow kRoles[] = {
+static const RoleRow kRoles[] = {
     {kCommandBarClass, QAccessible::ToolBar, "Toolbar"},
     {STATUSCLASSNAME, QAccessible::StatusBar, ""},
 };

@@ -107,8 +107,8 @@ void PaintFrameOf(Window& window) {
 void HurryFrames() { RestPace(&g_pace, Now()); }
 
 // The X server reads from shared memory what was painted, and the toolkit paints there again only
-// after the server has answered that it is done. This call waits for that answer, while nobody else
-// waits.
+// after the server has answered that it is done. This call waits for that answer when there is
+// nothing else to do.
 void SettleFrames() {
     TellTextChanges();
     static const bool shared = QGuiApplication::platformName() == "xcb";

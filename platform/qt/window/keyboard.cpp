@@ -17,7 +17,7 @@ struct KeyRow {
 }  // namespace
 
 // clang-format off
-const KeyRow kKeys[] = {
+static const KeyRow kKeys[] = {
     {Qt::Key_Backspace, VK_BACK},    {Qt::Key_Tab, VK_TAB},       {Qt::Key_Backtab, VK_TAB},
     {Qt::Key_Return, VK_RETURN},     {Qt::Key_Enter, VK_RETURN},  {Qt::Key_Escape, VK_ESCAPE},
     {Qt::Key_Space, VK_SPACE},       {Qt::Key_PageUp, VK_PRIOR},  {Qt::Key_PageDown, VK_NEXT},
@@ -27,19 +27,19 @@ const KeyRow kKeys[] = {
 };
 
 // Keys of the number pad while it types digits.
-const KeyRow kPadKeys[] = {
+static const KeyRow kPadKeys[] = {
     {Qt::Key_Asterisk, VK_MULTIPLY}, {Qt::Key_Plus, VK_ADD},        {Qt::Key_Minus, VK_SUBTRACT},
     {Qt::Key_Period, VK_DECIMAL},    {Qt::Key_Comma, VK_DECIMAL},   {Qt::Key_Slash, VK_DIVIDE},
 };
 
 // Punctuation keys that accelerators name, each by both characters of its key.
-const KeyRow kPunctuation[] = {
+static const KeyRow kPunctuation[] = {
     {Qt::Key_Plus, VK_OEM_PLUS},   {Qt::Key_Equal, VK_OEM_PLUS},
     {Qt::Key_Minus, VK_OEM_MINUS}, {Qt::Key_Underscore, VK_OEM_MINUS},
 };
 
 // X11 keysyms of the modifiers, which distinguish left and right.
-const KeyRow kModifiers[] = {
+static const KeyRow kModifiers[] = {
     {0xffe1, VK_LSHIFT},   {0xffe2, VK_RSHIFT}, {0xffe3, VK_LCONTROL}, {0xffe4, VK_RCONTROL},
     {0xffe9, VK_LMENU},    {0xffea, VK_RMENU},
 };

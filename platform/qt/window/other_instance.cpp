@@ -11,7 +11,7 @@
 #include "platform/qt/services/services.h"
 #include "platform/qt/window/window.h"
 
-const HWND kOtherInstance = reinterpret_cast<HWND>(static_cast<UINT_PTR>(4));
+static const HWND kOtherInstance = reinterpret_cast<HWND>(static_cast<UINT_PTR>(4));
 constexpr int kConnectMilliseconds = 2000;
 constexpr int kConnectStep = 50;  // milliseconds
 constexpr int kAnswerMilliseconds = 5000;
@@ -76,7 +76,7 @@ struct RequestRow {
 
 }  // namespace
 
-const RequestRow kRequests[] = {
+static const RequestRow kRequests[] = {
     {"foreground", Foreground},
     {"show", Show},
     {"paint", Paint},

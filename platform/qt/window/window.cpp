@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The tables of windows and of their classes, and what a window's record alone can answer.
+// The tables of windows and of their classes, and questions that a window's record answers without
+// the toolkit.
 #include "platform/qt/window/window.h"
 
 #include <map>

@@ -219,7 +219,7 @@ struct ActionRow {
 
 }  // namespace
 
-const ActionRow kActions[] = {
+static const ActionRow kActions[] = {
     {QAbstractSlider::SliderSingleStepSub, SB_LINEUP},
     {QAbstractSlider::SliderSingleStepAdd, SB_LINEDOWN},
     {QAbstractSlider::SliderPageStepSub, SB_PAGEUP},

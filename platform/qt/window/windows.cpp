@@ -107,7 +107,7 @@ struct DefaultRow {
 
 }  // namespace
 
-const DefaultRow kDefaults[] = {
+static const DefaultRow kDefaults[] = {
     {WM_CLOSE, CloseByDefault},
     {WM_PAINT, PaintByDefault},
     {WM_ERASEBKGND, EraseByDefault},
