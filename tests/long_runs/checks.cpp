@@ -8,7 +8,6 @@
 #include <cstring>
 #include <QPixmapCache>
 
-#include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "tests/dialogs/stored.h"
 #include "tests/hosts/peer_screen.h"
@@ -17,7 +16,6 @@
 #include "tests/support/heap.h"
 #include "tests/support/person.h"
 #include "tests/terminal/terminal_state.h"
-#include "ui/view/view.h"
 
 // ---------------------------------------------------------------- what the terminal got
 
@@ -125,17 +123,6 @@ void ExpectReplayAlike() {
     OnWindowThread([] {
         EXPECT_EQ("", FieldOutOfBounds());
         EXPECT_EQ("", ReplayDifference()) << "after " << g_written.size() << " bytes";
-    });
-}
-
-void ExpectPictureOfGrid() {
-    OnWindowThread([] {
-        QWidget* glass = FindWindowRecord(session.client_window)->widget;
-        UpdateWindow(session.client_window);
-        const QImage shown = glass->grab().toImage();
-        RepaintTerminal();
-        UpdateWindow(session.client_window);
-        EXPECT_TRUE(shown == glass->grab().toImage()) << "the glass shows something else";
     });
 }
 
