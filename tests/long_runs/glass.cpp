@@ -2,6 +2,7 @@
 // The glass against the cells: each cell's colours are worked out here once more, from the cells
 // and the settings, and looked for in the picture of the window.
 #include <gtest/gtest.h>
+#include <sstream>
 
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
@@ -26,6 +27,14 @@ static CellColors ColorsOfCell(DWORD cell) {
     if (cell & kCellBlink && session.view.blink_phase) colors.text = Rgb(settings.color_bg);
     if (cell & kCellReverse) std::swap(colors.text, colors.background);
     return colors;
+}
+
+// In smaller cells, a letter may have no pixel of its own.
+static constexpr int kLeastWidth = 3;
+static constexpr int kLeastHeight = 6;
+
+static bool LettersAreDrawn() {
+    return session.view.cell_width >= kLeastWidth && session.view.cell_height >= kLeastHeight;
 }
 
 static bool IsLetter(DWORD cell) {
@@ -63,8 +72,17 @@ static bool IsShown(const QImage& picture, const DWORD* cell, int row, int col) 
     const QRect middle = MiddleOfCell(row, col);
     if (*cell & kCellUnderline || !picture.rect().contains(middle)) return true;
     if (IsAmongEmpty(cell)) return AllOf(picture, middle, colors.background);
-    if (!IsLetter(*cell) || colors.text == colors.background) return true;
+    if (!LettersAreDrawn() || !IsLetter(*cell) || colors.text == colors.background) return true;
     return !AllOf(picture, middle, colors.background);
+}
+
+static std::string Describe(DWORD cell, int row, int col) {
+    const ViewState& view = session.view;
+    std::ostringstream text;
+    text << "row " << row << ", column " << col << ", cell " << std::hex << cell << std::dec
+         << ", view from " << view.view_top << "," << view.view_left << " cells of "
+         << view.cell_width << "x" << view.cell_height;
+    return text.str();
 }
 
 static std::string CellNotShown(const QImage& picture) {
@@ -76,7 +94,7 @@ static std::string CellNotShown(const QImage& picture) {
         for (int col = view.view_left + 2; col < view.view_left + view.visible_columns; ++col) {
             const bool cursor = row == screen.cursor_row && col == screen.cursor_col;
             if (!cursor && !IsShown(picture, &cells[col], row, col))
-                return "row " + std::to_string(row) + ", column " + std::to_string(col);
+                return Describe(cells[col], row, col);
         }
     }
     return "";
