@@ -141,7 +141,8 @@ static void TakeSteps(const ProgramWalk& walk, const std::string& keys, PtyProgr
     result->finished = true;
 }
 
-WalkResult WalkThrough(const ProgramWalk& walk, const std::string& term, const std::string& keys) {
+WalkResult WalkThrough(const ProgramWalk& walk, const std::string& term, const std::string& keys,
+                       int patience) {
     WalkResult result;
     const std::filesystem::path folder = MakeFolder();
     PtyOptions options = {{walk.program}, {}, folder.string(), term, true, -1};
@@ -149,11 +150,25 @@ WalkResult WalkThrough(const ProgramWalk& walk, const std::string& term, const s
     options.environment = {"SHELL=/bin/sh", "PS1=$ ", "ENV=", "TMUX_TMPDIR=" + folder.string()};
     VTerm* peer = NewPeer();
     PtyProgram program;
+    program.patience = patience;
     program.watch = [peer](const std::string& bytes) { FeedPeer(peer, bytes); };
     if (StartOnPty(options, &program)) TakeSteps(walk, keys, &program, peer, &result);
     result.screen = ScreenText();
     EndOnPty(&program);
     FreePeer(peer);
     std::filesystem::remove_all(folder);
+    return result;
+}
+
+WalkResult WalkUntilRight(const ProgramWalk& walk, const std::string& term,
+                          const std::string& keys) {
+    static const int kPatience[] = {1, 4, 16};
+    WalkResult result;
+    for (const int patience : kPatience) {
+        result = WalkThrough(walk, term, keys, patience);
+        const bool whole =
+            result.finished && static_cast<size_t>(result.steps) == walk.steps.size();
+        if (whole && result.wrong == 0) break;
+    }
     return result;
 }

@@ -31,7 +31,14 @@ struct WalkResult {
 
 // The keys are those of the entry `keys`: "quill", or another name for a key table that is set up
 // for it. The folder is made for the walk, with the files that the walks use, and removed.
-WalkResult WalkThrough(const ProgramWalk& walk, const std::string& term, const std::string& keys);
+WalkResult WalkThrough(const ProgramWalk& walk, const std::string& term, const std::string& keys,
+                       int patience = 1);
+
+// The same, up to three times, each with more patience. On a busy machine, the kernel may hand a
+// byte over so late that both sides of the pseudo-terminal seem to rest. A fault of the terminal is
+// there each time.
+WalkResult WalkUntilRight(const ProgramWalk& walk, const std::string& term,
+                          const std::string& keys);
 
 std::string KeysOf(const std::string& step, const std::string& entry);
 

@@ -16,6 +16,7 @@ struct PtyProgram {
     int slave = -1;
     std::string mark;                               // in the environment of all that it started
     std::function<void(const std::string&)> watch;  // sees the output too
+    int patience = 1;                               // factor of the time that counts as rest
 };
 
 struct PtyOptions {

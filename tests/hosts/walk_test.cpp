@@ -19,7 +19,7 @@ class WalkTest : public testing::Test {
         TerminfoEntry entry;
         ASSERT_TRUE(ReadEntry(walk_.term, &entry));
         if (!IsInstalled(walk_.program)) GTEST_SKIP() << walk_.program << " is not installed";
-        const WalkResult result = WalkThrough(walk_, walk_.term, walk_.term);
+        const WalkResult result = WalkUntilRight(walk_, walk_.term, walk_.term);
         EXPECT_EQ(0, result.wrong) << result.first_difference;
         EXPECT_TRUE(result.finished) << "it ended early, on\n" << result.screen;
         EXPECT_EQ(walk_.steps.size(), static_cast<size_t>(result.steps));
@@ -40,7 +40,7 @@ struct Walker {
 };
 
 static std::string FaultsOfWalk(const ProgramWalk& walk, const std::string& term) {
-    const WalkResult result = WalkThrough(walk, term, term);
+    const WalkResult result = WalkUntilRight(walk, term, term);
     if (!result.finished) return "it ended early, on\n" + result.screen;
     if (result.wrong != 0)
         return std::to_string(result.wrong) + " wrong screens, " + result.first_difference;
