@@ -26,7 +26,17 @@ run "$demo" >"$work/host"
 port=$(first_line "$work/host")
 start_relay "${port##*:}"
 
-typed() { tail -c "+$sent_from" "$work/sent" | tr '\000' ' ' | grep -aq -F -e "$1"; }
+# sends KEY ALL: the key makes the program send what is missing of all the bytes. On a busy machine
+# Wine drops some keys of other alphabets, so a key that sends nothing at all is repeated.
+sends() {
+    for try in 1 2 3; do
+        focus_on "$main"
+        xdotool key "$1"
+        ! await 8 sent_is "$2" || return 0
+        sent_is "$before" || return 1
+    done
+    return 1
+}
 
 # types LANGUAGE: types into a session of that language and checks the bytes sent.
 types() {
@@ -36,22 +46,25 @@ types() {
     : >"$work/sent"
     LOCPATH=$work LC_ALL=$1.UTF-8 run wine "$program"
     client=$last
-    await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
-    sleep 0.5
     answer_notice
     await 20 received "login:" || fail "the host's question did not come"
     await 10 sent vt220 || fail "the negotiation did not come to its end"
-    sleep 0.5
     begin_sent
-    xdotool key --delay 120 Cyrillic_ef 1 Cyrillic_ef 2 Cyrillic_ya 3 # Wine may lose the first key
-    await 10 typed '2?3' || fail "with $1 the keys sent $(sent_bytes)"
-    [ "$(tail -c "+$sent_from" "$work/sent" | tr -dc '\000' | wc -c)" = 0 ] ||
-        fail "with $1 the keys sent a NUL: $(sent_bytes)"
+    before=
+    while read -r key bytes; do
+        sends "$key" "$before$bytes" || fail "with $1 after $key the keys sent $(sent_bytes)"
+        before=$before$bytes
+    done <<'END'
+Cyrillic_ef ?
+1 1
+Cyrillic_ef ?
+2 2
+Cyrillic_ya ?
+3 3
+END
     sleep 0.5
     picture "code-page-$1"
-    xdotool key ctrl+shift+q
-    await 20 has_ended "$client" || fail "the program did not end"
-    wait "$client" || fail "the program ended with code $?"
+    leave
 }
 types ja_JP
 types hi_IN

@@ -35,18 +35,15 @@ fresh_device
 printf 'host = "192.0.2.9"\nautoconnect = 1\n' >"$device_root/mconfig.cfg"
 run wine "$program"
 client=$last
-await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
-sleep 0.5
-xdotool key Return
+await_notice
+close_box '^Quill Telnet$' Return
 await 20 has_window '^Request$' || fail "nobody asked whether to dial"
 sleep 0.5
 picture dial-question
-xdotool key Return
-await 20 logged "dial " || fail "no dial began"
-sleep 1
+press_in '^Request$' Return logged "dial " || fail "no dial began"
+await_rest 300x60+0+68
 picture dial
-xdotool key --delay 80 ctrl+shift+KP_Add
-sleep 0.3
+press_and_see 300x12+4+70 ctrl+shift+KP_Add
 timeout 60 wine wineboot --end-session || fail "the session's end failed"
 await 20 has_ended "$client" || fail "the program did not end"
 wait "$client" || fail "the program ended with code $?"

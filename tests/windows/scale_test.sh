@@ -38,8 +38,6 @@ session_at() {
     run wine "$program"
     client=$last
     xdotool mousemove 300 300 # the window below the mouse has the keyboard
-    await 30 has_window '^Quill Telnet$' || fail "no notice of the import at $1 %"
-    sleep 0.5
     answer_notice
     await 20 received "login:" || fail "the host's question did not come at $1 %"
     await 10 is_painted || fail "the host's text was not painted at $1 %"
@@ -51,18 +49,12 @@ session_at() {
     sleep 1
     picture "scale-$1"
     size_of "^$title  \[" >"$work/window-$1"
-    xdotool key alt+s
-    sleep 0.5
-    xdotool key p
-    await 10 has_window '^Properties$' || fail "the properties did not open at $1 %"
+    open_by_keys '^Properties$' alt+s p
     sleep 0.5
     picture "scale-$1-dialog"
     size_of '^Properties$' >"$work/dialog-$1"
-    xdotool key Escape
-    await 10 has_no_window '^Properties$' || fail "the properties did not close"
-    xdotool key ctrl+shift+q
-    await 20 has_ended "$client" || fail "the program did not end"
-    wait "$client" || fail "the program ended with code $?"
+    close_box '^Properties$' Escape
+    leave
 }
 
 # larger_by SCALE NAME: checks width and height. Wine does not scale the frame of a dialog.

@@ -18,8 +18,6 @@ fresh_device
 printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "$relay_port" >"$device_root/mconfig.cfg"
 run wine "$program"
 client=$last
-await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
-sleep 0.5
 answer_notice
 await 30 received "login:" || fail "telnetd asked for no name"
 type_line visitor
@@ -36,13 +34,10 @@ picture telnetd
 type_line exit
 await 20 has_window '^Error$' || fail "the end of the session was not told"
 picture closed
-xdotool key Return
-await 10 has_no_window '^Error$' || fail "the box did not close"
+close_box '^Error$' Return
 has_ended "$client" && fail "the program ended with the session"
 
-xdotool key ctrl+shift+q
-await 20 has_ended "$client" || fail "the program did not end"
-wait "$client" || fail "the program ended with code $?"
+leave
 
 # Nobody listens any more: the connect of the next start is refused, and the program reports it.
 exec 9>&-
@@ -52,9 +47,6 @@ client=$last
 await 30 has_window '^Error$' || fail "the refusal was not told"
 sleep 0.5
 picture refused
-xdotool key Return
-await 10 has_no_window '^Error$' || fail "the box did not close"
-xdotool key ctrl+shift+q
-await 20 has_ended "$client" || fail "the program did not end"
-wait "$client" || fail "the program ended with code $?"
+close_box '^Error$' Return
+leave
 echo "a login, a command and the end; pictures in $pictures"

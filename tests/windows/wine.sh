@@ -5,7 +5,7 @@
 #
 # Exit code 77 of a script means: the test is not possible on this machine.
 
-for tool in wine wineserver Xvfb xdotool import; do
+for tool in wine wineserver Xvfb xdotool import convert; do
     command -v $tool >/dev/null || { echo "$0: $tool is missing" >&2; exit 77; }
 done
 
@@ -105,31 +105,155 @@ mkdir -p "$pictures"
 
 # ---------------------------------------------------------------- the program's windows
 
-has_window() { xdotool search --name "$1" 2>/dev/null | grep -q .; }
-has_no_window() { ! has_window "$1"; }
-count_windows() { xdotool search --name "^$title" 2>/dev/null | wc -l; }
-has_ended() { ! kill -0 "$1" 2>/dev/null; }
-
-# A box that does not have the keyboard focus yet loses the key, so the key is repeated. The main
-# window has its title once the notice of the import is answered.
-answer_notice() {
-    for try in 1 2 3 4 5; do
-        xdotool key Return
-        ! await 5 has_window "^$title  \[127.0.0.1\]$" || return 0
+# windows_named NAME: prints the ids of the visible windows; upper and lower case differ.
+windows_named() {
+    for each in $(xdotool search --onlyvisible --name "$1" 2>/dev/null); do
+        ! xdotool getwindowname "$each" 2>/dev/null | grep -q -e "$1" || echo "$each"
     done
-    fail "the notice of the import did not close"
+}
+has_window() { windows_named "$1" | grep -q .; }
+has_no_window() { ! has_window "$1"; }
+count_windows() { windows_named "^$title" | wc -l; }
+has_ended() { ! kill -0 "$1" 2>/dev/null; }
+main="^$title  \["
+
+# ---------------------------------------------------------------- the keyboard
+
+# A key goes to the window with the focus of the X server. Wine moves the focus some time after it shows
+# a window, and back to its desktop when a window closes; a key in between can be lost. So each step sets
+# the focus first, and a key is repeated only if Wine has moved the focus and the key had no effect.
+has_focus() { [ "$(xdotool getwindowfocus 2>/dev/null)" = "$(windows_named "$1" | tail -n 1)" ]; }
+keeps_focus() { has_focus "$1" && sleep 0.2 && has_focus "$1"; }
+takes_focus() {
+    keeps_focus "$1" || {
+        xdotool windowfocus "$(windows_named "$1" | tail -n 1)" && keeps_focus "$1"
+    }
+}
+focus_on() { await 20 takes_focus "$1" || fail "no window $1 that takes the keyboard"; }
+
+# press_in WINDOW KEY COMMAND...: presses the key in that window and waits until the command succeeds.
+press_in() {
+    target=$1 key=$2
+    shift 2
+    for try in 1 2 3 4 5; do
+        focus_on "$target"
+        xdotool key "$key"
+        ! await 20 "$@" || return 0
+        ! has_focus "$target" || return 1
+    done
+    return 1
+}
+press() { press_in "$main" "$@"; }
+
+# close_box WINDOW KEY: closes a box by the key, which goes to no other window.
+close_box() { press_in "$1" "$2" has_no_window "$1" || fail "$1 did not close by $2"; }
+
+# The menu that is open has a window without a name; sets menu to it.
+has_menu() {
+    for menu in $(xdotool search --onlyvisible --class '^quill' 2>/dev/null); do
+        [ -n "$(xdotool getwindowname "$menu" 2>/dev/null)" ] ||
+            [ "$(xdotool getwindowgeometry "$menu" 2>/dev/null | grep -c 'Geometry: [0-9]\{2,\}x')" = 0 ] || return 0
+    done
+    return 1
+}
+has_no_menu() { ! has_menu; }
+leave_menu() {
+    for try in 1 2 3; do
+        has_menu || return 0
+        xdotool key Escape
+        ! await 2 has_no_menu || return 0
+    done
 }
 
+# open_menu KEY: one attempt to open a menu of the main window.
+open_menu() {
+    focus_on "$main"
+    xdotool key "$1"
+    await 5 has_menu
+}
+
+# open_by_keys WINDOW KEY KEY: opens a menu and chooses its entry until the window appears.
+open_by_keys() {
+    for attempt in 1 2 3 4 5; do
+        if open_menu "$2"; then
+            xdotool key "$3"
+            ! await 10 has_window "$1" || return 0
+        fi
+        leave_menu
+    done
+    fail "$1 did not open by $2 and $3"
+}
+
+# step_menu KEY: moves in the open menu and waits until the menu shows it.
+menu_look() { import -window "$menu" gray:- | cksum; }
+menu_differs() { [ "$(menu_look)" != "$menu_was" ]; }
+step_menu() {
+    has_menu || return 1
+    menu_was=$(menu_look)
+    xdotool key "$1"
+    await 5 menu_differs
+}
+
+# look_at PART: remembers a part of the screen in the form WxH+X+Y; looks_different is true after it
+# has changed.
+part_look() { import -window root -crop "$part" gray:- | cksum; }
+look_at() {
+    part=$1
+    part_was=$(part_look)
+}
+looks_different() { [ "$(part_look)" != "$part_was" ]; }
+
+# await_rest PART: waits until the part stays the same for more than a cursor's blink.
+await_rest() {
+    look_at "$1"
+    same=0
+    while [ $same -lt 15 ]; do
+        sleep 0.1
+        same=$((same + 1))
+        ! looks_different || {
+            look_at "$1"
+            same=0
+        }
+    done
+}
+
+# press_and_see PART KEY: presses a key that changes this part of the screen.
+press_and_see() {
+    look_at "$1"
+    press "$2" looks_different || fail "$2 changed nothing on the screen"
+}
+
+await_notice() { await 30 has_window '^Quill Telnet$' || fail "no notice of the import"; }
+
+# The main window has its title once the notice of the import is answered.
+answer_notice() {
+    await_notice
+    close_box '^Quill Telnet$' Return
+    await 20 has_window "${1:-^$title  \[127.0.0.1\]$}" || fail "no window after the notice of the import"
+}
+
+# type_line TEXT: types it and presses Enter after all of it has left the program.
 type_line() {
+    focus_on "$main"
+    typed_from=$(wc -c <"$work/sent")
+    typed_length=${#1}
     xdotool type --delay 40 "$1"
+    await 10 has_left || fail "of $1 the program sent $(($(wc -c <"$work/sent") - typed_from)) bytes"
     xdotool key Return
+}
+has_left() { [ "$(($(wc -c <"$work/sent") - typed_from))" -ge "$typed_length" ]; }
+
+# leave: ends the program by its Exit command.
+leave() {
+    press ctrl+shift+q has_ended "$client" || fail "the program did not end"
+    wait "$client" || fail "the program ended with code $?"
 }
 
 # rows_darker_than PERCENT: counts the pixel rows in the upper left of the desktop whose average is
 # darker.
 rows_darker_than() {
     import -window root "$work/look.png"
-    convert "$work/look.png" -crop 600x440+20+24 -colorspace Gray -scale '1x440!' -depth 8 gray:- |
+    convert "$work/look.png" -crop 600x390+20+70 -colorspace Gray -scale '1x390!' -depth 8 gray:- |
         od -An -v -tu1 -w1 | awk -v most="$1" '$1 * 100 < most * 255 { rows++ } END { print rows + 0 }'
 }
 
