@@ -182,7 +182,7 @@ int main(int argc, char** argv) {
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 
-    LeaveMuteBus();
+    LeaveMuteBuses();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     OpenDevice(options);

@@ -177,14 +177,8 @@ def bus_that_dies(path, work):
     host.send("before")
     eventually(lambda: "before" in heard.spoken(), "the text before")
     os.kill(int(os.environ["SCREEN_READER_BUS"]), signal.SIGKILL)
-    for folder in pathlib.Path("/proc").glob("[0-9]*"):
-        try:
-            words = (folder / "cmdline").read_bytes().split(b"\0")
-            ours = work.encode() in (folder / "environ").read_bytes()
-        except OSError:
-            continue
-        if ours and words[0].endswith((b"dbus-daemon", b"at-spi2-registryd")):
-            os.kill(int(folder.name), signal.SIGKILL)
+    for each in processes(work, "dbus-daemon", "at-spi2-registryd"):
+        os.kill(each, signal.SIGKILL)
     host.send("\r\n".join(f"after {i}" for i in range(200)))
     host.answered()
     program.end()
@@ -203,25 +197,122 @@ def bus_that_is_not_there(path, work):
         assert pathlib.Path(work, "text").read_text().startswith("still here")
 
 
-def bus_that_never_answers(path, work):
-    """It takes connections, and that is all. A person starts the program and types."""
-    address = work + "/mute"
-    bus = socket.socket(socket.AF_UNIX)
-    bus.bind(address)
-    bus.listen(50)
-    os.environ["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + address
-    os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+def starts_and_types(path, work):
+    """A person starts the program, reads what the host sends, and types."""
     host = Host()
     program = Program(path, work, host.port, ["--text", work + "/text"])
     host.accept()
+    host.send("\033[2J\033[Hstill here")
+    host.answered()
     assert program.process.wait(PATIENCE) == 0
+    assert pathlib.Path(work, "text").read_text().startswith("still here")
     program = Program(path, work)
     host.accept()
     host.send("\r")
     subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", r"^Quill Telnet  \[127",
                     "windowfocus", "--sync", "key", "q"], check=True, timeout=PATIENCE)
     host.await_bytes(b"q")
+    host.answered()
     program.end()
+
+
+def listener(path, backlog=50):
+    """A bus that takes connections, and that is all."""
+    bus = socket.socket(socket.AF_UNIX)
+    bus.bind(path)
+    bus.listen(backlog)
+    return bus
+
+
+def bus_that_never_answers(path, work):
+    bus = listener(work + "/mute")
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + work + "/mute"
+    os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+    starts_and_types(path, work)
+    bus.close()
+
+
+def bus_with_a_full_queue(path, work):
+    """It has stopped so long ago that no more connections fit into its queue."""
+    folder = work + "/a bus, 100%"
+    os.mkdir(folder)
+    bus = listener(folder + "/mute", 0)
+    waiting = []
+    for each in range(10):
+        waiting.append(socket.socket(socket.AF_UNIX))
+        waiting[-1].setblocking(False)
+        try:
+            waiting[-1].connect(folder + "/mute")
+        except BlockingIOError:
+            break
+    else:
+        raise AssertionError("the queue takes ten connections")
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = "unix:guid=00,path=" + work + "/a%20bus%2c%20100%25/mute"
+    starts_and_types(path, work)
+    bus.close()
+
+
+def processes(work, *names):
+    """Those of this test that run the programs of these names."""
+    found = []
+    for folder in pathlib.Path("/proc").glob("[0-9]*"):
+        try:
+            words = (folder / "cmdline").read_bytes().split(b"\0")
+            ours = work.encode() in (folder / "environ").read_bytes()
+        except OSError:
+            continue
+        if ours and os.path.basename(words[0]).decode() in names:
+            found.append(int(folder.name))
+    return found
+
+
+def stopped_while(action, path, work, stopped):
+    """What is stopped is killed at the end: it would hear no other signal."""
+    assert stopped
+    for each in stopped:
+        os.kill(each, signal.SIGSTOP)
+    try:
+        action(path, work)
+    finally:
+        for each in stopped:
+            os.kill(each, signal.SIGKILL)
+
+
+def readers_bus_that_never_answers(path, work):
+    """The session's bus tells its address, and it takes connections."""
+    buses = processes(work, "dbus-daemon")
+    buses.remove(int(os.environ["SESSION_BUS"]))
+    stopped_while(starts_and_types, path, work, buses)
+
+
+def readers_bus_named_by_the_environment(path, work):
+    bus = listener(work + "/mute")
+    os.environ["AT_SPI_BUS_ADDRESS"] = "unix:path=" + work + "/mute"
+    starts_and_types(path, work)
+    bus.close()
+
+
+def launcher_that_never_answers(path, work):
+    """The one that the session's bus asks for the address of the other bus."""
+    stopped_while(starts_and_types, path, work, [int(os.environ["SCREEN_READER_BUS"])])
+
+
+def readers_bus_that_falls_silent(path, work):
+    """A session is up and read by then."""
+    host, program = in_session(path, work)
+    heard = Heard("object:text-changed")
+    host.send("before")
+    eventually(lambda: "before" in heard.spoken(), "the text before")
+    buses = processes(work, "dbus-daemon")
+    buses.remove(int(os.environ["SESSION_BUS"]))
+
+    def goes_on(*_):
+        for each in range(20):
+            host.send("\r\n".join(f"after {i}" for i in range(200)))
+            host.answered()
+        program.end()
+
+    stopped_while(goes_on, path, work, buses)
 
 
 def main():
@@ -229,7 +320,10 @@ def main():
     follow_changes()
     steps = [names_and_roles, rows_and_cursor, lines_are_heard, buttons_by_action,
              dialog_filled_in, bars_that_change,
-             message_box_is_read, bus_that_dies, bus_that_is_not_there, bus_that_never_answers]
+             message_box_is_read, bus_that_dies, bus_that_is_not_there, bus_that_never_answers,
+             bus_with_a_full_queue, readers_bus_that_never_answers,
+             readers_bus_named_by_the_environment, launcher_that_never_answers,
+             readers_bus_that_falls_silent]
     {each.__name__: each for each in steps}[step](path, work)
     print(f"{step}: as told")
 

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-// A desktop's message bus that takes connections and never answers.
+// Message buses of the desktop that take connections and never answer.
 #ifndef QUILL_PLATFORM_QT_HOST_MUTE_BUS_H
 #define QUILL_PLATFORM_QT_HOST_MUTE_BUS_H
 
-// Asks the bus of the session for its first answer, and waits at most two seconds. If none comes,
-// this process runs without the bus, and so without screen readers, because the toolkit would wait
-// for ever. Call it before the toolkit starts.
-void LeaveMuteBus();
+// Talks to the bus of the session and to the one of the screen readers, and waits at most two
+// seconds for each answer. If one does not come, this process runs without that bus, because the
+// toolkit would wait for ever: without the session's bus there are no screen readers either. Call
+// it before the toolkit starts.
+void LeaveMuteBuses();
 
 #endif
