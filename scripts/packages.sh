@@ -15,8 +15,8 @@ PACKAGES_DEB="dpkg-dev librsvg2-bin"
 # ncurses-term and the programs after it for the terminal's description; openbox and what follows for
 # the package and its window; clang-format and clang-tidy, in the one version that the project uses, for
 # the style; weston to qt6-wayland for the tests under Wayland, dbus to gir1.2-atspi
-# for those of a screen reader.
-PACKAGES_TEST="libgtest-dev clang libclang-rt-dev|libclang-rt-14-dev|libclang-rt-18-dev
+# for those of a screen reader; llvm has the program that names the code in a finding of a fuzz target.
+PACKAGES_TEST="libgtest-dev clang llvm libclang-rt-dev|libclang-rt-14-dev|libclang-rt-18-dev
     xvfb xauth x11-utils xdotool xclip imagemagick socat libkrb5-3 libvterm-dev libbenchmark-dev
     libgmp-dev libssl-dev openssh-client python3-asyncssh python3-paramiko python3-twisted
     python3 python3-pycryptodome googletest wine wine64 locales iproute2
