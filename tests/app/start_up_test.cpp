@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <QLockFile>
 #include <QProcess>
 
@@ -207,6 +209,15 @@ void WithProcess(const std::function<void(const std::string& root, qint64 proces
 
 TEST(StartUp, RegistryIsNotHeldOnceMessagesAreTaken) {
     WithProcess([](const std::string& root, qint64) { EXPECT_TRUE(LogOfRegistryEmpties(root)); });
+}
+
+TEST(StartUp, LoadsNoPluginForPictures) {
+    WithProcess([](const std::string&, qint64 process) {
+        std::ifstream file("/proc/" + std::to_string(process) + "/maps");
+        const std::string maps((std::istreambuf_iterator<char>(file)), {});
+        EXPECT_NE(maps.find("/platforms/"), std::string::npos) << "plugins are seen here";
+        EXPECT_EQ(maps.find("/imageformats/"), std::string::npos);
+    });
 }
 
 TEST(StartUp, SecondStartShowsTheFirstAndEndsWithCode0) {
