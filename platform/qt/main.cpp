@@ -157,6 +157,8 @@ static int RunProgram(const CommandLine& line) {
     if (!options.snapshot.isEmpty() || !options.text.isEmpty()) WatchForRest(options);
     EndBySignals();
     ServeTerminalText();
+    HoldRegistry();  // for the load of the settings, until the first wait for a message
+    QTimer::singleShot(0, qApp, ReleaseRegistry);
     const int result = WinMain(nullptr, nullptr, nullptr, SW_SHOW);
     if (KeepsPlace(options)) SaveWindowPlace();
     return result;

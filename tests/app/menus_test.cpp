@@ -2,6 +2,7 @@
 // The menu bars: their entries, how a person opens them, and what each entry does.
 #include <gtest/gtest.h>
 #include <QMenu>
+#include <QProxyStyle>
 #include <QtTest/QTest>
 
 #include "platform/qt/shell/shell.h"
@@ -218,6 +219,28 @@ TEST(Menus, TheKeyboardsPictureIsMadeForTheDensity) {
                 const QPixmap picture = icon.pixmap(QSize(22, 14), density);
                 EXPECT_EQ(picture.size(), (QSizeF(22, 14) * density).toSize());
                 EXPECT_EQ(picture.devicePixelRatio(), density);
+            }
+        });
+    });
+}
+
+TEST(Menus, ANarrowBarHasTheDesktopsButtonForTheRest) {
+    RunProgram({.width = 120}, [] {
+        ASSERT_TRUE(Eventually([] { return !BarTitles().isEmpty(); }));
+        OnWindowThread([] {
+            const auto* button =
+                ShellMenuStrip()->bar()->findChild<QToolButton*>("qt_menubar_ext_button");
+            ASSERT_TRUE(button && button->isVisible());
+            const auto* style = qobject_cast<QProxyStyle*>(QApplication::style());
+            ASSERT_NE(style, nullptr);
+            const QIcon wanted =
+                style->baseStyle()->standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton);
+            for (const double density : {1.0, 2.0}) {
+                const QPixmap shown = button->icon().pixmap(button->iconSize(), density);
+                const QPixmap own = wanted.pixmap(button->iconSize(), density);
+                ASSERT_FALSE(own.isNull());
+                EXPECT_EQ(shown.toImage(), own.toImage()) << density;
+                EXPECT_EQ(shown.devicePixelRatio(), own.devicePixelRatio());
             }
         });
     });

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Start-up: its order of steps, the exit codes, and that a device runs one program at a time.
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <QLockFile>
 #include <QProcess>
 
@@ -166,6 +169,55 @@ int StartSecond(const std::string& root, QByteArray* said = nullptr) {
     for (QByteArray line = second.readLine(); said && !line.isEmpty(); line = second.readLine())
         if (line.startsWith("quill")) *said += line;  // the toolkit may print lines too
     return second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
+}
+
+// Other programs can empty the registry's log only if no program still reads from an old one.
+bool LogOfRegistryEmpties(const std::string& root) {
+    sqlite3* database = nullptr;
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_open((root + "/registry.db").c_str(), &database);
+    EXPECT_EQ(SQLITE_OK,
+              sqlite3_exec(database, "UPDATE registry SET data = x'01' WHERE name = 'BELL'",
+                           nullptr, nullptr, nullptr));
+    sqlite3_prepare_v2(database, "PRAGMA wal_checkpoint(TRUNCATE)", -1, &statement, nullptr);
+    const bool emptied =
+        sqlite3_step(statement) == SQLITE_ROW && sqlite3_column_int(statement, 0) == 0;
+    sqlite3_finalize(statement);
+    sqlite3_close(database);
+    return emptied;
+}
+
+// The program as a process of its own that has connected at its start and taken messages since.
+void WithProcess(const std::function<void(const std::string& root, qint64 process)>& look) {
+    const std::string root = FreshRoot();
+    FakeHost host;
+    RunProgram({.root = root, .config = host.Config()}, [&] {
+        DismissBox(kImportNotice);
+        EXPECT_TRUE(host.Accept());
+    });
+    QProcess program;
+    program.start(QUILL_PROGRAM, {"-platform", "offscreen", "--scale", "1", "--root",
+                                  QString::fromStdString(root)});
+    ASSERT_TRUE(host.Accept());
+    host.Send("\x1b[6n");
+    EXPECT_EQ(host.Read(6), "\x1b[1;1R");
+    look(root, program.processId());
+    program.terminate();
+    EXPECT_TRUE(program.waitForFinished(20000));
+    EXPECT_EQ(program.exitCode(), 0);
+}
+
+TEST(StartUp, RegistryIsNotHeldOnceMessagesAreTaken) {
+    WithProcess([](const std::string& root, qint64) { EXPECT_TRUE(LogOfRegistryEmpties(root)); });
+}
+
+TEST(StartUp, LoadsNoPluginForPictures) {
+    WithProcess([](const std::string&, qint64 process) {
+        std::ifstream file("/proc/" + std::to_string(process) + "/maps");
+        const std::string maps((std::istreambuf_iterator<char>(file)), {});
+        EXPECT_NE(maps.find("/platforms/"), std::string::npos) << "plugins are seen here";
+        EXPECT_EQ(maps.find("/imageformats/"), std::string::npos);
+    });
 }
 
 TEST(StartUp, SecondStartShowsTheFirstAndEndsWithCode0) {

@@ -148,6 +148,11 @@ StoreResult RegistryStore::Delete(const std::string& key, const std::string& nam
     return Save();
 }
 
+// All rows are in memory.
+void RegistryStore::Hold() {}
+
+void RegistryStore::Release() {}
+
 void RegistryStore::Close() {
     g_path.clear();
     g_rows.clear();

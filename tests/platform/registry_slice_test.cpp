@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -213,6 +214,99 @@ TEST_F(RegistryFileOnDisk, OneProcessReadsWhatAnotherJustWrote) {
     EXPECT_TRUE(LoadNumber(1, &number));
     EXPECT_EQ(11u, number);
     sqlite3_close(database);
+}
+
+namespace {
+
+// Writes as another process does, which waits for nobody. False if it is locked out.
+bool OtherWrites(int index, DWORD number) {
+    sqlite3* database = nullptr;
+    sqlite3_open(RegistryFile().c_str(), &database);
+    char text[120];
+    snprintf(text, sizeof(text), "UPDATE registry SET data = x'%02X000000' WHERE name = 'KEY%d'",
+             number, index);
+    const int result = sqlite3_exec(database, text, nullptr, nullptr, nullptr);
+    sqlite3_close(database);
+    return result == SQLITE_OK;
+}
+
+// The number of a value; 0: there is no such value.
+DWORD Loaded(int index) {
+    DWORD number = 0;
+    return LoadNumber(index, &number) ? number : 0;
+}
+
+class HeldRegistry : public RegistryFileOnDisk {
+  protected:
+    void SetUp() override {
+        RegistryFileOnDisk::SetUp();
+        for (int i = 0; i < 3; i++) ASSERT_EQ(ERROR_SUCCESS, SaveNumber(i, 10));
+        HoldRegistry();
+    }
+};
+
+}  // namespace
+
+TEST_F(HeldRegistry, ReadsSeeTheMomentOfTheFirstOne) {
+    EXPECT_TRUE(OtherWrites(0, 11)) << "before the first read";
+    EXPECT_EQ(11u, Loaded(0));
+    EXPECT_TRUE(OtherWrites(1, 12)) << "does not wait for the reader";
+    EXPECT_EQ(10u, Loaded(1));
+    ReleaseRegistry();
+    EXPECT_EQ(12u, Loaded(1));
+    EXPECT_TRUE(OtherWrites(1, 13));
+    EXPECT_EQ(13u, Loaded(1));
+}
+
+TEST_F(HeldRegistry, IsReleasedByTheNextWrite) {
+    const auto removed = [] {
+        HKEY key = nullptr;
+        RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_SET_VALUE, &key);
+        const LONG error = RegDeleteValueW(key, TEXT("key2"));
+        RegCloseKey(key);
+        return error;
+    };
+    const auto made = [] {
+        HKEY key = nullptr;
+        const LONG error = RegCreateKeyExW(HKEY_LOCAL_MACHINE, TEXT("Software\\OTHER"), 0, nullptr,
+                                           0, KEY_SET_VALUE, nullptr, &key, nullptr);
+        RegCloseKey(key);
+        return error;
+    };
+    const std::function<LONG()> writes[] = {[] { return SaveNumber(2, 20); }, removed, made};
+    DWORD number = 10;
+    for (const auto& write : writes) {
+        HoldRegistry();
+        EXPECT_EQ(number, Loaded(1));
+        EXPECT_TRUE(OtherWrites(1, ++number));
+        EXPECT_EQ(ERROR_SUCCESS, write());
+        EXPECT_EQ(number, Loaded(1));
+        EXPECT_TRUE(OtherWrites(1, ++number));
+        EXPECT_EQ(number, Loaded(1)) << "no longer held";
+    }
+}
+
+TEST_F(HeldRegistry, IsReleasedWhenItCloses) {
+    EXPECT_EQ(10u, Loaded(1));
+    CloseRegistry();
+    EXPECT_FALSE(std::filesystem::exists(RegistryFile() + "-wal"));
+    EXPECT_EQ(10u, Loaded(1));
+    EXPECT_TRUE(OtherWrites(1, 11));
+    EXPECT_EQ(11u, Loaded(1));
+}
+
+TEST_F(HeldRegistry, KilledReaderLeavesNothingBehind) {
+    CloseRegistry();
+    const pid_t child = Fork([] {
+        HoldRegistry();
+        return Loaded(1) == 10 ? raise(SIGKILL) : 1;
+    });
+    ASSERT_TRUE(WIFSIGNALED(WaitFor(child)));
+    EXPECT_EQ(ERROR_SUCCESS, SaveNumber(1, 11));
+    CloseRegistry();
+    EXPECT_FALSE(std::filesystem::exists(RegistryFile() + "-wal"));
+    EXPECT_EQ("ok", IntegrityOfFile());
+    EXPECT_EQ(11u, Loaded(1));
 }
 
 TEST_F(RegistryFileOnDisk, OnlyTheUserMayReadIt) {

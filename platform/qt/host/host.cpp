@@ -96,6 +96,7 @@ bool MakeRoot(const std::string& folder) {
 void OpenDevice(const HostOptions& options) {
     SetDeviceRoot(options.root);
     SetResourceImage(quill_resources, static_cast<size_t>(quill_resources_end - quill_resources));
+    UseDeviceStyle();
     SetSystemFont();
     OfferToScreenReaders();
     RegisterMenuBar();

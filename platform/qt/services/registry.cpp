@@ -206,8 +206,21 @@ LONG RegCloseKey(HKEY key) {
     return ERROR_INVALID_HANDLE;
 }
 
+void HoldRegistry() {
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    registry.store.Hold();
+}
+
+void ReleaseRegistry() {
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    registry.store.Release();
+}
+
 void CloseRegistry() {
     Registry& registry = TheRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
+    registry.store.Release();
     registry.store.Close();
 }

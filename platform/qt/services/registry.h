@@ -20,6 +20,12 @@
 // open.
 void CloseRegistry();
 
+// Between the two calls, reads are one transaction: they see the registry as it was at the first of
+// them, and do not lock the file each. Other processes may write meanwhile. The next write of this
+// process and CloseRegistry release it too.
+void HoldRegistry();
+void ReleaseRegistry();
+
 struct sqlite3;
 struct sqlite3_stmt;
 
@@ -44,6 +50,8 @@ class RegistryStore {
     StoreResult Read(const std::string& key, const std::string& name, StoredValue* value);
     StoreResult Write(const std::string& key, const std::string& name, const StoredValue& value);
     StoreResult Delete(const std::string& key, const std::string& name);
+    void Hold();  // as HoldRegistry
+    void Release();
     void Close();
 
   private:
@@ -55,6 +63,7 @@ class RegistryStore {
     int RunOnce(Statement which, const std::string& key, const std::string* name,
                 const StoredValue* value, const std::function<void(sqlite3_stmt*)>& row);
     bool Ready();
+    bool IsInTransaction() const;
     bool IsOwnFile() const;  // the open file is still the one with this name
     bool Open(bool damaged);
     Opened OpenFile();
@@ -69,6 +78,7 @@ class RegistryStore {
     ino_t inode_ = 0;
     sqlite3* database_ = nullptr;
     sqlite3_stmt* statements_[kStatements] = {};
+    bool holds_ = false;     // reads begin a transaction and leave it open
     std::string known_key_;  // the last one that was found; empty: none since the file was opened
 };
 

@@ -217,10 +217,22 @@ bool RegistryStore::IsOwnFile() const {
     return stat(path_.c_str(), &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;
 }
 
+bool RegistryStore::IsInTransaction() const {
+    return database_ && !sqlite3_get_autocommit(database_);
+}
+
 bool RegistryStore::Ready() {
-    if (database_ && path_ == DeviceRoot() + "/registry.db" && IsOwnFile()) return true;
+    if (database_ && path_ == DeviceRoot() + "/registry.db" && (IsInTransaction() || IsOwnFile()))
+        return true;
     Abandon();
     return Open(false);
+}
+
+void RegistryStore::Hold() { holds_ = true; }
+
+void RegistryStore::Release() {
+    holds_ = false;
+    if (IsInTransaction()) Execute(database_, "COMMIT");
 }
 
 void RegistryStore::Close() {
@@ -258,7 +270,9 @@ int RegistryStore::RunOnce(Statement which, const std::string& key, const std::s
 
 int RegistryStore::Run(Statement which, const std::string& key, const std::string* name,
                        const StoredValue* value, const std::function<void(sqlite3_stmt*)>& row) {
+    if (which != kHasKey && which != kRead) Release();
     if (!Ready()) return SQLITE_CANTOPEN;
+    if (holds_ && !IsInTransaction()) Execute(database_, "BEGIN");
     const int result = RunOnce(which, key, name, value, row);
     if (!IsDamage(result)) return result;
     Abandon();

@@ -3,6 +3,7 @@
 // mouse, touch, Alt with a letter and the arrow keys reach every entry.
 #include "platform/qt/shell/shell.h"
 
+#include <QApplication>
 #include <QIconEngine>
 #include <QMenu>
 #include <QPainter>
@@ -19,11 +20,45 @@ static QPointer<MenuStrip> g_strip;
 
 namespace {
 
+// One of a style's own icons, which is loaded when it is first drawn. To load one, the toolkit
+// loads all its plugins for pictures, and it wants the icon of a bar's hidden button at once.
+class LateIcon : public QIconEngine {
+  public:
+    LateIcon(const QStyle* style, QStyle::StandardPixmap which) : style_(style), which_(which) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
+               QIcon::State state) override {
+        Load().paint(painter, rect, Qt::AlignCenter, mode, state);
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        return Load().pixmap(size, 1, mode, state);
+    }
+    QIconEngine* clone() const override { return new LateIcon(*this); }
+
+  private:
+    const QIcon& Load() {
+        if (icon_.isNull() && style_) icon_ = style_->standardIcon(which_);
+        return icon_;
+    }
+
+    QPointer<const QStyle> style_;
+    QStyle::StandardPixmap which_;
+    QIcon icon_;
+};
+
+// The style of all windows, which is the desktop's with two differences.
+//
 // Some styles draw a line below the bar: a piece below each title and a piece below the rest, with
 // gaps between them. This bar is the last row of the screen and needs no line below it. A pixel
 // that is not a whole number of the screen's pixels can touch one more of those on each side.
-class PlainBarStyle : public QProxyStyle {
+class DeviceStyle : public QProxyStyle {
   public:
+    QIcon standardIcon(StandardPixmap which, const QStyleOption* option,
+                       const QWidget* widget) const override {
+        if (which == SP_ToolBarHorizontalExtensionButton)
+            return QIcon(new LateIcon(baseStyle(), which));
+        return QProxyStyle::standardIcon(which, option, widget);
+    }
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override {
         if (element == CE_MenuBarEmptyArea) return;
@@ -96,14 +131,16 @@ static LRESULT CALLBACK MenuBarProcedure(HWND window, UINT message, WPARAM wpara
     return DefWindowProcW(window, message, wparam, lparam);
 }
 
+void UseDeviceStyle() {
+    static QPointer<QStyle> style;
+    if (!style) QApplication::setStyle(style = new DeviceStyle);
+}
+
 MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
     g_strip = this;
     setAutoFillBackground(true);
     bar_ = new QMenuBar(this);
     bar_->setNativeMenuBar(false);
-    auto* style = new PlainBarStyle;
-    style->setParent(bar_);
-    bar_->setStyle(style);
     bar_->setDefaultUp(true);
     panel_button_ = new QToolButton(this);
     panel_button_->setAutoRaise(true);

@@ -63,6 +63,7 @@ class MenuStrip : public QWidget {
     HWND owner_ = nullptr;  // the menu bar window whose menus are shown
 };
 
+void UseDeviceStyle();        // for all windows; call it before the first one is made
 MenuStrip* ShellMenuStrip();  // null while the device's screen is not open
 bool ActivateMenuBar();       // opens the first menu, as F10 does; false: there is no menu
 
