@@ -14,13 +14,11 @@
 #include "ui/main_window.h"
 #include "ui/view/view.h"
 
-namespace {
-
 constexpr int kMenuBarPixels = 26;
 constexpr UINT kTimerId = 1;
 constexpr UINT kTimerMilliseconds = 1000;
 
-bool HandOverToFirstInstance() {
+static bool HandOverToFirstInstance() {
     const HWND first = FindWindowW(TEXT("TELNET"), nullptr);
     if (!first) return false;
     SetForegroundWindow(first);
@@ -29,7 +27,7 @@ bool HandOverToFirstInstance() {
     return true;
 }
 
-void FillPorts() {
+static void FillPorts() {
     session_ports = {
         .repaint = RepaintTerminal,
         .show_changes = ShowChanges,
@@ -41,14 +39,14 @@ void FillPorts() {
     };
 }
 
-void FindColorDialog() {
+static void FindColorDialog() {
     session.common_dialogs = LoadLibraryW(TEXT("COMMDLG.DLL"));
     if (!session.common_dialogs) return;
     session.choose_color = reinterpret_cast<ChooseColorProcedure>(
         reinterpret_cast<void*>(GetProcAddressW(session.common_dialogs, TEXT("ChooseColor"))));
 }
 
-BOOL RegisterMainWindow(HINSTANCE instance) {
+static BOOL RegisterMainWindow(HINSTANCE instance) {
     WNDCLASSW main_class = {};
     main_class.style = CS_DBLCLKS;
     main_class.lpfnWndProc = MainWindowProcedure;
@@ -58,14 +56,14 @@ BOOL RegisterMainWindow(HINSTANCE instance) {
     return RegisterClassW(&main_class) != 0;
 }
 
-int StartSockets() {
+static int StartSockets() {
     WSADATA data;
     if (WSAStartup(MAKEWORD(1, 1), &data) == 0) return 1;
     ShowError(TEXT("cannot find WinSock DLL. Maybe TCP/IP is missing"));
     return 0;
 }
 
-int RunMessageLoop() {
+static int RunMessageLoop() {
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0)) {
         if (TranslateAcceleratorW(session.main_window, session.accelerators, &message)) continue;
@@ -75,7 +73,7 @@ int RunMessageLoop() {
     return static_cast<int>(message.wParam);
 }
 
-int RunSessions() {
+static int RunSessions() {
     if (session.settings.autoconnect == 1) {
         SessionConnect();
         RebuildMenuBar();
@@ -87,8 +85,6 @@ int RunSessions() {
     WSACleanup();
     return result;
 }
-
-}  // namespace
 
 int InitApplication(HINSTANCE instance) {
     InitCommonControls();

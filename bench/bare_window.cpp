@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The floor of a start and of its memory: a window of the toolkit that draws one line of text and
-// does nothing else.
+// The least time and memory that a start can cost: a window of the toolkit that draws one line of
+// text and does nothing else.
 #include <QApplication>
 #include <QPainter>
 #include <QWidget>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// crypto/ against libcrypto and GMP, in one process and one run.
+// Compares the speed of crypto/ with libcrypto and GMP, in one process and one run.
 //
-// Each line times both sides in turn, for long enough to meet a quiet moment of the machine, and
-// compares the best time of each: other work only ever adds. SHA-1 is measured once more in a child
-// of the same program that tells libcrypto to leave the processor's SHA instructions alone.
+// Each line measures both sides in turn, long enough to find a quiet moment of the machine, and
+// compares the best times: other work on the machine only adds time. A child process measures SHA-1
+// again, with libcrypto told not to use the processor's SHA instructions.
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include <gmp.h>
 #include <openssl/blowfish.h>
@@ -26,12 +26,12 @@
 #include "crypto/long_division.h"
 #include "windows_ce.h"
 
-// Nothing here draws random numbers.
+// The benchmarks draw no random numbers.
 void GetSystemTime(SYSTEMTIME* time) { *time = {}; }
 
 static const int kBufferSize = 32768;
 static const int kMinRounds = 60;
-static const double kMinSeconds = 0.3;  // a line
+static const double kMinSeconds = 0.3;  // for each line
 static std::vector<uint8_t> buffer(kBufferSize, 0x5A);
 
 static double Seconds(const std::function<void()>& work) {
@@ -168,7 +168,7 @@ static void BenchModPow(const char* what) {
     gmp_randclear(random);
 }
 
-// libcrypto reads the variable as it starts: bit 29 of the second word is the SHA instructions.
+// libcrypto reads the variable at its start: bit 29 of the second word means SHA instructions.
 static void RunWithoutShaInstructions(const char* program) {
     fflush(stdout);
     setenv("OPENSSL_ia32cap", ":~0x20000000", 1);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The terminal engine, from bytes to grid, beside libvterm's on the same bytes in the same run. One
-// thread, no painting. Each workload prints megabytes a second of both and their ratio.
+// Compares the terminal engine, from bytes to grid, with libvterm on the same bytes in the same
+// run. One thread, no painting. Each workload prints megabytes per second of both and their ratio.
 //
-// libvterm is set up as quick as it goes: a screen without callbacks, 8-bit input, damage merged.
+// libvterm has its fastest settings: a screen without callbacks, 8-bit input, merged damage.
 #include <benchmark/benchmark.h>
 #include <vterm.h>
 
@@ -20,10 +20,10 @@
 
 BOOL MessageBeep(UINT) { return TRUE; }
 
-static const size_t kChunk = 3000;  // what one read of the socket yields at most
+static const size_t kChunk = 3000;  // the most that one read of the socket returns
 
 struct Figures {
-    double ours = 0;  // bytes a second
+    double ours = 0;  // bytes per second
     double peers = 0;
 };
 

@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: MIT
-// What a person sees of a terminal on an X server, measured from outside: bench/terminals.py runs
+// Measures from outside what a person sees of a terminal on an X server. bench/terminals.py runs
 // it.
 //
-//   glyph_probe keys SOCKET PRESSES RATE   presses the key x at random moments and prints for each
+//   glyph_probe keys SOCKET PRESSES RATE   presses the key x at random times and prints for each
 //       press the microseconds until the pixels of the echoed glyph have changed. SOCKET is the
-//       descriptor of the connection of a terminal's telnet, whose host this program is: it echoes
-//       at once. RATE: bytes a second of a stream that scrolls below the glyph meanwhile; 0: none.
+//       descriptor of the connection to a terminal's telnet. This program is its host and echoes at
+//       once. RATE: bytes per second of a stream that scrolls below the glyph; 0: no stream.
 //   glyph_probe start COMMAND...           starts a program, prints the microseconds until its
-//   window
-//       shows more than one colour and the processor time that it took by then, and ends it.
+//       window shows more than one colour and the processor time used until then, and ends it.
 //
-// The keys are real ones (XTEST). The X server reports what is drawn (DAMAGE), so that nothing is
-// asked for in a loop while a terminal works.
+// The X server makes real key events (XTEST) and reports drawing (DAMAGE), so that the probe does
+// not poll while a terminal works.
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
@@ -53,7 +52,7 @@ struct Screen {
     Window root = 0;
     Damage damage = 0;
     int damage_event = 0;
-    XImage* image = nullptr;  // of the whole screen, in shared memory
+    XImage* image = nullptr;  // the whole screen, in shared memory
     XShmSegmentInfo shared = {};
 };
 
@@ -101,7 +100,7 @@ void OpenScreen() {
     shmctl(screen.shared.shmid, IPC_RMID, nullptr);
 }
 
-// The pixels of an area, in the image's own format, row by row. Only its rows are fetched.
+// The pixels of an area in the image's format, row by row. Fetches only these rows.
 Pixels Look(const Area& area) {
     XImage part = *screen.image;
     part.width = area.width;
@@ -113,7 +112,7 @@ Pixels Look(const Area& area) {
                   first + static_cast<size_t>(area.width) * static_cast<size_t>(area.height));
 }
 
-// Waits until something was drawn; false after the time given. `when`: when that was known.
+// Waits until something is drawn; false after the given time. `when` is the time of the report.
 bool AwaitDamage(int milliseconds, Clock::time_point* when) {
     const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
     for (;;) {
@@ -132,7 +131,7 @@ bool AwaitDamage(int milliseconds, Clock::time_point* when) {
     }
 }
 
-// Looks once, and then whenever something was drawn, until the area shows the wanted pixels.
+// Compares at once and after each drawing, until the area shows the wanted pixels.
 bool AwaitPixels(const Area& area, const Pixels& wanted, int milliseconds,
                  Clock::time_point* when) {
     const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
@@ -181,7 +180,7 @@ void HostWrite(const std::string& bytes) {
 
 constexpr const char* kPlace = "\033[12;40H";
 
-// The stream's cursor is elsewhere, so the echo begins with its place.
+// The stream moves the cursor, so the echo begins with a cursor position.
 void EchoKeys(bool placed) {
     char bytes[4096];
     for (ssize_t count; (count = read(host, bytes, sizeof bytes)) > 0;) {
@@ -220,7 +219,7 @@ void PressX(bool down) {
     XFlush(screen.display);
 }
 
-// Where the cell of row 12, column 40 is: what changes when it alone is reversed.
+// The area of the cell in row 12, column 40: the pixels that change when only it is reversed.
 Area FindCell(const Area& window) {
     HostWrite("\033[2J\033[12;40H\033[7m \033[m\033[H");
     Rest(500);
@@ -241,7 +240,7 @@ Area FindCell(const Area& window) {
     return {window.x + left, window.y + top, right - left + 1, bottom - top + 1};
 }
 
-// What the cell shows once the key's echo is there.
+// The pixels of the cell after the echo of the key.
 Pixels PixelsOfEcho(const Area& cell) {
     HostWrite(kPlace);
     Rest(300);
@@ -291,7 +290,7 @@ int Keys(int presses, long rate) {
     done = true;
     if (stream.joinable()) stream.join();
     std::fflush(stdout);
-    _exit(0);  // the echo still waits for keys
+    _exit(0);  // the thread that echoes still waits for keys
 }
 
 // ---------------------------------------------------------------- start
@@ -327,7 +326,7 @@ int Start(char** command) {
     return 0;
 }
 
-int Ignore(Display*, XErrorEvent*) { return 0; }  // windows come and go
+int Ignore(Display*, XErrorEvent*) { return 0; }  // windows may disappear at any time
 
 }  // namespace
 

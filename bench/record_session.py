@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Records what full-screen programs write to an 80x24 vt220, for the engine benchmark.
+"""Records the output of full-screen programs on an 80x24 vt220, for the engine benchmark.
 
 Usage: record_session.py OUTPUT
 Runs vim and mc (both must be installed) over /usr/include with the keys below and writes every

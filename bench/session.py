@@ -1,11 +1,11 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Whole-program figures of Quill beside xterm on one Xvfb, in one run.
+"""Compares the whole program with xterm on one Xvfb, in one run.
 
-What is measured, for the client and for `xterm -e telnet`:
-  throughput   a host of this script's sends the bytes over loopback Telnet, then asks for the
-               cursor's place; the time ends when the answer comes, which both give only after
-               everything before it has been taken in
+It measures for the client and for `xterm -e telnet`:
+  throughput   a host in this script sends the bytes over loopback Telnet and then requests the cursor
+               position; the time ends with the reply, which both send only after they have processed
+               everything before it
   start        from the program's start to the first paint in its window
   memory       resident memory after the session
 
@@ -28,7 +28,7 @@ STARTS = 7
 
 
 class Screen:
-    """The X server's windows, through libX11 alone."""
+    """The X server's windows, through libX11 only."""
 
     def __init__(self, display):
         self.x = ctypes.CDLL("libX11.so.6")
@@ -43,7 +43,7 @@ class Screen:
         self.root = self.x.XDefaultRootWindow(self.display)
 
     def painted(self):
-        """Whether anything but one colour stands on the screen."""
+        """True if the screen shows more than one colour."""
         image = self.x.XGetImage(self.display, self.root, 0, 0, 1000, 40, 0xffffffff, 2)
         if not image:
             return False
@@ -61,7 +61,7 @@ def start_x():
 
 
 def prepare(port, root, display):
-    """A first start takes the configuration file, and its notice, out of the way."""
+    """Runs a first start, which imports the configuration file and shows its notice."""
     with open(os.path.join(root, "mconfig.cfg"), "w") as config:
         config.write(f'host = "127.0.0.1"\nport = {port}\nautoconnect = 1\n')
     subprocess.run([PROGRAM, "--root", root, "--scale", "2", "--text", os.path.join(root, "text")],
@@ -78,7 +78,7 @@ def xterm_command(port, _root):
 
 
 def resident(process):
-    """Resident kilobytes of a program and the ones that it started."""
+    """Resident kilobytes of a program and its child processes."""
     total, waiting = 0, [process.pid]
     while waiting:
         pid = waiting.pop()
@@ -133,7 +133,7 @@ def answer_of(connection):
 
 
 def measure_session(command, display, listener, data):
-    """Seconds from the first byte sent to the answer after the last one, and resident kilobytes."""
+    """Seconds from the first byte sent to the reply after the last one, and resident kilobytes."""
     process = start(command, display)
     connection, _ = listener.accept()
     connection.settimeout(600)

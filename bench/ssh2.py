@@ -1,15 +1,15 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""SSH-2 sessions of Quill beside OpenSSH's own client with the old algorithms in an xterm, against the
-same sshd on loopback, on one Xvfb, in one run.
+"""Compares SSH-2 sessions of Quill with OpenSSH's client in an xterm, with the same old algorithms and
+the same sshd on loopback, on one Xvfb, in one run.
 
-What is measured, for the client and for `xterm -e ssh -c 3des-cbc`:
-  prompt       from the connection's arrival to the shell's first step behind the sign-on
-  throughput   the shell's cat of a file, and then the answer to a request for the cursor's place,
-               which both give only after everything before it has been taken in
+It measures for the client and for `xterm -e ssh -c 3des-cbc`:
+  prompt       from the arrival of the connection to the first command of the shell after the sign-on
+  throughput   the shell's cat of a file, until the reply to a request for the cursor position, which
+               both send only after they have processed everything before it
 
-and two floors under the throughput: `ssh -c 3des-cbc HOST cat FILE > /dev/null`, without a terminal at
-either end, and the same with one at the server's end, as a shell has it (`ssh -tt`).
+and two lower limits of the throughput time: `ssh -c 3des-cbc HOST cat FILE > /dev/null`, without a
+terminal at either end, and the same with a terminal at the server's end, as for a shell (`ssh -tt`).
 
 Usage: bench/ssh2.py [--megabytes N] [--program PATH] [--no-xterm] [--no-prompt]
        (needs root, Xvfb, xterm, ssh)
@@ -36,8 +36,8 @@ ALGORITHMS = ["-F", "none", "-c", "3des-cbc", "-m", "hmac-sha1",
               "-oStrictHostKeyChecking=no", "-oUserKnownHostsFile=/dev/null",
               "-oNumberOfPasswordPrompts=1"]
 
-# What the visitor gets for a shell: it tells the script that it is there, and waits to be told
-# whether to send the file.
+# The visitor's shell: it reports to this script that it runs, and waits for the answer whether to send
+# the file.
 SHELL = """#!/bin/bash
 exec 3<>/dev/tcp/127.0.0.1/{port}
 echo shell >&3
@@ -62,7 +62,7 @@ def forward(source, target):
 
 
 class Door:
-    """Takes the client's connection, notes when, and passes it on to the server."""
+    """Accepts the client's connection, notes the time, and passes it on to the server."""
 
     def __init__(self, server_port):
         self.listener = socket.create_server(("127.0.0.1", 0))
@@ -107,7 +107,7 @@ def xterm_command(port, root):
 
 
 class Shells:
-    """Where the shells report."""
+    """The socket to which the shells report."""
 
     def __init__(self):
         self.listener = socket.create_server(("127.0.0.1", 0))
@@ -176,7 +176,7 @@ def write_files(folder, megabytes, port):
 
 
 def first_start(root, display):
-    """It makes the registry; a configuration file gives it a session that fails, and so an end."""
+    """Creates the registry. The configuration file starts a session that fails, so the program ends."""
     session.prepare(1, root, display)
 
 
@@ -192,7 +192,7 @@ def measure(options, port, root, display, shells):
         del clients["xterm"]
     prompts, files = {}, {}
     for name, make in clients.items() if not options.no_prompt else ():
-        measure_prompt(make, door, root, display, shells)  # the server's first steps
+        measure_prompt(make, door, root, display, shells)  # warms the server up
         prompts[name] = measure_prompt(make, door, root, display, shells)
         print(f"{name:6} prompt after {prompts[name] * 1000:5.0f} ms", flush=True)
     floor = measure_floor(port, shells)

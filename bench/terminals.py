@@ -1,18 +1,18 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Quill beside the terminals that the package manager has, on one Xvfb, in one run.
+"""Compares Quill with the terminals of the package manager, on one Xvfb, in one run.
 
-Each terminal runs telnet to a host of this script's on loopback; Quill is its own telnet. Measured:
-  streams  the host sends the bytes of each of five streams, then asks for the cursor's place; the
-           time ends when the answer comes, which all give only after everything before it
-  keys     from a key's press (XTEST, at random moments) to the changed pixels of the echoed glyph,
-           the host echoing at once
+Each terminal runs telnet to a host in this script on loopback; Quill needs no telnet. It measures:
+  streams  the host sends the bytes of each of five streams, then requests the cursor position; the
+           time ends with the reply, which all send only after they have processed everything before
+  keys     from a key press (XTEST, at random times) to the changed pixels of the echoed glyph; the
+           host echoes at once
   busy     the same while a stream of 1 MB/s scrolls below the glyph
-  start    from the program's start to the first paint in its window, and the processor time that it
-           took by then; beside the terminals, a bare window of Quill's toolkit with one line of text
-  memory   proportional memory of the program and what it started, and private memory
+  start    from the program's start to the first paint in its window, and the processor time used until
+           then; also for a bare window of Quill's toolkit with one line of text
+  memory   proportional memory of the program and its child processes, and private memory
 
-A terminal that is missing is named and skipped. The programs are built with
+The script names and skips a terminal that is not installed. Build the programs with
     cmake --preset release && cmake --build --preset release --target quill bench_glyph_probe bench_bare_window
 
 Usage: bench/terminals.py [--only WHAT ...] [--terminal NAME ...] [--megabytes N] [--presses N]
@@ -36,7 +36,7 @@ PACKAGES = "libx11-dev libxext-dev libxtst-dev libxdamage-dev"
 STREAM_ROUNDS = 3
 STARTS = 15
 
-# The cursor blinks nowhere, so that a changed pixel is the echo's.
+# No terminal blinks its cursor, so that every changed pixel comes from the echo.
 TERMINALS = {
     "quill": None,
     "xterm": ["xterm", "-e"],
@@ -75,7 +75,7 @@ def screen_stream(_random, number):
     return "\x1b[H" + "\r\n".join(rows)
 
 
-# name, what comes before, one piece
+# name, the bytes before the stream, one piece of it
 STREAMS = [
     ("lines", "\x1b[r\x1b[2J\x1b[H", line_stream),
     ("cursor", "\x1b[r\x1b[2J\x1b[H", cursor_stream),
@@ -104,7 +104,7 @@ def environment(display, home):
 
 
 class Bench:
-    """One X server, one listening host, and what runs on them."""
+    """One X server, one listening host, and the programs that use them."""
 
     def __init__(self, options):
         self.options = options
@@ -137,7 +137,7 @@ class Bench:
         return TERMINALS[name] + ["telnet", "127.0.0.1", str(self.port)]
 
     def open(self, name):
-        """A session whose terminal has settled: the process and the host's end."""
+        """A session whose terminal has become idle: the process and the host's end of the connection."""
         process = subprocess.Popen(self.command(name), env=self.environment(),
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.listener.settimeout(30)
@@ -178,7 +178,7 @@ def start_x():
 
 
 def processes_of(process):
-    """The program and the ones that it started."""
+    """The program and its child processes."""
     found, waiting = [], [process.pid]
     while waiting:
         pid = waiting.pop()
@@ -192,7 +192,7 @@ def processes_of(process):
 
 
 def memory_of(process):
-    """Kilobytes: proportional, private, private and written."""
+    """Kilobytes: proportional, private, and private that was written."""
     sums = {"Pss": 0, "Private_Clean": 0, "Private_Dirty": 0}
     for pid in processes_of(process):
         for line in open(f"/proc/{pid}/smaps_rollup"):
@@ -202,7 +202,7 @@ def memory_of(process):
     return sums["Pss"], sums["Private_Clean"] + sums["Private_Dirty"], sums["Private_Dirty"]
 
 
-# ---------------------------------------------------------------- what is measured
+# ---------------------------------------------------------------- measurements
 
 def measure_streams(bench, name):
     process, connection = bench.open(name)

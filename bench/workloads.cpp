@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The generators of the benchmark's byte streams.
+// Generates the byte streams of the engine benchmark.
 #include "bench/workloads.h"
 
 #include <cstdio>

@@ -11,7 +11,8 @@ struct Workload {
     std::string text;
 };
 
-// Always the same bytes. A recording that cannot be read ends the program with a message.
+// Returns the same bytes in every run. Ends the program with a message if a recording is
+// unreadable.
 std::vector<Workload> MakeWorkloads();
 
 #endif

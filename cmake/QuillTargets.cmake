@@ -24,7 +24,9 @@ endif()
 
 # The system's headers are large: on Windows they are compiled once for all files.
 if(WIN32)
-    add_library(platform_headers OBJECT ${CMAKE_SOURCE_DIR}/platform/win32/system_headers.cpp)
+    set(EMPTY_SOURCE ${CMAKE_BINARY_DIR}/system_headers.cpp)
+    file(CONFIGURE OUTPUT ${EMPTY_SOURCE} CONTENT "// Only the headers count.\n")
+    add_library(platform_headers OBJECT ${EMPTY_SOURCE})
     target_precompile_headers(platform_headers PRIVATE ${CMAKE_SOURCE_DIR}/platform/win32/system.h)
     target_compile_options(platform_headers PRIVATE ${QUILL_WARNINGS})
 endif()

@@ -11,9 +11,7 @@
 #include "terminal/screen_buffer.h"
 #include "text/text.h"
 
-namespace {
-
-void CloseSocket() {
+static void CloseSocket() {
     const SOCKET socket = session.socket.exchange(INVALID_SOCKET);
     if (socket == INVALID_SOCKET) return;
     shutdown(socket, SD_BOTH);
@@ -25,7 +23,7 @@ void CloseSocket() {
 // thread may still run and its messages may still wait (the user closed it). This closes the
 // socket, waits for the thread and handles the messages, so that nothing of the old session reaches
 // the new one.
-int FinishLastSession() {
+static int FinishLastSession() {
     if (session.connect_pending && session.socket != INVALID_SOCKET) return 1;
     if (Connected() && session.socket != INVALID_SOCKET) return 1;
     CloseSocket();
@@ -42,7 +40,7 @@ int FinishLastSession() {
     return 1;
 }
 
-void ResetForSession() {
+static void ResetForSession() {
     const int cursor = CursorPosition();
     session.closing = 0;
     TerminalStart();
@@ -54,7 +52,7 @@ void ResetForSession() {
 
 // Returns the address of settings.host in network byte order, or INADDR_NONE. It does not look up a
 // dotted address. An empty name yields INADDR_NONE.
-uint32_t HostAddress() {
+static uint32_t HostAddress() {
     char name[kHostUnits];
     if (AnsiFromWide(session.settings.host, name, kHostUnits) == 0) return INADDR_NONE;
     const uint32_t dotted = inet_addr(name);
@@ -66,7 +64,7 @@ uint32_t HostAddress() {
     return address;
 }
 
-int OpenSocket() {
+static int OpenSocket() {
     const SOCKET socket_made = socket(AF_INET, SOCK_STREAM, 0);
     if (socket_made == INVALID_SOCKET) {
         ShowError(TEXT("Cannot open the socket interface. Maybe TCP/IP is missing"));
@@ -79,7 +77,7 @@ int OpenSocket() {
 }
 
 // Makes the device's first dial-up entry the one to dial.
-void TakeFirstDialEntry() {
+static void TakeFirstDialEntry() {
     DWORD size = 0, count = 0;
     RasEnumEntries(nullptr, nullptr, nullptr, &size, &count);
     if (size < sizeof(RASENTRYNAMEW)) return;
@@ -91,9 +89,12 @@ void TakeFirstDialEntry() {
     std::free(entries);
 }
 
-void AskToDial() {
+constexpr int kQuestionUnits = 160;
+constexpr int kErrorUnits = 80;
+
+static void AskToDial() {
     if (!session.settings.ras[0] || session.settings.ras[0] == TEXT(' ')) TakeFirstDialEntry();
-    WCHAR question[160];
+    WCHAR question[kQuestionUnits];
     wsprintfW(question, TEXT("No active network. Should I dial a network using modem (%s) ?"),
               session.settings.ras);
     if (MessageBoxW(session.main_window, question, TEXT("Request"),
@@ -101,14 +102,14 @@ void AskToDial() {
         session.dial_request = 1;
 }
 
-void TellConnectError(int error) {
-    WCHAR text[80];
+static void TellConnectError(int error) {
+    WCHAR text[kErrorUnits];
     wsprintfW(text, TEXT("Connection to the UNIX Host has failed (%d)"), error);
     ShowError(text);
 }
 
 // Returns 1 if the request succeeded or is in progress, 0 if it failed.
-int RequestConnection(uint32_t address) {
+static int RequestConnection(uint32_t address) {
     session.peer = SOCKADDR_IN{};
     session.peer.sin_family = AF_INET;
     session.peer.sin_port = htons(static_cast<WORD>(session.settings.port));
@@ -127,8 +128,6 @@ int RequestConnection(uint32_t address) {
     session_ports.update_status();
     return 0;
 }
-
-}  // namespace
 
 void SessionConnect() {
     if (!FinishLastSession()) return;

@@ -10,7 +10,7 @@
 
 // Connects to settings.host and settings.port. A message box with the caption "Error" reports each
 // failure. If there is no network, it asks the user whether to dial. Does nothing while a connect
-// request is in progress.
+// request is in progress, or if the thread of the session before does not end within 5 seconds.
 void SessionConnect();
 
 // Closes the session on the user's side: it closes the socket. The receiving thread then posts
@@ -18,7 +18,8 @@ void SessionConnect();
 void SessionClose();
 
 // Runs when the session has ended, on either side: wipes the SSH state, shows the offline menus,
-// and shows a message if one applies. With the setting exit_dis it ends the program instead.
+// and shows a message if one applies. With the setting exit_dis it ends the program instead,
+// if a session was up.
 void SessionClosed();
 
 // ---------------------------------------------------------------- the receiving thread

@@ -7,17 +7,19 @@
 #include "terminal/interpreter.h"
 #include "text/text.h"
 
-namespace {
-
 constexpr DWORD kNotifyWindow = 0xFFFFFFFF;  // RasDial notifies a window
+
+namespace {
 
 struct StateRow {
     WPARAM state;
     const char* text;
 };
 
+}  // namespace
+
 // clang-format off
-const StateRow kStates[] = {
+static const StateRow kStates[] = {
     {0,    "Open port\r\n"},
     {1,    "The com. port has been opened successfully\r\n"},
     {2,    "A device is about to be connected\r\n"},
@@ -45,30 +47,33 @@ const StateRow kStates[] = {
 };
 // clang-format on
 
-void ShowState(int state) {
+constexpr int kStateBytes = 48;
+constexpr int kErrorUnits = 80;
+
+static void ShowState(int state) {
     for (const StateRow& row : kStates)
         if (row.state == static_cast<WPARAM>(state)) return DialProgress(row.text);
-    char text[48];
+    char text[kStateBytes];
     std::sprintf(text, "unknown ras dial event %d\r\n", state);
     DialProgress(text);
 }
 
-void TellNoEntry() {
+static void TellNoEntry() {
     WCHAR text[64 + kDialEntryUnits];
     wsprintfW(text, TEXT("Cannot find dial information for connection name. (%s)"),
               session.settings.ras);
     ShowError(text);
 }
 
-void TellDialError(DWORD error) {
-    WCHAR text[80];
+static void TellDialError(DWORD error) {
+    WCHAR text[kErrorUnits];
     wsprintfW(text, TEXT("RAS Dial has failed. Check your network configuration (%d)"),
               static_cast<int>(error));
     ShowError(text);
 }
 
 // A name that is too long cannot name an entry. If it were cut, it might name a different entry.
-bool FetchParameters(RASDIALPARAMSW* parameters) {
+static bool FetchParameters(RASDIALPARAMSW* parameters) {
     if (lstrlenW(session.settings.ras) > RAS_MaxEntryName) return false;
     parameters->dwSize = sizeof(*parameters);
     CopyBounded(parameters->szEntryName, session.settings.ras, RAS_MaxEntryName + 1);
@@ -78,7 +83,7 @@ bool FetchParameters(RASDIALPARAMSW* parameters) {
 
 // Ends the previous dial, or the connection that it made, before a new dial. It discards the
 // messages of the previous dial, so that they are not taken for those of the new one.
-void EndDialBefore() {
+static void EndDialBefore() {
     HangUpDial();
     MSG message;
     while (
@@ -90,13 +95,11 @@ void EndDialBefore() {
 }
 
 // A dial that could not start sends no more messages, but its handle must be closed.
-void GiveUp(DWORD error) {
+static void GiveUp(DWORD error) {
     session.dialling = 0;
     HangUpDial();
     TellDialError(error);
 }
-
-}  // namespace
 
 void StartDial() {
     RASDIALPARAMSW parameters = {};

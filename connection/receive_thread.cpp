@@ -4,17 +4,15 @@
 
 #include "session/session_state.h"
 
-namespace {
-
 constexpr long kWaitMicroseconds = 200000;
 constexpr DWORD kWaitMilliseconds = 200;
 constexpr DWORD kEndMilliseconds = 5000;
 
-bool OwnTurn() { return session.receive_ready.load(std::memory_order_acquire) == 1; }
+static bool OwnTurn() { return session.receive_ready.load(std::memory_order_acquire) == 1; }
 
 // While the window thread uses the buffer, this waits for the buffer and not for the socket, so
 // that the next read starts as soon as the buffer is free. Returns the result of select.
-int WaitForSocket(SOCKET socket, fd_set* readable, fd_set* failed) {
+static int WaitForSocket(SOCKET socket, fd_set* readable, fd_set* failed) {
     TIMEVAL timeout = {0, kWaitMicroseconds};
     if (!OwnTurn()) {
         WaitForSingleObject(session.handed_back, kWaitMilliseconds);
@@ -28,7 +26,7 @@ int WaitForSocket(SOCKET socket, fd_set* readable, fd_set* failed) {
     return select(0, read ? readable : nullptr, nullptr, failed, &timeout);
 }
 
-void ReportConnected() {
+static void ReportConnected() {
     if (Connected()) return;
     session.connected.store(1, std::memory_order_release);
     PostMessageW(session.main_window, WM_SOCKET_CONNECTED, 0, 0);
@@ -36,7 +34,7 @@ void ReportConnected() {
 
 // Reads one chunk into the buffer and passes it to the window thread. Returns false if the host has
 // closed the connection.
-bool ReceiveChunk(SOCKET socket) {
+static bool ReceiveChunk(SOCKET socket) {
     session.receive_count = recv(socket, session.receive_buffer, kReceiveSize, 0);
     if (session.receive_count == 0) return false;
     session.receive_ready.store(0, std::memory_order_release);
@@ -44,7 +42,7 @@ bool ReceiveChunk(SOCKET socket) {
     return true;
 }
 
-bool ServeSocket(SOCKET socket) {
+static bool ServeSocket(SOCKET socket) {
     fd_set readable, failed;
     const int result = WaitForSocket(socket, &readable, &failed);
     if (result == 0) return true;
@@ -57,13 +55,11 @@ bool ServeSocket(SOCKET socket) {
     return ReceiveChunk(socket);
 }
 
-void MakeEvents() {
+static void MakeEvents() {
     if (session.handed_back) return;
     session.handed_back = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     session.receive_ended = CreateEventW(nullptr, TRUE, TRUE, nullptr);
 }
-
-}  // namespace
 
 DWORD WINAPI ReceiveThread(LPVOID) {
     const SOCKET socket = session.socket.load(std::memory_order_acquire);

@@ -5,23 +5,21 @@
 #include "protocol/protocols.h"
 #include "session/session_state.h"
 
-namespace {
-
-void HandBackBuffer() {
+static void HandBackBuffer() {
     session.receive_ready.store(1, std::memory_order_release);
     WakeReceiveThread();
 }
 
 // The receiving thread also reports a failed recv, as a chunk with a negative count. It is ignored
 // here.
-void TakeChunk() {
+static void TakeChunk() {
     if (session.receive_count < 1) return;
     TakeSessionChunk(reinterpret_cast<const BYTE*>(session.receive_buffer), session.receive_count);
 }
 
-bool Stale() { return !Connected() || session.receive_ready.load(std::memory_order_acquire) == 1; }
-
-}  // namespace
+static bool Stale() {
+    return !Connected() || session.receive_ready.load(std::memory_order_acquire) == 1;
+}
 
 // A message box that is shown here lets other messages run, and these may start a new session. This
 // event must not give that session's buffer to its receiving thread.

@@ -14,8 +14,8 @@
 
 #include <cstdint>
 
-typedef uint16_t* Bignum;
-typedef const uint16_t* ConstBignum;
+using Bignum = uint16_t*;
+using ConstBignum = const uint16_t*;
 
 inline constexpr int kBignumMaxWords = 65535;
 

@@ -43,8 +43,8 @@ inline void StoreLittleBlock(uint8_t* bytes, CipherBlock block) {
     StoreLittle<uint32_t>(bytes + 4, block.right);
 }
 
-typedef CipherBlock (*LoadBlock)(const uint8_t* bytes);
-typedef void (*StoreBlock)(uint8_t* bytes, CipherBlock block);
+using LoadBlock = CipherBlock (*)(const uint8_t* bytes);
+using StoreBlock = void (*)(uint8_t* bytes, CipherBlock block);
 
 // A cipher is a procedure that changes an array of blocks in place. It takes an array of any size
 // and treats each block independently, so the processor can work on several at once.
@@ -68,9 +68,9 @@ template <int count, LoadBlock load, StoreBlock store, typename Cipher>
 inline CipherBlock CbcDecryptGroup(uint8_t* output, const uint8_t* input, CipherBlock chain,
                                    Cipher decrypt) {
     CipherBlock given[count], blocks[count];
-    for (int i = 0; i < count; i++) blocks[i] = given[i] = load(input + i * kCipherBlockSize);
+    for (int i = 0; i < count; ++i) blocks[i] = given[i] = load(input + i * kCipherBlockSize);
     decrypt(blocks);
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         store(output + i * kCipherBlockSize, blocks[i] ^ chain);
         chain = given[i];
     }
@@ -159,10 +159,6 @@ struct BlowfishContext {
     uint32_t p[18];
     uint32_t iv[2];  // chaining value, left and right; a context serves one direction
 };
-
-// The hexadecimal digits of pi after the point: first the P-array, then the boxes.
-extern const uint32_t kBlowfishP[18];
-extern const uint32_t kBlowfishBoxes[4][256];
 
 // Sets up the context with a key of 1 to 72 bytes. With no bytes the context does not change. `iv`
 // never changes.

@@ -16,8 +16,8 @@ struct DirectionKeys {
 static DirectionKeys outgoing;
 static DirectionKeys incoming;
 
-static const int kSsh2BlowfishKey = 16;  // bytes
-static const int kSsh1BlowfishKey = 32;
+constexpr int kSsh2BlowfishKey = 16;  // bytes
+constexpr int kSsh1BlowfishKey = 32;
 
 void WipeCipherKeys() {
     Wipe(&outgoing, sizeof(outgoing));
@@ -30,7 +30,7 @@ static void LoadIv(uint32_t words[2], const uint8_t iv[8]) {
 }
 
 static void SetDesKeys(DesContext* contexts, int count, const uint8_t* key) {
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         DesSetKey(LoadBig<uint32_t>(key + 8 * i), LoadBig<uint32_t>(key + 8 * i + 4), &contexts[i]);
     }
 }

@@ -27,7 +27,7 @@ struct CipherAlgorithm {
     int blockSize;  // bytes
     int keyBits;
 };
-typedef CipherAlgorithm SshCipher;
+using SshCipher = CipherAlgorithm;
 
 extern const CipherAlgorithm kTripleDesCbc;  // "3des-cbc", 24 bytes of key
 extern const CipherAlgorithm kBlowfishCbc;   // "blowfish-cbc", 16 bytes of key

@@ -92,12 +92,12 @@ inline constexpr uint32_t DesContract(uint64_t expanded) {
 }
 
 // For each S-box and its six input bits: the output, permuted by P and expanded for the next round.
-typedef std::array<std::array<uint64_t, 64>, 8> DesRoundTable;
+using DesRoundTable = std::array<std::array<uint64_t, 64>, 8>;
 
 constexpr DesRoundTable MakeDesRoundTable() {
     DesRoundTable table = {};
-    for (int box = 0; box < 8; box++) {
-        for (int group = 0; group < 64; group++) {
+    for (int box = 0; box < 8; ++box) {
+        for (int group = 0; group < 64; ++group) {
             int row = (group >> 4 & 2) | (group & 1);
             uint32_t out = uint32_t{kDesBoxes[box][row][group >> 1 & 15]} << (28 - 4 * box);
             uint32_t permuted = 0;
@@ -110,7 +110,7 @@ constexpr DesRoundTable MakeDesRoundTable() {
 
 // ---------------------------------------------------------------- the rounds
 
-static constexpr DesRoundTable kRoundTable = MakeDesRoundTable();
+constexpr DesRoundTable kRoundTable = MakeDesRoundTable();
 
 // The round keys of one pass over a block, in the order in which the rounds use them.
 struct RoundKeys {
@@ -128,7 +128,7 @@ static uint32_t RotateKeyHalf(uint32_t half, int shift) {
 
 static uint64_t Select(uint64_t value, int bits, const uint8_t* choice, int count) {
     uint64_t result = 0;
-    for (int i = 0; i < count; i++) result = result << 1 | (value >> (bits - choice[i]) & 1);
+    for (int i = 0; i < count; ++i) result = result << 1 | (value >> (bits - choice[i]) & 1);
     return result;
 }
 
@@ -137,7 +137,7 @@ void DesSetKey(uint32_t leftWord, uint32_t rightWord, DesContext* context) {
     uint64_t chosen = Select(key, 64, kDesPermutedChoice1, 56);
     uint32_t c = static_cast<uint32_t>(chosen >> 28),
              d = static_cast<uint32_t>(chosen & 0x0FFFFFFFu);
-    for (int round = 0; round < 16; round++) {
+    for (int round = 0; round < 16; ++round) {
         c = RotateKeyHalf(c, kDesKeyShifts[round]);
         d = RotateKeyHalf(d, kDesKeyShifts[round]);
         uint64_t subkey = Select(uint64_t{c} << 28 | d, 56, kDesPermutedChoice2, 48);
@@ -154,7 +154,7 @@ void DesSetKey(uint32_t leftWord, uint32_t rightWord, DesContext* context) {
 }
 
 static void LoadKeys(RoundKeys* keys, const DesContext* context, bool decrypt) {
-    for (int i = 0; i < 16; i++) {
+    for (int i = 0; i < 16; ++i) {
         int round = decrypt ? 15 - i : i;
         keys->key[i] = uint64_t{context->subkeysOdd[round]} << 32 | context->subkeysEven[round];
     }
@@ -215,9 +215,9 @@ static inline void Rounds(Halves (&halves)[count], const RoundKeys* keys) {
 template <int passes, size_t count>
 static inline void Encrypt(CipherBlock (&blocks)[count], const RoundKeys* keys) {
     Halves halves[count];
-    for (size_t i = 0; i < count; i++) halves[i] = InitialPermutation(blocks[i]);
-    for (int pass = 0; pass < passes; pass++) Rounds(halves, keys + pass);
-    for (size_t i = 0; i < count; i++) blocks[i] = FinalPermutation(halves[i]);
+    for (size_t i = 0; i < count; ++i) halves[i] = InitialPermutation(blocks[i]);
+    for (int pass = 0; pass < passes; ++pass) Rounds(halves, keys + pass);
+    for (size_t i = 0; i < count; ++i) blocks[i] = FinalPermutation(halves[i]);
 }
 
 static void OneBlock(uint32_t left, uint32_t right, uint32_t output[2], const DesContext* context,
@@ -272,7 +272,7 @@ void DesCbcDecrypt(uint8_t* output, const uint8_t* input, int length, DesContext
 void TripleDesCbcEncrypt(uint8_t* output, const uint8_t* input, int length,
                          DesContext contexts[3]) {
     RoundKeys keys[3];
-    for (int i = 0; i < 3; i++) LoadKeys(&keys[i], &contexts[i], i == 1);
+    for (int i = 0; i < 3; ++i) LoadKeys(&keys[i], &contexts[i], i == 1);
     ChainEncrypt<3>(output, input, length, keys, contexts[0].encryptIv);
     Wipe(keys, sizeof(keys));
 }
@@ -280,7 +280,7 @@ void TripleDesCbcEncrypt(uint8_t* output, const uint8_t* input, int length,
 void TripleDesCbcDecrypt(uint8_t* output, const uint8_t* input, int length,
                          DesContext contexts[3]) {
     RoundKeys keys[3];
-    for (int i = 0; i < 3; i++) LoadKeys(&keys[i], &contexts[2 - i], i != 1);
+    for (int i = 0; i < 3; ++i) LoadKeys(&keys[i], &contexts[2 - i], i != 1);
     ChainDecrypt<3>(output, input, length, keys, contexts[0].decryptIv);
     Wipe(keys, sizeof(keys));
 }

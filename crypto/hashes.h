@@ -54,7 +54,7 @@ void Sha1UpdateMpint(Sha1Context* context, ConstBignum integer);
 // them.
 
 // Updates the state with `count` blocks of 64 bytes.
-typedef void (*Sha1Compressor)(uint32_t state[5], const uint8_t* blocks, int count);
+using Sha1Compressor = void (*)(uint32_t state[5], const uint8_t* blocks, int count);
 
 void Sha1CompressPortable(uint32_t state[5], const uint8_t* blocks, int count);
 
@@ -92,7 +92,7 @@ void Sha512(const uint8_t* bytes, int length, uint8_t digest[kSha512Size]);
 // them.
 
 // Updates the state with `count` blocks of 128 bytes.
-typedef void (*Sha512Compressor)(uint64_t state[8], const uint8_t* blocks, int count);
+using Sha512Compressor = void (*)(uint64_t state[8], const uint8_t* blocks, int count);
 
 void Sha512CompressPortable(uint64_t state[8], const uint8_t* blocks, int count);
 

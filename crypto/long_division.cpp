@@ -6,7 +6,7 @@
 
 // A column can add this many rows of either sign, twice, without overflow: once for a product and
 // once for its division.
-static const int kRowsBeforeSettle = 2048;
+constexpr int kRowsBeforeSettle = 2048;
 
 void ColumnsPlace(Columns* columns, int count, void* memory) {
     columns->count = count;
@@ -21,15 +21,15 @@ static void Clear(Columns* columns) {
 // The two row loops. The least significant word is at position first + count - 1. They are not
 // inlined: if compilers know nothing about `factor`, they use the vector unit's 16-bit
 // multiplications.
-typedef void (*RowLoop)(Columns* columns, int first, const uint16_t* words, int count,
-                        uint16_t factor);
+using RowLoop = void (*)(Columns* columns, int first, const uint16_t* words, int count,
+                         uint16_t factor);
 
 [[gnu::always_inline]] static inline void AddRowBody(Columns* columns, int first,
                                                      const uint16_t* words, int count,
                                                      uint16_t factor) {
     int32_t* __restrict low = columns->low + first;
     int32_t* __restrict high = columns->high + first;
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         uint32_t product = uint32_t{words[i]} * factor;
         low[i] += static_cast<uint16_t>(product);
         high[i] += static_cast<uint16_t>(product >> 16);
@@ -41,7 +41,7 @@ typedef void (*RowLoop)(Columns* columns, int first, const uint16_t* words, int 
                                                           uint16_t factor) {
     int32_t* __restrict low = columns->low + first;
     int32_t* __restrict high = columns->high + first;
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         uint32_t product = uint32_t{words[i]} * factor;
         low[i] -= static_cast<uint16_t>(product);
         high[i] -= static_cast<uint16_t>(product >> 16);
@@ -95,7 +95,7 @@ static const bool kWideAtStart = LongDivisionUseWide(true);
 void ColumnsMultiply(Columns* columns, const uint16_t* a, int aCount, const uint16_t* b,
                      int bCount) {
     Clear(columns);
-    for (int row = 0; row < bCount; row++) {
+    for (int row = 0; row < bCount; ++row) {
         if (row % kRowsBeforeSettle == kRowsBeforeSettle - 1) ColumnsSettle(columns);
         AddRow(columns, columns->count - aCount - row, a, aCount, b[bCount - 1 - row]);
     }
@@ -105,15 +105,15 @@ void ColumnsMultiply(Columns* columns, const uint16_t* a, int aCount, const uint
 // is doubled, and then the squares of the single words are added.
 void ColumnsSquare(Columns* columns, const uint16_t* a, int count) {
     Clear(columns);
-    for (int row = 1; row < count; row++) {
+    for (int row = 1; row < count; ++row) {
         if (row % kRowsBeforeSettle == kRowsBeforeSettle - 1) ColumnsSettle(columns);
         AddRow(columns, columns->count - count - row + 1, a, count - row, a[count - row]);
     }
-    for (int k = 0; k <= columns->count; k++) {
+    for (int k = 0; k <= columns->count; ++k) {
         columns->low[k] *= 2;
         columns->high[k] *= 2;
     }
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         uint32_t square = uint32_t{a[count - 1 - i]} * a[count - 1 - i];
         columns->low[columns->count - 1 - 2 * i] += static_cast<uint16_t>(square);
         columns->high[columns->count - 1 - 2 * i] += static_cast<uint16_t>(square >> 16);
@@ -123,7 +123,7 @@ void ColumnsSquare(Columns* columns, const uint16_t* a, int count) {
 void ColumnsLoad(Columns* columns, const uint16_t* words, int count, int shift) {
     Clear(columns);
     int32_t* low = columns->low + (columns->count - count);
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         uint32_t shifted = uint32_t{words[i]} << shift;
         low[i - 1] |= static_cast<int32_t>(shifted >> 16);
         low[i] = static_cast<int32_t>(shifted & 0xFFFF);
@@ -132,7 +132,7 @@ void ColumnsLoad(Columns* columns, const uint16_t* words, int count, int shift) 
 
 void ColumnsSettle(Columns* columns) {
     int32_t carry = 0;
-    for (int k = columns->count - 1; k >= 0; k--) {
+    for (int k = columns->count - 1; k >= 0; --k) {
         int32_t sum = columns->low[k] + columns->high[k + 1] + carry;
         columns->low[k] = sum & 0xFFFF;
         carry = sum >> 16;
@@ -166,7 +166,7 @@ static uint64_t DivisorReciprocal(const uint16_t* divisor, int count) {
 
 // Adds a quotient word at its position and propagates the carry.
 static void AddToQuotient(uint16_t* quotient, int position, uint32_t word) {
-    for (; word != 0 && position >= 0; position--) {
+    for (; word != 0 && position >= 0; --position) {
         word += quotient[position];
         quotient[position] = static_cast<uint16_t>(word);
         word >>= 16;
@@ -178,7 +178,7 @@ static void AddToQuotient(uint16_t* quotient, int position, uint32_t word) {
 static void SettleRemainder(Columns* columns, int divisorCount, int64_t above) {
     int first = columns->count - divisorCount;
     int32_t carry = 0;
-    for (int k = columns->count - 1; k >= first; k--) {
+    for (int k = columns->count - 1; k >= first; --k) {
         int32_t sum = columns->low[k] + columns->high[k + 1] + carry;
         columns->low[k] = sum & 0xFFFF;
         columns->high[k + 1] = 0;
@@ -194,7 +194,7 @@ static void SubtractLast(Columns* columns, const uint16_t* divisor, int divisorC
                          uint16_t* quotient) {
     int first = columns->count - divisorCount;
     int32_t above = columns->low[first - 1];
-    for (int i = 0; above == 0 && i < divisorCount; i++) {
+    for (int i = 0; above == 0 && i < divisorCount; ++i) {
         if (columns->low[first + i] < divisor[i]) return;
         if (columns->low[first + i] > divisor[i]) break;
     }
@@ -208,7 +208,7 @@ void ColumnsDivide(Columns* columns, const uint16_t* divisor, int divisorCount,
     uint64_t reciprocal = DivisorReciprocal(divisor, divisorCount);
     int64_t higher = 0;  // left above position k - 1, in its units
     int64_t above = 0;   // left at and above it
-    for (int k = 1; k + divisorCount <= columns->count; k++) {
+    for (int k = 1; k + divisorCount <= columns->count; ++k) {
         if (k % kRowsBeforeSettle == 0) {
             ColumnsSettle(columns);
             higher = Column(columns, k - 2) * 65536;
@@ -230,7 +230,7 @@ void ColumnsDivide(Columns* columns, const uint16_t* divisor, int divisorCount,
 void ColumnsStore(const Columns* columns, uint16_t* words, int count, int shift) {
     const int32_t* low = columns->low + (columns->count - count);
     uint32_t above = 0;
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         uint32_t word = static_cast<uint32_t>(low[i]);
         words[i] = static_cast<uint16_t>((above << 16 | word) >> shift);
         above = word;

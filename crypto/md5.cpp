@@ -25,7 +25,7 @@ static inline uint32_t F(uint32_t x, uint32_t y, uint32_t z) { return ((y ^ z) &
 // clang-format off
 static void Compress(uint32_t state[4], const uint8_t* bytes, int count) {
     uint32_t a = state[0], b = state[1], c = state[2], d = state[3];
-    for (; count > 0; count--, bytes += 64) {
+    for (; count > 0; --count, bytes += 64) {
         const uint32_t a_before = a, b_before = b, c_before = c, d_before = d;
 
         STEP_F(a, b, c, d,  0,  7, 0xd76aa478)
@@ -136,6 +136,6 @@ void Md5Final(Md5Context* context, uint8_t digest[kMd5Size]) {
     int used = static_cast<int>(context->bitCount / 8 % 64);
     Md5Update(context, kPadding, used < 56 ? 56 - used : 120 - used);
     Md5Update(context, count, sizeof(count));
-    for (int i = 0; i < 4; i++) StoreLittle<uint32_t>(digest + 4 * i, context->state[i]);
+    for (int i = 0; i < 4; ++i) StoreLittle<uint32_t>(digest + 4 * i, context->state[i]);
     Wipe(context, sizeof(*context));
 }

@@ -10,11 +10,11 @@ struct CrcTable {
     uint32_t entry[256];
 };
 
-static constexpr CrcTable MakeCrcTable() {
+constexpr CrcTable MakeCrcTable() {
     CrcTable table = {};
-    for (uint32_t n = 0; n < 256; n++) {
+    for (uint32_t n = 0; n < 256; ++n) {
         uint32_t value = n;
-        for (int step = 0; step < 8; step++) {
+        for (int step = 0; step < 8; ++step) {
             value = (value & 1) ? (value >> 1) ^ 0xEDB88320u : value >> 1;
         }
         table.entry[n] = value;
@@ -22,12 +22,12 @@ static constexpr CrcTable MakeCrcTable() {
     return table;
 }
 
-static constexpr CrcTable kCrcTable = MakeCrcTable();
+constexpr CrcTable kCrcTable = MakeCrcTable();
 static_assert(kCrcTable.entry[1] == 0x77073096u && kCrcTable.entry[255] == 0x2D02EF8Du);
 
 uint32_t Crc32(const uint8_t* bytes, int length) {
     uint32_t crc = 0;
-    for (int i = 0; i < length; i++) {
+    for (int i = 0; i < length; ++i) {
         crc = kCrcTable.entry[(crc ^ bytes[i]) & 0xFF] ^ (crc >> 8);
     }
     return crc;
@@ -35,9 +35,9 @@ uint32_t Crc32(const uint8_t* bytes, int length) {
 
 // ---------------------------------------------------------------- HMAC-SHA1
 
-static const int kPadSize = 64;
-static const uint8_t kInnerPad = 0x36;
-static const uint8_t kOuterPad = 0x5C;
+constexpr int kPadSize = 64;
+constexpr uint8_t kInnerPad = 0x36;
+constexpr uint8_t kOuterPad = 0x5C;
 
 static MacKeyPair outgoing;
 static MacKeyPair incoming;
@@ -45,7 +45,7 @@ static MacKeyPair incoming;
 static void PreparePad(Sha1Context* context, uint8_t fill, const uint8_t* key, int keyLength) {
     uint8_t pad[kPadSize];
     memset(pad, fill, sizeof(pad));
-    for (int i = 0; i < keyLength && i < kPadSize; i++) pad[i] ^= key[i];
+    for (int i = 0; i < keyLength && i < kPadSize; ++i) pad[i] ^= key[i];
     Sha1Init(context);
     Sha1Update(context, pad, kPadSize);
     Wipe(pad, sizeof(pad));
@@ -100,7 +100,7 @@ static int Verify(const uint8_t* packet, int length, uint32_t sequenceNumber) {
     uint8_t mac[kSha1Size];
     PacketMac(&incoming, packet, length, sequenceNumber, mac);
     int difference = 0;
-    for (int i = 0; i < kSha1Size; i++) difference |= mac[i] ^ packet[length + i];
+    for (int i = 0; i < kSha1Size; ++i) difference |= mac[i] ^ packet[length + i];
     Wipe(mac, sizeof(mac));  // after a mismatch it would help a forger
     return difference == 0;
 }

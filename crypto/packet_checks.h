@@ -53,7 +53,7 @@ struct MacAlgorithm {
     const char* nameRef;
     int macLength;
 };
-typedef MacAlgorithm SshMac;
+using SshMac = MacAlgorithm;
 
 extern const MacAlgorithm kHmacSha1;
 

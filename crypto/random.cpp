@@ -7,7 +7,7 @@
 
 #include "windows_ce.h"
 
-static const unsigned kSeeds = 37;
+constexpr unsigned kSeeds = 37;
 
 void SeedRandom() {
     SYSTEMTIME now = {};

@@ -41,7 +41,7 @@ static inline uint32_t Schedule(uint32_t w[16], int t) {
     SHA1_ROUND(f, k, b, c, d, e, a, word(t + 4));
 
 static void CompressBlock(uint32_t state[5], const uint8_t* block, uint32_t w[16]) {
-    for (int t = 0; t < 16; t++) w[t] = LoadBig<uint32_t>(block + 4 * t);
+    for (int t = 0; t < 16; ++t) w[t] = LoadBig<uint32_t>(block + 4 * t);
     auto word = [w](int t) { return t < 16 ? w[t] : Schedule(w, t); };
     uint32_t a = state[0], b = state[1], c = state[2], d = state[3], e = state[4];
 #pragma GCC unroll 4
@@ -69,7 +69,7 @@ static void CompressBlock(uint32_t state[5], const uint8_t* block, uint32_t w[16
 
 void Sha1CompressPortable(uint32_t state[5], const uint8_t* blocks, int count) {
     uint32_t w[16];
-    for (; count > 0; count--, blocks += 64) CompressBlock(state, blocks, w);
+    for (; count > 0; --count, blocks += 64) CompressBlock(state, blocks, w);
     Wipe(w, sizeof(w));
 }
 
@@ -86,7 +86,7 @@ void Sha1Update(Sha1Context* context, const uint8_t* bytes, int length) {
     if (length <= 0) return;
     uint32_t left = static_cast<uint32_t>(length);
     context->bytesLow += left;
-    if (context->bytesLow < left) context->bytesHigh++;
+    if (context->bytesLow < left) ++context->bytesHigh;
     if (context->blockUsed != 0) {
         uint32_t taken = left < 64 - context->blockUsed ? left : 64 - context->blockUsed;
         memcpy(context->block + context->blockUsed, bytes, taken);
@@ -115,7 +115,7 @@ void Sha1Final(Sha1Context* context, uint8_t digest[kSha1Size]) {
     StoreBig<uint32_t>(block + 56, context->bytesHigh << 3 | context->bytesLow >> 29);
     StoreBig<uint32_t>(block + 60, context->bytesLow << 3);
     sha1_compressor(context->state, block, 1);
-    for (int i = 0; i < 5; i++) StoreBig<uint32_t>(digest + 4 * i, context->state[i]);
+    for (int i = 0; i < 5; ++i) StoreBig<uint32_t>(digest + 4 * i, context->state[i]);
     Wipe(context, sizeof(*context));
 }
 
@@ -174,7 +174,7 @@ SHA_TARGET static void CompressWithInstructions(uint32_t state[5], const uint8_t
     __m128i abcd = _mm_shuffle_epi32(_mm_loadu_si128(low), 0x1b);
     __m128i e0 = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);
     __m128i e1;
-    for (; count > 0; count--, blocks += 64) {
+    for (; count > 0; --count, blocks += 64) {
         const __m128i abcd_before = abcd, e_before = e0;
         __m128i m0 = LoadWords(blocks), m1 = LoadWords(blocks + 16);
         __m128i m2 = LoadWords(blocks + 32), m3 = LoadWords(blocks + 48);

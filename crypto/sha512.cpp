@@ -128,7 +128,7 @@ static inline uint64_t SmallSigma1(uint64_t x) {
 
 // Computes the next sixteen words of the schedule.
 static inline void NextWords(uint64_t w[16]) {
-    for (int i = 0; i < 16; i++) {
+    for (int i = 0; i < 16; ++i) {
         w[i] += SmallSigma1(w[(i + 14) & 15]) + w[(i + 9) & 15] + SmallSigma0(w[(i + 1) & 15]);
     }
 }
@@ -136,11 +136,11 @@ static inline void NextWords(uint64_t w[16]) {
 // w and sums are working memory. The caller provides it, so that it is wiped only once.
 static void CompressBlock(uint64_t state[8], const uint8_t* block, uint64_t w[16],
                           uint64_t sums[16]) {
-    for (int t = 0; t < 16; t++) w[t] = LoadBig<uint64_t>(block + 8 * t);
+    for (int t = 0; t < 16; ++t) w[t] = LoadBig<uint64_t>(block + 8 * t);
     SHA512_LOAD_STATE;
     for (int t = 0; t < 80; t += 16) {
         if (t > 0) NextWords(w);
-        for (int i = 0; i < 16; i++) sums[i] = w[i] + kSha512Constants[t + i];
+        for (int i = 0; i < 16; ++i) sums[i] = w[i] + kSha512Constants[t + i];
         SHA512_EIGHT_ROUNDS(sums, SHA512_NOTHING);
         SHA512_EIGHT_ROUNDS((sums + 8), SHA512_NOTHING);
     }
@@ -149,7 +149,7 @@ static void CompressBlock(uint64_t state[8], const uint8_t* block, uint64_t w[16
 
 void Sha512CompressPortable(uint64_t state[8], const uint8_t* blocks, int count) {
     uint64_t w[16], sums[16];
-    for (; count > 0; count--, blocks += 128) CompressBlock(state, blocks, w, sums);
+    for (; count > 0; --count, blocks += 128) CompressBlock(state, blocks, w, sums);
     Wipe(w, sizeof(w));
     Wipe(sums, sizeof(sums));
 }
@@ -165,7 +165,7 @@ void Sha512Update(Sha512Context* context, const uint8_t* bytes, int length) {
     size_t left = static_cast<size_t>(length);
     size_t used = static_cast<size_t>(context->bytesLow % 128);
     context->bytesLow += left;
-    if (context->bytesLow < left) context->bytesHigh++;
+    if (context->bytesLow < left) ++context->bytesHigh;
     if (used != 0) {
         size_t taken = left < 128 - used ? left : 128 - used;
         memcpy(context->block + used, bytes, taken);
@@ -186,7 +186,7 @@ void Sha512Final(Sha512Context* context, uint8_t digest[kSha512Size]) {
     int used = static_cast<int>(context->bytesLow % 128);
     Sha512Update(context, kPadding, used < 112 ? 112 - used : 240 - used);
     Sha512Update(context, bits, sizeof(bits));
-    for (int i = 0; i < 8; i++) StoreBig<uint64_t>(digest + 8 * i, context->state[i]);
+    for (int i = 0; i < 8; ++i) StoreBig<uint64_t>(digest + 8 * i, context->state[i]);
     Wipe(context, sizeof(*context));
 }
 
@@ -210,9 +210,9 @@ void Sha512(const uint8_t* bytes, int length, uint8_t digest[kSha512Size]) {
 #define WIDE_TARGET __attribute__((target("avx2,bmi,bmi2")))
 
 // Words 2i and 2i + 1 of the first block, then the same of the second.
-typedef uint64_t Words __attribute__((vector_size(32)));
-typedef uint8_t Bytes __attribute__((vector_size(32)));
-typedef uint8_t HalfBytes __attribute__((vector_size(16)));
+using Words [[gnu::vector_size(32)]] = uint64_t;
+using Bytes [[gnu::vector_size(32)]] = uint8_t;
+using HalfBytes [[gnu::vector_size(16)]] = uint8_t;
 
 // The 80 words of each block, with the round constants added.
 struct Schedule {

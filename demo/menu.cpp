@@ -2,15 +2,13 @@
 // The screens around the pages: banner with login and password, the main menu, and goodbye.
 #include <cstdio>
 
-#include "demo/screens.h"
+#include "demo/session.h"
 
 // ---------------------------------------------------------------- login
 
 // Banner, login and password. Any name and any password are accepted.
 
-namespace {
-
-void WriteBanner(std::string& out) {
+static void WriteBanner(std::string& out) {
     const char* name = "HARBOUR STORES";
     WriteAt(out, 4, 16, std::string("\x1b[1m").append(name).append("\x1b[m"));
     WriteGraphics(out, 6, 16, std::string(48, 'q'));
@@ -20,19 +18,19 @@ void WriteBanner(std::string& out) {
     WriteAt(out, 11, 16, "password will let you in.");
 }
 
-void EnterLogin(Session& session) {
+static void EnterLogin(Session& session) {
     WriteBanner(session.out);
     WriteAt(session.out, 14, 16, "login: ");
 }
 
-void AskPassword(Session& session) {
+static void AskPassword(Session& session) {
     session.name = session.line.text;
     session.step = 1;
     StartLine(session, true);
     WriteAt(session.out, 15, 16, "Password: ");
 }
 
-void TypedLogin(Session& session, const std::string& bytes) {
+static void TypedLogin(Session& session, const std::string& bytes) {
     for (const char byte : bytes) {
         if (!TakeLineByte(session, byte)) continue;
         if (session.step == 1) return ShowScreen(session, kMenuScreen);
@@ -44,16 +42,14 @@ void TypedLogin(Session& session, const std::string& bytes) {
     }
 }
 
-void EnterGoodbye(Session& session) {
+static void EnterGoodbye(Session& session) {
     WriteAt(session.out, 2, 3, "Thank you for calling, " + session.name + ".");
     WriteAt(session.out, 3, 3, "Harbour Stores is open every day from 6:30.");
     session.out += "\r\n\r\n";
     session.ending = true;
 }
 
-void TypedNothing(Session&, const std::string&) {}
-
-}  // namespace
+static void TypedNothing(Session&, const std::string&) {}
 
 const Screen kLoginScreen = {EnterLogin, TypedLogin, nullptr};
 const Screen kGoodbyeScreen = {EnterGoodbye, TypedNothing, nullptr};
@@ -72,8 +68,10 @@ struct Choice {
     const Screen* screen;
 };
 
+}  // namespace
+
 // clang-format off
-const Choice kChoices[] = {
+static const Choice kChoices[] = {
     {"1",  "Line drawing",        "frames and every special graphics glyph", &kLineDrawingPage},
     {"2",  "Double-size lines",   "double width, double height",             &kDoubleSizePage},
     {"3",  "Attributes",          "bold, underline, blink, reverse",         &kAttributesPage},
@@ -92,18 +90,18 @@ const Choice kChoices[] = {
 
 constexpr int kFirstRow = 6, kChoiceRow = 22;
 
-void WriteChoice(std::string& out, int row, const Choice& choice) {
+static void WriteChoice(std::string& out, int row, const Choice& choice) {
     char text[100];
-    snprintf(text, sizeof text, " %2s. %-22s%s", choice.number, choice.label, choice.about);
+    snprintf(text, sizeof(text), " %2s. %-22s%s", choice.number, choice.label, choice.about);
     WriteAt(out, row, 8, text);
 }
 
-void AskChoice(Session& session) {
+static void AskChoice(Session& session) {
     StartLine(session, false);
     WriteAt(session.out, kChoiceRow, 8, "Choice: \x1b[K");
 }
 
-void EnterMenu(Session& session) {
+static void EnterMenu(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "Main menu");
     WriteStyled(out, 3, 8, "1", "Good day, " + session.name + ".");
@@ -119,7 +117,7 @@ void EnterMenu(Session& session) {
     AskChoice(session);
 }
 
-void Choose(Session& session) {
+static void Choose(Session& session) {
     for (const Choice& choice : kChoices) {
         if (session.line.text == choice.number) return ShowScreen(session, *choice.screen);
     }
@@ -128,7 +126,7 @@ void Choose(Session& session) {
     WriteAt(session.out, kChoiceRow, 8, "Choice: " + std::string(14, ' ') + std::string(14, '\b'));
 }
 
-void TypedMenu(Session& session, const std::string& bytes) {
+static void TypedMenu(Session& session, const std::string& bytes) {
     for (const char byte : bytes) {
         if (!TakeLineByte(session, byte)) continue;
         if (session.line.text.empty()) {
@@ -139,8 +137,6 @@ void TypedMenu(Session& session, const std::string& bytes) {
         if (session.screen != &kMenuScreen) return;
     }
 }
-
-}  // namespace
 
 const Screen kMenuScreen = {EnterMenu, TypedMenu, nullptr};
 

@@ -4,12 +4,10 @@
 #include <cstdio>
 #include <cstring>
 
-#include "demo/screens.h"
-
-namespace {
+#include "demo/session.h"
 
 // A frame divided into three by three compartments.
-void WriteGrid(std::string& out, int row, int col) {
+static void WriteGrid(std::string& out, int row, int col) {
     // clang-format off
     const char* const kGrid[] = {
         "lqqqqqqqwqqqqqqqwqqqqqqqk",
@@ -28,17 +26,17 @@ void WriteGrid(std::string& out, int row, int col) {
 }
 
 // Every glyph of the DEC special graphics set (0x5F to 0x7E) beside the letter that selects it.
-void WriteGlyphs(std::string& out, int row, int col) {
+static void WriteGlyphs(std::string& out, int row, int col) {
     for (int i = 0; i < 32; ++i) {
         const std::string letter(1, static_cast<char>(0x5F + i));
         const int at_row = row + i / 8 * 2;
         const int at_col = col + i % 8 * 8;
         WriteAt(out, at_row, at_col, letter + "  ");
-        out += "\x1b(0" + letter + letter + letter + "\x1b(B";
+        out.append("\x1b(0").append(3, letter[0]).append("\x1b(B");
     }
 }
 
-void WriteNested(std::string& out, int row, int col) {
+static void WriteNested(std::string& out, int row, int col) {
     WriteBox(out, row, col, 8, 34, "Yard");
     WriteBox(out, row + 1, col + 3, 6, 28, "Warehouse 2");
     WriteBox(out, row + 2, col + 6, 4, 22, "Cold store");
@@ -46,7 +44,7 @@ void WriteNested(std::string& out, int row, int col) {
     WriteGraphics(out, row + 4, col + 8, "opqrsopqrsopqrsopq");
 }
 
-void EnterLineDrawing(Session& session) {
+static void EnterLineDrawing(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "Line drawing");
     WriteGrid(out, 4, 6);
@@ -56,7 +54,7 @@ void EnterLineDrawing(Session& session) {
     WriteHint(out, kAnyKey);
 }
 
-void EnterDoubleSize(Session& session) {
+static void EnterDoubleSize(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "Double-size lines");
     WriteAt(out, 4, 5, "\x1b#3Berth 7 is free");
@@ -74,13 +72,17 @@ void EnterDoubleSize(Session& session) {
     WriteHint(out, kAnyKey);
 }
 
+namespace {
+
 struct Style {
     const char* rendition;
     const char* label;
 };
 
+}  // namespace
+
 // clang-format off
-const Style kStyles[] = {
+static const Style kStyles[] = {
     {"0",       "plain"},            {"1",       "bold"},
     {"4",       "underline"},        {"1;4",     "bold underline"},
     {"5",       "blink"},            {"1;5",     "bold blink"},
@@ -92,7 +94,7 @@ const Style kStyles[] = {
 };
 // clang-format on
 
-void EnterAttributes(Session& session) {
+static void EnterAttributes(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "Attributes");
     WriteBox(out, 3, 5, 12, 72, "The sixteen combinations");
@@ -113,8 +115,6 @@ void EnterAttributes(Session& session) {
     WriteHint(out, kAnyKey);
 }
 
-}  // namespace
-
 const Screen kLineDrawingPage = {EnterLineDrawing, BackToMenu, nullptr};
 const Screen kDoubleSizePage = {EnterDoubleSize, BackToMenu, nullptr};
 const Screen kAttributesPage = {EnterAttributes, BackToMenu, nullptr};
@@ -123,11 +123,9 @@ const Screen kAttributesPage = {EnterAttributes, BackToMenu, nullptr};
 
 // The 8-bit page: every character of code page 1252 that can be sent to a terminal.
 
-namespace {
-
 // False for the 8-bit controls that terminals act on (IND, RI, SS3, DCS, CSI), the codes that the
 // code page does not define, and 255, which is IAC in Telnet.
-bool IsShown(int code) {
+static bool IsShown(int code) {
     static const int kNotShown[] = {0x81, 0x84, 0x8D, 0x8F, 0x90, 0x9B, 0x9D, 0xFF};
     for (const int hidden : kNotShown) {
         if (hidden == code) return false;
@@ -135,15 +133,15 @@ bool IsShown(int code) {
     return true;
 }
 
-void WriteCodeTable(std::string& out, int row, int col) {
+static void WriteCodeTable(std::string& out, int row, int col) {
     for (int low = 0; low < 16; ++low) {
         char head[8];
-        snprintf(head, sizeof head, "%X", static_cast<unsigned>(low));
+        snprintf(head, sizeof(head), "%X", static_cast<unsigned>(low));
         WriteStyled(out, row, col + 4 + low * 3, "1", head);
     }
     for (int high = 8; high < 16; ++high) {
         char head[8];
-        snprintf(head, sizeof head, "%Xx", static_cast<unsigned>(high));
+        snprintf(head, sizeof(head), "%Xx", static_cast<unsigned>(high));
         WriteStyled(out, row + high - 7, col, "1", head);
         for (int low = 0; low < 16; ++low) {
             const int code = high * 16 + low;
@@ -153,7 +151,7 @@ void WriteCodeTable(std::string& out, int row, int col) {
     }
 }
 
-void EnterCharacters(Session& session) {
+static void EnterCharacters(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "8-bit characters");
     WriteBox(out, 3, 10, 11, 58, "Code page 1252");
@@ -176,7 +174,5 @@ void EnterCharacters(Session& session) {
     WriteAt(out, 20, 10, "\x93Harbour Stores\x94 \x96 open daily from 6:30 \x85");
     WriteHint(out, kAnyKey);
 }
-
-}  // namespace
 
 const Screen kCharactersPage = {EnterCharacters, BackToMenu, nullptr};

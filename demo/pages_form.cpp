@@ -5,7 +5,7 @@
 #include <iterator>
 #include <type_traits>
 
-#include "demo/screens.h"
+#include "demo/session.h"
 
 // ---------------------------------------------------------------- the form
 
@@ -19,8 +19,10 @@ struct Field {
     int width;  // at most kLineMax
 };
 
+}  // namespace
+
 // clang-format off
-const Field kFields[] = {
+static const Field kFields[] = {
     {"Ship",         6, 24},
     {"Article",      8, 24},
     {"Quantity",    10,  8},
@@ -33,11 +35,11 @@ constexpr int kFieldCount = static_cast<int>(std::size(kFields));
 static_assert(std::size(kFields) == std::extent_v<decltype(Session::fields)>);
 constexpr int kLabelCol = 12, kFieldCol = 24;
 
-void WriteField(std::string& out, const Field& field, const std::string& text) {
+static void WriteField(std::string& out, const Field& field, const std::string& text) {
     WriteStyled(out, field.row, kFieldCol, "4", Fit(text, field.width));
 }
 
-void GoToField(Session& session, int number) {
+static void GoToField(Session& session, int number) {
     session.field = number;
     StartLine(session, false);
     WriteField(session.out, kFields[number], "");
@@ -45,7 +47,7 @@ void GoToField(Session& session, int number) {
     session.out += "\x1b[4m";
 }
 
-void EnterForm(Session& session) {
+static void EnterForm(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "Goods received");
     WriteBox(out, 4, 8, 13, 64, "Delivery note");
@@ -58,7 +60,7 @@ void EnterForm(Session& session) {
     GoToField(session, 0);
 }
 
-void Store(Session& session) {
+static void Store(Session& session) {
     std::string& out = session.out;
     const std::string& quantity = session.fields[2];
     const bool whole =
@@ -74,7 +76,7 @@ void Store(Session& session) {
     session.step = 1;
 }
 
-void NextField(Session& session) {
+static void NextField(Session& session) {
     session.fields[session.field] = session.line.text;
     session.out += "\x1b[0m";
     WriteField(session.out, kFields[session.field], session.line.text);
@@ -82,13 +84,13 @@ void NextField(Session& session) {
     Store(session);
 }
 
-bool Fits(const Session& session, char byte) {
+static bool Fits(const Session& session, char byte) {
     const bool erases = byte == 8 || byte == 127;
     const size_t width = static_cast<size_t>(kFields[session.field].width);
     return erases || session.line.text.size() < width;
 }
 
-void TypedForm(Session& session, const std::string& bytes) {
+static void TypedForm(Session& session, const std::string& bytes) {
     if (session.step == 1 || bytes == "\x1b") return BackToMenu(session, bytes);
     for (const char byte : bytes) {
         if (session.step == 1) return;
@@ -99,8 +101,6 @@ void TypedForm(Session& session, const std::string& bytes) {
         }
     }
 }
-
-}  // namespace
 
 const Screen kFormPage = {EnterForm, TypedForm, nullptr};
 
@@ -116,8 +116,10 @@ struct Ship {
     const char* cargo;
 };
 
+}  // namespace
+
 // clang-format off
-const Ship kShips[] = {
+static const Ship kShips[] = {
     {"Albatross",     "sailcloth"},      {"Anna Marie",    "oak planks"},
     {"Bright Star",   "lanterns"},       {"Cormorant",     "fresh water"},
     {"Dogger",        "herring"},        {"Eider",         "hemp rope"},
@@ -139,20 +141,21 @@ const Ship kShips[] = {
 
 constexpr int kShipCount = 32, kShipsAColumn = 16, kFirstRow = 4, kChoiceRow = 22;
 
-void WriteShip(std::string& out, int number) {
+static void WriteShip(std::string& out, int number) {
     const Ship& ship = kShips[number - 1];
     const bool right = number > kShipsAColumn;
     char text[60];
-    snprintf(text, sizeof text, " %2d%c %-15s%s", number, right ? ':' : '.', ship.name, ship.cargo);
+    snprintf(text, sizeof(text), " %2d%c %-15s%s", number, right ? ':' : '.', ship.name,
+             ship.cargo);
     WriteAt(out, kFirstRow + (number - 1) % kShipsAColumn, right ? 42 : 6, text);
 }
 
-void AskShip(Session& session) {
+static void AskShip(Session& session) {
     StartLine(session, false);
     WriteAt(session.out, kChoiceRow, 6, "Choice: \x1b[K");
 }
 
-void EnterShips(Session& session) {
+static void EnterShips(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "Ships in port");
     WriteBox(out, 3, 3, 18, 76, "");
@@ -161,7 +164,7 @@ void EnterShips(Session& session) {
     AskShip(session);
 }
 
-void TellShip(Session& session, int number) {
+static void TellShip(Session& session, int number) {
     std::string& out = session.out;
     MoveTo(out, 21, 6);
     out += "\x1b[K";
@@ -170,7 +173,7 @@ void TellShip(Session& session, int number) {
         return;
     }
     char text[100];
-    snprintf(text, sizeof text, "%s lies at berth %d with %s, draught %d.%d m.",
+    snprintf(text, sizeof(text), "%s lies at berth %d with %s, draught %d.%d m.",
              kShips[number - 1].name, number % 9 + 1, kShips[number - 1].cargo, 2 + number % 4,
              number % 10);
     out += text;
@@ -178,12 +181,12 @@ void TellShip(Session& session, int number) {
 
 // Accepts one to three digits, so that the value fits into an int. Returns 0, which is no ship, for
 // any other text.
-int ShipNumber(const std::string& text) {
+static int ShipNumber(const std::string& text) {
     if (text.size() > 3 || text.find_first_not_of("0123456789") != text.npos) return 0;
     return atoi(text.c_str());
 }
 
-void TypedShips(Session& session, const std::string& bytes) {
+static void TypedShips(Session& session, const std::string& bytes) {
     for (const char byte : bytes) {
         if (!TakeLineByte(session, byte)) continue;
         if (session.line.text.empty()) return BackToMenu(session, bytes);
@@ -191,7 +194,5 @@ void TypedShips(Session& session, const std::string& bytes) {
         AskShip(session);
     }
 }
-
-}  // namespace
 
 const Screen kShipListPage = {EnterShips, TypedShips, nullptr};

@@ -4,22 +4,20 @@
 #include <cmath>
 #include <cstdio>
 
-#include "demo/screens.h"
-
-namespace {
+#include "demo/session.h"
 
 constexpr int kRegionTop = 5, kRegionBottom = 20;
 constexpr int kLinesEachWay = 24;
 constexpr long long kScrollPause = 120;
 
-std::string CraneLine(int number) {
+static std::string CraneLine(int number) {
     char text[80];
-    snprintf(text, sizeof text, "   Crane %d   lift %03d   %-10s %4d kg", number % 3 + 1, number,
+    snprintf(text, sizeof(text), "   Crane %d   lift %03d   %-10s %4d kg", number % 3 + 1, number,
              number % 2 == 0 ? "ship-quay" : "quay-yard", 400 + number * 37 % 1900);
     return text;
 }
 
-void EnterRegions(Session& session) {
+static void EnterRegions(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "Scrolling region");
     WriteAt(out, 3, 4, "Rows 5 to 20 scroll up and down; nothing else on the screen moves.");
@@ -33,7 +31,7 @@ void EnterRegions(Session& session) {
 }
 
 // Scrolls the region up by line feeds in its last row, then down by reverse index in its first row.
-void TickRegions(Session& session) {
+static void TickRegions(Session& session) {
     const bool up = session.step % (2 * kLinesEachWay) < kLinesEachWay;
     MoveTo(session.out, up ? kRegionBottom : kRegionTop, 1);
     session.out += up ? "\r\n" : "\x1bM";
@@ -42,7 +40,7 @@ void TickRegions(Session& session) {
     session.wake = Now() + kScrollPause;
 }
 
-void WriteRuler(std::string& out, int row) {
+static void WriteRuler(std::string& out, int row) {
     std::string ruler;
     for (int col = 1; col <= 80; ++col)
         ruler += col % 10 == 0 ? static_cast<char>('0' + col / 10) : '.';
@@ -50,7 +48,7 @@ void WriteRuler(std::string& out, int row) {
 }
 
 // Writes a table with its own tab stops as columns, then sets the default stops again.
-void WriteTabTable(std::string& out, int row) {
+static void WriteTabTable(std::string& out, int row) {
     out += "\x1b[3g";
     for (const int stop : {6, 30, 46, 62}) {
         MoveTo(out, row, stop);
@@ -69,7 +67,7 @@ void WriteTabTable(std::string& out, int row) {
 
 // Draws the tide of one day as a curve. Each point is written to its own address, from right to
 // left.
-void WriteTide(std::string& out, int top) {
+static void WriteTide(std::string& out, int top) {
     for (int col = 74; col >= 8; --col) {
         const double phase = (col - 8) * 3.14159265 / 16.5;
         WriteAt(out, top + 4 + static_cast<int>(std::lround(4 * std::cos(phase))), col, "*");
@@ -78,7 +76,7 @@ void WriteTide(std::string& out, int top) {
     WriteAt(out, top + 8, 2, "low");
 }
 
-void EnterTabs(Session& session) {
+static void EnterTabs(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "Tabs and addressing");
     WriteRuler(out, 3);
@@ -94,8 +92,6 @@ void EnterTabs(Session& session) {
             "8(ends here)");
 }
 
-}  // namespace
-
 const Screen kRegionsPage = {EnterRegions, BackToMenu, TickRegions};
 const Screen kTabsPage = {EnterTabs, BackToMenu, nullptr};
 
@@ -104,43 +100,41 @@ const Screen kTabsPage = {EnterTabs, BackToMenu, nullptr};
 // Two pages that send many lines: one line every 0.2 seconds, and as fast as the connection takes
 // them.
 
-namespace {
-
 constexpr long long kSlowPause = 200;
 constexpr int kSlowLines = 300;
 constexpr int kFastLines = 5000;
 
-void EnterSlowStream(Session& session) {
+static void EnterSlowStream(Session& session) {
     session.out += "The gate's log. Press any key to return to the menu.\r\n\r\n";
     session.wake = Now();
 }
 
-void TickSlowStream(Session& session) {
+static void TickSlowStream(Session& session) {
     const int n = ++session.step;
     char text[100];
-    snprintf(text, sizeof text, "%02d:%02d  gate %d  lorry %03d %s  %d pallets\r\n", 6 + n / 60,
+    snprintf(text, sizeof(text), "%02d:%02d  gate %d  lorry %03d %s  %d pallets\r\n", 6 + n / 60,
              n % 60, n % 4 + 1, 100 + n * 7 % 900, n % 3 == 0 ? "out" : "in ", 2 + n * 5 % 17);
     session.out += text;
     session.wake = n < kSlowLines ? Now() + kSlowPause : 0;
     if (n == kSlowLines) session.out += "\r\nThe gate is shut. Press any key.\r\n";
 }
 
-void EnterFastStream(Session& session) {
+static void EnterFastStream(Session& session) {
     session.out += "Stock list, 5,000 lines.\r\n";
     session.wake = Now();
 }
 
-void WriteStockLine(std::string& out, int number) {
+static void WriteStockLine(std::string& out, int number) {
     static const char* const kGoods[] = {"hemp rope", "sailcloth", "lanterns", "oak planks",
                                          "anchors",   "tar",       "biscuit",  "fresh water"};
     char text[100];
-    snprintf(text, sizeof text, "%05d  HS-%04d  %-12s bay %c  %6d in stock  %5d on order\r\n",
+    snprintf(text, sizeof(text), "%05d  HS-%04d  %-12s bay %c  %6d in stock  %5d on order\r\n",
              number, 1000 + number, kGoods[number % 8], 'A' + number % 26, number * 7919 % 100000,
              number * 31 % 500);
     out += text;
 }
 
-void TickFastStream(Session& session) {
+static void TickFastStream(Session& session) {
     while (session.step < kFastLines && session.out.size() < kOutLimit) {
         WriteStockLine(session.out, ++session.step);
     }
@@ -148,8 +142,6 @@ void TickFastStream(Session& session) {
     session.out += "\r\n5,000 lines sent. Press any key to return to the menu.\r\n";
     session.wake = 0;
 }
-
-}  // namespace
 
 const Screen kSlowStreamPage = {EnterSlowStream, BackToMenu, TickSlowStream};
 const Screen kFastStreamPage = {EnterFastStream, BackToMenu, TickFastStream};

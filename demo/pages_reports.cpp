@@ -3,25 +3,23 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
-#include "demo/screens.h"
-
-namespace {
+#include "demo/session.h"
 
 // Returns bytes as text: printable ones unchanged, ESC and CSI by name, others in hexadecimal.
 // After about `most` characters the text is cut and ends in "...".
-std::string Readable(const std::string& bytes, size_t most) {
+static std::string Readable(const std::string& bytes, size_t most) {
     std::string text;
     for (const char byte : bytes) {
         const unsigned char code = static_cast<unsigned char>(byte);
         char piece[8];
         if (code == 27) {
-            snprintf(piece, sizeof piece, "ESC ");
+            snprintf(piece, sizeof(piece), "ESC ");
         } else if (code == 0x9B) {
-            snprintf(piece, sizeof piece, "CSI ");
+            snprintf(piece, sizeof(piece), "CSI ");
         } else if (code > 32 && code < 127) {
-            snprintf(piece, sizeof piece, "%c", code);
+            snprintf(piece, sizeof(piece), "%c", code);
         } else {
-            snprintf(piece, sizeof piece, "<%02X>", code);
+            snprintf(piece, sizeof(piece), "<%02X>", code);
         }
         if (text.size() + 5 > most) return text + "...";
         text += piece;
@@ -29,24 +27,28 @@ std::string Readable(const std::string& bytes, size_t most) {
     return text;
 }
 
-std::string Hex(const std::string& bytes, size_t most) {
+static std::string Hex(const std::string& bytes, size_t most) {
     std::string text;
     for (size_t i = 0; i < bytes.size(); ++i) {
         if (i == most) return text + "...";
         char piece[8];
-        snprintf(piece, sizeof piece, "%02X ", static_cast<unsigned char>(bytes[i]));
+        snprintf(piece, sizeof(piece), "%02X ", static_cast<unsigned char>(bytes[i]));
         text += piece;
     }
     return text;
 }
+
+namespace {
 
 struct Question {
     const char* label;
     const char* request;
 };
 
+}  // namespace
+
 // clang-format off
-const Question kQuestions[] = {
+static const Question kQuestions[] = {
     {"Primary attributes",    "\x1b[c"},
     {"Secondary attributes",  "\x1b[>c"},
     {"Status",                "\x1b[5n"},
@@ -63,9 +65,9 @@ constexpr int kQuestionCount = static_cast<int>(std::size(kQuestions));
 constexpr int kFirstQuestionRow = 6, kAnswerCol = 42;
 constexpr long long kMostWait = 1000, kQuiet = 150;
 
-int QuestionRow(const Session& session) { return kFirstQuestionRow + session.step; }
+static int QuestionRow(const Session& session) { return kFirstQuestionRow + session.step; }
 
-void Ask(Session& session) {
+static void Ask(Session& session) {
     const Question& question = kQuestions[session.step];
     WriteAt(session.out, QuestionRow(session), 5, Fit(question.label, 24));
     session.out += Fit(Readable(question.request, 20), 12);
@@ -77,7 +79,7 @@ void Ask(Session& session) {
     session.wake = Now() + kMostWait;
 }
 
-void EnterReports(Session& session) {
+static void EnterReports(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "Device reports");
     WriteStyled(out, 4, 5, "4", Fit("Question", 24) + Fit("Sent", 13) + Fit("Answer", 34));
@@ -87,7 +89,7 @@ void EnterReports(Session& session) {
 
 // Called kQuiet milliseconds after the last byte of an answer, or after kMostWait without an
 // answer.
-void TickReports(Session& session) {
+static void TickReports(Session& session) {
     const std::string text = session.answer.empty() ? "no answer" : Readable(session.answer, 34);
     WriteAt(session.out, QuestionRow(session), kAnswerCol, text);
     ++session.step;
@@ -96,7 +98,7 @@ void TickReports(Session& session) {
     WriteHint(session.out, kAnyKey);
 }
 
-void TypedReports(Session& session, const std::string& bytes) {
+static void TypedReports(Session& session, const std::string& bytes) {
     if (session.step >= kQuestionCount) return BackToMenu(session, bytes);
     if (session.answer.size() < 64) session.answer += bytes;
     session.wake = Now() + kQuiet;
@@ -104,7 +106,7 @@ void TypedReports(Session& session, const std::string& bytes) {
 
 constexpr int kFirstKeyRow = 6, kKeyRows = 16;
 
-void EnterKeys(Session& session) {
+static void EnterKeys(Session& session) {
     std::string& out = session.out;
     WriteTitle(out, "Keys");
     WriteAt(out, 3, 5, "Press keys to see the bytes they send. Enter twice returns to the menu.");
@@ -113,13 +115,13 @@ void EnterKeys(Session& session) {
     MoveTo(out, kFirstKeyRow, 5);
 }
 
-bool IsEnter(const std::string& bytes) {
+static bool IsEnter(const std::string& bytes) {
     return bytes.find_first_not_of(std::string("\r\n\0", 3)) == bytes.npos;
 }
 
 // The rows are used in a cycle. The row after the newest one is blanked, so that the newest one is
 // easy to find.
-void TypedKeys(Session& session, const std::string& bytes) {
+static void TypedKeys(Session& session, const std::string& bytes) {
     std::string& out = session.out;
     const auto enters = std::count(bytes.begin(), bytes.end(), '\r');
     session.field = IsEnter(bytes) ? session.field + static_cast<int>(enters) : 0;
@@ -131,8 +133,6 @@ void TypedKeys(Session& session, const std::string& bytes) {
     out += Fit(Hex(bytes, 11), 37) + Readable(bytes, 26);
     WriteAt(out, next, 5, "\x1b[K");
 }
-
-}  // namespace
 
 const Screen kReportsPage = {EnterReports, TypedReports, TickReports};
 const Screen kKeysPage = {EnterKeys, TypedKeys, nullptr};

@@ -26,18 +26,20 @@
 
 #include "demo/session.h"
 
-namespace {
-
 constexpr size_t kMostSessions = 64;
+
+namespace {
 
 using Sessions = std::vector<std::unique_ptr<Session>>;
 
-volatile sig_atomic_t g_stop = 0;
+}  // namespace
 
-void OnStopSignal(int) { g_stop = 1; }
+static volatile sig_atomic_t g_stop = 0;
+
+static void OnStopSignal(int) { g_stop = 1; }
 
 // Blocks SIGTERM and SIGINT except while ppoll waits. Returns the signal mask for ppoll.
-sigset_t CatchStopSignals() {
+static sigset_t CatchStopSignals() {
     struct sigaction action = {};
     action.sa_handler = OnStopSignal;
     sigaction(SIGTERM, &action, nullptr);
@@ -52,27 +54,27 @@ sigset_t CatchStopSignals() {
     return before;
 }
 
-void Accept(int listener, Sessions& sessions) {
+static void Accept(int listener, Sessions& sessions) {
     const int client = accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (client < 0) return;
     const int on = 1;
-    setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
     // A small send buffer keeps little data in flight, so a key pressed during a stream takes
     // effect at once.
     const int on_its_way = 32768;
-    setsockopt(client, SOL_SOCKET, SO_SNDBUF, &on_its_way, sizeof on_its_way);
+    setsockopt(client, SOL_SOCKET, SO_SNDBUF, &on_its_way, sizeof(on_its_way));
     sessions.push_back(std::make_unique<Session>());
     SessionStart(*sessions.back(), client);
 }
 
-bool WouldBlock() { return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR; }
+static bool WouldBlock() { return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR; }
 
-void Drop(Session& session) {
+static void Drop(Session& session) {
     close(session.socket);
     session.socket = -1;
 }
 
-void Flush(Session& session) {
+static void Flush(Session& session) {
     while (!session.out.empty()) {
         const ssize_t sent =
             send(session.socket, session.out.data(), session.out.size(), MSG_NOSIGNAL);
@@ -83,24 +85,24 @@ void Flush(Session& session) {
     if (session.ending) Drop(session);
 }
 
-void Read(Session& session) {
+static void Read(Session& session) {
     char bytes[256];
-    const ssize_t count = recv(session.socket, bytes, sizeof bytes, 0);
+    const ssize_t count = recv(session.socket, bytes, sizeof(bytes), 0);
     if (count < 0 && WouldBlock()) return;
     if (count <= 0) return Drop(session);
     SessionReceive(session, bytes, static_cast<size_t>(count));
 }
 
-bool HasRoom(const Session& session) { return session.out.size() < kOutLimit; }
+static bool HasRoom(const Session& session) { return session.out.size() < kOutLimit; }
 
 // A session that is ending is still read, so that the host notices when the client disconnects.
-short WantedEvents(const Session& session) {
+static short WantedEvents(const Session& session) {
     const int read = HasRoom(session) ? POLLIN : 0;
     const int write = session.out.empty() ? 0 : POLLOUT;
     return static_cast<short>(read | write);
 }
 
-void Attend(Session& session, int events) {
+static void Attend(Session& session, int events) {
     if ((events & (POLLERR | POLLNVAL)) != 0) return Drop(session);
     if ((events & (POLLIN | POLLHUP)) != 0) Read(session);
     if (session.socket < 0) return;
@@ -110,7 +112,7 @@ void Attend(Session& session, int events) {
 }
 
 // Returns the milliseconds until the next `tick` is due, -1 if none is.
-long long Wait(const Sessions& sessions) {
+static long long Wait(const Sessions& sessions) {
     long long first = -1;
     for (const auto& session : sessions) {
         if (session->wake == 0 || !HasRoom(*session)) continue;
@@ -120,7 +122,7 @@ long long Wait(const Sessions& sessions) {
     return first;
 }
 
-void PollOnce(int listener, bool accepting, Sessions& sessions, const sigset_t& mask) {
+static void PollOnce(int listener, bool accepting, Sessions& sessions, const sigset_t& mask) {
     const bool room = accepting && sessions.size() < kMostSessions;
     std::vector<pollfd> polled;
     polled.push_back({room ? listener : -1, POLLIN, 0});
@@ -136,20 +138,18 @@ void PollOnce(int listener, bool accepting, Sessions& sessions, const sigset_t& 
     if ((polled[0].revents & POLLIN) != 0) Accept(listener, sessions);
 }
 
-}  // namespace
-
 // Opens a listening socket on 127.0.0.1. With `port` 0 the system chooses a free port. Stores the
 // port in use in `port`. Returns the socket, or -1 with errno set.
 static int ListenOnLoopback(int& port) {
     const int listener = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (listener < 0) return -1;
     const int on = 1;
-    setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
+    socklen_t size = sizeof(address);
     if (bind(listener, reinterpret_cast<sockaddr*>(&address), size) < 0 ||
         listen(listener, 32) < 0 ||
         getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) < 0) {
@@ -184,7 +184,9 @@ struct Options {
     bool once = false;
 };
 
-bool ParsePort(const char* text, int& port) {
+}  // namespace
+
+static bool ParsePort(const char* text, int& port) {
     char* end = nullptr;
     const long value = strtol(text, &end, 10);
     if (end == text || *end != '\0' || value < 0 || value > 65535) return false;
@@ -192,7 +194,7 @@ bool ParsePort(const char* text, int& port) {
     return true;
 }
 
-bool ParseOptions(int count, char** arguments, Options& options) {
+static bool ParseOptions(int count, char** arguments, Options& options) {
     for (int i = 1; i < count; ++i) {
         if (strcmp(arguments[i], "--once") == 0) {
             options.once = true;
@@ -207,12 +209,10 @@ bool ParseOptions(int count, char** arguments, Options& options) {
 
 // Asks the system to send SIGTERM to this process when its parent dies. Returns false if the parent
 // has died already.
-bool EndWithParent(pid_t parent) {
+static bool EndWithParent(pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     return getppid() == parent;
 }
-
-}  // namespace
 
 int main(int count, char** arguments) {
     const pid_t parent = getppid();

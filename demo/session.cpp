@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The life of a session: its start, received bytes, changes of the screen, and the line that the
-// user types.
+// user types. Below: what the screens use to append terminal output (text and escape sequences).
 #include "demo/session.h"
 
 #include <chrono>
-#include "demo/screens.h"
 
 long long Now() {
     const auto time = std::chrono::steady_clock::now().time_since_epoch();
@@ -44,10 +43,8 @@ void StartLine(Session& session, bool secret) {
     session.line.secret = secret;
 }
 
-namespace {
-
 // Tracks escape sequences that keys send. Returns true if the byte belongs to one.
-bool SkipEscape(LineInput& line, unsigned char byte) {
+static bool SkipEscape(LineInput& line, unsigned char byte) {
     if (byte == 27) {
         line.escape = 1;
         return true;
@@ -63,14 +60,12 @@ bool SkipEscape(LineInput& line, unsigned char byte) {
     return false;
 }
 
-void RubOut(Session& session) {
+static void RubOut(Session& session) {
     LineInput& line = session.line;
     if (line.text.empty()) return;
     line.text.pop_back();
     if (!line.secret && session.telnet.echo) session.out += "\b \b";
 }
-
-}  // namespace
 
 bool TakeLineByte(Session& session, char byte) {
     LineInput& line = session.line;
@@ -84,4 +79,56 @@ bool TakeLineByte(Session& session, char byte) {
         if (!line.secret && session.telnet.echo) session.out += byte;
     }
     return false;
+}
+
+// ---------------------------------------------------------------- writing
+
+void ClearScreen(std::string& out) {
+    out += "\x1b[0m\x1b(B\x1b)B\x0f\x1b[r\x1b[4l\x1b[?6l\x1b[?7h\x1b[?25h\x1b[2J\x1b[H";
+}
+
+void MoveTo(std::string& out, int row, int col) {
+    out += "\x1b[" + std::to_string(row) + ";" + std::to_string(col) + "H";
+}
+
+void WriteAt(std::string& out, int row, int col, const std::string& text) {
+    MoveTo(out, row, col);
+    out += text;
+}
+
+void WriteStyled(std::string& out, int row, int col, const char* rendition,
+                 const std::string& text) {
+    MoveTo(out, row, col);
+    out += "\x1b[";
+    out += rendition;
+    out += "m" + text + "\x1b[0m";
+}
+
+void WriteGraphics(std::string& out, int row, int col, const std::string& text) {
+    WriteAt(out, row, col, "\x1b(0" + text + "\x1b(B");
+}
+
+void WriteBox(std::string& out, int row, int col, int height, int width, const std::string& title) {
+    const std::string edge(static_cast<size_t>(width - 2), 'q');
+    WriteGraphics(out, row, col, "l" + edge + "k");
+    for (int i = 1; i < height - 1; ++i) {
+        WriteGraphics(out, row + i, col, "x");
+        WriteGraphics(out, row + i, col + width - 1, "x");
+    }
+    WriteGraphics(out, row + height - 1, col, "m" + edge + "j");
+    if (!title.empty()) WriteAt(out, row, col + 2, " " + title + " ");
+}
+
+void WriteTitle(std::string& out, const std::string& title) {
+    WriteStyled(out, 1, 1, "7", Fit("  HARBOUR STORES", 60) + Fit(title, 20));
+}
+
+void WriteHint(std::string& out, const std::string& hint) {
+    WriteStyled(out, 24, 1, "7", Fit("  " + hint, 80));
+}
+
+std::string Fit(const std::string& text, int width) {
+    std::string fitted = text;
+    fitted.resize(static_cast<size_t>(width), ' ');
+    return fitted;
 }

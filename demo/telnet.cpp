@@ -2,21 +2,23 @@
 // The Telnet parser of the demo host: a table with one handler for each state.
 #include "demo/session.h"
 
-namespace {
-
 constexpr unsigned char kEcho = 1, kSuppressGoAhead = 3, kTerminalType = 24;
 constexpr unsigned char kSe = 240, kSb = 250, kWill = 251, kWont = 252, kDo = 253, kDont = 254,
                         kIac = 255;
 
+namespace {
+
 enum { kData, kCommand, kOption, kSubnegotiation, kSubnegotiationIac };
 
-void Send(std::string& out, unsigned char command, unsigned char option) {
+}  // namespace
+
+static void Send(std::string& out, unsigned char command, unsigned char option) {
     out += static_cast<char>(kIac);
     out += static_cast<char>(command);
     out += static_cast<char>(option);
 }
 
-void AskTerminalType(Telnet& telnet, std::string& out) {
+static void AskTerminalType(Telnet& telnet, std::string& out) {
     if (telnet.type_asked) return;
     telnet.type_asked = true;
     Send(out, kSb, kTerminalType);
@@ -25,29 +27,33 @@ void AskTerminalType(Telnet& telnet, std::string& out) {
     out += static_cast<char>(kSe);
 }
 
-void OnWill(Telnet& telnet, unsigned char option, std::string& out) {
+static void OnWill(Telnet& telnet, unsigned char option, std::string& out) {
     if (option == kTerminalType) return AskTerminalType(telnet, out);
     Send(out, kDont, option);
 }
 
-void OnDo(Telnet& telnet, unsigned char option, std::string& out) {
+static void OnDo(Telnet& telnet, unsigned char option, std::string& out) {
     if (option == kEcho) telnet.echo = true;
     if (option != kEcho && option != kSuppressGoAhead) Send(out, kWont, option);
 }
 
-void OnDont(Telnet& telnet, unsigned char option, std::string&) {
+static void OnDont(Telnet& telnet, unsigned char option, std::string&) {
     if (option == kEcho) telnet.echo = false;
 }
 
-void OnWont(Telnet&, unsigned char, std::string&) {}
+static void OnWont(Telnet&, unsigned char, std::string&) {}
+
+namespace {
 
 struct OptionRow {
     unsigned char command;
     void (*handler)(Telnet&, unsigned char, std::string&);
 };
 
+}  // namespace
+
 // clang-format off
-const OptionRow kOptionRows[] = {
+static const OptionRow kOptionRows[] = {
     {kWill, OnWill},
     {kWont, OnWont},
     {kDo,   OnDo},
@@ -55,7 +61,7 @@ const OptionRow kOptionRows[] = {
 };
 // clang-format on
 
-bool TakeData(Telnet& telnet, unsigned char byte, std::string&, char& data) {
+static bool TakeData(Telnet& telnet, unsigned char byte, std::string&, char& data) {
     if (byte == kIac) {
         telnet.state = kCommand;
         return false;
@@ -66,7 +72,7 @@ bool TakeData(Telnet& telnet, unsigned char byte, std::string&, char& data) {
 
 // The byte after IAC: a command with an option, SB, a second IAC (a data byte 255), or a single
 // command (NOP, GA, EOR, ...), which is ignored.
-bool TakeCommand(Telnet& telnet, unsigned char byte, std::string&, char& data) {
+static bool TakeCommand(Telnet& telnet, unsigned char byte, std::string&, char& data) {
     telnet.state = kData;
     if (byte == kSb) {
         telnet.subnegotiation.clear();
@@ -81,7 +87,7 @@ bool TakeCommand(Telnet& telnet, unsigned char byte, std::string&, char& data) {
     return false;
 }
 
-bool TakeOption(Telnet& telnet, unsigned char byte, std::string& out, char&) {
+static bool TakeOption(Telnet& telnet, unsigned char byte, std::string& out, char&) {
     telnet.state = kData;
     for (const OptionRow& row : kOptionRows) {
         if (row.command == telnet.command) row.handler(telnet, byte, out);
@@ -89,7 +95,7 @@ bool TakeOption(Telnet& telnet, unsigned char byte, std::string& out, char&) {
     return false;
 }
 
-void StoreTerminalType(Telnet& telnet) {
+static void StoreTerminalType(Telnet& telnet) {
     const std::string& text = telnet.subnegotiation;
     if (text.size() < 2 || text[0] != static_cast<char>(kTerminalType) || text[1] != 0) return;
     telnet.terminal_type.clear();
@@ -98,7 +104,7 @@ void StoreTerminalType(Telnet& telnet) {
     }
 }
 
-bool TakeSubnegotiation(Telnet& telnet, unsigned char byte, std::string&, char&) {
+static bool TakeSubnegotiation(Telnet& telnet, unsigned char byte, std::string&, char&) {
     if (byte == kIac) {
         telnet.state = kSubnegotiationIac;
     } else if (telnet.subnegotiation.size() < kSubnegotiationMax) {
@@ -107,7 +113,7 @@ bool TakeSubnegotiation(Telnet& telnet, unsigned char byte, std::string&, char&)
     return false;
 }
 
-bool TakeSubnegotiationIac(Telnet& telnet, unsigned char byte, std::string&, char&) {
+static bool TakeSubnegotiationIac(Telnet& telnet, unsigned char byte, std::string&, char&) {
     telnet.state = kSubnegotiation;
     if (byte == kSe) {
         telnet.state = kData;
@@ -118,13 +124,15 @@ bool TakeSubnegotiationIac(Telnet& telnet, unsigned char byte, std::string&, cha
     return false;
 }
 
+namespace {
+
 using StateHandler = bool (*)(Telnet&, unsigned char, std::string&, char&);
 
-const StateHandler kStates[] = {
+}  // namespace
+
+static const StateHandler kStates[] = {
     TakeData, TakeCommand, TakeOption, TakeSubnegotiation, TakeSubnegotiationIac,
 };
-
-}  // namespace
 
 void TelnetOpen(std::string& out) {
     Send(out, kWill, kEcho);

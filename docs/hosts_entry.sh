@@ -12,6 +12,6 @@ sed -e '/^#/d' -e '/^$/d' -e "s/^$tab/    /" ../resources/quill.ti >"$entry"
 awk -v entry="$entry" '
     inside && $0 == "END" { inside = 0 }
     !inside { print }
-    /^cat >~\/quill\.ti <</ { inside = 1; while ((getline line < entry) > 0) print line }
+    /^cat >"\$HOME\/quill\.ti" <</ { inside = 1; while ((getline line < entry) > 0) print line }
 ' hosts.md >"$entry.page"
 cat "$entry.page" >hosts.md

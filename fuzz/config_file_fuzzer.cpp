@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as the configuration file, imported into a registry that records the writes: every
-// write well formed, as many as lines at most, one message, and the file read, closed and deleted
-// once; and the same file with a comment in front writes the same.
+// Imports any bytes as the configuration file into a registry that records the writes. Checks that
+// every write is well formed, that there are at most as many writes as lines and one message, and
+// that the file is read, closed and deleted once. The same file behind a comment writes the same.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>

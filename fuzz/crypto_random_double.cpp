@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The clock behind SeedRandom, for the targets that reach no platform.
+// The clock behind SeedRandom, for targets that do not link the platform.
 #include "windows_ce.h"
 
 void GetSystemTime(SYSTEMTIME* time) { *time = {}; }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// DssParseKey on any bytes. A key that parses is used once, unless its numbers are so large that
-// the check would leave little time for others.
+// DssParseKey on any bytes. A parsed key is used once, unless its numbers are so large that the
+// check would take too long.
 #include <cstddef>
 #include <cstdint>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// DssVerify on any signature: the first byte chooses a sound key (of 256 bits, for speed) or one of
-// small odd numbers, which takes many more signatures past the range checks; the rest is the blob.
+// DssVerify on any signature. The first byte chooses a valid key (of 256 bits, for speed) or one of
+// small odd numbers, with which many more signatures pass the range checks. The rest is the blob.
 #include <cstddef>
 #include <cstdint>
 

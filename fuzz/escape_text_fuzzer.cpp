@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// One escape text through the key table, through a response and through the expansion itself, held
-// against a reading of the text by its own rules. The responses are no longer than the settings
-// hold; the key table's bytes are read up to their first 0.
+// Passes one escape text through the key table, through a response and through the expansion
+// itself, and compares the results with a second implementation of the rules. The responses are at
+// most as long as the settings allow; the key table's bytes are read up to their first 0.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -25,10 +25,10 @@ int SliceSend(SOCKET, const char* bytes, int size, int) {
 
 SHORT GetKeyState(int) { return 0; }
 
-// The terminal comes along with the session that sends; it is never fed.
+// The session library needs this for the terminal, which gets no bytes here.
 BOOL MessageBeep(UINT) { return TRUE; }
 
-// The key table is neither loaded nor saved here.
+// The target neither loads nor saves the key table.
 LPCWSTR ReadString(LPCWSTR, LPCWSTR fallback) { return fallback; }
 void WriteString(LPCWSTR, LPCWSTR) {}
 void DeleteNumberedValues(LPCWSTR, int) {}

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What one packet of an SSH server may cost: one of up to 65,535 bytes, in the state in which it
-// does the most work. The target fails by libFuzzer's own time-out, which packet_cost.options sets.
+// The cost of one packet of an SSH server: up to 65,535 bytes, in the states in which a packet does
+// the most work. The target fails by libFuzzer's time-out, which packet_cost.options sets.
 // The first byte of an input chooses the state, the rest is the packet's payload:
-//   0   SSH-2 in the clear, an exchange of keys under way
-//   1   SSH-2 behind a cipher that changes nothing, a shell open
-//   2   the same while keys are exchanged: what the terminal answers waits
+//   0   SSH-2 without a cipher, a key exchange in progress
+//   1   SSH-2 with a cipher that changes nothing, a shell open
+//   2   the same during a key exchange: replies of the terminal are held
 //   3   SSH-1 before the public-key message
 //   4   SSH-1 with a shell open
 #include <string>
@@ -20,13 +20,13 @@
 
 static const SOCKET kSocket = 7;
 static const size_t kMacSize = 20;
-static const size_t kMostPayload = kSshReassemblySize - 64;  // with its frame it is still a packet
+static const size_t kMostPayload = kSshReassemblySize - 64;  // leaves room for the frame
 
 // ---------------------------------------------------------------- the platform and the program
 
 bool SocketSendAll(const BYTE*, int) { return true; }
 
-// A terminal that is asked for its state in every fourth byte, as the shortest request has them.
+// A terminal that replies for every four bytes, the length of the shortest request.
 void TerminalWrite(const BYTE*, int count) {
     static const BYTE kAnswer[] = {'\033', '[', '2', '4', ';', '8', '0', 'R'};
     for (int asked = 0; asked < count / 4; asked++) SendSessionData(kAnswer, sizeof(kAnswer), 0);
@@ -93,7 +93,7 @@ static void GiveSsh1(const std::string& payload) {
                          static_cast<int>(body.size()))));
 }
 
-// The host may begin an exchange as often as it likes.
+// The host may start any number of key exchanges.
 static void RunExchanges(const std::string& payload) {
     Begin(1);
     for (int i = 0; i < 4; i++) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// RsaParseKey on any bytes. A key that parses encrypts two messages, unless its numbers are so
-// large that this would leave little time for others.
+// RsaParseKey on any bytes. A parsed key encrypts two messages, unless its numbers are so large
+// that this would take too long.
 #include <cstddef>
 #include <cstdint>
 #include <vector>

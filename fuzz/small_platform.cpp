@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The slice's text calls on bytes that are their own characters, for fuzz targets without the
-// slice.
+// Simple text calls for fuzz targets that do not link the slice: each byte is the character of the
+// same number.
 #include <cstdarg>
 #include <cstdio>
 #include <string>

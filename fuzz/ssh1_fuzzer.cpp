@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Whole SSH-1 conversations of any server. The input's first byte sets the session up, the second
-// says how its bytes are cut; then come records, each its kind in the first byte:
+// Whole SSH-1 conversations of an arbitrary server. The first byte of the input selects the
+// session's settings, the second says how its bytes are cut. Then follow records; the first byte of
+// a record is its kind:
 //   0   a packet: type, data length (2 bytes, little-endian), data
-//   1   bytes as they are: their number, the bytes
-//   2   the public-key message with keys of so many bytes: the server's, the host's, ciphers
+//   1   raw bytes: their count, the bytes
+//   2   the public-key message: byte counts of the server key and the host key, ciphers
 //   3   a packet of one string: type, length, the bytes
-// The cipher is switched off behind each record, so that packets can be read; bit 4 of the first
-// byte leaves it on. Each input is run whole and again in pieces: both must show, ask and send the
-// same.
+// The target switches the cipher off after each record, so that the client can read the packets;
+// bit 4 of the first byte leaves it on. Each input runs whole and again in pieces: both runs must
+// show, ask and send the same.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -30,7 +31,7 @@ enum Flag : uint8_t {  // bits 0 and 1 of the first byte are ssh_type
     kBoxEndsSession = 64,
 };
 
-static std::string told;  // everything that leaves the client, in its order
+static std::string told;  // everything that leaves the client, in order
 static uint8_t flags;
 static bool overflowed;
 
@@ -49,7 +50,7 @@ bool SocketSendAll(const BYTE* bytes, int length) {
 
 void TerminalWrite(const BYTE* bytes, int count) {
     told.append("T").append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
-    SendSessionData(bytes, count < 3 ? count : 3, 0);  // as a report would be
+    SendSessionData(bytes, count < 3 ? count : 3, 0);  // like a report of the terminal
 }
 
 static const char* const kTexts[] = {
@@ -109,7 +110,7 @@ static std::string Number(size_t bytes) {
     return {static_cast<char>(bytes * 8 >> 8), static_cast<char>(bytes * 8 & 0xFF)};
 }
 
-// Exponent 1: quick to encrypt with.
+// The exponent 1 makes encryption fast.
 static std::string Key(size_t bytes) {
     return Uint32(0) + Number(1) + "\1" + Number(bytes) + std::string(bytes, '\xC5');
 }

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Any bytes of an SSH-2 server, in any state. The first byte says where the session stands and
-// whether the bytes are behind a cipher, the second how they are cut into chunks; then come
-// records:
+// Any bytes of an SSH-2 server, in any state. The first byte selects the state of the session and
+// whether it has a cipher, the second says how the bytes are cut into chunks. Then follow records:
 //   0   a packet: length of its payload (2 bytes, big-endian), the payload
-//   1   the same behind a padding length of the input's own
-//   2   bytes as they are: their number (2 bytes), the bytes
-//   3   terminal bytes: their number (2 bytes), the bytes
-// Behind a cipher it is one that changes nothing, with a MAC of 20 bytes that is always right. Each
-// input is run whole and again in pieces: both must show, send and ask the same.
+//   1   the same with a padding length from the input
+//   2   raw bytes: their count (2 bytes), the bytes
+//   3   bytes of the terminal: their count (2 bytes), the bytes
+// The cipher changes nothing, and its MAC of 20 bytes always matches. Each input runs whole and
+// again in pieces: both runs must show, send and ask the same.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -22,7 +21,7 @@
 static const SOCKET kSocket = 7;
 static const size_t kMacSize = 20;
 
-static std::string told;  // everything that leaves the client, in its order
+static std::string told;  // everything that leaves the client, in order
 
 static void Require(bool holds, const char* what) {
     if (holds) return;
@@ -43,7 +42,7 @@ void TerminalWrite(const BYTE* bytes, int count) {
                 bytes + count <= session.ssh2.packetBuf + kSsh2PacketSize,
             "data inside the packet");
     told.append("T").append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
-    SendSessionData(bytes, count < 3 ? count : 3, 0);  // as a report would be
+    SendSessionData(bytes, count < 3 ? count : 3, 0);  // like a report of the terminal
 }
 
 static bool AskSignOn() {
@@ -142,7 +141,7 @@ static void Begin(uint8_t flags) {
     }
 }
 
-// New keys bring the real cipher; it is switched off again at once.
+// New keys activate the real cipher; this switches it off again.
 static void SwitchOff() {
     if (session.ssh2.cipher) session.ssh2.cipher = &kOff;
 }
@@ -215,8 +214,8 @@ static std::string Run(const uint8_t* data, size_t size, size_t cut) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 2 || size > 8192) return 0;
     const std::string whole = Run(data, size, kReceiveSize);
-    // Bytes as they are may hold NEWKEYS, after which the real cipher takes what a chunk holds
-    // more.
+    // Raw bytes may contain NEWKEYS. The real cipher then decrypts the rest of the chunk, so pieces
+    // may give another result.
     if (whole.find('U', 1) == std::string::npos)
         Require(Run(data, size, data[1] % 40 + size_t{1}) == whole, "the same in pieces");
     else

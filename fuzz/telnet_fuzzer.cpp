@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Any bytes of a host through the Telnet engine, three times: one by one with the state's bounds
-// checked after each, in chunks of the buffer's size, and cut where the input's first bytes say.
-// All must show and send alike. In the first byte, bit 0 is the trace and bit 1 a subnegotiation
-// that the last connection broke off.
+// Any bytes of a host through the Telnet engine, three times: byte by byte with a check of the
+// state after each one, in chunks of the buffer's size, and cut as the first bytes of the input
+// say. All runs must show and send the same. In the first byte, bit 0 turns on the trace and bit 1
+// starts in a subnegotiation that the last connection left incomplete.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -49,7 +49,7 @@ void ShowWritten(int) {}
 void SessionClosed() {}
 void WakeReceiveThread() { wakes++; }
 
-// SSH gets nothing to take or to send here.
+// No bytes go to or come from SSH here.
 static const Protocol kNoProtocol = {nullptr, nullptr, [](const BYTE*, int) {},
                                      [](const BYTE*, int, int) {}, [] {}};
 const Protocol kSsh1Protocol = kNoProtocol;
@@ -129,7 +129,7 @@ static Outcome RunCut(const std::string& bytes, uint8_t flags, const uint8_t* cu
     return Take();
 }
 
-// The staging area of a chunk is no state.
+// Compares the Telnet state without the buffer of the current chunk.
 static bool SameTelnet(const TelnetState& a, const TelnetState& b) {
     return a.iac_seen == b.iac_seen && a.last_command == b.last_command &&
            a.in_subneg == b.in_subneg && a.subneg_count == b.subneg_count &&
@@ -138,8 +138,8 @@ static bool SameTelnet(const TelnetState& a, const TelnetState& b) {
            memcmp(a.my_options, b.my_options, kTelnetOptions) == 0;
 }
 
-// Data and trace lines of one chunk change places, as the chunk's data is shown last; so what is
-// shown is compared only without the trace.
+// The data of a chunk is shown after its trace lines, so the order depends on the chunks. The shown
+// bytes are therefore compared only without the trace.
 static void RequireSame(const Outcome& a, const Outcome& b, bool traced) {
     Require(a.wire == b.wire, "sent alike");
     Require(a.display.size() == b.display.size(), "shown as much");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Any bytes into the terminal, three times: one by one with its bounds checked after each, as one
-// chunk, and cut where the input's first four bytes say. All must end alike and answer alike.
+// Any bytes into the terminal, three times: byte by byte with a check of all bounds after each one,
+// as one chunk, and cut as the first four bytes of the input say. All runs must end in the same
+// state and send the same replies.
 #include <cstdio>
 #include <cstdlib>
 

@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 # Makes build/quill_VERSION_ARCHITECTURE.deb: the program, its help page, icons, the entry in the
 # menu, the description for software centres, the manual page, the terminal's description and the
-# licence. Installs what is missing, and builds the program unless the folder of a build of the
-# preset "package" is named. The same sources give the same file: all times in it are that of the
+# licence. Installs missing packages, and builds the program unless BUILD names the folder of a build
+# of the preset "package". The same sources give the same file: all times in it are the time of the
 # last commit, or SOURCE_DATE_EPOCH.
 # Usage: packaging/deb.sh [BUILD]
 set -eu
@@ -40,7 +40,8 @@ mkdir -p "$root/DEBIAN" "$root/usr/bin" "$documents" "$root/usr/share/terminfo/q
 dated() { sed -e "s/@VERSION@/$version/g" -e "s/@DATE@/$day/g" "$1"; }
 
 strip --strip-unneeded -R .comment -R .note -o "$root/usr/bin/quill" "$build/platform/qt/quill"
-cp resources/telnet.htm resources/quill.ti docs/fleet.md "$documents/"
+cp resources/telnet.htm resources/quill.ti docs/fleet.md docs/hosts.md docs/hosts_names.md docs/sequences.md \
+    "$documents/"
 cp "$build"/resources/terminfo/q/quill* "$root/usr/share/terminfo/q/"
 cp packaging/desktop/quill.desktop "$root/usr/share/applications/"
 dated packaging/desktop/quill.metainfo.xml >"$root/usr/share/metainfo/org.quillware.quill.metainfo.xml"
@@ -63,7 +64,7 @@ END
     sed -e '1,/^Copyright/d' LICENSE | sed -e '/./,$!d' -e 's/^$/./' -e 's/^/ /'
 } >"$documents/copyright"
 
-# What the program is linked with, by the packages' own lists of symbols.
+# The libraries that the program needs, from the symbol lists of their packages.
 printf 'Source: quill\n\nPackage: quill\nArchitecture: any\n' >"$work/debian/control"
 depends=$(cd "$work" && dpkg-shlibdeps -O -e"$root/usr/bin/quill" 2>"$work/log" |
     sed -n 's/^shlibs:Depends=//p')
@@ -90,6 +91,10 @@ Description: terminal client for Telnet, SSH-1.5 and SSH-2
  speak, and no protection on a network of today.
 END
 
+# Whoever made the sources' files, with whatever umask.
+find "$root" -type d -exec chmod 755 {} +
+find "$root" -type f -exec chmod 644 {} +
+chmod 755 "$root/usr/bin/quill"
 find "$root" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
 package=$(pwd)/build/quill_${version}_$architecture.deb
 mkdir -p build

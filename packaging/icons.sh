@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Makes the icon theme's files of the program: a picture of each size below FOLDER, and the SVG itself.
+# Makes the program's files for the icon theme: a picture of each size below FOLDER, and the SVG itself.
 # The small sizes are the pixels of resources/icons, the others are drawn from the SVG.
 # Usage: packaging/icons.sh FOLDER
 set -eu
@@ -10,7 +10,7 @@ pixels=$here/../resources/icons/101-program.txt
 work=$(mktemp -d "${TMPDIR:-/tmp}/quill-icons.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
-# The rows of that many characters as an SVG of squares; the letters are those of bitmaps.cmake.
+# Draws rows of that many characters as an SVG of squares; bitmaps.cmake lists the letters.
 pixels_as_svg() {
     awk -v size="$1" '
         BEGIN {

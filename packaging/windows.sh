@@ -2,17 +2,17 @@
 # SPDX-License-Identifier: MIT
 # Makes the packages of the Windows program: build/quill-windows.zip for 64-bit Windows,
 # build/quill-windows32.zip for 32-bit Windows, and build/quill-windows-installer.exe with both. Each
-# holds the program, its help page, the terminal's description for hosts, and the licence. The same
-# programs give the same bytes, whenever and wherever they are packed.
-# Installs what is missing, and builds the programs unless built ones are named.
-# QUILL_INSTALLER_TARGET names another kind of installer, "amd64-unicode" a 64-bit one.
+# contains the program, its help page, the terminal's description for hosts, and the licence. The same
+# programs always give packages with the same bytes.
+# Installs missing packages, and builds the programs unless the arguments name built ones.
+# QUILL_INSTALLER_TARGET selects another kind of installer; "amd64-unicode" is a 64-bit one.
 # Usage: packaging/windows.sh [QUILL64.EXE QUILL32.EXE]
 set -eu
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 [ $# = 0 ] || [ $# = 2 ] || { echo "usage: packaging/windows.sh [QUILL64.EXE QUILL32.EXE]" >&2; exit 2; }
 
-# build PRESET: prints the program.
+# build PRESET: builds the program and prints its path.
 build() {
     folder=build/$1-release
     mkdir -p build
@@ -33,7 +33,7 @@ else
     program32=$(build windows32)
 fi
 
-# The day of the version's files, for every file of every package.
+# The date of every file in every package.
 day='2026-01-01 00:00:00 UTC'
 SOURCE_DATE_EPOCH=1767225600
 export SOURCE_DATE_EPOCH
@@ -50,7 +50,7 @@ cp LICENSE "$stage/LICENSE.txt"
 x86_64-w64-mingw32-strip -o "$stage/quill64.exe" "$program64"
 i686-w64-mingw32-strip -o "$stage/quill32.exe" "$program32"
 
-# zip_up PACKAGE PROGRAM: the files in a folder "Quill", in one order.
+# zip_up PACKAGE PROGRAM: packs the files in a folder "Quill", in a fixed order.
 zip_up() {
     mkdir "$stage/Quill"
     cp "$2" "$stage/Quill/quill.exe"

@@ -843,7 +843,7 @@ uint16_t SliceNetworkShort(uint16_t value);
         if ((set)->fd_count < 64) (set)->fd_array[(set)->fd_count++] = (s); \
     } while (0)
 inline int SliceSetHolds(const SliceSocketSet* set, SOCKET socket) {
-    for (UINT i = 0; i < set->fd_count; i++)
+    for (UINT i = 0; i < set->fd_count; ++i)
         if (set->fd_array[i] == socket) return 1;
     return 0;
 }

@@ -12,16 +12,14 @@
 #include "session/session_state.h"
 #include "text/bytes.h"
 
-namespace {
-
 const Protocol* const kProtocols[] = {&kTelnetProtocol, &kSsh1Protocol, &kSsh2Protocol};
 
-const Protocol& Spoken() {
+static const Protocol& CurrentProtocol() {
     if (session.settings.ssh == 0) return *kProtocols[0];
     return *kProtocols[session.settings.ssh_type2 == 1 ? 2 : 1];
 }
 
-void Identify(const Protocol& protocol, const BYTE* bytes, int count) {
+static void Identify(const Protocol& protocol, const BYTE* bytes, int count) {
     const char* line = protocol.identification;
     protocol.start(line, bytes, count);
     if (!SocketSendAll(reinterpret_cast<const BYTE*>(line), static_cast<int>(std::strlen(line))))
@@ -30,8 +28,6 @@ void Identify(const Protocol& protocol, const BYTE* bytes, int count) {
     session_ports.update_status();
 }
 
-}  // namespace
-
 void BeginProtocol() {
     session.ssh.recvFill = 0;
     session.ssh_progress = 0;
@@ -39,7 +35,7 @@ void BeginProtocol() {
 }
 
 void TakeSessionChunk(const BYTE* bytes, int count) {
-    const Protocol& protocol = Spoken();
+    const Protocol& protocol = CurrentProtocol();
     if (!protocol.identification) return protocol.take_chunk(bytes, count);
     if (session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) return;
     if (session.banner_sent) return protocol.take_chunk(bytes, count);
@@ -47,7 +43,7 @@ void TakeSessionChunk(const BYTE* bytes, int count) {
 }
 
 void SendSessionData(const BYTE* bytes, int length, int escape) {
-    Spoken().send_data(bytes, length, escape);
+    CurrentProtocol().send_data(bytes, length, escape);
 }
 
 void ForgetSshSession() {

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-# What ./run and ./test need from the system's package manager (Debian 12, Ubuntu 24.04), and how it
-# is got. Sourced by both; plain POSIX sh.
+# The packages that ./run and ./test need from the system's package manager (Debian 12, Ubuntu 24.04),
+# and their installation. Both source this file; plain POSIX sh.
 
-# Two names for one thing: the first is taken that is installed or can be had.
+# Two names for the same package: the first one that is installed or available is used.
 # NAME|OTHER is written with a bar.
 PACKAGES_BUILD="g++ cmake ninja-build qt6-base-dev libsqlite3-dev binutils-mingw-w64-x86-64 ncurses-bin"
 PACKAGES_SHOW="fonts-dejavu-core"
@@ -13,16 +13,17 @@ PACKAGES_DEB="dpkg-dev librsvg2-bin"
 # python3-pycryptodome for the SSH-1 test server, googletest and Wine for the Windows program;
 # locales for its code pages, iproute2 for the network that its dial is tried in; libncurses-dev,
 # ncurses-term and the programs after it for the terminal's description; openbox and what follows for
-# the package and its window; weston and qt6-wayland for the tests under Wayland, dbus to gir1.2-atspi
+# the package and its window; clang-format and clang-tidy, in the one version that the project uses, for
+# the style; weston to qt6-wayland for the tests under Wayland, dbus to gir1.2-atspi
 # for those of a screen reader.
 PACKAGES_TEST="libgtest-dev clang libclang-rt-dev|libclang-rt-14-dev|libclang-rt-18-dev
     xvfb xauth x11-utils xdotool xclip imagemagick socat libkrb5-3 libvterm-dev libbenchmark-dev
     libgmp-dev libssl-dev openssh-client python3-asyncssh python3-paramiko python3-twisted
     python3 python3-pycryptodome googletest wine wine64 locales iproute2
-    weston qt6-wayland dbus-daemon dbus-bin at-spi2-core python3-gi gir1.2-atspi-2.0
+    weston sway grim qt6-wayland dbus-daemon dbus-bin at-spi2-core python3-gi gir1.2-atspi-2.0
     libncurses-dev ncurses-term vim nano less mc dialog htop procps tmux w3m
-    openbox lintian desktop-file-utils appstream man-db groff-base binutils"
-# The compilers of the other processors: some 45 MB to fetch and 160 MB on the disk each.
+    clang-format-14 clang-tidy-14 openbox lintian desktop-file-utils appstream man-db groff-base binutils"
+# The compilers of the other processors: each is a download of 45 MB and takes 160 MB on disk.
 device_packages() {
     echo qemu-user
     for device; do
@@ -53,7 +54,7 @@ as_root() {
     fi
 }
 
-# Names of what is missing, one alternative of each choice.
+# Prints the names of missing packages, one alternative of each choice.
 missing_packages() {
     for choice; do
         found=
@@ -91,7 +92,7 @@ install_with_apt() {
     if [ -n "$missing" ]; then
         echo "Installing:" $missing
         if ! apt_quietly install -y --no-install-recommends $missing; then
-            # The lists may be older than what the servers have.
+            # The package lists may be older than the servers' packages.
             apt_quietly update &&
                 apt_quietly install -y --no-install-recommends $missing || {
                 tail -n 20 "$packages_log" >&2
@@ -121,8 +122,8 @@ install_packages() {
     done
 }
 
-# configure_preset PRESET [CMAKE OPTIONS...] and build_preset PRESET [TARGETS...]: quiet but for
-# the builder's own progress line on a terminal; the log is shown when something fails.
+# configure_preset PRESET [CMAKE OPTIONS...] and build_preset PRESET [TARGETS...]: print only the
+# builder's progress line, on a terminal; they show the log if something fails.
 configure_preset() {
     mkdir -p build
     cmake --preset "$@" >"build/$1-configure.log" 2>&1 || {

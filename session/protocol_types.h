@@ -24,10 +24,11 @@ struct Protocol {
     // Takes a received chunk of 1..kReceiveSize bytes. If the protocol exchanges identification
     // lines, it gets only the later chunks.
     void (*take_chunk)(const BYTE* bytes, int count);
-    // Sends bytes that the user typed or pasted, or that the terminal replied. Only Telnet uses
-    // `escape`, see SessionSend.
+    // Sends what SessionSend gets: keys, pastes, replies, responses of the automatic login, and
+    // Telnet's own commands. Only Telnet uses `escape`, see SessionSend.
     void (*send_data)(const BYTE* bytes, int length, int escape);
-    void (*forget)();  // wipes and releases the protocol's section, which may be empty already
+    void (*forget)();  // wipes and releases the protocol's section, which may be empty already;
+                       // Telnet's does nothing
 };
 
 // ---------------------------------------------------------------- Telnet
@@ -39,7 +40,7 @@ inline constexpr int kTelnetOptions = 251;  // codes 0..250
 struct TelnetState {
     DWORD iac_seen = 0;
     DWORD last_command = 0;  // 250..254; 0 at each connect; stays set after use
-    DWORD in_subneg = 0;     // 1: inside a subnegotiation; a disconnect does not clear it
+    DWORD in_subneg = 0;     // 1: inside a subnegotiation; not even a new session clears it
     BYTE subneg_buffer[kSubnegSize] = {};
     int subneg_count = 0;
     BYTE his_options[kTelnetOptions] = {};  // 1: we sent DO for this option
@@ -61,7 +62,8 @@ struct AutoLogin {
 
 // ---------------------------------------------------------------- SSH
 
-// The most bytes that can wait for the rest of their packet. A packet has fewer bytes than this.
+// The most bytes that can wait for the rest of their packet. A packet without its MAC has
+// fewer bytes than this.
 inline constexpr int kSshReassemblySize = 65535;
 
 // Used by SSH-1 and SSH-2: received bytes that are not a whole packet yet. It lasts as long as the
@@ -118,7 +120,7 @@ struct Ssh2State {
     const SshCipher* cipher = nullptr;
     const SshMac* outMac = nullptr;
     const SshMac* inMac = nullptr;
-    uint32_t sendSeq = 0;  // packets sent and received, modulo 2^32
+    uint32_t sendSeq = 0;  // packets built and packets accepted, modulo 2^32
     uint32_t recvSeq = 0;
     DWORD headDecrypted = 0;               // 1: the first block of recvBuf is already decrypted
     ByteReader payload = {};               // of the packet being handled, from its message number
@@ -146,7 +148,7 @@ struct Ssh2State {
     uint32_t remoteChannel = 0;
     uint32_t remoteWindow = 0;  // the server's initial window; not used
     int localWindow = 0;        // bytes that the server may still send
-    BYTE* heldData = nullptr;   // typed while keysPending; null while heldLength is 0
+    BYTE* heldData = nullptr;   // data that waits while keysPending; null while heldLength is 0
     int heldLength = 0;
 };
 

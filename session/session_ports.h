@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What any folder may call to reach the rest of the program: the ports to the folders above it, the
-// routine that sends to the host, and the message boxes for the user.
+// What the folders above this one may call to reach the rest of the program: the ports to the
+// folders above it, the routine that sends to the host, and the message boxes for the user.
 #ifndef QUILL_SESSION_SESSION_PORTS_H
 #define QUILL_SESSION_SESSION_PORTS_H
 
@@ -12,11 +12,12 @@
 
 struct SessionPorts {
     // The terminal's window.
-    void (*repaint)();        // paints the background and all rows
-    void (*show_changes)();   // paints the rows in row_changed, after text was written
-    void (*update_status)();  // updates the status line and the title
+    void (*repaint)();        // requests a paint of the background and all rows
+    void (*show_changes)();   // follows the cursor, requests a paint of the rows in row_changed
+    void (*update_status)();  // updates the status line and the title; does nothing while hidden
 
-    // The main window's menu bar: called when a session has begun or ended, or the toolbar has
+    // Makes the main window's command bar, with its toolbar, and its menu bar again: after a
+    // session has ended or could not begin, after the connect button, and when the toolbar has
     // changed.
     void (*rebuild_menu_bar)();
 
@@ -24,7 +25,7 @@ struct SessionPorts {
     // The message loop runs while the dialog is open, so the session may end in the meantime.
     bool (*ask_sign_on)();
 
-    // Closes the session's socket.
+    // Closes the session from our side: no "closed" message follows.
     void (*close_session)();
 
     // Sends on a connected session, in its protocol.
@@ -35,8 +36,9 @@ extern SessionPorts session_ports;
 
 // ---------------------------------------------------------------- to the host
 
-// Sends terminal data on the current session. Does nothing while not connected. On Telnet with
-// `escape` 1, each byte 255 is doubled and IAC EOR follows; with 0 the bytes are sent unchanged.
+// Sends data on the current session, in its protocol. Does nothing while not connected. On Telnet
+// with `escape` 1, each byte 255 is doubled and IAC EOR follows; with 0 the bytes are sent
+// unchanged.
 void SessionSend(const BYTE* bytes, int length, int escape);
 
 // Writes to the socket until all bytes are sent. Returns true if they are, and also if there is

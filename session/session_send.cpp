@@ -6,11 +6,7 @@
 #include "session/session_state.h"
 #include "text/text.h"
 
-namespace {
-
 constexpr int kResponseSize = 256;
-
-}  // namespace
 
 bool SocketSendAll(const BYTE* bytes, int length) {
     const SOCKET target = session.socket.load(std::memory_order_acquire);

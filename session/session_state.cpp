@@ -5,5 +5,9 @@
 
 #include "session/session_ports.h"
 
+// The device gives a program little memory.
+constexpr size_t kMostBytes = 307504;
+static_assert(sizeof(SessionState) <= kMostBytes);
+
 SessionState session;
 SessionPorts session_ports;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The one record of all program and session state. Each section begins with "Owner:", which names
-// the files that may write it: a file without its suffix, or all files of a folder. All other files
-// only read it. "Also:" names a single field that one more file writes. tests/layers/owners.py
-// checks the sources against these lines. Only the window thread uses this record, except for the
-// fields under "Shared with the receiving thread", whose comments say how they are shared.
+// The record of the program's and the session's state; docs/architecture.md names the little that
+// is elsewhere. Each section begins with "Owner:", which names the files that may write it: a file
+// without its suffix, or all files of a folder. All other files only read it. "Also:" names a
+// single field that one more file writes. tests/layers/owners.py checks the sources against these
+// lines. Only the window thread uses this record, except for the fields under "Shared with the
+// receiving thread", whose comments say how they are shared, and main_window, which that thread
+// reads.
 #ifndef QUILL_SESSION_SESSION_STATE_H
 #define QUILL_SESSION_SESSION_STATE_H
 
@@ -15,13 +17,13 @@
 #include "windows_ce.h"
 
 inline constexpr UINT WM_SOCKET_DATA = 105;  // wParam 0: a chunk waits; 1: the connection has ended
-inline constexpr UINT WM_SOCKET_CONNECTED = 107;  // the first data came: the session is up
+inline constexpr UINT WM_SOCKET_CONNECTED = 107;  // the socket is readable: the session is up
 
 inline constexpr int kCommandBarId = 1;  // child ids of the main window
 inline constexpr int kClientWindowId = 2;
 inline constexpr int kStatusBarId = 106;  // child id of the client window
 
-typedef BOOL (*ChooseColorProcedure)(LPVOID request);
+using ChooseColorProcedure = BOOL (*)(LPVOID request);
 
 struct SessionState {
     // Owner: app/start_up.
@@ -36,10 +38,10 @@ struct SessionState {
     // Owner: ui/view/terminal_window, ui/main_window. Set as soon as the window gets WM_CREATE.
     HWND client_window = nullptr;
 
-    // Owner: ui/main_window. The windows exist from WM_CREATE until the program ends.
-    HWND main_window = nullptr;
+    // Owner: ui/main_window. RebuildMenuBar makes both bars again, so their handles are not kept.
+    HWND main_window = nullptr;  // set at WM_CREATE and never cleared
     HWND command_bar = nullptr;
-    HWND menu_bar = nullptr;
+    HWND menu_bar = nullptr;     // null if the bar could not be made
     int command_bar_height = 0;  // pixels
     int main_width = 0;          // pixels; the main window's width at its creation
     int client_width = 0;        // pixels; the client window's width at its creation
@@ -50,29 +52,31 @@ struct SessionState {
     // Owner: ui/view/keys.
     DWORD key_taken = 0;  // 1: the key table handles the current key press; ignore its character
 
-    // Owner: ui/view/input_panel.
+    // Owner: ui/view/view.
     DWORD input_panel_up = 0;  // 1: the on-screen keyboard is shown, as last reported
 
     // Owner: ui/view/status_bar.
-    HWND status_window = nullptr;  // null while hidden
+    HWND status_window = nullptr;  // null while hidden; RebuildStatusBar makes it again
     int status_height = 0;         // pixels; 0 while hidden
 
     // Owner: ui/view/terminal_window.
-    DWORD narrow_screen = 0;  // 1: the screen is less than 350 pixels wide
+    DWORD narrow_screen = 0;  // 1: the screen was less than 350 pixels wide at the start
 
     // Owner: ui/view/.
     ViewState view;
 
     // Owner: ui/dialogs/.
-    int dialog_result = 0;      // the result of the last dialog; -1: it was cancelled
+    // Of the last dialog that RunDialog showed: -1 cancelled, after the Font dialog the row of the
+    // face, else 0.
+    int dialog_result = 0;
     DWORD connect_request = 0;  // 1: the last Connect dialog was closed by OK
 
     // Owner: connection/.
-    DWORD connect_pending = 0;  // 1: a connect request is in progress
-    DWORD closing = 0;          // 1: the user closed the session: no "closed" message
+    DWORD connect_pending = 0;  // 1: a connect request is in progress, or its session is up
+    DWORD closing = 0;          // 1: our side closed the session: no "closed" message
     DWORD dial_request = 0;     // 1: the user agreed to dial; the timer starts it
     DWORD dialling = 0;         // 1: a dial is in progress
-    int last_dial_state = -1;   // the last dial state that was shown; -1: no state yet
+    int last_dial_state = -1;   // the last state of any dial; -1: no state yet
     HRASCONN ras_connection = nullptr;
     SOCKADDR_IN peer = {};
 
@@ -82,13 +86,14 @@ struct SessionState {
     std::atomic<DWORD> connected{0};  // set by the receiving thread, cleared by the window thread
     std::atomic<DWORD> receive_ready{0};     // 1: the thread may fill receive_buffer
     char receive_buffer[kReceiveSize] = {};  // receive_ready says which thread may touch it
-    int receive_count = 0;                   // bytes in receive_buffer, or what recv returned
-    HANDLE handed_back = nullptr;            // event: receive_ready was set, or the socket closed
-    HANDLE receive_ended = nullptr;          // event: the receiving thread has ended
+    int receive_count = 0;           // what recv returned: bytes in receive_buffer, or 0 or less
+    HANDLE handed_back = nullptr;    // event: receive_ready was set, or the socket closed
+    HANDLE receive_ended = nullptr;  // event: the receiving thread has ended
 
     // Owner: protocol/protocols, protocol/ssh/.
-    DWORD banner_sent = 0;   // 1: our identification line has been sent
-    DWORD ssh_progress = 0;  // 0: the session is not encrypted yet
+    // 1: our identification line has been sent. Each SessionConnect clears it.
+    DWORD banner_sent = 0;
+    DWORD ssh_progress = 0;  // 0: the session is not encrypted yet, SSH-1: its state, SSH-2: 1
     SshState ssh;
     Ssh1State ssh1;
     Ssh2State ssh2;
@@ -108,7 +113,7 @@ struct SessionState {
     Settings settings = {};
 
     // Owner: settings/settings.
-    DWORD save_settings = 1;  // 0: the settings are not saved any more
+    DWORD save_settings = 1;  // 0 after a reset: nothing is saved, until SetDialEntry sets it again
 };
 
 extern SessionState session;

@@ -22,7 +22,7 @@ inline constexpr DWORD kCellBold = 0x0100;
 inline constexpr DWORD kCellUnderline = 0x0200;
 inline constexpr DWORD kCellBlink = 0x0400;
 inline constexpr DWORD kCellReverse = 0x0800;
-inline constexpr DWORD kCellCursor = 0x1000;  // in the paint copy only
+inline constexpr DWORD kCellCursor = 0x1000;  // only in the copy of a row that ui/view/paint draws
 inline constexpr DWORD kCellGraphic = 0x2000;
 inline constexpr DWORD kCellProtected = 0x8000;
 inline constexpr DWORD kBlank = ' ';
@@ -44,12 +44,12 @@ struct ScreenBuffer {
     int bottom_margin = kScreenRows;
     DWORD row_changed[kRingSlots] = {};  // [row]: 1 = needs painting; the renderer clears it
     BYTE tab_stops[kTabColumns] = {};    // [column]: 0 = a stop, 1 = no stop
-    DWORD selection_active = 0;          // 1: the four fields below are set
+    DWORD selection_active = 0;          // 1: text is selected; the fields below keep the last one
     int selection_start_col = 0;
     int selection_start_row = 0;
     int selection_end_col = 0;
     int selection_end_row = 0;
-    DWORD paint_row[kSlotWords] = {};  // the copy that GetPaintRow returns
+    DWORD paint_row[kSlotWords] = {};  // what GetPaintRow returns while text is selected
 };
 
 // The interpreter.
@@ -83,7 +83,8 @@ struct ParserState {
     int vt52_address_count = 0;
     char reply_text[kReplySize] = {};  // NUL-terminated
     DWORD reply_pending = 0;
-    DWORD pending_wrap = 0;  // 1: the next printable character first goes to the next line
+    DWORD pending_wrap = 0;  // 1: the next printable character goes to the next line first, if
+                             // the cursor is still in the last column
     SavedCursor saved;
 };
 
@@ -93,8 +94,8 @@ struct TerminalModes {
     DWORD origin_mode = 0;
     DWORD newline_mode = 0;        // 1: the Enter key sends CR LF; a full reset keeps it
     DWORD localecho = 0;           // 1: typed characters are shown here; Telnet's ECHO also sets it
-    DWORD keypad_application = 0;  // 1: application mode, for the cursor keys and the keypad
-    DWORD autorepeat = 1;
+    DWORD keypad_application = 0;  // 1: application mode; stored, but the keys do not use it
+    DWORD autorepeat = 1;          // stored, but not used
     DWORD cursor_visible = 1;
     DWORD screen_reverse = 0;  // stored, but not drawn
     DWORD vt52_mode = 0;
@@ -106,7 +107,7 @@ struct TerminalModes {
     int graphic_active = 0;
 };
 
-struct RegionCursor {  // the values of the split region that is not active
+struct RegionCursor {  // the values of a split region from when it was left last
     int col = 1;
     int row = 1;
     int top_margin = 1;
@@ -143,7 +144,7 @@ struct ViewState {
     int visible_columns = 0;     // 0..columns
     int covered_rows = 0;        // rows that the input panel covers
     DWORD geometry_pending = 1;  // 1: the next paint measures the view again
-    DWORD full_repaint = 1;      // 1: the next paint draws the background and all rows
+    DWORD full_repaint = 1;      // 1: the next paint draws the background and all rows of the view
     DWORD blink_phase = 0;       // toggles with every timer tick
     int painted_cursor_row = 0;  // where the cursor was at the last paint
     int painted_cursor_col = 0;  // 0: not shown

@@ -79,10 +79,10 @@ KeyMapEntry key_map[kKeyRows + 1] = {
 };
 // clang-format on
 
-namespace {
-
 constexpr int kNotMapped = -1;
 constexpr int kBackspaceRow = 39;
+
+namespace {
 
 struct KeyRange {
     int first;  // virtual keys
@@ -93,8 +93,10 @@ struct KeyRange {
     int row_shift_control;  // with both
 };
 
+}  // namespace
+
 // clang-format off
-const KeyRange kRanges[] = {
+static const KeyRange kRanges[] = {
     // keys               plain       Shift       Ctrl  Shift+Ctrl
     {VK_F1,     VK_F20,    0,         20,          0,   20},
     {'0',       '9',       kNotMapped, kNotMapped, 42,  52},
@@ -118,16 +120,18 @@ constexpr int kSavedUnits = 80;  // of a sequence or a default, without the term
 constexpr int kNameSize = 16;
 constexpr LPCWSTR kValueFormat = TEXT("key%d");
 
-bool EitherDown(int left, int right) { return GetKeyState(left) != 0 || GetKeyState(right) != 0; }
+static bool EitherDown(int left, int right) {
+    return GetKeyState(left) != 0 || GetKeyState(right) != 0;
+}
 
-int RowOfRange(const KeyRange& range) {
+static int RowOfRange(const KeyRange& range) {
     const bool shift = EitherDown(VK_LSHIFT, VK_RSHIFT);
     if (EitherDown(VK_LCONTROL, VK_RCONTROL))
         return shift ? range.row_shift_control : range.row_control;
     return shift ? range.row_shift : range.row;
 }
 
-int RowOfKey(int virtual_key) {
+static int RowOfKey(int virtual_key) {
     for (const KeyRange& range : kRanges) {
         if (virtual_key < range.first || virtual_key > range.last) continue;
         const int row = RowOfRange(range);
@@ -136,23 +140,21 @@ int RowOfKey(int virtual_key) {
     return kNotMapped;
 }
 
-bool HoldsDefault(const KeyMapEntry& row) {
+static bool HoldsDefault(const KeyMapEntry& row) {
     return row.text && strcmp(row.text, row.defaultText) == 0;
 }
 
-void ForgetText(KeyMapEntry* row) {
+static void ForgetText(KeyMapEntry* row) {
     free(row->text);
     row->text = nullptr;
 }
 
-bool LoadRow(int i) {
+static bool LoadRow(int i) {
     WCHAR name[kNameSize], fallback[kSavedUnits + 1];
     wsprintfW(name, kValueFormat, i);
     WideFromAnsi(key_map[i].defaultText, fallback, kSavedUnits + 1);
     return SetKeyText(&key_map[i], ReadString(name, fallback)) != 0;
 }
-
-}  // namespace
 
 const char* UnescapeKeyText(const char* text) {
     static BYTE bytes[kLongestKeyText + 1];
@@ -183,12 +185,12 @@ int SetKeyText(KeyMapEntry* row, LPCWSTR text) {
 
 void LoadKeyMap() {
     int i = 0;
-    while (key_map[i].name && LoadRow(i)) i++;
-    for (; key_map[i].name; i++) ForgetText(&key_map[i]);
+    while (key_map[i].name && LoadRow(i)) ++i;
+    for (; key_map[i].name; ++i) ForgetText(&key_map[i]);
 }
 
 void SaveKeyMap() {
-    for (int i = 0; key_map[i].name; i++) {
+    for (int i = 0; key_map[i].name; ++i) {
         WCHAR name[kNameSize], text[kSavedUnits + 1];
         wsprintfW(name, kValueFormat, i);
         WideFromAnsi(key_map[i].text ? key_map[i].text : "", text, kSavedUnits + 1);

@@ -22,11 +22,13 @@ struct StringRow {
     LPCWSTR name;
 };
 
-Settings& s = session.settings;
+}  // namespace
+
+static Settings& s = session.settings;
 
 // Loading, saving and deleting follow the order of the rows.
 // clang-format off
-const NumberRow kNumbers[] = {
+static const NumberRow kNumbers[] = {
     {&s.blink,        0,        TEXT("blink")},
     {&s.fsize,        8,        TEXT("fsize")},
     {&s.bell,         1,        TEXT("bell")},
@@ -54,7 +56,7 @@ const NumberRow kNumbers[] = {
     {nullptr,         0,        nullptr},
 };
 
-const StringRow kStrings[] = {
+static const StringRow kStrings[] = {
     {s.fname,    TEXT("Terminal"), TEXT("fname")},
     {s.host,     TEXT(""),         TEXT("host")},
     {s.hist0a,   TEXT(""),         TEXT("hist0a")},
@@ -74,20 +76,18 @@ const StringRow kStrings[] = {
 };
 // clang-format on
 
-}  // namespace
-
 void LoadSettings() {
-    for (const NumberRow* row = kNumbers; row->field; row++)
+    for (const NumberRow* row = kNumbers; row->field; ++row)
         *row->field = ReadNumber(row->name, row->fallback);
-    for (const StringRow* row = kStrings; row->field; row++)
+    for (const StringRow* row = kStrings; row->field; ++row)
         CopyBounded(row->field, ReadString(row->name, row->fallback), kSettingUnits);
     LoadToolbars();
     LoadKeyMap();
 }
 
 void SaveSettings() {
-    for (const NumberRow* row = kNumbers; row->field; row++) WriteNumber(row->name, *row->field);
-    for (const StringRow* row = kStrings; row->field; row++) WriteString(row->name, row->field);
+    for (const NumberRow* row = kNumbers; row->field; ++row) WriteNumber(row->name, *row->field);
+    for (const StringRow* row = kStrings; row->field; ++row) WriteString(row->name, row->field);
     SaveToolbars();
     SaveKeyMap();
 }
@@ -103,8 +103,8 @@ LONG ResetSettings() {
     HKEY key;
     const LONG error = OpenSettings(KEY_SET_VALUE, &key);
     if (error != ERROR_SUCCESS) return error;
-    for (const NumberRow* row = kNumbers; row->field; row++) RegDeleteValueW(key, row->name);
-    for (const StringRow* row = kStrings; row->field; row++) RegDeleteValueW(key, row->name);
+    for (const NumberRow* row = kNumbers; row->field; ++row) RegDeleteValueW(key, row->name);
+    for (const StringRow* row = kStrings; row->field; ++row) RegDeleteValueW(key, row->name);
     RegFlushKey(key);
     RegCloseKey(key);
     DeleteToolbars();

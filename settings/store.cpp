@@ -7,13 +7,11 @@
 #include "session/settings_types.h"
 #include "text/text.h"
 
-namespace {
-
 constexpr LPCWSTR kSettingsKey = TEXT("Software\\QUILLWARE\\TELNET");
 constexpr int kNameSize = 16;  // of a numbered value
 
 // Both are not inlined, so that numbers and strings share their code.
-[[gnu::noinline]] bool QueryValue(LPCWSTR name, LPVOID data, DWORD size) {
+[[gnu::noinline]] static bool QueryValue(LPCWSTR name, LPVOID data, DWORD size) {
     HKEY key;
     if (OpenSettings(KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return false;
     const LONG error =
@@ -22,7 +20,7 @@ constexpr int kNameSize = 16;  // of a numbered value
     return error == ERROR_SUCCESS;
 }
 
-[[gnu::noinline]] void WriteValue(LPCWSTR name, DWORD type, LPCVOID data, DWORD size) {
+[[gnu::noinline]] static void WriteValue(LPCWSTR name, DWORD type, LPCVOID data, DWORD size) {
     HKEY key;
     const LONG error =
         RegCreateKeyExW(HKEY_LOCAL_MACHINE, kSettingsKey, 0, nullptr, REG_OPTION_NON_VOLATILE,
@@ -33,36 +31,34 @@ constexpr int kNameSize = 16;  // of a numbered value
     RegCloseKey(key);
 }
 
-}  // namespace
-
 LONG OpenSettings(DWORD access, HKEY* key) {
     return RegOpenKeyExW(HKEY_LOCAL_MACHINE, kSettingsKey, 0, access, key);
 }
 
 DWORD ReadNumber(LPCWSTR name, DWORD fallback) {
     DWORD value = 0;
-    return QueryValue(name, &value, sizeof value) ? value : fallback;
+    return QueryValue(name, &value, sizeof(value)) ? value : fallback;
 }
 
 LPCWSTR ReadString(LPCWSTR name, LPCWSTR fallback) {
     static WCHAR text[kSettingUnits];
-    memset(text, 0, sizeof text);
-    if (!QueryValue(name, text, sizeof text)) return fallback;
+    memset(text, 0, sizeof(text));
+    if (!QueryValue(name, text, sizeof(text))) return fallback;
     text[kSettingUnits - 1] = 0;
     return text;
 }
 
-void WriteNumber(LPCWSTR name, DWORD value) { WriteValue(name, REG_DWORD, &value, sizeof value); }
+void WriteNumber(LPCWSTR name, DWORD value) { WriteValue(name, REG_DWORD, &value, sizeof(value)); }
 
 void WriteString(LPCWSTR name, LPCWSTR text) {
     const DWORD units = static_cast<DWORD>(lstrlenW(text)) + 1;
-    WriteValue(name, REG_SZ, text, units * static_cast<DWORD>(sizeof *text));
+    WriteValue(name, REG_SZ, text, units * static_cast<DWORD>(sizeof(*text)));
 }
 
 void DeleteNumberedValues(LPCWSTR format, int count) {
     HKEY key;
     if (OpenSettings(KEY_SET_VALUE, &key) != ERROR_SUCCESS) return;
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         WCHAR name[kNameSize];
         wsprintfW(name, format, i);
         RegDeleteValueW(key, name);
@@ -73,14 +69,12 @@ void DeleteNumberedValues(LPCWSTR format, int count) {
 
 // ---------------------------------------------------------------- the configuration file
 
-namespace {
-
 constexpr LPCWSTR kFileName = TEXT("\\mconfig.cfg");
 constexpr int kLineSize = 80;  // a line's 79 characters and the terminator
 
 // Returns the text between the first two double quotes of the line, and cuts the line there.
 // Returns null if there are no two quotes or nothing between them.
-const char* QuotedText(char* line) {
+static const char* QuotedText(char* line) {
     char* first = strchr(line, '"');
     char* last = first ? strchr(first + 1, '"') : nullptr;
     if (!last || last == first + 1) return nullptr;
@@ -89,7 +83,7 @@ const char* QuotedText(char* line) {
 }
 
 // The result is limited to the range from INT32_MIN to UINT32_MAX. A second sign makes it 0.
-DWORD NumberOf(const char* token) {
+static DWORD NumberOf(const char* token) {
     const bool negative = token[0] == '-';
     const char* digits = negative || token[0] == '+' ? token + 1 : token;
     if (digits[0] == '-' || digits[0] == '+') return 0;
@@ -98,7 +92,7 @@ DWORD NumberOf(const char* token) {
     return 0 - static_cast<DWORD>(std::min<unsigned long>(size, 0x80000000u));
 }
 
-void ImportString(LPCWSTR name, char* line) {
+static void ImportString(LPCWSTR name, char* line) {
     const char* quoted = QuotedText(line);
     if (!quoted) return;
     WCHAR text[kLineSize];
@@ -106,7 +100,7 @@ void ImportString(LPCWSTR name, char* line) {
     WriteString(name, text);
 }
 
-void ImportLine(char* line) {
+static void ImportLine(char* line) {
     if (line[0] == '#') return;
     char name[kLineSize], value[kLineSize];
     if (sscanf(line, "%79s = %79s", name, value) != 2) return;
@@ -117,8 +111,6 @@ void ImportLine(char* line) {
     else
         WriteNumber(value_name, NumberOf(value));
 }
-
-}  // namespace
 
 void ImportConfigFile(HWND owner) {
     FILE* file = _wfopen(kFileName, TEXT("r"));

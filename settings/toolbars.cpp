@@ -5,6 +5,7 @@
 #include "session/session_state.h"
 #include "settings/settings.h"
 
+// NOLINTBEGIN(readability-magic-numbers)
 // clang-format off
 ToolbarButton toolbar_buttons[kToolbarRows + 1] = {
     // name                    wide       narrow     bitmap action
@@ -38,8 +39,7 @@ ToolbarButton toolbar_buttons[kToolbarRows + 1] = {
     {nullptr,        0, 0, 0, {0, 0, 0}, {0, 0, 0}, 0,    0},
 };
 // clang-format on
-
-namespace {
+// NOLINTEND(readability-magic-numbers)
 
 constexpr DWORD kBit1 = 4;
 constexpr DWORD kBit2 = 2;
@@ -47,16 +47,14 @@ constexpr DWORD kBit3 = 1;
 constexpr int kNameSize = 16;
 constexpr LPCWSTR kValueFormat = TEXT("tbar%d");
 
-DWORD Compose(DWORD bar1, DWORD bar2, DWORD bar3) {
+static DWORD Compose(DWORD bar1, DWORD bar2, DWORD bar3) {
     return (bar1 ? kBit1 : 0) | (bar2 ? kBit2 : 0) | (bar3 ? kBit3 : 0);
 }
 
-DWORD DefaultValue(const ToolbarButton& button) {
+static DWORD DefaultValue(const ToolbarButton& button) {
     const BYTE* bars = session.narrow_screen ? button.narrowDefault : button.wideDefault;
     return Compose(bars[0], bars[1], bars[2]);
 }
-
-}  // namespace
 
 DWORD OnBar(const ToolbarButton& button, int barNumber) {
     const DWORD bars[kToolbars] = {button.onBar1, button.onBar2, button.onBar3};
@@ -65,13 +63,13 @@ DWORD OnBar(const ToolbarButton& button, int barNumber) {
 
 int ToolbarAction(int position, int barNumber) {
     if (position < 0) return 0;
-    for (const ToolbarButton* button = toolbar_buttons; button->name; button++)
+    for (const ToolbarButton* button = toolbar_buttons; button->name; ++button)
         if (OnBar(*button, barNumber) && position-- == 0) return button->action;
     return 0;
 }
 
 void LoadToolbars() {
-    for (int i = 0; toolbar_buttons[i].name; i++) {
+    for (int i = 0; toolbar_buttons[i].name; ++i) {
         ToolbarButton& button = toolbar_buttons[i];
         WCHAR name[kNameSize];
         wsprintfW(name, kValueFormat, i);
@@ -83,7 +81,7 @@ void LoadToolbars() {
 }
 
 void SaveToolbars() {
-    for (int i = 0; toolbar_buttons[i].name; i++) {
+    for (int i = 0; toolbar_buttons[i].name; ++i) {
         const ToolbarButton& button = toolbar_buttons[i];
         WCHAR name[kNameSize];
         wsprintfW(name, kValueFormat, i);

@@ -58,7 +58,7 @@ static void Ignore() {}
 
 // ---------------------------------------------------------------- the final bytes
 
-typedef void (*FinalHandler)();
+using FinalHandler = void (*)();
 
 struct FinalRow {
     BYTE byte;
@@ -68,7 +68,7 @@ struct FinalRow {
 };
 
 // clang-format off
-static constexpr FinalRow kFinalRows[] = {
+constexpr FinalRow kFinalRows[] = {
     // final, action,                  parses, replies
     {'@',     InsertCharacters,        true,   false},  // ICH
     {'A',     CursorUp,                true,   false},  // CUU
@@ -99,7 +99,7 @@ static constexpr FinalRow kFinalRows[] = {
 };
 // clang-format on
 
-static constexpr std::array<FinalRow, 256> kFinals = [] {
+constexpr std::array<FinalRow, 256> kFinals = [] {
     std::array<FinalRow, 256> table{};
     for (const FinalRow& row : kFinalRows) table[row.byte] = row;
     return table;
@@ -143,7 +143,7 @@ static void EscapeAgain(BYTE) {
     BeginEscape();
 }
 
-typedef void (*InnerHandler)(BYTE b);
+using InnerHandler = void (*)(BYTE b);
 
 struct InnerRow {
     BYTE first;
@@ -152,7 +152,7 @@ struct InnerRow {
 };
 
 // clang-format off
-static constexpr InnerRow kInnerRows[] = {
+constexpr InnerRow kInnerRows[] = {
     {'0',  '9',  CollectParameter},
     {';',  ';',  CollectParameter},
     {'\'', '\'', CollectParameter},
@@ -166,7 +166,7 @@ static constexpr InnerRow kInnerRows[] = {
 };
 // clang-format on
 
-static constexpr std::array<InnerHandler, 256> kInner = [] {
+constexpr std::array<InnerHandler, 256> kInner = [] {
     std::array<InnerHandler, 256> table{};
     for (const InnerRow& row : kInnerRows) {
         for (size_t b = row.first; b <= row.last; ++b) table[b] = row.act;
@@ -174,7 +174,7 @@ static constexpr std::array<InnerHandler, 256> kInner = [] {
     return table;
 }();
 
-static constexpr std::array<BYTE, 256> kParameterBytes = [] {
+constexpr std::array<BYTE, 256> kParameterBytes = [] {
     std::array<BYTE, 256> table{};
     for (size_t b = 0; b < table.size(); ++b) table[b] = kInner[b] == CollectParameter;
     return table;
@@ -213,8 +213,8 @@ int CollectParameters(const BYTE* bytes, int count) {
 // each of them digit by digit costs several mispredicted branches. So this code looks at the eight
 // bytes after ESC [ together, as one 64-bit word with the first byte lowest.
 
-static const uint64_t kEveryByte = 0x0101010101010101;
-static const int kLongestNumber = 2;  // digits
+constexpr uint64_t kEveryByte = 0x0101010101010101;
+constexpr int kLongestNumber = 2;  // digits
 
 static uint64_t FirstByteLowest(uint64_t word) {
     return std::endian::native == std::endian::little ? word : __builtin_bswap64(word);
@@ -222,7 +222,7 @@ static uint64_t FirstByteLowest(uint64_t word) {
 
 static uint64_t LoadEight(const void* bytes) {
     uint64_t word;
-    memcpy(&word, bytes, sizeof word);
+    memcpy(&word, bytes, sizeof(word));
     return FirstByteLowest(word);
 }
 
@@ -254,7 +254,7 @@ int RunCommonSequence(const BYTE* bytes, int count) {
     ParserState& parser = session.parser;
     const uint64_t text =
         FirstByteLowest((LoadEight(parser.param_text) & ~inside) | (word & inside));
-    memcpy(parser.param_text, &text, sizeof text);
+    memcpy(parser.param_text, &text, sizeof(text));
     parser.param_len = length;
     parser.private_flag = 0;
     parser.secondary_flag = 0;

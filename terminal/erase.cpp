@@ -30,7 +30,7 @@ void BlankScreen(int reset_line_attr) { BlankRows(1, session.screen.rows, false,
 
 // ---------------------------------------------------------------- CSI J and K
 
-typedef void (*EraseProcedure)(bool selective);
+using EraseProcedure = void (*)(bool selective);
 
 static void EraseDisplayAfter(bool selective) {
     const ScreenBuffer& screen = session.screen;
@@ -59,7 +59,7 @@ static void EraseLineWhole(bool selective) {
     BlankRows(session.screen.cursor_row, session.screen.cursor_row, selective, 0);
 }
 
-static const int kEraseChoices = 3;
+constexpr int kEraseChoices = 3;
 static const EraseProcedure kEraseInDisplay[kEraseChoices] = {EraseDisplayAfter, EraseDisplayBefore,
                                                               EraseDisplayWhole};
 static const EraseProcedure kEraseInLine[kEraseChoices] = {EraseLineAfter, EraseLineBefore,

@@ -11,9 +11,9 @@
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 
-static const int kLineDrawingSet = 128;
+constexpr int kLineDrawingSet = 128;
 
-typedef void (*EscapeHandler)();
+using EscapeHandler = void (*)();
 
 struct EscapeRow {
     BYTE byte;
@@ -53,10 +53,10 @@ static void SevenBitReplies() { ChooseReplies(0); }
 static void EightBitReplies() { ChooseReplies(1); }
 static void FullReset() { TerminalReset(0); }
 
-static constexpr EscapeHandler kNothing = nullptr;
+constexpr EscapeHandler kNothing = nullptr;
 
 // clang-format off
-static constexpr EscapeRow kEscapeRows[] = {
+constexpr EscapeRow kEscapeRows[] = {
     // byte, ANSI mode,               VT52 mode
     {kEsc,   BeginEscape,             BeginEscape           },  // ESC
     {' ',    AwaitSpaceSequence,      AwaitSpaceSequence    },  // S7C1T, S8C1T
@@ -105,7 +105,7 @@ static const LineSizeRow kLineSizeRows[] = {
 };
 // clang-format on
 
-static constexpr std::array<EscapeRow, 256> kEscapes = [] {
+constexpr std::array<EscapeRow, 256> kEscapes = [] {
     std::array<EscapeRow, 256> table{};
     for (const EscapeRow& row : kEscapeRows) table[row.byte] = row;
     return table;

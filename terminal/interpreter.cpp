@@ -81,7 +81,7 @@ static void IntroduceSs3() { Introduce('O'); }
 static void IntroduceDcs() { Introduce('P'); }
 static void IntroduceCsi() { Introduce('['); }
 
-typedef void (*ControlHandler)();
+using ControlHandler = void (*)();
 
 struct ControlRow {
     BYTE byte;
@@ -89,7 +89,7 @@ struct ControlRow {
 };
 
 // clang-format off
-static constexpr ControlRow kControlRows[] = {
+constexpr ControlRow kControlRows[] = {
     {5,              ReplyAnswerback},  // ENQ
     {7,              Bell           },  // BEL
     {8,              Backspace      },  // BS
@@ -107,7 +107,7 @@ static constexpr ControlRow kControlRows[] = {
 };
 // clang-format on
 
-static constexpr std::array<ControlHandler, 256> kControls = [] {
+constexpr std::array<ControlHandler, 256> kControls = [] {
     std::array<ControlHandler, 256> table{};
     for (const ControlRow& row : kControlRows) table[row.byte] = row.act;
     return table;
@@ -123,12 +123,12 @@ static void GroundByte(BYTE b) {
 
 // ---------------------------------------------------------------- states
 
-typedef void (*StateHandler)(BYTE b);
+using StateHandler = void (*)(BYTE b);
 
-static const int kStates = 8;
+constexpr int kStates = 8;
 
 // clang-format off
-static constexpr StateHandler kStateHandlers[kStates] = {
+constexpr StateHandler kStateHandlers[kStates] = {
     GroundByte,           // 0
     EscapeByte,           // 1
     ControlSequenceByte,  // 2
@@ -156,7 +156,7 @@ const char* TerminalTakeReply() {
 // ---------------------------------------------------------------- whole chunks
 
 // One bit for each state: set if the byte may produce a reply in that state.
-static constexpr std::array<BYTE, 256> kMayReply = [] {
+constexpr std::array<BYTE, 256> kMayReply = [] {
     std::array<BYTE, 256> table{};
     table[5] = 1 << kStateGround;
     table['Z'] = 1 << kStateEscape;

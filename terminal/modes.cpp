@@ -11,9 +11,12 @@
 
 // ---------------------------------------------------------------- resets
 
+constexpr int kTabWidth = 8;
+
 void SetDefaultTabStops() {
     std::fill_n(session.screen.tab_stops, kTabColumns, BYTE{1});
-    for (int col = 9; col < kTabColumns; col += 8) session.screen.tab_stops[col] = 0;
+    for (int col = 1 + kTabWidth; col < kTabColumns; col += kTabWidth)
+        session.screen.tab_stops[col] = 0;
 }
 
 // What both resets have in common.
@@ -69,7 +72,7 @@ void TerminalReset(int keep_screen) {
 
 // ---------------------------------------------------------------- set and reset mode
 
-typedef void (*ModeProcedure)();
+using ModeProcedure = void (*)();
 
 struct ModeRow {
     int mode;
@@ -165,10 +168,12 @@ void ResetModes() { ChangeModes(false); }
 
 // ---------------------------------------------------------------- 7-bit or 8-bit replies
 
+constexpr int kVt100Level = 61;
+
 void SetConformanceLevel() {
     ParserState& parser = session.parser;
     parser.quote_flag = 0;
-    if (parser.params[0] == 61) {
+    if (parser.params[0] == kVt100Level) {
         session.modes.vt100_level = 1;
         return;
     }
@@ -207,7 +212,7 @@ struct RenditionRow {
 };
 
 // clang-format off
-static const DWORD kAllBits = 0xFFFF;
+constexpr DWORD kAllBits = 0xFFFF;
 static const RenditionRow kRenditions[] = {
     { 0, 0,                          0             },
     { 1, kAllBits,                   kCellBold     },

@@ -9,7 +9,7 @@
 #include "session/session_ports.h"
 #include "terminal/actions.h"
 
-static const DWORD kLineSizeBits = kLineDoubleWidth | kLineDoubleTop | kLineDoubleBottom;
+constexpr DWORD kLineSizeBits = kLineDoubleWidth | kLineDoubleTop | kLineDoubleBottom;
 
 // MarkRows and FillLine are not inlined, so that their loops are not copied into every way to
 // scroll.
@@ -77,7 +77,7 @@ void InsertCell(int row, int col) {
     DWORD* cells = RowWords(row);
     const int moved = session.screen.columns - col;
     if (moved > 0)
-        memmove(cells + col + 1, cells + col, static_cast<size_t>(moved) * sizeof *cells);
+        memmove(cells + col + 1, cells + col, static_cast<size_t>(moved) * sizeof(*cells));
     MarkRow(row);
 }
 
@@ -86,7 +86,7 @@ void DeleteCell(int row, int col) {
     DWORD* cells = RowWords(row);
     const int moved = session.screen.columns - col;
     if (moved > 0)
-        memmove(cells + col, cells + col + 1, static_cast<size_t>(moved) * sizeof *cells);
+        memmove(cells + col, cells + col + 1, static_cast<size_t>(moved) * sizeof(*cells));
     cells[session.screen.columns] = kBlank;
     MarkRow(row);
 }
@@ -101,7 +101,7 @@ void SetCell(int row, int col, DWORD value) {
 
 void CopyLine(int to, int from) {
     if (!RowExists(to) || !RowExists(from)) return;
-    memmove(RowWords(to), RowWords(from), sizeof session.screen.slots[0]);
+    memmove(RowWords(to), RowWords(from), sizeof(session.screen.slots[0]));
     MarkRow(to);
 }
 
@@ -135,7 +135,7 @@ void TurnRing(int delta) {
 static void MoveSlots(int to, int from, int count) {
     if (count < 1) return;
     memmove(session.screen.slots[to], session.screen.slots[from],
-            static_cast<size_t>(count) * sizeof session.screen.slots[0]);
+            static_cast<size_t>(count) * sizeof(session.screen.slots[0]));
 }
 
 // Copies row r+1 onto row r, for r = top..bottom-1. Needs top < bottom.
@@ -251,7 +251,7 @@ const DWORD* GetPaintRow(int row) {
         return screen.paint_row;
     }
     if (!screen.selection_active) return RowWords(row);
-    memcpy(screen.paint_row, RowWords(row), sizeof screen.paint_row);
+    memcpy(screen.paint_row, RowWords(row), sizeof(screen.paint_row));
     MarkSelectedCells(row);
     return screen.paint_row;
 }

@@ -3,8 +3,8 @@
 """Prints how many lines and branches of each product folder the tests ran, from a build with gcov's counts.
 
 Usage: coverage.py BUILD [FOLDER...]
-Only the named folders are told, else all. The lines that nothing ran go to BUILD/not_run.txt. A branch is
-one way that a condition can go; those that only an exception takes do not count.
+It prints the named folders, or all. The lines that no test ran go to BUILD/not_run.txt. A branch is one
+outcome of a condition; branches that only an exception takes do not count.
 """
 import collections
 import json

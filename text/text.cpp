@@ -5,7 +5,7 @@
 template <typename Unit>
 static int BoundedLength(const Unit* text, int most) {
     int length = 0;
-    while (length < most && text[length]) length++;
+    while (length < most && text[length]) ++length;
     return length;
 }
 
@@ -31,9 +31,9 @@ void CopyBounded(LPWSTR to, LPCWSTR from, int capacity) {
 
 // ---------------------------------------------------------------- escape text
 
-namespace {
-
 constexpr int kMostDigits = 3;
+
+namespace {
 
 struct Output {
     BYTE* bytes;
@@ -41,21 +41,21 @@ struct Output {
     int count;
 };
 
-void Emit(Output* output, int value) {
+}  // namespace
+
+static void Emit(Output* output, int value) {
     if (output->count < output->capacity) output->bytes[output->count++] = static_cast<BYTE>(value);
 }
 
-bool IsOctalDigit(char c) { return c >= '0' && c <= '7'; }
+static bool IsOctalDigit(char c) { return c >= '0' && c <= '7'; }
 
 // Returns the value of the octal digits at *text and moves *text past them.
-int TakeValue(const char** text) {
+static int TakeValue(const char** text) {
     int value = 0;
-    for (int digits = 0; digits < kMostDigits && IsOctalDigit(**text); digits++)
+    for (int digits = 0; digits < kMostDigits && IsOctalDigit(**text); ++digits)
         value = value * 8 + (*(*text)++ - '0');
     return value;
 }
-
-}  // namespace
 
 int ExpandEscapeText(const char* text, BYTE* bytes, int capacity) {
     Output output = {bytes, capacity, 0};

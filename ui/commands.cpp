@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The handlers of all commands, which menus, accelerators and toolbar buttons send, and the table
-// that maps command ids to them. The toolbar buttons come first.
+// that maps command ids to them. The toolbar buttons come first, then the dialog "About TELNET",
+// the only one that changes no setting.
 #include "ui/main_window.h"
 
 #include "connection/connection.h"
@@ -9,29 +10,28 @@
 #include "session/session_state.h"
 #include "settings/settings.h"
 #include "settings/toolbars.h"
+#include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 #include "ui/view/input.h"
 #include "ui/view/view.h"
 
 // ---------------------------------------------------------------- the toolbar's buttons
 
-namespace {
-
 constexpr int kPixelsPerButton = 21;
 
-void AbortDialling() {
+static void AbortDialling() {
     DialProgress("Abort modem dialing\r\n");
     HangUpDial();
 }
 
-bool MayCloseSession() {
+static bool MayCloseSession() {
     return session.settings.confirm_exit == 0 ||
            Agreed(TEXT("Do you really want to close this session"));
 }
 
 // The toolbar's connect button. While no session is up it runs the menu's command. For closing a
 // session it asks if `confirm_exit` is anything but 0; the menu's command asks only if it is 1.
-void PressConnect() {
+static void PressConnect() {
     if (session.dialling) {
         AbortDialling();
     } else if (!Connected()) {
@@ -42,21 +42,25 @@ void PressConnect() {
     session_ports.rebuild_menu_bar();
 }
 
-void PressLarger() { RunCommand(IDM_LARGER_FONT); }
-void PressSmaller() { RunCommand(IDM_SMALLER_FONT); }
+static void PressLarger() { RunCommand(IDM_LARGER_FONT); }
+static void PressSmaller() { RunCommand(IDM_SMALLER_FONT); }
 
-void SwapToolbar() {
+static void SwapToolbar() {
     session.toolbar = session.toolbar % kToolbars + 1;
     session_ports.rebuild_menu_bar();
 }
+
+namespace {
 
 struct ActionRow {
     int action;
     void (*run)();
 };
 
+}  // namespace
+
 // clang-format off
-const ActionRow kActions[] = {
+static const ActionRow kActions[] = {
     {kActionConnect,     PressConnect},
     {kActionCut,         CopySelection},
     {kActionPaste,       PasteClipboard},
@@ -65,8 +69,6 @@ const ActionRow kActions[] = {
     {kActionSwapToolbar, SwapToolbar},
 };
 // clang-format on
-
-}  // namespace
 
 void ShowToolbar() {
     BuildToolbar(session.command_bar, session.toolbar, session.main_width / kPixelsPerButton);
@@ -79,15 +81,29 @@ void RunToolbarCommand(WORD id) {
     if (action) SendVirtualKey(action);
 }
 
+// ---------------------------------------------------------------- the dialog "About TELNET"
+
+static void CloseAbout(HWND dialog) { EndDialog(dialog, IDOK); }
+
+static const DialogCommand kAboutCommands[] = {
+    {IDOK, BN_CLICKED, CloseAbout},
+    {IDCANCEL, BN_CLICKED, CloseAbout},  // Esc
+    {0, 0, nullptr},
+};
+
+static INT_PTR CALLBACK AboutDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+    return RunDialogMessage(dialog, message, wparam, CentreDialog, kAboutCommands);
+}
+
+static void ShowAboutDialog() { RunDialog(IDD_ABOUT, AboutDialogProc); }
+
 // ---------------------------------------------------------------- the command table
 
-namespace {
-
-bool MayEnd(LPCWSTR question) {
+static bool MayEnd(LPCWSTR question) {
     return !(session.settings.confirm_exit == 1 && Connected()) || Agreed(question);
 }
 
-void ConnectOrDisconnect(WORD) {
+static void ConnectOrDisconnect(WORD) {
     if (session.dialling) {
         HangUpDial();
     } else if (Connected()) {
@@ -100,13 +116,13 @@ void ConnectOrDisconnect(WORD) {
     }
 }
 
-void Exit(WORD) {
+static void Exit(WORD) {
     if (!MayEnd(TEXT("Do you really want to close this program"))) return;
     HangUpDial();
     DestroyWindow(session.main_window);
 }
 
-void ResetConfiguration(WORD) {
+static void ResetConfiguration(WORD) {
     if (!Agreed(TEXT("Do you really want to reset the configuration"))) return;
     if (!Agreed(TEXT("Are you sure!"))) return;
     ResetSettings();
@@ -116,25 +132,27 @@ void ResetConfiguration(WORD) {
     DestroyWindow(session.main_window);
 }
 
-void Larger(WORD) {
+static void Larger(WORD) {
     LargerFont();
     RecountCoveredRows();
     RepaintTerminal();
 }
 
-void Smaller(WORD) {
+static void Smaller(WORD) {
     if (session.settings.fsize < 2) return;
     SmallerFont();
     RecountCoveredRows();
     RepaintTerminal();
 }
 
-void FunctionKey(WORD id) { SendVirtualKey(VK_F1 + (id - IDM_F1)); }
+static void FunctionKey(WORD id) { SendVirtualKey(VK_F1 + (id - IDM_F1)); }
 
 template <int kVirtualKey>
-void NamedKey(WORD) {
+static void NamedKey(WORD) {
     SendVirtualKey(kVirtualKey);
 }
+
+namespace {
 
 struct CommandRow {
     WORD first;
@@ -142,8 +160,10 @@ struct CommandRow {
     void (*run)(WORD id);
 };
 
+}  // namespace
+
 // clang-format off
-const CommandRow kCommands[] = {
+static const CommandRow kCommands[] = {
     {IDM_CONNECT,       IDM_CONNECT,       ConnectOrDisconnect},
     {IDM_FONT,          IDM_FONT,          [](WORD) { ShowFontDialog(); }},
     {IDM_PROPERTIES,    IDM_PROPERTIES,    [](WORD) { ShowPropertiesSheet(); }},
@@ -172,8 +192,6 @@ const CommandRow kCommands[] = {
     {IDM_TOOLBAR_FIRST, IDM_TOOLBAR_LAST,  RunToolbarCommand},
 };
 // clang-format on
-
-}  // namespace
 
 void RunCommand(WORD id) {
     for (const CommandRow& row : kCommands)

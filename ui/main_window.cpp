@@ -8,18 +8,16 @@
 #include "ui/view/input.h"
 #include "ui/view/view.h"
 
-namespace {
-
-void MeasureCommandBar() {
+static void MeasureCommandBar() {
     session.command_bar_height = session.command_bar ? CommandBar_Height(session.command_bar) : 0;
 }
 
-void MakeCommandBar() {
+static void MakeCommandBar() {
     session.command_bar = CommandBar_Create(session.instance, session.main_window, kCommandBarId);
     MeasureCommandBar();
 }
 
-void MakeMenuBar() {
+static void MakeMenuBar() {
     SHMENUBARINFO bar = {};
     bar.cbSize = sizeof(bar);
     bar.hwndParent = session.main_window;
@@ -29,7 +27,7 @@ void MakeMenuBar() {
     session.menu_bar = SHCreateMenuBar(&bar) ? bar.hwndMB : nullptr;
 }
 
-void MakeClientWindow() {
+static void MakeClientWindow() {
     RECT room;
     GetClientRect(session.main_window, &room);
     session.client_window = CreateWindowExW(
@@ -39,7 +37,7 @@ void MakeClientWindow() {
         session.instance, nullptr);
 }
 
-LRESULT OnCreate(HWND window, WPARAM, LPARAM) {
+static LRESULT OnCreate(HWND window, WPARAM, LPARAM) {
     session.main_window = window;
     RECT whole;
     if (GetWindowRect(window, &whole)) session.main_width = whole.right - whole.left;
@@ -57,57 +55,57 @@ LRESULT OnCreate(HWND window, WPARAM, LPARAM) {
     return 0;
 }
 
-LRESULT OnClose(HWND, WPARAM, LPARAM) {
+static LRESULT OnClose(HWND, WPARAM, LPARAM) {
     ExitProgram();
     return 0;
 }
 
-LRESULT OnSize(HWND, WPARAM wparam, LPARAM) {
+static LRESULT OnSize(HWND, WPARAM wparam, LPARAM) {
     if (wparam == SIZE_MINIMIZED) CloseByMinimising();
     LayoutMainWindow();
     return 0;
 }
 
-LRESULT OnHelp(HWND, WPARAM, LPARAM) {
+static LRESULT OnHelp(HWND, WPARAM, LPARAM) {
     ShowHelp();
     return 0;
 }
 
-LRESULT OnSettingChange(HWND window, WPARAM wparam, LPARAM lparam) {
+static LRESULT OnSettingChange(HWND window, WPARAM wparam, LPARAM lparam) {
     if (wparam != SPI_SETSIPINFO || GetActiveWindow() != window)
         return DefWindowProcW(window, WM_SETTINGCHANGE, wparam, lparam);
     FollowInputPanel();
     return 0;
 }
 
-LRESULT OnCommand(HWND, WPARAM wparam, LPARAM) {
+static LRESULT OnCommand(HWND, WPARAM wparam, LPARAM) {
     RunCommand(LOWORD(wparam));
     return 0;
 }
 
-LRESULT OnDialNotification(HWND, WPARAM wparam, LPARAM lparam) {
+static LRESULT OnDialNotification(HWND, WPARAM wparam, LPARAM lparam) {
     OnDialEvent(wparam, lparam);
     return 0;
 }
 
-LRESULT OnTimer(HWND, WPARAM, LPARAM) {
+static LRESULT OnTimer(HWND, WPARAM, LPARAM) {
     StartRequestedDial();
     BlinkTick();
     KeepDeviceAwake();
     return 0;
 }
 
-LRESULT OnDestroy(HWND, WPARAM, LPARAM) {
+static LRESULT OnDestroy(HWND, WPARAM, LPARAM) {
     PostQuitMessage(0);
     return 0;
 }
 
-LRESULT OnSocketData(HWND, WPARAM wparam, LPARAM) {
+static LRESULT OnSocketData(HWND, WPARAM wparam, LPARAM) {
     OnSocketEvent(wparam);
     return 0;
 }
 
-LRESULT OnSocketConnected(HWND, WPARAM, LPARAM) {
+static LRESULT OnSocketConnected(HWND, WPARAM, LPARAM) {
     RebuildMenuBar();
     RecountCoveredRows();
     UpdateStatus();
@@ -116,24 +114,29 @@ LRESULT OnSocketConnected(HWND, WPARAM, LPARAM) {
 
 // While connected, every key belongs to the host. Offline, DefWindowProcW gives a key its usual
 // meaning: F10 opens the menu.
-LRESULT OnKey(HWND window, WPARAM wparam, LPARAM lparam) {
+static LRESULT OnKey(HWND window, WPARAM wparam, LPARAM lparam) {
     OnKeyDown(static_cast<int>(wparam));
+    if (Connected()) return 0;  // OnKeyDown has updated the status
     UpdateStatus();
-    return Connected() ? 0 : DefWindowProcW(window, WM_KEYDOWN, wparam, lparam);
+    return DefWindowProcW(window, WM_KEYDOWN, wparam, lparam);
 }
 
-LRESULT OnCharacter(HWND, WPARAM wparam, LPARAM) {
+static LRESULT OnCharacter(HWND, WPARAM wparam, LPARAM) {
     OnTypedCharacter(static_cast<WCHAR>(wparam));
     return 0;
 }
+
+namespace {
 
 struct MessageRow {
     UINT message;
     LRESULT (*handler)(HWND window, WPARAM wparam, LPARAM lparam);
 };
 
+}  // namespace
+
 // clang-format off
-const MessageRow kMessages[] = {
+static const MessageRow kMessages[] = {
     {WM_CREATE,           OnCreate},
     {WM_CLOSE,            OnClose},
     {WM_SIZE,             OnSize},
@@ -149,8 +152,6 @@ const MessageRow kMessages[] = {
     {WM_CHAR,             OnCharacter},
 };
 // clang-format on
-
-}  // namespace
 
 LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     for (const MessageRow& row : kMessages)

@@ -7,27 +7,29 @@
 #include "settings/toolbars.h"
 #include "text/text.h"
 
-namespace {
-
 constexpr int kPictureSize = 16;  // pixels
 constexpr int kNoText = -1;       // the button shows no text beside its picture
 
-LPWSTR g_labels[kToolbarRows] = {};  // tool tips of the shown buttons, indexed by position
+static LPWSTR g_labels[kToolbarRows] = {};  // tool tips of the shown buttons, indexed by position
+
+namespace {
 
 struct Face {
     const char* label;
     WORD bitmapId;
 };
 
-const Face kDisconnect = {"disconnect", IDB_DISCONNECT};
+}  // namespace
 
-Face FaceOf(const ToolbarButton& button) {
+static const Face kDisconnect = {"disconnect", IDB_DISCONNECT};
+
+static Face FaceOf(const ToolbarButton& button) {
     if (button.action == kActionConnect && Connected()) return kDisconnect;
     return {button.name, button.bitmapId};
 }
 
 // If there is no memory, the button gets no tool tip.
-void SetLabel(int position, const char* label) {
+static void SetLabel(int position, const char* label) {
     const int units = static_cast<int>(std::strlen(label)) + 1;
     std::free(g_labels[position]);
     g_labels[position] =
@@ -35,7 +37,7 @@ void SetLabel(int position, const char* label) {
     if (g_labels[position]) WideFromAnsi(label, g_labels[position], units);
 }
 
-BOOL AddButton(HWND commandBar, int position, WORD bitmapId) {
+static BOOL AddButton(HWND commandBar, int position, WORD bitmapId) {
     TBBUTTON button = {};
     button.iBitmap =
         CommandBar_AddBitmap(commandBar, session.instance, bitmapId, 1, kPictureSize, kPictureSize);
@@ -46,11 +48,9 @@ BOOL AddButton(HWND commandBar, int position, WORD bitmapId) {
     return CommandBar_InsertButton(commandBar, position, &button);
 }
 
-}  // namespace
-
 int BuildToolbar(HWND commandBar, int barNumber, int maxButtons) {
     int count = 0;
-    for (const ToolbarButton* row = toolbar_buttons; row->name && count < maxButtons; row++) {
+    for (const ToolbarButton* row = toolbar_buttons; row->name && count < maxButtons; ++row) {
         if (!OnBar(*row, barNumber)) continue;
         const Face face = FaceOf(*row);
         if (!AddButton(commandBar, count, face.bitmapId)) break;

@@ -3,8 +3,8 @@
 // window that plays the hand-held's screen) and runs Quill on it until Quill ends or a signal ends
 // it.
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
+#include <csignal>
 
 #include <cerrno>
 #include <QApplication>
@@ -15,29 +15,25 @@
 #include <QTimer>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/host/busy_profile.h"
 #include "platform/qt/host/command_line.h"
 #include "platform/qt/host/host.h"
+#include "platform/qt/host/mute_bus.h"
 #include "platform/qt/host/profiles.h"
-#include "platform/qt/host/tasks.h"
-#include "platform/qt/host/window_place.h"
 #include "platform/qt/services/services.h"
 #include "platform/qt/terminal_source.h"
 #include "platform/qt/window/device_screen.h"
 #include "windows_ce.h"
 
-namespace {
+static int g_noted[2] = {-1, -1};
 
-int g_noted[2] = {-1, -1};
-
-void Note(int) {
+static void Note(int) {
     const int before = errno;
     [[maybe_unused]] const ssize_t written = write(g_noted[1], "", 1);
     errno = before;
 }
 
 // A signal that the parent process ignores, as nohup does, stays ignored.
-void Watch(int number) {
+static void Watch(int number) {
     struct sigaction action = {};
     if (sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) return;
     action = {};
@@ -45,8 +41,6 @@ void Watch(int number) {
     action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
     sigaction(number, &action, nullptr);
 }
-
-}  // namespace
 
 void EndBySignals() {
     if (pipe2(g_noted, O_CLOEXEC | O_NONBLOCK) != 0) return;
@@ -58,14 +52,14 @@ void EndBySignals() {
     for (const int number : {SIGHUP, SIGINT, SIGTERM}) Watch(number);
 }
 
-namespace {
-
 constexpr double kUsualScale = 2;  // makes the device's small pixels readable on a desktop
 constexpr int kTitleBarPixels = 40;
+constexpr double kScaleStep = 0.25;
+constexpr int kLookMilliseconds = 100;
 constexpr int kQuietMilliseconds = 1000;
 constexpr int kLongestMilliseconds = 15000;
 
-bool WriteText(const QString& path) {
+static bool WriteText(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly)) return false;
     QString text;
@@ -77,7 +71,7 @@ bool WriteText(const QString& path) {
 }
 
 // A path that is empty is not written.
-bool WriteBoth(const HostOptions& options) {
+static bool WriteBoth(const HostOptions& options) {
     const bool picture =
         options.snapshot.isEmpty() || DeviceScreen()->grab().save(options.snapshot);
     const bool text = options.text.isEmpty() || WriteText(options.text);
@@ -88,7 +82,7 @@ bool WriteBoth(const HostOptions& options) {
 
 // Waits until the session paints no more, at most 15 seconds; then writes its picture and its text,
 // and quits.
-void WatchForRest(const HostOptions& options) {
+static void WatchForRest(const HostOptions& options) {
     auto* timer = new QTimer(qApp);
     QElapsedTimer started;
     started.start();
@@ -103,23 +97,23 @@ void WatchForRest(const HostOptions& options) {
         timer->stop();
         PostQuitMessage(WriteBoth(options) ? 0 : 1);
     });
-    timer->start(100);
+    timer->start(kLookMilliseconds);
 }
 
 // Returns the largest scale, at most the usual one, at which the whole device fits on the desktop.
 // The caller has already set the usual scale, so the desktop's size is in units of that.
-double ScaleThatFits(const QSize& device) {
+static double ScaleThatFits(const QSize& device) {
     const QSizeF room = QSizeF(QGuiApplication::primaryScreen()->availableSize()) * kUsualScale;
     double scale = kUsualScale;
     while (scale > 1 && (device.width() * scale > room.width() ||
                          device.height() * scale + kTitleBarPixels > room.height()))
-        scale -= 0.25;
+        scale -= kScaleStep;
     return scale;
 }
 
 // The toolkit reads its scale only when it starts, so the program executes itself again with
 // another one.
-void StartAgain(std::vector<char*> arguments, double scale) {
+static void StartAgain(std::vector<char*> arguments, double scale) {
     std::string option = "--scale", value = QByteArray::number(scale).toStdString();
     arguments.insert(arguments.begin() + 1, {option.data(), value.data()});
     execv("/proc/self/exe", arguments.data());
@@ -127,23 +121,23 @@ void StartAgain(std::vector<char*> arguments, double scale) {
 
 // Without a display the toolkit would abort with a core dump. Its platforms that need no display
 // are named by an option or by QT_QPA_PLATFORM.
-bool IsDisplayNamed(int argc, char** argv) {
+static bool IsDisplayNamed(int argc, char** argv) {
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         if (!qEnvironmentVariableIsEmpty(name)) return true;
-    for (int i = 1; i < argc; i++)
+    for (int i = 1; i < argc; ++i)
         if (std::strstr(argv[i], "-platform") || std::strstr(argv[i], "-display")) return true;
     return false;
 }
 
-void SetScale(double scale) { qputenv("QT_SCALE_FACTOR", QByteArray::number(scale)); }
+static void SetScale(double scale) { qputenv("QT_SCALE_FACTOR", QByteArray::number(scale)); }
 
-bool MakeSettingsFolder(const CommandLine& line) {
+static bool MakeSettingsFolder(const CommandLine& line) {
     if (!line.profile.empty()) MakeFolders(line.options.root);
     return MakeRoot(line.options.root);
 }
 
 // X servers take the window's class from the program's name.
-void NameAfterProfile(char** argv, const std::string& profile) {
+static void NameAfterProfile(char** argv, const std::string& profile) {
     static std::string name;
     name = "quill-" + profile;
     if (!profile.empty()) argv[0] = name.data();
@@ -151,11 +145,11 @@ void NameAfterProfile(char** argv, const std::string& profile) {
 
 // The place is kept only for ordinary windows: not with --screen, which sets the size, and not when
 // a picture or the text is wanted.
-bool KeepsPlace(const HostOptions& options) {
+static bool KeepsPlace(const HostOptions& options) {
     return options.screen.isEmpty() && options.snapshot.isEmpty() && options.text.isEmpty();
 }
 
-int RunProgram(const CommandLine& line) {
+static int RunProgram(const CommandLine& line) {
     const HostOptions& options = line.options;
     if (!line.target.host.empty()) ConnectThisRun(line.target);
     MarkWindow(line.profile);
@@ -167,8 +161,6 @@ int RunProgram(const CommandLine& line) {
     if (KeepsPlace(options)) SaveWindowPlace();
     return result;
 }
-
-}  // namespace
 
 int main(int argc, char** argv) {
     std::vector<char*> given(argv, argv + argc + 1);
@@ -190,6 +182,7 @@ int main(int argc, char** argv) {
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 
+    LeaveMuteBus();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     OpenDevice(options);

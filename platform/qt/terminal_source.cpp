@@ -15,15 +15,18 @@ struct GlyphText {
     char16_t text;
 };
 
-const GlyphText kGlyphTexts[] = {
+}  // namespace
+
+static const GlyphText kGlyphTexts[] = {
     {'a', u'▒'}, {'j', u'┘'}, {'k', u'┐'}, {'l', u'┌'}, {'m', u'└'}, {'n', u'┼'},
     {'o', u'⎺'}, {'p', u'─'}, {'q', u'─'}, {'r', u'─'}, {'s', u'⎽'}, {'t', u'├'},
     {'u', u'┤'}, {'v', u'┴'}, {'w', u'┬'}, {'x', u'│'}, {'}', u'£'}, {'~', u'·'},
 };
+constexpr WCHAR kAfterUpperControls = 0xa0;
 constexpr DWORD kFirstGlyphCode = 95;
 constexpr DWORD kLastGlyphCode = 126;
 
-QChar CharacterOf(DWORD cell) {
+static QChar CharacterOf(DWORD cell) {
     const auto code = static_cast<unsigned char>(cell & 0xff);
     if ((cell & kCellGraphic) && code >= kFirstGlyphCode && code <= kLastGlyphCode) {
         for (const GlyphText& glyph : kGlyphTexts)
@@ -33,27 +36,28 @@ QChar CharacterOf(DWORD cell) {
     WCHAR character = u' ';
     const auto byte = static_cast<char>(code);
     MultiByteToWideChar(CP_ACP, 0, &byte, 1, &character, 1);
-    return character < u' ' || (character >= 0x7f && character < 0xa0) ? QChar(u' ')
-                                                                       : QChar(character);
+    return character < u' ' || (character >= 0x7f && character < kAfterUpperControls)
+               ? QChar(u' ')
+               : QChar(character);
 }
 
 // Removes trailing blanks, but keeps at least `least` columns.
-QString RowText(int row, int least) {
+static QString RowText(int row, int least) {
     QString text;
-    for (int column = 1; column <= kScreenColumns; column++)
+    for (int column = 1; column <= kScreenColumns; ++column)
         text += CharacterOf(GetCell(row, column));
     auto length = text.size();
-    while (length > least && text[length - 1] == ' ') length--;
+    while (length > least && text[length - 1] == ' ') --length;
     return text.left(length);
 }
 
-QPoint CursorPlace() {
+static QPoint CursorPlace() {
     const ScreenBuffer& screen = session.screen;
     return QPoint(std::clamp(screen.cursor_col, 1, kScreenColumns) - 1,
                   std::clamp(screen.cursor_row, 1, kScreenRows) - 1);
 }
 
-QRect Selected() {
+static QRect Selected() {
     if (!session.screen.selection_active) return QRect();
     const ScreenArea area = SelectedArea();
     const QRect marked(QPoint(area.first_col - 1, area.first_row - 1),
@@ -61,23 +65,21 @@ QRect Selected() {
     return marked & QRect(0, 0, kScreenColumns, kScreenRows);
 }
 
-QRect FirstCell() {
+static QRect FirstCell() {
     const ViewState& view = session.view;
     return QRect(-view.view_left * view.cell_width, -view.view_top * view.cell_height,
                  view.cell_width, view.cell_height);
 }
 
-TextScreen ReadTerminal() {
+static TextScreen ReadTerminal() {
     TextScreen screen;
     screen.cursor = CursorPlace();
     screen.selected = Selected();
     screen.cell = FirstCell();
-    for (int row = 1; row <= kScreenRows; row++)
+    for (int row = 1; row <= kScreenRows; ++row)
         screen.rows << RowText(row, row - 1 == screen.cursor.y() ? screen.cursor.x() : 0);
     return screen;
 }
-
-}  // namespace
 
 void ServeTerminalText() {
     text_screen_source.window = [] { return session.client_window; };

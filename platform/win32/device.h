@@ -10,7 +10,7 @@
 
 #include "system.h"
 
-// ---------------------------------------------------------------- device_root.cpp, files.cpp
+// ---------------------------------------------------------------- files.cpp
 
 // The device's root folder, without a backslash at its end: "Quill" below the user's roaming
 // application data. The first call makes it. Empty if there is no such folder.
@@ -39,7 +39,7 @@ void MakeRoomForMenu(HWND window);
 // Restores a minimised window, because nothing else would make it visible.
 BOOL DeviceSetForegroundWindow(HWND window);
 
-// ---------------------------------------------------------------- clipboard.cpp
+// ---------------------------------------------------------------- shell.cpp: the clipboard
 
 // Without an owner, the clipboard is opened for a window of the adapter: if it is emptied without
 // an owner, it accepts nothing afterwards.
@@ -62,7 +62,7 @@ BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button);
 BOOL CommandBar_AddToolTips(HWND bar, UINT count, LPWSTR* tips);
 void RescaleCommandBar(HWND bar);  // adapts its height and pictures to the present scale
 
-// ---------------------------------------------------------------- bar_pictures.cpp
+// ---------------------------------------------------------------- command_bar.cpp: its pictures
 
 int BarPictureSide();  // pixels
 // Returns the pictures of a bitmap resource, side by side, with alpha; null if there are none.
@@ -82,7 +82,7 @@ int DeviceGetSystemMetrics(int index);
 // is null.
 void ChangeScale(HWND window, UINT new_dpi, const RECT* place);
 
-// ---------------------------------------------------------------- fonts.cpp
+// ---------------------------------------------------------------- scale.cpp: fonts
 
 // A pixel of the device's fonts is two pixels of the desktop at 100 %, so the 8-pixel font of a
 // first start is as readable as on the device. When the monitor's scale changes, a font follows
@@ -92,7 +92,7 @@ HFONT DeviceCreateFontIndirect(const LOGFONTW* font);
 HGDIOBJ DeviceSelectObject(HDC dc, HGDIOBJ object);
 BOOL DeviceDeleteObject(HGDIOBJ object);
 
-// ---------------------------------------------------------------- messages.cpp
+// ---------------------------------------------------------------- windows.cpp: messages
 
 // Gets the next message for the message loop. A window of the program that the stylus touches gets
 // its moves until it is lifted, even outside the window.
@@ -142,7 +142,7 @@ struct SHMENUBARINFO {
 // The bar is the menu of the window `hwndParent`, below its title bar.
 BOOL SHCreateMenuBar(SHMENUBARINFO* info);
 
-// ---------------------------------------------------------------- processes.cpp
+// ---------------------------------------------------------------- shell.cpp: other programs
 
 // Starts only one program: "PegHelp.exe" opens the desktop's viewer on the help page that the
 // program contains. It returns no handles.
@@ -168,7 +168,7 @@ INT_PTR DevicePropertySheet(LPCPROPSHEETHEADERW header);
 void WatchSessionEnd();
 bool SessionEnds();  // [any thread]
 
-// ---------------------------------------------------------------- ras.cpp
+// ---------------------------------------------------------------- dial_up.cpp
 
 // The calls of remote access. Their library is loaded by the first of them; they return
 // ERROR_MOD_NOT_FOUND if there is none.
@@ -182,7 +182,7 @@ DWORD DeviceRasHangUp(HRASCONN connection);
 // Ends the last dial, or the connection that it made, if the program has not done so.
 void HangUpWhatIsLeft();
 
-// ---------------------------------------------------------------- library.cpp
+// ---------------------------------------------------------------- dialogs.cpp: choosing a colour
 
 // The device's structure: `hInstance` is the module of the template.
 struct DeviceChooseColor {

@@ -2,19 +2,19 @@
 // Messages that the desktop treats differently from the device: keys, and the states of a dial.
 #include "device.h"
 
-namespace {
-
 constexpr DWORD kSilent = 0x0004;
 constexpr UINT kF1Pressed = 0x004D;    // posted for each F1, even if the window handles it
 constexpr LPARAM kExtended = 1 << 24;  // the right one of two keys
 constexpr LPARAM kAltDown = 1 << 29;
 constexpr LPARAM kWasDown = 1 << 30;
 
-bool IsLockKey(int virtual_key) {
+static bool IsLockKey(int virtual_key) {
     return virtual_key == VK_CAPITAL || virtual_key == VK_NUMLOCK || virtual_key == VK_SCROLL;
 }
 
-bool Down(int virtual_key) { return (GetKeyState(virtual_key) & 0x8000) != 0; }
+static bool Down(int virtual_key) { return (GetKeyState(virtual_key) & 0x8000) != 0; }
+
+namespace {
 
 // The left Ctrl, as a person holds it down. The desktop also presses it together with AltGr; both
 // presses then have the same time.
@@ -23,14 +23,16 @@ struct LeftControl {
     bool held_before;  // the value before its last press
     DWORD pressed;     // message time of that press
 };
-LeftControl left_control = {};
 
-void PressLeftControl(const MSG& message) {
+}  // namespace
+static LeftControl left_control = {};
+
+static void PressLeftControl(const MSG& message) {
     const bool was_down = (message.lParam & kWasDown) != 0;
     left_control = {true, left_control.held && was_down, message.time};
 }
 
-void NoteKey(const MSG& message) {
+static void NoteKey(const MSG& message) {
     const bool right = (message.lParam & kExtended) != 0;
     const bool press = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
     if (message.wParam == VK_CONTROL && !right) {
@@ -41,16 +43,14 @@ void NoteKey(const MSG& message) {
     }
 }
 
-bool PressedByAltGr(int virtual_key) {
+static bool PressedByAltGr(int virtual_key) {
     return virtual_key == VK_LCONTROL && Down(VK_RMENU) && !left_control.held;
 }
 
-UINT DialMessage() {
+static UINT DialMessage() {
     static const UINT message = RegisterWindowMessageA(RASDIALEVENT);
     return message;
 }
-
-}  // namespace
 
 void DeviceNoteKey(MSG* message) {
     if (message->message < WM_KEYFIRST || message->message > WM_KEYLAST) return;

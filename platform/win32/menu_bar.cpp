@@ -3,12 +3,10 @@
 // invisible; the menu exists as long as that window.
 #include "device.h"
 
-namespace {
-
-const LPCWSTR kClass = L"QuillMenuBar";
+static const LPCWSTR kClass = L"QuillMenuBar";
 constexpr DWORD kMenuBar = 0x0010;
 
-LRESULT CALLBACK BarProcedure(HWND bar, UINT message, WPARAM wparam, LPARAM lparam) {
+static LRESULT CALLBACK BarProcedure(HWND bar, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_DESTROY) {
         EndMenu();  // it may be open
         const auto menu = reinterpret_cast<HMENU>(GetWindowLongPtrW(bar, GWLP_USERDATA));
@@ -19,22 +17,20 @@ LRESULT CALLBACK BarProcedure(HWND bar, UINT message, WPARAM wparam, LPARAM lpar
     return DefWindowProcW(bar, message, wparam, lparam);
 }
 
-void RegisterOnce() {
+static void RegisterOnce() {
     WNDCLASSW bar = {};
     bar.lpfnWndProc = BarProcedure;
     bar.lpszClassName = kClass;
     RegisterClassW(&bar);  // fails from the second time on
 }
 
-HWND MakeBar(HWND owner, HMENU menu) {
+static HWND MakeBar(HWND owner, HMENU menu) {
     RegisterOnce();
     const HWND bar =
         CreateWindowExW(0, kClass, nullptr, WS_CHILD, 0, 0, 0, 0, owner, nullptr, nullptr, nullptr);
     if (bar) SetWindowLongPtrW(bar, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(menu));
     return bar;
 }
-
-}  // namespace
 
 BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
     if (!info || info->cbSize != sizeof(SHMENUBARINFO) || !(info->dwFlags & kMenuBar)) return FALSE;

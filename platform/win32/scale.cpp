@@ -1,29 +1,31 @@
 // SPDX-License-Identifier: MIT
 // The monitor's scale in dots per inch, 96 at 100 %. The program's windows, fonts, pictures and
-// bars have the size that it asks for, and follow when it changes.
+// bars have the size that it asks for, and follow when it changes. A font is in the device's
+// pixels. It keeps its handle when the scale changes; selecting it then selects a copy in the new
+// size.
 #include "device.h"
 
-namespace {
+#include <map>
 
 constexpr int kPlainDpi = 96;
-int dpi = 0;  // of the main window's monitor; 0 until it is first asked for
+static int dpi = 0;  // of the main window's monitor; 0 until it is first asked for
 
 // Finds a call of user32.dll that only Windows 10 and later have; null on earlier versions.
 template <typename Call>
-Call* NewCall(Call*, const char* name) {
+static Call* NewCall(Call*, const char* name) {
     const FARPROC found = GetProcAddress(GetModuleHandleW(L"user32.dll"), name);
     return reinterpret_cast<Call*>(reinterpret_cast<void*>(found));
 }
 #define NEW_CALL(name) NewCall(static_cast<decltype(name)*>(nullptr), #name)
 
-int SystemDpi() {
+static int SystemDpi() {
     HDC screen = GetDC(nullptr);
     const int pixels = GetDeviceCaps(screen, LOGPIXELSX);
     ReleaseDC(nullptr, screen);
     return pixels > 0 ? pixels : kPlainDpi;
 }
 
-HFONT StatusFont() {
+static HFONT StatusFont() {
     NONCLIENTMETRICSW metrics = {};
     metrics.cbSize = sizeof(metrics);
     const auto call = NEW_CALL(SystemParametersInfoForDpi);
@@ -33,7 +35,7 @@ HFONT StatusFont() {
 }
 
 // Adapts a child that has a size of its own: a command bar or a status window.
-BOOL CALLBACK RescaleChild(HWND child, LPARAM status_font) {
+static BOOL CALLBACK RescaleChild(HWND child, LPARAM status_font) {
     wchar_t name[32] = {};
     GetClassNameW(child, name, 32);
     if (lstrcmpiW(name, TOOLBARCLASSNAMEW) == 0) RescaleCommandBar(child);
@@ -41,8 +43,6 @@ BOOL CALLBACK RescaleChild(HWND child, LPARAM status_font) {
         SendMessageW(child, WM_SETFONT, static_cast<WPARAM>(status_font), TRUE);
     return TRUE;
 }
-
-}  // namespace
 
 UINT DeviceDpi() {
     if (!dpi) dpi = SystemDpi();
@@ -82,4 +82,58 @@ void ChangeScale(HWND window, UINT new_dpi, const RECT* place) {
     GetClientRect(window, &room);
     SendMessageW(window, WM_SIZE, IsZoomed(window) ? SIZE_MAXIMIZED : SIZE_RESTORED,
                  MAKELPARAM(room.right, room.bottom));
+}
+
+// ---------------------------------------------------------------- fonts
+
+namespace {
+
+struct Font {
+    LOGFONTW device;  // in the device's pixels
+    HFONT drawn;      // the handle itself, or its copy for another scale
+    UINT dpi;         // of `drawn`
+};
+
+}  // namespace
+static std::map<HGDIOBJ, Font> fonts;
+
+static HFONT MakeFont(const LOGFONTW& device) {
+    LOGFONTW scaled = device;
+    scaled.lfHeight = DevicePixels(device.lfHeight * kFontScale);
+    scaled.lfWidth = DevicePixels(device.lfWidth * kFontScale);
+    return CreateFontIndirectW(&scaled);
+}
+
+static void DropLike(HGDIOBJ handle, const Font& font) {
+    if (font.drawn != handle) DeleteObject(font.drawn);
+}
+
+static HGDIOBJ DrawnFor(HGDIOBJ handle) {
+    const auto found = fonts.find(handle);
+    if (found == fonts.end()) return handle;
+    Font& font = found->second;
+    if (font.dpi != DeviceDpi()) {
+        DropLike(handle, font);
+        font.dpi = DeviceDpi();
+        font.drawn = MakeFont(font.device);
+    }
+    return font.drawn;
+}
+
+HFONT DeviceCreateFontIndirect(const LOGFONTW* font) {
+    if (!font) return nullptr;
+    const HFONT handle = MakeFont(*font);
+    if (handle) fonts[handle] = {*font, handle, DeviceDpi()};
+    return handle;
+}
+
+HGDIOBJ DeviceSelectObject(HDC dc, HGDIOBJ object) { return SelectObject(dc, DrawnFor(object)); }
+
+BOOL DeviceDeleteObject(HGDIOBJ object) {
+    const auto found = fonts.find(object);
+    if (found != fonts.end()) {
+        DropLike(object, found->second);
+        fonts.erase(found);
+    }
+    return DeleteObject(object);
 }

@@ -6,23 +6,21 @@
 
 #include "device.h"
 
-namespace {
-
-const LPCWSTR kClass = L"QuillSessionEnd";
+static const LPCWSTR kClass = L"QuillSessionEnd";
 constexpr DWORD kPatience = 200;  // milliseconds between two requests
 
-std::atomic<bool> session_ends = false;
+static std::atomic<bool> session_ends = false;
 
 // Repeats the request, because a menu or a scroll bar in use has its own message loop, which may
 // lose it.
-void EndProgram(HANDLE program) {
+static void EndProgram(HANDLE program) {
     session_ends = true;
     do {
         PostThreadMessageW(GetThreadId(program), WM_QUIT, 0, 0);
     } while (WaitForSingleObject(program, kPatience) == WAIT_TIMEOUT);
 }
 
-LRESULT CALLBACK GuardProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+static LRESULT CALLBACK GuardProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_ENDSESSION && wparam) {
         EndProgram(reinterpret_cast<HANDLE>(GetWindowLongPtrW(window, GWLP_USERDATA)));
         return 0;
@@ -30,7 +28,7 @@ LRESULT CALLBACK GuardProcedure(HWND window, UINT message, WPARAM wparam, LPARAM
     return DefWindowProcW(window, message, wparam, lparam);
 }
 
-HWND MakeGuard(HANDLE program) {
+static HWND MakeGuard(HANDLE program) {
     WNDCLASSW guard = {};
     guard.lpfnWndProc = GuardProcedure;
     guard.lpszClassName = kClass;
@@ -41,14 +39,12 @@ HWND MakeGuard(HANDLE program) {
     return window;
 }
 
-DWORD WINAPI Guard(LPVOID program) {
+static DWORD WINAPI Guard(LPVOID program) {
     if (!MakeGuard(program)) return 1;
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
     return 0;
 }
-
-}  // namespace
 
 void WatchSessionEnd() {
     HANDLE program = nullptr;

@@ -1,27 +1,28 @@
 // SPDX-License-Identifier: MIT
-// Windows: what they need on the desktop and the device's windows do not have.
+// Windows: what they need on the desktop and the device's windows do not have. Then the source of
+// the message loop: it changes messages to what the device would send, and keeps drags going
+// outside the window.
+#include "device.h"
+
 #include <algorithm>
 #include <set>
 
-#include "device.h"
 #include "resource_numbers.h"
-
-namespace {
 
 constexpr DWORD kFrame = WS_OVERLAPPEDWINDOW;
 
 // Returns the work area of the primary monitor.
-RECT WorkArea() {
+static RECT WorkArea() {
     RECT area = {};
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
     return area;
 }
 
-std::set<ATOM> program_classes;
-SIZE asked_for = {};  // client area that the main window was created with
+static std::set<ATOM> program_classes;
+static SIZE asked_for = {};  // client area that the main window was created with
 
 // Returns the outer size around a client area and a menu, limited to the monitor's room.
-SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
+static SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
     RECT frame = {0, 0, width, height};
     FrameRect(&frame, style, ex_style);
     const RECT area = WorkArea();
@@ -29,12 +30,10 @@ SIZE FramedSize(int width, int height, DWORD style, DWORD ex_style) {
             std::min(frame.bottom - frame.top, area.bottom - area.top)};
 }
 
-HICON ProgramIcon() {
+static HICON ProgramIcon() {
     const HICON own = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_DESKTOP));
     return own ? own : LoadIconW(nullptr, MAKEINTRESOURCEW(32512));
 }
-
-}  // namespace
 
 ATOM DeviceRegisterClass(const WNDCLASSW* window_class) {
     if (!window_class) return 0;
@@ -86,4 +85,24 @@ void MakeRoomForMenu(HWND window) {
 BOOL DeviceSetForegroundWindow(HWND window) {
     if (IsIconic(window)) ShowWindow(window, SW_RESTORE);
     return SetForegroundWindow(window);
+}
+
+// ---------------------------------------------------------------- messages
+
+// Captures the stylus for the window that it touches, until it is lifted. The system's own controls
+// do that themselves.
+static void HoldStylus(const MSG& message) {
+    const bool touched = message.message == WM_LBUTTONDOWN || message.message == WM_LBUTTONDBLCLK;
+    if (touched && HasProgramClass(message.hwnd)) SetCapture(message.hwnd);
+    if (message.message == WM_LBUTTONUP && GetCapture() == message.hwnd &&
+        HasProgramClass(message.hwnd))
+        ReleaseCapture();
+}
+
+BOOL DeviceGetMessage(MSG* message, HWND window, UINT first, UINT last) {
+    const BOOL result = GetMessageW(message, window, first, last);
+    if (result <= 0) return result;
+    DeviceNoteKey(message);
+    HoldStylus(*message);
+    return result;
 }

@@ -10,11 +10,11 @@
 #include "session/session_state.h"
 #include "text/bytes.h"
 
-namespace {
-
 constexpr int kMessageSize = 401;  // units of the message about ciphers, terminator included
 constexpr int kKeyBufferSize = kRsaMaxModulusBits / 8;  // an encrypted session key
-const LPCWSTR kViolation = TEXT("SSH protocol violation. Session must close!!!");
+static const LPCWSTR kViolation = TEXT("SSH protocol violation. Session must close!!!");
+
+namespace {
 
 struct CipherChoice {
     BYTE number;
@@ -22,22 +22,28 @@ struct CipherChoice {
     LPCWSTR name;
 };
 
+}  // namespace
+
 // Indexed by settings.ssh_type.
 // clang-format off
-const CipherChoice kChoices[] = {
+static const CipherChoice kChoices[] = {
     {2, &kSsh1Des,       TEXT("(DES)")},
     {3, &kSsh1TripleDes, TEXT("(3-DES)")},
     {6, &kSsh1Blowfish,  TEXT("(BLOWFISH)")},
 };
-const CipherChoice kNoChoice = {0, nullptr, TEXT("")};  // a setting that names no cipher
+static const CipherChoice kNoChoice = {0, nullptr, TEXT("")};  // a setting that names no cipher
+
+namespace {
 
 struct CipherName {
     int number;
     LPCWSTR name;
 };
 
+}  // namespace
+
 // The message lists the ciphers in this order.
-const CipherName kServerCiphers[] = {
+static const CipherName kServerCiphers[] = {
     {1, TEXT("IDEA ")},
     {2, TEXT("DES ")},
     {3, TEXT("3-DES ")},
@@ -45,6 +51,9 @@ const CipherName kServerCiphers[] = {
     {4, TEXT("TSS ")},
     {5, TEXT("RC4 ")},
 };
+
+namespace {
+
 // clang-format on
 
 struct ServerKeys {
@@ -52,21 +61,23 @@ struct ServerKeys {
     RsaKey host;
 };
 
-void ReleaseKeys(ServerKeys* keys) {
+}  // namespace
+
+static void ReleaseKeys(ServerKeys* keys) {
     RsaReleaseKey(&keys->server);
     RsaReleaseKey(&keys->host);
 }
 
 // ---------------------------------------------------------------- the server's message
 
-bool TakeKey(ByteReader* reader, RsaKey* key) {
+static bool TakeKey(ByteReader* reader, RsaKey* key) {
     const int taken = RsaParseKey(reader->next, reader->left, key, nullptr);
     const uint8_t* skipped;
     return taken > 0 && TakeBytes(reader, static_cast<uint32_t>(taken), &skipped);
 }
 
 // Returns false if the message is too short; `keys` then has what was read so far.
-bool ReadPublicKeyMessage(const BYTE* data, int length, ServerKeys* keys) {
+static bool ReadPublicKeyMessage(const BYTE* data, int length, ServerKeys* keys) {
     Ssh1State& ssh1 = session.ssh1;
     ByteReader reader = ReaderOf(data, length);
     const uint8_t* cookie;
@@ -78,13 +89,13 @@ bool ReadPublicKeyMessage(const BYTE* data, int length, ServerKeys* keys) {
            TakeUint32(&reader, &ssh1.supportedAuthentications);
 }
 
-void HashModulus(Md5Context* hash, const RsaKey& key) {
+static void HashModulus(Md5Context* hash, const RsaKey& key) {
     uint8_t bytes[kKeyBufferSize];
     BignumToBytes(bytes, key.bytes, key.modulus);
     Md5Update(hash, bytes, key.bytes);
 }
 
-void MakeSessionId(const ServerKeys& keys) {
+static void MakeSessionId(const ServerKeys& keys) {
     Md5Context hash;
     Md5Init(&hash);
     HashModulus(&hash, keys.host);
@@ -95,18 +106,18 @@ void MakeSessionId(const ServerKeys& keys) {
 
 // ---------------------------------------------------------------- the session key
 
-void DrawSessionKey() {
+static void DrawSessionKey() {
     for (BYTE& byte : session.ssh1.sessionKey) byte = RandomByte();
 }
 
-int LargerSize(const ServerKeys& keys) {
+static int LargerSize(const ServerKeys& keys) {
     return keys.host.bytes > keys.server.bytes ? keys.host.bytes : keys.server.bytes;
 }
 
 // Encrypts with the smaller key first, and with the host key first if both have the same size.
 // Returns false if a key has no room for the padding. With keys of the same size this is always so
 // for the second one.
-bool EncryptUnderBoth(BYTE* buffer, const ServerKeys& keys) {
+static bool EncryptUnderBoth(BYTE* buffer, const ServerKeys& keys) {
     const bool host_first = keys.host.bytes <= keys.server.bytes;
     const RsaKey* first = host_first ? &keys.host : &keys.server;
     const RsaKey* second = host_first ? &keys.server : &keys.host;
@@ -114,24 +125,24 @@ bool EncryptUnderBoth(BYTE* buffer, const ServerKeys& keys) {
 }
 
 // Writes the session key in the form in which it is sent: LargerSize bytes of `buffer`.
-bool EncryptSessionKey(BYTE* buffer, const ServerKeys& keys) {
+static bool EncryptSessionKey(BYTE* buffer, const ServerKeys& keys) {
     std::memcpy(buffer, session.ssh1.sessionKey, kSsh1KeySize);
-    for (int i = 0; i < kMd5Size; i++) buffer[i] ^= session.ssh1.sessionId[i];
+    for (int i = 0; i < kMd5Size; ++i) buffer[i] ^= session.ssh1.sessionId[i];
     return EncryptUnderBoth(buffer, keys);
 }
 
 // ---------------------------------------------------------------- the answer
 
-const CipherChoice& ChosenCipher() {
+static const CipherChoice& ChosenCipher() {
     const DWORD type = session.settings.ssh_type;
     return type < std::size(kChoices) ? kChoices[type] : kNoChoice;
 }
 
-bool ServerHas(int number) { return session.ssh1.supportedCiphers >> number & 1; }
+static bool ServerHas(int number) { return session.ssh1.supportedCiphers >> number & 1; }
 
-void Append(LPWSTR text, LPCWSTR more) { lstrcpyW(text + lstrlenW(text), more); }
+static void Append(LPWSTR text, LPCWSTR more) { lstrcpyW(text + lstrlenW(text), more); }
 
-void TellUnsupported(LPCWSTR name) {
+static void TellUnsupported(LPCWSTR name) {
     WCHAR text[kMessageSize] = {};
     Append(text, TEXT("Server does not support selected encryption "));
     Append(text, name);
@@ -142,7 +153,7 @@ void TellUnsupported(LPCWSTR name) {
     Ssh1EndSession(text);
 }
 
-void SendSessionKey(BYTE cipher, const BYTE* encrypted, int size) {
+static void SendSessionKey(BYTE cipher, const BYTE* encrypted, int size) {
     BYTE* at = Ssh1BeginPacket(CMSG_SESSION_KEY, 1 + kSsh1CookieSize + 2 + size + 4);
     at = PutBytes(PutByte(at, cipher), session.ssh1.cookie, kSsh1CookieSize);
     StoreBig(at, static_cast<uint16_t>(8 * size));
@@ -151,14 +162,14 @@ void SendSessionKey(BYTE cipher, const BYTE* encrypted, int size) {
     Ssh1SendPacket();
 }
 
-void TakeUpCipher(const Ssh1Cipher* cipher) {
+static void TakeUpCipher(const Ssh1Cipher* cipher) {
     Ssh1State& ssh1 = session.ssh1;
     cipher->setKey(ssh1.sessionKey);
     ssh1.ssh1Cipher = cipher;
 }
 
 // Returns false if the server does not have the chosen cipher.
-bool SendEncrypted(const BYTE* encrypted, int size) {
+static bool SendEncrypted(const BYTE* encrypted, int size) {
     const CipherChoice& choice = ChosenCipher();
     if (!choice.cipher || !ServerHas(choice.number)) {
         TellUnsupported(choice.name);
@@ -169,7 +180,7 @@ bool SendEncrypted(const BYTE* encrypted, int size) {
     return true;
 }
 
-bool AnswerKeys(const ServerKeys& keys) {
+static bool AnswerKeys(const ServerKeys& keys) {
     BYTE encrypted[kKeyBufferSize];
     MakeSessionId(keys);
     DrawSessionKey();
@@ -183,8 +194,6 @@ bool AnswerKeys(const ServerKeys& keys) {
     Wipe(session.ssh1.sessionKey, sizeof(session.ssh1.sessionKey));
     return answered;
 }
-
-}  // namespace
 
 bool Ssh1ExchangeKeys(const BYTE* data, int length) {
     ServerKeys keys = {};

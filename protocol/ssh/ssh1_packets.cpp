@@ -9,29 +9,25 @@
 #include "session/session_state.h"
 #include "text/bytes.h"
 
-namespace {
-
 constexpr int kLengthSize = 4;
 constexpr int kCrcSize = 4;
 constexpr int kLeastLength = 1 + kCrcSize;
 
-int PaddingOf(uint32_t length) {
+static int PaddingOf(uint32_t length) {
     return kCipherBlockSize - static_cast<int>(length % kCipherBlockSize);
 }
 
 // `body` is the size from the padding to the checksum.
-bool TooLarge(uint64_t body) { return body >= kSshReassemblySize; }
+static bool TooLarge(uint64_t body) { return body >= kSshReassemblySize; }
 
 // Returns the size from the padding to the checksum, a multiple of 8. It can exceed 32 bits.
-uint64_t BodyOf(uint32_t length) {
+static uint64_t BodyOf(uint32_t length) {
     return uint64_t{length} + static_cast<uint64_t>(PaddingOf(length));
 }
 
-bool ChecksumHolds(const BYTE* body, int length) {
+static bool ChecksumHolds(const BYTE* body, int length) {
     return Crc32(body, length - kCrcSize) == LoadBig<uint32_t>(body + length - kCrcSize);
 }
-
-}  // namespace
 
 BYTE* Ssh1BeginPacket(BYTE type, int dataLength) {
     Ssh1State& ssh1 = session.ssh1;
@@ -47,7 +43,7 @@ void Ssh1SendPacket() {
     const int body_length = static_cast<int>(BodyOf(length));
     BYTE* body = ssh1.sendBuf + kLengthSize;
     StoreBig(ssh1.sendBuf, length);
-    for (int i = 0; i < PaddingOf(length); i++) body[i] = RandomByte();
+    for (int i = 0; i < PaddingOf(length); ++i) body[i] = RandomByte();
     StoreBig(body + body_length - kCrcSize, Crc32(body, body_length - kCrcSize));
     if (ssh1.ssh1Cipher) ssh1.ssh1Cipher->encrypt(body, body_length);
     SshSendPacketBytes(ssh1.sendBuf, kLengthSize + body_length);
@@ -88,5 +84,5 @@ bool Ssh1OpenPacket(const BYTE* bytes, int length, Ssh1Packet* packet) {
 void Ssh1EndSession(LPCWSTR text) {
     const SOCKET served = session.socket.load(std::memory_order_acquire);
     ShowError(text);
-    if (SshSessionStands(served)) CloseSession();
+    if (SshSessionIsCurrent(served)) CloseSession();
 }

@@ -10,11 +10,11 @@
 #include "text/bytes.h"
 #include "text/text.h"
 
-namespace {
-
 constexpr int kLengthFieldSize = 4;
 constexpr int kTextSize = 80;          // bytes of user name or password, terminator included
 constexpr int kTerminalTypeSize = 41;  // bytes of the terminal type, terminator included
+
+namespace {
 
 enum State {
     kAwaitPublicKey,
@@ -25,9 +25,11 @@ enum State {
     kInteractive,
 };
 
-SOCKET ServedSocket() { return session.socket.load(std::memory_order_acquire); }
+}  // namespace
 
-void GoTo(State state) {
+static SOCKET ServedSocket() { return session.socket.load(std::memory_order_acquire); }
+
+static void GoTo(State state) {
     session.ssh1.ssh1State = state;
     session.ssh_progress = static_cast<DWORD>(state);
     session_ports.update_status();
@@ -37,16 +39,16 @@ void GoTo(State state) {
 
 // Returns false if the session has ended: the dialog could not be shown, or the session ended while
 // the dialog was open.
-bool AskForUser() {
+static bool AskForUser() {
     const SOCKET served = ServedSocket();
     const bool shown = session_ports.ask_sign_on();
-    if (!SshSessionStands(served)) return false;
+    if (!SshSessionIsCurrent(served)) return false;
     if (!shown) CloseSession();
     return shown;
 }
 
 // A cancelled dialog does not end the session: the user name in the settings is sent.
-void SendUser() {
+static void SendUser() {
     if ((!session.settings.ssh_def || session.ssh1.loginFailed) && !AskForUser()) return;
     char user[kTextSize];
     const int length = AnsiFromWide(session.settings.ssh_u, user, kTextSize);
@@ -56,13 +58,13 @@ void SendUser() {
     GoTo(kSentUser);
 }
 
-void TakePublicKey(const BYTE* data, int length) {
+static void TakePublicKey(const BYTE* data, int length) {
     if (Ssh1ExchangeKeys(data, length)) GoTo(kSentSessionKey);
 }
 
-void TakeEncryption(const BYTE*, int) { SendUser(); }
+static void TakeEncryption(const BYTE*, int) { SendUser(); }
 
-void SendPassword(const BYTE*, int) {
+static void SendPassword(const BYTE*, int) {
     char password[kTextSize];
     const int length = AnsiFromWide(session.settings.ssh_p, password, kTextSize);
     Ssh1SendString(CMSG_AUTH_PASSWORD, password, length);
@@ -71,17 +73,17 @@ void SendPassword(const BYTE*, int) {
     GoTo(kSentPassword);
 }
 
-void AskAgain(const BYTE*, int) {
+static void AskAgain(const BYTE*, int) {
     const SOCKET served = ServedSocket();
     ShowError(TEXT("Login incorrect"));
-    if (!SshSessionStands(served)) return;
+    if (!SshSessionIsCurrent(served)) return;
     session.ssh1.loginFailed = 1;
     SendUser();
 }
 
 // ---------------------------------------------------------------- terminal and shell
 
-void RequestTerminal(const BYTE*, int) {
+static void RequestTerminal(const BYTE*, int) {
     char type[kTerminalTypeSize];
     const int length = AnsiFromWide(session.settings.termtype, type, kTerminalTypeSize);
     BYTE* at = Ssh1BeginPacket(CMSG_REQUEST_PTY, 4 + length + 4 * 4 + 1);
@@ -96,13 +98,13 @@ void RequestTerminal(const BYTE*, int) {
 }
 
 // A server that refuses the terminal may still grant a shell.
-void StartShell(const BYTE*, int) {
+static void StartShell(const BYTE*, int) {
     Ssh1BeginPacket(CMSG_EXEC_SHELL, 0);
     Ssh1SendPacket();
     GoTo(kInteractive);
 }
 
-void ShowOutput(const BYTE* data, int length) {
+static void ShowOutput(const BYTE* data, int length) {
     ByteReader reader = ReaderOf(data, length);
     const uint8_t* text;
     int count;
@@ -110,7 +112,7 @@ void ShowOutput(const BYTE* data, int length) {
         TerminalWrite(text, count);
 }
 
-void ConfirmExit(const BYTE*, int) {
+static void ConfirmExit(const BYTE*, int) {
     Ssh1BeginPacket(CMSG_EXIT_CONFIRMATION, 0);
     Ssh1SendPacket();
 }
@@ -118,6 +120,8 @@ void ConfirmExit(const BYTE*, int) {
 // ---------------------------------------------------------------- the table
 
 constexpr int kAnyType = -1;
+
+namespace {
 
 // The first row that matches state and type is used. A row with an `end` text shows it and closes
 // the session; any other row calls `act`. A packet without a matching row is ignored.
@@ -128,8 +132,10 @@ struct StateRow {
     LPCWSTR end;
 };
 
+}  // namespace
+
 // clang-format off
-const StateRow kStates[] = {
+static const StateRow kStates[] = {
     {kAwaitPublicKey,   SMSG_PUBLIC_KEY,  TakePublicKey,   nullptr},
     {kAwaitPublicKey,   kAnyType,         nullptr,
      TEXT("SSH protocol violation. Session must close!!!")},
@@ -155,14 +161,14 @@ const StateRow kStates[] = {
 // ---------------------------------------------------------------- received chunks
 
 // Handles the complete packets at the front. Stops as soon as one of them ends the session.
-void HandleWholePackets(SOCKET served) {
+static void HandleWholePackets(SOCKET served) {
     SshState& ssh = session.ssh;
     int at = 0;
     while (ssh.recvFill - at >= kLengthFieldSize) {
         const uint64_t needed = Ssh1PacketSize(ssh.recvBuf + at);
         if (static_cast<uint64_t>(ssh.recvFill - at) < needed) break;
         Ssh1HandlePacket(ssh.recvBuf + at, static_cast<int>(needed));
-        if (!SshSessionStands(served)) return;
+        if (!SshSessionIsCurrent(served)) return;
         at += static_cast<int>(needed);
     }
     ssh.recvFill -= at;
@@ -171,22 +177,20 @@ void HandleWholePackets(SOCKET served) {
 
 // ---------------------------------------------------------------- the protocol's record
 
-void Start(const char*, const BYTE*, int) { ResetCiphers(); }
+static void Start(const char*, const BYTE*, int) { ResetCiphers(); }
 
-void Forget() {
+static void Forget() {
     Wipe(&session.ssh1, sizeof(session.ssh1));
     session.ssh1.ptyRows = kSsh1PtyRows;
     session.ssh1.ptyColumns = kSsh1PtyColumns;
 }
-
-}  // namespace
 
 void Ssh1TakeChunk(const BYTE* bytes, int count) {
     SshState& ssh = session.ssh;
     const SOCKET served = ServedSocket();
     if (count > kSshReassemblySize - ssh.recvFill) {
         ShowError(TEXT("SSH out of memory"));
-        if (!SshSessionStands(served)) return;
+        if (!SshSessionIsCurrent(served)) return;
         ssh.recvFill = 0;
     }
     std::memcpy(ssh.recvBuf + ssh.recvFill, bytes, static_cast<size_t>(count));

@@ -11,8 +11,6 @@
 #include "text/bytes.h"
 #include "text/text.h"
 
-namespace {
-
 constexpr uint32_t kLocalChannel = 27;
 constexpr int kWindow = 8000;       // bytes; each adjust tops the window up to this
 constexpr int kAdjustBelow = 4000;  // bytes; send an adjust when less than this is left
@@ -20,7 +18,7 @@ constexpr uint32_t kMaxPacket = 16384;
 constexpr int kTermTypeSize = 40;
 constexpr size_t kLeastHeldRoom = 256;  // bytes
 
-void RequestPty() {
+static void RequestPty() {
     static const char kRequest[] = "pty-req";
     static const int kColumns = 80, kRows = 24;
     char type[kTermTypeSize] = {};
@@ -39,7 +37,7 @@ void RequestPty() {
     session.ssh2.ptyRequested = 1;
 }
 
-void RequestShell() {
+static void RequestShell() {
     static const char kRequest[] = "shell";
     BeginPacket(kMsgChannelRequest, 1 + 4 + StringSize(kRequest) + 1);
     BYTE* at = PutUint32(Payload(), session.ssh2.remoteChannel);
@@ -48,7 +46,7 @@ void RequestShell() {
     SendPacket();
 }
 
-void AdjustWindow(int length) {
+static void AdjustWindow(int length) {
     Ssh2State& ssh = session.ssh2;
     ssh.localWindow -= length;
     if (ssh.localWindow >= kAdjustBelow) return;
@@ -60,7 +58,7 @@ void AdjustWindow(int length) {
 }
 
 // Shows the string at the reader. It is dropped if its length exceeds the packet.
-void ShowData() {
+static void ShowData() {
     const BYTE* data;
     int length;
     ReadString(&data, &length);
@@ -69,25 +67,25 @@ void ShowData() {
     AdjustWindow(length);
 }
 
-void SendDataPacket(const BYTE* data, int length) {
+static void SendDataPacket(const BYTE* data, int length) {
     BeginPacket(kMsgChannelData, 1 + 4 + 4 + length);
     PutBlock(PutUint32(Payload(), session.ssh2.remoteChannel), data, length);
     SendPacket();
 }
 
-void SendDataPackets(const BYTE* data, int length) {
+static void SendDataPackets(const BYTE* data, int length) {
     for (int at = 0; at < length; at += kSsh2MaxData)
         SendDataPacket(data + at, std::min(kSsh2MaxData, length - at));
 }
 
 // Returns the size of the block that holds `length` bytes. The sizes double, so that the data is
 // moved only a few times.
-size_t HeldRoom(int length) {
+static size_t HeldRoom(int length) {
     return length == 0 ? 0 : std::bit_ceil(std::max(static_cast<size_t>(length), kLeastHeldRoom));
 }
 
 // Returns false if there is no memory.
-bool MakeHeldRoom(int length) {
+static bool MakeHeldRoom(int length) {
     Ssh2State& ssh = session.ssh2;
     const size_t room = HeldRoom(ssh.heldLength);
     if (HeldRoom(length) == room) return true;
@@ -101,14 +99,12 @@ bool MakeHeldRoom(int length) {
 
 // A piece that does not fit is dropped completely, so that no reply of the terminal is sent in
 // part.
-void HoldData(const BYTE* data, int length) {
+static void HoldData(const BYTE* data, int length) {
     Ssh2State& ssh = session.ssh2;
     if (length > kSsh2MaxHeld - ssh.heldLength || !MakeHeldRoom(ssh.heldLength + length)) return;
     PutBytes(ssh.heldData + ssh.heldLength, data, length);
     ssh.heldLength += length;
 }
-
-}  // namespace
 
 void Ssh2SendChannelData(const BYTE* data, int length) {
     if (length < 1 || !session.ssh2.channelOpen || !HasCipher()) return;

@@ -9,22 +9,22 @@
 #include "session/session_state.h"
 #include "text/bytes.h"
 
-namespace {
-
 constexpr int kCookieSize = 16;
 constexpr int kKexInitTail = 13;  // two empty language lists, no guessed packet, a reserved number
 
 // Indexed by the setting ssh_type.
 const SshCipher* const kOffered[] = {&kTripleDesCbc, &kTripleDesCbc, &kBlowfishCbc};
 
-const SshCipher* OfferedCipher() {
+static const SshCipher* OfferedCipher() {
     const DWORD type = session.settings.ssh_type;
     return type < std::size(kOffered) ? kOffered[type] : nullptr;
 }
 
-const SshCipher* ChosenCipher() {
+static const SshCipher* ChosenCipher() {
     return session.settings.ssh_type == 2 ? &kBlowfishCbc : &kTripleDesCbc;
 }
+
+namespace {
 
 // ---------------------------------------------------------------- KEXINIT
 
@@ -33,8 +33,10 @@ struct NameLists {
     int count;
 };
 
+}  // namespace
+
 // If ssh_type is unknown, the two lists of ciphers are left out.
-NameLists OurLists() {
+static NameLists OurLists() {
     NameLists lists = {{"diffie-hellman-group1-sha1", "ssh-dss"}, 2};
     const auto twice = [&](const char* name) {
         lists.names[lists.count++] = name;
@@ -46,25 +48,25 @@ NameLists OurLists() {
     return lists;
 }
 
-void BuildKexInit() {
+static void BuildKexInit() {
     const NameLists lists = OurLists();
     int size = 1 + kCookieSize + kKexInitTail;
-    for (int i = 0; i < lists.count; i++) size += StringSize(lists.names[i]);
+    for (int i = 0; i < lists.count; ++i) size += StringSize(lists.names[i]);
     BeginPacket(kMsgKexInit, size);
     BYTE* at = Payload();
-    for (int i = 0; i < kCookieSize; i++) at = PutByte(at, RandomByte());
-    for (int i = 0; i < lists.count; i++) at = PutString(at, lists.names[i]);
+    for (int i = 0; i < kCookieSize; ++i) at = PutByte(at, RandomByte());
+    for (int i = 0; i < lists.count; ++i) at = PutString(at, lists.names[i]);
     std::memset(at, 0, kKexInitTail);
 }
 
-void HashKexInits() {
+static void HashKexInits() {
     Ssh2State& ssh = session.ssh2;
     ssh.exchangeHash = ssh.exchangeHashBase;
     Sha1UpdateString(&ssh.exchangeHash, Payload() - 1, ssh.payloadLength);
     Sha1UpdateString(&ssh.exchangeHash, ssh.payload.next, ssh.payload.left);
 }
 
-void SendKexDhInit() {
+static void SendKexDhInit() {
     DhContext& dh = session.ssh2.dh;
     DhSetup(&dh);
     int length;
@@ -74,6 +76,8 @@ void SendKexDhInit() {
     WipeAndFree(e, static_cast<size_t>(length));
     SendPacket();
 }
+
+namespace {
 
 // ---------------------------------------------------------------- KEXDH_REPLY
 
@@ -85,7 +89,9 @@ struct KexDhReply {
     int signatureLength;
 };
 
-KexDhReply ReadReply() {
+}  // namespace
+
+static KexDhReply ReadReply() {
     KexDhReply reply = {};
     ReadString(&reply.hostKey, &reply.hostKeyLength);
     if (!reply.hostKey) return reply;
@@ -94,7 +100,7 @@ KexDhReply ReadReply() {
     return reply;
 }
 
-void FinishExchangeHash(const KexDhReply& reply) {
+static void FinishExchangeHash(const KexDhReply& reply) {
     Ssh2State& ssh = session.ssh2;
     Sha1UpdateString(&ssh.exchangeHash, reply.hostKey, reply.hostKeyLength);
     Sha1UpdateMpint(&ssh.exchangeHash, ssh.dh.e);
@@ -103,7 +109,7 @@ void FinishExchangeHash(const KexDhReply& reply) {
     Sha1Final(&ssh.exchangeHash, ssh.H);
 }
 
-bool SignedByHostKey(const KexDhReply& reply) {
+static bool SignedByHostKey(const KexDhReply& reply) {
     Ssh2State& ssh = session.ssh2;
     ssh.hostKey = DssParseKey(reply.hostKey, reply.hostKeyLength);
     if (!ssh.hostKey) return false;
@@ -114,7 +120,7 @@ bool SignedByHostKey(const KexDhReply& reply) {
     return good;
 }
 
-bool AgreeWith(const KexDhReply& reply) {
+static bool AgreeWith(const KexDhReply& reply) {
     Ssh2State& ssh = session.ssh2;
     BignumFree(ssh.K);
     ssh.K = DhSharedSecret(&ssh.dh, reply.f);
@@ -127,7 +133,7 @@ bool AgreeWith(const KexDhReply& reply) {
 
 // Derives 40 bytes for one letter of RFC 4253, 7.2. Each `install` procedure uses as many of them
 // as it needs.
-void FillKeyBlock(BYTE letter) {
+static void FillKeyBlock(BYTE letter) {
     Ssh2State& ssh = session.ssh2;
     Sha1Context start, hash;
     Sha1Init(&start);
@@ -141,12 +147,16 @@ void FillKeyBlock(BYTE letter) {
     Sha1Final(&start, ssh.keyBlock + kSha1Size);
 }
 
+namespace {
+
 struct KeyRow {
     BYTE letter;
     void (*install)(const uint8_t* bytes);
 };
 
-void DeriveKeys() {
+}  // namespace
+
+static void DeriveKeys() {
     Ssh2State& ssh = session.ssh2;
     if (ssh.firstKex) std::memcpy(ssh.sessionId, ssh.H, kSha1Size);
     ssh.firstKex = 0;
@@ -165,14 +175,12 @@ void DeriveKeys() {
     ssh.K = nullptr;
 }
 
-void RequestService() {
+static void RequestService() {
     static const char kService[] = "ssh-userauth";
     BeginPacket(kMsgServiceRequest, 1 + StringSize(kService));
     PutString(Payload(), kService);
     SendPacket();
 }
-
-}  // namespace
 
 void OnKexInit() {
     Ssh2State& ssh = session.ssh2;
@@ -215,7 +223,7 @@ void HashIdentifications(const char* clientVersion, const BYTE* serverVersion, i
     Sha1Context* hash = &session.ssh2.exchangeHashBase;
     const auto line = [&](const BYTE* bytes, int length) {
         int end = 0;
-        while (end < length && bytes[end] != '\r' && bytes[end] != '\n') end++;
+        while (end < length && bytes[end] != '\r' && bytes[end] != '\n') ++end;
         Sha1UpdateString(hash, bytes, end);
     };
     Sha1Init(hash);

@@ -7,21 +7,17 @@
 #include "session/session_state.h"
 #include "text/bytes.h"
 
-namespace {
-
 constexpr int kHeadSize = 5;  // the length field and the padding's length
 constexpr int kLeastPadding = 4;
 constexpr int kLeastPacket = 16;
 
 // The last of the three rules never applies once the first two have.
-int PaddingFor(int payloadLength) {
+static int PaddingFor(int payloadLength) {
     int padding = kCipherBlockSize - (payloadLength + kHeadSize) % kCipherBlockSize;
     if (padding < kLeastPadding) padding += kCipherBlockSize;
     if (payloadLength + padding + kHeadSize < kLeastPacket) padding += kCipherBlockSize;
     return padding;
 }
-
-}  // namespace
 
 void BeginPacket(BYTE type, int payloadLength) {
     session.ssh2.payloadLength = payloadLength;
@@ -34,14 +30,14 @@ void SendPacket() {
     Ssh2State& ssh = session.ssh2;
     const int padding = PaddingFor(ssh.payloadLength);
     BYTE* pad = ssh.sendBuf + kHeadSize + ssh.payloadLength;
-    for (int i = 0; i < padding; i++) pad[i] = RandomByte();
+    for (int i = 0; i < padding; ++i) pad[i] = RandomByte();
 
     const int packetLength = ssh.payloadLength + padding + 1;
     int size = 4 + packetLength;
     PutByte(PutUint32(ssh.sendBuf, static_cast<uint32_t>(packetLength)),
             static_cast<BYTE>(padding));
     if (HasCipher()) ssh.outMac->generate(ssh.sendBuf, size, ssh.sendSeq);
-    ssh.sendSeq++;
+    ++ssh.sendSeq;
     if (HasCipher()) {
         ssh.cipher->encrypt(ssh.sendBuf, packetLength);  // rounds up to whole blocks
         size += ssh.outMac->macLength;

@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 // An SSH-2 session from its beginning to its end: it splits received chunks into packets and passes
-// each packet to the handler of its message.
+// each packet to the handler of its message. Last comes the user's authentication by password.
 #include "protocol/ssh/ssh2.h"
 
 #include "protocol/ssh/ssh_session.h"
+#include "session/session_ports.h"
 #include "session/session_state.h"
 #include "text/bytes.h"
-
-namespace {
+#include "text/text.h"
 
 constexpr int kLengthSize = 4;
+
+namespace {
 
 struct MessageRow {
     BYTE number;
@@ -17,9 +19,11 @@ struct MessageRow {
     void (*handler)();
 };
 
+}  // namespace
+
 // A message that is not in this table is ignored.
 // clang-format off
-const MessageRow kMessages[] = {
+static const MessageRow kMessages[] = {
     {kMsgServiceAccept,            true,  OnServiceAccept},
     {kMsgKexInit,                  false, OnKexInit},
     {kMsgNewKeys,                  false, OnNewKeys},
@@ -37,14 +41,14 @@ const MessageRow kMessages[] = {
 };
 // clang-format on
 
-int MacSize() { return HasCipher() ? session.ssh2.inMac->macLength : 0; }
+static int MacSize() { return HasCipher() ? session.ssh2.inMac->macLength : 0; }
 
-void DropWaiting() {
+static void DropWaiting() {
     session.ssh.recvFill = 0;
     session.ssh2.headDecrypted = 0;
 }
 
-void Append(const BYTE* bytes, int count) {
+static void Append(const BYTE* bytes, int count) {
     SshState& ssh = session.ssh;
     if (ssh.recvFill + count > kSshReassemblySize) DropWaiting();
     std::memcpy(ssh.recvBuf + ssh.recvFill, bytes, static_cast<size_t>(count));
@@ -52,7 +56,7 @@ void Append(const BYTE* bytes, int count) {
 }
 
 // Returns the size of the packet at the front of recvBuf, or 0 while it is not complete.
-int CompletePacket() {
+static int CompletePacket() {
     SshState& ssh = session.ssh;
     if (ssh.recvFill < kLengthSize) return 0;
     if (HasCipher() && !session.ssh2.headDecrypted) {
@@ -72,13 +76,13 @@ int CompletePacket() {
 // Handles one packet; returns false if there is no complete one, or if the handler ended the
 // session. In that case the waiting bytes are dropped only if there is no socket: otherwise a new
 // session may have begun, and they belong to it.
-bool TakePacket(SOCKET served) {
+static bool TakePacket(SOCKET served) {
     SshState& ssh = session.ssh;
     const int size = CompletePacket();
     if (size == 0) return false;
     session.ssh2.headDecrypted = 0;
     Ssh2HandlePacket(ssh.recvBuf, size);
-    if (!SshSessionStands(served)) {
+    if (!SshSessionIsCurrent(served)) {
         if (session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) DropWaiting();
         return false;
     }
@@ -88,7 +92,7 @@ bool TakePacket(SOCKET served) {
 }
 
 // Decrypts what follows the first block and checks the MAC after the first `total` bytes.
-bool Authentic(int total, int length) {
+static bool Authentic(int total, int length) {
     Ssh2State& ssh = session.ssh2;
     if (!HasCipher()) return true;
     const int behind_head = length - kCipherBlockSize - ssh.inMac->macLength;
@@ -98,7 +102,7 @@ bool Authentic(int total, int length) {
 
 // Sets the reader to the first byte after the message number. Returns false if the padding leaves
 // no payload.
-bool OpenPayload(int total, BYTE* number) {
+static bool OpenPayload(int total, BYTE* number) {
     Ssh2State& ssh = session.ssh2;
     BYTE padding;
     ByteReader reader = ReaderOf(ssh.packetBuf + kLengthSize, total - kLengthSize);
@@ -108,15 +112,13 @@ bool OpenPayload(int total, BYTE* number) {
     return TakeByte(&ssh.reader, number);
 }
 
-void Dispatch(BYTE number) {
+static void Dispatch(BYTE number) {
     for (const MessageRow& row : kMessages) {
         if (row.number != number) continue;
         if (HasCipher() || !row.secured) row.handler();
         return;
     }
 }
-
-}  // namespace
 
 void Ssh2TakeChunk(const BYTE* bytes, int count) {
     if (!session.ssh2.inMac) return;  // the session began with SSH-1
@@ -134,7 +136,7 @@ void Ssh2HandlePacket(const BYTE* packet, int length) {
     if (total >= kSshReassemblySize) return CloseSession();
     if (static_cast<int>(total) + MacSize() != length) return;
     if (!Authentic(static_cast<int>(total), length)) return;
-    ssh.recvSeq++;
+    ++ssh.recvSeq;
     BYTE number;
     if (OpenPayload(static_cast<int>(total), &number)) Dispatch(number);
 }
@@ -166,3 +168,51 @@ const Protocol kSsh2Protocol = {
     .send_data = [](const BYTE* data, int length, int) { Ssh2SendChannelData(data, length); },
     .forget = Ssh2Forget,
 };
+
+// ---------------------------------------------------------------- authentication
+
+constexpr int kCredentialSize = 80;
+
+// Returns false if nothing more may be sent, since the connection can end while the dialog is open.
+static bool SignOn() {
+    const SOCKET served = session.socket.load(std::memory_order_acquire);
+    const bool shown = session_ports.ask_sign_on();
+    if (!SshSessionIsCurrent(served) || !HasCipher()) return false;
+    if (!shown) CloseSession();
+    return shown;
+}
+
+static void RefuseEmptyName() {
+    const SOCKET served = session.socket.load(std::memory_order_acquire);
+    ShowError(TEXT("Cannot sign on to the host without a valid user name"));
+    if (SshSessionIsCurrent(served)) CloseSession();
+}
+
+static void SendPasswordRequest(const char* name, const char* password) {
+    static const char kService[] = "ssh-connection";
+    static const char kMethod[] = "password";
+    BeginPacket(kMsgUserauthRequest, 1 + StringSize(name) + StringSize(kService) +
+                                         StringSize(kMethod) + 1 + StringSize(password));
+    BYTE* at = PutString(Payload(), name);
+    at = PutString(at, kService);
+    at = PutString(at, kMethod);
+    at = PutByte(at, 0);  // the password is not being changed
+    PutString(at, password);
+    SendPacket();
+}
+
+void Ssh2Authenticate(bool retry) {
+    if ((retry || !session.settings.ssh_def) && !SignOn()) return;
+    char name[kCredentialSize] = {};
+    char password[kCredentialSize] = {};
+    AnsiFromWide(session.settings.ssh_u, name, kCredentialSize);
+    if (!name[0]) return RefuseEmptyName();
+    AnsiFromWide(session.settings.ssh_p, password, kCredentialSize);
+    SendPasswordRequest(name, password);
+    Wipe(name, sizeof(name));
+    Wipe(password, sizeof(password));
+}
+
+void OnServiceAccept() { Ssh2Authenticate(false); }
+
+void OnUserauthFailure() { Ssh2Authenticate(true); }

@@ -22,7 +22,7 @@ void CloseSession() {
     session_ports.close_session();
 }
 
-bool SshSessionStands(SOCKET served) {
+bool SshSessionIsCurrent(SOCKET served) {
     return served != INVALID_SOCKET && Connected() &&
            session.socket.load(std::memory_order_acquire) == served;
 }

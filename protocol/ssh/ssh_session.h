@@ -17,7 +17,7 @@ void CloseSession();
 
 // True while `served` is still the socket of the current, connected session. Check this after each
 // call that may show a dialog or close the session: other messages run during a dialog.
-bool SshSessionStands(SOCKET served);
+bool SshSessionIsCurrent(SOCKET served);
 
 // ---------------------------------------------------------------- the fields of packets
 

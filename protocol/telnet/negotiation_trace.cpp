@@ -5,10 +5,10 @@
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"
 
-namespace {
-
 constexpr int kLineUnits = 256;
 constexpr int kLineBytes = 255;
+
+namespace {
 
 struct NameRow {
     BYTE code;
@@ -20,22 +20,24 @@ struct HostRow {
     LPCWSTR format;
 };
 
+}  // namespace
+
 // clang-format off
-const HostRow kHostLines[] = {
+static const HostRow kHostLines[] = {
     {251, TEXT("HOST: IAC WILL %s \n\r")},
     {252, TEXT("HOST: IAC WONT %s \n\r")},
     {253, TEXT("HOST: IAC DO %s \n\r")},
     {254, TEXT("HOST: IAC DONT %s\n\r")},
 };
 
-const NameRow kCommandNames[] = {
+static const NameRow kCommandNames[] = {
     {251, TEXT(" WILL")},
     {252, TEXT(" WONT")},
     {253, TEXT(" DO")},
     {254, TEXT(" DONT")},
 };
 
-const NameRow kOptionNames[] = {
+static const NameRow kOptionNames[] = {
     {0,   TEXT("TN_TRANSBIT_BINARY")},
     {1,   TEXT("TN_ECHO")},
     {3,   TEXT("TN_SUPPRESS_GA")},
@@ -46,14 +48,14 @@ const NameRow kOptionNames[] = {
 };
 // clang-format on
 
-LPCWSTR CommandName(BYTE command) {
+static LPCWSTR CommandName(BYTE command) {
     for (const NameRow& row : kCommandNames)
         if (row.code == command) return row.name;
     return TEXT(" BUG");
 }
 
 // The result is valid until the next call.
-LPCWSTR OptionName(BYTE option) {
+static LPCWSTR OptionName(BYTE option) {
     static WCHAR number[8];
     for (const NameRow& row : kOptionNames)
         if (row.code == option) return row.name;
@@ -61,15 +63,13 @@ LPCWSTR OptionName(BYTE option) {
     return number;
 }
 
-}  // namespace
-
 void TraceWrite(LPCWSTR text) {
     char bytes[kLineBytes + 1] = {};
     const int cursor = CursorPosition();
     const int length = lstrlenW(text);
     WideCharToMultiByte(CP_ACP, 0, text, length < kLineBytes ? length : kLineBytes, bytes,
                         kLineBytes, nullptr, nullptr);
-    for (const char* byte = bytes; *byte; byte++)
+    for (const char* byte = bytes; *byte; ++byte)
         if (TerminalFeedByte(static_cast<BYTE>(*byte))) TerminalTakeReply();
     ShowWritten(cursor);
 }
@@ -91,7 +91,7 @@ void TraceSubnegotiation(const BYTE* bytes, int count) {
     WCHAR part[kLineUnits];
     wsprintfW(part, TEXT("HOST: IAC SB %s"), OptionName(bytes[0]));
     TraceWrite(part);
-    for (int i = 1; count >= 3 && i < count - 1; i++) {
+    for (int i = 1; count >= 3 && i < count - 1; ++i) {
         wsprintfW(part, TEXT(" %d"), bytes[i]);
         TraceWrite(part);
     }

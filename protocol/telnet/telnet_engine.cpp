@@ -8,8 +8,6 @@
 #include "terminal/modes.h"
 #include "text/text.h"
 
-namespace {
-
 constexpr BYTE kSe = 240;
 constexpr BYTE kDm = 242;
 constexpr BYTE kSb = 250;
@@ -28,20 +26,20 @@ constexpr BYTE kTypeSend = 1;
 
 // These turn an option on or off and send the announcement. They send nothing if the option already
 // has that value. An option above the table is always answered.
-void SwitchOn(BYTE* options, BYTE option, BYTE announcement) {
+static void SwitchOn(BYTE* options, BYTE option, BYTE announcement) {
     if (options[option] == 1) return;
     options[option] = 1;
     TelnetSendCommand(announcement, option);
 }
 
-void SwitchOff(BYTE* options, BYTE option, BYTE announcement) {
+static void SwitchOff(BYTE* options, BYTE option, BYTE announcement) {
     if (option >= kTelnetOptions) return TelnetSendCommand(announcement, option);
     if (options[option] != 1) return;
     options[option] = 0;
     TelnetSendCommand(announcement, option);
 }
 
-void OnWill(BYTE option) {
+static void OnWill(BYTE option) {
     TelnetState& telnet = session.telnet;
     if (option == kEcho) {
         SetLocalEcho(0);
@@ -55,12 +53,12 @@ void OnWill(BYTE option) {
     }
 }
 
-void OnWont(BYTE option) {
+static void OnWont(BYTE option) {
     if (option == kEcho) SetLocalEcho(1);
     SwitchOff(session.telnet.his_options, option, kDont);
 }
 
-void OnDo(BYTE option) {
+static void OnDo(BYTE option) {
     TelnetState& telnet = session.telnet;
     if (option == kEcho) {
         SetLocalEcho(1);
@@ -73,24 +71,28 @@ void OnDo(BYTE option) {
     }
 }
 
-void OnDont(BYTE option) {
+static void OnDont(BYTE option) {
     if (option == kEcho) SetLocalEcho(0);
     SwitchOff(session.telnet.my_options, option, kWont);
 }
 
-void BeginSubnegotiation(BYTE option) {
+static void BeginSubnegotiation(BYTE option) {
     session.telnet.subneg_count = 1;
     session.telnet.subneg_buffer[0] = option;
     session.telnet.in_subneg = 1;
 }
+
+namespace {
 
 struct CommandRow {
     BYTE command;
     void (*handler)(BYTE option);
 };
 
+}  // namespace
+
 // clang-format off
-const CommandRow kCommands[] = {
+static const CommandRow kCommands[] = {
     {kSb,   BeginSubnegotiation},
     {kWill, OnWill},
     {kWont, OnWont},
@@ -99,12 +101,12 @@ const CommandRow kCommands[] = {
 };
 // clang-format on
 
-void TraceCommand(BYTE option) {
+static void TraceCommand(BYTE option) {
     if (session.settings.nego == 1)
         TraceHostCommand(static_cast<BYTE>(session.telnet.last_command), option);
 }
 
-void RunCommand(BYTE option) {
+static void RunCommand(BYTE option) {
     for (const CommandRow& row : kCommands) {
         if (row.command != session.telnet.last_command) continue;
         if (row.command != kSb) TraceCommand(option);
@@ -112,7 +114,7 @@ void RunCommand(BYTE option) {
     }
 }
 
-void AnswerTerminalType() {
+static void AnswerTerminalType() {
     BYTE answer[kSettingUnits + 6] = {kIac, kSb, kTerminalType, kTypeIs};
     char name[kSettingUnits];
     const int length = AnsiFromWide(session.settings.termtype, name, kSettingUnits);
@@ -124,7 +126,7 @@ void AnswerTerminalType() {
 }
 
 // The count is not checked, so byte 1 may still be from the previous subnegotiation.
-void EndSubnegotiation() {
+static void EndSubnegotiation() {
     TelnetState& telnet = session.telnet;
     telnet.in_subneg = 0;
     if (session.settings.nego == 1) TraceSubnegotiation(telnet.subneg_buffer, telnet.subneg_count);
@@ -132,19 +134,17 @@ void EndSubnegotiation() {
         AnswerTerminalType();
 }
 
-void TakeSubnegotiationByte(BYTE b) {
+static void TakeSubnegotiationByte(BYTE b) {
     TelnetState& telnet = session.telnet;
     if (b == kSe) return EndSubnegotiation();
     if (telnet.subneg_count < kSubnegSize) telnet.subneg_buffer[telnet.subneg_count++] = b;
 }
 
-void TakeDataMark() {
+static void TakeDataMark() {
     if (session.settings.nego != 1) return;
     TraceDataMark();
     session.telnet.iac_seen = 0;
 }
-
-}  // namespace
 
 void TelnetReset() {
     TelnetState& telnet = session.telnet;

@@ -12,17 +12,15 @@
 
 // ---------------------------------------------------------------- typed bytes
 
-namespace {
-
 constexpr BYTE kIac = 255;
 constexpr BYTE kEor = 239;
 constexpr int kStagingSize = 1024;
 
 // Sends in pieces that fit the staging buffer.
-void SendEscaped(const BYTE* bytes, int length) {
+static void SendEscaped(const BYTE* bytes, int length) {
     BYTE staging[kStagingSize];
     int used = 0;
-    for (int i = 0; i < length; i++) {
+    for (int i = 0; i < length; ++i) {
         if (used > kStagingSize - 4) {
             if (!SocketSendAll(staging, used)) return;
             used = 0;
@@ -35,8 +33,6 @@ void SendEscaped(const BYTE* bytes, int length) {
     SocketSendAll(staging, used);
 }
 
-}  // namespace
-
 void TelnetSendData(const BYTE* bytes, int length, int escape) {
     if (escape) {
         SendEscaped(bytes, length);
@@ -47,21 +43,17 @@ void TelnetSendData(const BYTE* bytes, int length, int escape) {
 
 // ---------------------------------------------------------------- automatic login
 
-namespace {
-
-void TakeText(LPCWSTR from, char* to) {
+static void TakeText(LPCWSTR from, char* to) {
     std::memset(to, 0, kLoginTextSize);
     AnsiFromWide(from, to, kLoginTextSize);
 }
 
-void RespondIfFound(std::string_view chunk, DWORD* armed, const char* search,
-                    const char* response) {
+static void RespondIfFound(std::string_view chunk, DWORD* armed, const char* search,
+                           const char* response) {
     if (!*armed || chunk.find(search) == std::string_view::npos) return;
     *armed = 0;
     SendResponse(response);
 }
-
-}  // namespace
 
 void ArmAutoLogin() {
     AutoLogin& login = session.login;
@@ -82,13 +74,11 @@ void CheckAutoLogin(const BYTE* bytes, int count) {
 
 // ---------------------------------------------------------------- received chunks
 
-namespace {
-
 // Copies the displayable bytes of the chunk to display_buffer. Returns how many there are.
-int FilterChunk(const BYTE* bytes, int count) {
+static int FilterChunk(const BYTE* bytes, int count) {
     BYTE* data = session.telnet.display_buffer;
     int kept = 0;
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         const int run = TelnetDataRun(bytes + i, count - i);
         std::memcpy(data + kept, bytes + i, static_cast<size_t>(run));
         kept += run;
@@ -98,14 +88,12 @@ int FilterChunk(const BYTE* bytes, int count) {
     return kept;
 }
 
-void TakeChunk(const BYTE* bytes, int count) {
+static void TakeChunk(const BYTE* bytes, int count) {
     const int kept = FilterChunk(bytes, count);
     if (kept == 0) return;
     TerminalWrite(session.telnet.display_buffer, kept);
     CheckAutoLogin(session.telnet.display_buffer, kept);
 }
-
-}  // namespace
 
 // `forget` does nothing: the engine's state is kept until TelnetReset.
 const Protocol kTelnetProtocol = {

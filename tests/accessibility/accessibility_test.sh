@@ -6,7 +6,7 @@
 set -eu
 . "$(dirname "$0")/../support/outside.sh"
 . "$(dirname "$0")/bus.sh"
-need Xvfb dbus-daemon dbus-send
+need Xvfb dbus-daemon dbus-send xdotool
 program=$1 step=$2
 /usr/bin/python3 -c 'import gi; gi.require_version("Atspi", "2.0")' 2>/dev/null ||
     { echo "$script: python3-gi or gir1.2-atspi-2.0 is missing" >&2; exit 77; }

@@ -6,6 +6,8 @@ Usage: steps.py PROGRAM WORK-FOLDER STEP
 import os
 import pathlib
 import signal
+import socket
+import subprocess
 import sys
 import time
 
@@ -201,12 +203,33 @@ def bus_that_is_not_there(path, work):
         assert pathlib.Path(work, "text").read_text().startswith("still here")
 
 
+def bus_that_never_answers(path, work):
+    """It takes connections, and that is all. A person starts the program and types."""
+    address = work + "/mute"
+    bus = socket.socket(socket.AF_UNIX)
+    bus.bind(address)
+    bus.listen(50)
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + address
+    os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+    host = Host()
+    program = Program(path, work, host.port, ["--text", work + "/text"])
+    host.accept()
+    assert program.process.wait(PATIENCE) == 0
+    program = Program(path, work)
+    host.accept()
+    host.send("\r")
+    subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", r"^Quill Telnet  \[127",
+                    "windowfocus", "--sync", "key", "q"], check=True, timeout=PATIENCE)
+    host.await_bytes(b"q")
+    program.end()
+
+
 def main():
     path, work, step = sys.argv[1:]
     follow_changes()
     steps = [names_and_roles, rows_and_cursor, lines_are_heard, buttons_by_action,
              dialog_filled_in, bars_that_change,
-             message_box_is_read, bus_that_dies, bus_that_is_not_there]
+             message_box_is_read, bus_that_dies, bus_that_is_not_there, bus_that_never_answers]
     {each.__name__: each for each in steps}[step](path, work)
     print(f"{step}: as told")
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // How the changes of a text are told: whatever they are, who applies them has the new text.
-#include "platform/qt/window/text_screen.h"
+#include "platform/qt/window/accessible.h"
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ TEST(TextScreen, SameTextHasNoChanges) {
     EXPECT_TRUE(ChangesBetween(Screen({"a", "", "b"}), Screen({"a", "", "b"})).empty());
 }
 
-TEST(TextScreen, OnlyWhatIsNewInARowIsAChange) {
+TEST(TextScreen, OnlyTheNewTextOfARowIsAChange) {
     const auto changes = ChangesBetween(Screen({"", "login: "}), Screen({"", "login: anna"}));
     ASSERT_EQ(changes.size(), 1u);
     EXPECT_EQ(changes[0].offset, 8);
@@ -42,7 +42,7 @@ TEST(TextScreen, LetterInTheMiddleIsTheOnlyChange) {
     EXPECT_EQ(changes[0].inserted, "o");
 }
 
-TEST(TextScreen, ScrolledRowsAreOneLineThatGoesAndOneThatComes) {
+TEST(TextScreen, ScrollingByARowRemovesOneLineAndInsertsOne) {
     const auto changes =
         ChangesBetween(Screen({"one", "two", "three"}), Screen({"two", "three", "four"}));
     ASSERT_EQ(changes.size(), 2u);
@@ -65,7 +65,7 @@ TEST(TextScreen, ChangesAlwaysLeadToTheNewText) {
     }
 }
 
-TEST(TextScreen, OffsetsAndPlacesAreTheSameBothWays) {
+TEST(TextScreen, OffsetsAndPositionsConvertBothWays) {
     const TextScreen screen = Screen({"one", "", "three"});
     for (int offset = 0; offset <= TextOf(screen).size(); offset++)
         EXPECT_EQ(OffsetOf(screen, PlaceOf(screen, offset)), offset);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A session with text on its screen and something on the desktop's clipboard.
+// Helpers for tests with text on the screen of a session and on the desktop's clipboard.
 #ifndef QUILL_TESTS_APP_CLIPBOARD_STAGE_H
 #define QUILL_TESTS_APP_CLIPBOARD_STAGE_H
 
@@ -21,7 +21,7 @@ inline const auto kCtrlShift = static_cast<int>((Qt::ControlModifier | Qt::Shift
 inline void PressCopy() { PressKey(Qt::Key_C, kCtrlShift); }
 inline void PressPaste() { PressKey(Qt::Key_V, kCtrlShift); }
 
-// With a session, the view laid out, and that text on the screen.
+// Runs the program with a session, the view laid out and this text on the screen.
 inline void WithText(const std::string& text, const std::function<void(FakeHost&)>& person) {
     FakeHost host;
     WithSession(host, [&] {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The command table and the main window's own messages, by what a person sees of them.
+// The commands and messages of the main window, tested by what a person sees.
 #include <gtest/gtest.h>
 #include <QDesktopServices>
 #include <QDir>
@@ -185,7 +185,7 @@ TEST(Commands, SessionKeepsTheDeviceAwakeWhileAliveIsSet) {
     });
 }
 
-TEST(Commands, TimerTurnsTheBlinkPhase) {
+TEST(Commands, TimerTogglesTheBlinkPhase) {
     RunProgram({}, [] {
         DWORD phase = 0;
         OnWindowThread([&] { phase = session.view.blink_phase; });
@@ -205,7 +205,7 @@ TEST(Commands, SmallerFontStopsAtTheSecondSize) {
     });
 }
 
-// Stands in the way of the desktop's viewer, and keeps what it was given.
+// Replaces the desktop's viewer and records the address that it gets.
 QUrl g_opened;
 
 class Viewer : public QObject {
@@ -234,8 +234,8 @@ TEST(Commands, HelpOpensThePageInTheDesktopsViewer) {
     });
 }
 
-// Where the page should lie there is a folder, as nobody, not even root, writes a file over one.
-TEST(Commands, HelpOpensThePageFromAmongTheTemporaryFilesWhereTheSettingsCannotBeWritten) {
+// A folder has the name of the page, because no user, not even root, can write a file over it.
+TEST(Commands, HelpOpensATemporaryPageWhenTheDeviceFolderCannotBeWritten) {
     RunProgram({}, [] {
         auto viewer = std::make_unique<Viewer>();
         OnWindowThread([&] { QDesktopServices::setUrlHandler("file", viewer.get(), "Open"); });
@@ -254,7 +254,7 @@ TEST(Commands, HelpOpensThePageFromAmongTheTemporaryFilesWhereTheSettingsCannotB
     });
 }
 
-TEST(Commands, HelpPageTellsEachStateMessageAndKey) {
+TEST(Commands, HelpPageListsEachStateMessageAndKey) {
     const char* const texts[] = {"offline",
                                  "OFF",
                                  "request",
@@ -305,7 +305,7 @@ TEST(Commands, EveryOtherNumberDoesNothing) {
     });
 }
 
-TEST(Commands, CommandsGoOnBehindAnOpenQuestion) {
+TEST(Commands, CommandsStillWorkBehindAnOpenQuestion) {
     FakeHost host;
     WithSession(host, [&] {
         ConfirmExit(true);

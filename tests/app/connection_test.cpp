@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The connection manager against a host whose every byte the test decides.
+// The connection manager against a host whose bytes the test controls.
 #include <gtest/gtest.h>
 
 #include "session/session_state.h"
@@ -16,7 +16,7 @@ namespace {
 const char kClosed[] = "Error: Connection to the UNIX Host has been closed...";
 const char kNotPossible[] = "Error: Not possible to create a session to the UNIX Host";
 
-TEST(Connection, BytesOfTheHostReachTheGridAndTheGlass) {
+TEST(Connection, BytesOfTheHostReachTheGridAndTheScreen) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\r\nsecond line");
@@ -253,7 +253,7 @@ TEST(Connection, ExitOnDisconnectEndsTheProgramWithoutAMessage) {
     });
 }
 
-TEST(Connection, ExitOnDisconnectHoldsForTheUsersOwnDisconnectToo) {
+TEST(Connection, ExitOnDisconnectAppliesToTheUsersOwnDisconnectToo) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.settings.exit_dis = 1; });
@@ -286,7 +286,7 @@ TEST(Connection, UrgentDataOfTheHostEndsTheSession) {
     });
 }
 
-TEST(Connection, ResizeTellsATelnetHostNothing) {
+TEST(Connection, ResizeSendsATelnetHostNothing) {
     FakeHost host;
     WithSession(host, [&] {
         host.ReadSome(100);
@@ -299,8 +299,8 @@ TEST(Connection, ResizeTellsATelnetHostNothing) {
     });
 }
 
-// A chunk that the window thread has not taken yet keeps the thread from reading on: what the host
-// sends then waits in the sockets, and the host is held up.
+// The receiving thread does not read on while the window thread has not handled its chunk. The
+// host's next bytes then wait in the sockets, and the host has to stop sending.
 TEST(Connection, SlowTerminalSlowsTheSocket) {
     FakeHost host;
     WithSession(host, [&] {
@@ -340,7 +340,7 @@ TEST(Connection, LocalEchoShowsTypedCharactersUntilTheHostEchoes) {
     });
 }
 
-TEST(Connection, AnEntryThatBeginsWithABlankIsNoneAndTheFirstIsSavedLater) {
+TEST(Connection, ADialUpNameThatBeginsWithABlankIsReplacedByTheFirstEntry) {
     const std::string peers = FreshRoot();
     fclose(fopen((peers + "/annex").c_str(), "w"));
     RunProgram({}, [&] {
@@ -379,7 +379,7 @@ TEST(Connection, AConnectionThatNeverCameUpIsReportedEvenWithExitOnDisconnect) {
     });
 }
 
-TEST(Connection, ConnectingWhileOnlineLeavesTheScreenAndTheUsedUpLogin) {
+TEST(Connection, ConnectingWhileOnlineNeitherClearsTheScreenNorLogsInAgain) {
     FakeHost host;
     RunProgram({}, [&] {
         OnWindowThread([] {
@@ -406,8 +406,8 @@ TEST(Connection, ConnectingWhileOnlineLeavesTheScreenAndTheUsedUpLogin) {
     });
 }
 
-// Whatever comes of it, a connect begins by forgetting what SSH had reached.
-TEST(Connection, EveryConnectForgetsHowFarSshHadCome) {
+// Each connect clears the SSH progress first, even if the connect then fails.
+TEST(Connection, EveryConnectResetsTheSshProgress) {
     FakeHost host;
     const auto reached = [] {
         OnWindowThread([] {
@@ -441,8 +441,8 @@ TEST(Connection, EveryConnectForgetsHowFarSshHadCome) {
     });
 }
 
-// Local echo and the attribute are the terminal's and stay; what the host set up goes.
-TEST(Connection, NewSessionFindsAClearScreenAndTheLastOnesAttributeAndEcho) {
+// Local echo and the attribute belong to the terminal and stay; the host's modes are reset.
+TEST(Connection, NewSessionClearsTheScreenAndKeepsAttributeAndEcho) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send(

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A device with dial-up entries and a dial-up program of the test's own.
+// A device with dial-up entries and a scripted dial-up program.
 #ifndef QUILL_TESTS_APP_DIAL_STAGE_H
 #define QUILL_TESTS_APP_DIAL_STAGE_H
 
@@ -28,8 +28,8 @@ inline bool FileAppears(const std::string& path) {
     return fs::exists(path);
 }
 
-// A device with dial-up entries and, where a script is given, a program that dials them. The script
-// runs in the folder; its number stands in the file "process".
+// A device with dial-up entries and, if a test gives a script, a program that dials them. The
+// script runs in the folder and writes its process id to the file "process".
 class Dialling : public testing::Test {
   protected:
     void SetUp() override {
@@ -44,7 +44,7 @@ class Dialling : public testing::Test {
     void MakeEntry(const std::string& name) const {
         std::ofstream(folder + "/peers/" + name) << "/dev/ttyS0\n";
     }
-    // `asked` is what it does when it is asked to end, in force before "process" appears.
+    // `asked` is its handler of SIGTERM, which is set before "process" appears.
     void MakeProgram(const std::string& script, const std::string& asked = "exit 5") const {
         const std::string path = folder + "/pppd";
         std::ofstream(path) << "#!/bin/sh\ntrap '" << asked << "' TERM\ncd '" << folder
@@ -56,8 +56,8 @@ class Dialling : public testing::Test {
     }
     void Let(const char* file) const { std::ofstream(folder + "/" + file) << "\n"; }
 
-    // The person's: asks for the dial as the answered question does, and does not wait for the
-    // tick.
+    // Requests the dial as the answered question does, and triggers the tick at once. Called on the
+    // person's thread.
     static void Dial(const char16_t* entry) {
         OnWindowThread([=] {
             lstrcpyW(session.settings.ras, entry);
@@ -81,7 +81,7 @@ class Dialling : public testing::Test {
     std::string folder;
 };
 
-// A dial that reaches the link when it is let, and holds it until it is asked to end.
+// A dial that reaches the link after Let("go") and keeps it until SIGTERM.
 inline const char kUp[] =
     "echo 'Serial connection established.'; echo 'Using interface ppp0'\n"
     "echo 'Connect: ppp0 <--> /dev/ttyS0'; echo 'PAP authentication succeeded'\n"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Dialling on the running program. The dial-up program is a script of the test's own that writes
-// the lines of pppd in their order and ends with its exit codes.
+// Dialling in the running program. The dial-up program is a script that writes the lines of pppd in
+// order and ends with its exit codes.
 #include "connection/connection.h"
 #include "terminal/screen_buffer.h"
 #include "tests/app/dial_stage.h"
@@ -88,7 +88,7 @@ TEST_F(Dialling, AnotherDialsFirstStateIsNotShownWhenItWasTheLast) {
     });
 }
 
-// Its own state, and its error with it, is passed over where the last dial ended in the same one.
+// A first state that equals the last state of the previous dial is ignored, and its error too.
 TEST_F(Dialling, TheLastStateOfADialIsNotForgottenByTheNext) {
     MakeEntry("depot");
     MakeProgram("exit 1\n");
@@ -105,7 +105,7 @@ TEST_F(Dialling, TheLastStateOfADialIsNotForgottenByTheNext) {
             lstrcpyW(session.settings.ras, u"depot");
             StartDial();
             EXPECT_EQ(session.dialling, 1u);
-            AnswerMessageBoxes(true);  // were one to come
+            AnswerMessageBoxes(true);  // if one appears
             OnDialEvent(RASCS_Disconnected, 676);
             AnswerMessageBoxes(false);
             EXPECT_EQ(session.dialling, 1u);
@@ -157,7 +157,7 @@ TEST_F(Dialling, ARequestIsTakenOnceHoweverLongItsBoxStaysOpen) {
     });
 }
 
-TEST_F(Dialling, AConnectionWithAnErrorConnectsAndTellsTheError) {
+TEST_F(Dialling, AConnectionWithAnErrorConnectsAndShowsTheError) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);
@@ -307,7 +307,7 @@ TEST_F(Dialling, TheSessionsEndHangsUpWithExitOnDisconnect) {
 
 // ---------------------------------------------------------------- failures
 
-TEST_F(Dialling, ABusyLineIsTold) {
+TEST_F(Dialling, ABusyLineIsReported) {
     MakeEntry("depot");
     MakeProgram(
         "echo 'send (ATDT5551234^M)'; echo 'Failed (BUSY)'\n"
@@ -340,7 +340,7 @@ TEST_F(Dialling, EveryExitCodeOfTheProgramIsAFailure) {
     });
 }
 
-TEST_F(Dialling, AMissingProgramIsToldAndTheUserMayConnectAgain) {
+TEST_F(Dialling, AMissingProgramIsReportedAndTheUserCanConnectAgain) {
     MakeEntry("depot");
     FakeHost host;
     RunProgram({}, [&] {
@@ -353,7 +353,7 @@ TEST_F(Dialling, AMissingProgramIsToldAndTheUserMayConnectAgain) {
     });
 }
 
-TEST_F(Dialling, AProgramThatMayNotBeStartedIsTold) {
+TEST_F(Dialling, AProgramThatCannotBeStartedIsReported) {
     MakeEntry("depot");
     MakeProgram("exit 0\n");
     fs::permissions(folder + "/pppd", fs::perms::owner_read);
@@ -364,7 +364,7 @@ TEST_F(Dialling, AProgramThatMayNotBeStartedIsTold) {
     });
 }
 
-TEST_F(Dialling, AnUnknownEntryIsTold) {
+TEST_F(Dialling, AnUnknownEntryIsReported) {
     MakeEntry("depot");
     MakeEntry("a-name-of-20-letters");
     RunProgram({}, [&] {
@@ -378,7 +378,7 @@ TEST_F(Dialling, AnUnknownEntryIsTold) {
     });
 }
 
-TEST_F(Dialling, NamesReachTheProgramAsTheyAre) {
+TEST_F(Dialling, NamesReachTheProgramUnchanged) {
     const std::pair<const char*, const char16_t*> names[] = {
         {"two words", u"two words"},
         {"it's \"mine\"", u"it's \"mine\""},
@@ -400,7 +400,7 @@ TEST_F(Dialling, NamesReachTheProgramAsTheyAre) {
     });
 }
 
-TEST_F(Dialling, ABabblingProgramDoesNotStopTheTerminal) {
+TEST_F(Dialling, AProgramThatFloodsItsLogDoesNotStopTheTerminal) {
     MakeEntry("depot");
     MakeProgram(
         "exec yes 'Connect: ppp0\nSerial connection established.\nPAP authentication "
@@ -447,7 +447,7 @@ TEST_F(Dialling, ALogThatIsClosedEarlyIsNotTheEnd) {
     });
 }
 
-TEST_F(Dialling, HangingUpWhatIsNoConnectionIsAnInvalidHandle) {
+TEST_F(Dialling, HangingUpAnUnknownConnectionReturnsInvalidHandle) {
     EXPECT_EQ(6u, RasHangUp(nullptr));
     EXPECT_EQ(6u, RasHangUp(reinterpret_cast<HRASCONN>(static_cast<UINT_PTR>(0x1234))));
 }
@@ -475,7 +475,7 @@ TEST_F(Dialling, LeavesNoDescriptorOpen) {
     EXPECT_EQ(open(), before);
 }
 
-// The connect that follows clears the screen, unless a session stands already.
+// The connect that follows would clear the screen, but not while a session is up.
 TEST_F(Dialling, ASuccessfulDialWritesItsLineBeforeItConnects) {
     FakeHost host;
     WithSession(host, [&] {
@@ -493,7 +493,7 @@ TEST_F(Dialling, ASuccessfulDialWritesItsLineBeforeItConnects) {
     });
 }
 
-TEST_F(Dialling, AnErrorIsShownWithWhateverNewStateItComes) {
+TEST_F(Dialling, AnErrorIsShownWithEveryNewState) {
     RunProgram({}, [] {
         OnWindowThread([] { session.dialling = 1; });
         PostToMain(WM_RASDIALEVENT, 5, 691);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where the boxes of the start stand, before there is a window and while the desktop places it.
+// The position of the message boxes at the start, before the window exists and while it is placed.
 #include <gtest/gtest.h>
 #include <QScreen>
 #include <QTimer>
@@ -12,11 +12,11 @@
 
 namespace {
 
-constexpr int kRounding = 2;  // pixels, halves and a frame's sides
+constexpr int kRounding = 2;  // pixels: rounding of halves, and frame widths
 const char kImportNotice[] = "Quill Telnet: Installing configuration from file \\mconfig.cfg ";
 const char kCannotConnect[] = "Error: Cannot connect to the UNIX Host";
 
-// On the window thread.
+// Call it on the window thread.
 QRect BoxPlace() { return ShownMessageBox() ? ShownMessageBox()->geometry() : QRect(); }
 
 bool CentredOn(QPoint middle) {
@@ -33,7 +33,7 @@ void ExpectCentredOn(QPoint middle) {
                                    << " in place of " << middle.x() << "," << middle.y();
 }
 
-TEST(FirstBox, StandsInTheMiddleOfTheDesktopWhileThereIsNoWindow) {
+TEST(FirstBox, IsCentredOnTheDesktopWhileThereIsNoWindow) {
     for (const auto& [width, height] : {std::pair(400, 300), {240, 320}}) {
         RunProgram({.width = width, .height = height, .config = "bell = 1\n"}, [] {
             ASSERT_EQ(AwaitBox(), kImportNotice);
@@ -46,7 +46,7 @@ TEST(FirstBox, StandsInTheMiddleOfTheDesktopWhileThereIsNoWindow) {
     }
 }
 
-TEST(FirstBox, StandsOverTheWindowsMiddle) {
+TEST(FirstBox, IsCentredOverTheWindow) {
     RunProgram({.width = 400, .height = 300}, [] {
         ASSERT_TRUE(Eventually([] { return DeviceScreen()->isVisible(); }));
         OnWindowThread([] { DeviceScreen()->move(210, 330); });
@@ -59,7 +59,7 @@ TEST(FirstBox, StandsOverTheWindowsMiddle) {
     });
 }
 
-// A desktop that gives a window its place some time after it is shown.
+// Simulates a desktop that places a window some time after it is shown.
 class LatePlacement : public QObject {
   public:
     LatePlacement() { DeviceScreen()->installEventFilter(this); }

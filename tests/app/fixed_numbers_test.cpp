@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Numbers that are fixed: those of the messages, which the receiving thread and the dial-up service
-// post, and what the program asks of the window manager.
+// Fixed numbers: those of the messages that the receiving thread and the dial-up service post, and
+// the window class that the program registers.
 #include <gtest/gtest.h>
 
 #include "platform/qt/window/window.h"
@@ -46,7 +46,7 @@ TEST(FixedNumbers, MessagesAreHandledByTheirNumbers) {
     });
 }
 
-// What the thread posts is looked at before the window thread takes it.
+// Checks what the thread posts before the window thread takes it.
 TEST(FixedNumbers, ReceivingThreadPostsTheNumbers) {
     FakeHost host;
     RunProgram({}, [&] {
@@ -75,7 +75,7 @@ TEST(FixedNumbers, ReceivingThreadPostsTheNumbers) {
     });
 }
 
-TEST(FixedNumbers, FirstActivityIsToldOnceASession) {
+TEST(FixedNumbers, FirstActivityIsReportedOncePerSession) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);
@@ -116,7 +116,7 @@ TEST(FixedNumbers, MainWindowsClassTakesDoubleClicksOnWhite) {
     });
 }
 
-TEST(FixedNumbers, MainWindowIsWhiteWhereNoChildLies) {
+TEST(FixedNumbers, MainWindowIsWhiteWhereNoChildCoversIt) {
     RunProgram({}, [] {
         ASSERT_TRUE(Eventually([] { return session.view.cell_height > 0; }));
         OnWindowThread([] {

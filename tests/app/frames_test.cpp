@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: MIT
-// What reaches the screen, and when: frames of the running program.
+// What the running program draws on the screen, and in which frames.
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <QScreen>
 #include <random>
 
-#include "platform/qt/shell/input_panel.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
-#include "platform/qt/window/frames.h"
+#include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "tests/support/drawn.h"
@@ -20,7 +19,7 @@
 
 namespace {
 
-// What the desktop shows, where Picture() draws anew.
+// The pixels that the desktop really shows; Picture() would draw the window again.
 QImage Glass() {
     QImage glass;
     OnWindowThread([&] {
@@ -38,7 +37,7 @@ bool AllPainted() {
     return true;
 }
 
-// Everything that the host sent is taken in and painted: its question is answered after it.
+// Waits until everything is handled and painted: the reply to a report request comes after it.
 void AwaitRest(FakeHost& host) {
     host.Send("\033[6n");
     std::string answer;
@@ -89,7 +88,7 @@ TEST(Frames, AnEchosFrameHoldsTheTerminalAndTheStatusLine) {
     });
 }
 
-TEST(Frames, AnEchoPaintsItsRowAlone) {
+TEST(Frames, AnEchoPaintsOnlyItsRow) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\033[2J\033[7;10H");
@@ -104,7 +103,7 @@ TEST(Frames, AnEchoPaintsItsRowAlone) {
     });
 }
 
-TEST(Frames, WhatChangesNeitherTextNorCellsPaintsNothing) {
+TEST(Frames, OutputThatChangesNeitherTextNorCellsPaintsNothing) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\033[2J\033[7;10Hsome text");
@@ -118,7 +117,7 @@ TEST(Frames, WhatChangesNeitherTextNorCellsPaintsNothing) {
     });
 }
 
-TEST(Frames, OfAStreamThereIsAtMostOneInSixteenMilliseconds) {
+TEST(Frames, AStreamIsPaintedAtMostOncePerSixteenMilliseconds) {
     FakeHost host;
     WithSession(host, [&] {
         using Clock = std::chrono::steady_clock;
@@ -187,7 +186,7 @@ TEST(Frames, AfterAResizeInAStreamTheScreenShowsTheGrid) {
     });
 }
 
-TEST(Frames, RowsUnderTheKeyboardLeaveItAlone) {
+TEST(Frames, RowsUnderTheKeyboardDoNotPaintOverIt) {
     FakeHost host;
     WithSession(host, [&] {
         ResizeDevice(640, 260);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Hanging up: dials and links that the user ends, or that another dial or the program's end does.
+// Hanging up: the user, another dial or the program's end ends dials and links.
 #include "connection/connection.h"
 #include "resources/resource_ids.h"
 #include "settings/toolbars.h"
@@ -106,8 +106,8 @@ TEST_F(HangUp, DiallingAgainWhileDiallingLeavesTheNewDialInProgress) {
     });
 }
 
-// The device's own end, which hangs up as well, comes after the person's.
-TEST_F(HangUp, EveryWayOutHangsUpBeforeTheProgramEnds) {
+// The end of the slice hangs up too, but only after the program has ended.
+TEST_F(HangUp, EveryWayToExitHangsUpBeforeTheProgramEnds) {
     MakeEntry("depot");
     MakeProgram(kUp, kEnds);
     void (*const ways_out[])() = {[] { RunCommand(IDM_EXIT); },
@@ -203,12 +203,12 @@ TEST_F(HangUp, TheLinkStaysWhileTheQuestionOfTheProgramsEndIsOpenAndAfterItsCanc
     });
 }
 
-// ---------------------------------------------------------------- hanging up and going on
+// ---------------------------------------------------------------- after a hang-up
 
-TEST_F(HangUp, AProgramThatEndsAsUsualIsGoneWhenTheHangUpReturns) {
+TEST_F(HangUp, AProgramThatEndsNormallyHasEndedWhenTheHangUpReturns) {
     MakeEntry("depot");
     MakeProgram("while :; do sleep 0.02; done\n", "sleep 0.2; exit 5");
-    services_test_hooks.dial_up_patience = 60000;  // a busy machine's usual may be long
+    services_test_hooks.dial_up_patience = 60000;  // a normal end may take long on a busy machine
     RunProgram({}, [&] {
         Dial(u"depot");
         ASSERT_TRUE(FileAppears(folder + "/process"));
@@ -219,7 +219,7 @@ TEST_F(HangUp, AProgramThatEndsAsUsualIsGoneWhenTheHangUpReturns) {
     });
 }
 
-TEST_F(HangUp, HangingUpGoesOnBeforeAProgramThatTakesItsTime) {
+TEST_F(HangUp, HangingUpDoesNotWaitForASlowProgram) {
     MakeEntry("depot");
     MakeProgram("await leave\nexit 5\n", ": >asked");
     FakeHost host;
@@ -284,7 +284,7 @@ TEST_F(HangUp, ADialThatIsHungUpWhileItWaitsForTheLineNeverStarts) {
     EXPECT_FALSE(fs::exists(folder + "/arguments"));
 }
 
-TEST_F(HangUp, AConnectionMadeInTheMomentOfTheHangUpBeginsNoSession) {
+TEST_F(HangUp, AConnectionMadeDuringTheHangUpStartsNoSession) {
     MakeEntry("depot");
     MakeProgram("await go\necho 'local  IP address 10.0.0.2'\nawait leave\n");
     FakeHost host;
@@ -311,7 +311,7 @@ TEST_F(HangUp, AConnectionMadeInTheMomentOfTheHangUpBeginsNoSession) {
     });
 }
 
-TEST_F(HangUp, AFailureInTheMomentOfTheHangUpIsNotTold) {
+TEST_F(HangUp, AFailureDuringTheHangUpIsNotReported) {
     MakeEntry("depot");
     MakeProgram("await go\nexit 1\n");
     RunProgram({}, [&] {

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The input panel: a keyboard for the stylus, and the rows that it leaves to the terminal.
+// The input panel: a keyboard for the stylus, and the rows of the terminal that it covers.
 #include <gtest/gtest.h>
 #include <QtTest/QTest>
 
-#include "platform/qt/shell/input_panel.h"
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
@@ -51,7 +50,7 @@ int RowsExpected(bool with_bar) {
     return height / session.view.cell_height + 1;
 }
 
-// A small device with a session, on which the person acts.
+// Runs the person's actions on a small device with a session.
 void OnSmallDevice(FakeHost& host, const std::function<void()>& person) {
     RunProgram(SmallDevice(), [&] {
         SetHost(u"127.0.0.1", host.port);
@@ -63,7 +62,7 @@ void OnSmallDevice(FakeHost& host, const std::function<void()>& person) {
     });
 }
 
-TEST(InputPanel, ButtonShowsAndHidesItAndTheShellTellsSo) {
+TEST(InputPanel, ButtonShowsAndHidesItAndTheShellReportsIt) {
     RunProgram(SmallDevice(), [] {
         ASSERT_TRUE(Eventually([] { return session.view.cell_height > 0; }));
         for (const bool up : {true, false}) {
@@ -146,7 +145,7 @@ TEST(InputPanel, CursorRowStaysOutOfTheCoveredRows) {
     });
 }
 
-TEST(InputPanel, CursorRowIsInSightAsSoonAsThePanelIsUp) {
+TEST(InputPanel, CursorRowIsVisibleAsSoonAsThePanelIsUp) {
     FakeHost host;
     OnSmallDevice(host, [&] {
         host.Send("\033[24;1Hat the foot");
@@ -192,7 +191,7 @@ TEST(InputPanel, HidingItTakesTheViewBackToTheTop) {
     });
 }
 
-TEST(InputPanel, OfflineTheRowsAreCountedAndTheTerminalLeftAlone) {
+TEST(InputPanel, OfflineTheRowsAreCountedAndTheTerminalIsUnchanged) {
     RunProgram(SmallDevice(), [] {
         ASSERT_TRUE(Eventually([] { return session.view.visible_rows > 0; }));
         int before = 0;
@@ -225,7 +224,7 @@ TEST(InputPanel, BarsHigherThanThePanelLeaveNoRowCovered) {
     });
 }
 
-// C's division: towards zero.
+// Integer division truncates, so a covered piece counts as a whole row.
 TEST(InputPanel, PartOfACellBelowThePanelCountsAsARow) {
     FakeHost host;
     OnSmallDevice(host, [] {
@@ -339,8 +338,8 @@ TEST(InputPanel, LatchesHoldForOneKey) {
     });
 }
 
-// As a real keyboard types them; Ctl with Space is the character 0.
-TEST(InputPanel, ControlCharactersThatAreNoLetters) {
+// The same as on a real keyboard; Ctl with Space is the character 0.
+TEST(InputPanel, ControlCharactersOtherThanLetters) {
     FakeHost host;
     OnSmallDevice(host, [&] {
         TapPanelButton();
@@ -379,7 +378,7 @@ TEST(InputPanel, KeysFillItWithoutOverlapOnEveryWidth) {
     });
 }
 
-// On the window thread: ink beside a key's label, between it and the key's frame.
+// True if there is ink between a key's label and its frame. Call it on the window thread.
 bool TouchesItsEdge(PanelKey* key) {
     const QImage face = key->grab().toImage().convertToFormat(QImage::Format_Grayscale8);
     for (const int x : {1, 2, face.width() - 3, face.width() - 2})
@@ -395,7 +394,7 @@ TEST(InputPanel, EveryLabelKeepsClearOfItsKeysEdge) {
             if (*latch) Tap(latch);
             OnWindowThread([=] {
                 for (PanelKey* key : ShellInputPanel()->findChildren<PanelKey*>()) {
-                    if (key->accessibleName() == latch) continue;  // it is lit: light on dark
+                    if (key->accessibleName() == latch) continue;  // light on dark
                     EXPECT_FALSE(TouchesItsEdge(key)) << key->text().toStdString();
                 }
             });
@@ -427,7 +426,7 @@ TEST(InputPanel, EverySizeOfTheDeviceWhileItIsUpAndTheHostFloods) {
 
 // ---------------------------------------------------------------- under a dialog
 
-// Through the window system, which keeps the mouse from a window under a dialog.
+// Clicks through the window system, which blocks the mouse for windows below a modal dialog.
 void TapAsTheDesktopDoes(const QString& label) {
     OnWindowThread([&] {
         PanelKey* key = KeyLabelled(label);
@@ -471,7 +470,7 @@ TEST(InputPanel, TypesIntoADialog) {
     });
 }
 
-TEST(InputPanel, TypesIntoADialogOverTheSheetAndTheSheetStandsAboveIt) {
+TEST(InputPanel, TypesIntoADialogOverTheSheetAndTheSheetStaysAboveThePanel) {
     RunProgram(SmallDevice(), [&] {
         TapPanelButton();
         const HWND sheet = OpenOnSmallDevice(40012);
@@ -512,7 +511,7 @@ TEST(InputPanel, FollowsADeviceResizedUnderADialog) {
     });
 }
 
-TEST(InputPanel, KeyThatClosesADialogIsNotHeldOn) {
+TEST(InputPanel, KeyThatClosesADialogIsReleased) {
     RunProgram(SmallDevice(), [&] {
         TapPanelButton();
         const HWND dialog = OpenOnSmallDevice(126);
@@ -528,7 +527,7 @@ TEST(InputPanel, KeyThatClosesADialogIsNotHeldOn) {
     });
 }
 
-TEST(InputPanel, ProgramEndsUnderADialogWithIt) {
+TEST(InputPanel, ProgramCanEndWhileADialogUsesIt) {
     const int result = RunProgram(SmallDevice(), [&] {
         TapPanelButton();
         OpenOnSmallDevice(40011);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Keys closely: the accelerators, what reaches the host of a key press, stored sequences.
+// Edge cases of keys: accelerators, what a key press sends to the host, stored sequences.
 #include <gtest/gtest.h>
 #include <QKeyEvent>
 #include <QtTest/QTest>
 
-#include "platform/qt/shell/input_panel.h"
+#include "platform/qt/shell/shell.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
 #include "tests/qt_driver/driver.h"
@@ -21,7 +21,7 @@ bool Ended() {
 
 // ---------------------------------------------------------------- accelerators
 
-// As X11 gives them: Shift turns = into + and - into _.
+// The key events of X11: Shift turns = into + and - into _.
 void Strike(int key, Qt::KeyboardModifiers modifiers, const QString& text = QString()) {
     OnWindowThread([=] {
         for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
@@ -62,7 +62,7 @@ TEST(KeyEdges, AcceleratorsDisconnectAndExit) {
     });
 }
 
-TEST(KeyEdges, KeysBesideTheAcceleratorsAreTheHosts) {
+TEST(KeyEdges, KeysOtherThanTheAcceleratorsGoToTheHost) {
     FakeHost host;
     WithSession(host, [&] {
         Strike(Qt::Key_N, Qt::ControlModifier, "\x0e");
@@ -105,7 +105,7 @@ TEST(KeyEdges, KeysAndCharactersAreEscapedByTheSessionsFlag) {
     });
 }
 
-TEST(KeyEdges, TerminalsReportsGoUnescapedWhateverTypedDataDoes) {
+TEST(KeyEdges, TerminalReportsAreSentUnescapedWhateverTypedDataDoes) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.telnet.escape_iac = 1; });
@@ -139,7 +139,7 @@ TEST(KeyEdges, CharacterAfterAMenusKeyIsTyped) {
     });
 }
 
-TEST(KeyEdges, NewlineModeChangesEnterAlone) {
+TEST(KeyEdges, NewlineModeChangesOnlyEnter) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.modes.newline_mode = 1; });
@@ -199,7 +199,7 @@ void StoreKey(LPCWSTR name, const std::u16string& text) {
     RegCloseKey(key);
 }
 
-TEST(KeyEdges, StoredSequenceThatIsTooLongIsTheDefault) {
+TEST(KeyEdges, StoredSequenceThatIsTooLongIsReplacedByTheDefault) {
     FakeHost host;
     Stage stage;
     stage.before = [] {

@@ -87,7 +87,7 @@ TEST(Keyboard, ControlCharactersAreDroppedWhileEscapeIacIsSet) {
     });
 }
 
-TEST(Keyboard, CharactersBelow32AreDroppedWhileEscapeIacIsSetAndNoneFrom32On) {
+TEST(Keyboard, OnlyCharactersBelow32AreDroppedWhileEscapeIacIsSet) {
     FakeHost host;
     WithSession(host, [&] {
         std::string all, printable;
@@ -162,7 +162,7 @@ TEST(Keyboard, AltGrCharactersOfEuropeanLayoutsAreTyped) {
     });
 }
 
-TEST(Keyboard, CharactersGoThroughTheAnsiCodePageOneByteEach) {
+TEST(Keyboard, CharactersAreConvertedToTheAnsiCodePageOneByteEach) {
     FakeHost host;
     WithSession(host, [&] {
         Strike(0, Qt::NoModifier, QString(QChar(0xe9)));
@@ -189,12 +189,12 @@ TEST(Keyboard, OneKeyPressReachesTheHostOnce) {
     });
 }
 
-// ---------------------------------------------------------------- keys that the table names
+// ---------------------------------------------------------------- keys in the table
 
 struct NamedKey {
     int key;
     Qt::KeyboardModifiers modifiers;
-    const char* character;  // as the desktop gives it with the key
+    const char* character;  // the character that the desktop sends with the key
     int row;
 };
 
@@ -225,7 +225,7 @@ void BeginSession(FakeHost& host) {
     ASSERT_TRUE(TerminalShows("hello"));
 }
 
-TEST(Keyboard, KeyThatTheTableNamesNeverGoesAsItsCharacter) {
+TEST(Keyboard, KeyInTheTableIsNeverSentAsItsCharacter) {
     const std::u16string texts[] = {u"",         u"\\000", u"\\",
                                     u"\\000abc", u"\\08",  std::u16string(255, u'x')};
     FakeHost host;
@@ -250,7 +250,7 @@ TEST(Keyboard, KeyThatTheTableNamesNeverGoesAsItsCharacter) {
     });
 }
 
-TEST(Keyboard, BackspaceWithItsDefaultRowGoesAsItsCharacterAndSoDoKeysBesideTheTable) {
+TEST(Keyboard, BackspaceWithItsDefaultRowAndKeysOutsideTheTableAreSentAsCharacters) {
     FakeHost host;
     WithSession(host, [&] {
         const auto strike = [&] {
@@ -270,7 +270,7 @@ TEST(Keyboard, BackspaceWithItsDefaultRowGoesAsItsCharacterAndSoDoKeysBesideTheT
     });
 }
 
-// A dead key before it gives a press a second character.
+// A dead key pressed before adds a second character to a press.
 TEST(Keyboard, OneCharacterIsKeptBackForAKeyThatTheTableTakes) {
     FakeHost host;
     RunProgram({}, [&] {
@@ -372,7 +372,7 @@ TEST(Keyboard, SequencesOf255BytesAndMoreAreNotSent) {
     });
 }
 
-TEST(Keyboard, EmptySequencesAndThoseWithAZeroSendWhatIsBeforeIt) {
+TEST(Keyboard, SequencesEndAtTheirFirstZeroByte) {
     FakeHost host;
     WithSession(host, [&] {
         for (const auto& [text, sent] : {std::pair(u"", ""), std::pair(u"ab\\000cd", "ab"),

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The main window where its messages, boxes, menus, keys and the input panel meet half way.
+// The main window when messages, boxes, menus, keys and the input panel interrupt each other.
 #include <gtest/gtest.h>
 #include <QInputMethodEvent>
 #include <QMenu>
 #include <QtTest/QTest>
 
 #include "connection/connection.h"
-#include "platform/qt/shell/input_panel.h"
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "platform/qt/window/window_widget.h"
@@ -61,7 +60,7 @@ void ShowPanel(bool up) {
     ASSERT_TRUE(Eventually([=] { return session.input_panel_up == (up ? 1u : 0u); }));
 }
 
-// The lower edge of the cursor's row, and the panel's upper one, on the screen.
+// True if the lower edge of the cursor's row is above the panel's upper edge on the screen.
 bool CursorAboveThePanel() {
     UpdateWindow(session.client_window);
     RECT client;
@@ -77,7 +76,7 @@ bool FootStaysInSight(FakeHost& host) {
 
 // ---------------------------------------------------------------- focus
 
-TEST(MainWindowEdges, KeysAreTheHostsAfterATapOnTheTerminal) {
+TEST(MainWindowEdges, KeysGoToTheHostAfterATapOnTheTerminal) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] {
@@ -91,7 +90,7 @@ TEST(MainWindowEdges, KeysAreTheHostsAfterATapOnTheTerminal) {
     });
 }
 
-TEST(MainWindowEdges, KeysAreTheHostsAfterAScrollBarWasUsed) {
+TEST(MainWindowEdges, KeysGoToTheHostAfterAScrollBarWasUsed) {
     FakeHost host;
     OnDevice(240, 200, [&] {
         ConnectTo(host);
@@ -110,7 +109,7 @@ TEST(MainWindowEdges, KeysAreTheHostsAfterAScrollBarWasUsed) {
 
 // ---------------------------------------------------------------- the input panel's rows
 
-TEST(MainWindowEdges, PanelThatWasUpBeforeTheSessionKeepsTheCursorInSight) {
+TEST(MainWindowEdges, PanelThatWasUpBeforeTheSessionKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         ShowPanel(true);
@@ -119,7 +118,7 @@ TEST(MainWindowEdges, PanelThatWasUpBeforeTheSessionKeepsTheCursorInSight) {
     });
 }
 
-TEST(MainWindowEdges, SmallerFontUnderThePanelKeepsTheCursorInSight) {
+TEST(MainWindowEdges, SmallerFontUnderThePanelKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         OnWindowThread([] { session.settings.fsize = 20; });
@@ -132,7 +131,7 @@ TEST(MainWindowEdges, SmallerFontUnderThePanelKeepsTheCursorInSight) {
     });
 }
 
-TEST(MainWindowEdges, WiderDeviceUnderThePanelKeepsTheCursorInSight) {
+TEST(MainWindowEdges, WiderDeviceUnderThePanelKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         ConnectTo(host);
@@ -144,7 +143,7 @@ TEST(MainWindowEdges, WiderDeviceUnderThePanelKeepsTheCursorInSight) {
     });
 }
 
-TEST(MainWindowEdges, StatusBarHiddenUnderThePanelKeepsTheCursorInSight) {
+TEST(MainWindowEdges, StatusBarHiddenUnderThePanelKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         ConnectTo(host);
@@ -158,7 +157,7 @@ TEST(MainWindowEdges, StatusBarHiddenUnderThePanelKeepsTheCursorInSight) {
     });
 }
 
-TEST(MainWindowEdges, SettingChangesWithoutEndLeaveTheStateTheShellTellsLast) {
+TEST(MainWindowEdges, ManySettingChangesEndInTheShellsLastState) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         ConnectTo(host);
@@ -214,7 +213,7 @@ TEST(MainWindowEdges, MinimisingTheDesktopWindowIsTheCloseButton) {
     });
 }
 
-TEST(MainWindowEdges, KeysAndInputMethodUnderABoxAreNotTheHosts) {
+TEST(MainWindowEdges, KeysAndInputMethodUnderABoxDoNotReachTheHost) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.settings.confirm_exit = 1; });
@@ -296,7 +295,7 @@ TEST(MainWindowEdges, BoxThatComesOverAnOpenMenuClosesIt) {
     });
 }
 
-TEST(MainWindowEdges, AltAloneLeadsToTheMenus) {
+TEST(MainWindowEdges, AltAloneActivatesTheMenus) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] {
@@ -325,9 +324,9 @@ TEST(MainWindowEdges, ScreenOf350PixelsTakesTheLongFormat) {
         });
 }
 
-// ---------------------------------------------------------------- messages and commands, closely
+// ---------------------------------------------------------------- messages and commands
 
-TEST(MainWindowEdges, ChildWindowsBearTheirNumbers) {
+TEST(MainWindowEdges, ChildWindowsHaveTheirNumbers) {
     RunProgram({}, [] {
         OnWindowThread([] {
             ASSERT_NE(session.client_window, nullptr);
@@ -338,7 +337,7 @@ TEST(MainWindowEdges, ChildWindowsBearTheirNumbers) {
     });
 }
 
-TEST(MainWindowEdges, WidthsAreThoseOfTheWindowsAsTheyWereMade) {
+TEST(MainWindowEdges, WidthsAreThoseAtTheCreationOfTheWindows) {
     OnDevice(300, 320, [] {
         int client = 0;
         OnWindowThread([&] {
@@ -402,7 +401,7 @@ TEST(MainWindowEdges, ExitAndMinimisingForgetTheDialUpConnection) {
     }
 }
 
-TEST(MainWindowEdges, InactiveWindowLeavesThePanelsChangeAlone) {
+TEST(MainWindowEdges, InactiveWindowIgnoresThePanelsChange) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.settings.confirm_exit = 1; });
@@ -511,7 +510,7 @@ const EndCase kEnds[] = {{"Plain", NothingMore},
 
 class EndInASession : public testing::TestWithParam<EndCase> {};
 
-TEST_P(EndInASession, SessionEndThatEndsTheProgramDoesSo) {
+TEST_P(EndInASession, ExitOnDisconnectEndsTheProgram) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([] { session.settings.confirm_exit = session.settings.exit_dis = 1; });

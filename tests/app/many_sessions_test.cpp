@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A program that is left open for weeks: what a session or a change of the bar takes, it gives
-// back.
+// A program that runs for weeks: every session and every change of the bar releases what it
+// allocates.
 #include <gtest/gtest.h>
 #include <QToolButton>
 #include <set>
@@ -17,11 +17,11 @@
 namespace {
 
 constexpr int kTimes = 500;
-constexpr int kWarmUp = 30;           // until every picture, font and table is there
-constexpr size_t kBytesEach = 200;    // what the heap may grow by for other reasons
+constexpr int kWarmUp = 30;           // until every picture, font and table is loaded
+constexpr size_t kBytesEach = 200;    // growth of the heap for other reasons, each time
 constexpr size_t kMostPictures = 28;  // 27 rows, and "disconnect"
 
-// On the window thread: has the bar drawn, and adds the pictures of its buttons.
+// Draws the bar and adds the pictures of its buttons. Call it on the window thread.
 void LookAtBar(std::set<qint64>* pictures) {
     QWidget* bar = FindWindowRecord(session.command_bar)->widget;
     bar->grab();
@@ -53,7 +53,7 @@ void SwapBar(std::set<qint64>* pictures) {
     });
 }
 
-// Does it often, once everything that is made only once is made.
+// Repeats `once` many times, after a warm-up for everything that is created only once.
 void ExpectNothingStays(std::set<qint64>* pictures, const std::function<void()>& once) {
     for (int i = 0; i < kWarmUp; i++) once();
     const size_t before = Heap(), drawn = pictures->size();

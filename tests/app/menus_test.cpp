@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The menu bars: what they hold, how a person reaches it, and what each entry does.
+// The menu bars: their entries, how a person opens them, and what each entry does.
 #include <gtest/gtest.h>
 #include <QMenu>
 #include <QtTest/QTest>
 
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "session/session_state.h"
 #include "settings/key_map.h"
@@ -62,7 +62,7 @@ bool Shown(const QString& title) {
     return Eventually([&] { return MenuOf(title) && MenuOf(title)->isVisible(); });
 }
 
-// A key as the desktop gives it, with the shortcuts that come before it.
+// Sends a key as the desktop does, with the check for shortcuts first.
 void Strike(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     OnWindowThread([=] {
         QWidget* target = QApplication::activePopupWidget();
@@ -171,7 +171,7 @@ TEST(Menus, KeysAndFunctionKeysDoNothingOffline) {
     });
 }
 
-// The toolkit draws a line below a bar, and the titles over it.
+// The toolkit draws a line below a bar and draws the titles over it.
 TEST(Menus, NoLineIsDrawnBelowTheTitles) {
     RunProgram({}, [] {
         ASSERT_TRUE(Eventually([] { return !BarTitles().isEmpty(); }));
@@ -181,6 +181,44 @@ TEST(Menus, NoLineIsDrawnBelowTheTitles) {
             for (const int y : {bar.bottom() - 1, bar.bottom()})
                 for (int x = 0; x < bar.width(); x++)
                     ASSERT_EQ(strip.pixel(x, y), strip.pixel(0, 0)) << x << "," << y;
+        });
+    });
+}
+
+QImage StripAtScale(double scale) {
+    QImage picture((QSizeF(ShellMenuStrip()->size()) * scale).toSize(), QImage::Format_RGB32);
+    picture.setDevicePixelRatio(scale);
+    ShellMenuStrip()->render(&picture);
+    return picture;
+}
+
+// Where a pixel of the screen is not a pixel of the device, the line may cover parts of two.
+TEST(Menus, NoLineIsDrawnBelowTheTitlesAtAnyScale) {
+    RunProgram({}, [] {
+        ASSERT_TRUE(Eventually([] { return !BarTitles().isEmpty(); }));
+        OnWindowThread([] {
+            const QRect bar = ShellMenuStrip()->bar()->geometry();
+            for (const double scale : {1.0, 1.25, 1.5, 1.75, 2.0, 2.5, 3.0}) {
+                const QImage strip = StripAtScale(scale);
+                const int right = static_cast<int>(bar.width() * scale);
+                for (int y = static_cast<int>((bar.bottom() - 1) * scale); y < strip.height(); ++y)
+                    for (int x = 0; x < right; ++x)
+                        ASSERT_EQ(strip.pixel(x, y), strip.pixel(0, 0))
+                            << x << "," << y << " at " << scale;
+            }
+        });
+    });
+}
+
+TEST(Menus, TheKeyboardsPictureIsMadeForTheDensity) {
+    RunProgram({}, [] {
+        OnWindowThread([] {
+            const QIcon icon = ShellMenuStrip()->panel_button()->icon();
+            for (const double density : {1.0, 1.25, 2.0, 3.0}) {
+                const QPixmap picture = icon.pixmap(QSize(22, 14), density);
+                EXPECT_EQ(picture.size(), (QSizeF(22, 14) * density).toSize());
+                EXPECT_EQ(picture.devicePixelRatio(), density);
+            }
         });
     });
 }
@@ -242,8 +280,8 @@ TEST(Menus, AltWithALetterAndTheArrowsReachEveryEntry) {
     });
 }
 
-// Whether the terminal keeps a key to itself, so that the desktop does not look for it among the
-// menus' letters.
+// True if the terminal accepts the key, so that the desktop does not treat it as the letter of a
+// menu.
 bool KeepsKey(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     bool kept = false;
     OnWindowThread([&] {
@@ -255,7 +293,7 @@ bool KeepsKey(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     return kept;
 }
 
-TEST(Menus, KeysWithoutAltAreNotLookedForAmongThem) {
+TEST(Menus, KeysWithoutAltStayWithTheTerminal) {
     FakeHost host;
     WithSession(host, [] {
         EXPECT_TRUE(KeepsKey(Qt::Key_K, Qt::NoModifier));
@@ -274,7 +312,7 @@ TEST(Menus, F10OpensThemOffline) {
     });
 }
 
-TEST(Menus, F10IsTheHostsInASession) {
+TEST(Menus, F10GoesToTheHostInASession) {
     FakeHost host;
     WithSession(host, [&] {
         PressKey(Qt::Key_F10);

@@ -19,7 +19,7 @@ QString ManyLines(int bytes) {
 
 std::string AsSent(const QString& text) { return QString(text).replace('\n', '\r').toStdString(); }
 
-// Its side of the connection takes little before it reads.
+// Makes the host's receive buffer small.
 void KeepLittle(const FakeHost& host) {
     const int bytes = 8192;
     ::setsockopt(host.listener, SOL_SOCKET, SO_RCVBUF, &bytes, sizeof(bytes));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Sessions at their edges: ends that meet other steps half way, windows while the host floods.
+// Edge cases of sessions: an end during another step, and windows while the host floods.
 #include <gtest/gtest.h>
 #include <QInputMethodEvent>
 
@@ -18,7 +18,7 @@ namespace {
 const char kClosed[] = "Error: Connection to the UNIX Host has been closed...";
 const char kMayClose[] = "Warning: Do you really want to close this program";
 
-// Sends without end until the program has closed its side.
+// Sends without a pause until the program has closed its side.
 struct Flood {
     explicit Flood(FakeHost& to) : host(to) {
         for (int i = 0; i < 200; i++) block += "a line of the fast stream that scrolls by\r\n";
@@ -115,7 +115,7 @@ TEST(SessionEdges, MinimisingEndsTheProgramWhileTheHostFloods) {
     EXPECT_EQ(ended, 1);
 }
 
-TEST(SessionEdges, DataGoesOnWhileTheCloseQuestionIsOpen) {
+TEST(SessionEdges, DataKeepsArrivingWhileTheCloseQuestionIsOpen) {
     FakeHost host;
     int ended = 0;
     WithSession(host, [&] {
@@ -199,7 +199,7 @@ TEST(SessionEdges, CloseWhileARequestIsPendingEndsTheProgram) {
     });
 }
 
-TEST(SessionEdges, EachSessionNegotiatesAnew) {
+TEST(SessionEdges, EachSessionNegotiatesFromTheStart) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);
@@ -215,7 +215,7 @@ TEST(SessionEdges, EachSessionNegotiatesAnew) {
     });
 }
 
-TEST(SessionEdges, SubnegotiationThatADroppedLineBrokeOffGoesOnInTheNextSession) {
+TEST(SessionEdges, SubnegotiationCutByADroppedLineContinuesInTheNextSession) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);

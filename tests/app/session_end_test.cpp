@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The boxes at a session's end and at a request's, and the state that is shown and kept under each.
+// The boxes at the end of a session or a request, and the state of the program under each box.
 #include <gtest/gtest.h>
 #include <QMenu>
 
 #include "connection/connection.h"
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 #include "protocol/ssh/ssh_session.h"
 #include "session/session_state.h"
 #include "tests/qt_driver/driver.h"
@@ -37,7 +37,7 @@ HWND CommandBar() {
     return bar;
 }
 
-// A session that the user closes, so that what follows meets a used record.
+// Opens a session and closes it, so that the test continues with a used session record.
 void UseOnce(FakeHost& host) {
     SetHost(u"127.0.0.1", host.port);
     Connect();
@@ -135,7 +135,7 @@ TEST(SessionEnd, MenusAreOfflineBeforeTheBoxOfAClosedSession) {
     });
 }
 
-TEST(SessionEnd, MenusAreMadeAfterTheBoxOfASessionThatWasNotPossible) {
+TEST(SessionEnd, MenusAreRebuiltAfterTheBoxOfASessionThatWasNotPossible) {
     FakeHost host;
     RunProgram({}, [&] {
         UseOnce(host);

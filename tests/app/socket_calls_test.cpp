@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the program asks of the socket library, call by call: the calls pass through a layer that
-// writes them down, and that answers look-ups with the addresses of the test.
+// The program's calls of the socket library. A layer records the calls, passes them on, and answers
+// look-ups with the addresses of the test.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -17,17 +17,17 @@ namespace {
 
 struct SelectCall {
     bool reads;
-    long seconds, microseconds;  // -1: without a time-out
+    long seconds, microseconds;  // -1: no time-out
 };
 
 struct SocketLog {
     std::mutex mutex;
     std::vector<WORD> versions;
     std::vector<std::string> names;
-    std::vector<uint32_t> addresses;  // of each answer, where there are any
-    std::vector<int> reads;           // bytes that a recv may take
+    std::vector<uint32_t> addresses;  // the answers to look-ups; empty: the real ones
+    std::vector<int> reads;           // the buffer size of each recv
     std::vector<SelectCall> selects;
-    std::vector<std::pair<SOCKET, int>> ends;  // a shutdown and its way; -1: a close
+    std::vector<std::pair<SOCKET, int>> ends;  // a shutdown and its direction; -1: a close
 };
 SocketLog g_log;
 
@@ -168,7 +168,7 @@ TEST(SocketCalls, DottedAddressOf59CharactersIsTakenWhole) {
     });
 }
 
-// The others are no way to the host: nobody listens there.
+// Nobody listens at the other addresses.
 TEST(SocketCalls, FirstAddressOfAnAnswerIsConnectedTo) {
     FakeHost host;
     ForgetCalls();
@@ -189,7 +189,7 @@ TEST(SocketCalls, FirstAddressOfAnAnswerIsConnectedTo) {
     ForgetCalls();
 }
 
-// The request goes to nobody: the call is answered before it reaches the network.
+// The layer answers the connect call, so the request does not reach the network.
 TEST(SocketCalls, PortOf65559Is23OnTheWire) {
     RunProgram({}, [] {
         for (const DWORD port : {23u, 65559u, 0x80000017u, 0xFFFF0017u}) {
@@ -209,7 +209,7 @@ TEST(SocketCalls, PortOf65559Is23OnTheWire) {
     });
 }
 
-TEST(SocketCalls, ReadTakes3000BytesWhereThereAreAsMany) {
+TEST(SocketCalls, ReadTakes3000BytesWhenThatManyAreAvailable) {
     FakeHost host;
     WithSession(host, [&] {
         ForgetCalls();
@@ -297,8 +297,8 @@ TEST(SocketCalls, EachWaitForTheSocketEndsAfterAFifthOfASecond) {
     });
 }
 
-// The calls are counted, not the time: a thread that spins makes thousands.
-TEST(SocketCalls, HeldBufferIsWaitedForWithoutReadingOrSpinning) {
+// The test counts calls, not time: a thread that spins makes thousands of calls.
+TEST(SocketCalls, ThreadWaitsForTheBufferWithoutReadingOrSpinning) {
     FakeHost host;
     WithSession(host, [&] {
         OnWindowThread([&] {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What start-up and the program's end ask of the windows and the socket library, call by call.
+// The calls of start-up and program end to the windows and the socket library.
 #include <gtest/gtest.h>
 
 #include "session/session_state.h"
@@ -63,7 +63,7 @@ LRESULT LoggedSend(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
 
 namespace {
 
-// The calls that start-up itself makes, up to the person's first step.
+// The calls that start-up makes before the person's first step.
 std::vector<Call> CallsOfAStart(Stage stage, const std::function<void()>& person) {
     const auto before = stage.before;
     stage.before = [=] {
@@ -108,7 +108,7 @@ TEST(StartCalls, SecondStartRaisesShowsAndPaintsTheFirst) {
     });
 }
 
-TEST(StartCalls, MenusAreMadeAnewAfterAnAutoconnectThatHasNotBeenAnswered) {
+TEST(StartCalls, MenusAreRebuiltAfterAnAutoconnectThatIsStillPending) {
     const auto rebuilds = [](const std::vector<Call>& calls) {
         int count = 0;
         for (const Call& call : calls) count += call.name == "rebuild";

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Start-up: the order of things, the exit codes, one program a device.
+// Start-up: its order of steps, the exit codes, and that a device runs one program at a time.
 #include <gtest/gtest.h>
 #include <filesystem>
 #include <QLockFile>
@@ -156,7 +156,7 @@ TEST(StartUp, CloseButtonEndsTheProgramWithCode0) {
               0);
 }
 
-// What it says goes into `said`.
+// Starts the program again; returns its exit code. `said` gets its output.
 int StartSecond(const std::string& root, QByteArray* said = nullptr) {
     QProcess second;
     second.setProcessChannelMode(QProcess::MergedChannels);
@@ -164,7 +164,7 @@ int StartSecond(const std::string& root, QByteArray* said = nullptr) {
                                  QString::fromStdString(root)});
     EXPECT_TRUE(second.waitForFinished(20000));
     for (QByteArray line = second.readLine(); said && !line.isEmpty(); line = second.readLine())
-        if (line.startsWith("quill")) *said += line;  // the toolkit may say something too
+        if (line.startsWith("quill")) *said += line;  // the toolkit may print lines too
     return second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
 }
 
@@ -177,7 +177,7 @@ TEST(StartUp, SecondStartShowsTheFirstAndEndsWithCode0) {
     });
 }
 
-// Something else lies over the notice; the second start brings it up again.
+// Another window covers the notice; the second start raises the notice.
 TEST(StartUp, SecondStartDuringTheImportNoticeShowsTheNotice) {
     const std::string root = FreshRoot();
     RunProgram({.root = root, .config = "bell = 0\n"}, [&] {
@@ -219,7 +219,7 @@ TEST(StartUp, SecondStartDuringAQuestionBringsTheQuestionUp) {
     });
 }
 
-// Somebody holds the lock who does not listen.
+// Another process holds the lock but does not listen.
 TEST(StartUp, SecondStartThatGetsNoAnswerSaysSo) {
     const std::string root = FreshRoot();
     QLockFile lock(QString::fromStdString(root) + "/instance.lock");
@@ -243,7 +243,7 @@ TEST(StartUp, SecondStartLeavesTheFirstSessionAlone) {
     });
 }
 
-TEST(StartUp, ResetLeavesNoValueAndEndsTheProgram) {
+TEST(StartUp, ResetDeletesEveryValueAndEndsTheProgram) {
     const std::string root = FreshRoot();
     RunProgram({.root = root}, [] { OnWindowThread([] { SaveSettings(); }); });
     RunProgram({.root = root}, [] {
@@ -273,8 +273,8 @@ void ExpectBox(const std::string& text, QMessageBox::Icon icon,
     });
 }
 
-// The values are gone, and the settings are still to be saved, while the last box stands.
-TEST(StartUp, ResetAsksTwiceDeletesThenTellsSo) {
+// While the last box is open, the values are deleted and saving is still enabled.
+TEST(StartUp, ResetAsksTwiceDeletesThenReportsIt) {
     const auto both = QMessageBox::Ok | QMessageBox::Cancel;
     const auto stored = [](DWORD expected) {
         OnWindowThread([=] {
@@ -300,7 +300,7 @@ TEST(StartUp, ResetAsksTwiceDeletesThenTellsSo) {
     });
 }
 
-TEST(StartUp, ResetIsCalledOffByEitherCancel) {
+TEST(StartUp, EitherCancelStopsTheReset) {
     RunProgram({}, [] {
         PostToMain(WM_COMMAND, 40111);
         EXPECT_NE(AwaitBox(), "");
@@ -320,7 +320,7 @@ TEST(StartUp, ExitCodeIsThatOfTheQuitMessage) {
     EXPECT_EQ(RunProgram({}, [] { OnWindowThread([] { PostQuitMessage(7); }); }), 7);
 }
 
-TEST(StartUp, AutoconnectConnectsWhenItIs1Alone) {
+TEST(StartUp, AutoconnectConnectsOnlyWhenItIs1) {
     for (const char* value : {"0", "2"}) {
         FakeHost host;
         const std::string config = "host = \"127.0.0.1\"\nport = " + std::to_string(host.port);
@@ -332,7 +332,7 @@ TEST(StartUp, AutoconnectConnectsWhenItIs1Alone) {
     }
 }
 
-// Looked at as it is made: a screen that is shown or resized later fits the window in again.
+// Checks the window at its creation: a screen that is shown or resized later adjusts it again.
 TEST(StartUp, MainWindowTakesTheVisibleDesktopLessTheMenuBarUnlessThePanelIsUp) {
     for (const bool up : {false, true}) {
         RunProgram({.width = 500, .height = 400}, [&] {
@@ -354,7 +354,7 @@ TEST(StartUp, MainWindowTakesTheVisibleDesktopLessTheMenuBarUnlessThePanelIsUp) 
     }
 }
 
-TEST(StartUp, SettingsAreSavedAtExitWhenThatIsWantedAlone) {
+TEST(StartUp, SettingsAreSavedAtExitOnlyWhenThatIsWanted) {
     for (const DWORD wanted : {0u, 2u}) {
         const std::string root = FreshRoot();
         RunProgram({.root = root}, [&] {

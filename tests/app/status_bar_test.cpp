@@ -162,7 +162,7 @@ TEST(StatusBar, AnyValueButZeroHidesIt) {
     });
 }
 
-TEST(StatusBar, FormatIsThatOfTheScreenAtTheStartWhateverSizeItHasLater) {
+TEST(StatusBar, FormatDependsOnTheScreenSizeAtTheStart) {
     const struct {
         int width, later;
         const char* text;

@@ -22,7 +22,7 @@ namespace {
 
 QWidget* Terminal() { return FindWindowRecord(session.client_window)->widget; }
 
-// The middle of a cell of the unscrolled screen, in the terminal's window.
+// The middle of a cell of the unscrolled screen, in coordinates of the terminal window.
 QPoint Middle(int row, int col) {
     const ViewState& view = session.view;
     return QPoint((col - 1) * view.cell_width + view.cell_width / 2,
@@ -95,7 +95,7 @@ TEST(Stylus, CopyCommandWithoutASelectionLeavesTheClipboard) {
     });
 }
 
-// The button of that action on the bar that is shown.
+// The button of that action on the visible bar.
 void PressButtonOf(int action) {
     OnWindowThread([=] {
         for (WORD i = 0; i <= IDM_TOOLBAR_LAST - IDM_TOOLBAR_FIRST; i++)
@@ -130,7 +130,7 @@ TEST(Stylus, CopiedTextPastesAsRowsWithCarriageReturns) {
     });
 }
 
-TEST(Stylus, LettersBeyondAsciiReachTheDesktopAsTheyLook) {
+TEST(Stylus, LettersBeyondAsciiReachTheDesktopAsDisplayed) {
     WithText("\033[3;1Hcaf\xe9 \xa3", [](FakeHost&) {
         DragCells(3, 1, 3, 6);
         ASSERT_TRUE(Selected(3, 1, 3, 6));
@@ -357,7 +357,7 @@ QPointingDevice* Screen() {
     return device;
 }
 
-// Touch events as the desktop sends them, one finger an entry.
+// Touch events as the desktop sends them, one entry for each finger.
 void Touch(const std::function<void(QTest::QTouchEventWidgetSequence&)>& fingers) {
     OnWindowThread([&] {
         QTest::QTouchEventWidgetSequence sequence = QTest::touchEvent(Terminal(), Screen(), false);
@@ -420,7 +420,7 @@ TEST(Finger, OnAScrollBarScrolls) {
     });
 }
 
-// A desktop that takes a touch away half way, as when a box opens under the finger.
+// The desktop cancels a touch in progress, as when a box opens under the finger.
 TEST(Finger, ATouchWhoseEndGotLostDoesNotBlockTheNext) {
     WithText(kThreeRows, [](FakeHost&) {
         Touch([](auto& f) { f.press(0, Middle(3, 3), Terminal()); });

@@ -35,7 +35,7 @@ bool Closed() {
 void CloseBy(int button) {
     OnWindowThread([=] { EXPECT_TRUE(ClickControl(button)); });
     ASSERT_TRUE(Closed());
-    OnWindowThread([] {});  // what the program does then
+    OnWindowThread([] {});  // waits for what the program does next
 }
 
 Stage FreshStage(const std::function<void()>& before = {}) {
@@ -45,7 +45,7 @@ Stage FreshStage(const std::function<void()>& before = {}) {
     return stage;
 }
 
-// What the list shows of a row that is on its bar, or is not.
+// The line of the list for a row that is, or is not, on its bar.
 QString Line(int row, bool on) { return QString(on ? "v " : "  ") + toolbar_buttons[row].name; }
 
 QString ShownLine(int list, int row) {
@@ -67,7 +67,7 @@ DWORD Membership(int row) {
 
 DWORD BitOf(int list) { return list == IDC_BAR1 ? 4 : list == IDC_BAR2 ? 2 : 1; }
 
-// All three lists against the flags.
+// Compares all three lists with the flags.
 void ExpectLists() {
     OnWindowThread([] {
         for (const int list : kLists) {
@@ -88,14 +88,14 @@ bool AwaitMembership(int row, DWORD membership) {
     return Eventually([=] { return Membership(row) == membership; }, 3000);
 }
 
-// By the mouse; waits until the program has heard it.
+// Double-clicks with the mouse and waits until the program has handled it.
 void DoubleClickLine(int list, int row) {
     const DWORD before = Membership(row);
     OnWindowThread([=] { EXPECT_TRUE(DoubleClickEntry(list, row)); });
     EXPECT_TRUE(AwaitMembership(row, before ^ BitOf(list))) << list << ' ' << row;
 }
 
-// As the registry holds it.
+// The value in the registry.
 DWORD Stored(LPCWSTR name) {
     DWORD value = 0;
     OnWindowThread([&] { value = ReadNumber(name, 99); });
@@ -191,17 +191,17 @@ TEST(ToolbarPage, KeyboardWalksTheListsAndTheSpaceBarToggles) {
         Press(Qt::Key_End);
         EXPECT_EQ(SelectedLine(IDC_BAR2), 26);
         Press(Qt::Key_Space);
-        EXPECT_TRUE(AwaitMembership(26, 7 ^ 2));  // P20 is on all bars at first
+        EXPECT_TRUE(AwaitMembership(26, 7 ^ 2));  // P20 is on all bars by default
         ExpectLists();
         Press(Qt::Key_Escape);
         EXPECT_TRUE(Closed());
     });
 }
 
-// On the window thread.
+// Call it on the window thread.
 LRESULT TopLine(int list) { return SendDlgItemMessageW(ShownPage(), list, LB_GETTOPINDEX, 0, 0); }
 
-// A second double tap at the same place must meet the same line.
+// A second double tap at the same place must hit the same line.
 TEST(ToolbarPage, ToggleDoesNotMoveTheView) {
     RunProgram(FreshStage(), [] {
         OpenToolbars();

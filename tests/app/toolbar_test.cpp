@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The toolbars of the running program: what a person sees on the command bar, and what a press of
-// each button does.
+// The toolbars of the running program: what the command bar shows, and what each button does.
 #include <gtest/gtest.h>
 #include <QtTest/qtestmouse.h>
 #include <QtTest/qtesttouch.h>
@@ -29,7 +28,7 @@ const char kMayClose[] = "Warning: Do you really want to close this session";
 const char kMayCancel[] =
     "Warning: I am busy making a connection. Do you want to cancel the request";
 
-// ---- the bar as it stands on the screen; on the window thread
+// ---- the bar on the screen; for the window thread
 
 std::vector<QToolButton*> Buttons() {
     const Window* bar = FindWindowRecord(session.command_bar);
@@ -71,7 +70,7 @@ bool ShowsButton(const std::string& name) {
     return Eventually([&] { return ButtonNamed(name) != nullptr; }, 5000);
 }
 
-// A click of the mouse on the glass where the button is.
+// Clicks the mouse on the screen where the button is.
 void Press(const std::string& name) {
     OnWindowThread([&] {
         const QToolButton* button = ButtonNamed(name);
@@ -239,7 +238,7 @@ TEST(Toolbar, RowOnNoBarIsNeverShownAndAnEmptyBarShowsNothing) {
         EXPECT_EQ(nullptr, ButtonNamed("ENTER"));
         Press("swap toolbar");
         EXPECT_TRUE(Shows({}));
-        PostToMain(WM_COMMAND, 40020);  // nothing is there to be pressed
+        PostToMain(WM_COMMAND, 40020);  // there is no button to press
         OnWindowThread([] { EXPECT_EQ(2, session.toolbar); });
     });
 }
@@ -254,7 +253,7 @@ TEST(Toolbar, Row5Of7PutsSmallerFontOnAllThreeBars) {
     });
 }
 
-TEST(Toolbar, ValuesOutOfRangeShowNoMoreThanThreeBitsCanSay) {
+TEST(Toolbar, OnlyTheThreeLowBitsOfAValueShowButtons) {
     const auto before = [] {
         StoreAllRows(0xFFFFFFFF);
         WriteString(TEXT("tbar1"), TEXT("a text that is not a number"));
@@ -309,7 +308,7 @@ TEST(Toolbar, ConnectOpensItsDialogWhoseOkConnects) {
 
 namespace {
 
-// The pixels that a picture leaves to the bar, line by line.
+// The transparent pixels of a picture, line by line.
 std::string Holes(const QImage& image) {
     std::string holes;
     for (int y = 0; y < image.height(); y++)
@@ -383,7 +382,7 @@ TEST(Toolbar, PictureIsDrawnOnTheScreen) {
     });
 }
 
-TEST(Toolbar, ToolTipAndScreenReaderTellTheName) {
+TEST(Toolbar, ToolTipAndScreenReaderGiveTheName) {
     WithAllButtons([] {
         OnWindowThread([] {
             const std::vector<QToolButton*> buttons = Buttons();
@@ -464,7 +463,7 @@ TEST(Toolbar, QuickPressesAllCount) {
     });
 }
 
-TEST(Toolbar, PressLetGoBesideTheButtonDoesNothing) {
+TEST(Toolbar, PressReleasedOutsideTheButtonDoesNothing) {
     FakeHost host;
     WithAllButtonsOnline(host, [&] {
         OnWindowThread([] {
@@ -487,7 +486,7 @@ TEST(Toolbar, KeyboardStaysWithTheTerminal) {
         EXPECT_EQ("\217P", host.Read(2));
         TypeText("ls ");
         EXPECT_EQ("ls ", host.Read(3));
-        OnWindowThread([] {  // and a press on the bar beside the buttons
+        OnWindowThread([] {  // a press on the bar next to the buttons too
             QTest::mouseClick(DeviceScreen()->windowHandle(), Qt::LeftButton, Qt::NoModifier,
                               QPoint(635, 10));
             for (const QToolButton* button : Buttons()) EXPECT_FALSE(button->hasFocus());
@@ -514,7 +513,7 @@ TEST(Toolbar, FontButtonsStepTheSizeAndKeepItInItsRange) {
     });
 }
 
-TEST(Toolbar, SwapGoesFrom3To1AndStaysAsItIsAcrossASession) {
+TEST(Toolbar, SwapGoesFrom3To1AndASessionDoesNotChangeTheBar) {
     FakeHost host;
     WithAllButtonsOnline(host, [&] {
         for (const int next : {2, 3, 1, 2}) {
@@ -546,7 +545,7 @@ TEST(Toolbar, DisconnectAsksUnlessConfirmExitIs0) {
     }
 }
 
-TEST(Toolbar, BarIsMadeAnewAfterEveryPressOfTheConnectButton) {
+TEST(Toolbar, BarIsRebuiltAfterEveryPressOfTheConnectButton) {
     FakeHost host;
     WithAllButtonsOnline(host, [&] {
         const auto bar = [] {
@@ -588,7 +587,7 @@ TEST(Toolbar, PositionWithoutAButtonDoesNothing) {
 }
 
 TEST(Toolbar, PressWhileConnectingAsksAndOkCancelsTheAttempt) {
-    FakeHost host;  // accepts, and says nothing
+    FakeHost host;  // accepts and sends nothing
     WithAllButtons([&] {
         SetHost(u"127.0.0.1", host.port);
         Connect();
@@ -622,7 +621,7 @@ TEST(Toolbar, PressWhileDiallingSaysSoInTheTerminalAndHangsUp) {
     });
 }
 
-TEST(Toolbar, CommandsBesideTheButtonsDoNothing) {
+TEST(Toolbar, CommandsOutsideTheButtonsRangeDoNothing) {
     FakeHost host;
     WithAllButtonsOnline(host, [&] {
         for (const WPARAM id : {40020 + 27, 40069, 40070}) PostToMain(WM_COMMAND, id);
@@ -633,7 +632,7 @@ TEST(Toolbar, CommandsBesideTheButtonsDoNothing) {
     });
 }
 
-TEST(Toolbar, BarTakesPicturesOfTheResourcesAlone) {
+TEST(Toolbar, BarAcceptsOnlyPicturesOfTheResources) {
     WithAllButtons([] {
         OnWindowThread([] {
             const HWND bar = session.command_bar;
@@ -655,7 +654,7 @@ TEST(Toolbar, BarTakesPicturesOfTheResourcesAlone) {
     });
 }
 
-TEST(Toolbar, BarThatIsGoneTakesNothing) {
+TEST(Toolbar, DestroyedBarAcceptsNothing) {
     WithAllButtons([] {
         OnWindowThread([] {
             const HWND gone = session.command_bar;

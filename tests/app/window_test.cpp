@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The terminal as it stands drawn on the real window.
+// What the real window shows of the terminal.
 #include <gtest/gtest.h>
 #include <QScreen>
 #include <QThread>
@@ -87,7 +87,7 @@ TEST(Window, FollowingTheCursorBringsItIntoView) {
     });
 }
 
-TEST(Window, FollowingTheCursorHoldsForTheNegotiationsLinesToo) {
+TEST(Window, FollowingTheCursorIncludesTheNegotiationsLines) {
     FakeHost host;
     Stage stage;
     stage.width = 240, stage.height = 200;
@@ -102,7 +102,7 @@ TEST(Window, FollowingTheCursorHoldsForTheNegotiationsLinesToo) {
     });
 }
 
-TEST(Window, GlyphsStandOnTheCellGrid) {
+TEST(Window, GlyphsAreDrawnOnTheCellGrid) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\033[2J\033[H\033[7m" + std::string(80, ' ') +
@@ -190,7 +190,7 @@ TEST(Window, FontGrowsAndShrinksWithTheKeysOfTheAccelerators) {
     });
 }
 
-// What the desktop shows, where Picture() draws anew.
+// The pixels that the desktop really shows; Picture() would draw the window again.
 QImage Glass() {
     QImage glass;
     OnWindowThread([&] {
@@ -202,7 +202,7 @@ QImage Glass() {
     return glass;
 }
 
-// The toolkit may ask for a corner of the window while rows wait to be drawn.
+// The toolkit may repaint a corner of the window while rows are still waiting to be drawn.
 TEST(Window, RowsDrawnWhileTheToolkitAsksForACornerReachTheScreen) {
     FakeHost host;
     WithSession(host, [&] {
@@ -219,7 +219,7 @@ TEST(Window, RowsDrawnWhileTheToolkitAsksForACornerReachTheScreen) {
     });
 }
 
-// Both in lines of a cell on a desktop of two pixels for the device's one, counted from 0.
+// Pixel lines of a cell, counted from 0, on a desktop with two pixels for each pixel of the device.
 struct Feet {
     int letter;     // the last line on which the letter of row 1, column 1 has ink
     int underline;  // the first one of an underline
@@ -240,7 +240,7 @@ Feet FeetOfFirstCell() {
     return feet;
 }
 
-TEST(Window, UnderlineStandsBelowTheLettersInEverySize) {
+TEST(Window, UnderlineIsBelowTheLettersInEverySize) {
     FakeHost host;
     WithSession(host, [&] {
         host.Send("\033[2J\033[Hmmm");
@@ -260,11 +260,11 @@ TEST(Window, UnderlineStandsBelowTheLettersInEverySize) {
     });
 }
 
-// The bars take their room from the status line and leave a corner between them.
-TEST(Window, BarsThatComeAndGoLeaveNothingOldOnTheScreen) {
+// The bars take room from the status line and leave an empty corner between them.
+TEST(Window, BarsThatAppearAndDisappearLeaveNoOldPixels) {
     FakeHost host;
     WithSession(host, [&] {
-        ResizeDevice(400, 258);  // as large as it is on a desktop
+        ResizeDevice(400, 258);  // the size that it has on a desktop
         ASSERT_TRUE(Drawn("hello"));
         for (const WPARAM command : {40009, 40009, 40009, 40009, 40010, 40010, 40010, 40010}) {
             PostToMain(WM_COMMAND, command);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Multiprecision integers against GMP: every result, every size from 1 to 2,100 bits, random
-// operands and shapes that trip arithmetic up, in both forms of the row loops.
+// Compares multiprecision integers with GMP: every result, every size from 1 to 2,100 bits, random
+// operands and operands that provoke carries and corrections, in both forms of the row loops.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -8,12 +8,12 @@
 #include "crypto/bignum.h"
 #include "crypto/long_division.h"
 #include "crypto_test_support.h"
-#include "text/bytes.h"
 #include "gmp_bridge.h"
+#include "text/bytes.h"
 
 static const int kMaxBits = 2100;
 
-// Runs the rest of a test with the portable row loops, or the fastest.
+// Runs the rest of a test with the portable row loops or with the fastest ones.
 class BignumOracle : public testing::TestWithParam<bool> {
   protected:
     void SetUp() override {
@@ -114,7 +114,7 @@ TEST_P(BignumOracle, LongExponentsOfAnyShapeAreExact) {
     }
 }
 
-TEST_P(BignumOracle, EqualOperandsZeroOneAllOnesAndPowersOfTwoMeetEachOther) {
+TEST_P(BignumOracle, EqualOperandsZeroOneAllOnesAndPowersOfTwoAreCombined) {
     std::vector<Number> numbers;
     for (int bits : {0, 1, 2, 15, 16, 17, 31, 32, 33, 64, 160, 1023, 1024, 1025, 2100}) {
         for (int shape = 1; shape < 6; shape++) numbers.push_back(RandomNumber(bits, shape));
@@ -130,7 +130,7 @@ TEST_P(BignumOracle, EqualOperandsZeroOneAllOnesAndPowersOfTwoMeetEachOther) {
     }
 }
 
-TEST_P(BignumOracle, OneNumberInEveryPlaceIsTakenForEach) {
+TEST_P(BignumOracle, OneNumberMayBeEveryOperand) {
     for (int bits = 1; bits <= kMaxBits && !HasFatalFailure(); bits++) {
         Number a = RandomNumber(bits, bits % 6);
         CheckProducts(a.get(), a.get(), a.get());
@@ -148,7 +148,7 @@ TEST_P(BignumOracle, EverySizeInvertsNumbersFarAboveTheModulus) {
 }
 
 // Quotient estimates that have to be corrected: dividends just below, at and above multiples.
-TEST_P(BignumOracle, DividendsBesideAMultipleOfTheDivisorAreExact) {
+TEST_P(BignumOracle, DividendsNextToAMultipleOfTheDivisorAreExact) {
     for (int round = 0; round < 3000 && !HasFatalFailure(); round++) {
         Number m = RandomNumber(17 + RandomBelow(300), RandomBelow(6));
         Number q = RandomNumber(1 + RandomBelow(300), RandomBelow(6));
@@ -163,7 +163,7 @@ TEST_P(BignumOracle, DividendsBesideAMultipleOfTheDivisorAreExact) {
     }
 }
 
-// More words than a column takes rows without carrying.
+// More words than rows that a column can add without a carry.
 TEST_P(BignumOracle, NumbersOfThousandsOfWordsAreExact) {
     for (int shape : {0, 1}) {
         Number a = RandomNumber(16 * 5000, shape), b = RandomNumber(16 * 4500, shape);
@@ -181,7 +181,7 @@ static Number Repeated(int words, uint16_t word) {
     return a;
 }
 
-// Both halves of the product of these words are close to 65,535. From here on their sums in a
+// Both halves of the product of these words are close to 65,535. At this size their sums in a
 // column would no longer fit one of 32 bits, were carries never taken on the way.
 TEST(BignumSizes, ProductsAndQuotientsOfMoreThan16384WordsAreExact) {
     const Number a = Repeated(16600, 0xFF01), b = Repeated(16590, 0xFEFF);
@@ -195,7 +195,7 @@ TEST(BignumSizes, ProductsAndQuotientsOfMoreThan16384WordsAreExact) {
     ExpectEqual(BignumMod(product.get(), a.get()), wanted, "the remainder");
 }
 
-TEST(BignumSizes, NumbersOfAllTheWordsThereAreMeetShorterOnes) {
+TEST(BignumSizes, NumbersOfTheMaximumWordsCombineWithShorterOnes) {
     const Number largest = RandomNumber(16 * kBignumMaxWords, 0);
     CheckDivision(largest.get(), RandomNumber(16 * (kBignumMaxWords - 40) - 7, 1).get());
     CheckDivision(largest.get(), RandomNumber(50, 0).get());
@@ -243,7 +243,7 @@ TEST(BignumWire, EveryFormOfRandomNumbersReadsBack) {
     }
 }
 
-// The same value with so many more words of zero on top.
+// The same value with that many more zero words on top.
 static Number Padded(const Number& a, int words) {
     Number padded(BignumNew(a.get()[0] + words));
     memcpy(padded.get() + 1, a.get() + 1, size_t{a.get()[0]} * sizeof(uint16_t));
@@ -289,7 +289,7 @@ TEST(BignumSizes, EverySizeSetsAndClearsEachBit) {
     }
 }
 
-TEST(BignumSizes, EverySizeIsCopiedNormalisedAndComparedWhateverItsWords) {
+TEST(BignumSizes, EverySizeIsCopiedNormalisedAndComparedWithAnyWordCount) {
     for (int bits = 0; bits <= kMaxBits; bits++) {
         Number a = RandomNumber(bits, RandomBelow(6)), padded = Padded(a, 1 + RandomBelow(4));
         Number copy(BignumCopy(padded.get()));
@@ -303,7 +303,7 @@ TEST(BignumSizes, EverySizeIsCopiedNormalisedAndComparedWhateverItsWords) {
     }
 }
 
-// The sizes hold, and the mpint is the one GMP's bytes make.
+// Checks the sizes, and that the mpint equals the one made from GMP's bytes.
 TEST(BignumSizes, EverySizeGoesToBytesAndBackAndToAnMpint) {
     for (int bits = 0; bits <= kMaxBits; bits++) {
         Number a = Padded(RandomNumber(bits, RandomBelow(6)), RandomBelow(3));

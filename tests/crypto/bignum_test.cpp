@@ -6,8 +6,8 @@
 
 #include "crypto/long_division.h"
 #include "crypto_test_support.h"
-#include "text/bytes.h"
 #include "gmp_bridge.h"
+#include "text/bytes.h"
 
 static Number Make(int words, std::initializer_list<int> values) {
     Number a(BignumNew(words));
@@ -71,7 +71,7 @@ TEST(Bignum, NormaliseStopsAtOneWord) {
     EXPECT_EQ(zero.get()[0], 1);
 }
 
-TEST(Bignum, FromBytesOfAnOddCountPutsTheFirstByteAloneInTheTopWord) {
+TEST(Bignum, FromBytesOfAnOddCountPutsOnlyTheFirstByteInTheTopWord) {
     const uint8_t bytes[5] = {0x12, 0x34, 0x56, 0x78, 0x9A};
     Number a(BignumFromBytes(bytes, 5));
     EXPECT_EQ(a.get()[0], 3);
@@ -135,7 +135,7 @@ TEST(Bignum, SetBitSetsAndClears) {
     EXPECT_EQ(a.get()[1], 0x0001);
 }
 
-TEST(Bignum, CompareOfDifferentWordCountsLooksAtTheValueAlone) {
+TEST(Bignum, CompareOfDifferentWordCountsUsesOnlyTheValue) {
     Number a = Make(1, {7}), b = Make(3, {7, 0, 0}), c = Make(3, {7, 0, 1});
     EXPECT_EQ(BignumCompare(a.get(), b.get()), 0);
     EXPECT_EQ(BignumCompare(b.get(), a.get()), 0);
@@ -175,7 +175,8 @@ TEST(Bignum, Ssh1FormOfZeroIsTwoZeroBytes) {
 TEST(Bignum, Ssh1FormThatIsCutShortIsRefused) {
     ByteString form = FromHex("0011010203");
     for (int length = 0; length < 5; length++) {
-        ByteString exact(form.begin(), form.begin() + length);  // a read beyond it is seen
+        // Exactly its size, so that the sanitizer sees a read past its end.
+        ByteString exact(form.begin(), form.begin() + length);
         EXPECT_EQ(BignumFromSsh1Bytes(exact.data(), length), nullptr) << length;
     }
     EXPECT_EQ(NumberHex(Number(BignumFromSsh1Bytes(form.data(), 5)).get()), "10203");
@@ -212,7 +213,7 @@ TEST(Bignum, ModSmallIsTheRemainder) {
     EXPECT_EQ(BignumModSmall(a.get(), 1), 0);
 }
 
-TEST(Bignum, ModHasTheWordsOfTheModulusAndDivThoseOfTheDividend) {
+TEST(Bignum, RemainderHasTheModulusWordCountAndQuotientTheDividends) {
     Number a = FromHexNumber("123456789abc"), m = Make(4, {0x100, 0, 0, 0});
     Number remainder(BignumMod(a.get(), m.get())), quotient(BignumDiv(a.get(), m.get()));
     EXPECT_EQ(remainder.get()[0], 4);
@@ -238,7 +239,7 @@ TEST(Bignum, ModulusIsShiftedByNothingWhenItsTopBitIsSetAndBy15AtMost) {
     }
 }
 
-TEST(Bignum, ResultsOfAllTheWordsThereAreFitAndLargerOnesAreNull) {
+TEST(Bignum, ResultsOfTheMaximumWordsFitAndLargerOnesAreNull) {
     Number largest = RandomNumber(16 * kBignumMaxWords, 1), two(BignumFromUint32(2));
     Number same(BignumMulAdd(largest.get(), BignumOne, BignumZero));
     ASSERT_NE(same, nullptr);
@@ -256,7 +257,7 @@ TEST(Bignum, PowerOfZeroIsOneButZeroModuloOne) {
     EXPECT_EQ(NumberHex(Number(BignumModPow(five.get(), seven.get(), BignumOne)).get()), "0");
 }
 
-// Each squaring of a power passes here, by way of the linker.
+// The linker redirects each squaring of a power to this function (--wrap).
 static int widest_square = 0;
 void RealSquare(Columns* columns, const uint16_t* words,
                 int count) __asm__("__real__Z13ColumnsSquareP7ColumnsPKti");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Ciphers against libcrypto on random input. Blowfish and single DES live in its legacy provider,
-// which is loaded here.
+// Compares ciphers with libcrypto on random input. Blowfish and single DES are in its legacy
+// provider, which is loaded here.
 #include <gtest/gtest.h>
 #include <openssl/evp.h>
 #include <openssl/provider.h>
@@ -62,7 +62,7 @@ static void SetIv(const ByteString& iv, uint32_t words[2]) {
 
 static ByteString RandomBlocks() { return RandomBytes(8 * (1 + RandomBelow(20))); }
 
-// One key, then streams both ways over several texts.
+// One key, then streams in both directions over several texts.
 template <typename Encrypt, typename Decrypt>
 static void CompareStreams(const char* name, const ByteString& key, const ByteString& iv,
                            Encrypt encrypt, Decrypt decrypt) {
@@ -142,7 +142,7 @@ TEST(CipherOracle, BlowfishWithKeysOfEveryLength) {
     }
 }
 
-// What SSH-1 makes of a buffer, put together from libcrypto's single passes.
+// The result of SSH-1 for a buffer, composed of libcrypto's single passes.
 TEST(CipherOracle, TripleDesOfSsh1IsThreePasses) {
     const ByteString zero(8);
     for (int round = 0; round < kRounds / 2; round++) {
@@ -262,7 +262,7 @@ INSTANTIATE_TEST_SUITE_P(TripleDes, MonteCarlo,
                                  .append(std::to_string(std::get<1>(info.param)));
                          });
 
-TEST_P(MonteCarlo, EcbIsThatOfLibcrypto) {
+TEST_P(MonteCarlo, EcbMatchesLibcrypto) {
     ByteString block = FromHex("4e6f772069732074");
     for (int k = 0; k < kMonteKeys; k++) {
         DesContext contexts[3];
@@ -280,7 +280,7 @@ TEST_P(MonteCarlo, EcbIsThatOfLibcrypto) {
     }
 }
 
-TEST_P(MonteCarlo, CbcIsThatOfLibcrypto) {
+TEST_P(MonteCarlo, CbcMatchesLibcrypto) {
     ByteString input = FromHex("6d65206f6f6b2061"), iv = FromHex("1234567890abcdef");
     for (int k = 0; k < kMonteKeys; k++) {
         DesContext contexts[3];

@@ -137,7 +137,7 @@ static bool ModesAgree(int count) {
     return a == b;
 }
 
-TEST(TripleDes, ThreePassesEqualTheOuterChainOnOneBlockAlone) {
+TEST(TripleDes, ThreePassesEqualTheOuterChainForOneBlockOnly) {
     EXPECT_TRUE(ModesAgree(1));
     for (int count = 2; count < 6; count++) EXPECT_FALSE(ModesAgree(count)) << count;
 }
@@ -302,7 +302,7 @@ TEST_F(SshCiphers, OneCallAndManyCallsGiveTheSameBytes) {
     }
 }
 
-TEST_F(SshCiphers, NoLengthChangesNeitherBytesNorChains) {
+TEST_F(SshCiphers, ZeroAndNegativeLengthsChangeNeitherBytesNorChains) {
     auto check = [](const auto& cipher, auto start) {
         const ByteString text = RandomBytes(16);
         ByteString plain = text, disturbed = text, untouched = text;
@@ -373,7 +373,7 @@ TEST_F(SshCiphers, ModesGiveTheSameInPlaceAndFromBufferToBufferAtAnyAddress) {
     }
 }
 
-// The order in which the fields of the records and contexts stand.
+// The offsets of the fields of the records and contexts.
 TEST_F(SshCiphers, ContextsAndRecordsKeepTheOrderOfTheirFields) {
     EXPECT_EQ(offsetof(DesContext, subkeysOdd), 0u);
     EXPECT_EQ(offsetof(DesContext, subkeysEven), 64u);
@@ -399,7 +399,7 @@ TEST_F(SshCiphers, LengthIsRoundedUpToWholeBlocks) {
     const ByteString text = RandomBytes(32);
     ByteString rounded = text, whole = text;
     Install(kTripleDesCbc);
-    kTripleDesCbc.encrypt(rounded.data(), 28);  // as a packet of 4 + 28 bytes is handed over
+    kTripleDesCbc.encrypt(rounded.data(), 28);  // the length that a packet of 4 + 28 bytes passes
     Install(kTripleDesCbc);
     kTripleDesCbc.encrypt(whole.data(), 32);
     EXPECT_EQ(ToHex(rounded), ToHex(whole));
@@ -410,7 +410,7 @@ TEST_F(SshCiphers, Ssh1TripleDesIsNotTheOneOfSsh2BeyondABlock) {
     ByteString ssh1 = text, ssh2 = text;
     kSsh1TripleDes.setKey(key.data());
     kSsh1TripleDes.encrypt(ssh1.data(), 16);
-    kTripleDesCbc.setOutgoingKey(key.data());  // leaves an IV of zero
+    kTripleDesCbc.setOutgoingKey(key.data());  // the IV stays zero
     kTripleDesCbc.encrypt(ssh2.data(), 16);
     EXPECT_EQ(ToHex(ssh1.data(), 8), ToHex(ssh2.data(), 8));
     EXPECT_NE(ToHex(ssh1), ToHex(ssh2));

@@ -50,7 +50,7 @@ std::string NumberHex(ConstBignum a) {
     return first == std::string::npos ? "0" : digits.substr(first);
 }
 
-// One bit of such a shape below the highest, which is always set.
+// A bit of such a shape below the highest bit, which is always set.
 static bool ShapedBit(int bit, int top, int shape, bool random) {
     switch (shape) {
         case 1:

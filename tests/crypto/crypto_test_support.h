@@ -18,12 +18,12 @@ int RandomBelow(int limit);  // 0 .. limit - 1
 ByteString RandomBytes(int count);
 inline int Size(const ByteString& bytes) { return static_cast<int>(bytes.size()); }
 
-extern int clock_milliseconds;  // since midnight: what GetSystemTime tells
+extern int clock_milliseconds;  // what GetSystemTime reports since midnight
 
-// What the runtime library's rand gives next, by way of the linker: these, and then its own.
+// The next results of rand (redirected by the linker); after them come the library's own.
 extern std::deque<int> scripted_draws;
 
-// A Bignum that releases itself.
+// Owns a Bignum and releases it.
 struct BignumRelease {
     void operator()(Bignum a) const { BignumFree(a); }
 };
@@ -32,8 +32,8 @@ typedef std::unique_ptr<uint16_t, BignumRelease> Number;
 Number FromHexNumber(const std::string& digits);
 std::string NumberHex(ConstBignum a);  // without leading zeros; "0" for zero, "null" for null
 
-// Of exactly `bits` bits (0: zero): all random, or one of the shapes that trip arithmetic up, such
-// as all ones or a power of two, by `shape` 0 to 5.
+// A number of exactly `bits` bits (0: zero). `shape` 0 to 5 selects random bits or a shape that
+// provokes carries and corrections, such as all ones or a power of two.
 Number RandomNumber(int bits, int shape);
 
 #endif

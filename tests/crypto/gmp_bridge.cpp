@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Integers of crypto/ to GMP and back.
+// Converts integers of crypto/ to GMP and back.
 #include "gmp_bridge.h"
 
 Mpz::Mpz(ConstBignum a) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Integers of GMP beside those of crypto/.
+// Converts integers of crypto/ to GMP and back.
 #ifndef QUILL_TESTS_CRYPTO_GMP_BRIDGE_H
 #define QUILL_TESTS_CRYPTO_GMP_BRIDGE_H
 
@@ -7,7 +7,7 @@
 
 #include "crypto_test_support.h"
 
-// An mpz_t that clears itself.
+// Owns an mpz_t and clears it.
 struct Mpz {
     mpz_t value;
     Mpz() { mpz_init(value); }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Hashes and HMAC against libcrypto on random input, cut into random pieces.
+// Compares hashes and HMAC with libcrypto on random input, cut into random pieces.
 #include <gtest/gtest.h>
 #include <openssl/evp.h>
 #include <openssl/hmac.h>

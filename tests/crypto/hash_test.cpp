@@ -16,7 +16,7 @@ static std::string Sha1Hex(const ByteString& message) {
     return ToHex(digest, kSha1Size);
 }
 
-// Of a repeated "a", where the padding needs a block of its own or does not.
+// Messages of repeated "a", with lengths where the padding needs an extra block or does not.
 TEST(Sha1, PaddingBoundariesGiveTheStandardDigests) {
     const struct {
         int length;
@@ -174,7 +174,7 @@ TEST(Sha512, LowByteCountCarriesIntoTheHighOne) {
     EXPECT_EQ(context.bytesLow, 1u);
 }
 
-// Little-endian, and without the bits above 64, as the standard has it.
+// Little-endian and without the bits above 64, as the standard says.
 TEST(Md5, LengthFieldHoldsTheLowSixtyFourBitsOfTheBitCount) {
     Md5Context context, by_hand;
     Md5Init(&context);
@@ -271,7 +271,7 @@ TEST_F(SshMacTest, GeneratePutsTheMacOfSequenceNumberAndPacketBehindThePacket) {
     kHmacSha1.generate(packet.data(), 64, 0x01020304);
     ByteString message = FromHex("01020304");
     message.insert(message.end(), packet.begin(), packet.begin() + 64);
-    ByteString used(key.begin(), key.begin() + 20);  // the first 20 bytes alone
+    ByteString used(key.begin(), key.begin() + 20);  // only the first 20 bytes
     EXPECT_EQ(ToHex(packet.data() + 64, 20), Mac(used, message));
 }
 

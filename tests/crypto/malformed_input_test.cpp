@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Host keys and signatures with lengths of every lie: refused, and nothing read outside the bytes
-// that were given (each input stands in a block of exactly its size, so that the address
-// sanitizer sees any other read).
+// Host keys and signatures with false lengths: the code refuses them and reads nothing outside the
+// input (each input is in a block of exactly its size, so that the address sanitizer sees any other
+// read).
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -42,7 +42,7 @@ static const uint32_t kLies[] = {0,          1,          3,          4,         
                                  0xFF,       0x1000,     0xFFFF,     0x10000,    0x7FFFFFFF,
                                  0x80000000, 0xFFFFFFFB, 0xFFFFFFFC, 0xFFFFFFFE, 0xFFFFFFFF};
 
-// Where the length fields of a key blob stand: the name, p, q, g, y.
+// The offsets of the length fields of a key blob: the name, p, q, g, y.
 static std::vector<size_t> LengthFields(const ByteString& blob) {
     std::vector<size_t> fields;
     for (size_t at = 0; at + 4 <= blob.size(); at += 4 + LoadBig<uint32_t>(&blob[at])) {
@@ -81,7 +81,7 @@ TEST_F(MalformedDss, LengthFieldThatLeadsOutsideIsRefused) {
         for (uint32_t lie : kLies) {
             ByteString changed = blob;
             StoreBig<uint32_t>(&changed[field], lie);
-            OwnedKey key = Parse(changed);  // a shorter length may still make some key
+            OwnedKey key = Parse(changed);  // a shorter length may still give a key
             bool outside = lie > blob.size() - field - 4;
             EXPECT_TRUE(!outside || key == nullptr) << field << ", " << lie;
             EXPECT_FALSE(key != nullptr && Verify(key.get(), signature, data));
@@ -109,8 +109,8 @@ TEST_F(MalformedDss, PrimeOrOrderBeyondTheLimitsIsRefused) {
     EXPECT_EQ(Parse(name + SshString(p) + SshString(q) + some + some), nullptr);
 }
 
-// Composite, even and tiny moduli end in a refusal, not in a loop.
-TEST_F(MalformedDss, KeysThatAreNoKeysVerifyNothingAndEnd) {
+// Composite, even and tiny moduli are refused and cause no endless loop.
+TEST_F(MalformedDss, InvalidKeysVerifyNothingAndReturn) {
     const ByteString name = SshString(FromHex("7373682d647373"));
     for (int round = 0; round < 2000; round++) {
         auto number = [](int bits) {
@@ -140,7 +140,7 @@ TEST_F(MalformedDss, SWithoutAnInverseIsRefused) {
     EXPECT_FALSE(Verify(key.get(), halves, data));
 }
 
-// With such a generator the equations come out at zero for any data.
+// With such a generator the equations give zero for any data.
 TEST_F(MalformedDss, ROfZeroIsRefusedWhereTheGeneratorIsZeroToo) {
     const ByteString name = SshString(FromHex("7373682d647373"));
     for (const char* generator : {"", "17", "2e"}) {
@@ -169,7 +169,7 @@ TEST_F(MalformedDss, SignatureCutShortOrStretchedIsRefused) {
     EXPECT_TRUE(Verify(key.get(), wrapped + RandomBytes(9), data));
 }
 
-TEST_F(MalformedDss, SignatureNameLengthOfEveryLieIsRefused) {
+TEST_F(MalformedDss, EveryFalseSignatureNameLengthIsRefused) {
     OwnedKey key = Parse(blob);
     for (uint32_t lie : kLies) {
         ByteString wrapped = WrapSignature(signature);
@@ -187,9 +187,9 @@ TEST_F(MalformedDss, NoBytesAndNegativeLengthsAreRefused) {
     }
 }
 
-// A number with its top bit set and no zero byte before it would be negative as an mpint; it is
-// taken as it stands. Zero bytes in front, of which an mpint has one at most, do no harm.
-TEST_F(MalformedDss, NumbersAreTakenAsUnsignedWhateverZerosStandBefore) {
+// A number with its top bit set and no zero byte before it would be negative as an mpint; the
+// parser reads it as positive. It accepts leading zero bytes, although an mpint has one at most.
+TEST_F(MalformedDss, NumbersAreUnsignedWithAnyLeadingZeros) {
     const ByteString name = SshString(FromHex("7373682d647373")), some = SshString({11});
     OwnedKey high = Parse(name + SshString({0xFF, 0x01}) + some + some + some);
     ASSERT_NE(high, nullptr);
@@ -201,8 +201,8 @@ TEST_F(MalformedDss, NumbersAreTakenAsUnsignedWhateverZerosStandBefore) {
     EXPECT_EQ(BignumCompare(padded->q, high->q), 0);
 }
 
-// As many words as a number may have, and more.
-TEST_F(MalformedDss, NumbersOfHundredsOfThousandsOfBitsEndInAnAnswer) {
+// Numbers of the maximum word count and larger ones.
+TEST_F(MalformedDss, NumbersOfHundredsOfThousandsOfBitsAreDecided) {
     const ByteString name = SshString(FromHex("7373682d647373"));
     const ByteString p = SshString(FromHex("10001")), q = SshString(FromHex("fff1"));
     const ByteString huge = RandomBytes(2 * kBignumMaxWords);
@@ -235,7 +235,8 @@ TEST(MalformedRsa, KeyCutShortAnywhereIsRefusedAndLeftEmpty) {
         EXPECT_EQ(key.modulus, nullptr);
         EXPECT_EQ(key.exponent, nullptr);
     }
-    EXPECT_EQ(ParseRsa(bytes + RandomBytes(30), &key), Size(bytes));  // tells where it ended
+    // The result is the length of the key without the bytes behind it.
+    EXPECT_EQ(ParseRsa(bytes + RandomBytes(30), &key), Size(bytes));
     RsaReleaseKey(&key);
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Lengths below zero are those of nothing: no procedure of crypto/ reads or writes for them.
+// Negative lengths count as zero: no procedure of crypto/ reads or writes any byte for them.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -30,8 +30,8 @@ TEST(NegativeLength, IsAnEmptyMessageOfEveryHash) {
     }
 }
 
-// In the midst of a message, with bytes waiting for the rest of their block.
-TEST(NegativeLength, LeavesAHashWhereItIs) {
+// In the middle of a message, with an incomplete block in the context.
+TEST(NegativeLength, LeavesAHashUnchanged) {
     const ByteString message = RandomBytes(100);
     for (int length : kNegative) {
         Sha1Context sha1;
@@ -84,7 +84,7 @@ TEST(NegativeLength, HasAChecksumOfZero) {
     for (int length : kNegative) EXPECT_EQ(Crc32(nullptr, length), 0u) << length;
 }
 
-TEST(NegativeLength, MakesNoNumber) {
+TEST(NegativeLength, GivesNoNumber) {
     const uint8_t bytes[4] = {0, 8, 1, 2};
     uint8_t room[4] = {9, 9, 9, 9};
     for (int length : kNegative) {
@@ -96,7 +96,7 @@ TEST(NegativeLength, MakesNoNumber) {
     }
 }
 
-TEST(NegativeLength, HoldsNoField) {
+TEST(NegativeLength, LetsAReaderTakeNoField) {
     const uint8_t bytes[8] = {};
     for (int length : kNegative) {
         ByteReader reader = ReaderOf(bytes, length);

@@ -83,7 +83,7 @@ TEST_F(DiffieHellman, SmallExponentsAreDrawnAgainUntilTheyAreAboveOne) {
     }
 }
 
-// Draws for the bytes of an exponent of 256 bits, the lowest first.
+// Sets the draws for the bytes of an exponent of 256 bits, the lowest byte first.
 static void ScriptExponent(int low_byte) {
     scripted_draws.push_back(0x100 + low_byte);
     scripted_draws.insert(scripted_draws.end(), 31, 0x100);
@@ -97,7 +97,7 @@ TEST_F(DiffieHellman, ExponentOfZeroOrOneIsDrawnAgain) {
     EXPECT_EQ(NumberHex(context.e), "4");
 }
 
-// Of the bound, which is above q, nothing is cut away by bytes of ones.
+// Random bytes of all ones leave the bound as it is, and the bound is above q.
 TEST_F(DiffieHellman, ExponentThatIsNotBelowQIsDrawnAgain) {
     scripted_draws.assign(2 * 128, 0xFF);
     scripted_draws.insert(scripted_draws.end(), 127, 0x100);
@@ -108,7 +108,7 @@ TEST_F(DiffieHellman, ExponentThatIsNotBelowQIsDrawnAgain) {
     EXPECT_EQ(NumberHex(context.x), "3");
 }
 
-// Without a bit count the exponent is the bound, each byte of it cut down by a random one.
+// Without a bit count the exponent is the bound with each byte masked by a random byte.
 TEST_F(DiffieHellman, ExponentWithoutABitCountComesFromTheBound) {
     for (int bits : {0, 1024, 5000}) {
         Seed(3);
@@ -123,7 +123,7 @@ TEST_F(DiffieHellman, ExponentWithoutABitCountComesFromTheBound) {
     }
 }
 
-TEST_F(DiffieHellman, BothSidesComeToTheSameSecret) {
+TEST_F(DiffieHellman, BothSidesReachTheSameSecret) {
     DhContext other = {};
     DhSetup(&other);
     Seed(1);
@@ -262,7 +262,7 @@ TEST_F(Dss, KeysOf2048And3072BitsVerify) {
 }
 
 // The same key modulo p: g and y may be sent with any multiple of it added.
-TEST_F(Dss, NumbersFarAboveThePrimeCountModuloIt) {
+TEST_F(Dss, NumbersFarAboveThePrimeAreReducedModuloIt) {
     const ByteString signature = Sign(peer, hash);
     for (Bignum* number : {&key->g, &key->y}) {
         const Number factor = RandomNumber(30000, 0);
@@ -288,7 +288,7 @@ TEST_F(Dss, ROrSOfZeroOrNotBelowQIsRefused) {
     }
 }
 
-// It fits its 20 bytes in one signature of thirty.
+// s + q fits into 20 bytes in one signature of thirty.
 TEST_F(Dss, SMovedByQIsRefused) {
     for (int round = 0; round < 5000; round++) {
         ByteString signature = Sign(peer, hash);
@@ -327,7 +327,7 @@ TEST_F(Dss, SignatureOfAnotherNameIsRefused) {
     }
 }
 
-TEST_F(Dss, InnerSignatureLengthIsNotLookedAt) {
+TEST_F(Dss, InnerSignatureLengthIsIgnored) {
     ByteString wrapped = WrapSignature(Sign(peer, hash));
     for (size_t i = 0; i < 4; i++) wrapped[11 + i] = static_cast<uint8_t>(0xFF - i);
     EXPECT_TRUE(Verify(wrapped, hash));
@@ -427,8 +427,8 @@ TEST_P(RsaTest, MessageWithoutRoomForThePaddingIsRefusedAndKept) {
     EXPECT_TRUE(RsaEncrypt(buffer.data(), key.bytes - 3, &key));
 }
 
-// A server key first, then its result with a longer host key.
-TEST(Rsa, TwoEncryptionsOneAfterTheOtherComeApartAgain) {
+// Encrypts with the server key first, then the result with a longer host key.
+TEST(Rsa, TwoEncryptionsInARowDecryptInReverseOrder) {
     RSA* inner = MakeRsaKey(768);
     RSA* outer = MakeRsaKey(1024);
     RsaKey keys[2] = {};

@@ -58,7 +58,7 @@ TEST(Random, SecondsMinutesAndHoursOfTheClockDoNotCount) {
         EXPECT_EQ(Sequence(5 + 1000 * seconds), sequence) << seconds;
 }
 
-TEST(Random, ThereAre37SeedsAndNoMore) {
+TEST(Random, ThereAreExactly37Seeds) {
     std::set<std::vector<int>> sequences;
     for (int milliseconds = 0; milliseconds < 1000; milliseconds++) {
         sequences.insert(Sequence(milliseconds));
@@ -78,8 +78,8 @@ TEST(Random, SequenceIsThatOfTheRuntimeLibrarySeededWithTheRemainder) {
     }
 }
 
-// The runtime library's own zeros are too rare to meet.
-TEST(Random, NonZeroDrawsAgainUntilItIsNoZero) {
+// The runtime library returns zero too rarely for a test to see it.
+TEST(Random, NonZeroDrawsAgainUntilItIsNotZero) {
     scripted_draws = {0, 7, 0, 0, 0, 32767, 1};
     EXPECT_EQ(RandomNonZero(), 7);
     EXPECT_EQ(RandomNonZero(), 32767);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// One call and many: hashes at every split of messages of many lengths, ciphers at every split of a
-// stream, beside libcrypto's digest and the stream enciphered at once.
+// Splitting the input does not change the result: hashes at every split of messages of many
+// lengths, compared with libcrypto's digest; ciphers at every split of a stream, compared with a
+// single call.
 #include <gtest/gtest.h>
 #include <openssl/evp.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reading of vector files.
+// Reads vector files.
 #include "vector_file.h"
 
 #include <gtest/gtest.h>

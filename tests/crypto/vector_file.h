@@ -12,16 +12,16 @@
 typedef std::vector<uint8_t> ByteString;
 
 struct Vector {
-    int line = 0;  // its first line
+    int line = 0;  // number of its first line
     std::map<std::string, std::string> fields;
 };
 
-// All vectors of a file of this folder; none when it cannot be read.
+// All vectors of a file of this folder; empty if the file cannot be read.
 std::vector<Vector> ReadVectorFile(const std::string& name);
 
-// A field as it stands; a missing one fails the running test and is empty.
+// The text of a field. A missing field fails the running test and returns "".
 std::string Text(const Vector& vector, const std::string& field);
-// A field of hexadecimal digits, two a byte (an odd count has a zero in front).
+// The bytes of a field of hexadecimal digits (an odd count gets a zero in front).
 ByteString Hex(const Vector& vector, const std::string& field);
 
 ByteString FromHex(const std::string& digits);

@@ -15,7 +15,7 @@
 
 // ---------------------------------------------------------------- hashes
 
-// One hash behind one shape.
+// Gives each hash the same interface.
 template <typename Context, void (*Init)(Context*), void (*Update)(Context*, const uint8_t*, int),
           void (*Final)(Context*, uint8_t*), int size>
 struct Hash {
@@ -31,8 +31,8 @@ struct Hash {
         for (int i = 0; i < times; i++) Update(&context, message.data(), Size(message));
         return End(&context);
     }
-    // In two pieces at every place (of a message of more than 2,000 bytes, at every place near its
-    // ends and at some between). `prefix` has been fed byte by byte.
+    // Hashes the message in two pieces, split at every position (for a message of more than 2,000
+    // bytes, near its ends and at some positions between). `prefix` is fed byte by byte.
     static void EverySplit(const ByteString& message, const std::string& digest) {
         Context prefix;
         Init(&prefix);
@@ -81,7 +81,7 @@ static void RunRepeat(const Vector& vector) {
               Text(vector, "digest"));
 }
 
-// The SHA Validation System, 6.4: each message is the last three digests in a row.
+// The SHA Validation System, 6.4: each message is the last three digests, joined.
 template <typename Hash>
 static void RunMonte(const Vector& vector) {
     ByteString last[3];
@@ -117,8 +117,8 @@ static void RunHmac(const Vector& vector) {
     EXPECT_EQ(Mac(Hex(vector, "key"), Hex(vector, "message")), Text(vector, "mac"));
 }
 
-// A key of more than 64 bytes: the published MAC hashes it first, ours cuts it. Hashed by the
-// caller, the key gives the published MAC here too.
+// A key of more than 64 bytes: the published MAC hashes it first, ours truncates it. If the caller
+// hashes the key, the result is the published MAC here too.
 static void RunHmacCut(const Vector& vector) {
     const ByteString key = Hex(vector, "key"), message = Hex(vector, "message");
     EXPECT_EQ(Mac(key, message), Text(vector, "cut"));
@@ -147,7 +147,7 @@ static void SetIv(const Vector& vector, uint32_t iv[2]) {
     iv[1] = LoadBig<uint32_t>(bytes.data() + 4);
 }
 
-// Runs the vector forth or back, as it says, and always the other way as well.
+// Runs the vector in its direction, and then in the opposite one.
 template <typename Encrypt, typename Decrypt>
 static void BothWays(const Vector& vector, Encrypt encrypt, Decrypt decrypt) {
     const std::string operation = Text(vector, "operation");
@@ -351,7 +351,7 @@ struct FileRow {
     int vectors;
 };
 
-// How a test of a file is called in the runner's list.
+// The name of a file's test in the list of tests.
 static void PrintTo(const FileRow& row, std::ostream* out) {
     *out << row.name;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What held a secret is wiped before it is released: every heap block, seen by the sanitizer's
-// hook as it goes, and the working space on the stack, searched once a procedure has returned.
+// Memory that held a secret is wiped before it is released. The sanitizer's hook checks every heap
+// block at its release, and a search checks the stack after a procedure has returned.
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -19,7 +19,7 @@
 // ---------------------------------------------------------------- heap
 
 extern "C" {
-// Of the sanitizers' runtime; null in a build without one.
+// A function of the sanitizer runtime; null in a build without sanitizers.
 [[gnu::weak]] int __sanitizer_install_malloc_and_free_hooks(void (*)(const volatile void*, size_t),
                                                             void (*)(const volatile void*));
 [[gnu::weak]] size_t __sanitizer_get_allocated_size(const volatile void*);
@@ -52,7 +52,7 @@ class HeapWiping : public testing::Test {
             __sanitizer_install_malloc_and_free_hooks(SeeAllocation, SeeRelease);
         ASSERT_NE(kInstalled, 0);
     }
-    // Runs what allocates and releases nothing but the blocks of crypto/.
+    // Runs work that allocates and releases only blocks of crypto/.
     template <typename Work>
     static void Watch(Work work) {
         blocks_released = blocks_not_wiped = 0;
@@ -194,8 +194,8 @@ TEST(StackWiping, HmacLeavesNeitherKeyNorPadsNorPreparedContexts) {
     WipeMacKeys();
 }
 
-// A MAC that the sender does not have would let a forger do without the key.
-TEST(StackWiping, MacThatWasExpectedIsNotLeftWhereAnotherCame) {
+// With the expected MAC an attacker could forge a packet without the key.
+TEST(StackWiping, ExpectedMacIsNotLeftAfterAMismatch) {
     const ByteString key = RandomBytes(20);
     static uint8_t packet[120];
     kHmacSha1.setOutgoingKey(key.data());
@@ -203,7 +203,7 @@ TEST(StackWiping, MacThatWasExpectedIsNotLeftWhereAnotherCame) {
     kHmacSha1.generate(packet, 100, 1);
     const ByteString expected(packet + 100, packet + 120);
     packet[100] ^= 1;
-    static int verified = 1;  // a look at it on that stack would cover what is searched for
+    static int verified = 1;  // static: a check on that stack would overwrite it
     const auto verify = [] { verified = kHmacSha1.verify(packet, 100, 1); };
     EXPECT_EQ(LeftOnStack(expected.data(), verify), 0);
     EXPECT_EQ(verified, 0);
@@ -253,7 +253,7 @@ static std::vector<uint64_t> Sha512Schedule(const uint8_t block[128]) {
     return w;
 }
 
-// A schedule tells the whole block; sixteen words of it are kept at a time.
+// A schedule reveals the whole block. The code keeps sixteen words of it at a time.
 TEST(StackWiping, PortableSha1LeavesNoWordsOfItsSchedule) {
     const ByteString block = RandomBytes(64);
     const std::vector<uint32_t> w = Sha1Schedule(block.data());
@@ -284,7 +284,7 @@ TEST(StackWiping, HashesLeaveNothingOfTheirMessage) {
         Md5Final(&context, digest);
     };
     EXPECT_EQ(LeftOnStack(message.data(), [&] { Sha1(message.data(), 40, digest); }), 0);
-    // With vectors, a compiler asked for little leaves what it loads where it was loaded.
+    // With vector instructions and low optimisation, a compiler leaves loaded values on the stack.
     Sha512Compressor fastest = sha512_compressor;
     sha512_compressor = Sha512CompressPortable;
     EXPECT_EQ(LeftOnStack(message.data(), [&] { Sha512(message.data(), 40, digest); }), 0);

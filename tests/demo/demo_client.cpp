@@ -32,7 +32,7 @@ std::string ReadLine(int pipe) {
     _exit(127);
 }
 
-// Reads what is there, waiting for it; false when nothing came or the host closed.
+// Waits for data and reads what has arrived; false if nothing came or the host closed.
 bool ReadMore(Client& client) {
     pollfd polled = {client.socket, POLLIN, 0};
     if (client.closed || poll(&polled, 1, kPatience) < 1) return false;
@@ -106,7 +106,7 @@ void Disconnect(Client& client) {
     client.closed = true;
 }
 
-// Reads while it sends, so that neither side waits for the other for ever.
+// Reads while it sends, so that the two sides never wait for each other.
 bool Send(Client& client, const std::string& bytes) {
     size_t sent = 0;
     while (sent < bytes.size() && !client.closed) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The demo host as a child process, and a plain Telnet client for its tests. Waiting always has an
-// end (kPatience), after which the call fails; how long things take is never judged.
+// The demo host as a child process, and a plain Telnet client for its tests. Every wait has a limit
+// (kPatience), after which the call fails. No test checks how long something takes.
 #ifndef QUILL_TESTS_DEMO_CLIENT_H
 #define QUILL_TESTS_DEMO_CLIENT_H
 
@@ -17,7 +17,7 @@ struct Host {
 // Starts the demo host with the given options and reads its first line. port is 0 on failure.
 Host StartHost(const std::vector<std::string>& options = {});
 
-// Waits for the end of the host; its wait status, or -1 when it goes on.
+// Waits for the end of the host; returns its wait status, or -1 if it does not end.
 int WaitForEnd(Host& host);
 
 // Sends SIGTERM if it still runs, and waits.
@@ -29,19 +29,19 @@ struct Client {
     std::string received;  // everything read so far
 };
 
-// receive_buffer 0 leaves the system's own size.
+// With receive_buffer 0 the socket has the system's default size.
 Client Connect(const Host& host, int receive_buffer = 0);
 void Disconnect(Client& client);
 bool Send(Client& client, const std::string& bytes);
 
-// Reads until `text` stands in what came after `from`; returns the place after it, or npos.
+// Reads until `text` occurs after offset `from`; returns the offset behind it, or npos.
 size_t Expect(Client& client, const std::string& text, size_t from = 0);
 
-// Reads until the host closes; false when it does not.
+// Reads until the host closes; false if it does not.
 bool ExpectClose(Client& client);
 
 // Answers the options as the program does, logs in as "ada" and waits for the menu's prompt.
-// Returns the place after it in `received`, or npos.
+// Returns the offset behind it in `received`, or npos.
 size_t LogIn(Client& client);
 
 #endif

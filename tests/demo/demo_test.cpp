@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The demo host as its clients see it: start and end, login, every page, bad bytes, slow readers.
+// The demo host as clients see it: start and end, login, every page, invalid bytes, slow readers.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -123,7 +123,7 @@ TEST_F(DemoHost, MenuNamesTheTerminalType) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, MenuNumbersStandAfterABlankAndBeforeAFullStop) {
+TEST_F(DemoHost, MenuNumbersFollowABlankAndPrecedeAFullStop) {
     Client client = Connect(host);
     ASSERT_NE(LogIn(client), kNowhere);
     for (int number = 0; number <= 12; ++number) {
@@ -136,7 +136,7 @@ TEST_F(DemoHost, MenuNumbersStandAfterABlankAndBeforeAFullStop) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, UnknownChoiceIsSaidAndAskedAgain) {
+TEST_F(DemoHost, UnknownChoiceIsReportedAndAskedAgain) {
     Client client = Connect(host);
     const size_t said = OpenPage(client, "99", "There is no such choice.");
     ASSERT_NE(said, kNowhere);
@@ -146,8 +146,8 @@ TEST_F(DemoHost, UnknownChoiceIsSaidAndAskedAgain) {
 
 struct PageCase {
     const char* choice;
-    const char* shows;  // stands on the page when it is complete
-    const char* leave;  // what goes back to the menu
+    const char* shows;  // text at the end of the complete page
+    const char* leave;  // the keys that return to the menu
 };
 
 class DemoPages : public testing::TestWithParam<PageCase> {};
@@ -237,7 +237,7 @@ TEST_F(DemoHost, FastStreamSendsEveryLineInOrder) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, FastStreamIsLeftInTheMiddleByAKey) {
+TEST_F(DemoHost, AKeyStopsTheFastStream) {
     Client client = Connect(host, 4096);
     const size_t first = OpenPage(client, "6", "00001  HS-1001");
     ASSERT_NE(first, kNowhere);
@@ -247,7 +247,7 @@ TEST_F(DemoHost, FastStreamIsLeftInTheMiddleByAKey) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, SlowReaderHoldsUpNobodyAndLosesNothing) {
+TEST_F(DemoHost, SlowReaderDelaysNoOtherSessionAndLosesNothing) {
     Client slow = Connect(host, 4096);
     ASSERT_NE(LogIn(slow), kNowhere);
     Send(slow, "6\r");
@@ -280,7 +280,7 @@ TEST_F(DemoHost, KeysPageShowsTheBytesOfEachKey) {
     ASSERT_NE(page, kNowhere);
     Send(client, "\x1bOP");
     EXPECT_NE(Expect(client, "1B 4F 50 ", page), kNowhere);
-    // IAC EOR, which this program's own key strings end with, is no data.
+    // IAC EOR, with which Quill ends its key strings, is not data.
     Send(client, "\x7f\xff\xef");
     const size_t rubout = Expect(client, "7F ", page);
     ASSERT_NE(rubout, kNowhere);
@@ -290,7 +290,7 @@ TEST_F(DemoHost, KeysPageShowsTheBytesOfEachKey) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, FormTakesFieldsAndInsistsOnANumber) {
+TEST_F(DemoHost, FormTakesFieldsAndRequiresANumber) {
     Client client = Connect(host);
     size_t at = OpenPage(client, "9", "Delivery note");
     ASSERT_NE(at, kNowhere);
@@ -305,7 +305,7 @@ TEST_F(DemoHost, FormTakesFieldsAndInsistsOnANumber) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, ShipListTellsOfTheShipAndOfNoSuchShip) {
+TEST_F(DemoHost, ShipListShowsAShipAndReportsAnUnknownOne) {
     Client client = Connect(host);
     size_t at = OpenPage(client, "10", "Choice: ");
     ASSERT_NE(at, kNowhere);
@@ -327,7 +327,7 @@ TEST_F(DemoHost, LogOutClosesTheSession) {
     ExpectServes(host);
 }
 
-TEST_F(DemoHost, AnyBytesLeaveItServing) {
+TEST_F(DemoHost, RandomBytesDoNotStopItsService) {
     std::mt19937 random(7);
     for (int round = 0; round < 12; ++round) {
         Client client = Connect(host);
@@ -363,7 +363,7 @@ TEST_F(DemoHost, OverlongLineIsCut) {
     Disconnect(client);
 }
 
-TEST_F(DemoHost, TwentySessionsAtOnceAreKeptApart) {
+TEST_F(DemoHost, TwentySessionsAtOnceAreIndependent) {
     std::vector<Client> clients;
     for (int i = 0; i < 20; ++i) {
         clients.push_back(Connect(host));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Prints the answers to much seeded work, one line each: integers of every size, hashes cut
+// Prints the results of seeded work, one line each: integers of every size, hashes of input split
 // anywhere, ciphers in both directions, and the terminal after random streams. A processor passes
-// if it prints what this machine prints.
+// if it prints the same lines as this machine.
 #include <cstdint>
 #include <cstdio>
 #include <random>
@@ -35,7 +35,7 @@ ByteVector Drawn(int count) {
 
 int Size(const ByteVector& bytes) { return static_cast<int>(bytes.size()); }
 
-// FNV-1a over all that was answered.
+// FNV-1a over all results.
 struct Digest {
     uint64_t value = 0xcbf29ce484222325;
     void Add(const void* bytes, size_t count) {
@@ -48,7 +48,7 @@ struct Digest {
             Add(&byte, 1);
         }
     }
-    // Takes the integer.
+    // Adds the integer to the hash and releases it.
     void AddInteger(Bignum a) {
         AddNumber(a ? a[0] : 0xFFFFFFFF);
         for (int i = 0; a && i < 2 * a[0]; i++) AddNumber(BignumByte(a, i));

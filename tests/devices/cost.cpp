@@ -38,7 +38,7 @@ void Encrypt() {
     kTripleDesCbc.encrypt(bytes.data(), static_cast<int>(bytes.size()));
 }
 
-// 24 rows of 80 cells, each row placed and with a rendition of its own.
+// 24 rows of 80 cells; each row has its own position and rendition.
 void Screen() {
     std::string text, replies;
     for (int row = 1; row <= kScreenRows; row++)

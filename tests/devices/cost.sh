@@ -1,15 +1,15 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 # Prints how many instructions a key exchange of SSH-2, a megabyte of 3DES and a screen cost here and on
-# the other processors, built with the optimiser: QEMU's user mode runs all of them, this machine's own code too,
-# and a plugin of it counts. What the program costs that does nothing is taken off.
+# the other processors, in optimised builds. QEMU's user mode runs all of them, also the build for this
+# machine, and a plugin counts. The cost of a program that does nothing is subtracted.
 # Usage: tests/devices/cost.sh PROCESSOR...
 set -eu
 cd "$(dirname "$0")/../.."
 mkdir -p build
 cc -O2 -Wall -Wextra -Werror -shared -fPIC -o build/count_instructions.so tests/devices/count_instructions.c
 
-# instructions EMULATOR PROGRAM WORK
+# instructions EMULATOR PROGRAM WORK: prints the count.
 instructions() {
     $1 -plugin build/count_instructions.so "$2" "$3" 2>&1
 }
@@ -21,7 +21,7 @@ cost_of() {
     done
 }
 
-# build_cost PRESET
+# build_cost PRESET: builds device_cost.
 build_cost() {
     cmake --preset "$1" -B "build/cost-$1" -DCMAKE_BUILD_TYPE=Release >/dev/null
     cmake --build "build/cost-$1" --target device_cost >/dev/null

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The registry's file on a processor for which there is no SQLite: all rows in the order in which
-// they were first written.
+// The registry's file on a processor without SQLite: all rows in the order in which they were first
+// written.
 #ifndef QUILL_TESTS_DEVICES_FLAT_REGISTRY_H
 #define QUILL_TESTS_DEVICES_FLAT_REGISTRY_H
 
@@ -16,7 +16,7 @@ struct FlatRow {
     std::string data;
 };
 
-// False where the file can be neither read and written nor made.
+// False if the file cannot be read and written, or created.
 bool ReadFlatRegistry(const std::string& path, std::vector<FlatRow>* rows);
 bool WriteFlatRegistry(const std::string& path, const std::vector<FlatRow>& rows);
 

@@ -105,6 +105,8 @@ bool RegistryStore::Ready() {
     return true;
 }
 
+bool RegistryStore::IsUsable() { return Ready(); }
+
 StoreResult RegistryStore::HasKey(const std::string& key) {
     if (!Ready()) return StoreResult::kFailed;
     return IsKey(key) ? StoreResult::kOk : StoreResult::kNotFound;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The values of the registry's file, where there is no SQLite.
+// Reads the values of the registry's file on a processor without SQLite.
 #include "flat_registry.h"
 #include "platform/qt/services/services.h"
-#include "tests/config/device.h"
+#include "tests/settings/device.h"
 
 std::vector<RegistryValue> StoredValues() {
     std::vector<RegistryValue> values;

@@ -39,7 +39,7 @@ Stage FreshStage() {
 
 class AutoLoginField : public testing::TestWithParam<Field> {};
 
-// Types `typed` into the one field, presses the button, and compares all of them.
+// Types `typed` into one field, presses the button and compares all fields.
 void TypeAndClose(const Field& field, const std::u16string& typed, int button,
                   const std::u16string& expected) {
     const Stage stage = FreshStage();
@@ -62,7 +62,7 @@ TEST_P(AutoLoginField, OkStoresItAsTyped) {
     TypeAndClose(GetParam(), u"pass\\012 \\\\", IDOK, u"pass\\012 \\\\");
 }
 
-TEST_P(AutoLoginField, CancelKeepsWhatItWas) {
+TEST_P(AutoLoginField, CancelKeepsTheOldText) {
     TypeAndClose(GetParam(), u"other", IDCANCEL, GetParam().fallback);
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The chooser of colours as a person works it: Enter and Esc, and what is in sight. The tests named
-// ChooserOnAnyDesktop also run on a desktop of 240 by 320 pixels.
+// The colour chooser as a person uses it: Enter and Esc, and which controls are visible. The tests
+// named ChooserOnAnyDesktop also run on a desktop of 240 by 320 pixels.
 #include <gtest/gtest.h>
 #include <QColorDialog>
 #include <QPushButton>
@@ -35,7 +35,7 @@ void OnDevice(int width, int height, const std::function<void()>& person) {
     RunProgram(stage, person);
 }
 
-// On the window thread, like what follows.
+// Call this and the functions below on the window thread.
 QPushButton* ButtonNamed(const QString& name) {
     for (auto* button : ShownColorDialog()->window()->findChildren<QPushButton*>())
         if (button->text().remove('&') == name && button->isVisible()) return button;
@@ -59,7 +59,7 @@ void ExpectButtonsInSight() {
     }
 }
 
-TEST(ChooserOnAnyDesktop, OkAndCancelAreAlwaysInSight) {
+TEST(ChooserOnAnyDesktop, OkAndCancelAreAlwaysVisible) {
     for (const auto& [width, height] : {std::pair(240, 320), {320, 240}, {400, 258}}) {
         OnDevice(width, height, [] {
             OpenChooser();
@@ -101,8 +101,8 @@ TEST(ChooserOnAnyDesktop, NothingIsCutOffSideways) {
     });
 }
 
-// The device may be smaller than the chooser; the desktop is not.
-TEST(Chooser, IsShownWholeWhereTheDesktopHasRoom) {
+// The device may be smaller than the chooser, but this desktop is larger.
+TEST(Chooser, IsShownWholeOnALargeEnoughDesktop) {
     for (const auto& [width, height] : {std::pair(240, 320), {400, 258}}) {
         OnDevice(width, height, [] {
             OpenChooser();
@@ -138,7 +138,7 @@ TEST(ChooserOnAnyDesktop, EnterIsOkAsSoonAsItOpens) {
     });
 }
 
-// Wherever the keyboard is, the button that is drawn as the default one is the one that is pressed.
+// Enter presses the button that is drawn as the default one, whichever field has the focus.
 TEST(ChooserOnAnyDesktop, EnterInEveryFieldIsOk) {
     OnDevice(640, 480, [] {
         for (int tabs = 1; tabs < 40; tabs++) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What follows when a dialog is closed: the terminal is repainted by whichever button, and the
-// settings are saved unless they are not to be kept.
+// What happens when a dialog closes: every button repaints the terminal, and the settings are saved
+// unless saving is disabled.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 
 namespace {
 
-std::atomic<int> g_repaints;  // asked for by the program outside ui/view/view.cpp
+std::atomic<int> g_repaints;  // repaints requested outside ui/view/view.cpp
 
 struct Closing {
     const char* dialog;
@@ -27,7 +27,7 @@ void PrintTo(const Closing& each, std::ostream* out) {
 
 class AfterDialog : public testing::TestWithParam<Closing> {
   protected:
-    // The dialog, or the sheet of a page.
+    // Opens the dialog; for a page it returns the sheet.
     static HWND Open() {
         const auto row =
             std::find_if(dialog_cases.begin(), dialog_cases.end(),
@@ -52,7 +52,7 @@ TEST_P(AfterDialog, TheTerminalIsRepainted) {
 }
 
 const Closing kClosings[] = {
-    {"Connect", Qt::Key_Escape},  // Enter connects, which repaints as well
+    {"Connect", Qt::Key_Escape},  // no Enter here: connecting repaints too
     {"Other", Qt::Key_Escape},   {"Other", Qt::Key_Return},     {"Font", Qt::Key_Escape},
     {"Font", Qt::Key_Return},    {"AutoLogin", Qt::Key_Escape}, {"AutoLogin", Qt::Key_Return},
     {"SignOn", Qt::Key_Escape},  {"SignOn", Qt::Key_Return},

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The template of the colour chooser, as the resources hold it: the desktop's chooser takes its
-// place on this platform, so it cannot be seen on the screen.
+// The template of the colour chooser in the resources. This platform shows the desktop's chooser
+// instead, so no test can see the template on the screen.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -45,7 +45,7 @@ TEST_F(ColorTemplate, HasTheLabelsInOrder) {
     EXPECT_EQ(labels, expected);
 }
 
-// A control, and the text that leads to it by its mnemonic.
+// Each text before a control has a mnemonic that focuses this control.
 TEST_F(ColorTemplate, HasTheControlsOfTheSystemsDialogBehindTheirLabels) {
     const std::map<std::u16string, int> expected = {
         {u"&Basic colors:", 720}, {u"&Custom colors:", 721}, {u"Hu&e:", 703},   {u"&Sat:", 704},

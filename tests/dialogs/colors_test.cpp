@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The four colours: through the desktop's chooser, and what is asked of it.
+// The four colours: the request to the chooser, and choosing with the desktop's chooser.
 #include <gtest/gtest.h>
 #include <QColorDialog>
 #include <QThread>
@@ -36,7 +36,7 @@ Stage FreshStage() {
     return stage;
 }
 
-// ---------------------------------------------------------------- with a chooser of the test's own
+// ---------------------------------------------------------------- with a double of the chooser
 
 CHOOSECOLORW g_request;
 int g_asked;
@@ -72,7 +72,8 @@ TEST_P(Color, IsAskedForWithItsValueItsFlagsAndItsTemplate) {
     RunProgram(FreshStage(), [&] {
         UseDouble(0x00123456, TRUE);
         const HINSTANCE own = session.instance, known = reinterpret_cast<HINSTANCE>(0x400000);
-        OnWindowThread([=] { session.instance = known; });  // the template is looked for there
+        // The chooser looks for its template in this module.
+        OnWindowThread([=] { session.instance = known; });
         Choose(color.command);
         OnWindowThread([=] { session.instance = own; });
         EXPECT_EQ(g_request.lStructSize, sizeof(CHOOSECOLORW));

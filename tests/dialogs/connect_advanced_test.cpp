@@ -28,7 +28,7 @@ Advanced OpenAdvanced() {
     return {connect, AwaitDialog("Connect Advanced")};
 }
 
-// Closes both; the host that is not named cannot be connected to, which is told.
+// Closes both dialogs. Without a host name the connect fails with a message box.
 void CloseBoth(const Advanced& advanced, int button) {
     ClickControl(advanced.dialog, button);
     ASSERT_TRUE(Closed(advanced.dialog));
@@ -37,7 +37,7 @@ void CloseBoth(const Advanced& advanced, int button) {
     DismissBox("Error: Cannot connect to the UNIX Host");
 }
 
-// It outlives the dialog.
+// The data of the dialog, which stays valid after the dialog is closed.
 std::shared_ptr<DialogData> DataOf(HWND dialog) {
     std::shared_ptr<DialogData> data;
     OnWindowThread([&] { data = FindWindowRecord(dialog)->dialog; });
@@ -69,7 +69,7 @@ const MarkCase kMarks[] = {
 
 class AdvancedMark : public testing::TestWithParam<MarkCase> {};
 
-TEST_P(AdvancedMark, OkStoresTheTurnedMarkAndNoOther) {
+TEST_P(AdvancedMark, OkStoresOnlyTheToggledMark) {
     const MarkCase& mark = GetParam();
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
@@ -161,7 +161,7 @@ TEST_P(AdvancedPort, IsStoredOnlyIfItIsANumber) {
 INSTANTIATE_TEST_SUITE_P(Each, AdvancedPort, testing::ValuesIn(kPorts),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// It is shown with its sign, which does not read back: OK keeps the port.
+// The dialog shows the number with a minus sign and cannot read it back, so OK keeps the port.
 TEST(ConnectAdvanced, PortOf2147483648AndAboveIsShownNegativeAndKept) {
     const std::pair<uint32_t, const char16_t*> ports[] = {{2147483647, u"2147483647"},
                                                           {2147483648, u"-2147483648"},
@@ -207,7 +207,7 @@ TEST(ConnectAdvanced, OnlyTheLowSixteenBitsOfAPortCount) {
     });
 }
 
-// Nothing but the settings tells its buttons apart.
+// The two buttons differ only in what they store.
 TEST(ConnectAdvanced, ClosesWithMinusOneByEitherButtonAndReturnsToConnect) {
     RunProgram(FreshStage(), [] {
         for (int button : {IDOK, IDCANCEL}) {
@@ -223,7 +223,7 @@ TEST(ConnectAdvanced, ClosesWithMinusOneByEitherButtonAndReturnsToConnect) {
     });
 }
 
-TEST(ConnectAdvanced, WhatOkHasTakenStaysWhenConnectIsCancelled) {
+TEST(ConnectAdvanced, ValuesTakenByOkStayWhenConnectIsCancelled) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const Advanced advanced = OpenAdvanced();
@@ -238,7 +238,7 @@ TEST(ConnectAdvanced, WhatOkHasTakenStaysWhenConnectIsCancelled) {
     EXPECT_EQ(StoredNumber(stage.root, "xbox"), 1u) << "saved at the program's end";
 }
 
-TEST(ConnectAdvanced, ProtocolsTakeEachOthersMark) {
+TEST(ConnectAdvanced, SelectingAProtocolClearsTheOther) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         Advanced advanced = OpenAdvanced();
@@ -263,7 +263,7 @@ TEST(ConnectAdvanced, ProtocolsTakeEachOthersMark) {
     });
 }
 
-TEST(ConnectAdvanced, CiphersTakeEachOthersMarkAndLeaveTheProtocol) {
+TEST(ConnectAdvanced, SelectingACipherClearsTheOtherAndLeavesTheProtocol) {
     const int ids[] = {IDC_DES, IDC_TRIPLE_DES, IDC_BLOWFISH};
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
@@ -284,7 +284,7 @@ TEST(ConnectAdvanced, CiphersTakeEachOthersMarkAndLeaveTheProtocol) {
     });
 }
 
-// As a session takes it: 1 is SSH-2, any other value SSH-1.
+// A session treats 1 as SSH-2 and any other value as SSH-1.
 TEST(ConnectAdvanced, AProtocolOutOfRangeIsShownAsSsh1) {
     const Stage stage = FreshStage([] { WriteNumber(u"ssh_type2", 2); });
     RunProgram(stage, [&] {
@@ -317,7 +317,7 @@ TEST(ConnectAdvanced, MarksOutOfRangeAreMarkedAndBecomeOne) {
     });
 }
 
-TEST(ConnectAdvanced, StandsAt20And20) {
+TEST(ConnectAdvanced, OpensAtPosition20And20) {
     RunProgram(FreshStage(), [] {
         const RECT place = Place(OpenAdvanced().dialog);
         EXPECT_EQ(place.left, 20);

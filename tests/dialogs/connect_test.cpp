@@ -16,7 +16,7 @@ namespace {
 const char kNoHost[] = "Error: Cannot connect to the UNIX Host";
 const Settings& s = session.settings;
 
-// The hosts of these tests cannot be found, which ends each connection at once.
+// The hosts of these tests do not exist, so each connection ends at once.
 const char16_t* const kHosts[] = {u"one.invalid", u"two.invalid", u"three.invalid", u"four.invalid",
                                   u"five.invalid"};
 const char* const kHistoryNames[] = {"hist0a", "hist1a", "hist2a", "hist3a", "hist4a"};
@@ -76,7 +76,7 @@ TEST(ConnectDialog, OkStoresTheHostAndPutsItFirstInTheHistory) {
     });
 }
 
-TEST(ConnectDialog, OkSavesBeforeTheConnectionIsBegun) {
+TEST(ConnectDialog, OkSavesBeforeTheConnectionStarts) {
     const Stage stage = StageWithHistory(0);
     RunProgram(stage, [&] {
         const HWND dialog = OpenConnect();
@@ -107,7 +107,7 @@ TEST(ConnectDialog, OkConnects) {
     });
 }
 
-TEST(ConnectDialog, CancelChangesNothingAndLeavesMinusOne) {
+TEST(ConnectDialog, CancelChangesNothingAndTheResultIsMinusOne) {
     const Stage stage = StageWithHistory(1);
     RunProgram(stage, [&] {
         const HWND dialog = OpenConnect();
@@ -152,7 +152,7 @@ TEST(ConnectDialog, CancelAfterAnOkDoesNotConnectAgain) {
     });
 }
 
-TEST(ConnectDialog, OkAfterCancelDoesNotLeaveMinusOne) {
+TEST(ConnectDialog, AfterOkTheResultIsNoLongerMinusOne) {
     RunProgram(StageWithHistory(0), [&] {
         HWND dialog = OpenConnect();
         ClickControl(dialog, IDCANCEL);
@@ -210,7 +210,7 @@ TEST(ConnectHistory, AnEmptyHostIsNotRememberedWhileThereIsRoom) {
     });
 }
 
-// The list of the next dialog then ends at its first entry.
+// The list of the next dialog is then empty, because it ends at the first empty entry.
 TEST(ConnectHistory, AnEmptyHostIsRememberedWhereFiveOthersAre) {
     const Stage stage = StageWithHistory(5);
     RunProgram(stage, [&] {
@@ -254,7 +254,7 @@ TEST(ConnectLimits, TheSixtiethCharacterIsCut) {
     });
 }
 
-// Strings of more than 80 bytes do not read back.
+// Strings of more than 80 bytes cannot be read back.
 TEST(ConnectLimits, TheSixtiethCharacterCannotBeTyped) {
     RunProgram(StageWithHistory(0), [&] {
         const HWND dialog = OpenDialog(IDM_CONNECT, "Connect");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which button Enter presses, and that a person can tell.
+// Which button Enter presses, and that a person can see which one it is.
 #include <gtest/gtest.h>
 #include <QPushButton>
 
@@ -32,7 +32,7 @@ void TabTo(HWND dialog, int id) {
     ASSERT_EQ(FocusedControl(dialog), id);
 }
 
-// On the window thread: those of the window on top that are drawn as the default one.
+// The buttons of the top window that are drawn as the default one. Call it on the window thread.
 std::vector<QPushButton*> Defaults() {
     std::vector<QPushButton*> defaults;
     for (QPushButton* button : QApplication::activeModalWidget()->findChildren<QPushButton*>())
@@ -40,7 +40,7 @@ std::vector<QPushButton*> Defaults() {
     return defaults;
 }
 
-TEST(DefaultButton, ATapOnAnotherOneDoesNotMakeItTheOneThatEnterPresses) {
+TEST(DefaultButton, ATapOnAnotherButtonDoesNotMakeItTheDefault) {
     RunProgram(FreshStage(), [] {
         const HWND dialog = OpenDialog(IDM_CONNECT, "Connect");
         TypeInto(dialog, IDC_HOST, u"no.invalid");
@@ -74,8 +74,8 @@ TEST(DefaultButton, ATapLeavesTheKeyboardInTheFieldBefore) {
 
 class EachDefaultButton : public testing::TestWithParam<DialogCase> {};
 
-// The one with the focus; where the focus is elsewhere, the template's.
-TEST_P(EachDefaultButton, IsDrawnAsSuchAloneWhereverTheFocusIs) {
+// The default button is the one with the focus, or the template's if no button has the focus.
+TEST_P(EachDefaultButton, IsTheOnlyOneDrawnAsDefaultWhereverTheFocusIs) {
     RunProgram(FreshStage(), [] {
         const HWND dialog = GetParam().open();
         for (const int id : GetParam().tabs) {
@@ -92,7 +92,7 @@ TEST_P(EachDefaultButton, IsDrawnAsSuchAloneWhereverTheFocusIs) {
 INSTANTIATE_TEST_SUITE_P(Each, EachDefaultButton, testing::ValuesIn(dialog_cases),
                          [](const auto& info) { return info.param.name; });
 
-TEST(DefaultButton, LooksUnlikeTheOthersAndTheFocusIsSeenOnIt) {
+TEST(DefaultButton, LooksDifferentFromTheOthersAndShowsTheFocus) {
     RunProgram(FreshStage(), [] {
         ClickControl(OpenDialog(IDM_CONNECT, "Connect"), IDC_ADVANCED);
         const HWND dialog = AwaitDialog("Connect Advanced");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The dialogs' captions, labels and numbers, written down once more.
+// The expected captions, labels and numbers of the dialogs, written independently of the product.
 #include "tests/dialogs/dialog_cases.h"
 
 #include <QApplication>

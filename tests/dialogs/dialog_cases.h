@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// All dialogs of the settings as they are known from outside: how to come to each, and what stands
-// on it.
+// All dialogs of the settings, as a user sees them: how to open each one, and which controls it
+// has.
 #ifndef QUILL_TESTS_DIALOGS_DIALOG_CASES_H
 #define QUILL_TESTS_DIALOGS_DIALOG_CASES_H
 
@@ -13,17 +13,17 @@
 enum class Kind { kStatic, kEdit, kCombo, kList, kCheck, kRadio, kButton, kDefault };
 
 struct ControlCase {
-    int id;  // -1: a text that nothing refers to
+    int id;  // -1: a text that no code refers to
     Kind kind;
-    const char* label;  // "" for fields, which have the text before them as their name
+    const char* label;  // "" for fields; the text before a field names it
 };
 
 struct DialogCase {
-    std::string name;  // of the test
+    std::string name;  // used in test names
     std::string caption;
-    HWND (*open)();                     // by the commands and buttons that a user has
-    std::vector<ControlCase> controls;  // in the template's order
-    std::vector<int> tabs;              // the controls that Tab visits, from the first focus on
+    HWND (*open)();                     // by the commands and buttons of a user
+    std::vector<ControlCase> controls;  // in the order of the template
+    std::vector<int> tabs;              // the controls in Tab order, from the first focus
     bool centred;
 };
 

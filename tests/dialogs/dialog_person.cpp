@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The person at a dialog: hands and eyes of tests/qt_driver/driver.h, on the window thread.
+// The person at a dialog: runs the actions of tests/qt_driver/driver.h on the window thread.
 #include "tests/dialogs/dialog_person.h"
 
 #include <gtest/gtest.h>
@@ -13,13 +13,14 @@
 
 namespace {
 
-// What a person does; `dialog`, a page or a sheet must be what lies on top.
+// Runs an action of the person; `dialog` must be the topmost dialog, sheet or page.
 void Do(HWND dialog, int id, const std::function<bool()>& action) {
     OnWindowThread([&] {
         EXPECT_TRUE(dialog == ShownDialog() || dialog == ShownPage()) << "another one is on top";
         EXPECT_TRUE(action()) << "control " << id << " is not there, or cannot be worked";
     });
-    EXPECT_TRUE(Eventually([] { return !MessagesWaiting(); }));  // what follows is queued
+    // The action may have posted messages.
+    EXPECT_TRUE(Eventually([] { return !MessagesWaiting(); }));
 }
 
 const QTabBar* TabsOf(HWND sheet) {

@@ -13,7 +13,7 @@
 
 namespace {
 
-// What a user might have stored.
+// Settings that a user might have stored.
 void StoreExamples() {
     WriteString(u"host", u"unix.example.org");
     WriteString(u"hist0a", u"unix.example.org");

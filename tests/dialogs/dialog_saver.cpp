@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A program that does nothing but change settings in a dialog and save them by OK, until it is
-// killed. Usage: dialog_saver ROOT. Writes a line when the first save is about to begin, and after
-// each save its number.
+// A program that changes settings in a dialog and saves them by OK, again and again until it is
+// killed. Usage: dialog_saver ROOT. It writes a line just before the first save, and after each
+// save its number.
 #include <cstdio>
 
 #include "resources/resource_ids.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-// The other settings change too, so that a save writes new values all over the file.
+// The other settings change too, so that a save writes new values in many places of the file.
 void Turn(int number_of_turn) {
     const int turn = number_of_turn % 2;
     OnWindowThread([=] {

@@ -24,7 +24,7 @@ Stage FreshStage(const std::function<void()>& before = {}) {
 
 std::u16string Face(int i) { return session.view.faces[i].font.lfFaceName; }
 
-// A second face whose name is known; the fonts of the machine decide whether there is one anyway.
+// Adds a second face with a known name, because a machine may have only one.
 void AddFace(const char16_t* name) {
     OnWindowThread([=] {
         ViewState& view = session.view;
@@ -61,7 +61,7 @@ TEST(FontDialog, SelectsTheFaceOfTheSettings) {
     });
 }
 
-TEST(FontDialog, FaceNameInOtherCaseIsNoFaceAndTheFirstIsSelected) {
+TEST(FontDialog, FaceNameInOtherCaseDoesNotMatchAndTheFirstIsSelected) {
     RunProgram(FreshStage(), [] {
         AddFace(u"Second Mono");
         for (const char16_t* name : {u"second mono", u"SECOND MONO", u"Second MonO"}) {
@@ -75,12 +75,12 @@ TEST(FontDialog, FaceNameInOtherCaseIsNoFaceAndTheFirstIsSelected) {
     });
 }
 
-TEST(FontDialog, SelectsTheFirstFaceIfItsOwnIsNotThere) {
+TEST(FontDialog, SelectsTheFirstFaceIfTheStoredOneIsMissing) {
     RunProgram(FreshStage([] { WriteString(u"fname", u"No Such Face"); }),
                [] { EXPECT_EQ(SelectedLine(OpenFont(), IDC_FONTS), 0); });
 }
 
-TEST(FontDialog, OkTakesTheFaceAndLeavesItsPosition) {
+TEST(FontDialog, OkTakesTheFaceAndTheResultIsItsPosition) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         AddFace(u"Second Mono");
@@ -96,7 +96,7 @@ TEST(FontDialog, OkTakesTheFaceAndLeavesItsPosition) {
     });
 }
 
-TEST(FontDialog, CancelKeepsFaceAndMarksAndLeavesMinusOne) {
+TEST(FontDialog, CancelKeepsFaceAndMarksAndTheResultIsMinusOne) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         AddFace(u"Second Mono");
@@ -123,7 +123,7 @@ void PrintTo(const MarkCase& each, std::ostream* out) { *out << each.name; }
 
 class FontMark : public testing::TestWithParam<MarkCase> {};
 
-TEST_P(FontMark, OkStoresItAndTheTerminalIsDrawnAnew) {
+TEST_P(FontMark, OkStoresItAndTheTerminalIsRedrawn) {
     const MarkCase& mark = GetParam();
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
@@ -161,14 +161,14 @@ TEST(FontDialog, TheTerminalIsLaidOutForTheNewFontsCells) {
         ASSERT_TRUE(Eventually([] { return session.view.visible_columns > 0; }));
         const int columns = session.view.visible_columns;
         const HWND dialog = OpenFont();
-        OnWindowThread([] { s.fsize = 20; });  // in place of a face of larger cells
+        OnWindowThread([] { s.fsize = 20; });  // instead of a face with larger cells
         ClickControl(dialog, IDOK);
         ASSERT_TRUE(Closed(dialog));
         EXPECT_TRUE(Eventually([=] { return session.view.visible_columns < columns; }, 3000));
     });
 }
 
-TEST(FontDialog, WithoutASelectionTheMarksAreStoredAndMinusOneIsLeft) {
+TEST(FontDialog, WithoutASelectionTheMarksAreStoredAndTheResultIsMinusOne) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const HWND dialog = OpenFont();
@@ -208,7 +208,7 @@ TEST(FontDialog, ArrowKeysAndEnterChooseAFace) {
     });
 }
 
-TEST(FontDialog, AFontSizeOutOfRangeInTheRegistryIsHeld) {
+TEST(FontDialog, AFontSizeOutOfRangeInTheRegistryIsClamped) {
     const Stage stage = FreshStage([] { WriteNumber(u"fsize", 0); });
     RunProgram(stage, [&] {
         const HWND dialog = OpenFont();

@@ -39,7 +39,7 @@ void CloseBy(HWND dialog, int button) {
     ASSERT_TRUE(Closed(dialog));
 }
 
-// Selects the row, types its new text, and presses the button of "Change".
+// Selects the row, types its new text in "Change" and presses the button.
 void ChangeRow(const OpenSheet& open, int row, const Text& text, int button = IDOK) {
     ClickLine(open.page, IDC_KEYS, row);
     const HWND change = OpenChange(open);
@@ -144,7 +144,7 @@ TEST(ChangeKey, CancelChangesNothing) {
     });
 }
 
-TEST(ChangeKey, WhatOkHasTakenStaysWhenTheSheetIsCancelled) {
+TEST(ChangeKey, TextTakenByOkStaysWhenTheSheetIsCancelled) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const OpenSheet open = OpenKeyboard();
@@ -228,7 +228,7 @@ TEST(ChangeKey, TextIsNotCheckedNorConverted) {
     });
 }
 
-// The first row whose text cannot be read ends the loading: it and all later rows have none.
+// Loading stops at the first row whose text cannot be read; it and all later rows have no text.
 TEST(ChangeKey, ARowWithoutATextOpensEmptyAndCanBeGivenOne) {
     RunProgram(FreshStage(), [] {
         OnWindowThread([] {
@@ -246,7 +246,7 @@ TEST(ChangeKey, ARowWithoutATextOpensEmptyAndCanBeGivenOne) {
     });
 }
 
-TEST(ChangeKey, StandsOverTheMiddleOfTheSheetOrAtItsCorner) {
+TEST(ChangeKey, IsCentredOverTheSheetOrPlacedAtItsCorner) {
     RunProgram(FreshStage(), [] {
         const OpenSheet open = OpenKeyboard();
         const RECT change = Place(OpenChange(open));

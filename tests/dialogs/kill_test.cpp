@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Killed in the middle of saving, the program leaves each value old or new, and the file sound;
-// what an earlier save has written is not lost. QUILL_KILLS: how many kills each test makes.
+// A program that is killed while it saves leaves each value old or new, and the file intact. It
+// does not lose what an earlier save has written. QUILL_KILLS: how many kills each test makes.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -62,7 +62,7 @@ int LastTurn(int output) {
     return std::isdigit(static_cast<unsigned char>(line[0])) ? std::stoi(line) : kNoTurn;
 }
 
-// Lets it save for a while from its first word on, and kills it. True if it was still at work;
+// Lets it save for a while after its first output and kills it. True if it was still running;
 // `last` is the last save that it has completed.
 bool KillAfter(const Saver& saver, int microseconds, int* last) {
     char word[7];
@@ -104,7 +104,7 @@ void ExpectNoneLost(const std::string& root, int last) {
         << text << " after save " << last;
 }
 
-// A save that was cut: its first value is of another turn than its last text.
+// True after an incomplete save: the first value is from another round than the last text.
 bool HalfSaved(const std::string& root) {
     const bool first = StoredNumber(root, "blink") == saved_numbers[0].values[1];
     const bool last = StoredText(root, "resp2") == saved_texts[2].values[1];
@@ -113,7 +113,7 @@ bool HalfSaved(const std::string& root) {
 
 class KilledInSaving : public testing::TestWithParam<unsigned> {};
 
-TEST_P(KilledInSaving, LeavesEachValueOldOrNewAndTheFileSound) {
+TEST_P(KilledInSaving, LeavesEachValueOldOrNewAndTheFileIntact) {
     const std::string root = FreshRoot();
     std::mt19937 random(GetParam());
     std::uniform_int_distribution<int> moment(0, 120000);

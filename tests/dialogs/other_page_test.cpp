@@ -64,7 +64,7 @@ void ExpectStored(const std::string& root, const MarkCase& turned) {
     }
 }
 
-TEST_P(OtherMark, AClickTurnsMarkAndSettingAtOnceAndOkSaves) {
+TEST_P(OtherMark, AClickTogglesMarkAndSettingAtOnceAndOkSaves) {
     const MarkCase& mark = GetParam();
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
@@ -80,7 +80,7 @@ TEST_P(OtherMark, AClickTurnsMarkAndSettingAtOnceAndOkSaves) {
     });
 }
 
-TEST_P(OtherMark, CancelComesTooLateForTheMark) {
+TEST_P(OtherMark, CancelDoesNotUndoTheMark) {
     const MarkCase& mark = GetParam();
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
@@ -91,7 +91,7 @@ TEST_P(OtherMark, CancelComesTooLateForTheMark) {
     });
 }
 
-TEST_P(OtherMark, ASecondClickTurnsItBack) {
+TEST_P(OtherMark, ASecondClickTogglesItBack) {
     const MarkCase& mark = GetParam();
     RunProgram(FreshStage(), [&] {
         const OpenSheet open = OpenOther();
@@ -106,8 +106,8 @@ TEST_P(OtherMark, ASecondClickTurnsItBack) {
 INSTANTIATE_TEST_SUITE_P(Each, OtherMark, testing::ValuesIn(kMarks),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// The mark and the setting are turned each from what it was, so that they part if they differ.
-TEST(OtherPage, MarkAndSettingAreTurnedOnTheirOwn) {
+// A click toggles the mark and the setting separately, so different values stay different.
+TEST(OtherPage, MarkAndSettingAreToggledIndependently) {
     RunProgram(FreshStage(), [] {
         const OpenSheet open = OpenOther();
         OnWindowThread([] { s.bell = 0; });
@@ -151,7 +151,7 @@ void TypeAndClose(const TextCase& field, const std::u16string& typed, int button
 }
 
 TEST_P(OtherText, OkStoresIt) { TypeAndClose(GetParam(), u"vt100 \\x", IDOK, u"vt100 \\x"); }
-TEST_P(OtherText, CancelKeepsWhatItWas) {
+TEST_P(OtherText, CancelKeepsTheOldText) {
     TypeAndClose(GetParam(), u"other", IDCANCEL, GetParam().fallback);
 }
 TEST_P(OtherText, Holds39Characters) {
@@ -216,7 +216,7 @@ bool AwaitRows(int rows) {
     return Eventually([=] { return session.view.visible_rows == rows; });
 }
 
-TEST(HideStatusBar, TakesTheBarAwayAndGivesItsRoomToTheTerminal) {
+TEST(HideStatusBar, RemovesTheBarAndGivesItsRoomToTheTerminal) {
     Stage stage = FreshStage();
     stage.width = 400, stage.height = 200;
     RunProgram(stage, [&] {
@@ -241,7 +241,7 @@ TEST(HideStatusBar, TakesTheBarAwayAndGivesItsRoomToTheTerminal) {
 
 class HideStatusBarAtSize : public testing::TestWithParam<DWORD> {};
 
-TEST_P(HideStatusBarAtSize, LeavesTheFontAsItWas) {
+TEST_P(HideStatusBarAtSize, KeepsTheFont) {
     const Stage stage = FreshStage([] { WriteNumber(u"fsize", GetParam()); });
     RunProgram(stage, [&] {
         ASSERT_TRUE(Eventually([] { return session.view.visible_rows > 0; }));
@@ -262,7 +262,7 @@ TEST_P(HideStatusBarAtSize, LeavesTheFontAsItWas) {
 INSTANTIATE_TEST_SUITE_P(EachSize, HideStatusBarAtSize,
                          testing::Values(1u, 2u, 5u, 8u, 9u, 10u, 13u, 24u, 25u));
 
-TEST(HideStatusBar, AFontSizeOutOfRangeIsHeldToTheLargest) {
+TEST(HideStatusBar, AFontSizeOutOfRangeIsClampedToTheLargest) {
     const Stage stage = FreshStage([] { WriteNumber(u"fsize", 4000000000u); });
     RunProgram(stage, [&] {
         ASSERT_TRUE(Eventually([] { return session.view.visible_rows > 0; }));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The dialogs under an X server, worked by its mouse and its keyboard (xdotool); run by
-// outside_test.sh. What is stored is read back by SQLite itself.
+// The dialogs on an X server, operated by its mouse and keyboard (xdotool); outside_test.sh runs
+// it. The tests read the stored values with SQLite.
 #include <gtest/gtest.h>
 #include <QThread>
 
@@ -22,7 +22,7 @@ void Xdotool(const std::string& what) {
 void Type(const std::string& text) { Xdotool("type --delay 15 '" + text + "'"); }
 void Key(const std::string& keys) { Xdotool("key --delay 15 " + keys); }
 
-// The desktop's place of a point of the control, `across` from its left edge; 0: its middle.
+// Clicks a point of the control, `across` pixels from its left edge; 0: its middle.
 void MouseOn(HWND dialog, int id, int across = 0) {
     QPoint place;
     OnWindowThread([&] {
@@ -37,14 +37,14 @@ void MouseOn(HWND dialog, int id, int across = 0) {
     QThread::msleep(100);
 }
 
-// Over what stands in the field.
+// Replaces the text of the field.
 void TypeInField(HWND dialog, int id, const std::string& text) {
     MouseOn(dialog, id, 8);
     Key("ctrl+a");
     Type(text);
 }
 
-// There is no window manager here to hand the keyboard on.
+// Without a window manager the test itself has to move the keyboard focus.
 void GiveKeyboard(HWND window) {
     WId desktop_window = 0;
     OnWindowThread([&] {
@@ -62,7 +62,7 @@ HWND AwaitWithKeyboard(const std::string& caption) {
     return dialog;
 }
 
-// The accelerators of the main window, so that nothing but keys opens the dialogs.
+// Opens the dialogs by keys only, with the accelerators of the main window.
 HWND OpenByKeys(const std::string& keys, const std::string& caption) {
     EXPECT_TRUE(Eventually([] { return session.main_window != nullptr; }));
     GiveKeyboard(nullptr);
@@ -103,7 +103,7 @@ TEST(OutsideDialogs, ConnectByMouse) {
     });
 }
 
-TEST(OutsideDialogs, ConnectByKeysAlone) {
+TEST(OutsideDialogs, ConnectByKeysOnly) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const HWND connect = OpenByKeys("ctrl+shift+n", "Connect");

@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Runs a program on an X server of its own. Exit code 77: not possible here.
+# Runs a program on a private X server. Exit code 77: not possible here.
 # Usage: outside_test.sh PROGRAM
 set -eu
 . "$(dirname "$0")/../support/outside.sh"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The dialogs on the smallest device, 240 by 320 pixels, upright and turned: every control is come
-// to, and a text that is cut off is scrolled to.
+// The dialogs on the smallest device, 240 by 320 pixels, upright and rotated: a person can reach
+// every control and scroll to every text.
 #include <gtest/gtest.h>
 #include <QColorDialog>
 #include <QLabel>
@@ -28,7 +28,7 @@ Stage SmallDevice(bool turned = false) {
     return stage;
 }
 
-// On the window thread: nothing cuts it, neither a window nor the device's screen.
+// True if no window and no edge of the screen cuts the widget. Call it on the window thread.
 bool WhollyInSight(const QWidget* widget) {
     QRect seen = widget->rect();
     for (const QWidget* at = widget; !at->isWindow(); at = at->parentWidget())
@@ -41,7 +41,7 @@ bool WhollyInSight(const QWidget* widget) {
 
 QWidget* Focused() { return QApplication::focusWidget(); }
 
-// Presses Tab until the focus is back where it was, and collects where it has been.
+// Presses Tab until the focus is back, and returns the widgets that had it.
 std::vector<QWidget*> TabRound() {
     std::vector<QWidget*> round;
     for (int presses = 0; presses < 200; presses++) {
@@ -63,7 +63,7 @@ std::vector<QWidget*> TabRound() {
 
 class EachSmallDialog : public testing::TestWithParam<DialogCase> {};
 
-TEST_P(EachSmallDialog, TabBringsEveryControlIntoSight) {
+TEST_P(EachSmallDialog, TabScrollsEveryControlIntoView) {
     for (const bool turned : {false, true}) {
         RunProgram(SmallDevice(turned), [] {
             GetParam().open();
@@ -81,7 +81,7 @@ TEST_P(EachSmallDialog, TabBringsEveryControlIntoSight) {
 INSTANTIATE_TEST_SUITE_P(Each, EachSmallDialog, testing::ValuesIn(dialog_cases),
                          [](const auto& info) { return info.param.name; });
 
-// On the window thread: each of the list's lines that is seen is seen whole.
+// Expects that every visible line of the list is wholly visible. Call it on the window thread.
 void ExpectWholeLines(const QListWidget* list) {
     for (int row = 0; row < list->count(); row++) {
         const QRect line = list->visualItemRect(list->item(row));
@@ -91,7 +91,7 @@ void ExpectWholeLines(const QListWidget* list) {
     }
 }
 
-// The width of the ink in a line: what stands left of `room` and what is cut off there.
+// True if a line has ink at its right edge, where its text would be cut.
 bool InkAtTheEdge(QListWidget* list, int row) {
     const QRect line = list->visualItemRect(list->item(row));
     const QImage face = list->viewport()->grab(line).toImage();
@@ -109,8 +109,8 @@ class OnEachScreen : public testing::TestWithParam<QSize> {
     }
 };
 
-// Three lists share the width; what is too long for one goes on in a second line.
-TEST_P(OnEachScreen, NamesOfTheToolbarsStandWholeBesideTheirMarks) {
+// Three lists share the width; a name that is too long continues in a second line.
+TEST_P(OnEachScreen, ToolbarNamesAreShownWholeBesideTheirMarks) {
     RunProgram(Device(), [] {
         ClickTab(OpenDialog(IDM_PROPERTIES, "Properties"), "Toolbar");
         for (const int id : {IDC_BAR1, IDC_BAR2, IDC_BAR3}) {
@@ -134,7 +134,7 @@ TEST_P(OnEachScreen, NamesOfTheToolbarsStandWholeBesideTheirMarks) {
     });
 }
 
-// On the window thread: below the last line that is seen whole there is nothing.
+// Expects an empty area below the last whole line. Call it on the window thread.
 void ExpectNothingBelowTheLastLine(QListWidget* list) {
     const QImage face = list->viewport()->grab().toImage();
     int end = 0;
@@ -149,7 +149,7 @@ void ExpectNothingBelowTheLastLine(QListWidget* list) {
                 << x << "," << y << " below " << end;
 }
 
-TEST_P(OnEachScreen, NoLineOfTheToolbarsIsSeenInPart) {
+TEST_P(OnEachScreen, NoLineOfTheToolbarsIsPartlyVisible) {
     RunProgram(Device(), [] {
         ClickTab(OpenDialog(IDM_PROPERTIES, "Properties"), "Toolbar");
         for (const int id : {IDC_BAR1, IDC_BAR2, IDC_BAR3}) {
@@ -163,7 +163,7 @@ TEST_P(OnEachScreen, NoLineOfTheToolbarsIsSeenInPart) {
     });
 }
 
-// Whatever is at the top, and at the end.
+// For every line at the top, and for the end of the list.
 TEST_P(OnEachScreen, NoLineOfTheListsOfKeysAndFontsIsCut) {
     RunProgram(Device(), [] {
         const HWND sheet = OpenDialog(IDM_PROPERTIES, "Properties");
@@ -189,8 +189,8 @@ INSTANTIATE_TEST_SUITE_P(Each, OnEachScreen,
                                     std::to_string(info.param.height());
                          });
 
-// The one line of the keystroke has no room for a bar.
-TEST(SmallDevice, ALongKeystrokeStaysInSight) {
+// The list of the keystroke has one line and no room for a scroll bar.
+TEST(SmallDevice, ALongKeystrokeStaysVisible) {
     RunProgram(SmallDevice(), [] {
         OnWindowThread(
             [] { SetKeyText(&key_map[0], u"\\033[01;02;03;04;05;06;07;08;09;10;11;12m"); });
@@ -205,7 +205,7 @@ TEST(SmallDevice, ALongKeystrokeStaysInSight) {
 }
 
 // The longest texts that the program shows, and its longest question.
-TEST(SmallDevice, MessageBoxesStandOnTheScreenWithTheirTextsWhole) {
+TEST(SmallDevice, MessageBoxesFitTheScreenWithTheirWholeTexts) {
     static const char16_t* const kTexts[] = {
         u"I am busy making a connection. Do you want to cancel the request",
         u"RAS Dial has failed. Check your network configuration (633)",

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// What dialog_saver writes in turn, and nothing else may be found.
+// The values that dialog_saver writes in turn. The stored values must always be among them.
 #ifndef QUILL_TESTS_DIALOGS_SAVED_TEXTS_H
 #define QUILL_TESTS_DIALOGS_SAVED_TEXTS_H
 
 #include "session/settings_types.h"
 
 struct SavedText {
-    int id;  // of the field in "Auto Login"
+    int id;  // the field in "Auto Login"
     const char* name;
     const char16_t* values[2];
     const char16_t* first;  // before the first save

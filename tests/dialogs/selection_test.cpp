@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What a click or a key may not take away: the selection of a list, and the mark at which Tab
-// enters a group of radio buttons.
+// Clicks and keys that must not clear the selection of a list, and the radio button at which Tab
+// enters a group.
 #include <gtest/gtest.h>
 #include <QtTest/qtestkeyboard.h>
 #include <QtTest/qtestmouse.h>
@@ -19,7 +19,7 @@ namespace {
 
 QListWidget* Faces() { return qobject_cast<QListWidget*>(DialogWidgetOf(IDC_FONTS)); }
 
-// With "Font" open over two faces, the second one selected.
+// Opens "Font" with two faces, of which the second one is selected.
 void WithTwoFaces(const std::function<void(HWND dialog)>& person) {
     RunProgram({}, [&] {
         OnWindowThread([] {
@@ -87,7 +87,7 @@ HWND OpenAdvanced() {
     return AwaitDialog("Connect Advanced");
 }
 
-// Of the radio buttons, those that a round of Tab stops at.
+// The radio buttons that Tab stops at in one round.
 std::set<int> RadioStops(HWND dialog) {
     std::set<int> stops;
     for (int presses = 0; presses < 12; presses++) {
@@ -122,7 +122,7 @@ TEST(RadioTabStop, FollowsTheMouse) {
 TEST(RadioTabStop, FollowsAPressThatDoesNotMoveTheFocus) {
     RunProgram({}, [] {
         const HWND dialog = OpenAdvanced();
-        OnWindowThread([] {  // as a screen reader does
+        OnWindowThread([] {  // the way a screen reader does it
             qobject_cast<QAbstractButton*>(DialogWidgetOf(IDC_BLOWFISH))->click();
         });
         EXPECT_EQ(RadioStops(dialog), Stops({IDC_SSH2, IDC_BLOWFISH}));

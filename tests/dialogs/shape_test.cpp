@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The dialogs as they stand on the screen: controls, labels, room, names for a screen reader, and
-// the keys that every dialog knows.
+// The dialogs on the screen: controls, labels, sizes, names for a screen reader, and the keys that
+// work in every dialog.
 #include <gtest/gtest.h>
 #include <QAccessible>
 #include <QCheckBox>
@@ -31,7 +31,7 @@ struct ShownControl {
     QRect place;  // on the device's screen
 };
 
-// For the window thread. In the order of their making.
+// In the order of their creation. Call it on the window thread.
 std::vector<ShownControl> ControlsOf(HWND dialog) {
     std::vector<ShownControl> controls;
     for (const Window* window : AllWindows()) {
@@ -64,7 +64,7 @@ bool HasLabel(Kind kind) {
 
 class EachDialog : public testing::TestWithParam<DialogCase> {};
 
-// 0x80 is an edit's style, 0x40 a combo box's.
+// Style bits for scrolling sideways: 0x80 of an edit, 0x40 of a combo box.
 bool ScrollsSideways(const Window& window) {
     const Kind kind = KindOf(window.widget);
     if (kind == Kind::kEdit) return (window.control->style & 0x80) != 0;
@@ -107,7 +107,7 @@ TEST_P(EachDialog, HasItsControlsInOrderWithTheirNumbersAndLabels) {
     });
 }
 
-TEST(Templates, StandUnderTheirNumbers) {
+TEST(Templates, AreFoundByTheirNumbers) {
     const struct {
         int number;
         const char16_t* caption;
@@ -133,7 +133,7 @@ TEST(Templates, StandUnderTheirNumbers) {
     });
 }
 
-// What the widget needs for its text; a static text may break its lines.
+// The size that the widget needs for its text; a static text may wrap.
 QSize NeededRoom(const QWidget* widget) {
     if (const auto* button = qobject_cast<const QPushButton*>(widget))
         return button->fontMetrics().boundingRect(button->text()).size() + QSize(6, 2);
@@ -169,7 +169,7 @@ TEST_P(EachDialog, FitsADeviceOf240PixelsWithAllItsTexts) {
     });
 }
 
-// A box or circle that is higher than its control is cut off below.
+// A box or circle that is higher than its control would be cut off at the bottom.
 TEST_P(EachDialog, MarksAreDrawnWhole) {
     RunProgram(FreshStage(), [] {
         const HWND dialog = GetParam().open();
@@ -203,7 +203,7 @@ TEST_P(EachDialog, ControlsDoNotOverlap) {
 
 class CentredDialog : public testing::TestWithParam<DialogCase> {};
 
-TEST_P(CentredDialog, StandsOverTheMiddleOfTheMainWindow) {
+TEST_P(CentredDialog, IsCentredOverTheMainWindow) {
     for (const auto& [width, height] : {std::pair(640, 400), {240, 400}, {150, 100}}) {
         RunProgram(FreshStage(width, height), [] {
             const RECT place = Place(GetParam().open());
@@ -217,7 +217,7 @@ TEST_P(CentredDialog, StandsOverTheMiddleOfTheMainWindow) {
     }
 }
 
-// As it is read out: without the colon of a field's text, and with words in one piece.
+// The text as a screen reader reads it: without the colon of a field's text or a hyphenation.
 std::string Spoken(QString text) {
     QString spoken = text.remove("-\n").simplified();
     while (spoken.endsWith(':') || spoken.endsWith(' ')) spoken.chop(1);
@@ -233,7 +233,7 @@ TEST(ScreenReader, SaysAWordOfTwoLinesInOnePiece) {
     });
 }
 
-// A field is named by the text before it.
+// The text before a field is the field's name.
 TEST_P(EachDialog, AScreenReaderFindsEachControlsName) {
     RunProgram(FreshStage(), [] {
         const HWND dialog = GetParam().open();
@@ -272,7 +272,7 @@ TEST_P(EachDialog, TabVisitsItsControlsInOrderAndBackwards) {
     });
 }
 
-// A page is closed with its sheet.
+// A page closes with its sheet.
 HWND TopLevel(HWND dialog, bool page) {
     HWND top = dialog;
     OnWindowThread([&] {
@@ -316,7 +316,7 @@ TEST_P(EachDialog, TheProgramCanEndBehindIt) {
     EXPECT_EQ(RunProgram(FreshStage(), [] { GetParam().open(); }), 0);
 }
 
-// ---------------------------------------------------------------- what a registry may hold
+// ---------------------------------------------------------------- damaged settings
 
 const char16_t* const kNumbers[] = {
     u"blink",    u"fsize",     u"bell",         u"alive",      u"xbox",        u"exit_dis",
@@ -375,7 +375,7 @@ INSTANTIATE_TEST_SUITE_P(Each, CentredDialog, testing::ValuesIn(CentredDialogs()
 INSTANTIATE_TEST_SUITE_P(Each, EachDialog, testing::ValuesIn(dialog_cases),
                          [](const auto& info) { return info.param.name; });
 
-// ---------------------------------------------------------------- keys of single dialogs
+// ---------------------------------------------------------------- keys of some dialogs
 
 TEST(Keys, EscInConnectIsCancelAndEnterInTheHostIsOk) {
     RunProgram(FreshStage(), [] {

@@ -16,7 +16,7 @@ namespace {
 
 Settings& s = session.settings;
 
-// What AskSignOn returned: -1 while it has not.
+// The result of AskSignOn; -1 until it returns.
 std::atomic<int> g_answer;
 
 HWND OpenSignOn() {
@@ -63,7 +63,7 @@ TEST(SignOn, OkTakesUserPasswordAndMark) {
     EXPECT_EQ(StoredNumber(stage.root, "ssh_def"), 1u);
 }
 
-TEST(SignOn, CancelIsToldByTheMarkerAlone) {
+TEST(SignOn, OnlyDialogResultReportsCancel) {
     const Stage stage = StageWith(u"berta", u"old", 1);
     RunProgram(stage, [&] {
         const HWND dialog = OpenSignOn();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads ROOT/registry.db beside the running program, or after it.
+// Reads ROOT/registry.db while the program runs, or after it.
 #include "tests/dialogs/stored.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@ const char kQuery[] =
     "SELECT name, type, data FROM registry "
     "WHERE key = 'HKEY_LOCAL_MACHINE\\Software\\QUILLWARE\\TELNET' AND name IS NOT NULL";
 
-// Runs `row` for each row of the query; false when it does not run to its end.
+// Calls `row` for each row of the query; false if the query fails.
 template <typename Row>
 bool Query(const std::string& root, const char* query, Row row) {
     sqlite3* database = nullptr;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What ends or blocks a session on the host's side, as docs/hosts.md has it.
+// What ends or blocks a session on the host's side, as docs/hosts.md says.
 #include <gtest/gtest.h>
 #include <QThread>
 
@@ -34,7 +34,7 @@ TEST(Endings, ServerOfTheBoxLeavesAnIdleSessionAlone) {
     });
 }
 
-// bash's own limit, which counts at its prompt only.
+// The time limit of bash, which counts only at its prompt.
 TEST(Endings, ShellWithATimeLimitEndsASessionAtThePrompt) {
     const Host host = SshHost();
     HostMachine machine(host);
@@ -89,7 +89,7 @@ TEST(Endings, SignOnWithTooManyWrongPasswordsIsClosed) {
     });
 }
 
-// Those of the server that is tried here.
+// The limits of the server that these tests use.
 TEST(Endings, LimitsOfTheServerAreThoseOfThePage) {
     Host host = SshHost();
     host.steps += "/usr/sbin/sshd -T -f /etc/ssh/sshd_quill >/var/log/settings\n";
@@ -102,7 +102,7 @@ TEST(Endings, LimitsOfTheServerAreThoseOfThePage) {
     }
 }
 
-TEST(Endings, NobodyWhoListensIsSaidAtOnce) {
+TEST(Endings, MissingListenerIsReportedAtOnce) {
     const int port = FreePort();
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", port);
@@ -113,8 +113,8 @@ TEST(Endings, NobodyWhoListensIsSaidAtOnce) {
 
 // ---------------------------------------------------------------- nothing in common
 
-// Each row of the page's table: the log has its words, and the line that it names is the cure.
-TEST(Endings, LogOfTheServerSaysWhatIsMissing) {
+// For each row of the page's table: the log has its words, and the row's line repairs the server.
+TEST(Endings, LogOfTheServerShowsWhatIsMissing) {
     const auto rows = HostsPage().tables.find("An SSH server");
     ASSERT_NE(rows, HostsPage().tables.end());
     ASSERT_EQ(rows->second.size(), 4u);
@@ -174,6 +174,26 @@ void UseSsh2() {
     OnWindowThread([] { session.settings.ssh = session.settings.ssh_type2 = 1; });
 }
 
+std::string Uint32(size_t value) {
+    std::string bytes;
+    for (const int shift : {24, 16, 8, 0}) bytes += static_cast<char>(value >> shift & 0xff);
+    return bytes;
+}
+
+// A server's offer of algorithms that the terminal has, as a packet.
+std::string OfferPacket() {
+    std::string payload = "\x14" + std::string(16, 'c');
+    for (const std::string list : {"diffie-hellman-group1-sha1", "ssh-dss", "3des-cbc", "3des-cbc",
+                                   "hmac-sha1", "hmac-sha1", "none", "none", "", ""}) {
+        payload += Uint32(list.size()) + list;
+    }
+    payload += std::string(5, '\0');
+    const size_t padding = 8 - (payload.size() + 5) % 8 + 8;
+    return Uint32(1 + payload.size() + padding) + static_cast<char>(padding) + payload +
+           std::string(padding, 'p');
+}
+
+// The same packet alone is answered.
 TEST(Endings, ServerWhoseFirstPacketComesWithItsGreetingStaysOnline) {
     FakeHost host;
     RunProgram({}, [&] {
@@ -181,16 +201,18 @@ TEST(Endings, ServerWhoseFirstPacketComesWithItsGreetingStaysOnline) {
         UseSsh2();
         Connect();
         ASSERT_TRUE(host.Accept());
-        host.Send("SSH-2.0-old\r\n" + std::string("\0\0\0\x0c\x0a\x14packet", 12));
+        host.Send("SSH-2.0-old\r\n" + OfferPacket());
         EXPECT_EQ(host.Read(15), "SSH-2.0-1.0.00\n");
         ASSERT_TRUE(Online());
         EXPECT_EQ(host.ReadSome(200), "") << "no answer to the packet";
         EXPECT_EQ(StatusText().substr(0, 10), "    online");
         EXPECT_EQ(AwaitBox(100), "");
+        host.Send(OfferPacket());
+        EXPECT_EQ(host.Read(4).size(), 4u) << "a packet by itself is answered";
     });
 }
 
-TEST(Endings, HostThatSaysNothingLeavesARequest) {
+TEST(Endings, SilentHostLeavesARequestPending) {
     FakeHost host;
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", host.port);
@@ -204,7 +226,7 @@ TEST(Endings, HostThatSaysNothingLeavesARequest) {
     });
 }
 
-TEST(Endings, StoppedLineGoesOnWithCtrlQ) {
+TEST(Endings, StoppedOutputContinuesWithCtrlQ) {
     const Host host = SshHost();
     HostMachine machine(host);
     START_OR_SKIP(machine);

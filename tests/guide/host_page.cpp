@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The handbook's recipes, its host, and its person.
+// Reads the recipes of docs/hosts.md, runs a host with them, and drives the person.
 #include "tests/guide/host_page.h"
 
 #include <gtest/gtest.h>

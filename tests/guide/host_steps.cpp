@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The servers of the handbook.
+// The steps that set up the servers of docs/hosts.md.
 #include "tests/guide/host_steps.h"
 
 #include <gtest/gtest.h>
@@ -9,12 +9,17 @@
 
 namespace {
 
-// As systemd starts it, in the background.
-std::string RunService(const std::string& recipe) {
-    return recipe + UnitValue(recipe, "ExecStart") + " &\n";
+// The shell reads the box as it reads what is pasted: a command that asks gets the box's next line.
+std::string PasteTwice(const std::string& recipe) {
+    return "cat >/mnt/box <<'BOX'\n" + recipe + "BOX\nsh -e </mnt/box\nsh -e </mnt/box\n";
 }
 
-// Until somebody listens there.
+// Starts it in the background, like systemd.
+std::string RunService(const std::string& recipe) {
+    return PasteTwice(recipe) + UnitValue(recipe, "ExecStart") + " &\n";
+}
+
+// Waits until a server listens on the port.
 std::string AwaitPort(int port) {
     char line[80];
     snprintf(line, sizeof line, "until grep -q ':%04X 00000000:0000 0A' /proc/net/tcp",
@@ -22,7 +27,7 @@ std::string AwaitPort(int port) {
     return line + std::string("; do sleep 0.05; done\n");
 }
 
-// As its user would paste it.
+// Pastes the entry as its user would.
 std::string InstallEntry() {
     return "cat >/mnt/entry <<'ENTRY'\n" + Recipe("entry") +
            "ENTRY\nsu visitor -c 'cd; HOME=/mnt/home/visitor sh -e /mnt/entry'\n";
@@ -64,8 +69,8 @@ Host BusyboxHost() {
 
 Host InetdHost() {
     Host host{FreePort(), {"inetutils-inetd", "inetutils-telnetd"}, "", true};
-    host.steps = Recipe("telnetd-inetd", host.words()) + "/usr/sbin/inetutils-inetd\n" +
-                 AwaitPort(host.port);
+    host.steps = PasteTwice(Recipe("telnetd-inetd", host.words())) +
+                 "cp /etc/inetd.conf /var/log\n/usr/sbin/inetutils-inetd\n" + AwaitPort(host.port);
     return host;
 }
 
@@ -83,9 +88,12 @@ Host SerialHost() {
         "socat pty,raw,echo=0,link=/mnt/line pty,raw,echo=0,link=/mnt/console &\n"
         "until [ -e /mnt/console ]; do sleep 0.05; done\n"
         "console=$(readlink /mnt/console)\n" +
-        getty + Recipe("ser2net", words) + "/usr/sbin/ser2net -n -c /etc/ser2net.yaml &\nsetsid " +
-        command.substr(1, line - 1) + "${console#/dev/}" + command.substr(line + 8) + " &\n" +
-        AwaitPort(host.port);
+        PasteTwice(getty) + "mv /etc/ser2net.yaml /mnt/packaged\n" +
+        PasteTwice(Recipe("ser2net", words)) +
+        "mv /etc/ser2net.yaml /var/log/alone.yaml\nmv /mnt/packaged /etc/ser2net.yaml\n" +
+        PasteTwice(Recipe("ser2net", words)) + "cp /etc/ser2net.yaml /var/log\n" +
+        "/usr/sbin/ser2net -n -c /etc/ser2net.yaml &\nsetsid " + command.substr(1, line - 1) +
+        "${console#/dev/}" + command.substr(line + 8) + " &\n" + AwaitPort(host.port);
     return host;
 }
 

@@ -18,9 +18,9 @@ struct Host {
     Words words() const { return {{"PORT", std::to_string(port)}}; }
 };
 
-// Each has the entry "quill" in its user's home, by the page's box.
+// Each host has the entry "quill" in its user's home, made by the page's recipe.
 //
-// With a line of the box replaced, where one is named.
+// If `line` is given, `by` replaces this line of the recipe.
 Host SshHost(const std::string& line = "", const std::string& by = "");
 Host BusyboxHost();
 Host InetdHost();
@@ -31,7 +31,7 @@ struct HostMachine : Machine {
     explicit HostMachine(const Host& host);
 };
 
-// A session at the shell's prompt. `more`: further lines of mconfig.cfg.
+// Runs the program with a session at the shell's prompt. `more`: further lines of mconfig.cfg.
 void WithSshSession(const Host& host, const std::string& more, const std::function<void()>& person);
 void WithTelnetSession(const Host& host, const std::string& more,
                        const std::function<void()>& person);

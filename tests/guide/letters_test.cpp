@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Letters in UTF-8 that are controls to the terminal: the table of docs/hosts.md.
+// UTF-8 letters whose bytes are control codes of the terminal: the table of docs/hosts.md.
 #include <gtest/gtest.h>
 
 #include "terminal/sequences.h"
@@ -40,6 +40,17 @@ TEST(AccentsPage, LettersOfTheTableDoWhatItSays) {
         }
     }
     EXPECT_EQ(listed, effects) << "the five bytes that are controls";
+    EXPECT_EQ(CodeOf(rows->second.at(3)[1]).back(), "\xE2\x80\x90") << "hyphens of manual pages";
+}
+
+// All of the table's bytes, and the two signs of the code page.
+TEST(AccentsPage, BytesOfTheTableAreControlsInTheCodePageToo) {
+    EXPECT_EQ(EffectOf("\x84"), kDown);
+    EXPECT_EQ(EffectOf("\x8D"), kUp);
+    EXPECT_EQ(EffectOf("\x8F"), kNothing);
+    EXPECT_EQ(EffectOf("\x90"), kSilence);
+    EXPECT_EQ(EffectOf("\x9B"), kSequence);
+    EXPECT_EQ(EffectOf("\x80\x93\x94\x96"), kText) << "the euro, quotes and a dash";
 }
 
 TEST(AccentsPage, OtherLettersShowAsTwoOrThree) {

@@ -1,12 +1,11 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The host of the handbook: a machine to throw away (tests/peers/throwaway.sh) on which STEPS, a shell
-# script, has been run by root. What unpack.sh unpacked is in its own /usr, so that programs have the
-# paths that they have where they are installed. The user's start-up file is .profile; what the
-# person types begins in the home folder.
+# The host of docs/hosts.md: a temporary machine (tests/peers/throwaway.sh) on which root has run STEPS,
+# a shell script. The files of unpack.sh are in the machine's /usr, so that programs have the same paths
+# as after an installation. The user's start-up file is .profile, and a shell starts in the home folder.
 # Prints PORT as its first line when STEPS is done. Runs until its standard input closes or it gets
-# SIGTERM; what STEPS has started ends with it.
-# Exit codes: 0 ended as told, 77 not possible here, other than that an error.
+# SIGTERM; every process that STEPS has started ends with it.
+# Exit codes: 0 ended normally, 77 not possible here, any other code an error.
 # Usage: machine.sh PORT STEPS LOGS PACKAGES...     LOGS: a folder, the machine's /var/log
 set -eu
 [ $# -ge 3 ] || { echo "usage: machine.sh PORT STEPS LOGS PACKAGES..." >&2; exit 2; }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reading pages of docs/.
+// Reads pages of docs/.
 #include "tests/guide/page.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ std::string Trimmed(const std::string& text) {
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-// Between the bars; a bar inside of backticks belongs to its cell.
+// Splits a row at its bars; a bar inside backticks belongs to its cell.
 PageRow CellsOf(const std::string& line) {
     PageRow cells;
     std::string cell;
@@ -35,9 +35,9 @@ const std::string kRecipeMark = "<!-- recipe: ";
 struct Reader {
     Page page;
     std::string heading;
-    std::string recipe;       // the block that comes, or is being read, belongs to it
-    bool fenced = false;      // inside of a fenced block
-    bool table_body = false;  // below a table's line of dashes
+    std::string recipe;       // the recipe to which the next or current block belongs
+    bool fenced = false;      // inside a fenced block
+    bool table_body = false;  // below the line of dashes of a table
 
     void ReadFence(const std::string& line) {
         if (line.rfind("```", 0) == 0) {

@@ -10,20 +10,20 @@
 typedef std::vector<std::string> PageRow;  // cells, without the blanks around them
 
 struct Page {
-    // By heading, without its number signs: the rows of the section's tables, headings of the
-    // tables left out.
+    // The rows of a section's tables without their headings. The key is the section's heading
+    // without number signs.
     std::map<std::string, std::vector<PageRow>> tables;
 
-    // By name: the text of the fenced block that follows a line <!-- recipe: NAME -->.
+    // The text of the fenced block after a line <!-- recipe: NAME -->, by name.
     std::map<std::string, std::string> recipes;
 };
 
-Page ReadPage(const std::string& path);  // empty, and a failure of the test, if it cannot be read
+Page ReadPage(const std::string& path);  // fails the test if the file cannot be read
 
 // The texts in backticks of a cell: "`0` to `9`" yields 0 and 9.
 std::vector<std::string> CodeOf(const std::string& cell);
 
-// \e and \xHH as the bytes that they stand for.
+// Replaces \e and \xHH by their bytes.
 std::string BytesOf(const std::string& text);
 
 #endif

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The tables of docs/hosts.md that say what is wrong and what to set: each row is tried by tests,
-// which this list names. A row without its line here fails, and so does a line whose test is gone.
+// The tables of docs/hosts.md that say what is wrong and what to set. This list names the tests of
+// each row. A row without a line here fails, and so does a line whose test does not exist.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 
 struct TriedRow {
     const char* first_cell;
-    const char* tests;  // with blanks between them
+    const char* tests;  // the names, separated by blanks
 };
 
 // clang-format off
@@ -31,13 +31,13 @@ const TriedRow kEndings[] = {
     {"\"Login incorrect\" again and again with SSH-1, and the name was mistyped",
      "Endings.NameMistypedInSsh1IsCorrectedByAnotherConnect"},
     {"\"Connection to the UNIX Host has been closed...\" before the SSH sign-on",
-     "Endings.LogOfTheServerSaysWhatIsMissing"},
+     "Endings.LogOfTheServerShowsWhatIsMissing"},
     {"\"online\" but never \"secure\", no sign-on, nothing on the screen",
      "Endings.ServerWhoseFirstPacketComesWithItsGreetingStaysOnline"},
-    {"\"request\" for good, no error", "Endings.HostThatSaysNothingLeavesARequest"},
-    {"\"Not possible to create a session to the UNIX Host\"", "Endings.NobodyWhoListensIsSaidAtOnce"},
+    {"\"request\" for good, no error", "Endings.SilentHostLeavesARequestPending"},
+    {"\"Not possible to create a session to the UNIX Host\"", "Endings.MissingListenerIsReportedAtOnce"},
     {"a fully silent screen in a session", "Silence.LineTypedBlindBringsAnSshSessionBack"},
-    {"no key does anything, Ctrl+S was pressed", "Endings.StoppedLineGoesOnWithCtrlQ"},
+    {"no key does anything, Ctrl+S was pressed", "Endings.StoppedOutputContinuesWithCtrlQ"},
 };
 
 const TriedRow kScreens[] = {
@@ -57,9 +57,11 @@ const TriedRow kScreens[] = {
     {"all text is lines and corners", "Silence.LineTypedBlindBringsAnSshSessionBack"},
     {"every typed letter appears twice", "Silence.LineTypedBlindBringsAnSshSessionBack"},
     {"Enter counts twice", "Silence.LineTypedBlindBringsAnSshSessionBack"},
-    {"Backspace shows `^H`",
-     "HostsPage.ProfileSetsSizeAndBackspace WrongScreen.BackspaceIsWhatTheHostIsToldAndWhatTheKeySends "
-     "HostsPage.RowOfTheKeyTableSendsDelForBackspace"},
+    {"Backspace shows `^H`, or does nothing",
+     "HostsPage.ProfileSetsSizeAndBackspace WrongScreen.BackspaceMustMatchBetweenHostAndKey "
+     "WrongScreen.BackspaceErasesToItsLeftAsTheChecklistSays HostsPage.RowOfTheKeyTableSendsDelForBackspace"},
+    {"Backspace takes the letter to its right away",
+     "WrongScreen.BackspaceOfDelErasesToItsRightAsQuill WrongScreen.BackspaceErasesToItsLeftAsTheChecklistSays"},
     {"arrow keys end a menu",
      "WrongScreen.ArrowKeysEndAMenuAsVt100 Keys.DialogMovesInItsMenuByTheArrows"},
     {"F1 to F4, Home, End and the Page keys do nothing, or show strange letters",
@@ -67,6 +69,8 @@ const TriedRow kScreens[] = {
      "WrongScreen.HomeKeyOf8BitsIsNotTakenByAShellInUtf8"},
     {"the cursor is below the last line, nothing shows",
      "WrongScreen.LineFeedsBelowTheRegionHideTheCursorUntilSane Silence.OneKeyBringsASessionBack"},
+    {"\"unknown terminal type\", \"Error opening terminal: quill.\"",
+     "HostsPage.AnotherUserAndAnotherHostAreHelpedByTheirRows WrongScreen.ProgramsNameTheTypeThatTheyDoNotKnow"},
     {"anything else", ""},
 };
 // clang-format on

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// docs/sequences.md against the terminal: each row of the tables in the code has its line there,
-// with its name, and each line has its row; what the page does not list does nothing; the reports
-// are sent as the page has them.
+// Compares docs/sequences.md with the terminal: each row of the tables in the code has a line with
+// its name on the page, and each line has a row. Sequences that the page does not list do nothing.
+// The terminal sends the reports of the page.
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
@@ -13,7 +13,7 @@
 
 namespace {
 
-// What a table says of itself: a key (as the page writes it) with its names.
+// The rows of a table: a key in the form of the page, and its names.
 typedef std::map<std::string, std::set<std::string>> Names;
 
 const Page& SequencesPage() {
@@ -31,7 +31,7 @@ std::set<std::string> SplitNames(const std::string& text) {
     return names;
 }
 
-// The last word of the first cell is the key; with more than one text in backticks, each is one.
+// The last word of the first cell is the key; several texts in backticks are several keys.
 std::vector<std::string> KeysOf(const PageRow& row) {
     std::vector<std::string> keys;
     for (const std::string& code : CodeOf(row[0])) {
@@ -96,7 +96,7 @@ Names Escapes(bool vt52) {
     return names;
 }
 
-// ---------------------------------------------------------------- tables and page, both ways
+// ---------------------------------------------------------------- tables and page
 
 TEST(SequencesPage, ControlCharactersAreThoseOfTheTable) {
     EXPECT_EQ(PageNames("Control characters"),
@@ -111,7 +111,7 @@ TEST(SequencesPage, Vt52SequencesAreThoseOfTheTable) {
     EXPECT_EQ(PageNames("VT52 mode"), Escapes(true));
 }
 
-TEST(SequencesPage, SevenAndEightBitRepliesAloneAreMissingInVt52Mode) {
+TEST(SequencesPage, OnlySevenAndEightBitRepliesAreMissingInVt52Mode) {
     std::set<std::string> missing;
     for (const SourceRow& row : ReadTable("escape_sequences.cpp", "kEscapeRows")) {
         if (row.fields[2] == "kNothing") missing.insert(row.fields[0]);
@@ -123,7 +123,7 @@ TEST(SequencesPage, LineSizesAreThoseOfTheTable) {
     EXPECT_EQ(PageNames("Line sizes"), CodeNames("escape_sequences.cpp", "kLineSizeRows"));
 }
 
-// The page's first table of that section has the bytes inside a sequence, its second the finals.
+// The first table of that section lists the bytes inside a sequence, the second the finals.
 TEST(SequencesPage, ControlSequencesAreThoseOfTheTables) {
     Names inner, finals, expected_inner;
     for (const PageRow& row : SequencesPage().tables.at("Control sequences")) {
@@ -167,9 +167,9 @@ TEST(SequencesPage, StatusReportsAreThoseOfTheTable) {
     EXPECT_EQ(listed, expected);
 }
 
-// ---------------------------------------------------------------- the page and what happens
+// ---------------------------------------------------------------- page and terminal
 
-// What bytes change in a terminal in use, without the interpreter's own fields.
+// What the bytes change in a used terminal, without the fields of the interpreter.
 std::string Changes(const std::string& bytes, bool vt52 = false) {
     NewTerminal();
     std::string replies;
@@ -182,7 +182,7 @@ std::string Changes(const std::string& bytes, bool vt52 = false) {
     return replies + FirstDifference(before, after);
 }
 
-// Unless the page lists it.
+// Expects that the bytes change nothing, unless the page lists them.
 void ExpectNothing(const std::string& bytes, bool listed, bool vt52 = false) {
     if (listed) return;
     EXPECT_EQ(Changes(bytes, vt52), "") << testing::PrintToString(bytes) << (vt52 ? " VT52" : "");
@@ -270,7 +270,7 @@ TEST(SequencesPage, AttributesThatItDoesNotListDoNothing) {
     }
 }
 
-TEST(SequencesPage, ReportsAreSentAsItHasThem) {
+TEST(SequencesPage, ReportsAreSentAsItListsThem) {
     int reports = 0;
     for (const PageRow& row : SequencesPage().tables.at("Reports")) {
         const std::string request = BytesOf(CodeOf(row[0]).at(0));
@@ -286,7 +286,7 @@ TEST(SequencesPage, ReportsAreSentAsItHasThem) {
     EXPECT_EQ(reports, 13);
 }
 
-// Bytes that begin what shows elsewhere as a sequence, and what of it shows here.
+// Sequences of other terminals, and what of each this terminal shows.
 TEST(SequencesPage, ExamplesOfWhatShowsAreTrue) {
     struct {
         const char* bytes;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reading tables of the program's source.
+// Reads tables of the program's source.
 #include "tests/guide/table_source.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ std::string Trimmed(const std::string& text) {
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-// Commas inside of quotes and braces belong to their field.
+// Commas inside quotes and braces belong to their field.
 std::vector<std::string> FieldsOf(const std::string& body) {
     std::vector<std::string> fields(1);
     char quote = 0;

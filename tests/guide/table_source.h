@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The rows of a table in the program's source, read as text: what no procedure of the program
-// tells. The reader is strict. A line between the table's first and last that it cannot read fails
-// the test.
+// Reads the rows of a table in the program's source as text, because no procedure of the program
+// returns them. The reader is strict: a line of the table that it cannot read fails the test.
 #ifndef QUILL_TESTS_GUIDE_TABLE_SOURCE_H
 #define QUILL_TESTS_GUIDE_TABLE_SOURCE_H
 
@@ -9,14 +8,14 @@
 #include <vector>
 
 struct SourceRow {
-    std::vector<std::string> fields;  // as they are written, blanks cut
-    std::string remark;               // behind the row, up to a colon
+    std::vector<std::string> fields;  // as written, without blanks around them
+    std::string remark;               // the comment after the row, up to a colon
 };
 
-// file: below terminal/; table: its name. Empty, and a failure of the test, if it is not there.
+// `file` is below terminal/, `table` is the table's name. A missing table fails the test.
 std::vector<SourceRow> ReadTable(const std::string& file, const std::string& table);
 
-// The byte that a field names: 'A', '\'', 27 or kEsc and the like. -1, and a failure, for others.
+// The byte of a field such as 'A', '\'', 27 or kEsc. Other fields fail the test and return -1.
 int ByteOfField(const std::string& field);
 
 #endif

@@ -3,7 +3,6 @@
 // picture of the screen, and with the starts from which the manual defines it.
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <map>
 
 #include "tests/hosts/picture.h"
@@ -246,21 +245,6 @@ static NumberLists ListsOf(Numbers numbers) {
     return {};
 }
 
-static void ForEveryStart(const std::function<void(const Start&)>& act) {
-    const int regions[][2] = {{1, kScreenRows}, {5, 20}, {1, 10}, {12, 24}, {23, 24}};
-    for (const auto& region : regions) {
-        for (const int row : {1, 2, 5, 10, 12, 19, 20, 23, 24}) {
-            for (const int col : {1, 2, 9, 39, 40, 72, 79, 80}) {
-                for (const WORD pen : {WORD{0}, WORD{kCellReverse | kCellBold}}) {
-                    act({row, col, region[0], region[1], pen, false, false});
-                    if (col <= 40) act({row, col, region[0], region[1], pen, true, false});
-                    if (col == 80) act({row, col, region[0], region[1], pen, false, true});
-                }
-            }
-        }
-    }
-}
-
 // ---------------------------------------------------------------- one start
 
 static std::string Type(Picture& picture, const char* text) {
@@ -365,4 +349,42 @@ bool CheckEffect(const TerminfoEntry& entry, const std::string& capability, std:
         return true;
     }
     return false;
+}
+
+static std::string WidthAfter(const EffectRow& row, const Start& start, const int* numbers,
+                              const std::string& bytes) {
+    SetUp(start);
+    Picture wanted = TakePicture();
+    row.effect(wanted, numbers);
+    Feed(bytes);
+    const std::string difference = WidthDifference(wanted, TakePicture());
+    return difference.empty() ? ""
+                              : AsEscapeText(bytes) + " " + Describe(start) + ": " + difference;
+}
+
+static std::string WidthsAfter(const TerminfoEntry& entry, const EffectRow& row) {
+    std::string message;
+    for (const std::vector<int>& list : ListsOf(row.numbers)) {
+        int numbers[kMostNumbers] = {};
+        std::copy(list.begin(), list.end(), numbers);
+        const std::string bytes = row.numbers == Numbers::kNone
+                                      ? Expand(entry, row.capability)
+                                      : Expand(entry, row.capability, numbers);
+        ForEveryStart([&](const Start& start) {
+            if (start.pen || !message.empty() || !row.defined(start, numbers)) return;
+            message = WidthAfter(row, start, numbers, bytes);
+        });
+    }
+    return message;
+}
+
+std::string LeavesAnotherWidth(const TerminfoEntry& entry, const std::string& capability) {
+    for (const EffectRow& row : kEffects) {
+        if (capability != row.capability) continue;
+        static KnownMessages known;
+        const auto key = std::pair(capability, entry.strings.at(capability));
+        if (known.count(key) == 0) known[key] = WidthsAfter(entry, row);
+        return known[key];
+    }
+    return "";
 }

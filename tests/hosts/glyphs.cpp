@@ -80,3 +80,9 @@ bool ShowsGlyph(DWORD cell, char name) {
     }
     return false;
 }
+
+std::string DrawnGlyphs() {
+    std::string names;
+    for (const GlyphShape& shape : kShapes) names += shape.name;
+    return names;
+}

@@ -36,7 +36,16 @@ std::string KeyName(const KeyRow& key) { return key_map[key.row].name; }
 
 // The row of Backspace sends nothing by default (its text begins with a 0 byte), so the key sends
 // its character.
-std::string SentByDefault(const KeyRow& key) {
-    const std::string text = UnescapeKeyText(key_map[key.row].defaultText);
-    return key.row == kBackspaceRow && text.empty() ? "\b" : text;
+static std::string SentByRow(int row) {
+    const std::string text = UnescapeKeyText(key_map[row].defaultText);
+    return row == kBackspaceRow && text.empty() ? "\b" : text;
+}
+
+std::string SentByDefault(const KeyRow& key) { return SentByRow(key.row); }
+
+std::string OtherKeyOf(const KeyRow& key) {
+    for (int row = 0; row < key.row; ++row) {
+        if (SentByRow(row) == SentByDefault(key)) return key_map[row].name;
+    }
+    return "";
 }

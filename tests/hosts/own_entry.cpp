@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "terminal/screen_buffer.h"
+#include "tests/hosts/glyphs.h"
 #include "tests/hosts/picture.h"
 
 // What the terminal does and `quill` leaves out, with the reason.
@@ -60,8 +61,9 @@ static std::string LeavesTheText(const std::string& bytes) {
 
 static std::string ClearsAll(const std::string& bytes) {
     SetUp(kMiddle);
-    Feed("\033[3g\033Psilence" + bytes + "\t");
+    Feed("\033[3g\033#6\033Psilence" + bytes + "\t");
     for (int row = 1; row <= kScreenRows; ++row) {
+        if (IsDoubleWidth(row)) return "a row is still of double width";
         for (int col = 1; col <= kScreenColumns; ++col) {
             if (GetCell(row, col) != kBlank) return "text stays on the screen";
         }
@@ -98,6 +100,19 @@ std::string FaultOfExpression(const std::string& text) {
     return open == 0 ? "" : "a condition has no end";
 }
 
+std::vector<std::string> FaultsOfString(const TerminfoEntry& entry, const std::string& capability) {
+    const std::string& text = entry.strings.at(capability);
+    std::vector<std::string> faults;
+    const auto note = [&](const std::string& fault) {
+        if (!fault.empty()) faults.push_back(fault);
+    };
+    if (capability[0] != 'u') note(FaultOfExpression(text));
+    if (text.find("$<") != text.npos) note("no string takes time");
+    note(FaultOfChanges(entry, capability));
+    note(LeavesAnotherWidth(entry, capability));
+    return faults;
+}
+
 // ---------------------------------------------------------------- all of it
 
 static bool HoldsWith(TerminfoEntry entry, const std::string& flag) {
@@ -108,6 +123,16 @@ static bool HoldsWith(TerminfoEntry entry, const std::string& flag) {
 static bool HoldsWith(TerminfoEntry entry, const std::string& number, int value) {
     entry.numbers[number] = value;
     return ProveCapability(entry, number).empty();
+}
+
+std::string FaultOfGlyphs(const TerminfoEntry& entry) {
+    const std::string pairs = Expand(entry, "acsc");
+    std::string named, missing;
+    for (size_t i = 0; i < pairs.size(); i += 2) named += pairs[i];
+    for (const char name : DrawnGlyphs()) {
+        if (named.find(name) == named.npos) missing += name;
+    }
+    return missing.empty() ? "" : "acsc lacks the glyphs " + missing;
 }
 
 static void NoteLacking(const TerminfoEntry& entry, std::vector<std::string>* faults) {
@@ -124,17 +149,77 @@ static void NoteLacking(const TerminfoEntry& entry, std::vector<std::string>* fa
     }
 }
 
+static void NoteLeftOut(const TerminfoEntry& entry, std::vector<std::string>* faults) {
+    for (const LeftOut& row : kLeftOut) {
+        if (Has(entry, row.capability) || entry.flags.count(row.capability) != 0 ||
+            entry.numbers.count(row.capability) != 0)
+            faults->push_back(std::string("the entry has ") + row.capability + ": " + row.reason);
+    }
+}
+
+static std::string FaultOfKey(const std::string& capability) {
+    const KeyRow* key = FindKey(capability);
+    if (!key) return "the key table has no key " + capability;
+    const std::string other = OtherKeyOf(*key);
+    return other.empty() ? "" : capability + " is what the key " + other + " sends";
+}
+
 std::vector<std::string> FaultsOfOwnEntry(const TerminfoEntry& entry) {
     std::vector<std::string> faults = FaultsOfSettingUp(entry);
     for (const Finding& finding : ProveEntry(entry))
         faults.push_back(finding.capability + ": " + finding.message);
     NoteLacking(entry, &faults);
+    NoteLeftOut(entry, &faults);
+    if (const std::string fault = FaultOfGlyphs(entry); !fault.empty()) faults.push_back(fault);
     for (const auto& [capability, text] : entry.strings) {
-        const std::string fault = capability[0] == 'u' ? "" : FaultOfExpression(text);
-        if (!fault.empty()) faults.push_back(capability + ": " + fault);
+        for (const std::string& fault : FaultsOfString(entry, capability))
+            faults.push_back(capability + ": " + fault);
         if (IsNeutral(capability)) faults.push_back(capability + " promises nothing");
-        if (capability[0] == 'k' && !FindKey(capability))
-            faults.push_back("the key table has no key " + capability);
+        const std::string fault = capability[0] == 'k' ? FaultOfKey(capability) : "";
+        if (!fault.empty()) faults.push_back(fault);
     }
+    return faults;
+}
+
+// ---------------------------------------------------------------- keys of seven bits
+
+static const unsigned kC1Mask = 0xe0, kC1 = 0x80, kC1ToFinal = 0x40;
+
+static std::string InSevenBits(const std::string& text) {
+    std::string seven;
+    for (const char c : text) {
+        const unsigned byte = static_cast<unsigned char>(c);
+        if ((byte & kC1Mask) == kC1) {
+            seven += '\033';
+            seven += static_cast<char>(byte - kC1ToFinal);
+        } else {
+            seven += c;
+        }
+    }
+    return seven;
+}
+
+static void NoteString(const std::string& name, const TerminfoEntry& seven,
+                       const TerminfoEntry& eight, std::vector<std::string>* faults) {
+    const std::string text = Expand(eight, name);
+    const std::string wanted = name[0] == 'k' ? InSevenBits(text) : text;
+    if (Has(seven, name) != Has(eight, name) || Expand(seven, name) != wanted)
+        faults->push_back(name + "=" + AsEscapeText(Expand(seven, name)) + ", not " +
+                          AsEscapeText(wanted));
+}
+
+std::vector<std::string> FaultsOfSevenBitEntry(const TerminfoEntry& seven,
+                                               const TerminfoEntry& eight) {
+    std::vector<std::string> faults;
+    for (const std::string& flag : FlagNames()) {
+        if (seven.flags.count(flag) != eight.flags.count(flag)) faults.push_back(flag);
+    }
+    for (const std::string& number : NumberNames()) {
+        const auto found = seven.numbers.find(number), wanted = eight.numbers.find(number);
+        const bool has = found != seven.numbers.end();
+        if (has != (wanted != eight.numbers.end()) || (has && found->second != wanted->second))
+            faults.push_back(number);
+    }
+    for (const std::string& name : StringNames()) NoteString(name, seven, eight, &faults);
     return faults;
 }

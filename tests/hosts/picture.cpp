@@ -29,6 +29,8 @@ static void WriteLastColumn() {
 
 static TerminalSnapshot InUse() {
     NewTerminal();
+    // A saved cursor that no start has.
+    Feed("\033[7;80H\033[4m\033(0#\0337\033[m\033(B");
     Feed("\033[24;1H" + std::string(31, '\n'));
     FillWithPattern();
     return TakeSnapshot();
@@ -51,6 +53,43 @@ void SetUp(const Start& start) {
     screen.bottom_margin = start.bottom;
     if (start.after_last_column) WriteLastColumn();
     screen.current_attr = start.pen;
+}
+
+void SetUpTheOtherWay(const Start& start) {
+    SetUp({start.row, start.col, 1, kScreenRows, start.pen, start.double_width,
+           start.after_last_column});
+    TerminalModes& modes = session.modes;
+    modes = {.insert_mode = 1,
+             .autowrap = 0,
+             .origin_mode = 1,
+             .newline_mode = 1,
+             .localecho = 1,
+             .keypad_application = 1,
+             .autorepeat = 0,
+             .cursor_visible = 0,
+             .screen_reverse = 1,
+             .vt52_mode = 0,
+             .vt100_level = 1,
+             .c1_replies = 1};
+    Feed("\033(0\033)0\016");
+    for (BYTE& stop : session.screen.tab_stops) stop ^= 1;
+    session.screen.current_attr =
+        kCellBold | kCellUnderline | kCellBlink | kCellReverse | kCellProtected;
+}
+
+void ForEveryStart(const std::function<void(const Start&)>& act) {
+    const int regions[][2] = {{1, kScreenRows}, {5, 20}, {1, 10}, {12, 24}, {23, 24}};
+    for (const auto& region : regions) {
+        for (const int row : {1, 2, 5, 10, 12, 19, 20, 23, 24}) {
+            for (const int col : {1, 2, 9, 39, 40, 72, 79, 80}) {
+                for (const WORD pen : {WORD{0}, WORD{kCellReverse | kCellBold}}) {
+                    act({row, col, region[0], region[1], pen, false, false});
+                    if (col <= 40) act({row, col, region[0], region[1], pen, true, false});
+                    if (col == 80) act({row, col, region[0], region[1], pen, false, true});
+                }
+            }
+        }
+    }
 }
 
 Picture TakePicture() {
@@ -98,6 +137,15 @@ std::string Difference(const Picture& wanted, const Picture& found, bool with_cu
     snprintf(text, sizeof text, "the cursor is at %d,%d, not %d,%d", found.row, found.col,
              wanted.row, wanted.col);
     return text;
+}
+
+std::string WidthDifference(const Picture& wanted, const Picture& found) {
+    for (int row = 1; row <= kScreenRows; ++row) {
+        if (wanted.width[row] != found.width[row])
+            return "row " + std::to_string(row) + " has " + std::to_string(found.width[row]) +
+                   " columns";
+    }
+    return "";
 }
 
 std::string Describe(const Start& start) {

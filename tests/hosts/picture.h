@@ -4,6 +4,7 @@
 #ifndef QUILL_TESTS_HOSTS_PICTURE_H
 #define QUILL_TESTS_HOSTS_PICTURE_H
 
+#include <functional>
 #include <string>
 
 #include "session/session_state.h"
@@ -33,10 +34,21 @@ struct Start {
 // attributes. The right half of a row of double width is blank.
 void SetUp(const Start& start);
 
+// The same with the region open, and with every mode, tab stop, attribute and character set the
+// other way round: what puts one of them right is seen there.
+void SetUpTheOtherWay(const Start& start);
+
+// Rows, columns and regions with their edges, plain and with attributes, of double width, and after
+// the last column.
+void ForEveryStart(const std::function<void(const Start&)>& act);
+
 Picture TakePicture();
 
 // The first difference in words, or an empty text. The cursor is compared if `with_cursor`.
 std::string Difference(const Picture& wanted, const Picture& found, bool with_cursor);
+
+// Of the sizes of rows, which no program that asks a terminfo entry changes.
+std::string WidthDifference(const Picture& wanted, const Picture& found);
 
 std::string Describe(const Start& start);
 

@@ -52,6 +52,8 @@ static Finding CheckUnknown(const TerminfoEntry& entry, const std::string& capab
 }
 
 static Finding CheckString(const TerminfoEntry& entry, const std::string& capability) {
+    const std::string more = ChangesMore(entry, capability);
+    if (!more.empty()) return {capability, Loss::kScreen, more};
     if (const CheckRow* row = FindLookCheck(capability))
         return {capability, row->loss, row->check(entry)};
     std::string message;

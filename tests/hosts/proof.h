@@ -25,7 +25,7 @@ struct Finding {
     std::string message;
 };
 
-// Every promise that the terminal does not keep; none for a true entry. At most one of a
+// Every promise that the terminal does not keep; empty for a true entry. At most one of a
 // capability.
 std::vector<Finding> ProveEntry(const TerminfoEntry& entry);
 
@@ -51,6 +51,10 @@ struct CheckRow {
 // effects.cpp: strings that change cells or move the cursor. False for a string that is not theirs.
 bool CheckEffect(const TerminfoEntry& entry, const std::string& capability, std::string* message);
 
+// The same, with a row of double width among the others: one that has another size afterwards.
+// Empty for strings of other kinds.
+std::string LeavesAnotherWidth(const TerminfoEntry& entry, const std::string& capability);
+
 // A step of the cursor that leaves the screen or changes it at an edge, where the manual leaves
 // open what happens; empty for one that stops there, and for all other strings.
 std::string LeavesTheScreen(const TerminfoEntry& entry, const std::string& capability);
@@ -66,6 +70,10 @@ std::string LeftByInitialising(const TerminfoEntry& entry);
 // flags.cpp: flags, absent flags ("no am") and numbers. Every name that curses has is there.
 const CheckRow* FindFlagCheck(const std::string& capability);
 
+// changes.cpp: what a string changes beyond what its capability may change, anywhere in the
+// terminal's state. Empty if it is nothing, and for a capability that may change anything.
+std::string ChangesMore(const TerminfoEntry& entry, const std::string& capability);
+
 // keys.cpp: what a key sends. Null for a key that the terminal has not.
 struct KeyRow {
     const char* capability;
@@ -75,5 +83,8 @@ const KeyRow* FindKey(const std::string& capability);
 std::vector<std::string> KeyCapabilities();
 std::string KeyName(const KeyRow& key);
 std::string SentByDefault(const KeyRow& key);
+// The first row that sends the same by default, and so is the key that a host takes it for; empty
+// if it is this one.
+std::string OtherKeyOf(const KeyRow& key);
 
 #endif

@@ -43,10 +43,10 @@ TEST(WrongScreen, LinesSlipInAnEditorAsVt220) {
     EXPECT_GT(WalkThrough(WalkOf("nano"), "vt220", "quill").wrong, 0);
 }
 
-static bool AttributesAreShown() {
+static bool IsShownSomewhere(DWORD attribute) {
     for (int row = 1; row <= kScreenRows; ++row) {
         for (int col = 1; col <= kScreenColumns; ++col) {
-            if (GetCell(row, col) & (kCellBlink | kCellUnderline)) return true;
+            if (GetCell(row, col) & attribute) return true;
         }
     }
     return false;
@@ -62,7 +62,7 @@ TEST(WrongScreen, ColoursOfATerminalWith256TurnBlinkOn) {
                          "status-style", "fg=colour33"},
                         home.path, {"TMUX_TMPDIR=" + home.path, "SHELL=/bin/sh"});
         EXPECT_TRUE(tmux.Shows("", "[0] 0:"));
-        EXPECT_EQ(!right, AttributesAreShown()) << ScreenText();
+        EXPECT_EQ(!right, IsShownSomewhere(kCellBlink)) << ScreenText();
     }
 }
 
@@ -83,7 +83,7 @@ TEST(WrongScreen, KeysThatVimSetsAsXtermTurnUnderlineOn) {
         KeyProgram vim(right ? "quill" : "xterm", "C", arguments, home.path);
         vim.Press("G");
         EXPECT_TRUE(ScreenHas("line 99"));
-        EXPECT_EQ(!right, AttributesAreShown()) << ScreenText();
+        EXPECT_EQ(!right, IsShownSomewhere(kCellUnderline)) << ScreenText();
     }
 }
 
@@ -146,7 +146,7 @@ TEST(WrongScreen, LinesAreLettersWhereMcDrawsThemInUtf8) {
     EXPECT_TRUE(ScreenHas("10Quit"));
 }
 
-TEST(WrongScreen, BackspaceIsWhatTheHostIsToldAndWhatTheKeySends) {
+TEST(WrongScreen, BackspaceMustMatchBetweenHostAndKey) {
     for (const char* erase : {"^H", "^?"}) {
         KeyProgram shell("quill", "C",
                          {"sh", "-c", "stty erase '" + std::string(erase) + "'; echo ready; cat"});
@@ -154,6 +154,49 @@ TEST(WrongScreen, BackspaceIsWhatTheHostIsToldAndWhatTheKeySends) {
         EXPECT_TRUE(shell.Shows("wrong\b\b\b\b\bright\r", "right"));
         EXPECT_EQ(std::string(erase) == "^?", ScreenHas("^H")) << ScreenText();
     }
+}
+
+// What is left of "abc" after one step to the left and one Backspace.
+static bool BackspaceLeaves(const char* left, const std::vector<std::string>& program,
+                            const char* term, const char* backspace) {
+    TemporaryHome home;
+    const bool quill = std::string(term) != "vt100";
+    std::string command = quill ? "stty erase '^H'; exec" : "stty erase '^?'; exec";
+    for (const std::string& word : program) command += " '" + word + "'";
+    KeyProgram editor(term, "C", {"sh", "-c", command}, home.path);
+    editor.Press("");
+    editor.Press("abc");
+    editor.Press("<left>");
+    editor.Press(backspace);
+    editor.Press("!");
+    return ScreenHas(left);
+}
+
+static const std::vector<std::string> kNano = {"nano", "--ignorercfiles", "text"};
+static const std::vector<std::string> kInputBox = {"dialog", "--inputbox", "Name:", "9", "40"};
+
+TEST(WrongScreen, BackspaceErasesToItsLeftAsTheChecklistSays) {
+    for (const auto& program : {kNano, kInputBox}) {
+        if (!IsInstalled(program[0])) GTEST_SKIP() << program[0] << " is not installed";
+        for (const char* term : {"quill", "quill-7"})
+            EXPECT_TRUE(BackspaceLeaves("a!c", program, term, "\b")) << term << ScreenText();
+        EXPECT_TRUE(BackspaceLeaves("a!c", program, "vt100", "\177")) << ScreenText();
+    }
+}
+
+TEST(WrongScreen, BackspaceOfDelErasesToItsRightAsQuill) {
+    for (const auto& program : {kNano, kInputBox}) {
+        if (!IsInstalled(program[0])) GTEST_SKIP() << program[0] << " is not installed";
+        for (const char* term : {"quill", "quill-7"})
+            EXPECT_TRUE(BackspaceLeaves("ab!", program, term, "\177")) << term << ScreenText();
+    }
+}
+
+TEST(WrongScreen, ProgramsNameTheTypeThatTheyDoNotKnow) {
+    KeyProgram shell("quill", "C", {"bash", "--norc"}, "/", {"PS1=$ ", "TERMINFO=/nowhere"});
+    EXPECT_TRUE(shell.Shows("nano\r", "Error opening terminal: quill.")) << ScreenText();
+    EXPECT_TRUE(shell.Shows("tput cols\r", "unknown terminal \"quill\"")) << ScreenText();
+    EXPECT_TRUE(shell.Shows("export TERM=vt100; echo $(tput cols) columns\r", "80 columns"));
 }
 
 // By the sequences that the key table has at first, and by those of its changed rows.

@@ -38,7 +38,10 @@ std::set<std::string> StringNames() { return AllOf(strnames); }
 bool ReadEntry(const std::string& name, TerminfoEntry* entry) {
     use_env(FALSE);
     int status = 0;
-    if (setupterm(name.c_str(), STDOUT_FILENO, &status) != OK) return false;
+    if (setupterm(name.c_str(), STDOUT_FILENO, &status) != OK) {
+        if (cur_term) del_curterm(cur_term);  // of a generic type, which is read and refused
+        return false;
+    }
     *entry = {name, {}, {}, {}};
     ReadAll(entry);
     del_curterm(cur_term);

@@ -7,7 +7,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
+#include "tests/guide/page.h"
 #include "tests/hosts/proof.h"
 
 static const char* const kEntries[] = {"quill", "quill-7"};
@@ -109,6 +111,20 @@ TEST(Tic, FindsNamesThatEveryHostTakes) {
     EXPECT_EQ(2, heads);
 }
 
+// What ./run prints is pasted into a shell, whatever the folder is called.
+TEST(Tic, IsFoundByTheLineThatRunPrintsInAnyFolder) {
+    std::string folder = (std::filesystem::temp_directory_path() / "quill it's.XXXXXX").string();
+    ASSERT_NE(nullptr, mkdtemp(folder.data()));
+    const std::string print =
+        "cd \"" + folder + "\" && sh -c \"$(grep 'export TERM=quill' " + QUILL_RUN ")\"";
+    const std::string line = OutputOf(print);
+    EXPECT_EQ(0u, line.find("    export TERM=quill TERMINFO=")) << line;
+    std::ofstream(folder + "/line") << line << "echo $TERM $TERMINFO\n";
+    EXPECT_EQ("quill " + folder + "/build/release/resources/terminfo\n",
+              OutputOf("sh \"" + folder + "/line\""));
+    std::filesystem::remove_all(folder);
+}
+
 // ---------------------------------------------------------------- the compiled form
 
 static int ShortAt(const std::string& bytes, size_t index) {
@@ -142,7 +158,7 @@ TEST(Tic, WritesTheSameWithAndWithoutNamesOfLaterVersions) {
 // ---------------------------------------------------------------- forms that older systems take
 
 // A termcap entry has 1023 bytes at most.
-TEST(OlderForm, OfTermcapHasRoomForTheEntry) {
+TEST(OlderForm, OfTermcapFitsTheBuffer) {
     for (const std::string entry : kEntries) {
         const std::string termcap = OutputOf("infocmp -Cr " + entry + " | grep -v '^#'");
         EXPECT_LE(termcap.size(), 1023u);
@@ -151,6 +167,72 @@ TEST(OlderForm, OfTermcapHasRoomForTheEntry) {
             EXPECT_NE(std::string::npos, termcap.find(needed)) << needed;
         }
     }
+}
+
+static std::string TermcapBox() {
+    const std::string recipe = ReadPage(QUILL_HOSTS_PAGE).recipes.at("termcap");
+    const size_t start = recipe.find("<<'END'\n") + 8;
+    return recipe.substr(start, recipe.find("END\n", start) - start);
+}
+
+// The entry with its lines joined, as a program has it in its buffer.
+static std::string JoinedTermcap(std::string text, const std::string& entry) {
+    for (size_t at; (at = text.find("\\\n")) != std::string::npos;) text.erase(at, 2);
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind(entry + '|', 0) == 0) return line;
+    }
+    ADD_FAILURE() << "no entry " << entry;
+    return "|:";
+}
+
+// "am", "co#80" and "bl=^G"; without those that begin with a point, which programs skip.
+static std::set<std::string> TermcapFields(const std::string& command_output,
+                                           const std::string& entry) {
+    const std::string joined = JoinedTermcap(command_output, entry);
+    std::istringstream text(joined.substr(joined.find(':')));
+    std::set<std::string> fields;
+    for (std::string field; std::getline(text, field, ':');) {
+        field.erase(0, field.find_first_not_of(" \t"));
+        if (!field.empty() && field[0] != '.') fields.insert(field);
+    }
+    return fields;
+}
+
+// What infocmp makes, and of what it leaves out for the length: keys and line drawing.
+static std::set<std::string> TermcapOfTheHandbook(const std::string& entry) {
+    const std::set<std::string> more = {"@7", "F1", "F2", "F3", "F4", "F5", "F6",
+                                        "F7", "F8", "F9", "FA", "k;", "ac"};
+    std::set<std::string> fields = TermcapFields(OutputOf("infocmp -Cr " + entry), entry);
+    for (const std::string& field : TermcapFields(OutputOf("infocmp -CrT " + entry), entry)) {
+        if (more.count(field.substr(0, 2)) == 1) fields.insert(field);
+    }
+    return fields;
+}
+
+TEST(OlderForm, OfTermcapIsTheHandbooks) {
+    EXPECT_EQ(TermcapFields(TermcapBox(), "quill"), TermcapOfTheHandbook("quill"));
+    EXPECT_EQ(1u, TermcapOfTheHandbook("quill").count("FA=\\E[34~"));
+}
+
+// Fields of the shorter entry come before those of the other, so that they count.
+TEST(OlderForm, OfTermcapWithKeysOfSevenBitsDiffersInThoseOnly) {
+    const std::set<std::string> own = TermcapFields(TermcapBox(), "quill-7");
+    std::set<std::string> expected = {"tc=quill"};
+    const std::set<std::string> other = TermcapOfTheHandbook("quill");
+    for (const std::string& field : TermcapOfTheHandbook("quill-7")) {
+        if (other.count(field) == 0) expected.insert(field);
+    }
+    EXPECT_EQ(own, expected);
+}
+
+// `tc=` is replaced by the other entry's fields.
+TEST(OlderForm, OfTermcapOfTheHandbookFitsTheBuffer) {
+    const std::string quill = JoinedTermcap(TermcapBox(), "quill");
+    const std::string seven = JoinedTermcap(TermcapBox(), "quill-7");
+    EXPECT_LE(quill.size(), 1023u);
+    const size_t fields = quill.size() - quill.find(':');
+    EXPECT_LE(seven.size() - std::string("tc=quill:").size() + fields, 1023u);
 }
 
 // An entry compiled from what `command` prints, read back.
@@ -181,10 +263,14 @@ static void ExpectProven(const std::string& command, const std::set<std::string>
 }
 
 // They know one line drawing set, all of the VT100's.
-TEST(OlderForm, OfEachSystemIsProven) {
+TEST(OlderForm, OfEachSystemPassesTheProof) {
     for (const char* form : {"SVr1", "Ultrix", "HP", "BSD"})
         ExpectProven(std::string("infocmp -R ") + form + " quill", {"acsc"});
 }
 
 // Its string that ends attributes leaves line drawing to another.
-TEST(OlderForm, OfTermcapIsProven) { ExpectProven("infocmp -Cr quill", {"acsc", "sgr0"}); }
+TEST(OlderForm, OfTermcapPassesTheProof) { ExpectProven("infocmp -Cr quill", {"acsc", "sgr0"}); }
+
+TEST(OlderForm, OfTheHandbookPassesTheProof) {
+    ExpectProven("{ cat <<'BOX'\n" + TermcapBox() + "BOX\n}", {"sgr0"});
+}

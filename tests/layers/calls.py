@@ -1,15 +1,15 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds the built libraries and the sources against tests/layers.txt: calls go down only. The rooms
+"""Checks the built libraries and the sources against tests/layers.txt: calls go down only. The rooms
 of platform/qt are layers like any other.
 
 Usage: calls.py BUILD-FOLDER [NM]
-Prints what breaks a rule, and ends with 1:
+Prints each violation and ends with 1:
   - a call, or any other use of a name, from a layer to one that its row does not name;
   - an include of a header of such a layer;
   - a row that names a layer below it in the table, or one that it does not use;
   - a library of the program without a row;
-  - a circle of calls among the files of a layer that no row "circle" tells of;
+  - a circle of calls among the files of a layer without a row "circle";
   - a row that differs from the page docs/architecture.md.
 """
 import collections
@@ -28,7 +28,7 @@ INCLUDE = re.compile(r'^#include "([^"]+)/[^/"]+"', re.M)
 
 
 def symbols(nm, library):
-    """Of each file of a library the names that it defines and those that it needs."""
+    """For each file of a library, the names that it defines and those that it needs."""
     listing = subprocess.run([nm, "-A", library], capture_output=True, text=True, check=True)
     defined, needed = {}, collections.defaultdict(set)
     for line in listing.stdout.splitlines():
@@ -48,7 +48,7 @@ def plain(name):
 
 
 def find_libraries(build, table):
-    """The libraries by layer, and what the build lists without a row."""
+    """The libraries by layer, and the libraries of the build without a row."""
     folders = {name: "platform/qt" if layer.is_room else layer.folder
                for name, layer in table.items()}
     found = {name: pathlib.Path(build) / folder / f"lib{name}.a" for name, folder in folders.items()}
@@ -62,7 +62,7 @@ def find_libraries(build, table):
 
 
 def call_graph(libraries, nm):
-    """Uses among all files: (layer, file) -> (layer, file) -> names."""
+    """Uses between all files: (layer, file) -> (layer, file) -> names."""
     owner, needs = {}, {}
     for layer, path in libraries.items():
         defined, needed = symbols(nm, path)
@@ -78,7 +78,7 @@ def call_graph(libraries, nm):
 
 
 def platform_of(row, table):
-    """What of the platform's rooms a layer may call beside those that its row names."""
+    """The platform's rooms that a layer may call in addition to those in its row."""
     if row.platform == "services":
         return {SERVICES}
     every = {name for name, layer in table.items() if layer.is_room}

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds the table of known gaps in docs/platform.md against the marks of the platform's tests.
+"""Compares the table of known gaps in docs/platform.md with the marks of the platform's tests.
 
 Usage: known_gaps.py [--write]
-Without an option it prints what differs and ends with 1; --write puts the table right.
+Without an option it prints the differences and ends with 1; --write updates the table.
 """
 import difflib
 import pathlib

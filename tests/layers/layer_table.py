@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The table of tests/layers.txt, for the scripts beside this file."""
+"""Reads the table of tests/layers.txt for the scripts of this folder."""
 import pathlib
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
@@ -15,7 +15,7 @@ class Layer:
         self.is_room = platform is None
 
     def files(self, *suffixes):
-        """The layer's sources; those of a folder below it that is another layer's are not."""
+        """The layer's sources, without those of folders below it that belong to another layer."""
         return sorted(p for p in (TOP / self.folder).iterdir() if p.suffix in suffixes)
 
 
@@ -34,10 +34,10 @@ def layers():
 
 
 def rooms():
-    """The rooms of platform/qt, as layers of their own."""
+    """The rooms of platform/qt, as separate layers."""
     return {row[1]: Layer(row[1], row[2], None, row[3:]) for row in rows("room")}
 
 
 def circles():
-    """The circles of calls that are let be, as sets of layer/file."""
+    """The circles of calls that are allowed, as sets of layer/file."""
     return [frozenset(row[1:]) for row in rows("circle")]

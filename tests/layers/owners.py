@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds the sources against the owners that session/session_state.h names.
+"""Checks that only the owners that session/session_state.h names write to its sections.
 
 Usage: owners.py [COMPILER]
 Each file of the program is compiled, without any output, against a copy of the session record in
-which the sections of other owners are const. The compiler then tells every other writer: an
-assignment, a reference or a pointer that could be written through, a call such as store().
+which the sections of other owners are const. The compiler then reports every other writer: an
+assignment, a reference or a pointer that allows writing, a call such as store().
 """
 import collections
 import concurrent.futures
@@ -42,7 +42,7 @@ def owns(owner, source):
 
 
 def read_sections(lines):
-    """The sections of SessionState, by the numbers of their lines."""
+    """The sections of SessionState by line numbers."""
     start = lines.index("struct SessionState {")
     end = lines.index("};", start)
     sections, note = [], ""

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds every file that the pages and the comments name against the tree: each of them exists.
+"""Checks that every file named in a page or a comment exists.
 
-A name with a folder is one from the top of the tree, or from the folder of the file that names it,
-or from one above that one. A name without a folder is that of any file. In the pages those in
-backquotes and those that a link leads to count.
+A name with a folder starts at the top of the tree, at the folder of the file that names it, or at a
+folder above that one. A name without a folder may be any file of the tree. In pages, names in
+backquotes and targets of links count.
 """
 import os
 import pathlib
@@ -31,7 +31,7 @@ def listed():
                          capture_output=True, text=True)
     if run.returncode == 0:
         names = [name for name in run.stdout.splitlines() if (TOP / name).exists()]
-    else:  # a tree from an archive
+    else:  # a source tree from an archive, without git
         names = [str(path.relative_to(TOP)) for path in TOP.rglob("*") if path.is_file()]
     return [name for name in names if not name.startswith(("build/", ".git/"))]
 

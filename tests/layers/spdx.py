@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds the licence line of every source against LICENSE: it is among the file's first two lines.
+"""Checks that one of the first two lines of every source is the licence line that fits LICENSE.
 
 Usage: spdx.py [--write]
---write puts the line into the files that lack it. Sources are the program's, the tests', the scripts
-and the build's files; pages, pictures, data and conversations of the tests are not.
+--write adds the line to the files that lack it. Sources are the files of the program, the tests, the
+scripts and the build, but not pages, pictures, and data and conversations of the tests.
 """
 import pathlib
 import subprocess
@@ -24,16 +24,18 @@ def listed():
                          capture_output=True, text=True)
     if run.returncode == 0:
         names = run.stdout.splitlines()
-    else:  # a tree from an archive
+    else:  # a source tree from an archive, without git
         names = [str(path.relative_to(TOP)) for path in TOP.rglob("*")]
     return sorted(name for name in names
                   if (TOP / name).is_file() and not name.startswith(("build/", ".git/", "fuzz/corpus/")))
 
 
 def line_for(name, first):
-    """The licence's line in the file's own kind of comment; None where none is wanted."""
+    """The licence line as a comment of the file's language; None if the file needs no line."""
     path = pathlib.Path(name)
     text = WORD + LICENCES[(TOP / "LICENSE").read_text().splitlines()[0]]
+    if ".json" in path.suffixes:  # has no comments
+        return None
     if first.startswith("/*") or path.suffix in STARS:
         return f"/* {text} */"
     if path.suffix in SLASHES:

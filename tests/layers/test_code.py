@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds the program against the libraries of the tests: it has nothing of theirs.
+"""Checks that the program contains no code of the test libraries.
 
 Usage: test_code.py BUILD-FOLDER [NM]
-No name that a library of the tests defines is defined or used by a library of the program, or is in
-the program itself. Prints those that are, and ends with 1.
+No library of the program, and not the program itself, may define or use a name that a library of the
+tests defines. Prints each violation and ends with 1.
 """
 import pathlib
 import subprocess

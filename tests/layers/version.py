@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds every version of the program against the one in the top CMakeLists.txt.
+"""Compares every version of the program with the one in the top CMakeLists.txt.
 
 Usage: version.py RESOURCE-FILE
-Looked at are the sources of the resources, which name no version of their own, the compiled
-resources, which have it in the About dialog and in the version of the file, and the newest release
-of CHANGELOG.md.
+It checks the sources of the resources, which must contain no version number, the compiled resources,
+which have it in the About dialog and in the file version, and the newest release of CHANGELOG.md.
 """
 import re
 import struct

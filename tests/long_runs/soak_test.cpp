@@ -17,9 +17,9 @@
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
 
-static constexpr int kSessionsOfAStart = 9;
+static constexpr int kSessionsOfAStart = 60;
 static constexpr int kStepsOfASession = 24;
-static constexpr int kWarmSessions = 27;  // until every font, picture and table is there
+static constexpr int kWarmSessions = 20;  // until every font, picture and table is there
 static constexpr int kPatience = 1800;    // seconds of one step, on a machine with other work
 
 static long Asked(const char* name, long otherwise) {
@@ -34,6 +34,7 @@ struct Soak {
     long seed = 1;
     long session = 0;
     long first = 0;
+    long first_of_start = 0;
     Clock::time_point end;
     Held warm = {};
     Held least = {};  // of the sessions since the last word
@@ -66,17 +67,17 @@ static void ComeToRest(LongRun& run) {
 
 static void ExpectNothingGrew(Soak& soak) {
     ComeToRest(soak.run);
-    const long done = soak.session - soak.first;
+    const long done = soak.session - soak.first_of_start;
     if (done < kWarmSessions) return;
     Held held = WhatIsHeld();
-    if (done == kWarmSessions) soak.warm = held, Tell(soak, held);
+    if (done == kWarmSessions) soak.warm = held, Tell(soak, held);  // of this start
     // Threads and files of what has just ended may still be going.
     for (int i = 0; i < 200 && !Growth(soak.warm, held).empty(); ++i) {
         Sleep(10);
         held = WhatIsHeld();
     }
     EXPECT_EQ("", Growth(soak.warm, held));
-    if (done % (done < 200 ? 20 : 200) == 0) Tell(soak, held);
+    if (soak.session % 200 == 0) Tell(soak, held);
 }
 
 static void OneSession(Soak& soak) {
@@ -100,6 +101,7 @@ static void OneSession(Soak& soak) {
 }
 
 static void OneStart(Soak& soak) {
+    soak.first_of_start = soak.session;
     counts.objects = 0;  // what the last start held went with its device
     Stage stage{.root = soak.run.root, .before = [&] { StageDialUp(soak.run); }};
     RunProgram(stage, [&] {
@@ -129,7 +131,7 @@ TEST(Soak, HostUserAndNetworkAtOnce) {
     Soak soak;
     soak.seed = Asked("QUILL_SOAK_SEED", 1);
     soak.first = soak.session = Asked("QUILL_SOAK_FROM", 0);
-    soak.end = Clock::now() + std::chrono::seconds(Asked("QUILL_SOAK_SECONDS", 40));
+    soak.end = Clock::now() + std::chrono::seconds(Asked("QUILL_SOAK_SECONDS", 20));
     soak.run.root = FreshRoot();
     soak.run.dial = FreshRoot();
     std::atomic<bool> over{false};

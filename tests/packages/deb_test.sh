@@ -30,6 +30,7 @@ usr=$work/root/usr
 for file in bin/quill share/applications/quill.desktop share/metainfo/org.quillware.quill.metainfo.xml \
     share/man/man1/quill.1.gz share/terminfo/q/quill share/terminfo/q/quill-7 \
     share/icons/hicolor/scalable/apps/quill.svg share/doc/quill/telnet.htm share/doc/quill/quill.ti \
+    share/doc/quill/hosts.md share/doc/quill/hosts_names.md share/doc/quill/sequences.md \
     share/doc/quill/copyright share/doc/quill/changelog.gz share/doc/quill/NEWS.md.gz; do
     [ -s "$usr/$file" ] || fail "there is no $file"
 done

@@ -55,6 +55,25 @@ for run in 1 2 3; do
     end_window
 done
 
+# Where a device pixel is no whole number of the desktop's, the place is rounded. It is not rounded
+# again in each run.
+cp "$place" "$work/kept"
+for scale in 1.5 3; do
+    opened --scale $scale
+    xdotool windowmove "$window" 311 217
+    sleep 0.5
+    end_window
+    opened --scale $scale
+    sleep 0.5
+    back=$(corner)
+    end_window
+    for run in 1 2 3; do
+        opened --scale $scale
+        await 10 is_corner "$back" || fail "the window wanders at $scale: $(corner) instead of $back"
+        end_window
+    done
+done
+cp "$work/kept" "$place"
 # Maximised: the size of before stays behind it.
 opened --scale 2
 xdotool windowfocus "$window" || :
@@ -126,5 +145,22 @@ printf 'size 400 300\nplace 700 500\ndesktop 800 600\nmaximized 0\n' >"$place"
 opened --scale 1
 hangs() { [ "$(field 'Absolute upper-left X')" -ge 698 ]; }
 await 10 hangs || fail "a window over the edge was moved: $(corner)"
+end_window
+# The whole title bar is on the screen, also where the window was put above the edge, and where it
+# fills the screen.
+has_title() {
+    title=$(xprop -id "$window" _NET_FRAME_EXTENTS | sed -n 's/.*= *[0-9]*, *[0-9]*, *\([0-9]*\),.*/\1/p')
+    [ "${title:-0}" -gt 0 ] && [ "$(field 'Absolute upper-left Y')" -ge "$title" ]
+}
+for kept in 'size 400 300\nplace 100 -9\ndesktop 800 600\n' 'size 800 600\nplace 0 -5\ndesktop 800 600\n' \
+    'size 800 600\nplace 0 0\ndesktop 1600 1200\n'; do
+    printf "$kept" >"$place"
+    opened --scale 1
+    await 10 has_title || fail "'$kept' opens with its title above the screen: $(corner)"
+    end_window
+done
+rm "$place"
+opened --scale 2
+await 10 has_title || fail "the first window has its title above the screen: $(corner)"
 end_window
 echo "the window comes back as it was, and always in sight"

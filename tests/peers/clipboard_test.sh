@@ -1,19 +1,19 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The clipboard between the program and xclip, both ways, on an X server of its own, with a session to
-# a host that keeps what it gets. Exit code 77: not possible here.
+# The clipboard between the program and xclip, in both directions, on a private X server, with a session
+# to a host that records what it gets. Exit code 77: not possible here.
 # Usage: clipboard_test.sh PROGRAM
 set -eu
 . "$(dirname "$0")/../support/outside.sh"
 need Xvfb xdotool xclip socat
 program=$1
 owner=
-# An owner that has been stopped ends by force alone.
+# A stopped owner ends only by SIGKILL.
 trap '[ -z "$owner" ] || kill -KILL "$owner" 2>/dev/null || :; clean_up' EXIT
 
 received() { cmp -s "$work/received" "$1"; }
 
-# own FILE [TYPE]: xclip offers it, and nobody else does.
+# own FILE [TYPE]: lets xclip own the clipboard with that file, and no other process.
 offered() { timeout 5 xclip -selection clipboard -t "$2" -o 2>/dev/null | cmp -s - "$1"; }
 own() {
     [ -z "$owner" ] || { kill -KILL "$owner"; wait "$owner" 2>/dev/null || :; }
@@ -47,19 +47,19 @@ own "$work/text"
 paste_key
 await 20 received "$work/expected" || fail "the host got no paste"
 
-# A megabyte comes in pieces of its own protocol.
+# X11 transfers a megabyte in pieces, by a special protocol.
 seq 1 160000 | head -c 1048576 >"$work/text"
 tr '\n' '\r' <"$work/text" >>"$work/expected"
 own "$work/text"
 paste_key
 await 60 received "$work/expected" || fail "the host did not get the whole megabyte"
 
-# A picture is nothing to send.
+# The program does not send a picture.
 printf 'P6 1 1 255 abc' >"$work/picture"
 own "$work/picture" image/png
 paste_key
 
-# An owner that does not answer holds the program up for seconds, not for ever.
+# An owner that does not answer blocks the program for some seconds only.
 own "$work/text"
 kill -STOP "$owner"
 paste_key

@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Every key of keys.table, plain and with its modifiers, struck with xdotool on the running program
-# under Xvfb in a session with inetutils telnetd, whose end keeps the bytes that arrive; then two keys
-# of the input panel, tapped with the mouse.
+# xdotool presses every key of keys.table, plain and with its modifiers, in the running program under
+# Xvfb, in a session with inetutils telnetd, which records the bytes that arrive. Then the mouse taps
+# two keys of the input panel.
 # Exit code 77: not possible here.
 # Usage: keys_outside_test.sh PROGRAM
 set -eu
@@ -37,10 +37,10 @@ start_program "$(head -n 1 "$work/port")" --scale 1
 await 30 test -e "$work/recording" || fail "the session did not begin"
 sleep 1
 
-# A tap on the terminal first: the keys stay with the program.
+# A tap on the terminal first, after which keys still go to the program.
 xdotool mousemove 120 120 click 1
 
-# xdotool lends the X server's keymap the keys it lacks for as long as the delay.
+# xdotool adds missing keys to the X server's keymap for the time of the delay.
 strike() {
     case $1 in
         *F1[3-9] | *F20) xdotool key --delay 150 "$1" ;;
@@ -48,7 +48,7 @@ strike() {
     esac
 }
 
-# Rows are struck one after the other, each closed by a bar, by which they are told apart.
+# The script presses the rows one after another; a bar after each row separates them.
 : >"$work/expected"
 rows=0
 while read -r key plain shift ctrl both; do
@@ -76,7 +76,7 @@ printf 'q\33' >>"$work/expected"
 
 same() { cmp -s "$work/expected" "$work/bytes"; }
 await 20 same || {
-    # One line a row, of what was to come and what came.
+    # One line for each row: the expected bytes and the received ones.
     for each in expected bytes; do
         od -An -v -tx1 -w1 "$work/$each" | tr -d '\n' | sed 's/ 7c/ |\n/g' >"$work/$each.rows"
     done

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Dialling over a modem: a modem of the test's own on a pseudo-terminal, the real chat talking to
-// it, and the real pppd as far as a kernel without PPP lets it go.
+// Dialling over a modem: the test simulates a modem on a pseudo-terminal, the real chat talks to
+// it, and the real pppd runs as far as a kernel without PPP allows.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -24,7 +24,7 @@ namespace {
 
 const char kFailed[] = "Error: RAS Dial has failed. Check your network configuration ";
 
-// Understands ATZ, ATDT, ATH and +++; to a number it gives the answer that the test chose.
+// Understands ATZ, ATDT, ATH and +++, and answers a number with the reply that the test chose.
 class Modem {
   public:
     explicit Modem(const std::string& answer) : answer_(answer) {
@@ -42,7 +42,7 @@ class Modem {
         close(held_);
         close(master_);
     }
-    std::string Heard() {  // the commands, each with a blank
+    std::string Heard() {  // the received commands, each followed by a blank
         const std::lock_guard<std::mutex> lock(mutex_);
         return heard_;
     }
@@ -76,7 +76,7 @@ class Modem {
     const std::string answer_;
     std::string line_;
     int master_ = -1;
-    int held_ = -1;  // so that the line stays up between its users
+    int held_ = -1;  // keeps the line open between its users
     std::string command_;
     std::mutex mutex_;
     std::string heard_;
@@ -132,7 +132,7 @@ TEST_F(ModemDial, ConnectsAndTheSessionBeginsAndHangingUpReachesTheModem) {
     EXPECT_EQ(modem.Heard(), "ATZ ATDT5551234 +++ ATH ");
 }
 
-TEST_F(ModemDial, EveryRefusalOfTheModemIsTold) {
+TEST_F(ModemDial, EveryRefusalOfTheModemIsReported) {
     for (const char* answer : {"BUSY", "NO CARRIER", "NO ANSWER", "NO DIALTONE"}) {
         Modem modem(answer);
         RunProgram({}, [&] {
@@ -180,7 +180,7 @@ TEST_F(ModemDial, HangingUpWhileTheModemStillDials) {
     EXPECT_EQ(modem.Heard(), "ATZ ATDT5551234 +++ ATH ");
 }
 
-TEST_F(ModemDial, TheRealPppdWithoutPppInTheKernelIsTold) {
+TEST_F(ModemDial, TheRealPppdWithoutPppInTheKernelIsReported) {
     if (geteuid() != 0) GTEST_SKIP() << "needs root for a name space";
     if (std::filesystem::exists("/dev/ppp")) GTEST_SKIP() << "this kernel has PPP";
     services_test_hooks.dial_up_program = QUILL_PEERS "/real_pppd.sh";

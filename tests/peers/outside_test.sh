@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The program from outside, on an X server of its own: started by ./run's own means, typed at with
-# xdotool, and seen as a picture. Exit code 77: not possible here.
+# The program from outside, on a private X server: started as by ./run, operated with xdotool, and
+# checked on a picture. Exit code 77: not possible here.
 # Usage: outside_test.sh PROGRAM DEMO_HOST PICTURE
 set -eu
 . "$(dirname "$0")/../support/outside.sh"
@@ -28,7 +28,7 @@ import -window root "$picture" || fail "no picture"
 colours=$(identify -format '%k' "$picture")
 [ "$colours" -gt 3 ] || fail "the picture is empty ($colours colours)"
 
-# Leaving by the host's menu ends the session, which is told in a box.
+# Leaving by the host's menu ends the session, which the program reports in a box.
 xdotool type --delay 20 0
 xdotool key Return
 await 20 has_window '^Error$' ||

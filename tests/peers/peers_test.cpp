@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The program against real servers: logins typed by a person, what the terminal type brings,
-// much output, a test suite for terminals.
+// The program against real servers: logins typed by a person, the terminal type and size, much
+// output, a test suite for terminals.
 #include <gtest/gtest.h>
 #include <QProcess>
 
@@ -34,7 +34,7 @@ void WithLogin(Server& server, const std::function<void()>& person) {
     });
 }
 
-// What the terminal was given, by way of the linker: each call of TerminalWrite passes here.
+// What the terminal got: the linker redirects each call of TerminalWrite (--wrap).
 std::string g_received;
 
 // 20,000 numbered lines, each of which reaches the terminal once and in order.
@@ -118,7 +118,7 @@ TEST(InetutilsTelnetd, TheServersEndIsReported) {
     });
 }
 
-// The name by the search text that is there from the start, the password by the second pair.
+// The default search text sends the name, the second pair sends the password.
 void LogInByItself(Server& server) {
     RunProgram({}, [&] {
         SetHost(u"127.0.0.1", server.port);
@@ -172,7 +172,7 @@ TEST(NoNetwork, QuestionIsAskedWhereNoInterfaceIsUp) {
     EXPECT_EQ(inside.exitCode(), 0) << inside.readAll().toStdString();
 }
 
-// Run by the test above in a network name space without interfaces.
+// The test above runs this one in a network name space without interfaces.
 TEST(NoNetwork, DISABLED_Inside) {
     RunProgram({}, [] {
         SetHost(u"192.0.2.1", 23);

@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Stands in for pppd on machines whose kernel has no PPP: dials the modem QUILL_MODEM with the real
-# chat (QUILL_CHAT) as an entry's connect script would, writes pppd's lines in their order, and ends
-# with its exit codes. SIGTERM hangs the modem up.
+# Replaces pppd on machines whose kernel has no PPP: dials the modem QUILL_MODEM with the real chat
+# (QUILL_CHAT) like the connect script of an entry, writes pppd's lines in order, and ends with its exit
+# codes. SIGTERM hangs up the modem.
 # Usage: pppd_on_modem.sh call NAME nodetach
 set -u
 [ "$1 $3" = "call nodetach" ] || exit 2
@@ -11,7 +11,7 @@ running=
 hang_up() {
     [ -z "$running" ] || { kill "$running" 2>/dev/null; wait "$running"; }
     echo "Terminating on signal 15"
-    # A time-out no longer than what \d waits would end chat before the modem has answered.
+    # The time-out must be longer than the wait of \d, or chat ends before the modem has answered.
     "$QUILL_CHAT" -t 20 '' '\d+++\d\c' OK ATH OK <"$QUILL_MODEM" >"$QUILL_MODEM"
     echo "Exit."
     exit 5

@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The real pppd, unpacked, with an entry "depot" in a throwaway copy of /etc.
+# The real pppd, unpacked, with an entry "depot" in a temporary copy of /etc.
 # Usage: real_pppd.sh PPPD-ARGUMENTS...
 here=$(cd "$(dirname "$0")" && pwd)
 peers=${QUILL_PEERS_DIR:-$here/../../build/peers}

@@ -1,13 +1,13 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Serves a command, inetd style, on a free port of 127.0.0.1, in name spaces of its own: a throwaway
-# copy of /etc with the user "visitor" (password "warehouse7", shell bash, prompt "$ ", vttest on
-# its path), throwaway login records, and process numbers of its own, so that everything it started
-# ends with it. The machine's own files are not written.
+# Serves a command, inetd style, on a free port of 127.0.0.1, in private name spaces: a temporary copy
+# of /etc with the user "visitor" (password "warehouse7", shell bash, prompt "$ ", vttest on its path),
+# temporary login records, and a private process name space, so that every process that it has started
+# ends with it. It does not write the files of the machine.
 # Prints the port as its first line. Runs until its standard input closes or it gets SIGTERM.
-# Exit codes: 0 ended as told, 77 not possible here (not root, no name spaces, a tool missing),
-# other than that an error.
-# Usage: serve.sh "COMMAND ARGUMENTS"; what unpack.sh unpacked stands in /mnt/peers.
+# Exit codes: 0 ended normally, 77 not possible here (not root, no name spaces, a tool missing),
+# any other code an error.
+# Usage: serve.sh "COMMAND ARGUMENTS"; the files of unpack.sh are in /mnt/peers.
 set -eu
 [ $# -eq 1 ] || { echo "usage: serve.sh COMMAND" >&2; exit 2; }
 
@@ -19,8 +19,8 @@ serve_inside() {
     make_throwaway "${QUILL_PEERS_DIR:-$here/../../build/peers}"
     cd /
 
-    # Debug level 2 makes socat say which port it got.
-    # The environment is always the same: nothing of the caller's, and no start-up files.
+    # Debug level 2 makes socat print its port.
+    # The environment is always the same: no variables of the caller and no start-up files.
     env -i PATH="$PATH" HOME=/mnt TERM=vt100 SHELL=/bin/sh socat -d -d -lf/mnt/socat.log \
         TCP4-LISTEN:0,bind=127.0.0.1,reuseaddr,fork,nodelay EXEC:"$1",nofork </dev/null >&2 &
     port=

@@ -1,14 +1,14 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# What a shell gives the program and gets from it: options, folders, a display that is missing, and
-# the signals that end it. Exit code 77: not possible here.
+# The program as a shell sees it: options, folders, a missing display, and the signals that end it.
+# Exit code 77: not possible here.
 # Usage: start_outside_test.sh PROGRAM
 set -eu
 . "$(dirname "$0")/../support/outside.sh"
 need Xvfb xdotool timeout import
 program=$1
 
-# ends_with CODE TEXT OPTIONS...: without a window, after a word about TEXT.
+# ends_with CODE TEXT OPTIONS...: expects that the program ends with CODE after it has printed TEXT.
 ends_with() {
     expected=$1 text=$2
     shift 2
@@ -31,7 +31,7 @@ ends_with 2 '--root wants a folder' --root ''
 ends_with 2 "$work/file is no folder" --root "$work/file"
 ends_with 2 "$work/file/below is no folder" --root "$work/file/below"
 ends_with 2 '--screen wants a size from 100x80 to 4000x4000' --screen 99x80
-# Below 1 nothing could be read.
+# A scale below 1 would be unreadable.
 for scale in 0 0.5 0.75 0.9 0.999 -1 8.1 nan inf 1x ''; do
     ends_with 2 '--scale wants a number from 1 to 8' --root "$work/none" --scale "$scale"
 done
@@ -47,14 +47,14 @@ timeout -k 5 20 "$program" --root "$work/none" --snapshot "$work/picture.png" --
     fail "a picture and a text ended with $?"
 [ -s "$work/picture.png" ] && [ -s "$work/text" ] || fail "no picture or no text was written"
 
-# font_size FOLDER: what is stored there.
+# font_size FOLDER: prints the size that is stored there.
 font_size() {
     /usr/bin/python3 -c 'import sqlite3, sys
 row = sqlite3.connect(sys.argv[1]).execute("SELECT data FROM registry WHERE name = ?", ["fsize"])
 print(int.from_bytes(row.fetchone()[0], "little"))' "$1/registry.db"
 }
 
-# The window's picture, and whether it is another one than `seen`.
+# Takes a picture of the window and compares it with `seen`.
 picture() { import -window "$window" rgb:- | md5sum; }
 is_another() { [ "$(picture)" != "$seen" ]; }
 is_at_rest() {
@@ -63,12 +63,12 @@ is_at_rest() {
     ! is_another
 }
 
-# A folder that is not there yet is made. Only a regular end stores the larger font, and takes away
-# the socket by which a second start finds the program.
+# The program creates a missing folder. Only a normal end stores the larger font and removes the socket
+# by which a second start finds the program.
 size=8
 for signal in HUP INT TERM; do
     root=$work/new/folder
-    # The shell would have it ignore what interrupts the shell.
+    # A shell starts background programs with SIGINT ignored.
     /usr/bin/python3 -c 'import os, signal, sys
 signal.signal(signal.SIGINT, signal.SIG_DFL)
 os.execv(sys.argv[1], sys.argv[1:])' "$program" --root "$root" &
@@ -80,7 +80,7 @@ os.execv(sys.argv[1], sys.argv[1:])' "$program" --root "$root" &
     await 10 is_at_rest || fail "the window does not come to rest"
     xdotool key ctrl+shift+plus
     await 10 is_another || fail "no larger font was shown"
-    # With a menu open, a dialog, or neither.
+    # With an open menu, an open dialog, or neither.
     case $signal in
         HUP) xdotool key alt+s ;;
         INT) xdotool key ctrl+shift+n && await 10 has_window '^Connect$' ;;

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # inetutils telnetd on a free port of 127.0.0.1; see serve.sh for output, end and exit codes.
 # Usage: telnetd.sh                a login: user "visitor", password "warehouse7"
-#        telnetd.sh -E PROGRAM     PROGRAM in place of the login, run as root
+#        telnetd.sh -E PROGRAM     PROGRAM instead of the login, run as root
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 "$here/unpack.sh" inetutils-telnetd vttest >/dev/null || exit $?

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-# A machine to throw away, inside name spaces of its own: what serve.sh and the guide's tests share;
-# sourced by them.
+# A temporary machine inside private name spaces. serve.sh and the tests of tests/guide source this
+# file.
 
-# skip REASON, need_name_spaces TOOL...: end with 77 where it cannot be had.
+# skip REASON, need_name_spaces TOOL...: end with 77 if the test is not possible here.
 skip() { echo "$(basename "$0"): $1" >&2; exit 77; }
 
 need_name_spaces() {
@@ -14,8 +14,8 @@ need_name_spaces() {
     unshare -m -p -f --mount-proc true 2>/dev/null || skip "name spaces are not allowed here"
 }
 
-# run_inside VARIABLE ARGUMENTS...: this script once more, in name spaces of its own with VARIABLE=1,
-# until it ends or gets SIGTERM; all that it has started ends with it.
+# run_inside VARIABLE ARGUMENTS...: runs this script again, in private name spaces with VARIABLE=1,
+# until it ends or gets SIGTERM; every process that it has started ends with it.
 run_inside() {
     variable=$1
     shift
@@ -23,14 +23,14 @@ run_inside() {
     env "$variable=1" unshare -m -p -f --mount-proc --kill-child=KILL "$0" "$@" <&3 &
     space=$!
     exec 3<&-
-    # unshare itself lets SIGTERM pass; its end takes all within along.
+    # unshare ignores SIGTERM; killing it ends every process inside.
     trap 'kill -KILL $space 2>/dev/null; exit 0' TERM INT HUP
     wait $space
 }
 
-# make_throwaway PEERS: a copy of /etc with the user "visitor" (password "warehouse7", shell bash,
-# prompt "$ "), login records and logs of its own; what unpack.sh unpacked into PEERS is in
-# /mnt/peers.
+# make_throwaway PEERS: makes a private copy of /etc with the user "visitor" (password "warehouse7",
+# shell bash, prompt "$ "), and private login records and logs. The files that unpack.sh unpacked into
+# PEERS are in /mnt/peers.
 make_throwaway() {
     mount -t tmpfs -o mode=755 quill-peers /mnt
     mkdir /mnt/etc /mnt/home /mnt/peers /mnt/log

@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The toolbar from outside: buttons pressed by the mouse of a real X server, and what the host gets.
+# The toolbar from outside: the mouse of a real X server presses buttons, and the host gets bytes.
 # Exit code 77: not possible here.
 # Usage: toolbar_outside_test.sh PROGRAM PICTURE [SCALE]
 set -eu
@@ -9,7 +9,7 @@ need Xvfb xdotool import socat od
 program=$1 picture=$2 scale=${3:-2}
 open_screen
 
-# The host greets, and keeps what it is sent.
+# The host sends a greeting and records what it gets.
 mkfifo "$work/greeting"
 : >"$work/received"
 : >"$work/log"
@@ -27,7 +27,7 @@ await 20 grep -q 'accepting connection' "$work/log" || fail "the client did not 
 sleep 2
 xdotool windowfocus "$window" || :
 
-# press POSITION: the middle of a button, which is 21 device pixels wide.
+# press POSITION: clicks the middle of a button, which is 21 device pixels wide.
 press() {
     xdotool mousemove --window "$window" $((($1 * 21 + 10) * scale)) $((13 * scale))
     sleep 0.3

@@ -1,9 +1,9 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Fetches Debian packages and unpacks them below build/peers/root, without installing them: no file
-# outside the build folder changes and no server is started. A package that is there already is
-# not fetched again. Prints the folder. Exit codes: 0 done, 77 not possible here (no apt-get, or the
-# package cannot be had), other than that an error.
+# Downloads Debian packages and unpacks them below build/peers/root without installing them: no file
+# outside the build folder changes and no server starts. It does not download a package twice. Prints
+# the folder. Exit codes: 0 done, 77 not possible here (no apt-get, or the package is not available), any
+# other code an error.
 # Usage: unpack.sh PACKAGE...
 set -eu
 [ $# -gt 0 ] || { echo "usage: unpack.sh PACKAGE..." >&2; exit 2; }
@@ -13,7 +13,7 @@ peers=${QUILL_PEERS_DIR:-$top/build/peers}
 root=$peers/root
 mkdir -p "$root" "$peers/done"
 
-# Two tests may want the same package at once.
+# Two tests may need the same package at the same time.
 if [ -z "${QUILL_PEERS_LOCKED:-}" ] && command -v flock >/dev/null; then
     QUILL_PEERS_LOCKED=1 exec flock "$peers/lock" "$0" "$@"
 fi

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Decoding the bitmaps and icons of the resources, whole and damaged.
+// Decodes intact and damaged bitmaps and icons of the resources.
 #include "platform/qt/services/resources.h"
 
 #include <gtest/gtest.h>
@@ -40,7 +40,7 @@ Bytes MakeBitmap(const Shape& shape, const Pixels& palette, const Bytes& rows) {
     return bytes;
 }
 
-// From a block of exactly that size, so that a read past its end is seen by the sanitizer.
+// Decodes from a block of exactly that size, so that the sanitizer sees a read past its end.
 bool Decode(const Bytes& bytes, size_t size, Bitmap* bitmap) {
     const std::unique_ptr<uint8_t[]> copy(new uint8_t[size]);
     std::copy(bytes.begin(), bytes.begin() + static_cast<long>(size), copy.get());
@@ -60,7 +60,7 @@ Pixels Ramp(uint32_t count) {
 
 constexpr uint32_t kRed = 0xFF0000, kGreen = 0x00FF00, kBlue = 0x0000FF, kWhite = 0xFFFFFF;
 
-TEST(Bitmaps, OneBitPixelsComeFromTheHighestBitOn) {
+TEST(Bitmaps, OneBitPixelsStartAtTheHighestBit) {
     const Bytes rows = {0x40, 0x80, 0, 0, 0xFF, 0x00, 0, 0};
     const Pixels pixels = PixelsOf(MakeBitmap({.width = 9, .bits = 1}, {kRed, kBlue}, rows));
     const Pixels top(8, kBlue), bottom = {kRed, kBlue, kRed, kRed, kRed, kRed, kRed, kRed, kBlue};
@@ -70,14 +70,14 @@ TEST(Bitmaps, OneBitPixelsComeFromTheHighestBitOn) {
     EXPECT_EQ(expected, pixels);
 }
 
-TEST(Bitmaps, FourBitPixelsComeFromTheHighHalfOn) {
+TEST(Bitmaps, FourBitPixelsStartAtTheHighNibble) {
     const Bytes rows = {0x01, 0x20, 0, 0, 0xF3, 0x40, 0, 0};
     const Pixels colors = Ramp(16);
     EXPECT_EQ((Pixels{colors[15], colors[3], colors[4], colors[0], colors[1], colors[2]}),
               PixelsOf(MakeBitmap({.width = 3, .bits = 4}, colors, rows)));
 }
 
-TEST(Bitmaps, EightBitPixelsNameOneOf256) {
+TEST(Bitmaps, EightBitPixelsIndex256Colours) {
     const Pixels colors = Ramp(256);
     EXPECT_EQ((Pixels{colors[255], colors[7], colors[0], colors[128]}),
               PixelsOf(MakeBitmap({.bits = 8}, colors, {0, 128, 0, 0, 255, 7, 0, 0})));
@@ -102,7 +102,7 @@ TEST(Bitmaps, AShorterPaletteIsTakenAndOtherIndexesAreBlack) {
                                                       {kRed, kBlue}, {0x1F, 0, 0, 0})));
 }
 
-TEST(Bitmaps, ALongerHeaderIsPassedOver) {
+TEST(Bitmaps, ALongerHeaderIsSkipped) {
     Bytes bytes = MakeBitmap({.width = 1, .height = 1, .bits = 32, .header = 44}, {}, {});
     Add(&bytes, 0x12345678, 4);
     Add(&bytes, kGreen, 4);
@@ -140,7 +140,7 @@ TEST(Bitmaps, OtherKindsAreRefused) {
             << shape.header << ' ' << shape.compression;
 }
 
-TEST(Bitmaps, OneCutAnywhereIsRefused) {
+TEST(Bitmaps, BitmapCutAnywhereIsRefused) {
     const Bytes whole = MakeBitmap({.width = 5, .height = 3}, Ramp(16), Bytes(12, 0x5A));
     Bitmap bitmap;
     for (size_t size = 0; size < whole.size(); size++)
@@ -163,7 +163,7 @@ TEST(Bitmaps, EachChangedByteIsReadWithinItsBounds) {
     }
 }
 
-// Two pixels by two, and behind them a mask in which the left one below is seen through.
+// Two by two pixels, followed by a mask that makes the lower left one transparent.
 Bytes MakeIcon(int32_t height = 4) {
     const Bytes colors_and_mask = {0x01, 0, 0, 0, 0x23, 0, 0, 0, 0x80, 0, 0, 0, 0x00, 0, 0, 0};
     return MakeBitmap({.height = height}, Ramp(16), colors_and_mask);
@@ -175,7 +175,7 @@ bool DecodeIcon(const Bytes& bytes, size_t size, Bitmap* bitmap) {
     return ReadIcon({copy.get(), size}, bitmap);
 }
 
-TEST(Icons, MaskSaysWhatIsSeenThrough) {
+TEST(Icons, MaskMakesPixelsTransparent) {
     const Bytes bytes = MakeIcon();
     Bitmap icon;
     ASSERT_TRUE(DecodeIcon(bytes, bytes.size(), &icon));
@@ -184,7 +184,7 @@ TEST(Icons, MaskSaysWhatIsSeenThrough) {
     EXPECT_EQ((Pixels{0xFF020202, 0xFF030303, 0x00000000, 0xFF010101}), icon.pixels);
 }
 
-TEST(Icons, OneCutAnywhereIsRefused) {
+TEST(Icons, IconCutAnywhereIsRefused) {
     const Bytes whole = MakeIcon();
     Bitmap icon;
     for (size_t size = 0; size < whole.size(); size++)

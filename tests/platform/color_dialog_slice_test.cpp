@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The chooser of colours, and the library that it is found in.
+// The colour chooser, and the library that provides it.
 #include <gtest/gtest.h>
 #include <QColorDialog>
 #include <QScreen>
@@ -81,7 +81,7 @@ TEST_F(ColorDialog, CancelledChooserChangesNothing) {
     EXPECT_FALSE(FindChooser()(&ask.request));
 }
 
-TEST_F(ColorDialog, ChooserStandsOnTheDesktop) {
+TEST_F(ColorDialog, ChooserStaysOnTheDesktop) {
     DeviceScreen()->resize(240, 320);
     ColorRequest ask;
     OnNextDialog([] {
@@ -92,7 +92,7 @@ TEST_F(ColorDialog, ChooserStandsOnTheDesktop) {
     EXPECT_FALSE(FindChooser()(&ask.request));
 }
 
-TEST_F(ColorDialog, ChooserWantsItsTemplateAndItsSize) {
+TEST_F(ColorDialog, ChooserRequiresItsTemplateAndItsSize) {
     ColorRequest ask;
     ask.request.Flags |= CC_ENABLETEMPLATE;
     ask.request.lpTemplateName = MAKEINTRESOURCE(199);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The status window, the command bar, and what the shell says of the device.
+// The status window, the command bar, and what the shell reports of the device.
 #include "tests/platform/test_windows.h"
 
 namespace {
@@ -30,7 +30,7 @@ TEST_F(Controls, StatusWindowTakesTheBottomOfItsParent) {
     EXPECT_GT(OuterOf(status).bottom - OuterOf(status).top, 8);
 }
 
-TEST_F(Controls, StatusWindowFollowsWhenToldSo) {
+TEST_F(Controls, StatusWindowFollowsItsParentOnASizeMessage) {
     HWND parent = Child(1, 0, 0, 0, 200, 100);
     HWND status = Status(parent);
     const RECT before = OuterOf(status);
@@ -67,7 +67,7 @@ TEST_F(Controls, CommandBarTakesTheTopOfItsWindow) {
     EXPECT_FALSE(IsWindow(bar));
 }
 
-TEST_F(Controls, CommandBarIsMovedAsTold) {
+TEST_F(Controls, CommandBarTakesAGivenWidth) {
     HWND bar = CommandBar_Create(nullptr, top, 1);
     const int height = CommandBar_Height(bar);
     EXPECT_TRUE(MoveWindow(bar, 0, 0, 120, height, TRUE));
@@ -76,7 +76,7 @@ TEST_F(Controls, CommandBarIsMovedAsTold) {
     CommandBar_Destroy(bar);
 }
 
-TEST(Shell, TellsTheVisibleDesktop) {
+TEST(Shell, ReportsTheVisibleDesktop) {
     SIPINFO sip = {};
     sip.cbSize = sizeof(sip);
     EXPECT_TRUE(SHSipInfo(SPI_GETSIPINFO, 0, &sip, 0));
@@ -88,7 +88,7 @@ TEST(Shell, TellsTheVisibleDesktop) {
     EXPECT_FALSE(SHSipInfo(SPI_GETSIPINFO, 0, nullptr, 0));
 }
 
-TEST(Library, ThatIsNoneIsNotFound) {
+TEST(Library, UnknownNameIsNotFound) {
     EXPECT_EQ(nullptr, LoadLibraryW(TEXT("QUILLNONE.DLL")));
     EXPECT_EQ(nullptr, GetProcAddressW(nullptr, TEXT("ChooseColor")));
 }

@@ -51,7 +51,7 @@ TEST(DialLog, WithoutDebugAndWithoutChatsLinesTheRestIsReached) {
               (States{3, 4, 14, 0x2000}));
 }
 
-TEST(DialLog, CutAnywhereItIsTheSame) {
+TEST(DialLog, GivesTheSameStatesWhereverItIsCut) {
     const std::string log = kWhole;
     for (size_t piece : {1u, 2u, 7u, 100u}) {
         DialLog reader;
@@ -73,7 +73,7 @@ TEST(DialLog, AStateIsReachedOnceHoweverOftenItIsLogged) {
     EXPECT_EQ(StatesOf("sent [PAP AuthReq id=0x1\nrcvd [CHAP Challenge id=0x2\n"), States{5});
 }
 
-TEST(DialLog, BabbleIsPassedOver) {
+TEST(DialLog, UnknownLinesAreSkipped) {
     std::string babble;
     for (int i = 0; i < 300000; i++) babble += static_cast<char>(i * 31 % 251);
     EXPECT_EQ(StatesOf(babble), States{});

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The controls of dialogs, acted upon by messages alone.
+// The controls of dialogs, driven only by messages.
 #include "tests/platform/test_dialogs.h"
 
 namespace {
@@ -43,7 +43,7 @@ TEST_F(Controls, LongTextIsCutToTheBuffer) {
     });
 }
 
-TEST_F(Controls, LabelsOfTheTemplateStand) {
+TEST_F(Controls, LabelsAreThoseOfTheTemplate) {
     On(kEverything, [](HWND dialog) {
         EXPECT_EQ(Text(TEXT("P&lain")), TextOf(dialog, kPlain));
         EXPECT_EQ(Text(TEXT("\\012 = CR && LF")), TextOf(dialog, kHint));
@@ -62,7 +62,7 @@ TEST_F(Controls, LimitOfAnEditLeavesWhatTheProgramSets) {
     });
 }
 
-TEST_F(Controls, EditTellsOfEachChange) {
+TEST_F(Controls, EditNotifiesOfEachChange) {
     On(kEverything, [](HWND dialog) {
         g_notices.clear();
         SetDlgItemTextW(dialog, kName, TEXT("abc"));
@@ -104,7 +104,7 @@ TEST_F(Controls, NumbersAreWrittenAndRead) {
     });
 }
 
-TEST_F(Controls, PlainCheckBoxOnlyTells) {
+TEST_F(Controls, PlainCheckBoxOnlyNotifies) {
     On(kEverything, [](HWND dialog) {
         Tell(dialog, kPlain, BM_CLICK);
         EXPECT_EQ(1, NoticesOf(kPlain, BN_CLICKED));
@@ -116,7 +116,7 @@ TEST_F(Controls, PlainCheckBoxOnlyTells) {
     });
 }
 
-TEST_F(Controls, AutomaticCheckBoxTurnsItselfFirst) {
+TEST_F(Controls, AutomaticCheckBoxTogglesBeforeItNotifies) {
     On(kEverything, [](HWND dialog) {
         g_notices.clear();
         CheckDlgButton(dialog, kAutomatic, BST_CHECKED);
@@ -129,7 +129,7 @@ TEST_F(Controls, AutomaticCheckBoxTurnsItselfFirst) {
     });
 }
 
-TEST_F(Controls, RadioButtonClearsItsGroupAlone) {
+TEST_F(Controls, RadioButtonClearsOnlyItsGroup) {
     On(kEverything, [](HWND dialog) {
         CheckDlgButton(dialog, kRight, BST_CHECKED);
         Tell(dialog, kOne, BM_CLICK);
@@ -153,7 +153,7 @@ TEST_F(Controls, RadioButtonsStartWithoutAMarkAndCanLoseIt) {
     });
 }
 
-TEST_F(Controls, CheckRadioButtonLeavesOne) {
+TEST_F(Controls, CheckRadioButtonChecksExactlyOne) {
     On(kEverything, [](HWND dialog) {
         CheckDlgButton(dialog, kLeft, BST_CHECKED);
         CheckRadioButton(dialog, kOne, kThree, kTwo);
@@ -184,7 +184,7 @@ TEST_F(Controls, ListKeepsItsOrderAndData) {
     });
 }
 
-TEST_F(Controls, ListSelectionIsTheProgramsWithoutNotice) {
+TEST_F(Controls, ListSelectionByTheProgramSendsNoNotification) {
     On(kEverything, [](HWND dialog) {
         EXPECT_EQ(LB_ERR, Tell(dialog, kFont, LB_GETCURSEL));
         for (const WCHAR* text : {TEXT("one"), TEXT("two"), TEXT("three")})
@@ -216,7 +216,7 @@ TEST_F(Controls, ReplacedEntryCanStaySelected) {
     });
 }
 
-TEST_F(Controls, RowsThatAreNotThereAreErrors) {
+TEST_F(Controls, MissingRowsAreErrors) {
     On(kEverything, [](HWND dialog) {
         WCHAR text[4] = {};
         const auto buffer = reinterpret_cast<LPARAM>(text);
@@ -232,7 +232,7 @@ TEST_F(Controls, RowsThatAreNotThereAreErrors) {
     });
 }
 
-TEST_F(Controls, TopOfAListIsMoved) {
+TEST_F(Controls, TopRowOfAListCanBeSet) {
     On(kEverything, [](HWND dialog) {
         for (int i = 0; i < 40; i++) TellText(dialog, kFont, LB_ADDSTRING, 0, TEXT("entry"));
         EXPECT_EQ(0, Tell(dialog, kFont, LB_GETTOPINDEX));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dialog templates, whole and damaged.
+// Reads intact and damaged dialog templates.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -21,7 +21,7 @@ Bytes TemplateBytes(WORD name) {
     return bytes;
 }
 
-// In a block of its exact size, so that a read past its end is seen by the sanitizer.
+// Reads from a block of its exact size, so that the sanitizer sees a read past its end.
 bool ReadExactly(const std::vector<uint8_t>& bytes, DialogTemplate* shape) {
     const std::unique_ptr<uint8_t[]> copy(new uint8_t[bytes.size()]);
     std::copy(bytes.begin(), bytes.end(), copy.get());
@@ -86,10 +86,10 @@ TEST(DialogTemplates, AnyChangedByteIsReadWithinTheBounds) {
     }
 }
 
-TEST(DialogTemplates, MoreItemsThanThereAreAreRefused) {
+TEST(DialogTemplates, ACountAboveTheItemsPresentIsRefused) {
     const Bytes whole = TemplateBytes(100);
     std::vector<uint8_t> bytes(whole.data, whole.data + whole.size);
-    bytes[8] = 0xFF;  // how many items
+    bytes[8] = 0xFF;  // the count of items
     bytes[9] = 0xFF;
     DialogTemplate shape;
     EXPECT_FALSE(ReadExactly(bytes, &shape));
@@ -98,7 +98,7 @@ TEST(DialogTemplates, MoreItemsThanThereAreAreRefused) {
 TEST(DialogTemplates, ControlDataPastTheEndIsRefused) {
     const Bytes whole = TemplateBytes(100);
     std::vector<uint8_t> bytes(whole.data, whole.data + whole.size);
-    bytes[bytes.size() - 2] = 0xFF;  // the last item's own data
+    bytes[bytes.size() - 2] = 0xFF;  // the size of the last item's control data
     DialogTemplate shape;
     EXPECT_FALSE(ReadExactly(bytes, &shape));
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Runs the tests of dialogs on a device that holds their templates and nothing else.
+// Runs the tests of dialogs on a device whose only resources are their templates.
 #include <gtest/gtest.h>
 #include <filesystem>
 #include <fstream>

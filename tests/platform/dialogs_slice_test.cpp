@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dialogs on the desktop: the keyboard and the mouse of a person, what a screen reader is told,
+// Dialogs on the desktop: the keyboard and the mouse of a person, what a screen reader gets,
 // small screens.
 #include <gtest/gtest.h>
 #include <QAbstractButton>
@@ -56,14 +56,14 @@ INT_PTR Show(int id, HWND owner = nullptr) {
     return DialogBoxParamW(nullptr, MAKEINTRESOURCE(id), owner, Procedure, 0);
 }
 
-// Lets what is queued be dealt with, while a dialog is open.
+// Handles queued messages and events while a dialog is open.
 void Settle(int milliseconds = 20) {
     bool passed = false;
     QTimer::singleShot(milliseconds, [&] { passed = true; });
     RunModalLoop([&] { return passed; });
 }
 
-// What a person has left open is closed with 99.
+// Closes a dialog that the test has left open; its result is then 99.
 void EndWhatIsOpen() {
     const Window* window = FindWindowRecord(ShownDialog());
     if (window && !window->dialog->ended) EndDialog(window->handle, 99);
@@ -94,7 +94,8 @@ bool Press(int key, int modifiers = 0) {
     return pressed;
 }
 
-// With Alt, as the desktop turns it into a shortcut; buttons are seen to go down and up again.
+// Presses Alt and the letter, a shortcut of the desktop. A button takes some time to go down and
+// up.
 void PressMnemonic(char letter) {
     QWidget* dialog = FindWindowRecord(ShownDialog())->widget;
     QTest::keyClick(dialog, letter, Qt::AltModifier);
@@ -206,7 +207,7 @@ TEST_F(DialogSlice, ArrowsMoveTheMarkWithinTheGroup) {
     });
 }
 
-TEST_F(DialogSlice, LettersLeadToTheirControls) {
+TEST_F(DialogSlice, AccessLettersFocusTheirControls) {
     On(kEverything, [] {
         DialogWidgetOf(kFont)->setFocus();
         PressMnemonic('n');
@@ -230,7 +231,7 @@ TEST_F(DialogSlice, ControlsAreNamedByTheirLabels) {
     });
 }
 
-TEST_F(DialogSlice, LabelsShowWhatTheySay) {
+TEST_F(DialogSlice, LabelsShowAmpersandsAndNameTheirControls) {
     On(kEverything, [] {
         const auto* hint = qobject_cast<QLabel*>(DialogWidgetOf(kHint));
         ASSERT_NE(nullptr, hint);
@@ -293,7 +294,7 @@ TEST_F(DialogSlice, TextOutsideTheCodePageIsTyped) {
     });
 }
 
-TEST_F(DialogSlice, ClicksReachTheProcedureInTheirTurn) {
+TEST_F(DialogSlice, ClicksReachTheProcedureInOrder) {
     On(kEverything, [] {
         EXPECT_TRUE(ClickControl(kPlain));
         EXPECT_TRUE(ClickControl(kAutomatic));
@@ -316,7 +317,7 @@ TEST_F(DialogSlice, GroupBoxLetsClicksThrough) {
     });
 }
 
-TEST_F(DialogSlice, ListTellsOfSelectionAndDoubleTap) {
+TEST_F(DialogSlice, ListNotifiesOfSelectionAndDoubleTap) {
     g_on_init = [](HWND dialog) { Fill(dialog, kFont, LB_ADDSTRING, {u"one", u"two", u"three"}); };
     On(kEverything, [] {
         ClickEntry(kFont, 1);
@@ -330,7 +331,7 @@ TEST_F(DialogSlice, ListTellsOfSelectionAndDoubleTap) {
     });
 }
 
-TEST_F(DialogSlice, ListBreaksWideEntriesOnceItIsTold) {
+TEST_F(DialogSlice, ListWrapsWideEntriesOnceItHasAnExtent) {
     g_on_init = [](HWND dialog) {
         Fill(dialog, kFont, LB_ADDSTRING, {u"an entry that is wider than the list by far"});
     };
@@ -346,7 +347,7 @@ TEST_F(DialogSlice, ListBreaksWideEntriesOnceItIsTold) {
     });
 }
 
-TEST_F(DialogSlice, ListIsUsedByKeyboardAlone) {
+TEST_F(DialogSlice, ListCanBeUsedWithOnlyTheKeyboard) {
     g_on_init = [](HWND dialog) {
         Fill(dialog, kFont, LB_ADDSTRING, {u"one", u"two", u"three"});
         SendDlgItemMessageW(dialog, kFont, LB_SETCURSEL, 0, 0);
@@ -394,14 +395,14 @@ TEST_F(DialogSlice, ComboIsChosenFromAndTypedOver) {
         EXPECT_EQ("beta", ControlText(kHost));
         EXPECT_TRUE(Heard(kHost, CBN_SELCHANGE));
         TypeInto(kHost, "al");
-        EXPECT_EQ("al", ControlText(kHost));  // nothing is completed
+        EXPECT_EQ("al", ControlText(kHost));  // no automatic completion
         EXPECT_EQ(CB_ERR, SendDlgItemMessageW(ShownDialog(), kHost, CB_GETCURSEL, 0, 0));
         Press(Qt::Key_Down);
         EXPECT_EQ(2, SendDlgItemMessageW(ShownDialog(), kHost, CB_GETCOUNT, 0, 0));
     });
 }
 
-TEST_F(DialogSlice, InnerOneIsOnTopUntilItCloses) {
+TEST_F(DialogSlice, InnerDialogIsOnTopUntilItCloses) {
     g_on_advanced = [](HWND outer) { EXPECT_EQ(IDCANCEL, Show(kExtended, outer)); };
     EXPECT_EQ(IDOK, On(kEverything, [] {
                   const HWND outer = ShownDialog();
@@ -422,7 +423,7 @@ TEST_F(DialogSlice, InnerOneIsOnTopUntilItCloses) {
               }));
 }
 
-// What a loop waits for may come while it only looks whether anything has come.
+// The end of the loop may come while the loop only checks the queue.
 TEST_F(DialogSlice, ModalLoopSeesItsEndAtOnce) {
     bool done = false, late = false;
     QTimer rescue;
@@ -439,7 +440,7 @@ TEST_F(DialogSlice, ModalLoopSeesItsEndAtOnce) {
     EXPECT_EQ(5u, message.wParam);
 }
 
-TEST_F(DialogSlice, MessageBoxStandsOverTheDialog) {
+TEST_F(DialogSlice, MessageBoxOpensOverTheDialog) {
     On(kEverything, [] {
         QTimer::singleShot(0, [] {
             ASSERT_NE(nullptr, ShownMessageBox());
@@ -538,7 +539,7 @@ TEST_F(DialogSlice, TabsAreNamedByTemplateOrTitle) {
               }));
 }
 
-TEST_F(DialogSlice, TabsTurnThePagesInTheirTurn) {
+TEST_F(DialogSlice, TabsSwitchPagesFromTheMessageQueue) {
     EXPECT_EQ(0, ShowSheet([] {
                   TurnPage(1);
                   EXPECT_EQ(0, Tabs()->currentIndex());
@@ -553,7 +554,7 @@ TEST_F(DialogSlice, TabsTurnThePagesInTheirTurn) {
     EXPECT_EQ((std::vector<UINT>{PSN_SETACTIVE, PSN_QUERYCANCEL, PSN_RESET}), g_heard[1]);
 }
 
-TEST_F(DialogSlice, SheetIsUsedByKeyboardAlone) {
+TEST_F(DialogSlice, SheetCanBeUsedWithOnlyTheKeyboard) {
     EXPECT_EQ(1, ShowSheet([] {
                   EXPECT_EQ(400, Focused());
                   QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dialogs: their procedure, their end, their owner and their place.
+// Dialogs: their procedure, their end, their owner and their position.
 #include "tests/platform/known_gap.h"
 #include "tests/platform/test_dialogs.h"
 
@@ -7,7 +7,7 @@ namespace {
 
 using Dialogs = DialogTest;
 
-// A window that counts what reaches it.
+// A window that counts the messages that it gets.
 int g_counted = 0;
 
 LRESULT CALLBACK CountProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -34,7 +34,7 @@ TEST_F(Dialogs, ResultIsWhatEndDialogWasGiven) {
     EXPECT_EQ(0, Show(kExtended));
 }
 
-TEST_F(Dialogs, WithoutATemplateThereIsNone) { EXPECT_EQ(-1, Show(kMissing)); }
+TEST_F(Dialogs, WithoutATemplateNoDialogOpens) { EXPECT_EQ(-1, Show(kMissing)); }
 
 TEST_F(Dialogs, ControlOfAnUnknownClassRefusesTheDialog) { EXPECT_EQ(-1, Show(kUnknownClass)); }
 
@@ -57,7 +57,7 @@ TEST_F(Dialogs, InitGetsTheParameterAndTheFirstTabStop) {
     EXPECT_EQ(4711, g_init_parameter);
 }
 
-TEST_F(Dialogs, IsSeenOnceNothingIsPosted) {
+TEST_F(Dialogs, IsShownOnceTheQueueIsEmpty) {
     g_on_init = [](HWND dialog) { EXPECT_FALSE(IsWindowVisible(dialog)); };
     g_act = [](HWND dialog) { EXPECT_FALSE(IsWindowVisible(dialog)); };
     g_on_shown = [](HWND dialog) {
@@ -77,7 +77,7 @@ TEST_F(Dialogs, FocusSetByInitStaysWhenItReturnsFalse) {
     Show(kEverything);
 }
 
-TEST_F(Dialogs, EndedByInitItIsNeverShown) {
+TEST_F(Dialogs, IsNeverShownWhenInitEndsIt) {
     bool acted = false;
     g_on_init = [](HWND dialog) { EndDialog(dialog, 9); };
     g_act = [&](HWND) { acted = true; };
@@ -103,14 +103,14 @@ TEST_F(Dialogs, ClosingWithCancelSwitchedOffDoesNothing) {
     EXPECT_EQ(0, NoticesOf(IDCANCEL, BN_CLICKED));
 }
 
-TEST_F(Dialogs, WindowGoesWithItsEnd) {
+TEST_F(Dialogs, WindowIsDestroyedAtItsEnd) {
     HWND shown = nullptr;
     On(kEverything, [&](HWND dialog) { shown = dialog; });
     EXPECT_NE(nullptr, shown);
     EXPECT_FALSE(IsWindow(shown));
 }
 
-TEST_F(Dialogs, CaptionIsTheTemplates) {
+TEST_F(Dialogs, CaptionIsThatOfTheTemplate) {
     On(kEverything, [](HWND dialog) {
         WCHAR text[40];
         GetWindowTextW(dialog, text, 40);
@@ -135,7 +135,7 @@ TEST_F(Dialogs, InnerOneReturnsToTheOuter) {
     EXPECT_EQ(6, Show(kEverything));
 }
 
-TEST_F(Dialogs, ControlAsTheOwnerStandsForItsDialog) {
+TEST_F(Dialogs, ControlAsTheOwnerMeansItsDialog) {
     g_act = [](HWND outer) {
         g_act = [outer](HWND inner) {
             EXPECT_EQ(outer, GetParent(inner));
@@ -147,7 +147,7 @@ TEST_F(Dialogs, ControlAsTheOwnerStandsForItsDialog) {
     EXPECT_EQ(6, Show(kEverything));
 }
 
-TEST_F(Dialogs, PostedMessagesAndTimersOfOtherWindowsGoOn) {
+TEST_F(Dialogs, PostedMessagesAndTimersOfOtherWindowsAreHandled) {
     const HWND owner = MakeOwner();
     SetTimer(owner, 1, 10, nullptr);
     g_act = [owner](HWND dialog) {
@@ -188,7 +188,7 @@ TEST_F(Dialogs, EndsWithTheProgramAndLeavesItsCode) {
     EXPECT_EQ(17u, message.wParam);
 }
 
-TEST_F(Dialogs, KeepsWhatTheProgramHangsOnIt) {
+TEST_F(Dialogs, KeepsTheProgramsUserData) {
     On(kEverything, [](HWND dialog) {
         EXPECT_EQ(0, SetWindowLongPtrW(dialog, DWLP_USER, 99));
         EXPECT_EQ(99, SetWindowLongPtrW(dialog, DWLP_USER, 100));

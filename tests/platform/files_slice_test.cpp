@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where the device's files lie.
+// Where the files of the device are on the desktop's file system.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -20,7 +20,7 @@ mode_t ModeOf(const std::string& path) {
 
 }  // namespace
 
-TEST(DevicePath, StandsBelowTheRoot) {
+TEST(DevicePath, IsBelowTheRoot) {
     EXPECT_EQ(DeviceRoot() + "/mconfig.cfg", DevicePath(TEXT("\\mconfig.cfg")));
     EXPECT_EQ(DeviceRoot() + "/a/b.txt", DevicePath(TEXT("\\a\\b.txt")));
     EXPECT_EQ(DeviceRoot() + "/a/b.txt", DevicePath(TEXT("a/b.txt")));
@@ -36,7 +36,7 @@ TEST(DevicePath, NeverLeavesTheRoot) {
     EXPECT_EQ(DeviceRoot(), DevicePath(TEXT("..")));
 }
 
-TEST(DeviceFiles, AreNotHandedToOtherPrograms) {
+TEST(DeviceFiles, AreNotInheritedByOtherPrograms) {
     FILE* file = _wfopen(TEXT("\\x"), TEXT("w"));
     ASSERT_NE(nullptr, file);
     EXPECT_TRUE(fcntl(fileno(file), F_GETFD) & FD_CLOEXEC);
@@ -51,7 +51,7 @@ TEST(DeviceFiles, PipeDoesNotHoldTheProgramUp) {
     EXPECT_TRUE(DeleteFileW(TEXT("\\pipe")));
 }
 
-TEST(DeviceFiles, ModeThatIsNoneIsRefused) {
+TEST(DeviceFiles, InvalidModeIsRefused) {
     EXPECT_EQ(nullptr, _wfopen(TEXT("\\x"), TEXT("")));
     EXPECT_EQ(nullptr, _wfopen(TEXT("\\x"), TEXT("q")));
     EXPECT_EQ(nullptr, _wfopen(TEXT("\\x"), TEXT("w?")));
@@ -60,7 +60,7 @@ TEST(DeviceFiles, ModeThatIsNoneIsRefused) {
     EXPECT_FALSE(fs::exists(DeviceRoot() + "/x"));
 }
 
-TEST(UserRoot, IsMadeForTheUserAlone) {
+TEST(UserRoot, IsCreatedForTheUserOnly) {
     const std::string own = DeviceRoot();
     setenv("XDG_DATA_HOME", (own + "/share").c_str(), 1);
     SetDeviceRoot("");

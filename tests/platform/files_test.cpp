@@ -38,13 +38,13 @@ TEST_F(DeviceFile, WrittenTextReadsBack) {
     EXPECT_EQ("port = 23\n", ReadAll());
 }
 
-TEST_F(DeviceFile, WritingBeginsAfresh) {
+TEST_F(DeviceFile, WritingTruncates) {
     Write(TEXT("wb"), "long text");
     Write(TEXT("wb"), "new");
     EXPECT_EQ("new", ReadAll());
 }
 
-TEST_F(DeviceFile, AppendingGoesOnAtTheEnd) {
+TEST_F(DeviceFile, AppendingWritesAtTheEnd) {
     Write(TEXT("wb"), "one");
     Write(TEXT("ab"), "two");
     EXPECT_EQ("onetwo", ReadAll());
@@ -68,7 +68,7 @@ TEST_F(DeviceFile, DeletedOneIsGone) {
     EXPECT_EQ("none", ReadAll());
 }
 
-TEST_F(DeviceFile, FolderIsNoFile) {
+TEST_F(DeviceFile, FolderDoesNotOpen) {
     EXPECT_EQ(nullptr, _wfopen(TEXT("\\"), TEXT("r")));
     EXPECT_FALSE(DeleteFileW(TEXT("\\")));
 }

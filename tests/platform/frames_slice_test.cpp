@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Frames: how many come at once and at what pace, and what one of them paints.
-#include "platform/qt/window/frames.h"
+// Frames: how many come at once, at what pace they follow, and what one frame paints.
+#include "platform/qt/window/messages.h"
 
 #include "platform/qt/window/window.h"
 #include "tests/platform/test_windows.h"
@@ -9,7 +9,7 @@ namespace {
 
 constexpr qint64 kMillisecond = 1000000;
 
-// How many frames begin in a time in which every millisecond asks for one.
+// Counts the frames that begin if every millisecond requests one.
 int FramesIn(FramePace* pace, qint64 from, qint64 milliseconds) {
     int frames = 0;
     for (qint64 i = 0; i < milliseconds; i++) {
@@ -43,7 +43,7 @@ TEST(FramePace, InAStreamNoTwoAreCloserThanAFramesTime) {
     }
 }
 
-TEST(FramePace, WhatIsHeldBackComesWhenItsTimeIsThere) {
+TEST(FramePace, DelayedFrameComesWhenItIsDue) {
     FramePace pace;
     FramesIn(&pace, 0, 100);
     const qint64 wait = NanosecondsToFrame(pace, 100 * kMillisecond);
@@ -52,7 +52,7 @@ TEST(FramePace, WhatIsHeldBackComesWhenItsTimeIsThere) {
     EXPECT_EQ(0, NanosecondsToFrame(pace, 100 * kMillisecond + wait));
 }
 
-TEST(FramePace, ARestOrAKeyLetsAFewComeAtOnceAgain) {
+TEST(FramePace, APauseOrAKeyAllowsAFewAtOnceAgain) {
     FramePace pace;
     FramesIn(&pace, 0, 200);
     EXPECT_EQ(kFramesAtOnce, FramesIn(&pace, 300 * kMillisecond, 4));
@@ -73,7 +73,7 @@ class Frames : public WindowTest {
         HurryFrames();
         heard.clear();
     }
-    // Every paint is a real one, and does something on its way.
+    // Paints each window for real, and calls `something` during the paint.
     void PaintAndDo(const std::function<void(HWND)>& something) {
         answer = [something](const Heard& now, LRESULT* result) {
             if (now.message != WM_PAINT) return false;
@@ -101,7 +101,7 @@ class Frames : public WindowTest {
 
 }  // namespace
 
-TEST_F(Frames, OneFramePaintsAllThatIsInvalidBeforeWhatIsPostedMeanwhile) {
+TEST_F(Frames, OneFramePaintsAllInvalidWindowsBeforeNewMessages) {
     PaintAndDo([](HWND window) { PostMessageW(window, kTestMessage, 0, 0); });
     InvalidateAll();
     RunUntilIdle();
@@ -122,7 +122,7 @@ TEST_F(Frames, OneFramePaintsWhatItsOwnPaintsMakeInvalid) {
     EXPECT_EQ(1u, Of(WM_PAINT, children[2]).size());
 }
 
-TEST_F(Frames, AWindowThatIsNeverValidIsPaintedOnceAFrameAndStarvesNobody) {
+TEST_F(Frames, AWindowThatIsNeverValidIsPaintedOncePerFrameAndBlocksNothing) {
     PaintAndDo([this](HWND window) {
         if (window == children[0]) InvalidateRect(window, nullptr, FALSE);
     });
@@ -138,7 +138,7 @@ TEST_F(Frames, AWindowThatIsNeverValidIsPaintedOnceAFrameAndStarvesNobody) {
     PaintAndDo([](HWND) {});
 }
 
-TEST_F(Frames, WhatIsHeldBackIsPaintedInTheEnd) {
+TEST_F(Frames, DelayedPaintsAreNeverLost) {
     PaintAndDo([](HWND) {});
     for (int i = 0; i < 10; i++) {
         InvalidateAll();
@@ -152,8 +152,8 @@ TEST_F(Frames, WhatIsHeldBackIsPaintedInTheEnd) {
     EXPECT_EQ(Of(WM_PAINT, children[0]).size(), Of(WM_PAINT, children[2]).size());
 }
 
-// Nothing else wakes the queue. Should the frame not come, a timer does, and is then in the queue.
-TEST_F(Frames, WhatIsHeldBackWakesTheSleepingQueue) {
+// Nothing else wakes the queue. If the frame does not come, a timer wakes it and is then queued.
+TEST_F(Frames, DelayedPaintWakesTheSleepingQueue) {
     PaintAndDo([](HWND) {});
     SetTimer(top, 7, 3000, nullptr);
     MSG message = {};

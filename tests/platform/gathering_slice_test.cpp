@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whether small pieces go out at once or are gathered.
+// Whether the socket sends small pieces at once or gathers them.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -55,7 +55,7 @@ class Gathering : public testing::Test {
     int listener_ = -1;
 };
 
-TEST_F(Gathering, WhatComesAfterARestGoesOutAtOnce) {
+TEST_F(Gathering, DataAfterAPauseIsSentAtOnce) {
     Send('a');
     EXPECT_TRUE(AtOnce());
     Rest();
@@ -63,9 +63,9 @@ TEST_F(Gathering, WhatComesAfterARestGoesOutAtOnce) {
     EXPECT_TRUE(AtOnce());
 }
 
-// The run is sent so fast that no rest comes into it, but on a machine that stands still for a
-// moment.
-TEST_F(Gathering, ALongRunIsGatheredUntilTheNextRest) {
+// The run is fast enough to contain no pause, unless the machine stalls for a moment; then the test
+// tries again.
+TEST_F(Gathering, ALongRunIsGatheredUntilTheNextPause) {
     for (int tries = 0; tries < 100 && (tries == 0 || AtOnce()); tries++)
         for (int i = 0; i <= kSentAtOnce; i++) Send(static_cast<char>('a' + i));
     EXPECT_FALSE(AtOnce());
@@ -74,7 +74,7 @@ TEST_F(Gathering, ALongRunIsGatheredUntilTheNextRest) {
     EXPECT_TRUE(AtOnce());
 }
 
-TEST_F(Gathering, NothingIsLostOrTurnedRound) {
+TEST_F(Gathering, NothingIsLostOrReordered) {
     for (int i = 0; i < 1000; i++) {
         Send(static_cast<char>(i));
         if (i % 250 == 0) Rest();

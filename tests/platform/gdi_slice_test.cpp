@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Glyphs that leave their cells, seen on the picture.
+// Fonts and glyphs of the slice, checked on a picture: clipping to the cell, and shared fonts.
 #include <QImage>
 
 #include "platform/qt/window/gdi.h"
@@ -56,7 +56,7 @@ class Glyphs : public WindowTest {
 
 }  // namespace
 
-TEST_F(Glyphs, ThoseThatLeaveTheirCellAreCutOffAtIt) {
+TEST_F(Glyphs, AreClippedToTheirCell) {
     child = Child(1, 0, 0, 0, 100, 60);
     font = SlantedFont(40);
     HDC dc = GetDC(child);
@@ -76,7 +76,7 @@ TEST_F(Glyphs, ThoseThatLeaveTheirCellAreCutOffAtIt) {
     DeleteObject(font);
 }
 
-// The two have their font in common, or not.
+// True if both handles share one font. Deletes both.
 static bool OneFont(HFONT one, HFONT other) {
     const bool same = one->font == other->font;
     DeleteObject(one);

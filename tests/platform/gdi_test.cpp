@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Fonts and their measures, what a device context remembers, and drawing calls' results.
+// Fonts and their metrics, the state of a device context, and the results of drawing calls.
 #include <set>
 
 #include "tests/platform/known_gap.h"
@@ -67,20 +67,20 @@ class Gdi : public WindowTest {
 
 }  // namespace
 
-TEST_F(Gdi, ThereIsAFaceWithOneWidthForAll) {
+TEST_F(Gdi, AFixedPitchFaceExists) {
     const Faces faces = AllFaces();
     ASSERT_FALSE(faces.fixed.empty());
     for (const LOGFONTW& face : faces.fixed) EXPECT_NE(0, face.lfFaceName[0]);
 }
 
-TEST_F(Gdi, EachFaceComesOnce) {
+TEST_F(Gdi, EachFaceIsListedOnce) {
     KNOWN_GAP_ON_WINE("a face comes once for each of its character sets");
     std::set<Text> names;
     const Faces faces = AllFaces();
     for (const LOGFONTW& face : faces.fixed) EXPECT_TRUE(names.insert(face.lfFaceName).second);
 }
 
-TEST_F(Gdi, ListEndsWhenItsTakerSaysSo) { EXPECT_EQ(1, AllFaces(1).called); }
+TEST_F(Gdi, EnumerationStopsWhenTheCallbackReturnsZero) { EXPECT_EQ(1, AllFaces(1).called); }
 
 TEST_F(Gdi, HeightIsThatOfTheWholeCell) {
     KNOWN_GAP_ON_WINDOWS("a pixel of a font is two of the desktop's, so that 8 can be read");
@@ -124,7 +124,7 @@ TEST_F(Gdi, AmpersandIsACharacterWithNoPrefix) {
     DeleteObject(font);
 }
 
-TEST_F(Gdi, SelectingGivesTheObjectBefore) {
+TEST_F(Gdi, SelectingReturnsThePreviousObject) {
     HFONT one = Font(8), other = Font(12);
     HGDIOBJ first = SelectObject(dc, one);
     EXPECT_NE(nullptr, first);
@@ -135,7 +135,7 @@ TEST_F(Gdi, SelectingGivesTheObjectBefore) {
     EXPECT_FALSE(DeleteObject(nullptr));
 }
 
-TEST_F(Gdi, ColoursAreRememberedAndGivenBack) {
+TEST_F(Gdi, SettingAColourReturnsThePreviousOne) {
     EXPECT_EQ(RGB(0, 0, 0), SetTextColor(dc, RGB(1, 2, 3)));
     EXPECT_EQ(RGB(1, 2, 3), SetTextColor(dc, 0));
     EXPECT_EQ(RGB(255, 255, 255), SetBkColor(dc, RGB(4, 5, 6)));
@@ -144,7 +144,7 @@ TEST_F(Gdi, ColoursAreRememberedAndGivenBack) {
     EXPECT_EQ(TRANSPARENT, SetBkMode(dc, OPAQUE));
 }
 
-TEST_F(Gdi, ScreenIsAsLargeAsItSays) {
+TEST_F(Gdi, ScreenMetricsMatchTheDeviceContext) {
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), GetDeviceCaps(dc, HORZRES));
     EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), GetDeviceCaps(dc, VERTRES));
     EXPECT_GT(GetSystemMetrics(SM_CXSCREEN), 100);

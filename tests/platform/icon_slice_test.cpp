@@ -17,7 +17,7 @@ QRgb PixelOf(const QIcon& icon, int side, int x, int y) {
 
 }  // namespace
 
-TEST(ProgramIcon, IsTheWindowsInThreeSizes) {
+TEST(ProgramIcon, IsSetOnTheWindowInThreeSizes) {
     const QIcon icon = DeviceScreen()->windowIcon();
     EXPECT_EQ((QList<QSize>{QSize(16, 16), QSize(32, 32), QSize(48, 48)}), icon.availableSizes());
     for (const int side : {16, 32, 48}) {
@@ -26,4 +26,4 @@ TEST(ProgramIcon, IsTheWindowsInThreeSizes) {
     }
 }
 
-TEST(ProgramIcon, OfANumberThatIsNotThereIsNone) { EXPECT_TRUE(LoadProgramIcon(4711).isNull()); }
+TEST(ProgramIcon, UnknownNumberGivesNoIcon) { EXPECT_TRUE(LoadProgramIcon(4711).isNull()); }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Known gaps: the failures of a marked test are taken off its result.
+// Known gaps: removes the failures of a marked test from its result.
 #include "tests/platform/known_gap.h"
 
 namespace {

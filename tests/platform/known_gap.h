@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Marks for expectations that one of the systems is known not to meet. A marked test that fails is
-// skipped with the reason; a marked test that passes is an error, so that no mark outlives its gap.
-// The mark stands first in the test's body.
+// Marks for tests that are known to fail on one of the systems. A marked test that fails counts as
+// skipped, with the reason; a marked test that passes is an error, so that no mark outlives its
+// gap. The mark is the first statement of the test.
 #ifndef QUILL_TESTS_PLATFORM_KNOWN_GAP_H
 #define QUILL_TESTS_PLATFORM_KNOWN_GAP_H
 
@@ -11,11 +11,11 @@
 #include <optional>
 #include <string>
 
-// Where these tests run; each platform defines its own in its main file.
+// The system on which these tests run; the main file of each platform defines it.
 struct TestPlatform {
     bool slice;    // the slice on a Linux desktop
-    bool windows;  // the system's own calls and the adapter
-    bool wine;     // those of Windows, run by Wine
+    bool windows;  // the calls of Windows and the adapter
+    bool wine;     // the same, run by Wine
 };
 TestPlatform PlatformOfTests();
 

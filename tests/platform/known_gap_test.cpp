@@ -4,7 +4,7 @@
 
 namespace {
 
-// What a block reports, in order: f a failure, s a skip.
+// The results that a block reports, in order: f is a failure, s a skip.
 template <typename Block>
 std::string ResultsOf(Block block) {
     testing::TestPartResultArray results;
@@ -41,7 +41,7 @@ TEST(KnownGapMark, OfAnotherSystemDoesNothing) {
     EXPECT_EQ("", ResultsOf([] { const KnownGap gap(false, "reason"); }));
 }
 
-TEST(KnownGapMark, StandsOnExactlyOneSystem) {
+TEST(KnownGapMark, AppliesToExactlyOneSystem) {
     const TestPlatform here = PlatformOfTests();
     EXPECT_NE(here.slice, here.windows);
     EXPECT_TRUE(here.windows || !here.wine);

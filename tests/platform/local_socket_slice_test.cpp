@@ -45,7 +45,7 @@ TEST(LocalSocket, CarriesWordsBothWaysAndEndsWithItsCaller) {
     CloseLocally(listener);
 }
 
-TEST(LocalSocket, ANameIsListenedToOnceAndFreeAfterwards) {
+TEST(LocalSocket, ANameHasOneListenerAndIsFreeAfterwards) {
     const std::string name = FreshName();
     EXPECT_LT(CallLocally(name), 0);
     const int listener = ListenLocally(name);
@@ -58,7 +58,7 @@ TEST(LocalSocket, ANameIsListenedToOnceAndFreeAfterwards) {
     CloseLocally(again);
 }
 
-TEST(LocalSocket, LongNamesAreHeldToTheKernelsRoom) {
+TEST(LocalSocket, LongNamesStayWithinTheKernelsLimit) {
     const int listener = ListenLocally(std::string(5000, 'x'));
     if (listener >= 0) CloseLocally(listener);
     EXPECT_LT(CallLocally(std::string(5000, 'y')), 0);

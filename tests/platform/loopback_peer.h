@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The other end of a connection on loopback, driven by the test. Free of windows_ce.h.
+// The other end of a connection on loopback, driven by the test. It does not include windows_ce.h.
 #ifndef QUILL_TESTS_PLATFORM_LOOPBACK_PEER_H
 #define QUILL_TESTS_PLATFORM_LOOPBACK_PEER_H
 
@@ -14,20 +14,20 @@ class LoopbackPeer {
     LoopbackPeer& operator=(const LoopbackPeer&) = delete;
 
     uint16_t port() const { return port_; }
-    bool Accept();  // waits for a connection; the one before it is closed
+    bool Accept();  // waits for a connection and closes the previous one
     void Send(const std::string& bytes);
     void SendUrgent(char byte);
-    std::string Receive(size_t size);  // waits for that many bytes; fewer at the end
+    std::string Receive(size_t size);  // waits for that many bytes; fewer at the end of the stream
     void CloseConnection();
     void ResetConnection();
     void StopListening();
 
   private:
-    intptr_t listening_ = -1;  // the system's numbers, -1 for none
+    intptr_t listening_ = -1;  // the system's socket numbers; -1: no socket
     intptr_t connection_ = -1;
     uint16_t port_ = 0;
 };
 
-uint16_t UnusedPort();  // nothing listens there
+uint16_t UnusedPort();  // a port on which nobody listens
 
 #endif

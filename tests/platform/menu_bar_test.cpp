@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The shell's menu bar, from the program's own resources, and starting other programs.
+// The shell's menu bar, made from the program's resources, and starting other programs.
 #include "resources/resource_ids.h"
 #include "tests/platform/test_windows.h"
 
@@ -21,7 +21,7 @@ class MenuBar : public WindowTest {
 
 }  // namespace
 
-TEST_F(MenuBar, IsAWindowThatCanBeTakenAwayAgain) {
+TEST_F(MenuBar, IsAWindowThatCanBeDestroyed) {
     HWND bar = nullptr;
     EXPECT_TRUE(Make(IDR_MENU_OFFLINE, &bar));
     EXPECT_TRUE(IsWindow(bar));
@@ -30,7 +30,7 @@ TEST_F(MenuBar, IsAWindowThatCanBeTakenAwayAgain) {
     EXPECT_TRUE(IsWindow(top));
 }
 
-TEST_F(MenuBar, OneComesAfterAnother) {
+TEST_F(MenuBar, ASecondOneReplacesADestroyedOne) {
     HWND offline = nullptr, online = nullptr;
     EXPECT_TRUE(Make(IDR_MENU_OFFLINE, &offline));
     EXPECT_TRUE(DestroyWindow(offline));
@@ -38,14 +38,14 @@ TEST_F(MenuBar, OneComesAfterAnother) {
     EXPECT_TRUE(IsWindow(online));
 }
 
-TEST_F(MenuBar, GoesWithItsWindow) {
+TEST_F(MenuBar, IsDestroyedWithItsWindow) {
     HWND bar = nullptr;
     EXPECT_TRUE(Make(IDR_MENU_OFFLINE, &bar));
     DestroyWindow(top);
     EXPECT_FALSE(IsWindow(bar));
 }
 
-TEST_F(MenuBar, MenuThatIsNoneMakesNoBar) {
+TEST_F(MenuBar, UnknownMenuMakesNoBar) {
     HWND bar = nullptr;
     EXPECT_FALSE(Make(9999, &bar));
     EXPECT_EQ(nullptr, bar);
@@ -64,7 +64,7 @@ TEST_F(MenuBar, RequestOfAnotherShapeIsRefused) {
     EXPECT_FALSE(SHCreateMenuBar(nullptr));
 }
 
-TEST(Processes, ProgramThatIsNoneDoesNotStart) {
+TEST(Processes, MissingProgramDoesNotStart) {
     WCHAR arguments[] = TEXT("telnet.htm");
     PROCESS_INFORMATION process = {};
     EXPECT_FALSE(CreateProcessW(TEXT("QuillNone.exe"), arguments, nullptr, nullptr, FALSE, 0,
@@ -73,7 +73,7 @@ TEST(Processes, ProgramThatIsNoneDoesNotStart) {
                                 nullptr, &process));
 }
 
-TEST(Processes, ViewerShowsNoPageButTheProgramsOwn) {
+TEST(Processes, ViewerOpensOnlyTheProgramsOwnPages) {
     WCHAR arguments[] = TEXT("other.htm");
     PROCESS_INFORMATION process = {};
     EXPECT_FALSE(CreateProcessW(TEXT("PegHelp.exe"), arguments, nullptr, nullptr, FALSE, 0, nullptr,

@@ -55,7 +55,7 @@ TEST_F(Messages, AnotherThreadsPostsArriveInOrder) {
     CloseHandle(thread);
 }
 
-TEST_F(Messages, FilterTakesItsNumbersAlone) {
+TEST_F(Messages, FilterTakesOnlyItsNumbers) {
     MSG message;
     PostMessageW(top, kTestMessage, 1, 0);
     PostMessageW(top, kTestMessage + 2, 2, 0);
@@ -68,7 +68,7 @@ TEST_F(Messages, FilterTakesItsNumbersAlone) {
     EXPECT_EQ(kTestMessage, message.message);
 }
 
-TEST_F(Messages, FilterTakesItsWindowAlone) {
+TEST_F(Messages, FilterTakesOnlyItsWindow) {
     MSG message;
     HWND child = Child(1);
     RunUntilIdle();
@@ -79,7 +79,7 @@ TEST_F(Messages, FilterTakesItsWindowAlone) {
     EXPECT_FALSE(PeekMessageW(&message, child, 0, 0, PM_REMOVE));
 }
 
-TEST_F(Messages, ThoseOfADestroyedWindowAreGone) {
+TEST_F(Messages, ThoseOfADestroyedWindowAreDropped) {
     HWND child = Child(1);
     RunUntilIdle();
     heard.clear();
@@ -89,7 +89,7 @@ TEST_F(Messages, ThoseOfADestroyedWindowAreGone) {
     EXPECT_TRUE(Of(kTestMessage).empty());
 }
 
-TEST_F(Messages, EndComesAfterWhatWaits) {
+TEST_F(Messages, QuitComesAfterPostedMessages) {
     MSG message;
     PostQuitMessage(9);
     PostMessageW(top, kTestMessage, 1, 0);
@@ -100,7 +100,7 @@ TEST_F(Messages, EndComesAfterWhatWaits) {
     EXPECT_EQ(9u, message.wParam);
 }
 
-TEST_F(Messages, EndPassesEveryFilter) {
+TEST_F(Messages, QuitPassesEveryFilter) {
     MSG message;
     PostQuitMessage(3);
     ASSERT_TRUE(PeekMessageW(&message, nullptr, kTestMessage, kTestMessage, PM_REMOVE));
@@ -121,12 +121,12 @@ TEST_F(Messages, TimerTicksWithItsNumberUntilItIsEnded) {
     EXPECT_FALSE(KillTimer(top, 5));
 }
 
-TEST_F(Messages, TimerWaitsForNoMissedTicks) {
+TEST_F(Messages, TimerDoesNotRepeatMissedTicks) {
     SetTimer(top, 5, 10, nullptr);
     Sleep(200);
     const DWORD begin = GetTickCount();
     RunUntilIdle();
-    const DWORD passed = GetTickCount() - begin;  // ticks of this time are not missed ones
+    const DWORD passed = GetTickCount() - begin;  // ticks during this time are not missed ones
     EXPECT_LE(Of(WM_TIMER).size(), 2u + passed / 10);
     KillTimer(top, 5);
 }
@@ -144,7 +144,7 @@ TEST_F(Messages, TwoInvalidationsAreOnePaint) {
     EXPECT_EQ(1u, Of(WM_PAINT, child).size());
 }
 
-TEST_F(Messages, PaintWaitsForWhatIsPosted) {
+TEST_F(Messages, PaintComesAfterPostedMessages) {
     HWND child = Child(1);
     PaintAll();
     RunUntil([&] { return !Of(WM_PAINT, child).empty(); });
@@ -168,7 +168,7 @@ TEST_F(Messages, UpdateWindowPaintsAtOnceIfThereIsSomethingToPaint) {
     EXPECT_EQ(1u, Of(WM_PAINT, child).size());
 }
 
-TEST_F(Messages, ErasingComesFromWithinBeginPaint) {
+TEST_F(Messages, BeginPaintSendsTheEraseMessage) {
     HWND child = Child(1);
     PaintAll();
     RunUntil([&] { return !Of(WM_PAINT, child).empty(); });
@@ -182,7 +182,7 @@ TEST_F(Messages, ErasingComesFromWithinBeginPaint) {
     EXPECT_EQ(1u, Of(WM_ERASEBKGND, child).size());
 }
 
-TEST_F(Messages, PaintedPieceIsThatWhichWasInvalidated) {
+TEST_F(Messages, PaintRectangleIsTheInvalidatedOne) {
     HWND child = Child(1, 0, 0, 0, 100, 60);
     RECT painted = {};
     answer = [&painted](const Heard& now, LRESULT*) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dial-up entries out of a folder of peers.
+// Dial-up entries, read from a folder of peers.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -29,7 +29,7 @@ class DialUpEntries : public testing::Test {
     static void Make(const std::string& name) {
         std::ofstream(services_test_hooks.dial_up_folder + "/" + name) << "/dev/ttyS0\n";
     }
-    // With room for that many entries.
+    // Lists with a buffer for that many entries.
     DWORD Enumerate(size_t room) {
         entries.assign(room + 1, {});
         entries[0].dwSize = sizeof(RASENTRYNAMEW);
@@ -64,7 +64,7 @@ TEST_F(DialUpEntries, ComeInOrder) {
     EXPECT_EQ(2 * sizeof(RASENTRYNAMEW), size);
 }
 
-TEST_F(DialUpEntries, NoneAreNoError) {
+TEST_F(DialUpEntries, NoEntriesAreNoError) {
     EXPECT_EQ(0u, Enumerate(5));
     EXPECT_EQ(0u, count);
     fs::remove_all(services_test_hooks.dial_up_folder);
@@ -72,7 +72,7 @@ TEST_F(DialUpEntries, NoneAreNoError) {
     EXPECT_EQ(0u, count);
 }
 
-TEST_F(DialUpEntries, WithoutTheProgramThatDialsNoneIsListed) {
+TEST_F(DialUpEntries, WithoutTheDialProgramNothingIsListed) {
     Make("provider");
     services_test_hooks.dial_up_program = services_test_hooks.dial_up_folder + "/pppd";
     EXPECT_EQ(0u, Enumerate(5));
@@ -83,7 +83,7 @@ TEST_F(DialUpEntries, WithoutTheProgramThatDialsNoneIsListed) {
     EXPECT_EQ(2u, count);
 }
 
-TEST_F(DialUpEntries, TooLittleRoomGivesTheSizeAndTheFirst) {
+TEST_F(DialUpEntries, TooSmallABufferGivesTheSizeAndTheFirst) {
     for (const char* name : {"a", "b", "c"}) Make(name);
     EXPECT_EQ(static_cast<DWORD>(ERROR_BUFFER_TOO_SMALL), Enumerate(1));
     EXPECT_EQ(3 * sizeof(RASENTRYNAMEW), size);
@@ -94,7 +94,7 @@ TEST_F(DialUpEntries, TooLittleRoomGivesTheSizeAndTheFirst) {
     EXPECT_EQ(3 * sizeof(RASENTRYNAMEW), size);
 }
 
-TEST_F(DialUpEntries, BackupsHiddenFilesAndLongNamesAreNone) {
+TEST_F(DialUpEntries, BackupsHiddenFilesAndLongNamesAreNotListed) {
     for (const char* name :
          {".hidden", "peer~", "peer.bak", "peer.dpkg-old", "#peer#", "name-of-21-characters"})
         Make(name);
@@ -105,8 +105,8 @@ TEST_F(DialUpEntries, BackupsHiddenFilesAndLongNamesAreNone) {
     EXPECT_EQ(u"name-of-20-character", Name(0));
 }
 
-// Its name could not be given to the program as it is.
-TEST_F(DialUpEntries, AFileWhoseNameIsNoTextIsNone) {
+// The slice could not pass its name to the program unchanged.
+TEST_F(DialUpEntries, AFileWhoseNameIsNoTextIsNotListed) {
     Make("caf\xe9");
     Make("caf\xc3\xa9");
     EXPECT_EQ(0u, Enumerate(5));
@@ -115,7 +115,7 @@ TEST_F(DialUpEntries, AFileWhoseNameIsNoTextIsNone) {
     EXPECT_EQ(623u, Fetch(u"caf\ufffd"));
 }
 
-TEST_F(DialUpEntries, OddNamesArePlainOnes) {
+TEST_F(DialUpEntries, OddNamesAreTakenLiterally) {
     const std::pair<const char*, const char16_t*> names[] = {
         {"\nline", u"\nline"}, {" ", u" "},       {"%s%n", u"%s%n"}, {"-x", u"-x"},
         {"..x", u"..x"},       {"a..b", u"a..b"}, {"\\", u"\\"},     {"'\"", u"'\""}};
@@ -133,7 +133,7 @@ TEST_F(DialUpEntries, WrongStructureSizeIsRefused) {
               RasEnumEntries(nullptr, nullptr, &entry, nullptr, &count));
 }
 
-TEST_F(DialUpEntries, ParametersAreThereForEntriesAlone) {
+TEST_F(DialUpEntries, ParametersExistForEntriesOnly) {
     Make("provider");
     Make("it's \"home\"; $(x)");
     fs::create_directory(services_test_hooks.dial_up_folder + "/folder");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Registry files that are none: each is set aside as it was, and a fresh one takes its place.
+// Damaged registry files: the slice renames each one and creates a new file.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -62,7 +62,7 @@ void Write(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
 
-// A registry of several pages, as it lies on the disk.
+// The bytes of an intact registry file of several pages.
 std::string SoundFile() {
     EmptyFolder();
     for (int i = 0; i < 300; i++) SaveNumber(i, static_cast<DWORD>(i));
@@ -138,7 +138,7 @@ TEST_F(DamagedRegistry, EachPageLostIsNoticed) {
     }
 }
 
-TEST_F(DamagedRegistry, TableOfAnotherMakeIsSetAside) {
+TEST_F(DamagedRegistry, TableOfAnotherShapeIsSetAside) {
     ExpectSetAside(DatabaseWith("CREATE TABLE registry (key TEXT, name TEXT, value TEXT)"));
     ExpectSetAside(DatabaseWith("CREATE TABLE bookmarks (url TEXT)"));
     ExpectSetAside(DatabaseWith("CREATE VIEW registry AS SELECT 1 AS key, 2 AS name"));
@@ -170,13 +170,13 @@ TEST_F(DamagedRegistry, RowsOfTheWrongKindAreSetAside) {
     ExpectSetAside(Read(RegistryFile()));
 }
 
-TEST_F(DamagedRegistry, FormatOfALaterMakeIsSetAside) {
+TEST_F(DamagedRegistry, FormatOfALaterVersionIsSetAside) {
     std::string bytes = SoundFile();
     bytes[18] = bytes[19] = 9;
     ExpectSetAside(bytes);
 }
 
-TEST_F(DamagedRegistry, EachChangedByteOfTheFirstPageIsLivedWith) {
+TEST_F(DamagedRegistry, EachChangedByteOfTheFirstPageIsHandled) {
     const std::string sound = SoundFile();
     for (size_t i = 0; i < 4096; i += i < 200 ? 1 : 37) {
         EmptyFolder();
@@ -218,7 +218,7 @@ TEST_F(DamagedRegistry, LogWithoutItsDatabaseIsSetAside) {
     EXPECT_EQ("values that were not copied yet", Read(RegistryFile() + ".damaged-wal"));
 }
 
-TEST_F(DamagedRegistry, SpoiltLogIsLivedWith) {
+TEST_F(DamagedRegistry, DamagedLogIsHandled) {
     const std::string sound = SoundFile();
     std::mt19937 random(3);
     std::string log(20000, '\0');
@@ -230,7 +230,7 @@ TEST_F(DamagedRegistry, SpoiltLogIsLivedWith) {
     EXPECT_EQ(7u, number);
 }
 
-TEST_F(DamagedRegistry, EachOneGetsANameOfItsOwn) {
+TEST_F(DamagedRegistry, EachDamagedFileGetsAUniqueName) {
     EmptyFolder();
     for (const char* bytes : {"first", "second", "third"}) {
         CloseRegistry();
@@ -253,7 +253,7 @@ TEST_F(DamagedRegistry, DamageWhileOpenIsSetAsideToo) {
         file.seekp(4096);
         file << std::string(static_cast<size_t>(fs::file_size(RegistryFile())) - 4096, '\x5A');
     }
-    // A change by another connection makes this one read the pages again.
+    // After a change by another connection this one reads the pages again.
     sqlite3* database = nullptr;
     sqlite3_open(RegistryFile().c_str(), &database);
     sqlite3_exec(database, "PRAGMA user_version = 3", nullptr, nullptr, nullptr);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The registry's file: crash safety, several processes, rights.
+// The registry's file: safety against crashes, several processes, permissions.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -75,8 +75,9 @@ std::string IntegrityOfFile() {
     return text;
 }
 
-// How far the saving process has come: the generation that it writes, and the value in it that it
-// is about to write (kValues: all are written). One number, so that a kill never parts the two.
+// The progress of the saving process: the generation that it writes, and the index of the value
+// that it writes next (kValues: all are written). One number, so that a kill cannot separate the
+// two.
 using Progress = std::atomic<DWORD>;
 
 DWORD ProgressAt(DWORD generation, int index) {
@@ -99,7 +100,7 @@ int WaitFor(pid_t child) {
     return status;
 }
 
-// Runs in a process of its own; 0 stands for success.
+// Runs the procedure in a child process; its result 0 means success.
 template <typename Procedure>
 pid_t Fork(Procedure procedure) {
     const pid_t child = fork();
@@ -138,7 +139,7 @@ TEST_F(RegistryFileOnDisk, ProcessKilledInTheMiddleOfASaveLeavesEachValueOldOrNe
         const DWORD before = *progress;
         const pid_t child = fork();
         if (child == 0) SaveForEver(progress);
-        while (*progress == before) usleep(50);  // until it has begun
+        while (*progress == before) usleep(50);  // until the child has started to save
         usleep(static_cast<useconds_t>(random() % 15000));
         kill(child, SIGKILL);
         ASSERT_TRUE(WIFSIGNALED(WaitFor(child)));
@@ -153,7 +154,7 @@ TEST_F(RegistryFileOnDisk, ProcessKilledInTheMiddleOfASaveLeavesEachValueOldOrNe
         }
         CloseRegistry();
         ASSERT_EQ("ok", IntegrityOfFile());
-        // The next child goes on from one even generation.
+        // Gives all values the same generation before the next child starts.
         for (int i = 0; i < kValues; i++) SaveNumber(i, generation);
         *progress = ProgressAt(generation, kValues);
     }
@@ -162,7 +163,7 @@ TEST_F(RegistryFileOnDisk, ProcessKilledInTheMiddleOfASaveLeavesEachValueOldOrNe
     munmap(progress, sizeof(*progress));
 }
 
-TEST_F(RegistryFileOnDisk, ProcessKilledAtItsFirstStepsLeavesASoundFile) {
+TEST_F(RegistryFileOnDisk, ProcessKilledWhileCreatingItLeavesAnIntactFile) {
     Progress* progress = SharedProgress();
     std::mt19937 random(8);
     for (int round = 0; round < 100; round++) {
@@ -245,7 +246,7 @@ TEST_F(RegistryFileOnDisk, ClosingKeepsKeysOpen) {
 
 namespace {
 
-// Every call on a folder that cannot be used; 0 when each gave an error.
+// Makes every call on a folder that cannot be used; returns 0 if each call failed.
 int CountSuccesses() {
     HKEY key = nullptr;
     DWORD number = 0, size = 4;
@@ -296,7 +297,7 @@ TEST_F(RegistryFileOnDisk, ReadOnlyFileGivesErrorsAndStays) {
     EXPECT_FALSE(std::filesystem::exists(RegistryFile() + ".damaged"));
 }
 
-TEST_F(RegistryFileOnDisk, FileTakenAwayIsBegunAfresh) {
+TEST_F(RegistryFileOnDisk, DeletedFileIsCreatedAgain) {
     ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
     std::filesystem::rename(RegistryFile(), RegistryFile() + ".kept");
     std::filesystem::remove(RegistryFile() + "-wal");
@@ -306,4 +307,21 @@ TEST_F(RegistryFileOnDisk, FileTakenAwayIsBegunAfresh) {
     EXPECT_EQ(ERROR_SUCCESS, SaveNumber(1, 2));
     EXPECT_TRUE(LoadNumber(1, &number));
     EXPECT_EQ(2u, number);
+}
+
+TEST_F(RegistryFileOnDisk, KeysOfARemovedFileAreUnknown) {
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
+    HKEY key = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_QUERY_VALUE, &key));
+    RegCloseKey(key);
+    std::filesystem::rename(RegistryFile(), RegistryFile() + ".kept");
+    std::filesystem::remove(RegistryFile() + "-wal");
+    std::filesystem::remove(RegistryFile() + "-shm");
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND,
+              RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_QUERY_VALUE, &key));
+    DWORD disposition = 0;
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, nullptr, 0,
+                                             KEY_SET_VALUE, nullptr, &key, &disposition));
+    EXPECT_EQ(1u, disposition);  // made new
+    RegCloseKey(key);
 }

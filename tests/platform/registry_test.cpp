@@ -12,7 +12,7 @@ const LPCWSTR kPath = TEXT("Software\\QUILLWARE\\REGISTRY TEST");
 
 LPCWSTR const kNames[] = {TEXT("number"), TEXT("text"), TEXT(""), TEXT("Other")};
 
-// Each test finds the key without a value.
+// Each test starts with the key and no value.
 class RegistryKey : public testing::Test {
   protected:
     void SetUp() override {
@@ -92,7 +92,7 @@ TEST_F(RegistryKey, KeyWithoutValuesOpens) {
     EXPECT_EQ(ERROR_SUCCESS, RegCloseKey(again));
 }
 
-TEST_F(RegistryKey, KeyAboveExistsToo) {
+TEST_F(RegistryKey, ParentKeyExistsToo) {
     HKEY above = nullptr, below = nullptr;
     ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("Software\\QUILLWARE"), 0,
                                            KEY_QUERY_VALUE, &above));
@@ -155,7 +155,7 @@ TEST_F(RegistryKey, BufferWithoutASizeIsRefused) {
               RegQueryValueExW(key, TEXT("number"), nullptr, nullptr, bytes, nullptr));
 }
 
-TEST_F(RegistryKey, EmptyValueIsThere) {
+TEST_F(RegistryKey, EmptyValueExists) {
     DWORD size = 9;
     BYTE bytes[9];
     EXPECT_EQ(ERROR_SUCCESS, RegSetValueExW(key, TEXT("text"), 0, REG_SZ, nullptr, 0));

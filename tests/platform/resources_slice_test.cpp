@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reading compiled resources, whole and damaged.
+// Reads intact and damaged compiled resources.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -42,7 +42,7 @@ std::vector<WORD> Flat(HACCEL table) {
     return words;
 }
 
-// A block of its exact size, so that a read past its end is seen by the sanitizer.
+// A block of its exact size, so that the sanitizer sees a read past its end.
 struct ExactImage {
     explicit ExactImage(const std::vector<uint8_t>& bytes, size_t length)
         : copy(new uint8_t[length]), size(length) {
@@ -53,7 +53,7 @@ struct ExactImage {
     size_t size;
 };
 
-// Everything is asked for; how many were found.
+// Asks for every resource and returns how many exist.
 int AskForAll(const ExactImage& image) {
     int found = 0;
     for (WORD type = 0; type < 20; type++) {
@@ -131,7 +131,7 @@ TEST_F(Resources, ImageCutAnywhereIsReadWithinItsBounds) {
         SetResourceImage(nullptr, 0);
     }
     EXPECT_EQ(0, least);
-    EXPECT_EQ(4, most);  // two tables, one datum, and the empty entry at the front
+    EXPECT_EQ(4, most);  // two tables, one piece of data, and the empty first entry
 }
 
 TEST_F(Resources, EachChangedByteIsReadWithinItsBounds) {
@@ -146,7 +146,7 @@ TEST_F(Resources, EachChangedByteIsReadWithinItsBounds) {
     }
 }
 
-TEST_F(Resources, TableWithoutALastRowIsNone) {
+TEST_F(Resources, TableWithoutALastRowIsRefused) {
     const uint8_t* bytes = nullptr;
     size_t size = 0;
     ASSERT_TRUE(FindResourceBytes(MAKEINTRESOURCE(kResourceAccelerator), MAKEINTRESOURCE(8), &bytes,

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Property sheets, acted upon by messages alone.
+// Property sheets, driven only by messages.
 #include <utility>
 
 #include "tests/platform/test_dialogs.h"
 
 namespace {
 
-// What the pages have heard, "page:notice", and how they are to answer.
+// The notifications that the pages got, as "page:notice", and the answers that they give.
 std::vector<Text> g_heard;
 Action g_in_sheet[2];
 LONG_PTR g_kill_answer, g_apply_answer, g_cancel_answer;
@@ -96,7 +96,7 @@ TEST_F(Sheets, PageThatIsNeverShownIsNeverMade) {
     EXPECT_EQ((Heard{TEXT("1:init"), TEXT("1:set"), TEXT("1:kill"), TEXT("1:apply")}), g_heard);
 }
 
-TEST_F(Sheets, TurningLeavesOnePageAndEntersTheOther) {
+TEST_F(Sheets, SwitchingLeavesOnePageAndEntersTheOther) {
     g_in_sheet[0] = [](HWND sheet) {
         const auto current = [&] {
             return reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
@@ -117,13 +117,13 @@ TEST_F(Sheets, TurningLeavesOnePageAndEntersTheOther) {
         g_heard);
 }
 
-TEST_F(Sheets, StartPageIsTheOneAsked) {
+TEST_F(Sheets, StartPageIsTheRequestedOne) {
     g_in_sheet[1] = [](HWND sheet) { Press(sheet, PSBTN_CANCEL); };
     EXPECT_EQ(0, ShowSheet(1));
     EXPECT_EQ((Heard{TEXT("2:init"), TEXT("2:set"), TEXT("2:query"), TEXT("2:reset")}), g_heard);
 }
 
-TEST_F(Sheets, PageThatDoesNotLetGoStays) {
+TEST_F(Sheets, PageThatRefusesToBeLeftStays) {
     g_in_sheet[0] = [](HWND sheet) {
         g_kill_answer = TRUE;
         const LRESULT page = SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0);
@@ -136,7 +136,7 @@ TEST_F(Sheets, PageThatDoesNotLetGoStays) {
     EXPECT_EQ(0, ShowSheet());
 }
 
-TEST_F(Sheets, PageThatIsNoneIsNotTurnedTo) {
+TEST_F(Sheets, UnknownPageIsNotShown) {
     g_in_sheet[0] = [](HWND sheet) {
         const LRESULT page = SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0);
         for (const WPARAM index : {WPARAM{2}, WPARAM{1000}, static_cast<WPARAM>(-1)})
@@ -147,7 +147,7 @@ TEST_F(Sheets, PageThatIsNoneIsNotTurnedTo) {
     EXPECT_EQ(0, ShowSheet());
 }
 
-TEST_F(Sheets, PageThatDoesNotApplyIsTheOneToBeSeen) {
+TEST_F(Sheets, PageThatRefusesToApplyIsShown) {
     g_in_sheet[0] = [](HWND sheet) {
         const LRESULT first = SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0);
         SendMessageW(sheet, PSM_SETCURSEL, 1, 0);
@@ -160,7 +160,7 @@ TEST_F(Sheets, PageThatDoesNotApplyIsTheOneToBeSeen) {
     EXPECT_EQ(0, ShowSheet());
 }
 
-TEST_F(Sheets, PageThatDoesNotApplyKeepsTheSheet) {
+TEST_F(Sheets, PageThatRefusesToApplyKeepsTheSheetOpen) {
     g_in_sheet[0] = [](HWND sheet) {
         g_apply_answer = PSNRET_INVALID;
         Press(sheet, PSBTN_OK);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The dialog procedure of the tests, and what they ask of a dialog.
+// The dialog procedure of the tests, and helpers for messages to controls.
 #include "tests/platform/test_dialogs.h"
 
 Action g_on_init, g_act, g_on_shown, g_on_advanced;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the tests of dialogs share: a dialog procedure that writes down what it hears and does what
-// the test has set. Window thread only.
+// What the tests of dialogs share: a dialog procedure that records its messages and runs the
+// actions that a test has set. Window thread only.
 #ifndef QUILL_TESTS_PLATFORM_TEST_DIALOGS_H
 #define QUILL_TESTS_PLATFORM_TEST_DIALOGS_H
 
@@ -30,11 +30,11 @@ struct Notice {
     HWND control;
 };
 
-// What the dialogs of a test do: within WM_INITDIALOG, at a message posted from there, some time
-// later, and at a press of kAdvanced.
+// Actions of a test: during WM_INITDIALOG, at a message posted by it, some time later, and when
+// kAdvanced is pressed.
 extern Action g_on_init, g_act, g_on_shown, g_on_advanced;
-extern std::vector<Notice> g_notices;  // WM_COMMAND, as they came
-extern WPARAM g_init_focus;            // of WM_INITDIALOG
+extern std::vector<Notice> g_notices;  // each WM_COMMAND, in order
+extern WPARAM g_init_focus;            // the WPARAM of WM_INITDIALOG
 extern LPARAM g_init_parameter;
 extern INT_PTR g_init_answer;
 
@@ -48,7 +48,7 @@ int NoticesOf(int id, int code);
 
 class DialogTest : public testing::Test {
   protected:
-    void SetUp() override;  // forgets all of the above
+    void SetUp() override;  // resets everything above
     void TearDown() override;
 };
 

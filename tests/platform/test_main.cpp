@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Runs the tests on a device of their own: an empty folder that is gone afterwards.
+// Runs the tests on a private device: an empty folder that is removed at the end.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A window class of the tests, which writes down what its windows hear. Window thread only.
+// A window class for tests that records the messages of its windows. Window thread only.
 #ifndef QUILL_TESTS_PLATFORM_TEST_WINDOWS_H
 #define QUILL_TESTS_PLATFORM_TEST_WINDOWS_H
 
@@ -13,7 +13,7 @@
 
 typedef std::basic_string<WCHAR> Text;
 
-inline constexpr UINT kTestMessage = 120;  // free for tests, and so are the nine after it
+inline constexpr UINT kTestMessage = 120;  // this number and the next nine are free for tests
 
 struct Heard {
     HWND window;
@@ -24,21 +24,21 @@ struct Heard {
 
 class WindowTest : public testing::Test {
   protected:
-    void SetUp() override;     // opens `top`, with an empty queue
+    void SetUp() override;     // opens `top` and empties the queue
     void TearDown() override;  // destroys it
 
-    // A child of `top`; the default is below the whole of the class's style.
+    // Creates a child of `top`.
     HWND Child(int id, DWORD style = 0, int x = 10, int y = 20, int width = 100, int height = 60);
-    // The messages of that number, as they came.
+    // The recorded messages of that number, in order.
     std::vector<Heard> Of(UINT message, HWND window = nullptr) const;
-    // Takes what waits in the queue and hands it out, until it is empty. True: WM_QUIT came.
+    // Dispatches messages until the queue is empty. True if WM_QUIT came.
     bool RunUntilIdle();
     // The same until the condition holds; false after 5 seconds.
     bool RunUntil(const std::function<bool()>& done);
 
     HWND top = nullptr;
     std::vector<Heard>& heard = HeardMessages();
-    // Called for each message before the default; a result ends the matter.
+    // Called for each message before the default procedure; true means that it has set a result.
     std::function<bool(const Heard&, LRESULT*)>& answer = Answer();
 
     static std::vector<Heard>& HeardMessages();

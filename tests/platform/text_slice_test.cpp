@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Text with the host's side: UTF-8, case, and formats that no program should hand over.
+// Text on the desktop: UTF-8, case conversion, and formats that no program should pass.
 #include <gtest/gtest.h>
 
 #include "platform/qt/services/services.h"
@@ -12,18 +12,18 @@ TEST(WideText, Utf8AndBack) {
     EXPECT_EQ(u"\uFFFD", WideFromUtf8("\xFF"));
 }
 
-TEST(WideText, HalvesOfPairsStayApart) {
+TEST(WideText, SurrogateHalvesAreNotJoined) {
     const std::u16string high(1, 0xD800), other(1, 0xD801), low(1, 0xDC00);
     EXPECT_NE(Utf8FromWide(high), Utf8FromWide(other));
     EXPECT_NE(Utf8FromWide(high), Utf8FromWide(low));
     EXPECT_EQ(6u, Utf8FromWide(low + high).size());
 }
 
-TEST(WideText, CaseNeverFallsIntoAscii) {
+TEST(WideText, CaseConversionNeverMapsIntoAscii) {
     EXPECT_EQ(u'A', UpperUnit(u'a'));
     EXPECT_EQ(0x0178, UpperUnit(0x00FF));
-    EXPECT_EQ(0x0131, UpperUnit(0x0131));  // would be I
-    EXPECT_EQ(0x212A, LowerUnit(0x212A));  // the sign for kelvin would be k
+    EXPECT_EQ(0x0131, UpperUnit(0x0131));  // its capital would be I
+    EXPECT_EQ(0x212A, LowerUnit(0x212A));  // the small letter of the kelvin sign would be k
 }
 
 TEST(WsprintfLimits, HugeWidthsAreCut) {
@@ -47,7 +47,7 @@ TEST(WsprintfLimits, PrecisionNeedsNoTerminator) {
     EXPECT_EQ(std::u16string(u"abcabc"), text);
 }
 
-TEST(WsprintfLimits, BrokenFormatsEndQuietly) {
+TEST(WsprintfLimits, BrokenFormatsAreTolerated) {
     WCHAR text[1024];
     EXPECT_EQ(0, wsprintfW(text, u"%"));
     EXPECT_EQ(0, wsprintfW(text, u"%-05.3"));
@@ -56,7 +56,7 @@ TEST(WsprintfLimits, BrokenFormatsEndQuietly) {
     EXPECT_EQ(std::u16string(u"(null)|(null)"), text);
 }
 
-TEST(CodePageArguments, WrongOnesGiveNothing) {
+TEST(CodePageArguments, InvalidOnesConvertNothing) {
     WCHAR unit;
     char byte;
     EXPECT_EQ(0, MultiByteToWideChar(CP_ACP, 0, nullptr, 1, &unit, 1));

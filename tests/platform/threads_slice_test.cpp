@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The clock set by hand, and what becomes of threads that nobody waits for.
+// A clock set by the test, and threads that no other thread waits for.
 #include <gtest/gtest.h>
 
 #include "tests/support/services_test_hooks.h"
@@ -43,7 +43,7 @@ TEST(SystemTimeSet, LeapDayToTheMillisecond) {
     EXPECT_EQ(987, time.wMilliseconds);
 }
 
-TEST(Threads, ManyShortOnesComeAndGo) {
+TEST(Threads, ManyShortThreadsStartAndEnd) {
     for (int i = 0; i < 300; i++) {
         HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
         HANDLE thread = CreateThread(nullptr, 0, CloseItself, event, 0, nullptr);
@@ -58,7 +58,7 @@ TEST(Threads, SuspendedStartIsRefused) {
     EXPECT_EQ(nullptr, CreateThread(nullptr, 0, CloseItself, nullptr, 4, nullptr));
 }
 
-TEST(Events, NameJoinsTheSameEvent) {
+TEST(Events, SameNameOpensTheSameEvent) {
     HANDLE one = CreateEventW(nullptr, TRUE, FALSE, TEXT("quill test"));
     HANDLE other = CreateEventW(nullptr, TRUE, FALSE, TEXT("quill test"));
     EXPECT_NE(one, other);

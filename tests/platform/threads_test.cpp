@@ -123,7 +123,7 @@ TEST(Handles, ClosedOneIsInvalid) {
     EXPECT_EQ(WAIT_FAILED, WaitForSingleObject(event, 0));
 }
 
-TEST(Handles, NoneIsInvalid) {
+TEST(Handles, NullIsInvalid) {
     EXPECT_FALSE(CloseHandle(nullptr));
     EXPECT_FALSE(SetEvent(nullptr));
     EXPECT_EQ(WAIT_FAILED, WaitForSingleObject(nullptr, 0));
@@ -136,7 +136,7 @@ TEST(Handles, ThreadIsNoEvent) {
     CloseHandle(thread);
 }
 
-TEST(TickCount, GoesOnWhileTheThreadSleeps) {
+TEST(TickCount, AdvancesWhileTheThreadSleeps) {
     const DWORD before = GetTickCount();
     Sleep(30);
     EXPECT_NE(before, GetTickCount());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Runs the tests that need windows on a device of their own: a screen that nobody sees, and an
-// empty folder that is gone afterwards.
+// Runs the tests that need windows on a private device: an invisible screen, and an empty folder
+// that is removed at the end.
 #include <filesystem>
 
 #include <gtest/gtest.h>

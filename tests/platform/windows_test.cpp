@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Windows: their life, places, texts and scroll bars.
+// Windows: creation, destruction, positions, texts and scroll bars.
 #include "tests/platform/test_windows.h"
 
 namespace {
@@ -48,12 +48,12 @@ TEST_F(Windows, ClassIsRegisteredOnce) {
     EXPECT_EQ(0, RegisterClassW(&again));
 }
 
-TEST_F(Windows, ClassThatIsNoneMakesNoWindow) {
+TEST_F(Windows, UnknownClassMakesNoWindow) {
     EXPECT_EQ(nullptr, CreateWindowExW(0, TEXT("QuillNoSuchClass"), nullptr, WS_CHILD, 0, 0, 1, 1,
                                        top, nullptr, nullptr, nullptr));
 }
 
-TEST_F(Windows, CreateMessageBringsWhatWasAskedFor) {
+TEST_F(Windows, CreateMessageCarriesTheRequestedValues) {
     int parameter = 0;
     CREATESTRUCTW seen = {};
     answer = [&seen](const Heard& now, LRESULT*) {
@@ -90,7 +90,7 @@ TEST_F(Windows, ChildIsFoundByItsId) {
     EXPECT_EQ(nullptr, GetParent(top));
 }
 
-TEST_F(Windows, ChildHasTheSizeThatWasAskedFor) {
+TEST_F(Windows, ChildHasTheRequestedSize) {
     HWND child = Child(1, 0, 10, 20, 100, 60);
     EXPECT_EQ(100, ClientOf(child).right);
     EXPECT_EQ(60, ClientOf(child).bottom);
@@ -99,13 +99,13 @@ TEST_F(Windows, ChildHasTheSizeThatWasAskedFor) {
     EXPECT_EQ(60, Height(OuterOf(child)));
 }
 
-TEST_F(Windows, ChildrenStandAsFarApartAsAskedFor) {
+TEST_F(Windows, ChildrenAreAsFarApartAsRequested) {
     HWND one = Child(1, 0, 10, 20), other = Child(2, 0, 13, 27);
     EXPECT_EQ(3, OuterOf(other).left - OuterOf(one).left);
     EXPECT_EQ(7, OuterOf(other).top - OuterOf(one).top);
 }
 
-TEST_F(Windows, NewSizeIsTold) {
+TEST_F(Windows, NewSizeSendsASizeMessage) {
     HWND child = Child(1);
     heard.clear();
     EXPECT_TRUE(MoveWindow(child, 0, 0, 50, 31, TRUE));
@@ -117,14 +117,14 @@ TEST_F(Windows, NewSizeIsTold) {
     EXPECT_EQ(50, ClientOf(child).right);
 }
 
-TEST_F(Windows, NewPlaceAloneIsNoNewSize) {
+TEST_F(Windows, NewPositionSendsNoSizeMessage) {
     HWND child = Child(1, 0, 0, 0, 50, 30);
     heard.clear();
     EXPECT_TRUE(MoveWindow(child, 5, 5, 50, 30, TRUE));
     EXPECT_TRUE(Of(WM_SIZE, child).empty());
 }
 
-TEST_F(Windows, NegativeSizeIsNone) {
+TEST_F(Windows, NegativeSizeBecomesZero) {
     HWND child = Child(1);
     MoveWindow(child, 0, 0, -5, -5, TRUE);
     EXPECT_EQ(0, ClientOf(child).right);
@@ -153,7 +153,7 @@ TEST_F(Windows, DestroyedWindowTakesItsChildrenAlong) {
     EXPECT_FALSE(IsWindow(child));
 }
 
-TEST_F(Windows, WindowThatIsGoneIsRefused) {
+TEST_F(Windows, DestroyedWindowIsRefused) {
     HWND child = Child(1);
     RECT rect;
     DestroyWindow(child);
@@ -168,7 +168,7 @@ TEST_F(Windows, WindowThatIsGoneIsRefused) {
     EXPECT_FALSE(IsWindow(nullptr));
 }
 
-TEST_F(Windows, ShowingTellsWhetherItWasVisible) {
+TEST_F(Windows, ShowWindowReturnsWhetherItWasVisible) {
     HWND child = Child(1);
     EXPECT_TRUE(IsWindowVisible(child));
     EXPECT_TRUE(ShowWindow(child, SW_HIDE));
@@ -202,7 +202,7 @@ TEST_F(Windows, ScrollBarReadsBackAsSet) {
     EXPECT_EQ(5, info.nPos);
 }
 
-TEST_F(Windows, ThumbIsHeldToTheLastPage) {
+TEST_F(Windows, ThumbIsClampedToTheLastPage) {
     HWND child = Child(1, WS_VSCROLL);
     SetBar(child, SB_VERT, 23, 10, 100);
     EXPECT_EQ(14, BarOf(child, SB_VERT).nPos);
@@ -223,7 +223,7 @@ TEST_F(Windows, BarThatHasNothingToScrollGivesItsRoomBack) {
     EXPECT_EQ(100, ClientOf(child).bottom);
 }
 
-TEST_F(Windows, BarThatComesTellsTheNewSize) {
+TEST_F(Windows, BarThatAppearsSendsTheNewSize) {
     HWND child = Child(1, WS_VSCROLL, 0, 0, 200, 100);
     SetBar(child, SB_VERT, 23, 24, 0);
     heard.clear();
@@ -233,7 +233,7 @@ TEST_F(Windows, BarThatComesTellsTheNewSize) {
     EXPECT_EQ(200 - GetSystemMetrics(SM_CXVSCROLL), LOWORD(sizes.back().lparam));
 }
 
-TEST_F(Windows, EnablingTellsWhetherItWasDisabled) {
+TEST_F(Windows, EnableWindowReturnsWhetherItWasDisabled) {
     HWND child = Child(1);
     EXPECT_FALSE(EnableWindow(child, FALSE));
     EXPECT_TRUE(EnableWindow(child, TRUE));

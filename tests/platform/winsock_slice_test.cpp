@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What stands behind the sockets: numbers, descriptors, threads, a machine without a network.
+// The implementation of sockets: numbers, descriptors, threads, a machine without a network.
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/resource.h>
@@ -63,7 +63,7 @@ int SelectForReading(SOCKET number) {
     return select(0, &read, nullptr, &except, &timeout);
 }
 
-// Waits and reads until its socket is closed under it.
+// Waits and reads until another thread closes the socket.
 void ReadUntilClosed(SOCKET number, std::atomic<int>* error) {
     char bytes[3000];
     while (SelectForReading(number) >= 0) {
@@ -73,7 +73,7 @@ void ReadUntilClosed(SOCKET number, std::atomic<int>* error) {
     *error = WSAGetLastError();
 }
 
-// In a process of its own, on a network without an interface.
+// Runs the procedure in a child process, in a network name space without an interface.
 template <typename Procedure>
 int WithoutNetwork(Procedure procedure) {
     const pid_t child = fork();
@@ -85,7 +85,7 @@ int WithoutNetwork(Procedure procedure) {
 
 }  // namespace
 
-TEST_F(WinsockInside, NumbersAreNeverGivenOutTwice) {
+TEST_F(WinsockInside, SocketNumbersAreNeverReused) {
     std::set<SOCKET> seen;
     for (int i = 0; i < 1000; i++) {
         const SOCKET number = NewSocket();
@@ -94,7 +94,7 @@ TEST_F(WinsockInside, NumbersAreNeverGivenOutTwice) {
     }
 }
 
-// Bytes that tell their place.
+// Bytes that contain their own offsets.
 std::string Numbered(size_t size) {
     std::string bytes;
     while (bytes.size() < size) bytes.append(std::to_string(bytes.size())).append(" ");
@@ -107,7 +107,7 @@ size_t Threads() {
     return static_cast<size_t>(std::distance(begin(list), end(list)));
 }
 
-// Threads go a moment after they have let go of all else.
+// A thread ends shortly after it has released everything else.
 bool ThreadsBecome(size_t count) {
     for (int i = 0; i < 3000 && Threads() != count; i++) Sleep(10);
     return Threads() == count;
@@ -140,7 +140,7 @@ TEST_F(WinsockInside, SmallPiecesDuringAndAfterABacklogArriveInOrder) {
     Connect(number, "127.0.0.1", peer.port());
     ASSERT_TRUE(peer.Accept());
     const std::string bytes = Numbered(12000000);
-    // Slowly, so that the kernel has now and then a little room while the backlog waits.
+    // Reads slowly, so that the kernel has a little room now and then while the backlog waits.
     std::thread reader([&] {
         std::string received;
         while (received.size() < bytes.size()) {
@@ -168,7 +168,7 @@ TEST_F(WinsockInside, ClosingWithABacklogEndsItsThread) {
     EXPECT_TRUE(ThreadsBecome(before));
 }
 
-TEST_F(WinsockInside, APeerThatGoesDuringABacklogFailsTheNextSend) {
+TEST_F(WinsockInside, APeerThatClosesDuringABacklogFailsTheNextSend) {
     LoopbackPeer peer;
     const size_t before = Threads();
     const SOCKET number = NewSocket();
@@ -271,10 +271,10 @@ TEST_F(WinsockInside, EndOfAConnectionDoesNotKeepAnIdleWaitBusy) {
     getrusage(RUSAGE_THREAD, &before);
     EXPECT_EQ(0, select(0, nullptr, nullptr, &except, &timeout));
     getrusage(RUSAGE_THREAD, &after);
-    EXPECT_GT(after.ru_nvcsw, before.ru_nvcsw);  // it slept
+    EXPECT_GT(after.ru_nvcsw, before.ru_nvcsw);  // the wait did not spin
 }
 
-TEST_F(WinsockInside, AddressOfNobodyIsRefused) {
+TEST_F(WinsockInside, ZeroAddressOrPortIsRefused) {
     EXPECT_EQ(10049, Connect(NewSocket(), "0.0.0.0", 23));
     EXPECT_EQ(10049, Connect(NewSocket(), "127.0.0.1", 0));
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Sockets as WinSock 1.1 has them.
+// Sockets with the behaviour of WinSock 1.1.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -31,14 +31,14 @@ class Winsock : public testing::Test {
         address.sin_addr.s_addr = inet_addr("127.0.0.1");
         return connect(number, reinterpret_cast<SOCKADDR*>(&address), sizeof(address));
     }
-    // The usual way of the program: no blocking, and then the peer's side.
+    // Connects as the program does, without blocking; then the peer accepts.
     void ConnectTo(LoopbackPeer* peer) {
         DoNotBlock();
         const int result = Connect(peer->port());
         ASSERT_TRUE(result == 0 || WSAGetLastError() == WSAEWOULDBLOCK) << WSAGetLastError();
         ASSERT_TRUE(peer->Accept());
     }
-    // Waits with the socket in the sets that are named: "rwx". Gives the names that are left.
+    // Calls select with the socket in the named sets ("rwx"); returns the sets that keep it.
     std::string Select(const std::string& wanted, LONG milliseconds) {
         fd_set sets[3];
         for (size_t i = 0; i < 3; i++) {
@@ -80,7 +80,7 @@ uint32_t Dotted(int a, int b, int c, int d) {
 }
 
 constexpr DWORD kRefusal = 30;  // ms; a refusal on loopback has arrived by then
-constexpr LONG kLong = 600000;  // ms; beyond the time that a test may take
+constexpr LONG kLong = 600000;  // ms; longer than a test may take
 
 }  // namespace
 
@@ -251,7 +251,7 @@ TEST_F(Winsock, SendingBeforeAConnectionIsRefused) {
     EXPECT_EQ("error 10057", Receive(1));
 }
 
-TEST_F(Winsock, SendingAfterTheHostWentAwayIsAnError) {
+TEST_F(Winsock, SendingAfterTheHostHasClosedIsAnError) {
     LoopbackPeer peer;
     ConnectTo(&peer);
     ASSERT_EQ("w", Select("w", kLong));
@@ -304,7 +304,7 @@ TEST_F(Winsock, NameResolves) {
     EXPECT_EQ(Dotted(127, 0, 0, 1), address);
 }
 
-TEST_F(Winsock, NameThatIsNoneDoesNotResolve) {
+TEST_F(Winsock, UnknownNameDoesNotResolve) {
     EXPECT_EQ(nullptr, gethostbyname("no such name.invalid"));
     EXPECT_EQ(nullptr, gethostbyname(std::string(5000, 'a').c_str()));
 }
@@ -326,7 +326,7 @@ TEST(DottedAddress, HexadecimalAndOctalParts) {
     EXPECT_EQ(Dotted(8, 255, 0, 9), inet_addr("010.0xFF.0x0.9"));
 }
 
-TEST(DottedAddress, WhatIsNone) {
+TEST(DottedAddress, OtherTextsAreRefused) {
     for (const char* text :
          {"", "host", "1.2.3.4.5", "256.1.1.1", "1.2.3.256", "1.2.3.", ".1.2.3", "1..2.3", "08",
           "4294967296", "99999999999999999999", "1.2.3.4x", "-1.2.3.4", "1.2.65536", "1.16777216"})

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A person's hands on dialogs, for tests.
+// Lets tests operate dialogs as a person does.
 #include <deque>
 #include <QAbstractButton>
 #include <QComboBox>
@@ -41,7 +41,7 @@ void Click(QWidget* target, QPoint place) {
     if (widget) SendMouse(target, QEvent::MouseButtonRelease, place);
 }
 
-// Check boxes and radio buttons answer on their mark and text, not on the room beside.
+// Check boxes and radio buttons react on their mark and text, not on the empty area beside them.
 QPoint ClickPlace(const QWidget* widget) {
     if (widget->inherits("QCheckBox") || widget->inherits("QRadioButton"))
         return QPoint(6, widget->height() / 2);
@@ -69,7 +69,7 @@ void ActWhenActive(const std::function<void()>& person, int steps) {
     QTimer::singleShot(kWaitMilliseconds, qApp, [=] { ActWhenActive(person, steps - 1); });
 }
 
-// A person waits until the desktop has brought the window up.
+// A person acts only once the desktop has shown the window.
 void SeeDialog() {
     if (g_people.empty()) return;
     const std::function<void()> person = g_people.front();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What tests hear of a running program, and what they refuse it.
+// What tests observe of a running program, and which of its calls they make fail.
 #include "tests/qt_driver/driver.h"
 
 #include <map>

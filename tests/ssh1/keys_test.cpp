@@ -44,7 +44,7 @@ TEST(SessionKey, IsSentWithCipherCookieAndFlags) {
 }
 
 TEST(SessionKey, KeepsLeadingZeroBytesOfTheEncryptedNumber) {
-    ScriptedHost host = SessionInState(1);  // exponent 1: the block begins with 0 and 2
+    ScriptedHost host = SessionInState(1);  // exponent 1 leaves the block as it is: 0 and 2 first
     EXPECT_EQ(host.key_bits, 8 * 128);
 }
 
@@ -65,8 +65,8 @@ TEST(SessionKey, IsTheHostKeyFirstWhereTheServersIsLonger) {
     EXPECT_EQ(host.Sent().size(), 1u);
 }
 
-// The result of the first fills its block, so the second has no room for the padding and the
-// session ends.
+// The result of the first encryption is as long as the second key, so the second encryption has no
+// room for the padding and the session ends.
 TEST(SessionKey, IsTheHostKeyFirstWhereBothAreEqual) {
     ScriptedHost host;
     host.host_modulus = std::string(96, '\xC5');
@@ -108,7 +108,7 @@ TEST(SessionKey, EveryKeySizeFrom512To2048) {
     }
 }
 
-// Behind the key, packets in both directions are under it.
+// After the session key, packets in both directions are encrypted with it.
 void ExpectSessionUnderTheKey(ScriptedHost& host, const std::string& what) {
     ASSERT_TRUE(host.TakeSessionKey()) << what;
     Receive(host.Packet(14));
@@ -116,7 +116,7 @@ void ExpectSessionUnderTheKey(ScriptedHost& host, const std::string& what) {
     EXPECT_EQ(host.Sent(), (std::vector<Message>{{4, String("visitor"), ""}})) << what;
 }
 
-// By chance its first byte is zero once in 256; the number in the block is shorter then.
+// The key's first byte is zero once in 256 by chance. The number in the block is then shorter.
 TEST(SessionKey, WithZerosInFrontIsSentWhole) {
     ScriptedHost host;
     const std::string id = host.SessionId();
@@ -132,7 +132,7 @@ TEST(SessionKey, WithZerosInFrontIsSentWhole) {
     }
 }
 
-TEST(SessionKey, IsDrawnFromTheGeneratorAsTheClockSeedsIt) {
+TEST(SessionKey, IsDrawnFromTheGeneratorSeededByTheClock) {
     for (const int milliseconds : {0, 5, 36, 42, 999}) {
         ScriptedHost host;
         NewSession();
@@ -172,7 +172,7 @@ TEST(Cipher, EachCarriesTheSession) {
     }
 }
 
-TEST(Cipher, AnotherChosenInMidSessionIsForTheNextOne) {
+TEST(Cipher, ChangeInMidSessionAppliesToTheNextSession) {
     ScriptedHost host = SessionInState(5);
     session.settings.ssh_type = 2;
     Receive(host.Packet(17, String("through")));
@@ -181,7 +181,7 @@ TEST(Cipher, AnotherChosenInMidSessionIsForTheNextOne) {
     EXPECT_EQ(host.Sent(), (std::vector<Message>{{16, String("typed"), ""}}));
 }
 
-TEST(Cipher, UnsupportedIsToldWithWhatTheServerHas) {
+TEST(Cipher, UnsupportedOneIsReportedWithTheServersList) {
     ScriptedHost host;
     host.ciphers = 0x44;
     NewSession();
@@ -205,7 +205,7 @@ TEST(Cipher, BlowfishIsListedBeforeTssAndRc4) {
               "Server supports: IDEA 3-DES BLOWFISH TSS RC4 ");
 }
 
-TEST(Cipher, ServerWithoutAnyIsToldAsSuch) {
+TEST(Cipher, ServerWithoutAnyIsReported) {
     ScriptedHost host;
     host.ciphers = 0;
     NewSession();
@@ -217,7 +217,7 @@ TEST(Cipher, ServerWithoutAnyIsToldAsSuch) {
         "Server supports: ");
 }
 
-TEST(Cipher, SettingThatNamesNoneIsUnsupported) {
+TEST(Cipher, UnknownSettingIsUnsupported) {
     for (const DWORD type : {3u, 6u, 0xFFFFFFFFu}) {
         ScriptedHost host;
         host.ciphers = 0xFFFFFFFF;
@@ -240,12 +240,12 @@ TEST(BadKeyMessage, CutAnywhereIsRefused) {
         ExpectRefused(host, whole.substr(0, length), std::to_string(length));
 }
 
-TEST(BadKeyMessage, BytesBehindItAreNotLookedAt) {
+TEST(BadKeyMessage, BytesBehindItAreIgnored) {
     ScriptedHost host;
     ExpectAccepted(host, host.PublicKeyData() + "more", "longer");
 }
 
-TEST(BadKeyMessage, StatedBitsOfAKeyAreNotReliedOn) {
+TEST(BadKeyMessage, StatedBitCountsAreNotTrusted) {
     ScriptedHost host;
     for (const uint32_t bits : {0u, 1u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         const std::string key = Uint32(bits) + Ssh1Number("\1") + Ssh1Number(host.server_modulus);
@@ -256,9 +256,9 @@ TEST(BadKeyMessage, StatedBitsOfAKeyAreNotReliedOn) {
     }
 }
 
-// Each bit count in the message is replaced by another: numbers that reach over their end, or
-// leave the next field in their middle.
-TEST(BadKeyMessage, BitCountsThatLieEndInAMessageOrNothing) {
+// Replaces each bit count in the message by another one: numbers that reach beyond the end of the
+// message, or that end inside themselves or inside the next field.
+TEST(BadKeyMessage, FalseBitCountsGiveAMessageOrNothing) {
     ScriptedHost host;
     const std::string whole = host.PublicKeyData();
     const size_t counts[] = {12, 15, 15 + 2 + 96 + 4, 15 + 2 + 96 + 4 + 3};
@@ -325,7 +325,7 @@ TEST(BadKeyMessage, EvenModulusIsAnsweredLikeAnyOther) {
     ExpectAccepted(host, host.PublicKeyData(), "even");
 }
 
-TEST(BadKeyMessage, LeadingZerosOfAModulusAreNotItsLength) {
+TEST(BadKeyMessage, LeadingZerosOfAModulusDoNotCountInItsLength) {
     ScriptedHost host;
     const std::string key =
         Uint32(768) + Ssh1Number("\1") + Ssh1Number(std::string(40, '\0') + host.server_modulus);
@@ -353,7 +353,7 @@ TEST(BadKeyMessage, NumbersThatWouldTakeTooLongAreRefused) {
         "exponent of 4,096 bits");
 }
 
-TEST(BadKeyMessage, SecondOneIsNoAnswerToTheSessionKey) {
+TEST(BadKeyMessage, SecondOneDoesNotConfirmTheSessionKey) {
     ScriptedHost host = SessionInState(1);
     Receive(host.PublicKey());
     EXPECT_EQ(Box(), "Error: SSH server rejects the encryption mode. Session must be terminated");

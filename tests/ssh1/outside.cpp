@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The doubles.
+// The doubles of outside.h.
 #include "tests/ssh1/outside.h"
 
 #include <gtest/gtest.h>
@@ -49,7 +49,7 @@ static void CloseSocket() {
 
 const Protocol kTelnetProtocol = {nullptr, nullptr, nullptr, nullptr, [] {}};
 
-// Each call of RsaEncrypt passes here, by way of the linker.
+// The linker redirects each call of RsaEncrypt to this function (--wrap).
 bool RealRsaEncrypt(uint8_t* buffer, int length,
                     const RsaKey* key) __asm__("__real__Z10RsaEncryptPhiPK6RsaKey");
 bool RecordRsaEncrypt(uint8_t* buffer, int length,
@@ -68,7 +68,7 @@ void KeepKey(RsaKey* key) {
     *key = {};
 }
 
-// And each random byte.
+// The linker redirects each draw of a random byte to this function too.
 uint8_t RealRandomByte() __asm__("__real__Z10RandomBytev");
 uint8_t DrawRandomByte() __asm__("__wrap__Z10RandomBytev");
 uint8_t DrawRandomByte() {
@@ -103,7 +103,7 @@ void NewSession() {
 void Receive(const std::string& bytes, int piece) {
     for (size_t at = 0; at < bytes.size(); at += static_cast<size_t>(piece)) {
         const std::string chunk = bytes.substr(at, static_cast<size_t>(piece));
-        // A copy of its own length, so that a read behind it is seen.
+        // A copy of exactly its length, so that the sanitizer sees a read past its end.
         const std::vector<BYTE> copy(chunk.begin(), chunk.end());
         TakeSessionChunk(copy.data(), static_cast<int>(copy.size()));
     }

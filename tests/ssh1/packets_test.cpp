@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The packet layer: padding, checksum, gathering, and its limits.
+// The packet layer: padding, checksum, reassembly, and the limits of lengths.
 #include <gtest/gtest.h>
 #include <cstdlib>
 #include <set>
@@ -19,7 +19,7 @@ void Type(const std::string& text) {
     SendSessionData(reinterpret_cast<const BYTE*>(text.data()), static_cast<int>(text.size()), 0);
 }
 
-// A data packet that is `body` bytes from padding to checksum, a multiple of 8.
+// A data packet of `body` bytes from padding to checksum; `body` is a multiple of 8.
 std::string DataPacket(ScriptedHost& host, size_t body) {
     return host.Packet(17, String(std::string(body - 8 - 9, 'd')));
 }
@@ -103,7 +103,7 @@ TEST(Gathering, AnyCutGivesTheSameSession) {
     }
 }
 
-TEST(Gathering, WhatIsLeftOverWaitsForTheRest) {
+TEST(Gathering, PartOfAPacketWaitsForTheRest) {
     ScriptedHost host = SessionInState(5);
     const std::string first = host.Packet(17, String("one"));
     const std::string second = host.Packet(17, String("two"));
@@ -124,12 +124,12 @@ TEST(Gathering, TheLargestPacketArrivesWhole) {
     EXPECT_EQ(Box(), "");
 }
 
-TEST(Gathering, OverflowIsToldAndWhatWaitedIsDropped) {
+TEST(Gathering, OverflowIsReportedAndTheBufferedBytesAreDropped) {
     ScriptedHost host = SessionInState(5);
-    session.ssh.recvFill = 65000;  // of a packet that is not whole
+    session.ssh.recvFill = 65000;  // the start of an incomplete packet
     std::memcpy(session.ssh.recvBuf, Uint32(65520).data(), 4);
     std::string chunk;
-    while (chunk.size() <= 535) chunk += host.Packet(14);  // passed over
+    while (chunk.size() <= 535) chunk += host.Packet(14);  // a type that is ignored
     Receive(chunk + host.Packet(17, String("after")));
     EXPECT_EQ(Box(), kOutOfMemory);
     EXPECT_EQ(Shown(), "after");
@@ -141,7 +141,8 @@ TEST(Gathering, ExactlyFullIsNoOverflow) {
     for (const int room : {10, 9}) {
         SessionInState(5);
         session.ssh.recvFill = kSshReassemblySize - room;
-        std::memcpy(session.ssh.recvBuf, Uint32(5).data(), 4);  // a packet of 12 bytes, and more
+        // The first packet has 12 bytes; the rest belongs to the next one.
+        std::memcpy(session.ssh.recvBuf, Uint32(5).data(), 4);
         Receive(std::string(10, 'x'));
         EXPECT_EQ(outside.boxes[0], room == 10 ? kChecksum : kOutOfMemory);
     }
@@ -253,7 +254,7 @@ TEST(HandlePacket, LengthThatDoesNotFitTheFieldIsDropped) {
     EXPECT_EQ(Box(), "Error: SSH protocol violation. Session must close!!!");
 }
 
-TEST(SendData, IsOneStringAsItIs) {
+TEST(SendData, IsOneUnchangedString) {
     ScriptedHost host = SessionInState(5);
     std::string all;
     for (int i = 0; i < 256; i++) all += static_cast<char>(i);

@@ -15,9 +15,9 @@ namespace {
 
 enum { kDes, kTripleDes, kBlowfish };  // settings.ssh_type
 
-std::string g_received;                 // by the terminal, by way of the linker
+std::string g_received;                 // what TerminalWrite got, through the linker's --wrap
 int g_asked;                            // calls of AskSignOn
-std::function<void()> g_during_dialog;  // what the user does in it
+std::function<void()> g_during_dialog;  // what the user does in the dialog
 
 const char kClosed[] = "Error: Connection to the UNIX Host has been closed...";
 
@@ -37,7 +37,7 @@ void SetUp(const TestServer& server, DWORD cipher) {
     });
 }
 
-// A program that is set up for the server but not connected.
+// Runs the program set up for the server, but not connected.
 void WithProgram(const QStringList& options, DWORD cipher,
                  const std::function<void(TestServer&)>& person) {
     TestServer server(options);
@@ -50,7 +50,7 @@ void WithProgram(const QStringList& options, DWORD cipher,
     EXPECT_EQ(server.Count("Traceback"), 0) << testing::PrintToString(server.Told());
 }
 
-// A program with a prompt.
+// Runs the program with a session at the shell's prompt.
 void WithShell(const QStringList& options, DWORD cipher,
                const std::function<void(TestServer&)>& person) {
     WithProgram(options, cipher, [&](TestServer& server) {
@@ -67,7 +67,7 @@ void ExpectWorkingShell(const QStringList& options, DWORD cipher = kTripleDes) {
     });
 }
 
-// The connection ends with that box alone.
+// Expects that the connection ends with exactly this box.
 void ExpectBox(const QStringList& options, DWORD cipher, const std::string& text) {
     WithProgram(options, cipher, [&](TestServer&) {
         ConnectLater();
@@ -90,7 +90,7 @@ TEST(Ciphers, TheServerSeesTheChosenOne) {
                   [&](TestServer& server) { EXPECT_TRUE(server.Tells(lines[cipher])); });
 }
 
-TEST(Ciphers, UnsupportedIsToldWithWhatTheServerHas) {
+TEST(Ciphers, UnsupportedOneIsReportedWithTheServersList) {
     ExpectBox({"--ciphers", "0x44"}, kTripleDes,
               "Error: Server does not support selected encryption (3-DES). Try another encryption\n"
               "Server supports: DES BLOWFISH ");
@@ -107,7 +107,7 @@ TEST(Keys, Of2048And512Bits) { ExpectWorkingShell(Keys(2048, 512)); }
 TEST(Keys, Of2048And1024Bits) { ExpectWorkingShell(Keys(2048, 1024)); }
 TEST(Keys, OfOddLengths) { ExpectWorkingShell(Keys(1001, 777)); }
 
-// Padding has no room around a number as long as the key.
+// A number as long as the key leaves no room for the padding.
 TEST(Keys, OfOneLengthCannotCarryASessionKey) {
     ExpectBox(Keys(1024, 1024), kTripleDes, "Error: SSH protocol violation. Session must close!!!");
 }
@@ -177,7 +177,7 @@ TEST(Login, WithoutAUserNameIsRefusedHere) {
     });
 }
 
-TEST(Login, ServerThatWantsNoPassword) {
+TEST(Login, ServerThatRequiresNoPassword) {
     WithShell({"--no-password"}, kTripleDes,
               [](TestServer& server) { EXPECT_EQ(server.Count("password"), 0); });
 }
@@ -248,7 +248,7 @@ TEST(Session, TwelveThousandBytesTypedArriveIntact) {
     });
 }
 
-// The shell does not read for a while, and everything between fills up.
+// The shell does not read for a while, so all buffers on the way fill up.
 TEST(Session, AMegabyteForASlowReaderArrivesIntact) {
     std::string typed;
     for (int i = 0; i < 1000000; i++) typed += static_cast<char>(i * 7 + i / 256);
@@ -287,8 +287,8 @@ TEST(Session, ReportsOfTheTerminalAreSent) {
     });
 }
 
-// Any packet that is built changes the buffer that it is built in.
-TEST(Session, ResizeTellsTheServerNothing) {
+// Every packet that the client builds changes its send buffer.
+TEST(Session, ResizeSendsTheServerNothing) {
     WithShell({}, kTripleDes, [](TestServer&) {
         const auto built = [] {
             const BYTE* bytes = session.ssh1.sendBuf;
@@ -324,7 +324,7 @@ TEST(Session, DisconnectByTheUserIsSilent) {
     });
 }
 
-TEST(Session, NothingOfItIsLeftAfterwards) {
+TEST(Session, ItsStateIsClearedAfterwards) {
     WithShell({}, kTripleDes, [](TestServer&) {
         ClearAndRun("echo confiden\"\"tial");
         ASSERT_TRUE(TerminalShows("\nconfidential\n")) << TerminalText();
@@ -338,12 +338,12 @@ TEST(Session, NothingOfItIsLeftAfterwards) {
     });
 }
 
-TEST(Session, DisconnectByTheServerIsTold) {
+TEST(Session, DisconnectByTheServerIsReported) {
     ExpectBox({"--say", "shell=1:00000003627965"}, kTripleDes,
               "Error: Disconnect request from SSH Server. Session must be terminated");
 }
 
-// ---------------------------------------------------------------- what a bad server gets
+// ---------------------------------------------------------------- bad servers
 
 const char kViolation[] = "Error: SSH protocol violation. Session must close!!!";
 const char kRejected[] =
@@ -382,7 +382,7 @@ void RecordTerminalWrite(const BYTE* bytes, int count) {
     RealTerminalWrite(bytes, count);
 }
 
-// The dialog is answered without being shown.
+// Answers the Sign on dialog without showing it.
 bool AnswerSignOn() __asm__("__wrap__Z9AskSignOnv");
 bool AnswerSignOn() {
     g_asked++;

@@ -1,10 +1,10 @@
 #!/usr/bin/python3 -B
 # SPDX-License-Identifier: MIT
-"""Proves the test server on a real client of the protocol: ssh1, unpacked below the build folder.
+"""Checks the test server with a real client of the protocol: ssh1, unpacked below the build folder.
 
 Logs in with triple DES and with DES, with keys of several lengths, with a wrong password before the
 right one, with and without a terminal; runs commands, compares 20,000 lines and exit codes.
-Exit codes: 0 proven, 1 not, 77 the client cannot be had here.
+Exit codes: 0 correct, 1 a fault, 77 the client is not available here.
 """
 import hashlib
 import os
@@ -44,7 +44,7 @@ class Server:
         self.port = self.process.stdout.readline().split()[1]
 
     def end(self):
-        """What it told."""
+        """The lines that the server printed."""
         told, _ = self.process.communicate(timeout=30)
         return told.splitlines()
 
@@ -54,7 +54,7 @@ class Client:
         self.program, self.folder = fetch_client(), pathlib.Path(folder)
         (self.folder / "openssl.cnf").write_text(OPENSSL_CONF)
         ask = self.folder / "ask"
-        # Gives the passwords of the file one after the other.
+        # Prints the passwords of the file, one for each call.
         ask.write_text("#!/bin/sh\nhead -n 1 '%s/passwords'\nsed -i 1d '%s/passwords'\n" %
                        (folder, folder))
         ask.chmod(0o700)
@@ -87,7 +87,7 @@ def encrypt(key, data):
 
 
 def prove_session_key():
-    """The client's session key is a number there: one in 256 comes without its leading byte."""
+    """This client sends the session key as a number: one in 256 lacks its leading byte."""
     host, inner = wire.make_key(1024), wire.make_key(768)
     connection = serving.Connection(None, None, host, inner)
     cookie, modulus = bytes(8), [key.n.to_bytes(key.size, "big") for key in (host, inner)]

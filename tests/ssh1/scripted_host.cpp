@@ -27,7 +27,7 @@ std::string Md5(const std::string& text) {
     return digest;
 }
 
-// What is behind the padding of block type 2; exponent 1 leaves the block as it was.
+// The content behind the padding of block type 2. The exponent 1 leaves the block unencrypted.
 std::string Unpad(const std::string& block) {
     EXPECT_EQ(block.substr(0, 2), std::string("\0\2", 2));
     const size_t end = block.find('\0', 2);
@@ -38,7 +38,7 @@ std::string Unpad(const std::string& block) {
     return block.substr(end + 1);
 }
 
-// The block of the outer key may hold a 0 in the inner one: its end is known by the inner's size.
+// The inner block may contain a zero byte, so the inner size says where the outer padding ends.
 std::string Unpad(const std::string& block, size_t inner) {
     EXPECT_EQ(block.find('\0', 2), block.size() - inner - 1) << "padding of the outer key";
     return block.substr(block.size() - inner);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The server's side of a conversation, byte by byte in the test's hands. Its keys have the
-// exponent 1, so that the session key can be read where an encrypted one is sent.
+// The server's side of a conversation; the test controls every byte. Its keys have the exponent 1,
+// so that the test can read the session key from the encrypted number.
 #ifndef QUILL_TESTS_SSH1_SCRIPTED_HOST_H
 #define QUILL_TESTS_SSH1_SCRIPTED_HOST_H
 
@@ -17,9 +17,9 @@ inline constexpr uint32_t kAllCiphers = 1u << 2 | 1u << 3 | 1u << 6;
 
 std::string Uint32(uint32_t value);
 std::string String(const std::string& bytes);
-std::string Ssh1Number(const std::string& magnitude);  // with a bit count of 8 a byte
+std::string Ssh1Number(const std::string& magnitude);  // bit count: 8 for each byte
 
-// Packets in a row, which a + would not put up in order.
+// Joins packets in order; operands of + may be evaluated in any order, and packets depend on it.
 std::string Join(std::initializer_list<std::string> packets);
 
 struct Message {
@@ -35,29 +35,29 @@ struct ScriptedHost {
     std::string cookie = "biscuits";
     uint32_t ciphers = kAllCiphers;
 
-    // Pieces of the public-key message, and all of it as a packet.
+    // Parts of the public-key message, and the whole message as a packet.
     std::string Key(const std::string& modulus) const;
     std::string PublicKeyData() const;
     std::string PublicKey();
     std::string SessionId() const;
 
-    // The client's answer to it: takes the session key from there and uses it from then on.
-    // False when there is none.
+    // Reads the client's answer to it, takes the session key from the answer and uses it from then
+    // on. False if there is no answer.
     bool TakeSessionKey();
 
-    // A packet; `spoil` is xored into its checksum. One of a stated length below 5 has no type and
-    // no data, only padding and a checksum.
+    // A packet; `spoil` is xored into its checksum. A short packet states a length below 5 and has
+    // no type and no data, only padding and a checksum.
     std::string Packet(int type, const std::string& data = "", uint32_t spoil = 0);
     std::string ShortPacket(uint32_t length, uint32_t spoil = 0);
 
-    // What the client has sent since the last call; fails on anything that is no packet.
+    // The messages that the client has sent since the last call; fails on bytes that are no packet.
     std::vector<Message> Sent();
 
-    int cipher = 0;  // the number that the client chose; 0: in the clear
+    int cipher = 0;  // the number that the client chose; 0: not encrypted
     std::string session_id;
     std::string session_key;
     uint32_t client_flags = 0;
-    int key_bits = 0;  // as the client stated them for the encrypted key
+    int key_bits = 0;  // the bit count of the encrypted key, as sent
 
     std::string Seal(const std::string& body);
     std::string Open(const std::string& body);
@@ -66,7 +66,7 @@ struct ScriptedHost {
     BlowfishContext blowfish_out, blowfish_in;
 };
 
-// A new session that has gone to that state (0..5) with this host, which has read what was sent.
+// A new session in that state (0..5) with a host that has read everything sent so far.
 ScriptedHost SessionInState(int state, uint32_t ssh_type = 1);
 
 #endif

@@ -4,7 +4,7 @@
 
 One user ("visitor", password "warehouse7") gets a shell on a pseudo-terminal, run as whoever runs
 the server. Prints "port N" first, then what clients do, a line each. Ends when its standard input
-does. What it does otherwise than a good server, the options say.
+does. Options make it deviate from a correct server.
 """
 import argparse
 import fcntl
@@ -52,7 +52,7 @@ class Connection:
             self.outgoing = self.outgoing[step:]
 
     def answer(self, point, kind, data=b""):
-        """The answer due at a point of the conversation, unless an option puts another there."""
+        """Sends the answer of a point of the conversation, or the one that an option puts there."""
         options = self.options
         if point in options.raw:
             self.outgoing += options.raw[point]
@@ -124,7 +124,7 @@ class Connection:
         key = wire.decrypt(inner, wire.decrypt(outer, block))
         if len(key) > 32:
             raise Misbehaviour("session key of %d bytes" % len(key))
-        key = key.rjust(32, b"\0")  # it is a number, and some clients leave its leading zeros out
+        key = key.rjust(32, b"\0")  # a number, from which some clients drop leading zeros
         modulus = [key.n.to_bytes(key.size, "big") for key in (host, server)]
         identifier = hashlib.md5(modulus[0] + modulus[1] + cookie).digest()
         return bytes(a ^ b for a, b in zip(key, identifier)) + key[16:]
@@ -192,7 +192,7 @@ class Connection:
         return ends[0][1], {ends[1][0]: wire.SMSG_STDOUT_DATA, ends[2][0]: wire.SMSG_STDERR_DATA}
 
     def take_input(self):
-        """What the client types; an empty string is its end."""
+        """Returns what the client types; empty at its end."""
         while True:
             packet = self.incoming.next()
             if packet is None:
@@ -209,7 +209,7 @@ class Connection:
                 raise Misbehaviour("message %d in the session" % packet[0])
 
     def run(self, source, sinks):
-        """Hands bytes to and fro until the command's output has ended."""
+        """Copies bytes in both directions until the command's output ends."""
         typed, ended = b"", False
         self.answer("shell", wire.MSG_IGNORE, wire.string(b""))
         while sinks:
@@ -223,7 +223,7 @@ class Connection:
             for sink in [sink for sink in sinks if sink in readable]:
                 try:
                     data = os.read(sink, self.options.chunk)
-                except OSError:  # how a terminal's end shows
+                except OSError:  # a pty reports its end so
                     data = b""
                 if data:
                     self.post(sinks[sink], wire.string(data))
@@ -306,13 +306,13 @@ def parse_options():
 
 
 def end_children(children):
-    """Lets connections whose client has gone come to their end, and ends the others."""
+    """Waits for connections whose client has closed, and ends the others."""
     deadline = time.monotonic() + 2
     while children and time.monotonic() < deadline:
         children = [child for child in children if os.waitpid(child, os.WNOHANG)[0] == 0]
         time.sleep(0.01)
     for child in children:
-        os.kill(child, signal.SIGKILL)  # its end of the terminal closes with it
+        os.kill(child, signal.SIGKILL)  # its end of the pty closes with it
         os.waitpid(child, 0)
 
 

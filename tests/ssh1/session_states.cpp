@@ -14,9 +14,9 @@ ScriptedHost SessionInState(int state, uint32_t ssh_type) {
         EXPECT_TRUE(host.TakeSessionKey());
     }
     if (state >= 2) Receive(host.Packet(14));  // encrypted from here on
-    if (state >= 3) Receive(host.Packet(15));  // a password is wanted
-    if (state >= 4) Receive(host.Packet(14));  // it is right
-    if (state >= 5) Receive(host.Packet(14));  // there is a terminal
+    if (state >= 3) Receive(host.Packet(15));  // a password is required
+    if (state >= 4) Receive(host.Packet(14));  // the password is correct
+    if (state >= 5) Receive(host.Packet(14));  // the terminal is granted
     host.Sent();
     EXPECT_EQ(session.ssh1.ssh1State, state);
     EXPECT_EQ(Box(), "");

@@ -14,7 +14,7 @@ namespace {
 
 const char kLoginIncorrect[] = "Error: Login incorrect";
 
-// A program whose connection to the server is under way, with nothing remembered.
+// Runs the program while it connects to the server, with no user or password remembered.
 void Connecting(const std::function<void(TestServer&)>& person) {
     TestServer server;
     ASSERT_GT(server.port, 0) << testing::PrintToString(server.Told());
@@ -38,7 +38,7 @@ bool DialogShown() {
     });
 }
 
-// Over what stands in the two fields, from the first one on.
+// Replaces the text of the two fields, starting with the first.
 void SignOn(const std::string& user, const std::string& password) {
     ASSERT_TRUE(DialogShown());
     PressKey(Qt::Key_A, Qt::ControlModifier);
@@ -58,7 +58,7 @@ TEST(SignOnDialog, TypedUserAndPasswordOpenTheShell) {
     });
 }
 
-TEST(SignOnDialog, ComesAgainAfterAWrongPassword) {
+TEST(SignOnDialog, OpensAgainAfterAWrongPassword) {
     Connecting([](TestServer& server) {
         SignOn("visitor", "guess");
         ASSERT_TRUE(DismissBox(kLoginIncorrect));
@@ -80,7 +80,7 @@ TEST(SignOnDialog, CancelledWithoutAUserNameEndsTheSession) {
     });
 }
 
-TEST(SignOnDialog, CancelledWithAUserNameSendsWhatThereIs) {
+TEST(SignOnDialog, CancelledWithAUserNameSendsTheStoredValues) {
     Connecting([](TestServer& server) {
         SignOn("visitor", "guess");
         ASSERT_TRUE(DismissBox(kLoginIncorrect));
@@ -129,7 +129,7 @@ TEST(SignOnDialog, SessionThatIsClosedMeanwhileSendsNothingMore) {
     });
 }
 
-TEST(SignOnDialog, SessionThatIsOpenedAnewMeanwhileIsLeftAlone) {
+TEST(SignOnDialog, SessionOpenedMeanwhileIsNotTouched) {
     Connecting([](TestServer& server) {
         ASSERT_TRUE(DialogShown());
         Close();

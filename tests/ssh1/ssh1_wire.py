@@ -33,7 +33,7 @@ def make_key(bits, e=65537):
 
 
 def decrypt(key, block):
-    """Undoes RSA with the padding of block type 2, and insists on every rule of it."""
+    """Decrypts RSA with the padding of block type 2 and checks every rule of it."""
     if len(block) > key.size or int.from_bytes(block, "big") >= key.n:
         raise Misbehaviour("encrypted number is not below the modulus")
     plain = pow(int.from_bytes(block, "big"), key.d, key.n).to_bytes(key.size, "big")
@@ -57,7 +57,7 @@ class Des:
 
 
 class TripleDes:
-    """Three passes over the whole packet, each with a chain of its own."""
+    """Three passes over the whole packet, each with its own chain."""
 
     def __init__(self, session_key):
         keys = [session_key[i:i + 8] for i in (0, 8, 16)]
@@ -129,7 +129,7 @@ class Reader:
 
 
 def crc(data):
-    """CRC-32 without the inversion before and after: started at 0 and taken as it stands."""
+    """CRC-32 without the inversion before and after: initial value 0."""
     return zlib.crc32(data, 0xFFFFFFFF) ^ 0xFFFFFFFF
 
 
@@ -141,7 +141,7 @@ def seal(cipher, kind, data, spoil=0):
 
 
 class Unsealer:
-    """Takes packets off the front of the client's bytes."""
+    """Splits the client's bytes into packets."""
 
     def __init__(self):
         self.bytes, self.cipher = b"", None

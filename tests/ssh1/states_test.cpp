@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The steps of a session: what each state takes, and what it says to everything else.
+// The states of a session: which message each accepts, and how it answers every other one.
 #include <gtest/gtest.h>
 
 #include "crypto/ciphers.h"
@@ -32,7 +32,7 @@ bool AllZero(const void* memory, size_t size) {
     return true;
 }
 
-// ---------------------------------------------------------------- the straight way
+// ---------------------------------------------------------------- a normal session
 
 TEST(Conversation, GoesFromKeyToShell) {
     ScriptedHost host;
@@ -62,7 +62,7 @@ TEST(Conversation, StatusIsSecureFromTheSessionKeyOn) {
     EXPECT_EQ(outside.status_updates, 1);
 }
 
-TEST(Conversation, ASecondSessionStartsAfresh) {
+TEST(Conversation, ASecondSessionStartsFromTheBeginning) {
     ScriptedHost host = SessionInState(3);
     Receive(host.Packet(15));  // a refused password
     host = SessionInState(5);
@@ -266,7 +266,7 @@ TEST(SignOn, IsAskedAgainAfterARefusalThoughThePasswordIsRemembered) {
     EXPECT_EQ(session.ssh1.ssh1State, 4);
 }
 
-TEST(SignOn, CancelledSendsWhatTheSettingsHold) {
+TEST(SignOn, CancelledSendsTheStoredValues) {
     ScriptedHost host = SessionInState(1);
     session.settings.ssh_def = 0;
     outside.during_dialog = [] {
@@ -324,7 +324,7 @@ TEST(SignOn, LongestTextsGoWhole) {
     EXPECT_EQ(sent[2].data.substr(0, 4 + longest.size()), String(longest));
 }
 
-TEST(SignOn, ServerThatWantsNoPasswordGetsNone) {
+TEST(SignOn, ServerThatRequiresNoPasswordGetsNoPassword) {
     ScriptedHost host = SessionInState(2);
     session.settings.ssh_def = 0;
     Receive(host.Packet(14));
@@ -352,8 +352,8 @@ TEST(Interrupted, SessionThatEndsBehindTheDialogSendsNothing) {
     EXPECT_EQ(outside.closed, 0);
 }
 
-// The host drops the line while the dialog is up: all of the session is forgotten, and only the
-// number of its socket stays until the next one.
+// The host drops the line while the dialog is open: the session state is cleared, but its socket
+// number stays until the next session.
 TEST(Interrupted, SessionThatEndsBehindTheDialogIsOverThoughItsSocketNumberStays) {
     ScriptedHost host = SessionInState(1);
     session.settings.ssh_def = 0;
@@ -372,8 +372,8 @@ TEST(Interrupted, SessionThatEndsBehindTheDialogIsOverThoughItsSocketNumberStays
     EXPECT_EQ(Wire(), "");
 }
 
-// The chunk was on its way when the user closed the session.
-TEST(Interrupted, PacketThatComesAfterTheUsersCloseAsksAndTellsNothing) {
+// The chunk was already queued when the user closed the session.
+TEST(Interrupted, PacketAfterTheUsersCloseShowsNoDialogOrMessage) {
     for (int state = 0; state <= 5; state++) {
         ScriptedHost host = SessionInState(state);
         session.socket = INVALID_SOCKET;
@@ -443,7 +443,7 @@ TEST(Data, OfNegativeOrNoLengthIsNotSent) {
     EXPECT_EQ(Box(), "");
 }
 
-TEST(Exit, IsConfirmedAndTheSessionGoesOn) {
+TEST(Exit, IsConfirmedAndTheSessionContinues) {
     ScriptedHost host = SessionInState(5);
     Receive(Join({host.Packet(20, Uint32(3)), host.Packet(17, String("last words"))}));
     EXPECT_EQ(host.Sent(), (Messages{{33, "", ""}}));
@@ -451,7 +451,7 @@ TEST(Exit, IsConfirmedAndTheSessionGoesOn) {
     EXPECT_EQ(outside.closed, 0);
 }
 
-TEST(Disconnect, OfTheServerIsToldAndClosesTheSession) {
+TEST(Disconnect, OfTheServerIsReportedAndClosesTheSession) {
     ScriptedHost host = SessionInState(5);
     Receive(host.Packet(1, String("maintenance")));
     EXPECT_EQ(Box(), "Error: Disconnect request from SSH Server. Session must be terminated");
@@ -470,7 +470,7 @@ TEST(Disconnect, LeavesTheFirstStateInTheClear) {
 
 // ---------------------------------------------------------------- secrets
 
-TEST(Secrets, NothingIsLeftWhenTheSessionIsForgotten) {
+TEST(Secrets, AllStateIsZeroWhenTheSessionIsForgotten) {
     ScriptedHost host = SessionInState(5);
     Receive(Join({host.Packet(17, String("confidential")), host.Packet(17, "half").substr(0, 7)}));
     ForgetSshSession();
@@ -484,7 +484,7 @@ TEST(Secrets, SessionKeyIsWipedOnceTheCipherHasIt) {
     EXPECT_TRUE(AllZero(session.ssh1.sessionKey, sizeof(session.ssh1.sessionKey)));
 }
 
-// What the cipher makes of a block in each direction.
+// The result of the cipher for a block in each direction; it shows which keys are set.
 std::string Fingerprint(const Ssh1Cipher& cipher) {
     BYTE out[8] = {}, in[8] = {};
     cipher.encrypt(out, 8);
@@ -503,9 +503,9 @@ TEST(Secrets, CipherForgetsItsKeysWithTheSession) {
     }
 }
 
-// Whoever holds the server's keys reads the session key from it.
+// Anyone with the server's private keys could decrypt the session key from it.
 TEST(Secrets, EncryptedSessionKeyIsNotLeftOnTheStack) {
-    static BYTE encrypted[16];  // the beginning of what is sent
+    static BYTE encrypted[16];  // the first bytes of the number that is sent
     static bool answered;
     ScriptedHost host;
     NewSession();

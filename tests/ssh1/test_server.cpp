@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The server process.
+// Starts the SSH-1 test server and collects its output.
 #include "tests/ssh1/test_server.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ TestServer::~TestServer() {
     if (!process.waitForFinished(10000)) process.kill(), process.waitForFinished();
 }
 
-// A line counts once its end is there.
+// A line counts once its newline has arrived.
 std::vector<std::string> TestServer::Told() const {
     std::ifstream file(log);
     std::vector<std::string> lines;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The SSH-1 server beside this file as a process of the test's; see server.py for its options.
+// Runs the SSH-1 server of this folder as a child process; server.py describes its options.
 #ifndef QUILL_TESTS_SSH1_TEST_SERVER_H
 #define QUILL_TESTS_SSH1_TEST_SERVER_H
 
@@ -8,20 +8,20 @@
 #include <vector>
 
 struct TestServer {
-    explicit TestServer(const QStringList& options = {});  // runs once it has a port
+    explicit TestServer(const QStringList& options = {});  // returns once the server has a port
     ~TestServer();
     TestServer(const TestServer&) = delete;
     TestServer& operator=(const TestServer&) = delete;
 
-    int port = 0;  // 0: it did not start
+    int port = 0;  // 0: the server did not start
 
-    // Lines that it told so far. [any thread]
+    // The lines that the server has printed so far. [any thread]
     std::vector<std::string> Told() const;
-    bool Tells(const std::string& line) const;      // waits for that very line
-    int Count(const std::string& beginning) const;  // of lines that begin so
+    bool Tells(const std::string& line) const;      // waits for exactly this line
+    int Count(const std::string& beginning) const;  // lines with that beginning
 
     QProcess process;
-    std::string log;  // file
+    std::string log;  // the path of its output file
 };
 
 #endif

@@ -54,7 +54,7 @@ TEST_F(Ssh2Authentication, FailuresAskAgainWithoutLimit) {
     ExpectOpen();
 }
 
-TEST_F(Ssh2Authentication, CancelledDialogSendsWhatStands) {
+TEST_F(Ssh2Authentication, CancelledDialogSendsTheStoredValues) {
     session.settings.ssh_def = 0;
     outside.sign_on = [] {
         session.dialog_result = -1;
@@ -74,7 +74,7 @@ TEST_F(Ssh2Authentication, DialogThatCannotBeShownClosesTheSession) {
     ExpectClosed();
 }
 
-TEST_F(Ssh2Authentication, EmptyUserNameIsToldAndClosesTheSession) {
+TEST_F(Ssh2Authentication, EmptyUserNameIsReportedAndClosesTheSession) {
     SetText(session.settings.ssh_u, "");
     ToService();
     Give(Message(6));
@@ -139,8 +139,8 @@ TEST_F(Ssh2Authentication, NextSessionBehindTheDialogKeepsWhatItHasReceived) {
     EXPECT_EQ(session.receive_ready, 0u) << "the buffer is the next session's";
 }
 
-// The host drops the line while the dialog is up: all of the session is forgotten, and only the
-// number of its socket stays until the next one.
+// The host drops the line while the dialog is open: the session state is cleared, but its socket
+// number stays until the next session.
 TEST_F(Ssh2Authentication, SessionThatEndsDuringTheDialogIsOverThoughItsSocketNumberStays) {
     session.settings.ssh_def = 0;
     outside.sign_on = [] {
@@ -161,7 +161,7 @@ TEST_F(Ssh2Authentication, SessionThatEndsDuringTheDialogIsOverThoughItsSocketNu
     ExpectSilence();
 }
 
-// The chunk was on its way when the user closed the session.
+// The chunk was already queued when the user closed the session.
 TEST_F(Ssh2Authentication, RefusalThatComesAfterTheUsersCloseAsksNothing) {
     ToPassword();
     session.socket = INVALID_SOCKET;
@@ -230,7 +230,7 @@ TEST_F(Ssh2Channel, RefusedShellClosesTheSession) {
     ExpectClosed();
 }
 
-TEST_F(Ssh2Channel, NumbersOfAnotherChannelAndAnyWindowAreTakenAsTheyCome) {
+TEST_F(Ssh2Channel, AnyChannelNumberAndWindowAreAccepted) {
     for (const uint32_t number : {0u, 28u, 0x7fffffffu, 0xffffffffu}) {
         NewSession();
         server = {};
@@ -268,7 +268,7 @@ TEST_F(Ssh2Channel, DataIsShown) {
     ExpectSilence();
 }
 
-// The terminal would drop its selection.
+// A write, even of no bytes, would make the terminal drop its selection.
 TEST_F(Ssh2Channel, DataOfNoBytesDoesNotTouchTheTerminal) {
     ToShell();
     Give(Data(""));
@@ -341,7 +341,7 @@ TEST_F(Ssh2Channel, DataWhoseLengthLeadsOutsideThePacketIsDropped) {
     ExpectOpen();
 }
 
-TEST_F(Ssh2Channel, MessagesThatNeedNoAnswerGetNone) {
+TEST_F(Ssh2Channel, MessagesThatNeedNoReplyGetNoReply) {
     ToShell();
     const int ignored[] = {0, 1, 2, 3, 4, 5, 7, 22, 30, 53, 80, 81, 82, 90, 93, 96, 98, 101, 255};
     for (const int number : ignored)
@@ -386,7 +386,7 @@ TEST_F(Ssh2Channel, LongDataIsSplitAt16384Bytes) {
     ExpectSilence();
 }
 
-TEST_F(Ssh2Channel, DataIsNotHeldBackForTheServersWindow) {
+TEST_F(Ssh2Channel, DataIsSentBeyondTheServersWindow) {
     ToShell();
     EXPECT_EQ(session.ssh2.remoteWindow, 0u);
     for (int i = 0; i < 5; i++) {
@@ -395,7 +395,7 @@ TEST_F(Ssh2Channel, DataIsNotHeldBackForTheServersWindow) {
     }
 }
 
-TEST_F(Ssh2Channel, NegativeOrNoLengthSendsAndHoldsNothing) {
+TEST_F(Ssh2Channel, NegativeOrZeroLengthSendsAndQueuesNothing) {
     const auto type_nothing = [] {
         for (const int length : {0, -1, -9, -16384, INT_MIN}) {
             SendSessionData(nullptr, length, 0);
@@ -432,8 +432,8 @@ TEST_F(Ssh2Channel, TypingBeforeTheChannelIsOpenIsLost) {
     ExpectSilence();
 }
 
-// With the cipher gone it would be in the clear.
-TEST_F(Ssh2Channel, TypingBehindTheClientsOwnEndIsNotEvenPacked) {
+// The cipher is already removed, so the packet would be unencrypted.
+TEST_F(Ssh2Channel, TypingAfterTheClientsOwnEndBuildsNoPacket) {
     ToShell();
     Give(Message(97, U32(27)));
     const uint32_t sent = session.ssh2.sendSeq;
@@ -442,7 +442,7 @@ TEST_F(Ssh2Channel, TypingBehindTheClientsOwnEndIsNotEvenPacked) {
     ExpectClosed();
 }
 
-// The protocol is looked up at each chunk. That of the other one finds no session of its own.
+// Each chunk looks up the protocol. SSH-1 then finds that it has no session.
 TEST_F(Ssh2Channel, OtherProtocolChosenInMidSessionEndsItAndSendsNothing) {
     ToShell();
     session.settings.ssh_type2 = 0;

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-# Twisted's conch as the server, behind a relay that holds its first packet back, on a free port of
+# Twisted's conch as the server, behind a relay that delays its first packet, on a free port of
 # 127.0.0.1, for "visitor" with "warehouse7"; a bash on a real pty.
 # Usage: conch_server.py CIPHER
 import hashlib
@@ -27,7 +27,7 @@ except ImportError:
 
 @implementer(_kex._IFixedGroupKexAlgorithm)
 class Group1:
-    """Conch has dropped the group; its code for fixed groups is what serves it."""
+    """Conch no longer offers this group, but its code for fixed groups still supports it."""
 
     preference = 9
     hashProcessor = hashlib.sha1

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The steps of a session.
+// The steps of an SSH-2 session, from the identification lines to the shell.
 #include "tests/ssh2/conversation.h"
 
 void Conversation::ExpectOpen() {
@@ -27,8 +27,7 @@ void Conversation::Identify() {
     outside.wire.clear();
 }
 
-// The tape begins with the cookie, which stands in the packet before its padding; the exponent of
-// KEXDH_INIT follows.
+// The client draws the cookie first, then the padding of KEXINIT, then the exponent of KEXDH_INIT.
 void Conversation::Offer() {
     server.server_kex_init = ServerKexInit(std::string(16, static_cast<char>(++offers)));
     tape = Tape(5);

@@ -24,7 +24,7 @@ class Conversation : public testing::Test {
     void ExpectOpen();
     void ExpectClosed();
 
-    // The steps, in their order. An earlier one is gone through first.
+    // The steps in order. The To... steps run the earlier ones first.
     void Identify();
     void Offer();       // both KEXINITs, KEXDH_INIT
     void Reply();       // KEXDH_REPLY, our NEWKEYS
@@ -35,7 +35,7 @@ class Conversation : public testing::Test {
     void ToPty();       // the pty request has come
     void ToShell();     // the shell has been granted
 
-    void Use(DWORD ssh_type);  // before the first step
+    void Use(DWORD ssh_type);  // chooses the cipher; before the first step
 
     static std::string PasswordRequest(const std::string& user, const std::string& password);
     static std::string PtyRequest(const std::string& type);

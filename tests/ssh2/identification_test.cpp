@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The lines that open a session.
+// The identification lines that open a session.
 #include <climits>
 #include "crypto/ciphers.h"
 
@@ -50,7 +50,7 @@ TEST_F(Ssh2Identification, AfterAFailedSendTheNextChunkIsTheLine) {
     ToService();
 }
 
-TEST_F(Ssh2Identification, NothingOfTheOtherProtocolStays) {
+TEST_F(Ssh2Identification, StateOfTheOtherProtocolIsCleared) {
     session.ssh1.ssh1State = 4;
     session.ssh1.ssh1Cipher = &kSsh1Des;
     Identify();
@@ -58,7 +58,7 @@ TEST_F(Ssh2Identification, NothingOfTheOtherProtocolStays) {
     EXPECT_EQ(session.ssh1.ssh1Cipher, nullptr);
 }
 
-// A chunk of no bytes, or what a failed recv gives, in the place of the server's line and later.
+// A chunk of no bytes, or the result of a failed recv, instead of the server's line and later.
 TEST_F(Ssh2Identification, ChunkWithoutBytesIsNoLineAndNoPacket) {
     const auto notify = [](int count) {
         std::memset(session.receive_buffer, '#', kReceiveSize);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The judge on this machine: GMP and libcrypto.
+// The arithmetic of the scripted server on this machine, by GMP and libcrypto.
 #include "tests/ssh2/judge.h"
 
 #include <gmp.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The judge on another processor: what the judge of this machine answered, from the file named by
+// The judge on another processor: reads the answers that judge.cpp has written to the file named by
 // QUILL_JUDGE_ANSWERS. A question that is not in it fails the test.
 #include <gtest/gtest.h>
 

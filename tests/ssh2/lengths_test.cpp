@@ -6,8 +6,8 @@ namespace {
 
 class Ssh2Lengths : public Conversation {
   protected:
-    // Blocks under the server's keys that begin with this packet_length, and a MAC of nothing. They
-    // do not count as a packet.
+    // Blocks that begin with this packet_length, encrypted with the server's keys and without a
+    // MAC. They do not count as a packet.
     std::string Blocks(uint32_t packet_length, size_t count) {
         const uint32_t sent = server.sent;
         const std::string body(8 * count - 4, '\0');
@@ -17,7 +17,7 @@ class Ssh2Lengths : public Conversation {
     }
 };
 
-// No MAC can hold: the second block, where it should stand, is decrypted or the next packet's.
+// No MAC can match: the bytes at its place are a decrypted block or belong to the next packet.
 TEST_F(Ssh2Lengths, ShorterThanABlockBehindACipherAreDropped) {
     for (uint32_t length = 0; length < 4; length++) {
         NewSession();
@@ -45,7 +45,7 @@ TEST_F(Ssh2Lengths, ThatAreNotWholeBlocksBehindACipherAreDropped) {
     }
 }
 
-// The next packet begins a block behind the one that is dropped, and is read from its own head on.
+// The next packet begins one block after the dropped head and is read from its start.
 TEST_F(Ssh2Lengths, TooLongBehindACipherDropsTheDecryptedHeadToo) {
     for (const uint32_t length : {65536u, 0x7fffffffu, 0x80000000u, 0xffffffffu}) {
         NewSession();
@@ -118,7 +118,7 @@ TEST_F(Ssh2Lengths, LongestPacketBehindACipherIsTaken) {
     ExpectOpen();
 }
 
-// It never comes whole: what waits is dropped at last, and with it the thread of the MACs.
+// The packet never fits the buffer. The client drops it in the end, and later MACs do not match.
 TEST_F(Ssh2Lengths, PacketBeyondTheBufferBehindACipherIsDroppedWithItsMac) {
     ToShell();
     const size_t size = 8 * 8190;

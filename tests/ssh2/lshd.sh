@@ -1,19 +1,19 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# lshd behind a relay that holds its first packet back, on a free port of 127.0.0.1, for the user
+# lshd behind a relay that delays its first packet, on a free port of 127.0.0.1, for the user
 # "visitor" with the password "warehouse7"; see tests/peers/serve.sh for output, end and exit codes.
 # Usage: lshd.sh CIPHER
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 
-# use_lsh FOLDER: its programs, and what they need, are unpacked there.
+# use_lsh FOLDER: unpacks the programs of lsh and their libraries into that folder.
 use_lsh() {
     lsh=$1/usr
     host_key=$1/lsh-host-key
     export LD_LIBRARY_PATH="$lsh/lib/x86_64-linux-gnu" LSH_YARROW_SEED_FILE="$1/lsh-seed"
 }
 
-# Two tests may want it at once.
+# Two tests may need it at the same time.
 make_host_key() {
     exec 9>"$host_key.lock"
     flock 9
@@ -33,7 +33,7 @@ free_port() {
     /usr/bin/python3 -c 'import socket; s = socket.create_server(("127.0.0.1", 0)); print(s.getsockname()[1])'
 }
 
-# One connection, inside the name spaces; the first one starts the server.
+# Serves one connection inside the name spaces; the first connection starts the server.
 serve_connection() {
     if [ ! -e /mnt/lsh-port ]; then
         free_port >/mnt/lsh-port

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// A man in the middle who changes one bit. Before the keys he gets no NEWKEYS out of the client,
-// behind them his packet is dropped. One bit of each byte is tried, a different one in each; of
-// long numbers every fifth byte.
+// A man in the middle who changes one bit. Before the keys are in use the client then sends no
+// NEWKEYS; afterwards it drops the packet. The tests change one bit of each byte, a different one
+// each time; in long numbers they change every fifth byte.
 #include "tests/ssh2/conversation.h"
 
 class Ssh2ManInTheMiddle : public Conversation {
   protected:
-    // A new session, up to what is changed in each test.
+    // Starts a new session, up to the message that the test changes.
     void Begin() {
         NewSession();
         server = {};
@@ -17,7 +17,7 @@ class Ssh2ManInTheMiddle : public Conversation {
         Identify();
     }
 
-    // The client has not agreed, whatever it made of the change; nor does it after NEWKEYS.
+    // The client has not agreed to keys, and does not use any after NEWKEYS.
     void ExpectNoKeys(size_t place) {
         Give(Message(21));
         EXPECT_EQ(session.ssh2.cipher, nullptr) << place;
@@ -25,7 +25,7 @@ class Ssh2ManInTheMiddle : public Conversation {
         EXPECT_EQ(outside.wire.find(U32(12) + "\x0a\x15"), std::string::npos) << place;
     }
 
-    // The server goes by what it sent and got itself.
+    // The server computes with the messages that it really sent and received.
     void GoOnWithReply() {
         server.client_kex_init = ClientKexInit(tape, cipher);
         tape.Take(10);  // the padding
@@ -39,8 +39,8 @@ static std::string Changed(std::string bytes, size_t place) {
     return bytes;
 }
 
-// The end of the line is in no hash; changing it changes nothing but the end.
-TEST_F(Ssh2ManInTheMiddle, ABitOfTheLineGetsNoKeys) {
+// The line ending is not part of the hash, so a change of it has no effect on the keys.
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfTheLineGivesNoKeys) {
     const size_t length = server.line.find('\r');
     for (size_t place = 0; place < length; place++) {
         Begin();
@@ -53,8 +53,8 @@ TEST_F(Ssh2ManInTheMiddle, ABitOfTheLineGetsNoKeys) {
     }
 }
 
-// The padding of a packet in the clear is in no hash either.
-TEST_F(Ssh2ManInTheMiddle, ABitOfTheOfferGetsNoKeys) {
+// The padding of an unencrypted packet is not part of the hash either.
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfTheOfferGivesNoKeys) {
     const size_t size = 5 + ServerKexInit().size();
     for (size_t place = 0; place <= size; place++) {
         BeginToOffer();
@@ -70,7 +70,7 @@ TEST_F(Ssh2ManInTheMiddle, ABitOfTheOfferGetsNoKeys) {
     }
 }
 
-TEST_F(Ssh2ManInTheMiddle, ABitOfHostKeyOrPublicValueGetsNoKeys) {
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfHostKeyOrPublicValueGivesNoKeys) {
     const size_t size = 5 + 1 + 4 + HostKeyBlob().size() + 4 + 128;
     for (size_t place = 0; place < size; place += place < 30 ? 1 : 5) {
         BeginToOffer();
@@ -81,8 +81,8 @@ TEST_F(Ssh2ManInTheMiddle, ABitOfHostKeyOrPublicValueGetsNoKeys) {
     }
 }
 
-// Of the blob, the two numbers are what is signed with; their own length field is not looked at.
-TEST_F(Ssh2ManInTheMiddle, ABitOfTheSignatureGetsNoKeys) {
+// Only the two numbers of the blob are checked; the client ignores their length field.
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfTheSignatureGivesNoKeys) {
     BeginToOffer();
     Offer();
     const size_t end = 5 + KexDhReply(server, "SSH-2.0-1.0.00").size();
@@ -95,7 +95,7 @@ TEST_F(Ssh2ManInTheMiddle, ABitOfTheSignatureGetsNoKeys) {
     }
 }
 
-TEST_F(Ssh2ManInTheMiddle, ABitOfOurValueOrOfferFailsAtTheServersSignature) {
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfOurValueOrOfferFailsTheServersSignature) {
     for (const bool offer : {false, true}) {
         BeginToOffer();
         Offer();
@@ -107,7 +107,7 @@ TEST_F(Ssh2ManInTheMiddle, ABitOfOurValueOrOfferFailsAtTheServersSignature) {
     }
 }
 
-TEST_F(Ssh2ManInTheMiddle, ABitOfCiphertextOrMacDropsThePacketAndWhatFollows) {
+TEST_F(Ssh2ManInTheMiddle, AChangedBitOfCiphertextOrMacDropsThePacketAndAllLaterOnes) {
     const size_t size = 4 + 1 + Data("rm -rf /").size() + 10 + 20;
     ASSERT_EQ(size % 8, 4u) << "whole blocks and the MAC";
     for (size_t place = 0; place < size; place++) {

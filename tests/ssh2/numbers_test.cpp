@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Numbers of every length in the exchange of keys: with a random exponent the public values and the
-// secret are of 128 bytes, and shorter once in 256. Here the exponents of both sides are chosen.
+// Numbers of every length in the key exchange. With random exponents the public values and the
+// secret have 128 bytes and are shorter only once in 256 times. These tests choose both exponents.
 #include "tests/ssh2/conversation.h"
 
 namespace {
@@ -22,7 +22,7 @@ class Ssh2Numbers : public Conversation {
         Identify();
     }
 
-    // The client draws these exponents, the lowest byte of each first, and takes the last of them.
+    // The client draws these exponents, each from its lowest byte on, and uses the last one.
     void OfferWith(const std::vector<std::string>& exponents) {
         server.server_kex_init = ServerKexInit();
         tape = Tape(5);
@@ -40,7 +40,7 @@ class Ssh2Numbers : public Conversation {
         Expect(Message(30, server.e = ClientPublic(tape)));
     }
 
-    // Keys that both sides have alike carry the session to its shell.
+    // Expects that both sides have the same keys: the session goes on to the password request.
     void ExpectAgreement() {
         Reply();
         SwitchKeys();
@@ -51,7 +51,7 @@ class Ssh2Numbers : public Conversation {
         ExpectOpen();
     }
 
-    // The first of the secrets 2, 3, ... with which `holds`.
+    // Finds the first of the server's secrets 2, 3, ... for which `holds` is true.
     template <typename Condition>
     void SearchSecret(Condition holds) {
         for (unsigned secret = 2; secret < 20000; secret++) {
@@ -116,7 +116,8 @@ TEST_F(Ssh2Numbers, SecretAndPublicValueWithALeadingZeroByteAgree) {
     }
 }
 
-// No server chooses them: the secret is one of the two again, by the exponent's lowest bit.
+// No real server chooses these values. The secret is again one of the two values, by the exponent's
+// lowest bit.
 TEST_F(Ssh2Numbers, PublicValuesAtBothEndsOfTheGroupAreTaken) {
     const std::string first = "1", last = kPrimeLessOne;
     for (const unsigned x : {6u, 7u}) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The doubles.
+// The doubles of outside.h.
 #include "tests/ssh2/outside.h"
 
 #include "connection/connection.h"
@@ -58,7 +58,7 @@ int MessageBoxW(HWND, LPCWSTR text, LPCWSTR caption, UINT) {
     return IDOK;
 }
 
-// Each random byte is drawn here, by way of the linker.
+// The linker redirects each draw of a random byte to this function (--wrap).
 uint8_t RealRandomByte() __asm__("__real__Z10RandomBytev");
 uint8_t DrawRandomByte() __asm__("__wrap__Z10RandomBytev");
 uint8_t DrawRandomByte() {

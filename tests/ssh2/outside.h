@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What protocol/ssh/ calls outside itself, as doubles that record: the socket, the terminal, the
-// Sign on dialog, message boxes and the connection manager. Chunks come in through OnSocketEvent,
-// and terminal bytes leave through SessionSend, as in the program.
+// Recording doubles of everything that protocol/ssh/ calls: the socket, the terminal, the Sign on
+// dialog, message boxes and the connection manager. Chunks arrive through OnSocketEvent, and
+// terminal bytes leave through SessionSend, as in the program.
 #ifndef QUILL_TESTS_SSH2_OUTSIDE_H
 #define QUILL_TESTS_SSH2_OUTSIDE_H
 
@@ -12,29 +12,29 @@
 #include "session/session_state.h"
 
 struct Outside {
-    std::string wire;                  // what the socket took and nobody looked at yet
-    std::string display;               // what the terminal got
+    std::string wire;                  // sent bytes that no test step has read yet
+    std::string display;               // bytes that the terminal got
     std::vector<std::string> boxes;    // message boxes as "caption: text"
-    std::function<void()> during_box;  // what happens while one is shown
-    std::function<void()> on_display;  // what the terminal does with what it got
-    std::string drawn;                 // random bytes to draw before those of the generator
-    std::function<bool()> sign_on;     // the dialog's person; none: Cancel
+    std::function<void()> during_box;  // runs while a message box is shown
+    std::function<void()> on_display;  // runs at each write to the terminal
+    std::string drawn;                 // random bytes that come before the generator's
+    std::function<bool()> sign_on;     // answers the dialog; empty: Cancel
     int sign_ons = 0;                  // how often the dialog was shown
     int closes = 0;                    // how often the socket was closed
-    int statuses = 0;                  // of the status line
+    int statuses = 0;                  // updates of the status line
     int terminal_writes = 0;           // calls of TerminalWrite
-    int sends_that_fail = 0;           // the next so many fail
+    int sends_that_fail = 0;           // the number of next sends that fail
 };
 extern Outside outside;
 
-// A connected session that nothing has come on, "visitor" with the password "warehouse7", terminal
-// type "vt220"; the clock stands at `milliseconds`.
+// Starts a connected session without received data: user "visitor", password "warehouse7", terminal
+// type "vt220". The clock is fixed at `milliseconds`.
 void NewSession(int milliseconds = 5);
 
-// Bytes from the host, in chunks of at most `chunk`.
+// Passes bytes of the host to the client, in chunks of at most `chunk`.
 void Receive(const std::string& bytes, size_t chunk = kReceiveSize);
 
-// Terminal bytes.
+// Sends bytes that the user types.
 void Type(const std::string& bytes);
 
 void SetText(WCHAR* field, const char* text);

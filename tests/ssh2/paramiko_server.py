@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 # paramiko as the server, on a free port of 127.0.0.1, for "visitor" with "warehouse7"; a bash on a
-# real pty. Triple DES is all it shares with the client.
+# real pty. Triple DES is the only cipher that it shares with the client.
 import os
 import socket
 import threading

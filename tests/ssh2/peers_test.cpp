@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The program against real SSH-2 servers: signing on, a shell's size and type, much output, much
-// input, new keys in mid-session, the server's end.
+// The program against real SSH-2 servers: sign-on, the shell's window size and terminal type, much
+// output, much input, new keys in mid-session, the end of the server.
 #include <gtest/gtest.h>
 #include <QCryptographicHash>
 #include <QProcess>
@@ -25,7 +25,7 @@ struct Server : RealServer {
 struct Peer {
     const char* name;
     QStringList command;
-    QStringList rekeying;  // new keys every megabyte; empty: the server cannot be told to
+    QStringList rekeying;  // new keys every megabyte; empty: not supported
     DWORD ssh_type;
 };
 
@@ -40,12 +40,12 @@ const Peer kPeers[] = {
 };
 // clang-format on
 
-// What a listing of the tests shows of it.
+// The name that a list of the tests shows.
 void PrintTo(const Peer& peer, std::ostream* out) { *out << peer.name; }
 
 class Ssh2Peer : public testing::TestWithParam<Peer> {};
 
-// What the terminal was given, by way of the linker: each call of TerminalWrite passes here.
+// What the terminal got: the linker redirects each call of TerminalWrite (--wrap).
 std::string g_received;
 size_t g_received_digits;
 int g_key_exchanges;
@@ -64,7 +64,7 @@ void UseSsh2(DWORD ssh_type) {
     });
 }
 
-// Into the dialog, as a person does.
+// Types into the dialog as a person does.
 void SignOn(const char16_t* user, const char16_t* password) {
     const HWND dialog = AwaitDialog("Sign on to the host");
     ASSERT_NE(dialog, nullptr);
@@ -93,7 +93,7 @@ void Send(const std::string& bytes) {
 
 }  // namespace
 
-// ---------------------------------------------------------------- by way of the linker
+// ---------------------------------------------------------------- redirected by the linker
 
 void RealTerminalWrite(const BYTE* bytes, int count) __asm__("__real__Z13TerminalWritePKhi");
 void RecordTerminalWrite(const BYTE* bytes, int count) __asm__("__wrap__Z13TerminalWritePKhi");
@@ -119,7 +119,7 @@ void CountGrant() {
     RealChannelSuccess();
 }
 
-// ---------------------------------------------------------------- what each server must take
+// ---------------------------------------------------------------- tests with each server
 
 TEST_P(Ssh2Peer, ShellKnowsItsSizeAndItsTerminalAndTheStatusIsSecure) {
     Server server(GetParam().command);
@@ -175,7 +175,7 @@ TEST_P(Ssh2Peer, TwentyThousandLinesArriveWhole) {
     });
 }
 
-// Without line discipline, so that the pty holds nothing back; every byte value but the pty's own.
+// In raw mode, so that the pty buffers no lines. Every byte value except the pty's control bytes.
 TEST_P(Ssh2Peer, TwelveThousandBytesOfInputArriveWhole) {
     Server server(GetParam().command);
     START_OR_SKIP(server);
@@ -241,8 +241,8 @@ TEST_P(Ssh2Peer, LeavingTheShellEndsTheSessionWithoutABox) {
     });
 }
 
-// lshd grants the pty and then closes the channel: it wants a list of terminal modes that says
-// where it ends, and ours is empty.
+// lshd grants the pty and then closes the channel: it requires a list of terminal modes with an end
+// mark, and ours is empty.
 class Ssh2Lsh : public testing::TestWithParam<Peer> {};
 
 TEST_P(Ssh2Lsh, SignsOnAtTheSecondPasswordAndGetsAPty) {

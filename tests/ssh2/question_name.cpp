@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Names of questions to the judge.
+// Names the questions to the judge by a hash of their inputs.
 #include <cinttypes>
 #include <cstdio>
 

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-# A relay before a server that sends its line and its first packet in one chunk: it holds back what
-# follows the line until the client's line has come.
+# A relay in front of a server that sends its line and its first packet in one chunk. It keeps what
+# follows the line until the client's line has arrived.
 # Usage: relay.py --standard-input PORT     for the client on standard input, a socket
 # Imported: start(PORT) listens for clients and returns its own port.
 import socket
@@ -30,7 +30,7 @@ def read_line(connection):
 
 
 def connect(port):
-    """The server may only just have been started."""
+    """Retries, because the server may still be starting."""
     for attempt in range(100):
         try:
             return socket.create_connection(("127.0.0.1", port))

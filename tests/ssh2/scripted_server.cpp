@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The server's side of SSH-2.
+// The server's side of SSH-2: packets, keys, signature and key exchange.
 #include "tests/ssh2/scripted_server.h"
 
 #include <gtest/gtest.h>

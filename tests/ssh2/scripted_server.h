@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The server's side of SSH-2 (RFC 4253), on GMP and libcrypto: it takes nothing from protocol/ssh/
-// or crypto/, so what the client sends is judged by other code. Its numbers are fixed.
+// The server's side of SSH-2 (RFC 4253), on GMP and libcrypto. It uses nothing of protocol/ssh/ or
+// crypto/, so independent code checks what the client sends. Its numbers are fixed.
 #ifndef QUILL_TESTS_SSH2_SCRIPTED_SERVER_H
 #define QUILL_TESTS_SSH2_SCRIPTED_SERVER_H
 
@@ -19,8 +19,8 @@ std::string Hex(const std::string& bytes);
 
 // ---------------------------------------------------------------- the client's randomness
 
-// What the client draws from its generator after it has seeded it from this clock. Made before the
-// client does so: both use the one generator of the process.
+// The random bytes that the client draws after it has seeded its generator from this clock. Create
+// it before the client seeds: both use the single generator of the process.
 struct Tape {
     explicit Tape(int milliseconds);
     std::string Take(size_t count);
@@ -41,21 +41,20 @@ struct ScriptedServer {
     std::string client_kex_init, server_kex_init;  // payloads
     std::string secret =                           // the exponent, in hexadecimal digits
         "a1b2c3d4e5f60718293a4b5c6d7e8f90123456789abcdef0fedcba9876543210";
-    std::string public_value, agreed;  // in such digits, where no exponent of its own gives them
+    std::string public_value, agreed;  // hexadecimal; set if not computed from the exponent
     std::string e, f, k;               // mpints
     std::string hash, session_id;
     std::shared_ptr<CipherStream> to_client, from_client;
     std::string mac_to_client, mac_from_client;  // keys
 };
 
-// The next packet to the client. Its padding is the least there may be, and `more` blocks.
+// The next packet to the client, with the least padding allowed plus `more` blocks.
 std::string Seal(ScriptedServer& server, const std::string& payload, int more = 0);
-// The same with a packet_length and padding of the test's own; `body` follows the length field.
+// The same with packet_length and padding from the test; `body` follows the length field.
 std::string SealBody(ScriptedServer& server, uint32_t packet_length, const std::string& body);
 
-// Takes the next packet of the client off `wire` and returns its payload. Fails the test, and
-// returns "broken", unless everything about it is as it must be: the length, the padding taken from
-// the tape, the MAC.
+// Takes the next packet of the client off `wire` and returns its payload. Fails the test and
+// returns "broken" if the length, the padding (drawn from the tape) or the MAC is wrong.
 std::string Open(ScriptedServer& server, Tape& tape, std::string* wire);
 
 // The same wherever the padding comes from; it is put into *padding, which stays as it was where
@@ -64,17 +63,17 @@ std::string Unseal(ScriptedServer& server, std::string* wire, std::string* paddi
 bool PacketWaits(const ScriptedServer& server, const std::string& wire);  // a whole one
 
 std::string ServerKexInit(const std::string& cookie = std::string(16, 'c'));
-// What the client must offer; `cipher` empty: its two lists left out.
+// The KEXINIT that the client must send; with an empty `cipher` it lacks the two cipher lists.
 std::string ClientKexInit(Tape& tape, const std::string& cipher);
-// The client's public value, by the exponent that stands on the tape.
+// The client's public value, computed from the exponent on the tape.
 std::string ClientPublic(Tape& tape);
 
 std::string HostKeyBlob();
-std::string SignatureBlob(const std::string& hash);  // of a good signature over the hash
+std::string SignatureBlob(const std::string& hash);  // with a correct signature of the hash
 
 // KEXDH_REPLY for the client's e; computes k and hash.
 std::string KexDhReply(ScriptedServer& server, const std::string& client_line);
-// From here on in both directions, as both NEWKEYS have been sent.
+// Uses the new keys in both directions, after both NEWKEYS.
 void InstallKeys(ScriptedServer& server);
 
 #endif

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Secrets are wiped as soon as they are spent, and all of them at the end of the session.
+// Secrets are wiped as soon as they are no longer needed, and all of them at the session's end.
 #include "connection/connection.h"
 #include "crypto/ciphers.h"
 #include "crypto/packet_checks.h"
@@ -13,7 +13,7 @@ class Ssh2Secrets : public Conversation {};
 
 const std::string kPassword = "a password of 30 bytes, no less";
 
-// What the keys in use make of a block, in each direction, and of a packet.
+// The results of the keys in use for a block in each direction and for a packet's MAC.
 std::string Fingerprint(const SshCipher& cipher) {
     BYTE out[8] = {}, in[8] = {}, packet[8 + kSha1Size] = {};
     cipher.encrypt(out, 8);
@@ -24,14 +24,14 @@ std::string Fingerprint(const SshCipher& cipher) {
     return bytes.append(packet + 8, packet + sizeof(packet));
 }
 
-// Of no keys at all. The incoming MAC key cannot be seen but by a MAC that holds.
+// The fingerprint without keys. The incoming MAC key shows only in a MAC that matches.
 std::string FingerprintOfNone(const SshCipher& cipher) {
     WipeCipherKeys();
     WipeMacKeys();
     return Fingerprint(cipher);
 }
 
-TEST_F(Ssh2Secrets, KeysAreNowhereButInTheirCiphersOnceTheyAreInUse) {
+TEST_F(Ssh2Secrets, KeysInUseAreOnlyInTheirCiphers) {
     ToService();
     EXPECT_EQ(session.ssh2.K, nullptr);
     for (const BYTE byte : session.ssh2.keyBlock) ASSERT_EQ(byte, 0);
@@ -65,11 +65,11 @@ TEST_F(Ssh2Secrets, IncomingMacKeyIsForgottenToo) {
     OnSocketEvent(1);
     BYTE packet[8 + kSha1Size] = {};
     WipeCipherKeys();
-    kHmacSha1.generate(packet, 8, 0);  // with the outgoing key, which is none
+    kHmacSha1.generate(packet, 8, 0);  // with the outgoing key, which is cleared
     EXPECT_EQ(kHmacSha1.verify(packet, 8, 0), 1) << "as the incoming one is";
 }
 
-TEST_F(Ssh2Secrets, FailedExchangeLeavesNothingBehindTheSession) {
+TEST_F(Ssh2Secrets, FailedExchangeLeavesNothingAfterTheSession) {
     Identify();
     Offer();
     KexDhReply(server, "SSH-2.0-1.0.00");
@@ -88,7 +88,7 @@ TEST_F(Ssh2Secrets, PasswordIsNotLeftOnTheStack) {
     Expect(PasswordRequest("visitor", kPassword));
 }
 
-TEST_F(Ssh2Secrets, WhatWaitsForNewKeysIsWipedBeforeItIsReleased) {
+TEST_F(Ssh2Secrets, DataHeldForNewKeysIsWipedBeforeItIsReleased) {
     const std::string typed = "typed while keys are exchanged", more = " and more of it";
     ToShell();
     Offer();
@@ -107,7 +107,7 @@ TEST_F(Ssh2Secrets, WhatWaitsForNewKeysIsWipedBeforeItIsReleased) {
     Expect(ClientData(typed + more));
 }
 
-TEST_F(Ssh2Secrets, WhatWaitsAtTheEndOfTheSessionIsWipedToo) {
+TEST_F(Ssh2Secrets, DataHeldAtTheEndOfTheSessionIsWipedToo) {
     const std::string typed = "typed while keys are exchanged";
     ToShell();
     Offer();

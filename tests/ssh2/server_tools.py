@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# What the Python servers of these tests share: the user, a shell on a real pty, the port as first
-# line, and the end with standard input.
+# What the Python servers of these tests share: the user, a shell on a real pty, the port as the first
+# line of output, and the end when standard input closes.
 import fcntl
 import os
 import pty

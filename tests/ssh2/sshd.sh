@@ -6,7 +6,7 @@
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 
-# One connection, inside the name spaces, where /etc and /mnt are throwaway copies.
+# Serves one connection inside the name spaces, where /etc and /mnt are temporary copies.
 serve_connection() {
     if [ ! -e /mnt/sshd_config ]; then
         mkdir -p /mnt/run/sshd

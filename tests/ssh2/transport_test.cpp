@@ -52,7 +52,7 @@ TEST_F(Ssh2Packets, ChunksOfEverySizeMakeTheSamePackets) {
     }
 }
 
-// The padding of such a packet is less than four bytes, which nobody minds.
+// Such a packet has less than four bytes of padding, which the client accepts.
 TEST_F(Ssh2Packets, PacketOfOneBlockNeedsOnlyItsHeadDecrypted) {
     ToShell();
     const uint32_t before = session.ssh2.recvSeq;
@@ -120,7 +120,7 @@ TEST_F(Ssh2Packets, SequenceNumbersBeginAgainAfterTheLast) {
     EXPECT_EQ(session.ssh2.recvSeq, 2u);
 }
 
-TEST_F(Ssh2Packets, NegativeOrTooLongLengthDropsAllThatWaits) {
+TEST_F(Ssh2Packets, NegativeOrTooLongLengthDropsTheWholeBuffer) {
     for (const uint32_t length : {0x80000000u, 0xffffffffu, 65536u}) {
         NewSession();
         server = {};
@@ -137,11 +137,11 @@ TEST_F(Ssh2Packets, LengthOf65535IsWaitedForUntilTheBufferOverflows) {
     Identify();
     Receive(U32(65535) + std::string(65531, 'x'));
     EXPECT_EQ(session.ssh.recvFill, 65535);
-    Offer();  // does not fit behind it: what waited is dropped
+    Offer();  // does not fit behind it, so the buffer is dropped
     Reply();
 }
 
-TEST_F(Ssh2Packets, OneByteBeyondAFullBufferDropsWhatWaits) {
+TEST_F(Ssh2Packets, OneByteBeyondAFullBufferDropsTheBuffer) {
     Identify();
     server.server_kex_init = ServerKexInit();
     const std::string offer = Seal(server, server.server_kex_init);
@@ -203,10 +203,10 @@ TEST_F(Ssh2Packets, DisconnectIsIgnored) {
     EXPECT_EQ(outside.display, "still here");
 }
 
-// Nothing that carries a password or a terminal's bytes is asked for or shown in the clear.
+// Without encryption the client neither asks for a password nor shows data.
 TEST_F(Ssh2Packets, MessagesOfLaterLayersAreIgnoredInTheClear) {
     const std::function<void()> steps[] = {[this] { Identify(); }, [this] { Offer(); },
-                                           [this] { Reply(); }};  // our NEWKEYS is out
+                                           [this] { Reply(); }};  // our NEWKEYS has been sent
     for (const auto& step : steps) {
         step();
         for (const int number : {6, 51, 52, 91, 94, 95, 99})
@@ -220,7 +220,7 @@ TEST_F(Ssh2Packets, MessagesOfLaterLayersAreIgnoredInTheClear) {
     Expect(Message(5, Str("ssh-userauth")));
 }
 
-TEST_F(Ssh2Packets, MessagesThatEndASessionEndItInTheClearToo) {
+TEST_F(Ssh2Packets, MessagesThatEndASessionEndItBeforeEncryptionToo) {
     for (const int number : {60, 92, 97, 100}) {
         NewSession();
         server = {};
@@ -237,17 +237,17 @@ TEST_F(Ssh2Packets, BufferIsHandedBackWhereAPacketEndsTheSession) {
     EXPECT_EQ(session.receive_ready, 1u);
 }
 
-TEST_F(Ssh2Packets, SessionOfTheOtherProtocolIsNoneOfThisOne) {
+TEST_F(Ssh2Packets, PacketsOfASessionBegunAsTheOtherProtocolAreIgnored) {
     session.settings.ssh_type2 = 0;
     Receive(server.line);
     outside.wire.clear();
-    session.settings.ssh_type2 = 1;  // chosen for the next session
+    session.settings.ssh_type2 = 1;  // the setting for the next session
     Give(ServerKexInit());
     ExpectSilence();
     ExpectOpen();
 }
 
-TEST_F(Ssh2Packets, StringsAreReadInsideThePacketAlone) {
+TEST_F(Ssh2Packets, StringsAreReadOnlyInsideThePacket) {
     ToShell();
     Give(Message(2, U32(0x80000000) + "abc"));
     const BYTE* data = reinterpret_cast<const BYTE*>("");
@@ -298,7 +298,7 @@ TEST_F(Ssh2KeyExchange, UnknownSshTypeLeavesTheCipherListsOut) {
     EXPECT_EQ(session.ssh2.cipher, &kTripleDesCbc);
 }
 
-TEST_F(Ssh2KeyExchange, EverySeedOfTheClockIsFollowed) {
+TEST_F(Ssh2KeyExchange, EverySeedOfTheClockIsUsed) {
     for (const int milliseconds : {0, 1, 36, 37, 999, 1000, 1005, 61000, 3599999}) {
         NewSession(milliseconds);
         server = {};
@@ -436,7 +436,7 @@ TEST_F(Ssh2KeyExchange, SecondReplyDoesNotTouchTheAgreedKeys) {
     Expect(Message(5, Str("ssh-userauth")));
 }
 
-TEST_F(Ssh2KeyExchange, SecondKexInitStartsTheExchangeAnew) {
+TEST_F(Ssh2KeyExchange, SecondKexInitRestartsTheExchange) {
     Identify();
     Offer();
     Offer();
@@ -446,8 +446,8 @@ TEST_F(Ssh2KeyExchange, SecondKexInitStartsTheExchangeAnew) {
     ExpectClosed();
 }
 
-// The server's NEWKEYS then brings the keys of the last exchange alone.
-TEST_F(Ssh2KeyExchange, SecondExchangeBeforeNewKeysTakesThePlaceOfTheFirst) {
+// The server's NEWKEYS then activates only the keys of the last exchange.
+TEST_F(Ssh2KeyExchange, SecondExchangeBeforeNewKeysReplacesTheFirst) {
     Identify();
     Offer();
     Reply();
@@ -558,8 +558,8 @@ TEST_F(Ssh2KeyExchange, TypingMeanwhileWaitsForTheNewKeys) {
     ExpectSilence();
 }
 
-// Many small answers of the terminal, as a host can provoke them.
-TEST_F(Ssh2KeyExchange, WhatWaitsMovesBySizeAndNotWithEachPiece) {
+// Many small replies of the terminal, as a host can trigger them.
+TEST_F(Ssh2KeyExchange, HeldDataIsNotReallocatedForEachPiece) {
     ToShell();
     Offer();
     std::string typed;
@@ -580,7 +580,7 @@ TEST_F(Ssh2KeyExchange, WhatWaitsMovesBySizeAndNotWithEachPiece) {
     EXPECT_EQ(session.ssh2.heldData, nullptr);
 }
 
-TEST_F(Ssh2KeyExchange, PieceThatFindsNoRoomAmongWhatWaitsIsLostWhole) {
+TEST_F(Ssh2KeyExchange, PieceThatDoesNotFitTheHeldDataIsDroppedWhole) {
     static constexpr size_t kMost = kSsh2MaxHeld;
     ToShell();
     Offer();
@@ -606,7 +606,7 @@ TEST_F(Ssh2KeyExchange, PieceThatFindsNoRoomAmongWhatWaitsIsLostWhole) {
     Expect(ClientData("after"));
 }
 
-// Every packet of it, both ways of the session around it too.
+// Every packet of the exchange, and of the session before and after it.
 TEST_F(Ssh2KeyExchange, InMidSessionComesInOneByteChunks) {
     for (const DWORD type : {1u, 2u}) {
         NewSession();
@@ -663,10 +663,10 @@ TEST_F(Ssh2KeyExchange, EndOfTheSessionWipesItsSecrets) {
     EXPECT_EQ(session.ssh.recvFill, 0);
 }
 
-// As when the user asks for one more connection while this one stands.
-TEST_F(Ssh2KeyExchange, LineInMidSessionStartsAllOfItAnew) {
+// As when the user connects again while this connection is up.
+TEST_F(Ssh2KeyExchange, LineInMidSessionRestartsTheProtocol) {
     ToShell();
-    Offer();  // and an exchange is under way
+    Offer();  // a key exchange is in progress
     Type("held");
     session.banner_sent = 0;
     server = {};
@@ -682,10 +682,10 @@ TEST_F(Ssh2KeyExchange, LineInMidSessionStartsAllOfItAnew) {
     ExpectSilence();
 }
 
-TEST_F(Ssh2KeyExchange, NextSessionKnowsNothingOfTheLast) {
+TEST_F(Ssh2KeyExchange, NextSessionKeepsNoStateOfTheLast) {
     Identify();
     Offer();
-    Reply();  // our NEWKEYS has gone out
+    Reply();  // our NEWKEYS has been sent
     session.banner_sent = 0;
     outside.wire.clear();
     server = {};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The recorder of drawing calls.
+// Records the drawing calls, paints and frames of the program.
 #include "tests/support/drawn.h"
 
 #include "platform/qt/window/window.h"

@@ -11,19 +11,19 @@
 struct DrawCall {
     enum class Kind { kText, kFill, kLine, kPaint, kFrame } kind;
     HWND window = nullptr;
-    RECT rect = {};  // filled by the call; a line's two ends
+    RECT rect = {};  // the area that the call fills, or the two ends of a line
     std::u16string text = {};
-    COLORREF color = 0;  // of text or line
+    COLORREF color = 0;  // of the text or the line
     COLORREF background = 0;
 };
 
-// Looks on, and so does whoever looked on before. The counts begin anew.
+// Starts to observe the platform's drawing; an earlier observer is still called. Resets the counts.
 void WatchDrawing();
 
-void StartRecording();  // forgets what was recorded
+void StartRecording();  // discards earlier records
 void StopRecording();
 const std::vector<DrawCall>& RecordedCalls();
-int PaintCount();  // WM_PAINTs since WatchDrawing
+int PaintCount();  // WM_PAINT messages since WatchDrawing
 int FrameCount();
 
 #endif

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A host on loopback whose every byte the test decides.
+// A host on loopback. The test decides every byte that it sends.
 #ifndef QUILL_TESTS_SUPPORT_FAKE_HOST_H
 #define QUILL_TESTS_SUPPORT_FAKE_HOST_H
 
@@ -13,17 +13,19 @@ struct FakeHost {
 
     int port = 0;
 
-    bool Accept(int milliseconds = 10000);  // the next connection, which replaces the one before
+    bool Accept(int milliseconds = 10000);  // takes the next connection and closes the previous one
     bool Send(const std::string& bytes);
     void SendUrgent(char byte);
-    size_t TrySend(const std::string& bytes);                  // what the sockets take at once
-    std::string Read(size_t count, int milliseconds = 10000);  // exactly, or what came in time
-    std::string ReadSome(int milliseconds);                    // what comes within the time
-    bool Closed(int milliseconds = 10000);                     // the client's end has been closed
-    void Drop();                                               // an orderly close
-    void Reset();                                              // an abort
+    size_t TrySend(const std::string& bytes);  // sends what fits without waiting; returns the count
+    // `count` bytes, or fewer at the time limit.
+    std::string Read(size_t count, int milliseconds = 10000);
+    std::string ReadSome(int milliseconds);  // everything that arrives within the time
+    bool Closed(int milliseconds = 10000);   // true once the client has closed its end
+    void Drop();                             // an orderly close
+    void Reset();                            // an abort
 
-    std::string Config(const std::string& more = "") const;  // mconfig.cfg that connects here
+    // The text of an mconfig.cfg that connects here.
+    std::string Config(const std::string& more = "") const;
 
     int listener = -1;
     int connection = -1;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The search on the stack, and at each release of a block.
+// Searches the stack, and each heap block when it is released, for copies of a secret.
 #include "tests/support/leftovers.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <cstring>
 
 extern "C" {
-// Of the sanitizers' runtime; null in a build without one.
+// A function of the sanitizer runtime; null in a build without sanitizers.
 [[gnu::weak]] int __sanitizer_install_malloc_and_free_hooks(void (*)(const volatile void*, size_t),
                                                             void (*)(const volatile void*));
 [[gnu::weak]] size_t __sanitizer_get_allocated_size(const volatile void*);
@@ -20,9 +20,9 @@ extern "C" {
 namespace {
 
 const size_t kStackSize = 1 << 20;
-const size_t kPatternSize = 16;  // long enough not to stand there by chance
+const size_t kPatternSize = 16;  // long enough that a match is not chance
 
-// Reads what the sanitizer may hold for out of use.
+// Reads memory that the sanitizer may consider unused.
 __attribute__((no_sanitize("address"))) int Occurrences(const uint8_t* memory, size_t size,
                                                         const uint8_t* pattern) {
     int count = 0;

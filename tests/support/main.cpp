@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The main function of tests that need the window system; offscreen unless told otherwise.
+// The main function of tests that need the window system; offscreen unless QT_QPA_PLATFORM is set.
 #include <gtest/gtest.h>
 #include <QApplication>
 

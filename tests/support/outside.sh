@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-# What the scripts share that drive the program from outside, on an X server of their own; sourced by
-# them. All that is started is ended, and $work removed, when the script ends.
+# Functions for the scripts that drive the program from outside, on a private X server. The scripts
+# source this file. When a script ends, every process that it started is ended and $work is removed.
 #
-# Exit code 77 of a script: not possible here.
+# Exit code 77 of a script means: the test is not possible on this machine.
 
 script=$(basename "$0")
 fail() { echo "$script: $1" >&2; exit 1; }
@@ -23,10 +23,10 @@ clean_up() {
 }
 trap clean_up EXIT
 
-# ends_with_us PID: of what was started; the newest is ended first.
+# ends_with_us PID: ends that process together with the script; the newest process goes first.
 ends_with_us() { started="$1 $started"; }
 
-# await SECONDS COMMAND...: until it succeeds.
+# await SECONDS COMMAND...: repeats the command until it succeeds.
 await() {
     tries=$(($1 * 10))
     shift
@@ -39,14 +39,14 @@ await() {
 
 has_line() { [ "$(wc -l <"$1")" -ge 1 ]; }
 
-# first_line FILE: waits for it.
+# first_line FILE: waits for the first line of the file and prints it.
 first_line() {
     await 10 has_line "$1" || fail "nothing came into $1"
     head -n 1 "$1"
 }
 
-# open_screen [WIDTHxHEIGHT]: the X server. It repeats no key: on a busy machine one that is only
-# pressed would be.
+# open_screen [WIDTHxHEIGHT]: starts the X server, without key repeat: on a busy machine even a short
+# press would repeat.
 open_screen() {
     : >"$work/display"
     Xvfb -r -displayfd 3 -screen 0 "${1:-1024x768}x24" -nolisten tcp 3>"$work/display" 2>/dev/null &
@@ -57,11 +57,11 @@ open_screen() {
 
 session_title='^Quill Telnet  \[127.0.0.1\]'
 
-# has_window PATTERN: of a title.
+# has_window PATTERN: true if a window has a title that matches.
 has_window() { xdotool search --name "$1" 2>/dev/null | grep -q .; }
 
-# start_program PORT OPTIONS...: $program in a session with a host at that port of this machine, its
-# notice of the import answered; sets `client`.
+# start_program PORT OPTIONS...: starts $program, answers its notice of the import and connects it to
+# the host at that port of this machine; sets `client`.
 start_program() {
     rm -rf "$work/root"
     mkdir "$work/root"
@@ -75,8 +75,8 @@ start_program() {
     answer_notice
 }
 
-# What has not got the keyboard yet is asked again. The main window has its title once the notice is
-# answered.
+# A box that does not have the keyboard focus yet loses the key, so the key is repeated. The main
+# window has its title once the notice is answered.
 answer_notice() {
     for try in 1 2 3 4 5; do
         xdotool key Return
@@ -85,7 +85,7 @@ answer_notice() {
     fail "the notice did not close"
 }
 
-# find_window: sets `window`, the one with the title of the session.
+# find_window: sets `window` to the window with the title of the session.
 finds_window() {
     window=$(xdotool search --name "$session_title" 2>/dev/null | head -n 1)
     [ -n "$window" ]

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The person at the device.
+// The person at the device: actions on a second thread while the program runs on the main thread.
 #include "tests/support/person.h"
 
 #include <gtest/gtest.h>
@@ -46,7 +46,7 @@ void SendKey(QEvent::Type type, int key, Qt::KeyboardModifiers modifiers, const 
     QApplication::sendEvent(target, &event);
 }
 
-// Waits until the box is gone, so that it is not taken for the next one.
+// Waits until the box is gone, so that the next AwaitBox does not find it again.
 void PressButton(QMessageBox::StandardButton button) {
     QPointer<QMessageBox> box;
     OnWindowThread([&] {
@@ -58,7 +58,7 @@ void PressButton(QMessageBox::StandardButton button) {
     Eventually([&] { return box.isNull(); });
 }
 
-// What the person sees, looked at where nothing changes it meanwhile.
+// Reads what the person sees on the window thread, where nothing changes it at the same time.
 template <typename Result>
 Result Seen(const std::function<Result()>& look) {
     if (!qApp || qApp->thread() == QThread::currentThread()) return look();

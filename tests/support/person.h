@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Drives the real program in this process as a person would: WinMain runs on the main thread, the
-// person's actions on another one. Every call below is the person's and waits until it is done.
+// person's actions run on another one. Every call below is made on the person's thread and returns
+// when the action is done.
 #ifndef QUILL_TESTS_SUPPORT_PERSON_H
 #define QUILL_TESTS_SUPPORT_PERSON_H
 
@@ -12,11 +13,11 @@
 #include "windows_ce.h"
 
 struct Stage {
-    std::string root = {};  // the device's root folder; empty: a fresh one
+    std::string root = {};  // the device's root folder; empty: a new one
     int width = 640;        // pixels of the device's screen
     int height = 480;
     std::string config = {};            // text of mconfig.cfg; empty: no file
-    std::function<void()> before = {};  // on the window thread, before the program starts
+    std::function<void()> before = {};  // runs on the window thread before the program starts
 };
 
 // Runs the program from start to end; returns its exit code. When `person` returns while the
@@ -38,14 +39,14 @@ void ResizeDevice(int width, int height);
 std::string AwaitBox(int milliseconds = 10000);
 void PressOk();
 void PressCancel();
-bool DismissBox(const std::string& expected);  // waits for that very box, then presses OK
+bool DismissBox(const std::string& expected);  // waits for exactly this box, then presses OK
 
-std::string TerminalRow(int row);  // of the grid, trailing blanks cut
-std::string TerminalText();        // all rows, a line each
-std::string DrawnText();           // as it stands drawn on the terminal's window
+std::string TerminalRow(int row);  // a row of the grid without trailing blanks
+std::string TerminalText();        // all rows, one line for each
+std::string DrawnText();           // as drawn on the terminal window
 std::string StatusText();
 std::string Title();
-QImage Picture();                             // of the whole device
+QImage Picture();                             // of the whole device screen
 bool TerminalShows(const std::string& text);  // waits until the grid holds the text
 
 #endif

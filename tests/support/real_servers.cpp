@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Server scripts as processes, and steps at the shells behind them.
+// Runs server scripts as processes and drives the shells behind them.
 #include "tests/support/real_servers.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The hooks behind the observer of the services.
+// Installs the hooks behind the observer of platform/qt/services.
 #include "tests/support/services_test_hooks.h"
 
 #include "platform/qt/services/services.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Steps of tests that hold sessions.
+// Steps of tests that use sessions.
 #include "tests/support/sessions.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Steps of tests that hold sessions: connecting, closing, waiting for either.
+// Steps of tests that use sessions: connect, close, wait for either.
 #ifndef QUILL_TESTS_SUPPORT_SESSIONS_H
 #define QUILL_TESTS_SUPPORT_SESSIONS_H
 
@@ -9,12 +9,12 @@
 
 void SetHost(const char16_t* name, int port);
 void Connect();
-void ConnectLater();  // for connects that show a message box: does not wait for its end
+void ConnectLater();  // does not wait, for connects that show a message box
 void Close();
-bool Online();   // waits for it
-bool Offline();  // waits for it
+bool Online();   // waits until the session is up
+bool Offline();  // waits until no session is up
 
-// A program with a session to the host, which has said "hello".
+// Runs the program with a session to the host, which has sent "hello".
 void WithSession(FakeHost& host, const std::function<void()>& person);
 
 #endif

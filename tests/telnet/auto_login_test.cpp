@@ -112,14 +112,14 @@ TEST(AutoLogin, TextSplitAcrossChunksIsNotFound) {
     EXPECT_EQ(session.login.login_armed1, 1u);
 }
 
-TEST(AutoLogin, TextOfALongerChunkBeforeIsNotFound) {
+TEST(AutoLogin, TextInTheRestOfAnEarlierChunkIsNotFound) {
     NewLogin("ogin", "name");
     std::memcpy(session.telnet.display_buffer, "xxlogin", 7);
     Receive("ab");
     EXPECT_EQ(Sent(), "");
 }
 
-TEST(AutoLogin, TextThatGoesOnInALongerChunkBeforeIsNotFound) {
+TEST(AutoLogin, TextThatContinuesInTheRestOfAnEarlierChunkIsNotFound) {
     NewLogin("ogin", "name");
     std::memcpy(session.telnet.display_buffer, "xxgin: ", 7);
     Receive("lo");
@@ -185,7 +185,7 @@ TEST(AutoLogin, EscapesInTheSearchTextAreNotExpanded) {
     EXPECT_EQ(Sent(), "name");
 }
 
-TEST(AutoLogin, ResponseOfEscapesAloneFillsTheSettingToItsEnd) {
+TEST(AutoLogin, ResponseOfOnlyEscapesFillsTheWholeSetting) {
     NewLogin("ogin", "\\377\\377\\377\\377\\377\\377\\377\\377\\377\\01");
     Receive("login");
     EXPECT_EQ(Sent(), std::string(9, '\xFF') + "\x01");
@@ -194,7 +194,7 @@ TEST(AutoLogin, ResponseOfEscapesAloneFillsTheSettingToItsEnd) {
     EXPECT_EQ(Sent(), std::string(kSettingUnits - 1, '\0'));
 }
 
-TEST(AutoLogin, ChunkOfCommandsAloneIsNotSearched) {
+TEST(AutoLogin, ChunkOfOnlyCommandsIsNotSearched) {
     NewLogin("\xFF", "name");
     Receive(Iac(252, 5));
     EXPECT_EQ(outside.sends, 0);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The option policy: every command with every option in every state, held against tables, and the
-// points that matter to a person by name.
+// The option policy: every command with every option in every state is compared with tables. The
+// behaviour that a user notices has tests by name.
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet.h"
@@ -51,7 +51,7 @@ const PolicyRow& RowOf(int command, int option) {
     return kPolicy[0];
 }
 
-// Codes that the engine takes as something else than the option of a command.
+// Codes that the engine does not treat as the option of a command.
 bool IsOption(int code) { return code < 250 && code != 242; }
 
 struct Case {
@@ -114,7 +114,7 @@ TEST(OptionPolicy, EveryCommandWithEveryOptionInEveryState) {
                 CheckCase({command, option, state & 1, state >> 1 & 1, state >> 2 & 1, state >> 3});
 }
 
-TEST(OptionPolicy, CodesThatAreCommandsThemselvesAreNoOptions) {
+TEST(OptionPolicy, CommandCodesAreNotOptions) {
     for (int command = kWill; command <= kDont; command++) {
         for (int code = 250; code < 256; code++) {
             NewSession();
@@ -126,7 +126,7 @@ TEST(OptionPolicy, CodesThatAreCommandsThemselvesAreNoOptions) {
     }
 }
 
-TEST(OptionPolicy, RequestsForTheStateThatIsGetNoReply) {
+TEST(OptionPolicy, RequestsForTheCurrentStateGetNoReply) {
     for (int command = kWill; command <= kDont; command++) {
         for (int option : {1, 3, 24}) {
             NewSession();

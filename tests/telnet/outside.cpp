@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The doubles.
+// The doubles of outside.h.
 #include "tests/telnet/outside.h"
 
 #include <utility>

@@ -40,7 +40,7 @@ TEST(SessionSend, NothingGoesOutWhileNotConnected) {
     EXPECT_EQ(outside.sends, 0);
 }
 
-TEST(SessionSend, UnescapedBytesGoAsTheyAre) {
+TEST(SessionSend, UnescapedBytesAreSentUnchanged) {
     NewSession();
     const std::string all("\0\xFF\xF0\r\n\x80", 6);
     Send(all, 0);
@@ -134,7 +134,7 @@ TEST(SessionSend, EscapedSendEndsWithTheFirstFailure) {
     EXPECT_EQ(outside.sends, 2);
 }
 
-TEST(SocketSendAll, GoesOnUntilAllIsSent) {
+TEST(SocketSendAll, RepeatsUntilAllIsSent) {
     NewSession();
     outside.most_per_send = 7;
     const std::string text = "a text of some length, sent in pieces";
@@ -143,7 +143,7 @@ TEST(SocketSendAll, GoesOnUntilAllIsSent) {
     EXPECT_EQ(outside.sends, 6);
 }
 
-TEST(SocketSendAll, FailsAsSoonAsTheSocketTakesNoMore) {
+TEST(SocketSendAll, FailsAsSoonAsTheSocketRefuses) {
     for (int failure : {0, -1}) {
         NewSession();
         outside.most_per_send = 2;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is done with a notification, and that the buffer is handed back whatever it is.
+// The handling of socket notifications; the buffer is handed back after each of them.
 #include <gtest/gtest.h>
 
 #include "connection/connection.h"
@@ -53,7 +53,7 @@ TEST(SocketEvent, BufferOfANewSessionIsNotHandedBackForTheOldOne) {
     EXPECT_EQ(outside.wakes, 0);
 }
 
-TEST(SocketEvent, ChunkOfNegotiationAloneShowsNothingAndChecksNoLogin) {
+TEST(SocketEvent, ChunkOfOnlyNegotiationShowsNothingAndChecksNoLogin) {
     NewSession();
     SetText(session.settings.sear1, "\xFF");
     SetText(session.settings.resp1, "name");
@@ -75,8 +75,8 @@ TEST(SocketEvent, WithoutBytesNothingIsDone) {
     }
 }
 
-// What a failed recv gives ends here: neither protocol of SSH hears of it, before its line and
-// after.
+// The result of a failed recv goes no further: neither SSH protocol gets it, before or after the
+// identification line.
 TEST(SocketEvent, WithoutBytesSshGetsNoChunk) {
     for (DWORD type2 : {0u, 1u}) {
         for (DWORD banner_sent : {0u, 1u}) {
@@ -113,7 +113,7 @@ TEST(SocketEvent, FullBufferOfCommandsIsAnswered) {
     ExpectHandedBack();
 }
 
-TEST(SocketEvent, CommandMayReachAcrossChunks) {
+TEST(SocketEvent, CommandMaySpanChunks) {
     NewSession();
     Receive("a\xFF");
     Receive("\xFD");
@@ -124,7 +124,7 @@ TEST(SocketEvent, CommandMayReachAcrossChunks) {
     EXPECT_EQ(Sent(), Iac(252, 31));
 }
 
-TEST(SocketEvent, StaleNotificationIsPassedOver) {
+TEST(SocketEvent, StaleNotificationIsIgnored) {
     NewSession();
     session.receive_buffer[0] = 'x';
     session.receive_count = 1;
@@ -208,7 +208,7 @@ TEST(SocketEvent, AnyValueOfSshButZeroIsAnSshSession) {
     }
 }
 
-TEST(SocketEvent, RepliesGoUnescapedWhateverTypedDataDoes) {
+TEST(SocketEvent, RepliesAreSentUnescapedWhateverTypedDataDoes) {
     NewSession();
     session.telnet.escape_iac = 1;
     Receive(Iac(253, 31) + "\xFF\xFA\x18\x01\xFF\xF0");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Subnegotiations: their end, their truncation, and the terminal type.
+// Subnegotiations: how they end and are truncated, and the terminal type.
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet.h"
@@ -99,7 +99,7 @@ TEST(Subnegotiation, KeepsItsFirst80Bytes) {
     EXPECT_EQ(Sent(), Answer("vt220"));
 }
 
-TEST(Subnegotiation, ShortOneSeesTheByteOfTheOneBefore) {
+TEST(Subnegotiation, ShortOneReadsTheByteOfThePreviousOne) {
     NewSession();
     Filter(kBegin + "\x05\x01" + kEnd);
     EXPECT_EQ(Sent(), "");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a connect clears and what it leaves.
+// What a connect clears in the Telnet state and what it keeps.
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet.h"
@@ -52,7 +52,7 @@ TEST(TelnetReset, ForgetsAnIacThatWasTheLastByte) {
     EXPECT_EQ(Sent(), "");
 }
 
-TEST(TelnetReset, SubnegotiationGoesOnInTheNextConnection) {
+TEST(TelnetReset, SubnegotiationContinuesInTheNextConnection) {
     NewSession();
     Filter("\xFF\xFA\x18\x01");
     TelnetReset();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The order in which a byte of the host is judged: IAC, one-byte commands, the data mark.
+// How a byte of the host is classified: IAC, one-byte commands, the data mark, data.
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet.h"
@@ -29,7 +29,7 @@ TEST(TelnetStream, DoubledIacIsSwallowedAndTheNextByteIsAnOption) {
     EXPECT_EQ(Sent(), Iac(kDont, 'A'));
 }
 
-TEST(TelnetStream, ManyIacsAreOne) {
+TEST(TelnetStream, SeveralIacsCountAsOne) {
     NewSession();
     EXPECT_EQ(Filter(std::string(9, '\xFF') + "\xFD" + std::string(4, '\xFF') + "\x1F" + "x"), "x");
     EXPECT_EQ(Sent(), Iac(kWont, 31));
@@ -65,7 +65,7 @@ TEST(TelnetStream, GoAheadAfterWillEchoIsRefusedEachTime) {
     EXPECT_EQ(Sent(), Iac(kDont, 249) + Iac(kDont, 249));
 }
 
-TEST(TelnetStream, CommandReplacesTheOneBefore) {
+TEST(TelnetStream, CommandReplacesThePreviousOne) {
     NewSession();
     EXPECT_EQ(Filter("\xFF\xFB\xFD\x1F"
                      "d"),
@@ -98,7 +98,7 @@ TEST(DataMark, WithTraceTheNextByteIsData) {
     EXPECT_EQ(Shown(), "HOST: IAC DM\n\r");
 }
 
-TEST(DataMark, AfterAnotherIacStateItKeepsIt) {
+TEST(DataMark, AfterAnIacItKeepsTheIacState) {
     NewSession();
     EXPECT_EQ(Filter("\xFF\xFE\xF2\xF2"), "");
     EXPECT_EQ(session.telnet.iac_seen, 1u);

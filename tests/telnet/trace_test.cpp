@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The trace lines to the letter.
+// The exact text of the trace lines.
 #include <gtest/gtest.h>
 
 #include "protocol/telnet/telnet.h"
@@ -97,7 +97,7 @@ TEST(Trace, UnknownOptionHasTwoBlanksBeforeItsNumber) {
     EXPECT_EQ(LinesOf(Iac(kWill, 31)), "HOST: IAC WILL  31 \n\rCLIENT: IAC  DONT  31\n\r");
 }
 
-TEST(Trace, RequestWithoutReplyShowsTheHostAlone) {
+TEST(Trace, RequestWithoutReplyShowsOnlyTheHost) {
     EXPECT_EQ(LinesOf(Iac(kDo, 1)), "HOST: IAC DO TN_ECHO \n\r");
     EXPECT_EQ(LinesOf(Iac(kWont, 5)), "HOST: IAC WONT TN_STATUS \n\r");
     EXPECT_EQ(LinesOf(Iac(kDont, 6)), "HOST: IAC DONT TN_TIMING_MARK\n\r");
@@ -147,8 +147,7 @@ void ReceiveAll(const std::string& bytes) {
     for (size_t i = 0; i < bytes.size(); i += kReceiveSize) Receive(bytes.substr(i, kReceiveSize));
 }
 
-// What is kept of it: the option and 79 bytes, of which the last one shown is the one before the
-// last.
+// The buffer keeps the option and 79 bytes; the trace shows all of them but the last one.
 std::string LineOfPayload(const std::string& payload) {
     const std::string kept = ("\x1F" + payload + "\xFF").substr(0, 80);
     std::string line = "HOST: IAC SB  31";
@@ -202,7 +201,7 @@ TEST(TraceWrite, RefreshesTheTerminalOnce) {
     EXPECT_EQ(Shown(), "two\n\rlines");
 }
 
-TEST(TraceWrite, TerminalRepliesAreTakenAndNotSent) {
+TEST(TraceWrite, TerminalRepliesAreDiscarded) {
     NewSession();
     TraceWrite(
         TEXT("a\x05"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The reading of transcripts.
+// Reads transcripts.
 #include "tests/telnet/transcript.h"
 
 #include <fstream>
@@ -8,7 +8,7 @@ namespace {
 
 bool IsOctal(char c) { return c >= '0' && c <= '7'; }
 
-// The byte after a backslash at `at`; moves to its last character.
+// The byte of the escape whose backslash is at `at`; moves `at` to its last character.
 char Escaped(const std::string& text, size_t* at) {
     const char c = text[++*at];
     if (c == 'r') return '\r';
@@ -33,7 +33,7 @@ Exchange* ForHost(Transcript* transcript, int line) {
     return &all.back();
 }
 
-// False for a line that is none of the kinds.
+// False for a line of an unknown kind.
 bool Take(Transcript* transcript, const std::string& word, const std::string& bytes, int line) {
     if (word.rfind("set ", 0) == 0) {
         transcript->settings.emplace_back(word.substr(4), bytes);

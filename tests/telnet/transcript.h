@@ -5,10 +5,9 @@
 //     host "BYTES"        what the host sends
 //     show "BYTES"        what the terminal gets
 //     client "BYTES"      what the host gets
-// Lines of a kind add up. A host line after show or client lines begins the next exchange; after
-// each exchange everything shown and sent must be listed. In BYTES \ooo is one byte in octal, \r,
-// \n and
-// \\ are themselves; blanks between the words are free.
+// Several lines of a kind are joined. A host line after show or client lines begins the next
+// exchange. Each exchange must list everything that is shown and sent. In BYTES \ooo is one byte in
+// octal, and \r, \n, \\ have their usual meaning. The number of blanks between words is free.
 #ifndef QUILL_TESTS_TELNET_TRANSCRIPT_H
 #define QUILL_TESTS_TELNET_TRANSCRIPT_H
 

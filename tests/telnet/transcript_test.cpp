@@ -45,7 +45,7 @@ struct Transcripts : testing::TestWithParam<std::string> {};
 
 }  // namespace
 
-TEST_P(Transcripts, AlikeWholeAndInPieces) {
+TEST_P(Transcripts, GiveTheSameResultWholeAndInPieces) {
     const Transcript transcript =
         ReadTranscript(QUILL_TELNET_TRANSCRIPTS "/" + GetParam() + ".transcript");
     ASSERT_EQ(transcript.wrong, "");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every byte in every state of the interpreter, on a screen in use: a byte that the state does not
-// list changes nothing and ends the sequence, one that it lists acts, and marks like ? change only
-// the finals that read them.
+// list changes nothing and ends the sequence, and a byte that it lists acts. Markers like ? change
+// only the final characters that use them.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 #include "tests/terminal/script.h"
 #include "tests/terminal/terminal_state.h"
 
-// Two terminals in use that differ wherever a byte sets what may already be so.
+// Two used terminals with opposite settings, so that every byte that sets one shows in one of them.
 static const char* const kUses[] = {
     // Every attribute, single width, G0 in use, ASCII designated, numeric keypad.
     "\x1b[5;20r\x1b[7;9H\x1b"
@@ -50,7 +50,7 @@ static TerminalSnapshot UsedTerminal(const char* use, bool vt52) {
 
 struct StateRow {
     const char* name;
-    std::string prefix;  // leads into the state
+    std::string prefix;  // the bytes that lead into the state
     std::string listed;  // the bytes that act there
     bool vt52;
 };
@@ -87,7 +87,7 @@ static bool IsText(const StateRow& state, int b) {
            introducers.find(static_cast<char>(b)) == std::string::npos;
 }
 
-// What a byte that the state does not list leaves.
+// What is left after a byte that the state does not list.
 static TerminalSnapshot Dropped(const StateRow& state, int b) {
     TerminalSnapshot expected = TakeSnapshot();
     if (b == 0x8F && state.prefix.empty()) {  // as ESC O
@@ -102,7 +102,7 @@ static TerminalSnapshot Dropped(const StateRow& state, int b) {
     return expected;
 }
 
-// "" if the byte acted as a dropped one, else what it did.
+// "" if the byte was dropped, else what it did.
 static std::string Deed(const StateRow& state, int b) {
     Feed(state.prefix);
     const TerminalSnapshot expected = Dropped(state, b);
@@ -175,9 +175,9 @@ TEST(EveryByte, AfterAnEscapeInADeviceControlStringIsSwallowedAndABackslashEndsI
     }
 }
 
-// ---------------------------------------------------------------- marks before a final
+// ---------------------------------------------------------------- markers before a final
 
-// Some with a mark of their own that a final wants.
+// Some include a marker that a final requires.
 static const std::string kParameters[] = {
     "",     "0",   "1",     "2",   "3",      "4",  "5",  "6", "7", "5;10",
     "61;1", "2;1", "1;2;3", "1\"", "62;1\"", "?1", "?4", "!", ">",
@@ -185,7 +185,7 @@ static const std::string kParameters[] = {
 
 struct MarkOfFinals {
     char mark;
-    std::string finals;  // those that read it
+    std::string finals;  // the finals that use the marker
 };
 
 static const MarkOfFinals kMarks[] = {{'?', "JKhl"}, {'>', "c"}, {'!', "p"}, {'"', "pq"}};
@@ -205,7 +205,7 @@ static Outcome OutcomeOf(const TerminalSnapshot& use, const std::string& text, S
     return outcome;
 }
 
-static const std::string kIgnored(12, '\0');  // behind a sequence, so that a whole one is seen
+static const std::string kIgnored(12, '\0');  // text after the sequence shows that it has ended
 
 static void ExpectAlike(const TerminalSnapshot& use, const MarkOfFinals& mark, ScriptFeed feed) {
     for (const std::string& parameters : kParameters) {
@@ -222,7 +222,7 @@ static void ExpectAlike(const TerminalSnapshot& use, const MarkOfFinals& mark, S
     }
 }
 
-TEST(EveryByte, TakesNoNoticeOfAMarkThatItDoesNotName) {
+TEST(EveryByte, IgnoresAMarkerThatItDoesNotUse) {
     for (const char* use : kUses) {
         const TerminalSnapshot terminal = UsedTerminal(use, false);
         for (const MarkOfFinals& mark : kMarks) {
@@ -232,7 +232,7 @@ TEST(EveryByte, TakesNoNoticeOfAMarkThatItDoesNotName) {
     }
 }
 
-TEST(EveryByte, EndsASequenceAlikeInAChunkAndAlone) {
+TEST(EveryByte, EndsASequenceTheSameInAChunkAndByItself) {
     for (const char* use : kUses) {
         const TerminalSnapshot terminal = UsedTerminal(use, false);
         for (const std::string& parameters : kParameters) {

@@ -91,7 +91,7 @@ TEST_F(Font, WithoutAnyFaceTheSystemChooses) {
     CreateTerminalFont();
     EXPECT_EQ(gdi.fonts_made.at(0).lfFaceName[0], 0);
     EXPECT_EQ(session.view.cell_height, 16);
-    DeleteObject(session.view.font);  // the first one went with the old state
+    DeleteObject(session.view.font);  // the first font was released with the old state
 }
 
 TEST_F(Font, TheCellIsHeightPlusLeadingAndATenthOfTheSample) {
@@ -116,7 +116,7 @@ TEST_F(Font, TheOldFontIsDeleted) {
     EXPECT_EQ(LiveObjects("font"), 1);
 }
 
-TEST_F(Font, AFontThatCannotBeMadeLeavesTheSystemsOwn) {
+TEST_F(Font, AFontThatCannotBeCreatedLeavesTheSystemFont) {
     gdi.refuse_fonts = true;
     CreateTerminalFont();
     EXPECT_EQ(session.view.font, nullptr);
@@ -124,7 +124,7 @@ TEST_F(Font, AFontThatCannotBeMadeLeavesTheSystemsOwn) {
     EXPECT_GE(session.view.cell_height, 1);
 }
 
-TEST_F(Font, SizesFromTheRegistryAreHeldTo1To25) {
+TEST_F(Font, SizesFromTheRegistryAreClampedTo1To25) {
     const DWORD stored[] = {0, 26, 1000, 0xFFFFFFFFu};
     const LONG used[] = {1, 25, 25, 25};
     for (size_t i = 0; i < 4; ++i) {
@@ -142,7 +142,7 @@ TEST_F(Font, LargerAndSmallerStepByOneWhenTheHeightChanges) {
     EXPECT_EQ(session.settings.fsize, 15u);
 }
 
-TEST_F(Font, SteppingPassesOverSizesOfTheSameHeight) {
+TEST_F(Font, SteppingSkipsSizesOfTheSameHeight) {
     RepeatHeights(4);  // 13..16 share a height, 17..20 the next
     session.settings.fsize = 13;
     CreateTerminalFont();
@@ -188,7 +188,7 @@ TEST_F(Font, SteppingLaysTheViewOutAgainEvenAtTheLimit) {
     EXPECT_GE(gdi.invalidations, 1);
 }
 
-TEST_F(Font, SteppingBeforeTheFirstPaintPassesOverSizesOfTheSameHeightToo) {
+TEST_F(Font, SteppingBeforeTheFirstPaintSkipsSizesOfTheSameHeightToo) {
     RepeatHeights(4);
     DeleteObject(session.view.font);
     session.view.font = nullptr;

@@ -146,6 +146,8 @@ int GetSystemMetrics(int index) {
     return 0;
 }
 
+BOOL SHSipInfo(UINT, UINT, LPVOID, UINT) { return FALSE; }  // there is no input panel
+
 // ---------------------------------------------------------------- device contexts and objects
 
 HDC GetDC(HWND) {

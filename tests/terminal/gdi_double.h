@@ -11,7 +11,7 @@
 #include "windows_ce.h"
 
 struct DrawCall {
-    int y;             // of its top
+    int y;             // of its top edge
     std::string what;  // see GdiDouble::drawn
 };
 
@@ -40,17 +40,17 @@ struct GdiDouble {
     int scroll_calls = 0;
     int invalidations = 0;
     int erasing_invalidations = 0;
-    std::vector<std::string> invalid;    // "all" or "LEFT,TOP WIDTHxHEIGHT" of each
-    std::vector<UINT> default_messages;  // those handed to DefWindowProcW
+    std::vector<std::string> invalid;    // each one as "all" or "LEFT,TOP WIDTHxHEIGHT"
+    std::vector<UINT> default_messages;  // messages that reached DefWindowProcW
     std::vector<LOGFONTW> fonts_made;
     int pens_made = 0;
     std::vector<UINT> beeps;  // their types
     bool refuse_class = false;
-    bool two_byte_page = false;  // bytes 0x81 to 0x9F begin a character of two
+    bool two_byte_page = false;  // bytes 0x81 to 0x9F begin a two-byte character
     bool refuse_fonts = false;
     bool refuse_paint = false;
 
-    // What must be in balance, and what must never happen.
+    // Counts that must return to zero, and calls that must never happen.
     int open_dcs = 0;
     int open_paints = 0;
     std::vector<std::string> faults;
@@ -68,7 +68,7 @@ LRESULT SendToWindow(UINT message, WPARAM wparam = 0, LPARAM lparam = 0);
 // A fixed-pitch face of that name.
 LOGFONTW Face(LPCWSTR name);
 
-// What was drawn with its top in window row 1, 2, .. of that height.
+// What was drawn with its top in this row of the window; rows of that height count from 1.
 std::vector<std::string> DrawnInRow(int row, int cell_height);
 std::vector<std::string> AllDrawn();
 

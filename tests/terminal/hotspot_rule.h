@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The rule of hotspots once more, as it is written down, beside which the program's is held.
+// A second implementation of the hotspot rule, straight from its description. Tests compare the
+// program with it.
 #ifndef QUILL_TESTS_TERMINAL_HOTSPOT_RULE_H
 #define QUILL_TESTS_TERMINAL_HOTSPOT_RULE_H
 
 #include <string>
 
-// What a double tap on column `col` sends before Enter; "" when it sends nothing. line[1] is column
+// What a double tap on column `col` sends before Enter; "" if it sends nothing. line[1] is column
 // 1; the line reaches to column 84.
 inline std::string HotspotRule(const std::string& line, int col) {
     const auto at = [&](int column) { return line[static_cast<size_t>(column)]; };

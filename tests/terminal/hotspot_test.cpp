@@ -105,7 +105,7 @@ TEST_F(HotspotTap, FromColumn75OnDoesNothing) {
     for (int col = 75; col <= 80; col++) EXPECT_EQ(Tap(col), "") << col;
 }
 
-TEST_F(HotspotTap, OnADigitWithTheSecondBeingNoneStillCounts) {
+TEST_F(HotspotTap, OnADigitFollowedByALetterSendsBoth) {
     Text(10, " 1x. Mail");
     EXPECT_EQ(Tap(10), "1x<Enter>");
 }
@@ -193,7 +193,7 @@ TEST_F(HotspotTap, InALineDrawingRowTheBytesCount) {
     EXPECT_EQ(Tap(11), "7<Enter>");
 }
 
-// Its characters are drawn at twice their column; the tap goes by the screen's cells.
+// Its characters are drawn at twice their column, but the tap counts the screen's cells.
 TEST_F(HotspotTap, InADoubleWidthRowGoesByTheScreensCells) {
     Text(10, " 3. Mail");
     SetDoubleWidth(5);
@@ -240,7 +240,7 @@ std::string Expected(const std::string& line, int col) {
     return sent.empty() ? sent : sent + "<Enter>";
 }
 
-// Every text of five characters out of six kinds, tapped on its second one.
+// Every text of five characters out of six kinds, with a tap on the second one.
 TEST_F(HotspotTap, EveryTextOfFiveCharactersAtTheEdgesOfTheRow) {
     const std::string kinds = " .:19x";
     for (const int col : {1, 2, 3, 40, 74, 75, 77, 80}) {
@@ -258,7 +258,7 @@ TEST_F(HotspotTap, EveryTextOfFiveCharactersAtTheEdgesOfTheRow) {
     }
 }
 
-// Every cell of the screen, with text of the host arriving between the two taps.
+// Every cell of the screen, while text of the host arrives between the two taps.
 TEST_F(HotspotTap, EveryCellWhileTextArrives) {
     const std::string menu =
         "  1. Mail 12: News  123. x9. ( 4.)  5. 66.  7: 8.8 99: 10.  1.   2.  34. 5:.  6.";

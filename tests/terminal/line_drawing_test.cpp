@@ -69,13 +69,13 @@ TEST_F(LineDrawing, EveryOtherCodeFrom95To126IsBlank) {
     }
 }
 
-TEST_F(LineDrawing, CodesOutside95To126AreTextDrawnAlone) {
+TEST_F(LineDrawing, CodesOutside95To126AreDrawnAsSeparateText) {
     EXPECT_EQ(Glyph('A'), Lines{"text 16,16 8x16 'A' 111111 on eeeeee"});
     EXPECT_EQ(Glyph(94), Lines{"text 16,16 8x16 '^' 111111 on eeeeee"});
     EXPECT_EQ(Glyph(127), Lines{"text 16,16 8x16 '<7f>' 111111 on eeeeee"});
 }
 
-TEST_F(LineDrawing, NeighbouringLineDrawingCellsAreEachDrawnAlone) {
+TEST_F(LineDrawing, NeighbouringLineDrawingCellsAreDrawnSeparately) {
     SetCell(2, 1, 'q' | kCellGraphic);
     SetCell(2, 2, 'q' | kCellGraphic);
     Lines row = PaintRow(2);
@@ -86,7 +86,7 @@ TEST_F(LineDrawing, NeighbouringLineDrawingCellsAreEachDrawnAlone) {
     EXPECT_EQ(row[3], "line 8,24 16,24 111111");
 }
 
-TEST_F(LineDrawing, NeighbouringCellsWithoutAGlyphAreEachDrawnAloneToo) {
+TEST_F(LineDrawing, NeighbouringCellsWithoutAGlyphAreDrawnSeparatelyToo) {
     for (int col = 1; col <= 3; ++col)
         SetCell(2, col, static_cast<DWORD>('@' + col) | kCellGraphic);
     Lines row = PaintRow(2);
@@ -119,7 +119,7 @@ TEST_F(LineDrawing, AnUnderlinedGlyphGetsTheUnderlineToo) {
               (Lines{kBlankCell, "line 20,16 20,32 111111", "line 16,28 24,28 111111"}));
 }
 
-TEST_F(LineDrawing, EveryLineHasAPenOfItsOwnThatIsDeleted) {
+TEST_F(LineDrawing, EveryLineUsesItsOwnPenAndDeletesIt) {
     Glyph('n');
     EXPECT_EQ(gdi.pens_made, 2);
     Glyph('a');

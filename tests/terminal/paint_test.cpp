@@ -16,7 +16,7 @@ class Painting : public TerminalWindow {
         return rows;
     }
     static bool Filled() { return !gdi.drawn.empty() && gdi.drawn[0].what.rfind("fill", 0) == 0; }
-    // A run at column 1 of row 3, as it is printed.
+    // A run at column 1 of row 3, as the drawing call prints it.
     static std::string Run(const std::string& text, const std::string& colors, int column = 1) {
         return "text " + std::to_string((column - 1) * 8) + ",32 " +
                std::to_string(text.size() * 8) + "x16 '" + text + "' " + colors;
@@ -122,7 +122,7 @@ TEST_F(Painting, ASelectionPaintsEveryVisibleRow) {
     EXPECT_EQ(PaintedRows(), std::vector<int>{1});
 }
 
-TEST_F(Painting, WithoutADeviceContextNothingIsTakenAsPainted) {
+TEST_F(Painting, WithoutADeviceContextNothingCountsAsPainted) {
     RepaintTerminal();
     gdi.refuse_paint = true;
     EXPECT_EQ(Paint(), Lines{});
@@ -145,7 +145,7 @@ TEST_F(Painting, ACommaBIsDrawnAsThreePieces) {
                      Run("z", "222222 on eeeeee", 4), Run(std::string(76, ' '), kPlain, 5)}));
 }
 
-TEST_F(Painting, CommasAndUnderscoresAreEachDrawnAlone) {
+TEST_F(Painting, CommasAndUnderscoresAreDrawnSeparately) {
     Put(3, ",,_x");
     Lines row = PaintRow(3);
     EXPECT_EQ(row, (Lines{Run(",", kPlain), Run(",", kPlain, 2), Run("_", kPlain, 3),
@@ -184,7 +184,7 @@ TEST_F(Painting, AColumnStaysInItsCellInACodePageOfTwoBytes) {
     EXPECT_NE(PaintRow(4)[0].find("x?'"), std::string::npos);
 }
 
-TEST_F(Painting, GlyphsStandOnTheCellGridWhateverTheFont) {
+TEST_F(Painting, GlyphsAreDrawnOnTheCellGridWhateverTheFont) {
     gdi.sample_width = [](const LOGFONTW&) { return 117; };  // 11 a cell
     DeleteObject(session.view.font);
     session.view.font = nullptr;
@@ -294,7 +294,7 @@ TEST_F(Cursor, IsNotDrawnWhileTheHostHidesIt) {
     EXPECT_EQ(PaintRow(3), Lines{Run(Padded("abc", 77), kPlain)});
 }
 
-TEST_F(Cursor, StandsOnTheLastColumnToo) {
+TEST_F(Cursor, IsDrawnOnTheLastColumnToo) {
     session.screen.cursor_col = 80;
     EXPECT_EQ(PaintRow(3),
               (Lines{Run(std::string(79, ' '), kPlain), Run(" ", "111111 on cccccc", 80)}));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Doubles of what surrounds the terminal window, and the fixture of the terminal window's tests.
+// Doubles of the calls of the terminal window, and the fixture of its tests.
 #include "program_double.h"
 
 #include "session/session_ports.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Random bytes, cut at random places: however they are cut, and whether they go the quick way or
-// one by one, the terminal ends alike, and nothing leaves its bounds.
+// Random bytes, cut at random places. The terminal ends in the same state however they are cut, and
+// whether they take the fast path or go one by one. No field leaves its bounds.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -100,7 +100,7 @@ static const std::string kPieces[] = {
     "longer text that fills much of a line and then some more of it, up to wrapping ",
 };
 
-// Every tenth piece ends a device control string, so that none swallows the rest, and VT52 mode.
+// Every tenth piece ends a device control string, which would swallow the rest, and VT52 mode.
 static std::string RandomStream(std::mt19937* random, int pieces) {
     std::string stream;
     for (; pieces > 0; --pieces) {
@@ -123,7 +123,7 @@ static void FeedCutAtRandom(const std::string& stream, std::mt19937* random, std
     }
 }
 
-TEST(RandomBytes, EndAlikeWholeCutAndByteByByte) {
+TEST(RandomBytes, GiveTheSameScreenWholeCutAndByteByByte) {
     for (unsigned seed = 1; seed <= 1500; ++seed) {
         std::mt19937 random(seed);
         const std::string stream = RandomStream(&random, 400);

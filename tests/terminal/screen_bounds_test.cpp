@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The screen's operations with rows and columns that do not exist: nothing changes, and nothing
-// outside the ring is touched (run under AddressSanitizer too).
+// The screen's operations with rows and columns that do not exist: they change nothing and access
+// nothing outside the ring (AddressSanitizer checks this too).
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -67,7 +67,7 @@ TEST(ScreenBounds, CellsThatDoNotExistReadAsBlanks) {
     for (int row : kNoRows) EXPECT_FALSE(IsDoubleWidth(row) || IsDoubleTop(row));
 }
 
-TEST(ScreenBounds, PaintRowOfNoRowIsBlank) {
+TEST(ScreenBounds, PaintRowOfAMissingRowIsBlank) {
     FillScreen();
     for (int row : kNoRows) {
         const DWORD* words = GetPaintRow(row);
@@ -97,7 +97,7 @@ TEST(ScreenBounds, HugeSelectionStaysInTheRow) {
     for (int col = 1; col <= kScreenColumns; ++col) EXPECT_NE(0u, words[col] & kCellReverse);
 }
 
-// A region scroll against the plain rule, line by line, from every place of the ring.
+// Compares a region scroll with the plain rule, line by line, from every position of the ring.
 static void ExpectScrolled(int top, int bottom, bool down) {
     const TerminalSnapshot before = TakeSnapshot();
     down ? InsertLines(1, top, bottom) : DeleteLines(1, top, bottom);
@@ -116,7 +116,7 @@ static void ExpectScrolled(int top, int bottom, bool down) {
     }
 }
 
-TEST(ScreenBounds, RegionScrollMovesEachLineOnceWhereverTheRingStands) {
+TEST(ScreenBounds, RegionScrollMovesEachLineOnceWhereverTheRingStarts) {
     for (int origin = 0; origin < kRingLines; ++origin) {
         for (int top = 1; top <= kScreenRows; top += 3) {
             for (int bottom = top + 1; bottom < kScreenRows; bottom += 4) {
@@ -132,7 +132,7 @@ TEST(ScreenBounds, RegionScrollMovesEachLineOnceWhereverTheRingStands) {
     }
 }
 
-TEST(ScreenBounds, CountsWithoutBoundEndAtOnce) {
+TEST(ScreenBounds, HugeCountsEndAtOnce) {
     FillScreen();
     DeleteLines(INT_MAX, 1, kScreenRows);
     EXPECT_EQ(INT_MAX % kRingLines, session.screen.ring_origin);

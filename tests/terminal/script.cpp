@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Terminal scripts: reading a file and carrying out its sections.
+// Reads the files of terminal scripts and runs their sections.
 #include "tests/terminal/script.h"
 
 #include <cstdlib>
@@ -51,7 +51,7 @@ static const EscapeName kEscapeNames[] = {
 };
 // clang-format on
 
-// At a backslash; moves *at behind the escape.
+// *at is at a backslash; moves it behind the escape.
 static bool ReadEscape(const std::string& text, size_t* at, std::string* value) {
     const char name = *at + 1 < text.size() ? text[*at + 1] : 0;
     if (name == 'x' && *at + 3 < text.size()) {
@@ -118,7 +118,7 @@ static std::string Printable(const std::string& bytes) {
 
 struct ScriptRun {
     ScriptFeed feed;
-    std::string unclaimed;  // replies that no output line has claimed
+    std::string unclaimed;  // replies that no output line has matched yet
     std::string everything;
     std::vector<std::string> failures;
 };
@@ -208,7 +208,7 @@ static bool RunCheck(ScriptRun* run, const std::string& rest) {
 
 struct CommandRow {
     const char* word;
-    bool (*run)(ScriptRun* run, const std::string& rest);  // false: the line makes no sense
+    bool (*run)(ScriptRun* run, const std::string& rest);  // false: the line is not valid
 };
 
 // clang-format off

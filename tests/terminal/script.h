@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Terminal scripts: reading a file and carrying out its sections. README.md describes the language.
+// Terminal scripts: reads a file and runs its sections. README.md describes the language.
 #ifndef QUILL_TESTS_TERMINAL_SCRIPT_H
 #define QUILL_TESTS_TERMINAL_SCRIPT_H
 
@@ -18,14 +18,14 @@ struct ScriptSection {
     std::vector<ScriptLine> lines;
 };
 
-// How PUSH hands its bytes over.
+// How PUSH passes its bytes to the terminal.
 typedef void (*ScriptFeed)(const std::string& bytes, std::string* replies);
 
-// Empty lines and comments are dropped. A line before the first section is put into *error.
+// Drops empty lines and comments. *error gets a line that is before the first section.
 std::vector<ScriptSection> ReadScript(const std::string& path, std::string* error);
 
 // Runs a section on a new terminal and returns the messages of its failed checks. *everything gets
-// all replies of the section.
+// all replies of the terminal.
 std::vector<std::string> RunSection(const ScriptSection& section, ScriptFeed feed,
                                     std::string* everything);
 
@@ -33,17 +33,16 @@ std::vector<std::string> RunSection(const ScriptSection& section, ScriptFeed fee
 // several of them in a row. False if the text is not such a string.
 bool ReadScriptString(const std::string& text, std::string* value);
 
-// What a check or an operation is called by, and what it gets: numbers, of which a quoted character
-// gives its code, and names.
+// The arguments of a check or an operation: numbers (a quoted character is its code) and a name.
 struct ScriptWords {
     std::vector<int> numbers;
     std::string name;
 };
 
-// script_queries.cpp: the value that a check compares, as text. False for an unknown query.
+// In script_queries.cpp: the value that a check compares, as text. False for an unknown query.
 bool ReadQuery(const std::string& query, const ScriptWords& words, std::string* value);
 
-// script_operations.cpp: a direct call. False for an unknown one, or too few numbers.
+// In script_operations.cpp: a direct call. False for an unknown operation or too few numbers.
 bool RunOperation(const std::string& operation, const ScriptWords& words);
 
 #endif

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a script can call directly, past the interpreter.
+// The operations that a script can call directly, without the interpreter.
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 #include "tests/terminal/script.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a script can look at: each query by its name, with the value as text.
+// The queries of scripts: each returns a value of the terminal as text.
 #include <cstring>
 
 #include "terminal/modes.h"
@@ -11,7 +11,7 @@ typedef std::string (*QueryReader)(const ScriptWords& words);
 
 struct QueryRow {
     const char* name;
-    size_t numbers;  // at least so many must be given
+    size_t numbers;  // the least count of numbers
     QueryReader read;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Registers every section of the scripts beside it as a test of its own: the file's name without
-// its number is the suite, the section's title the test. A section runs twice, each PUSH once as a
-// whole chunk and once byte by byte, and both must end alike.
+// Registers every section of the scripts in this folder as a separate test: the file's name without
+// its number is the suite, the section's title the test. A section runs twice, with each PUSH as
+// one chunk and byte by byte, and both runs must end in the same state.
 #include <gtest/gtest.h>
 
 #include <algorithm>

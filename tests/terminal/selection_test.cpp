@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Marking with the stylus, copying and pasting.
+// Selecting with the stylus, copying and pasting.
 #include "clipboard_double.h"
 #include "program_double.h"
 #include "terminal/interpreter.h"
@@ -61,7 +61,7 @@ class Stylus : public TerminalWindow {
     }
 };
 
-TEST_F(Stylus, GoingDownMarksTheCellUnderIt) {
+TEST_F(Stylus, PressingSelectsTheCellUnderIt) {
     Down(Cell(10, 3));
     EXPECT_EQ(session.screen.selection_active, 1u);
     EXPECT_EQ(Corners(), (Lines{"10,3", "10,3"}));
@@ -258,8 +258,8 @@ TEST_F(Stylus, CopyAllocates164BytesARowAnd2More) {
     EXPECT_EQ(clipboard.allocated, (std::vector<size_t>{166, 23 * 164 + 166, 48 * 164 + 166}));
 }
 
-// The text ends where its lines end; whatever was in the memory before stays here.
-TEST_F(Stylus, CopyHandsOverTheTextAndZeroesBehindItAlone) {
+// The text ends with its last line; the memory after it keeps its old content.
+TEST_F(Stylus, CopyHandsOverOnlyTheTextFollowedByZeros) {
     const int drags[][4] = {
         {7, 3, 7, 3}, {1, 3, 80, 3}, {10, 3, 5, 6}, {3, 3, 8, 24}, {1, 1, 80, 24}};
     for (int row = 1; row <= 24; row++) Put(row, std::string(80, 'x'));
@@ -284,7 +284,7 @@ TEST_F(Stylus, CopyWithoutASelectionDoesNothing) {
     EXPECT_FALSE(session.view.full_repaint);
 }
 
-TEST_F(Stylus, CopyWithoutMemoryLeavesEverythingAsItWas) {
+TEST_F(Stylus, CopyWithoutMemoryChangesNothing) {
     clipboard.refuse_memory = true;
     Drag(1, 1, 5, 1);
     CopySelection();
@@ -309,7 +309,7 @@ TEST_F(Stylus, CopyToAClipboardThatRefusesTheTextFreesIt) {
 
 TEST_F(Stylus, PasteSendsAByteACallWithoutLineFeeds) { EXPECT_EQ(Pasted(u"a\r\nb"), "a\rb"); }
 
-TEST_F(Stylus, PasteSendsEverythingElseAsItIs) {
+TEST_F(Stylus, PasteSendsEverythingElseUnchanged) {
     EXPECT_EQ(Pasted(u"\t\x1b[A\x7f\u00e9\u00ff\r\r\n\n."), "\t\x1b[A\x7f\xe9\xff\r\r.");
 }
 
@@ -318,7 +318,7 @@ TEST_F(Stylus, PasteCutsCharactersToTheirLowByte) {
     EXPECT_EQ(Pasted(u"a\u010ab"), "a\nb") << "its low byte is 10, but it is no LF";
 }
 
-TEST_F(Stylus, PasteGoesOnAfterACharacterWhoseLowByteIsZero) {
+TEST_F(Stylus, PasteContinuesAfterACharacterWhoseLowByteIsZero) {
     EXPECT_EQ(Pasted(u"a\u0100b\uff00c"), std::string("a\0b\0c", 5));
 }
 

@@ -29,7 +29,7 @@ void UseRing(int lines) {
     FeedByteByByte(text + "\x1b[24;1H", &replies);
 }
 
-// From memory of just that size, so that AddressSanitizer sees a read behind the last byte.
+// Feeds from a block of exactly that size, so that AddressSanitizer sees a read past the end.
 void FeedWhole(const std::string& text, std::string* replies) {
     const std::vector<BYTE> bytes(text.begin(), text.end());
     const int count = static_cast<int>(bytes.size());

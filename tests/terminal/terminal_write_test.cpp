@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The way of the host's bytes into the terminal: selection, replies, following, status.
+// What TerminalWrite does with the host's bytes: selection, replies, following the cursor, status.
 #include "program_double.h"
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"
@@ -72,7 +72,7 @@ TEST_F(HostBytes, TheViewFollowsBeforeTheStatusIsUpdated) {
     EXPECT_EQ(program_calls.back(), "UpdateStatus");
 }
 
-TEST_F(HostBytes, NothingIsReadBehindTheCount) {
+TEST_F(HostBytes, NothingIsReadBeyondTheCount) {
     const std::string bytes = "ab\033[2Cc\033[31mdefgh";
     for (size_t count = 0; count <= bytes.size(); ++count) {
         ClearAll();
@@ -86,12 +86,12 @@ TEST_F(HostBytes, NothingIsReadBehindTheCount) {
     }
 }
 
-TEST_F(HostBytes, NoBytesAreFine) {
+TEST_F(HostBytes, ZeroBytesAreAccepted) {
     TerminalWrite(nullptr, 0);
     EXPECT_EQ(program_calls, Lines{});
 }
 
-TEST_F(HostBytes, WithoutAWindowNothingIsAskedFor) {
+TEST_F(HostBytes, WithoutAWindowNoRepaintIsRequested) {
     session.client_window = nullptr;
     session.view.visible_rows = 0;
     Write("x");
@@ -100,7 +100,7 @@ TEST_F(HostBytes, WithoutAWindowNothingIsAskedFor) {
     session.client_window = TestWindow();
 }
 
-TEST_F(HostBytes, AReplyThatStillWaitsIsNotTheNextConnections) {
+TEST_F(HostBytes, APendingReplyIsNotSentToTheNextConnection) {
     EXPECT_EQ(TerminalFeedByte(5), 1);
     TerminalStart();
     EXPECT_EQ(TerminalFeedByte('x'), 0);

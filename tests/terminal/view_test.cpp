@@ -20,7 +20,7 @@ static int FlaggedRows() {
 
 class WindowClass : public TerminalWindow {};
 
-TEST_F(WindowClass, IsNamedClientWndAndHearsDoubleTaps) {
+TEST_F(WindowClass, IsNamedClientWndAndReceivesDoubleTaps) {
     auto instance = reinterpret_cast<HINSTANCE>(uintptr_t{3});
     static std::u16string name;
     ASSERT_TRUE(RegisterClientWindow(instance));
@@ -61,7 +61,7 @@ TEST_F(WindowClass, OtherMessagesGoToTheDefaultProcedure) {
     EXPECT_EQ(gdi.default_messages, (std::vector<UINT>{WM_KEYDOWN, WM_SIZE}));
 }
 
-TEST_F(WindowClass, ErasingErasesNothingAndAsksForAFullRepaint) {
+TEST_F(WindowClass, ErasingOnlyRequestsAFullRepaint) {
     EXPECT_EQ(SendToWindow(WM_ERASEBKGND), 1);
     EXPECT_TRUE(session.view.full_repaint);
     EXPECT_TRUE(gdi.drawn.empty());
@@ -145,7 +145,7 @@ TEST_F(Geometry, RowsUnderTheInputPanelAreNotVisible) {
     ExpectView(0, 80, true, false);
 }
 
-TEST_F(Geometry, CoveredRowsAreTakenFromAllThoseOfATallWindow) {
+TEST_F(Geometry, CoveredRowsAreSubtractedFromAllRowsOfATallWindow) {
     session.view.covered_rows = 3;
     Resize(650, 30 * 16);
     ExpectView(25, 80, false, false);
@@ -327,7 +327,7 @@ TEST_F(FollowingTheCursor, InsideTheViewNothingMoves) {
     EXPECT_EQ(session.view.view_top, 0);
     EXPECT_EQ(session.view.view_left, 0);
     EXPECT_EQ(gdi.scroll_calls, 0);
-    EXPECT_EQ(FlaggedRows(), 12);  // those that were never visible
+    EXPECT_EQ(FlaggedRows(), 12);  // the rows that were never visible
 }
 
 TEST_F(FollowingTheCursor, BelowTheViewTheCursorRowBecomesTheLast) {
@@ -395,7 +395,7 @@ TEST_F(FollowingTheCursor, ScrollingOnFromPastTheEndComesBackAndOtherCodesDoNot)
     EXPECT_EQ(gdi.bars[SB_VERT].nPos, 12);
 }
 
-TEST_F(Scrolling, CoveringRowsLeavesTheViewAndUncoveringTakesItBack) {
+TEST_F(Scrolling, CoveringRowsKeepsTheViewAndUncoveringResetsIt) {
     Vertical(SB_THUMBPOSITION, 7);
     Horizontal(SB_THUMBPOSITION, 9);
     for (int rows : {1, 5}) {
@@ -452,7 +452,7 @@ TEST_F(RepaintRequests, RefreshAsksForTheCursorsRowWhenItIsHiddenOrShown) {
     }
 }
 
-TEST_F(RepaintRequests, RefreshAsksForRowsOfTheWindowAlone) {
+TEST_F(RepaintRequests, RefreshAsksOnlyForRowsOfTheWindow) {
     Resize(330, 204);  // 12 rows by 40 columns
     SendToWindow(WM_VSCROLL, ScrollEvent(SB_LINEDOWN));
     SendToWindow(WM_HSCROLL, ScrollEvent(SB_LINEDOWN));
@@ -495,7 +495,7 @@ TEST_F(RepaintRequests, LayoutAsksForTheGeometryToo) {
     EXPECT_TRUE(session.view.full_repaint);
 }
 
-TEST_F(RepaintRequests, ATickTurnsThePhaseAndAsksForNothingWithoutBlinkingCells) {
+TEST_F(RepaintRequests, ATickTogglesThePhaseAndAsksForNothingWithoutBlinkingCells) {
     BlinkTick();
     EXPECT_EQ(session.view.blink_phase, 1u);
     BlinkTick();
@@ -503,7 +503,7 @@ TEST_F(RepaintRequests, ATickTurnsThePhaseAndAsksForNothingWithoutBlinkingCells)
     EXPECT_EQ(gdi.invalidations, 0);
 }
 
-TEST_F(RepaintRequests, ATickFlagsTheBlinkingRowsAlone) {
+TEST_F(RepaintRequests, ATickFlagsOnlyTheBlinkingRows) {
     Put(3, "x", kCellBlink);
     Put(9, "y", kCellBlink);
     Paint();

@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The Windows program in a code page of two bytes a character and in the UTF-8 one: what takes
-# several bytes is typed as one question mark, and what follows it arrives as ever.
+# The Windows program in a code page of two bytes a character and in the UTF-8 one: a character of
+# several bytes is sent as one question mark, and the characters after it arrive as usual.
 # Usage: code_page_test.sh QUILL.EXE DEMO_HOST
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)
@@ -9,7 +9,7 @@ program=$1 demo=$2
 . "$top/tests/windows/wine.sh"
 command -v socat >/dev/null || { echo "code_page_test.sh: socat is missing" >&2; exit 77; }
 
-# The code page is that of the user's language: Japanese has 932, Hindi 65001.
+# The user's language decides the code page: Japanese has 932, Hindi 65001.
 make_locale() {
     localedef -i "$1" -f UTF-8 "$work/$1.UTF-8" >/dev/null 2>&1 || {
         echo "code_page_test.sh: the language $1 cannot be made" >&2
@@ -28,7 +28,7 @@ start_relay "${port##*:}"
 
 typed() { tail -c "+$sent_from" "$work/sent" | tr '\000' ' ' | grep -aq -F -e "$1"; }
 
-# types LANGUAGE
+# types LANGUAGE: types into a session of that language and checks the bytes sent.
 types() {
     fresh_device
     printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "$relay_port" >"$device_root/mconfig.cfg"
@@ -43,7 +43,7 @@ types() {
     await 10 sent vt220 || fail "the negotiation did not come to its end"
     sleep 0.5
     begin_sent
-    xdotool key --delay 120 Cyrillic_ef 1 Cyrillic_ef 2 Cyrillic_ya 3 # Wine may lose the first one
+    xdotool key --delay 120 Cyrillic_ef 1 Cyrillic_ef 2 Cyrillic_ya 3 # Wine may lose the first key
     await 10 typed '2?3' || fail "with $1 the keys sent $(sent_bytes)"
     [ "$(tail -c "+$sent_from" "$work/sent" | tr -dc '\000' | wc -c)" = 0 ] ||
         fail "with $1 the keys sent a NUL: $(sent_bytes)"

@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# A dial in progress when the desktop's session ends: it is hung up, and the settings are saved. The
-# modem is a library in the system's folder (modem.c); the network, one of this script's own, has no
-# way to the host.
+# A dial is in progress when the desktop's session ends: the program hangs up and saves the settings.
+# The modem is a library in the system's folder (modem.c). The script runs in a separate network
+# without a route to the host.
 # Usage: dial_test.sh QUILL.EXE
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)

@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The installer, silently: it installs for this user, the installed program runs, and its removal takes
-# all of it away but the settings. It is a 32-bit program as installers are; where there is no 32-bit
-# Wine, the same one is made as a 64-bit program and run.
+# The installer in silent mode: it installs for this user, the installed program runs, and the
+# uninstaller removes everything except the settings. The installer is a 32-bit program; without a
+# 32-bit Wine the script builds and runs it as a 64-bit program.
 # Usage: installer_test.sh QUILL64.EXE QUILL32.EXE
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)
@@ -26,7 +26,7 @@ removal='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quill'
 rm -rf "$folder" "$menu"
 fresh_device
 
-# An administrator is not asked for.
+# It does not ask for administrator rights.
 ! grep -aq requireAdministrator "$work/setup.exe" || fail "the installer asks for an administrator"
 timeout 100 wine "$work/setup.exe" /S || fail "the installer ended with $?"
 for file in quill.exe telnet.htm quill.ti LICENSE.txt remove.exe; do
@@ -44,7 +44,7 @@ xdotool key ctrl+shift+q
 await 20 has_ended "$client" || fail "the installed program did not end"
 wait "$client" || fail "the installed program ended with code $?"
 
-# Once more over the first, as a later version is.
+# Installs again over the first installation, like a later version.
 timeout 100 wine "$work/setup.exe" /S || fail "the second installation ended with $?"
 timeout 100 wine "$folder/remove.exe" /S || fail "the removal ended with $?"
 gone() { [ ! -e "$folder" ] && [ ! -e "$menu" ]; }

@@ -1,7 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The end of the desktop's session finds the program in each of its states: it ends as by its Exit,
-# with the settings saved, and asks nothing. The state before each has a larger font than is saved.
+# The desktop's session ends while the program is in each of its states: the program ends as by its
+# Exit command, saves the settings and asks nothing. Each state begins with a larger font than the
+# saved one.
 # Usage: logoff_test.sh QUILL.EXE DEMO_HOST
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)
@@ -31,7 +32,7 @@ start_session() {
     sleep 0.3
 }
 
-# log_off STATE
+# log_off STATE: ends the desktop's session and checks the program's end.
 log_off() {
     [ "$(setting fsize)" != 0x9 ] || fail "$1: the setting was saved before"
     timeout 60 wine wineboot --end-session || fail "$1: the session's end failed"
@@ -44,7 +45,7 @@ log_off() {
 start_session
 log_off "a session at rest"
 
-# The exit's own question is open; nobody answers it.
+# The question of the Exit command is open, and nobody answers it.
 start_session
 xdotool key ctrl+shift+q
 await 10 has_window '^Warning$' || fail "no question"
@@ -57,7 +58,7 @@ xdotool key p
 await 10 has_window '^Properties$' || fail "the properties did not open"
 log_off "a dialog open"
 
-# 5,000 lines as fast as they come.
+# A stream of 5,000 lines at full speed.
 start_session
 type_line anna
 await 10 received "assword" || fail "the host asked for no password"

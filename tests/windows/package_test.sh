@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The packages: what is in them, that the programs want nothing but the system's own DLLs, and that
-# they have the same bytes when they are made again.
+# The packages: their content, that the programs need only DLLs of the system, and that a second build
+# of the packages has the same bytes.
 # Usage: package_test.sh QUILL64.EXE QUILL32.EXE
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)
@@ -19,8 +19,8 @@ cmp "$work/first" "$work/second" || fail "the packages differ from time to time"
 
 version=$(sed -n 's/^project(quill VERSION \([0-9.]*\).*/\1/p' "$top/CMakeLists.txt")
 
-# The libraries that every Windows has. All but comctl32 are known to the system by a list, which comes
-# before any folder; comctl32 is the one that the manifest names. Nothing is loaded "delayed".
+# The libraries that every Windows has. The system has a list of all of them but comctl32 and loads
+# them from its own folder; the manifest names comctl32. Nothing is loaded "delayed".
 only_known_libraries() {
     for library in $(sed -n 's/^\tDLL Name: //p' headers | tr 'A-Z' 'a-z'); do
         case $library in

@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Libraries of system names beside the program and in the folder that it is started from: none of them
-# is loaded. Each would leave a file behind.
+# Libraries with names of system libraries are in the program's folder and in the current folder: the
+# program loads none of them. Each of them would write a file.
 # Usage: planted_test.sh QUILL.EXE PLATFORM_TESTS.EXE
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)
@@ -26,8 +26,8 @@ mkdir "$work/program" "$work/folder"
 x86_64-w64-mingw32-gcc-posix -shared -o "$work/planted.dll" "$work/planted.c"
 cp "$program" "$work/program/quill.exe"
 cp "$tests" "$work/program/tests.exe"
-# What Windows has no list of its own for, and looks for beside the program: what the program or one
-# of its libraries loads by name.
+# The libraries that are not on the system's list, so that Windows searches the program's folder for
+# them: those that the program or one of its libraries loads by name.
 planted="rasapi32 rasman dwmapi cryptbase propsys profapi mswsock textshaping"
 for name in $planted; do
     cp "$work/planted.dll" "$work/program/$name.dll"
@@ -37,7 +37,7 @@ done
 none_loaded() { [ -z "$(find "$work/program" "$work/folder" -name '*.loaded')" ]; }
 loaded() { find "$work/program" "$work/folder" -name '*.loaded' | tr '\n' ' '; }
 
-# A library that is asked for by its name alone is loaded from there: the trap works.
+# A library that is loaded by its plain name does come from that folder: the trap works.
 cat >"$work/careless.c" <<'END'
 #include <windows.h>
 int main(void) { return LoadLibraryA("rasman.dll") == NULL; }

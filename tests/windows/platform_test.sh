@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The tests of tests/platform that include only the public header, against the system's own calls.
+# The tests of tests/platform that include only the public header, against the calls of Windows.
 # Usage: platform_test.sh PLATFORM_TESTS.EXE REPORT.XML
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)

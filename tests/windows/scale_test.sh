@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The Windows program on monitors of 100, 150 and 200 %: text, menu, toolbar and a dialog are larger by
-# the same factor. A picture of each is kept.
+# The Windows program on monitors of 100, 150 and 200 %: text, menu, toolbar and a dialog grow by the
+# same factor. The script keeps a picture of each.
 # Usage: scale_test.sh QUILL.EXE DEMO_HOST
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)
@@ -29,7 +29,7 @@ trap 'set_scale 100 1024x768; clean_up' EXIT
 size_of() { xdotool search --name "$1" 2>/dev/null | head -n 1 | xargs -n 1 xdotool getwindowgeometry --shell |
     tr '\n' ' ' | sed 's/.*WIDTH=\([0-9]*\) HEIGHT=\([0-9]*\).*/\1 \2/'; }
 
-# session_at SCALE: leaves the dialog's and the window's sizes.
+# session_at SCALE: runs a session and records the sizes of the dialog and the window.
 session_at() {
     set_scale "$1" "$screen_size"
     fresh_device
@@ -37,7 +37,7 @@ session_at() {
     : >"$work/received"
     run wine "$program"
     client=$last
-    xdotool mousemove 300 300 # who is below the mouse has the keyboard
+    xdotool mousemove 300 300 # the window below the mouse has the keyboard
     await 30 has_window '^Quill Telnet$' || fail "no notice of the import at $1 %"
     sleep 0.5
     answer_notice
@@ -65,7 +65,7 @@ session_at() {
     wait "$client" || fail "the program ended with code $?"
 }
 
-# larger_by SCALE NAME: both sides. The frame round a dialog stays as it is in Wine.
+# larger_by SCALE NAME: checks width and height. Wine does not scale the frame of a dialog.
 larger_by() {
     paste -d ' ' "$work/$2-100" "$work/$2-$1" | awk -v scale="$1" '
         { for (i = 1; i <= 2; i++) { factor = $(i + 2) / $i * 100 / scale; if (factor < 0.85 || factor > 1.1) bad = 1 } }

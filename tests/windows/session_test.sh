@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The Windows program as a person meets it: first start, import of the configuration file, a session
-# with the demo host, keys, a second start, the end, and what the registry holds then.
+# The Windows program as a person uses it: first start, import of the configuration file, a session
+# with the demo host, keys, a second start, the end, and the content of the registry after it.
 # Usage: session_test.sh QUILL.EXE DEMO_HOST
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)
@@ -13,13 +13,13 @@ done
 start_screen
 prepare_prefix
 
-# The demo host, behind a relay that writes down what the program sends.
+# The demo host, behind a relay that records what the program sends.
 : >"$work/host"
 run "$demo" >"$work/host"
 port=$(first_line "$work/host")
 start_relay "${port##*:}"
 
-# The desktop's viewer, for this test, keeps a copy of what it is to show.
+# A viewer for this test that keeps a copy of the page that it gets.
 shown=$work/shown.htm
 mkdir "$work/bin"
 cat >"$work/bin/xdg-open" <<END
@@ -55,7 +55,7 @@ answer_notice
 [ "$(setting port)" = "$(printf '0x%x' "$relay_port")" ] || fail "port was not imported"
 [ "$(setting color_bold)" = 0x1020 ] || fail "color_bold was not imported"
 
-# The login; the page that follows has two rows in reverse.
+# The login; the next page has two rows in reverse video.
 await 20 received "login:" || fail "the host's question did not come"
 await 10 is_painted || fail "the host's text was not painted"
 type_line anna
@@ -67,14 +67,14 @@ sent "secret" || fail "the password did not arrive at the host"
 await 10 has_reverse_rows || fail "the host's reverse rows were not painted"
 picture menu
 
-# Each key reaches the host once, as the key table has it.
+# Each key reaches the host once, with the bytes of the key table.
 begin_sent
 xdotool key --delay 80 Escape BackSpace Delete Up Home F1 F5 F10 shift+F1 ctrl+1 ctrl+shift+2
 await 10 sent_is '\033\010\177\033[A\2331~\217P\033[15~\033[21~\033[25~\217P\033[24~' ||
     fail "the keys sent $(sent_bytes)"
 [ ! -e "$shown" ] || fail "F1 in a session opened the help"
 
-# The menus, by the keyboard: the third entry of "Keys" is the arrow up. Nothing else is sent.
+# The menus by the keyboard: the third entry of "Keys" is the up arrow. Nothing else is sent.
 begin_sent
 xdotool key alt+k
 sleep 0.5
@@ -82,7 +82,7 @@ picture keys-menu
 xdotool key --delay 80 Down Down Return
 await 10 sent_is '\033[A' || fail "the entry of the menu sent $(sent_bytes)"
 
-# The help page out of the program, in the viewer that the desktop has for pages.
+# The program opens its help page in the desktop's viewer.
 xdotool key ctrl+shift+h
 await 20 cmp -s "$top/resources/telnet.htm" "$shown" || fail "the help page was not shown"
 
@@ -95,7 +95,7 @@ begin_sent
 xdotool key --delay 80 x
 await 10 sent_is 'x' || fail "after the second start the keys went elsewhere: $(sent_bytes)"
 
-# Copied off the screen by the stylus, and pasted: the host gets the heading's words and an Enter.
+# Copies from the screen with the stylus and pastes: the host gets the heading and an Enter.
 begin_sent
 xdotool mousemove 24 76 mousedown 1 mousemove 80 76 mousemove 128 76 mouseup 1
 sleep 0.5
@@ -103,20 +103,20 @@ picture selection
 xdotool key --delay 80 ctrl+shift+c ctrl+shift+v
 await 10 sent_is 'HARBOUR STORES\r' || fail "the clipboard sent $(sent_bytes)"
 
-# What the other side's programs get of it: the text, and zeroes at most behind it.
+# Other programs get this from the clipboard: the text, followed only by zero bytes.
 clipboard() { timeout 5 xclip -selection clipboard -o -t UTF8_STRING >"$work/clipboard" 2>/dev/null; }
 clipboard_is() { clipboard && tr -d '\000' <"$work/clipboard" | tr -d '\r' | cmp -s - "$work/wanted"; }
 printf 'HARBOUR STORES\n' >"$work/wanted"
 await 10 clipboard_is || fail "the clipboard holds $(od -An -c "$work/clipboard" | head -n 4)"
 
-# A drag that leaves the window goes on to the end of the row.
+# A drag that leaves the window continues to the end of the row.
 xdotool mousemove 24 76 mousedown 1 sleep 0.5 mousemove 80 76 sleep 0.5 mousemove 950 76 sleep 0.5 mouseup 1 mousemove 512 384
 sleep 0.3
 xdotool key --delay 80 ctrl+shift+c
 whole_row() { clipboard && grep -aq 'HARBOUR STORES.*Main menu' "$work/clipboard"; }
 await 10 whole_row || fail "a drag out of the window copied $(cat "$work/clipboard")"
 
-# Larger text does not fit any more: scroll bars. Then out, with everything saved.
+# Larger text does not fit, so scroll bars appear. Then the program exits and saves everything.
 xdotool key --delay 80 ctrl+shift+KP_Add ctrl+shift+KP_Add
 sleep 1
 picture larger
@@ -135,7 +135,7 @@ client=$last
 await 30 has_window "^$title  \[127.0.0.1\]$" || fail "no window at the second run"
 ! has_window '^Quill Telnet$' || fail "the notice came again"
 
-# A dialog: what is typed into its first field and left by OK is saved at once.
+# A dialog: OK saves the text of its first field at once.
 xdotool key alt+s
 sleep 0.5
 xdotool key p

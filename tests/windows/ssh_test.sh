@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The Windows program in SSH sessions with a real shell: a sign-on typed into its dialog, wrong the
-# first time; a command whose outcome the shell writes into a file; the end of the session by the
-# host; and a second start, which signs on with what was remembered.
+# The Windows program in SSH sessions with a real shell: a sign-on typed into its dialog, with a wrong
+# password first; a command whose result the shell writes into a file; the end of the session by the
+# host; and a second start, which signs on with the remembered password.
 # Usage: ssh_test.sh QUILL.EXE 1|2
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)
@@ -21,7 +21,7 @@ start_screen
 prepare_prefix
 start_relay "$server_port"
 
-# sign_on NAME PASSWORD [KEY...]: typed into the dialog; the keys before the Enter that closes it.
+# sign_on NAME PASSWORD [KEY...]: types into the dialog, presses the keys, and closes it by Enter.
 sign_on() {
     await 20 has_window '^Sign on to the host$' || fail "nobody asked for name and password"
     sleep 0.5
@@ -37,7 +37,7 @@ sign_on() {
 }
 has_answered() { [ "$(wc -c <"$work/received")" -gt "$heard" ]; }
 
-# The shell is there once it has sent its prompt; all of the session but its beginning is sealed.
+# The shell is ready once it has sent its prompt. The session is encrypted, so the byte count decides.
 rest_for_prompt() {
     was=-1
     while [ "$(wc -c <"$work/received")" -ne $was ]; do
@@ -46,7 +46,7 @@ rest_for_prompt() {
     done
 }
 
-# shell_writes FILE: by a command typed into the session.
+# shell_writes FILE: types a command with which the shell writes the file.
 shell_writes() {
     rest_for_prompt
     # shellcheck disable=SC2016
@@ -55,7 +55,7 @@ shell_writes() {
     [ "$(cat "$work/$1")" = "vt220 42" ] || fail "the shell wrote $(cat "$work/$1")"
 }
 
-# The relay logs the end of what it does for one connection.
+# The relay logs the end of each connection.
 connection_has_ended() { grep -q 'exiting with status' "$work/relay.log"; }
 
 leave() {
@@ -79,8 +79,8 @@ await 30 has_window '^Quill Telnet$' || fail "no notice of the import"
 sleep 0.5
 answer_notice
 
-# A wrong password brings the dialog again; what it then holds is kept, with the mark on
-# "Remember Password".
+# After a wrong password the dialog opens again. With "Remember Password" marked, the program stores
+# the new values.
 sign_on visitor warehouse8
 [ "$version" -eq 2 ] || {
     await 10 has_window '^Error$' || fail "the wrong password was not told"
@@ -94,7 +94,7 @@ sent "^$lines" || fail "the program did not speak SSH-$version"
 ! sent 'visitor\|warehouse\|echo' || fail "what was typed went over the wire in the clear"
 ! received 'vt220 42' || fail "the shell's output came in the clear"
 
-# The host ends the session: so does the program, and stays.
+# The host ends the session; the program reports it and keeps running.
 type_line exit
 await 20 connection_has_ended || fail "the session did not end"
 ! has_window '^Error$' || xdotool key Return
@@ -105,7 +105,7 @@ leave
 [ "$(setting ssh_u)" = visitor ] || fail "ssh_u: $(setting ssh_u)"
 [ "$(setting ssh_p)" = warehouse7 ] || fail "ssh_p was not remembered"
 
-# With the password remembered nobody is asked.
+# With a remembered password no dialog opens.
 run wine "$program"
 client=$last
 await 30 has_window "^$title  \[127.0.0.1\]$" || fail "no window at the second run"

@@ -32,7 +32,7 @@ await 10 received 'vt220 42' || fail "the command gave nothing"
 sleep 0.5
 picture telnetd
 
-# The host ends the session: that is told, and the program stays.
+# The host ends the session: the program reports it and keeps running.
 type_line exit
 await 20 has_window '^Error$' || fail "the end of the session was not told"
 picture closed
@@ -44,7 +44,7 @@ xdotool key ctrl+shift+q
 await 20 has_ended "$client" || fail "the program did not end"
 wait "$client" || fail "the program ended with code $?"
 
-# Nobody listens any more: the next start's request is refused, and told.
+# Nobody listens any more: the connect of the next start is refused, and the program reports it.
 exec 9>&-
 stop_relay
 run wine "$program"

@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
-# What the scripts of this folder share; sourced by them, with `top` naming the tree. Wine's prefix
-# is a folder below build/, made once and kept; its windows live on a desktop of Wine's own, in a
-# screen of Xvfb's.
+# Functions for the scripts of this folder, which source this file with `top` set to the source tree.
+# Wine's prefix is a folder below build/, which is created once and kept. Its windows are on a virtual
+# desktop of Wine, on a screen of Xvfb.
 #
-# Exit code 77 of a script: not possible here.
+# Exit code 77 of a script means: the test is not possible on this machine.
 
 for tool in wine wineserver Xvfb xdotool import; do
     command -v $tool >/dev/null || { echo "$0: $tool is missing" >&2; exit 77; }
@@ -22,7 +22,7 @@ fail() {
     exit 1
 }
 
-# run COMMAND...: in the background, ended with the script.
+# run COMMAND...: runs it in the background and ends it with the script.
 run() {
     "$@" &
     last=$!
@@ -41,7 +41,7 @@ trap 'exit 129' HUP
 trap 'exit 130' INT
 trap 'exit 143' TERM
 
-# await SECONDS COMMAND...: until the command succeeds.
+# await SECONDS COMMAND...: repeats the command until it succeeds.
 await() {
     tries=$(($1 * 10))
     shift
@@ -54,7 +54,7 @@ await() {
 
 has_line() { [ "$(wc -l <"$1")" -ge 1 ]; }
 
-# first_line FILE: waits for it.
+# first_line FILE: waits for the first line of the file and prints it.
 first_line() {
     await 30 has_line "$1" || fail "nothing came into $1"
     head -n 1 "$1"
@@ -68,8 +68,8 @@ start_screen() {
     export DISPLAY
 }
 
-# A new prefix takes some ten seconds. After start_screen: what Wine starts first decides whether
-# there are windows at all.
+# A new prefix takes about ten seconds. Call it after start_screen: the first process that Wine starts
+# decides whether windows are possible.
 prepare_prefix() {
     if [ ! -e "$WINEPREFIX/quill-ready" ]; then
         rm -rf "$WINEPREFIX"
@@ -85,14 +85,14 @@ prepare_prefix() {
     device_root=$(winepath -u "$(wine cmd /c 'echo %APPDATA%' | tr -d '\r')")/Quill
 }
 
-# The device as it is before the first start.
+# Resets the device to its state before the first start.
 fresh_device() {
     rm -rf "$device_root"
     mkdir -p "$device_root"
     wine reg delete "$settings_key" /f >/dev/null 2>&1 || :
 }
 
-# setting NAME: its value in the registry, as `wine reg query` prints it.
+# setting NAME: prints its value in the registry in the form of `wine reg query`.
 setting() {
     wine reg query "$settings_key" /v "$1" 2>/dev/null | tr -d '\r' |
         sed -n "s/^ *$1 *REG_[A-Z]* *//p"
@@ -110,8 +110,8 @@ has_no_window() { ! has_window "$1"; }
 count_windows() { xdotool search --name "^$title" 2>/dev/null | wc -l; }
 has_ended() { ! kill -0 "$1" 2>/dev/null; }
 
-# What has not got the keyboard yet is asked again. The main window has its title once the notice of
-# the import is answered.
+# A box that does not have the keyboard focus yet loses the key, so the key is repeated. The main
+# window has its title once the notice of the import is answered.
 answer_notice() {
     for try in 1 2 3 4 5; do
         xdotool key Return
@@ -125,21 +125,22 @@ type_line() {
     xdotool key Return
 }
 
-# rows_darker_than PERCENT: how many rows of the desktop's upper left are, on average.
+# rows_darker_than PERCENT: counts the pixel rows in the upper left of the desktop whose average is
+# darker.
 rows_darker_than() {
     import -window root "$work/look.png"
     convert "$work/look.png" -crop 600x440+20+24 -colorspace Gray -scale '1x440!' -depth 8 gray:- |
         od -An -v -tu1 -w1 | awk -v most="$1" '$1 * 100 < most * 255 { rows++ } END { print rows + 0 }'
 }
 
-# Two reverse rows of 16 pixels each.
+# Two rows in reverse video have 16 pixels each.
 has_reverse_rows() { [ "$(rows_darker_than 30)" -ge 24 ]; }
 is_painted() { [ "$(rows_darker_than 99)" -ge 8 ]; }
 
 # ---------------------------------------------------------------- the host's side
 
-# start_server COMMAND...: one that tells its port in its first line, runs until its input closes (file
-# 9 here), and ends with 77 where it is not possible; sets server_port.
+# start_server COMMAND...: starts a server that prints its port in its first line, runs until its input
+# closes (file 9 here), and ends with 77 if it is not possible here; sets server_port.
 start_server() {
     mkfifo "$work/hold"
     : >"$work/host"
@@ -158,8 +159,8 @@ start_server() {
     server_port=$(sed -n '1s/^[^0-9]*//p' "$work/host")
 }
 
-# start_relay PORT: sets relay_port; the program's bytes gather in $work/sent, the host's in
-# $work/received.
+# start_relay PORT: sets relay_port; the relay writes the program's bytes to $work/sent and the host's
+# to $work/received.
 start_relay() {
     : >"$work/sent"
     : >"$work/received"
@@ -181,7 +182,7 @@ sent() { tr -d '\000' <"$work/sent" | grep -aq -e "$1"; }
 begin_sent() { sent_from=$(($(wc -c <"$work/sent") + 1)); }
 sent_bytes() { tail -c "+$sent_from" "$work/sent" | od -An -c | tr -s ' \n' ' '; }
 
-# sent_is TEXT: exactly these bytes since begin_sent; TEXT as printf takes it.
+# sent_is TEXT: true if the program sent exactly these bytes since begin_sent; TEXT is a printf format.
 sent_is() {
     printf "$1" >"$work/wanted"
     tail -c "+$sent_from" "$work/sent" | cmp -s - "$work/wanted"

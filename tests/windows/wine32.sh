@@ -1,12 +1,12 @@
 # SPDX-License-Identifier: MIT
-# Wine for 32-bit programs, without anything installed: the system's own 64-bit Wine with the 32-bit
-# libraries of its package, fetched and unpacked below build/. An installer runs in it; what wants
-# sockets does not, as Wine 8 does not start them there. Sourced after wine.sh, before
-# prepare_prefix; the prefix is another one. Exit code 77: not possible here.
+# Wine for 32-bit programs without an installation: the 64-bit Wine of the system with the 32-bit
+# libraries of its package, which are downloaded and unpacked below build/. An installer runs in it, but
+# a program with sockets does not, because Wine 8 does not start them there. Source this file after
+# wine.sh and before prepare_prefix; it uses a separate prefix. Exit code 77: not possible here.
 libraries32=$top/build/wine32-libraries
 export WINEPREFIX="${QUILL_WINE_PREFIX:-$top/build/wine}32"
 
-# A list of packages of our own: the machine's stays as it is.
+# A private list of packages, so that the machine's list does not change.
 fetch_libraries32() {
     command -v apt-get >/dev/null && command -v dpkg-deb >/dev/null || return 1
     lists=$libraries32/apt

@@ -12,13 +12,11 @@ static Settings& s = session.settings;
 
 // ---------------------------------------------------------------- Connect Advanced
 
-namespace {
-
 constexpr int kLeft = 20;  // pixels
 constexpr int kTop = 20;
 constexpr INT_PTR kClosed = -1;
 
-const MarkRow kAdvancedMarks[] = {
+static const MarkRow kAdvancedMarks[] = {
     {IDC_AUTOCONNECT, &s.autoconnect},
     {IDC_EXIT_DIS, &s.exit_dis},
     {IDC_CONFIRM_EXIT, &s.confirm_exit},
@@ -27,36 +25,36 @@ const MarkRow kAdvancedMarks[] = {
     {0, nullptr},
 };
 
-const int kCiphers[] = {IDC_DES, IDC_TRIPLE_DES, IDC_BLOWFISH};  // indexed by ssh_type
+static const int kCiphers[] = {IDC_DES, IDC_TRIPLE_DES, IDC_BLOWFISH};  // indexed by ssh_type
 
 // If ssh_type has any other value, no cipher is checked.
-void ShowCipher(HWND dialog) {
+static void ShowCipher(HWND dialog) {
     DWORD type = 0;
     for (int id : kCiphers)
         CheckDlgButton(dialog, id, s.ssh_type == type++ ? BST_CHECKED : BST_UNCHECKED);
 }
 
-void TakeCipher(HWND dialog) {
+static void TakeCipher(HWND dialog) {
     DWORD type = 0;
     for (int id : kCiphers) {
         if (IsDlgButtonChecked(dialog, id) == BST_CHECKED) s.ssh_type = type;
-        type++;
+        ++type;
     }
 }
 
-void ShowPort(HWND dialog) {
+static void ShowPort(HWND dialog) {
     WCHAR text[16];
     wsprintfW(text, TEXT("%d"), s.port);
     SetDlgItemTextW(dialog, IDC_PORT, text);
 }
 
-void TakePort(HWND dialog) {
+static void TakePort(HWND dialog) {
     BOOL parsed = FALSE;
     const UINT port = GetDlgItemInt(dialog, IDC_PORT, &parsed, FALSE);
     if (parsed) s.port = port;
 }
 
-void OpenAdvanced(HWND dialog) {
+static void OpenAdvanced(HWND dialog) {
     ShowMarks(dialog, kAdvancedMarks);
     ShowPort(dialog);
     CheckDlgButton(dialog, s.ssh_type2 == 1 ? IDC_SSH2 : IDC_SSH1, BST_CHECKED);
@@ -66,7 +64,7 @@ void OpenAdvanced(HWND dialog) {
     MoveWindow(dialog, kLeft, kTop, box.right - box.left, box.bottom - box.top, TRUE);
 }
 
-void TakeAdvanced(HWND dialog) {
+static void TakeAdvanced(HWND dialog) {
     TakeMarks(dialog, kAdvancedMarks);
     TakePort(dialog);
     s.ssh_type2 = IsDlgButtonChecked(dialog, IDC_SSH2) == BST_CHECKED ? 1 : 0;
@@ -74,19 +72,18 @@ void TakeAdvanced(HWND dialog) {
     EndDialog(dialog, kClosed);
 }
 
-void LeaveAdvanced(HWND dialog) { EndDialog(dialog, kClosed); }
+static void LeaveAdvanced(HWND dialog) { EndDialog(dialog, kClosed); }
 
-const DialogCommand kAdvancedCommands[] = {
+static const DialogCommand kAdvancedCommands[] = {
     {IDOK, BN_CLICKED, TakeAdvanced},
     {IDCANCEL, BN_CLICKED, LeaveAdvanced},
     {0, 0, nullptr},
 };
 
-INT_PTR CALLBACK ConnectAdvancedDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+static INT_PTR CALLBACK ConnectAdvancedDialogProc(HWND dialog, UINT message, WPARAM wparam,
+                                                  LPARAM) {
     return RunDialogMessage(dialog, message, wparam, OpenAdvanced, kAdvancedCommands);
 }
-
-}  // namespace
 
 // Shows the dialog modally over the dialog `owner`. OK changes session.settings but does not save;
 // the next save writes the new values.
@@ -97,52 +94,48 @@ static void ShowConnectAdvancedDialog(HWND owner) {
 
 // ---------------------------------------------------------------- Connect
 
-namespace {
+static LPWSTR const kHistory[] = {s.hist0a, s.hist1a, s.hist2a, s.hist3a, s.hist4a};
+constexpr int kHosts = static_cast<int>(sizeof(kHistory) / sizeof(kHistory[0]));
 
-LPWSTR const kHistory[] = {s.hist0a, s.hist1a, s.hist2a, s.hist3a, s.hist4a};
-constexpr int kHosts = static_cast<int>(sizeof kHistory / sizeof kHistory[0]);
-
-void OnOpen(HWND dialog) {
+static void OnOpen(HWND dialog) {
     SendDlgItemMessageW(dialog, IDC_HOST, CB_LIMITTEXT, kHostUnits - 1, 0);
     SetDlgItemTextW(dialog, IDC_HOST, s.host);
-    for (int i = 0; i < kHosts && kHistory[i][0]; i++)
+    for (int i = 0; i < kHosts && kHistory[i][0]; ++i)
         SendDlgItemMessageW(dialog, IDC_HOST, CB_ADDSTRING, 0,
                             reinterpret_cast<LPARAM>(kHistory[i]));
     CentreDialog(dialog);
 }
 
-bool InHistory(LPCWSTR host) {
+static bool InHistory(LPCWSTR host) {
     for (LPCWSTR entry : kHistory)
         if (lstrcmpiW(entry, host) == 0) return true;
     return false;
 }
 
 // A host that is already in the history keeps its position.
-void Remember(LPCWSTR host) {
+static void Remember(LPCWSTR host) {
     if (InHistory(host)) return;
-    for (int i = kHosts - 1; i > 0; i--) CopyBounded(kHistory[i], kHistory[i - 1], kHostUnits);
+    for (int i = kHosts - 1; i > 0; --i) CopyBounded(kHistory[i], kHistory[i - 1], kHostUnits);
     CopyBounded(kHistory[0], host, kHostUnits);
 }
 
-void OnOk(HWND dialog) {
+static void OnOk(HWND dialog) {
     GetDlgItemTextW(dialog, IDC_HOST, s.host, kHostUnits);
     Remember(s.host);
     session.connect_request = 1;
     EndDialog(dialog, IDOK);
 }
 
-const DialogCommand kCommands[] = {
+static const DialogCommand kCommands[] = {
     {IDOK, BN_CLICKED, OnOk},
     {IDCANCEL, BN_CLICKED, CancelDialog},
     {IDC_ADVANCED, BN_CLICKED, ShowConnectAdvancedDialog},
     {0, 0, nullptr},
 };
 
-INT_PTR CALLBACK ConnectDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+static INT_PTR CALLBACK ConnectDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     return RunDialogMessage(dialog, message, wparam, OnOpen, kCommands);
 }
-
-}  // namespace
 
 // Connects after the dialog has closed, so that the message boxes of connecting appear over the
 // terminal.

@@ -10,7 +10,7 @@
 #include "ui/view/view.h"
 
 static bool RunDialogCommand(HWND dialog, WPARAM wparam, const DialogCommand* commands) {
-    for (; commands->run; commands++) {
+    for (; commands->run; ++commands) {
         if (commands->id != LOWORD(wparam) || commands->code != HIWORD(wparam)) continue;
         commands->run(dialog);
         return true;
@@ -32,17 +32,17 @@ void CancelDialog(HWND dialog) {
 }
 
 void ShowMarks(HWND dialog, const MarkRow* rows) {
-    for (; rows->id; rows++)
+    for (; rows->id; ++rows)
         CheckDlgButton(dialog, rows->id, *rows->field ? BST_CHECKED : BST_UNCHECKED);
 }
 
 void TakeMarks(HWND dialog, const MarkRow* rows) {
-    for (; rows->id; rows++)
+    for (; rows->id; ++rows)
         *rows->field = IsDlgButtonChecked(dialog, rows->id) == BST_CHECKED ? 1 : 0;
 }
 
 void ShowTexts(HWND dialog, const TextRow* rows) {
-    for (; rows->id; rows++) {
+    for (; rows->id; ++rows) {
         const WPARAM limit = static_cast<WPARAM>(rows->units) - 1;
         SendDlgItemMessageW(dialog, rows->id, EM_LIMITTEXT, limit, 0);
         SetDlgItemTextW(dialog, rows->id, rows->field);
@@ -50,14 +50,14 @@ void ShowTexts(HWND dialog, const TextRow* rows) {
 }
 
 void TakeTexts(HWND dialog, const TextRow* rows) {
-    for (; rows->id; rows++) GetDlgItemTextW(dialog, rows->id, rows->field, rows->units);
+    for (; rows->id; ++rows) GetDlgItemTextW(dialog, rows->id, rows->field, rows->units);
 }
 
 // A character of average width is four dialog units wide.
 void FitListWidth(HWND dialog, int id) {
     LRESULT longest = 0;
     const LRESULT count = SendDlgItemMessageW(dialog, id, LB_GETCOUNT, 0, 0);
-    for (LRESULT row = 0; row < count; row++)
+    for (LRESULT row = 0; row < count; ++row)
         longest = std::max(
             longest, SendDlgItemMessageW(dialog, id, LB_GETTEXTLEN, static_cast<WPARAM>(row), 0));
     RECT line = {0, 0, static_cast<LONG>(4 * (longest + 1)), 8};

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The dialogs in which the user edits the settings. Each procedure shows its dialog modally, owned
-// by session.main_window, and returns after the dialog has closed. All but ShowAboutDialog then
-// repaint the terminal. No procedure saves while session.save_settings is 0.
+// by session.main_window, and returns after the dialog has closed. They then repaint the terminal.
+// No procedure saves while session.save_settings is 0.
 //
 // Cancel in Connect, Font, Auto Login and Sign on to the host sets session.dialog_result to -1. OK
 // leaves 0 there; only the font dialog stores another value.
@@ -27,8 +27,6 @@ void ShowPropertiesSheet();
 // after OK and after Cancel.
 void ShowAutoLoginDialog();
 
-void ShowAboutDialog();
-
 // "Sign on to the host": asks for the user and the password of an SSH session. Returns false only
 // if the dialog could not be shown; after Cancel it returns true, and session.dialog_result is -1.
 // Cancel changes no setting. When the dialog opens, it clears the password (ssh_p) unless the user
@@ -42,16 +40,5 @@ void ChooseBackgroundColor();
 void ChooseCursorColor();
 void ChooseTextColor();
 void ChooseBoldColor();
-
-// ---------------------------------------------------------------- pages of the Properties sheet
-
-// "Keyboard": shows the key table. A change of a key takes effect at once.
-INT_PTR CALLBACK KeyboardPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
-
-// "Toolbar": one list for each of the three toolbars, each with every row of toolbar_buttons and a
-// mark at the rows that are on this toolbar. A double tap adds a row to the toolbar or removes it.
-// The change takes effect in the table at once; Cancel does not undo it. The command bar shows it
-// when the sheet has closed.
-INT_PTR CALLBACK ToolbarPageProc(HWND page, UINT message, WPARAM wparam, LPARAM lparam);
 
 #endif

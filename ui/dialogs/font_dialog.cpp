@@ -7,24 +7,22 @@
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 
-namespace {
+static Settings& s = session.settings;
 
-Settings& s = session.settings;
-
-const MarkRow kMarks[] = {
+static const MarkRow kMarks[] = {
     {IDC_FONT_BOLD, &s.font_bold},
     {IDC_FONT_ITALIC, &s.font_italic},
     {0, nullptr},
 };
 
-LRESULT AskList(HWND dialog, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
+static LRESULT AskList(HWND dialog, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
     return SendDlgItemMessageW(dialog, IDC_FONTS, message, wparam, lparam);
 }
 
 // The item data of each list entry is the position of its face in session.view.faces.
-void ShowFaces(HWND dialog) {
+static void ShowFaces(HWND dialog) {
     WPARAM selected = 0;
-    for (int i = 0; i < session.view.face_count; i++) {
+    for (int i = 0; i < session.view.face_count; ++i) {
         LPCWSTR name = session.view.faces[i].font.lfFaceName;
         const LRESULT at = AskList(dialog, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name));
         if (at < 0) continue;  // no memory
@@ -35,13 +33,13 @@ void ShowFaces(HWND dialog) {
     FitListWidth(dialog, IDC_FONTS);
 }
 
-void OnOpen(HWND dialog) {
+static void OnOpen(HWND dialog) {
     ShowFaces(dialog);
     ShowMarks(dialog, kMarks);
     CentreDialog(dialog);
 }
 
-void TakeFace(HWND dialog) {
+static void TakeFace(HWND dialog) {
     const LRESULT selected = AskList(dialog, LB_GETCURSEL);
     session.dialog_result = static_cast<int>(selected);
     if (selected < 0) return;
@@ -49,23 +47,21 @@ void TakeFace(HWND dialog) {
     CopyBounded(s.fname, session.view.faces[face].font.lfFaceName, kSettingUnits);
 }
 
-void OnOk(HWND dialog) {
+static void OnOk(HWND dialog) {
     TakeMarks(dialog, kMarks);
     TakeFace(dialog);
     EndDialog(dialog, IDOK);
 }
 
-const DialogCommand kCommands[] = {
+static const DialogCommand kCommands[] = {
     {IDOK, BN_CLICKED, OnOk},
     {IDCANCEL, BN_CLICKED, CancelDialog},
     {0, 0, nullptr},
 };
 
-INT_PTR CALLBACK FontDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+static INT_PTR CALLBACK FontDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     return RunDialogMessage(dialog, message, wparam, OnOpen, kCommands);
 }
-
-}  // namespace
 
 void ShowFontDialog() {
     RunDialog(IDD_FONT, FontDialogProc);
@@ -79,7 +75,7 @@ void ShowFontDialog() {
 static void ChooseTerminalColor(DWORD* color) {
     if (!session.choose_color) return;
     CHOOSECOLORW request = {};
-    request.lStructSize = sizeof request;
+    request.lStructSize = sizeof(request);
     request.hwndOwner = session.main_window;
     request.hInstance = session.instance;
     request.rgbResult = *color;

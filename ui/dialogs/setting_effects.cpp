@@ -7,11 +7,9 @@
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/view/view.h"
 
-namespace {
+static Settings& s = session.settings;
 
-Settings& s = session.settings;
-
-void MakeFont() {
+static void MakeFont() {
     CreateTerminalFont();
     LayoutTerminal();
 }
@@ -19,7 +17,7 @@ void MakeFont() {
 // Changing the font size one step up and one step down fits the terminal to its new space. If
 // several sizes have the same cell height, or the size is at its limit, the two steps can end at
 // another size. The old size is then restored.
-void RefitTerminal() {
+static void RefitTerminal() {
     const DWORD size = s.fsize;
     LargerFont();
     RepaintTerminal();
@@ -30,30 +28,32 @@ void RefitTerminal() {
     MakeFont();
 }
 
-void ShowOrHideStatusBar() {
+static void ShowOrHideStatusBar() {
     RebuildStatusBar();
     RefitTerminal();
     UpdateStatus();
 }
 
-void ShowButtons() { session_ports.rebuild_menu_bar(); }
+static void ShowButtons() { session_ports.rebuild_menu_bar(); }
+
+namespace {
 
 struct EffectRow {
     const void* setting;
     void (*apply)();
 };
 
+}  // namespace
+
 // A setting without a row takes effect where it is read. The colours only need the repaint that
 // follows every dialog (SettingsChanged).
 // clang-format off
-const EffectRow kEffects[] = {
+static const EffectRow kEffects[] = {
     {s.fname,         MakeFont},  // also for font_bold and font_italic
     {&s.hidestatus,   ShowOrHideStatusBar},
     {toolbar_buttons, ShowButtons},
 };
 // clang-format on
-
-}  // namespace
 
 void ApplySetting(const void* setting) {
     for (const EffectRow& row : kEffects)

@@ -6,45 +6,41 @@
 #include "ui/dialogs/dialog_tools.h"
 #include "ui/dialogs/dialogs.h"
 
-namespace {
+static Settings& s = session.settings;
 
-Settings& s = session.settings;
-
-const TextRow kTexts[] = {
+static const TextRow kTexts[] = {
     {IDC_SSH_U, s.ssh_u, kSettingUnits},
     {IDC_SSH_P, s.ssh_p, kSettingUnits},
     {0, nullptr, 0},
 };
 
-const MarkRow kMarks[] = {
+static const MarkRow kMarks[] = {
     {IDC_SSH_DEF, &s.ssh_def},
     {0, nullptr},
 };
 
-void OnOpen(HWND dialog) {
-    if (!s.ssh_def) memset(s.ssh_p, 0, sizeof s.ssh_p);
+static void OnOpen(HWND dialog) {
+    if (!s.ssh_def) memset(s.ssh_p, 0, sizeof(s.ssh_p));
     ShowTexts(dialog, kTexts);
     ShowMarks(dialog, kMarks);
     CentreDialog(dialog);
 }
 
-void OnOk(HWND dialog) {
+static void OnOk(HWND dialog) {
     TakeMarks(dialog, kMarks);
     TakeTexts(dialog, kTexts);
     EndDialog(dialog, IDOK);
 }
 
-const DialogCommand kCommands[] = {
+static const DialogCommand kCommands[] = {
     {IDOK, BN_CLICKED, OnOk},
     {IDCANCEL, BN_CLICKED, CancelDialog},
     {0, 0, nullptr},
 };
 
-INT_PTR CALLBACK SignOnDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+static INT_PTR CALLBACK SignOnDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     return RunDialogMessage(dialog, message, wparam, OnOpen, kCommands);
 }
-
-}  // namespace
 
 bool AskSignOn() {
     const bool shown = RunDialog(IDD_SIGN_ON, SignOnDialogProc) >= 0;
@@ -54,9 +50,7 @@ bool AskSignOn() {
 
 // ---------------------------------------------------------------- Auto Login
 
-namespace {
-
-const TextRow kAutoLoginTexts[] = {
+static const TextRow kAutoLoginTexts[] = {
     {IDC_SEAR1, s.sear1, kSettingUnits},
     {IDC_RESP1, s.resp1, kSettingUnits},
     {IDC_SEAR2, s.sear2, kSettingUnits},
@@ -64,27 +58,25 @@ const TextRow kAutoLoginTexts[] = {
     {0, nullptr, 0},
 };
 
-void OpenAutoLogin(HWND dialog) {
+static void OpenAutoLogin(HWND dialog) {
     ShowTexts(dialog, kAutoLoginTexts);
     CentreDialog(dialog);
 }
 
-void TakeAutoLogin(HWND dialog) {
+static void TakeAutoLogin(HWND dialog) {
     TakeTexts(dialog, kAutoLoginTexts);
     EndDialog(dialog, IDOK);
 }
 
-const DialogCommand kAutoLoginCommands[] = {
+static const DialogCommand kAutoLoginCommands[] = {
     {IDOK, BN_CLICKED, TakeAutoLogin},
     {IDCANCEL, BN_CLICKED, CancelDialog},
     {0, 0, nullptr},
 };
 
-INT_PTR CALLBACK AutoLoginDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+static INT_PTR CALLBACK AutoLoginDialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     return RunDialogMessage(dialog, message, wparam, OpenAutoLogin, kAutoLoginCommands);
 }
-
-}  // namespace
 
 void ShowAutoLoginDialog() {
     RunDialog(IDD_AUTO_LOGIN, AutoLoginDialogProc);

@@ -41,12 +41,12 @@ void ExtendSelection(LPARAM position) {
 
 // ---------------------------------------------------------------- copy and paste
 
-static const WCHAR kCarriageReturn = 13;
-static const WCHAR kLineFeed = 10;
+constexpr WCHAR kCarriageReturn = 13;
+constexpr WCHAR kLineFeed = 10;
 
 // Space for one copied row: at most 80 characters, CR and LF. The terminator of the text is counted
 // separately.
-static const UINT kBytesARow = (kScreenColumns + 2) * sizeof(WCHAR);
+constexpr UINT kBytesARow = (kScreenColumns + 2) * sizeof(WCHAR);
 
 static WCHAR* CopyRow(int row, const ScreenArea& area, WCHAR* to) {
     for (int col = area.first_col; col <= area.last_col; ++col) {

@@ -8,9 +8,9 @@
 #include "terminal/screen_buffer.h"
 #include "ui/view/view.h"
 
-static const int kFirstDigitColumn = 3;  // a tapped digit left of this column is no hotspot
-static const int kTapLimit = 75;         // taps in this column or right of it are no hotspots
-static const int kNoNumber = -1;
+constexpr int kFirstDigitColumn = 3;  // a tapped digit left of this column is no hotspot
+constexpr int kTapLimit = 75;         // taps in this column or right of it are no hotspots
+constexpr int kNoNumber = -1;
 
 static bool IsDigit(BYTE c) { return c >= '0' && c <= '9'; }
 static bool IsSeparator(BYTE c) { return c == '.' || c == ':'; }

@@ -9,15 +9,13 @@
 #include "terminal/screen_buffer.h"
 #include "ui/view/view.h"
 
-namespace {
-
 constexpr size_t kLongestSequence = 255;  // sequences of this length or longer are not sent
 
-void SendBytes(const BYTE* bytes, int length) {
+static void SendBytes(const BYTE* bytes, int length) {
     SessionSend(bytes, length, static_cast<int>(session.telnet.escape_iac));
 }
 
-bool SendSequence(int virtual_key) {
+static bool SendSequence(int virtual_key) {
     const char* sequence = TranslateVirtualKey(virtual_key);
     if (!sequence) return false;
     const size_t length = std::strlen(sequence);
@@ -27,26 +25,24 @@ bool SendSequence(int virtual_key) {
 }
 
 // In newline mode the Enter key sends CR LF.
-void FinishLine(int virtual_key) {
+static void FinishLine(int virtual_key) {
     const BYTE line_feed = 10;
     if (virtual_key == VK_RETURN && session.modes.newline_mode) SendBytes(&line_feed, 1);
 }
 
-bool Swallowed(WCHAR character) {
-    if (character == 9 || character == 13) return true;
+static bool Swallowed(WCHAR character) {
+    if (character == TEXT('\t') || character == TEXT('\r')) return true;
     return character < 32 && session.telnet.escape_iac == 1;
 }
 
 // Each character is sent as one byte. A character that the code page encodes as several bytes, or
 // does not have, becomes a question mark.
-BYTE ByteOf(WCHAR character) {
+static BYTE ByteOf(WCHAR character) {
     char bytes[8];
     const int length =
         WideCharToMultiByte(CP_ACP, 0, &character, 1, bytes, sizeof(bytes), nullptr, nullptr);
     return length == 1 ? static_cast<BYTE>(bytes[0]) : BYTE{'?'};
 }
-
-}  // namespace
 
 void OnKeyDown(int virtual_key) {
     session.key_taken = 0;

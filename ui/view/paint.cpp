@@ -11,9 +11,11 @@
 
 // The cursor is steady on this device, whatever the setting `blink` says. If this were true, every
 // other timer tick would hide the cursor.
-static constexpr bool kCursorBlinks = false;
+constexpr bool kCursorBlinks = false;
 
-static const DWORD kCodeMask = 0xFF;
+constexpr DWORD kCodeMask = 0xFF;
+constexpr DWORD kFirstAscii = ' ';
+constexpr DWORD kLastAscii = '~';
 
 struct RunColors {
     COLORREF text;
@@ -58,14 +60,14 @@ static bool ReachesOut(DWORD cell) {
     return code == ',' || code == '_';
 }
 
-static bool StandsAlone(DWORD cell) {
+static bool DrawnSeparately(DWORD cell) {
     return ReachesOut(cell) || (cell & (kCellGraphic | kCellCursor));
 }
 
 // Returns the column after the run that begins at column `first`.
 static int RunEnd(const PaintRow& row, int first) {
     int columns = session.screen.columns, end = first + 1;
-    if (StandsAlone(row.cells[first])) return end;
+    if (DrawnSeparately(row.cells[first])) return end;
     DWORD attributes = row.cells[first] & ~kCodeMask;
     while (end <= columns && (row.cells[end] & ~kCodeMask) == attributes &&
            !ReachesOut(row.cells[end])) {
@@ -111,8 +113,9 @@ static void DrawRun(HDC dc, const PaintRow& row, int first, int end) {
 // ---------------------------------------------------------------- rows
 
 // Converts a byte by the ANSI code page. A byte that is only part of a character in that code page
-// is shown as a question mark.
+// is shown as a question mark. ASCII's printable characters are the same in every code page.
 static WCHAR TextOfByte(DWORD code) {
+    if (code >= kFirstAscii && code <= kLastAscii) return static_cast<WCHAR>(code);
     const char byte = static_cast<char>(code);
     WCHAR unit = 0;
     const int units = MultiByteToWideChar(CP_ACP, 0, &byte, 1, &unit, 1);
@@ -131,7 +134,7 @@ static void DrawRow(HDC dc, int screen_row, int window_row) {
     const ScreenBuffer& screen = session.screen;
     PaintRow row = {};
     row.window_row = window_row;
-    memcpy(row.cells, GetPaintRow(screen_row), sizeof row.cells);
+    memcpy(row.cells, GetPaintRow(screen_row), sizeof(row.cells));
     if (screen_row == screen.cursor_row && ShownCursorColumn()) {
         row.cells[screen.cursor_col] |= kCellCursor;
     }

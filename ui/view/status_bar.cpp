@@ -4,52 +4,52 @@
 
 #include "session/session_state.h"
 
-namespace {
-
 constexpr int kStateOffline = 0;
 constexpr int kStateRequest = 1;
 constexpr int kStateOnline = 2;
 constexpr int kStateSecure = 3;
+
+namespace {
 
 struct StateWords {
     LPCWSTR long_word;
     LPCWSTR short_word;  // on narrow screens, except for an SSH session that is up
 };
 
-const StateWords kStateWords[] = {
+}  // namespace
+
+static const StateWords kStateWords[] = {
     {TEXT("offline"), TEXT("OFF")},
     {TEXT("request"), TEXT("REQ")},
     {TEXT("online"), TEXT("ON")},
     {TEXT("secure"), TEXT("ON")},
 };
 
-bool SshSession() { return session.settings.ssh != 0 && session.banner_sent != 0; }
+static bool SshSession() { return session.settings.ssh != 0 && session.banner_sent != 0; }
 
-int CurrentState() {
+static int CurrentState() {
     if (!Connected()) return session.connect_pending ? kStateRequest : kStateOffline;
     return SshSession() && session.ssh_progress >= 1 ? kStateSecure : kStateOnline;
 }
 
-LPCWSTR StateWord() {
+static LPCWSTR StateWord() {
     const int state = CurrentState();
     if (!session.narrow_screen) return kStateWords[state].long_word;
     if (state < kStateOnline || !SshSession()) return kStateWords[state].short_word;
     return session.settings.ssh_type2 == 1 ? TEXT("SSH2") : TEXT("SSH1");
 }
 
-void MeasureStatusBar() {
+static void MeasureStatusBar() {
     RECT rect;
     if (GetWindowRect(session.status_window, &rect)) session.status_height = rect.bottom - rect.top;
 }
 
-void MakeStatusBar() {
+static void MakeStatusBar() {
     session.status_window = CreateWindowExW(
         0, STATUSCLASSNAME, TEXT(""), WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, session.client_window,
         reinterpret_cast<HMENU>(static_cast<INT_PTR>(kStatusBarId)), session.instance, nullptr);
     if (session.status_window) MeasureStatusBar();
 }
-
-}  // namespace
 
 void RebuildStatusBar() {
     if (session.status_window) DestroyWindow(session.status_window);

@@ -7,7 +7,7 @@
 #include "settings/settings.h"
 #include "ui/view/input.h"
 
-static const int kNarrowScreen = 350;  // pixels; on narrower screens the status line is short
+constexpr int kNarrowScreen = 350;  // pixels; on narrower screens the status line is short
 
 static DWORD ScreenIsNarrow(HWND window) {
     HDC dc = GetDC(window);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The terminal window's view: the area of the screen that the window shows. This file handles its
-// geometry, scrolling, following the cursor, and repaint requests.
+// geometry, scrolling, following the cursor, repaint requests, and the shell's input panel (the
+// on-screen keyboard), which covers the terminal's lower rows.
 #include "ui/view/view.h"
 
 #include <algorithm>
@@ -97,7 +98,7 @@ static void FitCells(int width, int height) {
 
 static void SetUpBar(int bar, int cells, int visible) {
     SCROLLINFO info = {};
-    info.cbSize = sizeof info;
+    info.cbSize = sizeof(info);
     info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
     info.nMax = cells - 1;
     info.nPage = static_cast<UINT>(visible);
@@ -140,7 +141,7 @@ void CoverRows(int rows) {
 static void SetBarPosition(int bar, int position) {
     if (!session.client_window) return;
     SCROLLINFO info = {};
-    info.cbSize = sizeof info;
+    info.cbSize = sizeof(info);
     info.fMask = SIF_POS;
     info.nPos = position;
     SetScrollInfo(session.client_window, bar, &info, TRUE);
@@ -152,7 +153,7 @@ struct BarEvent {
     int position;  // of the thumb, for SB_THUMBPOSITION
 };
 
-static const int kLineStep = 2;  // cells
+constexpr int kLineStep = 2;  // cells
 
 static int LineUp(const BarEvent& event) { return event.first - kLineStep; }
 static int LineDown(const BarEvent& event) { return event.first + kLineStep; }
@@ -220,4 +221,53 @@ void FollowCursor() {
 void ShowChanges() {
     if (session.settings.followcursor) FollowCursor();
     RefreshTerminal();
+}
+
+// ---------------------------------------------------------------- the input panel
+
+static bool HorizontalBarShown() { return session.view.visible_columns < session.screen.columns; }
+
+// Returns how many rows the panel covers. It covers the status bar and the horizontal scroll bar
+// first. A partly covered row counts as covered.
+static int CoveredRows(const RECT& panel) {
+    if (session.view.cell_height < 1) return 0;
+    int height = panel.bottom - panel.top - session.status_height;
+    if (HorizontalBarShown()) height -= GetSystemMetrics(SM_CYHSCROLL);
+    return std::max(height / session.view.cell_height + 1, 0);
+}
+
+static bool AskShell(SIPINFO* panel) {
+    *panel = {};
+    panel->cbSize = sizeof(*panel);
+    return SHSipInfo(SPI_GETSIPINFO, 0, panel, 0) != 0;
+}
+
+static void PanelUp(const RECT& panel) {
+    const bool changed = !session.input_panel_up;
+    session.input_panel_up = 1;
+    CoverRows(CoveredRows(panel));
+    if (changed && Connected()) LayoutTerminal();
+}
+
+static void PanelDown() {
+    if (!session.input_panel_up) return;
+    session.input_panel_up = 0;
+    CoverRows(0);
+    LayoutTerminal();
+}
+
+void FollowInputPanel() {
+    SIPINFO panel;
+    if (!AskShell(&panel)) return;
+    panel.fdwFlags& SIPF_ON ? PanelUp(panel.rcSipRect) : PanelDown();
+}
+
+// The count depends on whether the horizontal scroll bar is shown. MeasureView decides that, so it
+// runs first.
+void RecountCoveredRows() {
+    SIPINFO panel;
+    if (!session.input_panel_up || session.view.cell_height < 1 || !AskShell(&panel)) return;
+    MeasureView();
+    CoverRows(CoveredRows(panel.rcSipRect));
+    LayoutTerminal();
 }

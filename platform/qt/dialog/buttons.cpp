@@ -11,14 +11,16 @@
 #include <QPushButton>
 #include <QRadioButton>
 
-namespace {
-
 // The plain kinds do not change their mark; the program does.
 template <typename Button>
 class PlainButton : public Button {
   protected:
     void nextCheckState() override {}
 };
+
+constexpr double kFocusInset = 3.5;
+
+namespace {
 
 // Leaves Enter to the dialog, which presses the default button. The focus is drawn inside the
 // frame, because the frame marks the default button.
@@ -34,22 +36,25 @@ class PushButton : public QPushButton {
         if (!hasFocus()) return;
         QPainter painter(this);
         painter.setPen(QPen(palette().color(QPalette::ButtonText), 1, Qt::DotLine));
-        painter.drawRect(QRectF(rect()).adjusted(3.5, 3.5, -3.5, -3.5));
+        painter.drawRect(
+            QRectF(rect()).adjusted(kFocusInset, kFocusInset, -kFocusInset, -kFocusInset));
     }
 };
 
-QAbstractButton* ButtonOf(const Window& window) {
+}  // namespace
+
+static QAbstractButton* ButtonOf(const Window& window) {
     return qobject_cast<QAbstractButton*>(window.widget.data());
 }
 
 // Tab enters a group at the button that is marked.
-void MoveTabStop(QAbstractButton* marked) {
+static void MoveTabStop(QAbstractButton* marked) {
     for (QAbstractButton* button : marked->group()->buttons())
         button->setFocusPolicy(button == marked ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 // An exclusive group would not clear its last mark and would not allow two marks.
-void SetMark(QAbstractButton* button, bool checked) {
+static void SetMark(QAbstractButton* button, bool checked) {
     QButtonGroup* group = button->group();
     if (group) group->setExclusive(false);
     button->setChecked(checked);
@@ -57,13 +62,13 @@ void SetMark(QAbstractButton* button, bool checked) {
     if (group && checked) MoveTabStop(button);
 }
 
-void ClearOthers(QAbstractButton* button) {
+static void ClearOthers(QAbstractButton* button) {
     if (!button->group()) return;
     for (QAbstractButton* other : button->group()->buttons())
         if (other != button && other->isChecked()) SetMark(other, false);
 }
 
-void OnClicked(HWND control, QAbstractButton* button) {
+static void OnClicked(HWND control, QAbstractButton* button) {
     const Window* window = FindWindowRecord(control);
     if (!window) return;
     if (button->isChecked()) ClearOthers(button);
@@ -73,18 +78,22 @@ void OnClicked(HWND control, QAbstractButton* button) {
 }
 
 template <typename Button>
-QAbstractButton* Make(QWidget* parent) {
+static QAbstractButton* Make(QWidget* parent) {
     auto* button = new Button;
     button->setParent(parent);
     return button;
 }
+
+namespace {
 
 struct ButtonRow {
     DWORD type;
     QAbstractButton* (*make)(QWidget* parent);
 };
 
-const ButtonRow kButtons[] = {
+}  // namespace
+
+static const ButtonRow kButtons[] = {
     {BS_PUSHBUTTON, Make<PushButton>},
     {BS_DEFPUSHBUTTON, Make<PushButton>},
     {BS_CHECKBOX, Make<PlainButton<QCheckBox>>},
@@ -93,20 +102,20 @@ const ButtonRow kButtons[] = {
     {BS_AUTORADIOBUTTON, Make<QRadioButton>},
 };
 
-QAbstractButton* MakeKindOfButton(DWORD style, QWidget* parent) {
+static QAbstractButton* MakeKindOfButton(DWORD style, QWidget* parent) {
     for (const ButtonRow& row : kButtons)
         if (row.type == (style & 0xFu)) return row.make(parent);
     return Make<PushButton>(parent);
 }
 
-QWidget* MakeGroupBox(const DialogItem& item, QWidget* parent) {
+static QWidget* MakeGroupBox(const DialogItem& item, QWidget* parent) {
     auto* box = new QGroupBox(FromWide(item.text.c_str()), parent);
     box->setAttribute(Qt::WA_TransparentForMouseEvents);
     box->lower();
     return box;
 }
 
-QWidget* MakeButton(HWND control, const DialogItem& item, QWidget* parent) {
+static QWidget* MakeButton(HWND control, const DialogItem& item, QWidget* parent) {
     if ((item.style & 0xFu) == BS_GROUPBOX) return MakeGroupBox(item, parent);
     QAbstractButton* button = MakeKindOfButton(item.style, parent);
     button->setText(FromWide(item.text.c_str()));
@@ -120,18 +129,18 @@ QWidget* MakeButton(HWND control, const DialogItem& item, QWidget* parent) {
     return button;
 }
 
-LRESULT GetCheck(Window& window, WPARAM, LPARAM) {
+static LRESULT GetCheck(Window& window, WPARAM, LPARAM) {
     const QAbstractButton* button = ButtonOf(window);
     return button && button->isChecked() ? BST_CHECKED : BST_UNCHECKED;
 }
 
-LRESULT SetCheck(Window& window, WPARAM check, LPARAM) {
+static LRESULT SetCheck(Window& window, WPARAM check, LPARAM) {
     QAbstractButton* button = ButtonOf(window);
     if (button && button->isCheckable()) SetMark(button, check != BST_UNCHECKED);
     return 0;
 }
 
-LRESULT Click(Window& window, WPARAM, LPARAM) {
+static LRESULT Click(Window& window, WPARAM, LPARAM) {
     const std::shared_ptr<ControlData> data = window.control;
     QAbstractButton* button = ButtonOf(window);
     if (!button) return 0;
@@ -141,7 +150,7 @@ LRESULT Click(Window& window, WPARAM, LPARAM) {
     return 0;
 }
 
-LRESULT SetButtonText(Window& window, WPARAM, LPARAM text) {
+static LRESULT SetButtonText(Window& window, WPARAM, LPARAM text) {
     window.text = reinterpret_cast<LPCWSTR>(text);
     const QString shown = FromWide(window.text.c_str());
     if (QAbstractButton* button = ButtonOf(window)) button->setText(shown);
@@ -149,15 +158,15 @@ LRESULT SetButtonText(Window& window, WPARAM, LPARAM text) {
     return TRUE;
 }
 
-LRESULT GetOwnText(Window& window, WPARAM size, LPARAM buffer) {
+static LRESULT GetOwnText(Window& window, WPARAM size, LPARAM buffer) {
     return CopyText(QString::fromStdU16String(window.text), size, buffer);
 }
 
-LRESULT GetOwnLength(Window& window, WPARAM, LPARAM) {
+static LRESULT GetOwnLength(Window& window, WPARAM, LPARAM) {
     return static_cast<LRESULT>(window.text.size());
 }
 
-const MessageRow kButtonMessages[] = {
+static const MessageRow kButtonMessages[] = {
     {WM_SETTEXT, SetButtonText},
     {WM_GETTEXT, GetOwnText},
     {WM_GETTEXTLENGTH, GetOwnLength},
@@ -167,13 +176,13 @@ const MessageRow kButtonMessages[] = {
     {0, nullptr},
 };
 
-Qt::Alignment StaticAlignment(DWORD style) {
+static Qt::Alignment StaticAlignment(DWORD style) {
     const DWORD type = style & 0x1Fu;
     return type == SS_CENTER ? Qt::AlignHCenter : type == SS_RIGHT ? Qt::AlignRight : Qt::AlignLeft;
 }
 
 // A text with room for only one line is not wrapped, or its other lines would be invisible.
-QWidget* MakeStatic(HWND, const DialogItem& item, QWidget* parent) {
+static QWidget* MakeStatic(HWND, const DialogItem& item, QWidget* parent) {
     auto* label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
     label->setAlignment(StaticAlignment(item.style) | Qt::AlignTop);
@@ -184,20 +193,18 @@ QWidget* MakeStatic(HWND, const DialogItem& item, QWidget* parent) {
     return label;
 }
 
-LRESULT SetStaticText(Window& window, WPARAM, LPARAM text) {
+static LRESULT SetStaticText(Window& window, WPARAM, LPARAM text) {
     window.text = reinterpret_cast<LPCWSTR>(text);
     ShowLabel(window);
     return TRUE;
 }
 
-const MessageRow kStaticMessages[] = {
+static const MessageRow kStaticMessages[] = {
     {WM_SETTEXT, SetStaticText},
     {WM_GETTEXT, GetOwnText},
     {WM_GETTEXTLENGTH, GetOwnLength},
     {0, nullptr},
 };
-
-}  // namespace
 
 const ControlClass kButtonClass = {0x80, u"Button", MakeButton, kButtonMessages};
 const ControlClass kStaticClass = {0x82, u"Static", MakeStatic, kStaticMessages};

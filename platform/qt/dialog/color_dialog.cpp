@@ -18,27 +18,27 @@
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
 
-namespace {
-
 constexpr int kCustomColors = 16;
 constexpr int kMargin = 4;
 constexpr int kSmallPatch = 20;
 
-bool TemplateIsThere(const CHOOSECOLORW& request) {
+static bool TemplateIsThere(const CHOOSECOLORW& request) {
     DialogTemplate shape;
     return !(request.Flags & CC_ENABLETEMPLATE) ||
            LoadDialogTemplate(request.lpTemplateName, &shape);
 }
 
-void PutCustomColors(const COLORREF* colors) {
-    for (int i = 0; colors && i < kCustomColors; i++)
+static void PutCustomColors(const COLORREF* colors) {
+    for (int i = 0; colors && i < kCustomColors; ++i)
         QColorDialog::setCustomColor(i, ColorOf(colors[i]));
 }
 
-void TakeCustomColors(COLORREF* colors) {
-    for (int i = 0; colors && i < kCustomColors; i++)
+static void TakeCustomColors(COLORREF* colors) {
+    for (int i = 0; colors && i < kCustomColors; ++i)
         colors[i] = ValueOf(QColorDialog::customColor(i));
 }
+
+namespace {
 
 // Leaves Enter to the window, which presses its default button.
 class Chooser : public QColorDialog {
@@ -50,7 +50,9 @@ class Chooser : public QColorDialog {
     }
 };
 
-QColorDialog* MakeChooser(const CHOOSECOLORW& request) {
+}  // namespace
+
+static QColorDialog* MakeChooser(const CHOOSECOLORW& request) {
     auto* chooser = new Chooser;
     chooser->setWindowFlags(Qt::Widget);
     chooser->setOptions(QColorDialog::DontUseNativeDialog | QColorDialog::NoButtons);
@@ -58,7 +60,7 @@ QColorDialog* MakeChooser(const CHOOSECOLORW& request) {
     return chooser;
 }
 
-QScrollArea* MakeArea(QColorDialog* chooser, QDialog* window) {
+static QScrollArea* MakeArea(QColorDialog* chooser, QDialog* window) {
     auto* area = new QScrollArea(window);
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);
@@ -70,7 +72,7 @@ QScrollArea* MakeArea(QColorDialog* chooser, QDialog* window) {
     return area;
 }
 
-QDialogButtonBox* MakeButtons(QColorDialog* chooser, QDialog* window) {
+static QDialogButtonBox* MakeButtons(QColorDialog* chooser, QDialog* window) {
     auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, window);
     QObject::connect(box, &QDialogButtonBox::accepted, chooser, &QDialog::accept);
     QObject::connect(box, &QDialogButtonBox::rejected, chooser, &QDialog::reject);
@@ -79,7 +81,7 @@ QDialogButtonBox* MakeButtons(QColorDialog* chooser, QDialog* window) {
 
 // As in the other dialogs, a click on a button does not move the focus, and Enter presses the
 // button that is drawn as the default.
-void SetDefaults(QDialog* window, QPushButton* ok) {
+static void SetDefaults(QDialog* window, QPushButton* ok) {
     for (QPushButton* button : window->findChildren<QPushButton*>()) {
         button->setFocusPolicy(Qt::TabFocus);
         button->setAutoDefault(false);
@@ -90,7 +92,7 @@ void SetDefaults(QDialog* window, QPushButton* ok) {
 
 // For the screen of a hand-held, drops the space between the fields and most of the patch that
 // shows the colour.
-void Squeeze(QColorDialog* chooser) {
+static void Squeeze(QColorDialog* chooser) {
     for (QLayout* layout : chooser->findChildren<QLayout*>()) layout->setSpacing(kMargin);
     chooser->layout()->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     for (QWidget* widget : chooser->findChildren<QWidget*>())
@@ -99,7 +101,7 @@ void Squeeze(QColorDialog* chooser) {
 
 // Gives the window the size that the chooser wants, or the desktop's if that is smaller. The
 // chooser then scrolls above its buttons.
-void SetSize(QDialog* window, QColorDialog* chooser, const QWidget& buttons) {
+static void SetSize(QDialog* window, QColorDialog* chooser, const QWidget& buttons) {
     const QSize frame = DeviceScreen()->frameGeometry().size() - DeviceScreen()->size();
     const QSize room = DeviceScreen()->screen()->availableGeometry().size() - frame;
     const int bar = window->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
@@ -110,7 +112,7 @@ void SetSize(QDialog* window, QColorDialog* chooser, const QWidget& buttons) {
     window->resize(size.boundedTo(room));
 }
 
-void PutInWindow(QColorDialog* chooser, QDialog* window) {
+static void PutInWindow(QColorDialog* chooser, QDialog* window) {
     auto* layout = new QVBoxLayout(window);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -125,8 +127,6 @@ void PutInWindow(QColorDialog* chooser, QDialog* window) {
     SetSize(window, chooser, *buttons);
     chooser->show();
 }
-
-}  // namespace
 
 BOOL ShowColorDialog(CHOOSECOLORW* request) {
     if (!request || request->lStructSize != sizeof(CHOOSECOLORW)) return FALSE;
@@ -154,7 +154,7 @@ BOOL ShowColorDialog(CHOOSECOLORW* request) {
     return chosen;
 }
 
-typedef void (*AnyProcedure)();
+using AnyProcedure = void (*)();
 
 struct ProcedureRow {
     LPCWSTR name;  // null ends the table
@@ -166,20 +166,16 @@ struct SliceModule {
     const ProcedureRow* procedures;
 };
 
-namespace {
-
-const ProcedureRow kCommonDialogs[] = {
+static const ProcedureRow kCommonDialogs[] = {
     {u"ChooseColor", reinterpret_cast<AnyProcedure>(ShowColorDialog)},
     {nullptr, nullptr},
 };
 
-SliceModule g_libraries[] = {{u"COMMDLG.DLL", kCommonDialogs}};
+static SliceModule g_libraries[] = {{u"COMMDLG.DLL", kCommonDialogs}};
 
-bool IsLibrary(HMODULE library) {
+static bool IsLibrary(HMODULE library) {
     return library >= std::begin(g_libraries) && library < std::end(g_libraries);
 }
-
-}  // namespace
 
 HMODULE LoadLibraryW(LPCWSTR name) {
     if (!name || (window_observer.hide_library && window_observer.hide_library(name)))
@@ -191,7 +187,7 @@ HMODULE LoadLibraryW(LPCWSTR name) {
 
 FARPROC GetProcAddressW(HMODULE library, LPCWSTR name) {
     if (!IsLibrary(library) || !name) return nullptr;
-    for (const ProcedureRow* row = library->procedures; row->name; row++)
+    for (const ProcedureRow* row = library->procedures; row->name; ++row)
         if (lstrcmpW(row->name, name) == 0) return reinterpret_cast<FARPROC>(row->procedure);
     return nullptr;
 }

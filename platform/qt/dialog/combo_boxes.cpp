@@ -6,24 +6,24 @@
 
 #include "platform/qt/dialog/dialogs.h"
 
-namespace {
-
 constexpr int kUsualLimit = 32767;
 
-QComboBox* ComboOf(const Window& window) { return qobject_cast<QComboBox*>(window.widget.data()); }
+static QComboBox* ComboOf(const Window& window) {
+    return qobject_cast<QComboBox*>(window.widget.data());
+}
 
-bool HasRow(const Window& window, WPARAM row) {
+static bool HasRow(const Window& window, WPARAM row) {
     return row < static_cast<WPARAM>(ComboOf(window)->count());
 }
 
-QStringList Entries(const QComboBox* combo) {
+static QStringList Entries(const QComboBox* combo) {
     QStringList entries;
-    for (int i = 0; i < combo->count(); i++) entries << combo->itemText(i);
+    for (int i = 0; i < combo->count(); ++i) entries << combo->itemText(i);
     return entries;
 }
 
 // Keeps the toolkit from completing the text that the user types and from adding it to the list.
-void MakeEditable(HWND control, QComboBox* combo) {
+static void MakeEditable(HWND control, QComboBox* combo) {
     combo->setEditable(true);
     combo->setInsertPolicy(QComboBox::NoInsert);
     combo->setCompleter(nullptr);
@@ -35,7 +35,7 @@ void MakeEditable(HWND control, QComboBox* combo) {
     });
 }
 
-QWidget* MakeCombo(HWND control, const DialogItem& item, QWidget* parent) {
+static QWidget* MakeCombo(HWND control, const DialogItem& item, QWidget* parent) {
     auto* combo = new QComboBox(parent);
     if ((item.style & 3u) != CBS_DROPDOWNLIST) MakeEditable(control, combo);
     QObject::connect(combo, &QComboBox::activated, combo,
@@ -44,14 +44,14 @@ QWidget* MakeCombo(HWND control, const DialogItem& item, QWidget* parent) {
 }
 
 // Returns the selected row, or CB_ERR if its text has been typed over.
-int Chosen(const QComboBox* combo) {
+static int Chosen(const QComboBox* combo) {
     const int row = combo->currentIndex();
     return row >= 0 && combo->currentText() == combo->itemText(row) ? row : CB_ERR;
 }
 
 // Keeps the edit's text and the selection while the list changes; the toolkit would change both.
 template <typename Change>
-void ChangeList(QComboBox* combo, int chosen, Change change) {
+static void ChangeList(QComboBox* combo, int chosen, Change change) {
     const QSignalBlocker quiet(combo);
     const QString text = combo->currentText();
     change();
@@ -59,27 +59,27 @@ void ChangeList(QComboBox* combo, int chosen, Change change) {
     if (combo->isEditable()) combo->setEditText(text);
 }
 
-int Insert(QComboBox* combo, int row, const QString& text) {
+static int Insert(QComboBox* combo, int row, const QString& text) {
     const int chosen = Chosen(combo);
     ChangeList(combo, chosen >= row ? chosen + 1 : chosen, [&] { combo->insertItem(row, text); });
     return row;
 }
 
-LRESULT AddEntry(Window& window, WPARAM, LPARAM text) {
+static LRESULT AddEntry(Window& window, WPARAM, LPARAM text) {
     QComboBox* combo = ComboOf(window);
     const QString entry = FromWide(reinterpret_cast<LPCWSTR>(text));
     const bool sorted = window.control->style & CBS_SORT;
     return Insert(combo, sorted ? SortedPlace(Entries(combo), entry) : combo->count(), entry);
 }
 
-LRESULT InsertEntry(Window& window, WPARAM row, LPARAM text) {
+static LRESULT InsertEntry(Window& window, WPARAM row, LPARAM text) {
     QComboBox* combo = ComboOf(window);
     const int place = PlaceOf(row, combo->count());
     if (place < 0) return CB_ERR;
     return Insert(combo, place, FromWide(reinterpret_cast<LPCWSTR>(text)));
 }
 
-LRESULT DeleteEntry(Window& window, WPARAM row, LPARAM) {
+static LRESULT DeleteEntry(Window& window, WPARAM row, LPARAM) {
     QComboBox* combo = ComboOf(window);
     if (!HasRow(window, row)) return CB_ERR;
     const int gone = static_cast<int>(row), chosen = Chosen(combo);
@@ -88,13 +88,13 @@ LRESULT DeleteEntry(Window& window, WPARAM row, LPARAM) {
     return combo->count();
 }
 
-LRESULT Reset(Window& window, WPARAM, LPARAM) {
+static LRESULT Reset(Window& window, WPARAM, LPARAM) {
     const QSignalBlocker quiet(ComboOf(window));
     ComboOf(window)->clear();
     return 0;
 }
 
-LRESULT Select(Window& window, WPARAM row, LPARAM) {
+static LRESULT Select(Window& window, WPARAM row, LPARAM) {
     QComboBox* combo = ComboOf(window);
     const QSignalBlocker quiet(combo);
     const bool there = HasRow(window, row);
@@ -105,43 +105,43 @@ LRESULT Select(Window& window, WPARAM row, LPARAM) {
     return there ? static_cast<LRESULT>(row) : CB_ERR;
 }
 
-LRESULT Selected(Window& window, WPARAM, LPARAM) { return Chosen(ComboOf(window)); }
+static LRESULT Selected(Window& window, WPARAM, LPARAM) { return Chosen(ComboOf(window)); }
 
-LRESULT GetEntry(Window& window, WPARAM row, LPARAM buffer) {
+static LRESULT GetEntry(Window& window, WPARAM row, LPARAM buffer) {
     if (!HasRow(window, row)) return CB_ERR;
     return CopyText(ComboOf(window)->itemText(static_cast<int>(row)), SIZE_MAX, buffer);
 }
 
-LRESULT GetEntryLength(Window& window, WPARAM row, LPARAM) {
+static LRESULT GetEntryLength(Window& window, WPARAM row, LPARAM) {
     if (!HasRow(window, row)) return CB_ERR;
     return ComboOf(window)->itemText(static_cast<int>(row)).size();
 }
 
-LRESULT Count(Window& window, WPARAM, LPARAM) { return ComboOf(window)->count(); }
+static LRESULT Count(Window& window, WPARAM, LPARAM) { return ComboOf(window)->count(); }
 
-LRESULT SelectByText(Window& window, WPARAM after, LPARAM text) {
+static LRESULT SelectByText(Window& window, WPARAM after, LPARAM text) {
     const QString wanted = FromWide(reinterpret_cast<LPCWSTR>(text));
     const int row = FindEntry(Entries(ComboOf(window)), static_cast<int>(after), wanted, false);
     return row < 0 ? CB_ERR : Select(window, static_cast<WPARAM>(row), 0);
 }
 
-LRESULT FindExact(Window& window, WPARAM after, LPARAM text) {
+static LRESULT FindExact(Window& window, WPARAM after, LPARAM text) {
     const QString wanted = FromWide(reinterpret_cast<LPCWSTR>(text));
     return FindEntry(Entries(ComboOf(window)), static_cast<int>(after), wanted, true);
 }
 
-LRESULT GetData(Window& window, WPARAM row, LPARAM) {
+static LRESULT GetData(Window& window, WPARAM row, LPARAM) {
     if (!HasRow(window, row)) return CB_ERR;
     return static_cast<LRESULT>(ComboOf(window)->itemData(static_cast<int>(row)).toLongLong());
 }
 
-LRESULT SetData(Window& window, WPARAM row, LPARAM data) {
+static LRESULT SetData(Window& window, WPARAM row, LPARAM data) {
     if (!HasRow(window, row)) return CB_ERR;
     ComboOf(window)->setItemData(static_cast<int>(row), static_cast<qlonglong>(data));
     return 0;
 }
 
-LRESULT SetText(Window& window, WPARAM, LPARAM text) {
+static LRESULT SetText(Window& window, WPARAM, LPARAM text) {
     QComboBox* combo = ComboOf(window);
     if (!combo->isEditable()) return CB_ERR;
     const QSignalBlocker quiet(combo);
@@ -151,19 +151,21 @@ LRESULT SetText(Window& window, WPARAM, LPARAM text) {
     return TRUE;
 }
 
-LRESULT GetText(Window& window, WPARAM size, LPARAM buffer) {
+static LRESULT GetText(Window& window, WPARAM size, LPARAM buffer) {
     return CopyText(ComboOf(window)->currentText(), size, buffer);
 }
 
-LRESULT GetLength(Window& window, WPARAM, LPARAM) { return ComboOf(window)->currentText().size(); }
+static LRESULT GetLength(Window& window, WPARAM, LPARAM) {
+    return ComboOf(window)->currentText().size();
+}
 
-LRESULT LimitText(Window& window, WPARAM limit, LPARAM) {
+static LRESULT LimitText(Window& window, WPARAM limit, LPARAM) {
     const bool some = limit > 0 && limit < INT_MAX;
     LimitTyping(window.handle, window.widget, some ? static_cast<int>(limit) : INT_MAX);
     return TRUE;
 }
 
-LRESULT SetSelection(Window& window, WPARAM, LPARAM range) {
+static LRESULT SetSelection(Window& window, WPARAM, LPARAM range) {
     const auto from = static_cast<int16_t>(LOWORD(range)), to = static_cast<int16_t>(HIWORD(range));
     QLineEdit* edit = ComboOf(window)->lineEdit();
     if (!edit) return CB_ERR;
@@ -173,7 +175,7 @@ LRESULT SetSelection(Window& window, WPARAM, LPARAM range) {
     return TRUE;
 }
 
-const MessageRow kComboMessages[] = {
+static const MessageRow kComboMessages[] = {
     {WM_SETTEXT, SetText},
     {WM_GETTEXT, GetText},
     {WM_GETTEXTLENGTH, GetLength},
@@ -194,7 +196,5 @@ const MessageRow kComboMessages[] = {
     {CB_FINDSTRINGEXACT, FindExact},
     {0, nullptr},
 };
-
-}  // namespace
 
 const ControlClass kComboBoxClass = {0x85, u"ComboBox", MakeCombo, kComboMessages};

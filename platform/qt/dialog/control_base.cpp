@@ -3,20 +3,18 @@
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/window/messages.h"
 
-namespace {
-
-int Scaled(int units, int base, int divisor) { return (units * base + divisor / 2) / divisor; }
+static int Scaled(int units, int base, int divisor) {
+    return (units * base + divisor / 2) / divisor;
+}
 
 // The pixels of 4 dialog units across and 8 down: the mean width of a letter and the height of the
 // dialogs' font.
-QSize DialogBase() {
+static QSize DialogBase() {
     static const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
     const QFontMetrics metrics(QApplication::font());
     const int width = metrics.horizontalAdvance(letters);
-    return QSize(static_cast<int>((width / 26 + 1) / 2), metrics.height());
+    return QSize(static_cast<int>((width * 2 / letters.size() + 1) / 2), metrics.height());
 }
-
-}  // namespace
 
 QSize DialogPixels(int width, int height) {
     const QSize base = DialogBase();
@@ -25,7 +23,7 @@ QSize DialogPixels(int width, int height) {
 
 QString WithoutMnemonic(const QString& text) {
     QString plain;
-    for (qsizetype i = 0; i < text.size(); i++) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
         if (text[i] == '&' && ++i == text.size()) break;
         plain += text[i];
     }
@@ -59,7 +57,7 @@ LRESULT CopyText(const QString& text, WPARAM size, LPARAM buffer) {
 int FindEntry(const QStringList& entries, int after, const QString& wanted, bool whole) {
     const int count = static_cast<int>(entries.size());
     const int first = after < 0 || after >= count ? 0 : after + 1;
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         const QString& entry = entries[(first + i) % count];
         const QString head = whole ? entry : entry.left(wanted.size());
         if (head.compare(wanted, Qt::CaseInsensitive) == 0) return (first + i) % count;
@@ -69,7 +67,7 @@ int FindEntry(const QStringList& entries, int after, const QString& wanted, bool
 
 int SortedPlace(const QStringList& entries, const QString& text) {
     int row = 0;
-    while (row < entries.size() && entries[row].compare(text, Qt::CaseInsensitive) <= 0) row++;
+    while (row < entries.size() && entries[row].compare(text, Qt::CaseInsensitive) <= 0) ++row;
     return row;
 }
 

@@ -14,12 +14,10 @@
 #include "platform/qt/services/services.h"
 #include "platform/qt/window/window.h"
 
-namespace {
+static const ControlClass* const kClasses[] = {&kButtonClass, &kEditClass, &kStaticClass,
+                                               &kListBoxClass, &kComboBoxClass};
 
-const ControlClass* const kClasses[] = {&kButtonClass, &kEditClass, &kStaticClass, &kListBoxClass,
-                                        &kComboBoxClass};
-
-const ControlClass* ClassOf(const ResourceName& name) {
+static const ControlClass* ClassOf(const ResourceName& name) {
     for (const ControlClass* kind : kClasses)
         if (name.is_number ? name.number == kind->number
                            : CompareWithoutCase(name.text.c_str(), kind->name) == 0)
@@ -27,15 +25,15 @@ const ControlClass* ClassOf(const ResourceName& name) {
     return nullptr;
 }
 
-LRESULT CALLBACK ControlProcedure(HWND control, UINT message, WPARAM wparam, LPARAM lparam) {
+static LRESULT CALLBACK ControlProcedure(HWND control, UINT message, WPARAM wparam, LPARAM lparam) {
     Window* window = FindWindowRecord(control);
     if (!window->widget) return 0;
-    for (const MessageRow* row = window->control->kind->messages; row->message; row++)
+    for (const MessageRow* row = window->control->kind->messages; row->message; ++row)
         if (row->message == message) return row->handle(*window, wparam, lparam);
     return DefWindowProcW(control, message, wparam, lparam);
 }
 
-const WindowClass* WindowClassOf(const ControlClass* kind) {
+static const WindowClass* WindowClassOf(const ControlClass* kind) {
     static std::vector<std::unique_ptr<WindowClass>> made;
     for (const auto& window_class : made)
         if (window_class->name == kind->name) return window_class.get();
@@ -46,7 +44,7 @@ const WindowClass* WindowClassOf(const ControlClass* kind) {
 }
 
 // Returns the controls in the template's order, because window records are numbered by age.
-std::vector<Window*> ControlsOf(HWND dialog) {
+static std::vector<Window*> ControlsOf(HWND dialog) {
     std::vector<Window*> controls;
     for (Window* window : AllWindows())
         if (window->parent == dialog && window->control && window->widget)
@@ -55,30 +53,30 @@ std::vector<Window*> ControlsOf(HWND dialog) {
 }
 
 template <typename Widget>
-Widget* As(const Window& window) {
+static Widget* As(const Window& window) {
     return qobject_cast<Widget*>(window.widget.data());
 }
 
-bool TakesItsName(const Window& window) {
+static bool TakesItsName(const Window& window) {
     return As<QLineEdit>(window) || As<QComboBox>(window) || As<QListWidget>(window);
 }
 
-QString LabelText(const Window& window) {
+static QString LabelText(const Window& window) {
     const QString text = FromWide(window.text.c_str());
     return window.control->style & SS_NOPREFIX ? text : WithoutMnemonic(text);
 }
 
 // Makes the name that a screen reader speaks: the label without its colon. A word that is split
 // over two lines or over two labels is joined again.
-QString NameFromLabels(const Window& label, const Window* before) {
+static QString NameFromLabels(const Window& label, const Window* before) {
     QString name = LabelText(label).remove("-\n").simplified();
     while (name.endsWith(':') || name.endsWith(' ')) name.chop(1);
     const QString first = before && As<QLabel>(*before) ? LabelText(*before).simplified() : "";
     return first.endsWith('-') ? first.chopped(1) + name : name;
 }
 
-void NameControls(const std::vector<Window*>& controls) {
-    for (size_t i = 1; i < controls.size(); i++) {
+static void NameControls(const std::vector<Window*>& controls) {
+    for (size_t i = 1; i < controls.size(); ++i) {
         auto* label = As<QLabel>(*controls[i - 1]);
         if (!label || !TakesItsName(*controls[i])) continue;
         const Window* before = i > 1 ? controls[i - 2] : nullptr;
@@ -92,7 +90,7 @@ void NameControls(const std::vector<Window*>& controls) {
     }
 }
 
-void OrderControls(const std::vector<Window*>& controls) {
+static void OrderControls(const std::vector<Window*>& controls) {
     QWidget* before = nullptr;
     for (const Window* window : controls) {
         if (window->widget->focusPolicy() == Qt::NoFocus) continue;
@@ -101,7 +99,7 @@ void OrderControls(const std::vector<Window*>& controls) {
     }
 }
 
-void GroupRadios(const std::vector<Window*>& controls, QWidget* content) {
+static void GroupRadios(const std::vector<Window*>& controls, QWidget* content) {
     QButtonGroup* group = nullptr;
     for (const Window* window : controls) {
         if (!group || window->control->style & WS_GROUP) group = new QButtonGroup(content);
@@ -114,13 +112,11 @@ void GroupRadios(const std::vector<Window*>& controls, QWidget* content) {
 
 // A click on a push button does not move the focus, so Enter still presses the usual default
 // button.
-Qt::FocusPolicy FocusPolicyOf(const QWidget& widget, DWORD style) {
+static Qt::FocusPolicy FocusPolicyOf(const QWidget& widget, DWORD style) {
     const bool tab = style & WS_TABSTOP;
     if (qobject_cast<const QPushButton*>(&widget)) return tab ? Qt::TabFocus : Qt::NoFocus;
     return tab ? Qt::StrongFocus : Qt::ClickFocus;
 }
-
-}  // namespace
 
 HWND MakeControl(Window& dialog, const DialogItem& item) {
     const ControlClass* kind = ClassOf(item.window_class);
@@ -171,27 +167,25 @@ void FocusControl(const Window& control) {
     if (combo && combo->lineEdit()) combo->lineEdit()->selectAll();
 }
 
-namespace {
-
 constexpr int kNumberUnits = 64;
 
-bool IsBlank(WCHAR unit) { return unit == u' ' || unit == u'\t'; }
+static bool IsBlank(WCHAR unit) { return unit == u' ' || unit == u'\t'; }
+
+constexpr int kMostDigits = 18;  // any number of them fits in 64 bits
 
 // Parses digits, with a minus sign if `is_signed`; ignores blanks around the number.
-bool ParseNumber(LPCWSTR text, bool is_signed, int64_t* value) {
-    while (IsBlank(*text)) text++;
+static bool ParseNumber(LPCWSTR text, bool is_signed, int64_t* value) {
+    while (IsBlank(*text)) ++text;
     const bool negative = is_signed && *text == u'-';
-    if (negative) text++;
+    if (negative) ++text;
     int digits = 0;
-    for (*value = 0; *text >= u'0' && *text <= u'9' && digits < 18; text++, digits++)
+    for (*value = 0; *text >= u'0' && *text <= u'9' && digits < kMostDigits; ++text, ++digits)
         *value = *value * 10 + (*text - u'0');
-    while (IsBlank(*text)) text++;
+    while (IsBlank(*text)) ++text;
     if (negative) *value = -*value;
     const int64_t least = is_signed ? INT32_MIN : 0, most = is_signed ? INT32_MAX : UINT32_MAX;
     return digits > 0 && *text == 0 && *value >= least && *value <= most;
 }
-
-}  // namespace
 
 int GetDlgCtrlID(HWND control) {
     const Window* window = FindWindowRecord(control);

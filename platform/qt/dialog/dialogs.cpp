@@ -32,21 +32,19 @@ QPushButton* ShownDefault(const QWidget& window) {
     return nullptr;
 }
 
-namespace {
-
-const WindowClass kDialogClass = {u"Dialog", 0, DialogWindowProcedure, nullptr};
+static const WindowClass kDialogClass = {u"Dialog", 0, DialogWindowProcedure, nullptr};
 
 // The answer to these messages is what the procedure returns. The answer to all others is
 // DWLP_MSGRESULT.
-bool AnsweredDirectly(UINT message) { return message == WM_INITDIALOG; }
+static bool AnsweredDirectly(UINT message) { return message == WM_INITDIALOG; }
 
-void QueueCommand(HWND dialog, int id) {
+static void QueueCommand(HWND dialog, int id) {
     QueueInput(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
                reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
 }
 
 // Closing a dialog counts as Cancel, unless the dialog has disabled its Cancel button.
-void CloseByCancel(HWND dialog) {
+static void CloseByCancel(HWND dialog) {
     const HWND button = GetDlgItem(dialog, IDCANCEL);
     if (button && !IsWindowEnabled(button)) {
         MessageBeep(MB_OK);
@@ -57,7 +55,7 @@ void CloseByCancel(HWND dialog) {
 }
 
 // Returns the template's default button, or null if none is visible.
-QPushButton* UsualDefault(const QWidget& dialog) {
+static QPushButton* UsualDefault(const QWidget& dialog) {
     for (const Window* window : AllWindows()) {
         const bool here = window->control && window->widget && window->widget->window() == &dialog;
         if (!here || (window->control->style & 0xFu) != BS_DEFPUSHBUTTON) continue;
@@ -67,7 +65,7 @@ QPushButton* UsualDefault(const QWidget& dialog) {
     return nullptr;
 }
 
-void PressDefault(HWND dialog, const QWidget& widget) {
+static void PressDefault(HWND dialog, const QWidget& widget) {
     auto* button = qobject_cast<QPushButton*>(widget.focusWidget());
     if (!button) button = ShownDefault(widget);
     if (!button) return QueueCommand(dialog, IDOK);
@@ -75,7 +73,7 @@ void PressDefault(HWND dialog, const QWidget& widget) {
 }
 
 // The template's position is relative to the owner's client area, unless DS_ABSALIGN is set.
-QRect FirstPlace(const DialogTemplate& shape, HWND owner, QSize size) {
+static QRect FirstPlace(const DialogTemplate& shape, HWND owner, QSize size) {
     if (shape.style & DS_CENTER) return CenteredPlace(size);
     const QSize corner = DialogPixels(shape.x, shape.y);
     POINT place = {corner.width(), corner.height()};
@@ -83,7 +81,7 @@ QRect FirstPlace(const DialogTemplate& shape, HWND owner, QSize size) {
     return QRect(QPoint(place.x, place.y), size);
 }
 
-HWND MakeDialog(const DialogTemplate& shape, HWND owner, DLGPROC procedure) {
+static HWND MakeDialog(const DialogTemplate& shape, HWND owner, DLGPROC procedure) {
     Window* window = MakeDialogWindow(&kDialogClass, owner, shape.caption, procedure);
     const HWND dialog = window->handle;
     auto* widget = static_cast<DialogWidget*>(window->widget.data());
@@ -96,8 +94,6 @@ HWND MakeDialog(const DialogTemplate& shape, HWND owner, DLGPROC procedure) {
     PlaceDialog(*window, FirstPlace(shape, owner, window->dialog->wanted));
     return dialog;
 }
-
-}  // namespace
 
 void DialogWidget::SetBody(QWidget* body) { body_ = body; }
 
@@ -168,7 +164,7 @@ void StartDialog(HWND dialog, LPARAM parameter) {
         FocusControl(*control);
 }
 
-INT_PTR RunDialog(HWND dialog, bool at_once) {
+INT_PTR RunDialogLoop(HWND dialog, bool at_once) {
     Window* window = FindWindowRecord(dialog);
     if (!window) return 0;
     const std::shared_ptr<DialogData> data = window->dialog;
@@ -206,20 +202,24 @@ QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {
     return area;
 }
 
-// The sheet places its pages. A dialog scrolls what the screen cuts off; the scroll bar adds to the
-// dialog's size as far as the screen has room.
+// The sheet places its pages. A dialog scrolls what the room cuts off; the scroll bar adds to the
+// dialog's size as far as there is room. Above a shown input panel the dialog moves up if it would
+// cover the panel, which is needed to type into it.
 void PlaceDialog(Window& window, const QRect& rect) {
     if (!window.widget->isWindow()) return;
-    const QSize screen = DeviceScreen()->size();
+    const QSize room = RoomForDialogs();
     const QSize whole = window.dialog->wanted.expandedTo(rect.size());
     const int bar = window.widget->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     QSize size = whole;
-    if (whole.height() > screen.height()) size.rwidth() += bar;
-    if (whole.width() > screen.width()) size.rheight() += bar;
-    size = size.boundedTo(screen);
+    if (whole.height() > room.height()) size.rwidth() += bar;
+    if (whole.width() > room.width()) size.rheight() += bar;
+    size = size.boundedTo(room);
     if (!window.dialog->sheet) window.dialog->content->setFixedSize(whole);
     window.widget->setMaximumSize(whole.expandedTo(size));
-    window.widget->setGeometry(QRect(DeviceScreen()->mapToGlobal(rect.topLeft()), size));
+    QPoint corner = rect.topLeft();
+    if (room != DeviceScreen()->size())
+        corner.setY(std::min(corner.y(), room.height() - size.height()));
+    window.widget->setGeometry(QRect(DeviceScreen()->mapToGlobal(corner), size));
     SendSize(window);
 }
 
@@ -229,7 +229,7 @@ INT_PTR DialogBoxParamW(HINSTANCE, LPCWSTR name, HWND owner, DLGPROC procedure, 
     const HWND dialog = MakeDialog(shape, DialogOwner(owner), procedure);
     if (!dialog) return -1;
     StartDialog(dialog, parameter);
-    return RunDialog(dialog, shape.style & WS_VISIBLE);
+    return RunDialogLoop(dialog, shape.style & WS_VISIBLE);
 }
 
 BOOL EndDialog(HWND dialog, INT_PTR result) {

@@ -7,22 +7,22 @@
 
 #include "platform/qt/dialog/dialogs.h"
 
-namespace {
-
 constexpr int kUsualLimit = 32767;
 
-QLineEdit* EditOf(const Window& window) { return qobject_cast<QLineEdit*>(window.widget.data()); }
+static QLineEdit* EditOf(const Window& window) {
+    return qobject_cast<QLineEdit*>(window.widget.data());
+}
 
 // A text that the program sets may be longer than what the user may type, but the toolkit has one
 // limit for both.
-void HoldLimit(HWND control, QLineEdit* edit) {
+static void HoldLimit(HWND control, QLineEdit* edit) {
     const Window* window = FindWindowRecord(control);
     if (window)
         edit->setMaxLength(std::max<int>(window->control->limit,  //
                                          static_cast<int>(edit->text().size())));
 }
 
-QWidget* MakeEdit(HWND control, const DialogItem& item, QWidget* parent) {
+static QWidget* MakeEdit(HWND control, const DialogItem& item, QWidget* parent) {
     auto* edit = new QLineEdit(parent);
     if (item.style & ES_PASSWORD) edit->setEchoMode(QLineEdit::Password);
     if (item.style & ES_READONLY) edit->setReadOnly(true);
@@ -41,7 +41,7 @@ QWidget* MakeEdit(HWND control, const DialogItem& item, QWidget* parent) {
     return edit;
 }
 
-LRESULT SetText(Window& window, WPARAM, LPARAM text) {
+static LRESULT SetText(Window& window, WPARAM, LPARAM text) {
     const HWND control = window.handle;
     QLineEdit* edit = EditOf(window);
     edit->setMaxLength(INT_MAX);
@@ -51,20 +51,20 @@ LRESULT SetText(Window& window, WPARAM, LPARAM text) {
     return TRUE;
 }
 
-LRESULT GetText(Window& window, WPARAM size, LPARAM buffer) {
+static LRESULT GetText(Window& window, WPARAM size, LPARAM buffer) {
     return CopyText(EditOf(window)->text(), size, buffer);
 }
 
-LRESULT GetLength(Window& window, WPARAM, LPARAM) { return EditOf(window)->text().size(); }
+static LRESULT GetLength(Window& window, WPARAM, LPARAM) { return EditOf(window)->text().size(); }
 
-LRESULT LimitText(Window& window, WPARAM limit, LPARAM) {
+static LRESULT LimitText(Window& window, WPARAM limit, LPARAM) {
     const bool some = limit > 0 && limit < INT_MAX;
     LimitTyping(window.handle, window.widget, some ? static_cast<int>(limit) : INT_MAX);
     return 0;
 }
 
 // A start of -1 selects nothing; an end of -1 is the end of the text.
-LRESULT SetSelection(Window& window, WPARAM from, LPARAM to) {
+static LRESULT SetSelection(Window& window, WPARAM from, LPARAM to) {
     QLineEdit* edit = EditOf(window);
     const int length = static_cast<int>(edit->text().size());
     const int start = static_cast<int>(from), end = static_cast<int>(to);
@@ -75,7 +75,7 @@ LRESULT SetSelection(Window& window, WPARAM from, LPARAM to) {
     return 0;
 }
 
-LRESULT GetSelection(Window& window, WPARAM from, LPARAM to) {
+static LRESULT GetSelection(Window& window, WPARAM from, LPARAM to) {
     const QLineEdit* edit = EditOf(window);
     const bool some = edit->hasSelectedText();
     const int start = some ? edit->selectionStart() : edit->cursorPosition();
@@ -85,14 +85,14 @@ LRESULT GetSelection(Window& window, WPARAM from, LPARAM to) {
     return MAKELONG(start, end);
 }
 
-LRESULT ReplaceSelection(Window& window, WPARAM, LPARAM text) {
+static LRESULT ReplaceSelection(Window& window, WPARAM, LPARAM text) {
     const HWND control = window.handle;
     EditOf(window)->insert(FromWide(reinterpret_cast<LPCWSTR>(text)));
     SendNotice(control, EN_CHANGE);
     return 0;
 }
 
-const MessageRow kEditMessages[] = {
+static const MessageRow kEditMessages[] = {
     {WM_SETTEXT, SetText},
     {WM_GETTEXT, GetText},
     {WM_GETTEXTLENGTH, GetLength},
@@ -102,8 +102,6 @@ const MessageRow kEditMessages[] = {
     {EM_REPLACESEL, ReplaceSelection},
     {0, nullptr},
 };
-
-}  // namespace
 
 const ControlClass kEditClass = {0x81, u"Edit", MakeEdit, kEditMessages};
 

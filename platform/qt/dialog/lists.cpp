@@ -10,9 +10,9 @@
 
 #include "platform/qt/dialog/dialogs.h"
 
-namespace {
-
 constexpr int kMargin = 2;  // on either side of the text
+
+namespace {
 
 class BrokenLines : public QStyledItemDelegate {
   public:
@@ -103,26 +103,28 @@ class ListBox : public QListWidget {
     }
 };
 
-Qt::ScrollBarPolicy BarFor(bool wanted) {
+}  // namespace
+
+static Qt::ScrollBarPolicy BarFor(bool wanted) {
     return wanted ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff;
 }
 
-QListWidget* ListOf(const Window& window) {
+static QListWidget* ListOf(const Window& window) {
     return qobject_cast<QListWidget*>(window.widget.data());
 }
 
-QListWidgetItem* ItemAt(const Window& window, WPARAM row) {
+static QListWidgetItem* ItemAt(const Window& window, WPARAM row) {
     const auto* list = ListOf(window);
     return row < static_cast<WPARAM>(list->count()) ? list->item(static_cast<int>(row)) : nullptr;
 }
 
-QStringList Entries(const QListWidget* list) {
+static QStringList Entries(const QListWidget* list) {
     QStringList entries;
-    for (int i = 0; i < list->count(); i++) entries << list->item(i)->text();
+    for (int i = 0; i < list->count(); ++i) entries << list->item(i)->text();
     return entries;
 }
 
-QWidget* MakeListBox(HWND control, const DialogItem& item, QWidget* parent) {
+static QWidget* MakeListBox(HWND control, const DialogItem& item, QWidget* parent) {
     auto* list = new ListBox(parent);
     list->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     list->setVerticalScrollBarPolicy(BarFor(item.style & WS_VSCROLL));
@@ -137,27 +139,27 @@ QWidget* MakeListBox(HWND control, const DialogItem& item, QWidget* parent) {
 }
 
 // The selection stays on its entry when another one is inserted.
-int Insert(QListWidget* list, int row, const QString& text) {
+static int Insert(QListWidget* list, int row, const QString& text) {
     const QSignalBlocker quiet(list);
     list->insertItem(row, text);
     return row;
 }
 
-LRESULT AddEntry(Window& window, WPARAM, LPARAM text) {
+static LRESULT AddEntry(Window& window, WPARAM, LPARAM text) {
     QListWidget* list = ListOf(window);
     const QString entry = FromWide(reinterpret_cast<LPCWSTR>(text));
     const bool sorted = window.control->style & LBS_SORT;
     return Insert(list, sorted ? SortedPlace(Entries(list), entry) : list->count(), entry);
 }
 
-LRESULT InsertEntry(Window& window, WPARAM row, LPARAM text) {
+static LRESULT InsertEntry(Window& window, WPARAM row, LPARAM text) {
     QListWidget* list = ListOf(window);
     const int place = PlaceOf(row, list->count());
     if (place < 0) return LB_ERR;
     return Insert(list, place, FromWide(reinterpret_cast<LPCWSTR>(text)));
 }
 
-LRESULT DeleteEntry(Window& window, WPARAM row, LPARAM) {
+static LRESULT DeleteEntry(Window& window, WPARAM row, LPARAM) {
     QListWidget* list = ListOf(window);
     QListWidgetItem* item = ItemAt(window, row);
     if (!item) return LB_ERR;
@@ -168,13 +170,13 @@ LRESULT DeleteEntry(Window& window, WPARAM row, LPARAM) {
     return list->count();
 }
 
-LRESULT Reset(Window& window, WPARAM, LPARAM) {
+static LRESULT Reset(Window& window, WPARAM, LPARAM) {
     const QSignalBlocker quiet(ListOf(window));
     ListOf(window)->clear();
     return 0;
 }
 
-LRESULT Select(Window& window, WPARAM row, LPARAM) {
+static LRESULT Select(Window& window, WPARAM row, LPARAM) {
     QListWidget* list = ListOf(window);
     const QSignalBlocker quiet(list);
     if (!ItemAt(window, row)) return list->setCurrentRow(-1), list->clearSelection(), LB_ERR;
@@ -182,44 +184,44 @@ LRESULT Select(Window& window, WPARAM row, LPARAM) {
     return static_cast<LRESULT>(row);
 }
 
-LRESULT Selected(Window& window, WPARAM, LPARAM) {
+static LRESULT Selected(Window& window, WPARAM, LPARAM) {
     const QListWidget* list = ListOf(window);
     const auto selected = list->selectedItems();
     return selected.isEmpty() ? LB_ERR : list->row(selected.front());
 }
 
-LRESULT GetEntry(Window& window, WPARAM row, LPARAM buffer) {
+static LRESULT GetEntry(Window& window, WPARAM row, LPARAM buffer) {
     const QListWidgetItem* item = ItemAt(window, row);
     return item ? CopyText(item->text(), SIZE_MAX, buffer) : LB_ERR;
 }
 
-LRESULT GetEntryLength(Window& window, WPARAM row, LPARAM) {
+static LRESULT GetEntryLength(Window& window, WPARAM row, LPARAM) {
     const QListWidgetItem* item = ItemAt(window, row);
     return item ? item->text().size() : LB_ERR;
 }
 
-LRESULT Count(Window& window, WPARAM, LPARAM) { return ListOf(window)->count(); }
+static LRESULT Count(Window& window, WPARAM, LPARAM) { return ListOf(window)->count(); }
 
-LRESULT SelectByText(Window& window, WPARAM after, LPARAM text) {
+static LRESULT SelectByText(Window& window, WPARAM after, LPARAM text) {
     const QString wanted = FromWide(reinterpret_cast<LPCWSTR>(text));
     const int row = FindEntry(Entries(ListOf(window)), static_cast<int>(after), wanted, false);
     return row < 0 ? LB_ERR : Select(window, static_cast<WPARAM>(row), 0);
 }
 
-LRESULT FindExact(Window& window, WPARAM after, LPARAM text) {
+static LRESULT FindExact(Window& window, WPARAM after, LPARAM text) {
     const QString wanted = FromWide(reinterpret_cast<LPCWSTR>(text));
     return FindEntry(Entries(ListOf(window)), static_cast<int>(after), wanted, true);
 }
 
 // The toolkit lays out the lines late, and the bar counts lines only after that.
-LRESULT GetTop(Window& window, WPARAM, LPARAM) {
+static LRESULT GetTop(Window& window, WPARAM, LPARAM) {
     QListWidget* list = ListOf(window);
     list->scrollTo(QModelIndex());
     list->doItemsLayout();
     return list->verticalScrollBar()->value();
 }
 
-LRESULT SetTop(Window& window, WPARAM row, LPARAM) {
+static LRESULT SetTop(Window& window, WPARAM row, LPARAM) {
     QListWidget* list = ListOf(window);
     if (!ItemAt(window, row)) return LB_ERR;
     list->doItemsLayout();
@@ -229,25 +231,25 @@ LRESULT SetTop(Window& window, WPARAM row, LPARAM) {
 
 // Entries that do not fit are wrapped, because a list that scrolls sideways would hide how they
 // begin. The toolkit measures the entries itself, so the width is not used.
-LRESULT SetWidth(Window& window, WPARAM pixels, LPARAM) {
+static LRESULT SetWidth(Window& window, WPARAM pixels, LPARAM) {
     if (pixels > 0 && window.control->style & WS_HSCROLL) BreakLines(ListOf(window));
     ListOf(window)->doItemsLayout();
     return 0;
 }
 
-LRESULT GetData(Window& window, WPARAM row, LPARAM) {
+static LRESULT GetData(Window& window, WPARAM row, LPARAM) {
     const QListWidgetItem* item = ItemAt(window, row);
     return item ? static_cast<LRESULT>(item->data(Qt::UserRole).toLongLong()) : LB_ERR;
 }
 
-LRESULT SetData(Window& window, WPARAM row, LPARAM data) {
+static LRESULT SetData(Window& window, WPARAM row, LPARAM data) {
     QListWidgetItem* item = ItemAt(window, row);
     if (!item) return LB_ERR;
     item->setData(Qt::UserRole, static_cast<qlonglong>(data));
     return 0;
 }
 
-const MessageRow kListMessages[] = {
+static const MessageRow kListMessages[] = {
     {LB_ADDSTRING, AddEntry},
     {LB_INSERTSTRING, InsertEntry},
     {LB_DELETESTRING, DeleteEntry},
@@ -266,8 +268,6 @@ const MessageRow kListMessages[] = {
     {LB_FINDSTRINGEXACT, FindExact},
     {0, nullptr},
 };
-
-}  // namespace
 
 const ControlClass kListBoxClass = {0x83, u"ListBox", MakeListBox, kListMessages};
 

@@ -15,36 +15,42 @@
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
 
-namespace {
+static bool g_answer = false;
 
-bool g_answer = false;
+namespace {
 
 struct IconRow {
     UINT type;
     QMessageBox::Icon icon;
 };
 
-const IconRow kIcons[] = {
+}  // namespace
+
+static const IconRow kIcons[] = {
     {MB_ICONERROR, QMessageBox::Critical},
     {MB_ICONQUESTION, QMessageBox::Question},
     {MB_ICONEXCLAMATION, QMessageBox::Warning},
     {MB_ICONASTERISK, QMessageBox::Information},
 };
 
-QMessageBox::Icon IconOf(UINT type) {
+constexpr UINT kIconMask = 0xF0;
+
+static QMessageBox::Icon IconOf(UINT type) {
     for (const IconRow& row : kIcons)
-        if (row.type == (type & 0xF0u)) return row.icon;
+        if (row.type == (type & kIconMask)) return row.icon;
     return QMessageBox::NoIcon;
 }
 
 // Centres the box over the device's window, or on the desktop while that window is not shown.
-QPoint BoxCorner(QSize size) {
+static QPoint BoxCorner(QSize size) {
     if (DeviceScreen()->isVisible())
         return DeviceScreen()->mapToGlobal(CenteredPlace(size).topLeft());
     const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
     const QPoint corner = room.center() - QRect(QPoint(0, 0), size).center();
     return QPoint(std::max(corner.x(), room.left()), std::max(corner.y(), room.top()));
 }
+
+namespace {
 
 // The toolkit wraps a box's text for the desktop's screen. If the device is narrower than that,
 // this class wraps the text for the device and keeps the box within it. The box follows the
@@ -64,6 +70,7 @@ class BoundedBox : public QMessageBox {
     }
     bool event(QEvent* event) override {
         const bool keep = narrowed_ && event->type() == QEvent::LayoutRequest;
+        // NOLINTNEXTLINE(bugprone-parent-virtual-call): QMessageBox would widen it again
         return keep ? QDialog::event(event) : QMessageBox::event(event);
     }
     bool eventFilter(QObject* device, QEvent* event) override {
@@ -108,11 +115,13 @@ int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
     return box.clickedButton() == ok || (single && !QuitPosted()) ? IDOK : IDCANCEL;
 }
 
+constexpr int kBeepMilliseconds = 100;  // at least so long between two sounds
+
 BOOL MessageBeep(UINT type) {
     if (window_observer.beep) window_observer.beep(type);
     // A host that rings without end must not fill the desktop's queue of sounds.
     static QElapsedTimer since;
-    if (!since.isValid() || since.elapsed() >= 100) {
+    if (!since.isValid() || since.elapsed() >= kBeepMilliseconds) {
         since.start();
         QApplication::beep();
     }

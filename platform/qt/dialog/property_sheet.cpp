@@ -24,12 +24,12 @@ struct SheetData {
     int current = -1;
 };
 
+static LRESULT CALLBACK SheetProcedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam);
+
+static const WindowClass kSheetClass = {u"PropertySheet", 0, SheetProcedure, nullptr};
+static const WindowClass kPageClass = {u"PropertyPage", 0, DialogWindowProcedure, nullptr};
+
 namespace {
-
-LRESULT CALLBACK SheetProcedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam);
-
-const WindowClass kSheetClass = {u"PropertySheet", 0, SheetProcedure, nullptr};
-const WindowClass kPageClass = {u"PropertyPage", 0, DialogWindowProcedure, nullptr};
 
 // A page's area asks for the size of the largest page, whatever it shows at the moment.
 class PageArea : public QScrollArea {
@@ -45,24 +45,26 @@ class PageArea : public QScrollArea {
     QSize wanted_;
 };
 
-std::shared_ptr<SheetData> SheetOf(HWND sheet) {
+}  // namespace
+
+static std::shared_ptr<SheetData> SheetOf(HWND sheet) {
     const Window* window = FindWindowRecord(sheet);
     return window && window->dialog ? window->dialog->sheet : nullptr;
 }
 
-HWND CurrentPage(const SheetData& data) {
+static HWND CurrentPage(const SheetData& data) {
     return data.current < 0 ? nullptr : data.pages[static_cast<size_t>(data.current)].window;
 }
 
-LRESULT Notify(HWND sheet, HWND page, UINT code) {
+static LRESULT Notify(HWND sheet, HWND page, UINT code) {
     PSHNOTIFY notice = {};
     notice.hdr.hwndFrom = sheet;
     notice.hdr.code = code;
     return page ? SendMessageW(page, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notice)) : 0;
 }
 
-bool ReadPages(const PROPSHEETHEADERW& header, SheetData* data) {
-    for (UINT i = 0; i < header.nPages; i++) {
+static bool ReadPages(const PROPSHEETHEADERW& header, SheetData* data) {
+    for (UINT i = 0; i < header.nPages; ++i) {
         SheetPage page;
         page.page = header.ppsp[i];
         if (page.page.dwSize != sizeof(PROPSHEETPAGEW) || !page.page.pfnDlgProc ||
@@ -73,20 +75,20 @@ bool ReadPages(const PROPSHEETHEADERW& header, SheetData* data) {
     return !data->pages.empty();
 }
 
-QSize LargestPage(const SheetData& data) {
+static QSize LargestPage(const SheetData& data) {
     QSize size;
     for (const SheetPage& page : data.pages)
         size = size.expandedTo(DialogPixels(page.shape.width, page.shape.height));
     return size;
 }
 
-QString TitleOf(const SheetPage& page) {
+static QString TitleOf(const SheetPage& page) {
     return page.page.dwFlags & PSP_USETITLE ? FromWide(page.page.pszTitle)
                                             : FromWide(page.shape.caption.c_str());
 }
 
 // A click on a tab only asks for its page. The sheet turns to it when the current page agrees.
-void ConnectTabs(HWND sheet, QTabWidget* tabs) {
+static void ConnectTabs(HWND sheet, QTabWidget* tabs) {
     QObject::connect(tabs, &QTabWidget::currentChanged, tabs, [sheet, tabs](int index) {
         const auto data = SheetOf(sheet);
         if (!data || index == data->current) return;
@@ -96,7 +98,7 @@ void ConnectTabs(HWND sheet, QTabWidget* tabs) {
     });
 }
 
-void MakeTabs(Window& window, SheetData& data, QLayout* layout) {
+static void MakeTabs(Window& window, SheetData& data, QLayout* layout) {
     data.tabs = new QTabWidget(window.dialog->content);
     const QSize size = LargestPage(data);
     for (SheetPage& page : data.pages) {
@@ -107,7 +109,7 @@ void MakeTabs(Window& window, SheetData& data, QLayout* layout) {
     ConnectTabs(window.handle, data.tabs);
 }
 
-void MakeSheetButton(Window& window, int id, DWORD type, LPCWSTR text, QLayout* row) {
+static void MakeSheetButton(Window& window, int id, DWORD type, LPCWSTR text, QLayout* row) {
     DialogItem item;
     item.style = WS_VISIBLE | WS_TABSTOP | type;
     item.id = id;
@@ -117,7 +119,7 @@ void MakeSheetButton(Window& window, int id, DWORD type, LPCWSTR text, QLayout* 
     row->addWidget(FindWindowRecord(MakeControl(window, item))->widget);
 }
 
-HWND MakeSheet(const PROPSHEETHEADERW& header, std::shared_ptr<SheetData> data) {
+static HWND MakeSheet(const PROPSHEETHEADERW& header, const std::shared_ptr<SheetData>& data) {
     const std::u16string title = header.pszCaption ? header.pszCaption : u"";
     Window* window = MakeDialogWindow(&kSheetClass, DialogOwner(header.hwndParent), title, nullptr);
     auto* widget = static_cast<DialogWidget*>(window->widget.data());
@@ -139,7 +141,7 @@ HWND MakeSheet(const PROPSHEETHEADERW& header, std::shared_ptr<SheetData> data) 
 }
 
 // A page is a dialog in its tab; `widget` is the parent of its controls.
-bool MakePage(HWND sheet, SheetPage* page) {
+static bool MakePage(HWND sheet, SheetPage* page) {
     Window* window = AddWindow(&kPageClass, &kDialogOperations, sheet, 0);
     const HWND handle = window->handle;
     window->text = page->shape.caption;
@@ -156,7 +158,7 @@ bool MakePage(HWND sheet, SheetPage* page) {
     return IsWindow(handle);
 }
 
-bool ActivatePage(HWND sheet, int index) {
+static bool ActivatePage(HWND sheet, int index) {
     const auto data = SheetOf(sheet);
     SheetPage& page = data->pages[static_cast<size_t>(index)];
     if (!page.window && !MakePage(sheet, &page)) return false;
@@ -170,7 +172,7 @@ bool ActivatePage(HWND sheet, int index) {
     return true;
 }
 
-LRESULT TurnTo(HWND sheet, WPARAM index) {
+static LRESULT TurnTo(HWND sheet, WPARAM index) {
     const auto data = SheetOf(sheet);
     if (index >= data->pages.size()) return FALSE;
     if (static_cast<int>(index) == data->current) return TRUE;
@@ -180,9 +182,9 @@ LRESULT TurnTo(HWND sheet, WPARAM index) {
 
 // Asks every page that has been shown. A page that refuses becomes the visible one, and the sheet
 // stays open.
-bool ApplyPages(HWND sheet, SheetData& data) {
+static bool ApplyPages(HWND sheet, SheetData& data) {
     if (Notify(sheet, CurrentPage(data), PSN_KILLACTIVE)) return false;
-    for (size_t i = 0; i < data.pages.size(); i++) {
+    for (size_t i = 0; i < data.pages.size(); ++i) {
         if (Notify(sheet, data.pages[i].window, PSN_APPLY) == PSNRET_NOERROR) continue;
         if (IsWindow(sheet)) ActivatePage(sheet, static_cast<int>(i));
         return false;
@@ -190,17 +192,19 @@ bool ApplyPages(HWND sheet, SheetData& data) {
     return true;
 }
 
-void Ok(HWND sheet) {
+static void Ok(HWND sheet) {
     const auto data = SheetOf(sheet);
     if (ApplyPages(sheet, *data)) EndDialog(sheet, 1);
 }
 
-void Cancel(HWND sheet) {
+static void Cancel(HWND sheet) {
     const auto data = SheetOf(sheet);
     if (Notify(sheet, CurrentPage(*data), PSN_QUERYCANCEL)) return;
     for (const SheetPage& page : data->pages) Notify(sheet, page.window, PSN_RESET);
     EndDialog(sheet, 0);
 }
+
+namespace {
 
 struct ButtonRow {
     WPARAM button;  // in wParam of PSM_PRESSBUTTON
@@ -208,9 +212,11 @@ struct ButtonRow {
     void (*press)(HWND sheet);
 };
 
-const ButtonRow kSheetButtons[] = {{PSBTN_OK, IDOK, Ok}, {PSBTN_CANCEL, IDCANCEL, Cancel}};
+}  // namespace
 
-LRESULT CALLBACK SheetProcedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
+static const ButtonRow kSheetButtons[] = {{PSBTN_OK, IDOK, Ok}, {PSBTN_CANCEL, IDCANCEL, Cancel}};
+
+static LRESULT CALLBACK SheetProcedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
     const auto data = SheetOf(sheet);
     if (message == PSM_SETCURSEL) return TurnTo(sheet, wparam);
     if (message == PSM_GETCURRENTPAGEHWND) return reinterpret_cast<LRESULT>(CurrentPage(*data));
@@ -222,8 +228,6 @@ LRESULT CALLBACK SheetProcedure(HWND sheet, UINT message, WPARAM wparam, LPARAM 
     return DialogWindowProcedure(sheet, message, wparam, lparam);
 }
 
-}  // namespace
-
 INT_PTR PropertySheetW(LPCPROPSHEETHEADERW header) {
     if (!header || header->dwSize != sizeof(PROPSHEETHEADERW) || !header->ppsp) return -1;
     if (!(header->dwFlags & PSH_PROPSHEETPAGE)) return -1;
@@ -233,5 +237,5 @@ INT_PTR PropertySheetW(LPCPROPSHEETHEADERW header) {
     const HWND sheet = MakeSheet(*header, data);
     const UINT start = header->nStartPage < header->nPages ? header->nStartPage : 0;
     if (!ActivatePage(sheet, static_cast<int>(start))) return DestroyWindow(sheet), -1;
-    return RunDialog(sheet, true);
+    return RunDialogLoop(sheet, true);
 }

@@ -1,30 +1,40 @@
 // SPDX-License-Identifier: MIT
-// Parses the command line: each option is a row of a table, the operands follow.
+// The command line: its options, the host to connect to (HOST, PORT, telnet://HOST:PORT,
+// ssh://USER@HOST:PORT), and the tasks that open no window.
 #include "platform/qt/host/command_line.h"
 
+#include <strings.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstring>
 
 #include "platform/qt/host/profiles.h"
-
-namespace {
+#include "platform/qt/services/registry.h"
+#include "platform/qt/services/services.h"
 
 constexpr size_t kShownOfAnArgument = 60;
 
-bool TakeSize(const char* text, QSize* size) {
+constexpr int kLeastWidth = 100, kLeastHeight = 80, kLargestSide = 4000;  // pixels
+
+static bool TakeSize(const char* text, QSize* size) {
     int width = 0, height = 0;
     char end = 0;
     if (std::sscanf(text, "%dx%d%c", &width, &height, &end) != 2) return false;
     *size = QSize(width, height);
-    return width >= 100 && width <= 4000 && height >= 80 && height <= 4000;
+    return width >= kLeastWidth && width <= kLargestSide && height >= kLeastHeight &&
+           height <= kLargestSide;
 }
 
 // Below 1, one device pixel would be less than one desktop pixel, and lines and letters would be
 // lost.
-bool TakeScale(const char* text, double* scale) {
+static bool TakeScale(const char* text, double* scale) {
     char* end = nullptr;
     *scale = std::strtod(text, &end);
     return *text && !*end && *scale >= 1 && *scale <= 8;
 }
+
+namespace {
 
 struct ValueRow {
     const char* name;
@@ -32,7 +42,9 @@ struct ValueRow {
     bool (*take)(const char* value, CommandLine* line);
 };
 
-const ValueRow kValues[] = {
+}  // namespace
+
+static const ValueRow kValues[] = {
     {"--profile", "a name of at most 40 letters, digits, '.', '-' and '_'",
      [](const char* v, CommandLine* l) { return l->profile = v, IsProfileName(v); }},
     {"--root", "a folder",
@@ -47,12 +59,16 @@ const ValueRow kValues[] = {
      [](const char* v, CommandLine* l) { return l->options.text = v, *v != 0; }},
 };
 
+namespace {
+
 struct FlagRow {
     const char* name;
     void (*take)(CommandLine* line);
 };
 
-const FlagRow kFlags[] = {
+}  // namespace
+
+static const FlagRow kFlags[] = {
     {"--help", [](CommandLine* l) { l->task = Task::kHelp; }},
     {"--version", [](CommandLine* l) { l->task = Task::kVersion; }},
     {"--profiles", [](CommandLine* l) { l->task = Task::kProfiles; }},
@@ -62,24 +78,24 @@ const FlagRow kFlags[] = {
 
 // The toolkit's own options, written with one dash or two. The options of the first list take the
 // next argument as their value.
-const char* const kToolkitValues[] = {
+static const char* const kToolkitValues[] = {
     "display", "fontengine",      "geometry",           "icon",
     "name",    "platform",        "platformpluginpath", "platformtheme",
     "plugin",  "qwindowgeometry", "qwindowicon",        "qwindowtitle",
     "session", "style",           "stylesheet",         "title",
     "visual",
 };
-const char* const kToolkitFlags[] = {"dograb", "nograb", "reverse", "sync", "widgetcount"};
+static const char* const kToolkitFlags[] = {"dograb", "nograb", "reverse", "sync", "widgetcount"};
 
 template <typename Row, size_t count>
-const Row* FindRow(const Row (&rows)[count], const char* name) {
+static const Row* FindRow(const Row (&rows)[count], const char* name) {
     for (const Row& row : rows)
         if (std::strcmp(row.name, name) == 0) return &row;
     return nullptr;
 }
 
 template <size_t count>
-bool IsToolkit(const char* const (&names)[count], const char* option) {
+static bool IsToolkit(const char* const (&names)[count], const char* option) {
     const char* name = option + (option[1] == '-' ? 2 : 1);
     for (const char* each : names)
         if (std::strcmp(each, name) == 0) return true;
@@ -87,14 +103,14 @@ bool IsToolkit(const char* const (&names)[count], const char* option) {
 }
 
 // The value may also follow an equals sign, as in -style=fusion.
-bool HasToolkitValue(const std::string& option) {
+static bool HasToolkitValue(const std::string& option) {
     const size_t equals = option.find('=');
     return equals != option.npos && IsToolkit(kToolkitValues, option.substr(0, equals).c_str());
 }
 
 // Complaints may end up in the logs of the desktop. So they repeat an argument without control
 // characters and without the password of an address.
-std::string Shown(std::string argument) {
+static std::string Shown(std::string argument) {
     const size_t at = argument.rfind('@'), colon = argument.find(':', argument.find("://") + 1);
     if (at != argument.npos && colon < at) argument.replace(colon, at - colon, ":...");
     std::string shown = argument.substr(0, kShownOfAnArgument);
@@ -103,11 +119,13 @@ std::string Shown(std::string argument) {
     return shown.size() < argument.size() ? shown + "..." : shown;
 }
 
-bool Complain(const std::string& argument, const std::string& trouble) {
+static bool Complain(const std::string& argument, const std::string& trouble) {
     std::fprintf(stderr, "quill: '%s' %s (quill --help tells more)\n", Shown(argument).c_str(),
                  trouble.c_str());
     return false;
 }
+
+namespace {
 
 // Reads argv from the left; `next` is the next argument to read, `kept` the end of what stays in
 // argv.
@@ -119,14 +137,16 @@ struct Reader {
     std::vector<std::string> operands;
 };
 
-bool TakeValue(Reader* reader, const ValueRow& row, CommandLine* line) {
+}  // namespace
+
+static bool TakeValue(Reader* reader, const ValueRow& row, CommandLine* line) {
     if (reader->next < reader->argc && row.take(reader->argv[reader->next], line))
         return reader->next++, true;
     std::fprintf(stderr, "quill: %s wants %s (quill --help tells more)\n", row.name, row.wanted);
     return false;
 }
 
-bool TakeToolkitOption(Reader* reader, char* option) {
+static bool TakeToolkitOption(Reader* reader, char* option) {
     const bool value = IsToolkit(kToolkitValues, option);
     if (!value && !IsToolkit(kToolkitFlags, option) && !HasToolkitValue(option))
         return Complain(option, "is no option");
@@ -136,7 +156,7 @@ bool TakeToolkitOption(Reader* reader, char* option) {
     return true;
 }
 
-bool TakeArgument(Reader* reader, CommandLine* line) {
+static bool TakeArgument(Reader* reader, CommandLine* line) {
     char* argument = reader->argv[reader->next++];
     if (std::strcmp(argument, "--") == 0) {
         while (reader->next < reader->argc)
@@ -149,7 +169,7 @@ bool TakeArgument(Reader* reader, CommandLine* line) {
     return reader->operands.push_back(argument), true;
 }
 
-bool TakeOperands(const std::vector<std::string>& operands, CommandLine* line) {
+static bool TakeOperands(const std::vector<std::string>& operands, CommandLine* line) {
     RunTarget& target = line->target;
     if (operands.size() > 2) return Complain(operands[2], "is one word too many");
     if (operands.empty()) return true;
@@ -163,7 +183,7 @@ bool TakeOperands(const std::vector<std::string>& operands, CommandLine* line) {
     return true;
 }
 
-bool GoTogether(const CommandLine& line) {
+static bool GoTogether(const CommandLine& line) {
     if (!line.profile.empty() && !line.options.root.empty())
         return Complain("--profile", "and --root both name the settings");
     if (line.with_passwords && line.task != Task::kExport)
@@ -172,8 +192,6 @@ bool GoTogether(const CommandLine& line) {
         return Complain(line.target.host, "is one word too many: --export takes no host");
     return true;
 }
-
-}  // namespace
 
 bool TakeCommandLine(int* argc, char** argv, CommandLine* line) {
     Reader reader{*argc, argv, 1, 1, {}};
@@ -211,4 +229,135 @@ void TellHelp(std::FILE* stream) {
         "\n"
         "Options of the Qt toolkit, such as -platform, work too.\n",
         stream);
+}
+
+// ---------------------------------------------------------------- the host to connect to
+
+constexpr size_t kLongestName = 39;  // the settings hold no more
+constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+
+static bool IsMadeOf(const std::string& text, const char* others) {
+    return text.find_first_not_of(std::string(kLetters) + others) == text.npos;
+}
+
+static const char* TakeHost(const std::string& text, std::string* host) {
+    if (text.empty()) return "has no host";
+    if (text[0] == '[' || std::count(text.begin(), text.end(), ':') > 1)
+        return "is an IPv6 address; Quill connects to names and IPv4 addresses";
+    if (text.size() > kLongestName) return "is too long; a host has at most 39 characters";
+    if (text[0] == '-' || !IsMadeOf(text, ".-_"))
+        return "is no host; it has letters, digits, '.', '-' and '_' and begins with no '-'";
+    return *host = text, nullptr;
+}
+
+static const char* TakeUser(const std::string& text, RunTarget* target) {
+    if (target->protocol != RunProtocol::kSsh) return "names a user, which only ssh:// can";
+    if (text.find(':') != text.npos) return "has a password, which no command line should";
+    if (text.empty() || text.size() > kLongestName || text[0] == '-' || !IsMadeOf(text, ".-_"))
+        return "names no user of at most 39 letters, digits, '.', '-' and '_'";
+    return target->user = text, nullptr;
+}
+
+// Parses USER@HOST:PORT, with or without a slash at its end.
+static const char* TakeAddress(std::string text, RunTarget* target) {
+    if (!text.empty() && text.back() == '/') text.pop_back();
+    const size_t at = text.rfind('@');
+    if (at != text.npos) {
+        if (const char* trouble = TakeUser(text.substr(0, at), target)) return trouble;
+        text.erase(0, at + 1);
+    }
+    const size_t colon = text.find(':');
+    if (colon != text.npos && colon == text.rfind(':')) {
+        if (const char* trouble = TakePort(text.substr(colon + 1), &target->port)) return trouble;
+        text.erase(colon);
+    }
+    return TakeHost(text, &target->host);
+}
+
+namespace {
+
+struct SchemeRow {
+    const char* name;
+    RunProtocol protocol;
+};
+
+}  // namespace
+
+static const SchemeRow kSchemes[] = {{"telnet://", RunProtocol::kTelnet},
+                                     {"ssh://", RunProtocol::kSsh}};
+
+const char* TakePort(const std::string& text, int* port) {
+    const bool digits = text.find_first_not_of("0123456789") == text.npos;
+    *port = digits && text.size() <= 5 ? std::atoi(text.c_str()) : 0;
+    return *port >= 1 && *port <= 65535 ? nullptr : "has a port that is no number from 1 to 65535";
+}
+
+const char* TakeTarget(const std::string& text, RunTarget* target) {
+    for (const SchemeRow& row : kSchemes) {
+        if (strncasecmp(text.c_str(), row.name, std::strlen(row.name)) != 0) continue;
+        target->protocol = row.protocol;
+        return TakeAddress(text.substr(std::strlen(row.name)), target);
+    }
+    if (text.find("://") != text.npos) return "is no address; it begins with telnet:// or ssh://";
+    return TakeHost(text, &target->host);
+}
+
+// ---------------------------------------------------------------- tasks that open no window
+
+static int Help(const CommandLine&) { return TellHelp(stdout), 0; }
+
+static int Version(const CommandLine&) { return std::puts("quill " QUILL_VERSION), 0; }
+
+static int List(const CommandLine&) {
+    for (const std::string& name : ProfileNames()) std::puts(name.c_str());
+    return 0;
+}
+
+static void TellLeftOut(const std::vector<std::string>& names) {
+    if (names.empty()) return;
+    std::fputs("quill: left out, as they may be passwords:", stderr);
+    for (const std::string& name : names) std::fprintf(stderr, " %s", name.c_str());
+    std::fputs(" (--with-passwords prints them)\n", stderr);
+}
+
+static int Export(const CommandLine& line) {
+    const std::string root = line.options.root.empty() ? UserRoot() : line.options.root;
+    SettingsExport settings;
+    if (!ExportSettings(root, line.with_passwords, &settings)) {
+        std::fprintf(stderr, "quill: %s has no settings that can be read\n", root.c_str());
+        return 1;
+    }
+    if (access((root + "/mconfig.cfg").c_str(), F_OK) == 0)
+        std::fprintf(stderr, "quill: %s/mconfig.cfg waits for the next start and is not in it\n",
+                     root.c_str());
+    std::fwrite(settings.file.data(), 1, settings.file.size(), stdout);
+    TellLeftOut(settings.left_out);
+    for (const std::string& sentence : settings.unsaid)
+        std::fprintf(stderr, "quill: left out: %s\n", sentence.c_str());
+    return settings.unsaid.empty() ? 0 : 1;
+}
+
+namespace {
+
+struct TaskRow {
+    Task task;
+    int (*carry_out)(const CommandLine& line);
+};
+
+}  // namespace
+
+static const TaskRow kTasks[] = {
+    {Task::kHelp, Help},
+    {Task::kVersion, Version},
+    {Task::kProfiles, List},
+    {Task::kExport, Export},
+};
+
+int DoTask(const CommandLine& line) {
+    int result = 0;
+    for (const TaskRow& row : kTasks)
+        if (row.task == line.task) result = row.carry_out(line);
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return result;
+    std::fputs("quill: cannot write to standard output\n", stderr);
+    return 1;
 }

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "platform/qt/host/host.h"
-#include "platform/qt/services/run_values.h"
+#include "platform/qt/services/registry.h"
 
 enum class Task { kRun, kHelp, kVersion, kProfiles, kExport };
 
@@ -30,5 +30,12 @@ void TellHelp(std::FILE* stream);
 // Reads HOST, or an address with its scheme. Returns what is wrong with it, or null.
 const char* TakeTarget(const std::string& text, RunTarget* target);
 const char* TakePort(const std::string& text, int* port);
+
+// ---------------------------------------------------------------- tasks that open no window
+
+// Help, version, the list of profiles, or an export. Needs no display and writes only to stdout and
+// stderr. Returns the exit code: 0, or 1 if an export lacks something other than the passwords that
+// --with-passwords adds, or if settings cannot be read or the output cannot be written.
+int DoTask(const CommandLine& line);
 
 #endif

@@ -19,17 +19,15 @@
 #include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 
-namespace {
-
 constexpr WORD kIcons = 1;  // the resource type of an icon group
 
-bool FindPart(WORD type, WORD number, ResourceReader* reader) {
+static bool FindPart(WORD type, WORD number, ResourceReader* reader) {
     *reader = ResourceReader();
     return FindResourceBytes(MAKEINTRESOURCE(type), MAKEINTRESOURCE(number), &reader->bytes,
                              &reader->size);
 }
 
-void AddPicture(WORD number, QIcon* icon) {
+static void AddPicture(WORD number, QIcon* icon) {
     ResourceReader reader;
     Bitmap picture;
     if (!FindPart(kResourceIcon, number, &reader) || !ReadIcon(reader, &picture)) return;
@@ -38,15 +36,13 @@ void AddPicture(WORD number, QIcon* icon) {
     icon->addPixmap(QPixmap::fromImage(image));
 }
 
-}  // namespace
-
 QIcon LoadProgramIcon(WORD number) {
     QIcon icon;
     ResourceReader group;
     if (!FindPart(kResourceIconGroup, number, &group)) return icon;
     group.Skip(2);
     if (group.TakeWord() != kIcons) return icon;
-    for (WORD count = group.TakeWord(); count > 0 && group.ok; count--) {
+    for (WORD count = group.TakeWord(); count > 0 && group.ok; --count) {
         group.Skip(12);  // the picture itself has the same data
         const WORD picture = group.TakeWord();
         if (group.ok) AddPicture(picture, &icon);
@@ -57,21 +53,20 @@ QIcon LoadProgramIcon(WORD number) {
 extern "C" const uint8_t quill_resources[];
 extern "C" const uint8_t quill_resources_end[];
 
-namespace {
-
 constexpr int kSystemFontPixels = 9;
+constexpr int kUsualHeight = 300;
 constexpr int kNarrowestPixels = 400;  // wide enough for a full button bar
 
-int CALLBACK TakeFirstFace(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM result) {
+static int CALLBACK TakeFirstFace(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM result) {
     *reinterpret_cast<LOGFONTW*>(result) = *font;
     return 0;
 }
 
 // The heights of the command bar, the status line and the menu bar.
-int BarsHeight() { return kCommandBarHeight + StatusHeight() + kMenuBarHeight; }
+static int BarsHeight() { return kCommandBarHeight + StatusHeight() + kMenuBarHeight; }
 
 // The smallest screen that shows all 80 by 24 cells in the font of a first start.
-QSize ScreenForTerminal() {
+static QSize ScreenForTerminal() {
     LOGFONTW face = {};
     EnumFontFamiliesW(nullptr, nullptr, TakeFirstFace, reinterpret_cast<LPARAM>(&face));
     face.lfHeight = 8;
@@ -86,13 +81,11 @@ QSize ScreenForTerminal() {
     return QSize(std::max(width, kNarrowestPixels), height + BarsHeight());
 }
 
-void SetSystemFont() {
+static void SetSystemFont() {
     QFont font = QApplication::font();
     font.setPixelSize(kSystemFontPixels);
     QApplication::setFont(font);
 }
-
-}  // namespace
 
 bool MakeRoot(const std::string& folder) {
     if (folder.empty() || QDir().mkpath(QString::fromStdString(folder))) return true;
@@ -106,7 +99,7 @@ void OpenDevice(const HostOptions& options) {
     SetSystemFont();
     OfferToScreenReaders();
     RegisterMenuBar();
-    OpenDeviceScreen(QSize(kNarrowestPixels, 300));
+    OpenDeviceScreen(QSize(kNarrowestPixels, kUsualHeight));
     FurnishShell();
     DeviceScreen()->setWindowIcon(LoadProgramIcon(IDI_PROGRAM));
     DeviceScreen()->resize(options.screen.isEmpty() ? ScreenForTerminal() : options.screen);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The host: opens the device before Quill runs on it and closes it afterwards. It also loads icons
-// from the resources and records the text that was last drawn on each window.
+// from the resources, records the text that was last drawn on each window, and keeps the place of
+// the window.
 #ifndef QUILL_PLATFORM_QT_HOST_HOST_H
 #define QUILL_PLATFORM_QT_HOST_HOST_H
 
@@ -35,5 +36,20 @@ void KeepScreenText();                // starts recording, as the drawing observ
 void ForgetScreenText();              // stops recording
 QStringList ScreenText(HWND window);  // line by line, without trailing blanks
 int PaintsKept();                     // number of WM_PAINT messages since KeepScreenText
+
+// ---------------------------------------------------------------- the window's place
+
+// ROOT/window.cfg holds it between two runs:
+//     size 480 352         device pixels, without the frame
+//     place 100 80         of the frame on the desktop; missing if the desktop does not report it
+//     desktop 1600 1200    all screens together
+//     maximized 1
+
+// Call it before the window is shown. If the file is missing or damaged, the window stays as it is.
+// The size is limited to that of the screen. A position where nobody could reach the title bar is
+// ignored. If the desktop's size has changed, the whole window is moved onto a screen.
+void RestoreWindowPlace();
+// Saves the place of a window that has been shown.
+void SaveWindowPlace();
 
 #endif

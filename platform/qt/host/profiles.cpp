@@ -1,34 +1,37 @@
 // SPDX-License-Identifier: MIT
-// Lists profiles and marks the window of one.
+// Profiles: lists them, and marks the window of one. Each profile has at most one window; a second
+// start is pointed to the first.
 #include "platform/qt/host/profiles.h"
 
 #include <dirent.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <QIcon>
+#include <QMessageBox>
 #include <QPainter>
 
 #include "platform/qt/services/services.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 
-namespace {
-
 constexpr size_t kLongestName = 40;
 
-bool IsPlain(char c) {
+static bool IsPlain(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-std::string ProfilesFolder() { return UserRoot() + "/profiles"; }
+static std::string ProfilesFolder() { return UserRoot() + "/profiles"; }
+
+static const QColor kDisc(0x60, 0x00, 0x20);
 
 // Draws the letter in white on a dark disc, a little larger than the lower right quarter.
-void DrawLetter(QPixmap* picture, QChar letter) {
+static void DrawLetter(QPixmap* picture, QChar letter) {
     const int side = picture->width() * 5 / 8;
     const QRect place(picture->width() - side, picture->height() - side, side, side);
     QPainter painter(picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(QColor(0x60, 0x00, 0x20));
+    painter.setBrush(kDisc);
     painter.setPen(Qt::NoPen);
     painter.drawEllipse(place);
     QFont font = painter.font();
@@ -38,8 +41,6 @@ void DrawLetter(QPixmap* picture, QChar letter) {
     painter.setPen(Qt::white);
     painter.drawText(place, Qt::AlignCenter, letter.toUpper());
 }
-
-}  // namespace
 
 bool IsProfileName(const std::string& name) {
     if (name.empty() || name.size() > kLongestName || !IsPlain(name[0])) return false;
@@ -78,4 +79,19 @@ void MarkWindow(const std::string& profile) {
     DeviceScreen()->setWindowIcon(marked);
     DeviceScreen()->winId();  // creates the native window, which takes the icon text
     DeviceScreen()->setWindowIconText(name + " - Quill");
+}
+
+// ---------------------------------------------------------------- a second start
+
+bool IsProfileBusy(const CommandLine& line) {
+    const HWND other = FindOtherInstance();
+    if (!other) return false;
+    SetForegroundWindow(other);
+    const QString text = QString(
+                             "Quill already runs on these settings. For a second window with "
+                             "%1, start: quill --profile NAME %1")
+                             .arg(QString::fromStdString(line.target.host));
+    std::fprintf(stderr, "quill: %s\n", qPrintable(text));
+    if (!isatty(STDERR_FILENO)) QMessageBox::information(nullptr, "Quill Telnet", text);
+    return true;
 }

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/qt/host/command_line.h"
+
 // 1 to 40 ASCII letters, digits, '.', '-' and '_'; the first one is a letter or a digit.
 bool IsProfileName(const std::string& name);
 std::string ProfileFolder(const std::string& name);  // of a valid name; it need not exist
@@ -15,5 +17,10 @@ std::vector<std::string> ProfileNames();             // sorted
 // Draws the name's first letter on the window's icon and sets the name as the text of the task
 // bar's entry. Call it after OpenDevice. The window's title does not change: it belongs to Quill.
 void MarkWindow(const std::string& profile);
+
+// For a start with a host: if a program already runs on these settings, brings it to the front and
+// tells the user how to open a second window: on stderr, and also in a message box if stderr is no
+// terminal. The other program's session is not touched.
+bool IsProfileBusy(const CommandLine& line);
 
 #endif

@@ -13,15 +13,17 @@ struct TextPiece {
 };
 using TextRow = std::map<int, TextPiece>;  // by x
 
-std::map<HWND, std::map<int, TextRow>> g_text;  // by window and y
-int g_paints = 0;
+}  // namespace
 
-void RemovePieces(TextRow& row, int left, int right) {
+static std::map<HWND, std::map<int, TextRow>> g_text;  // by window and y
+static int g_paints = 0;
+
+static void RemovePieces(TextRow& row, int left, int right) {
     std::erase_if(
         row, [&](const auto& piece) { return piece.first < right && piece.second.right > left; });
 }
 
-QString RowText(const TextRow& row) {
+static QString RowText(const TextRow& row) {
     QString line;
     for (const auto& [x, piece] : row) {
         const int column = piece.advance > 0 ? x / piece.advance : 0;
@@ -31,20 +33,18 @@ QString RowText(const TextRow& row) {
     return line;
 }
 
-void KeepText(const TextDrawing& drawn) {
+static void KeepText(const TextDrawing& drawn) {
     TextRow& row = g_text[drawn.window][drawn.y];
     RemovePieces(row, drawn.area.left, drawn.area.right);
     row[drawn.x] = {drawn.area.right, drawn.advance, std::u16string(drawn.text, drawn.count)};
 }
 
-void DropFilled(HWND window, const RECT& area, COLORREF) {
+static void DropFilled(HWND window, const RECT& area, COLORREF) {
     for (auto& [y, row] : g_text[window])
         if (y >= area.top && y < area.bottom) RemovePieces(row, area.left, area.right);
 }
 
-void CountPaint(HWND) { g_paints++; }
-
-}  // namespace
+static void CountPaint(HWND) { ++g_paints; }
 
 void KeepScreenText() {
     g_text.clear();

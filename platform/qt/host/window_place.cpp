@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads and writes the file of the window's place, and fits the place to the present screens.
-#include "platform/qt/host/window_place.h"
+#include "platform/qt/host/host.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,13 +14,13 @@
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 
-namespace {
-
 constexpr int kLongestSide = 4000;
 constexpr int kSmallestSide = 80;
 constexpr int kTitleHeight = 20;     // a title bar has at least as many desktop pixels
 constexpr int kBorder = 8;           // both sides of the frame together
 constexpr int kTitleReachable = 60;  // width of the title bar that must be on a screen
+
+namespace {
 
 struct WindowPlace {
     QSize size;
@@ -29,15 +29,17 @@ struct WindowPlace {
     bool maximized = false;
 };
 
+}  // namespace
+
 // Where RestoreWindowPlace put the window. A device pixel is several desktop pixels, so the
 // position that is read back can be off by rounding. SaveWindowPlace then writes this one again, or
 // a window that nobody moves would wander from run to run.
-std::optional<QPoint> g_restored;
+static std::optional<QPoint> g_restored;
 constexpr int kRounding = 2;
 
-std::string PlaceFile() { return DeviceRoot() + "/window.cfg"; }
+static std::string PlaceFile() { return DeviceRoot() + "/window.cfg"; }
 
-void TakeLine(const char* line, WindowPlace* place) {
+static void TakeLine(const char* line, WindowPlace* place) {
     int a = 0, b = 0;
     if (std::sscanf(line, "size %6d %6d", &a, &b) == 2) place->size = QSize(a, b);
     if (std::sscanf(line, "place %6d %6d", &a, &b) == 2) place->place = QPoint(a, b);
@@ -46,11 +48,11 @@ void TakeLine(const char* line, WindowPlace* place) {
 }
 
 // O_NONBLOCK: if the name is that of a pipe, open must not block the start.
-bool ReadPlace(WindowPlace* place) {
+static bool ReadPlace(WindowPlace* place) {
     const int file = open(PlaceFile().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0) return false;
     char text[512];
-    const ssize_t count = read(file, text, sizeof text - 1);
+    const ssize_t count = read(file, text, sizeof(text) - 1);
     close(file);
     text[std::max<ssize_t>(count, 0)] = 0;
     for (const QByteArray& line : QByteArray(text).split('\n')) TakeLine(line.constData(), place);
@@ -58,7 +60,7 @@ bool ReadPlace(WindowPlace* place) {
            place->size.width() <= kLongestSide && place->size.height() <= kLongestSide;
 }
 
-const QScreen* ScreenOf(const WindowPlace& place) {
+static const QScreen* ScreenOf(const WindowPlace& place) {
     if (!place.place) return nullptr;
     const QRect title(*place.place, QSize(place.size.width(), kTitleHeight));
     for (const QScreen* screen : QGuiApplication::screens()) {
@@ -69,23 +71,26 @@ const QScreen* ScreenOf(const WindowPlace& place) {
     return nullptr;
 }
 
-QSize DesktopSize() { return QGuiApplication::primaryScreen()->virtualGeometry().size(); }
+static QSize DesktopSize() { return QGuiApplication::primaryScreen()->virtualGeometry().size(); }
 
 // If the desktop is the same as before, the user has put the window over the edge: it stays there.
-void FitInto(const QRect& screen, WindowPlace* place) {
+// Only a title bar above the screen comes back: nothing else can move the window on every desktop.
+static void FitInto(const QRect& screen, WindowPlace* place) {
     const QRect room = screen.adjusted(0, 0, -kBorder, -kBorder);
     const QSize wanted = place->size;
     place->size = wanted.boundedTo(room.size() - QSize(0, kTitleHeight));
-    if (!place->place || (place->size == wanted && place->desktop == DesktopSize())) return;
+    if (!place->place) return;
+    place->place->setY(std::max(place->place->y(), room.top()));
+    if (place->size == wanted && place->desktop == DesktopSize()) return;
     const QPoint farthest(room.right() + 1 - place->size.width(),
                           room.bottom() + 1 - place->size.height() - kTitleHeight);
     place->place = QPoint(std::max(std::min(place->place->x(), farthest.x()), room.left()),
                           std::max(std::min(place->place->y(), farthest.y()), room.top()));
 }
 
-bool TellsPlaces() { return !QGuiApplication::platformName().startsWith("wayland"); }
+static bool TellsPlaces() { return !QGuiApplication::platformName().startsWith("wayland"); }
 
-WindowPlace PlaceOf(const QWidget& window) {
+static WindowPlace PlaceOf(const QWidget& window) {
     WindowPlace place;
     place.maximized = window.isMaximized();
     const QRect normal = place.maximized ? window.normalGeometry() : window.geometry();
@@ -98,18 +103,16 @@ WindowPlace PlaceOf(const QWidget& window) {
     return place;
 }
 
-std::string LineOf(const char* name, int a, int b) {
+static std::string LineOf(const char* name, int a, int b) {
     return std::string(name) + ' ' + std::to_string(a) + ' ' + std::to_string(b) + '\n';
 }
 
-std::string TextOf(const WindowPlace& place) {
+static std::string TextOf(const WindowPlace& place) {
     std::string text = LineOf("size", place.size.width(), place.size.height());
     if (place.place) text += LineOf("place", place.place->x(), place.place->y());
     text += LineOf("desktop", DesktopSize().width(), DesktopSize().height());
     return text + (place.maximized ? "maximized 1\n" : "maximized 0\n");
 }
-
-}  // namespace
 
 void RestoreWindowPlace() {
     WindowPlace place;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Makes a configuration file from the registry's file.
-#include "platform/qt/services/export_settings.h"
+#include "platform/qt/services/registry.h"
 
 #include <sqlite3.h>
 
@@ -8,23 +8,22 @@
 #include <cstring>
 
 #include "platform/qt/services/services.h"
-#include "platform/qt/services/settings_key.h"
 #include "windows_ce.h"
-
-namespace {
 
 constexpr size_t kLongestLine = 78;   // the program reads 79 with the line's end
 constexpr size_t kLongestValue = 80;  // the program reads at most as many bytes
 constexpr int kBusyMilliseconds = 3000;
 
-const char kHeading[] =
+static const char kHeading[] =
     "# The settings of one device. As mconfig.cfg in the settings folder of\n"
     "# another one it is read at the next start, and then deleted.\n";
 
-const char* const kPasswords[] = {"ssh_p", "resp1", "resp2"};
-const char* const kEmptyAtFirst[] = {"host",  "hist0a", "hist1a", "hist2a", "hist3a", "hist4a",
-                                     "sear2", "resp1",  "resp2",  "ssh_u",  "ssh_p",  "ras",
-                                     "key28", "key29",  "key30",  "key31"};
+static const char* const kPasswords[] = {"ssh_p", "resp1", "resp2"};
+static const char* const kEmptyAtFirst[] = {
+    "host",  "hist0a", "hist1a", "hist2a", "hist3a", "hist4a", "sear2", "resp1",
+    "resp2", "ssh_u",  "ssh_p",  "ras",    "key28",  "key29",  "key30", "key31"};
+
+namespace {
 
 struct Value {
     std::string name;  // UTF-8
@@ -32,13 +31,15 @@ struct Value {
     std::string data;
 };
 
+}  // namespace
+
 template <size_t count>
-bool IsOneOf(const char* const (&names)[count], const std::string& name) {
+static bool IsOneOf(const char* const (&names)[count], const std::string& name) {
     return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
 // Opens the file for writing, because a reader alone may not open another program's log.
-sqlite3* OpenStore(const std::string& root) {
+static sqlite3* OpenStore(const std::string& root) {
     sqlite3* database = nullptr;
     const std::string path = root + "/registry.db";
     if (sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK) {
@@ -49,7 +50,7 @@ sqlite3* OpenStore(const std::string& root) {
     return nullptr;
 }
 
-Value TakeRow(sqlite3_stmt* statement) {
+static Value TakeRow(sqlite3_stmt* statement) {
     Value value;
     value.name = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
     value.type = static_cast<uint32_t>(sqlite3_column_int64(statement, 1));
@@ -59,7 +60,7 @@ Value TakeRow(sqlite3_stmt* statement) {
     return value;
 }
 
-bool ReadValues(sqlite3* database, std::vector<Value>* values) {
+static bool ReadValues(sqlite3* database, std::vector<Value>* values) {
     sqlite3_stmt* statement = nullptr;
     const char kQuery[] =
         "SELECT name, type, data FROM registry WHERE key = ?1 AND name IS NOT NULL";
@@ -74,7 +75,7 @@ bool ReadValues(sqlite3* database, std::vector<Value>* values) {
 }
 
 // Sorts "key2" before "key10", and numbered names after all others.
-bool ComesBefore(const Value& a, const Value& b) {
+static bool ComesBefore(const Value& a, const Value& b) {
     const auto split = [](const std::string& name) {
         return std::min(name.find_last_not_of("0123456789") + 1, name.size());
     };
@@ -88,43 +89,45 @@ bool ComesBefore(const Value& a, const Value& b) {
 }
 
 // The name is the first word of its line, so it has no blanks and does not begin a comment.
-bool IsSayableName(const std::string& name) {
+static bool IsSayableName(const std::string& name) {
     if (name.empty() || name[0] == '#') return false;
     return std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < 0x7F; });
 }
 
 // Returns the text as the program reads it: up to its terminator, or cut at the longest value.
-std::u16string TextOf(const std::string& data) {
+static std::u16string TextOf(const std::string& data) {
     std::u16string text(data.size() / sizeof(char16_t), 0);
     std::memcpy(text.data(), data.data(), text.size() * sizeof(char16_t));
     text.resize(std::min(text.size(), kLongestValue / sizeof(char16_t) - 1));
-    return text.c_str();
+    return text.substr(0, text.find(u'\0'));
 }
 
 // False if the code page does not have all of its letters.
-bool AnsiOf(const std::u16string& text, std::string* bytes) {
+static bool AnsiOf(const std::u16string& text, std::string* bytes) {
     char ansi[kLongestValue];
     WCHAR back[kLongestValue];
     const int count = static_cast<int>(text.size()) + 1;
     const int size =
-        WideCharToMultiByte(CP_ACP, 0, text.c_str(), count, ansi, sizeof ansi, nullptr, nullptr);
+        WideCharToMultiByte(CP_ACP, 0, text.c_str(), count, ansi, sizeof(ansi), nullptr, nullptr);
     if (size <= 0 || MultiByteToWideChar(CP_ACP, 0, ansi, size, back, kLongestValue) != count)
         return false;
     *bytes = ansi;
     return text == back;
 }
 
+constexpr char16_t kEndOfText = 0x1A;  // SUB, as on the device
+
 // Returns why a line cannot hold the text, or null.
 const char* TextTrouble(const std::u16string& text, std::string* bytes) {
     if (text.find(u'"') != text.npos) return "has a double quote in it";
     for (const char16_t unit : text)
-        if (unit == u'\n' || unit == u'\r' || unit == 0x1A) return "has a line's end in it";
+        if (unit == u'\n' || unit == u'\r' || unit == kEndOfText) return "has a line's end in it";
     return AnsiOf(text, bytes) ? nullptr : "has letters that are not in code page 1252";
 }
 
 std::string NumberLine(const Value& value) {
     DWORD number = 0;
-    std::memcpy(&number, value.data.data(), std::min(value.data.size(), sizeof number));
+    std::memcpy(&number, value.data.data(), std::min(value.data.size(), sizeof(number)));
     return value.name + " = " + std::to_string(number);
 }
 
@@ -168,8 +171,6 @@ void AddValue(const Value& value, bool with_passwords, SettingsExport* result) {
         result->file += line + '\n';
     }
 }
-
-}  // namespace
 
 bool IsEmptyAtFirst(const std::string& name) { return IsOneOf(kEmptyAtFirst, name); }
 

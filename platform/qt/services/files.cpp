@@ -10,12 +10,12 @@
 #include <climits>
 #include <vector>
 
-namespace {
+constexpr mode_t kOwnerOnly = 0700;
 
-std::string g_root;
+static std::string g_root;
 
 // XDG_DATA_HOME counts only if it is an absolute path.
-std::string UserDataFolder() {
+static std::string UserDataFolder() {
     const char* data = getenv("XDG_DATA_HOME");
     if (data && data[0] == '/') return data;
     const char* home = getenv("HOME");
@@ -26,23 +26,21 @@ std::string UserDataFolder() {
     return std::string(home) + "/.local/share";
 }
 
-std::string AbsolutePath(const std::string& path) {
+static std::string AbsolutePath(const std::string& path) {
     char resolved[PATH_MAX];
     if (realpath(path.c_str(), resolved)) return resolved;
     return path;
 }
 
-bool IsSeparator(WCHAR unit) { return unit == u'\\' || unit == u'/'; }
-
-}  // namespace
+static bool IsSeparator(WCHAR unit) { return unit == u'\\' || unit == u'/'; }
 
 std::string UserRoot() { return UserDataFolder() + "/quill"; }
 
 void MakeFolders(const std::string& path) {
     for (size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1))
-        mkdir(path.substr(0, slash).c_str(), 0700);
-    mkdir(path.c_str(), 0700);
+        mkdir(path.substr(0, slash).c_str(), kOwnerOnly);
+    mkdir(path.c_str(), kOwnerOnly);
 }
 
 void SetDeviceRoot(const std::string& folder) {
@@ -61,7 +59,7 @@ std::string DevicePath(LPCWSTR device_path) {
     while (*device_path) {
         std::u16string name;
         while (*device_path && !IsSeparator(*device_path)) name.push_back(*device_path++);
-        if (*device_path) device_path++;
+        if (*device_path) ++device_path;
         if (name.empty() || name == u".") continue;
         if (name != u"..") {
             names.push_back(name);
@@ -83,19 +81,21 @@ struct ModeRow {
     const char* stream;
     const char* stream_update;
 };
+
+}  // namespace
 // clang-format off
-const ModeRow kModes[] = {
+static const ModeRow kModes[] = {
     {u'r', O_RDONLY,                       O_RDWR,                       "r", "r+"},
     {u'w', O_WRONLY | O_CREAT | O_TRUNC,   O_RDWR | O_CREAT | O_TRUNC,   "w", "w+"},
     {u'a', O_WRONLY | O_CREAT | O_APPEND,  O_RDWR | O_CREAT | O_APPEND,  "a", "a+"},
 };
 // clang-format on
 
-const ModeRow* FindMode(LPCWSTR mode, bool* update) {
+static const ModeRow* FindMode(LPCWSTR mode, bool* update) {
     for (const ModeRow& row : kModes) {
         if (!mode || mode[0] != row.letter) continue;
         *update = false;
-        for (LPCWSTR more = mode + 1; *more; more++) {
+        for (LPCWSTR more = mode + 1; *more; ++more) {
             if (*more == u'+') *update = true;
             if (*more != u'+' && *more != u'b' && *more != u't') return nullptr;
         }
@@ -105,12 +105,10 @@ const ModeRow* FindMode(LPCWSTR mode, bool* update) {
 }
 
 // Folders, and anything whose reading could block, do not count as files of the device.
-bool IsPlainFile(int file) {
+static bool IsPlainFile(int file) {
     struct stat status;
     return fstat(file, &status) == 0 && S_ISREG(status.st_mode);
 }
-
-}  // namespace
 
 FILE* _wfopen(LPCWSTR path, LPCWSTR mode) {
     bool update = false;

@@ -27,26 +27,26 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+}  // namespace
+
 constexpr int kLargestBuffer = 0x3FFFFFFF;       // the kernel reduces it to its limit
 constexpr int64_t kNothingToWaitFor = 20000;     // us between checks of a socket without a request
 constexpr int64_t kLongestWait = 1000000000000;  // us; keeps the sum with the clock in range
 
 // A request that fails at once is reported through the wait, like one that takes its time.
-bool IsOutcome(int error) { return error == ECONNREFUSED || error == ETIMEDOUT; }
+static bool IsOutcome(int error) { return error == ECONNREFUSED || error == ETIMEDOUT; }
 
 // The peer accepted the connection and dropped it before anyone looked. A refused request ends with
 // other errors.
-bool IsEndOfConnection(int error) { return error == ECONNRESET || error == EPIPE; }
+static bool IsEndOfConnection(int error) { return error == ECONNRESET || error == EPIPE; }
 
-short EventsFor(const SocketWait& wait) {
+static short EventsFor(const SocketWait& wait) {
     int events = 0;
     if (wait.want_read) events |= POLLIN | POLLRDHUP;
     if (wait.want_write) events |= POLLOUT;
     if (wait.want_except) events |= POLLPRI;
     return static_cast<short>(events);
 }
-
-}  // namespace
 
 int StreamSocket::Open(std::shared_ptr<StreamSocket>* opened) {
     const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -168,7 +168,7 @@ bool StreamSocket::Blocks() {
     return blocking_;
 }
 
-int StreamSocket::SendNow(const char* bytes, size_t size, int flags) {
+int StreamSocket::SendNow(const char* bytes, size_t size, int flags) const {
     ssize_t count;
     do count = send(descriptor_, bytes, size, flags | MSG_NOSIGNAL);
     while (count < 0 && errno == EINTR);
@@ -182,7 +182,7 @@ void StreamSocket::ChooseGathering() {
     if (now - last_sent_ > kSendingRest) run_ = 0;
     last_sent_ = now;
     const bool gather = run_ >= kSentAtOnce;
-    if (!gather) run_++;
+    if (!gather) ++run_;
     if (gather == gathers_) return;
     gathers_ = gather;
     const int at_once = !gather;
@@ -272,7 +272,7 @@ class WaitRound {
 
     // Returns how long the round may last, in microseconds.
     int64_t Prepare(int64_t left) {
-        for (size_t i = 0; i < waits_.size(); i++) {
+        for (size_t i = 0; i < waits_.size(); ++i) {
             SocketWait& wait = waits_[i];
             const SocketState state = wait.socket->State();
             connecting_.push_back(state == SocketState::kConnecting);
@@ -297,7 +297,7 @@ class WaitRound {
     // Returns how many wants are met, or -ENOTSOCK. Sets `again` when a request has just ended.
     int Collect(bool* again) {
         int met = 0;
-        for (size_t i = 0; i < waits_.size(); i++) {
+        for (size_t i = 0; i < waits_.size(); ++i) {
             SocketWait& wait = waits_[i];
             if (wait.socket->IsClosed()) return -ENOTSOCK;
             const short seen = polled_[2 * i].revents;
@@ -331,12 +331,12 @@ class WaitRound {
     std::vector<bool> connecting_;
 };
 
-int64_t MicrosecondsUntil(Clock::time_point end) {
+}  // namespace
+
+static int64_t MicrosecondsUntil(Clock::time_point end) {
     const auto left = std::chrono::duration_cast<std::chrono::microseconds>(end - Clock::now());
     return std::max<int64_t>(left.count(), 0);
 }
-
-}  // namespace
 
 int WaitForSockets(std::vector<SocketWait>* waits, int64_t microseconds) {
     const int64_t span = microseconds < 0 ? kLongestWait : std::min(microseconds, kLongestWait);
@@ -372,25 +372,25 @@ struct LocalAddress {
     const sockaddr* Generic() const { return reinterpret_cast<const sockaddr*>(&address); }
 };
 
+}  // namespace
+
 // A name that begins with a zero byte belongs to the kernel and is not in the file system.
-LocalAddress AddressOf(const std::string& name) {
+static LocalAddress AddressOf(const std::string& name) {
     LocalAddress local;
     local.address.sun_family = AF_UNIX;
-    const size_t length = name.copy(local.address.sun_path + 1, sizeof local.address.sun_path - 1);
+    const size_t length = name.copy(local.address.sun_path + 1, sizeof(local.address.sun_path) - 1);
     local.length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length);
     return local;
 }
 
-int NewSocket(int flags) { return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0); }
+static int NewSocket(int flags) { return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0); }
 
 // The kernel lets any user on the machine connect to a name.
-bool IsOwnUser(int socket) {
+static bool IsOwnUser(int socket) {
     ucred peer = {};
-    socklen_t size = sizeof peer;
+    socklen_t size = sizeof(peer);
     return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == getuid();
 }
-
-}  // namespace
 
 int ListenLocally(const std::string& name) {
     const LocalAddress local = AddressOf(name);
@@ -458,8 +458,10 @@ struct ErrorRow {
     int from;
     int to;
 };
+
+}  // namespace
 // clang-format off
-const ErrorRow kErrors[] = {
+static const ErrorRow kErrors[] = {
     {EINTR,           10004},
     {EBADF,           10038},
     {EACCES,          10013},
@@ -498,7 +500,7 @@ const ErrorRow kErrors[] = {
     {ETIMEDOUT,       10060},
     {ECONNREFUSED,    10061},
 };
-const ErrorRow kLookupErrors[] = {
+static const ErrorRow kLookupErrors[] = {
     {EAI_NONAME,      kWsaHostNotFound},
     {EAI_AGAIN,       kWsaTryAgain},
     {EAI_FAIL,        kWsaNoRecovery},
@@ -506,11 +508,9 @@ const ErrorRow kLookupErrors[] = {
 };
 // clang-format on
 
-}  // namespace
-
 int WinsockError(int error_number) {
     // EADDRNOTAVAIL may mean that all local addresses are in use, or that there is no network.
-    if (error_number == EADDRNOTAVAIL && !HasNetworkInterface()) return 10065;
+    if (error_number == EADDRNOTAVAIL && !HasNetworkInterface()) return kWsaEHostUnreach;
     for (const ErrorRow& row : kErrors)
         if (row.from == error_number) return row.to;
     return kWsaEInval;

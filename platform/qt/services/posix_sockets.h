@@ -37,8 +37,8 @@ class StreamSocket : public std::enable_shared_from_this<StreamSocket> {
     StreamSocket& operator=(const StreamSocket&) = delete;
 
     int SetBlocking(bool blocking);
-    // Returns -EINPROGRESS while the request of a non-blocking socket goes on. Only WaitForSockets
-    // reports how it ends, even if it has already ended.
+    // Returns -EINPROGRESS while the request of a non-blocking socket is in progress. Only
+    // WaitForSockets reports how it ends, even if it has already ended.
     int Connect(uint32_t address, uint16_t port);  // both in network byte order
     int Receive(void* bytes, size_t size, int flags);
     int Send(const void* bytes, size_t size, int flags);
@@ -58,7 +58,7 @@ class StreamSocket : public std::enable_shared_from_this<StreamSocket> {
     int BeginConnect(uint32_t address, uint16_t port, bool* blocking);
     bool Blocks();
     void ChooseGathering();
-    int SendNow(const char* bytes, size_t size, int flags);
+    int SendNow(const char* bytes, size_t size, int flags) const;
     size_t Queue(const char* bytes, size_t size);
     void SendBacklog();
     bool SendSomeOfBacklog(bool closed);
@@ -119,6 +119,7 @@ inline constexpr int kWsaEInval = 10022;
 inline constexpr int kWsaEMFile = 10024;
 inline constexpr int kWsaEOpNotSupp = 10045;
 inline constexpr int kWsaEAfNoSupport = 10047;
+inline constexpr int kWsaEHostUnreach = 10065;
 inline constexpr int kWsaSysNotReady = 10091;
 inline constexpr int kWsaVerNotSupported = 10092;
 inline constexpr int kWsaNotInitialised = 10093;

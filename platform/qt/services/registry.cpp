@@ -5,12 +5,8 @@
 #include <map>
 #include <mutex>
 
-#include "platform/qt/services/run_values.h"
 #include "platform/qt/services/services.h"
-#include "platform/qt/services/settings_key.h"
 #include "windows_ce.h"
-
-namespace {
 
 constexpr LONG kErrorBadPathname = 161;
 constexpr LONG kErrorRegistryFailed = 1016;
@@ -18,7 +14,9 @@ constexpr DWORD kCreatedNewKey = 1;
 constexpr DWORD kOpenedExistingKey = 2;
 constexpr size_t kLongestKeyName = 255;
 constexpr size_t kLongestValueName = 16383;
-const char kLocalMachine[] = "HKEY_LOCAL_MACHINE";
+static const char kLocalMachine[] = "HKEY_LOCAL_MACHINE";
+
+namespace {
 
 struct OpenKey {
     std::string path;
@@ -32,25 +30,27 @@ struct Registry {
     UINT_PTR last = 0;
 };
 
+}  // namespace
+
 // Never destroyed; CloseRegistry closes the store.
-Registry& TheRegistry() {
+static Registry& TheRegistry() {
     static Registry* registry = new Registry;
     return *registry;
 }
 
 // The file compares only ASCII letters without case, so all other letters are stored in upper case.
-std::string StoredName(std::u16string name) {
+static std::string StoredName(std::u16string name) {
     for (char16_t& unit : name)
         if (unit > 0x7F) unit = UpperUnit(unit);
     return Utf8FromWide(name);
 }
 
-LONG ErrorOf(StoreResult result) {
+static LONG ErrorOf(StoreResult result) {
     if (result == StoreResult::kOk) return ERROR_SUCCESS;
     return result == StoreResult::kNotFound ? ERROR_FILE_NOT_FOUND : kErrorRegistryFailed;
 }
 
-LONG FindKey(Registry& registry, HKEY key, DWORD access, std::string* path) {
+static LONG FindKey(Registry& registry, HKEY key, DWORD access, std::string* path) {
     if (key == HKEY_LOCAL_MACHINE) return *path = kLocalMachine, ERROR_SUCCESS;
     const auto found = registry.open.find(key);
     if (found == registry.open.end()) return ERROR_INVALID_HANDLE;
@@ -60,38 +60,39 @@ LONG FindKey(Registry& registry, HKEY key, DWORD access, std::string* path) {
 }
 
 // Takes the next name of the path; false at its end.
-bool TakeName(LPCWSTR* sub_key, std::u16string* name) {
+static bool TakeName(LPCWSTR* sub_key, std::u16string* name) {
     name->clear();
     while (**sub_key == u'\\') ++*sub_key;
     while (**sub_key && **sub_key != u'\\') name->push_back(*(*sub_key)++);
     return !name->empty();
 }
 
-HKEY AddKey(Registry& registry, const std::string& path, DWORD access) {
+static HKEY AddKey(Registry& registry, const std::string& path, DWORD access) {
     const HKEY key = reinterpret_cast<HKEY>(registry.last += 4);
     registry.open[key] = {path, access};
     return key;
 }
 
 // If `created` is given, creates the keys that are missing on the way.
-LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool* created) {
+static LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool* created) {
     if (!sub_key) sub_key = u"";
     if (*sub_key == u'\\') return kErrorBadPathname;
-    const StoreResult usable = registry.store.HasKey(*path);
-    if (usable == StoreResult::kFailed) return kErrorRegistryFailed;
     std::u16string name;
+    bool asked = false;  // the store, so it is usable
     while (TakeName(&sub_key, &name)) {
         if (name.size() > kLongestKeyName) return ERROR_INVALID_PARAMETER;
         path->append("\\").append(StoredName(name));
         if (!created) continue;
         const StoreResult made = registry.store.MakeKey(*path, created);
         if (made != StoreResult::kOk) return ErrorOf(made);
+        asked = true;
     }
-    if (created || *path == kLocalMachine) return ERROR_SUCCESS;
+    if (created != nullptr || *path == kLocalMachine)
+        return asked || registry.store.IsUsable() ? ERROR_SUCCESS : kErrorRegistryFailed;
     return ErrorOf(registry.store.HasKey(*path));
 }
 
-LONG ValueName(LPCWSTR name, std::string* stored) {
+static LONG ValueName(LPCWSTR name, std::string* stored) {
     const std::u16string text = name ? name : u"";
     if (text.size() > kLongestValueName) return ERROR_INVALID_PARAMETER;
     *stored = StoredName(text);
@@ -99,13 +100,13 @@ LONG ValueName(LPCWSTR name, std::string* stored) {
 }
 
 // The checks that every call on a value starts with.
-LONG FindPlace(Registry& registry, HKEY key, DWORD access, LPCWSTR name, std::string* path,
-               std::string* value_name) {
+static LONG FindPlace(Registry& registry, HKEY key, DWORD access, LPCWSTR name, std::string* path,
+                      std::string* value_name) {
     const LONG error = FindKey(registry, key, access, path);
     return error == ERROR_SUCCESS ? ValueName(name, value_name) : error;
 }
 
-LONG HandOut(const StoredValue& value, DWORD* type, BYTE* data, DWORD* size) {
+static LONG HandOut(const StoredValue& value, DWORD* type, BYTE* data, DWORD* size) {
     const DWORD room = size ? *size : 0;
     if (type) *type = value.type;
     if (size) *size = static_cast<DWORD>(value.data.size());
@@ -114,8 +115,6 @@ LONG HandOut(const StoredValue& value, DWORD* type, BYTE* data, DWORD* size) {
     memcpy(data, value.data.data(), value.data.size());
     return ERROR_SUCCESS;
 }
-
-}  // namespace
 
 LONG RegOpenKeyExW(HKEY key, LPCWSTR sub_key, DWORD, DWORD access, HKEY* result) {
     if (!result) return ERROR_INVALID_PARAMETER;

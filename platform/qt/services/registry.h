@@ -4,14 +4,17 @@
 // either old or new. A row without a name means that its key exists. If the file cannot be read as
 // that table, it is renamed to registry.db.damaged (then .damaged-2, ...), and a new one is
 // created. Several processes may share a root.
+//
+// Below: the program's own key in the registry, the values that hold for one run only, and the
+// export of the stored settings.
 #ifndef QUILL_PLATFORM_QT_SERVICES_REGISTRY_H
 #define QUILL_PLATFORM_QT_SERVICES_REGISTRY_H
 
 #include <sys/types.h>
-
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 // Writes everything into the one file and closes it; the next call opens it again. Open keys stay
 // open.
@@ -34,6 +37,8 @@ struct StoredValue {
 // Not thread-safe. Keys and names are compared without the case of ASCII letters.
 class RegistryStore {
   public:
+    bool IsUsable();  // opens the file if it is not open
+    // Keys are never deleted: once a key was found, it is known as long as the file is open.
     StoreResult HasKey(const std::string& key);
     StoreResult MakeKey(const std::string& key, bool* created);
     StoreResult Read(const std::string& key, const std::string& name, StoredValue* value);
@@ -64,6 +69,63 @@ class RegistryStore {
     ino_t inode_ = 0;
     sqlite3* database_ = nullptr;
     sqlite3_stmt* statements_[kStatements] = {};
+    std::string known_key_;  // the last one that was found; empty: none since the file was opened
 };
+
+// ---------------------------------------------------------------- the program's key
+
+// For the host's own access to its values.
+inline constexpr char16_t kSettingsKeyName[] = u"Software\\QUILLWARE\\TELNET";
+// The same key as the registry's file writes it.
+inline constexpr char kSettingsKeyPath[] = "HKEY_LOCAL_MACHINE\\Software\\QUILLWARE\\TELNET";
+
+// ---------------------------------------------------------------- the values of one run
+
+// Settings that hold for one run only: where the command line wants to connect. The program reads
+// them from the registry as if they were stored there; the store keeps the user's own values.
+//
+// The values that belong to a host (its name, port and protocol, the user, passwords, the automatic
+// login) belong to this run from the first time that the program reads one of them. Before that, an
+// import still writes to the store. After that, what the program writes is kept in memory until the
+// end. Passwords of the stored host never go to another one: unless host, port, protocol and user
+// are the stored ones, the run has no password and no response of an automatic login.
+
+enum class RunProtocol { kOfTheStore, kTelnet, kSsh };
+
+struct RunTarget {
+    std::string host;  // ASCII, at most 39 characters
+    int port = 0;      // 1 to 65535; 0: the protocol's default, 23 or 22
+    RunProtocol protocol = RunProtocol::kOfTheStore;
+    std::string user;  // ASCII, at most 39 characters; empty: the stored one
+};
+
+// Call it before the program starts. Makes the settings key if it is missing, because without it
+// the program looks for no value. Defined beside the registry's calls.
+void ConnectThisRun(const RunTarget& target);
+void ForgetRun();
+
+// For the registry's calls. Sets what the run wants from now on.
+void SetRunTarget(const RunTarget& target);
+// True if the value is one of this run's. Only the settings key has such values.
+bool ReadRunValue(RegistryStore& store, const std::string& key, const std::string& name,
+                  StoredValue* value);
+bool KeepRunValue(const std::string& key, const std::string& name, const StoredValue& value);
+
+// ---------------------------------------------------------------- export
+
+// Exports the stored settings as an mconfig.cfg, which a device reads at its next start.
+struct SettingsExport {
+    std::string file;                   // in the ANSI code page, one line per setting
+    std::vector<std::string> left_out;  // names of the passwords that are left out
+    std::vector<std::string> unsaid;    // UTF-8: what the file cannot hold, one sentence each
+};
+
+// Reads ROOT/registry.db without changing it; another program may have it open. False if there is
+// no such file or it is damaged. Passwords are `ssh_p` and the responses of the automatic login,
+// because most hosts ask for a password there.
+bool ExportSettings(const std::string& root, bool with_passwords, SettingsExport* result);
+
+// True for texts whose default is empty: a new device needs no line for an empty one.
+bool IsEmptyAtFirst(const std::string& name);
 
 #endif

@@ -12,12 +12,12 @@
 
 #include "platform/qt/services/services.h"
 
-namespace {
-
 constexpr int kBusyMilliseconds = 3000;
+constexpr int kBusyStep = 5;  // milliseconds
+constexpr mode_t kOwnerAlone = 0600;
 
 // Compared with the schema in the file, letter by letter.
-const char kSchema[] =
+static const char kSchema[] =
     "CREATE TABLE registry ("
     "key TEXT NOT NULL COLLATE NOCASE CHECK (typeof(key) = 'text'), "
     "name TEXT COLLATE NOCASE CHECK (typeof(name) IN ('text', 'null')), "
@@ -25,7 +25,7 @@ const char kSchema[] =
     "data BLOB NOT NULL CHECK (typeof(data) = 'blob'), "
     "UNIQUE (key, name))";
 
-const char* const kStatementTexts[] = {
+static const char* const kStatementTexts[] = {
     "SELECT 1 FROM registry WHERE key = ?1 LIMIT 1",
     "INSERT INTO registry SELECT ?1, NULL, 0, x'' "
     "WHERE NOT EXISTS (SELECT 1 FROM registry WHERE key = ?1)",
@@ -36,10 +36,12 @@ const char* const kStatementTexts[] = {
     "DELETE FROM registry WHERE key = ?1 AND name = ?2",
 };
 
-bool IsDamage(int result) {
+static bool IsDamage(int result) {
     const int code = result & 0xFF;
     return code == SQLITE_CORRUPT || code == SQLITE_NOTADB || code == SQLITE_FORMAT;
 }
+
+namespace {
 
 // Only one process at a time opens the file or sets it aside. The lock is on the folder and ends
 // with the process.
@@ -47,10 +49,10 @@ class FolderLock {
   public:
     explicit FolderLock(const std::string& folder)
         : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        for (int waited = 0; folder_ >= 0 && waited < kBusyMilliseconds; waited += 5) {
+        for (int waited = 0; folder_ >= 0 && waited < kBusyMilliseconds; waited += kBusyStep) {
             if (flock(folder_, LOCK_EX | LOCK_NB) == 0) held_ = true;
             if (held_ || errno != EWOULDBLOCK) break;
-            usleep(5000);
+            usleep(kBusyStep * 1000);
         }
     }
     ~FolderLock() {
@@ -65,21 +67,23 @@ class FolderLock {
     bool held_ = false;
 };
 
-bool Exists(const std::string& path) {
+}  // namespace
+
+static bool Exists(const std::string& path) {
     struct stat status;
     return lstat(path.c_str(), &status) == 0;
 }
 
-std::string FreeDamagedName(const std::string& path) {
+static std::string FreeDamagedName(const std::string& path) {
     std::string name = path + ".damaged";
-    for (int i = 2; Exists(name) || Exists(name + "-wal") || Exists(name + "-journal"); i++)
+    for (int i = 2; Exists(name) || Exists(name + "-wal") || Exists(name + "-journal"); ++i)
         name = path + ".damaged-" + std::to_string(i);
     return name;
 }
 
 // The log moves first, to the name where SQLite finds it; the log's index is only a cache. The
 // database moves last: if the process ends in between, the next start repeats the move.
-bool SetAside(const std::string& path) {
+static bool SetAside(const std::string& path) {
     const std::string name = FreeDamagedName(path);
     rename((path + "-wal").c_str(), (name + "-wal").c_str());
     rename((path + "-journal").c_str(), (name + "-journal").c_str());
@@ -87,23 +91,26 @@ bool SetAside(const std::string& path) {
     return rename(path.c_str(), name.c_str()) == 0;
 }
 
+// SQLite's file header: its size, and the places of the two versions.
+constexpr size_t kHeaderBytes = 100, kWriteVersion = 18, kReadVersion = 19;
+
 // False for versions that SQLite would open for reading only, and for a log without its database.
-bool HasSoundHeader(int file, const struct stat& status, const std::string& path) {
-    unsigned char header[100] = {};
+static bool HasSoundHeader(int file, const struct stat& status, const std::string& path) {
+    unsigned char header[kHeaderBytes] = {};
     if (status.st_size == 0) {
         struct stat log;
         return stat((path + "-wal").c_str(), &log) != 0 || log.st_size == 0;
     }
     if (pread(file, header, sizeof(header), 0) != sizeof(header)) return false;
-    return header[18] <= 2 && header[19] <= 2;
+    return header[kWriteVersion] <= 2 && header[kReadVersion] <= 2;
 }
 
-int Execute(sqlite3* database, const char* text) {
+static int Execute(sqlite3* database, const char* text) {
     return sqlite3_exec(database, text, nullptr, nullptr, nullptr);
 }
 
 // Reads the first column of the first row.
-int QueryText(sqlite3* database, const char* query, std::string* text) {
+static int QueryText(sqlite3* database, const char* query, std::string* text) {
     sqlite3_stmt* statement = nullptr;
     int result = sqlite3_prepare_v2(database, query, -1, &statement, nullptr);
     if (result == SQLITE_OK) result = sqlite3_step(statement);
@@ -117,11 +124,9 @@ int QueryText(sqlite3* database, const char* query, std::string* text) {
     return result == SQLITE_DONE ? SQLITE_OK : result;
 }
 
-void BindText(sqlite3_stmt* statement, int place, const std::string& text) {
+static void BindText(sqlite3_stmt* statement, int place, const std::string& text) {
     sqlite3_bind_text64(statement, place, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
 }
-
-}  // namespace
 
 RegistryStore::Opened RegistryStore::Classify(int result) const {
     if (result == SQLITE_OK) return Opened::kSound;
@@ -139,7 +144,7 @@ RegistryStore::Opened RegistryStore::TakeFile() {
     Opened opened = Opened::kDamaged;
     if (fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
         HasSoundHeader(file, status, path_)) {
-        if (status.st_mode & 077) fchmod(file, 0600);
+        if (status.st_mode & 077) fchmod(file, kOwnerAlone);
         device_ = status.st_dev;
         inode_ = status.st_ino;
         opened = Opened::kSound;
@@ -164,7 +169,7 @@ RegistryStore::Opened RegistryStore::CheckContent(bool* empty) {
 }
 
 RegistryStore::Opened RegistryStore::Prepare() {
-    for (int i = 0; i < kStatements; i++) {
+    for (int i = 0; i < kStatements; ++i) {
         const int result = sqlite3_prepare_v3(database_, kStatementTexts[i], -1,
                                               SQLITE_PREPARE_PERSISTENT, &statements_[i], nullptr);
         if (result != SQLITE_OK) return Classify(result);
@@ -198,7 +203,7 @@ bool RegistryStore::Open(bool damaged) {
     if (!lock.held()) return false;
     // Another process may already have set the file aside.
     if (damaged && IsOwnFile() && !SetAside(path_)) return false;
-    for (int attempt = 0; attempt < 2; attempt++) {
+    for (int attempt = 0; attempt < 2; ++attempt) {
         const Opened opened = OpenFile();
         if (opened == Opened::kSound) return true;
         Abandon();
@@ -225,6 +230,7 @@ void RegistryStore::Close() {
     }
     sqlite3_close(database_);
     database_ = nullptr;
+    known_key_.clear();
 }
 
 void RegistryStore::Abandon() {
@@ -259,21 +265,23 @@ int RegistryStore::Run(Statement which, const std::string& key, const std::strin
     return Open(true) ? RunOnce(which, key, name, value, row) : result;
 }
 
-namespace {
-
-StoreResult FoundOr(int result) {
+static StoreResult FoundOr(int result) {
     if (result == SQLITE_ROW) return StoreResult::kOk;
     return result == SQLITE_DONE ? StoreResult::kNotFound : StoreResult::kFailed;
 }
 
-StoreResult Changed(int result) {
+static StoreResult Changed(int result) {
     return result == SQLITE_DONE ? StoreResult::kOk : StoreResult::kFailed;
 }
 
-}  // namespace
+bool RegistryStore::IsUsable() { return Ready(); }
 
+// A start reads all settings, and each read opens the same key.
 StoreResult RegistryStore::HasKey(const std::string& key) {
-    return FoundOr(Run(kHasKey, key, nullptr, nullptr, nullptr));
+    if (Ready() && !key.empty() && key == known_key_) return StoreResult::kOk;
+    const StoreResult found = FoundOr(Run(kHasKey, key, nullptr, nullptr, nullptr));
+    if (found == StoreResult::kOk) known_key_ = key;
+    return found;
 }
 
 StoreResult RegistryStore::MakeKey(const std::string& key, bool* created) {

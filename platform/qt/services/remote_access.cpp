@@ -14,18 +14,20 @@
 #include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
-namespace {
-
 constexpr size_t kLongestLine = 64;  // bytes that count
+
+namespace {
 
 struct StateRow {
     const char* begins;
     DWORD state;
 };
 
+}  // namespace
+
 // In the order in which a dial reaches them.
 // clang-format off
-const StateRow kStates[] = {
+static const StateRow kStates[] = {
     {"Serial port initialized",            RASCS_PortOpened},
     {"send (ATD",                          RASCS_ConnectDevice},
     {"Serial connection established",      RASCS_DeviceConnected},
@@ -38,13 +40,17 @@ const StateRow kStates[] = {
     {"local  IP address ",                 RASCS_Connected},
 };
 
+namespace {
+
 struct ScriptRow {
     const char* begins;
     DWORD error;
 };
 
+}  // namespace
+
 // The modem's answers: chat logs the word that made its script fail.
-const ScriptRow kScriptFailures[] = {
+static const ScriptRow kScriptFailures[] = {
     {"Failed (BUSY",         676},
     {"Failed (NO ANSWER",    678},
     {"Failed (NO CARRIER",   679},
@@ -52,15 +58,19 @@ const ScriptRow kScriptFailures[] = {
     {"Failed (NO DIAL TONE", 680},
 };
 
+namespace {
+
 struct ExitRow {
     int code;
     DWORD error;
 };
 
+}  // namespace
+
 constexpr DWORD kDisconnected = 628;
 constexpr DWORD kUnknown = 635;
 
-const ExitRow kExits[] = {
+static const ExitRow kExits[] = {
     {0,  kDisconnected},
     {2,  625},  // options: the entry is damaged
     {3,  5},    // not installed with root's rights
@@ -79,13 +89,13 @@ const ExitRow kExits[] = {
 };
 // clang-format on
 
-bool Begins(const std::string& line, const char* begins) { return line.rfind(begins, 0) == 0; }
-
-}  // namespace
+static bool Begins(const std::string& line, const char* begins) {
+    return line.rfind(begins, 0) == 0;
+}
 
 std::vector<DWORD> DialLog::Take(const char* bytes, size_t count) {
     std::vector<DWORD> reached;
-    for (size_t i = 0; i < count; i++) {
+    for (size_t i = 0; i < count; ++i) {
         const bool end = bytes[i] == '\n' || bytes[i] == '\r';
         if (!end && line_.size() < kLongestLine) line_ += bytes[i];
         if (!end) continue;
@@ -98,7 +108,7 @@ std::vector<DWORD> DialLog::Take(const char* bytes, size_t count) {
 void DialLog::TakeLine(std::vector<DWORD>* reached) {
     for (const ScriptRow& row : kScriptFailures)
         if (Begins(line_, row.begins)) script_error_ = row.error;
-    for (size_t i = next_row_; i < std::size(kStates); i++) {
+    for (size_t i = next_row_; i < std::size(kStates); ++i) {
         if (!Begins(line_, kStates[i].begins)) continue;
         // Several rows may report the same state.
         if (i == 0 || next_row_ == 0 || kStates[next_row_ - 1].state != kStates[i].state)
@@ -117,29 +127,27 @@ DWORD DialLog::ErrorOf(int exit_code) const {
     return kUnknown;
 }
 
-namespace {
-
 constexpr DWORD kErrorInvalidSize = 632;
 
-bool EndsWith(const std::string& name, const char* end) {
+static bool EndsWith(const std::string& name, const char* end) {
     const size_t length = strlen(end);
     return name.size() >= length && name.compare(name.size() - length, length, end) == 0;
 }
 
 // True for hidden files and for copies that editors and the package manager leave beside a file.
-bool IsBackup(const std::string& name) {
+static bool IsBackup(const std::string& name) {
     for (const char* end : {"~", ".bak", ".old", ".orig", ".save", ".swp"})
         if (EndsWith(name, end)) return true;
     return name[0] == '.' || name[0] == '#' || name.find(".dpkg-") != std::string::npos ||
            name.find(".rpm") != std::string::npos || name.find(".ucf-") != std::string::npos;
 }
 
-bool IsPlainFile(const std::string& path) {
+static bool IsPlainFile(const std::string& path) {
     struct stat status;
     return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-std::vector<std::u16string> DialUpNames() {
+static std::vector<std::u16string> DialUpNames() {
     std::vector<std::u16string> names;
     const std::string folder = TheDialUpHost().folder;
     DIR* listing = opendir(folder.c_str());
@@ -149,7 +157,7 @@ std::vector<std::u16string> DialUpNames() {
         const std::u16string name = WideFromUtf8(file);
         if (IsBackup(file) || name.size() > RAS_MaxEntryName) continue;
         if (Utf8FromWide(name) != file) continue;  // the program would get another name
-        if (IsPlainFile(folder + "/" + file)) names.push_back(name);
+        if (IsPlainFile(std::string(folder).append("/").append(file))) names.push_back(name);
     }
     closedir(listing);
     std::sort(names.begin(), names.end());
@@ -157,14 +165,12 @@ std::vector<std::u16string> DialUpNames() {
 }
 
 // The peers stay when the package of the program that dials them is removed.
-bool CanDial() { return access(TheDialUpHost().program, F_OK) == 0; }
+static bool CanDial() { return access(TheDialUpHost().program, F_OK) == 0; }
 
-void FillEntry(RASENTRYNAMEW* entry, const std::u16string& name) {
+static void FillEntry(RASENTRYNAMEW* entry, const std::u16string& name) {
     entry->dwSize = sizeof(RASENTRYNAMEW);
     CopyUnits(entry->szEntryName, name.c_str(), RAS_MaxEntryName + 1);
 }
-
-}  // namespace
 
 DWORD RasEnumEntries(LPWSTR, LPWSTR, RASENTRYNAMEW* entries, DWORD* size, DWORD* count) {
     if (!size || !count) return ERROR_INVALID_PARAMETER;
@@ -174,7 +180,7 @@ DWORD RasEnumEntries(LPWSTR, LPWSTR, RASENTRYNAMEW* entries, DWORD* size, DWORD*
         CanDial() ? DialUpNames() : std::vector<std::u16string>();
     const size_t room = entries ? *size / sizeof(*entries) : 0;
     const size_t fitting = std::min(room, names.size());
-    for (size_t i = 0; i < fitting; i++) FillEntry(&entries[i], names[i]);
+    for (size_t i = 0; i < fitting; ++i) FillEntry(&entries[i], names[i]);
     *count = static_cast<DWORD>(fitting);
     *size = static_cast<DWORD>(names.size() * sizeof(*entries));
     return fitting < names.size() ? ERROR_BUFFER_TOO_SMALL : ERROR_SUCCESS;

@@ -8,20 +8,20 @@
 
 #include "platform/qt/services/services.h"
 
-namespace {
-
-const uint8_t* g_image = nullptr;
-size_t g_size = 0;
+static const uint8_t* g_image = nullptr;
+static size_t g_size = 0;
 
 constexpr size_t kFixedHeader = 16;  // what follows the two names: version, flags, language, ...
 
-bool IsNumber(LPCWSTR name) { return reinterpret_cast<UINT_PTR>(name) <= 0xFFFF; }
+static bool IsNumber(LPCWSTR name) { return reinterpret_cast<UINT_PTR>(name) <= 0xFFFF; }
 
-bool SameName(const ResourceName& name, LPCWSTR wanted) {
+static bool SameName(const ResourceName& name, LPCWSTR wanted) {
     if (IsNumber(wanted))
         return name.is_number && name.number == reinterpret_cast<UINT_PTR>(wanted);
     return !name.is_number && CompareWithoutCase(name.text.c_str(), wanted) == 0;
 }
+
+namespace {
 
 struct Entry {
     ResourceName type;
@@ -30,7 +30,9 @@ struct Entry {
     size_t size = 0;
 };
 
-bool TakeEntry(ResourceReader* reader, Entry* entry) {
+}  // namespace
+
+static bool TakeEntry(ResourceReader* reader, Entry* entry) {
     const size_t start = reader->position;
     entry->size = reader->TakeDword();
     const size_t header = reader->TakeDword();
@@ -44,8 +46,6 @@ bool TakeEntry(ResourceReader* reader, Entry* entry) {
     if (reader->position < reader->size) reader->Align();
     return reader->ok;
 }
-
-}  // namespace
 
 bool ResourceReader::Has(size_t count) {
     if (!ok || size - position < count) ok = false;
@@ -112,15 +112,13 @@ bool FindResourceBytes(LPCWSTR type, LPCWSTR name, const uint8_t** bytes, size_t
 
 // ---------------------------------------------------------------- accelerators
 
-namespace {
-
 constexpr WORD kLastRow = 0x80;
 
 // By their address in the image, so that loading a table twice returns the same one.
-std::map<const uint8_t*, std::unique_ptr<SliceAccelerators>> g_tables;
+static std::map<const uint8_t*, std::unique_ptr<SliceAccelerators>> g_tables;
 
 // A row has four words: flags, key, command, padding. A flag marks the last row.
-std::unique_ptr<SliceAccelerators> ReadTable(ResourceReader reader) {
+static std::unique_ptr<SliceAccelerators> ReadTable(ResourceReader reader) {
     auto table = std::make_unique<SliceAccelerators>();
     for (;;) {
         const WORD flags = reader.TakeWord();
@@ -132,8 +130,6 @@ std::unique_ptr<SliceAccelerators> ReadTable(ResourceReader reader) {
         if (flags & kLastRow) return table;
     }
 }
-
-}  // namespace
 
 static void FreeAcceleratorTables() { g_tables.clear(); }
 
@@ -151,14 +147,13 @@ HACCEL LoadAcceleratorsW(HINSTANCE, LPCWSTR name) {
 
 // A menu is a header of two words and then items. An item is flags, id (not for submenus) and text;
 // a submenu is followed by its own items. A flag marks the last item of each level.
-namespace {
 
 constexpr WORD kSubmenu = 0x10;
 constexpr WORD kLastItem = 0x80;
 constexpr int kDeepest = 4;  // levels
 
 // Returns an empty list for a damaged menu.
-std::vector<MenuItem> ReadItems(ResourceReader* reader, int level) {
+static std::vector<MenuItem> ReadItems(ResourceReader* reader, int level) {
     std::vector<MenuItem> items;
     for (WORD flags = 0; !(flags & kLastItem);) {
         flags = reader->TakeWord();
@@ -171,8 +166,6 @@ std::vector<MenuItem> ReadItems(ResourceReader* reader, int level) {
     }
     return items;
 }
-
-}  // namespace
 
 std::vector<MenuItem> ReadMenu(WORD name) {
     const uint8_t* bytes = nullptr;
@@ -188,33 +181,32 @@ std::vector<MenuItem> ReadMenu(WORD name) {
 // ---------------------------------------------------------------- dialogs
 
 // A template has one of two layouts; the newer one begins with a version and a signature.
-namespace {
 
 constexpr WORD kExtendedVersion = 1;
 constexpr WORD kExtendedSignature = 0xFFFF;
 
-int TakeShort(ResourceReader* reader) { return static_cast<int16_t>(reader->TakeWord()); }
+static int TakeShort(ResourceReader* reader) { return static_cast<int16_t>(reader->TakeWord()); }
 
 template <typename Record>
-void TakePlace(ResourceReader* reader, Record* record) {
+static void TakePlace(ResourceReader* reader, Record* record) {
     record->x = TakeShort(reader);
     record->y = TakeShort(reader);
     record->width = TakeShort(reader);
     record->height = TakeShort(reader);
 }
 
-bool IsExtended(ResourceReader reader) {
+static bool IsExtended(ResourceReader reader) {
     const WORD version = reader.TakeWord();
     return reader.TakeWord() == kExtendedSignature && version == kExtendedVersion;
 }
 
 // Skips size and face. The newer layout has weight, slant and character set between them.
-void SkipFont(ResourceReader* reader, bool extended) {
+static void SkipFont(ResourceReader* reader, bool extended) {
     reader->Skip(extended ? 6 : 2);
     reader->TakeText();
 }
 
-WORD TakeHeader(ResourceReader* reader, bool extended, DialogTemplate* result) {
+static WORD TakeHeader(ResourceReader* reader, bool extended, DialogTemplate* result) {
     if (extended) reader->Skip(12);  // version, signature, help id, extended style
     result->style = reader->TakeDword();
     if (!extended) reader->Skip(4);  // extended style
@@ -227,7 +219,7 @@ WORD TakeHeader(ResourceReader* reader, bool extended, DialogTemplate* result) {
     return count;
 }
 
-DialogItem TakeItem(ResourceReader* reader, bool extended) {
+static DialogItem TakeItem(ResourceReader* reader, bool extended) {
     DialogItem item;
     reader->Align();
     if (extended) reader->Skip(8);  // help id, extended style
@@ -241,14 +233,12 @@ DialogItem TakeItem(ResourceReader* reader, bool extended) {
     return item;
 }
 
-}  // namespace
-
 bool ReadDialogTemplate(const uint8_t* bytes, size_t size, DialogTemplate* result) {
     ResourceReader reader{bytes, size};
     *result = DialogTemplate();
     const bool extended = IsExtended(reader);
     const WORD count = TakeHeader(&reader, extended, result);
-    for (WORD i = 0; i < count && reader.ok; i++)
+    for (WORD i = 0; i < count && reader.ok; ++i)
         result->items.push_back(TakeItem(&reader, extended));
     return reader.ok && result->width >= 0 && result->height >= 0;
 }
@@ -262,11 +252,11 @@ bool LoadDialogTemplate(LPCWSTR name, DialogTemplate* result) {
 
 // ---------------------------------------------------------------- bitmaps and icons
 
-namespace {
-
 constexpr DWORD kHeaderSize = 40;
 constexpr DWORD kUncompressed = 0;
 constexpr DWORD kMostHints = 256;  // palette entries at most for depths that do not use a palette
+
+namespace {
 
 struct Header {
     int width = 0;
@@ -281,47 +271,49 @@ struct DepthRow {
     uint32_t (*pixel)(const uint8_t* row, int x, const std::vector<uint32_t>& palette);
 };
 
-uint32_t Named(const std::vector<uint32_t>& palette, unsigned index) {
+}  // namespace
+
+static uint32_t Named(const std::vector<uint32_t>& palette, unsigned index) {
     return index < palette.size() ? palette[index] : 0;
 }
 
-uint32_t OneBit(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
+static uint32_t OneBit(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
     return Named(palette, (row[x / 8] >> (7 - x % 8)) & 1u);
 }
 
-uint32_t FourBits(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
+static uint32_t FourBits(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
     return Named(palette, x % 2 ? row[x / 2] & 15u : row[x / 2] >> 4);
 }
 
-uint32_t EightBits(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
+static uint32_t EightBits(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
     return Named(palette, row[x]);
 }
 
-uint32_t Color(const uint8_t* bytes) {
+static uint32_t Color(const uint8_t* bytes) {
     return static_cast<uint32_t>(bytes[0] | (bytes[1] << 8) | (bytes[2] << 16));
 }
 
-uint32_t ThreeBytes(const uint8_t* row, int x, const std::vector<uint32_t>&) {
+static uint32_t ThreeBytes(const uint8_t* row, int x, const std::vector<uint32_t>&) {
     return Color(row + 3 * x);
 }
 
-uint32_t FourBytes(const uint8_t* row, int x, const std::vector<uint32_t>&) {
+static uint32_t FourBytes(const uint8_t* row, int x, const std::vector<uint32_t>&) {
     return Color(row + 4 * x);
 }
 
-const DepthRow kDepths[] = {
+static const DepthRow kDepths[] = {
     {1, OneBit}, {4, FourBits}, {8, EightBits}, {24, ThreeBytes}, {32, FourBytes},
 };
 
-const DepthRow* DepthOf(WORD bits) {
+static const DepthRow* DepthOf(WORD bits) {
     for (const DepthRow& row : kDepths)
         if (row.bits == bits) return &row;
     return nullptr;
 }
 
-bool SideFits(int side) { return side >= 1 && side <= kLargestBitmap; }
+static bool SideFits(int side) { return side >= 1 && side <= kLargestBitmap; }
 
-bool TakeHeader(ResourceReader* reader, Header* header) {
+static bool TakeHeader(ResourceReader* reader, Header* header) {
     const DWORD size = reader->TakeDword();
     header->width = static_cast<int>(reader->TakeDword());
     header->height = static_cast<int>(reader->TakeDword());
@@ -337,36 +329,38 @@ bool TakeHeader(ResourceReader* reader, Header* header) {
     return SideFits(header->width) && SideFits(std::abs(header->height));
 }
 
-bool TakePalette(ResourceReader* reader, const Header& header, std::vector<uint32_t>* palette) {
+static bool TakePalette(ResourceReader* reader, const Header& header,
+                        std::vector<uint32_t>* palette) {
     const DWORD most = header.bits <= 8 ? 1u << header.bits : kMostHints;
     const DWORD count = header.colors || header.bits > 8 ? header.colors : most;
     if (count > most) return false;
-    for (DWORD i = 0; i < count; i++) palette->push_back(reader->TakeDword() & 0xFFFFFF);
+    for (DWORD i = 0; i < count; ++i) palette->push_back(reader->TakeDword() & 0xFFFFFF);
     return reader->ok;
 }
 
-size_t StrideOf(int width, WORD bits) { return (static_cast<size_t>(width) * bits + 31) / 32 * 4; }
+static size_t StrideOf(int width, WORD bits) {
+    return (static_cast<size_t>(width) * bits + 31) / 32 * 4;
+}
 
 // Reads the next pixels, each of `bits` bits, and looks them up in the palette.
-bool TakePixels(ResourceReader* reader, const Header& header, WORD bits,
-                const std::vector<uint32_t>& palette, Bitmap* bitmap) {
+static bool TakePixels(ResourceReader* reader, const Header& header, WORD bits,
+                       const std::vector<uint32_t>& palette, Bitmap* bitmap) {
     const DepthRow* depth = DepthOf(bits);
     const int height = std::abs(header.height);
     const size_t stride = StrideOf(header.width, bits);
     const uint8_t* rows = reader->bytes + reader->position;
     if (!depth || !reader->Has(stride * static_cast<size_t>(height))) return false;
     *bitmap = {header.width, height, {}};
-    for (int y = 0; y < height; y++) {
+    bitmap->pixels.resize(static_cast<size_t>(header.width) * static_cast<size_t>(height));
+    uint32_t* next = bitmap->pixels.data();
+    for (int y = 0; y < height; ++y) {
         const int line = header.height < 0 ? y : height - 1 - y;
         const uint8_t* row = rows + stride * static_cast<size_t>(line);
-        for (int x = 0; x < header.width; x++)
-            bitmap->pixels.push_back(depth->pixel(row, x, palette));
+        for (int x = 0; x < header.width; ++x) *next++ = depth->pixel(row, x, palette);
     }
     reader->Skip(stride * static_cast<size_t>(height));
     return true;
 }
-
-}  // namespace
 
 bool ReadBitmap(ResourceReader reader, Bitmap* bitmap) {
     Header header;
@@ -384,6 +378,6 @@ bool ReadIcon(ResourceReader reader, Bitmap* bitmap) {
     Bitmap mask;
     if (!TakePixels(&reader, header, header.bits, palette, bitmap)) return false;
     if (!TakePixels(&reader, header, 1, {0xFF000000u, 0}, &mask)) return false;
-    for (size_t i = 0; i < bitmap->pixels.size(); i++) bitmap->pixels[i] |= mask.pixels[i];
+    for (size_t i = 0; i < bitmap->pixels.size(); ++i) bitmap->pixels[i] |= mask.pixels[i];
     return true;
 }

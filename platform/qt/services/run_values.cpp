@@ -1,21 +1,19 @@
 // SPDX-License-Identifier: MIT
 // Values that hold for one run only, in front of the stored ones.
-#include "platform/qt/services/run_values.h"
+#include "platform/qt/services/registry.h"
 
 #include <strings.h>
 
 #include <cstring>
 #include <map>
 
-#include "platform/qt/services/registry.h"
 #include "platform/qt/services/services.h"
-#include "platform/qt/services/settings_key.h"
 #include "windows_ce.h"
-
-namespace {
 
 constexpr DWORD kTelnetPort = 23;
 constexpr DWORD kSshPort = 22;
+
+namespace {
 
 enum Rule {
     kTarget,      // always this run's
@@ -30,11 +28,15 @@ struct RuleRow {
     Rule rule;
 };
 
-const RuleRow kRules[] = {
+}  // namespace
+
+static const RuleRow kRules[] = {
     {"host", kTarget},  {"port", kTarget},        {"ssh", kTarget},   {"autoconnect", kTarget},
     {"ssh_u", kUser},   {"ssh_def", kSecretFlag}, {"sear1", kOwn},    {"sear2", kOwn},
     {"ssh_p", kSecret}, {"resp1", kSecret},       {"resp2", kSecret},
 };
+
+namespace {
 
 struct Run {
     bool wanted = false;
@@ -44,37 +46,39 @@ struct Run {
     std::map<std::string, StoredValue> values;
 };
 
-Run g_run;
+}  // namespace
 
-const RuleRow* FindRule(const std::string& key, const std::string& name) {
+static Run g_run;
+
+static const RuleRow* FindRule(const std::string& key, const std::string& name) {
     if (!g_run.wanted || key != kSettingsKeyPath) return nullptr;
     for (const RuleRow& row : kRules)
         if (name == row.name) return &row;
     return nullptr;
 }
 
-StoredValue NumberValue(DWORD number) {
-    StoredValue value{REG_DWORD, std::string(sizeof number, 0)};
-    std::memcpy(value.data.data(), &number, sizeof number);
+static StoredValue NumberValue(DWORD number) {
+    StoredValue value{REG_DWORD, std::string(sizeof(number), 0)};
+    std::memcpy(value.data.data(), &number, sizeof(number));
     return value;
 }
 
-StoredValue TextValue(const std::string& text) {
+static StoredValue TextValue(const std::string& text) {
     const std::u16string wide = WideFromUtf8(text);
     const size_t bytes = (wide.size() + 1) * sizeof(char16_t);
     return {REG_SZ, std::string(reinterpret_cast<const char*>(wide.c_str()), bytes)};
 }
 
-DWORD StoredNumber(RegistryStore& store, const char* name, DWORD fallback) {
+static DWORD StoredNumber(RegistryStore& store, const char* name, DWORD fallback) {
     StoredValue value;
     DWORD number = 0;
     if (store.Read(kSettingsKeyPath, name, &value) != StoreResult::kOk) return fallback;
-    if (value.data.size() > sizeof number) return fallback;
+    if (value.data.size() > sizeof(number)) return fallback;
     std::memcpy(&number, value.data.data(), value.data.size());
     return number;
 }
 
-std::string StoredText(RegistryStore& store, const char* name) {
+static std::string StoredText(RegistryStore& store, const char* name) {
     StoredValue value;
     if (store.Read(kSettingsKeyPath, name, &value) != StoreResult::kOk) return "";
     std::u16string text(value.data.size() / sizeof(char16_t), 0);
@@ -82,7 +86,7 @@ std::string StoredText(RegistryStore& store, const char* name) {
     return Utf8FromWide(text.c_str());
 }
 
-bool GoesElsewhere(RegistryStore& store, DWORD ssh, DWORD port) {
+static bool GoesElsewhere(RegistryStore& store, DWORD ssh, DWORD port) {
     const RunTarget& target = g_run.target;
     const bool same_user = target.user.empty() || target.user == StoredText(store, "ssh_u");
     const DWORD stored_port = StoredNumber(store, "port", kTelnetPort) & 0xFFFF;
@@ -91,7 +95,7 @@ bool GoesElsewhere(RegistryStore& store, DWORD ssh, DWORD port) {
            strcasecmp(target.host.c_str(), StoredText(store, "host").c_str()) != 0;
 }
 
-void Begin(RegistryStore& store) {
+static void Begin(RegistryStore& store) {
     const RunTarget& target = g_run.target;
     DWORD ssh = target.protocol == RunProtocol::kSsh;
     if (target.protocol == RunProtocol::kOfTheStore) ssh = StoredNumber(store, "ssh", 0);
@@ -110,12 +114,10 @@ void Begin(RegistryStore& store) {
     }
 }
 
-bool IsKept(const RuleRow& row) {
+static bool IsKept(const RuleRow& row) {
     if (row.rule == kTarget || g_run.other) return true;
     return row.rule == kUser && !g_run.target.user.empty();
 }
-
-}  // namespace
 
 void SetRunTarget(const RunTarget& target) {
     ForgetRun();

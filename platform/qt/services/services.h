@@ -61,9 +61,11 @@ inline int ErrorOf(NetworkCall call) {
     return services_observer.network ? services_observer.network(call) : 0;
 }
 
+inline constexpr int kHangUpMilliseconds = 8000;
+
 inline DialUpHost TheDialUpHost() {
     if (services_observer.dial_up) return services_observer.dial_up();
-    return {"/etc/ppp/peers", "/usr/sbin/pppd", 8000};
+    return {"/etc/ppp/peers", "/usr/sbin/pppd", kHangUpMilliseconds};
 }
 
 #endif

@@ -8,12 +8,13 @@
 
 #include "windows_ce.h"
 
-namespace {
+// The surrogates of UTF-16, and where they end.
+constexpr char32_t kFirstHigh = 0xD800, kFirstLow = 0xDC00, kAfterLow = 0xE000;
 
-bool IsHigh(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
-bool IsLow(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+static bool IsHigh(char32_t unit) { return unit >= kFirstHigh && unit < kFirstLow; }
+static bool IsLow(char32_t unit) { return unit >= kFirstLow && unit < kAfterLow; }
 
-void AppendUtf8(std::string* bytes, char32_t point) {
+static void AppendUtf8(std::string* bytes, char32_t point) {
     const auto tail = [&](int shift) {
         bytes->push_back(static_cast<char>(0x80 | ((point >> shift) & 0x3F)));
     };
@@ -31,19 +32,17 @@ void AppendUtf8(std::string* bytes, char32_t point) {
     }
 }
 
-char16_t KeepOutOfAscii(char16_t from, char32_t to) {
+static char16_t KeepOutOfAscii(char16_t from, char32_t to) {
     if (to > 0xFFFF || (from > 0x7F && to <= 0x7F)) return from;
     return static_cast<char16_t>(to);
 }
 
-}  // namespace
-
 std::string Utf8FromWide(std::u16string_view text) {
     std::string bytes;
-    for (size_t i = 0; i < text.size(); i++) {
+    for (size_t i = 0; i < text.size(); ++i) {
         char32_t point = text[i];
         if (IsHigh(point) && i + 1 < text.size() && IsLow(text[i + 1]))
-            point = 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00u);
+            point = 0x10000 + ((point - kFirstHigh) << 10) + (text[++i] - kFirstLow);
         AppendUtf8(&bytes, point);
     }
     return bytes;
@@ -62,7 +61,7 @@ char16_t LowerUnit(char16_t unit) {
 }
 
 int CompareWithoutCase(const char16_t* a, const char16_t* b) {
-    while (*a && LowerUnit(*a) == LowerUnit(*b)) a++, b++;
+    while (*a && LowerUnit(*a) == LowerUnit(*b)) ++a, ++b;
     return LowerUnit(*a) - LowerUnit(*b);
 }
 
@@ -71,13 +70,11 @@ void CopyUnits(char16_t* to, const char16_t* from, int capacity) {
     if (capacity > 0) *to = 0;
 }
 
-namespace {
-
 constexpr UINT kCodePage1252 = 1252;
 
 // 0x80 to 0x9F. The five bytes that the code page does not define keep their value.
 // clang-format off
-const WCHAR kUpperControls[32] = {
+static const WCHAR kUpperControls[32] = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
     0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
     0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
@@ -85,40 +82,54 @@ const WCHAR kUpperControls[32] = {
 };
 // clang-format on
 
-WCHAR WideOf(char byte) {
+constexpr WCHAR kAfterUpperControls = 0xA0;
+
+static WCHAR WideOf(char byte) {
     const BYTE value = static_cast<BYTE>(byte);
-    return value >= 0x80 && value < 0xA0 ? kUpperControls[value - 0x80] : value;
+    return value >= 0x80 && value < kAfterUpperControls ? kUpperControls[value - 0x80] : value;
 }
 
-bool ByteOf(WCHAR unit, char* byte) {
+static bool ByteOf(WCHAR unit, char* byte) {
     int value = -1;
-    if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF)) value = unit;
-    for (int i = 0; i < 32 && value < 0; i++)
+    if (unit < 0x80 || (unit >= kAfterUpperControls && unit <= 0xFF)) value = unit;
+    for (int i = 0; i < 32 && value < 0; ++i)
         if (kUpperControls[i] == unit) value = 0x80 + i;
     *byte = static_cast<char>(value);
     return value >= 0;
 }
 
-bool IsAnsi(UINT code_page) { return code_page == CP_ACP || code_page == kCodePage1252; }
+static bool IsAnsi(UINT code_page) { return code_page == CP_ACP || code_page == kCodePage1252; }
 
 // Returns the number of units to convert; 0 if the call must fail.
-size_t UnitsGiven(int size, size_t terminated_length) {
+static size_t UnitsGiven(int size, size_t terminated_length) {
     if (size == -1) return terminated_length + 1;
     return size > 0 ? static_cast<size_t>(size) : 0;
 }
-
-}  // namespace
 
 int MultiByteToWideChar(UINT code_page, DWORD, LPCSTR bytes, int size, LPWSTR text, int capacity) {
     if (!IsAnsi(code_page) || !bytes || capacity < 0 || (capacity > 0 && !text)) return 0;
     const size_t count = UnitsGiven(size, size == -1 ? strlen(bytes) : 0);
     if (count > INT32_MAX) return 0;
     if (capacity == 0) return static_cast<int>(count);
-    for (size_t i = 0; i < count; i++) {
+    for (size_t i = 0; i < count; ++i) {
         if (i == static_cast<size_t>(capacity)) return 0;
         text[i] = WideOf(bytes[i]);
     }
     return static_cast<int>(count);
+}
+
+// Encodes the first `room` units, and returns how many those are. `bytes` may be null. The unit
+// after them still counts for `used_fallback`.
+static size_t Encode(std::u16string_view text, char instead, size_t room, char* bytes,
+                     BOOL* used_fallback) {
+    for (size_t i = 0; i < text.size(); ++i) {
+        char byte = 0;
+        const bool known = ByteOf(text[i], &byte);
+        if (!known && used_fallback) *used_fallback = TRUE;
+        if (i == room) return i;
+        if (bytes) bytes[i] = known ? byte : instead;
+    }
+    return text.size();
 }
 
 int WideCharToMultiByte(UINT code_page, DWORD, LPCWSTR text, int length, LPSTR bytes, int capacity,
@@ -128,20 +139,15 @@ int WideCharToMultiByte(UINT code_page, DWORD, LPCWSTR text, int length, LPSTR b
     const size_t count = UnitsGiven(length, static_cast<size_t>(length == -1 ? lstrlenW(text) : 0));
     if (count > INT32_MAX) return 0;
     const char instead = fallback ? *fallback : '?';
-    for (size_t i = 0; i < count; i++) {
-        char byte = 0;
-        const bool known = ByteOf(text[i], &byte);
-        if (!known && used_fallback) *used_fallback = TRUE;
-        if (capacity == 0) continue;
-        if (i == static_cast<size_t>(capacity)) return 0;
-        bytes[i] = known ? byte : instead;
-    }
-    return static_cast<int>(count);
+    const size_t room = capacity == 0 ? count : static_cast<size_t>(capacity);
+    const size_t written =
+        Encode({text, count}, instead, room, capacity ? bytes : nullptr, used_fallback);
+    return written < count ? 0 : static_cast<int>(count);
 }
 
 int lstrlenW(LPCWSTR text) {
     int length = 0;
-    while (text && text[length]) length++;
+    while (text && text[length]) ++length;
     return length;
 }
 
@@ -155,7 +161,7 @@ LPWSTR lstrcpyW(LPWSTR to, LPCWSTR from) {
 
 int lstrcmpW(LPCWSTR a, LPCWSTR b) {
     if (!a || !b) return (a != nullptr) - (b != nullptr);
-    while (*a && *a == *b) a++, b++;
+    while (*a && *a == *b) ++a, ++b;
     return (*a > *b) - (*a < *b);
 }
 
@@ -165,9 +171,9 @@ int lstrcmpiW(LPCWSTR a, LPCWSTR b) {
     return (order > 0) - (order < 0);
 }
 
-namespace {
-
 constexpr int kRoom = 1024;  // units, terminator included
+
+namespace {
 
 struct Output {
     LPWSTR text;
@@ -177,7 +183,7 @@ struct Output {
         if (length < kRoom - 1) text[length++] = unit;
     }
     void Repeat(WCHAR unit, int count) {
-        for (int i = 0; i < count && length < kRoom - 1; i++) Put(unit);
+        for (int i = 0; i < count && length < kRoom - 1; ++i) Put(unit);
     }
 };
 
@@ -191,14 +197,16 @@ struct Conversion {
     WCHAR letter = 0;
 };
 
-int TakeNumber(LPCWSTR* format) {
+}  // namespace
+
+static int TakeNumber(LPCWSTR* format) {
     int number = 0;
     for (; **format >= u'0' && **format <= u'9'; ++*format)
         if (number < kRoom) number = number * 10 + (**format - u'0');
     return number < kRoom ? number : kRoom;
 }
 
-void TakeFlags(LPCWSTR* format, Conversion* conversion) {
+static void TakeFlags(LPCWSTR* format, Conversion* conversion) {
     for (;; ++*format) {
         if (**format == u'-')
             conversion->left = true;
@@ -211,7 +219,7 @@ void TakeFlags(LPCWSTR* format, Conversion* conversion) {
     }
 }
 
-Conversion TakeConversion(LPCWSTR* format) {
+static Conversion TakeConversion(LPCWSTR* format) {
     Conversion conversion;
     TakeFlags(format, &conversion);
     conversion.width = TakeNumber(format);
@@ -224,15 +232,15 @@ Conversion TakeConversion(LPCWSTR* format) {
     return conversion;
 }
 
-void PutPadded(Output* output, const Conversion& conversion, LPCWSTR units, int count) {
+static void PutPadded(Output* output, const Conversion& conversion, LPCWSTR units, int count) {
     const int padding = conversion.width - count;
     if (!conversion.left) output->Repeat(conversion.zeros ? u'0' : u' ', padding);
-    for (int i = 0; i < count; i++) output->Put(units[i]);
+    for (int i = 0; i < count; ++i) output->Put(units[i]);
     if (conversion.left) output->Repeat(u' ', padding);
 }
 
 // `digits` holds the number without its sign; zeros go between the sign and the digits.
-void PutNumber(Output* output, const Conversion& conversion, LPCWSTR sign, LPCWSTR digits) {
+static void PutNumber(Output* output, const Conversion& conversion, LPCWSTR sign, LPCWSTR digits) {
     const int count = lstrlenW(digits), before = lstrlenW(sign);
     int zeros = conversion.precision - count;
     if (conversion.precision < 0 && conversion.zeros && !conversion.left)
@@ -240,15 +248,15 @@ void PutNumber(Output* output, const Conversion& conversion, LPCWSTR sign, LPCWS
     if (zeros < 0) zeros = 0;
     const int padding = conversion.width - before - zeros - count;
     if (!conversion.left) output->Repeat(u' ', padding);
-    for (LPCWSTR unit = sign; *unit; unit++) output->Put(*unit);
+    for (LPCWSTR unit = sign; *unit; ++unit) output->Put(*unit);
     output->Repeat(u'0', zeros);
-    for (LPCWSTR unit = digits; *unit; unit++) output->Put(*unit);
+    for (LPCWSTR unit = digits; *unit; ++unit) output->Put(*unit);
     if (conversion.left) output->Repeat(u' ', padding);
 }
 
 // Writes the digits of `value` to the end of `room`, most significant first; returns their start.
-LPCWSTR Digits(DWORD value, DWORD base, bool upper, WCHAR (&room)[12]) {
-    LPWSTR first = room + 11;
+static LPCWSTR Digits(DWORD value, DWORD base, bool upper, WCHAR (&room)[12]) {
+    LPWSTR first = std::end(room) - 1;
     *first = 0;
     do {
         const DWORD digit = value % base;
@@ -259,18 +267,18 @@ LPCWSTR Digits(DWORD value, DWORD base, bool upper, WCHAR (&room)[12]) {
     return first;
 }
 
-int TextLength(LPCWSTR text, int limit) {
+static int TextLength(LPCWSTR text, int limit) {
     int length = 0;
-    while ((limit < 0 || length < limit) && length < kRoom && text[length]) length++;
+    while ((limit < 0 || length < limit) && length < kRoom && text[length]) ++length;
     return length;
 }
 
-void PutWide(Output* output, const Conversion& conversion, LPCWSTR text) {
+static void PutWide(Output* output, const Conversion& conversion, LPCWSTR text) {
     if (!text) text = u"(null)";
     PutPadded(output, conversion, text, TextLength(text, conversion.precision));
 }
 
-void PutNarrow(Output* output, const Conversion& conversion, LPCSTR text) {
+static void PutNarrow(Output* output, const Conversion& conversion, LPCSTR text) {
     if (!text) text = "(null)";
     WCHAR units[kRoom] = {};
     const int limit = conversion.precision < 0 ? kRoom : conversion.precision;
@@ -279,7 +287,7 @@ void PutNarrow(Output* output, const Conversion& conversion, LPCSTR text) {
     PutPadded(output, conversion, units, count);
 }
 
-void PutText(Output* output, const Conversion& conversion, va_list* arguments) {
+static void PutText(Output* output, const Conversion& conversion, va_list* arguments) {
     const bool narrow =
         conversion.letter == u's' ? conversion.size == u'h' : conversion.size != u'l';
     if (narrow)
@@ -288,48 +296,50 @@ void PutText(Output* output, const Conversion& conversion, va_list* arguments) {
         PutWide(output, conversion, va_arg(*arguments, LPCWSTR));
 }
 
-void PutSigned(Output* output, const Conversion& conversion, va_list* arguments) {
+static void PutSigned(Output* output, const Conversion& conversion, va_list* arguments) {
     const int value = va_arg(*arguments, int);
     WCHAR room[12];
     const DWORD size = value < 0 ? 0u - static_cast<DWORD>(value) : static_cast<DWORD>(value);
     PutNumber(output, conversion, value < 0 ? u"-" : u"", Digits(size, 10, false, room));
 }
 
-void PutUnsigned(Output* output, const Conversion& conversion, va_list* arguments) {
+static void PutUnsigned(Output* output, const Conversion& conversion, va_list* arguments) {
     WCHAR room[12];
     PutNumber(output, conversion, u"", Digits(va_arg(*arguments, DWORD), 10, false, room));
 }
 
-void PutHexadecimal(Output* output, const Conversion& conversion, va_list* arguments) {
+static void PutHexadecimal(Output* output, const Conversion& conversion, va_list* arguments) {
     WCHAR room[12];
     const bool upper = conversion.letter == u'X';
     LPCWSTR sign = !conversion.prefix ? u"" : upper ? u"0X" : u"0x";
     PutNumber(output, conversion, sign, Digits(va_arg(*arguments, DWORD), 16, upper, room));
 }
 
-void PutCharacter(Output* output, const Conversion& conversion, va_list* arguments) {
+static void PutCharacter(Output* output, const Conversion& conversion, va_list* arguments) {
     const WCHAR unit = static_cast<WCHAR>(va_arg(*arguments, int));
     PutPadded(output, conversion, &unit, 1);
 }
+
+namespace {
 
 struct ConversionRow {
     WCHAR letter;
     void (*put)(Output* output, const Conversion& conversion, va_list* arguments);
 };
 
-const ConversionRow kConversions[] = {
+}  // namespace
+
+static const ConversionRow kConversions[] = {
     {u'd', PutSigned},      {u'i', PutSigned},    {u'u', PutUnsigned}, {u'x', PutHexadecimal},
     {u'X', PutHexadecimal}, {u'c', PutCharacter}, {u's', PutText},     {u'S', PutText},
 };
 
 // A letter that is not a conversion, such as the second one of %%, is copied as it is.
-void Put(Output* output, const Conversion& conversion, va_list* arguments) {
+static void Put(Output* output, const Conversion& conversion, va_list* arguments) {
     for (const ConversionRow& row : kConversions)
         if (row.letter == conversion.letter) return row.put(output, conversion, arguments);
     if (conversion.letter) output->Put(conversion.letter);
 }
-
-}  // namespace
 
 int wsprintfW(LPWSTR text, LPCWSTR format, ...) {
     Output output{text};
@@ -340,7 +350,7 @@ int wsprintfW(LPWSTR text, LPCWSTR format, ...) {
             output.Put(*format++);
             continue;
         }
-        format++;
+        ++format;
         Put(&output, TakeConversion(&format), &arguments);
     }
     va_end(arguments);

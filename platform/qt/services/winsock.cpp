@@ -17,9 +17,13 @@ namespace {
 
 using SocketPointer = std::shared_ptr<StreamSocket>;
 
+}  // namespace
+
 constexpr int kProtocolTcp = 6;
 constexpr int kKnownFlags = 7;  // MSG_OOB, MSG_PEEK, MSG_DONTROUTE: the same bits on both sides
 constexpr UINT kSetSize = 64;
+
+namespace {
 
 struct SocketTable {
     std::mutex mutex;
@@ -28,32 +32,34 @@ struct SocketTable {
     int startups = 0;
 };
 
+}  // namespace
+
 // Never destroyed: a receiving thread may still use it while the program ends.
-SocketTable& Table() {
+static SocketTable& Table() {
     static SocketTable* table = new SocketTable;
     return *table;
 }
 
-thread_local int t_last_error = 0;
+static thread_local int t_last_error = 0;
 
-int FailWith(int winsock_error) {
+static int FailWith(int winsock_error) {
     t_last_error = winsock_error;
     return SOCKET_ERROR;
 }
 
 // Before WSAStartup, sets the thread's error 10093 and returns false.
-bool WinsockStarted() {
+static bool WinsockStarted() {
     SocketTable& table = Table();
     const std::lock_guard<std::mutex> lock(table.mutex);
     if (table.startups == 0) FailWith(kWsaNotInitialised);
     return table.startups > 0;
 }
 
-int FailFor(int negative_errno) { return FailWith(WinsockError(-negative_errno)); }
+static int FailFor(int negative_errno) { return FailWith(WinsockError(-negative_errno)); }
 
 // Returns null and sets the error: 10093 before WSAStartup, 10038 if the number is not an open
 // socket.
-SocketPointer FindSocket(SOCKET number) {
+static SocketPointer FindSocket(SOCKET number) {
     if (!WinsockStarted()) return nullptr;
     SocketTable& table = Table();
     const std::lock_guard<std::mutex> lock(table.mutex);
@@ -63,7 +69,7 @@ SocketPointer FindSocket(SOCKET number) {
     return nullptr;
 }
 
-SOCKET AddSocket(SocketPointer opened) {
+static SOCKET AddSocket(SocketPointer opened) {
     SocketTable& table = Table();
     const std::lock_guard<std::mutex> lock(table.mutex);
     table.last += 4;
@@ -71,7 +77,7 @@ SOCKET AddSocket(SocketPointer opened) {
     return table.last;
 }
 
-SocketPointer TakeSocket(SOCKET number) {
+static SocketPointer TakeSocket(SOCKET number) {
     SocketTable& table = Table();
     const std::lock_guard<std::mutex> lock(table.mutex);
     const auto found = table.open.find(number);
@@ -81,11 +87,15 @@ SocketPointer TakeSocket(SOCKET number) {
     return taken;
 }
 
+namespace {
+
 // One wait per socket, whichever of the three sets it is in.
 using Waits = std::map<SOCKET, SocketWait>;
 
-bool AddSet(const SliceSocketSet* set, bool SocketWait::*want, Waits* waits) {
-    for (UINT i = 0; set && i < set->fd_count; i++) {
+}  // namespace
+
+static bool AddSet(const SliceSocketSet* set, bool SocketWait::*want, Waits* waits) {
+    for (UINT i = 0; set && i < set->fd_count; ++i) {
         SocketWait& wait = (*waits)[set->fd_array[i]];
         if (!wait.socket) wait.socket = FindSocket(set->fd_array[i]);
         if (!wait.socket) return false;
@@ -95,9 +105,9 @@ bool AddSet(const SliceSocketSet* set, bool SocketWait::*want, Waits* waits) {
 }
 
 // Removes the sockets that are not ready from the set.
-int KeepReady(SliceSocketSet* set, bool SocketWait::*ready, const Waits& waits) {
+static int KeepReady(SliceSocketSet* set, bool SocketWait::*ready, const Waits& waits) {
     UINT kept = 0;
-    for (UINT i = 0; set && i < set->fd_count; i++) {
+    for (UINT i = 0; set && i < set->fd_count; ++i) {
         const auto found = waits.find(set->fd_array[i]);
         if (found != waits.end() && found->second.*ready) set->fd_array[kept++] = set->fd_array[i];
     }
@@ -105,7 +115,7 @@ int KeepReady(SliceSocketSet* set, bool SocketWait::*ready, const Waits& waits) 
     return static_cast<int>(kept);
 }
 
-int WaitFor(Waits* waits, int64_t microseconds) {
+static int WaitFor(Waits* waits, int64_t microseconds) {
     std::vector<SocketWait> list;
     for (const auto& [number, wait] : *waits) list.push_back(wait);
     const int met = WaitForSockets(&list, microseconds);
@@ -114,15 +124,15 @@ int WaitFor(Waits* waits, int64_t microseconds) {
     return met;
 }
 
-UINT CountOf(const SliceSocketSet* set) { return set ? set->fd_count : 0; }
+static UINT CountOf(const SliceSocketSet* set) { return set ? set->fd_count : 0; }
 
-bool AreSetsGood(const SliceSocketSet* read, const SliceSocketSet* write,
-                 const SliceSocketSet* except) {
+static bool AreSetsGood(const SliceSocketSet* read, const SliceSocketSet* write,
+                        const SliceSocketSet* except) {
     const UINT r = CountOf(read), w = CountOf(write), e = CountOf(except);
     return r <= kSetSize && w <= kSetSize && e <= kSetSize && r + w + e > 0;
 }
 
-bool TakeTimeout(const TIMEVAL* timeout, int64_t* microseconds) {
+static bool TakeTimeout(const TIMEVAL* timeout, int64_t* microseconds) {
     *microseconds = -1;
     if (!timeout) return true;
     if (timeout->tv_sec < 0 || timeout->tv_usec < 0) return false;
@@ -133,22 +143,20 @@ bool TakeTimeout(const TIMEVAL* timeout, int64_t* microseconds) {
     return true;
 }
 
-bool IsTcp(int family, int type, int protocol) {
+static bool IsTcp(int family, int type, int protocol) {
     return family == AF_INET && type == SOCK_STREAM && (protocol == 0 || protocol == kProtocolTcp);
 }
 
 // The checks that sending and receiving start with.
-SocketPointer FindForTransfer(SOCKET number, const void* bytes, int size, int flags) {
-    const SocketPointer found = FindSocket(number);
+static SocketPointer FindForTransfer(SOCKET number, const void* bytes, int size, int flags) {
+    SocketPointer found = FindSocket(number);
     if (!found) return nullptr;
     if (size < 0 || (!bytes && size > 0)) return FailWith(kWsaEFault), nullptr;
     if (flags & ~kKnownFlags) return FailWith(kWsaEOpNotSupp), nullptr;
     return found;
 }
 
-int CountOrFail(int result) { return result < 0 ? FailFor(result) : result; }
-
-}  // namespace
+static int CountOrFail(int result) { return result < 0 ? FailFor(result) : result; }
 
 // Returns the error itself. Agrees on version 1.1 with every caller that supports it.
 int SliceStartup(WORD version, WSADATA* data) {
@@ -159,7 +167,7 @@ int SliceStartup(WORD version, WSADATA* data) {
     if (major < 1 || (major == 1 && minor < 1)) return kWsaVerNotSupported;
     SocketTable& table = Table();
     const std::lock_guard<std::mutex> lock(table.mutex);
-    table.startups++;
+    ++table.startups;
     return 0;
 }
 
@@ -262,9 +270,9 @@ uint16_t SliceNetworkShort(uint16_t value) {
     return ordered;
 }
 
-namespace {
-
 constexpr size_t kLongestName = 255;
+
+namespace {
 
 // The result of a thread's last lookup; HOSTENT points into it.
 struct HostAnswer {
@@ -274,9 +282,11 @@ struct HostAnswer {
     char* aliases[1] = {nullptr};
     HOSTENT entry = {};
 };
-thread_local HostAnswer t_answer;
 
-HOSTENT* Answer(std::string name, std::vector<uint32_t> addresses) {
+}  // namespace
+static thread_local HostAnswer t_answer;
+
+static HOSTENT* Answer(std::string name, std::vector<uint32_t> addresses) {
     HostAnswer& answer = t_answer;
     answer.name = std::move(name);
     answer.addresses = std::move(addresses);
@@ -289,11 +299,11 @@ HOSTENT* Answer(std::string name, std::vector<uint32_t> addresses) {
     return &answer.entry;
 }
 
-bool IsUsableName(const char* name) {
+static bool IsUsableName(const char* name) {
     return name && *name && strnlen(name, kLongestName + 1) <= kLongestName;
 }
 
-int DigitOf(char letter) {
+static int DigitOf(char letter) {
     if (letter >= '0' && letter <= '9') return letter - '0';
     if (letter >= 'a' && letter <= 'f') return letter - 'a' + 10;
     if (letter >= 'A' && letter <= 'F') return letter - 'A' + 10;
@@ -301,7 +311,7 @@ int DigitOf(char letter) {
 }
 
 // 0x starts a hexadecimal number, 0 an octal one.
-bool TakePart(const char** text, uint64_t* value) {
+static bool TakePart(const char** text, uint64_t* value) {
     int base = 10;
     if (**text == '0' && ((*text)[1] == 'x' || (*text)[1] == 'X')) {
         base = 16;
@@ -318,9 +328,9 @@ bool TakePart(const char** text, uint64_t* value) {
     return *text != first;
 }
 
-bool IsEnd(char letter) { return letter == 0 || isspace(static_cast<unsigned char>(letter)); }
-
-}  // namespace
+static bool IsEnd(char letter) {
+    return letter == 0 || isspace(static_cast<unsigned char>(letter));
+}
 
 HOSTENT* SliceHostByName(const char* name) {
     if (!WinsockStarted()) return nullptr;
@@ -337,7 +347,7 @@ HOSTENT* SliceHostByName(const char* name) {
 uint32_t SliceDottedAddress(const char* text) {
     uint64_t address = 0, part = 0;
     int parts = 0;
-    for (; text; text++) {
+    for (; text; ++text) {
         if (!TakePart(&text, &part)) return INADDR_NONE;
         if (++parts == 4 || *text != '.') break;
         if (part > 0xFF) return INADDR_NONE;
@@ -348,7 +358,7 @@ uint32_t SliceDottedAddress(const char* text) {
     if (part >= uint64_t{1} << left) return INADDR_NONE;
     address = (address << left) | part;
     uint32_t ordered = 0;
-    for (int i = 0; i < 4; i++)
+    for (int i = 0; i < 4; ++i)
         reinterpret_cast<BYTE*>(&ordered)[i] = static_cast<BYTE>(address >> (24 - 8 * i));
     return ordered;
 }

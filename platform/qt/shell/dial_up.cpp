@@ -6,10 +6,10 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <csignal>
 
 #include <atomic>
 #include <cerrno>
@@ -26,12 +26,12 @@
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/messages.h"
 
-namespace {
-
 constexpr DWORD kErrorUnknown = 635;
 constexpr DWORD kNotifyWindow = 0xFFFFFFFF;
 constexpr int kPollMilliseconds = 50;
 constexpr DWORD kKilledMilliseconds = 2000;  // until a killed program is given up
+
+namespace {
 
 struct DialUp {
     ~DialUp() {
@@ -53,16 +53,18 @@ struct DialUp {
     std::thread thread;
 };
 
-std::map<HRASCONN, std::unique_ptr<DialUp>> g_dials;
-std::vector<std::unique_ptr<DialUp>> g_leaving;  // dials that were hung up
-UINT_PTR g_next_dial = 0x10;
-std::mutex g_line;     // held by the dial that uses the modem
-std::mutex g_telling;  // held to post a state, or to mark that no more follow
+}  // namespace
 
-bool IsEnd(DWORD state) { return state == RASCS_Connected || state == RASCS_Disconnected; }
+static std::map<HRASCONN, std::unique_ptr<DialUp>> g_dials;
+static std::vector<std::unique_ptr<DialUp>> g_leaving;  // dials that were hung up
+static UINT_PTR g_next_dial = 0x10;
+static std::mutex g_line;     // held by the dial that uses the modem
+static std::mutex g_telling;  // held to post a state, or to mark that no more follow
+
+static bool IsEnd(DWORD state) { return state == RASCS_Connected || state == RASCS_Disconnected; }
 
 // A dial that was hung up posts no more states.
-void Notify(DialUp& dial, DWORD state, DWORD error) {
+static void Notify(DialUp& dial, DWORD state, DWORD error) {
     const std::lock_guard<std::mutex> lock(g_telling);
     if (dial.hang_up) return;
     PostMessageW(dial.notifier, WM_RASDIALEVENT, state, static_cast<LPARAM>(error));
@@ -72,7 +74,7 @@ void Notify(DialUp& dial, DWORD state, DWORD error) {
 // Posts the end of the dial, without an error, unless the window has already got a last state. A
 // last state that is still in the queue is dropped, because it is not the end that the user asked
 // for.
-void TellHangUp(DialUp& dial) {
+static void TellHangUp(DialUp& dial) {
     const std::lock_guard<std::mutex> lock(g_telling);
     dial.hang_up = true;
     const bool taken_back = DropPosted(dial.notifier, WM_RASDIALEVENT, RASCS_Connected) ||
@@ -85,7 +87,7 @@ void TellHangUp(DialUp& dial) {
 
 // Returns false at the end of the log. That may not be the end of the program's processes: what it
 // started may hold the log open.
-bool ReadLog(DialUp& dial, DialLog* log) {
+static bool ReadLog(DialUp& dial, DialLog* log) {
     char bytes[1024];
     const ssize_t count = read(dial.log, bytes, sizeof(bytes));
     if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) return false;
@@ -94,7 +96,7 @@ bool ReadLog(DialUp& dial, DialLog* log) {
     return true;
 }
 
-void WaitForLog(DialUp& dial, DialLog* log) {
+static void WaitForLog(DialUp& dial, DialLog* log) {
     pollfd wait = {dial.log, POLLIN, 0};
     const int ready = poll(&wait, 1, kPollMilliseconds);
     if (ready <= 0 || ReadLog(dial, log)) return;
@@ -103,11 +105,13 @@ void WaitForLog(DialUp& dial, DialLog* log) {
 }
 
 // Reads what the program wrote before it ended, at most the content of a pipe.
-void ReadRest(DialUp& dial, DialLog* log) {
+static void ReadRest(DialUp& dial, DialLog* log) {
     pollfd wait = {dial.log, POLLIN, 0};
-    for (int i = 0; i < 64 && poll(&wait, 1, 0) > 0; i++)
+    for (int i = 0; i < 64 && poll(&wait, 1, 0) > 0; ++i)
         if (!ReadLog(dial, log)) return;
 }
+
+namespace {
 
 // Asks the program to end, once, and kills it when its time is over. False: it is given up.
 class Ending {
@@ -133,15 +137,17 @@ class Ending {
     DWORD since_ = 0;
 };
 
+}  // namespace
+
 // Returns the exit code; -1: a signal ended it. Sets `running` while it runs.
-int LookAtProcess(const DialUp& dial, bool* running) {
+static int LookAtProcess(const DialUp& dial, bool* running) {
     int status = 0;
     *running = waitpid(dial.process, &status, WNOHANG) == 0;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 // The name is a separate argument, so no shell interprets it.
-int Spawn(const DialUp& dial, int log, pid_t* process) {
+static int Spawn(const DialUp& dial, int log, pid_t* process) {
     std::string words[] = {dial.program, "call", dial.entry, "nodetach"};
     char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(),
                          nullptr};
@@ -161,12 +167,12 @@ int Spawn(const DialUp& dial, int log, pid_t* process) {
     return error;
 }
 
-DWORD RasError(int posix_error) {
+static DWORD RasError(int posix_error) {
     if (posix_error == ENOENT) return ERROR_FILE_NOT_FOUND;
     return posix_error == EACCES ? ERROR_ACCESS_DENIED : kErrorUnknown;
 }
 
-DWORD StartProgram(DialUp* dial) {
+static DWORD StartProgram(DialUp* dial) {
     int pipe_ends[2];
     if (pipe2(pipe_ends, O_CLOEXEC) != 0) return RasError(errno);
     fcntl(pipe_ends[0], F_SETFL, O_NONBLOCK);
@@ -180,7 +186,7 @@ DWORD StartProgram(DialUp* dial) {
     return RasError(error);
 }
 
-void ReadUntilTheEnd(DialUp& dial) {
+static void ReadUntilTheEnd(DialUp& dial) {
     DialLog log;
     Ending ending;
     bool running = true;
@@ -194,7 +200,7 @@ void ReadUntilTheEnd(DialUp& dial) {
     if (!log.connected()) Notify(dial, RASCS_Disconnected, log.ErrorOf(exit_code));
 }
 
-void Call(DialUp& dial) {
+static void Call(DialUp& dial) {
     if (dial.hang_up) return;  // hung up while it waited for the line
     dial.calling = true;
     const DWORD error = StartProgram(&dial);
@@ -206,7 +212,7 @@ void Call(DialUp& dial) {
     dial.calling = false;
 }
 
-void ServeDial(DialUp& dial) {
+static void ServeDial(DialUp& dial) {
     {
         const std::lock_guard<std::mutex> line(g_line);
         Call(dial);
@@ -217,11 +223,11 @@ void ServeDial(DialUp& dial) {
 // ---------------------------------------------------------------- start and end
 
 // Returns the error with which the program's start would fail, as far as that is known beforehand.
-DWORD LookAtProgram(const DialUp& dial) {
+static DWORD LookAtProgram(const DialUp& dial) {
     return access(dial.program.c_str(), X_OK) == 0 ? DWORD{ERROR_SUCCESS} : RasError(errno);
 }
 
-DWORD StartThread(DialUp* dial) {
+static DWORD StartThread(DialUp* dial) {
     try {
         dial->thread = std::thread([dial] { ServeDial(*dial); });
     } catch (const std::system_error&) {
@@ -231,17 +237,15 @@ DWORD StartThread(DialUp* dial) {
 }
 
 // A modem usually hangs up within this time; the window must not block for longer.
-void AwaitUsualEnd(const DialUp& dial) {
+static void AwaitUsualEnd(const DialUp& dial) {
     const DWORD since = GetTickCount();
     while (dial.calling && GetTickCount() - since < dial.patience / 4) Sleep(10);
 }
 
-void ForgetEnded() {
+static void ForgetEnded() {
     std::erase_if(g_leaving,
                   [](const std::unique_ptr<DialUp>& dial) { return dial->ended.load(); });
 }
-
-}  // namespace
 
 DWORD RasDial(LPVOID, LPCWSTR, RASDIALPARAMSW* parameters, DWORD notifier_type, LPVOID notifier,
               HRASCONN* connection) {

@@ -2,7 +2,7 @@
 // The soft keyboard: 15 units wide, with five rows, laid out like an English keyboard. Shift, Ctl
 // and Fn stay on for the next key, CAP until it is pressed again. With Fn, the digits become the
 // function keys, and the arrows become Home, End and the page keys.
-#include "platform/qt/shell/input_panel.h"
+#include "platform/qt/shell/shell.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>
@@ -21,8 +21,6 @@ struct PanelKeyRow {
     const char* fn_label;
 };
 
-namespace {
-
 constexpr double kUnits = 15;
 constexpr int kRows = 5;
 constexpr int kFnKey = Qt::Key_unknown;
@@ -32,7 +30,7 @@ constexpr int kRepeatDelay = 400;    // milliseconds
 constexpr int kRepeatInterval = 60;  // milliseconds
 
 // clang-format off
-const PanelKeyRow kPanelKeys[] = {
+static const PanelKeyRow kPanelKeys[] = {
     {0, 1.25, Qt::Key_Escape,      "Esc", nullptr, 0,            nullptr},
     {0, 1,   Qt::Key_1,            "1",   "!",     Qt::Key_F1,   "F1"},
     {0, 1,   Qt::Key_2,            "2",   "@",     Qt::Key_F2,   "F2"},
@@ -101,22 +99,28 @@ const PanelKeyRow kPanelKeys[] = {
 };
 // clang-format on
 
-bool IsLatch(int key) { return key == Qt::Key_Shift || key == Qt::Key_Control || key == kFnKey; }
+static bool IsLatch(int key) {
+    return key == Qt::Key_Shift || key == Qt::Key_Control || key == kFnKey;
+}
 
-bool IsLetter(const PanelKeyRow& row) { return row.key >= Qt::Key_A && row.key <= Qt::Key_Z; }
+static bool IsLetter(const PanelKeyRow& row) {
+    return row.key >= Qt::Key_A && row.key <= Qt::Key_Z;
+}
 
-bool TypesItsLabel(const PanelKeyRow& row) { return row.shifted || row.key == Qt::Key_Space; }
+static bool TypesItsLabel(const PanelKeyRow& row) {
+    return row.shifted || row.key == Qt::Key_Space;
+}
 
-bool IsBracket(int key) { return key >= Qt::Key_BracketLeft && key <= Qt::Key_BracketRight; }
+static bool IsBracket(int key) { return key >= Qt::Key_BracketLeft && key <= Qt::Key_BracketRight; }
 
-QString ControlCharacter(const PanelKeyRow& row) {
+static QString ControlCharacter(const PanelKeyRow& row) {
     if (IsLetter(row) || IsBracket(row.key)) return QString(QChar(row.key & 0x1f));
     if (row.key == Qt::Key_Slash) return QString(QChar(0x1f));
     return row.key == Qt::Key_Space ? QString(QChar(0)) : QString();
 }
 
 // Control characters are the same as those of X11's keyboard driver.
-QString TextOf(const PanelKeyRow& row, bool shifted, bool control) {
+static QString TextOf(const PanelKeyRow& row, bool shifted, bool control) {
     if (row.key == Qt::Key_Backspace) return "\b";
     if (row.key == Qt::Key_Tab) return "\t";
     if (row.key == Qt::Key_Return) return "\r";
@@ -126,22 +130,20 @@ QString TextOf(const PanelKeyRow& row, bool shifted, bool control) {
     return QString::fromUtf8(shifted && row.shifted ? row.shifted : row.plain);
 }
 
-QPointer<InputPanel> g_panel;
+static QPointer<InputPanel> g_panel;
 
 // Not every desktop keeps the focus in the dialog when the panel is tapped.
-QWidget* Target() {
+static QWidget* Target() {
     QWidget* modal = QApplication::activeModalWidget();
     if (modal) return modal->focusWidget() ? modal->focusWidget() : modal;
     return QApplication::focusWidget() ? QApplication::focusWidget() : DeviceScreen();
 }
 
-void Tap(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
+static void Tap(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
     QWidget* target = Target();
     QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyPress, key, modifiers, text));
     QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyRelease, key, modifiers, text));
 }
-
-}  // namespace
 
 PanelKey::PanelKey(QWidget* panel, const PanelKeyRow& key) : QAbstractButton(panel), key_(key) {
     setFocusPolicy(Qt::NoFocus);
@@ -264,5 +266,3 @@ void InputPanel::paintEvent(QPaintEvent*) {
 }
 
 InputPanel* ShellInputPanel() { return g_panel; }
-
-#include "moc_input_panel.cpp"

@@ -1,25 +1,27 @@
 // SPDX-License-Identifier: MIT
 // The menu bar at the bottom of the device. Its menus open upward. They are the toolkit's menus, so
 // mouse, touch, Alt with a letter and the arrow keys reach every entry.
-#include "platform/qt/shell/menu_bar.h"
+#include "platform/qt/shell/shell.h"
 
+#include <QIconEngine>
 #include <QMenu>
 #include <QPainter>
 #include <QProxyStyle>
 #include <QStyleOption>
 
 #include "platform/qt/services/resources.h"
-#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/messages.h"
+
+constexpr int kPanelButtonWidth = 34;
+constexpr QSize kKeyboardSize(22, 14);
+
+static QPointer<MenuStrip> g_strip;
 
 namespace {
 
-constexpr int kPanelButtonWidth = 34;
-
-QPointer<MenuStrip> g_strip;
-
 // Some styles draw a line below the bar: a piece below each title and a piece below the rest, with
-// gaps between them. This bar is the last row of the screen and needs no line below it.
+// gaps between them. This bar is the last row of the screen and needs no line below it. A pixel
+// that is not a whole number of the screen's pixels can touch one more of those on each side.
 class PlainBarStyle : public QProxyStyle {
   public:
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
@@ -27,31 +29,53 @@ class PlainBarStyle : public QProxyStyle {
         if (element == CE_MenuBarEmptyArea) return;
         QProxyStyle::drawControl(element, option, painter, widget);
         if (element != CE_MenuBarItem || option->state & State_Selected) return;
-        QRect line = option->rect;
-        line.setTop(line.bottom());
+        const double touched = 1 / painter->device()->devicePixelRatioF();
+        QRectF line(option->rect);
+        line.setTop(line.bottom() - 1 - touched);
+        line.setBottom(line.bottom() + touched);
         painter->fillRect(line, option->palette.window());
     }
 };
 
-// Draws a small keyboard for a screen with that pixel ratio.
-QIcon KeyboardIcon(const QColor& color, double sharpness) {
-    QPixmap picture(QSize(22, 14) * sharpness);
-    picture.setDevicePixelRatio(sharpness);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(color, 1));
-    painter.drawRoundedRect(QRectF(0.5, 0.5, 21, 13), 2, 2);
-    for (int row = 0; row < 2; row++)
-        for (int key = 0; key < 6; key++)
-            painter.fillRect(QRectF(3 + key * 2.8, 3 + row * 3, 1.8, 1.8), color);
-    painter.fillRect(QRectF(6, 9.4, 10, 1.8), color);
-    return QIcon(picture);
-}
+// A small keyboard, drawn for whatever density the screen has.
+class KeyboardPicture : public QIconEngine {
+  public:
+    explicit KeyboardPicture(const QColor& color) : color_(color) {}
+
+    // NOLINTBEGIN(readability-magic-numbers): the places of a picture
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override {
+        painter->save();
+        painter->translate(rect.topLeft());
+        painter->scale(double(rect.width()) / kKeyboardSize.width(),
+                       double(rect.height()) / kKeyboardSize.height());
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(color_, 1));
+        painter->drawRoundedRect(QRectF(0.5, 0.5, 21, 13), 2, 2);
+        for (int row = 0; row < 2; ++row)
+            for (int key = 0; key < 6; ++key)
+                painter->fillRect(QRectF(3 + key * 2.8, 3 + row * 3, 1.8, 1.8), color_);
+        painter->fillRect(QRectF(6, 9.4, 10, 1.8), color_);
+        painter->restore();
+    }
+    // NOLINTEND(readability-magic-numbers)
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QPixmap picture(size);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        paint(&painter, QRect(QPoint(0, 0), size), mode, state);
+        return picture;
+    }
+    QIconEngine* clone() const override { return new KeyboardPicture(color_); }
+
+  private:
+    QColor color_;
+};
+
+}  // namespace
 
 // Fills all menus at the start. A menu that is filled only when it is about to be shown for the
 // first time would miss the arrow keys.
-void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
+static void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
     for (const MenuItem& item : items) {
         if (item.text.empty()) {
             menu->addSeparator();
@@ -67,12 +91,10 @@ void FillMenu(QMenu* menu, HWND window, const std::vector<MenuItem>& items) {
     }
 }
 
-LRESULT CALLBACK MenuBarProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+static LRESULT CALLBACK MenuBarProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_DESTROY && ShellMenuStrip()) ShellMenuStrip()->RemoveMenus(window);
     return DefWindowProcW(window, message, wparam, lparam);
 }
-
-}  // namespace
 
 MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
     g_strip = this;
@@ -89,9 +111,8 @@ MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
     panel_button_->setCheckable(true);
     panel_button_->setToolTip("Keyboard");
     panel_button_->setAccessibleName("Keyboard");
-    panel_button_->setIconSize(QSize(22, 14));
-    panel_button_->setIcon(
-        KeyboardIcon(palette().color(QPalette::WindowText), devicePixelRatioF()));
+    panel_button_->setIconSize(kKeyboardSize);
+    panel_button_->setIcon(QIcon(new KeyboardPicture(palette().color(QPalette::WindowText))));
 }
 
 void MenuStrip::resizeEvent(QResizeEvent*) {
@@ -143,5 +164,3 @@ BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
     ShellMenuStrip()->ShowMenus(info->hwndMB, info->hwndParent, menus);
     return TRUE;
 }
-
-#include "moc_menu_bar.cpp"

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The screen readers' interfaces of the windows that the program paints.
+// The text of a window that the program paints, and how it changes; then the screen readers'
+// interfaces of the windows that the program paints.
 #include "platform/qt/window/accessible.h"
 
+#include <algorithm>
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -10,11 +12,94 @@
 
 #include "platform/qt/window/window_widget.h"
 
+// Counts the rows with text that `now` has in common with `before` when `before` is moved up by
+// `shift`.
+static int SharedRows(const QStringList& before, const QStringList& now, int shift) {
+    int shared = 0;
+    for (int i = 0; i < now.size() && i + shift < before.size(); ++i)
+        shared += !now[i].isEmpty() && now[i] == before[i + shift];
+    return shared;
+}
+
+static int RowsMovedUp(const QStringList& before, const QStringList& now) {
+    int best = 0;
+    for (int shift = 1; shift < before.size(); ++shift)
+        if (SharedRows(before, now, shift) > SharedRows(before, now, best)) best = shift;
+    return best;
+}
+
+// Adds what differs between two rows; `offset` is where the first one begins.
+static void AddRowChange(std::vector<TextChange>* changes, int offset, const QString& before,
+                         const QString& now) {
+    if (before == now) return;
+    const auto most = std::min(before.size(), now.size());
+    qsizetype head = 0, tail = 0;
+    while (head < most && before[head] == now[head]) ++head;
+    while (tail < most - head && before[before.size() - 1 - tail] == now[now.size() - 1 - tail])
+        ++tail;
+    changes->push_back({offset + static_cast<int>(head),
+                        before.mid(head, before.size() - tail - head),
+                        now.mid(head, now.size() - tail - head)});
+}
+
+QString TextOf(const TextScreen& screen) { return screen.rows.join('\n'); }
+
+int OffsetOf(const TextScreen& screen, QPoint place) {
+    if (screen.rows.isEmpty()) return 0;
+    const int row = std::clamp(place.y(), 0, static_cast<int>(screen.rows.size()) - 1);
+    int offset = 0;
+    for (int i = 0; i < row; ++i) offset += static_cast<int>(screen.rows[i].size()) + 1;
+    return offset + std::clamp(place.x(), 0, static_cast<int>(screen.rows[row].size()));
+}
+
+QPoint PlaceOf(const TextScreen& screen, int offset) {
+    int row = 0;
+    while (row + 1 < screen.rows.size() && offset > screen.rows[row].size())
+        offset -= static_cast<int>(screen.rows[row++].size()) + 1;
+    return QPoint(std::max(offset, 0), row);
+}
+
+int CursorOffset(const TextScreen& screen) { return OffsetOf(screen, screen.cursor); }
+
+std::vector<TextRange> SelectedRanges(const TextScreen& screen) {
+    std::vector<TextRange> ranges;
+    const QRect& area = screen.selected;
+    for (int row = area.top(); !area.isEmpty() && row <= area.bottom(); ++row)
+        ranges.push_back({OffsetOf(screen, QPoint(area.left(), row)),
+                          OffsetOf(screen, QPoint(area.right() + 1, row))});
+    return ranges;
+}
+
+std::vector<TextChange> ChangesBetween(const TextScreen& before, const TextScreen& now) {
+    std::vector<TextChange> changes;
+    QStringList rows = before.rows;
+    const int up = RowsMovedUp(rows, now.rows);
+    if (up > 0) {
+        changes.push_back({0, rows.mid(0, up).join('\n') + '\n', QString()});
+        rows = rows.mid(up);
+    }
+    int offset = 0;
+    const auto common = std::min(rows.size(), now.rows.size());
+    for (qsizetype i = 0; i < common; ++i) {
+        AddRowChange(&changes, offset, rows[i], now.rows[i]);
+        offset += static_cast<int>(now.rows[i].size()) + 1;
+    }
+    const QString feed = common > 0 ? "\n" : "";
+    if (rows.size() > common)
+        changes.push_back({std::max(offset - 1, 0), feed + rows.mid(common).join('\n'), QString()});
+    if (now.rows.size() > common)
+        changes.push_back(
+            {std::max(offset - 1, 0), QString(), feed + now.rows.mid(common).join('\n')});
+    return changes;
+}
+
+// ---------------------------------------------------------------- the interfaces
+
 TextScreenSource text_screen_source;
 
-namespace {
-
 constexpr int kListeningMilliseconds = 50;
+
+namespace {
 
 struct Told {
     TextScreen screen;
@@ -22,26 +107,30 @@ struct Told {
     QPointer<QTimer> later;
     QPointer<QWidget> widget;  // the window that `screen` belongs to
 };
-std::unique_ptr<Told> g_told;  // null until something has been reported
 
-TextScreen ReadScreen() {
+}  // namespace
+static std::unique_ptr<Told> g_told;  // null until something has been reported
+
+static TextScreen ReadScreen() {
     return text_screen_source.read ? text_screen_source.read() : TextScreen();
 }
 
-QWidget* TextWidget() {
+static QWidget* TextWidget() {
     const HWND handle = text_screen_source.window ? text_screen_source.window() : nullptr;
     const Window* window = FindWindowRecord(handle);
     return window ? window->widget.data() : nullptr;
 }
 
-bool IsProgramWidget(const QWidget* widget) {
+static bool IsProgramWidget(const QWidget* widget) {
     for (const Window* window : AllWindows())
         if (widget && window->widget == widget) return IsProgramWindow(*window);
     return false;
 }
 
 // True if the program's window has the focus; its keys then go to the text.
-bool TextHasFocus() { return TextWidget() && IsProgramWidget(QApplication::focusWidget()); }
+static bool TextHasFocus() { return TextWidget() && IsProgramWidget(QApplication::focusWidget()); }
+
+namespace {
 
 // The window that shows text. A screen reader may ask for offsets in an earlier text.
 class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface {
@@ -60,6 +149,7 @@ class TextAccessible : public QAccessibleWidget, public QAccessibleTextInterface
         return state;
     }
 
+    using QAccessibleWidget::text;
     int characterCount() const override { return static_cast<int>(TextOf(ReadScreen()).size()); }
     QString text(int start, int end) const override {
         const QString whole = TextOf(ReadScreen());
@@ -132,7 +222,7 @@ class ButtonAccessible : public QAccessibleWidget {
         : QAccessibleWidget(button, role), button_(button) {}
 
     QString text(QAccessible::Text kind) const override {
-        const QString own = QAccessibleWidget::text(kind);
+        QString own = QAccessibleWidget::text(kind);
         if (kind != QAccessible::Name || !own.isEmpty()) return own;
         return QString(button_->text()).remove('&').simplified();
     }
@@ -163,13 +253,15 @@ struct ButtonRow {
     QAccessible::Role role;
 };
 
-const ButtonRow kButtons[] = {
+}  // namespace
+
+static const ButtonRow kButtons[] = {
     {"QCheckBox", QAccessible::CheckBox},
     {"QRadioButton", QAccessible::RadioButton},
     {"PanelKey", QAccessible::Button},
 };
 
-QAccessibleInterface* OfButton(const QString& class_name, QWidget* widget) {
+static QAccessibleInterface* OfButton(const QString& class_name, QWidget* widget) {
     auto* button = qobject_cast<QAbstractButton*>(widget);
     if (!button) return nullptr;
     if (class_name == "QToolButton" && button->isCheckable())
@@ -179,18 +271,22 @@ QAccessibleInterface* OfButton(const QString& class_name, QWidget* widget) {
     return nullptr;
 }
 
+namespace {
+
 struct RoleRow {
     LPCWSTR window_class;
     QAccessible::Role role;
     const char* name;  // empty: the widget's own name
 };
 
-const RoleRow kRoles[] = {
+}  // namespace
+
+static const RoleRow kRoles[] = {
     {kCommandBarClass, QAccessible::ToolBar, "Toolbar"},
     {STATUSCLASSNAME, QAccessible::StatusBar, ""},
 };
 
-QAccessibleInterface* OfWindow(const Window& window, QWidget* widget) {
+static QAccessibleInterface* OfWindow(const Window& window, QWidget* widget) {
     if (widget == TextWidget()) return new TextAccessible(widget);
     if (IsProgramWindow(window)) return new ProgramAccessible(widget);
     for (const RoleRow& row : kRoles)
@@ -199,7 +295,7 @@ QAccessibleInterface* OfWindow(const Window& window, QWidget* widget) {
     return nullptr;
 }
 
-QAccessibleInterface* MakeAccessible(const QString& class_name, QObject* object) {
+static QAccessibleInterface* MakeAccessible(const QString& class_name, QObject* object) {
     auto* widget = qobject_cast<QWidget*>(object);
     if (widget && widget->objectName() == "device")
         return new QAccessibleWidget(widget, QAccessible::Window);
@@ -212,18 +308,18 @@ QAccessibleInterface* MakeAccessible(const QString& class_name, QObject* object)
 
 // The toolkit reports the program's window as focused after this signal, so this report is queued
 // behind that.
-void TellFocusOfText() {
+static void TellFocusOfText() {
     if (!TextHasFocus()) return;
     QAccessibleEvent event(TextWidget(), QAccessible::Focus);
     QAccessible::updateAccessibility(&event);
 }
 
-void OnFocusChanged(QWidget*, QWidget* now) {
+static void OnFocusChanged(QWidget*, QWidget* now) {
     if (QAccessible::isActive() && IsProgramWidget(now))
         QMetaObject::invokeMethod(qApp, TellFocusOfText, Qt::QueuedConnection);
 }
 
-void TellChange(QWidget* widget, const TextChange& change) {
+static void TellChange(QWidget* widget, const TextChange& change) {
     if (change.removed.isEmpty()) {
         QAccessibleTextInsertEvent event(widget, change.offset, change.inserted);
         QAccessible::updateAccessibility(&event);
@@ -236,14 +332,14 @@ void TellChange(QWidget* widget, const TextChange& change) {
     }
 }
 
-void TellSelection(QWidget* widget, const TextScreen& screen) {
+static void TellSelection(QWidget* widget, const TextScreen& screen) {
     const std::vector<TextRange> ranges = SelectedRanges(screen);
     const TextRange range = ranges.empty() ? TextRange{0, 0} : ranges.front();
     QAccessibleTextSelectionEvent event(widget, range.start, range.end);
     QAccessible::updateAccessibility(&event);
 }
 
-void TellDifferences(QWidget* widget, const TextScreen& before, const TextScreen& now) {
+static void TellDifferences(QWidget* widget, const TextScreen& before, const TextScreen& now) {
     for (const TextChange& change : ChangesBetween(before, now)) TellChange(widget, change);
     if (CursorOffset(before) != CursorOffset(now)) {
         QAccessibleTextCursorEvent event(widget, CursorOffset(now));
@@ -252,7 +348,7 @@ void TellDifferences(QWidget* widget, const TextScreen& before, const TextScreen
     if (before.selected != now.selected) TellSelection(widget, now);
 }
 
-void TellNow() {
+static void TellNow() {
     QWidget* widget = TextWidget();
     if (!widget || !g_told) return;
     TextScreen now = ReadScreen();
@@ -264,13 +360,13 @@ void TellNow() {
 }
 
 // A screen reader keeps what it knows of a widget's children until it gets such an event.
-void TellOfWidget(QWidget* widget, QAccessible::Event kind) {
+static void TellOfWidget(QWidget* widget, QAccessible::Event kind) {
     if (!QAccessible::isActive() || !widget) return;
     QAccessibleEvent event(widget, kind);
     QAccessible::updateAccessibility(&event);
 }
 
-void TellLater(qint64 milliseconds) {
+static void TellLater(qint64 milliseconds) {
     if (!g_told->later) {
         g_told->later = new QTimer(qApp);
         g_told->later->setSingleShot(true);
@@ -278,8 +374,6 @@ void TellLater(qint64 milliseconds) {
     }
     if (!g_told->later->isActive()) g_told->later->start(static_cast<int>(milliseconds));
 }
-
-}  // namespace
 
 void OfferToScreenReaders() {
     static QMetaObject::Connection focus;

@@ -3,8 +3,12 @@
 #include "platform/qt/window/device_screen.h"
 
 #include <QCloseEvent>
+#include <QScreen>
+#include <QWindow>
 
 #include "platform/qt/window/messages.h"
+
+constexpr QSize kLeastSize(100, 80);
 
 namespace {
 
@@ -12,7 +16,7 @@ class ScreenWidget : public QWidget {
   public:
     explicit ScreenWidget(QSize size) {
         setObjectName("device");
-        setMinimumSize(100, 80);
+        setMinimumSize(kLeastSize);
         resize(size);
     }
     QRect PanelPlace() const;
@@ -32,8 +36,10 @@ class ScreenWidget : public QWidget {
     ScreenFoot foot_;
 };
 
-std::unique_ptr<ScreenWidget> g_screen;
-std::vector<HWND> g_over;  // the last one is on top
+}  // namespace
+
+static std::unique_ptr<ScreenWidget> g_screen;
+static std::vector<HWND> g_over;  // the last one is on top
 
 QRect ScreenWidget::PanelPlace() const {
     const int bottom = std::max(height() - kMenuBarHeight, 0);
@@ -88,9 +94,30 @@ void ScreenWidget::keyReleaseEvent(QKeyEvent* event) {
     if (Window* window = ProgramWindow()) QueueKeyEvent(window->handle, event, false);
 }
 
-}  // namespace
+// The toolkit follows a window that moves to a monitor of another density, but not a monitor that
+// changes its own. A window that the toolkit makes again has the monitor's. Only the QWindow is
+// made again: a dialog whose widget is hidden has been answered.
+static void TakeDensityOfMonitors() {
+    for (const QWidget* widget : QApplication::topLevelWidgets()) {
+        QWindow* window = widget->windowHandle();
+        if (!window || !widget->isVisible() || !window->isVisible()) continue;
+        if (window->devicePixelRatio() == window->screen()->devicePixelRatio()) continue;
+        window->destroy();
+        window->setVisible(true);
+    }
+}
 
-void OpenDeviceScreen(QSize size) { g_screen = std::make_unique<ScreenWidget>(size); }
+// Queued, because a monitor changes one value after the other.
+static void FollowMonitor(const QScreen* monitor) {
+    QObject::connect(monitor, &QScreen::geometryChanged, g_screen.get(), TakeDensityOfMonitors,
+                     Qt::QueuedConnection);
+}
+
+void OpenDeviceScreen(QSize size) {
+    g_screen = std::make_unique<ScreenWidget>(size);
+    for (const QScreen* monitor : QGuiApplication::screens()) FollowMonitor(monitor);
+    QObject::connect(qApp, &QGuiApplication::screenAdded, g_screen.get(), FollowMonitor);
+}
 
 void FurnishScreen(const ScreenFoot& foot) { g_screen->Furnish(foot); }
 

@@ -8,29 +8,28 @@
 #include "platform/qt/services/services.h"
 #include "platform/qt/window/gdi.h"
 
-namespace {
+static std::shared_ptr<const FontData> g_system_font;
+static std::shared_ptr<const FontData> g_made_last;  // made for the face below
+static LOGFONTW g_face_made_last;
+static std::unique_ptr<LineFont> g_line_font;  // the last one that was asked for
 
-std::shared_ptr<const FontData> g_system_font;
-std::shared_ptr<const FontData> g_made_last;  // made for the face below
-LOGFONTW g_face_made_last;
-std::unique_ptr<LineFont> g_line_font;  // the last one that was asked for
+// DEL and the control characters after it.
+constexpr int kFirstUpperControl = 127, kAfterUpperControls = 160;
 
-void FillGlyphs(FontData& font) {
-    for (int code = 32; code < 256; code++) {
-        if (code >= 127 && code < 160) continue;
+static void FillGlyphs(FontData& font) {
+    for (int code = 32; code < 256; ++code) {
+        if (code >= kFirstUpperControl && code < kAfterUpperControls) continue;
         const auto found = font.raw.glyphIndexesForString(QString(QChar(code)));
         font.glyphs[code] = found.isEmpty() ? 0 : found.front();
     }
 }
 
 // Compares only what decides which font of the desktop is chosen.
-bool SameFont(const LOGFONTW& one, const LOGFONTW& other) {
+static bool SameFont(const LOGFONTW& one, const LOGFONTW& other) {
     return one.lfHeight == other.lfHeight && !one.lfItalic == !other.lfItalic &&
            (one.lfWeight >= FW_BOLD) == (other.lfWeight >= FW_BOLD) &&
            FromWide(one.lfFaceName) == FromWide(other.lfFaceName);
 }
-
-}  // namespace
 
 // Keeps the last font, because a start asks for the same font twice: to choose the screen's size,
 // and to draw.
@@ -45,13 +44,13 @@ std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted) {
     data->font.setHintingPreference(QFont::PreferNoHinting);
     data->font.setPixelSize(static_cast<int>(data->height));
     data->raw = QRawFont::fromFont(data->font);
+    data->fixed = QFontInfo(data->font).fixedPitch();  // before the size changes: a size is a load
     const double cell = data->raw.ascent() + data->raw.descent();
     if (cell > 0) data->raw.setPixelSize(data->raw.pixelSize() * data->height / cell);
     data->font.setPixelSize(std::max(static_cast<int>(data->raw.pixelSize()), 1));
     data->ascent = data->raw.ascent();
     data->descent = data->raw.descent();
     data->leading = data->raw.leading();
-    data->fixed = QFontInfo(data->font).fixedPitch();
     FillGlyphs(*data);
     data->run.setRawFont(data->raw);
     g_face_made_last = wanted;
@@ -63,7 +62,7 @@ std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted) {
 bool GlyphOverhangs(const FontData& font, char16_t code) {
     std::optional<bool>& known = font.overhangs[code];
     if (known) return *known;
-    const double advance = font.raw.advancesForGlyphIndexes({font.glyphs['M']}).value(0).x();
+    const double advance = font.raw.advancesForGlyphIndexes({font.glyphs[u'M']}).value(0).x();
     const QRectF box = code > u' ' ? font.raw.boundingRect(font.glyphs[code]) : QRectF();
     known = box.left() < 0 || box.right() > std::floor(advance) ||
             -box.top() > font.height - font.descent || box.bottom() > font.descent;
@@ -88,7 +87,7 @@ const LineFont& LineFontOf(const QFont& font) {
     line.font = font;
     line.raw = QRawFont::fromFont(font);
     line.run.setRawFont(line.raw);
-    for (char16_t c = u' '; c < 127; c++) {
+    for (char16_t c = u' '; c < 127; ++c) {
         const auto found = line.raw.glyphIndexesForString(QString(QChar(c)));
         if (found.isEmpty()) continue;
         line.glyphs[c] = found.front();

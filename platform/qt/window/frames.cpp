@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Decides when invalid windows are painted.
-#include "platform/qt/window/frames.h"
+#include "platform/qt/window/messages.h"
 
 #include <chrono>
 #include <QBackingStore>
@@ -11,35 +11,33 @@
 #include "platform/qt/window/accessible.h"
 #include "platform/qt/window/window.h"
 
-namespace {
-
 constexpr qint64 kFrame = qint64{kFrameMilliseconds} * 1000000;
 
-FramePace g_pace;
-bool g_under_way = false;
-bool g_unsettled = false;     // a frame has come since SettleFrames
-std::vector<HWND> g_painted;  // by the present frame
-qint64 g_invalid_since = -1;  // when FrameOverdue first found an invalid window; -1: none
+static FramePace g_pace;
+static bool g_under_way = false;
+static bool g_unsettled = false;     // a frame has come since SettleFrames
+static std::vector<HWND> g_painted;  // by the present frame
+static qint64 g_invalid_since = -1;  // when FrameOverdue first found an invalid window; -1: none
 
-qint64 Now() {
+static qint64 Now() {
     const auto time = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::nanoseconds>(time).count();
 }
 
-bool IsInvalid(Window& window) {
+static bool IsInvalid(Window& window) {
     if (window.invalid.isEmpty() || !PaintedByProgram(window)) return false;
     if (window.widget->isVisible()) return true;
     window.invalid = QRegion();
     return false;
 }
 
-bool IsLeftOfFrame(Window& window) {
+static bool IsLeftOfFrame(Window& window) {
     return IsInvalid(window) &&
            std::find(g_painted.begin(), g_painted.end(), window.handle) == g_painted.end();
 }
 
 // The frame ends when no invalid window is left that it has not painted.
-Window* NextOfFrame() {
+static Window* NextOfFrame() {
     if (!g_under_way) return nullptr;
     Window* next = FirstWindow(IsLeftOfFrame);
     if (!next) {
@@ -49,14 +47,12 @@ Window* NextOfFrame() {
     return next;
 }
 
-void BeginFrame() {
+static void BeginFrame() {
     g_under_way = g_unsettled = true;
     g_invalid_since = -1;
     CountFrame(&g_pace, Now());
     if (drawing_observer.frame) drawing_observer.frame();
 }
-
-}  // namespace
 
 QBackingStore* ReadyStore(const QWidget* top) {
     QBackingStore* store = top->backingStore();
@@ -93,9 +89,12 @@ bool FrameOverdue() {
     return now - g_invalid_since >= kFrame && NanosecondsToFrame(g_pace, now) == 0;
 }
 
+constexpr int64_t kPerMillisecond = 1000000;
+
 int MillisecondsToFrame() {
     if (!FirstWindow(IsInvalid)) return -1;
-    return static_cast<int>((NanosecondsToFrame(g_pace, Now()) + 999999) / 1000000);
+    return static_cast<int>((NanosecondsToFrame(g_pace, Now()) + kPerMillisecond - 1) /
+                            kPerMillisecond);
 }
 
 void PaintFrameOf(Window& window) {
@@ -108,8 +107,8 @@ void PaintFrameOf(Window& window) {
 void HurryFrames() { RestPace(&g_pace, Now()); }
 
 // The X server reads from shared memory what was painted, and the toolkit paints there again only
-// after the server has answered that it is done. This call waits for that answer, while nobody else
-// waits.
+// after the server has answered that it is done. This call waits for that answer when there is
+// nothing else to do.
 void SettleFrames() {
     TellTextChanges();
     static const bool shared = QGuiApplication::platformName() == "xcb";

@@ -12,43 +12,42 @@
 #include "platform/qt/window/window.h"
 #include "platform/qt/window/window_widget.h"
 
-namespace {
-
-std::set<SliceGdiObject*> g_objects;
+static std::set<SliceGdiObject*> g_objects;
 // The objects that a new context holds, as on the device.
-SliceGdiObject g_white_brush{&SliceDeviceContext::brush, 0x00FFFFFF, 1, nullptr};
-SliceGdiObject g_black_pen{&SliceDeviceContext::pen, 0, 1, nullptr};
-SliceGdiObject g_system_font{&SliceDeviceContext::font, 0, 1, nullptr};
+static SliceGdiObject g_white_brush{&SliceDeviceContext::brush, 0x00FFFFFF, 1, nullptr};
+static SliceGdiObject g_black_pen{&SliceDeviceContext::pen, 0, 1, nullptr};
+static SliceGdiObject g_system_font{&SliceDeviceContext::font, 0, 1, nullptr};
 
-void SelectDefaults(SliceDeviceContext& dc) {
+static void SelectDefaults(SliceDeviceContext& dc) {
     dc.brush = &g_white_brush;
     dc.pen = &g_black_pen;
     dc.font = &g_system_font;
 }
 
-HGDIOBJ AddObject(HGDIOBJ SliceDeviceContext::*place, COLORREF color, int width) {
+static HGDIOBJ AddObject(HGDIOBJ SliceDeviceContext::*place, COLORREF color, int width) {
     auto* object = new SliceGdiObject{place, color, width, nullptr};
     g_objects.insert(object);
     return object;
 }
 
-bool IsStock(HGDIOBJ object) {
+static bool IsStock(HGDIOBJ object) {
     return object == &g_white_brush || object == &g_black_pen || object == &g_system_font;
 }
 
-bool Known(HGDIOBJ object) { return IsStock(object) || g_objects.contains(object); }
+static bool Known(HGDIOBJ object) { return IsStock(object) || g_objects.contains(object); }
 
-QRect FromRect(const RECT& rect) {
+static QRect FromRect(const RECT& rect) {
     return QRect(QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1));
 }
 
-bool Overhangs(const FontData& font, LPCWSTR text, UINT count) {
+static bool Overhangs(const FontData& font, LPCWSTR text, UINT count) {
     return std::any_of(text, text + count,
                        [&](char16_t c) { return c < 256 && GlyphOverhangs(font, c); });
 }
 
 // The glyph comes from another font, so it may be wider than its cell and is clipped.
-void DrawMissingGlyph(QPainter& painter, const FontData& font, const QRectF& cell, char16_t c) {
+static void DrawMissingGlyph(QPainter& painter, const FontData& font, const QRectF& cell,
+                             char16_t c) {
     painter.save();
     painter.setClipRect(cell, Qt::IntersectClip);
     painter.setFont(font.font);
@@ -57,8 +56,8 @@ void DrawMissingGlyph(QPainter& painter, const FontData& font, const QRectF& cel
 }
 
 // Draws one run of glyphs, each at its own position.
-void DrawGlyphs(SliceDeviceContext& dc, const FontData& font, int x, int y, LPCWSTR text,
-                UINT count, const INT* advances) {
+static void DrawGlyphs(SliceDeviceContext& dc, const FontData& font, int x, int y, LPCWSTR text,
+                       UINT count, const INT* advances) {
     constexpr UINT kMost = 256;
     std::array<quint32, kMost> glyphs;
     std::array<QPointF, kMost> places;
@@ -67,7 +66,7 @@ void DrawGlyphs(SliceDeviceContext& dc, const FontData& font, int x, int y, LPCW
     painter.setPen(ColorOf(dc.text_color));
     int used = 0;
     double left = x;
-    for (UINT i = 0; i < count; i++) {
+    for (UINT i = 0; i < count; ++i) {
         const char16_t c = text[i];
         const quint32 glyph = c < 256 ? font.glyphs[c] : 0;
         const double width = advances ? advances[i] : font.raw.averageCharWidth();
@@ -83,8 +82,6 @@ void DrawGlyphs(SliceDeviceContext& dc, const FontData& font, int x, int y, LPCW
     font.run.setRawData(glyphs.data(), places.data(), used);
     painter.drawGlyphRun(QPointF(0, 0), font.run);
 }
-
-}  // namespace
 
 void DrawLineOfText(QPainter& painter, const LineFont& font, QPointF place,
                     const std::u16string& text) {
@@ -224,21 +221,26 @@ int DrawTextW(HDC dc, LPCWSTR text, int count, RECT* rect, UINT format) {
     return font.height;
 }
 
+// The last point of a line is not drawn.
+static void DrawLine(QPainter& painter, POINT a, POINT b, const QColor& color, int width) {
+    const auto low = [](LONG p, LONG q) { return p <= q ? p : q + 1; };
+    if (a.y == b.y) {
+        painter.fillRect(low(a.x, b.x), a.y, std::abs(b.x - a.x), width, color);
+    } else if (a.x == b.x) {
+        painter.fillRect(a.x, low(a.y, b.y), width, std::abs(b.y - a.y), color);
+    } else {
+        painter.setPen(QPen(color, width));
+        painter.drawLine(a.x, a.y, b.x, b.y);
+    }
+}
+
 BOOL Polyline(HDC dc, const POINT* points, int count) {
     if (!dc || !dc->painter || count < 2) return FALSE;
     const COLORREF color = dc->pen && Known(dc->pen) ? dc->pen->color : 0;
     const int width = dc->pen && Known(dc->pen) ? dc->pen->width : 1;
-    for (int i = 1; i < count; i++) {
+    for (int i = 1; i < count; ++i) {
         const POINT a = points[i - 1], b = points[i];
-        const auto low = [](LONG p, LONG q) { return p <= q ? p : q + 1; };
-        if (a.y == b.y) {
-            dc->painter->fillRect(low(a.x, b.x), a.y, std::abs(b.x - a.x), width, ColorOf(color));
-        } else if (a.x == b.x) {
-            dc->painter->fillRect(a.x, low(a.y, b.y), width, std::abs(b.y - a.y), ColorOf(color));
-        } else {
-            dc->painter->setPen(QPen(ColorOf(color), width));
-            dc->painter->drawLine(a.x, a.y, b.x, b.y);
-        }
+        DrawLine(*dc->painter, a, b, ColorOf(color), width);
         if (drawing_observer.line) drawing_observer.line(dc->window, a, b, color);
     }
     return TRUE;

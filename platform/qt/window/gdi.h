@@ -76,7 +76,7 @@ inline QColor ColorOf(COLORREF color) {
                   static_cast<int>((color >> 16) & 0xff));
 }
 inline COLORREF ValueOf(const QColor& color) {
-    return RGB(color.red(), color.green(), color.blue());
+    return static_cast<COLORREF>(color.red() | color.green() << 8 | color.blue() << 16);
 }
 
 #endif

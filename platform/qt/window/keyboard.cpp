@@ -14,8 +14,10 @@ struct KeyRow {
     int virtual_key;
 };
 
+}  // namespace
+
 // clang-format off
-const KeyRow kKeys[] = {
+static const KeyRow kKeys[] = {
     {Qt::Key_Backspace, VK_BACK},    {Qt::Key_Tab, VK_TAB},       {Qt::Key_Backtab, VK_TAB},
     {Qt::Key_Return, VK_RETURN},     {Qt::Key_Enter, VK_RETURN},  {Qt::Key_Escape, VK_ESCAPE},
     {Qt::Key_Space, VK_SPACE},       {Qt::Key_PageUp, VK_PRIOR},  {Qt::Key_PageDown, VK_NEXT},
@@ -25,27 +27,28 @@ const KeyRow kKeys[] = {
 };
 
 // Keys of the number pad while it types digits.
-const KeyRow kPadKeys[] = {
+static const KeyRow kPadKeys[] = {
     {Qt::Key_Asterisk, VK_MULTIPLY}, {Qt::Key_Plus, VK_ADD},        {Qt::Key_Minus, VK_SUBTRACT},
     {Qt::Key_Period, VK_DECIMAL},    {Qt::Key_Comma, VK_DECIMAL},   {Qt::Key_Slash, VK_DIVIDE},
 };
 
 // Punctuation keys that accelerators name, each by both characters of its key.
-const KeyRow kPunctuation[] = {
+static const KeyRow kPunctuation[] = {
     {Qt::Key_Plus, VK_OEM_PLUS},   {Qt::Key_Equal, VK_OEM_PLUS},
     {Qt::Key_Minus, VK_OEM_MINUS}, {Qt::Key_Underscore, VK_OEM_MINUS},
 };
 
 // X11 keysyms of the modifiers, which distinguish left and right.
-const KeyRow kModifiers[] = {
+static const KeyRow kModifiers[] = {
     {0xffe1, VK_LSHIFT},   {0xffe2, VK_RSHIFT}, {0xffe3, VK_LCONTROL}, {0xffe4, VK_RCONTROL},
     {0xffe9, VK_LMENU},    {0xffea, VK_RMENU},
 };
 // clang-format on
 
-constexpr int kProcessKey = 0xE5;  // a key press that the input method handled
+constexpr LPARAM kWasDown = 1 << 30;  // of a key message: the key repeats
+constexpr int kProcessKey = 0xE5;     // a key press that the input method handled
 
-int ModifierKey(const QKeyEvent& event) {
+static int ModifierKey(const QKeyEvent& event) {
     for (const KeyRow& row : kModifiers)
         if (static_cast<quint32>(row.key) == event.nativeVirtualKey()) return row.virtual_key;
     if (event.key() == Qt::Key_Shift) return VK_LSHIFT;
@@ -54,34 +57,36 @@ int ModifierKey(const QKeyEvent& event) {
 }
 
 // Messages name the key without its side.
-int GenericKey(int key) {
+static int GenericKey(int key) {
     if (key == VK_LSHIFT || key == VK_RSHIFT) return VK_SHIFT;
     if (key == VK_LCONTROL || key == VK_RCONTROL) return VK_CONTROL;
     return key == VK_LMENU || key == VK_RMENU ? VK_MENU : key;
 }
 
+constexpr quint32 kScanCodeOf1 = 10, kScanCodeOf0 = 19;
+
 // The digit keys have the same code with and without Shift; on X11 the hardware code identifies
 // them.
-int DigitKey(const QKeyEvent& event) {
+static int DigitKey(const QKeyEvent& event) {
     const quint32 code = event.nativeScanCode();
-    if (event.nativeVirtualKey() == 0 || code < 10 || code > 19) return 0;
-    return code == 19 ? '0' : static_cast<int>('1' + (code - 10));
+    if (event.nativeVirtualKey() == 0 || code < kScanCodeOf1 || code > kScanCodeOf0) return 0;
+    return code == kScanCodeOf0 ? '0' : static_cast<int>('1' + (code - kScanCodeOf1));
 }
 
 template <size_t count>
-int FindKey(const KeyRow (&rows)[count], int key) {
+static int FindKey(const KeyRow (&rows)[count], int key) {
     for (const KeyRow& row : rows)
         if (row.key == key) return row.virtual_key;
     return 0;
 }
 
-int PadKey(const QKeyEvent& event) {
+static int PadKey(const QKeyEvent& event) {
     if (event.key() >= Qt::Key_0 && event.key() <= Qt::Key_9)
         return VK_NUMPAD0 + (event.key() - Qt::Key_0);
     return FindKey(kPadKeys, event.key());
 }
 
-int VirtualKey(const QKeyEvent& event) {
+static int VirtualKey(const QKeyEvent& event) {
     if (const int key = FindKey(kKeys, event.key())) return key;
     if (event.modifiers() & Qt::KeypadModifier) return PadKey(event);
     if (event.key() >= Qt::Key_F1 && event.key() <= Qt::Key_F24)
@@ -94,17 +99,17 @@ int VirtualKey(const QKeyEvent& event) {
 
 // Returns what the key types. As on the device, Ctrl with a letter types a control character, and
 // the keys of the editing block other than these type nothing.
-QString CharactersOf(const QKeyEvent& event, int virtual_key) {
+static QString CharactersOf(const QKeyEvent& event, int virtual_key) {
     if (virtual_key == VK_BACK) return QString(QChar(8));
-    if (virtual_key == VK_TAB) return QString(QChar(9));
-    if (virtual_key == VK_RETURN) return QString(QChar(13));
-    if (virtual_key == VK_ESCAPE) return QString(QChar(27));
+    if (virtual_key == VK_TAB) return QString(u'\t');
+    if (virtual_key == VK_RETURN) return QString(u'\r');
+    if (virtual_key == VK_ESCAPE) return QString(u'\x1b');
     if (virtual_key == VK_DELETE || ModifierKey(event)) return QString();
     return event.text();
 }
 
 // A release that is lost must not leave a modifier down forever, so each event corrects the state.
-void FollowModifiers(Qt::KeyboardModifiers modifiers) {
+static void FollowModifiers(Qt::KeyboardModifiers modifiers) {
     const auto clear = [](size_t left, size_t right) {
         SetKeyDown(left, false);
         SetKeyDown(right, false);
@@ -120,7 +125,7 @@ void FollowModifiers(Qt::KeyboardModifiers modifiers) {
     if (modifiers & Qt::AltModifier) hold(VK_LMENU, VK_RMENU);
 }
 
-bool AcceleratorFits(const AcceleratorRow& row, const MSG& message) {
+static bool AcceleratorFits(const AcceleratorRow& row, const MSG& message) {
     const bool key = row.flags & kAcceleratorKey;
     const bool down = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
     if (key ? !down : message.message != WM_CHAR) return false;
@@ -131,8 +136,6 @@ bool AcceleratorFits(const AcceleratorRow& row, const MSG& message) {
            held(VK_CONTROL) == ((row.flags & kAcceleratorControl) != 0) &&
            held(VK_MENU) == ((row.flags & kAcceleratorAlt) != 0);
 }
-
-}  // namespace
 
 void QueueKeyEvent(HWND window, QKeyEvent* event, bool down) {
     const int modifier = ModifierKey(*event);
@@ -146,7 +149,7 @@ void QueueKeyEvent(HWND window, QKeyEvent* event, bool down) {
     if (key == 0 && characters.isEmpty()) return;  // a key that the device does not have
     SetKeyDown(static_cast<size_t>(key), down);
     QueueKey(window, message, static_cast<WPARAM>(GenericKey(key)),
-             event->isAutoRepeat() ? 1 << 30 : 0, characters);
+             event->isAutoRepeat() ? kWasDown : 0, characters);
 }
 
 // As on the device, the key press of the input method comes before its characters.

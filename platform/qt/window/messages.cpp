@@ -2,8 +2,8 @@
 // The message queue of the window thread: posted messages, input, paints and timers in the order of
 // the real queue, on top of Qt's event loop.
 //
-// A frame (frames.h) comes when the queue is idle. While messages keep coming, it comes when it has
-// waited for a frame's time.
+// A frame (frames.cpp) comes when the queue is idle. While messages keep coming, it comes when it
+// has waited for a frame's time.
 #include <atomic>
 #include <deque>
 #include <map>
@@ -15,13 +15,13 @@
 #include <thread>
 #include <utility>
 
-#include "platform/qt/window/frames.h"
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
 
-namespace {
-
 constexpr qint64 kSoonNanoseconds = 100000;
+constexpr int kRestsAfterMiss = 8;
+
+namespace {
 
 struct QueuedMessage {
     MSG message;
@@ -29,35 +29,43 @@ struct QueuedMessage {
     KeyStates keys;      // when it happened
 };
 
-std::mutex g_posted_mutex;
-std::deque<MSG> g_posted;
-std::set<HWND> g_takers;  // the windows that messages can be posted to
-std::atomic<bool> g_waiting{false};
-std::atomic<QAbstractEventDispatcher*> g_dispatcher{nullptr};
+}  // namespace
 
-std::deque<QueuedMessage> g_input;
-std::deque<MSG> g_timers;
-QString g_key_characters;  // what TranslateMessage makes of the last key taken
-bool g_quit = false;
-int g_quit_code = 0;
-KeyStates g_keys_down;            // after the last event
-KeyStates g_keys_taken;           // as they were for the last message taken
-bool g_took_posted = false;       // true if a posted message was taken since the queue last waited
-QElapsedTimer g_since_collected;  // since the toolkit's events were last processed
+static std::mutex g_posted_mutex;
+static std::deque<MSG> g_posted;
+static std::set<HWND> g_takers;  // the windows that messages can be posted to
+static std::atomic<bool> g_waiting{false};
+static std::atomic<QAbstractEventDispatcher*> g_dispatcher{nullptr};
+
+static std::deque<QueuedMessage> g_input;
+static std::deque<MSG> g_timers;
+static QString g_key_characters;  // what TranslateMessage makes of the last key taken
+static bool g_quit = false;
+static int g_quit_code = 0;
+static KeyStates g_keys_down;   // after the last event
+static KeyStates g_keys_taken;  // as they were for the last message taken
+static bool g_took_posted =
+    false;               // true if a posted message was taken since the queue last waited
+static int g_rests = 0;  // this many times from now on PostedSoon does not poll
+static QElapsedTimer g_since_collected;  // since the toolkit's events were last processed
+
+namespace {
 
 using TimerKey = std::pair<HWND, UINT_PTR>;
-std::map<TimerKey, std::unique_ptr<QTimer>> g_running_timers;
 
-MSG MakeMessage(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+}  // namespace
+static std::map<TimerKey, std::unique_ptr<QTimer>> g_running_timers;
+
+static MSG MakeMessage(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     return MSG{window, message, wparam, lparam, GetTickCount(), POINT{0, 0}};
 }
 
-bool Fits(const MSG& message, HWND window, UINT first, UINT last) {
+static bool Fits(const MSG& message, HWND window, UINT first, UINT last) {
     if (window && message.hwnd != window) return false;
     return (first == 0 && last == 0) || (message.message >= first && message.message <= last);
 }
 
-bool TakePosted(MSG* message, HWND window, UINT first, UINT last, bool remove) {
+static bool TakePosted(MSG* message, HWND window, UINT first, UINT last, bool remove) {
     const std::lock_guard<std::mutex> lock(g_posted_mutex);
     for (auto entry = g_posted.begin(); entry != g_posted.end(); ++entry) {
         if (!Fits(*entry, window, first, last)) continue;
@@ -69,7 +77,7 @@ bool TakePosted(MSG* message, HWND window, UINT first, UINT last, bool remove) {
     return false;
 }
 
-bool TakeInput(MSG* message, HWND window, UINT first, UINT last, bool remove) {
+static bool TakeInput(MSG* message, HWND window, UINT first, UINT last, bool remove) {
     for (auto entry = g_input.begin(); entry != g_input.end(); ++entry) {
         if (!Fits(entry->message, window, first, last)) continue;
         *message = entry->message;
@@ -81,7 +89,7 @@ bool TakeInput(MSG* message, HWND window, UINT first, UINT last, bool remove) {
     return false;
 }
 
-bool TakeTimer(MSG* message, HWND window, UINT first, UINT last, bool remove) {
+static bool TakeTimer(MSG* message, HWND window, UINT first, UINT last, bool remove) {
     for (auto entry = g_timers.begin(); entry != g_timers.end(); ++entry) {
         if (!Fits(*entry, window, first, last)) continue;
         *message = *entry;
@@ -91,32 +99,38 @@ bool TakeTimer(MSG* message, HWND window, UINT first, UINT last, bool remove) {
     return false;
 }
 
-bool TakePaint(MSG* message, HWND window, UINT first, UINT last) {
+static bool TakePaint(MSG* message, HWND window, UINT first, UINT last) {
     const Window* invalid = WindowToPaint();
     if (!invalid) return false;
     *message = MakeMessage(invalid->handle, WM_PAINT, 0, 0);
     return Fits(*message, window, first, last);
 }
 
-bool SomethingPosted() {
+static bool SomethingPosted() {
     const std::lock_guard<std::mutex> lock(g_posted_mutex);
     return !g_posted.empty();
 }
 
 // While a host streams, its next chunk is posted within microseconds. To sleep and be woken up
-// would take many times longer.
-bool PostedSoon() {
+// would take many times longer. After a chunk that did not come so soon, the next ones are not
+// expected to.
+static bool PostedSoon() {
     if (!std::exchange(g_took_posted, false)) return false;
+    if (g_rests > 0) {
+        --g_rests;
+        return false;
+    }
     QElapsedTimer since;
     since.start();
     while (since.nsecsElapsed() < kSoonNanoseconds) {
         if (SomethingPosted()) return true;
         std::this_thread::yield();
     }
+    g_rests = kRestsAfterMiss;
     return false;
 }
 
-void CollectInput(bool wait) {
+static void CollectInput(bool wait) {
     g_since_collected.start();
     // Only the toolkit's own loop deletes such objects by itself, and it never runs here.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -131,12 +145,12 @@ void CollectInput(bool wait) {
 
 // While messages keep coming, the toolkit's events are processed only once per frame's time,
 // because that takes longer than most messages do.
-bool CollectedLately() {
+static bool CollectedLately() {
     return g_since_collected.isValid() && g_since_collected.elapsed() < kFrameMilliseconds;
 }
 
 // Wakes the queue when the time of a frame that has to wait has come.
-void WakeForFrame() {
+static void WakeForFrame() {
     static QPointer<QTimer> timer;
     const int milliseconds = MillisecondsToFrame();
     if (milliseconds < 0) return;
@@ -149,7 +163,7 @@ void WakeForFrame() {
 
 // Takes a paint that goes before posted messages: the rest of a frame, or a frame that has waited
 // too long. In the second case, the toolkit's events are processed first.
-bool TakeDuePaint(MSG* message, HWND window, UINT first, UINT last) {
+static bool TakeDuePaint(MSG* message, HWND window, UINT first, UINT last) {
     if (FrameUnderWay()) return TakePaint(message, window, first, last);
     if (!FrameOverdue()) return false;
     CollectInput(false);
@@ -158,11 +172,12 @@ bool TakeDuePaint(MSG* message, HWND window, UINT first, UINT last) {
 
 // One step of the queue: takes a message, or returns false after Qt's events have been processed.
 // The events may bring what the caller waits for, so `may_wait` is asked last.
-bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
-          const std::function<bool()>& may_wait) {
-    if (TakeDuePaint(message, window, first, last)) return true;
-    if (TakePosted(message, window, first, last, remove)) return true;
-    if (TakeInput(message, window, first, last, remove)) return true;
+static bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
+                 const std::function<bool()>& may_wait) {
+    if (TakeDuePaint(message, window, first, last) ||
+        TakePosted(message, window, first, last, remove) ||
+        TakeInput(message, window, first, last, remove))
+        return true;
     if (g_quit) {
         *message = MakeMessage(nullptr, WM_QUIT, static_cast<WPARAM>(g_quit_code), 0);
         return true;
@@ -173,9 +188,9 @@ bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
     }
     CollectInput(false);
     if (!g_input.empty()) return TakeInput(message, window, first, last, remove);
-    if (TakePosted(message, window, first, last, remove)) return true;
-    if (TakePaint(message, window, first, last)) return true;
-    if (TakeTimer(message, window, first, last, remove)) return true;
+    if (TakePosted(message, window, first, last, remove) ||
+        TakePaint(message, window, first, last) || TakeTimer(message, window, first, last, remove))
+        return true;
     if (g_quit || !may_wait() || PostedSoon()) return false;
     if (window_observer.idle) window_observer.idle();
     WakeForFrame();
@@ -183,8 +198,6 @@ bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
     CollectInput(true);
     return false;
 }
-
-}  // namespace
 
 void QueueInput(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_KEYDOWN || message == WM_CHAR) HurryFrames();
@@ -238,6 +251,7 @@ void ResetMessages() {
     g_keys_taken.reset();
     g_quit = false;
     g_took_posted = false;
+    g_rests = 0;
     g_since_collected.invalidate();
     ResetFrames();
     g_dispatcher.store(nullptr);

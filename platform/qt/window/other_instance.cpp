@@ -11,12 +11,13 @@
 #include "platform/qt/services/services.h"
 #include "platform/qt/window/window.h"
 
-namespace {
-
-const HWND kOtherInstance = reinterpret_cast<HWND>(static_cast<UINT_PTR>(4));
+static const HWND kOtherInstance = reinterpret_cast<HWND>(static_cast<UINT_PTR>(4));
 constexpr int kConnectMilliseconds = 2000;
+constexpr int kConnectStep = 50;  // milliseconds
 constexpr int kAnswerMilliseconds = 5000;
 constexpr qsizetype kLongestRequest = 64;
+
+namespace {
 
 // A socket that is watched while the program runs; it is closed together with its watch.
 struct Watch {
@@ -33,12 +34,14 @@ struct Watch {
     QByteArray heard;
 };
 
-std::unique_ptr<QLockFile> g_lock;
-std::unique_ptr<Watch> g_server;
-std::map<int, std::unique_ptr<Watch>> g_callers;  // by socket
-HWND g_window = nullptr;  // the window that others ask for; null until it is made
+}  // namespace
 
-std::string SocketName() {
+static std::unique_ptr<QLockFile> g_lock;
+static std::unique_ptr<Watch> g_server;
+static std::map<int, std::unique_ptr<Watch>> g_callers;  // by socket
+static HWND g_window = nullptr;  // the window that others ask for; null until it is made
+
+static std::string SocketName() {
     const QByteArray root = QByteArray::fromStdString(DeviceRoot());
     const QByteArray hash = QCryptographicHash::hash(root, QCryptographicHash::Sha1);
     return "quill-" + hash.toHex().toStdString();
@@ -46,7 +49,7 @@ std::string SocketName() {
 
 // The user must see what lies over the window, a box or a dialog. A first box may appear before the
 // window does.
-void Foreground() {
+static void Foreground() {
     if (Window* window = FindWindowRecord(g_window)) window->operations->foreground(*window);
     QWidget* above = QApplication::activeModalWidget();
     if (!above) return;
@@ -54,28 +57,32 @@ void Foreground() {
     above->activateWindow();
 }
 
-void Show() {
+static void Show() {
     if (Window* window = FindWindowRecord(g_window)) window->operations->show(*window, SW_SHOW);
     if (QWidget* above = QApplication::activeModalWidget()) above->activateWindow();
 }
 
-void Paint() {
+static void Paint() {
     if (Window* window = FindWindowRecord(g_window))
         window->operations->send(*window, WM_PAINT, 0, 0);
 }
+
+namespace {
 
 struct RequestRow {
     const char* request;
     void (*carry_out)();
 };
 
-const RequestRow kRequests[] = {
+}  // namespace
+
+static const RequestRow kRequests[] = {
     {"foreground", Foreground},
     {"show", Show},
     {"paint", Paint},
 };
 
-void Answer(Watch& caller) {
+static void Answer(Watch& caller) {
     for (qsizetype end; (end = caller.heard.indexOf('\n')) >= 0; caller.heard.remove(0, end + 1)) {
         const QByteArray line = caller.heard.left(end).trimmed();
         for (const RequestRow& row : kRequests)
@@ -84,7 +91,7 @@ void Answer(Watch& caller) {
     }
 }
 
-void Hear(int socket) {
+static void Hear(int socket) {
     const auto found = g_callers.find(socket);
     if (found == g_callers.end()) return;
     Watch& caller = *found->second;
@@ -100,7 +107,7 @@ void Hear(int socket) {
         qApp, [socket] { g_callers.erase(socket); }, Qt::QueuedConnection);
 }
 
-void Accept() {
+static void Accept() {
     const int socket = AcceptLocally(g_server->descriptor);
     if (socket < 0) return;
     auto caller = std::make_unique<Watch>(socket);
@@ -109,7 +116,7 @@ void Accept() {
     g_callers[socket] = std::move(caller);
 }
 
-void Listen() {
+static void Listen() {
     if (g_server) return;
     const int socket = ListenLocally(SocketName());
     if (socket < 0) return;
@@ -118,7 +125,7 @@ void Listen() {
 }
 
 // The kernel releases the lock when its holder ends, however it ends.
-bool TakeLock() {
+static bool TakeLock() {
     if (!g_lock)
         g_lock =
             std::make_unique<QLockFile>(QString::fromStdString(DeviceRoot()) + "/instance.lock");
@@ -128,10 +135,10 @@ bool TakeLock() {
 
 // Sends a request and returns whether the other program has answered. That program may not listen
 // yet, so the call is repeated.
-bool TellOther(const char* request) {
+static bool TellOther(const char* request) {
     int socket = CallLocally(SocketName());
-    for (int waited = 0; socket < 0 && waited < kConnectMilliseconds; waited += 50) {
-        Sleep(50);
+    for (int waited = 0; socket < 0 && waited < kConnectMilliseconds; waited += kConnectStep) {
+        Sleep(kConnectStep);
         socket = CallLocally(SocketName());
     }
     if (socket < 0) return false;
@@ -143,7 +150,7 @@ bool TellOther(const char* request) {
     return answered;
 }
 
-void Ask(const char* request) {
+static void Ask(const char* request) {
     static bool given_up = false;
     if (given_up || TellOther(request)) return;
     given_up = true;
@@ -161,8 +168,6 @@ constexpr WindowOperations kOtherOperations = {
         return LRESULT{0};
     },
 };
-
-}  // namespace
 
 // The program that gets the lock listens at once, because a box may hold up the rest of its start.
 HWND FindOtherInstance() {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The tables of windows and of their classes, and what a window's record alone can answer.
+// The tables of windows and of their classes, and questions that a window's record answers without
+// the toolkit.
 #include "platform/qt/window/window.h"
 
 #include <map>
@@ -12,15 +13,15 @@ struct WithoutCase {
     }
 };
 
-std::map<std::u16string, std::unique_ptr<WindowClass>, WithoutCase> g_classes;
-std::map<UINT_PTR, std::unique_ptr<Window>> g_windows;  // ordered by age
-UINT_PTR g_next_handle = 0x10;
-
-Window* g_foreign = nullptr;
-
-UINT_PTR Number(HWND handle) { return reinterpret_cast<UINT_PTR>(handle); }
-
 }  // namespace
+
+static std::map<std::u16string, std::unique_ptr<WindowClass>, WithoutCase> g_classes;
+static std::map<UINT_PTR, std::unique_ptr<Window>> g_windows;  // ordered by age
+static UINT_PTR g_next_handle = 0x10;
+
+static Window* g_foreign = nullptr;
+
+static UINT_PTR Number(HWND handle) { return reinterpret_cast<UINT_PTR>(handle); }
 
 Window* AddWindowRecord(const WindowClass* window_class, const WindowOperations* operations,
                         HWND parent, int id) {
@@ -45,6 +46,7 @@ Window* FindWindowRecord(HWND handle) {
 
 std::vector<Window*> AllWindows() {
     std::vector<Window*> result;
+    result.reserve(g_windows.size());
     for (auto& entry : g_windows) result.push_back(entry.second.get());
     return result;
 }
@@ -92,6 +94,8 @@ void ForgetProgramClasses() {
         entry = entry->second->system ? std::next(entry) : g_classes.erase(entry);
 }
 
+constexpr size_t kFirstAtom = 0xC000;
+
 ATOM RegisterClassW(const WNDCLASSW* window_class) {
     if (!window_class || !window_class->lpszClassName || !window_class->lpfnWndProc) return 0;
     auto& slot = g_classes[window_class->lpszClassName];
@@ -101,7 +105,7 @@ ATOM RegisterClassW(const WNDCLASSW* window_class) {
     slot->style = window_class->style;
     slot->procedure = window_class->lpfnWndProc;
     slot->background = window_class->hbrBackground;
-    return static_cast<ATOM>(0xC000 + g_classes.size());
+    return static_cast<ATOM>(kFirstAtom + g_classes.size());
 }
 
 QRect ClientArea(const Window& window) {

@@ -13,13 +13,10 @@
 #include <QTouchEvent>
 #include <QWindow>
 
-#include "platform/qt/window/frames.h"
 #include "platform/qt/window/messages.h"
 
-namespace {
-
 // Returns the region of `part` that no other widget covers, in coordinates of the desktop window.
-QRegion UncoveredPart(const QWidget* widget, QRegion part) {
+static QRegion UncoveredPart(const QWidget* widget, QRegion part) {
     part -= widget->childrenRegion();
     for (; !widget->isWindow(); widget = widget->parentWidget()) {
         part = (part & widget->rect()).translated(widget->pos());
@@ -33,8 +30,6 @@ QRegion UncoveredPart(const QWidget* widget, QRegion part) {
     }
     return part & widget->rect();
 }
-
-}  // namespace
 
 WindowWidget::WindowWidget(HWND window, QWidget* parent) : QWidget(parent), window_(window) {
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -211,18 +206,20 @@ bool WindowWidget::IsSecondTap(const QPointF& position) {
 // Tab is an ordinary key here.
 bool WindowWidget::focusNextPrevChild(bool) { return false; }
 
-namespace {
-
-ScrollBarState* BarOf(Window* window, int bar) {
+static ScrollBarState* BarOf(Window* window, int bar) {
     return !window ? nullptr : bar == SB_VERT ? &window->vertical : &window->horizontal;
 }
+
+namespace {
 
 struct ActionRow {
     QAbstractSlider::SliderAction action;
     WORD code;
 };
 
-const ActionRow kActions[] = {
+}  // namespace
+
+static const ActionRow kActions[] = {
     {QAbstractSlider::SliderSingleStepSub, SB_LINEUP},
     {QAbstractSlider::SliderSingleStepAdd, SB_LINEDOWN},
     {QAbstractSlider::SliderPageStepSub, SB_PAGEUP},
@@ -231,7 +228,7 @@ const ActionRow kActions[] = {
 };
 
 // Only reports the action. The program decides where the bar goes, and sets the position itself.
-void QueueScroll(HWND handle, int bar, QScrollBar* widget, int action) {
+static void QueueScroll(HWND handle, int bar, QScrollBar* widget, int action) {
     Window* window = FindWindowRecord(handle);
     if (!window) return;
     const int wanted = widget->sliderPosition();
@@ -243,7 +240,7 @@ void QueueScroll(HWND handle, int bar, QScrollBar* widget, int action) {
         widget->setSliderPosition(BarOf(window, bar)->position);
 }
 
-void AttachBar(Window& window, int bar) {
+static void AttachBar(Window& window, int bar) {
     ScrollBarState& state = *BarOf(&window, bar);
     const HWND handle = window.handle;
     auto* widget =
@@ -255,12 +252,10 @@ void AttachBar(Window& window, int bar) {
     state.bar = widget;
 }
 
-bool BarWanted(const ScrollBarState& state) {
+static bool BarWanted(const ScrollBarState& state) {
     const int span = state.maximum - state.minimum;
     return state.bar && span > 0 && static_cast<int>(state.page) <= span;
 }
-
-}  // namespace
 
 void AttachScrollBars(Window& window, DWORD style) {
     if (style & WS_VSCROLL) AttachBar(window, SB_VERT);

@@ -9,9 +9,7 @@
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/window_widget.h"
 
-namespace {
-
-QRect InitialPlace(int x, int y, int width, int height) {
+static QRect InitialPlace(int x, int y, int width, int height) {
     const QRect room = MainWindowArea();
     if (x == CW_USEDEFAULT) x = room.left(), y = room.top();
     if (width == CW_USEDEFAULT) width = room.width(), height = room.height();
@@ -19,18 +17,18 @@ QRect InitialPlace(int x, int y, int width, int height) {
 }
 
 // Maps through the desktop, because dialogs are separate windows of it.
-QPoint CornerOnScreen(const Window& window) {
+static QPoint CornerOnScreen(const Window& window) {
     return DeviceScreen()->mapFromGlobal(window.widget->mapToGlobal(QPoint(0, 0)));
 }
 
-std::vector<HWND> ChildrenOf(HWND parent) {
+static std::vector<HWND> ChildrenOf(HWND parent) {
     std::vector<HWND> children;
     for (const Window* window : AllWindows())
         if (window->parent == parent) children.push_back(window->handle);
     return children;
 }
 
-void RemoveWindow(HWND handle) {
+static void RemoveWindow(HWND handle) {
     Window* window = FindWindowRecord(handle);
     if (!window) return;
     if (window->widget) {
@@ -44,11 +42,11 @@ void RemoveWindow(HWND handle) {
 
 // ---------------------------------------------------------------- operations
 
-void PaintNow(Window& window) {
+static void PaintNow(Window& window) {
     if (WindowWidget* widget = PaintedWidget(window)) widget->PaintInvalid();
 }
 
-void PlaceOwn(Window& window, const QRect& rect) {
+static void PlaceOwn(Window& window, const QRect& rect) {
     if (!window.widget) return;
     const bool resized = window.widget->size() != rect.size();
     const HWND handle = window.handle;
@@ -60,7 +58,7 @@ void PlaceOwn(Window& window, const QRect& rect) {
     if (Window* still = FindWindowRecord(handle)) SendSize(*still);
 }
 
-LRESULT SendToPainted(Window& window, UINT message, WPARAM wparam, LPARAM lparam) {
+static LRESULT SendToPainted(Window& window, UINT message, WPARAM wparam, LPARAM lparam) {
     WindowWidget* widget = PaintedWidget(window);
     if (message != WM_PAINT || !widget || widget->painting())
         return CallWindowProcedure(window, message, wparam, lparam);
@@ -74,19 +72,19 @@ constexpr WindowOperations kPaintedOperations = {PaintNow, PlaceOwn, ShowOwnWind
 
 // ---------------------------------------------------------------- default procedure
 
-LRESULT CloseByDefault(Window& window, WPARAM) {
+static LRESULT CloseByDefault(Window& window, WPARAM) {
     DestroyWindow(window.handle);
     return 0;
 }
 
-LRESULT PaintByDefault(Window& window, WPARAM) {
+static LRESULT PaintByDefault(Window& window, WPARAM) {
     PAINTSTRUCT paint;
     BeginPaint(window.handle, &paint);
     EndPaint(window.handle, &paint);
     return 0;
 }
 
-LRESULT EraseByDefault(Window& window, WPARAM dc) {
+static LRESULT EraseByDefault(Window& window, WPARAM dc) {
     const HBRUSH background = window.window_class->background;
     if (!background) return 0;
     RECT area;
@@ -95,24 +93,26 @@ LRESULT EraseByDefault(Window& window, WPARAM dc) {
     return 1;
 }
 
-LRESULT TakeKeyByDefault(Window& window, WPARAM key) {
+static LRESULT TakeKeyByDefault(Window& window, WPARAM key) {
     if (key == VK_F10 && IsProgramWindow(window)) OpenScreenMenu();
     return 0;
 }
+
+namespace {
 
 struct DefaultRow {
     UINT message;
     LRESULT (*handle)(Window& window, WPARAM wparam);
 };
 
-const DefaultRow kDefaults[] = {
+}  // namespace
+
+static const DefaultRow kDefaults[] = {
     {WM_CLOSE, CloseByDefault},
     {WM_PAINT, PaintByDefault},
     {WM_ERASEBKGND, EraseByDefault},
     {WM_KEYDOWN, TakeKeyByDefault},
 };
-
-}  // namespace
 
 constexpr WindowOperations kToolkitOperations = {nullptr, PlaceOwn, ShowOwnWindow, BringOwnWindow,
                                                  CallWindowProcedure};
@@ -154,14 +154,17 @@ void DestroyAllWindows() {
     ForgetProgramClasses();
 }
 
+static bool Refused(LPCWSTR class_name) {
+    return window_observer.refuse && window_observer.refuse(class_name);
+}
+
 HWND CreateWindowExW(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x, int y,
                      int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                      LPVOID parameter) {
     const WindowClass* window_class = FindWindowClass(class_name);
     Window* parent_window = FindWindowRecord(parent);
     const bool child = style & WS_CHILD;
-    if (!window_class || (child && !parent_window)) return nullptr;
-    if (window_observer.refuse && window_observer.refuse(class_name)) return nullptr;
+    if (!window_class || (child && !parent_window) || Refused(class_name)) return nullptr;
 
     const int id = child ? static_cast<int>(reinterpret_cast<INT_PTR>(menu)) : 0;
     Window* window = AddWindow(window_class, &kPaintedOperations, child ? parent : nullptr, id);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The adapter: what the program gets on desktop Windows where the system is not the device.
+// The adapter: what the program gets on desktop Windows where that differs from the device.
 #include "platform/win32/resource_numbers.h"
 #include "resources/resource_ids.h"
 #include "tests/platform/test_windows.h"
@@ -8,14 +8,14 @@ namespace {
 
 class Adapter : public WindowTest {
   protected:
-    // What DeviceGetMessage makes of a posted message.
+    // The message that DeviceGetMessage returns for a posted one.
     MSG Taken(UINT posted, WPARAM key, LPARAM flags) {
         MSG message = {};
         PostMessageW(top, posted, key, flags);
         GetMessageW(&message, top, 0, 0);
         return message;
     }
-    // The same for any window, and the window has it.
+    // The same for any window, which then handles the message.
     void Handle(HWND window, UINT posted, WPARAM wparam, LPARAM lparam) {
         MSG message = {};
         PostMessageW(window, posted, wparam, lparam);
@@ -32,7 +32,7 @@ bool IsFile(const std::wstring& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-// Sets the state of one key as a press would leave it.
+// Sets the state of one key, like a press of it.
 void SetKeyByte(int key, BYTE state) {
     BYTE states[256];
     GetKeyboardState(states);
@@ -42,7 +42,7 @@ void SetKeyByte(int key, BYTE state) {
 
 }  // namespace
 
-TEST(DeviceFolder, StandsBelowTheUsersData) {
+TEST(DeviceFolder, IsBelowTheUsersData) {
     wchar_t data[MAX_PATH];
     ASSERT_NE(0u, GetEnvironmentVariableW(L"APPDATA", data, MAX_PATH));
     EXPECT_EQ(std::wstring(data) + L"\\Quill", DeviceRoot());
@@ -51,7 +51,7 @@ TEST(DeviceFolder, StandsBelowTheUsersData) {
     EXPECT_EQ(L"", DevicePath(nullptr));
 }
 
-TEST(DeviceFolder, IsNeverLeft) {
+TEST(DeviceFolder, CannotBeLeft) {
     EXPECT_EQ(Below(L"\\system.ini"), DevicePath(TEXT("\\..\\..\\system.ini")));
     EXPECT_EQ(Below(L"\\b"), DevicePath(TEXT("\\a\\..\\..\\b")));
     EXPECT_EQ(Below(L"\\a\\b"), DevicePath(TEXT("\\\\a\\.\\\\b")));
@@ -123,7 +123,7 @@ TEST_F(Adapter, WindowHasAnArrowAndAnIcon) {
               GetClassLongPtrW(top, GCLP_HICON));
 }
 
-TEST(ProgramIcon, IsThereInFullColourUpTo256Pixels) {
+TEST(ProgramIcon, ExistsInFullColourUpTo256Pixels) {
     const HMODULE module = GetModuleHandleW(nullptr);
     ASSERT_NE(nullptr, LoadIconW(module, MAKEINTRESOURCEW(IDI_DESKTOP)));
     for (const int side : {16, 24, 32, 48, 256}) {
@@ -142,7 +142,7 @@ TEST(ProgramIcon, IsThereInFullColourUpTo256Pixels) {
     }
 }
 
-// Windows refuses what is put on a clipboard that was emptied for nobody.
+// Windows refuses data for a clipboard that was opened and emptied without an owner.
 TEST_F(Adapter, ClipboardOpenedWithoutAnOwnerBelongsToAWindow) {
     ASSERT_TRUE(OpenClipboard(nullptr));
     EXPECT_TRUE(EmptyClipboard());
@@ -190,19 +190,19 @@ TEST_F(Adapter, F10ThatAWindowLeavesOpensTheMenu) {
     EXPECT_EQ(1, opened);
 }
 
-TEST_F(Adapter, F1ThatAWindowTakesAsksForNoHelp) {
+TEST_F(Adapter, F1ThatAWindowHandlesOpensNoHelp) {
     answer = [](const Heard& now, LRESULT* result) {
         *result = 0;
         return now.message == WM_KEYDOWN || now.message == WM_HELP;
     };
     SendMessageW(top, WM_KEYDOWN, VK_F1, 0);
-    SendMessageW(top, 0x004D, 0, 0);  // the system's own message for F1
+    SendMessageW(top, 0x004D, 0, 0);  // the message of Windows for F1
     EXPECT_TRUE(Of(WM_HELP).empty());
     DefWindowProcW(top, WM_KEYDOWN, VK_F1, 0);
     EXPECT_EQ(1u, Of(WM_HELP).size());
 }
 
-TEST_F(Adapter, StatesOfADialComeAsOnTheDevice) {
+TEST_F(Adapter, StatesOfADialArriveAsTheDevicesMessage) {
     const UINT told = RegisterWindowMessageA(RASDIALEVENT);
     ASSERT_NE(0u, told);
     ASSERT_NE(static_cast<UINT>(WM_RASDIALEVENT), told);
@@ -228,8 +228,8 @@ TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
     SetKeyByte(VK_CAPITAL, 0);
 }
 
-// What a drag is: the button goes down in a window, and comes up wherever the mouse is.
-TEST_F(Adapter, DragGoesOnOutsideOfTheWindow) {
+// A drag: the button goes down in a window and comes up anywhere.
+TEST_F(Adapter, DragContinuesOutsideTheWindow) {
     const HWND child = Child(1);
     for (const UINT touch : {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK}) {
         Handle(child, touch, MK_LBUTTON, MAKELPARAM(5, 5));
@@ -241,7 +241,7 @@ TEST_F(Adapter, DragGoesOnOutsideOfTheWindow) {
     }
 }
 
-TEST_F(Adapter, DragOfASystemsControlIsItsOwn) {
+TEST_F(Adapter, DragOfASystemControlIsNotCaptured) {
     const HWND text = CreateWindowExW(0, TEXT("STATIC"), nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 50,
                                       20, top, nullptr, nullptr, nullptr);
     Handle(text, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
@@ -249,7 +249,7 @@ TEST_F(Adapter, DragOfASystemsControlIsItsOwn) {
     DestroyWindow(text);
 }
 
-TEST_F(Adapter, SilentKeyIsHeardByNoWindow) {
+TEST_F(Adapter, SilentKeyReachesNoWindow) {
     SetForegroundWindow(top);
     RunUntilIdle();
     heard.clear();
@@ -272,7 +272,7 @@ TEST(Library, DialogsAreTheDesktopsOwn) {
     EXPECT_TRUE(FreeLibrary(library));
 }
 
-// Anybody may put a library beside the program.
+// An attacker may put a library into the program's folder.
 TEST(Library, RemoteAccessIsTheSystemsOwn) {
     EXPECT_EQ(nullptr, GetModuleHandleW(L"rasapi32.dll"));
     DWORD size = 0, count = 9;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// AltGr: what the desktop tells of it on five layouts, and which Ctrl the program sees down.
+// AltGr: the messages of the desktop on five layouts, and which Ctrl the program sees as down.
 #include "tests/platform/test_windows.h"
 
 namespace {
@@ -7,7 +7,7 @@ namespace {
 constexpr LPARAM kRightKey = 1 << 24;
 constexpr LPARAM kWasDown = 1 << 30;
 
-// A keyboard: its presses are the messages and key states that the desktop makes of them.
+// A keyboard: each press produces the messages and key states of the desktop.
 class AltGr : public testing::Test {
   protected:
     void SetUp() override { LetGo(); }
@@ -18,7 +18,7 @@ class AltGr : public testing::Test {
         SetKeyboardState(none);
         Tell(WM_KEYUP, VK_CONTROL, 0);
     }
-    // A layout without AltGr, as the American and the Japanese one.
+    // A layout without AltGr, like the American and the Japanese one.
     void PressRightAlt() {
         Set(VK_RMENU, 0x80);
         Tell(WM_SYSKEYDOWN, VK_MENU, kRightKey);
@@ -50,7 +50,7 @@ class AltGr : public testing::Test {
         Set(VK_LCONTROL, 0);
         Tell(WM_KEYUP, VK_CONTROL, 0);
     }
-    // What is pressed now has another time than what comes next.
+    // Advances the clock, so that the next press has another time.
     void Wait() { now += 50; }
 
     static bool ControlIsDown() { return GetKeyState(VK_LCONTROL) != 0; }
@@ -76,7 +76,7 @@ class AltGr : public testing::Test {
 
 }  // namespace
 
-TEST_F(AltGr, IsNoControl) {
+TEST_F(AltGr, IsNotControl) {
     PressAltGr();
     EXPECT_FALSE(ControlIsDown());
     PressAltGr();  // the desktop repeats both
@@ -85,7 +85,7 @@ TEST_F(AltGr, IsNoControl) {
     EXPECT_FALSE(ControlIsDown());
 }
 
-TEST_F(AltGr, LeavesTheControlThatIsHeldDownAsItIs) {
+TEST_F(AltGr, LeavesAHeldControlDown) {
     PressLeftControl();
     PressAltGr();
     EXPECT_TRUE(ControlIsDown());
@@ -97,7 +97,7 @@ TEST_F(AltGr, LeavesTheControlThatIsHeldDownAsItIs) {
     EXPECT_FALSE(ControlIsDown());
 }
 
-TEST_F(AltGr, ControlThatComesAfterItIsOne) {
+TEST_F(AltGr, ControlPressedAfterItCounts) {
     PressAltGr();
     PressLeftControl();
     EXPECT_TRUE(ControlIsDown());
@@ -105,7 +105,7 @@ TEST_F(AltGr, ControlThatComesAfterItIsOne) {
     EXPECT_FALSE(ControlIsDown());
 }
 
-TEST_F(AltGr, ControlWithAPlainRightAltIsOne) {
+TEST_F(AltGr, ControlWithAPlainRightAltCounts) {
     PressLeftControl();
     PressRightAlt();
     EXPECT_TRUE(ControlIsDown());
@@ -117,8 +117,8 @@ TEST_F(AltGr, ControlWithAPlainRightAltIsOne) {
     EXPECT_TRUE(ControlIsDown());
 }
 
-// Let go in another program's window, which no message tells.
-TEST_F(AltGr, ControlThatWasLetGoElsewhereCountsNoMore) {
+// The key is released in the window of another program, so no message reports it.
+TEST_F(AltGr, ControlReleasedElsewhereNoLongerCounts) {
     PressLeftControl();
     BYTE none[256] = {};
     SetKeyboardState(none);
@@ -128,8 +128,8 @@ TEST_F(AltGr, ControlThatWasLetGoElsewhereCountsNoMore) {
     EXPECT_FALSE(ControlIsDown());
 }
 
-// German, French, Swiss and American-International have AltGr, Japanese a plain right Alt. Each
-// follows each, and nothing of one layout stays for the next.
+// German, French, Swiss and American-International have AltGr, Japanese has a plain right Alt. The
+// test switches from each layout to each other one; no state of a layout stays for the next.
 TEST_F(AltGr, FollowsTheLayoutsAsTheySwitch) {
     const bool has_alt_gr[] = {true, true, true, true, false};
     for (const bool before : has_alt_gr) {
@@ -151,7 +151,7 @@ TEST_F(AltGr, FollowsTheLayoutsAsTheySwitch) {
     }
 }
 
-// The loop's own messages are those that count.
+// Only the messages that the loop takes count.
 TEST(AltGrInTheLoop, ControlThatTheLoopTookStaysDownWithAltGr) {
     BYTE states[256] = {};
     states[VK_LCONTROL] = states[VK_RMENU] = 0x80;

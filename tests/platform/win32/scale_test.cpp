@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The monitor's scale: at 100, 150 and 200 % everything has one size, and a change of it is
-// followed.
+// The monitor's scale: everything is drawn at 100, 125, 150 and 200 %, and the program follows a
+// change.
 #include <set>
 
 #include "resources/resource_ids.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int kPicture = 1540;  // of the connect button, 16x16; 11540 is the one of 32x32
+constexpr int kPicture = 1540;  // the connect button, 16x16; 11540 has 32x32
 const UINT kScales[] = {96, 120, 144, 192};
 
 class Scale : public WindowTest {
@@ -21,7 +21,7 @@ class Scale : public WindowTest {
         Change(before);
         WindowTest::TearDown();
     }
-    // As the desktop tells it: with the place that the window should take.
+    // Sends the message of the desktop, with the rectangle that it suggests for the window.
     void Change(UINT dpi) {
         RECT place = {};
         GetWindowRect(top, &place);
@@ -58,7 +58,7 @@ TEST(Manifest, MakesTheProgramAwareOfTheMonitorsScale) {
               GetAwarenessFromDpiAwarenessContext(GetThreadDpiAwarenessContext()));
 }
 
-// They lie in a folder of their own, apart from the older ones.
+// Windows has the current common controls in a separate folder.
 TEST(Manifest, AsksForTheCommonControlsOfToday) {
     wchar_t path[MAX_PATH] = {};
     GetModuleFileNameW(GetModuleHandleW(L"comctl32.dll"), path, MAX_PATH);
@@ -105,8 +105,8 @@ TEST_F(Scale, CommandBarTakesTheNewHeightAndItsPicturesTheNewSize) {
     CommandBar_Destroy(bar);
 }
 
-// At 200 % nothing is averaged: the pixels are those of the drawing of 32x32.
-TEST_F(Scale, PicturesOfTwiceTheSizeAreTheOnesDrawnSo) {
+// At 200 % no pixels are averaged: they are those of the drawing of 32x32.
+TEST_F(Scale, PicturesOfTwiceTheSizeUseTheLargerDrawings) {
     Change(192);
     const HMODULE module = GetModuleHandleW(nullptr);
     const HBITMAP shown = LoadBarPictures(module, kPicture);
@@ -134,7 +134,7 @@ TEST_F(Scale, PicturesOfTwiceTheSizeAreTheOnesDrawnSo) {
     DeleteObject(shown);
 }
 
-// At 150 % each pixel is the average of what lies below it, so that the picture's weight stays.
+// At 150 % each pixel is the average of the pixels that it covers, so the ink stays the same.
 TEST_F(Scale, PicturesBetweenTheTwoDrawingsAreAveraged) {
     uint64_t weight[2] = {};
     const UINT dpi[] = {192, 144};
@@ -151,7 +151,7 @@ TEST_F(Scale, PicturesBetweenTheTwoDrawingsAreAveraged) {
                 static_cast<double>(weight[0]) / 100);
 }
 
-TEST_F(Scale, WindowTakesThePlaceThatTheDesktopNamesAndIsLaidOut) {
+TEST_F(Scale, WindowTakesTheSuggestedRectangleAndIsLaidOut) {
     RECT place = {40, 50, 640, 500}, now = {};
     heard.clear();
     SendMessageW(top, WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&place));
@@ -161,7 +161,7 @@ TEST_F(Scale, WindowTakesThePlaceThatTheDesktopNamesAndIsLaidOut) {
     EXPECT_FALSE(Of(WM_SIZE, top).empty());
     heard.clear();
     SendMessageW(top, WM_DPICHANGED, MAKEWPARAM(192, 192), reinterpret_cast<LPARAM>(&place));
-    EXPECT_FALSE(Of(WM_SIZE, top).empty());  // the size is the same, the cells are not
+    EXPECT_FALSE(Of(WM_SIZE, top).empty());  // the size is the same, but the cells change
 }
 
 static Scale* self;
@@ -174,7 +174,7 @@ static void CALLBACK ChangeUnderTheBox(HWND, UINT, UINT_PTR id, DWORD) {
     PostMessageW(FindWindowW(nullptr, L"Quill scale test"), WM_COMMAND, IDOK, 0);
 }
 
-TEST_F(Scale, IsFollowedWhileABoxIsOpen) {
+TEST_F(Scale, ChangeIsAppliedWhileABoxIsOpen) {
     self = this;
     seen = 0;
     SetTimer(nullptr, 0, 300, ChangeUnderTheBox);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The end of the desktop's session, and what is modal when the program ends.
+// The end of the desktop's session, also while a modal box is open.
 #include <atomic>
 
 #include "tests/platform/test_windows.h"
@@ -8,11 +8,11 @@ namespace {
 
 enum Open { kNothing, kBox };
 
-// A program on a thread of its own, which the end of the session finds in one of these states.
+// A program on a separate thread, in one of these states when the session ends.
 struct Program {
     Open open = kNothing;
     std::atomic<bool> runs = false;
-    std::atomic<bool> saved = false;  // after its loop, as the settings are
+    std::atomic<bool> saved = false;  // set after its loop, where the program saves settings
     int answer = -1;
     int next_answer = -1;
     HANDLE thread = nullptr;
@@ -44,7 +44,7 @@ HWND AwaitWindow(LPCWSTR window_class, LPCWSTR title) {
     return found;
 }
 
-// The guard's answer comes when the program's thread has ended.
+// The guard answers when the program's thread has ended.
 void EndSession(Program& program) {
     program.Start();
     for (int i = 0; i < 100 && !program.runs; i++) Sleep(50);
@@ -88,7 +88,7 @@ static void CALLBACK LookUnderTheBox(HWND, UINT, UINT_PTR id, DWORD) {
     PostMessageW(FindWindowW(nullptr, L"Quill modal test"), WM_COMMAND, IDOK, 0);
 }
 
-TEST(Modal, GivesTheStylusFree) {
+TEST(Modal, ReleasesTheMouseCapture) {
     const HWND window = CreateWindowExW(0, L"STATIC", nullptr, WS_POPUP | WS_VISIBLE, 0, 0, 50, 50,
                                         nullptr, nullptr, nullptr, nullptr);
     SetCapture(window);

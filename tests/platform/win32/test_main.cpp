@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Runs the tests against the system's own calls and the adapter.
+// Runs the tests against the calls of Windows and the adapter.
 #include <gtest/gtest.h>
 
 #include "tests/platform/known_gap.h"

@@ -1,3 +1,0 @@
-// SPDX-License-Identifier: MIT
-// The system's headers, compiled once for every file of the program.
-#include "system.h"
