@@ -14,9 +14,12 @@
 
 extern "C" char __executable_start;
 
-static std::mutex g_mutex;
-static std::set<uintptr_t> g_reached;
-static std::atomic<uintptr_t> g_failing{0};
+static std::mutex g_mutex;  // of the following
+static std::map<uintptr_t, int> g_reached;
+static uintptr_t g_failing = 0;
+static int g_left = 0;  // the failing place fails when this gets 0
+static const char* g_every = nullptr;
+
 static std::atomic<bool> g_failed{false};
 static thread_local bool g_socket_failed = false;
 
@@ -29,18 +32,21 @@ static bool IsSocketCall(std::string_view call) {
     return call.starts_with("Slice");
 }
 
+static bool Fails(uintptr_t place, const char* call) {
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    ++g_reached[place];
+    if (g_every && std::string_view(g_every) == call) return AllPlaces().contains(place);
+    if (place != g_failing || --g_left != 0) return false;
+    g_failed = true;
+    return true;
+}
+
 extern "C" int FaultDecide(uintptr_t behind, const char* call);
 extern "C" int FaultDecide(uintptr_t behind, const char* call) {
     const uintptr_t place = behind - reinterpret_cast<uintptr_t>(&__executable_start);
-    {
-        const std::lock_guard<std::mutex> lock(g_mutex);
-        g_reached.insert(place);
-    }
-    uintptr_t failing = place;
-    if (!g_failing.compare_exchange_strong(failing, 0)) return 0;
-    g_failed = true;
-    g_socket_failed = IsSocketCall(call);
-    return 1;
+    const bool fails = Fails(place, call);
+    if (IsSocketCall(call)) g_socket_failed = fails;
+    return fails;
 }
 
 // Keeps the arguments, asks, and goes on to the call or returns what a failed one does.
@@ -80,26 +86,34 @@ int LastErrorOrForced() {
     return kNoBuffers;
 }
 
-void ForgetReached() {
+void StartCounting() {
     const std::lock_guard<std::mutex> lock(g_mutex);
     g_reached.clear();
 }
 
-std::set<uintptr_t> Reached() {
+std::map<uintptr_t, int> Reached() {
+    const Places& places = AllPlaces();
     const std::lock_guard<std::mutex> lock(g_mutex);
-    std::set<uintptr_t> program;
-    for (const uintptr_t place : g_reached)
-        if (AllPlaces().contains(place)) program.insert(place);
+    std::map<uintptr_t, int> program = g_reached;
+    std::erase_if(program, [&](const auto& reached) { return !places.contains(reached.first); });
     return program;
 }
 
-void FailAt(uintptr_t place) {
+void FailAt(uintptr_t place, int time) {
+    const std::lock_guard<std::mutex> lock(g_mutex);
     g_failed = false;
     g_socket_failed = false;
     g_failing = place;
+    g_left = time;
 }
 
 bool HasFailed() { return g_failed; }
+
+void FailEvery(const char* call) {
+    AllPlaces();  // before the lock
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    g_every = call;
+}
 
 // ---------------------------------------------------------------- the list
 
@@ -174,10 +188,12 @@ static Places MakePlaces() {
         function = line;
         if (!std::getline(lines, line)) break;
         const std::string file = InProgram(line);
-        if (file.empty() || places.contains(place) || !calls.contains(place)) continue;
-        const size_t end = file.find(' ');
-        places[place] = {file.substr(0, end) + " in " + function.substr(0, function.find('(')),
-                         calls.at(place)};
+        if (file.empty() || !calls.contains(place)) continue;
+        Place& known = places[place];
+        known.call = calls.at(place);
+        if (known.line.empty()) known.line = file.substr(0, file.find(' '));
+        // A lambda has no name; the procedure around it has.
+        if (known.procedure.empty()) known.procedure = function.substr(0, function.find('('));
     }
     return places;
 }

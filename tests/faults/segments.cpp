@@ -10,13 +10,18 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QtTest/QTest>
 
 #include "connection/connection.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
+#include "tests/dialogs/stored.h"
+#include "tests/faults/faults.h"
 #include "tests/long_runs/hosts.h"
 #include "tests/qt_driver/driver.h"
+#include "tests/settings/settings_rows.h"
 #include "tests/support/services_test_hooks.h"
 #include "tests/support/sessions.h"
 #include "ui/dialogs/dialogs.h"
@@ -25,6 +30,7 @@ static constexpr int kShort = 300;  // ms that the user waits for what may not c
 static constexpr int kLong = 6000;
 
 static std::vector<std::string> g_boxes;
+static std::string g_wrong;  // what a piece has noticed itself
 
 // ---------------------------------------------------------------- a user who puts up with anything
 
@@ -114,7 +120,31 @@ static void UseWindow() {
     Settle();
 }
 
+// Scrolls, asks for help, and starts the program again. On a small screen the panel covers rows.
+static void StageSmall(Stage& stage) {
+    stage.root = FreshRoot();
+    stage.width = 240, stage.height = 320;
+}
+
+static void TapPanelButton() {
+    OnWindowThread([] { QTest::mouseClick(ShellMenuStrip()->panel_button(), Qt::LeftButton); });
+    Settle();
+}
+
+static void UseSmallWindow() {
+    for (const WPARAM code : {SB_PAGEDOWN, SB_LINEUP}) {
+        Use([=] { SendMessageW(session.client_window, WM_VSCROLL, code, 0); });
+        Use([=] { SendMessageW(session.client_window, WM_HSCROLL, code, 0); });
+    }
+    TapPanelButton();
+    TapPanelButton();
+    PostToMain(WM_HELP);
+    Settle();
+    Use([] { WinMain(nullptr, nullptr, nullptr, SW_SHOW); });
+}
+
 static void ResetAll() {
+    InDialog(IDM_FONT, IDOK, [] {});  // saves, so that there is something to delete
     Command(IDM_RESET);
     Answer();
     Answer();
@@ -154,7 +184,7 @@ static bool Open(LongHost& host, const HostKind& kind, DWORD cipher) {
 static const char kText[] =
     "\x1b[2J\x1b[H\x1b[1mbold\x1b[0m \x1b[5mblink\x1b[0m \x1b[7mreverse\x1b[0m "
     "\x1b(0lqqk~}a\x1b(B, under_score"
-    "\x1b#6wide\x05\x1b[c\r\n12. an entry\a login: ";
+    "\x1b#6wide\xe4\x05\x1b[c\r\n12. an entry\a login: ";
 
 static void Talk(LongHost& host) {
     Show(host, kText);
@@ -195,6 +225,73 @@ static void HoldTelnet() {
 static void HoldSsh1() { HoldSession(ssh1_kind, 1); }
 static void HoldSsh2() { HoldSession(ssh2_kind, 1); }
 static void HoldBlowfish() { HoldSession(ssh2_kind, 2); }
+
+// Asks before it closes the session, the program and the window, and for a second session.
+static void Ask() {
+    LongHost host;
+    OnWindowThread([] { session.settings.confirm_exit = session.settings.xbox = 1; });
+    if (!Open(host, telnet_kind, 0)) return CloseAll();
+    Use([] { QMetaObject::invokeMethod(qApp, SessionConnect, Qt::QueuedConnection); });
+    Answer();
+    const auto refuse = [] {
+        if (!Soon([] { return ShownMessageBox() != nullptr; })) return;
+        OnWindowThread([] { ShownMessageBox()->reject(); });
+        Settle();
+    };
+    Command(IDM_EXIT);
+    refuse();
+    PostToMain(WM_SIZE, SIZE_MINIMIZED);
+    refuse();
+    Command(IDM_CONNECT);
+    Answer();
+    Soon([] { return !session.connected; });
+    CloseAll();
+}
+
+// A password that the host does not take, then no name.
+static void FailToSignOn(const HostKind& kind) {
+    LongHost host;
+    OnWindowThread([] { lstrcpyW(session.settings.ssh_u, u""); });
+    UseKind(host, kind, 1);
+    OnWindowThread([] {
+        session.settings.ssh_u[0] = 0;
+        session.settings.ssh_def = 0;
+    });
+    ConnectLater();
+    if (!host.net.Accept(kShort)) return CloseAll();
+    BeginSession(host, kind, 1);
+    for (int i = 0; i < 60 && !host.gone; ++i) {
+        Serve(host, 5);
+        OnWindowThread([] { CloseTop(); });
+    }
+    Close();
+    CloseAll();
+}
+
+static void FailSsh1() { FailToSignOn(ssh1_kind); }
+static void FailSsh2() { FailToSignOn(ssh2_kind); }
+
+static const char kPosting[] = "_Z12PostMessageWP11SliceWindowjml";
+
+// The queue takes no message for a while. What the host sent, and its end, come later then.
+static void FillQueue() {
+    LongHost host;
+    UseKind(host, telnet_kind, 0);
+    ConnectLater();
+    if (!host.net.Accept(kShort)) return CloseAll();
+    BeginSession(host, telnet_kind, 0);
+    Show(host, "kept for later");
+    Serve(host, kShort / 4);
+    FailEvery(nullptr);
+    const auto shown = [] { return TerminalText().find("kept for later") != std::string::npos; };
+    if (!Soon(shown, kLong)) g_wrong += "the host's text is lost; ";
+    FailEvery(kPosting);
+    host.net.Drop();
+    Settle();
+    FailEvery(nullptr);
+    if (!Soon([] { return !session.connected; }, kLong)) g_wrong += "the host's end is lost; ";
+    CloseAll();
+}
 
 static void LookUpHost() {
     LongHost host;
@@ -270,6 +367,7 @@ static void UseFont() {
 }
 
 static void UseConnect() {
+    OnWindowThread([] { lstrcpyW(session.settings.hist0a, u"an.earlier.host"); });
     InDialog(IDM_CONNECT, IDCANCEL, [] {
         TypeInto(IDC_HOST, "127.0.0.1");
         ClickControl(IDC_ADVANCED);
@@ -392,27 +490,35 @@ static void DialUp() {
 
 // ---------------------------------------------------------------- the table
 
+static const char kThreads[] = "_Z12CreateThreadPvjPFjS_ES_jPj";
+
 // clang-format off
 const std::vector<Segment> segments = {
-    {"Start",      StageNothing, DoNothing},
-    {"Import",     StageImport,  ImportFile},
-    {"Window",     StageNothing, UseWindow},
-    {"Telnet",     StageNothing, HoldTelnet},
-    {"Ssh1",       StageNothing, HoldSsh1},
-    {"Ssh2",       StageNothing, HoldSsh2},
-    {"Blowfish",   StageNothing, HoldBlowfish},
-    {"HostName",   StageNothing, LookUpHost},
-    {"Refused",    StageNothing, BeRefused},
-    {"Clipboard",  StageNothing, UseClipboard},
-    {"Font",       StageNothing, UseFont},
-    {"Connect",    StageNothing, UseConnect},
-    {"AutoLogin",  StageNothing, UseAutoLogin},
-    {"Properties", StageNothing, UseSheet},
-    {"SignOn",     StageNothing, UseSignOn},
-    {"Chooser",    StageNothing, UseChooser},
-    {"Dial",       StageDial,    DialUp},
-    {"Reset",      StageNothing, ResetAll},
-    {"Exit",       StageNothing, Exit},
+    {"Start",      StageNothing, DoNothing,      nullptr},
+    {"Import",     StageImport,  ImportFile,     nullptr},
+    {"Window",     StageNothing, UseWindow,      nullptr},
+    {"Small",      StageSmall,   UseSmallWindow, nullptr},
+    {"Telnet",     StageNothing, HoldTelnet,     nullptr},
+    {"Ssh1",       StageNothing, HoldSsh1,       nullptr},
+    {"Ssh2",       StageNothing, HoldSsh2,       nullptr},
+    {"Blowfish",   StageNothing, HoldBlowfish,   nullptr},
+    {"NoSignOn1",  StageNothing, FailSsh1,       nullptr},
+    {"NoSignOn2",  StageNothing, FailSsh2,       nullptr},
+    {"HostName",   StageNothing, LookUpHost,     nullptr},
+    {"Refused",    StageNothing, BeRefused,      nullptr},
+    {"Threadless", StageNothing, BeRefused,      kThreads},
+    {"FullQueue",  StageNothing, FillQueue, kPosting},
+    {"Questions",  StageNothing, Ask,            nullptr},
+    {"Clipboard",  StageNothing, UseClipboard,   nullptr},
+    {"Font",       StageNothing, UseFont,        nullptr},
+    {"Connect",    StageNothing, UseConnect,     nullptr},
+    {"AutoLogin",  StageNothing, UseAutoLogin,   nullptr},
+    {"Properties", StageNothing, UseSheet,       nullptr},
+    {"SignOn",     StageNothing, UseSignOn,      nullptr},
+    {"Chooser",    StageNothing, UseChooser,     nullptr},
+    {"Dial",       StageDial,    DialUp,         nullptr},
+    {"Reset",      StageNothing, ResetAll,       nullptr},
+    {"Exit",       StageNothing, Exit,           nullptr},
 };
 // clang-format on
 
@@ -447,21 +553,62 @@ static std::string Unwell() {
     return "";
 }
 
+// ---------------------------------------------------------------- the settings on disk
+
+static std::string TextBytes(const WCHAR* text) {
+    std::string bytes;
+    do {
+        bytes += static_cast<char>(*text & 0xff);
+        bytes += static_cast<char>(*text >> 8);
+    } while (*text++);
+    return bytes;
+}
+
+static std::string NumberBytes(DWORD value) {
+    std::string bytes;
+    for (int i = 0; i < 4; ++i, value >>= 8) bytes += static_cast<char>(value & 0xff);
+    return bytes;
+}
+
+// How many settings the file does not have as the program had them at its end.
+static int CountUnsaved(const std::string& root) {
+    if (!std::filesystem::exists(root + "/registry.db")) return 0;
+    std::map<std::string, StoredSetting> stored = StoredSettings(root);
+    int unsaved = 0;
+    for (const NumberSetting& row : number_settings)
+        unsaved += stored[row.name].data != NumberBytes(*row.field);
+    for (const TextSetting& row : text_settings)
+        unsaved += stored[row.name].data != TextBytes(row.field);
+    return unsaved;
+}
+
+// ---------------------------------------------------------------- one run
+
+static void Act(const Segment& segment, RunResult& result) {
+    Settle();
+    segment.act();
+    CloseAll();
+    FailEvery(nullptr);
+    result.in_segment = HasFailed();
+    result.ended_early = !ProgramRuns();
+    if (!result.ended_early) result.first_try = g_wrong + Unwell();
+    CloseAll();
+    if (!result.first_try.empty() && ProgramRuns()) result.second_try = Unwell();
+    result.ended_early = !ProgramRuns();
+}
+
 RunResult RunSegment(const Segment& segment) {
     RunResult result;
     Stage stage;
     g_boxes.clear();
+    g_wrong.clear();
     segment.stage(stage);
-    result.code = RunProgram(stage, [&] {
-        Settle();
-        segment.act();
-        CloseAll();
-        result.ended_early = !ProgramRuns();
-        if (!result.ended_early) result.first_try = Unwell();
-        CloseAll();
-        if (!result.first_try.empty() && ProgramRuns()) result.unwell = Unwell();
-        result.ended_early = !ProgramRuns();
-    });
+    FailEvery(segment.broken);
+    result.code = RunProgram(stage, [&] { Act(segment, result); });
+    FailEvery(nullptr);
     result.boxes = g_boxes;
+    if (session.save_settings == 1) result.unsaved = CountUnsaved(stage.root);
+    if (std::filesystem::exists(stage.root + "/registry.db"))
+        result.integrity = Integrity(stage.root);
     return result;
 }
