@@ -6,6 +6,7 @@
 
 constexpr long kWaitMicroseconds = 200000;
 constexpr DWORD kWaitMilliseconds = 200;
+constexpr DWORD kRetryMilliseconds = 20;
 constexpr DWORD kEndMilliseconds = 5000;
 
 static bool OwnTurn() { return session.receive_ready.load(std::memory_order_acquire) == 1; }
@@ -26,10 +27,18 @@ static int WaitForSocket(SOCKET socket, fd_set* readable, fd_set* failed) {
     return select(0, read ? readable : nullptr, nullptr, failed, &timeout);
 }
 
+// A full queue refuses a message. Without the message the session would stop for good, so this
+// tries again until the program ends.
+static void Post(UINT message, WPARAM wparam) {
+    while (!PostMessageW(session.main_window, message, wparam, 0) &&
+           !session.receiving_done.load(std::memory_order_acquire))
+        WaitForSingleObject(session.handed_back, kRetryMilliseconds);
+}
+
 static void ReportConnected() {
     if (Connected()) return;
     session.connected.store(1, std::memory_order_release);
-    PostMessageW(session.main_window, WM_SOCKET_CONNECTED, 0, 0);
+    Post(WM_SOCKET_CONNECTED, 0);
 }
 
 // Reads one chunk into the buffer and passes it to the window thread. Returns false if the host has
@@ -38,7 +47,7 @@ static bool ReceiveChunk(SOCKET socket) {
     session.receive_count = recv(socket, session.receive_buffer, kReceiveSize, 0);
     if (session.receive_count == 0) return false;
     session.receive_ready.store(0, std::memory_order_release);
-    PostMessageW(session.main_window, WM_SOCKET_DATA, 0, 0);
+    Post(WM_SOCKET_DATA, 0);
     return true;
 }
 
@@ -55,10 +64,10 @@ static bool ServeSocket(SOCKET socket) {
     return ReceiveChunk(socket);
 }
 
-static void MakeEvents() {
-    if (session.handed_back) return;
-    session.handed_back = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    session.receive_ended = CreateEventW(nullptr, TRUE, TRUE, nullptr);
+static bool MakeEvents() {
+    if (!session.handed_back) session.handed_back = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    if (!session.receive_ended) session.receive_ended = CreateEventW(nullptr, TRUE, TRUE, nullptr);
+    return session.handed_back && session.receive_ended;
 }
 
 DWORD WINAPI ReceiveThread(LPVOID) {
@@ -66,21 +75,26 @@ DWORD WINAPI ReceiveThread(LPVOID) {
     session.receive_ready.store(1, std::memory_order_release);
     while (ServeSocket(socket)) {
     }
-    PostMessageW(session.main_window, WM_SOCKET_DATA, 1, 0);
+    Post(WM_SOCKET_DATA, 1);
     SetEvent(session.receive_ended);  // the next session may start now
     return 1;
 }
 
-void StartReceiveThread() {
-    MakeEvents();
+static HANDLE MakeThread() {
+    if (!MakeEvents()) return nullptr;
     ResetEvent(session.receive_ended);
     const HANDLE thread = CreateThread(nullptr, 0, ReceiveThread, nullptr, 0, nullptr);
-    if (thread) {
+    if (!thread) SetEvent(session.receive_ended);
+    return thread;
+}
+
+void StartReceiveThread() {
+    session.receiving_done.store(0, std::memory_order_release);
+    if (const HANDLE thread = MakeThread()) {
         CloseHandle(thread);
-        return;
+    } else if (!PostMessageW(session.main_window, WM_SOCKET_DATA, 1, 0)) {
+        SendMessageW(session.main_window, WM_SOCKET_DATA, 1, 0);
     }
-    SetEvent(session.receive_ended);
-    PostMessageW(session.main_window, WM_SOCKET_DATA, 1, 0);
 }
 
 int AwaitReceiveThread() {
@@ -93,8 +107,11 @@ void WakeReceiveThread() {
 }
 
 void EndReceiving() {
-    if (!session.handed_back || !AwaitReceiveThread()) return;
-    CloseHandle(session.handed_back);
-    CloseHandle(session.receive_ended);
-    session.handed_back = session.receive_ended = nullptr;
+    session.receiving_done.store(1, std::memory_order_release);
+    WakeReceiveThread();
+    if (!AwaitReceiveThread()) return;
+    for (HANDLE* event : {&session.handed_back, &session.receive_ended}) {
+        if (*event) CloseHandle(*event);
+        *event = nullptr;
+    }
 }

@@ -37,10 +37,13 @@ Bignum BignumPowerOfTwo(int bit) {
 }
 
 Bignum BignumCopy(ConstBignum a) {
+    if (a == nullptr) return nullptr;
     Bignum copy = BignumNew(a[0]);
     if (copy != nullptr) memcpy(copy, a, (size_t{a[0]} + 1) * sizeof(uint16_t));
     return copy;
 }
+
+static int WordCount(ConstBignum a) { return a == nullptr ? 0 : a[0]; }
 
 // The words that BignumNormalise removed are zero, so it is enough to wipe the remaining ones.
 void BignumFree(Bignum a) {
@@ -48,42 +51,44 @@ void BignumFree(Bignum a) {
 }
 
 void BignumNormalise(Bignum a) {
-    while (a[0] > 1 && a[a[0]] == 0) --a[0];
+    while (WordCount(a) > 1 && a[a[0]] == 0) --a[0];
 }
 
 int BignumBitLength(ConstBignum a) {
-    int words = a[0];
+    int words = WordCount(a);
     while (words > 0 && a[words] == 0) --words;
     return words == 0 ? 0 : 16 * (words - 1) + static_cast<int>(std::bit_width(a[words]));
 }
 
 uint8_t BignumByte(ConstBignum a, int index) {
-    if (index < 0 || index >= 2 * a[0]) return 0;
+    if (index < 0 || index >= 2 * WordCount(a)) return 0;
     return static_cast<uint8_t>(a[1 + index / 2] >> (index % 2 * 8));
 }
 
 int BignumBit(ConstBignum a, int bit) {
-    if (bit < 0 || bit >= 16 * a[0]) return 0;
+    if (bit < 0 || bit >= 16 * WordCount(a)) return 0;
     return (a[1 + bit / 16] >> (bit % 16)) & 1;
 }
 
 void BignumSetBit(Bignum a, int bit, int value) {
-    if (bit < 0 || bit >= 16 * a[0]) return;
+    if (bit < 0 || bit >= 16 * WordCount(a)) return;
     uint16_t mask = static_cast<uint16_t>(1 << (bit % 16));
     uint16_t& word = a[1 + bit / 16];
     word = static_cast<uint16_t>(value != 0 ? word | mask : word & ~mask);
 }
 
 int BignumCompare(ConstBignum a, ConstBignum b) {
-    for (int i = a[0] > b[0] ? a[0] : b[0]; i > 0; --i) {
-        uint16_t left = i <= a[0] ? a[i] : uint16_t{0};
-        uint16_t right = i <= b[0] ? b[i] : uint16_t{0};
+    int a_words = WordCount(a), b_words = WordCount(b);
+    for (int i = a_words > b_words ? a_words : b_words; i > 0; --i) {
+        uint16_t left = i <= a_words ? a[i] : uint16_t{0};
+        uint16_t right = i <= b_words ? b[i] : uint16_t{0};
         if (left != right) return left < right ? -1 : 1;
     }
     return 0;
 }
 
 Bignum BignumShiftRight(ConstBignum a, int bits) {
+    if (a == nullptr) return nullptr;
     int left = BignumBitLength(a) - bits;
     Bignum result = BignumNew(left > 0 ? (left + 15) / 16 : 0);
     if (result == nullptr) return nullptr;
@@ -98,7 +103,7 @@ Bignum BignumShiftRight(ConstBignum a, int bits) {
 
 uint16_t BignumModSmall(ConstBignum a, uint16_t modulus) {
     uint32_t remainder = 0;
-    for (int i = a[0]; i > 0; --i) remainder = (remainder << 16 | a[i]) % modulus;
+    for (int i = WordCount(a); i > 0; --i) remainder = (remainder << 16 | a[i]) % modulus;
     return static_cast<uint16_t>(remainder);
 }
 
@@ -134,11 +139,14 @@ Bignum BignumFromSsh1Bytes(const uint8_t* buffer, int length) {
 int BignumSsh2Size(ConstBignum a) { return (BignumBitLength(a) + 8) / 8 + 4; }
 
 uint8_t* EncodeMpint(ConstBignum a, int* length) {
+    *length = 0;
+    if (a == nullptr) return nullptr;
     int bits = BignumBitLength(a);
     int count = bits == 0 ? 0 : (bits + 8) / 8;
     uint8_t* body = static_cast<uint8_t*>(calloc(static_cast<size_t>(count) + 1, 1));
-    *length = body == nullptr ? 0 : count;
-    if (body != nullptr) BignumToBytes(body, count, a);
+    if (body == nullptr) return nullptr;
+    *length = count;
+    BignumToBytes(body, count, a);
     return body;
 }
 
@@ -248,6 +256,7 @@ static bool Divide(ConstBignum a, ConstBignum divisor, Bignum quotient, Bignum r
 }
 
 Bignum BignumMod(ConstBignum a, ConstBignum modulus) {
+    if (a == nullptr || modulus == nullptr) return nullptr;
     Bignum result = BignumNew(modulus[0]);
     if (result == nullptr || Divide(a, modulus, nullptr, result)) return result;
     BignumFree(result);
@@ -255,6 +264,7 @@ Bignum BignumMod(ConstBignum a, ConstBignum modulus) {
 }
 
 Bignum BignumDiv(ConstBignum a, ConstBignum divisor) {
+    if (a == nullptr || divisor == nullptr) return nullptr;
     Bignum result = BignumNew(a[0]);
     if (result == nullptr || Divide(a, divisor, result, nullptr)) return result;
     BignumFree(result);
@@ -263,6 +273,7 @@ Bignum BignumDiv(ConstBignum a, ConstBignum divisor) {
 
 // Adds c to the product before the carries are resolved.
 Bignum BignumMulAdd(ConstBignum a, ConstBignum b, ConstBignum c) {
+    if (a == nullptr || b == nullptr || c == nullptr) return nullptr;
     int aCount = SignificantWords(a), bCount = SignificantWords(b), cCount = SignificantWords(c);
     int count = (aCount + bCount > cCount ? aCount + bCount : cCount) + 1;
     Scratch scratch;
@@ -281,6 +292,7 @@ Bignum BignumMulAdd(ConstBignum a, ConstBignum b, ConstBignum c) {
 }
 
 Bignum BignumModMul(ConstBignum a, ConstBignum b, ConstBignum modulus) {
+    if (a == nullptr || b == nullptr || modulus == nullptr) return nullptr;
     int aCount = SignificantWords(a), bCount = SignificantWords(b);
     Scratch scratch;
     if (!ScratchOpen(&scratch, modulus, aCount + bCount + 1, aCount, bCount)) return nullptr;
@@ -330,6 +342,7 @@ static Bignum PowerOfReduced(ConstBignum base, ConstBignum exponent, ConstBignum
 
 // Each step works on all columns, so a base longer than the modulus is reduced first.
 Bignum BignumModPow(ConstBignum base, ConstBignum exponent, ConstBignum modulus) {
+    if (base == nullptr || exponent == nullptr || modulus == nullptr) return nullptr;
     if (SignificantWords(base) <= SignificantWords(modulus))
         return PowerOfReduced(base, exponent, modulus);
     Bignum reduced = BignumMod(base, modulus);
@@ -382,7 +395,8 @@ static Bignum Subtract(ConstBignum a, ConstBignum b) {
 Bignum BignumModInverse(ConstBignum a, ConstBignum modulus) {
     Euclid state = {BignumCopy(modulus), BignumCopy(a), BignumFromUint32(0), BignumFromUint32(1)};
     int sign = 1;
-    bool whole = true;
+    bool whole = state.first != nullptr && state.second != nullptr &&
+                 state.coefficient_first != nullptr && state.coefficient_second != nullptr;
     while (whole && BignumCompare(state.second, BignumOne) > 0) {
         whole = EuclidStep(&state);
         sign = -sign;

@@ -6,9 +6,10 @@
 // least significant, is the low byte of word 1 + i/2 if i is even, and its high byte if i is odd.
 //
 // The caller owns each new Bignum and releases it with BignumFree, which wipes it. A value has at
-// most 65,535 words. A result that needs more, or for which there is no memory, is null. In all of
-// crypto/ only BignumFree accepts a null integer. If the peer determines the size of a result,
-// callers check the result for null. If only a lack of memory could make it null, they do not.
+// most 65,535 words. A result that needs more, or for which there is no memory, is null. Every
+// operation accepts null integers: an integer made from one is null too, and every other operation
+// takes it for a zero without words. So callers need to check only the last result of a
+// calculation for null.
 #ifndef QUILL_CRYPTO_BIGNUM_H
 #define QUILL_CRYPTO_BIGNUM_H
 
@@ -60,7 +61,8 @@ Bignum BignumFromSsh1Bytes(const uint8_t* buffer, int length);
 int BignumSsh2Size(ConstBignum a);  // an upper bound of its bytes, length field included
 // Returns the body of the mpint, without its length field, in a new block of *length bytes. It has
 // no redundant leading zero bytes, but a zero byte before a set top bit; for zero it has no bytes.
-// The caller releases it with WipeAndFree (text/bytes.h).
+// The caller releases it with WipeAndFree (text/bytes.h). Null, with *length 0, if the number is
+// null or there is no memory.
 uint8_t* EncodeMpint(ConstBignum a, int* length);
 
 // ---------------------------------------------------------------- arithmetic

@@ -73,10 +73,11 @@ bool RsaEncrypt(uint8_t* buffer, int length, const RsaKey* key) {
     buffer[separator] = 0x00;
     Bignum block = BignumFromBytes(buffer, key->bytes);
     Bignum result = BignumModPow(block, key->exponent, key->modulus);
-    BignumToBytes(buffer, key->bytes, result);
+    bool encrypted = result != nullptr;
+    if (encrypted) BignumToBytes(buffer, key->bytes, result);
     BignumFree(block);
     BignumFree(result);
-    return true;
+    return encrypted;
 }
 
 // ---------------------------------------------------------------- Diffie-Hellman
@@ -125,6 +126,7 @@ static Bignum RandomBits(int bits) {
 static Bignum RandomBelow(ConstBignum bound) {
     int size = BignumSsh1Size(bound);
     uint8_t* bytes = static_cast<uint8_t*>(malloc(static_cast<size_t>(size)));
+    if (bytes == nullptr) return nullptr;
     BignumToSsh1Bytes(bytes, bound);
     for (int i = 2; i < size; ++i) bytes[i] = static_cast<uint8_t>(bytes[i] & RandomByte());
     Bignum result = BignumFromSsh1Bytes(bytes, size);
@@ -132,14 +134,26 @@ static Bignum RandomBelow(ConstBignum bound) {
     return result;
 }
 
+static void Release(Bignum* a) {
+    BignumFree(*a);
+    *a = nullptr;
+}
+
+static bool HasGroup(const DhContext* context) {
+    return context->p != nullptr && context->g != nullptr && context->q != nullptr &&
+           context->bound != nullptr;
+}
+
 ConstBignum DhGenerate(DhContext* context, int bits) {
     bool stated = bits > 0 && bits <= BignumBitLength(context->bound);
+    Release(&context->e);
     do {
-        BignumFree(context->x);
+        Release(&context->x);
+        if (!HasGroup(context)) return nullptr;
         context->x = stated ? RandomBits(bits) : RandomBelow(context->bound);
+        if (context->x == nullptr) return nullptr;
     } while (BignumCompare(context->x, BignumOne) <= 0 ||
              BignumCompare(context->x, context->q) >= 0);
-    BignumFree(context->e);
     context->e = BignumModPow(context->g, context->x, context->p);
     return context->e;
 }
@@ -148,11 +162,6 @@ Bignum DhSharedSecret(const DhContext* context, ConstBignum f) {
     if (context->p == nullptr || context->x == nullptr) return nullptr;
     if (BignumBitLength(f) == 0 || BignumCompare(f, context->p) >= 0) return nullptr;
     return BignumModPow(f, context->x, context->p);
-}
-
-static void Release(Bignum* a) {
-    BignumFree(*a);
-    *a = nullptr;
 }
 
 void DhRelease(DhContext* context) {
@@ -254,7 +263,7 @@ static bool Matches(const DssKey* key, ConstBignum r, ConstBignum s, ConstBignum
     Bignum w = BignumModInverse(s, key->q);
     if (w == nullptr) return false;  // q is not prime
     Bignum v = Recompute(key, h, r, w);
-    bool good = BignumCompare(v, r) == 0;
+    bool good = v != nullptr && BignumCompare(v, r) == 0;
     BignumFree(w);
     BignumFree(v);
     return good;

@@ -35,7 +35,7 @@ void RsaReleaseKey(RsaKey* key);
 
 // Encrypts the first `length` bytes of the buffer and writes the result, key->bytes bytes, to its
 // start. Returns false and does not change the buffer if there is no room for the padding's three
-// fixed bytes.
+// fixed bytes. Returns false too if there is no memory; the buffer then has the padded text.
 bool RsaEncrypt(uint8_t* buffer, int length, const RsaKey* key);
 
 // ---------------------------------------------------------------- ssh-dss
@@ -92,7 +92,8 @@ extern const uint8_t kDhPrime[128];  // big-endian
 void DhSetup(DhContext* context);
 // Chooses a new random exponent x, 1 < x < q, of at most `bits` bits, and returns e, which the
 // context owns. If `bits` is 0 or more than q has, x has at most as many bits as q. `bits` must not
-// be 1, since no such exponent exists. Earlier values of x and e are released.
+// be 1, since no such exponent exists. Earlier values of x and e are released. Returns null if
+// there is no memory, or was none for the group.
 ConstBignum DhGenerate(DhContext* context, int bits);
 // Returns f^x mod p, which the caller owns. Returns null unless 0 < f < p (RFC 4253, 8) and there
 // are a group and an exponent.

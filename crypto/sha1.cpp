@@ -135,10 +135,16 @@ void Sha1UpdateString(Sha1Context* context, const uint8_t* bytes, int length) {
 }
 
 void Sha1UpdateMpint(Sha1Context* context, ConstBignum integer) {
-    int length = 0;
-    uint8_t* body = EncodeMpint(integer, &length);
-    Sha1UpdateString(context, body, length);
-    WipeAndFree(body, static_cast<size_t>(length));
+    int bits = BignumBitLength(integer);
+    int count = bits == 0 ? 0 : (bits + 8) / 8;
+    uint8_t size[4], byte = 0;
+    StoreBig<uint32_t>(size, static_cast<uint32_t>(count));
+    Sha1Update(context, size, sizeof(size));
+    for (int i = count - 1; i >= 0; --i) {
+        byte = BignumByte(integer, i);
+        Sha1Update(context, &byte, 1);
+    }
+    Wipe(&byte, 1);
 }
 
 // ---------------------------------------------------------------- with SHA instructions

@@ -71,6 +71,7 @@ static void SendKexDhInit() {
     DhSetup(&dh);
     int length;
     BYTE* e = EncodeMpint(DhGenerate(&dh, kDhExponentBits), &length);
+    if (!e) return CloseSession();  // no memory
     BeginPacket(kMsgKexDhInit, 1 + 4 + length);
     PutBlock(Payload(), e, length);
     WipeAndFree(e, static_cast<size_t>(length));

@@ -44,6 +44,7 @@ static void TakeFace(HWND dialog) {
     session.dialog_result = static_cast<int>(selected);
     if (selected < 0) return;
     const LRESULT face = AskList(dialog, LB_GETITEMDATA, static_cast<WPARAM>(selected));
+    if (face < 0 || face >= session.view.face_count) return;
     CopyBounded(s.fname, session.view.faces[face].font.lfFaceName, kSettingUnits);
 }
 

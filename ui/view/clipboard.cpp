@@ -58,12 +58,15 @@ static WCHAR* CopyRow(int row, const ScreenArea& area, WCHAR* to) {
 }
 
 // Other programs can read the whole block, which may be larger than the requested size. Clearing it
-// keeps old heap contents from them.
-static void CopyText(const ScreenArea& area, HLOCAL block) {
+// keeps old heap contents from them. False if the block has no memory.
+static bool CopyText(const ScreenArea& area, HLOCAL block) {
     auto* to = static_cast<WCHAR*>(LocalLock(block));
+    if (!to) return false;
     memset(to, 0, LocalSize(block));
     for (int row = area.first_row; row <= area.last_row; ++row) to = CopyRow(row, area, to);
+    *to = 0;
     LocalUnlock(block);
+    return true;
 }
 
 // If the clipboard accepts the block, it owns the block. Otherwise the block is freed here.
@@ -80,7 +83,10 @@ void CopySelection() {
     const auto rows = static_cast<UINT>(area.last_row - area.first_row);
     const HLOCAL block = LocalAlloc(LMEM_MOVEABLE, rows * kBytesARow + kBytesARow + sizeof(WCHAR));
     if (!block) return;
-    CopyText(area, block);
+    if (!CopyText(area, block)) {
+        LocalFree(block);
+        return;
+    }
     HandToClipboard(block);
     DropSelection();
 }

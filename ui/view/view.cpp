@@ -111,7 +111,7 @@ static void SetUpBar(int bar, int cells, int visible) {
 void MeasureView() {
     ViewState& view = session.view;
     RECT window = {};
-    GetWindowRect(session.client_window, &window);
+    if (!GetWindowRect(session.client_window, &window)) return;  // the next paint measures again
     int width = window.right - window.left, height = window.bottom - window.top;
     bool vertical = false, horizontal = false;
     for (int round = 0; round < 3; ++round) {

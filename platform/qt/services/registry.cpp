@@ -4,6 +4,7 @@
 
 #include <map>
 #include <mutex>
+#include <set>
 
 #include "platform/qt/services/services.h"
 #include "windows_ce.h"
@@ -27,6 +28,7 @@ struct Registry {
     std::mutex mutex;
     RegistryStore store;
     std::map<HKEY, OpenKey> open;
+    std::set<std::string> unread;  // keys and values that the file failed to give
     UINT_PTR last = 0;
 };
 
@@ -65,6 +67,24 @@ static bool TakeName(LPCWSTR* sub_key, std::u16string* name) {
     while (**sub_key == u'\\') ++*sub_key;
     while (**sub_key && **sub_key != u'\\') name->push_back(*(*sub_key)++);
     return !name->empty();
+}
+
+static std::string KeyPlace(const std::string& path) { return DeviceRoot() + "\n" + path; }
+
+static std::string ValuePlace(const std::string& path, const std::string& value_name) {
+    return KeyPlace(path) + "\n" + value_name;
+}
+
+// Who cannot read a value goes on with another one. To store that later, when the file can be used
+// again, would destroy the user's value.
+static void NoteUnread(Registry& registry, const std::string& place, LONG error) {
+    if (error == kErrorRegistryFailed) registry.unread.insert(place);
+}
+
+static bool IsUnread(const Registry& registry, const std::string& path,
+                     const std::string& value_name) {
+    return registry.unread.contains(KeyPlace(path)) ||
+           registry.unread.contains(ValuePlace(path, value_name));
 }
 
 static HKEY AddKey(Registry& registry, const std::string& path, DWORD access) {
@@ -124,6 +144,7 @@ LONG RegOpenKeyExW(HKEY key, LPCWSTR sub_key, DWORD, DWORD access, HKEY* result)
     std::string path;
     LONG error = FindKey(registry, key, 0, &path);
     if (error == ERROR_SUCCESS) error = WalkTo(registry, sub_key, &path, nullptr);
+    if (access & KEY_QUERY_VALUE) NoteUnread(registry, KeyPlace(path), error);
     if (error == ERROR_SUCCESS) *result = AddKey(registry, path, access);
     return error;
 }
@@ -155,6 +176,7 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE
     StoredValue value;
     if (!ReadRunValue(registry.store, path, value_name, &value))
         error = ErrorOf(registry.store.Read(path, value_name, &value));
+    NoteUnread(registry, ValuePlace(path, value_name), error);
     return error == ERROR_SUCCESS ? HandOut(value, type, data, size) : error;
 }
 
@@ -168,6 +190,7 @@ LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD, DWORD type, const BYTE* data,
     StoredValue value{type, {}};
     if (size > 0) value.data.assign(reinterpret_cast<const char*>(data), size);
     if (KeepRunValue(path, value_name, value)) return ERROR_SUCCESS;
+    if (IsUnread(registry, path, value_name)) return kErrorRegistryFailed;
     return ErrorOf(registry.store.Write(path, value_name, value));
 }
 
@@ -223,4 +246,5 @@ void CloseRegistry() {
     const std::lock_guard<std::mutex> lock(registry.mutex);
     registry.store.Release();
     registry.store.Close();
+    registry.unread.clear();
 }

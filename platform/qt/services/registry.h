@@ -3,7 +3,8 @@
 // and mode 0600. It is in WAL mode, so a process that is killed at any moment leaves each value
 // either old or new. A row without a name means that its key exists. If the file cannot be read as
 // that table, it is renamed to registry.db.damaged (then .damaged-2, ...), and a new one is
-// created. Several processes may share a root.
+// created. Several processes may share a root. A value that the file failed to give is not
+// overwritten until CloseRegistry, because the caller went on with another one.
 //
 // Below: the program's own key in the registry, the values that hold for one run only, and the
 // export of the stored settings.
@@ -70,7 +71,9 @@ class RegistryStore {
     Opened TakeFile();
     Opened CheckContent(bool* empty);
     Opened Prepare();
-    Opened Classify(int result) const;
+    Opened Classify(int result);
+    int Patience() const;  // milliseconds to wait for another process
+    void NoteBusy(bool busy);
     void Abandon();  // closes without a write to the file
 
     std::string path_;
@@ -79,6 +82,9 @@ class RegistryStore {
     sqlite3* database_ = nullptr;
     sqlite3_stmt* statements_[kStatements] = {};
     bool holds_ = false;     // reads begin a transaction and leave it open
+    // Another process kept the file locked the last time. The calls then fail at once until one
+    // succeeds: a save of all settings waits once, not for each value.
+    bool busy_ = false;
     std::string known_key_;  // the last one that was found; empty: none since the file was opened
 };
 

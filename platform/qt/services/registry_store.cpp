@@ -47,11 +47,12 @@ namespace {
 // with the process.
 class FolderLock {
   public:
-    explicit FolderLock(const std::string& folder)
+    FolderLock(const std::string& folder, int patience)
         : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        for (int waited = 0; folder_ >= 0 && waited < kBusyMilliseconds; waited += kBusyStep) {
-            if (flock(folder_, LOCK_EX | LOCK_NB) == 0) held_ = true;
-            if (held_ || errno != EWOULDBLOCK) break;
+        for (int waited = 0; folder_ >= 0; waited += kBusyStep) {
+            held_ = flock(folder_, LOCK_EX | LOCK_NB) == 0;
+            busy_ = !held_ && errno == EWOULDBLOCK;
+            if (!busy_ || waited >= patience) break;
             usleep(kBusyStep * 1000);
         }
     }
@@ -61,10 +62,12 @@ class FolderLock {
     FolderLock(const FolderLock&) = delete;
     FolderLock& operator=(const FolderLock&) = delete;
     bool held() const { return held_; }
+    bool busy() const { return busy_; }  // another process kept it
 
   private:
     int folder_;
     bool held_ = false;
+    bool busy_ = false;
 };
 
 }  // namespace
@@ -128,7 +131,16 @@ static void BindText(sqlite3_stmt* statement, int place, const std::string& text
     sqlite3_bind_text64(statement, place, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
 }
 
-RegistryStore::Opened RegistryStore::Classify(int result) const {
+int RegistryStore::Patience() const { return busy_ ? 0 : kBusyMilliseconds; }
+
+void RegistryStore::NoteBusy(bool busy) {
+    if (busy == busy_) return;
+    busy_ = busy;
+    if (database_) sqlite3_busy_timeout(database_, Patience());
+}
+
+RegistryStore::Opened RegistryStore::Classify(int result) {
+    NoteBusy((result & 0xFF) == SQLITE_BUSY);
     if (result == SQLITE_OK) return Opened::kSound;
     // SQLITE_ERROR means that another program made the file: the table is missing, or the format
     // differs.
@@ -184,7 +196,7 @@ RegistryStore::Opened RegistryStore::OpenFile() {
     if (sqlite3_open_v2(path_.c_str(), &database_, flags, nullptr) != SQLITE_OK)
         return Opened::kFailed;
     sqlite3_extended_result_codes(database_, 1);
-    sqlite3_busy_timeout(database_, kBusyMilliseconds);
+    sqlite3_busy_timeout(database_, Patience());
     sqlite3_db_config(database_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(database_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     bool empty = false;
@@ -199,7 +211,8 @@ RegistryStore::Opened RegistryStore::OpenFile() {
 
 bool RegistryStore::Open(bool damaged) {
     path_ = DeviceRoot() + "/registry.db";
-    const FolderLock lock(DeviceRoot());
+    const FolderLock lock(DeviceRoot(), Patience());
+    if (lock.busy()) NoteBusy(true);
     if (!lock.held()) return false;
     // Another process may already have set the file aside.
     if (damaged && IsOwnFile() && !SetAside(path_)) return false;
@@ -265,7 +278,11 @@ int RegistryStore::RunOnce(Statement which, const std::string& key, const std::s
     if (result == SQLITE_ROW && row) row(statement);
     const int reset = sqlite3_reset(statement);
     sqlite3_clear_bindings(statement);
-    return reset == SQLITE_OK ? result : reset;
+    if (reset != SQLITE_OK) result = reset;
+    // Reads need no lock while another process writes: they do not say that it has ended.
+    if ((result & 0xFF) == SQLITE_BUSY || (value && result == SQLITE_DONE))
+        NoteBusy(result != SQLITE_DONE);
+    return result;
 }
 
 int RegistryStore::Run(Statement which, const std::string& key, const std::string* name,

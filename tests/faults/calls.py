@@ -1,0 +1,41 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Holds the calls of the slice in the program's libraries against calls.inc and cannot_fail.txt.
+
+Usage: calls.py BUILD
+"""
+import pathlib
+import re
+import subprocess
+import sys
+
+HERE = pathlib.Path(__file__).resolve().parent
+FOLDERS = ("app", "connection", "crypto", "protocol", "session", "settings", "terminal", "text", "ui")
+
+
+def symbols(archives, kind):
+    out = subprocess.run(["nm", *archives], capture_output=True, text=True, check=True).stdout
+    return {line.split()[-1] for line in out.splitlines() if f" {kind} " in f" {line} "}
+
+
+def main():
+    build = pathlib.Path(sys.argv[1])
+    own = [str(path) for folder in FOLDERS for path in sorted((build / folder).rglob("*.a"))]
+    slice_ = [str(path) for path in sorted((build / "platform/qt").glob("*.a"))]
+    called = symbols(own, "U") & symbols(slice_, "T")
+    failed = set(re.findall(r"^FAULT_CALL\((\w+),", (HERE / "calls.inc").read_text(), re.M))
+    lines = (HERE / "cannot_fail.txt").read_text().splitlines()
+    exempt = {name for line in lines if not line.startswith("#") for name in line.split()}
+    missing = sorted(name for name in called - failed
+                     if not any(name.startswith(f"_Z{len(one)}{one}") for one in exempt))
+    for name in missing:
+        print(f"{name}: neither in calls.inc nor in cannot_fail.txt")
+    stale = sorted(failed - called - {"malloc", "calloc"})
+    for name in stale:
+        print(f"{name}: in calls.inc, but the program does not call it")
+    print(f"{len(called)} calls of the slice, {len(failed)} of them and of memory are made to fail")
+    sys.exit(1 if missing or stale or not called else 0)
+
+
+if __name__ == "__main__":
+    main()
