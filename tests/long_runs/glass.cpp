@@ -29,11 +29,11 @@ static CellColors ColorsOfCell(DWORD cell) {
     return colors;
 }
 
-// In smaller cells, a letter may have no pixel of its own.
+// In smaller cells, a letter may have no pixel of its own, and reach further than its neighbour.
 static constexpr int kLeastWidth = 3;
 static constexpr int kLeastHeight = 6;
 
-static bool LettersAreDrawn() {
+static bool CellsAreJudged() {
     return session.view.cell_width >= kLeastWidth && session.view.cell_height >= kLeastHeight;
 }
 
@@ -72,7 +72,7 @@ static bool IsShown(const QImage& picture, const DWORD* cell, int row, int col) 
     const QRect middle = MiddleOfCell(row, col);
     if (*cell & kCellUnderline || !picture.rect().contains(middle)) return true;
     if (IsAmongEmpty(cell)) return AllOf(picture, middle, colors.background);
-    if (!LettersAreDrawn() || !IsLetter(*cell) || colors.text == colors.background) return true;
+    if (!IsLetter(*cell) || colors.text == colors.background) return true;
     return !AllOf(picture, middle, colors.background);
 }
 
@@ -88,6 +88,7 @@ static std::string Describe(DWORD cell, int row, int col) {
 static std::string CellNotShown(const QImage& picture) {
     const ScreenBuffer& screen = session.screen;
     const ViewState& view = session.view;
+    if (!CellsAreJudged()) return "";
     for (int i = 1; i <= view.visible_rows && view.view_top + i <= screen.rows; ++i) {
         const int row = view.view_top + i;
         const DWORD* cells = GetPaintRow(row);

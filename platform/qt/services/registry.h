@@ -81,7 +81,7 @@ class RegistryStore {
     ino_t inode_ = 0;
     sqlite3* database_ = nullptr;
     sqlite3_stmt* statements_[kStatements] = {};
-    bool holds_ = false;     // reads begin a transaction and leave it open
+    bool holds_ = false;  // reads begin a transaction and leave it open
     // Another process kept the file locked the last time. The calls then fail at once until one
     // succeeds: a save of all settings waits once, not for each value.
     bool busy_ = false;
