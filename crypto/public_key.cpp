@@ -263,7 +263,7 @@ static bool Matches(const DssKey* key, ConstBignum r, ConstBignum s, ConstBignum
     Bignum w = BignumModInverse(s, key->q);
     if (w == nullptr) return false;  // q is not prime
     Bignum v = Recompute(key, h, r, w);
-    bool good = v != nullptr && BignumCompare(v, r) == 0;
+    bool good = BignumCompare(v, r) == 0;  // r is not zero, so a null v is another number
     BignumFree(w);
     BignumFree(v);
     return good;

@@ -436,15 +436,3 @@ TEST_F(SmallDisk, PutBackInTimeGetsTheSettings) {
     });
     EXPECT_EQ(kNewPort, StoredNumber(root, "port"));
 }
-
-TEST_F(SmallDisk, PutInAfterTheStartKeepsItsSettings) {
-    StoreUsersSettings(root);
-    TakeAway();
-    UseProgram(root, [&] {
-        EXPECT_EQ(23u, Port());
-        HoldSession();
-        PutBack();
-        SaveByDialog();
-    });
-    ExpectNextRun(root, kKeptPort);
-}
