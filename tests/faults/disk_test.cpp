@@ -13,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <thread>
 
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
@@ -243,6 +244,14 @@ static std::function<bool()> LockBy(const std::string& root, const char* stateme
     };
 }
 
+static void ForgetStored(const std::string& root, const std::string& name) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open(File(root).c_str(), &database));
+    const std::string statement = "DELETE FROM registry WHERE name = '" + name + "'";
+    EXPECT_EQ(SQLITE_OK, sqlite3_exec(database, statement.c_str(), nullptr, nullptr, nullptr));
+    sqlite3_close(database);
+}
+
 static const char kLockWrites[] = "BEGIN IMMEDIATE";
 static const char kLockAll[] =
     "PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; "
@@ -259,6 +268,24 @@ TEST_F(DiskFaults, FileLockedForWritingKeepsItsSettings) {
     });
     other.Release();
     ExpectNextRun(root, kKeptPort);
+}
+
+// After a second without a save, the next one waits for the other process again.
+TEST_F(DiskFaults, FileLockedAgainForAMomentGetsTheSettings) {
+    StoreUsersSettings(root);
+    OtherProcess other(LockBy(root, kLockWrites));
+    ASSERT_TRUE(other.locked());
+    UseProgram(root, [&] {
+        Work();
+        Sleep(1100);
+        std::thread release([&] {
+            Sleep(500);
+            other.Release();
+        });
+        SaveByDialog();
+        release.join();
+        EXPECT_EQ(kNewPort, StoredNumber(root, "port"));
+    });
 }
 
 TEST_F(DiskFaults, FileUnlockedInTimeGetsTheSettings) {
@@ -284,6 +311,21 @@ TEST_F(DiskFaults, FileLockedAtTheStartKeepsItsSettings) {
         SaveByDialog();
     });
     ExpectNextRun(root, kKeptPort);
+}
+
+// A value that the file does not have cannot be lost.
+TEST_F(DiskFaults, FileLockedAtTheStartTakesTheValuesThatItLacks) {
+    StoreUsersSettings(root);
+    ForgetStored(root, "port");
+    OtherProcess other(LockBy(root, kLockAll));
+    ASSERT_TRUE(other.locked());
+    UseProgram(root, [&] {
+        HoldSession();
+        other.Release();
+        SetPort(kNewPort);
+        SaveByDialog();
+    });
+    EXPECT_EQ(kNewPort, StoredNumber(root, "port"));
 }
 
 TEST_F(DiskFaults, FolderLockedForLongKeepsItsSettings) {
@@ -374,6 +416,15 @@ TEST_F(SmallDisk, FullAtTheFirstStart) {
     });
     Empty();
     ExpectNextRun(root, 23);
+}
+
+TEST_F(SmallDisk, EmptiedDuringTheFirstRunGetsTheSettings) {
+    Fill();
+    UseProgram(root, [&] {
+        Work();
+        Empty();
+    });
+    EXPECT_EQ(kNewPort, StoredNumber(root, "port"));
 }
 
 TEST_F(SmallDisk, FullAtTheStartKeepsItsSettings) {

@@ -28,7 +28,8 @@ struct Registry {
     std::mutex mutex;
     RegistryStore store;
     std::map<HKEY, OpenKey> open;
-    std::set<std::string> unread;  // keys and values that the file failed to give
+    bool unread = false;          // the file failed to give a key or a value
+    std::set<std::string> known;  // values that were read, set or deleted
     UINT_PTR last = 0;
 };
 
@@ -69,22 +70,31 @@ static bool TakeName(LPCWSTR* sub_key, std::u16string* name) {
     return !name->empty();
 }
 
-static std::string KeyPlace(const std::string& path) { return DeviceRoot() + "\n" + path; }
-
 static std::string ValuePlace(const std::string& path, const std::string& value_name) {
-    return KeyPlace(path) + "\n" + value_name;
+    return DeviceRoot() + "\n" + path + "\n" + value_name;
 }
 
-// Who cannot read a value goes on with another one. To store that later, when the file can be used
-// again, would destroy the user's value.
-static void NoteUnread(Registry& registry, const std::string& place, LONG error) {
-    if (error == kErrorRegistryFailed) registry.unread.insert(place);
+static LONG ReadStored(Registry& registry, const std::string& path, const std::string& value_name,
+                       StoredValue* value) {
+    const LONG error = ErrorOf(registry.store.Read(path, value_name, value));
+    if (error == kErrorRegistryFailed)
+        registry.unread = true;
+    else
+        registry.known.insert(ValuePlace(path, value_name));
+    return error;
 }
 
-static bool IsUnread(const Registry& registry, const std::string& path,
-                     const std::string& value_name) {
-    return registry.unread.contains(KeyPlace(path)) ||
-           registry.unread.contains(ValuePlace(path, value_name));
+// If a value cannot be read, the program uses its default. When the file can be used again, a save
+// must not replace the user's value with that default.
+static LONG CheckOverwrite(Registry& registry, const std::string& path,
+                           const std::string& value_name, const StoredValue& value) {
+    const std::string place = ValuePlace(path, value_name);
+    if (!registry.unread || registry.known.contains(place)) return ERROR_SUCCESS;
+    StoredValue stored;
+    const StoreResult read = registry.store.Read(path, value_name, &stored);
+    const bool same = stored.type == value.type && stored.data == value.data;
+    const bool keeps = read == StoreResult::kNotFound || (read == StoreResult::kOk && same);
+    return keeps ? ERROR_SUCCESS : kErrorRegistryFailed;
 }
 
 static HKEY AddKey(Registry& registry, const std::string& path, DWORD access) {
@@ -144,7 +154,7 @@ LONG RegOpenKeyExW(HKEY key, LPCWSTR sub_key, DWORD, DWORD access, HKEY* result)
     std::string path;
     LONG error = FindKey(registry, key, 0, &path);
     if (error == ERROR_SUCCESS) error = WalkTo(registry, sub_key, &path, nullptr);
-    if (access & KEY_QUERY_VALUE) NoteUnread(registry, KeyPlace(path), error);
+    if ((access & KEY_QUERY_VALUE) && error == kErrorRegistryFailed) registry.unread = true;
     if (error == ERROR_SUCCESS) *result = AddKey(registry, path, access);
     return error;
 }
@@ -175,8 +185,7 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE
     if (error != ERROR_SUCCESS) return error;
     StoredValue value;
     if (!ReadRunValue(registry.store, path, value_name, &value))
-        error = ErrorOf(registry.store.Read(path, value_name, &value));
-    NoteUnread(registry, ValuePlace(path, value_name), error);
+        error = ReadStored(registry, path, value_name, &value);
     return error == ERROR_SUCCESS ? HandOut(value, type, data, size) : error;
 }
 
@@ -185,22 +194,25 @@ LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD, DWORD type, const BYTE* data,
     Registry& registry = TheRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
     std::string path, value_name;
-    const LONG error = FindPlace(registry, key, KEY_SET_VALUE, name, &path, &value_name);
+    LONG error = FindPlace(registry, key, KEY_SET_VALUE, name, &path, &value_name);
     if (error != ERROR_SUCCESS) return error;
     StoredValue value{type, {}};
     if (size > 0) value.data.assign(reinterpret_cast<const char*>(data), size);
     if (KeepRunValue(path, value_name, value)) return ERROR_SUCCESS;
-    if (IsUnread(registry, path, value_name)) return kErrorRegistryFailed;
-    return ErrorOf(registry.store.Write(path, value_name, value));
+    error = CheckOverwrite(registry, path, value_name, value);
+    if (error == ERROR_SUCCESS) error = ErrorOf(registry.store.Write(path, value_name, value));
+    if (error == ERROR_SUCCESS) registry.known.insert(ValuePlace(path, value_name));
+    return error;
 }
 
 LONG RegDeleteValueW(HKEY key, LPCWSTR name) {
     Registry& registry = TheRegistry();
     const std::lock_guard<std::mutex> lock(registry.mutex);
     std::string path, value_name;
-    const LONG error = FindPlace(registry, key, KEY_SET_VALUE, name, &path, &value_name);
-    if (error != ERROR_SUCCESS) return error;
-    return ErrorOf(registry.store.Delete(path, value_name));
+    LONG error = FindPlace(registry, key, KEY_SET_VALUE, name, &path, &value_name);
+    if (error == ERROR_SUCCESS) error = ErrorOf(registry.store.Delete(path, value_name));
+    if (error == ERROR_SUCCESS) registry.known.insert(ValuePlace(path, value_name));
+    return error;
 }
 
 void ConnectThisRun(const RunTarget& target) {
@@ -246,5 +258,6 @@ void CloseRegistry() {
     const std::lock_guard<std::mutex> lock(registry.mutex);
     registry.store.Release();
     registry.store.Close();
-    registry.unread.clear();
+    registry.unread = false;
+    registry.known.clear();
 }

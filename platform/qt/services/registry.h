@@ -3,8 +3,9 @@
 // and mode 0600. It is in WAL mode, so a process that is killed at any moment leaves each value
 // either old or new. A row without a name means that its key exists. If the file cannot be read as
 // that table, it is renamed to registry.db.damaged (then .damaged-2, ...), and a new one is
-// created. Several processes may share a root. A value that the file failed to give is not
-// overwritten until CloseRegistry, because the caller went on with another one.
+// created. Several processes may share a root. If a value could not be read, the program went on
+// with another one: until CloseRegistry, a stored value that this process has not read, set or
+// deleted is then not replaced with a different one.
 //
 // Below: the program's own key in the registry, the values that hold for one run only, and the
 // export of the stored settings.
@@ -12,8 +13,10 @@
 #define QUILL_PLATFORM_QT_SERVICES_REGISTRY_H
 
 #include <sys/types.h>
+#include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -63,6 +66,7 @@ class RegistryStore {
             const StoredValue* value, const std::function<void(sqlite3_stmt*)>& row);
     int RunOnce(Statement which, const std::string& key, const std::string* name,
                 const StoredValue* value, const std::function<void(sqlite3_stmt*)>& row);
+    static bool Changes(Statement which);
     bool Ready();
     bool IsInTransaction() const;
     bool IsOwnFile() const;  // the open file is still the one with this name
@@ -73,7 +77,7 @@ class RegistryStore {
     Opened Prepare();
     Opened Classify(int result);
     int Patience() const;  // milliseconds to wait for another process
-    void NoteBusy(bool busy);
+    void NoteBusy(int result);
     void Abandon();  // closes without a write to the file
 
     std::string path_;
@@ -82,9 +86,9 @@ class RegistryStore {
     sqlite3* database_ = nullptr;
     sqlite3_stmt* statements_[kStatements] = {};
     bool holds_ = false;  // reads begin a transaction and leave it open
-    // Another process kept the file locked the last time. The calls then fail at once until one
-    // succeeds: a save of all settings waits once, not for each value.
-    bool busy_ = false;
+    // When another process last kept the file locked. For a second the calls then fail at once,
+    // unless one succeeds: a save of all settings waits once, not for each value.
+    std::optional<std::chrono::steady_clock::time_point> busy_;
     std::string known_key_;  // the last one that was found; empty: none since the file was opened
 };
 

@@ -14,6 +14,7 @@
 
 constexpr int kBusyMilliseconds = 3000;
 constexpr int kBusyStep = 5;  // milliseconds
+constexpr std::chrono::seconds kBusyMemory(1);
 constexpr mode_t kOwnerAlone = 0600;
 
 // Compared with the schema in the file, letter by letter.
@@ -131,16 +132,17 @@ static void BindText(sqlite3_stmt* statement, int place, const std::string& text
     sqlite3_bind_text64(statement, place, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
 }
 
-int RegistryStore::Patience() const { return busy_ ? 0 : kBusyMilliseconds; }
+int RegistryStore::Patience() const {
+    const bool busy = busy_ && std::chrono::steady_clock::now() - *busy_ < kBusyMemory;
+    return busy ? 0 : kBusyMilliseconds;
+}
 
-void RegistryStore::NoteBusy(bool busy) {
-    if (busy == busy_) return;
-    busy_ = busy;
-    if (database_) sqlite3_busy_timeout(database_, Patience());
+void RegistryStore::NoteBusy(int result) {
+    if ((result & 0xFF) == SQLITE_BUSY) busy_ = std::chrono::steady_clock::now();
 }
 
 RegistryStore::Opened RegistryStore::Classify(int result) {
-    NoteBusy((result & 0xFF) == SQLITE_BUSY);
+    NoteBusy(result);
     if (result == SQLITE_OK) return Opened::kSound;
     // SQLITE_ERROR means that another program made the file: the table is missing, or the format
     // differs.
@@ -212,13 +214,13 @@ RegistryStore::Opened RegistryStore::OpenFile() {
 bool RegistryStore::Open(bool damaged) {
     path_ = DeviceRoot() + "/registry.db";
     const FolderLock lock(DeviceRoot(), Patience());
-    if (lock.busy()) NoteBusy(true);
+    if (lock.busy()) NoteBusy(SQLITE_BUSY);
     if (!lock.held()) return false;
     // Another process may already have set the file aside.
     if (damaged && IsOwnFile() && !SetAside(path_)) return false;
     for (int attempt = 0; attempt < 2; ++attempt) {
         const Opened opened = OpenFile();
-        if (opened == Opened::kSound) return true;
+        if (opened == Opened::kSound) return busy_.reset(), true;
         Abandon();
         if (opened == Opened::kFailed || !SetAside(path_)) return false;
     }
@@ -263,10 +265,13 @@ void RegistryStore::Abandon() {
     Close();
 }
 
+bool RegistryStore::Changes(Statement which) { return which != kHasKey && which != kRead; }
+
 int RegistryStore::RunOnce(Statement which, const std::string& key, const std::string* name,
                            const StoredValue* value,
                            const std::function<void(sqlite3_stmt*)>& row) {
     sqlite3_stmt* statement = statements_[which];
+    sqlite3_busy_timeout(database_, Patience());
     BindText(statement, 1, key);
     if (name) BindText(statement, 2, *name);
     if (value) {
@@ -279,15 +284,15 @@ int RegistryStore::RunOnce(Statement which, const std::string& key, const std::s
     const int reset = sqlite3_reset(statement);
     sqlite3_clear_bindings(statement);
     if (reset != SQLITE_OK) result = reset;
+    NoteBusy(result);
     // Reads need no lock while another process writes: they do not say that it has ended.
-    if ((result & 0xFF) == SQLITE_BUSY || (value && result == SQLITE_DONE))
-        NoteBusy(result != SQLITE_DONE);
+    if (Changes(which) && result == SQLITE_DONE) busy_.reset();
     return result;
 }
 
 int RegistryStore::Run(Statement which, const std::string& key, const std::string* name,
                        const StoredValue* value, const std::function<void(sqlite3_stmt*)>& row) {
-    if (which != kHasKey && which != kRead) Release();
+    if (Changes(which)) Release();
     if (!Ready()) return SQLITE_CANTOPEN;
     if (holds_ && !IsInTransaction()) Execute(database_, "BEGIN");
     const int result = RunOnce(which, key, name, value, row);
