@@ -24,7 +24,9 @@ shown=$work/shown.htm
 mkdir "$work/bin"
 cat >"$work/bin/xdg-open" <<END
 #!/bin/sh
-cp "\$(echo "\$1" | sed 's,^file://,,')" "$shown.new" && mv "$shown.new" "$shown"
+page=\$(echo "\$1" | sed 's,^file://,,; s,%20, ,g')
+echo "\$page" >"$shown.path"
+cp "\$page" "$shown.new" && mv "$shown.new" "$shown"
 END
 chmod +x "$work/bin/xdg-open"
 PATH=$work/bin:$PATH
@@ -103,6 +105,14 @@ await 10 sent_is '\033[A' || fail "the entry of the menu sent $(sent_bytes)"
 
 # The program opens its help page in the desktop's viewer.
 press ctrl+shift+h cmp -s "$top/resources/telnet.htm" "$shown" || fail "the help page was not shown"
+grep -q '/Quill/telnet.htm$' "$shown.path" || fail "the help page is $(cat "$shown.path")"
+
+# If the page cannot be written into the device's folder, it is among the temporary files.
+rm -f "$shown" "$device_root/telnet.htm"
+mkdir "$device_root/telnet.htm"
+press ctrl+shift+h cmp -s "$top/resources/telnet.htm" "$shown" || fail "no help page without its folder"
+grep -q '/Quill telnet.htm$' "$shown.path" || fail "the other help page is $(cat "$shown.path")"
+rmdir "$device_root/telnet.htm"
 
 # A second start brings the first one to the front and ends.
 windows_before=$(count_windows)

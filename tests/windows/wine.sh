@@ -60,9 +60,10 @@ first_line() {
     head -n 1 "$1"
 }
 
+# Without -noreset the server forgets its keyboard layout when its last client leaves.
 start_screen() {
     : >"$work/display"
-    Xvfb -r -displayfd 3 -screen 0 "${screen_size:-1024x768}x24" -nolisten tcp 3>"$work/display" 2>/dev/null &
+    Xvfb -r -noreset -displayfd 3 -screen 0 "${screen_size:-1024x768}x24" -nolisten tcp 3>"$work/display" 2>/dev/null &
     started="$! $started"
     DISPLAY=:$(first_line "$work/display")
     export DISPLAY
@@ -243,9 +244,9 @@ type_line() {
 }
 has_left() { [ "$(($(wc -c <"$work/sent") - typed_from))" -ge "$typed_length" ]; }
 
-# leave: ends the program by its Exit command.
+# leave [KEY]: ends the program by its key, the one of the Exit command if no other is given.
 leave() {
-    press ctrl+shift+q has_ended "$client" || fail "the program did not end"
+    press "${1:-ctrl+shift+q}" has_ended "$client" || fail "the program did not end"
     wait "$client" || fail "the program ended with code $?"
 }
 
