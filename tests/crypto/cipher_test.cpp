@@ -458,13 +458,17 @@ TEST_F(SshCiphers, Ssh1DirectionsDoNotDisturbEachOther) {
     }
 }
 
-TEST_F(SshCiphers, WipeForgetsKeysAndChains) {
+TEST_F(SshCiphers, WipeForgetsKeysAndChainsOfBothDirections) {
     const ByteString text = RandomBytes(16);
-    ByteString keyed = text, wiped = text;
-    Install(kTripleDesCbc);
-    kTripleDesCbc.encrypt(keyed.data(), 16);
-    Install(kTripleDesCbc);
-    WipeCipherKeys();
-    kTripleDesCbc.encrypt(wiped.data(), 16);
-    EXPECT_NE(ToHex(keyed), ToHex(wiped));
+    for (const CipherAlgorithm* cipher : {&kTripleDesCbc, &kBlowfishCbc}) {
+        for (const auto& use : {cipher->encrypt, cipher->decrypt}) {
+            ByteString keyed = text, wiped = text;
+            Install(*cipher);
+            use(keyed.data(), 16);
+            Install(*cipher);
+            WipeCipherKeys();
+            use(wiped.data(), 16);
+            EXPECT_NE(ToHex(keyed), ToHex(wiped)) << cipher->name;
+        }
+    }
 }
