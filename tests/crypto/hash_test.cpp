@@ -33,6 +33,13 @@ static bool ProcessorHas(std::initializer_list<const char*> features) {
     });
 }
 
+TEST(Hashes, FastestFormIsChosen) {
+    const Sha1Compressor fast_sha1 = Sha1CompressWithInstructions();
+    const Sha512Compressor fast_sha512 = Sha512CompressWide();
+    EXPECT_EQ(sha1_compressor, fast_sha1 != nullptr ? fast_sha1 : Sha1CompressPortable);
+    EXPECT_EQ(sha512_compressor, fast_sha512 != nullptr ? fast_sha512 : Sha512CompressPortable);
+}
+
 TEST(Hashes, InstructionsAreUsedExactlyIfTheProcessorHasThem) {
     if (ProcessorFeatures().empty()) GTEST_SKIP() << "the system does not list the features";
     EXPECT_EQ(Sha1CompressWithInstructions() != nullptr,
