@@ -458,13 +458,42 @@ TEST_F(SshCiphers, Ssh1DirectionsDoNotDisturbEachOther) {
     }
 }
 
-TEST_F(SshCiphers, WipeForgetsKeysAndChains) {
+TEST_F(SshCiphers, WipeForgetsKeysAndChainsOfBothDirections) {
     const ByteString text = RandomBytes(16);
-    ByteString keyed = text, wiped = text;
-    Install(kTripleDesCbc);
-    kTripleDesCbc.encrypt(keyed.data(), 16);
-    Install(kTripleDesCbc);
-    WipeCipherKeys();
-    kTripleDesCbc.encrypt(wiped.data(), 16);
-    EXPECT_NE(ToHex(keyed), ToHex(wiped));
+    for (const CipherAlgorithm* cipher : {&kTripleDesCbc, &kBlowfishCbc}) {
+        for (const auto& use : {cipher->encrypt, cipher->decrypt}) {
+            ByteString keyed = text, wiped = text;
+            Install(*cipher);
+            use(keyed.data(), 16);
+            Install(*cipher);
+            WipeCipherKeys();
+            use(wiped.data(), 16);
+            EXPECT_NE(ToHex(keyed), ToHex(wiped)) << cipher->name;
+        }
+    }
+}
+
+// Both have contexts of their own.
+TEST_F(SshCiphers, KeysOfTripleDesLeaveThoseOfBlowfish) {
+    const ByteString text = RandomBytes(16);
+    const ByteString session_key = RandomBytes(40);
+    const std::function<void()> kSetKeys[] = {
+        [&] { kTripleDesCbc.setOutgoingKey(session_key.data()); },
+        [&] { kTripleDesCbc.setIncomingKey(session_key.data()); },
+        [&] { kSsh1TripleDes.setKey(session_key.data()); },
+        [&] { kSsh1Des.setKey(session_key.data()); },
+    };
+    for (size_t i = 0; i < std::size(kSetKeys); i++) {
+        Install(kBlowfishCbc);
+        ByteString sent = text, received = text;
+        kBlowfishCbc.encrypt(sent.data(), 16);
+        kBlowfishCbc.decrypt(received.data(), 16);
+        Install(kBlowfishCbc);
+        kSetKeys[i]();
+        ByteString sent_then = text, received_then = text;
+        kBlowfishCbc.encrypt(sent_then.data(), 16);
+        kBlowfishCbc.decrypt(received_then.data(), 16);
+        EXPECT_EQ(ToHex(sent), ToHex(sent_then)) << i;
+        EXPECT_EQ(ToHex(received), ToHex(received_then)) << i;
+    }
 }

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <fstream>
+#include <string>
 
 #include "crypto/hashes.h"
 #include "crypto/packet_checks.h"
@@ -14,6 +16,35 @@ static std::string Sha1Hex(const ByteString& message) {
     uint8_t digest[kSha1Size];
     Sha1(message.data(), Size(message), digest);
     return ToHex(digest, kSha1Size);
+}
+
+// Linux only. An empty text if the system lists no features.
+static std::string ProcessorFeatures() {
+    std::ifstream file("/proc/cpuinfo");
+    for (std::string line; std::getline(file, line);)
+        if (line.starts_with("flags")) return line + ' ';
+    return {};
+}
+
+static bool ProcessorHas(std::initializer_list<const char*> features) {
+    const std::string all = ProcessorFeatures();
+    return std::all_of(features.begin(), features.end(), [&](const std::string& feature) {
+        return all.find(' ' + feature + ' ') != std::string::npos;
+    });
+}
+
+TEST(Hashes, FastestFormIsChosen) {
+    const Sha1Compressor fast_sha1 = Sha1CompressWithInstructions();
+    const Sha512Compressor fast_sha512 = Sha512CompressWide();
+    EXPECT_EQ(sha1_compressor, fast_sha1 != nullptr ? fast_sha1 : Sha1CompressPortable);
+    EXPECT_EQ(sha512_compressor, fast_sha512 != nullptr ? fast_sha512 : Sha512CompressPortable);
+}
+
+TEST(Hashes, InstructionsAreUsedExactlyIfTheProcessorHasThem) {
+    if (ProcessorFeatures().empty()) GTEST_SKIP() << "the system does not list the features";
+    EXPECT_EQ(Sha1CompressWithInstructions() != nullptr,
+              ProcessorHas({"sha_ni", "ssse3", "sse4_1"}));
+    EXPECT_EQ(Sha512CompressWide() != nullptr, ProcessorHas({"avx2", "bmi1", "bmi2"}));
 }
 
 // Messages of repeated "a", with lengths where the padding needs an extra block or does not.
@@ -312,6 +343,14 @@ TEST_F(SshMacTest, MacIsUsedManyTimesWithoutASecondKey) {
     std::fill(packet.begin() + 64, packet.end(), uint8_t{0});
     kHmacSha1.generate(packet.data(), 64, 1);
     EXPECT_EQ(ToHex(packet), ToHex(first));
+}
+
+TEST_F(SshMacTest, WipedKeysGenerateAnotherMac) {
+    kHmacSha1.generate(packet.data(), 64, 7);
+    const ByteString keyed = packet;
+    WipeMacKeys();
+    kHmacSha1.generate(packet.data(), 64, 7);
+    EXPECT_NE(ToHex(packet), ToHex(keyed));
 }
 
 TEST_F(SshMacTest, WipedKeysVerifyNothing) {

@@ -116,6 +116,37 @@ TEST(NegativeLength, LetsAReaderTakeNoField) {
     }
 }
 
+// The callers rely on it: they use what a failed read left.
+TEST(Reader, FieldThatIsMissingIsZeroAndTheReaderStays) {
+    const uint8_t bytes[7] = {0, 0, 0, 9, 1, 2, 3};  // a string of nine bytes with three
+    for (int size = 0; size <= 7; size++) {
+        ByteReader reader = ReaderOf(bytes, size);
+        const uint8_t* field = bytes;
+        int length = 77;
+        EXPECT_FALSE(TakeString(&reader, &field, &length)) << size;
+        EXPECT_EQ(field, nullptr) << size;
+        EXPECT_EQ(length, 0) << size;
+        EXPECT_EQ(reader.left, size);
+    }
+    ByteReader reader = ReaderOf(bytes, 0);
+    uint8_t byte = 77;
+    EXPECT_FALSE(TakeByte(&reader, &byte));
+    EXPECT_EQ(byte, 0);
+    reader = ReaderOf(bytes, 3);
+    uint32_t number = 77;
+    EXPECT_FALSE(TakeUint32(&reader, &number));
+    EXPECT_EQ(number, 0u);
+    EXPECT_EQ(reader.left, 3);
+}
+
+TEST(Wiping, TakesEverySizeAndNothingElse) {
+    for (size_t size = 0; size <= 5; size++) {
+        uint8_t bytes[6] = {9, 9, 9, 9, 9, 9};
+        Wipe(bytes, size);
+        for (size_t i = 0; i < 6; i++) EXPECT_EQ(bytes[i], i < size ? 0 : 9) << size;
+    }
+}
+
 TEST(NegativeLength, SchedulesNoKey) {
     static BlowfishContext context, before;
     BlowfishSetKey(&before, reinterpret_cast<const uint8_t*>("key"), 3);

@@ -109,6 +109,21 @@ TEST_F(DiffieHellman, ExponentThatIsNotBelowQIsDrawnAgain) {
 }
 
 // Without a bit count the exponent is the bound with each byte masked by a random byte.
+TEST_F(DiffieHellman, ExponentEqualToQIsDrawnAgainAndTheOneBelowItIsTaken) {
+    for (const int below : {0, 1}) {
+        for (int i = 0; i < 128; i++)
+            scripted_draws.push_back(0x100 + BignumByte(context.q, 127 - i) -
+                                     (i == 127 ? below : 0));
+        scripted_draws.insert(scripted_draws.end(), 127, 0x100);
+        scripted_draws.push_back(3);
+        DhGenerate(&context, 0);
+        if (below == 0) EXPECT_EQ(NumberHex(context.x), "3");
+        if (below == 1) EXPECT_EQ(BignumByte(context.x, 0) + 1, BignumByte(context.q, 0));
+        EXPECT_EQ(scripted_draws.empty(), below == 0);
+        scripted_draws.clear();
+    }
+}
+
 TEST_F(DiffieHellman, ExponentWithoutABitCountComesFromTheBound) {
     for (int bits : {0, 1024, 5000}) {
         Seed(3);

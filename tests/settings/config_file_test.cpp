@@ -92,7 +92,7 @@ TEST_F(ConfigFile, TheMessageComesBeforeTheImportOverTheOwner) {
     EXPECT_EQ(u"Installing configuration from file \\mconfig.cfg ", shown.text);
     EXPECT_EQ(u"Quill Telnet", shown.caption);
     EXPECT_EQ(kOwner, shown.owner);
-    EXPECT_EQ(MB_OK, shown.type & 0xF);
+    EXPECT_EQ(MB_OK | MB_ICONINFORMATION, static_cast<int>(shown.type));
     EXPECT_TRUE(shown.file_present);
 }
 
@@ -112,6 +112,9 @@ TEST_F(ConfigFile, NumbersAreDecimalHexadecimalOrOctal) {
         {"0", 0},
         {"1", 1},
         {"+7", 7},
+        {"++7", 0},
+        {"-+7", 0},
+        {"+-7", 0},
         {"65559", 65559},
         {"0x0", 0},
         {"0xFFFFFF", 16777215},
@@ -346,4 +349,16 @@ TEST_F(ConfigFile, InARootWithoutRightsTheFileIsShownAndStays) {
     EXPECT_EQ(1u, shown_messages.size());
     EXPECT_TRUE(DeviceFileExists(kFile));
     EXPECT_TRUE(StoredValues().empty());
+}
+
+static std::ptrdiff_t OpenFiles() {
+    const std::filesystem::directory_iterator files("/proc/self/fd");
+    return std::distance(begin(files), end(files));
+}
+
+TEST_F(ConfigFile, TheImportLeavesNoFileOpen) {
+    Import("port = 24\n");  // opens the registry
+    const std::ptrdiff_t open = OpenFiles();
+    for (int i = 0; i < 5; i++) Import("port = 24\n");
+    EXPECT_EQ(open, OpenFiles());
 }

@@ -28,9 +28,17 @@ std::string HexOf(const char* bytes) {
     return text;
 }
 
+int calls_to_refusal = 0;  // 1: the next call of malloc is refused; 0: no call is refused
+
 std::string KeyName(size_t i) { return "key" + std::to_string(i); }
 
 }  // namespace
+
+void* RealMalloc(size_t size) __asm__("__real_malloc");
+void* RefusingMalloc(size_t size) __asm__("__wrap_malloc");
+void* RefusingMalloc(size_t size) {
+    return calls_to_refusal > 0 && --calls_to_refusal == 0 ? nullptr : RealMalloc(size);
+}
 
 TEST_F(KeyMap, EveryRowHasItsNameAndDefault) {
     for (size_t i = 0; i < 66; i++) {
@@ -116,6 +124,24 @@ TEST_F(KeyMap, ARowWithoutASequenceSendsNothingAndIsSavedEmpty) {
     SaveKeyMap();
     EXPECT_EQ(TerminatedBytes(u""), Stored("key0").data);
     EXPECT_EQ(66u, StoredValues().size());
+}
+
+TEST_F(KeyMap, WithoutMemoryForARowItAndTheRowsBehindItHaveNoSequence) {
+    LoadKeyMap();
+    calls_to_refusal = 4;
+    LoadKeyMap();
+    EXPECT_EQ(0, calls_to_refusal);
+    for (size_t i = 0; i < 3; i++) EXPECT_STREQ(key_rows[i].text, key_map[i].text) << i;
+    for (size_t i = 3; i < 66; i++) EXPECT_EQ(nullptr, key_map[i].text) << i;
+    LoadKeyMap();
+    for (size_t i = 0; i < 66; i++) EXPECT_STREQ(key_rows[i].text, key_map[i].text) << i;
+}
+
+TEST_F(KeyMap, WithoutMemoryAnEditedRowKeepsItsSequence) {
+    LoadKeyMap();
+    calls_to_refusal = 1;
+    EXPECT_EQ(0, SetKeyText(&key_map[0], TEXT("abc")));
+    EXPECT_STREQ(key_rows[0].text, key_map[0].text);
 }
 
 TEST_F(KeyMap, AValueOf39CharactersIsReadWhole) {

@@ -419,6 +419,35 @@ TEST_F(Ssh2Channel, NegativeOrZeroLengthSendsAndQueuesNothing) {
     ExpectSilence();
 }
 
+TEST_F(Ssh2Channel, EveryExchangeHoldsItsOwnData) {
+    ToShell();
+    for (const size_t size : {4u, 3000u, 10u}) {
+        const std::string text(size, 'h');
+        Offer();
+        Type(text);
+        Reply();
+        SwitchKeys();
+        Expect(ClientData(text));
+        EXPECT_EQ(session.ssh2.heldLength, 0);
+        EXPECT_EQ(session.ssh2.heldData, nullptr);
+    }
+}
+
+TEST_F(Ssh2Channel, DataForWhichThereIsNoMemoryIsDroppedWhole) {
+    ToShell();
+    Offer();
+    Type("held");
+    outside.mallocs_that_fail = 1;
+    Type(std::string(3000, 'd'));
+    EXPECT_EQ(outside.mallocs_that_fail, 0);
+    EXPECT_EQ(session.ssh2.heldLength, 4);
+    Type(", too");
+    Reply();
+    SwitchKeys();
+    Expect(ClientData("held, too"));
+    ExpectSilence();
+}
+
 TEST_F(Ssh2Channel, TypingBeforeTheChannelIsOpenIsLost) {
     Type("a");
     Identify();

@@ -144,4 +144,30 @@ TEST_F(Ssh2Numbers, LeadingZerosOfTheServersValueAreNotHashed) {
     Expect(Message(5, Str("ssh-userauth")));
 }
 
+// Without its leading zero byte the same value is negative. Both sides would agree on it otherwise.
+TEST_F(Ssh2Numbers, NegativeServersValueIsRefused) {
+    Begin();
+    Offer();
+    SearchSecret([&] { return BodySize(server.f) == 129; });
+    const std::string reply = KexDhReply(server, "SSH-2.0-1.0.00");
+    const size_t at = 1 + 4 + HostKeyBlob().size();
+    ASSERT_EQ(reply.substr(at, server.f.size()), server.f);
+    Give(reply.substr(0, at) + Str(server.f.substr(5)) + reply.substr(at + server.f.size()));
+    ExpectSilence();
+    EXPECT_EQ(session.ssh2.kexDone, 0u);
+}
+
+TEST_F(Ssh2Numbers, ReplyThatIsCutOffAnywhereIsRefused) {
+    Begin();
+    Offer();
+    const std::string reply = KexDhReply(server, "SSH-2.0-1.0.00");
+    for (size_t size = 1; size < reply.size(); size += 5) {
+        Begin();
+        Offer();
+        Give(reply.substr(0, size));
+        ExpectSilence();
+        EXPECT_EQ(session.ssh2.kexDone, 0u) << size;
+    }
+}
+
 }  // namespace

@@ -59,6 +59,14 @@ int MessageBoxW(HWND, LPCWSTR text, LPCWSTR caption, UINT) {
 }
 
 // The linker redirects each draw of a random byte to this function (--wrap).
+void* RealMalloc(size_t size) __asm__("__real_malloc");
+void* FailingMalloc(size_t size) __asm__("__wrap_malloc");
+void* FailingMalloc(size_t size) {
+    if (outside.mallocs_that_fail == 0) return RealMalloc(size);
+    --outside.mallocs_that_fail;
+    return nullptr;
+}
+
 uint8_t RealRandomByte() __asm__("__real__Z10RandomBytev");
 uint8_t DrawRandomByte() __asm__("__wrap__Z10RandomBytev");
 uint8_t DrawRandomByte() {

@@ -24,6 +24,7 @@ struct Outside {
     int statuses = 0;                  // updates of the status line
     int terminal_writes = 0;           // calls of TerminalWrite
     int sends_that_fail = 0;           // the number of next sends that fail
+    int mallocs_that_fail = 0;         // the number of next calls of malloc that fail
 };
 extern Outside outside;
 
