@@ -9,7 +9,7 @@
 
 namespace {
 
-using ChooseColorProcedure = BOOL(WINAPI*)(CHOOSECOLORW*);
+using ChooseColorProcedure = BOOL (*)(LPVOID);
 
 ChooseColorProcedure FindChooser() {
     const HMODULE library = LoadLibraryW(u"commdlg.dll");

@@ -128,7 +128,9 @@ static void PutInWindow(QColorDialog* chooser, QDialog* window) {
     chooser->show();
 }
 
-BOOL ShowColorDialog(CHOOSECOLORW* request) {
+// The program calls it through a pointer of this type.
+BOOL ShowColorDialog(LPVOID parameter) {
+    auto* request = static_cast<CHOOSECOLORW*>(parameter);
     if (!request || request->lStructSize != sizeof(CHOOSECOLORW)) return FALSE;
     if (request->hwndOwner && !IsWindow(request->hwndOwner)) return FALSE;
     if (!TemplateIsThere(*request)) return FALSE;
