@@ -127,6 +127,7 @@ bool InSight(const Finder& find) {
 }
 
 void TapTarget(const Finder& find, const std::string& what) {
+    if (testing::Test::HasFatalFailure()) return;  // nothing that follows can succeed
     ASSERT_TRUE(InSight(find)) << what;
     OnWindowThread([&] { TapPlace(find().widget, find().at); });
 }
@@ -147,6 +148,7 @@ QMenu* OpenMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget(
 
 // First the title in the bar, then the line in the menu that it opened.
 void TapMenu(const QString& title, const QString& entry) {
+    if (testing::Test::HasFatalFailure()) return;
     ASSERT_TRUE(Eventually([&] {
         return ShellMenuStrip() && ActionNamed(ShellMenuStrip()->bar()->actions(), title);
     })) << title.toStdString();
@@ -239,7 +241,11 @@ bool DialogGone() {
 void AnswerBox(QMessageBox::StandardButton button) {
     Tap(
         [=]() -> QWidget* {
-            return ShownMessageBox() ? ShownMessageBox()->button(button) : nullptr;
+            const QMessageBox* box = ShownMessageBox();
+            if (!box) return nullptr;
+            EXPECT_TRUE(QGuiApplication::primaryScreen()->geometry().contains(box->geometry()))
+                << "the screen cuts the box off";
+            return box->button(button);
         },
         "a button of the box");
 }

@@ -193,10 +193,10 @@ TEST(TouchReach, TheColorChoosersFieldsAreTypedInto) {
 // ---------------------------------------------------------------- sizes
 
 // Pixels of the device: its buttons are 21 by 22, a key of its panel is a fifteenth of the width
-// and 16 high, a title of its menus is 20 by 16, a line of its menus 13 high and of its lists 11,
+// and 16 high, a title of its menus is 20 by 16, a line of its menus 16 high and of its lists 11,
 // and a scroll bar is 13 across.
 constexpr int kButtonWidth = 21, kButtonHeight = 22, kKeyHeight = 16, kTitleWidth = 20, kTitle = 16;
-constexpr int kMenuLine = 13, kListLine = 11, kScrollBar = 13, kKeysOfAWidth = 15;
+constexpr int kMenuLine = 16, kListLine = 11, kScrollBar = 13, kKeysOfAWidth = 15;
 
 void ExpectButtons() {
     int buttons = 0;

@@ -191,6 +191,10 @@ TEST(Touch, TypesAnAutomaticLogin) {
     });
 }
 
+bool IsGrey(DWORD color) {
+    return (color & 0xFF) == (color >> 8 & 0xFF) && (color & 0xFF) == (color >> 16 & 0xFF);
+}
+
 TEST(Touch, ChoosesEachColor) {
     OnDevice([](FakeHost&) {
         const DWORD* const colors[] = {&session.settings.color_bg, &session.settings.color_cursor,
@@ -204,7 +208,10 @@ TEST(Touch, ChoosesEachColor) {
             Tap([] { return InChooser(HasBrightness); }, entries[i]);
             Tap([] { return InChooser(IsOk); }, entries[i]);
             ASSERT_TRUE(Eventually([] { return !ShownColorDialog(); })) << entries[i];
-            OnWindowThread([&] { EXPECT_NE(*colors[i], before) << entries[i]; });
+            OnWindowThread([&] {
+                EXPECT_NE(*colors[i], before) << entries[i];
+                EXPECT_FALSE(IsGrey(*colors[i])) << entries[i];
+            });
         }
     });
 }
