@@ -616,7 +616,7 @@ TEST_F(DialogSlice, ChooserGivesTheKeysBackToTheDialogBelow) {
     };
     EXPECT_EQ(99, On(kEverything, [] {
                   ClickControl(kAdvanced);
-                  Settle(100);
+                  for (int i = 0; i < 500 && !QApplication::activeWindow(); ++i) Settle(10);
                   ASSERT_NE(nullptr, ShownDialog());
                   EXPECT_EQ(FindWindowRecord(ShownDialog())->widget->window(),
                             QApplication::activeWindow());
