@@ -220,7 +220,7 @@ TEST(Menus, TheKeyboardsPictureIsMadeForTheDensity) {
                 const QPixmap picture = icon.pixmap(QSize(22, 14), density);
                 EXPECT_EQ(picture.size(), (QSizeF(22, 14) * density).toSize());
                 EXPECT_EQ(picture.devicePixelRatio(), density);
-                if (density == 1.0) continue;
+                if (density < 2) continue;
                 // The gap between the first two keys, from 4.8 to 5.8, has a clear pixel. In the
                 // picture of density 1, and so in an enlarged one, it has none.
                 const QPoint gap(int(std::ceil(4.8 * density)), int(4 * density));
