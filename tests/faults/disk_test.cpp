@@ -379,8 +379,11 @@ TEST_F(SmallDisk, FullAtTheFirstStart) {
 TEST_F(SmallDisk, FullAtTheStartKeepsItsSettings) {
     StoreUsersSettings(root);
     Fill();
-    UseProgram(root, Work);
-    Empty();
+    UseProgram(root, [&] {
+        Work();
+        Empty();
+        SaveByDialog();
+    });
     ExpectNextRun(root, kKeptPort);
 }
 
