@@ -430,8 +430,11 @@ TEST_F(SmallDisk, EmptiedDuringTheFirstRunGetsTheSettings) {
 TEST_F(SmallDisk, FullAtTheStartKeepsItsSettings) {
     StoreUsersSettings(root);
     Fill();
-    UseProgram(root, Work);
-    Empty();
+    UseProgram(root, [&] {
+        Work();
+        Empty();
+        SaveByDialog();
+    });
     ExpectNextRun(root, kKeptPort);
 }
 
