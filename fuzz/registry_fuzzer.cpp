@@ -218,6 +218,9 @@ static void CheckRegistry(const std::string& file, const std::string& log) {
     CheckExport();
     CheckFile();
     Require(LoadAnew() == loaded, "an export changes nothing");
+    EmptyRoot();
+    SaveSettings();
+    Require(LoadAnew() == loaded, "everything is saved where nothing was");
 }
 
 // ---------------------------------------------------------------- rows

@@ -2,6 +2,7 @@
 // The server's side of SSH-2, with the real ciphers, MAC and key exchange. It goes on whatever the
 // client answers, but for a key exchange, which needs the client's part.
 #include "fuzz/ssh_conversation.h"
+#include "session/session_state.h"
 #include "tests/ssh2/scripted_server.h"
 
 static const uint32_t kServerChannel = 0xfedc0042, kClientChannel = 27;
@@ -44,11 +45,15 @@ static void Say(Server& server, const std::string& payload) {
     Listen(server);
 }
 
-static void InstallBoth(Server& server) {
+// False if the client did not take the server's NEWKEYS: what it says then is not sealed with these
+// keys.
+static bool InstallBoth(Server& server) {
     InstallKeys(server.state);
     server.client_new_keys = false;
     Flush();
+    if (!session.ssh2.cipher || session.ssh2.keysPending) return false;
     Listen(server);
+    return true;
 }
 
 // False if the client does not take part. The user types in the middle of it.
@@ -64,8 +69,7 @@ static bool ExchangeKeys(Server& server, const std::string& typed) {
     Say(server, KexDhReply(server.state, "SSH-2.0-1.0.00"));
     if (!server.client_new_keys) return false;
     Send(server, Message(21));
-    InstallBoth(server);
-    return true;
+    return InstallBoth(server);
 }
 
 static std::string Data(const std::string& text) {

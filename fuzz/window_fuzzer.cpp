@@ -202,13 +202,21 @@ static void CheckTerminal() {
     Require(field.empty(), "out of bounds: " + field);
 }
 
+// The part of the terminal's window that the program paints; the toolkit paints its bars when it
+// likes.
+static QRect Glass() {
+    const Window* client = FindWindowRecord(session.client_window);
+    const QRect area = ClientArea(*client).adjusted(0, 0, 0, -session.status_height);
+    return area.translated(client->widget->mapTo(DeviceScreen(), QPoint(0, 0)));
+}
+
 // Painted at once, so that nothing comes between the two pictures.
 static void CheckPicture() {
     if (!DeviceScreen()->isVisible()) return;
-    const QImage shown = Shown();
+    const QImage shown = Shown().copy(Glass());
     RepaintTerminal();
     UpdateWindow(session.client_window);
-    const QImage whole = Shown();
+    const QImage whole = Shown().copy(Glass());
     if (shown == whole) return;
     if (const char* folder = getenv("QUILL_FUZZ_PICTURES")) {
         shown.save(QString(folder) + "/shown.png");
