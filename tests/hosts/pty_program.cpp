@@ -12,6 +12,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -20,6 +21,7 @@
 static const int kLongMilliseconds = 30000;
 static const int kPollMilliseconds = 10;
 static const int kQuietPolls = 5;  // one after the other
+static const int kMostTurns = 20;
 
 // ---------------------------------------------------------------- start and end
 
@@ -198,6 +200,15 @@ static bool Sleeps(pid_t pid, unsigned long* times) {
     return state != 'R' && state != 'D';
 }
 
+// The fourth field of /proc/loadavg: "3/250". On a busy machine, the kernel hands a byte over to
+// the other side of the pseudo-terminal only when its own thread gets a turn; until then both sides
+// rest.
+static int PollsUntilQuiet() {
+    int running = 1;
+    sscanf(ReadFile("/proc/loadavg").c_str(), "%*s %*s %*s %d/", &running);
+    return kQuietPolls * std::clamp(running, 1, kMostTurns);
+}
+
 bool FeedUntilRest(PtyProgram* program) {
     unsigned long times_before = 0;
     int quiet = 0;
@@ -209,7 +220,7 @@ bool FeedUntilRest(PtyProgram* program) {
         for (const pid_t pid : processes) rests = Sleeps(pid, &times) && rests;
         quiet = rests && times == times_before ? quiet + 1 : 0;
         times_before = times;
-        if (quiet >= kQuietPolls) return true;
+        if (quiet >= kQuietPolls && quiet >= PollsUntilQuiet()) return true;
         if (HasEnded(*program) && rests) return false;
     }
     return false;

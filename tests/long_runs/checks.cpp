@@ -8,7 +8,6 @@
 #include <cstring>
 #include <QPixmapCache>
 
-#include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "tests/dialogs/stored.h"
 #include "tests/hosts/peer_screen.h"
@@ -17,7 +16,6 @@
 #include "tests/support/heap.h"
 #include "tests/support/person.h"
 #include "tests/terminal/terminal_state.h"
-#include "ui/view/view.h"
 
 // ---------------------------------------------------------------- what the terminal got
 
@@ -128,17 +126,6 @@ void ExpectReplayAlike() {
     });
 }
 
-void ExpectPictureOfGrid() {
-    OnWindowThread([] {
-        QWidget* glass = FindWindowRecord(session.client_window)->widget;
-        UpdateWindow(session.client_window);
-        const QImage shown = glass->grab().toImage();
-        RepaintTerminal();
-        UpdateWindow(session.client_window);
-        EXPECT_TRUE(shown == glass->grab().toImage()) << "the glass shows something else";
-    });
-}
-
 // Where the two part for the first time, from a new terminal on: the last bytes before it.
 static std::string FirstParting(const std::string& shown) {
     const TerminalSnapshot live = TakeSnapshot();
@@ -209,22 +196,23 @@ static std::string NumberBytes(DWORD value) {
     return bytes;
 }
 
-static void ExpectFile(const std::string& root, const Settings& wanted) {
-    std::map<std::string, StoredSetting> stored = StoredSettings(root);
+static void ExpectFile(std::map<std::string, StoredSetting> stored, const Settings& wanted) {
     for (const NumberSetting& row : number_settings)
         EXPECT_TRUE(stored[row.name].data == NumberBytes(*FieldOf(wanted, row.field))) << row.name;
     for (const TextSetting& row : text_settings)
         EXPECT_TRUE(stored[row.name].data == TextBytes(FieldOf(wanted, row.field))) << row.name;
 }
 
+// SQLite may leave the closing of a file to the program's own connection, so both have one thread.
 void ExpectStored(const std::string& root) {
-    Settings wanted;
-    bool any = false;
-    OnWindowThread([&] { wanted = g_saved, any = g_any_saved; });
-    if (any) ExpectFile(root, wanted);
+    OnWindowThread([&] {
+        if (g_any_saved) ExpectFile(StoredSettings(root), g_saved);
+    });
 }
 
-void ExpectMemoryStored(const std::string& root) { ExpectFile(root, session.settings); }
+void ExpectMemoryStored(const std::string& root) {
+    ExpectFile(StoredSettings(root), session.settings);
+}
 
 // ---------------------------------------------------------------- the system
 

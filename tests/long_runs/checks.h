@@ -12,7 +12,7 @@ void StartReplay();          // on the window thread: as the terminal is now, so
 std::string BytesOfHost();   // that the terminal got from the host since then
 bool TerminalWroteItself();  // something else wrote into it, such as a trace
 void ExpectReplayAlike();    // the bytes one by one end in the same terminal
-void ExpectPictureOfGrid();  // the whole screen painted anew is what is on the glass
+void ExpectPictureOfGrid();  // the glass shows the cells, and what painting everything anew shows
 void ExpectPeerAlike(const std::string& shown);  // another terminal shows the same; tame streams
 
 // ---------------------------------------------------------------- the settings

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A double of the command bar that records its buttons, bitmaps and tips.
-#ifndef QUILL_TESTS_CONFIG_COMMAND_BAR_DOUBLE_H
-#define QUILL_TESTS_CONFIG_COMMAND_BAR_DOUBLE_H
+#ifndef QUILL_TESTS_SETTINGS_COMMAND_BAR_DOUBLE_H
+#define QUILL_TESTS_SETTINGS_COMMAND_BAR_DOUBLE_H
 
 #include <string>
 #include <vector>

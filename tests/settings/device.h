@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A new device for each test: an empty root folder with an empty registry. The tests read its
 // registry file with SQLite, not with the registry's calls.
-#ifndef QUILL_TESTS_CONFIG_DEVICE_H
-#define QUILL_TESTS_CONFIG_DEVICE_H
+#ifndef QUILL_TESTS_SETTINGS_DEVICE_H
+#define QUILL_TESTS_SETTINGS_DEVICE_H
 
 #include <gtest/gtest.h>
 

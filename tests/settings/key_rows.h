@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The expected key table, written independently of the product: name, default escape text, and the
 // bytes sent, in hexadecimal.
-#ifndef QUILL_TESTS_CONFIG_KEY_ROWS_H
-#define QUILL_TESTS_CONFIG_KEY_ROWS_H
+#ifndef QUILL_TESTS_SETTINGS_KEY_ROWS_H
+#define QUILL_TESTS_SETTINGS_KEY_ROWS_H
 
 struct KeyRow {
     const char* name;

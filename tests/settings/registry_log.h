@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Records the calls of the registry in order and passes them on.
-#ifndef QUILL_TESTS_CONFIG_REGISTRY_LOG_H
-#define QUILL_TESTS_CONFIG_REGISTRY_LOG_H
+#ifndef QUILL_TESTS_SETTINGS_REGISTRY_LOG_H
+#define QUILL_TESTS_SETTINGS_REGISTRY_LOG_H
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // All expected settings, written independently of the product: value name, default, field.
-#ifndef QUILL_TESTS_CONFIG_SETTINGS_ROWS_H
-#define QUILL_TESTS_CONFIG_SETTINGS_ROWS_H
+#ifndef QUILL_TESTS_SETTINGS_SETTINGS_ROWS_H
+#define QUILL_TESTS_SETTINGS_SETTINGS_ROWS_H
 
 #include "windows_ce.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Doubles of the two window calls that these tests need: message boxes are recorded, and the test
 // sets the state of keys.
-#ifndef QUILL_TESTS_CONFIG_WINDOW_DOUBLES_H
-#define QUILL_TESTS_CONFIG_WINDOW_DOUBLES_H
+#ifndef QUILL_TESTS_SETTINGS_WINDOW_DOUBLES_H
+#define QUILL_TESTS_SETTINGS_WINDOW_DOUBLES_H
 
 #include <map>
 #include <string>
