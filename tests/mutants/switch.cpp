@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Which mutant is on, and where the mutants that were reached are noted: a file that is mapped, so that
-// the processes which a test starts note theirs too. Linked into each program of tests/mutate.
+// Which mutant is on, and where the mutants that were reached are noted: a file that is mapped, so
+// that the processes which a test starts note theirs too. Linked into each program of tests/mutate.
 #include "tests/mutants/switch.h"
 
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <cstdlib>
 
 namespace mutants {
 

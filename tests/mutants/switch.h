@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// What the sources that tests/mutate has rewritten call: each mutant is compiled into the program, and the
-// environment says which one is on. A mutant is known by its number.
+// What the sources that tests/mutate has rewritten call: each mutant is compiled into the program,
+// and the environment says which one is on. A mutant is known by its number.
 //
-// None of this is constexpr: a mutant in a constant expression does not compile, and tests/mutate then
-// tries it by a build of its own.
+// None of this is constexpr: a mutant in a constant expression does not compile, and tests/mutate
+// then tries it by a build of its own.
 #pragma once
 
 namespace mutants {
@@ -58,16 +58,16 @@ struct Left {
     int mutant;
 };
 
-#define MUTANT_OPERATOR(before, after)                                                     \
-    template <class T>                                                                     \
-    Left<T> operator before(const T& value, At at) {                                       \
-        return {value, at.mutant};                                                         \
-    }                                                                                      \
-    template <class T, class U>                                                            \
-    auto operator before(Left<T> left, const U& right) {                                   \
-        using Result = decltype(left.value before right);                                  \
-        if (On(left.mutant)) return static_cast<Result>(left.value after right);           \
-        return static_cast<Result>(left.value before right);                               \
+#define MUTANT_OPERATOR(before, after)                                           \
+    template <class T>                                                           \
+    Left<T> operator before(const T& value, At at) {                             \
+        return {value, at.mutant};                                               \
+    }                                                                            \
+    template <class T, class U>                                                  \
+    auto operator before(Left<T> left, const U& right) {                         \
+        using Result = decltype(left.value before right);                        \
+        if (On(left.mutant)) return static_cast<Result>(left.value after right); \
+        return static_cast<Result>(left.value before right);                     \
     }
 
 MUTANT_OPERATOR(<, <=)
@@ -90,19 +90,19 @@ struct Right {
     int mutant;
 };
 
-#define MUTANT_ASSIGNMENT(before, after)                   \
-    template <class U>                                     \
-    Right<U> operator before(At at, const U& value) {      \
-        return {value, at.mutant};                         \
-    }                                                      \
-    template <class T, class U>                            \
-    T& operator before(T& place, Right<U> right) {         \
-        if (On(right.mutant)) {                            \
-            place after right.value;                       \
-        } else {                                           \
-            place before right.value;                      \
-        }                                                  \
-        return place;                                      \
+#define MUTANT_ASSIGNMENT(before, after)              \
+    template <class U>                                \
+    Right<U> operator before(At at, const U& value) { \
+        return {value, at.mutant};                    \
+    }                                                 \
+    template <class T, class U>                       \
+    T& operator before(T& place, Right<U> right) {    \
+        if (On(right.mutant)) {                       \
+            place after right.value;                  \
+        } else {                                      \
+            place before right.value;                 \
+        }                                             \
+        return place;                                 \
     }
 
 MUTANT_ASSIGNMENT(+=, -=)
