@@ -147,6 +147,18 @@ TEST_F(DialogSlice, EnterWithoutADefaultButtonIsOk) {
     EXPECT_EQ(IDOK, On(kExtended, [] { Press(Qt::Key_Return); }));
 }
 
+TEST_F(DialogSlice, OnlyAComboOfTheDropDownStyleHasAnEdit) {
+    constexpr int kDropList = 300;
+    On(kExtended, [] {
+        EXPECT_FALSE(qobject_cast<QComboBox*>(DialogWidgetOf(kDropList))->isEditable());
+        Press(Qt::Key_Escape);
+    });
+    On(kEverything, [] {
+        EXPECT_TRUE(qobject_cast<QComboBox*>(DialogWidgetOf(kHost))->isEditable());
+        Press(Qt::Key_Escape);
+    });
+}
+
 TEST_F(DialogSlice, EnterInListComboAndCheckBoxIsOkToo) {
     for (const int id : {kPassword, kHost, kAutomatic, kOne, kFont}) {
         EXPECT_EQ(IDOK, On(kEverything,
@@ -598,6 +610,63 @@ TEST_F(DialogSlice, SheetFitsTheScreen) {
 
 TEST_F(DialogSlice, SheetWithAMissingPageIsRefused) {
     EXPECT_EQ(-1, ShowSheet([] {}, 199));
+}
+
+TEST_F(DialogSlice, SheetWhosePagesAreHandlesIsRefused) {
+    PROPSHEETPAGEW page = {};
+    PROPSHEETHEADERW header = {};
+    header.dwSize = sizeof(header);
+    header.nPages = 1;
+    header.ppsp = &page;
+    EXPECT_EQ(-1, PropertySheetW(&header));
+}
+
+// ---------------------------------------------------------------- the entries of lists
+
+TEST(ListEntries, SearchBeginsBehindTheGivenRowAndGoesOnAtTheTop) {
+    const QStringList entries = {"one", "Two", "twelve", "two"};
+    const struct {
+        int after, head, whole;  // what is found for "TW", and for "two"
+    } kRows[] = {{-1, 1, 1}, {0, 1, 1}, {1, 2, 3}, {2, 3, 3},
+                 {3, 1, 1},  {4, 1, 1}, {9, 1, 1}, {-7, 1, 1}};
+    for (const auto& row : kRows) {
+        EXPECT_EQ(row.head, FindEntry(entries, row.after, "TW", false)) << row.after;
+        EXPECT_EQ(row.whole, FindEntry(entries, row.after, "two", true)) << row.after;
+        EXPECT_EQ(LB_ERR, FindEntry(entries, row.after, "twice", false)) << row.after;
+        EXPECT_EQ(LB_ERR, FindEntry(entries, row.after, "tw", true)) << row.after;
+    }
+    EXPECT_EQ(LB_ERR, FindEntry({}, -1, "one", false));
+}
+
+TEST(ListEntries, SortedPlaceIsBehindEqualEntriesWhateverTheirCase) {
+    const QStringList entries = {"Apple", "fig", "Fig", "pear"};
+    EXPECT_EQ(0, SortedPlace(entries, "aaa"));
+    EXPECT_EQ(1, SortedPlace(entries, "apple"));
+    EXPECT_EQ(3, SortedPlace(entries, "FIG"));
+    EXPECT_EQ(4, SortedPlace(entries, "zebra"));
+    EXPECT_EQ(0, SortedPlace({}, "any"));
+}
+
+TEST(ListEntries, PlaceOfARowIsTheRowUpToTheEndOrAnError) {
+    for (int row = 0; row <= 3; row++) EXPECT_EQ(row, PlaceOf(static_cast<WPARAM>(row), 3));
+    EXPECT_EQ(3, PlaceOf(static_cast<WPARAM>(-1), 3));
+    for (const int row : {4, 5, 1000, -2, -100})
+        EXPECT_EQ(LB_ERR, PlaceOf(static_cast<WPARAM>(row), 3)) << row;
+}
+
+TEST(ListEntries, TextIsCopiedAsFarAsItFits) {
+    WCHAR room[5] = {9, 9, 9, 9, 9};
+    const auto buffer = reinterpret_cast<LPARAM>(room);
+    EXPECT_EQ(0, CopyText("abc", 0, buffer));
+    EXPECT_EQ(0, CopyText("abc", 5, 0));
+    EXPECT_EQ(9, room[0]);
+    EXPECT_EQ(0, CopyText("abc", 1, buffer));
+    EXPECT_EQ(std::u16string(u"\0\x9", 2), std::u16string(room, 2));
+    EXPECT_EQ(2, CopyText("abc", 3, buffer));
+    EXPECT_EQ(std::u16string(u"ab\0\x9", 4), std::u16string(room, 4));
+    EXPECT_EQ(3, CopyText("abc", 4, buffer));
+    EXPECT_EQ(std::u16string(u"abc\0\x9", 5), std::u16string(room, 5));
+    EXPECT_EQ(3, CopyText("abc", 5, buffer));
 }
 
 // ---------------------------------------------------------------- colours

@@ -12,6 +12,23 @@ TEST(WideText, Utf8AndBack) {
     EXPECT_EQ(u"\uFFFD", WideFromUtf8("\xFF"));
 }
 
+TEST(WideText, Utf8HasTheLengthOfItsRange) {
+    const struct {
+        std::u16string text;
+        const char* bytes;
+    } kRows[] = {
+        {u"\u007F", "\x7F"},
+        {u"\u0080", "\xC2\x80"},
+        {u"\u07FF", "\xDF\xBF"},
+        {u"\u0800", "\xE0\xA0\x80"},
+        {u"\uFFFE", "\xEF\xBF\xBE"},
+        {u"\uFFFF", "\xEF\xBF\xBF"},
+        {u"\U00010000", "\xF0\x90\x80\x80"},
+        {u"\U0010FFFF", "\xF4\x8F\xBF\xBF"},
+    };
+    for (const auto& row : kRows) EXPECT_EQ(row.bytes, Utf8FromWide(row.text));
+}
+
 TEST(WideText, SurrogateHalvesAreNotJoined) {
     const std::u16string high(1, 0xD800), other(1, 0xD801), low(1, 0xDC00);
     EXPECT_NE(Utf8FromWide(high), Utf8FromWide(other));
@@ -24,6 +41,14 @@ TEST(WideText, CaseConversionNeverMapsIntoAscii) {
     EXPECT_EQ(0x0178, UpperUnit(0x00FF));
     EXPECT_EQ(0x0131, UpperUnit(0x0131));  // its capital would be I
     EXPECT_EQ(0x212A, LowerUnit(0x212A));  // the small letter of the kelvin sign would be k
+}
+
+TEST(WsprintfLimits, PrecisionTurnsLeadingZerosOff) {
+    WCHAR text[16];
+    EXPECT_EQ(5, wsprintfW(text, u"%05.0d", 7));
+    EXPECT_EQ(u"    7", std::u16string(text));
+    EXPECT_EQ(5, wsprintfW(text, u"%05.2d", 7));
+    EXPECT_EQ(u"   07", std::u16string(text));
 }
 
 TEST(WsprintfLimits, HugeWidthsAreCut) {

@@ -192,6 +192,26 @@ TEST_F(Windows, TopLevelOneIsFoundByItsClass) {
     EXPECT_EQ(nullptr, FindWindowW(TEXT("QuillTestWindow"), nullptr));
 }
 
+TEST_F(Windows, ScrollBarKeepsWhatACallDoesNotName) {
+    HWND child = Child(1, WS_VSCROLL);
+    for (const UINT mask : {UINT{SIF_POS}, UINT{SIF_PAGE}, UINT{SIF_RANGE}, UINT{0}}) {
+        SCROLLINFO info = {};
+        info.cbSize = sizeof(info);
+        info.fMask = mask;
+        info.nMin = 1;
+        info.nMax = 30;
+        info.nPage = 8;
+        info.nPos = 7;
+        SetBar(child, SB_VERT, 23, 10, 5);
+        SetScrollInfo(child, SB_VERT, &info, TRUE);
+        const SCROLLINFO now = BarOf(child, SB_VERT);
+        EXPECT_EQ(mask == SIF_RANGE ? 1 : 0, now.nMin) << mask;
+        EXPECT_EQ(mask == SIF_RANGE ? 30 : 23, now.nMax) << mask;
+        EXPECT_EQ(mask == SIF_PAGE ? 8u : 10u, now.nPage) << mask;
+        EXPECT_EQ(mask == SIF_POS ? 7 : 5, now.nPos) << mask;
+    }
+}
+
 TEST_F(Windows, ScrollBarReadsBackAsSet) {
     HWND child = Child(1, WS_VSCROLL | WS_HSCROLL);
     SetBar(child, SB_VERT, 23, 10, 5);
