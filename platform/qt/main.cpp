@@ -70,13 +70,17 @@ static bool WriteText(const QString& path) {
     return file.write(bytes) == bytes.size() && file.flush();
 }
 
+static void TellUnwritten(const QString& path) {
+    std::fprintf(stderr, "quill: cannot write %s\n", Printable(path.toStdString()).c_str());
+}
+
 // A path that is empty is not written.
 static bool WriteBoth(const HostOptions& options) {
     const bool picture =
         options.snapshot.isEmpty() || DeviceScreen()->grab().save(options.snapshot);
     const bool text = options.text.isEmpty() || WriteText(options.text);
-    if (!picture) std::fprintf(stderr, "quill: cannot write %s\n", qPrintable(options.snapshot));
-    if (!text) std::fprintf(stderr, "quill: cannot write %s\n", qPrintable(options.text));
+    if (!picture) TellUnwritten(options.snapshot);
+    if (!text) TellUnwritten(options.text);
     return picture && text;
 }
 
@@ -129,6 +133,15 @@ static bool IsDisplayNamed(int argc, char** argv) {
     return false;
 }
 
+static QtMessageHandler g_usual_messages = nullptr;
+
+// A toolkit that cannot start says why, and would then abort with a core dump.
+static void EndOnFatalMessage(QtMsgType type, const QMessageLogContext& place,
+                              const QString& text) {
+    g_usual_messages(type, place, text);
+    if (type == QtFatalMsg) _exit(1);
+}
+
 static void SetScale(double scale) { qputenv("QT_SCALE_FACTOR", QByteArray::number(scale)); }
 
 static bool MakeSettingsFolder(const CommandLine& line) {
@@ -149,8 +162,15 @@ static bool KeepsPlace(const HostOptions& options) {
     return options.screen.isEmpty() && options.snapshot.isEmpty() && options.text.isEmpty();
 }
 
+static void TellIfReadOnly() {
+    if (access(DeviceRoot().c_str(), W_OK) == 0) return;
+    std::fprintf(stderr, "quill: %s cannot be written; the settings of this run are not kept\n",
+                 Printable(DeviceRoot()).c_str());
+}
+
 static int RunProgram(const CommandLine& line) {
     const HostOptions& options = line.options;
+    TellIfReadOnly();
     if (!line.target.host.empty()) ConnectThisRun(line.target);
     MarkWindow(line.profile);
     if (KeepsPlace(options)) RestoreWindowPlace();
@@ -185,7 +205,9 @@ int main(int argc, char** argv) {
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 
     LeaveMuteBuses();
+    g_usual_messages = qInstallMessageHandler(EndOnFatalMessage);
     QApplication application(argc, argv);
+    qInstallMessageHandler(nullptr);
     QApplication::setQuitOnLastWindowClosed(false);
     OpenDevice(options);
     const double scale = choose ? ScaleThatFits(DeviceScreen()->size()) : kUsualScale;

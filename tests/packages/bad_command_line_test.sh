@@ -16,9 +16,16 @@ refuses() {
     [ ! -s "$work/out" ] || fail "something came on stdout: $(cat "$work/out")"
     [ "$(wc -l <"$work/said")" -eq 1 ] || fail "not one line: $(cat "$work/said")"
     [ "$(wc -c <"$work/said")" -lt 300 ] || fail "a long line: $(cat "$work/said")"
-    ! LC_ALL=C grep -q '[[:cntrl:]]' "$work/said" || fail "a control character came back: $(cat -v "$work/said")"
+    is_readable
     [ ! -e "$home/data" ] || fail "something was written: $(find "$home/data")"
     tried=$((tried + 1))
+}
+# No control character of 7 or 8 bits, no change of the direction, and no half of a character.
+is_readable() {
+    ! LC_ALL=C grep -q '[[:cntrl:]]' "$work/said" || fail "a control character came back: $(cat -v "$work/said")"
+    /usr/bin/python3 -c 'import sys
+sys.exit(any(not c.isprintable() and c != "\n" for c in open(sys.argv[1], encoding="utf-8").read()))' "$work/said" ||
+        fail "an invisible character came back: $(cat -v "$work/said")"
 }
 
 forty=abcdefghijklmnopqrstuvwxyz.example.domain
@@ -26,13 +33,17 @@ long=$(printf '%05000d' 0)
 escape=$(printf 'a\033]0;title\007b')
 lines=$(printf 'a\nb')
 bell=$(printf 'x\007')
+eight_bits=$(printf 'a\302\23331m')
+backwards=$(printf 'a\342\200\256b')
+no_text=$(printf 'a\377\376b')
+umlauts=$(printf 'x%0100d' 0 | sed 's/0/ä/g')
 
 # Hosts.
 refuses 'has no host' ''
 refuses 'is too long' "$forty"
 refuses 'is too long' "$long"
 for host in 'a b' '"a"' "a'b" 'a/b' '/etc/passwd' '../a' 'a\b' 'a;b' '$(a)' 'a%20b' 'a@b' 'a:b' 'a:22' \
-    "$escape" "$lines" "$bell" 'höst' '*' '?' 'a,b'; do
+    "$escape" "$lines" "$bell" 'höst' '*' '?' 'a,b' "$eight_bits" "$backwards" "$no_text"; do
     refuses 'is no host' "$host"
 done
 for host in --bogus -x -; do refuses 'is no host' -- "$host"; done
@@ -41,7 +52,11 @@ refuses 'is no host' -- --help
 refuses 'is no host' -- -platform
 for host in ::1 '[::1]' fe80::1 '[fe80::1]:23'; do refuses 'is an IPv6 address' "$host"; done
 refuses 'is one word too many' a 23 b
+refuses 'is too long' "$umlauts"
+refuses 'xää' "$umlauts"
 refuses "'--bogus' is no option" --bogus
+refuses "'-platform' has no value" -platform
+refuses "'--title' has no value" a --title
 refuses "is no option" -bogus=1
 
 # Ports.
@@ -95,4 +110,23 @@ refuses 'both name the settings' --profile a --root "$work/root"
 [ ! -e "$work/root" ] || fail "the folder of --root was made"
 refuses 'goes with --export' --with-passwords
 refuses 'takes no host' --export a
+refuses 'takes no host' --profiles a
+
+# Folders: no word about them moves a terminal's cursor.
+for name in "$escape" "$eight_bits" "$backwards" "$no_text"; do
+    refuses 'is no folder' --root "/dev/null/$name"
+    ends_with 1 'has no settings' --root "$work/$name" --export
+    is_readable
+    mkdir "$work/$name"
+    echo >"$work/$name/mconfig.cfg"
+    ends_with 1 'has no settings' --root "$work/$name" --export
+    is_readable
+done
+ends_with 1 'cannot write' -platform offscreen --root "$work/root" --text "/dev/null/$backwards"
+is_readable
+rm -r "$work/root"
+
+# A display that is not there is told, and the program does not crash.
+ends_with 1 'nonsense' -platform nonsense
+DISPLAY=:987 ends_with 1 'display' -platform xcb
 echo "$tried command lines were refused"

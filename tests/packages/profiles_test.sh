@@ -55,4 +55,22 @@ ends_with 0 '' --profiles
 
 # A profile that is a file, or cannot be made.
 ends_with 2 'is no folder' --profile file
+
+# A folder that cannot be written: the program works and says that it keeps nothing. Root may write
+# everywhere, so it is another user's program then.
+plainly() { "$@"; }
+[ "$(id -u)" != 0 ] || plainly() { setpriv --reuid 65534 --regid 65534 --clear-groups "$@"; }
+locked=$home/data/quill/profiles/locked
+mkdir "$locked"
+chmod 755 "$work" "$home" "$home/data" "$home/data/quill" "$home/data/quill/profiles"
+chmod 555 "$locked"
+if plainly "$program" --version >/dev/null 2>&1; then
+    code=0
+    XDG_RUNTIME_DIR=$work/nowhere plainly timeout -s TERM -k 5 10 "$program" --platform offscreen \
+        --profile locked 2>"$work/said" || code=$?
+    [ $code -eq 124 ] || fail "in a folder that cannot be written it ended with $code: $(cat "$work/said")"
+    grep -q 'locked cannot be written; the settings of this run are not kept' "$work/said" ||
+        fail "said: $(cat "$work/said")"
+    [ -z "$(ls -A "$locked")" ] || fail "written nevertheless: $(ls -A "$locked")"
+fi
 echo "profiles: a folder, a window and a mark each"

@@ -13,6 +13,7 @@
 
 #include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/services/services.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
@@ -99,17 +100,41 @@ static void Squeeze(QColorDialog* chooser) {
         if (widget->inherits("QColorShowLabel")) widget->setMinimumWidth(kSmallPatch);
 }
 
-// Gives the window the size that the chooser wants, or the desktop's if that is smaller. The
-// chooser then scrolls above its buttons.
+static QSize FrameSize() { return DeviceScreen()->frameGeometry().size() - DeviceScreen()->size(); }
+
+// The input panel is needed to type into the chooser's fields.
+static bool LeavesPanelFree() { return RoomForDialogs() != DeviceScreen()->size(); }
+
+// The desktop's screen, or its part above a shown input panel.
+static QRect RoomForChooser() {
+    QRect room = DeviceScreen()->screen()->availableGeometry();
+    const int panel = DeviceScreen()->mapToGlobal(InputPanelPlace().topLeft()).y();
+    if (LeavesPanelFree()) room.setBottom(panel - 1);
+    return room;
+}
+
+// Gives the window the size that the chooser wants, or the room's if that is smaller. The chooser
+// then scrolls above its buttons.
 static void SetSize(QDialog* window, QColorDialog* chooser, const QWidget& buttons) {
-    const QSize frame = DeviceScreen()->frameGeometry().size() - DeviceScreen()->size();
-    const QSize room = DeviceScreen()->screen()->availableGeometry().size() - frame;
+    const QSize room = RoomForChooser().size() - FrameSize();
     const int bar = window->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     if (chooser->sizeHint().width() + bar > room.width()) Squeeze(chooser);
     QSize size = chooser->sizeHint();
     size.rheight() += buttons.sizeHint().height() + 2 * kMargin;
     if (size.height() > room.height()) size.rwidth() += bar;
     window->resize(size.boundedTo(room));
+}
+
+// The desktop would put the window over the middle of the device, and so over the panel.
+static void PlaceAbovePanel(QDialog* window) {
+    const QRect room = RoomForChooser();
+    QRect place(QPoint(0, 0), window->size() + FrameSize());
+    place.moveCenter(DeviceScreen()->frameGeometry().center());
+    place.moveBottom(std::min(place.bottom(), room.bottom()));
+    place.moveTop(std::max(place.top(), room.top()));
+    place.moveRight(std::min(place.right(), room.right()));
+    place.moveLeft(std::max(place.left(), room.left()));
+    window->move(place.topLeft());
 }
 
 static void PutInWindow(QColorDialog* chooser, QDialog* window) {
@@ -125,6 +150,7 @@ static void PutInWindow(QColorDialog* chooser, QDialog* window) {
     SetDefaults(window, buttons->button(QDialogButtonBox::Ok));
     window->setWindowTitle(chooser->windowTitle());
     SetSize(window, chooser, *buttons);
+    if (LeavesPanelFree()) PlaceAbovePanel(window);
     chooser->show();
 }
 
@@ -145,11 +171,14 @@ BOOL ShowColorDialog(CHOOSECOLORW* request) {
     QObject::connect(&window, &QDialog::finished, &window, [&] { done = true; });
     window.setWindowModality(Qt::ApplicationModal);
     window.show();
+    LendInputPanel(&window);
     if (window_observer.dialog) window_observer.dialog();
     RunModalLoop([&] { return done; });
     if (chosen) request->rgbResult = ValueOf(chooser->selectedColor());
     TakeCustomColors(request->lpCustColors);
     window.hide();
+    const Window* outer = TopMostDialog();
+    LendInputPanel(outer ? outer->widget.data() : nullptr);
     if (below && below->isVisible()) below->activateWindow();
     return chosen;
 }

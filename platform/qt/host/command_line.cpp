@@ -108,15 +108,18 @@ static bool HasToolkitValue(const std::string& option) {
     return equals != option.npos && IsToolkit(kToolkitValues, option.substr(0, equals).c_str());
 }
 
+// In UTF-8.
+static bool IsInsideCharacter(char byte) { return (byte & 0xC0) == 0x80; }
+
 // Complaints may end up in the logs of the desktop. So they repeat an argument without control
 // characters and without the password of an address.
 static std::string Shown(std::string argument) {
     const size_t at = argument.rfind('@'), colon = argument.find(':', argument.find("://") + 1);
     if (at != argument.npos && colon < at) argument.replace(colon, at - colon, ":...");
-    std::string shown = argument.substr(0, kShownOfAnArgument);
-    for (char& c : shown)
-        if (static_cast<unsigned char>(c) < ' ' || c == 0x7F) c = '?';
-    return shown.size() < argument.size() ? shown + "..." : shown;
+    const std::string shown = Printable(argument);
+    size_t end = std::min(shown.size(), kShownOfAnArgument);
+    while (end < shown.size() && IsInsideCharacter(shown[end])) --end;
+    return end < shown.size() ? shown.substr(0, end) + "..." : shown;
 }
 
 static bool Complain(const std::string& argument, const std::string& trouble) {
@@ -150,9 +153,9 @@ static bool TakeToolkitOption(Reader* reader, char* option) {
     const bool value = IsToolkit(kToolkitValues, option);
     if (!value && !IsToolkit(kToolkitFlags, option) && !HasToolkitValue(option))
         return Complain(option, "is no option");
+    if (value && reader->next == reader->argc) return Complain(option, "has no value");
     reader->argv[reader->kept++] = option;
-    if (value && reader->next < reader->argc)
-        reader->argv[reader->kept++] = reader->argv[reader->next++];
+    if (value) reader->argv[reader->kept++] = reader->argv[reader->next++];
     return true;
 }
 
@@ -190,6 +193,8 @@ static bool GoTogether(const CommandLine& line) {
         return Complain("--with-passwords", "goes with --export alone");
     if (line.task == Task::kExport && !line.target.host.empty())
         return Complain(line.target.host, "is one word too many: --export takes no host");
+    if (line.task == Task::kProfiles && !line.target.host.empty())
+        return Complain(line.target.host, "is one word too many: --profiles takes no host");
     return true;
 }
 
@@ -316,24 +321,25 @@ static int List(const CommandLine&) {
 static void TellLeftOut(const std::vector<std::string>& names) {
     if (names.empty()) return;
     std::fputs("quill: left out, as they may be passwords:", stderr);
-    for (const std::string& name : names) std::fprintf(stderr, " %s", name.c_str());
+    for (const std::string& name : names) std::fprintf(stderr, " %s", Printable(name).c_str());
     std::fputs(" (--with-passwords prints them)\n", stderr);
 }
 
 static int Export(const CommandLine& line) {
     const std::string root = line.options.root.empty() ? UserRoot() : line.options.root;
+    const std::string shown = Printable(root);
     SettingsExport settings;
     if (!ExportSettings(root, line.with_passwords, &settings)) {
-        std::fprintf(stderr, "quill: %s has no settings that can be read\n", root.c_str());
+        std::fprintf(stderr, "quill: %s has no settings that can be read\n", shown.c_str());
         return 1;
     }
     if (access((root + "/mconfig.cfg").c_str(), F_OK) == 0)
         std::fprintf(stderr, "quill: %s/mconfig.cfg waits for the next start and is not in it\n",
-                     root.c_str());
+                     shown.c_str());
     std::fwrite(settings.file.data(), 1, settings.file.size(), stdout);
     TellLeftOut(settings.left_out);
     for (const std::string& sentence : settings.unsaid)
-        std::fprintf(stderr, "quill: left out: %s\n", sentence.c_str());
+        std::fprintf(stderr, "quill: left out: %s\n", Printable(sentence).c_str());
     return settings.unsaid.empty() ? 0 : 1;
 }
 

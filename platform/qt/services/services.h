@@ -16,6 +16,9 @@
 std::string Utf8FromWide(std::u16string_view text);
 // Bytes that are not UTF-8 become U+FFFD.
 std::u16string WideFromUtf8(std::string_view bytes);
+// UTF-8 for a terminal: each character that no letter shows, such as a control character or a
+// change of the direction, becomes a question mark, and so do bytes that are not UTF-8.
+std::string Printable(std::string_view text);
 
 // Maps one unit by the Unicode tables, independent of the locale. A unit above U+007F never becomes
 // one below.

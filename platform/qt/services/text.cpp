@@ -4,6 +4,7 @@
 
 #include <cstdarg>
 #include <QChar>
+#include <QList>
 #include <QString>
 
 #include "windows_ce.h"
@@ -50,6 +51,15 @@ std::string Utf8FromWide(std::u16string_view text) {
 
 std::u16string WideFromUtf8(std::string_view bytes) {
     return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())).toStdU16String();
+}
+
+std::string Printable(std::string_view text) {
+    QString shown;
+    for (const char32_t character : QString::fromStdU16String(WideFromUtf8(text)).toUcs4()) {
+        const bool prints = QChar::isPrint(character) && character != QChar::ReplacementCharacter;
+        shown += QString::fromUcs4(prints ? &character : U"?", 1);
+    }
+    return shown.toStdString();
 }
 
 char16_t UpperUnit(char16_t unit) {

@@ -155,7 +155,7 @@ static void Ask(const char* request) {
     if (given_up || TellOther(request)) return;
     given_up = true;
     std::fprintf(stderr, "quill: the program that runs on %s does not answer\n",
-                 DeviceRoot().c_str());
+                 Printable(DeviceRoot()).c_str());
 }
 
 constexpr WindowOperations kOtherOperations = {
