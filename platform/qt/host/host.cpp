@@ -89,7 +89,8 @@ static void SetSystemFont() {
 
 bool MakeRoot(const std::string& folder) {
     if (folder.empty() || QDir().mkpath(QString::fromStdString(folder))) return true;
-    std::fprintf(stderr, "quill: %s is no folder and cannot be made one\n", Printable(folder).c_str());
+    std::fprintf(stderr, "quill: %s is no folder and cannot be made one\n",
+                 Printable(folder).c_str());
     return false;
 }
 
