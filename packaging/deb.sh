@@ -40,8 +40,12 @@ mkdir -p "$root/DEBIAN" "$root/usr/bin" "$documents" "$root/usr/share/terminfo/q
 dated() { sed -e "s/@VERSION@/$version/g" -e "s/@DATE@/$day/g" "$1"; }
 
 strip --strip-unneeded -R .comment -R .note -o "$root/usr/bin/quill" "$build/platform/qt/quill"
-cp resources/telnet.htm resources/quill.ti docs/fleet.md docs/hosts.md docs/hosts_names.md docs/sequences.md \
-    "$documents/"
+cp resources/telnet.htm resources/quill.ti "$documents/"
+# All documents lie in one folder; the manual page is in place of what else they refer to.
+for page in fleet hosts hosts_names sequences; do
+    sed -e 's|\[README\](../README.md)|quill(1)|g' -e 's|(../resources/quill.ti)|(quill.ti)|g' \
+        "docs/$page.md" >"$documents/$page.md"
+done
 cp "$build"/resources/terminfo/q/quill* "$root/usr/share/terminfo/q/"
 cp packaging/desktop/quill.desktop "$root/usr/share/applications/"
 dated packaging/desktop/quill.metainfo.xml >"$root/usr/share/metainfo/org.quillware.quill.metainfo.xml"

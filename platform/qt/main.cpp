@@ -7,9 +7,12 @@
 #include <csignal>
 
 #include <cerrno>
+#include <map>
+#include <optional>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QMessageBox>
 #include <QScreen>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -50,6 +53,25 @@ void EndBySignals() {
         PostQuitMessage(0);
     });
     for (const int number : {SIGHUP, SIGINT, SIGTERM}) Watch(number);
+}
+
+// Variables that this file and LeaveMuteBuses set for the toolkit alone.
+static const char* const kToolkitVariables[] = {"QT_SCALE_FACTOR", "QT_IM_MODULE", kBusVariables[0],
+                                                kBusVariables[1]};
+
+using Variables = std::map<const char*, std::optional<QByteArray>>;
+
+static Variables ToolkitVariables() {
+    Variables values;
+    for (const char* name : kToolkitVariables)
+        values[name] =
+            qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt;
+    return values;
+}
+
+// The programs that this one starts get the values that it was started with.
+static void RestoreVariables(const Variables& values) {
+    for (const auto& [name, value] : values) value ? qputenv(name, *value) : qunsetenv(name);
 }
 
 constexpr double kUsualScale = 2;  // makes the device's small pixels readable on a desktop
@@ -123,6 +145,13 @@ static void StartAgain(std::vector<char*> arguments, double scale) {
     execv("/proc/self/exe", arguments.data());
 }
 
+// On Wayland. The input method that the toolkit takes there by itself crashes in an empty text
+// field if the compositor has no input device. This one, which it takes on X, does not.
+static void ChooseInputMethod() {
+    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) return;
+    if (!qEnvironmentVariableIsSet("QT_IM_MODULE")) qputenv("QT_IM_MODULE", "compose");
+}
+
 // Without a display the toolkit would abort with a core dump. Its platforms that need no display
 // are named by an option or by QT_QPA_PLATFORM.
 static bool IsDisplayNamed(int argc, char** argv) {
@@ -156,10 +185,17 @@ static void NameAfterProfile(char** argv, const std::string& profile) {
     if (!profile.empty()) argv[0] = name.data();
 }
 
+// Wayland's compositors tell windows apart by this name. On X it names the entry in the menu, whose
+// icon a profile's window has too.
+static void NameEntry(const std::string& profile) {
+    const bool own = !profile.empty() && QGuiApplication::platformName().startsWith("wayland");
+    QGuiApplication::setDesktopFileName(own ? "quill-" + QString::fromStdString(profile) : "quill");
+}
+
 // The place is kept only for ordinary windows: not with --screen, which sets the size, and not when
 // a picture or the text is wanted.
 static bool KeepsPlace(const HostOptions& options) {
-    return options.screen.isEmpty() && options.snapshot.isEmpty() && options.text.isEmpty();
+    return options.screen.isEmpty() && !WantsFile(options);
 }
 
 static void TellIfReadOnly() {
@@ -174,7 +210,7 @@ static int RunProgram(const CommandLine& line) {
     if (!line.target.host.empty()) ConnectThisRun(line.target);
     MarkWindow(line.profile);
     if (KeepsPlace(options)) RestoreWindowPlace();
-    if (!options.snapshot.isEmpty() || !options.text.isEmpty()) WatchForRest(options);
+    if (WantsFile(options)) WatchForRest(options);
     EndBySignals();
     ServeTerminalText();
     HoldRegistry();  // for the load of the settings, until the first wait for a message
@@ -184,35 +220,60 @@ static int RunProgram(const CommandLine& line) {
     return result;
 }
 
+// A desktop that follows a link has nobody who reads stderr.
+static bool IsFollowedLink(const std::vector<char*>& arguments) {
+    return arguments.size() == 3 && std::strstr(arguments[1], "://") && !isatty(STDERR_FILENO);
+}
+
+// Exit code 2, whatever the toolkit says.
+static int RefuseCommandLine(std::vector<char*> given) {
+    int count = 1;
+    if (!IsFollowedLink(given) || !IsDisplayNamed(count, given.data())) return 2;
+    LeaveMuteBuses();
+    ChooseInputMethod();
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString&) {
+        if (type == QtFatalMsg) _exit(2);
+    });
+    QApplication application(count, given.data());
+    QMessageBox box(QMessageBox::Warning, "Quill Telnet", QString::fromStdString(LastComplaint()));
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+    return 2;
+}
+
 int main(int argc, char** argv) {
     std::vector<char*> given(argv, argv + argc + 1);
     CommandLine line;
-    if (!TakeCommandLine(&argc, argv, &line)) return 2;
+    if (!TakeCommandLine(&argc, argv, &line)) return RefuseCommandLine(given);
     if (line.task != Task::kRun) return DoTask(line);
     const HostOptions& options = line.options;
-    if (!MakeSettingsFolder(line)) return 2;
     if (!IsDisplayNamed(argc, argv)) {
         std::fputs("quill: there is no display (DISPLAY and WAYLAND_DISPLAY are empty)\n", stderr);
         return 1;
     }
+    const Variables variables = ToolkitVariables();
     const bool choose = options.scale == 0 && qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR");
     if (choose || options.scale > 0) SetScale(choose ? kUsualScale : options.scale);
     NameAfterProfile(argv, line.profile);
     QApplication::setApplicationName("quill");
     QApplication::setApplicationDisplayName("");
-    QGuiApplication::setDesktopFileName("quill");
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 
     LeaveMuteBuses();
+    ChooseInputMethod();
     g_usual_messages = qInstallMessageHandler(EndOnFatalMessage);
     QApplication application(argc, argv);
     qInstallMessageHandler(nullptr);
     QApplication::setQuitOnLastWindowClosed(false);
+    NameEntry(line.profile);
+    if (!MakeSettingsFolder(line)) return 2;
     OpenDevice(options);
+    RestoreVariables(variables);
     const double scale = choose ? ScaleThatFits(DeviceScreen()->size()) : kUsualScale;
     if (scale != kUsualScale) StartAgain(given, scale);
-    const bool busy = !line.target.host.empty() && IsProfileBusy(line);
+    const bool asks = !line.target.host.empty() || WantsFile(options);
+    const bool busy = asks && IsProfileBusy(line);
     const int result = busy ? 1 : RunProgram(line);
     CloseDevice();
     return result;

@@ -7,8 +7,10 @@ import os
 import pathlib
 import signal
 import socket
+import struct
 import subprocess
 import sys
+import threading
 import time
 
 from reader import *
@@ -297,6 +299,107 @@ def launcher_that_never_answers(path, work):
     stopped_while(starts_and_types, path, work, [int(os.environ["SCREEN_READER_BUS"])])
 
 
+def bus_behind_one_that_is_gone(path, work):
+    """An address may be a list: a client takes the first bus of it that takes connections."""
+    bus = listener(work + "/mute")
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={work}/gone;unix:path={work}/mute"
+    os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+    starts_and_types(path, work)
+    bus.close()
+
+
+def signal_message():
+    """A signal of the bus, as D-Bus writes it: the head, the fields, and no body."""
+    def field(code, kind, text):
+        return bytes([code, 1]) + kind + b"\0" + struct.pack("<I", len(text)) + text + b"\0"
+
+    fields = b""
+    for each in (field(1, b"o", b"/org/freedesktop/DBus"), field(2, b"s", b"org.freedesktop.DBus"),
+                 field(3, b"s", b"NameAcquired")):
+        fields += bytes(-len(fields) % 8) + each
+    message = b"l\4\1\1" + struct.pack("<III", 0, 1, len(fields)) + fields
+    return message + bytes(-len(message) % 8)
+
+
+def chatter(bus):
+    """Greets whoever calls, and sends signals for ever, but no answer."""
+    def talk(peer):
+        peer.recv(4096)
+        peer.sendall(b"OK 00\r\n")
+        while True:
+            peer.sendall(signal_message())
+            time.sleep(0.5)
+
+    def safely(peer):
+        try:
+            talk(peer)
+        except OSError:
+            pass
+
+    def serve():
+        try:
+            while True:
+                threading.Thread(target=safely, args=(bus.accept()[0],), daemon=True).start()
+        except OSError:
+            pass
+
+    threading.Thread(target=serve, daemon=True).start()
+
+
+def bus_that_chatters_and_never_answers(path, work):
+    bus = listener(work + "/chatter")
+    chatter(bus)
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + work + "/chatter"
+    os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+    starts_and_types(path, work)
+    bus.close()
+
+
+def launcher_that_takes_its_time(path, work):
+    """A screen reader has the program all the same."""
+    launcher = int(os.environ["SCREEN_READER_BUS"])
+    os.kill(launcher, signal.SIGSTOP)
+    program = Program(path, work)
+    time.sleep(4)
+    os.kill(launcher, signal.SIGCONT)
+    main_window()
+    find("push button", "swap toolbar")
+    program.end()
+
+
+VARIABLES = ("DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS", "QT_SCALE_FACTOR", "QT_IM_MODULE")
+
+
+def environment(path):
+    pairs = (each.split("=", 1) for each in pathlib.Path(path).read_text().split("\0") if "=" in each)
+    return {name: value for name, value in pairs if name in VARIABLES}
+
+
+def programs_that_it_starts(path, work):
+    """They have the environment of the person: itself, on a screen for which the usual scale is too
+    large, and the viewer of the help page."""
+    bus = listener(work + "/mute")
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + work + "/mute"
+    viewer = pathlib.Path(work, "bin", "xdg-open")
+    viewer.parent.mkdir()
+    viewer.write_text(f"#!/bin/sh\ncat /proc/$$/environ >{work}/viewer\n: >{work}/viewed\n")
+    viewer.chmod(0o755)
+    os.environ["PATH"] = f"{viewer.parent}:{os.environ['PATH']}"
+    given = {name: os.environ[name] for name in VARIABLES if name in os.environ}
+    root = work + "/root"
+    process = subprocess.Popen([path, "--root", root, "--screen", "700x500"])
+    subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "^Quill Telnet  ",
+                    "windowfocus", "--sync", "key", "ctrl+shift+h"], check=True, timeout=2 * PATIENCE)
+    words = pathlib.Path(f"/proc/{process.pid}/cmdline").read_bytes().split(b"\0")
+    assert words[1] == b"--scale", words
+    assert environment(f"/proc/{process.pid}/environ") == given
+    eventually(lambda: os.path.exists(work + "/viewed"), "the viewer")
+    assert environment(work + "/viewer") == given, environment(work + "/viewer")
+    process.send_signal(signal.SIGTERM)
+    assert process.wait(PATIENCE) == 0
+    bus.close()
+
+
 def readers_bus_that_falls_silent(path, work):
     """A session is up and read by then."""
     host, program = in_session(path, work)
@@ -324,6 +427,8 @@ def main():
              message_box_is_read, bus_that_dies, bus_that_is_not_there, bus_that_never_answers,
              bus_with_a_full_queue, readers_bus_that_never_answers,
              readers_bus_named_by_the_environment, launcher_that_never_answers,
+             bus_behind_one_that_is_gone, bus_that_chatters_and_never_answers,
+             launcher_that_takes_its_time, programs_that_it_starts,
              readers_bus_that_falls_silent]
     {each.__name__: each for each in steps}[step](path, work)
     print(f"{step}: as told")

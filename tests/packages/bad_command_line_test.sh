@@ -46,6 +46,7 @@ for host in 'a b' '"a"' "a'b" 'a/b' '/etc/passwd' '../a' 'a\b' 'a;b' '$(a)' 'a%2
     "$escape" "$lines" "$bell" 'höst' '*' '?' 'a,b' "$eight_bits" "$backwards" "$no_text"; do
     refuses 'is no host' "$host"
 done
+for host in localhost:23 a:x; do refuses 'the port is a second word, or in telnet://HOST:PORT' "$host"; done
 for host in --bogus -x -; do refuses 'is no host' -- "$host"; done
 refuses 'is no host' -- --
 refuses 'is no host' -- --help
@@ -114,7 +115,7 @@ refuses 'takes no host' --profiles a
 
 # Folders: no word about them moves a terminal's cursor.
 for name in "$escape" "$eight_bits" "$backwards" "$no_text"; do
-    refuses 'is no folder' --root "/dev/null/$name"
+    refuses 'is no folder' -platform offscreen --root "/dev/null/$name"
     ends_with 1 'has no settings' --root "$work/$name" --export
     is_readable
     mkdir "$work/$name"
@@ -125,6 +126,12 @@ done
 ends_with 1 'cannot write' -platform offscreen --root "$work/root" --text "/dev/null/$backwards"
 is_readable
 rm -r "$work/root"
+
+# Without a display no folder is made, neither a profile's nor another one.
+ends_with 1 'there is no display' --profile fresh
+[ ! -e "$home/data" ] || fail "written: $(find "$home/data")"
+ends_with 1 'there is no display' --root "$work/root"
+[ ! -e "$work/root" ] || fail "the folder of --root was made"
 
 # A display that is not there is told, and the program does not crash.
 ends_with 1 'nonsense' -platform nonsense

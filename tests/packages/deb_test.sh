@@ -30,13 +30,18 @@ usr=$work/root/usr
 for file in bin/quill share/applications/quill.desktop share/metainfo/org.quillware.quill.metainfo.xml \
     share/man/man1/quill.1.gz share/terminfo/q/quill share/terminfo/q/quill-7 \
     share/icons/hicolor/scalable/apps/quill.svg share/doc/quill/telnet.htm share/doc/quill/quill.ti \
-    share/doc/quill/hosts.md share/doc/quill/hosts_names.md share/doc/quill/sequences.md \
+    share/doc/quill/fleet.md share/doc/quill/hosts.md share/doc/quill/hosts_names.md share/doc/quill/sequences.md \
     share/doc/quill/copyright share/doc/quill/changelog.gz share/doc/quill/NEWS.md.gz; do
     [ -s "$usr/$file" ] || fail "there is no $file"
 done
 for size in 16 22 24 32 48 64 96 128 256; do
     shape=$(identify -format '%wx%h' "$usr/share/icons/hicolor/${size}x$size/apps/quill.png")
     [ "$shape" = ${size}x$size ] || fail "the icon of $size pixels has $shape"
+done
+for page in "$usr"/share/doc/quill/*.md; do
+    for link in $(grep -o ']([^)#:]*[^)#:]' "$page" | sed 's/^](//' | sort -u); do
+        [ -e "$usr/share/doc/quill/$link" ] || fail "$(basename "$page") refers to $link, which is not there"
+    done
 done
 cmp "$tree/resources/telnet.htm" "$usr/share/doc/quill/telnet.htm" || fail "another help page"
 TERMINFO=$usr/share/terminfo infocmp -1 quill >/dev/null || fail "the terminal's description cannot be read"
@@ -74,6 +79,16 @@ if [ "$(dpkg-deb -f "$package" Architecture)" = amd64 ]; then
     objdump -d "$usr/bin/quill" >"$work/code"
     [ "$(grep -c endbr64 "$work/code")" -gt 500 ] || fail "no landing pads for control-flow enforcement"
     grep -qE 'or[lq] +\$0x0,(0x[0-9a-f]+)?\(%rsp' "$work/code" || fail "no stack clash protection"
+fi
+# The mark of control-flow enforcement: on each object of the build, and so on the program where the
+# system's own start-up code has it too.
+if [ "$(dpkg-deb -f "$package" Architecture)" = amd64 ]; then
+    mark='x86 feature: IBT, SHSTK'
+    for object in $(find "$build" -name '*.o' -path '*platform/qt/*'); do
+        readelf -n "$object" | grep -q "$mark" || fail "$object hinders control-flow enforcement"
+    done
+    ! readelf -n "$(c++ -print-file-name=Scrt1.o)" | grep -q "$mark" ||
+        readelf -n "$usr/bin/quill" | grep -q "$mark" || fail "the program hinders control-flow enforcement"
 fi
 ! grep -qaF "$tree" "$usr/bin/quill" || fail "the program names the folder in which it was built"
 [ -z "$(readelf -WS "$usr/bin/quill" | grep -E '\.symtab|\.debug')" ] || fail "not stripped"

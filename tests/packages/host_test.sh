@@ -85,5 +85,27 @@ has_window "$session_title" || fail "the first session has ended"
 # Without a host it is handed over to without a word, as ever.
 timeout -k 5 20 "$program" --root "$root" 2>"$work/second" || fail "the third start ended with $?"
 [ ! -s "$work/second" ] || fail "said: $(cat "$work/second")"
+# A picture or the text of a session that this start would open: it has none, says so, and shows no box.
+for option in --text --snapshot; do
+    for host in '' 127.0.0.1; do
+        ends_with 1 'already runs' --root "$root" $option "$work/not written" $host
+        [ "$(wc -l <"$work/said")" -eq 1 ] || fail "not one line: $(cat "$work/said")"
+        [ ! -e "$work/not written" ] || fail "$option wrote a file"
+    done
+done
 end_window
+
+# A bad address that a person clicks on a desktop, where nobody reads stderr.
+"$program" 'telnet://<b>a/b' 2>"$work/second" &
+second=$!
+ends_with_us $second
+await 20 has_window '^Quill Telnet$' || fail "no box: $(cat "$work/second")"
+grep -q 'is no host' "$work/second" || fail "said: $(cat "$work/second")"
+code=0
+box=$(xdotool search --name '^Quill Telnet$' | tail -n 1)
+sleep 0.5
+xdotool windowfocus "$box" key Return 2>/dev/null || :
+wait $second || code=$?
+[ $code -eq 2 ] || fail "a bad address ended with $code"
+[ ! -e "$home/data" ] || fail "a bad address wrote something"
 echo "hosts and addresses: as typed, and none is stored"

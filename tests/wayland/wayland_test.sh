@@ -6,25 +6,11 @@
 # Usage: wayland_test.sh PROGRAM SCALE PICTURES [OUTPUT-SCALE]
 set -eu
 . "$(dirname "$0")/../support/outside.sh"
-need weston weston-screenshooter convert
+need weston-screenshooter convert
 program=$1 scale=$2 pictures=$3 density=${4:-1}
-[ -n "$(find /usr/lib -name libqwayland-generic.so -path '*qt6*' 2>/dev/null | head -n 1)" ] ||
-    { echo "$script: the toolkit has no Wayland here" >&2; exit 77; }
+. "$(dirname "$0")/compositor.sh"
 mkdir -p "$pictures"
-
-# What the toolkit and the graphics libraries keep until the end is theirs.
-export ASAN_OPTIONS="${ASAN_OPTIONS:-}:detect_leaks=0"
-# Nothing of the person's session: no X server, and a run-time folder of the test's own. Which platform
-# the toolkit takes is left to it, as ./run does.
-export XDG_RUNTIME_DIR="$work/runtime" HOME="$work"
-mkdir -m 700 "$XDG_RUNTIME_DIR"
-unset DISPLAY QT_QPA_PLATFORM XDG_SESSION_TYPE XDG_CURRENT_DESKTOP || :
-weston --backend=headless-backend.so --use-pixman --scale="$density" \
-    --width=$((1800 / density)) --height=$((1300 / density)) \
-    --socket=quill-test --idle-time=0 --no-config --debug >"$work/weston.log" 2>&1 &
-ends_with_us $!
-export WAYLAND_DISPLAY=quill-test
-await 20 test -S "$XDG_RUNTIME_DIR/$WAYLAND_DISPLAY" || { cat "$work/weston.log" >&2; fail "no compositor"; }
+open_compositor "$density"
 
 : >"$work/port"
 /usr/bin/python3 "$(dirname "$0")/frame_host.py" >"$work/port" &

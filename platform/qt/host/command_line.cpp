@@ -122,11 +122,15 @@ static std::string Shown(std::string argument) {
     return end < shown.size() ? shown.substr(0, end) + "..." : shown;
 }
 
+static std::string g_complaint;
+
 static bool Complain(const std::string& argument, const std::string& trouble) {
-    std::fprintf(stderr, "quill: '%s' %s (quill --help tells more)\n", Shown(argument).c_str(),
-                 trouble.c_str());
+    g_complaint = "quill: '" + Shown(argument) + "' " + trouble + " (quill --help tells more)";
+    std::fprintf(stderr, "%s\n", g_complaint.c_str());
     return false;
 }
+
+const std::string& LastComplaint() { return g_complaint; }
 
 namespace {
 
@@ -250,6 +254,8 @@ static const char* TakeHost(const std::string& text, std::string* host) {
     if (text[0] == '[' || std::count(text.begin(), text.end(), ':') > 1)
         return "is an IPv6 address; Quill connects to names and IPv4 addresses";
     if (text.size() > kLongestName) return "is too long; a host has at most 39 characters";
+    if (text[0] != ':' && text.find(':') != text.npos)
+        return "is no host; the port is a second word, or in telnet://HOST:PORT";
     if (text[0] == '-' || !IsMadeOf(text, ".-_"))
         return "is no host; it has letters, digits, '.', '-' and '_' and begins with no '-'";
     return *host = text, nullptr;

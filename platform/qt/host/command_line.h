@@ -27,6 +27,9 @@ struct CommandLine {
 bool TakeCommandLine(int* argc, char** argv, CommandLine* line);
 void TellHelp(std::FILE* stream);
 
+// The last complaint, without an end of line; "" if there was none.
+const std::string& LastComplaint();
+
 // Reads HOST, or an address with its scheme. Returns what is wrong with it, or null.
 const char* TakeTarget(const std::string& text, RunTarget* target);
 const char* TakePort(const std::string& text, int* port);

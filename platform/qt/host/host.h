@@ -22,6 +22,11 @@ struct HostOptions {
     QString text;      // file for the session's text at the same moment
 };
 
+// True if a picture or the text is wanted.
+inline bool WantsFile(const HostOptions& options) {
+    return !options.snapshot.isEmpty() || !options.text.isEmpty();
+}
+
 // Makes the folder of --root if it is missing. Returns false after a complaint on stderr.
 bool MakeRoot(const std::string& folder);
 

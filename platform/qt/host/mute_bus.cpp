@@ -19,9 +19,10 @@
 #include <string>
 #include <vector>
 
-constexpr std::chrono::milliseconds kPatience(2000);  // for each answer
-constexpr char kSessionVariable[] = "DBUS_SESSION_BUS_ADDRESS";
-constexpr char kReadersVariable[] = "AT_SPI_BUS_ADDRESS";
+constexpr std::chrono::milliseconds kPatience(2000);           // for a bus
+constexpr std::chrono::milliseconds kLauncherPatience(10000);  // for a program that starts one
+constexpr const char* kSessionVariable = kBusVariables[0];
+constexpr const char* kReadersVariable = kBusVariables[1];
 constexpr char kNoBus[] = "disabled:";  // an address of a kind that no bus has
 
 static std::string Environment(const char* name) {
@@ -58,14 +59,11 @@ static std::string ValueOf(const std::string& list, const std::string& key) {
     return "";
 }
 
-// Fills in the socket's address and returns its length; 0 if the bus has none of this kind. An
-// address may be a list; the first one counts.
+// Fills in the socket's address and returns its length; 0 if the bus has none of this kind.
 static socklen_t FindBus(const std::string& address, sockaddr_un* socket_address) {
     constexpr char kKind[] = "unix:";
-    const size_t found = address.find(kKind);
-    if (found == std::string::npos) return 0;
-    const size_t start = found + sizeof(kKind) - 1;
-    const std::string list = address.substr(start, address.find(';', start) - start);
+    if (address.rfind(kKind, 0) != 0) return 0;
+    const std::string list = address.substr(sizeof(kKind) - 1);
     std::string path = ValueOf(list, "path=");
     const std::string name = ValueOf(list, "abstract=");
     if (path.empty() && !name.empty()) path = '\0' + name;
@@ -85,6 +83,7 @@ struct CallRow {
     const char* path;
     const char* interface;  // and the name that it goes to
     const char* member;
+    std::chrono::milliseconds patience;  // for the answer
 };
 
 enum MessageType : char { kCall = 1, kReturn = 2, kError = 3 };
@@ -92,8 +91,9 @@ enum FieldCode : char { kPath = 1, kInterface = 2, kMember = 3, kDestination = 6
 
 }  // namespace
 
-static const CallRow kHello = {"/org/freedesktop/DBus", "org.freedesktop.DBus", "Hello"};
-static const CallRow kReadersAddress = {"/org/a11y/bus", "org.a11y.Bus", "GetAddress"};
+static const CallRow kHello = {"/org/freedesktop/DBus", "org.freedesktop.DBus", "Hello", kPatience};
+static const CallRow kReadersAddress = {"/org/a11y/bus", "org.a11y.Bus", "GetAddress",
+                                        kLauncherPatience};
 
 constexpr char kOwnByteOrder = std::endian::native == std::endian::little ? 'l' : 'B';
 constexpr char kVersion = 1;
@@ -143,10 +143,13 @@ static std::string MessageOf(const CallRow& call, uint32_t serial) {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 struct Conversation {
     int bus = -1;
-    bool mute = false;  // an answer did not come in time
-    std::string heard;  // and not dealt with yet
+    Clock::time_point end;  // of the patience with the call that is open
+    bool mute = false;      // an answer did not come in time
+    std::string heard;      // and not dealt with yet
 };
 
 }  // namespace
@@ -159,10 +162,9 @@ static bool Say(const Conversation& talk, const std::string& bytes) {
 // Hears more until `whole` is true. False if the time is over, or the bus has gone.
 template <typename Condition>
 static bool Hear(Conversation* talk, const Condition& whole) {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point end = Clock::now() + kPatience;
     while (!whole()) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(talk->end - Clock::now()).count();
         pollfd answer = {talk->bus, POLLIN, 0};
         talk->mute = poll(&answer, 1, static_cast<int>(std::max<decltype(left)>(left, 0))) == 0;
         if (talk->mute) return false;
@@ -176,6 +178,7 @@ static bool Hear(Conversation* talk, const Condition& whole) {
 
 // The greeting is a zero byte, and the user as digits in hexadecimal.
 static bool LogIn(Conversation* talk) {
+    talk->end = Clock::now() + kPatience;
     std::string user;
     for (const char digit : std::to_string(getuid())) user += {'3', digit};
     if (!Say(*talk, std::string(1, '\0') + "AUTH EXTERNAL " + user + "\r\n")) return false;
@@ -211,8 +214,10 @@ static bool TakeMessage(Conversation* talk, char* type, std::string* body) {
     return true;
 }
 
-// Signals may come before the answer. One call is open at a time, so the next answer is its own.
+// Signals may come before the answer, and do not prolong the wait. One call is open at a time, so
+// the next answer is its own.
 static bool Ask(Conversation* talk, const CallRow& call, uint32_t serial, std::string* body) {
+    talk->end = Clock::now() + call.patience;
     if (!Say(*talk, MessageOf(call, serial))) return false;
     char type = 0;
     while (TakeMessage(talk, &type, body))
@@ -228,7 +233,7 @@ static std::string TextOf(const std::string& body) {
 
 // A bus that cannot be reached is not mute: the toolkit finds that out at once. It would wait for a
 // bus with a full queue of connections, though.
-static bool Begin(const std::string& address, Conversation* talk) {
+static bool Reach(const std::string& address, Conversation* talk) {
     sockaddr_un place;
     const socklen_t length = FindBus(address, &place);
     if (length == 0) return false;
@@ -236,6 +241,18 @@ static bool Begin(const std::string& address, Conversation* talk) {
     if (talk->bus < 0) return false;
     if (connect(talk->bus, reinterpret_cast<const sockaddr*>(&place), length) == 0) return true;
     talk->mute = errno == EAGAIN;
+    close(talk->bus);
+    talk->bus = -1;
+    return false;
+}
+
+// An address may be a list. The first bus that takes the connection counts.
+static bool Begin(const std::string& addresses, Conversation* talk) {
+    for (size_t start = 0; start < addresses.size() && !talk->mute;) {
+        const size_t end = std::min(addresses.find(';', start), addresses.size());
+        if (Reach(addresses.substr(start, end - start), talk)) return true;
+        start = end + 1;
+    }
     return false;
 }
 

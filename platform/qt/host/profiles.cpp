@@ -83,9 +83,15 @@ void MarkWindow(const std::string& profile) {
 
 // ---------------------------------------------------------------- a second start
 
+static void TellNoSession() {
+    std::fprintf(stderr, "quill: Quill already runs on %s, so this start has no session to save\n",
+                 Printable(DeviceRoot()).c_str());
+}
+
 bool IsProfileBusy(const CommandLine& line) {
     const HWND other = FindOtherInstance();
     if (!other) return false;
+    if (WantsFile(line.options)) return TellNoSession(), true;
     SetForegroundWindow(other);
     const QString text = QString(
                              "Quill already runs on these settings. For a second window with "

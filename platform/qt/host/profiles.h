@@ -18,9 +18,10 @@ std::vector<std::string> ProfileNames();             // sorted
 // bar's entry. Call it after OpenDevice. The window's title does not change: it belongs to Quill.
 void MarkWindow(const std::string& profile);
 
-// For a start with a host: if a program already runs on these settings, brings it to the front and
-// tells the user how to open a second window: on stderr, and also in a message box if stderr is no
-// terminal. The other program's session is not touched.
+// For a start with a host, or for a picture or the text of a session: true if a program already
+// runs on these settings, whose session is not touched. Says so in one line on stderr. Without a
+// file to write it also brings that program to the front, says how to open a second window, and
+// shows the same in a message box if stderr is no terminal.
 bool IsProfileBusy(const CommandLine& line);
 
 #endif

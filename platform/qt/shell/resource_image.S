@@ -1,5 +1,8 @@
 /* SPDX-License-Identifier: MIT */
 /* The compiled resources and the help page, as bytes of the program. */
+#if defined(__CET__)
+#include <cet.h> /* a note: nothing here hinders control-flow enforcement */
+#endif
     .section .rodata
     .global quill_resources
     .global quill_resources_end

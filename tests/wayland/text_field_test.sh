@@ -1,0 +1,51 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# Text fields and profiles under Wayland: a field has the focus where the compositor has no input
+# device, and the window of a profile has a name of its own.
+# Exit code 77: not possible here.
+# Usage: text_field_test.sh PROGRAM PICTURES
+set -eu
+. "$(dirname "$0")/../support/outside.sh"
+program=$1 pictures=$2
+. "$(dirname "$0")/compositor.sh"
+need weston-screenshooter
+/usr/bin/python3 -c 'import paramiko' 2>/dev/null || { echo "$script: python3-paramiko is missing" >&2; exit 77; }
+mkdir -p "$pictures"
+open_compositor 1
+
+mkfifo "$work/open"
+: >"$work/port"
+/usr/bin/python3 -B "$(dirname "$0")/../ssh2/paramiko_server.py" <"$work/open" >"$work/port" &
+ends_with_us $!
+exec 8>"$work/open"
+port=$(first_line "$work/port")
+
+# signs_on [NAME=VALUE]: the box of the sign-on is drawn, with the focus in an empty field, and goes on.
+# A window gets its buffers after its title.
+box_is_drawn() { sed -n '/set_title("Sign on to the host")/,$p' "$work/err" | grep -q 'wl_surface.*attach(wl_buffer'; }
+signs_on() {
+    env WAYLAND_DEBUG=1 "$@" "$program" --root "$work/root" "ssh://127.0.0.1:$port" 2>"$work/err" &
+    client=$!
+    ends_with_us $client
+    await 30 box_is_drawn || fail "$*: no box"
+    sleep 1 # the cursor blinks
+    (cd "$work" && rm -f wayland-screenshot-*.png && weston-screenshooter) || fail "no picture"
+    mv "$work"/wayland-screenshot-*.png "$pictures/sign-on.png"
+    kill $client || fail "$*: the program has gone"
+    code=0
+    wait $client || code=$?
+    [ $code -eq 0 ] || fail "$*: the program ended with $code"
+}
+signs_on
+# What a person has chosen stays.
+signs_on QT_IM_MODULE=compose
+
+# What a compositor tells windows apart by.
+app_id() { sed -n 's/.*set_app_id("\([^"]*\)").*/\1/p' "$work/err" | sort -u; }
+XDG_DATA_HOME="$work/data" WAYLAND_DEBUG=1 timeout -k 5 60 "$program" --text "$work/text" 2>"$work/err" ||
+    fail "the program ended with $?"
+[ "$(app_id)" = quill ] || fail "a window without a profile is called '$(app_id)'"
+XDG_DATA_HOME="$work/data" WAYLAND_DEBUG=1 timeout -k 5 60 "$program" --profile stores --text "$work/text" \
+    2>"$work/err" || fail "the program ended with $?"
+[ "$(app_id)" = quill-stores ] || fail "the window of the profile is called '$(app_id)'"
+echo "a sign-on without an input device; a name for each profile"
