@@ -5,7 +5,7 @@
 # Usage: clipboard_test.sh PROGRAM
 set -eu
 . "$(dirname "$0")/../support/outside.sh"
-need Xvfb xdotool xclip socat
+need Xvfb xdotool xclip socat import
 program=$1
 owner=
 # A stopped owner ends only by SIGKILL.
@@ -70,9 +70,12 @@ kill -CONT "$owner"
 
 # From the screen to the desktop, by the mouse.
 eval "$(xdotool getwindowgeometry --shell "$window")"
+picture() { import -window "$window" -crop 200x60+100+120 rgb:- | md5sum; }
+before=$(picture)
+is_marked() { [ "$(picture)" != "$before" ]; }
 xdotool mousemove $((X + 100)) $((Y + 120)) mousedown 1 mousemove $((X + 200)) $((Y + 160)) \
     mousemove $((X + 300)) $((Y + 200)) mouseup 1
-sleep 0.5
+await 10 is_marked || fail "the mouse marked nothing"
 xdotool key ctrl+shift+c
 is_copied() {
     timeout 5 xclip -selection clipboard -o >"$work/copied" 2>/dev/null || return 1

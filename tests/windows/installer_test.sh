@@ -24,6 +24,7 @@ folder=$(winepath -u "$(wine cmd /c 'echo %LOCALAPPDATA%' | tr -d '\r')")/Progra
 menu="$(winepath -u "$(wine cmd /c 'echo %APPDATA%' | tr -d '\r')")/Microsoft/Windows/Start Menu/Programs/Quill.lnk"
 removal='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quill'
 rm -rf "$folder" "$menu"
+wine reg delete "$removal" /f >/dev/null 2>&1 || :
 fresh_device
 
 # It does not ask for administrator rights.
@@ -35,6 +36,8 @@ done
 x86_64-w64-mingw32-objdump -f "$folder/quill.exe" | grep -q pei-x86-64 || fail "not the program of this system"
 [ -s "$menu" ] || fail "no entry in the start menu"
 wine reg query "$removal" /v DisplayName | grep -q Quill || fail "not in the list of programs"
+wine reg query "$removal" /v UninstallString | tr -d '\r' | grep -q 'Programs\\Quill\\remove.exe"$' ||
+    fail "the list of programs does not know how to remove it"
 
 run wine "$folder/quill.exe"
 client=$last

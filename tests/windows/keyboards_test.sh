@@ -116,6 +116,13 @@ on us <<'END'
 24 q
 Ctrl+10 \217P
 END
+
+# AltGr with the left Ctrl of Windows: the digit is no function key, unlike with a Ctrl of its own.
+x86_64-w64-mingw32-gcc-posix -o "$work/alt_gr.exe" "$top/tests/windows/alt_gr.c"
+focus_on "$main"
+begin_sent
+timeout 60 wine "$work/alt_gr.exe" || fail "the AltGr of Windows cannot be typed"
+press q sent_is q || fail "AltGr with 7 sent $(sent_bytes)"
 picture keyboards
 leave
 echo "six layouts in one session; pictures in $pictures"

@@ -31,7 +31,7 @@ run() {
 
 clean_up() {
     trap - EXIT
-    wineserver -k 2>/dev/null || :
+    ! wineserver -k 2>/dev/null || timeout 20 wineserver -w || : # the next test needs a new one
     for each in $started; do kill "$each" 2>/dev/null || :; done
     wait
     rm -rf "$work"
@@ -82,7 +82,7 @@ prepare_prefix() {
         wineserver -w
         : >"$WINEPREFIX/quill-ready"
     fi
-    wineserver -p
+    await 20 wineserver -p || fail "no wineserver"
     device_root=$(winepath -u "$(wine cmd /c 'echo %APPDATA%' | tr -d '\r')")/Quill
 }
 

@@ -284,3 +284,15 @@ TEST(Library, RemoteAccessIsTheSystemsOwn) {
     GetSystemDirectoryW(folder, MAX_PATH);
     EXPECT_EQ(0, lstrcmpiW((std::wstring(folder) + L"\\rasapi32.dll").c_str(), path));
 }
+
+// The system's libraries load others by their plain names.
+TEST(Library, PlainNameIsTheSystemsOwn) {
+    KeepToSystemLibraries();
+    const HMODULE library = LoadLibraryA("propsys.dll");
+    ASSERT_NE(nullptr, library);
+    wchar_t path[MAX_PATH] = {}, folder[MAX_PATH] = {};
+    GetModuleFileNameW(library, path, MAX_PATH);
+    GetSystemDirectoryW(folder, MAX_PATH);
+    EXPECT_EQ(0, lstrcmpiW((std::wstring(folder) + L"\\propsys.dll").c_str(), path));
+    FreeLibrary(library);
+}
