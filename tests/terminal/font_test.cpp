@@ -103,6 +103,25 @@ TEST_F(Font, TheCellIsHeightPlusLeadingAndATenthOfTheSample) {
     EXPECT_EQ(session.view.cell_width, 7);
 }
 
+// The monitor's scale changes: the font is the same, and it is drawn larger.
+TEST_F(Font, EachLayoutMeasuresTheFontAgain) {
+    CreateTerminalFont();
+    Paint();
+    const size_t made = gdi.fonts_made.size();
+    gdi.metrics = [](const LOGFONTW&) { return Metrics(28, 4, 6); };
+    gdi.sample_width = [](const LOGFONTW&) { return 160; };
+    Paint();
+    EXPECT_EQ(session.view.cell_width, 8) << "an ordinary paint measures nothing";
+    LayoutTerminal();
+    Paint();
+    EXPECT_EQ(session.view.cell_width, 16);
+    EXPECT_EQ(session.view.cell_height, 32);
+    EXPECT_EQ(session.view.underline_offset, 6);
+    EXPECT_EQ(session.view.visible_columns, 39);
+    EXPECT_EQ(session.view.visible_rows, 11);
+    EXPECT_EQ(gdi.fonts_made.size(), made);
+}
+
 TEST_F(Font, ACellIsNeverSmallerThanAPixel) {
     gdi.metrics = [](const LOGFONTW&) { return Metrics(0, 0, 0); };
     gdi.sample_width = [](const LOGFONTW&) { return 6; };

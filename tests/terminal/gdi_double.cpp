@@ -300,6 +300,7 @@ int MultiByteToWideChar(UINT code_page, DWORD, LPCSTR bytes, int size, LPWSTR te
             text[count++] = static_cast<WCHAR>(byte << 8 | static_cast<unsigned char>(bytes[i]));
         } else {
             text[count++] = byte == 0x80 ? WCHAR{0x20AC} : WCHAR{byte};
+            if (gdi.utf8_page && byte >= 0x80) text[count - 1] = 0xFFFD;
         }
     }
     return count;

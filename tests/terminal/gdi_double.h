@@ -47,6 +47,7 @@ struct GdiDouble {
     std::vector<UINT> beeps;  // their types
     bool refuse_class = false;
     bool two_byte_page = false;  // bytes 0x81 to 0x9F begin a two-byte character
+    bool utf8_page = false;      // each byte from 0x80 on becomes U+FFFD, as in the UTF-8 page
     bool refuse_fonts = false;
     bool refuse_paint = false;
 

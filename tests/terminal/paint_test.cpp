@@ -184,6 +184,12 @@ TEST_F(Painting, AColumnStaysInItsCellInACodePageOfTwoBytes) {
     EXPECT_NE(PaintRow(4)[0].find("x?'"), std::string::npos);
 }
 
+TEST_F(Painting, AByteWithoutACharacterInTheUtf8PageIsAQuestionMark) {
+    gdi.utf8_page = true;
+    Put(3, "a\xc3\xa4|\x80");
+    EXPECT_EQ(PaintRow(3)[0].substr(0, 23), "text 0,32 640x16 'a??|?");
+}
+
 TEST_F(Painting, GlyphsAreDrawnOnTheCellGridWhateverTheFont) {
     gdi.sample_width = [](const LOGFONTW&) { return 117; };  // 11 a cell
     DeleteObject(session.view.font);

@@ -16,6 +16,7 @@ constexpr bool kCursorBlinks = false;
 constexpr DWORD kCodeMask = 0xFF;
 constexpr DWORD kFirstAscii = ' ';
 constexpr DWORD kLastAscii = '~';
+constexpr WCHAR kReplacement = 0xFFFD;  // the system's sign for a byte without a character
 
 struct RunColors {
     COLORREF text;
@@ -119,7 +120,8 @@ static WCHAR TextOfByte(DWORD code) {
     const char byte = static_cast<char>(code);
     WCHAR unit = 0;
     const int units = MultiByteToWideChar(CP_ACP, 0, &byte, 1, &unit, 1);
-    return (units == 1 && unit) || !byte ? unit : TEXT('?');
+    const bool shown = units == 1 && unit && unit != kReplacement;
+    return shown || !byte ? unit : TEXT('?');
 }
 
 // Each cell is converted separately, so that a two-byte code page never combines two cells into one
@@ -192,6 +194,7 @@ static void PrepareView() {
         view.geometry_pending = 1;
     }
     if (!view.geometry_pending) return;
+    MeasureTerminalFont();
     MeasureView();
     view.full_repaint = 1;
 }

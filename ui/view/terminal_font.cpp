@@ -62,16 +62,21 @@ static void MeasureCell(HDC dc) {
     view.cell_width = std::max<LONG>(1, (rect.right - rect.left) / 10);
 }
 
-void CreateTerminalFont() {
-    ViewState& view = session.view;
-    session.settings.fsize = HeldSize(session.settings.fsize);
-    if (view.font) DeleteObject(view.font);
-    view.font = MakeFont();
+void MeasureTerminalFont() {
+    const ViewState& view = session.view;
     HDC dc = GetDC(session.client_window);
     HGDIOBJ before = view.font ? SelectObject(dc, view.font) : nullptr;
     MeasureCell(dc);
     if (before) SelectObject(dc, before);
     ReleaseDC(session.client_window, dc);
+}
+
+void CreateTerminalFont() {
+    ViewState& view = session.view;
+    session.settings.fsize = HeldSize(session.settings.fsize);
+    if (view.font) DeleteObject(view.font);
+    view.font = MakeFont();
+    MeasureTerminalFont();
 }
 
 // Neighbouring sizes may have the same cell height. Such sizes are skipped, so that each step is

@@ -96,6 +96,11 @@ void ListFontFaces(HWND window);
 // LayoutTerminal.
 void CreateTerminalFont();
 
+// Sets cell_height, cell_width and underline_offset from the current font. Its size may differ from
+// that of the last measurement, because a system may draw fonts in the scale of the monitor. Each
+// new geometry begins with it.
+void MeasureTerminalFont();
+
 // Change to the next larger or smaller size that has another cell height, but not above 25 or below
 // 1. Both then call LayoutTerminal, even if the size did not change.
 void LargerFont();
