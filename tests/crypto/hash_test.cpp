@@ -18,11 +18,14 @@ static std::string Sha1Hex(const ByteString& message) {
     return ToHex(digest, kSha1Size);
 }
 
-// Linux only. An empty text if the system lists no features.
+// An empty text where the system does not list the features. An emulator lists those of another
+// processor.
 static std::string ProcessorFeatures() {
+#if defined(__x86_64__)
     std::ifstream file("/proc/cpuinfo");
     for (std::string line; std::getline(file, line);)
         if (line.starts_with("flags")) return line + ' ';
+#endif
     return {};
 }
 

@@ -34,7 +34,8 @@ std::string KeyName(size_t i) { return "key" + std::to_string(i); }
 
 }  // namespace
 
-void* RealMalloc(size_t size) __asm__("__real_malloc");
+// Null in a build for another processor, which does not redirect malloc.
+[[gnu::weak]] void* RealMalloc(size_t size) __asm__("__real_malloc");
 void* RefusingMalloc(size_t size) __asm__("__wrap_malloc");
 void* RefusingMalloc(size_t size) {
     return calls_to_refusal > 0 && --calls_to_refusal == 0 ? nullptr : RealMalloc(size);
@@ -127,6 +128,7 @@ TEST_F(KeyMap, ARowWithoutASequenceSendsNothingAndIsSavedEmpty) {
 }
 
 TEST_F(KeyMap, WithoutMemoryForARowItAndTheRowsBehindItHaveNoSequence) {
+    if (RealMalloc == nullptr) GTEST_SKIP() << "malloc cannot be refused here";
     LoadKeyMap();
     calls_to_refusal = 4;
     LoadKeyMap();
@@ -138,6 +140,7 @@ TEST_F(KeyMap, WithoutMemoryForARowItAndTheRowsBehindItHaveNoSequence) {
 }
 
 TEST_F(KeyMap, WithoutMemoryAnEditedRowKeepsItsSequence) {
+    if (RealMalloc == nullptr) GTEST_SKIP() << "malloc cannot be refused here";
     LoadKeyMap();
     calls_to_refusal = 1;
     EXPECT_EQ(0, SetKeyText(&key_map[0], TEXT("abc")));

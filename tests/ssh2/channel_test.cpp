@@ -437,8 +437,9 @@ TEST_F(Ssh2Channel, DataForWhichThereIsNoMemoryIsDroppedWhole) {
     ToShell();
     Offer();
     Type("held");
+    const std::string more(3000, 'd');
     outside.mallocs_that_fail = 1;
-    Type(std::string(3000, 'd'));
+    Type(more);
     EXPECT_EQ(outside.mallocs_that_fail, 0);
     EXPECT_EQ(session.ssh2.heldLength, 4);
     Type(", too");

@@ -157,17 +157,4 @@ TEST_F(Ssh2Numbers, NegativeServersValueIsRefused) {
     EXPECT_EQ(session.ssh2.kexDone, 0u);
 }
 
-TEST_F(Ssh2Numbers, ReplyThatIsCutOffAnywhereIsRefused) {
-    Begin();
-    Offer();
-    const std::string reply = KexDhReply(server, "SSH-2.0-1.0.00");
-    for (size_t size = 1; size < reply.size(); size += 5) {
-        Begin();
-        Offer();
-        Give(reply.substr(0, size));
-        ExpectSilence();
-        EXPECT_EQ(session.ssh2.kexDone, 0u) << size;
-    }
-}
-
 }  // namespace
