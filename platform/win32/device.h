@@ -101,8 +101,13 @@ BOOL DeviceGetMessage(MSG* message, HWND window, UINT first, UINT last);
 // ---------------------------------------------------------------- keyboard.cpp
 
 // Each message of the loop goes through this. It makes F10 an ordinary key, and records whether the
-// left Ctrl is held.
+// left Ctrl is held and whether a dead key waits.
 void DeviceNoteKey(MSG* message);
+// The character of a dead key, if it does not combine with the key after it, goes to the window
+// before that key.
+BOOL DeviceTranslateMessage(const MSG* message);
+// A filter for WM_RASDIALEVENT also takes the states of a dial that are still in the queue.
+BOOL DevicePeekMessage(MSG* message, HWND window, UINT first, UINT last, UINT remove);
 // If a window does not handle F1 or F10, it gets WM_HELP, or its menu opens. The states of a dial,
 // which the desktop sends as a registered message, arrive as WM_RASDIALEVENT.
 LRESULT DeviceDefWindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
@@ -178,6 +183,7 @@ DWORD DeviceRasGetEntryDialParams(LPCWSTR phone_book, RASDIALPARAMSW* parameters
                                   BOOL* has_password);
 DWORD DeviceRasDial(RASDIALEXTENSIONS* extensions, LPCWSTR phone_book, RASDIALPARAMSW* parameters,
                     DWORD notifier_type, LPVOID notifier, HRASCONN* connection);
+// Returns when the modem is free, after 3 seconds at most.
 DWORD DeviceRasHangUp(HRASCONN connection);
 // Ends the last dial, or the connection that it made, if the program has not done so.
 void HangUpWhatIsLeft();

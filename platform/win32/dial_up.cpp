@@ -14,6 +14,9 @@ static Call* RasCall(Call*, const char* name) {
 // Finds the call with that name; null on a system without remote access.
 #define RAS_CALL(name) RasCall(static_cast<decltype(name)*>(nullptr), #name)
 
+constexpr DWORD kHangUpLimit = 3000;  // milliseconds
+constexpr DWORD kHangUpStep = 20;     // milliseconds
+
 static HRASCONN dialled = nullptr;  // by the program, and not yet hung up
 
 DWORD DeviceRasEnumEntries(LPWSTR reserved, LPWSTR phone_book, RASENTRYNAMEW* entries, DWORD* size,
@@ -38,11 +41,26 @@ DWORD DeviceRasDial(RASDIALEXTENSIONS* extensions, LPCWSTR phone_book, RASDIALPA
     return error;
 }
 
+// The modem is free when its handle is no longer valid. Until then it would refuse another dial,
+// and a program that ended would leave it in use.
+static void AwaitFreeModem(HRASCONN connection) {
+    const auto call = RAS_CALL(RasGetConnectStatusW);
+    if (!call) return;
+    RASCONNSTATUSW status = {};
+    status.dwSize = sizeof(status);
+    for (DWORD waited = 0; waited < kHangUpLimit; waited += kHangUpStep) {
+        if (call(connection, &status) == ERROR_INVALID_HANDLE) return;
+        Sleep(kHangUpStep);
+    }
+}
+
 DWORD DeviceRasHangUp(HRASCONN connection) {
     const auto call = RAS_CALL(RasHangUpW);
     if (!call) return ERROR_MOD_NOT_FOUND;
     if (connection == dialled) dialled = nullptr;
-    return call(connection);
+    const DWORD error = call(connection);
+    if (!error) AwaitFreeModem(connection);
+    return error;
 }
 
 void HangUpWhatIsLeft() {

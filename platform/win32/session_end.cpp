@@ -7,6 +7,8 @@
 #include "device.h"
 
 static const LPCWSTR kClass = L"QuillSessionEnd";
+// The desktop shows this if the program's end takes more than a few seconds.
+static const LPCWSTR kReason = L"Quill saves its settings";
 constexpr DWORD kPatience = 200;  // milliseconds between two requests
 
 static std::atomic<bool> session_ends = false;
@@ -22,6 +24,7 @@ static void EndProgram(HANDLE program) {
 
 static LRESULT CALLBACK GuardProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_ENDSESSION && wparam) {
+        ShutdownBlockReasonCreate(window, kReason);
         EndProgram(reinterpret_cast<HANDLE>(GetWindowLongPtrW(window, GWLP_USERDATA)));
         return 0;
     }

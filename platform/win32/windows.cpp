@@ -50,11 +50,27 @@ bool HasProgramClass(HWND window) {
     return program_classes.count(static_cast<ATOM>(GetClassLongW(window, GCW_ATOM))) != 0;
 }
 
+// Adapts a window that opened on a monitor whose scale differs from the system's: it gets the size
+// that was asked for, in the pixels of that scale.
+static void TakeMonitorsScale(HWND window, bool has_size, DWORD style, DWORD ex_style) {
+    const int before = static_cast<int>(DeviceDpi()), now = static_cast<int>(WindowDpi(window));
+    if (now == before) return;
+    ChangeScale(window, WindowDpi(window), nullptr);
+    if (!has_size) return;
+    asked_for = {MulDiv(asked_for.cx, now, before), MulDiv(asked_for.cy, now, before)};
+    const SIZE size = FramedSize(asked_for.cx, asked_for.cy, style, ex_style);
+    SetWindowPos(window, nullptr, 0, 0, size.cx, size.cy,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    MakeRoomForMenu(window);
+}
+
 HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x,
                         int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                         LPVOID parameter) {
     style |= WS_CLIPCHILDREN | WS_CLIPSIBLINGS;
-    if (!(style & (WS_CHILD | WS_POPUP)) && width != CW_USEDEFAULT) {
+    const bool top = !(style & (WS_CHILD | WS_POPUP));
+    const bool has_size = top && width != CW_USEDEFAULT;
+    if (has_size) {
         style |= kFrame;
         asked_for = {width, height};
         const SIZE size = FramedSize(width, height, style, ex_style);
@@ -63,10 +79,7 @@ HWND DeviceCreateWindow(DWORD ex_style, LPCWSTR class_name, LPCWSTR title, DWORD
     }
     const HWND window = CreateWindowExW(ex_style, class_name, title, style, x, y, width, height,
                                         parent, menu, instance, parameter);
-    // The window may have opened on a monitor whose scale differs from the first one's.
-    const bool top = !(style & (WS_CHILD | WS_POPUP));
-    if (top && window && WindowDpi(window) != DeviceDpi())
-        ChangeScale(window, WindowDpi(window), nullptr);
+    if (top && window) TakeMonitorsScale(window, has_size, style, ex_style);
     return window;
 }
 

@@ -39,6 +39,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, 
 #define DeleteObject DeviceDeleteObject
 #define GetSystemMetrics DeviceGetSystemMetrics
 #define GetMessageW DeviceGetMessage
+#define PeekMessageW DevicePeekMessage
+#define TranslateMessage DeviceTranslateMessage
 #define MessageBoxW DeviceMessageBox
 #define DialogBoxParamW DeviceDialogBox
 #define PropertySheetW DevicePropertySheet

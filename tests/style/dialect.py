@@ -6,7 +6,8 @@ Usage: dialect.py
   - a procedure or variable of one file is `static`; an anonymous namespace holds types only;
   - `sizeof` has parentheses; a counter steps by `++name`; a null pointer is `nullptr`; a name
     of a type is made by `using`; a number
-    that the compiler knows is `constexpr`, without `static`.
+    that the compiler knows is `constexpr`, without `static`;
+  - what also runs on a device calls only what its C library has.
 Prints each violation and ends with 1 if there is one. It ignores comments and string literals.
 """
 import pathlib
@@ -30,6 +31,9 @@ RULES = (
     (re.compile(rf"^static const {NUMBER} k\w+ = [^()]*;"), "a number that is not constexpr"),
     (re.compile(r"^static constexpr\b"), "constexpr says static already"),
 )
+# Not in a device's C library. The platforms and the demo host have one of their own.
+NOT_ON_A_DEVICE = re.compile(r"\b(?:v?snprintf|strtou?ll|strtou?imax|atoll|lstrcpynW?)\s*\(")
+NOT_FOR_A_DEVICE = ("platform", "demo")
 TYPE = re.compile(r"(struct|class|enum|union|using|template|\}|\{|#|public:|private:|protected:)")
 TEXT_OR_COMMENT = re.compile(r'//.*|"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])+\'')
 
@@ -46,6 +50,8 @@ def broken_rules(path):
     for number, line in enumerate(path.read_text().splitlines(), 1):
         code = TEXT_OR_COMMENT.sub('""', line)
         yield from ((number, what) for pattern, what in RULES if pattern.search(code))
+        if NOT_ON_A_DEVICE.search(code) and path.relative_to(TOP).parts[0] not in NOT_FOR_A_DEVICE:
+            yield number, "a call that a device does not have"
         if line == "namespace {":
             anonymous = True
         elif line.startswith("}  // namespace"):

@@ -1,6 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# A dial is in progress when the desktop's session ends: the program hangs up and saves the settings.
+# A dial is in progress when the desktop's session ends: the program hangs up, waits
+# until the modem is free, and saves the settings.
 # The modem is a library in the system's folder (modem.c). The script runs in a separate network
 # without a route to the host.
 # Usage: dial_test.sh QUILL.EXE
@@ -47,7 +48,7 @@ press_and_see 300x12+4+70 ctrl+shift+KP_Add
 timeout 60 wine wineboot --end-session || fail "the session's end failed"
 await 20 has_ended "$client" || fail "the program did not end"
 wait "$client" || fail "the program ended with code $?"
-logged "dial hang up " || fail "the modem heard: $(cat "$log")"
+logged "dial hang up busy free " || fail "the modem heard: $(cat "$log")"
 [ "$(setting fsize)" = 0x9 ] || fail "fsize is $(setting fsize)"
 [ "$(setting ras)" = office ] || fail "ras is $(setting ras)"
 echo "a dial and its end"

@@ -47,7 +47,24 @@ __declspec(dllexport) DWORD APIENTRY
     return 0;
 }
 
+static ULONGLONG hung_up;  // time of the hang-up, in milliseconds
+static int busy_noted;
+
 __declspec(dllexport) DWORD APIENTRY RasHangUpW(HRASCONN connection) {
     Note(connection == (HRASCONN)(INT_PTR)0x1234 ? "hang up" : "hang up of another one");
+    hung_up = GetTickCount64();
     return 0;
+}
+
+/* The modem needs half a second to hang up. The first answer of each kind is written. */
+__declspec(dllexport) DWORD APIENTRY
+    RasGetConnectStatusW(HRASCONN connection, LPRASCONNSTATUSW status) {
+    (void)connection, (void)status;
+    if (GetTickCount64() - hung_up < 500) {
+        if (!busy_noted) Note("busy");
+        busy_noted = 1;
+        return 0;
+    }
+    Note("free");
+    return ERROR_INVALID_HANDLE;
 }

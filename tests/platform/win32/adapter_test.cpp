@@ -217,6 +217,51 @@ TEST_F(Adapter, StatesOfADialArriveAsTheDevicesMessage) {
     EXPECT_EQ(0, states[1].lparam);
 }
 
+// A new dial discards what the last one has left in the queue.
+TEST_F(Adapter, StatesOfADialInTheQueueAreTakenByTheDevicesMessage) {
+    const UINT told = RegisterWindowMessageA(RASDIALEVENT);
+    MSG message = {};
+    PostMessageW(top, told, RASCS_PortOpened, 0);
+    PostMessageW(top, told, RASCS_Disconnected, 676);
+    EXPECT_FALSE(PeekMessageW(&message, top, WM_USER, WM_USER, PM_REMOVE));
+    EXPECT_FALSE(PeekMessageW(&message, top, told + 1, told + 1, PM_REMOVE));
+    for (const WPARAM state : {RASCS_PortOpened, RASCS_Disconnected}) {
+        ASSERT_TRUE(PeekMessageW(&message, top, WM_RASDIALEVENT, WM_RASDIALEVENT, PM_REMOVE));
+        EXPECT_EQ(static_cast<UINT>(WM_RASDIALEVENT), message.message);
+        EXPECT_EQ(state, message.wParam);
+    }
+    EXPECT_EQ(676, message.lParam);
+    EXPECT_FALSE(PeekMessageW(&message, top, WM_RASDIALEVENT, WM_RASDIALEVENT, PM_REMOVE));
+    RunUntilIdle();
+    EXPECT_TRUE(Of(WM_RASDIALEVENT).empty());
+}
+
+// F24 has no character, so the queue holds what a layout with dead keys would put there.
+TEST_F(Adapter, CharacterOfADeadKeyComesBeforeTheKeyThatItDoesNotCombineWith) {
+    MSG dead = {top, WM_DEADCHAR, '^', 0, 0, {}};
+    const MSG key = {top, WM_KEYDOWN, VK_F24, 0, 0, {}};
+    const auto type = [&](const char* characters) {
+        for (const char* each = characters; *each; each++)
+            PostMessageW(top, WM_CHAR, static_cast<WPARAM>(*each), 0);
+        heard.clear();
+        TranslateMessage(&key);
+        const size_t early = Of(WM_CHAR).size();
+        RunUntilIdle();
+        std::string all;
+        for (const Heard& each : Of(WM_CHAR)) all.push_back(static_cast<char>(each.wparam));
+        EXPECT_EQ(characters, all);
+        return early;
+    };
+    EXPECT_EQ(0u, type("^\033")) << "without a dead key";
+    DeviceNoteKey(&dead);
+    EXPECT_EQ(0u, type("")) << "a shift key: the dead key goes on waiting";
+    EXPECT_EQ(1u, type("^\033"));
+    EXPECT_EQ(0u, type("^\033")) << "the dead key waits no longer";
+    DeviceNoteKey(&dead);
+    EXPECT_EQ(0u, type("o")) << "combined";
+    EXPECT_EQ(0u, type("^\033"));
+}
+
 TEST_F(Adapter, OnlyLockKeysHaveAToggledBit) {
     SetKeyByte(VK_LSHIFT, 0x01);
     SetKeyByte(VK_CAPITAL, 0x01);

@@ -28,8 +28,9 @@ class AltGr : public testing::Test {
         Tell(WM_SYSKEYUP, VK_MENU, kRightKey);
     }
     // A layout with AltGr: German, French, Swiss, American-International.
-    void PressAltGr() {
+    void PressAltGr(DWORD between = 0) {
         Tell(WM_KEYDOWN, VK_CONTROL, Held(VK_LCONTROL));
+        now += between;
         Set(VK_LCONTROL, 0x80);
         Set(VK_RMENU, 0x80);
         Tell(WM_KEYDOWN, VK_MENU, kRightKey);
@@ -83,6 +84,20 @@ TEST_F(AltGr, IsNotControl) {
     EXPECT_FALSE(ControlIsDown());
     ReleaseAltGr();
     EXPECT_FALSE(ControlIsDown());
+}
+
+// The times of the two presses may differ a little. Nobody presses two keys as fast as that.
+TEST_F(AltGr, IsNotControlWhenItsTwoPressesDifferByMilliseconds) {
+    for (const DWORD between : {1u, 3u, 5u}) {
+        Wait();
+        PressAltGr(between);
+        EXPECT_FALSE(ControlIsDown()) << between;
+        ReleaseAltGr();
+    }
+    Wait();
+    PressAltGr(40);
+    EXPECT_TRUE(ControlIsDown()) << "a real Ctrl";
+    ReleaseAltGr();
 }
 
 TEST_F(AltGr, LeavesAHeldControlDown) {

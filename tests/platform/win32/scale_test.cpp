@@ -164,6 +164,24 @@ TEST_F(Scale, WindowTakesTheSuggestedRectangleAndIsLaidOut) {
     EXPECT_FALSE(Of(WM_SIZE, top).empty());  // the size is the same, but the cells change
 }
 
+// The system says one scale, and the monitor has another one: after a change without a new log-on.
+TEST_F(Scale, WindowThatOpensAtAnotherScaleHasItsSizeInThatScale) {
+    const auto size_of = [](int width, int height, UINT scale) {
+        const HWND window = CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, width, height, nullptr,
+                                            nullptr, GetModuleHandleW(nullptr), nullptr);
+        EXPECT_EQ(scale, DeviceDpi());
+        RECT outer = {};
+        GetWindowRect(window, &outer);
+        DestroyWindow(window);
+        return std::pair(outer.right - outer.left, outer.bottom - outer.top);
+    };
+    const auto wanted = size_of(300, 200, before);
+    Change(2 * before);
+    EXPECT_EQ(wanted, size_of(600, 400, before));
+    Change(before / 2);
+    EXPECT_EQ(wanted, size_of(150, 100, before));
+}
+
 static Scale* self;
 static UINT seen;
 
