@@ -91,6 +91,14 @@ done
 ! grep -q 'ras' "$work/said" || fail "a fresh device needs no word about an empty entry"
 [ "$(grep -ac ' = ' "$work/out")" -eq $((132 - 3 - 6)) ] || fail "the rest: $(grep -ac ' = ' "$work/out")"
 
+# The file is imported without a person and without a display, as docs/fleet.md has it.
+mkdir "$work/alone"
+printf 'host = "stores.example"\nfsize = 9\n' >"$work/alone/mconfig.cfg"
+(unset DISPLAY WAYLAND_DISPLAY && QT_QPA_PLATFORM=offscreen timeout -k 5 40 "$program" --root "$work/alone" \
+    --text /dev/null) || fail "the import alone ended with $?"
+[ "$(stored "$work/alone" host) $(stored "$work/alone" fsize)" = "stores.example 9" ] || fail "nothing was imported"
+[ ! -e "$work/alone/mconfig.cfg" ] || fail "the file is still there"
+
 # A file that waits is told; a store of another make is left as it is.
 echo 'port = 7' >"$one/mconfig.cfg"
 code=0

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """Looks at a picture of the frame that frame_host.py paints: all its lines are whole, from end to end.
 
-Usage: frame_check.py PICTURE SCALE DENSITY
+Usage: frame_check.py PICTURE SCALE DENSITY [PICTURE-AT-SCALE-1]
 """
 import subprocess
 import sys
@@ -73,6 +73,37 @@ def check(path, scale, density):
     return left, top, data, width
 
 
+def far_pixels(picture, corner, other, other_corner, size):
+    """How many pixels of the two parts are clearly not the same."""
+    (width, data), (other_width, other_data) = picture, other
+    far = 0
+    for y in range(size[1]):
+        own = (corner[1] + y) * width + corner[0]
+        its = (other_corner[1] + y) * other_width + other_corner[0]
+        far += sum(abs(a - b) > DARK for a, b in
+                   zip(data[own:own + size[0]], other_data[its:its + size[0]]))
+    return far
+
+
+def check_not_enlarged(left, top, data, width, scale, path):
+    """The same at a scale with a fraction: the text is not that of scale 1, enlarged, wherever the
+    enlarged one may lie by a pixel."""
+    first_left, first_top, _, _ = check(path, 1, 1)
+    size = int(100 * scale), int(20 * scale)
+    for pixels_between in ("point", "triangle"):
+        enlarged = subprocess.run(
+            ["convert", path, "-filter", pixels_between, "-resize", f"{scale * 100:g}%", "-colorspace",
+             "Gray", "-depth", "8", "pgm:-"], check=True, capture_output=True).stdout
+        head, other_size, _, other = enlarged.split(b"\n", 3)
+        assert head == b"P5"
+        other_width = int(other_size.split()[0])
+        far = min(far_pixels((width, data), (left + int(6 * scale), top + int(6 * scale)),
+                             (other_width, other),
+                             (int((first_left + 6) * scale) + dx, int((first_top + 6) * scale) + dy), size)
+                  for dx in (-1, 0, 1) for dy in (-1, 0, 1))
+        assert far > 20, f"the text is that of scale 1, enlarged: {far} pixels differ"
+
+
 def check_sharpness(left, top, data, width, scale):
     """Text is drawn at the screen's density: a stretched one would be made of equal squares."""
     side = int(scale)
@@ -89,7 +120,10 @@ def check_sharpness(left, top, data, width, scale):
 def main():
     path, scale, density = sys.argv[1], float(sys.argv[2]), float(sys.argv[3])
     whole = scale * density
-    check_sharpness(*check(path, whole, density), whole)
+    found = check(path, whole, density)
+    check_sharpness(*found, whole)
+    if whole > 1 and len(sys.argv) > 4:
+        check_not_enlarged(*found, whole, sys.argv[4])
     print(f"{path}: whole lines at {whole:g}")
 
 

@@ -19,14 +19,25 @@ mkdir "$work/root"
 printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\n' "$(first_line "$work/port")" \
     >"$work/root/mconfig.cfg"
 
-# The first start saves a picture of its own.
+# Text at a scale with a fraction is not that of scale 1, enlarged.
+reference=
+case $scale:$density in
+    *.*:1)
+        reference=$pictures/one-for-$scale.png
+        timeout -k 5 60 "$program" --root "$work/root" --scale 1 --snapshot "$reference" ||
+            fail "the program ended with $?"
+        ;;
+esac
+frame_check() { /usr/bin/python3 "$(dirname "$0")/frame_check.py" "$1" "$scale" "$density" ${reference:+"$reference"}; }
+
+# A start saves a picture of its own.
 own=$pictures/own-$scale-$density.png
 timeout -k 5 60 "$program" --root "$work/root" --scale "$scale" --snapshot "$own" --text "$work/text" ||
     fail "the program ended with $?"
 grep -q 'twelve pallets' "$work/text" || fail "the session's text is missing"
-/usr/bin/python3 "$(dirname "$0")/frame_check.py" "$own" "$scale" "$density" || fail "see $own"
+frame_check "$own" || fail "see $own"
 
-# The second one has its settings, and its window is on the compositor's screen. A window there keeps
+# The next one has its settings, and its window is on the compositor's screen. A window there keeps
 # its size within the frame that the toolkit draws.
 "$program" --root "$work/root" --scale "$scale" &
 client=$!
@@ -35,8 +46,7 @@ shown() {
     rm -f "$work"/wayland-screenshot-*.png
     (cd "$work" && weston-screenshooter) || return 1
     mv "$work"/wayland-screenshot-*.png "$pictures/screen-$scale-$density.png"
-    /usr/bin/python3 "$(dirname "$0")/frame_check.py" "$pictures/screen-$scale-$density.png" \
-        "$scale" "$density" >/dev/null
+    frame_check "$pictures/screen-$scale-$density.png" >/dev/null
 }
 await 5 shown || fail "no whole frame in $pictures/screen-$scale-$density.png"
 kill "$client"
