@@ -46,10 +46,11 @@ first_line() {
 }
 
 # open_screen [WIDTHxHEIGHT]: starts the X server, without key repeat: on a busy machine even a short
-# press would repeat.
+# press would repeat. -noreset: a server whose last client leaves starts anew, and refuses the next
+# client meanwhile.
 open_screen() {
     : >"$work/display"
-    Xvfb -r -displayfd 3 -screen 0 "${1:-1024x768}x24" -nolisten tcp 3>"$work/display" 2>/dev/null &
+    Xvfb -r -noreset -displayfd 3 -screen 0 "${1:-1024x768}x24" -nolisten tcp 3>"$work/display" 2>/dev/null &
     ends_with_us $!
     DISPLAY=:$(first_line "$work/display")
     export DISPLAY QT_QPA_PLATFORM=xcb
