@@ -3,12 +3,17 @@
 ; makensis -DSTAGE=FOLDER -DOUTPUT=FILE -DVERSION=NUMBER quill.nsi
 Unicode true
 !include "x64.nsh"
+!include "WinVer.nsh"
 !include "FileFunc.nsh"
+
+!define REMOVAL "Software\Microsoft\Windows\CurrentVersion\Uninstall\Quill"
 
 Name "Quill"
 OutFile "${OUTPUT}"
 InstallDir "$LOCALAPPDATA\Programs\Quill"
+InstallDirRegKey HKCU "${REMOVAL}" "InstallLocation" ; a later version goes to the same folder
 RequestExecutionLevel user
+ManifestDPIAware true
 SetCompressor /SOLID lzma
 SetDateSave off
 Icon "${STAGE}/quill.ico"
@@ -19,8 +24,6 @@ VIAddVersionKey "FileDescription" "Quill Telnet, installer"
 VIAddVersionKey "FileVersion" "${VERSION}"
 VIAddVersionKey "LegalCopyright" "The Quill authors. MIT License."
 
-!define REMOVAL "Software\Microsoft\Windows\CurrentVersion\Uninstall\Quill"
-
 Page directory
 Page instfiles
 UninstPage uninstConfirm
@@ -29,8 +32,15 @@ UninstPage instfiles
 Section
     SetShellVarContext current
     SetOutPath "$INSTDIR"
+    StrCpy $0 32
+    ${If} ${IsNativeAMD64}
+        StrCpy $0 64
+    ${ElseIf} ${IsNativeARM64}
+    ${AndIf} ${AtLeastBuild} 22000 ; Windows 10 for ARM64 runs 32-bit programs only
+        StrCpy $0 64
+    ${EndIf}
     ClearErrors
-    ${If} ${RunningX64}
+    ${If} $0 = 64
         File "/oname=quill.exe" "${STAGE}/quill64.exe"
     ${Else}
         File "/oname=quill.exe" "${STAGE}/quill32.exe"
@@ -58,7 +68,12 @@ SectionEnd
 ; The settings stay: they are the user's, and a later installation finds them again.
 Section "Uninstall"
     SetShellVarContext current
+    ClearErrors
     Delete "$INSTDIR\quill.exe"
+    ${If} ${Errors}
+        SetErrorLevel 2
+        Abort "Quill could not be removed. If it runs, close it and start again."
+    ${EndIf}
     Delete "$INSTDIR\telnet.htm"
     Delete "$INSTDIR\quill.ti"
     Delete "$INSTDIR\LICENSE.txt"

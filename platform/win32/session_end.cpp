@@ -13,12 +13,22 @@ constexpr DWORD kPatience = 200;  // milliseconds between two requests
 
 static std::atomic<bool> session_ends = false;
 
-// Repeats the request, because a menu or a scroll bar in use has its own message loop, which may
-// lose it.
+// Ends an open menu or a drag: they have their own message loops, which may lose WM_QUIT.
+static void EndInnerLoop(DWORD thread) {
+    GUITHREADINFO state = {};
+    state.cbSize = sizeof(state);
+    if (!GetGUIThreadInfo(thread, &state)) return;
+    for (const HWND busy : {state.hwndMenuOwner, state.hwndCapture})
+        if (busy) PostMessageW(busy, WM_CANCELMODE, 0, 0);
+}
+
+// Repeats the request until the program has ended.
 static void EndProgram(HANDLE program) {
+    const DWORD thread = GetThreadId(program);
     session_ends = true;
     do {
-        PostThreadMessageW(GetThreadId(program), WM_QUIT, 0, 0);
+        EndInnerLoop(thread);
+        PostThreadMessageW(thread, WM_QUIT, 0, 0);
     } while (WaitForSingleObject(program, kPatience) == WAIT_TIMEOUT);
 }
 

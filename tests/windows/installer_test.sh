@@ -29,6 +29,7 @@ fresh_device
 
 # It does not ask for administrator rights.
 ! grep -aq requireAdministrator "$work/setup.exe" || fail "the installer asks for an administrator"
+grep -aq '<dpiAware' "$work/setup.exe" || fail "the system stretches the installer's window"
 timeout 100 wine "$work/setup.exe" /S || fail "the installer ended with $?"
 for file in quill.exe telnet.htm quill.ti LICENSE.txt remove.exe; do
     [ -s "$folder/$file" ] || fail "$file was not installed"
@@ -42,6 +43,15 @@ wine reg query "$removal" /v UninstallString | tr -d '\r' | grep -q 'Programs\\Q
 run wine "$folder/quill.exe"
 client=$last
 await 30 has_window "$main" || fail "the installed program shows no window"
+
+# The system keeps the file of a program that runs. Without the copy that /S starts, the removal's end
+# has a code.
+! timeout 100 wine "$folder/remove.exe" /S "_?=$(winepath -w "$folder")" || fail "the running program was removed"
+for file in quill.exe telnet.htm quill.ti LICENSE.txt remove.exe; do
+    [ -s "$folder/$file" ] || fail "a removal that failed removed $file"
+done
+[ -s "$menu" ] || fail "a removal that failed removed the entry in the start menu"
+wine reg query "$removal" /v DisplayName | grep -q Quill || fail "a removal that failed left the list of programs"
 leave
 
 # Installs again over the first installation, like a later version.
@@ -50,5 +60,15 @@ timeout 100 wine "$folder/remove.exe" /S || fail "the removal ended with $?"
 gone() { [ ! -e "$folder" ] && [ ! -e "$menu" ]; }
 await 30 gone || fail "the removal left $(ls "$folder" 2>/dev/null)"
 ! wine reg query "$removal" >/dev/null 2>&1 || fail "still in the list of programs"
+# Into a folder that the user chose: a later version goes to the same folder.
+other=$WINEPREFIX/drive_c/QuillElsewhere
+rm -rf "$other"
+timeout 100 wine "$work/setup.exe" /S '/D=C:\QuillElsewhere' || fail "the installation elsewhere ended with $?"
+rm -f "$other/quill.exe"
+timeout 100 wine "$work/setup.exe" /S || fail "the later installation elsewhere ended with $?"
+[ -s "$other/quill.exe" ] && [ ! -e "$folder" ] || fail "the later version went to another folder"
+timeout 100 wine "$other/remove.exe" /S || fail "the removal elsewhere ended with $?"
+gone_elsewhere() { [ ! -e "$other" ]; }
+await 30 gone_elsewhere || fail "the removal elsewhere left $(ls "$other")"
 [ "$(setting fsize)" = 0x8 ] || fail "the settings went with the program: $(setting fsize)"
 echo "installed and removed by a $kind installer of $(wc -c <"$work/setup.exe") bytes"

@@ -51,6 +51,11 @@ start_session
 open_by_keys '^Properties$' alt+s p
 log_off "a dialog open"
 
+# An open menu has a message loop of its own.
+start_session
+open_menu alt+s || fail "no menu"
+log_off "a menu open"
+
 # A stream of 5,000 lines at full speed.
 start_session
 type_line anna
@@ -60,4 +65,4 @@ await 10 received "Main menu" || fail "the host showed no menu"
 type_line 6
 await 10 received "HS-" || fail "no stream"
 log_off "a stream running"
-echo "four states"
+echo "five states"

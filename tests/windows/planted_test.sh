@@ -57,6 +57,28 @@ fresh_device
 run wine "$work/program/quill.exe"
 client=$last
 await 30 has_window "$main" || fail "no window"
+
+# Any part of the system may load a library inside the program by its plain name. A thread does so.
+cat >"$work/load_inside.c" <<'END'
+#include <windows.h>
+int main(void) {
+    static const char name[] = "propsys.dll";
+    DWORD program, found = 0;
+    const HWND window = FindWindowW(L"TELNET", NULL);
+    if (!GetWindowThreadProcessId(window, &program)) return 1;
+    const HANDLE process = OpenProcess(PROCESS_ALL_ACCESS, FALSE, program);
+    void* text = VirtualAllocEx(process, NULL, sizeof(name), MEM_COMMIT, PAGE_READWRITE);
+    if (!text || !WriteProcessMemory(process, text, name, sizeof(name), NULL)) return 2;
+    const FARPROC load = GetProcAddress(GetModuleHandleA("kernel32.dll"), "LoadLibraryA");
+    const HANDLE thread =
+        CreateRemoteThread(process, NULL, 0, (LPTHREAD_START_ROUTINE)(void*)load, text, 0, NULL);
+    WaitForSingleObject(thread, 20000);
+    /* The system has a library of that name too. */
+    return GetExitCodeThread(thread, &found) && found && found != STILL_ACTIVE ? 0 : 3;
+}
+END
+x86_64-w64-mingw32-gcc-posix -o "$work/load_inside.exe" "$work/load_inside.c"
+timeout 60 wine "$work/load_inside.exe" || fail "no library was loaded inside the program"
 leave
 none_loaded || fail "loaded by the program: $(loaded)"
 echo "none of $(echo "$planted" | wc -w) libraries"
