@@ -4,7 +4,6 @@
 
 #include <cstdarg>
 #include <QChar>
-#include <QList>
 #include <QString>
 
 #include "windows_ce.h"
@@ -38,14 +37,16 @@ static char16_t KeepOutOfAscii(char16_t from, char32_t to) {
     return static_cast<char16_t>(to);
 }
 
+// Takes one character, or half of one that is not whole.
+static char32_t TakePoint(std::u16string_view text, size_t* at) {
+    const char32_t first = text[(*at)++];
+    if (!IsHigh(first) || *at == text.size() || !IsLow(text[*at])) return first;
+    return 0x10000 + ((first - kFirstHigh) << 10) + (text[(*at)++] - kFirstLow);
+}
+
 std::string Utf8FromWide(std::u16string_view text) {
     std::string bytes;
-    for (size_t i = 0; i < text.size(); ++i) {
-        char32_t point = text[i];
-        if (IsHigh(point) && i + 1 < text.size() && IsLow(text[i + 1]))
-            point = 0x10000 + ((point - kFirstHigh) << 10) + (text[++i] - kFirstLow);
-        AppendUtf8(&bytes, point);
-    }
+    for (size_t i = 0; i < text.size();) AppendUtf8(&bytes, TakePoint(text, &i));
     return bytes;
 }
 
@@ -54,12 +55,14 @@ std::u16string WideFromUtf8(std::string_view bytes) {
 }
 
 std::string Printable(std::string_view text) {
-    QString shown;
-    for (const char32_t character : QString::fromStdU16String(WideFromUtf8(text)).toUcs4()) {
-        const bool prints = QChar::isPrint(character) && character != QChar::ReplacementCharacter;
-        shown += QString::fromUcs4(prints ? &character : U"?", 1);
+    constexpr char32_t kNotUtf8 = 0xFFFD;
+    const std::u16string wide = WideFromUtf8(text);
+    std::string shown;
+    for (size_t i = 0; i < wide.size();) {
+        const char32_t point = TakePoint(wide, &i);
+        AppendUtf8(&shown, QChar::isPrint(point) && point != kNotUtf8 ? point : U'?');
     }
-    return shown.toStdString();
+    return shown;
 }
 
 char16_t UpperUnit(char16_t unit) {
