@@ -202,7 +202,7 @@ static void CheckTerminal() {
     Require(field.empty(), "out of bounds: " + field);
 }
 
-// The part of the terminal's window that the program paints; the toolkit paints its bars when it
+// The area of the terminal's window that the program paints; the toolkit paints its bars when it
 // likes.
 static QRect Glass() {
     const Window* client = FindWindowRecord(session.client_window);

@@ -204,7 +204,7 @@ look_at() {
 }
 looks_different() { [ "$(part_look)" != "$part_was" ]; }
 
-# await_rest PART: waits until the part stays the same for more than a cursor's blink.
+# await_rest AREA: waits until the area stays the same for more than a cursor's blink.
 await_rest() {
     look_at "$1"
     same=0
@@ -218,7 +218,7 @@ await_rest() {
     done
 }
 
-# press_and_see PART KEY: presses a key that changes this part of the screen.
+# press_and_see AREA KEY: presses a key that changes this area of the screen.
 press_and_see() {
     look_at "$1"
     press "$2" looks_different || fail "$2 changed nothing on the screen"
