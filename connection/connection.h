@@ -29,7 +29,9 @@ void SessionClosed();
 // when the thread starts, and writes to session.receive_buffer only while session.receive_ready
 // is 1.
 
-// Starts the thread for session.socket. No other receiving thread may be running.
+// Starts the thread for session.socket. No other receiving thread may be running. If there is no
+// thread, the window gets WM_SOCKET_DATA for the end of the connection, before this returns where
+// the queue takes no message.
 void StartReceiveThread();
 
 // Waits until the thread of a closed socket has ended. Returns 1, or 0 if it has not ended after 5
@@ -40,7 +42,7 @@ int AwaitReceiveThread();
 // socket is closed.
 void WakeReceiveThread();
 
-// Frees the thread's events when the program ends.
+// When the program ends: the thread no longer waits for a full queue, and its events are freed.
 void EndReceiving();
 
 // The thread's procedure; the argument is not used. Returns 1.

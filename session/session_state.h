@@ -84,7 +84,7 @@ struct SessionState {
     // thread uses only these fields, and it reads main_window.
     std::atomic<SOCKET> socket{INVALID_SOCKET};  // written by the window thread
     std::atomic<DWORD> connected{0};  // set by the receiving thread, cleared by the window thread
-    std::atomic<DWORD> receiving_done{0};    // 1: the program ends; its messages are not needed
+    std::atomic<DWORD> receiving_done{0};    // 1: the program ends, the thread need not post
     std::atomic<DWORD> receive_ready{0};     // 1: the thread may fill receive_buffer
     char receive_buffer[kReceiveSize] = {};  // receive_ready says which thread may touch it
     int receive_count = 0;           // what recv returned: bytes in receive_buffer, or 0 or less

@@ -342,7 +342,7 @@ TEST_F(DiskFaults, FolderLockedForLongKeepsItsSettings) {
 
 // ---------------------------------------------------------------- a folder that disappears
 
-TEST_F(DiskFaults, FolderThatIsRemovedIsNotMissed) {
+TEST_F(DiskFaults, FolderThatIsRemovedDoesNotStopTheProgram) {
     StoreUsersSettings(root);
     UseProgram(root, [&] {
         fs::remove_all(root);
@@ -470,7 +470,7 @@ TEST_F(SmallDisk, ReadOnlyKeepsItsSettings) {
     ExpectNextRun(root, kKeptPort);
 }
 
-TEST_F(SmallDisk, TakenAwayWhileTheProgramRunsIsNotMissed) {
+TEST_F(SmallDisk, TakenAwayWhileTheProgramRunsDoesNotStopIt) {
     StoreUsersSettings(root);
     UseProgram(root, [&] {
         TakeAway();

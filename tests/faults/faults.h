@@ -23,11 +23,11 @@ const Places& AllPlaces();
 void StartCounting();
 std::map<uintptr_t, int> Reached();
 
-// The place fails once, the `time`-th time from now that it is reached; 0: none does.
+// The place fails once, the `time`-th time from now that it is reached; 0: no place fails.
 void FailAt(uintptr_t place, int time = 1);
 bool HasFailed();  // since then
 
-// Every such call of the program fails from now on; null: none does.
+// Every such call of the program fails from now on; null: no call fails.
 void FailEvery(const char* call);
 
 #endif

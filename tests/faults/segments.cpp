@@ -35,7 +35,7 @@ static int Patience() { return HasFailed() ? kShort : kLong; }
 static std::vector<std::string> g_boxes;
 static std::string g_wrong;  // what a piece has noticed itself
 
-// ---------------------------------------------------------------- a user who puts up with anything
+// ---------------------------------------------------------------- a user who accepts anything
 
 static bool Soon(const std::function<bool()>& condition, int milliseconds = Patience()) {
     return Eventually([&] { return !ProgramRuns() || condition(); }, milliseconds) && ProgramRuns();
@@ -52,7 +52,7 @@ static void PressBoxButton(QMessageBox* box) {
     if (ok) ok->click();
 }
 
-// One thing that lies over the window goes; false: nothing does.
+// Closes one thing that covers the window; false if there is none.
 static bool CloseTop() {
     if (QMessageBox* box = ShownMessageBox()) return PressBoxButton(box), true;
     if (QColorDialog* chooser = ShownColorDialog()) return chooser->reject(), true;
@@ -530,7 +530,7 @@ const std::vector<Segment> segments = {
 
 // ---------------------------------------------------------------- afterwards
 
-// A session as ever: what the host shows is there, and what is typed arrives. No fault may have
+// A session as before: what the host shows is there, and what is typed arrives. No fault may have
 // left anything in its way.
 static std::string Unwell() {
     LongHost host;

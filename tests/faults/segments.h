@@ -28,7 +28,7 @@ struct RunResult {
     std::string integrity = "ok";    // of the registry's file
 };
 
-// Runs the program for the piece, and then sees whether a session works as ever.
+// Runs the program for the piece, and then sees whether a session works as before.
 RunResult RunSegment(const Segment& segment);
 
 #endif
