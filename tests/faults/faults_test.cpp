@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Each place where the program calls what can fail, made to fail once: nothing crashes or hangs,
-// the settings on disk are whole, and afterwards a session works as before, or the program has ended
-// with the code or the message for it.
+// the settings on disk are whole, and afterwards a session works as before, or the program has
+// ended with the code or the message for it.
 //
 // A place fails in the first piece that reaches it. With QUILL_FAULTS=all it fails in each piece
 // that reaches it, and memory ends each time that the place asks for some. QUILL_FAULTS_REPORT
