@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <QBackingStore>
 #include <QScreen>
 #include <random>
 
@@ -13,9 +14,23 @@
 #include "session/session_state.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
+#include "tests/support/frame_clock.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
 #include "ui/view/view.h"
+
+static std::vector<QRegion> g_flushed;  // by the program itself
+
+void RealFlush(
+    QBackingStore* store, const QRegion& region, QWindow* window,
+    const QPoint& offset) asm("__real__ZN13QBackingStore5flushERK7QRegionP7QWindowRK6QPoint");
+void SeenFlush(
+    QBackingStore* store, const QRegion& region, QWindow* window,
+    const QPoint& offset) asm("__wrap__ZN13QBackingStore5flushERK7QRegionP7QWindowRK6QPoint");
+void SeenFlush(QBackingStore* store, const QRegion& region, QWindow* window, const QPoint& offset) {
+    g_flushed.push_back(region);
+    RealFlush(store, region, window, offset);
+}
 
 namespace {
 
@@ -100,6 +115,107 @@ TEST(Frames, AnEchoPaintsOnlyItsRow) {
             const QRect painted = FindWindowRecord(session.client_window)->painted.boundingRect();
             EXPECT_EQ(painted, QRect(0, 6 * height, 80 * session.view.cell_width, height));
         });
+    });
+}
+
+// A part of a window, in coordinates of the device's screen.
+QRegion OnDevice(HWND window, QRect part) {
+    const QWidget* widget = FindWindowRecord(window)->widget;
+    return (part & widget->rect()).translated(widget->mapTo(DeviceScreen(), QPoint(0, 0)));
+}
+
+QRegion RowOnDevice(int row) {
+    const int height = session.view.cell_height;
+    return OnDevice(session.client_window,
+                    QRect(0, (row - 1) * height, 80 * session.view.cell_width, height));
+}
+
+// The status line changes with the cursor's place.
+QRegion StatusLineOnDevice() {
+    return OnDevice(session.status_window, FindWindowRecord(session.status_window)->widget->rect());
+}
+
+// What was flushed for the terminal and for the status line, each in one piece.
+std::vector<QRegion> FlushedBy(FakeHost& host, const std::string& output) {
+    std::vector<QRegion> flushed;
+    AwaitRest(host);
+    OnWindowThread([] { g_flushed.clear(); });
+    host.Send(output);
+    AwaitRest(host);
+    OnWindowThread([&] { flushed = g_flushed; });
+    return flushed;
+}
+
+TEST(Frames, OnlyRowsThatChangedAreFlushedToTheScreen) {
+    FakeHost host;
+    WithSession(host, [&] {
+        host.Send("\033[2J\033[7;10H");
+        const auto echo = FlushedBy(host, "x");
+        const auto two_rows = FlushedBy(host, "y\0337\033[3;70Hz\0338");
+        const auto same_cell = FlushedBy(host, "\0337\033[3;70Hz\0338");
+        OnWindowThread([&] {
+            const QRegion status = StatusLineOnDevice();
+            EXPECT_FALSE(RowOnDevice(7).isEmpty());
+            EXPECT_EQ(echo, (std::vector{RowOnDevice(7), status}));
+            EXPECT_EQ(two_rows, (std::vector{RowOnDevice(3) + RowOnDevice(7), status}));
+            EXPECT_EQ(same_cell, std::vector{RowOnDevice(3)});
+        });
+    });
+}
+
+constexpr UINT kFloodMessage = 0x0400;
+constexpr int kFloodMessages = 400;
+int g_flood = 0;  // messages so far
+
+// Each message posts the next one before it ends, so the queue is never empty. Each takes a
+// millisecond and makes both windows invalid.
+LRESULT CALLBACK FloodProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message != kFloodMessage) return DefWindowProcW(window, message, wparam, lparam);
+    InvalidateRect(session.client_window, nullptr, FALSE);
+    InvalidateRect(session.status_window, nullptr, FALSE);
+    AdvanceFrameClock(1);
+    if (++g_flood < kFloodMessages) {
+        PostMessageW(window, kFloodMessage, 0, 0);
+    } else {
+        StartFrameClock();
+    }
+    return 0;
+}
+
+void BeginFlood() {
+    WNDCLASSW flood = {};
+    flood.lpszClassName = u"Flood";
+    flood.lpfnWndProc = FloodProcedure;
+    ASSERT_NE(RegisterClassW(&flood), 0);
+    HWND window = CreateWindowExW(0, u"Flood", u"", WS_CHILD, 0, 0, 1, 1, session.main_window,
+                                  nullptr, nullptr, nullptr);
+    g_flood = 0;
+    StopFrameClock();
+    PostMessageW(window, kFloodMessage, 0, 0);
+}
+
+int PaintsRecordedOf(HWND window) {
+    const auto& calls = RecordedCalls();
+    return static_cast<int>(std::count_if(calls.begin(), calls.end(), [&](const DrawCall& call) {
+        return call.kind == DrawCall::Kind::kPaint && call.window == window;
+    }));
+}
+
+TEST(Frames, MessagesWithoutEndDoNotHoldBackTheTerminalAndTheStatusLine) {
+    FakeHost host;
+    WithSession(host, [&] {
+        AwaitRest(host);
+        OnWindowThread([] {
+            StartRecording();
+            BeginFlood();
+        });
+        ASSERT_TRUE(Eventually([] { return g_flood == kFloodMessages && AllPainted(); }));
+        OnWindowThread([] {
+            StopRecording();
+            EXPECT_GE(PaintsRecordedOf(session.client_window), kFloodMessages / 17);
+            EXPECT_GE(PaintsRecordedOf(session.status_window), kFloodMessages / 17);
+        });
+        ExpectGlassShowsTheGrid("the flood");
     });
 }
 

@@ -2,8 +2,28 @@
 // Frames: how many come at once, at what pace they follow, and what one frame paints.
 #include "platform/qt/window/messages.h"
 
+#include <QBackingStore>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+
 #include "platform/qt/window/window.h"
 #include "tests/platform/test_windows.h"
+#include "tests/support/frame_clock.h"
+
+// Frames are settled only where the toolkit shares memory with an X server.
+QString PlatformOfFrames() asm("__wrap__ZN15QGuiApplication12platformNameEv");
+QString PlatformOfFrames() { return QStringLiteral("xcb"); }
+
+static std::vector<QRegion> g_begun;  // every region that the platform has begun to paint
+
+void RealBegin(QBackingStore* store,
+               const QRegion& region) asm("__real__ZN13QBackingStore10beginPaintERK7QRegion");
+void SeenBegin(QBackingStore* store,
+               const QRegion& region) asm("__wrap__ZN13QBackingStore10beginPaintERK7QRegion");
+void SeenBegin(QBackingStore* store, const QRegion& region) {
+    g_begun.push_back(region);
+    RealBegin(store, region);
+}
 
 namespace {
 
@@ -28,6 +48,12 @@ TEST(FramePace, AFewComeAtOnceAndThenOneEachSixteenMilliseconds) {
     EXPECT_EQ(kFramesAtOnce + 1600 / kFrameMilliseconds - 1, FramesIn(&pace, 1000, 1600));
     for (int second = 2; second < 10; second++)
         EXPECT_LE(FramesIn(&pace, second * 1000 * kMillisecond, 160), 10 + kFramesAtOnce);
+}
+
+TEST(FramePace, ThreeComeAtOnceAfterAPause) {
+    FramePace pace;
+    EXPECT_EQ(3, FramesIn(&pace, 1000, 16));
+    EXPECT_EQ(3, FramesIn(&pace, 500 * kMillisecond, 16));
 }
 
 TEST(FramePace, InAStreamNoTwoAreCloserThanAFramesTime) {
@@ -179,4 +205,133 @@ TEST_F(Frames, WhatAPaintInvalidatesAfterItsBeginningIsKeptForTheNext) {
     UpdateWindow(children[0]);
     EXPECT_EQ(QRect(1, 2, 3, 3), FindWindowRecord(children[0])->invalid.boundingRect());
     EXPECT_TRUE(RunUntil([this] { return Of(WM_PAINT, children[0]).size() == 2; }));
+}
+
+namespace {
+
+int g_frames = 0;
+
+// The clock does not go on: whatever has to wait for a frame's time waits forever.
+class HeldFrames : public Frames {
+  protected:
+    void SetUp() override {
+        Frames::SetUp();
+        g_frames = 0;
+        drawing_observer.frame = [] { ++g_frames; };
+        StopFrameClock();
+        HurryFrames();
+    }
+    void TearDown() override {
+        StartFrameClock();
+        drawing_observer = DrawingObserver();
+        Frames::TearDown();
+    }
+    // The frames that come if a window is invalid again after each of them.
+    int FramesThatCome() {
+        const int before = g_frames;
+        for (int i = 0; i < 10; ++i) {
+            InvalidateRect(children[0], nullptr, FALSE);
+            RunUntilIdle();
+        }
+        return g_frames - before;
+    }
+    QWidget* Widget() const { return FindWindowRecord(top)->widget; }
+};
+
+}  // namespace
+
+TEST_F(HeldFrames, ThreeComeAtOnceAndTheFourthWaits) {
+    EXPECT_EQ(3, FramesThatCome());
+    EXPECT_EQ(0, FramesThatCome());
+    AdvanceFrameClock(15);
+    EXPECT_EQ(0, FramesThatCome());
+    AdvanceFrameClock(1);
+    EXPECT_EQ(1, FramesThatCome());
+}
+
+TEST_F(HeldFrames, AKeyPressBringsThemAtOnce) {
+    EXPECT_EQ(3, FramesThatCome());
+    EXPECT_EQ(0, FramesThatCome());
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
+    QCoreApplication::sendEvent(Widget(), &press);
+    EXPECT_EQ(3, FramesThatCome());
+    EXPECT_EQ(0, FramesThatCome());
+}
+
+TEST_F(HeldFrames, TextOfAnInputMethodBringsThemAtOnce) {
+    EXPECT_EQ(3, FramesThatCome());
+    QInputMethodEvent event;
+    event.setCommitString(QStringLiteral("a"));
+    QCoreApplication::sendEvent(Widget(), &event);
+    EXPECT_EQ(3, FramesThatCome());
+}
+
+// Moves come faster than frames. A release follows a press, which has brought the frames already.
+TEST_F(HeldFrames, AKeyReleaseAndTheStylusDoNotBringThem) {
+    EXPECT_EQ(3, FramesThatCome());
+    QKeyEvent release(QEvent::KeyRelease, Qt::Key_A, Qt::NoModifier);
+    QCoreApplication::sendEvent(Widget(), &release);
+    QMouseEvent move(QEvent::MouseMove, QPointF(5, 5), Widget()->mapToGlobal(QPointF(5, 5)),
+                     Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(Widget(), &move);
+    EXPECT_EQ(0, FramesThatCome());
+    EXPECT_EQ(1u, Of(WM_MOUSEMOVE).size());
+}
+
+// Each message posts the next one, so the queue is never empty.
+TEST_F(HeldFrames, PostedMessagesWithoutEndDoNotHoldThemBack) {
+    constexpr int kMessages = 160;
+    int posted = 0;
+    answer = [&](const Heard& now, LRESULT*) {
+        if (now.message != kTestMessage) return false;
+        InvalidateAll();
+        AdvanceFrameClock(1);
+        if (++posted < kMessages) PostMessageW(top, kTestMessage, 0, 0);
+        return false;
+    };
+    PostMessageW(top, kTestMessage, 0, 0);
+    RunUntilIdle();
+    EXPECT_EQ(kMessages, posted);
+    EXPECT_GE(g_frames, 160 / 17);  // a message takes a millisecond
+    EXPECT_LE(g_frames, 160 / 16 + 3);
+    std::vector<size_t> before_first;  // messages before each window's first paint
+    for (const HWND child : children) {
+        size_t messages = 0;
+        for (const Heard& each : heard) {
+            if (each.message == WM_PAINT && each.window == child) break;
+            messages += each.message == kTestMessage;
+        }
+        before_first.push_back(messages);
+    }
+    EXPECT_EQ((std::vector<size_t>{17, 17, 17}), before_first);
+    heard.clear();
+}
+
+// What a frame waits for, it waits for before the queue sleeps, not when the next frame comes.
+TEST_F(Frames, TheStoreIsReadyForTheNextFrameBeforeTheQueueSleeps) {
+    PaintAndDo([](HWND) {});
+    const QRegion whole = FindWindowRecord(top)->widget->window()->rect();
+    const auto readied = [&] { return std::count(g_begun.begin(), g_begun.end(), whole); };
+    const auto sleep = [&] {  // until a timer wakes the queue
+        MSG message = {};
+        SetTimer(top, 7, 1, nullptr);
+        while (message.message != WM_TIMER) {
+            ASSERT_TRUE(GetMessageW(&message, nullptr, 0, 0));
+            DispatchMessageW(&message);
+        }
+        KillTimer(top, 7);
+    };
+    sleep();
+    for (int i = 0; i < 3; ++i) {
+        g_begun.clear();
+        HurryFrames();
+        InvalidateRect(children[0], nullptr, FALSE);
+        RunUntilIdle();
+        ASSERT_EQ(1u, g_begun.size());
+        EXPECT_EQ(0, readied());
+        sleep();
+        EXPECT_EQ(1, readied());
+        sleep();
+        EXPECT_EQ(1, readied()) << "without a frame in between";
+    }
 }

@@ -200,7 +200,6 @@ static bool Step(MSG* message, HWND window, UINT first, UINT last, bool remove,
 }
 
 void QueueInput(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message == WM_KEYDOWN || message == WM_CHAR) HurryFrames();
     g_input.push_back({MakeMessage(window, message, wparam, lparam), QString(), g_keys_down});
 }
 
