@@ -58,7 +58,7 @@ def read_sections(lines):
             named = told.split("Owner:")[1].split(". ")[0]
             sections.append(Section(OWNER.findall(named), ALSO.findall(also)))
             note = ""
-        if text:
+        if text and text != "SessionState();":
             if not sections:
                 sys.exit(f"{HEADER}: a field before the first owner")
             sections[-1].lines.append(number)
