@@ -111,6 +111,7 @@ def main():
     sections = read_sections(lines)
     sources = [str(path.relative_to(TOP)) for layer in layers().values()
                for path in layer.files(".cpp") if layer.name not in ("text", "crypto")]
+    sources.remove("session/session_state.cpp")  # makes the record with its first values
     complaints = wrong_owners(sections, sources)
 
     views = collections.defaultdict(list)
