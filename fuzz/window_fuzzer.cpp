@@ -19,6 +19,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <mutex>
 #include <new>
@@ -345,6 +346,7 @@ static void EmptyRoot() {
 static void RunProgramOnce() {
     EmptyRoot();
     session.~SessionState();
+    std::memset(static_cast<void*>(&session), 0, sizeof(session));
     new (&session) SessionState();
     HostOptions options;
     options.root = root;

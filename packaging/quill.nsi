@@ -78,7 +78,16 @@ Section "Uninstall"
     Delete "$INSTDIR\quill.ti"
     Delete "$INSTDIR\LICENSE.txt"
     Delete "$INSTDIR\remove.exe"
-    RMDir "$INSTDIR"
     Delete "$SMPROGRAMS\Quill.lnk"
     DeleteRegKey HKCU "${REMOVAL}"
+    ; A deleted file is in its folder until the last program closes it: remove.exe may still run.
+    StrCpy $0 50 ; tries
+    ${DoWhile} $0 > 0
+        RMDir "$INSTDIR"
+        ${IfNot} ${FileExists} "$INSTDIR\*.*"
+            ${ExitDo}
+        ${EndIf}
+        Sleep 100
+        IntOp $0 $0 - 1
+    ${Loop}
 SectionEnd

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The protocols Telnet, SSH-1 and SSH-2: the operations that a session calls, and the protocols'
-// sections of the session record.
+// sections of the session record. Its largest arrays have no initialiser: static storage is zero
+// already, and writing zeros would only take memory at the start.
 #ifndef QUILL_SESSION_PROTOCOL_TYPES_H
 #define QUILL_SESSION_PROTOCOL_TYPES_H
 
@@ -70,7 +71,7 @@ inline constexpr int kSshReassemblySize = 65535;
 // session. The fields have protocol names.
 struct SshState {
     int recvFill = 0;  // bytes in recvBuf
-    BYTE recvBuf[kSshReassemblySize] = {};
+    BYTE recvBuf[kSshReassemblySize];
 };
 
 // ---------------------------------------------------------------- SSH-1
@@ -100,9 +101,9 @@ struct Ssh1State {
     uint32_t ptyRows = kSsh1PtyRows;
     uint32_t ptyColumns = kSsh1PtyColumns;
 
-    int sendLength = 0;                    // type, data and checksum of the packet in sendBuf
-    BYTE sendBuf[kSsh1PacketSize] = {};    // the packet being built, length field first
-    BYTE packetBuf[kSsh1PacketSize] = {};  // the packet being handled, from its padding on
+    int sendLength = 0;               // type, data and checksum of the packet in sendBuf
+    BYTE sendBuf[kSsh1PacketSize];    // the packet being built, length field first
+    BYTE packetBuf[kSsh1PacketSize];  // the packet being handled, from its padding on
 };
 
 // ---------------------------------------------------------------- SSH-2
@@ -122,12 +123,12 @@ struct Ssh2State {
     const SshMac* inMac = nullptr;
     uint32_t sendSeq = 0;  // packets built and packets accepted, modulo 2^32
     uint32_t recvSeq = 0;
-    DWORD headDecrypted = 0;               // 1: the first block of recvBuf is already decrypted
-    ByteReader payload = {};               // of the packet being handled, from its message number
-    ByteReader reader = {};                // reads that payload's fields after the message number
-    int payloadLength = 0;                 // of the packet in sendBuf, message number included
-    BYTE packetBuf[kSsh2PacketSize] = {};  // the packet being handled, length field first
-    BYTE sendBuf[kSsh2SendSize] = {};      // the packet being built
+    DWORD headDecrypted = 0;          // 1: the first block of recvBuf is already decrypted
+    ByteReader payload = {};          // of the packet being handled, from its message number
+    ByteReader reader = {};           // reads that payload's fields after the message number
+    int payloadLength = 0;            // of the packet in sendBuf, message number included
+    BYTE packetBuf[kSsh2PacketSize];  // the packet being handled, length field first
+    BYTE sendBuf[kSsh2SendSize];      // the packet being built
 
     // Key exchange.
     DWORD firstKex = 0;                 // 1: no keys have been derived yet

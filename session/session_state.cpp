@@ -9,5 +9,8 @@
 constexpr size_t kMostBytes = 307504;
 static_assert(sizeof(SessionState) <= kMostBytes);
 
+// Not constexpr: the record is nearly all zero, and a constant one would be in the program's file.
+SessionState::SessionState() = default;
+
 SessionState session;
 SessionPorts session_ports;

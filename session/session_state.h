@@ -26,6 +26,8 @@ inline constexpr int kStatusBarId = 106;  // child id of the client window
 using ChooseColorProcedure = BOOL (*)(LPVOID request);
 
 struct SessionState {
+    SessionState();
+
     // Owner: app/start_up.
     HINSTANCE instance = nullptr;
     HACCEL accelerators = nullptr;

@@ -58,7 +58,7 @@ def read_sections(lines):
             named = told.split("Owner:")[1].split(". ")[0]
             sections.append(Section(OWNER.findall(named), ALSO.findall(also)))
             note = ""
-        if text:
+        if text and text != "SessionState();":
             if not sections:
                 sys.exit(f"{HEADER}: a field before the first owner")
             sections[-1].lines.append(number)
@@ -111,6 +111,7 @@ def main():
     sections = read_sections(lines)
     sources = [str(path.relative_to(TOP)) for layer in layers().values()
                for path in layer.files(".cpp") if layer.name not in ("text", "crypto")]
+    sources.remove("session/session_state.cpp")  # makes the record with its first values
     complaints = wrong_owners(sections, sources)
 
     views = collections.defaultdict(list)
