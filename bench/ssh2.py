@@ -8,10 +8,19 @@ It measures for the client and for `xterm -e ssh -c 3des-cbc`:
   throughput   the shell's cat of a file, until the reply to a request for the cursor position, which
                both send only after they have processed everything before it
 
-and two lower limits of the throughput time: `ssh -c 3des-cbc HOST cat FILE > /dev/null`, without a
-terminal at either end, and the same with a terminal at the server's end, as for a shell (`ssh -tt`).
+and four lower limits of the throughput time:
+  floor        `ssh -c 3des-cbc HOST cat FILE > /dev/null`, without a terminal at either end
+  terminal     the same with a terminal at the server's end, as for a shell (`ssh -tt`)
+  one thread   Quill's own protocol and terminal on one thread, without a window and with Quill's
+               numbers: a window of 8,000 bytes, an adjust when less than 4,000 are left, reads of at
+               most 3,000 bytes (bench_ssh2_floor)
+  long reads   the same with reads of at most 32,768 bytes
 
-Usage: bench/ssh2.py [--megabytes N] [--program PATH] [--no-xterm] [--no-prompt]
+All are measured in turn, in each of the rounds; the figures are medians. Build the programs with
+    cmake --preset release && cmake --build --preset release --target quill bench_ssh2_floor
+
+Usage: bench/ssh2.py [--megabytes N] [--rounds N] [--program PATH] [--floor PATH] [--no-xterm]
+                     [--no-prompt]
        (needs root, Xvfb, xterm, ssh)
 """
 import argparse
@@ -30,6 +39,7 @@ import session
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 SSHD = os.path.join(HERE, "..", "tests", "ssh2", "sshd.sh")
+FLOOR = os.path.join(os.path.dirname(session.PROGRAM), "..", "..", "bench", "bench_ssh2_floor")
 PROMPTS = 5
 ALGORITHMS = ["-F", "none", "-c", "3des-cbc", "-m", "hmac-sha1",
               "-oKexAlgorithms=diffie-hellman-group1-sha1", "-oHostKeyAlgorithms=ssh-dss",
@@ -132,31 +142,40 @@ def measure_prompt(make, door, root, display, shells):
     return statistics.median(seconds)
 
 
-def measure_file(make, port, root, display, shells):
-    process = session.start(make(port, root), display)
+def time_file(process, shells, ended):
+    """Seconds from the permission to send the file until `ended` returns."""
     shell, _word = shells.next()
     time.sleep(1)
     began = time.perf_counter()
     shell.sendall(b"file\n")
-    shell.recv(16)
+    ended(shell)
     seconds = time.perf_counter() - began
     session.end(process)
     shell.close()
     return seconds
 
 
+def answered(shell):
+    shell.recv(16)
+
+
+def measure_file(make, port, root, display, shells):
+    return time_file(session.start(make(port, root), display), shells, answered)
+
+
 def measure_floor(port, shells, *options):
     process = subprocess.Popen(["ssh", *ALGORITHMS, *options, "-p", str(port), "visitor@127.0.0.1",
                                 "cat"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                stderr=subprocess.DEVNULL)
-    shell, _word = shells.next()
-    time.sleep(1)
-    began = time.perf_counter()
-    shell.sendall(b"file\n")
-    process.wait()
-    seconds = time.perf_counter() - began
-    shell.close()
-    return seconds
+    return time_file(process, shells, lambda _shell: process.wait())
+
+
+def measure_one_thread(port, shells, *options):
+    with socket.create_connection(("127.0.0.1", port)) as connection:
+        connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        descriptor = connection.fileno()
+        process = subprocess.Popen([FLOOR, str(descriptor), *options], pass_fds=[descriptor])
+    return time_file(process, shells, answered)
 
 
 def write_files(folder, megabytes, port):
@@ -180,33 +199,54 @@ def first_start(root, display):
     session.prepare(1, root, display)
 
 
-def speed(options, seconds):
-    return f"{options.megabytes} MB in {seconds:6.2f} s ({options.megabytes / seconds:5.1f} MB/s)"
+def speed(options, name, seconds):
+    each = " ".join(f"{one:.2f}" for one in seconds)
+    middle = statistics.median(seconds)
+    print(f"{name:10} {options.megabytes} MB in {middle:6.2f} s "
+          f"({options.megabytes / middle:5.1f} MB/s)   each: {each}", flush=True)
+
+
+def measure_prompts(options, clients, port, root, display, shells):
+    door = Door(port)
+    prompts = {}
+    for name, make in clients.items():
+        measure_prompt(make, door, root, display, shells)  # warms the server up
+        prompts[name] = measure_prompt(make, door, root, display, shells)
+        print(f"{name:6} prompt after {prompts[name] * 1000:5.0f} ms", flush=True)
+    if "xterm" in prompts:
+        print(f"xterm with ssh / quill: prompt {prompts['xterm'] / prompts['quill']:.2f}")
+
+
+def measure_files(options, clients, port, root, display, shells):
+    runs = {
+        "floor": lambda: measure_floor(port, shells),
+        "terminal": lambda: measure_floor(port, shells, "-tt"),
+        "one thread": lambda: measure_one_thread(port, shells),
+        "long reads": lambda: measure_one_thread(port, shells, "32768"),
+    }
+    for name, make in clients.items():
+        runs[name] = lambda make=make: measure_file(make, port, root, display, shells)
+    seconds = {name: [] for name in runs}
+    for _ in range(options.rounds):
+        for name, measure in runs.items():
+            seconds[name].append(measure())
+    for name, each in seconds.items():
+        speed(options, name, each)
+    middle = {name: statistics.median(each) for name, each in seconds.items()}
+    for name, figure in middle.items():
+        if name != "quill":
+            print(f"{name} / quill {figure / middle['quill']:.2f}, "
+                  f"quill / {name} {middle['quill'] / figure:.2f}")
 
 
 def measure(options, port, root, display, shells):
-    door = Door(port)
     first_start(root, display)
     clients = {"quill": quill_command, "xterm": xterm_command}
     if options.no_xterm:
         del clients["xterm"]
-    prompts, files = {}, {}
-    for name, make in clients.items() if not options.no_prompt else ():
-        measure_prompt(make, door, root, display, shells)  # warms the server up
-        prompts[name] = measure_prompt(make, door, root, display, shells)
-        print(f"{name:6} prompt after {prompts[name] * 1000:5.0f} ms", flush=True)
-    floor = measure_floor(port, shells)
-    print(f"floor  {speed(options, floor)}", flush=True)
-    terminal = measure_floor(port, shells, "-tt")
-    print(f"floor, a terminal at the server's end: {speed(options, terminal)}", flush=True)
-    for name, make in clients.items():
-        files[name] = measure_file(make, port, root, display, shells)
-        print(f"{name:6} {speed(options, files[name])}", flush=True)
-    print(f"quill / floor: file {files['quill'] / floor:.2f}, "
-          f"with a terminal {files['quill'] / terminal:.2f}")
-    for what, figures in (("prompt", prompts), ("file", files)):
-        if "xterm" in figures:
-            print(f"xterm with ssh / quill: {what} {figures['xterm'] / figures['quill']:.2f}")
+    if not options.no_prompt:
+        measure_prompts(options, clients, port, root, display, shells)
+    measure_files(options, clients, port, root, display, shells)
 
 
 def run(options, display, folder):
@@ -226,14 +266,18 @@ def run(options, display, folder):
 
 
 def main():
+    global FLOOR
     parser = argparse.ArgumentParser()
     parser.add_argument("--megabytes", type=int, default=100)
+    parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--program", default=session.PROGRAM)
+    parser.add_argument("--floor", default=FLOOR)
     parser.add_argument("--no-xterm", action="store_true")
     parser.add_argument("--no-prompt", action="store_true")
     options = parser.parse_args()
     session.PROGRAM = os.path.abspath(options.program)
-    for tool in ("Xvfb", "xterm", "ssh", session.PROGRAM):
+    FLOOR = os.path.abspath(options.floor)
+    for tool in ("Xvfb", "xterm", "ssh", session.PROGRAM, FLOOR):
         if not shutil.which(tool):
             sys.exit(f"bench/ssh2.py: {tool} is missing")
     screen, display = session.start_x()

@@ -163,9 +163,22 @@ TEST(TouchReach, EveryControlOfEveryDialogIsUsedWithTheSoftKeyboard) {
     });
 }
 
-TEST(TouchReach, TheColorChoosersFieldsAreTypedInto) {
+TEST(TouchReach, EveryControlIsUsedWithTheSoftKeyboardThatATapIntoAFieldShows) {
     OnDevice([](FakeHost&) {
-        ShowPanel();
+        InEachDialog([](const std::string& dialog) {
+            UseControls(dialog);
+            for (const Control& each : ShownControls())
+                if (qobject_cast<QPushButton*>(each.widget)) {
+                    EXPECT_TRUE(InSight(ControlFinder(each.id))) << dialog << ' ' << each.id;
+                }
+        });
+        OnWindowThread([] { EXPECT_TRUE(ShellInputPanel()->isHidden()); });
+    });
+}
+
+void UseTheChoosersFields(bool shown) {
+    OnDevice([=](FakeHost&) {
+        if (shown) ShowPanel();
         TapMenu("Settings", "Background Color...");
         ASSERT_TRUE(Eventually([] { return ShownColorDialog() != nullptr; }));
         std::vector<QLineEdit*> fields;
@@ -185,9 +198,18 @@ TEST(TouchReach, TheColorChoosersFieldsAreTypedInto) {
         Tap([] { return InChooser(IsOk); }, "OK");
         ASSERT_TRUE(Eventually([] { return !ShownColorDialog(); }));
         // The panel is the device's own again.
-        OnWindowThread([] { EXPECT_FALSE(ShellInputPanel()->isWindow()); });
+        OnWindowThread([=] {
+            EXPECT_FALSE(ShellInputPanel()->isWindow());
+            EXPECT_EQ(ShellInputPanel()->isVisible(), shown);
+        });
         EXPECT_NE(session.settings.color_bg, 0xFFFFFFu);
     });
+}
+
+TEST(TouchReach, TheColorChoosersFieldsAreTypedInto) { UseTheChoosersFields(true); }
+
+TEST(TouchReach, ATapIntoAFieldOfTheColorChooserShowsTheSoftKeyboard) {
+    UseTheChoosersFields(false);
 }
 
 // ---------------------------------------------------------------- sizes

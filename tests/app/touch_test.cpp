@@ -20,6 +20,7 @@
 #include "tests/qt_driver/driver.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
+#include "ui/dialogs/dialogs.h"
 
 namespace {
 
@@ -53,6 +54,56 @@ TEST(Touch, TypesAHostOnTheSoftKeyboardAndConnects) {
         ASSERT_TRUE(TerminalShows("hello"));
         TapKeys("ls");
         EXPECT_EQ(host.Read(2), "ls");
+    });
+}
+
+// Nobody has shown the soft keyboard: a tap into the field does it. It goes with the dialog.
+TEST(Touch, TapsIntoAFieldAndConnects) {
+    OnDevice([](FakeHost& host) {
+        SetHost(u"", host.port);
+        TapMenu("File", "Connect...");
+        ASSERT_TRUE(DialogShown("Connect"));
+        OnWindowThread([] { EXPECT_TRUE(ShellInputPanel()->isHidden()); });
+        TapControl(IDC_HOST);
+        TapKeys("127.0.0.1");
+        TapControl(IDOK);
+        ASSERT_TRUE(host.Accept());
+        host.Send("hello");
+        ASSERT_TRUE(TerminalShows("hello"));
+        OnWindowThread([] {
+            EXPECT_EQ(Text(session.settings.host), "127.0.0.1");
+            EXPECT_TRUE(ShellInputPanel()->isHidden());
+            EXPECT_FALSE(ButtonNamed("Keyboard")->isChecked());
+            TapPlace(FindWindowRecord(session.client_window)->widget, QPoint(20, 20));
+        });
+        OnWindowThread([] {
+            EXPECT_TRUE(ShellInputPanel()->isHidden()) << "the terminal has no field";
+            EXPECT_EQ(session.view.covered_rows, 0);
+        });
+    });
+}
+
+// In the box that the first answer of an SSH server brings up.
+TEST(Touch, SignsOn) {
+    OnDevice([](FakeHost&) {
+        QMetaObject::invokeMethod(
+            qApp, [] { AskSignOn(); }, Qt::QueuedConnection);
+        ASSERT_TRUE(DialogShown("Sign on to the host"));
+        OnWindowThread([] { EXPECT_TRUE(ShellInputPanel()->isHidden()); });
+        TapControl(IDC_SSH_U);
+        TapKeys("anna");
+        TapControl(IDC_SSH_P);
+        TapKey("Shift");
+        TapKeys("Pw7");
+        TapControl(IDC_SSH_DEF);
+        TapControl(IDOK);
+        ASSERT_TRUE(DialogGone());
+        OnWindowThread([] {
+            EXPECT_EQ(Text(session.settings.ssh_u), "anna");
+            EXPECT_EQ(Text(session.settings.ssh_p), "Pw7");
+            EXPECT_EQ(session.settings.ssh_def, 1u);
+            EXPECT_TRUE(ShellInputPanel()->isHidden());
+        });
     });
 }
 

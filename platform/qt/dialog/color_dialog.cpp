@@ -5,6 +5,7 @@
 #include <QColorDialog>
 #include <QDialogButtonBox>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -149,8 +150,12 @@ static void PutInWindow(QColorDialog* chooser, QDialog* window) {
     layout->addLayout(row);
     SetDefaults(window, buttons->button(QDialogButtonBox::Ok));
     window->setWindowTitle(chooser->windowTitle());
-    SetSize(window, chooser, *buttons);
-    if (LeavesPanelFree()) PlaceAbovePanel(window);
+    const auto fit = [=] {
+        SetSize(window, chooser, *buttons);
+        if (LeavesPanelFree()) PlaceAbovePanel(window);
+    };
+    fit();
+    for (QLineEdit* field : chooser->findChildren<QLineEdit*>()) OfferInputPanel(field, fit);
     chooser->show();
 }
 

@@ -95,6 +95,8 @@ static HWND MakeDialog(const DialogTemplate& shape, HWND owner, DLGPROC procedur
     return dialog;
 }
 
+DialogWidget::~DialogWidget() { TakeInputPanelFrom(this); }
+
 void DialogWidget::SetBody(QWidget* body) { body_ = body; }
 
 void DialogWidget::reject() { QueueCommand(dialog_, IDCANCEL); }
@@ -112,7 +114,7 @@ void DialogWidget::closeEvent(QCloseEvent* event) {
 }
 
 void DialogWidget::resizeEvent(QResizeEvent*) {
-    if (body_) body_->setGeometry(rect());
+    if (body_) body_->setGeometry(contentsRect());
 }
 
 constexpr WindowOperations kDialogOperations = {nullptr, PlaceDialog, ShowOwnWindow, BringOwnWindow,
@@ -193,6 +195,7 @@ QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {
     auto* area = new QScrollArea(parent);
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);
+    area->setAlignment(Qt::AlignHCenter);
     area->viewport()->move(0, 0);  // removes the offset of the frame that it was made with
     *content = new QWidget;
     area->setWidget(*content);
@@ -221,6 +224,15 @@ void PlaceDialog(Window& window, const QRect& rect) {
         corner.setY(std::min(corner.y(), room.height() - size.height()));
     window.widget->setGeometry(QRect(DeviceScreen()->mapToGlobal(corner), size));
     SendSize(window);
+}
+
+void PlaceDialogsAgain() {
+    for (Window* window : AllWindows()) {
+        if (!window->dialog || !window->widget || !window->widget->isVisible()) continue;
+        const QPoint corner = DeviceScreen()->mapFromGlobal(window->widget->geometry().topLeft());
+        const DialogData& data = *window->dialog;
+        PlaceDialog(*window, QRect(corner, data.sheet ? data.wanted : data.content->size()));
+    }
 }
 
 INT_PTR DialogBoxParamW(HINSTANCE, LPCWSTR name, HWND owner, DLGPROC procedure, LPARAM parameter) {

@@ -30,7 +30,8 @@ class DialogWidget : public QDialog {
     Q_OBJECT
   public:
     DialogWidget(HWND dialog, QWidget* parent) : QDialog(parent), dialog_(dialog) {}
-    void SetBody(QWidget* body);  // the widget that fills the window
+    ~DialogWidget() override;
+    void SetBody(QWidget* body);  // the widget that fills the window within its margins
     void reject() override;
 
   protected:
@@ -55,6 +56,7 @@ void StartDialog(HWND dialog, LPARAM parameter);  // sends WM_INITDIALOG and set
 INT_PTR RunDialogLoop(HWND dialog, bool at_once);
 extern const WindowOperations kDialogOperations;
 void PlaceDialog(Window& window, const QRect& rect);  // in coordinates of the device's screen
+void PlaceDialogsAgain();  // all that are open, for another RoomForDialogs
 QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content);
 
 // controls.cpp

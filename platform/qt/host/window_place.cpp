@@ -88,15 +88,13 @@ static void FitInto(const QRect& screen, WindowPlace* place) {
                           std::max(std::min(place->place->y(), farthest.y()), room.top()));
 }
 
-static bool TellsPlaces() { return !QGuiApplication::platformName().startsWith("wayland"); }
-
 static WindowPlace PlaceOf(const QWidget& window) {
     WindowPlace place;
     place.maximized = window.isMaximized();
     const QRect normal = place.maximized ? window.normalGeometry() : window.geometry();
     place.size = normal.size();
     const QPoint frame = window.geometry().topLeft() - window.frameGeometry().topLeft();
-    if (!TellsPlaces()) return place;
+    if (!DesktopTellsPlaces()) return place;
     place.place = normal.topLeft() - frame;
     if (g_restored && (*place.place - *g_restored).manhattanLength() <= kRounding)
         place.place = g_restored;
@@ -122,7 +120,7 @@ void RestoreWindowPlace() {
     FitInto(screen->availableGeometry(), &place);
     QWidget* window = DeviceScreen();
     window->resize(place.size);
-    if (TellsPlaces()) g_restored = place.place;
+    if (DesktopTellsPlaces()) g_restored = place.place;
     if (g_restored) window->move(*g_restored);
     if (place.maximized) window->setWindowState(Qt::WindowMaximized);
 }

@@ -193,6 +193,13 @@ void InputPanel::setVisible(bool visible) {
     QWidget::setVisible(visible);
 }
 
+bool InputPanel::eventFilter(QObject* dialog, QEvent* event) {
+    const QWidget* parent = parentWidget();
+    if (event->type() == QEvent::Resize && dialog == parent)
+        setGeometry(0, parent->height() - kInputPanelHeight, parent->width(), kInputPanelHeight);
+    return QWidget::eventFilter(dialog, event);
+}
+
 void InputPanel::MakeKeys() {
     for (const PanelKeyRow& row : kPanelKeys) {
         auto* key = new PanelKey(this, row);

@@ -9,7 +9,10 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
 #include <QMimeData>
+#include <QMouseEvent>
+#include <QScrollArea>
 #include <QTemporaryFile>
 #include <QUrl>
 #include <QWindow>
@@ -52,7 +55,10 @@ void FurnishShell() {
 
 bool InputPanelShown() { return !ShellInputPanel()->isHidden(); }
 
+static bool g_raised = false;  // by a tap into a field of a dialog
+
 void ShowInputPanel(bool show) {
+    g_raised = false;
     if (show == InputPanelShown()) return;
     ShellInputPanel()->setVisible(show);
     ShellMenuStrip()->panel_button()->setChecked(show);
@@ -61,11 +67,9 @@ void ShowInputPanel(bool show) {
             PostMessageW(window->handle, WM_SETTINGCHANGE, SPI_SETSIPINFO, 0);
 }
 
-void LendInputPanel(QWidget* dialog) {
+static void MoveToOwnWindow(InputPanel* panel, QWidget* dialog) {
     constexpr Qt::WindowFlags kOwnWindow =
         Qt::Tool | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus;
-    InputPanel* panel = ShellInputPanel();
-    if (!panel || panel->isHidden()) return;
     const QRect place = InputPanelPlace();
     const QRect on_desktop(DeviceScreen()->mapToGlobal(place.topLeft()), place.size());
     const bool free = dialog && !dialog->geometry().intersects(on_desktop);
@@ -81,11 +85,91 @@ void LendInputPanel(QWidget* dialog) {
     panel->show();
 }
 
-QSize RoomForDialogs() {
+// The dialog's margin below its controls; the panel is as wide as the device, or wider.
+static void SetFoot(QWidget* dialog, int height) {
+    QSize size = dialog->size();
+    size.rheight() += height - dialog->contentsMargins().bottom();
+    if (height > 0) size.setWidth(std::max(size.width(), DeviceScreen()->width()));
+    dialog->setContentsMargins(0, 0, 0, height);
+    dialog->setMaximumSize(dialog->maximumSize().expandedTo(size));
+    dialog->resize(size);
+}
+
+static void MoveToFoot(InputPanel* panel, QWidget* dialog) {
+    QWidget* before = panel->parentWidget();
+    if (before == (dialog ? dialog : DeviceScreen())) return;
+    panel->LetGo();
+    panel->setParent(dialog ? dialog : DeviceScreen());
+    before->removeEventFilter(panel);
+    if (before != DeviceScreen()) SetFoot(before, 0);
+    if (dialog) dialog->installEventFilter(panel), SetFoot(dialog, kInputPanelHeight);
+    ArrangeScreen();
+    panel->show();
+}
+
+void LendInputPanel(QWidget* dialog) {
+    InputPanel* panel = ShellInputPanel();
+    if (!panel || panel->isHidden()) return;
+    DesktopTellsPlaces() ? MoveToOwnWindow(panel, dialog) : MoveToFoot(panel, dialog);
+    if (!dialog && g_raised) ShowInputPanel(false);
+}
+
+void TakeInputPanelFrom(const QWidget* dialog) {
+    InputPanel* panel = ShellInputPanel();
+    if (panel && DeviceScreen() && panel->parentWidget() == dialog) MoveToFoot(panel, nullptr);
+}
+
+static bool LeavesRoom() {
     constexpr int kLeastRoom = 100;
+    return InputPanelPlace().top() >= kLeastRoom;
+}
+
+static void RaiseInputPanel(QLineEdit* field, const std::function<void()>& make_room) {
+    if (InputPanelShown() || !LeavesRoom()) return;
+    ShowInputPanel(true);
+    g_raised = true;
+    make_room();
+    LendInputPanel(field->window());
+    for (QWidget* each = field; each; each = each->parentWidget())
+        if (auto* area = qobject_cast<QScrollArea*>(each)) area->ensureWidgetVisible(field, 4, 4);
+}
+
+// The toolkit makes mouse events of what a finger or a stylus does.
+static bool IsTap(const QObject* field, const QEvent& event) {
+    if (event.type() != QEvent::MouseButtonRelease) return false;
+    const bool by_mouse =
+        static_cast<const QMouseEvent&>(event).source() == Qt::MouseEventNotSynthesized;
+    return !by_mouse && !static_cast<const QLineEdit*>(field)->isReadOnly();
+}
+
+namespace {
+
+class TapWatch : public QObject {
+  public:
+    TapWatch(QLineEdit* field, std::function<void()> make_room)
+        : QObject(field), field_(field), make_room_(std::move(make_room)) {}
+    // The field takes the tap first: it moves when there is room to be made.
+    bool eventFilter(QObject* field, QEvent* event) override {
+        if (IsTap(field, *event))
+            QMetaObject::invokeMethod(
+                this, [this] { RaiseInputPanel(field_, make_room_); }, Qt::QueuedConnection);
+        return false;
+    }
+
+  private:
+    QLineEdit* field_;
+    std::function<void()> make_room_;
+};
+
+}  // namespace
+
+void OfferInputPanel(QLineEdit* field, const std::function<void()>& make_room) {
+    field->installEventFilter(new TapWatch(field, make_room));
+}
+
+QSize RoomForDialogs() {
     QSize room = DeviceScreen()->size();
-    const int above_panel = InputPanelPlace().top();
-    if (InputPanelShown() && above_panel >= kLeastRoom) room.setHeight(above_panel);
+    if (InputPanelShown() && LeavesRoom()) room.setHeight(InputPanelPlace().top());
     return room;
 }
 

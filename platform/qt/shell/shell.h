@@ -4,6 +4,7 @@
 #ifndef QUILL_PLATFORM_QT_SHELL_SHELL_H
 #define QUILL_PLATFORM_QT_SHELL_SHELL_H
 
+#include <functional>
 #include <QAbstractButton>
 #include <QMenuBar>
 #include <QToolButton>
@@ -12,6 +13,8 @@
 
 #include "platform/qt/window/window.h"
 
+class QLineEdit;
+
 void FurnishShell();  // puts the menu strip and the input panel on the open screen
 void RegisterMenuBar();
 
@@ -19,9 +22,14 @@ void RegisterMenuBar();
 void ShowInputPanel(bool show);
 bool InputPanelShown();
 // While a dialog is open, the windows below it get no mouse events. So if the panel is shown, this
-// call moves it to a separate window in front of `dialog`, unless the dialog covers it; null moves
-// it back to the screen.
+// call moves it to a separate window in front of `dialog`, unless the dialog covers it. On Wayland,
+// where a program cannot place a window, the panel goes to the foot of the dialog, which grows.
+// Null moves it back to the screen, or hides it if a tap into a field has shown it.
 void LendInputPanel(QWidget* dialog);
+void TakeInputPanelFrom(const QWidget* dialog);  // before a dialog is deleted
+// From now on a tap into the field by a finger or a stylus shows the panel. `make_room` then fits
+// the open dialogs into RoomForDialogs.
+void OfferInputPanel(QLineEdit* field, const std::function<void()>& make_room);
 // The screen, or the area above a shown input panel if a dialog can be used there.
 QSize RoomForDialogs();
 QRect CenteredPlace(QSize size);  // the middle of that room
@@ -98,6 +106,7 @@ class InputPanel : public QWidget {
 
     void LetGo();  // releases a key that is held down
     void setVisible(bool visible) override;
+    bool eventFilter(QObject* dialog, QEvent* event) override;  // keeps the panel at its foot
 
   protected:
     void resizeEvent(QResizeEvent* event) override;

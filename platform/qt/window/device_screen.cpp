@@ -55,6 +55,7 @@ void ScreenWidget::Arrange() {
     if (!foot_.strip || !foot_.panel) return;
     const QRect place = PanelPlace();
     foot_.strip->setGeometry(0, place.bottom() + 1, width(), kMenuBarHeight);
+    if (foot_.panel->parentWidget() != this) return;
     const bool apart = foot_.panel->isWindow();
     const QPoint corner = apart ? mapToGlobal(place.topLeft()) : place.topLeft();
     foot_.panel->setGeometry(QRect(corner, place.size()));
@@ -150,6 +151,8 @@ QWidget* TopMostWidget() {
     const Window* top = TopMostDialog();
     return top && top->widget ? top->widget.data() : DeviceScreen();
 }
+
+bool DesktopTellsPlaces() { return !QGuiApplication::platformName().startsWith("wayland"); }
 
 // Not every desktop returns the focus by itself.
 void ReturnFocus() {

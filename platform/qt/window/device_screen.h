@@ -31,8 +31,9 @@ QRect InputPanelPlace();  // on the device's screen, shown or not
 // Dialogs that are open over the screen; the last one is on top.
 void PutOverScreen(HWND dialog);
 void TakeFromScreen(HWND dialog);
-Window* TopMostDialog();   // null: no dialog is open
-QWidget* TopMostWidget();  // the parent of a box over everything: that dialog, else the screen
-void ReturnFocus();        // to the program's window, after a box or dialog over it has closed
+Window* TopMostDialog();    // null: no dialog is open
+QWidget* TopMostWidget();   // the parent of a box over everything: that dialog, else the screen
+bool DesktopTellsPlaces();  // false on Wayland, whose compositor alone places windows
+void ReturnFocus();         // to the program's window, after a box or dialog over it has closed
 
 #endif
