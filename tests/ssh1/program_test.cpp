@@ -331,7 +331,7 @@ TEST(Session, ItsStateIsClearedAfterwards) {
         Close();
         EXPECT_TRUE(Offline());
         OnWindowThread([] {
-            static const Ssh1State fresh;
+            static const Ssh1State fresh = {};
             EXPECT_EQ(std::memcmp(&session.ssh1, &fresh, sizeof(fresh)), 0);
             for (const BYTE byte : session.ssh.recvBuf) ASSERT_EQ(byte, 0);
         });

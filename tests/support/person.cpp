@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <atomic>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <new>
@@ -32,6 +33,7 @@ void RemoveRoots() {
 
 void ResetSession() {
     session.~SessionState();
+    std::memset(static_cast<void*>(&session), 0, sizeof(session));  // as static storage begins
     new (&session) SessionState();
 }
 

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+// What the program tells a screen reader, heard where it calls the toolkit. The linker leads these
+// calls here, as the toolkit's invisible screen has no screen readers.
+#include <QAccessible>
+#include <QAccessibleActionInterface>
+#include <QPushButton>
+#include <QTest>
+
+#include "platform/qt/window/accessible.h"
+#include "platform/qt/window/device_screen.h"
+#include "tests/platform/test_windows.h"
+
+namespace {
+
+bool g_listening = false;
+std::vector<std::pair<QAccessible::Event, QObject*>> g_told;
+
+}  // namespace
+
+bool IsListening() asm("__wrap__ZN11QAccessible8isActiveEv");
+bool IsListening() { return g_listening; }
+
+void Hear(QAccessibleEvent* event) asm(
+    "__wrap__ZN11QAccessible19updateAccessibilityEP16QAccessibleEvent");
+void Hear(QAccessibleEvent* event) { g_told.push_back({event->type(), event->object()}); }
+
+namespace {
+
+TextScreen g_screen;
+HWND g_text_window = nullptr;
+int g_reads = 0;
+
+class ScreenReader : public WindowTest {
+  protected:
+    void SetUp() override {
+        WindowTest::SetUp();
+        g_listening = true;
+        g_told.clear();
+        g_text_window = top;
+        g_screen = {{"order", "4711"}, QPoint(0, 0), QRect(), QRect(0, 0, 6, 10)};
+        text_screen_source.window = [] { return g_text_window; };
+        text_screen_source.read = [] { return ++g_reads, g_screen; };
+        TellTextChanges();
+        g_reads = 0;
+    }
+    void TearDown() override {
+        ForgetTextChanges();
+        text_screen_source = TextScreenSource();
+        g_listening = false;
+        WindowTest::TearDown();
+    }
+    static QWidget* WidgetOf(HWND window) { return FindWindowRecord(window)->widget; }
+    static int TimesTold(QAccessible::Event type, const QObject* object) {
+        int count = 0;
+        for (const auto& each : g_told) count += each.first == type && each.second == object;
+        return count;
+    }
+    // How often a change of the text is told as an event of that type.
+    int TimesTold(QAccessible::Event type, const std::function<void()>& change) {
+        g_told.clear();
+        change();
+        TellTextChanges();
+        RunUntil([&] { return TimesTold(type, WidgetOf(top)) > 0; });
+        return TimesTold(type, WidgetOf(top));
+    }
+};
+
+}  // namespace
+
+TEST_F(ScreenReader, HearsOfAWindowBeforeItHasGone) {
+    const HWND child = Child(1);
+    const QObject* widget = WidgetOf(child);
+    DestroyWindow(child);
+    EXPECT_EQ(1, TimesTold(QAccessible::ObjectDestroyed, widget));
+}
+
+TEST_F(ScreenReader, HearsEachKindOfChangeOfTheText) {
+    EXPECT_EQ(1, TimesTold(QAccessible::TextInserted, [] { g_screen.rows[0] = "orders"; }));
+    EXPECT_EQ(1, TimesTold(QAccessible::TextRemoved, [] { g_screen.rows[0] = "order"; }));
+    EXPECT_EQ(1, TimesTold(QAccessible::TextUpdated, [] { g_screen.rows[0] = "ordex"; }));
+    EXPECT_EQ(1, TimesTold(QAccessible::TextCaretMoved, [] { g_screen.cursor = QPoint(2, 1); }));
+    EXPECT_EQ(1, TimesTold(QAccessible::TextSelectionChanged,
+                           [] { g_screen.selected = QRect(0, 0, 2, 2); }));
+}
+
+TEST_F(ScreenReader, ChangesThatComeTogetherAreReadOnce) {
+    TellTextChanges();
+    TellTextChanges();
+    EXPECT_TRUE(RunUntil([] { return g_reads > 0; }));
+    QTest::qWait(300);
+    EXPECT_EQ(1, g_reads);
+}
+
+TEST_F(ScreenReader, NothingIsReadWhileNobodyListens) {
+    g_listening = false;
+    TellTextChanges();
+    QTest::qWait(100);
+    EXPECT_EQ(0, g_reads);
+    const HWND child = Child(1);
+    g_told.clear();
+    DestroyWindow(child);
+    EXPECT_TRUE(g_told.empty());
+}
+
+TEST_F(ScreenReader, PressesAButtonByAnActionAndLeavesOtherActionsToTheToolkit) {
+    QPushButton button("press", DeviceScreen());
+    button.show();
+    int clicks = 0;
+    QObject::connect(&button, &QPushButton::clicked, [&] { ++clicks; });
+    QAccessibleActionInterface* actions =
+        QAccessible::queryAccessibleInterface(&button)->actionInterface();
+    ASSERT_NE(nullptr, actions);
+    actions->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(0, clicks) << "a click may wait for a person, so it is queued";
+    EXPECT_TRUE(RunUntil([&] { return clicks == 1; }));
+    actions->doAction(QAccessibleActionInterface::increaseAction());
+    RunUntilIdle();
+    EXPECT_EQ(1, clicks);
+}

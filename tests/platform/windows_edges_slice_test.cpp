@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: MIT
+// What windows, keys, fonts and the clipboard do in cases that come up seldom.
+#include <QPainter>
+#include <QScrollBar>
+#include <QTest>
+#include <QToolButton>
+
+#include "platform/qt/host/host.h"
+#include "platform/qt/services/resources.h"
+#include "platform/qt/services/services.h"
+#include "platform/qt/shell/shell.h"
+#include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/messages.h"
+#include "tests/platform/test_windows.h"
+
+namespace {
+
+class WindowEdges : public WindowTest {
+  protected:
+    static QWidget* WidgetOf(HWND window) { return FindWindowRecord(window)->widget; }
+    static qsizetype BarsOf(HWND window) {
+        return WidgetOf(window)->findChildren<QScrollBar*>().size();
+    }
+};
+
+int CALLBACK Count(const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM count) {
+    return ++*reinterpret_cast<int*>(count);
+}
+
+int CALLBACK TakeFirst(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM face) {
+    *reinterpret_cast<LOGFONTW*>(face) = *font;
+    return 0;
+}
+
+LONG HeightOf(HDC dc) {
+    TEXTMETRICW metrics = {};
+    EXPECT_TRUE(GetTextMetricsW(dc, &metrics));
+    return metrics.tmHeight;
+}
+
+LONG HeightOfSystemFont(HDC dc, LONG height) {
+    LOGFONTW wanted = {};
+    wanted.lfHeight = height;
+    CopyUnits(wanted.lfFaceName, WideFromUtf8(QApplication::font().family().toStdString()).c_str(),
+              LF_FACESIZE);
+    const HFONT font = CreateFontIndirectW(&wanted);
+    const HGDIOBJ before = SelectObject(dc, font);
+    const LONG result = HeightOf(dc);
+    SelectObject(dc, before);
+    DeleteObject(font);
+    return result;
+}
+
+// The size that the device has opened with, before a test changes it.
+class OpenedSize : public testing::Environment {
+  public:
+    void SetUp() override { size = DeviceScreen()->size(); }
+    QSize size;
+};
+OpenedSize* g_opened = static_cast<OpenedSize*>(testing::AddGlobalTestEnvironment(new OpenedSize));
+
+}  // namespace
+
+TEST_F(WindowEdges, EraseMessageIsAnsweredByOne) {
+    const HDC dc = GetDC(top);
+    EXPECT_EQ(1, SendMessageW(top, WM_ERASEBKGND, reinterpret_cast<WPARAM>(dc), 0));
+    ReleaseDC(top, dc);
+}
+
+TEST_F(WindowEdges, AWindowHasTheScrollBarsOfItsStyleOnly) {
+    EXPECT_EQ(0, BarsOf(Child(1)));
+    EXPECT_EQ(1, BarsOf(Child(2, WS_VSCROLL)));
+    EXPECT_EQ(1, BarsOf(Child(3, WS_HSCROLL)));
+    EXPECT_EQ(2, BarsOf(Child(4, WS_VSCROLL | WS_HSCROLL)));
+}
+
+TEST_F(WindowEdges, ATapBesideTheThumbMovesByThePage) {
+    const HWND child = Child(1, WS_VSCROLL);
+    SCROLLINFO info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_RANGE | SIF_PAGE;
+    info.nMax = 99;
+    info.nPage = 17;
+    SetScrollInfo(child, SB_VERT, &info, TRUE);
+    EXPECT_EQ(17, WidgetOf(child)->findChild<QScrollBar*>()->pageStep());
+}
+
+TEST_F(WindowEdges, TheRightButtonIsNoStylus) {
+    QTest::mousePress(WidgetOf(top), Qt::RightButton);
+    QTest::mouseRelease(WidgetOf(top), Qt::RightButton);
+    RunUntilIdle();
+    EXPECT_TRUE(Of(WM_LBUTTONDOWN).empty());
+    EXPECT_TRUE(Of(WM_LBUTTONUP).empty());
+    QTest::mousePress(WidgetOf(top), Qt::LeftButton);
+    QTest::mouseRelease(WidgetOf(top), Qt::LeftButton);
+    RunUntilIdle();
+    EXPECT_EQ(1u, Of(WM_LBUTTONDOWN).size());
+    EXPECT_EQ(1u, Of(WM_LBUTTONUP).size());
+}
+
+// Such a modifier comes from a desktop's on-screen keyboard.
+TEST_F(WindowEdges, AModifierWithoutItsKeyIsTheLeftKeyAndHasTheHighBitAlone) {
+    std::vector<SHORT> states;
+    answer = [&](const Heard& now, LRESULT*) {
+        if (now.message == WM_KEYDOWN)
+            for (const int key : {VK_LCONTROL, VK_RCONTROL, VK_LSHIFT, VK_RSHIFT, VK_CONTROL})
+                states.push_back(GetKeyState(key));
+        return false;
+    };
+    const auto press = [&](Qt::KeyboardModifier modifier) {
+        QKeyEvent down(QEvent::KeyPress, Qt::Key_F1, modifier);
+        QKeyEvent none(QEvent::KeyRelease, Qt::Key_F1, Qt::NoModifier);
+        QueueKeyEvent(top, &down, true);
+        QueueKeyEvent(top, &none, false);
+        RunUntilIdle();
+    };
+    const auto down = static_cast<SHORT>(0x8000);
+    press(Qt::ControlModifier);
+    EXPECT_EQ((std::vector<SHORT>{down, 0, 0, 0, down}), states);
+    states.clear();
+    press(Qt::ShiftModifier);
+    EXPECT_EQ((std::vector<SHORT>{0, 0, down, 0, 0}), states);
+}
+
+TEST_F(WindowEdges, ACommandSaysThatItComesFromAnAccelerator) {
+    SliceAccelerators table = {{{kAcceleratorKey, VK_F1, 321}}};
+    MSG message = {};
+    message.hwnd = top;
+    message.message = WM_KEYDOWN;
+    message.wParam = VK_F1;
+    EXPECT_EQ(1, TranslateAcceleratorW(top, &table, &message));
+    ASSERT_EQ(1u, Of(WM_COMMAND).size());
+    EXPECT_EQ(321, LOWORD(Of(WM_COMMAND)[0].wparam));
+    EXPECT_EQ(1, HIWORD(Of(WM_COMMAND)[0].wparam));
+}
+
+TEST_F(WindowEdges, ATimersTickWaitsOnceForEachWindow) {
+    constexpr UINT kLong = 1000000;
+    const HWND child = Child(1);
+    for (const HWND window : {top, child}) SetTimer(window, 5, 1, nullptr);
+    QTest::qWait(100);  // many ticks
+    for (const HWND window : {top, child}) SetTimer(window, 5, kLong, nullptr);
+    RunUntilIdle();
+    EXPECT_EQ(1u, Of(WM_TIMER, top).size());
+    EXPECT_EQ(1u, Of(WM_TIMER, child).size());
+    for (const HWND window : {top, child}) KillTimer(window, 5);
+}
+
+TEST_F(WindowEdges, AWindowThatBecameValidStartsToWaitAnew) {
+    const auto invalidate = [&] { FindWindowRecord(top)->invalid = QRegion(0, 0, 1, 1); };
+    FindWindowRecord(top)->invalid = QRegion();
+    EXPECT_FALSE(FrameOverdue());
+    invalidate();
+    EXPECT_FALSE(FrameOverdue());
+    Sleep(100);  // longer than a frame
+    FindWindowRecord(top)->invalid = QRegion();
+    EXPECT_FALSE(FrameOverdue());
+    invalidate();
+    EXPECT_FALSE(FrameOverdue());
+}
+
+// ---------------------------------------------------------------- fonts and text
+
+TEST_F(WindowEdges, WithoutAFontTextHasTheHeightOfTheSystemsFont) {
+    const HDC dc = GetDC(top);
+    const LONG height = HeightOf(dc);
+    EXPECT_EQ(HeightOfSystemFont(dc, 10), height);
+    EXPECT_NE(HeightOfSystemFont(dc, 9), height);
+    ReleaseDC(top, dc);
+}
+
+TEST_F(WindowEdges, EnumerationOfAFamilyListsThatOne) {
+    LOGFONTW face = {};
+    EnumFontFamiliesW(nullptr, nullptr, TakeFirst, reinterpret_cast<LPARAM>(&face));
+    int count = 0;
+    EnumFontFamiliesW(nullptr, face.lfFaceName, Count, reinterpret_cast<LPARAM>(&count));
+    EXPECT_EQ(1, count);
+    count = 0;
+    EnumFontFamiliesW(nullptr, TEXT("no such family"), Count, reinterpret_cast<LPARAM>(&count));
+    EXPECT_EQ(0, count);
+}
+
+// 80 columns and 24 rows of the first font, and the bars.
+TEST_F(WindowEdges, TheDeviceOpensAsLargeAsTheTerminal) {
+    LOGFONTW face = {};
+    EnumFontFamiliesW(nullptr, nullptr, TakeFirst, reinterpret_cast<LPARAM>(&face));
+    face.lfHeight = 8;
+    const HDC dc = GetDC(top);
+    const HFONT font = CreateFontIndirectW(&face);
+    const HGDIOBJ before = SelectObject(dc, font);
+    TEXTMETRICW metrics = {};
+    GetTextMetricsW(dc, &metrics);
+    SelectObject(dc, before);
+    DeleteObject(font);
+    ReleaseDC(top, dc);
+    const int bars = kCommandBarHeight + StatusHeight() + kMenuBarHeight;
+    EXPECT_EQ(std::max(static_cast<int>(metrics.tmAveCharWidth) * 80, 400), g_opened->size.width());
+    EXPECT_EQ(metrics.tmHeight * 24 + bars, g_opened->size.height());
+}
+
+TEST_F(WindowEdges, TextIsKeptFromTheLastStartOfTheRecord) {
+    const DrawingObserver before = drawing_observer;
+    const auto draw = [&] {
+        drawing_observer.text({top, 0, 0, {0, 0, 30, 10}, u"abc", 3, 0, 0, 0});
+        drawing_observer.paint(top);
+    };
+    KeepScreenText();
+    draw();
+    EXPECT_EQ(QStringList("abc"), ScreenText(top));
+    EXPECT_EQ(1, PaintsKept());
+    KeepScreenText();
+    EXPECT_EQ(QStringList(), ScreenText(top));
+    EXPECT_EQ(0, PaintsKept());
+    draw();
+    ForgetScreenText();
+    EXPECT_EQ(QStringList(), ScreenText(top));
+    drawing_observer = before;
+}
+
+// ---------------------------------------------------------------- the clipboard
+
+TEST_F(WindowEdges, AClosedClipboardTakesNothing) {
+    const auto block = [] {
+        const HLOCAL memory = LocalAlloc(LMEM_MOVEABLE, 4);
+        memcpy(LocalLock(memory), u"a", 4);
+        return memory;
+    };
+    ASSERT_TRUE(OpenClipboard(top));
+    EXPECT_TRUE(EmptyClipboard());
+    EXPECT_EQ(nullptr, SetClipboardData(CF_UNICODETEXT, nullptr));
+    const HLOCAL taken = block();
+    EXPECT_EQ(taken, SetClipboardData(CF_UNICODETEXT, taken));
+    EXPECT_EQ(0u, LocalSize(taken)) << "the clipboard has it now, and made its own of it";
+    EXPECT_TRUE(CloseClipboard());
+    const HLOCAL refused = block();
+    EXPECT_EQ(nullptr, SetClipboardData(CF_UNICODETEXT, refused));
+    EXPECT_EQ(4u, LocalSize(refused));
+    LocalFree(refused);
+}
+
+// ---------------------------------------------------------------- the panel's button
+
+TEST_F(WindowEdges, ThePanelsButtonShowsAKeyboardOfSixKeysInARow) {
+    constexpr int kTimes = 10;
+    QImage picture(22 * kTimes, 14 * kTimes, QImage::Format_ARGB32);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    ShellMenuStrip()->panel_button()->icon().paint(&painter, picture.rect());
+    painter.end();
+    const auto keys = [&](int y) {
+        int found = 0;
+        bool ink = false;
+        for (int x = 2 * kTimes; x < 20.9 * kTimes; ++x) {
+            const bool now = qAlpha(picture.pixel(x, y)) > 128;
+            found += now && !ink;
+            ink = now;
+        }
+        return found;
+    };
+    EXPECT_EQ(6, keys(39));
+    EXPECT_EQ(6, keys(69));
+    EXPECT_EQ(1, keys(103));
+}
