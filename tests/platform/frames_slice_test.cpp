@@ -180,3 +180,11 @@ TEST_F(Frames, WhatAPaintInvalidatesAfterItsBeginningIsKeptForTheNext) {
     EXPECT_EQ(QRect(1, 2, 3, 3), FindWindowRecord(children[0])->invalid.boundingRect());
     EXPECT_TRUE(RunUntil([this] { return Of(WM_PAINT, children[0]).size() == 2; }));
 }
+
+TEST_F(Frames, AHiddenWindowIsNotPainted) {
+    ShowWindow(children[0], SW_HIDE);
+    InvalidateRect(children[0], nullptr, FALSE);
+    UpdateWindow(children[0]);
+    EXPECT_TRUE(Of(WM_PAINT).empty());
+    EXPECT_TRUE(FindWindowRecord(children[0])->invalid.isEmpty());
+}
