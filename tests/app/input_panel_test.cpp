@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The input panel: a keyboard for the stylus, and the rows of the terminal that it covers.
 #include <gtest/gtest.h>
+#include <QBackingStore>
 #include <QtTest/QTest>
 
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "tests/qt_driver/driver.h"
@@ -421,6 +423,49 @@ TEST(InputPanel, EverySizeOfTheDeviceWhileItIsUpAndTheHostFloods) {
         TapPanelButton();
         host.Send("\033[2J\033[Hdone");
         EXPECT_TRUE(TerminalShows("done"));
+    });
+}
+
+// ---------------------------------------------------------------- over the terminal
+
+// What the store of the screen holds. Asking the toolkit for a picture would paint it anew.
+QImage Stored() { return static_cast<QImage*>(ReadyStore(DeviceScreen())->paintDevice())->copy(); }
+
+bool AllIsPainted() {
+    for (const Window* window : AllWindows())
+        if (!window->invalid.isEmpty()) return false;
+    return ReadyStore(DeviceScreen()) != nullptr;
+}
+
+bool CoversTheTerminal() {
+    const QWidget* terminal = FindWindowRecord(session.client_window)->widget;
+    const QRect place(terminal->mapTo(DeviceScreen(), QPoint()), terminal->size());
+    return ShellInputPanel()->geometry().contains(place);
+}
+
+// Between the small and the large size the corner of the scroll bars moves. From then on, until the
+// toolkit itself paints the terminal, it takes the terminal for a widget that nothing covers.
+TEST(InputPanel, ATerminalWhollyUnderItDoesNotPaintOverIt) {
+    RunProgram(SmallDevice(640, 480), [&] {
+        for (const QSize& size : {QSize(121, 95), QSize(480, 352), QSize(856, 845)}) {
+            ResizeDevice(size.width(), size.height());
+            ASSERT_TRUE(Eventually(AllIsPainted));
+        }
+        TapPanelButton();
+        ASSERT_TRUE(Eventually(AllIsPainted));
+        ResizeDevice(121, 95);
+        ASSERT_TRUE(Eventually([] { return AllIsPainted() && CoversTheTerminal(); }));
+        OnWindowThread([] {
+            const QImage before = Stored();
+            for (const HWND window : {session.client_window, session.status_window}) {
+                const int paints = PaintCount();
+                InvalidateRect(window, nullptr, TRUE);
+                UpdateWindow(window);
+                EXPECT_EQ(PaintCount(), paints + 1);
+                EXPECT_TRUE(FindWindowRecord(window)->invalid.isEmpty());
+                EXPECT_EQ(before, Stored());
+            }
+        });
     });
 }
 

@@ -335,3 +335,11 @@ TEST_F(Frames, TheStoreIsReadyForTheNextFrameBeforeTheQueueSleeps) {
         EXPECT_EQ(1, readied()) << "without a frame in between";
     }
 }
+
+TEST_F(Frames, AHiddenWindowIsNotPainted) {
+    ShowWindow(children[0], SW_HIDE);
+    InvalidateRect(children[0], nullptr, FALSE);
+    UpdateWindow(children[0]);
+    EXPECT_TRUE(Of(WM_PAINT).empty());
+    EXPECT_TRUE(FindWindowRecord(children[0])->invalid.isEmpty());
+}

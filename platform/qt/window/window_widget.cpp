@@ -52,22 +52,22 @@ void WindowWidget::PaintInvalid() {
 }
 
 // Paints into the desktop window's store and flushes that part. This leaves out the toolkit's
-// search for everything that might need a paint, which takes longer than a row of text. Returns
-// false if the store is not in the state that this needs.
+// search for everything that might need a paint, which takes longer than a row of text. A window
+// that others cover draws nothing: the toolkit would draw it over them. Returns false if the store
+// is not in the state that this needs.
 bool WindowWidget::PaintStraight(const QRegion& invalid) {
     QWidget* top = QWidget::window();
     QBackingStore* store = ReadyStore(top);
-    if (!store) return false;
+    if (!store || !isVisible()) return false;
     const QPoint corner = mapTo(top, QPoint(0, 0));
     store_region_ = UncoveredPart(this, invalid);
-    if (store_region_.isEmpty()) return false;
     const QRegion region = store_region_;
     store->beginPaint(region);
     store_ = store->paintDevice();
     PaintWindow(region.translated(-corner));
     store_ = nullptr;
     store->endPaint();
-    store->flush(region, top->windowHandle());
+    if (!region.isEmpty()) store->flush(region, top->windowHandle());
     return true;
 }
 
