@@ -60,11 +60,13 @@ static void CompressBlock(uint32_t state[5], const uint8_t* block, uint32_t w[16
     for (int t = 60; t < 80; t += 5) {
         SHA1_FIVE(Parity, 0xca62c1d6u, t, word)
     }
-    state[0] += a;
-    state[1] += b;
-    state[2] += c;
-    state[3] += d;
-    state[4] += e;
+    // Volatile, because a compiler with few registers would keep copies of the state on the stack.
+    const volatile uint32_t* before = state;
+    state[0] = before[0] + a;
+    state[1] = before[1] + b;
+    state[2] = before[2] + c;
+    state[3] = before[3] + d;
+    state[4] = before[4] + e;
 }
 
 void Sha1CompressPortable(uint32_t state[5], const uint8_t* blocks, int count) {

@@ -3,6 +3,7 @@
 // window that plays the hand-held's screen) and runs Quill on it until Quill ends or a signal ends
 // it.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <csignal>
 
@@ -145,11 +146,20 @@ static void StartAgain(std::vector<char*> arguments, double scale) {
     execv("/proc/self/exe", arguments.data());
 }
 
-// On Wayland. The input method that the toolkit takes there by itself crashes in an empty text
-// field if the compositor has no input device. This one, which it takes on X, does not.
+// The input method that the toolkit takes on Wayland by itself crashes in an empty text field if
+// the compositor has no input device. This one, which it takes on X, does not.
 static void ChooseInputMethod() {
-    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) return;
     if (!qEnvironmentVariableIsSet("QT_IM_MODULE")) qputenv("QT_IM_MODULE", "compose");
+}
+
+// As other programs do, takes the first display of Wayland if the environment names none.
+static void NameFirstDisplay() {
+    if (!qEnvironmentVariableIsEmpty("DISPLAY")) return;
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) return;
+    const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
+    struct stat socket = {};
+    if (folder.isEmpty() || stat((folder + "/wayland-0").constData(), &socket) != 0) return;
+    if (S_ISSOCK(socket.st_mode)) qputenv("WAYLAND_DISPLAY", "wayland-0");
 }
 
 // Without a display the toolkit would abort with a core dump. Its platforms that need no display
@@ -228,6 +238,7 @@ static bool IsFollowedLink(const std::vector<char*>& arguments) {
 // Exit code 2, whatever the toolkit says.
 static int RefuseCommandLine(std::vector<char*> given) {
     int count = 1;
+    NameFirstDisplay();
     if (!IsFollowedLink(given) || !IsDisplayNamed(count, given.data())) return 2;
     LeaveMuteBuses();
     ChooseInputMethod();
@@ -247,6 +258,7 @@ int main(int argc, char** argv) {
     if (!TakeCommandLine(&argc, argv, &line)) return RefuseCommandLine(given);
     if (line.task != Task::kRun) return DoTask(line);
     const HostOptions& options = line.options;
+    NameFirstDisplay();
     if (!IsDisplayNamed(argc, argv)) {
         std::fputs("quill: there is no display (DISPLAY and WAYLAND_DISPLAY are empty)\n", stderr);
         return 1;

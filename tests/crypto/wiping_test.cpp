@@ -261,6 +261,23 @@ TEST(StackWiping, PortableSha1LeavesNoWordsOfItsSchedule) {
     for (size_t t = 0; t < 80; t += 4) EXPECT_EQ(LeftOnStack(&w[t], compress), 0) << t;
 }
 
+// The state before a block is a key if the block before was a pad; the state after it may be a MAC.
+TEST(StackWiping, PortableSha1LeavesNoStateBeforeOrAfterABlock) {
+    const ByteString blocks = RandomBytes(2 * 64), first = RandomBytes(20);
+    uint32_t states[3][5];
+    memcpy(states[0], first.data(), sizeof(states[0]));
+    for (size_t i = 0; i < 2; i++) {
+        memcpy(states[i + 1], states[i], sizeof(states[i]));
+        Sha1CompressPortable(states[i + 1], blocks.data() + 64 * i, 1);
+    }
+    static uint32_t state[5];
+    const auto compress = [&] {
+        memcpy(state, states[0], sizeof(state));
+        Sha1CompressPortable(state, blocks.data(), 2);
+    };
+    for (const auto& each : states) EXPECT_EQ(LeftOnStack(each, compress), 0) << &each - states;
+}
+
 TEST(StackWiping, PortableSha512LeavesNoWordsOfItsScheduleAndNoSums) {
     const ByteString block = RandomBytes(128);
     const std::vector<uint64_t> w = Sha512Schedule(block.data());

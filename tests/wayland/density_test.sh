@@ -7,40 +7,14 @@
 # Usage: density_test.sh PROGRAM PICTURES
 set -eu
 . "$(dirname "$0")/../support/outside.sh"
-need sway swaymsg grim convert compare setpriv
 program=$1 pictures=$2
 here=$(cd "$(dirname "$0")" && pwd)
-[ -n "$(find /usr/lib -name libqwayland-generic.so -path '*qt6*' 2>/dev/null | head -n 1)" ] ||
-    { echo "$script: the toolkit has no Wayland here" >&2; exit 77; }
+. "$here/sway.sh"
+need convert compare
 mkdir -p "$pictures"
-
-# What the toolkit and the graphics libraries keep until the end is theirs.
-export ASAN_OPTIONS="${ASAN_OPTIONS:-}:detect_leaks=0"
-export XDG_RUNTIME_DIR="$work/runtime" HOME="$work"
-mkdir -m 700 "$XDG_RUNTIME_DIR"
-unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM XDG_SESSION_TYPE XDG_CURRENT_DESKTOP SWAYSOCK || :
-
-# The compositor does not run as root.
-as_nobody=
-if [ "$(id -u)" = 0 ]; then
-    chmod 755 "$work"
-    chown nobody "$XDG_RUNTIME_DIR"
-    as_nobody="setpriv --reuid=nobody --regid=nogroup --clear-groups"
-fi
-printf '%s\n' 'xwayland disable' 'for_window [app_id="quill"] floating enable, border none' \
-    'output HEADLESS-1 mode 900x700 position 0 0 scale 1' \
+open_sway 2 'output HEADLESS-1 mode 900x700 position 0 0 scale 1' \
     'output HEADLESS-2 mode 1400x1000 position 900 0 scale 2' \
-    'workspace 1 output HEADLESS-1' 'workspace 2 output HEADLESS-2' >"$work/sway"
-WLR_BACKENDS=headless WLR_HEADLESS_OUTPUTS=2 WLR_LIBINPUT_NO_DEVICES=1 WLR_RENDERER=pixman \
-    $as_nobody sway -c "$work/sway" >"$work/sway.log" 2>&1 &
-ends_with_us $!
-finds_compositor() {
-    SWAYSOCK=$(find "$XDG_RUNTIME_DIR" -name 'sway-ipc*')
-    WAYLAND_DISPLAY=$(find "$XDG_RUNTIME_DIR" -name 'wayland-*' ! -name '*.lock' -printf '%f')
-    [ -n "$SWAYSOCK" ] && [ -n "$WAYLAND_DISPLAY" ] && swaymsg -s "$SWAYSOCK" workspace 1
-}
-await 20 finds_compositor || { cat "$work/sway.log" >&2; fail "no compositor"; }
-export SWAYSOCK WAYLAND_DISPLAY
+    'workspace 1 output HEADLESS-1' 'workspace 2 output HEADLESS-2'
 
 : >"$work/port"
 /usr/bin/python3 "$here/frame_host.py" >"$work/port" &
@@ -55,18 +29,6 @@ QT_QPA_PLATFORM=offscreen timeout -k 5 60 "$program" --root "$work/root" --scale
 client=$!
 ends_with_us $client
 
-# The window's place on the screens, as X,Y WIDTHxHEIGHT.
-window_place() {
-    swaymsg -t get_tree | /usr/bin/python3 -c '
-import json, sys
-def windows(node):
-    if node.get("app_id") == "quill":
-        yield node["rect"]
-    for each in node["nodes"] + node["floating_nodes"]:
-        yield from windows(each)
-print("%(x)d,%(y)d %(width)dx%(height)d" % next(windows(json.load(sys.stdin))))'
-}
-command_compositor() { swaymsg "$@" >/dev/null || fail "the compositor does not obey: $*"; }
 # shown_at DENSITY: whole lines, sharp text, and the very pixels of the first time at that density.
 shown_at() {
     grim -g "$(window_place)" "$picture" && /usr/bin/python3 "$here/frame_check.py" "$picture" 1 "$1" &&

@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Text fields and profiles under Wayland: a field has the focus where the compositor has no input
-# device, and the window of a profile has a name of its own.
+# Text fields, displays and profiles under Wayland: a field has the focus where the compositor has no
+# input device, a display without a name is found, and the window of a profile has a name of its own.
 # Exit code 77: not possible here.
 # Usage: text_field_test.sh PROGRAM PICTURES
 set -eu
@@ -24,7 +24,7 @@ port=$(first_line "$work/port")
 # A window gets its buffers after its title.
 box_is_drawn() { sed -n '/set_title("Sign on to the host")/,$p' "$work/err" | grep -q 'wl_surface.*attach(wl_buffer'; }
 signs_on() {
-    env WAYLAND_DEBUG=1 "$@" "$program" --root "$work/root" "ssh://127.0.0.1:$port" 2>"$work/err" &
+    env "$@" WAYLAND_DEBUG=1 "$program" --root "$work/root" "ssh://127.0.0.1:$port" 2>"$work/err" &
     client=$!
     ends_with_us $client
     await 30 box_is_drawn || fail "$*: no box"
@@ -39,6 +39,16 @@ signs_on() {
 signs_on
 # What a person has chosen stays.
 signs_on QT_IM_MODULE=compose
+# The first display is found without its name, also if X has one that is not asked for.
+ln -s "$WAYLAND_DISPLAY" "$XDG_RUNTIME_DIR/wayland-0"
+signs_on -u WAYLAND_DISPLAY
+signs_on -u WAYLAND_DISPLAY DISPLAY=:nowhere QT_QPA_PLATFORM=wayland
+# A file of that name is no display.
+rm "$XDG_RUNTIME_DIR/wayland-0"
+: >"$XDG_RUNTIME_DIR/wayland-0"
+code=0
+env -u WAYLAND_DISPLAY "$program" --root "$work/root" 2>"$work/err" || code=$?
+[ $code -eq 1 ] && grep -q 'there is no display' "$work/err" || fail "a file as the display: $code, $(cat "$work/err")"
 
 # What a compositor tells windows apart by.
 app_id() { sed -n 's/.*set_app_id("\([^"]*\)").*/\1/p' "$work/err" | sort -u; }
@@ -48,4 +58,4 @@ XDG_DATA_HOME="$work/data" WAYLAND_DEBUG=1 timeout -k 5 60 "$program" --text "$w
 XDG_DATA_HOME="$work/data" WAYLAND_DEBUG=1 timeout -k 5 60 "$program" --profile stores --text "$work/text" \
     2>"$work/err" || fail "the program ended with $?"
 [ "$(app_id)" = quill-stores ] || fail "the window of the profile is called '$(app_id)'"
-echo "a sign-on without an input device; a name for each profile"
+echo "a sign-on without an input device and without a display's name; a name for each profile"

@@ -75,16 +75,32 @@ static QString NameFromLabels(const Window& label, const Window* before) {
     return first.endsWith('-') ? first.chopped(1) + name : name;
 }
 
+// The name of each control that a label precedes. Of controls with the same label, each has its
+// number behind the name.
+static std::vector<QString> NamesOf(const std::vector<Window*>& controls) {
+    std::vector<QString> labels(controls.size());
+    for (size_t i = 1; i < controls.size(); ++i)
+        if (As<QLabel>(*controls[i - 1]) && TakesItsName(*controls[i]))
+            labels[i] = NameFromLabels(*controls[i - 1], i > 1 ? controls[i - 2] : nullptr);
+    std::vector<QString> names = labels;
+    for (size_t i = 0; i < names.size(); ++i) {
+        const auto here = labels.begin() + static_cast<std::ptrdiff_t>(i);
+        if (labels[i].isEmpty() || std::count(labels.begin(), labels.end(), labels[i]) == 1)
+            continue;
+        names[i] += ' ' + QString::number(std::count(labels.begin(), here + 1, labels[i]));
+    }
+    return names;
+}
+
 static void NameControls(const std::vector<Window*>& controls) {
+    const std::vector<QString> names = NamesOf(controls);
     for (size_t i = 1; i < controls.size(); ++i) {
         auto* label = As<QLabel>(*controls[i - 1]);
         if (!label || !TakesItsName(*controls[i])) continue;
-        const Window* before = i > 1 ? controls[i - 2] : nullptr;
-        const QString name = NameFromLabels(*controls[i - 1], before);
-        controls[i]->widget->setAccessibleName(name);
+        controls[i]->widget->setAccessibleName(names[i]);
         // In a combo box, the edit has the keyboard focus, but no label.
         auto* combo = As<QComboBox>(*controls[i]);
-        if (combo && combo->lineEdit()) combo->lineEdit()->setAccessibleName(name);
+        if (combo && combo->lineEdit()) combo->lineEdit()->setAccessibleName(names[i]);
         label->setBuddy(controls[i]->widget);
         ShowLabel(*controls[i - 1]);
     }

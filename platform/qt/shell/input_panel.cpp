@@ -139,10 +139,16 @@ static QWidget* Target() {
     return QApplication::focusWidget() ? QApplication::focusWidget() : DeviceScreen();
 }
 
+// Queued, and only then given a target: the key before this one may move the focus.
 static void Tap(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
-    QWidget* target = Target();
-    QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyPress, key, modifiers, text));
-    QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyRelease, key, modifiers, text));
+    const auto type = [=] {
+        const QPointer<QWidget> target = Target();
+        for (const QEvent::Type way : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(way, key, modifiers, text);
+            if (target) QCoreApplication::sendEvent(target, &event);
+        }
+    };
+    QMetaObject::invokeMethod(g_panel, type, Qt::QueuedConnection);
 }
 
 PanelKey::PanelKey(QWidget* panel, const PanelKeyRow& key) : QAbstractButton(panel), key_(key) {

@@ -1,0 +1,113 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# The soft keyboard under Wayland, where only the compositor places windows: it covers nothing of the
+# dialog that it types into, and a person signs on with it and goes on in the session.
+# Exit code 77: not possible here.
+# Usage: soft_keyboard_test.sh PROGRAM PICTURES
+set -eu
+. "$(dirname "$0")/../support/outside.sh"
+program=$1 pictures=$2
+here=$(cd "$(dirname "$0")" && pwd)
+. "$here/sway.sh"
+need convert compare
+/usr/bin/python3 -c 'import paramiko' 2>/dev/null || { echo "$script: python3-paramiko is missing" >&2; exit 77; }
+mkdir -p "$pictures"
+open_sway 1 'output HEADLESS-1 mode 900x700 position 0 0 scale 1'
+
+mkfifo "$work/hand" "$work/open"
+: >"$work/done"
+/usr/bin/python3 "$here/pointer.py" 900 700 <"$work/hand" >"$work/done" &
+ends_with_us $!
+exec 7>"$work/hand"
+await 10 grep -q ready "$work/done" || { echo "$script: the compositor takes no pointer of a program" >&2; exit 77; }
+# hand COMMAND...: the pointer has done it.
+commands=0
+has_done() { [ "$(wc -l <"$work/done")" -gt $commands ]; }
+hand() {
+    commands=$((commands + 1))
+    echo "$@" >&7
+    await 20 has_done || fail "the pointer did not: $*"
+}
+
+: >"$work/port"
+# A command of the session's shell.
+mkdir "$work/bin"
+printf '#!/bin/sh\n: >%s/seen\n' "$work" >"$work/bin/seen"
+chmod +x "$work/bin/seen"
+PATH="$work/bin:$PATH" /usr/bin/python3 -B "$here/../ssh2/paramiko_server.py" <"$work/open" >"$work/port" &
+server=$!
+ends_with_us $server
+exec 8>"$work/open"
+port=$(first_line "$work/port")
+
+panel=80 strip=26 # heights, in pixels of the device; this one has 400 by 300
+start() {
+    "$program" --root "$work/root" --screen 400x300 --scale 1 "ssh://127.0.0.1:$port" 2>"$work/err" &
+    client=$!
+    ends_with_us $client
+    await 20 window_place 'Quill T' || fail "no window"
+}
+# place_of TITLE: sets left, top, width and height.
+place_of() {
+    await 20 window_place "$1" || fail "no window '$1'"
+    place=$(window_place "$1")
+    left=${place%%,*} top=${place#*,} width=${place#* }
+    top=${top%% *} height=${width#*x} width=${width%x*}
+}
+end() {
+    kill $client || fail "the program has gone"
+    code=0
+    wait $client || code=$?
+    [ $code -eq 0 ] || fail "the program ended with $code: $(cat "$work/err")"
+}
+
+# How the dialog is without a soft keyboard.
+start
+place_of 'Sign on'
+own_width=$width own_height=$height
+# It is drawn when it has many colours.
+drawn() {
+    grim -g "$(window_place 'Sign on')" "$1"
+    [ "$(convert "$1" -unique-colors -format %w info:)" -gt 20 ]
+}
+await 10 drawn "$pictures/sign-on-alone.png" || fail "the dialog is not drawn"
+end
+
+# signs_on: with a soft keyboard; the server answers once it is shown.
+signs_on() {
+    rm -f "$work/seen"
+    kill -STOP $server
+    start
+    place_of 'Quill T'
+    device=$width
+    hand click $((left + width - 12)) $((top + height - strip / 2))
+    kill -CONT $server
+    place_of 'Sign on'
+    grown() { [ "$(window_place 'Sign on' | sed 's/.* //')" = "${device}x$((own_height + panel))" ]; }
+    await 10 grown ||
+        fail "the dialog of ${own_width}x$own_height is $(window_place 'Sign on') with the soft keyboard of a device $device wide"
+    place_of 'Sign on'
+    # Its own part is the same as before; the text cursor may blink.
+    looks_as_before() {
+        drawn "$pictures/sign-on-keyboard.png" || return 1
+        convert "$pictures/sign-on-keyboard.png" -crop "${own_width}x$own_height+$(((width - own_width) / 2))+0" \
+            +repage "$work/part.png"
+        different=$(compare -metric AE "$work/part.png" "$pictures/sign-on-alone.png" null: 2>&1) || :
+        [ "$different" -lt 60 ]
+    }
+    await 10 looks_as_before || fail "$different pixels of the dialog differ in $pictures/sign-on-keyboard.png"
+
+    hand type $left $((top + height - panel)) $width $panel visitor Tab warehouse7 Enter
+    gone() { ! window_place 'Sign on'; }
+    await 20 gone || { grim "$pictures/session-keyboard.png"; fail "the dialog is still there"; }
+    place_of 'Quill T'
+    # It is on the device again, and types into the session.
+    hand type $left $((top + height - strip - panel)) $width $panel seen Enter
+    await 20 test -e "$work/seen" || { grim "$pictures/session-keyboard.png"; fail "nothing was typed into the session"; }
+    end
+}
+signs_on
+# Empty, but set: with the compositor's input method.
+export QT_IM_MODULE=
+signs_on
+echo "a sign-on by the soft keyboard, which covers nothing of the dialog"
