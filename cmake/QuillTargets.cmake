@@ -69,6 +69,16 @@ function(quill_library name)
     quill_system_headers(${name})
 endfunction()
 
+# What runs a few times a second at most, by the release program: small instead of fast.
+# quill_small(FILES...) is for single files of a folder, quill_small_library(NAME) for all of them.
+set(QUILL_SMALL $<$<AND:$<CONFIG:Release>,$<COMPILE_LANGUAGE:CXX>>:-Os>)
+function(quill_small)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "${QUILL_SMALL}")
+endfunction()
+function(quill_small_library name)
+    target_compile_options(${name} PRIVATE ${QUILL_SMALL})
+endfunction()
+
 # quill_program(NAME FILES...): an executable built with the same warnings.
 function(quill_program name)
     add_executable(${name} ${ARGN})

@@ -15,8 +15,8 @@ list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)
 quill_library(platform_services ${SERVICES})
 # Export, resources and the registry's file are read once in a run.
-set_source_files_properties(
-    services/export_settings.cpp services/run_values.cpp services/resources.cpp services/registry.cpp
-    services/registry_store.cpp services/remote_access.cpp
-    PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-Os>")
+quill_small(services/export_settings.cpp services/files.cpp services/run_values.cpp services/resources.cpp
+    services/registry.cpp services/registry_store.cpp services/remote_access.cpp)
+# Its strings are short: -O3 would unroll their loops.
+set_source_files_properties(services/text.cpp PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-O2>")
 target_link_libraries(platform_services PUBLIC Qt6::Core PRIVATE SQLite::SQLite3 Threads::Threads)

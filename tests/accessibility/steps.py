@@ -148,6 +148,117 @@ def dialog_filled_in(path, work):
     assert program.process.wait(PATIENCE) == 0
 
 
+TOLD = ("text", "password text", "list", "check box", "radio button", "combo box", "push button", "page tab")
+
+
+def controls_of(box):
+    """Role and name of each that a person uses, as a reader goes through them."""
+    found = [(each.get_role_name(), each.get_name()) for each in all_below(box)
+             if has(each, "showing") and has(each, "focusable") and each.get_role_name() in TOLD]
+    nameless = [each for each in found if not each[1]]
+    assert not nameless, f"without a name: {nameless}"
+    twice = {each for each in found if found.count(each) > 1}
+    assert not twice, f"not told apart: {twice}"
+    return found
+
+
+def has_controls(box, *wanted):
+    """As rows of role and names."""
+    rows = {(role, name) for role, *names in wanted for name in names}
+    eventually(lambda: set(controls_of(box)) == rows,
+               f"{sorted(rows)} in place of {sorted(controls_of(box))}")
+
+
+def closes(box, button):
+    title = box.get_name()
+    press(find("push button", button, top=box))
+    eventually(lambda: not shown_window("dialog", title), f"the end of {title}")
+
+
+ANSWERS = ("push button", "OK", "Cancel")
+
+
+def controls_of_each_dialog(path, work):
+    """Every control has a name of its own, and what is entered by it is there when it is read again."""
+    program = Program(path, work)
+    main_window()
+    press(find("menu item", "Auto Login..."))
+    box = dialog("Auto Login")
+    fields = ("Search 1", "Response 1", "Search 2", "Response 2")
+    has_controls(box, ("text", *fields), ANSWERS)
+    for field in fields:
+        fill_in(box, field, "this is " + field)
+    closes(box, "OK")
+    press(find("menu item", "Auto Login..."))
+    box = dialog("Auto Login")
+    for field in fields:
+        assert text_of(find("text", field, top=box)) == "this is " + field
+    closes(box, "Cancel")
+
+    press(find("menu item", "Font..."))
+    box = dialog("Font")
+    has_controls(box, ("list", "Font"), ("check box", "Bold", "Italic"), ANSWERS)
+    faces = [each.get_name() for each in children(find("list", "Font", top=box))]
+    assert faces and all(faces), faces
+    assert find("check box", "Bold", top=box).do_action(0)
+    eventually(lambda: has(find("check box", "Bold", top=box), "checked"), "the mark")
+    closes(box, "Cancel")
+
+    press(find("menu item", "Properties..."))
+    box = dialog("Properties")
+    tabs = ("page tab", "Other", "Toolbar", "Keyboard")
+    has_controls(box, tabs, ("text", "Term type", "Modem connection name"), ANSWERS,
+                 ("check box", "Hide status bar", "Screen follow the cursor", "Bell", "Show Negotiation",
+                  "Hotspot x. xx. x: or xx:", "Keep Power on, if a session is active"))
+    fill_in(box, "Term type", "quill")
+    press(find("page tab", "Toolbar", top=box))
+    has_controls(box, tabs, ("list", "Toolbar #1", "Toolbar #2", "Toolbar #3"), ANSWERS)
+    press(find("page tab", "Keyboard", top=box))
+    has_controls(box, tabs, ("list", "Key", "Keystroke"), ("push button", "Change"), ANSWERS)
+    press(find("push button", "Change", top=box))
+    change = dialog("Change")
+    has_controls(change, ("text", "Keystroke"), ANSWERS)
+    fill_in(change, "Keystroke", "dir\\015")
+    closes(change, "OK")
+    find("list item", "dir\\015", top=find("list", "Keystroke", top=box))
+    closes(box, "OK")
+
+    press(find("menu item", "Connect..."))
+    box = dialog("Connect")
+    has_controls(box, ("combo box", "UNIX Host IP Address"), ("text", "UNIX Host IP Address"),
+                 ("push button", "Advanced...", "OK", "Cancel"))
+    press(find("push button", "Advanced...", top=box))
+    advanced = dialog("Connect Advanced")
+    has_controls(advanced, ("text", "Port"), ANSWERS, ("radio button", "ssh-1 or", "ssh-2", "DES", "3-DES", "Blowfish"),
+                 ("check box", "Make connection at program start", "Exit on session termination", "Confirm Exit",
+                  "if [x] is tapped, stop program", "Secure Shell (SSH) Use port 22"))
+    closes(advanced, "Cancel")
+    closes(box, "Cancel")
+    program.end()
+
+
+def sign_on_is_filled_in(path, work):
+    """An SSH server's first answer brings it up."""
+    server = subprocess.Popen(
+        ["/usr/bin/python3", "-B", str(pathlib.Path(__file__).parents[1] / "ssh2" / "paramiko_server.py")],
+        stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    port = server.stdout.readline().decode().strip()
+    if not port.isdigit():
+        sys.exit(77)  # no such server here
+    program = Program(path, work, extra=[f"ssh://127.0.0.1:{port}"])
+    box = dialog("Sign on to the host")
+    has_controls(box, ("text", "Sign on as"), ("password text", "Password"), ("check box", "Remember Password"), ANSWERS)
+    fill_in(box, "Sign on as", "visitor")
+    password = find("password text", "Password", top=box)
+    assert Atspi.EditableText.set_text_contents(password, "warehouse7")
+    eventually(lambda: Atspi.Text.get_character_count(password) == len("warehouse7"), "the password")
+    assert "warehouse7" not in text_of(password), "the password is spoken"
+    press(find("push button", "OK", top=box))
+    eventually(lambda: text_of(terminal()).startswith("$"), "the session's prompt")
+    program.end()
+    server.communicate(timeout=PATIENCE)
+
+
 def bars_that_change(path, work):
     """Menus and buttons are those of the moment, and a reader hears of the new ones."""
     host, program = in_session(path, work)
@@ -423,7 +534,7 @@ def main():
     path, work, step = sys.argv[1:]
     follow_changes()
     steps = [names_and_roles, rows_and_cursor, lines_are_heard, buttons_by_action,
-             dialog_filled_in, bars_that_change,
+             dialog_filled_in, controls_of_each_dialog, sign_on_is_filled_in, bars_that_change,
              message_box_is_read, bus_that_dies, bus_that_is_not_there, bus_that_never_answers,
              bus_with_a_full_queue, readers_bus_that_never_answers,
              readers_bus_named_by_the_environment, launcher_that_never_answers,

@@ -69,6 +69,25 @@ run "$two"
 values "$two" >"$work/copied"
 cmp "$work/before" "$work/copied" || fail "the copy differs: $(diff "$work/before" "$work/copied" | head -n 4)"
 
+# Also the two settings that act at once: it connects when it starts, and ends with the session.
+: >"$work/port"
+/usr/bin/python3 "$(dirname "$0")/../wayland/frame_host.py" >"$work/port" &
+ends_with_us $!
+three=$work/three
+mkdir "$three"
+printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\nexit_dis = 1\n' "$(first_line "$work/port")" >"$three/mconfig.cfg"
+run "$three"
+grep -q 'twelve pallets' "$work/rest" || fail "no session: $(cat "$work/rest")"
+values "$three" >"$work/before_four"
+ends_with 0 'exit_dis = 1' --root "$three" --export
+grep -qx 'autoconnect = 1' "$work/out" || fail "exported: $(grep -a autoconnect "$work/out")"
+mkdir "$work/four"
+cp "$work/out" "$work/four/mconfig.cfg"
+: >"$work/rest"
+run "$work/four"
+grep -q 'twelve pallets' "$work/rest" || fail "the copy does not connect: $(cat "$work/rest")"
+values "$work/four" | cmp - "$work/before_four" || fail "the copy differs: $(values "$work/four" | diff "$work/before_four" - | head -n 4)"
+
 # Passwords are not printed unless they are asked for.
 ends_with 0 'left out, as they may be passwords: ssh_p resp1 resp2' --root "$one" --export
 ! grep -aE '^(resp[12]|ssh_p) ' "$work/out" || fail "a password was printed"

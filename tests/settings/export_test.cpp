@@ -66,25 +66,85 @@ void StoreRandomValues(std::mt19937* random) {
 
 }  // namespace
 
+// The stored values are those of a run, and reach a fresh device by the export.
+void ExpectStoredValuesReadBack() {
+    LoadSettings();
+    SaveSettings();
+    const std::vector<RegistryValue> before = Sorted();
+    ASSERT_EQ(AllValueNames().size(), before.size());
+    const SettingsExport settings = Exported();
+    EXPECT_EQ(std::vector<std::string>(), settings.unsaid);
+    ReadOnAFreshDevice(settings);
+    const std::vector<RegistryValue> after = Sorted();
+    ASSERT_EQ(before.size(), after.size());
+    for (size_t i = 0; i < before.size(); i++) {
+        EXPECT_EQ(before[i].name, after[i].name);
+        EXPECT_EQ(before[i].type, after[i].type) << before[i].name;
+        EXPECT_EQ(before[i].data, after[i].data) << before[i].name;
+    }
+}
+
 TEST_F(Export, EverySettingOfRandomValuesReadsBackTheSame) {
     std::mt19937 random(1);
     for (int round = 0; round < 20; round++) {
         LoadSettings();
         SaveSettings();
         StoreRandomValues(&random);
+        ExpectStoredValuesReadBack();
+    }
+}
+
+// Numbers from 0 to the largest of 32 bits, with the neighbours of both; texts of 1 to 39 letters.
+TEST_F(Export, EverySettingAtBothEndsOfItsRangeReadsBackTheSame) {
+    const struct {
+        DWORD number;
+        std::u16string text;
+    } ends[] = {
+        {0, u"!"},
+        {1, u"\u00FF\u20AC"},
+        {0x7FFFFFFF, u" "},
+        {0x80000000, std::u16string(38, u' ')},
+        {0xFFFFFFFE, std::u16string(39, u'\\')},
+        {0xFFFFFFFF, std::u16string(39, u'\u00FF')},
+    };
+    LoadSettings();
+    SaveSettings();
+    const std::vector<RegistryValue> values = StoredValues();
+    for (const auto& end : ends) {
+        SCOPED_TRACE(end.number);
+        for (const RegistryValue& value : values)
+            value.type == REG_DWORD ? StoreNumber(value.name, end.number)
+                                    : StoreText(value.name, end.text);
+        ExpectStoredValuesReadBack();
+        for (const NumberSetting& row : number_settings)
+            EXPECT_EQ(end.number, *row.field) << row.name;
+        for (const TextSetting& row : text_settings)
+            EXPECT_EQ(end.text, std::u16string(row.field)) << row.name;
+    }
+}
+
+// One at a time, so that no setting takes another one's value.
+TEST_F(Export, EachSettingAloneWithAnotherValueThanItsDefaultReadsBack) {
+    for (const NumberSetting& row : number_settings) {
+        ResetSettings();
         LoadSettings();
-        SaveSettings();  // as after a run of the program
-        const std::vector<RegistryValue> before = Sorted();
-        ASSERT_EQ(AllValueNames().size(), before.size());
-        const SettingsExport settings = Exported();
-        EXPECT_EQ(std::vector<std::string>(), settings.unsaid);
-        ReadOnAFreshDevice(settings);
-        const std::vector<RegistryValue> after = Sorted();
-        ASSERT_EQ(before.size(), after.size());
-        for (size_t i = 0; i < before.size(); i++) {
-            EXPECT_EQ(before[i].name, after[i].name);
-            EXPECT_EQ(before[i].type, after[i].type) << before[i].name;
-            EXPECT_EQ(before[i].data, after[i].data) << before[i].name;
+        *row.field = row.fallback + 1;
+        SaveSettings();
+        ExpectStoredValuesReadBack();
+        for (const NumberSetting& other : number_settings)
+            EXPECT_EQ(other.fallback + (other.name == row.name ? 1 : 0), *other.field)
+                << row.name << ' ' << other.name;
+    }
+    for (const TextSetting& row : text_settings) {
+        ResetSettings();
+        LoadSettings();
+        lstrcpyW(row.field, u"another");
+        SaveSettings();
+        ExpectStoredValuesReadBack();
+        for (const TextSetting& other : text_settings) {
+            const std::string fallback = other.name == row.name ? "another" : other.fallback;
+            EXPECT_EQ(std::u16string(fallback.begin(), fallback.end()), other.field)
+                << row.name << ' ' << other.name;
         }
     }
 }

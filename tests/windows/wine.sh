@@ -15,8 +15,11 @@ settings_key='HKCU\Software\QUILLWARE\TELNET'
 title="Quill Telnet"
 work=$(mktemp -d "${TMPDIR:-/tmp}/quill-wine.XXXXXX")
 started=
+step="its first line"
+told=
 
 fail() {
+    told=yes
     printf '%s: %s\n' "$(basename "$0")" "$1" >&2
     [ -z "${DISPLAY:-}" ] || import -window root "$pictures/failed-$(basename "$0" .sh).png" || :
     exit 1
@@ -29,7 +32,12 @@ run() {
     started="$last $started"
 }
 
+# A command that ends the script without a message is reported with what came before it.
 clean_up() {
+    case $? in
+        0 | 77) ;;
+        *) [ -n "$told" ] || echo "$(basename "$0"): a command failed after $step" >&2 ;;
+    esac
     trap - EXIT
     ! wineserver -k 2>/dev/null || timeout 20 wineserver -w || : # the next test needs a new one
     for each in $started; do kill "$each" 2>/dev/null || :; done
@@ -62,6 +70,7 @@ first_line() {
 
 # Without -noreset the server forgets its keyboard layout when its last client leaves.
 start_screen() {
+    step="the start of the screen"
     : >"$work/display"
     Xvfb -r -noreset -displayfd 3 -screen 0 "${screen_size:-1024x768}x24" -nolisten tcp 3>"$work/display" 2>/dev/null &
     started="$! $started"
@@ -83,7 +92,13 @@ prepare_prefix() {
         : >"$WINEPREFIX/quill-ready"
     fi
     await 20 wineserver -p || fail "no wineserver"
-    device_root=$(winepath -u "$(wine cmd /c 'echo %APPDATA%' | tr -d '\r')")/Quill
+    await 20 find_device_root || fail "Wine does not start"
+    step="the start of Wine"
+}
+# A Wine that is still about to end refuses a program.
+find_device_root() {
+    data=$(wine cmd /c 'echo %APPDATA%' | tr -d '\r')
+    [ -n "$data" ] && device_root=$(winepath -u "$data")/Quill
 }
 
 # Resets the device to its state before the first start.
@@ -135,6 +150,7 @@ focus_on() { await 20 takes_focus "$1" || fail "no window $1 that takes the keyb
 # press_in WINDOW KEY COMMAND...: presses the key in that window and waits until the command succeeds.
 press_in() {
     target=$1 key=$2
+    step="the key $2"
     shift 2
     for try in 1 2 3 4 5; do
         focus_on "$target"
@@ -267,6 +283,7 @@ is_painted() { [ "$(rows_darker_than 99)" -ge 8 ]; }
 # start_server COMMAND...: starts a server that prints its port in its first line, runs until its input
 # closes (file 9 here), and ends with 77 if it is not possible here; sets server_port.
 start_server() {
+    step="the start of the server"
     mkfifo "$work/hold"
     : >"$work/host"
     "$@" <"$work/hold" >"$work/host" 2>"$work/host.log" &
@@ -287,6 +304,7 @@ start_server() {
 # start_relay PORT: sets relay_port; the relay writes the program's bytes to $work/sent and the host's
 # to $work/received.
 start_relay() {
+    step="the start of the relay"
     : >"$work/sent"
     : >"$work/received"
     run socat -d -d -lf"$work/relay.log" -r "$work/sent" -R "$work/received" \
