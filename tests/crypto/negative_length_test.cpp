@@ -137,6 +137,10 @@ TEST(Reader, FieldThatIsMissingIsZeroAndTheReaderStays) {
     EXPECT_FALSE(TakeUint32(&reader, &number));
     EXPECT_EQ(number, 0u);
     EXPECT_EQ(reader.left, 3);
+    const uint8_t* block = bytes;
+    EXPECT_FALSE(TakeBytes(&reader, 4, &block));
+    EXPECT_EQ(block, nullptr);
+    EXPECT_EQ(reader.left, 3);
 }
 
 TEST(Wiping, TakesEverySizeAndNothingElse) {

@@ -16,6 +16,7 @@ import tempfile
 import threading
 import time
 
+from scripts import NOT_POSSIBLE, SCRIPTS, TARGETS, commands, with_own_folder
 from switches import with_switches
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
@@ -111,6 +112,7 @@ class Tree:
                         "-DCMAKE_BUILD_TYPE=None", *options], check=True, stdout=subprocess.DEVNULL)
 
     def ninja(self, names):
+        names = [target for name in names for target in (TARGETS if name == SCRIPTS else (name,))]
         done = subprocess.run(["ninja", "-k", "0", "-C", self.folder, "-j", str(jobs()), *names],
                               capture_output=True, text=True)
         return done.returncode == 0, done.stdout + done.stderr
@@ -153,43 +155,70 @@ class Programs:
         self.tree, self.thorough = tree, thorough
         self.paths = {path.name: path for path in tree.folder.rglob("*")
                       if path.name in names and path.is_file() and os.access(path, os.X_OK)}
+        self.scripts = commands(tree.folder) if SCRIPTS in names else {}
         self.slower = 8 if tree.sanitized else 1
         self.read_reached(names)
 
     # -------- running
 
+    def spawn(self, command, environment, folder, limits):
+        """(the exit code, what it printed, wall seconds, CPU seconds)"""
+        begin = time.monotonic()
+        with tempfile.TemporaryFile() as output:
+            process = subprocess.Popen([*limits, *command], env=environment, cwd=folder, stdin=subprocess.DEVNULL,
+                                       stdout=output, stderr=subprocess.DEVNULL, start_new_session=True)
+            _, status, usage = os.wait4(process.pid, 0)
+            process.returncode = os.waitstatus_to_exitcode(status)
+            try:
+                os.killpg(process.pid, 9)
+            except ProcessLookupError:
+                pass
+            output.seek(0)
+            text = output.read().decode(errors="replace")
+        return process.returncode, text, time.monotonic() - begin, usage.ru_utime + usage.ru_stime
+
+    def environment(self, folder, mutant, reached):
+        changes = {"MALLOC_PERTURB_": "165", "TMPDIR": folder, "QUILL_MUTANT": str(mutant),
+                   "LSAN_OPTIONS": f"suppressions={TREE}/tests/lsan.supp:print_suppressions=0"}
+        if reached:
+            changes["QUILL_MUTANTS_REACHED"] = str(reached)
+        return dict(os.environ, **changes)
+
     def run(self, program, tests, mutant, seconds, cpu, reached=None):
         """(passed, the test that failed, wall seconds, CPU seconds)"""
+        if program == SCRIPTS:
+            return self.run_scripts(tests, mutant, seconds, reached)
         limits = ["timeout", "-s", "KILL", str(math.ceil(seconds)), "prlimit", f"--cpu={math.ceil(cpu)}"]
         if not self.tree.sanitized:
             limits.append(f"--as={MEMORY}")
         with tempfile.TemporaryDirectory(dir=WORK / "tmp") as folder:
-            environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", MALLOC_PERTURB_="165", TMPDIR=folder,
-                               LSAN_OPTIONS=f"suppressions={TREE}/tests/lsan.supp:print_suppressions=0",
-                               GTEST_FAIL_FAST="1", QUILL_MUTANT=str(mutant))
-            if reached:
-                environment["QUILL_MUTANTS_REACHED"] = str(reached)
+            environment = self.environment(folder, mutant, reached)
+            environment.update(QT_QPA_PLATFORM="offscreen", GTEST_FAIL_FAST="1")
             flags = pathlib.Path(folder) / "flags"
             flags.write_text("--gtest_filter=" + ":".join(tests) + "\n")
-            begin = time.monotonic()
-            with tempfile.TemporaryFile() as output:
-                process = subprocess.Popen([*limits, self.paths[program], f"--gtest_flagfile={flags}"],
-                                           env=environment, cwd=self.paths[program].parent, stdin=subprocess.DEVNULL,
-                                           stdout=output, stderr=subprocess.DEVNULL, start_new_session=True)
-                _, status, usage = os.wait4(process.pid, 0)
-                process.returncode = os.waitstatus_to_exitcode(status)
-                try:
-                    os.killpg(process.pid, 9)
-                except ProcessLookupError:
-                    pass
-                output.seek(0)
-                text = output.read().decode(errors="replace")
-            wall = time.monotonic() - begin
+            path = self.paths[program]
+            code, text, wall, used = self.spawn([path, f"--gtest_flagfile={flags}"], environment, path.parent, limits)
         failed = re.findall(r"\[  FAILED  \] ([\w./]+)", text) or re.findall(r"\[ RUN      \] ([\w./]+)", text)[-1:]
         name = failed[0] if failed else "?"
-        if process.returncode in (124, 137, 152):
+        if code in (124, 137, 152):
             name += " (time)"
-        return process.returncode == 0, name, wall, usage.ru_utime + usage.ru_stime
+        return code == 0, name, wall, used
+
+    def run_script(self, name, mutant, seconds, reached):
+        with tempfile.TemporaryDirectory(dir=WORK / "tmp", ignore_cleanup_errors=True) as folder:
+            command = with_own_folder(self.scripts[name], self.tree.folder, folder)
+            return self.spawn(command, self.environment(folder, mutant, reached), folder,
+                              ["timeout", "-s", "KILL", str(math.ceil(seconds))])
+
+    def run_scripts(self, names, mutant, seconds, reached):
+        """As `run`."""
+        walls = cpus = 0
+        for name in names:
+            code, _, wall, cpu = self.run_script(name, mutant, seconds, reached)
+            walls, cpus = walls + wall, cpus + cpu
+            if code != 0 and (code != NOT_POSSIBLE or mutant < 0):
+                return False, name, walls, cpus
+        return True, "", walls, cpus
 
     # -------- what each test reaches
 
@@ -210,6 +239,8 @@ class Programs:
                                  if program == name), default=0) for name in names}
 
     def listed(self, program):
+        if program == SCRIPTS:
+            return sorted(self.scripts)
         out = subprocess.run([self.paths[program], "--gtest_list_tests"], capture_output=True, text=True,
                              env=dict(os.environ, QT_QPA_PLATFORM="offscreen")).stdout
         suite, tests = "", []
@@ -239,10 +270,16 @@ class Programs:
                     print(f"{' '.join(test)} is left out, as it fails without a mutant", flush=True)
                 done[0] += 1
                 if done[0] % 100 == 0 or done[0] == len(tests):
-                    REACHED.write_bytes(pickle.dumps({"key": self.key, "tests": self.known, "early": self.early}))
+                    self.keep_reached()
 
         with concurrent.futures.ThreadPoolExecutor(jobs()) as pool:
             list(pool.map(one, tests))
+
+    def keep_reached(self):
+        """Together with what another run has found out meanwhile."""
+        other = pickle.loads(REACHED.read_bytes()) if REACHED.is_file() else {}
+        tests = other["tests"] if other.get("key") == self.key else {}
+        REACHED.write_bytes(pickle.dumps({"key": self.key, "tests": {**tests, **self.known}, "early": self.early}))
 
     def bits_of_file(self, path):
         first = self.tree.first[path]
@@ -265,12 +302,32 @@ class Programs:
                            for (its, name), (wall, cpu, reached) in self.tests.items()
                            if its == program and reached & bits)
             for piece in pieces(tests, self.least[program], self.thorough):
-                wall, cpu = sum(test[1] for test in piece), sum(test[2] for test in piece)
-                passed, name, _, _ = self.run(program, [test[3] for test in piece], number,
-                                              self.slower * (4 * wall + 15), self.slower * (3 * cpu + 2))
-                if not passed:
+                name = self.failing(program, piece, number)
+                if name:
                     return "killed", f"{program} {name}"
         return "survived", ""
+
+    def failing(self, program, piece, number):
+        """The test of the piece that fails with the mutant, in company and alone; "" if there is none. On a busy
+        machine, and in the company of others, a test may fail for another reason."""
+        while piece:
+            passed, name, _, _ = self.run_piece(program, piece, number)
+            alone = [test for test in piece if test[3] == name.split(" ")[0]] or piece
+            if passed or not self.run_piece(program, alone, number)[0]:
+                return "" if passed else name
+            piece = [test for test in piece if test not in alone]
+        return ""
+
+    def still_fails(self, number, program, name):
+        if (program, name) not in self.tests:
+            return False
+        wall, cpu, _ = self.tests[program, name]
+        return not self.run_piece(program, [(0, wall, cpu, name)], number)[0]
+
+    def run_piece(self, program, piece, number):
+        wall, cpu = sum(test[1] for test in piece), sum(test[2] for test in piece)
+        return self.run(program, [test[3] for test in piece], number, self.slower * (4 * wall + 15),
+                        self.slower * (3 * cpu + 2))
 
     def noticed_by_build(self, path, mutant, programs):
         """The same for a mutant without a switch. Its file has none of the others."""

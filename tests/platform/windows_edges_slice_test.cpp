@@ -159,6 +159,16 @@ TEST_F(WindowEdges, AWindowThatBecameValidStartsToWaitAnew) {
     EXPECT_FALSE(FrameOverdue());
 }
 
+// As when the desktop does not show the window: the toolkit then paints nothing.
+TEST_F(WindowEdges, AWindowThatTheToolkitDoesNotPaintIsLeftInPeace) {
+    InvalidateRect(top, nullptr, TRUE);
+    EXPECT_TRUE(RunUntil([this] { return FindWindowRecord(top)->invalid.isEmpty(); }));
+    WidgetOf(top)->setUpdatesEnabled(false);
+    InvalidateRect(top, nullptr, TRUE);
+    EXPECT_TRUE(RunUntil([this] { return FindWindowRecord(top)->invalid.isEmpty(); }));
+    WidgetOf(top)->setUpdatesEnabled(true);
+}
+
 // ---------------------------------------------------------------- fonts and text
 
 TEST_F(WindowEdges, WithoutAFontTextHasTheHeightOfTheSystemsFont) {
@@ -215,6 +225,31 @@ TEST_F(WindowEdges, TextIsKeptFromTheLastStartOfTheRecord) {
     ForgetScreenText();
     EXPECT_EQ(QStringList(), ScreenText(top));
     drawing_observer = before;
+}
+
+// The rightmost column of a status bar that has ink, with that text on it.
+static int LastInk(HWND bar, const std::u16string& text) {
+    SetWindowTextW(bar, text.c_str());
+    QWidget* widget = FindWindowRecord(bar)->widget;
+    const QImage picture = widget->grab().toImage();
+    const QRgb paper = picture.pixel(picture.width() - 1, picture.height() / 2);
+    for (int x = picture.width() - 1; x >= 0; --x)
+        for (int y = 2; y < picture.height(); ++y)
+            if (picture.pixel(x, y) != paper) return x;
+    return -1;
+}
+
+TEST_F(WindowEdges, EachAsciiCharacterHasItsPlaceOnAStatusBar) {
+    const HWND bar = CreateWindowExW(0, STATUSCLASSNAME, TEXT(""), WS_CHILD | WS_VISIBLE, 0, 0, 0,
+                                     0, top, nullptr, nullptr, nullptr);
+    ASSERT_NE(nullptr, bar);
+    RunUntilIdle();
+    EXPECT_EQ(-1, LastInk(bar, u""));
+    const int stroke = LastInk(bar, u"|");
+    EXPECT_LE(0, stroke);
+    for (char16_t c = u' '; c < 127; ++c)
+        EXPECT_LT(stroke, LastInk(bar, std::u16string(1, c) + u'|')) << static_cast<int>(c);
+    DestroyWindow(bar);
 }
 
 // ---------------------------------------------------------------- the clipboard
