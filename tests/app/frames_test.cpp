@@ -20,6 +20,7 @@
 #include "ui/view/view.h"
 
 static std::vector<QRegion> g_flushed;  // by the program itself
+static bool g_recording = false;
 
 void RealFlush(
     QBackingStore* store, const QRegion& region, QWindow* window,
@@ -28,7 +29,7 @@ void SeenFlush(
     QBackingStore* store, const QRegion& region, QWindow* window,
     const QPoint& offset) asm("__wrap__ZN13QBackingStore5flushERK7QRegionP7QWindowRK6QPoint");
 void SeenFlush(QBackingStore* store, const QRegion& region, QWindow* window, const QPoint& offset) {
-    g_flushed.push_back(region);
+    if (g_recording) g_flushed.push_back(region);
     RealFlush(store, region, window, offset);
 }
 
@@ -139,10 +140,16 @@ QRegion StatusLineOnDevice() {
 std::vector<QRegion> FlushedBy(FakeHost& host, const std::string& output) {
     std::vector<QRegion> flushed;
     AwaitRest(host);
-    OnWindowThread([] { g_flushed.clear(); });
+    OnWindowThread([] {
+        g_flushed.clear();
+        g_recording = true;
+    });
     host.Send(output);
     AwaitRest(host);
-    OnWindowThread([&] { flushed = g_flushed; });
+    OnWindowThread([&] {
+        g_recording = false;
+        flushed = g_flushed;
+    });
     return flushed;
 }
 

@@ -226,15 +226,6 @@ void PlaceDialog(Window& window, const QRect& rect) {
     SendSize(window);
 }
 
-void PlaceDialogsAgain() {
-    for (Window* window : AllWindows()) {
-        if (!window->dialog || !window->widget || !window->widget->isVisible()) continue;
-        const QPoint corner = DeviceScreen()->mapFromGlobal(window->widget->geometry().topLeft());
-        const DialogData& data = *window->dialog;
-        PlaceDialog(*window, QRect(corner, data.sheet ? data.wanted : data.content->size()));
-    }
-}
-
 INT_PTR DialogBoxParamW(HINSTANCE, LPCWSTR name, HWND owner, DLGPROC procedure, LPARAM parameter) {
     DialogTemplate shape;
     if (!procedure || (owner && !IsWindow(owner)) || !LoadDialogTemplate(name, &shape)) return -1;

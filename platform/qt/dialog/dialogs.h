@@ -56,7 +56,6 @@ void StartDialog(HWND dialog, LPARAM parameter);  // sends WM_INITDIALOG and set
 INT_PTR RunDialogLoop(HWND dialog, bool at_once);
 extern const WindowOperations kDialogOperations;
 void PlaceDialog(Window& window, const QRect& rect);  // in coordinates of the device's screen
-void PlaceDialogsAgain();  // all that are open, for another RoomForDialogs
 QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content);
 
 // controls.cpp
@@ -96,6 +95,7 @@ void FocusControl(const Window& control);  // also selects an edit's text, as Ta
 void AnswerMessageBoxes(bool answer);  // true: each box presses its default button by itself
 
 // control_base.cpp
+void PlaceDialogsAgain();                   // all that are open, for another RoomForDialogs
 QSize DialogPixels(int width, int height);  // from dialog units
 QString WithoutMnemonic(const QString& text);
 // Notify the dialog by WM_COMMAND: QueueNotice behind the input that is already queued, SendNotice
