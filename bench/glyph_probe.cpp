@@ -2,10 +2,11 @@
 // Measures from outside what a person sees of a terminal on an X server. bench/terminals.py runs
 // it.
 //
-//   glyph_probe keys SOCKET PRESSES RATE   presses the key x at random times and prints for each
-//       press the microseconds until the pixels of the echoed glyph have changed. SOCKET is the
-//       descriptor of the connection to a terminal's telnet. This program is its host and echoes at
-//       once. RATE: bytes per second of a stream that scrolls below the glyph; 0: no stream.
+//   glyph_probe keys SOCKET PRESSES RATE SEED   presses the key x at random times and prints for
+//       each press the microseconds until the pixels of the echoed glyph have changed, and the
+//       times of the press and of the change on the monotonic clock. SOCKET is the descriptor of
+//       the connection to a terminal's telnet. This program is its host and echoes at once. RATE:
+//       bytes per second of a stream that scrolls below the glyph; 0: no stream.
 //   glyph_probe start COMMAND...           starts a program, prints the microseconds until its
 //       window shows more than one colour and the processor time used until then, and ends it.
 //
@@ -253,25 +254,36 @@ Pixels PixelsOfEcho(const Area& cell) {
     return after;
 }
 
-void MeasurePresses(const Area& cell, const Pixels& echoed, int presses, bool placed) {
-    std::mt19937 random(4711);
-    std::uniform_int_distribution<int> pause(60000, 160000);
+void TakeBack(const Area& cell, const Pixels& echoed) {
+    Clock::time_point when;
+    while (Look(cell) == echoed) {
+        if (!AwaitDamage(3000, &when)) Fail("the glyph was not taken back");
+    }
+    while (AwaitDamage(0, &when)) {
+    }
+    Rest(1);  // the X server sleeps again
+}
+
+void MeasurePresses(const Area& cell, const Pixels& echoed, int presses, bool placed,
+                    unsigned seed) {
+    std::mt19937 random(seed);
+    std::uniform_int_distribution<int> pause(30000, 80000);
     Clock::time_point when;
     for (int i = 0; i < presses; i++) {
         HostWrite(placed ? std::string(kPlace) + ' ' : "\b \b");
         std::this_thread::sleep_for(std::chrono::microseconds(pause(random)));
-        while (AwaitDamage(0, &when)) {
-        }
-        if (Look(cell) == echoed) Fail("the glyph was not taken back");
+        TakeBack(cell, echoed);
         const auto pressed = Clock::now();
         PressX(true);
         if (!AwaitPixels(cell, echoed, 3000, &when)) Fail("a key was not echoed in time");
         PressX(false);
-        std::printf("%ld\n", Microseconds(when - pressed));
+        std::printf("%ld %ld %ld\n", Microseconds(when - pressed),
+                    Microseconds(pressed.time_since_epoch()),
+                    Microseconds(when.time_since_epoch()));
     }
 }
 
-int Keys(int presses, long rate) {
+int Keys(int presses, long rate, unsigned seed) {
     const Shown shown = LargestWindow();
     if (!shown.window) Fail("there is no window");
     XSetInputFocus(screen.display, shown.window, RevertToPointerRoot, CurrentTime);
@@ -286,7 +298,7 @@ int Keys(int presses, long rate) {
         HostWrite("\033[14;24r");
         stream = std::thread(Stream, rate);
     }
-    MeasurePresses(cell, echoed, presses, rate > 0);
+    MeasurePresses(cell, echoed, presses, rate > 0, seed);
     done = true;
     if (stream.joinable()) stream.join();
     std::fflush(stdout);
@@ -335,10 +347,11 @@ int main(int argc, char** argv) {
     signal(SIGPIPE, SIG_IGN);
     XSetErrorHandler(Ignore);
     OpenScreen();
-    if (what == "keys" && argc == 5) {
+    if (what == "keys" && argc == 6) {
         host = std::atoi(argv[2]);
-        return Keys(std::atoi(argv[3]), std::atol(argv[4]));
+        return Keys(std::atoi(argv[3]), std::atol(argv[4]),
+                    static_cast<unsigned>(std::atol(argv[5])));
     }
     if (what == "start" && argc > 2) return Start(argv + 2);
-    Fail("usage: glyph_probe keys SOCKET PRESSES RATE | start COMMAND...");
+    Fail("usage: glyph_probe keys SOCKET PRESSES RATE SEED | start COMMAND...");
 }

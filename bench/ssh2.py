@@ -142,17 +142,25 @@ def measure_prompt(make, door, root, display, shells):
     return statistics.median(seconds)
 
 
+def processor_seconds(process):
+    """Processor time of a program without its child processes."""
+    fields = open(f"/proc/{process.pid}/stat").read().rsplit(")", 1)[1].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
 def time_file(process, shells, ended):
-    """Seconds from the permission to send the file until `ended` returns."""
+    """Seconds from the permission to send the file until `ended` returns, and processor time."""
     shell, _word = shells.next()
     time.sleep(1)
+    used = processor_seconds(process)
     began = time.perf_counter()
     shell.sendall(b"file\n")
     ended(shell)
     seconds = time.perf_counter() - began
+    used = processor_seconds(process) - used
     session.end(process)
     shell.close()
-    return seconds
+    return seconds, used
 
 
 def answered(shell):
@@ -167,7 +175,9 @@ def measure_floor(port, shells, *options):
     process = subprocess.Popen(["ssh", *ALGORITHMS, *options, "-p", str(port), "visitor@127.0.0.1",
                                 "cat"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                stderr=subprocess.DEVNULL)
-    return time_file(process, shells, lambda _shell: process.wait())
+    # The process is left unreaped, so that its processor time can still be read.
+    gone = lambda _shell: os.waitid(os.P_PID, process.pid, os.WEXITED | os.WNOWAIT)
+    return time_file(process, shells, gone)
 
 
 def measure_one_thread(port, shells, *options):
@@ -199,11 +209,15 @@ def first_start(root, display):
     session.prepare(1, root, display)
 
 
-def speed(options, name, seconds):
-    each = " ".join(f"{one:.2f}" for one in seconds)
-    middle = statistics.median(seconds)
+def print_speed(options, name, figures):
+    """Returns the median of the seconds."""
+    each = " ".join(f"{seconds:.2f}" for seconds, _ in figures)
+    middle = statistics.median(seconds for seconds, _ in figures)
+    used = statistics.median(used for _, used in figures)
     print(f"{name:10} {options.megabytes} MB in {middle:6.2f} s "
-          f"({options.megabytes / middle:5.1f} MB/s)   each: {each}", flush=True)
+          f"({options.megabytes / middle:5.1f} MB/s), its processor time {used:5.2f} s   each: {each}",
+          flush=True)
+    return middle
 
 
 def measure_prompts(options, clients, port, root, display, shells):
@@ -226,13 +240,11 @@ def measure_files(options, clients, port, root, display, shells):
     }
     for name, make in clients.items():
         runs[name] = lambda make=make: measure_file(make, port, root, display, shells)
-    seconds = {name: [] for name in runs}
+    figures = {name: [] for name in runs}
     for _ in range(options.rounds):
         for name, measure in runs.items():
-            seconds[name].append(measure())
-    for name, each in seconds.items():
-        speed(options, name, each)
-    middle = {name: statistics.median(each) for name, each in seconds.items()}
+            figures[name].append(measure())
+    middle = {name: print_speed(options, name, each) for name, each in figures.items()}
     for name, figure in middle.items():
         if name != "quill":
             print(f"{name} / quill {figure / middle['quill']:.2f}, "

@@ -6,18 +6,22 @@ Each terminal runs telnet to a host in this script on loopback; Quill needs no t
   streams  the host sends the bytes of each of five streams, then requests the cursor position; the
            time ends with the reply, which all send only after they have processed everything before
   keys     from a key press (XTEST, at random times) to the changed pixels of the echoed glyph; the
-           host echoes at once
+           host echoes at once. The presses are made in blocks, for one terminal after the other, so
+           that other work of the machine falls on all of them. Also for a bare window of Quill's
+           toolkit that sends the key and paints one glyph
   busy     the same while a stream of 1 MB/s scrolls below the glyph
   start    from the program's start to the first paint in its window, and the processor time used until
            then; also for a bare window of Quill's toolkit with one line of text
   memory   proportional memory of the program and its child processes, and private memory
 
 The script names and skips a terminal that is not installed. Build the programs with
-    cmake --preset release && cmake --build --preset release --target quill bench_glyph_probe bench_bare_window
+    cmake --preset release && cmake --build --preset release \\
+        --target quill bench_glyph_probe bench_bare_window bench_bare_echo
 
 Usage: bench/terminals.py [--only WHAT ...] [--terminal NAME ...] [--megabytes N] [--presses N]
 """
 import argparse
+import contextlib
 import os
 import random
 import shutil
@@ -35,6 +39,7 @@ BUILD = os.path.join(HERE, "..", "build", "release")
 PACKAGES = "libx11-dev libxext-dev libxtst-dev libxdamage-dev"
 STREAM_ROUNDS = 3
 STARTS = 15
+BLOCK = 250  # presses
 
 # No terminal blinks its cursor, so that every changed pixel comes from the echo.
 TERMINALS = {
@@ -48,7 +53,6 @@ TERMINALS = {
               "-o", "update_check_interval=0"],
     "konsole": ["konsole", "--nofork", "-e"],
 }
-PACKAGE_OF = {name: name for name in TERMINALS}
 
 
 # ---------------------------------------------------------------- streams
@@ -117,6 +121,7 @@ class Bench:
         self.program = os.path.abspath(options.program)
         self.probe = os.path.join(BUILD, "bench", "bench_glyph_probe")
         self.bare = os.path.join(BUILD, "bench", "bench_bare_window")
+        self.echo = os.path.join(BUILD, "bench", "bench_bare_echo")
         session.PROGRAM = self.program
         session.prepare(self.port, self.root, self.display)
         session.take_old_connections(self.listener)
@@ -134,6 +139,8 @@ class Bench:
             return [self.program, "--root", self.root, "--scale", "2"]
         if name == "bare window":
             return [self.bare]
+        if name == "bare echo":
+            return [self.echo, str(self.port)]
         return TERMINALS[name] + ["telnet", "127.0.0.1", str(self.port)]
 
     def open(self, name):
@@ -224,17 +231,35 @@ def measure_streams(bench, name):
     return figures
 
 
-def measure_keys(bench, name, rate):
+def press_keys(bench, name, presses, rate, seed):
+    """A list of (microseconds to the glyph, time of the press, time of the glyph)."""
     process, connection = bench.open(name)
     connection.setblocking(True)
     try:
-        rows = bench.probe_lines(["keys", str(connection.fileno()), str(bench.options.presses),
-                                  str(rate)], pass_fds=[connection.fileno()])
+        return bench.probe_lines(["keys", str(connection.fileno()), str(presses), str(rate),
+                                  str(seed)], pass_fds=[connection.fileno()])
     finally:
         bench.close_session(process, connection)
-    times = sorted(row[0] / 1000 for row in rows)
-    at = lambda share: times[min(len(times) - 1, int(len(times) * share))]
-    return [statistics.median(times), at(0.95), at(0.99), times[-1]]
+
+
+def percentile(values, share):
+    return statistics.quantiles(values, n=100, method="inclusive")[share - 1]
+
+
+def figures_of_keys(rows):
+    times = [row[0] / 1000 for row in rows]
+    return [statistics.median(times), percentile(times, 95), percentile(times, 99), max(times)]
+
+
+def measure_keys(bench, names, rate):
+    """A block of presses for each terminal, and again, until each has had all its presses."""
+    rows = {name: [] for name in names}
+    for first in range(0, bench.options.presses, BLOCK):
+        presses = min(BLOCK, bench.options.presses - first)
+        for name in names:
+            with reporting(bench, name, "keys"):
+                rows[name] += press_keys(bench, name, presses, rate, 4711 + first)
+    return {name: figures_of_keys(each) for name, each in rows.items() if len(each) > 1}
 
 
 def measure_start(bench, name):
@@ -257,16 +282,39 @@ def measure_memory(bench, name):
     return figures
 
 
-# name: procedure, whether the bare window takes part, columns, format, more is better
+def one_by_one(measure):
+    """A procedure that measures one terminal after the other."""
+    def measure_all(bench, names):
+        rows = {}
+        for name in names:
+            with reporting(bench, name, "this table"):
+                rows[name] = measure(bench, name)
+        return rows
+    return measure_all
+
+
+@contextlib.contextmanager
+def reporting(bench, name, what):
+    """A terminal that fails is named, and the others go on."""
+    try:
+        yield
+    except (OSError, RuntimeError, subprocess.SubprocessError) as error:
+        print(f"{name}: no figure for {what}: {error}", flush=True)
+        session.take_old_connections(bench.listener)
+
+
+# name: procedure, the floor that takes part, columns, format, more is better
 MEASURES = {
-    "streams": (measure_streams, False, [f"{name} MB/s" for name, _, _ in STREAMS], "{:.0f}", True),
-    "keys": (lambda bench, name: measure_keys(bench, name, 0), False,
+    "streams": (one_by_one(measure_streams), [], [f"{name} MB/s" for name, _, _ in STREAMS],
+                "{:.0f}", True),
+    "keys": (lambda bench, names: measure_keys(bench, names, 0), ["bare echo"],
              ["median ms", "p95", "p99", "most"], "{:.2f}", False),
-    "busy": (lambda bench, name: measure_keys(bench, name, 1000000), False,
+    "busy": (lambda bench, names: measure_keys(bench, names, 1000000), [],
              ["median ms", "p95", "p99", "most"], "{:.2f}", False),
-    "start": (measure_start, True, ["first paint ms", "processor ms"], "{:.1f}", False),
-    "memory": (measure_memory, True, ["proportional MB", "private MB", "private and written MB"],
-               "{:.1f}", False),
+    "start": (one_by_one(measure_start), ["bare window"], ["first paint ms", "processor ms"],
+              "{:.1f}", False),
+    "memory": (one_by_one(measure_memory), ["bare window"],
+               ["proportional MB", "private MB", "private and written MB"], "{:.1f}", False),
 }
 
 
@@ -290,15 +338,8 @@ def print_table(what, rows):
 
 def run(bench, names):
     for what in bench.options.only or MEASURES:
-        measure, with_bare, _, _, _ = MEASURES[what]
-        rows = {}
-        for name in names + (["bare window"] if with_bare else []):
-            try:
-                rows[name] = measure(bench, name)
-            except (OSError, RuntimeError, subprocess.SubprocessError) as error:
-                print(f"{name}: no figure for {what}: {error}", flush=True)
-                session.take_old_connections(bench.listener)
-        print_table(what, rows)
+        measure, floor, _, _, _ = MEASURES[what]
+        print_table(what, measure(bench, names + floor))
 
 
 def main():
@@ -306,13 +347,13 @@ def main():
     parser.add_argument("--only", action="append", choices=list(MEASURES))
     parser.add_argument("--terminal", action="append", choices=list(TERMINALS))
     parser.add_argument("--megabytes", type=int, default=10)
-    parser.add_argument("--presses", type=int, default=200)
+    parser.add_argument("--presses", type=int, default=1000)
     parser.add_argument("--program", default=os.path.join(BUILD, "platform", "qt", "quill"))
     options = parser.parse_args()
     for tool in ("Xvfb", "telnet", options.program):
         if not shutil.which(tool):
             sys.exit(f"bench/terminals.py: {tool} is missing")
-    for tool in ("bench_glyph_probe", "bench_bare_window"):
+    for tool in ("bench_glyph_probe", "bench_bare_window", "bench_bare_echo"):
         if not shutil.which(os.path.join(BUILD, "bench", tool)):
             sys.exit(f"bench/terminals.py: {tool} is not built; it needs {PACKAGES}, and "
                      "cmake --preset release to find them")

@@ -20,6 +20,7 @@
 
 constexpr qint64 kSoonNanoseconds = 100000;
 constexpr int kRestsAfterMiss = 8;
+constexpr qint64 kMostMisses = 1000;
 
 namespace {
 
@@ -33,7 +34,8 @@ struct QueuedMessage {
 
 static std::mutex g_posted_mutex;
 static std::deque<MSG> g_posted;
-static std::set<HWND> g_takers;  // the windows that messages can be posted to
+static std::atomic<bool> g_something_posted{false};  // what PostedChanged saw last
+static std::set<HWND> g_takers;                      // the windows that messages can be posted to
 static std::atomic<bool> g_waiting{false};
 static std::atomic<QAbstractEventDispatcher*> g_dispatcher{nullptr};
 
@@ -65,12 +67,16 @@ static bool Fits(const MSG& message, HWND window, UINT first, UINT last) {
     return (first == 0 && last == 0) || (message.message >= first && message.message <= last);
 }
 
+// Call it after each change of g_posted, with the lock held.
+static void PostedChanged() { g_something_posted.store(!g_posted.empty()); }
+
 static bool TakePosted(MSG* message, HWND window, UINT first, UINT last, bool remove) {
     const std::lock_guard<std::mutex> lock(g_posted_mutex);
     for (auto entry = g_posted.begin(); entry != g_posted.end(); ++entry) {
         if (!Fits(*entry, window, first, last)) continue;
         *message = *entry;
         if (remove) g_posted.erase(entry);
+        PostedChanged();
         g_took_posted = true;
         return true;
     }
@@ -106,14 +112,14 @@ static bool TakePaint(MSG* message, HWND window, UINT first, UINT last) {
     return Fits(*message, window, first, last);
 }
 
-static bool SomethingPosted() {
-    const std::lock_guard<std::mutex> lock(g_posted_mutex);
-    return !g_posted.empty();
-}
+// Takes no lock, so that a thread that polls does not hold up the one that posts.
+static bool SomethingPosted() { return g_something_posted.load(); }
 
 // While a host streams, its next chunk is posted within microseconds. To sleep and be woken up
 // would take many times longer. After a chunk that did not come so soon, the next ones are not
-// expected to.
+// expected to. A poll that takes many times as long as it may has given the processor to other
+// programs, and counts as so many misses: then a thread that sleeps gets the processor back sooner
+// than one that yields.
 static bool PostedSoon() {
     if (!std::exchange(g_took_posted, false)) return false;
     if (g_rests > 0) {
@@ -122,12 +128,10 @@ static bool PostedSoon() {
     }
     QElapsedTimer since;
     since.start();
-    while (since.nsecsElapsed() < kSoonNanoseconds) {
-        if (SomethingPosted()) return true;
-        std::this_thread::yield();
-    }
-    g_rests = kRestsAfterMiss;
-    return false;
+    while (!SomethingPosted() && since.nsecsElapsed() < kSoonNanoseconds) std::this_thread::yield();
+    const qint64 misses = std::min(since.nsecsElapsed() / kSoonNanoseconds, kMostMisses);
+    g_rests = static_cast<int>(misses) * kRestsAfterMiss;
+    return SomethingPosted();
 }
 
 static void CollectInput(bool wait) {
@@ -224,6 +228,7 @@ void ForgetWindowMessages(HWND window) {
         const std::lock_guard<std::mutex> lock(g_posted_mutex);
         g_takers.erase(window);
         std::erase_if(g_posted, [&](const MSG& m) { return m.hwnd == window; });
+        PostedChanged();
     }
     std::erase_if(g_input, [&](const QueuedMessage& m) { return m.message.hwnd == window; });
     std::erase_if(g_timers, [&](const MSG& m) { return m.hwnd == window; });
@@ -232,15 +237,18 @@ void ForgetWindowMessages(HWND window) {
 
 bool DropPosted(HWND window, UINT message, WPARAM wparam) {
     const std::lock_guard<std::mutex> lock(g_posted_mutex);
-    return std::erase_if(g_posted, [&](const MSG& m) {
-               return m.hwnd == window && m.message == message && m.wParam == wparam;
-           }) > 0;
+    const auto dropped = std::erase_if(g_posted, [&](const MSG& m) {
+        return m.hwnd == window && m.message == message && m.wParam == wparam;
+    });
+    PostedChanged();
+    return dropped > 0;
 }
 
 void ResetMessages() {
     {
         const std::lock_guard<std::mutex> lock(g_posted_mutex);
         g_posted.clear();
+        PostedChanged();
     }
     g_input.clear();
     g_timers.clear();
@@ -334,6 +342,7 @@ BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
         const std::lock_guard<std::mutex> lock(g_posted_mutex);
         if (window && !g_takers.contains(window)) return FALSE;
         g_posted.push_back(MakeMessage(window, message, wparam, lparam));
+        PostedChanged();
     }
     QAbstractEventDispatcher* dispatcher = g_dispatcher.load();
     if (dispatcher && g_waiting.load()) dispatcher->wakeUp();
