@@ -3,7 +3,7 @@
 // calls here, as the toolkit's invisible screen has no screen readers.
 #include <QAccessible>
 #include <QAccessibleActionInterface>
-#include <QPushButton>
+#include <QCheckBox>
 #include <QTest>
 
 #include "platform/qt/window/accessible.h"
@@ -102,17 +102,21 @@ TEST_F(ScreenReader, NothingIsReadWhileNobodyListens) {
     EXPECT_TRUE(g_told.empty());
 }
 
-TEST_F(ScreenReader, PressesAButtonByAnActionAndLeavesOtherActionsToTheToolkit) {
-    QPushButton button("press", DeviceScreen());
-    button.show();
+TEST_F(ScreenReader, TogglesABoxByAnActionAndLeavesOtherActionsToTheToolkit) {
+    QCheckBox box("mark", DeviceScreen());
+    box.show();
     int clicks = 0;
-    QObject::connect(&button, &QPushButton::clicked, [&] { ++clicks; });
+    QObject::connect(&box, &QCheckBox::clicked, [&] { ++clicks; });
     QAccessibleActionInterface* actions =
-        QAccessible::queryAccessibleInterface(&button)->actionInterface();
+        QAccessible::queryAccessibleInterface(&box)->actionInterface();
     ASSERT_NE(nullptr, actions);
-    actions->doAction(QAccessibleActionInterface::pressAction());
-    EXPECT_EQ(0, clicks) << "a click may wait for a person, so it is queued";
-    EXPECT_TRUE(RunUntil([&] { return clicks == 1; }));
+    for (const QString& name :
+         {QAccessibleActionInterface::toggleAction(), QAccessibleActionInterface::pressAction()}) {
+        clicks = 0;
+        actions->doAction(name);
+        EXPECT_EQ(0, clicks) << "a click may wait for a person, so it is queued";
+        EXPECT_TRUE(RunUntil([&] { return clicks == 1; })) << name.toStdString();
+    }
     actions->doAction(QAccessibleActionInterface::increaseAction());
     RunUntilIdle();
     EXPECT_EQ(1, clicks);

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The window on the desktop: its place, the mark of its profile, and the options of the toolkit.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <csignal>
+
 #include <QIcon>
 #include <QImage>
 #include <QScreen>
@@ -103,6 +106,24 @@ TEST(DesktopWindow, ItsPlaceIsKeptWhileItIsShown) {
         DeviceScreen()->show();
         SaveWindowPlace();
         EXPECT_TRUE(std::filesystem::exists(PlaceFile()));
+        EXPECT_FALSE(std::filesystem::exists(PlaceFile() + ".new"));
+    });
+}
+
+TEST(DesktopWindow, APlaceThatCannotBeWrittenLeavesTheLastOne) {
+    InProgram([] {
+        SaveWindowPlace();
+        const auto kept = std::filesystem::file_size(PlaceFile());
+        signal(SIGXFSZ, SIG_IGN);
+        rlimit before = {};
+        ASSERT_EQ(0, getrlimit(RLIMIT_FSIZE, &before));
+        rlimit none = before;
+        none.rlim_cur = 0;
+        setrlimit(RLIMIT_FSIZE, &none);
+        SaveWindowPlace();
+        setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_GT(kept, 0u);
+        EXPECT_EQ(kept, std::filesystem::file_size(PlaceFile()));
         EXPECT_FALSE(std::filesystem::exists(PlaceFile() + ".new"));
     });
 }

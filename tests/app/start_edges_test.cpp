@@ -18,6 +18,7 @@
 #include "tests/support/sessions.h"
 #include "ui/main_window.h"
 #include "ui/view/input.h"
+#include "ui/view/view.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ HINSTANCE g_class_instance = nullptr;
 bool g_closed_registry = false, g_full_lists = false;
 int g_written = 0;
 std::vector<WPARAM> g_rows_with_data;
+std::u16string g_last_face;
 std::atomic<int> g_waits_of_the_thread{0};
 
 }  // namespace
@@ -99,6 +101,13 @@ LRESULT SeenSendItem(HWND dialog, int id, UINT message, WPARAM wparam, LPARAM lp
     constexpr LRESULT kNoSpace = -2;
     if (message == LB_ADDSTRING && g_full_lists) return kNoSpace;
     return RealSendItem(dialog, id, message, wparam, lparam);
+}
+
+HFONT RealFont(const LOGFONTW* font) asm("__real__Z19CreateFontIndirectWPK8LOGFONTW");
+HFONT SeenFont(const LOGFONTW* font) asm("__wrap__Z19CreateFontIndirectWPK8LOGFONTW");
+HFONT SeenFont(const LOGFONTW* font) {
+    g_last_face = font->lfFaceName;
+    return RealFont(font);
 }
 
 DWORD RealWait(HANDLE handle, DWORD patience) asm("__real__Z19WaitForSingleObjectP11SliceHandlej");
@@ -172,6 +181,21 @@ TEST(StartEdges, AFaceThatTheListCannotHoldGetsNoData) {
             OnNextDialog([] { ClickControl(IDCANCEL); });
             RunCommand(IDM_FONT);
             EXPECT_EQ(static_cast<size_t>(session.view.face_count), g_rows_with_data.size());
+        });
+    });
+}
+
+TEST(StartEdges, AFaceBehindTheLastOneIsNotChosen) {
+    RunProgram({}, [] {
+        ASSERT_TRUE(Started());
+        OnWindowThread([] {
+            ViewState& view = session.view;
+            ASSERT_LT(view.face_count, kMaxFontFaces);
+            view.faces[view.face_count] = view.faces[0];
+            lstrcpyW(view.faces[view.face_count].font.lfFaceName, u"Ghost Mono");
+            lstrcpyW(session.settings.fname, u"Ghost Mono");
+            CreateTerminalFont();
+            EXPECT_EQ(view.faces[0].font.lfFaceName, g_last_face);
         });
     });
 }

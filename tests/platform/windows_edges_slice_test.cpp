@@ -10,6 +10,7 @@
 #include "platform/qt/services/services.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
 #include "tests/platform/test_windows.h"
 
@@ -250,6 +251,18 @@ TEST_F(WindowEdges, EachAsciiCharacterHasItsPlaceOnAStatusBar) {
     for (char16_t c = u' '; c < 127; ++c)
         EXPECT_LT(stroke, LastInk(bar, std::u16string(1, c) + u'|')) << static_cast<int>(c);
     DestroyWindow(bar);
+}
+
+TEST_F(WindowEdges, ALineOfTextHasTheGlyphsOfAllPrintableAscii) {
+    const QFont font = QApplication::font();
+    const QRawFont raw = QRawFont::fromFont(font);
+    const LineFont& line = LineFontOf(font);
+    for (char16_t c = u' '; c < 127; ++c) {
+        const auto found = raw.glyphIndexesForString(QString(QChar(c)));
+        ASSERT_EQ(1, found.size());
+        EXPECT_EQ(found[0], line.glyphs[c]) << static_cast<int>(c);
+        EXPECT_GT(line.advances[c], 0) << static_cast<int>(c);
+    }
 }
 
 // ---------------------------------------------------------------- the clipboard
