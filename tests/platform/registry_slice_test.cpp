@@ -293,14 +293,33 @@ TEST_F(HeldRegistry, NamesAreFoundWithoutTheirCaseAndOnlyWhole) {
     RegCloseKey(key);
 }
 
+TEST_F(HeldRegistry, AnotherFolderHasItsOwnValues) {
+    EXPECT_EQ(10u, Loaded(0));
+    const std::string root = DeviceRoot();
+    std::filesystem::create_directory(root + "/other");
+    SetDeviceRoot(root + "/other");
+    EXPECT_EQ(ERROR_SUCCESS, SaveNumber(0, 20));
+    for (const bool held : {false, true}) {
+        SetDeviceRoot(root);
+        held ? HoldRegistry() : ReleaseRegistry();
+        EXPECT_EQ(10u, Loaded(0)) << held;
+        SetDeviceRoot(root + "/other");
+        EXPECT_EQ(20u, Loaded(0)) << held;
+    }
+    SetDeviceRoot(root);
+}
+
 // The folder is gone for a while, after one value was read and before the next.
 TEST_F(HeldRegistry, AValueThatCouldNotBeReadIsNotReplaced) {
     CloseRegistry();
     HoldRegistry();
     EXPECT_EQ(10u, Loaded(0));
     const std::string root = DeviceRoot();
+    HKEY key = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_QUERY_VALUE, &key));
     SetDeviceRoot(root + "/gone");
-    EXPECT_EQ(0u, Loaded(1));
+    EXPECT_NE(ERROR_SUCCESS, RegQueryValueExW(key, u"key1", nullptr, nullptr, nullptr, nullptr));
+    RegCloseKey(key);
     SetDeviceRoot(root);
     EXPECT_EQ(ERROR_SUCCESS, SaveNumber(0, 11));
     EXPECT_NE(ERROR_SUCCESS, SaveNumber(1, 11));

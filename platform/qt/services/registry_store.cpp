@@ -378,11 +378,11 @@ StoreResult RegistryStore::MakeKey(const std::string& key, bool* created) {
 // False if the values of the key have to be read one by one: reads are not held, or to read all at
 // once has failed.
 bool RegistryStore::HoldKey(const std::string& key) {
-    if (!holds_) return false;
-    if (held_key_ == key && Ready() && IsInTransaction()) return true;
+    if (!holds_ || !Ready()) return false;  // nothing is held of a file that was opened just now
+    if (held_key_ == key) return true;
     ForgetHeld();
     const int result = Run(kReadKey, key, nullptr, nullptr, &held_);
-    if (result == SQLITE_DONE && IsInTransaction()) held_key_ = key;
+    if (result == SQLITE_DONE) held_key_ = key;
     return held_key_.has_value();
 }
 
