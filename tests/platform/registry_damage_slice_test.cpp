@@ -243,24 +243,29 @@ TEST_F(DamagedRegistry, EachDamagedFileGetsAUniqueName) {
 }
 
 TEST_F(DamagedRegistry, DamageWhileOpenIsSetAsideToo) {
-    SoundFile();
-    ExpectFreshRegistryWorks();
-    CloseRegistry();
-    DWORD number = 0;
-    ASSERT_EQ(ERROR_SUCCESS, LoadNumber(1, &number));
-    {
-        std::fstream file(RegistryFile(), std::ios::in | std::ios::out | std::ios::binary);
-        file.seekp(4096);
-        file << std::string(static_cast<size_t>(fs::file_size(RegistryFile())) - 4096, '\x5A');
+    for (const bool held : {false, true}) {
+        EmptyFolder();
+        SoundFile();
+        ExpectFreshRegistryWorks();
+        CloseRegistry();
+        if (held) HoldRegistry();
+        DWORD number = 0;
+        ASSERT_EQ(ERROR_SUCCESS, LoadNumber(1, &number));
+        {
+            std::fstream file(RegistryFile(), std::ios::in | std::ios::out | std::ios::binary);
+            file.seekp(4096);
+            file << std::string(static_cast<size_t>(fs::file_size(RegistryFile())) - 4096, '\x5A');
+        }
+        // After a change by another connection this one reads the pages again.
+        sqlite3* database = nullptr;
+        sqlite3_open(RegistryFile().c_str(), &database);
+        sqlite3_exec(database, "PRAGMA user_version = 3", nullptr, nullptr, nullptr);
+        sqlite3_close(database);
+        if (held) ReleaseRegistry(), HoldRegistry();
+        EXPECT_EQ(ERROR_FILE_NOT_FOUND, LoadNumber(1, &number)) << held;
+        EXPECT_TRUE(fs::exists(RegistryFile() + ".damaged"));
+        ExpectFreshRegistryWorks();
     }
-    // After a change by another connection this one reads the pages again.
-    sqlite3* database = nullptr;
-    sqlite3_open(RegistryFile().c_str(), &database);
-    sqlite3_exec(database, "PRAGMA user_version = 3", nullptr, nullptr, nullptr);
-    sqlite3_close(database);
-    EXPECT_EQ(ERROR_FILE_NOT_FOUND, LoadNumber(1, &number));
-    EXPECT_TRUE(fs::exists(RegistryFile() + ".damaged"));
-    ExpectFreshRegistryWorks();
 }
 
 TEST_F(DamagedRegistry, ProcessesThatFindItTogetherSetItAsideOnce) {

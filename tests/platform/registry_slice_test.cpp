@@ -20,6 +20,15 @@
 #include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
+static int g_statements = 0;  // that have ended
+
+extern "C" int __real_sqlite3_reset(sqlite3_stmt* statement);
+extern "C" int __wrap_sqlite3_reset(sqlite3_stmt* statement);
+extern "C" int __wrap_sqlite3_reset(sqlite3_stmt* statement) {
+    ++g_statements;
+    return __real_sqlite3_reset(statement);
+}
+
 namespace {
 
 const LPCWSTR kPath = TEXT("Software\\QUILLWARE\\TELNET");
@@ -256,6 +265,69 @@ TEST_F(HeldRegistry, ReadsSeeTheMomentOfTheFirstOne) {
     EXPECT_EQ(12u, Loaded(1));
     EXPECT_TRUE(OtherWrites(1, 13));
     EXPECT_EQ(13u, Loaded(1));
+}
+
+TEST_F(HeldRegistry, AllValuesOfAKeyAreReadByOneStatement) {
+    g_statements = 0;
+    for (int i = 0; i < 3; i++) EXPECT_EQ(10u, Loaded(i));
+    EXPECT_EQ(0u, Loaded(3));
+    EXPECT_EQ(1, g_statements);
+}
+
+TEST_F(HeldRegistry, NamesAreFoundWithoutTheirCaseAndOnlyWhole) {
+    const DWORD number = 20;
+    ASSERT_EQ(ERROR_SUCCESS, Save(TEXT("Key10"), REG_DWORD, &number, sizeof(number)));
+    ASSERT_EQ(ERROR_SUCCESS, Save(TEXT("_key"), REG_DWORD, &number, sizeof(number)));
+    HKEY key = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_QUERY_VALUE, &key));
+    const auto has = [&](LPCWSTR name) {
+        return RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+    };
+    for (const bool held : {false, true}) {
+        held ? HoldRegistry() : ReleaseRegistry();
+        for (const LPCWSTR name : {u"key0", u"KEY0", u"kEY1", u"key2", u"KEY10", u"_KEY"})
+            EXPECT_TRUE(has(name)) << held;
+        for (const LPCWSTR name : {u"", u"a", u"key", u"key00", u"key100", u"key3", u"_", u"z"})
+            EXPECT_FALSE(has(name)) << held;
+    }
+    RegCloseKey(key);
+}
+
+TEST_F(HeldRegistry, AnotherFolderHasItsOwnValues) {
+    EXPECT_EQ(10u, Loaded(0));
+    const std::string root = DeviceRoot();
+    std::filesystem::create_directory(root + "/other");
+    SetDeviceRoot(root + "/other");
+    EXPECT_EQ(ERROR_SUCCESS, SaveNumber(0, 20));
+    for (const bool held : {false, true}) {
+        SetDeviceRoot(root);
+        held ? HoldRegistry() : ReleaseRegistry();
+        EXPECT_EQ(10u, Loaded(0)) << held;
+        SetDeviceRoot(root + "/other");
+        EXPECT_EQ(20u, Loaded(0)) << held;
+    }
+    SetDeviceRoot(root);
+}
+
+// The folder is gone for a while, after one value was read and before the next.
+TEST_F(HeldRegistry, AValueThatCouldNotBeReadIsNotReplaced) {
+    CloseRegistry();
+    HoldRegistry();
+    EXPECT_EQ(10u, Loaded(0));
+    const std::string root = DeviceRoot();
+    HKEY key = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_QUERY_VALUE, &key));
+    SetDeviceRoot(root + "/gone");
+    EXPECT_NE(ERROR_SUCCESS, RegQueryValueExW(key, u"key1", nullptr, nullptr, nullptr, nullptr));
+    RegCloseKey(key);
+    SetDeviceRoot(root);
+    EXPECT_EQ(ERROR_SUCCESS, SaveNumber(0, 11));
+    EXPECT_NE(ERROR_SUCCESS, SaveNumber(1, 11));
+    EXPECT_NE(ERROR_SUCCESS, SaveNumber(2, 11)) << "nobody has asked for it";
+    CloseRegistry();
+    EXPECT_EQ(11u, Loaded(0));
+    EXPECT_EQ(10u, Loaded(1));
+    EXPECT_EQ(10u, Loaded(2));
 }
 
 TEST_F(HeldRegistry, IsReleasedByTheNextWrite) {

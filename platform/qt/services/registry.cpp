@@ -31,6 +31,8 @@ struct Registry {
     bool unread = false;          // the file failed to give a key or a value
     std::set<std::string> known;  // values that were read, set or deleted
     UINT_PTR last = 0;
+    std::u16string walked;  // the last way that was walked from the root; empty: none
+    std::string reached;    // where it leads
 };
 
 }  // namespace
@@ -103,9 +105,16 @@ static HKEY AddKey(Registry& registry, const std::string& path, DWORD access) {
     return key;
 }
 
-// If `created` is given, creates the keys that are missing on the way.
+// If `created` is given, creates the keys that are missing on the way. A start walks the same way
+// for each value.
 static LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool* created) {
     if (!sub_key) sub_key = u"";
+    if (!created && *path == kLocalMachine && registry.walked == sub_key) {
+        *path = registry.reached;
+        return ErrorOf(registry.store.HasKey(*path));
+    }
+    const LPCWSTR way = sub_key;
+    const bool from_root = *path == kLocalMachine;
     if (*sub_key == u'\\') return kErrorBadPathname;
     std::u16string name;
     bool asked = false;  // the store, so it is usable
@@ -119,6 +128,7 @@ static LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool*
     }
     if (created != nullptr || *path == kLocalMachine)
         return asked || registry.store.IsUsable() ? ERROR_SUCCESS : kErrorRegistryFailed;
+    if (from_root) registry.walked = way, registry.reached = *path;
     return ErrorOf(registry.store.HasKey(*path));
 }
 

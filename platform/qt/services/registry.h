@@ -15,7 +15,6 @@
 #include <sys/types.h>
 #include <chrono>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,8 +24,8 @@
 void CloseRegistry();
 
 // Between the two calls, reads are one transaction: they see the registry as it was at the first of
-// them, and do not lock the file each. Other processes may write meanwhile. The next write of this
-// process and CloseRegistry release it too.
+// them, and do not lock the file each. The values of a key are read at once. Other processes may
+// write meanwhile. The next write of this process and CloseRegistry release it too.
 void HoldRegistry();
 void ReleaseRegistry();
 
@@ -44,6 +43,11 @@ struct StoredValue {
     std::string data;
 };
 
+struct NamedValue {
+    std::string name;
+    StoredValue value;
+};
+
 // Not thread-safe. Keys and names are compared without the case of ASCII letters.
 class RegistryStore {
   public:
@@ -59,15 +63,18 @@ class RegistryStore {
     void Close();
 
   private:
-    enum Statement { kHasKey, kMakeKey, kRead, kWrite, kDelete, kStatements };
+    enum Statement { kHasKey, kMakeKey, kRead, kReadKey, kWrite, kDelete, kStatements };
     enum class Opened { kSound, kDamaged, kFailed };
 
     int Run(Statement which, const std::string& key, const std::string* name,
-            const StoredValue* value, const std::function<void(sqlite3_stmt*)>& row);
+            const StoredValue* value, std::vector<NamedValue>* rows);
     int RunOnce(Statement which, const std::string& key, const std::string* name,
-                const StoredValue* value, const std::function<void(sqlite3_stmt*)>& row);
+                const StoredValue* value, std::vector<NamedValue>* rows);
     static bool Changes(Statement which);
     bool Ready();
+    bool IsAtRoot() const;
+    bool HoldKey(const std::string& key);
+    void ForgetHeld();
     bool IsInTransaction() const;
     bool IsOwnFile() const;  // the open file is still the one with this name
     bool Open(bool damaged);
@@ -89,6 +96,9 @@ class RegistryStore {
     // When another process last kept the file locked. For a second the calls then fail at once,
     // unless one succeeds: a save of all settings waits once, not for each value.
     std::optional<std::chrono::steady_clock::time_point> busy_;
+    // While reads are held: the values of a key as the transaction sees them.
+    std::optional<std::string> held_key_;
+    std::vector<NamedValue> held_;  // in the file's order of names
     std::string known_key_;  // the last one that was found; empty: none since the file was opened
 };
 

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "platform/qt/services/services.h"
@@ -16,6 +17,7 @@ constexpr int kBusyMilliseconds = 3000;
 constexpr int kBusyStep = 5;  // milliseconds
 constexpr std::chrono::seconds kBusyMemory(1);
 constexpr mode_t kOwnerAlone = 0600;
+static const char kFileName[] = "/registry.db";
 
 // Compared with the schema in the file, letter by letter.
 static const char kSchema[] =
@@ -30,12 +32,30 @@ static const char* const kStatementTexts[] = {
     "SELECT 1 FROM registry WHERE key = ?1 LIMIT 1",
     "INSERT INTO registry SELECT ?1, NULL, 0, x'' "
     "WHERE NOT EXISTS (SELECT 1 FROM registry WHERE key = ?1)",
-    "SELECT type, data FROM registry WHERE key = ?1 AND name = ?2",
+    "SELECT name, type, data FROM registry WHERE key = ?1 AND name = ?2",
+    "SELECT name, type, data FROM registry WHERE key = ?1 AND name IS NOT NULL ORDER BY name",
     "INSERT INTO registry VALUES (?1, ?2, ?3, ?4) ON CONFLICT (key, name) "
     "DO UPDATE SET type = excluded.type, data = excluded.data "
     "WHERE type <> excluded.type OR data <> excluded.data",
     "DELETE FROM registry WHERE key = ?1 AND name = ?2",
 };
+
+static int Lower(char unit) {
+    const int code = static_cast<unsigned char>(unit);
+    return code >= 'A' && code <= 'Z' ? code - 'A' + 'a' : code;
+}
+
+// The file's order of names, which ignores the case of ASCII letters.
+static int Order(const std::string& one, const std::string& other) {
+    const size_t both = std::min(one.size(), other.size());
+    for (size_t i = 0; i < both; ++i)
+        if (const int order = Lower(one[i]) - Lower(other[i])) return order;
+    return static_cast<int>(one.size()) - static_cast<int>(other.size());
+}
+
+static bool ComesBefore(const NamedValue& one, const std::string& name) {
+    return Order(one.name, name) < 0;
+}
 
 static bool IsDamage(int result) {
     const int code = result & 0xFF;
@@ -212,7 +232,7 @@ RegistryStore::Opened RegistryStore::OpenFile() {
 }
 
 bool RegistryStore::Open(bool damaged) {
-    path_ = DeviceRoot() + "/registry.db";
+    path_ = DeviceRoot() + kFileName;
     const FolderLock lock(DeviceRoot(), Patience());
     if (lock.busy()) NoteBusy(SQLITE_BUSY);
     if (!lock.held()) return false;
@@ -236,17 +256,27 @@ bool RegistryStore::IsInTransaction() const {
     return database_ && !sqlite3_get_autocommit(database_);
 }
 
+bool RegistryStore::IsAtRoot() const {
+    const std::string_view root = DeviceRoot(), path = path_;
+    return path.starts_with(root) && path.substr(root.size()) == kFileName;
+}
+
 bool RegistryStore::Ready() {
-    if (database_ && path_ == DeviceRoot() + "/registry.db" && (IsInTransaction() || IsOwnFile()))
-        return true;
+    if (database_ && IsAtRoot() && (IsInTransaction() || IsOwnFile())) return true;
     Abandon();
     return Open(false);
 }
 
 void RegistryStore::Hold() { holds_ = true; }
 
+void RegistryStore::ForgetHeld() {
+    held_key_.reset();
+    held_.clear();
+}
+
 void RegistryStore::Release() {
     holds_ = false;
+    ForgetHeld();
     if (IsInTransaction()) Execute(database_, "COMMIT");
 }
 
@@ -258,6 +288,7 @@ void RegistryStore::Close() {
     sqlite3_close(database_);
     database_ = nullptr;
     known_key_.clear();
+    ForgetHeld();
 }
 
 void RegistryStore::Abandon() {
@@ -265,11 +296,25 @@ void RegistryStore::Abandon() {
     Close();
 }
 
-bool RegistryStore::Changes(Statement which) { return which != kHasKey && which != kRead; }
+bool RegistryStore::Changes(Statement which) {
+    return which == kMakeKey || which == kWrite || which == kDelete;
+}
 
+static std::string BytesOf(sqlite3_stmt* statement, int column) {
+    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
+    const auto size = static_cast<size_t>(sqlite3_column_bytes(statement, column));
+    return std::string(bytes ? bytes : "", bytes ? size : 0);
+}
+
+static NamedValue RowOf(sqlite3_stmt* statement) {
+    const auto type = static_cast<uint32_t>(sqlite3_column_int64(statement, 1));
+    return {BytesOf(statement, 0), {type, BytesOf(statement, 2)}};
+}
+
+// With `rows` takes all rows, and the result is SQLITE_DONE. Without it the result is SQLITE_ROW if
+// there is one.
 int RegistryStore::RunOnce(Statement which, const std::string& key, const std::string* name,
-                           const StoredValue* value,
-                           const std::function<void(sqlite3_stmt*)>& row) {
+                           const StoredValue* value, std::vector<NamedValue>* rows) {
     sqlite3_stmt* statement = statements_[which];
     sqlite3_busy_timeout(database_, Patience());
     BindText(statement, 1, key);
@@ -280,7 +325,8 @@ int RegistryStore::RunOnce(Statement which, const std::string& key, const std::s
         sqlite3_bind_blob64(statement, 4, value->data.data(), value->data.size(), SQLITE_STATIC);
     }
     int result = sqlite3_step(statement);
-    if (result == SQLITE_ROW && row) row(statement);
+    for (; result == SQLITE_ROW && rows; result = sqlite3_step(statement))
+        rows->push_back(RowOf(statement));
     const int reset = sqlite3_reset(statement);
     sqlite3_clear_bindings(statement);
     if (reset != SQLITE_OK) result = reset;
@@ -291,14 +337,14 @@ int RegistryStore::RunOnce(Statement which, const std::string& key, const std::s
 }
 
 int RegistryStore::Run(Statement which, const std::string& key, const std::string* name,
-                       const StoredValue* value, const std::function<void(sqlite3_stmt*)>& row) {
+                       const StoredValue* value, std::vector<NamedValue>* rows) {
     if (Changes(which)) Release();
     if (!Ready()) return SQLITE_CANTOPEN;
     if (holds_ && !IsInTransaction()) Execute(database_, "BEGIN");
-    const int result = RunOnce(which, key, name, value, row);
+    const int result = RunOnce(which, key, name, value, rows);
     if (!IsDamage(result)) return result;
     Abandon();
-    return Open(true) ? RunOnce(which, key, name, value, row) : result;
+    return Open(true) ? RunOnce(which, key, name, value, rows) : result;
 }
 
 static StoreResult FoundOr(int result) {
@@ -329,14 +375,30 @@ StoreResult RegistryStore::MakeKey(const std::string& key, bool* created) {
     return result;
 }
 
+// False if the values of the key have to be read one by one: reads are not held, or to read all at
+// once has failed.
+bool RegistryStore::HoldKey(const std::string& key) {
+    if (!holds_ || !Ready()) return false;  // nothing is held of a file that was opened just now
+    if (held_key_ == key) return true;
+    ForgetHeld();
+    const int result = Run(kReadKey, key, nullptr, nullptr, &held_);
+    if (result == SQLITE_DONE) held_key_ = key;
+    return held_key_.has_value();
+}
+
 StoreResult RegistryStore::Read(const std::string& key, const std::string& name,
                                 StoredValue* value) {
-    return FoundOr(Run(kRead, key, &name, nullptr, [value](sqlite3_stmt* statement) {
-        value->type = static_cast<uint32_t>(sqlite3_column_int64(statement, 0));
-        const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, 1));
-        const auto size = static_cast<size_t>(sqlite3_column_bytes(statement, 1));
-        value->data.assign(bytes ? bytes : "", bytes ? size : 0);
-    }));
+    if (HoldKey(key)) {
+        const auto found = std::lower_bound(held_.begin(), held_.end(), name, ComesBefore);
+        if (found == held_.end() || Order(found->name, name) != 0) return StoreResult::kNotFound;
+        *value = found->value;
+        return StoreResult::kOk;
+    }
+    std::vector<NamedValue> rows;
+    if (Run(kRead, key, &name, nullptr, &rows) != SQLITE_DONE) return StoreResult::kFailed;
+    if (rows.empty()) return StoreResult::kNotFound;
+    *value = std::move(rows.back().value);  // if the file was set aside, the last is of the new one
+    return StoreResult::kOk;
 }
 
 StoreResult RegistryStore::Write(const std::string& key, const std::string& name,

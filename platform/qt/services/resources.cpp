@@ -8,9 +8,6 @@
 
 #include "platform/qt/services/services.h"
 
-static const uint8_t* g_image = nullptr;
-static size_t g_size = 0;
-
 constexpr size_t kFixedHeader = 16;  // what follows the two names: version, flags, language, ...
 
 static bool IsNumber(LPCWSTR name) { return reinterpret_cast<UINT_PTR>(name) <= 0xFFFF; }
@@ -31,6 +28,9 @@ struct Entry {
 };
 
 }  // namespace
+
+// In the image's order, up to the first that is damaged.
+static std::vector<Entry> g_entries;
 
 static bool TakeEntry(ResourceReader* reader, Entry* entry) {
     const size_t start = reader->position;
@@ -94,14 +94,14 @@ static void FreeAcceleratorTables();
 
 void SetResourceImage(const uint8_t* image, size_t size) {
     FreeAcceleratorTables();
-    g_image = image;
-    g_size = image ? size : 0;
+    g_entries.clear();
+    ResourceReader reader{image, image ? size : 0};
+    for (Entry entry; reader.position < reader.size && TakeEntry(&reader, &entry);)
+        g_entries.push_back(entry);
 }
 
 bool FindResourceBytes(LPCWSTR type, LPCWSTR name, const uint8_t** bytes, size_t* size) {
-    ResourceReader reader{g_image, g_size};
-    Entry entry;
-    while (reader.position < reader.size && TakeEntry(&reader, &entry)) {
+    for (const Entry& entry : g_entries) {
         if (!SameName(entry.type, type) || !SameName(entry.name, name)) continue;
         *bytes = entry.bytes;
         *size = entry.size;
@@ -254,6 +254,7 @@ bool LoadDialogTemplate(LPCWSTR name, DialogTemplate* result) {
 
 constexpr DWORD kHeaderSize = 40;
 constexpr DWORD kUncompressed = 0;
+constexpr WORD kPlainColors = 24, kPaddedColors = 32;  // bits of a pixel without a palette
 constexpr DWORD kMostHints = 256;  // palette entries at most for depths that do not use a palette
 
 namespace {
@@ -265,50 +266,23 @@ struct Header {
     DWORD colors = 0;  // palette entries; 0: as many as the bits can address
 };
 
-// For each bit depth, how to read a pixel of a row: as an index into the palette, or as a colour.
-struct DepthRow {
-    WORD bits;
-    uint32_t (*pixel)(const uint8_t* row, int x, const std::vector<uint32_t>& palette);
-};
-
 }  // namespace
 
-static uint32_t Named(const std::vector<uint32_t>& palette, unsigned index) {
-    return index < palette.size() ? palette[index] : 0;
-}
-
-static uint32_t OneBit(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
-    return Named(palette, (row[x / 8] >> (7 - x % 8)) & 1u);
-}
-
-static uint32_t FourBits(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
-    return Named(palette, x % 2 ? row[x / 2] & 15u : row[x / 2] >> 4);
-}
-
-static uint32_t EightBits(const uint8_t* row, int x, const std::vector<uint32_t>& palette) {
-    return Named(palette, row[x]);
+static bool IsDepth(WORD bits) {
+    return bits == 1 || bits == 4 || bits == 8 || bits == kPlainColors || bits == kPaddedColors;
 }
 
 static uint32_t Color(const uint8_t* bytes) {
     return static_cast<uint32_t>(bytes[0] | (bytes[1] << 8) | (bytes[2] << 16));
 }
 
-static uint32_t ThreeBytes(const uint8_t* row, int x, const std::vector<uint32_t>&) {
-    return Color(row + 3 * x);
-}
-
-static uint32_t FourBytes(const uint8_t* row, int x, const std::vector<uint32_t>&) {
-    return Color(row + 4 * x);
-}
-
-static const DepthRow kDepths[] = {
-    {1, OneBit}, {4, FourBits}, {8, EightBits}, {24, ThreeBytes}, {32, FourBytes},
-};
-
-static const DepthRow* DepthOf(WORD bits) {
-    for (const DepthRow& row : kDepths)
-        if (row.bits == bits) return &row;
-    return nullptr;
+// Up to 8 bits are an index into the palette, and the first pixel of a byte has its highest bits.
+static uint32_t PixelOf(const uint8_t* row, unsigned x, unsigned bits,
+                        const std::vector<uint32_t>& palette) {
+    const unsigned place = x * bits;
+    if (bits > 8) return Color(row + place / 8);
+    const unsigned index = (row[place / 8] >> (8 - bits - place % 8)) & ((1u << bits) - 1);
+    return index < palette.size() ? palette[index] : 0;
 }
 
 static bool SideFits(int side) { return side >= 1 && side <= kLargestBitmap; }
@@ -345,18 +319,18 @@ static size_t StrideOf(int width, WORD bits) {
 // Reads the next pixels, each of `bits` bits, and looks them up in the palette.
 static bool TakePixels(ResourceReader* reader, const Header& header, WORD bits,
                        const std::vector<uint32_t>& palette, Bitmap* bitmap) {
-    const DepthRow* depth = DepthOf(bits);
     const int height = std::abs(header.height);
     const size_t stride = StrideOf(header.width, bits);
     const uint8_t* rows = reader->bytes + reader->position;
-    if (!depth || !reader->Has(stride * static_cast<size_t>(height))) return false;
+    if (!IsDepth(bits) || !reader->Has(stride * static_cast<size_t>(height))) return false;
     *bitmap = {header.width, height, {}};
     bitmap->pixels.resize(static_cast<size_t>(header.width) * static_cast<size_t>(height));
     uint32_t* next = bitmap->pixels.data();
     for (int y = 0; y < height; ++y) {
         const int line = header.height < 0 ? y : height - 1 - y;
         const uint8_t* row = rows + stride * static_cast<size_t>(line);
-        for (int x = 0; x < header.width; ++x) *next++ = depth->pixel(row, x, palette);
+        for (int x = 0; x < header.width; ++x)
+            *next++ = PixelOf(row, static_cast<unsigned>(x), bits, palette);
     }
     reader->Skip(stride * static_cast<size_t>(height));
     return true;

@@ -17,11 +17,11 @@ static std::unique_ptr<LineFont> g_line_font;  // the last one that was asked fo
 constexpr int kFirstUpperControl = 127, kAfterUpperControls = 160;
 
 static void FillGlyphs(FontData& font) {
-    for (int code = 32; code < 256; ++code) {
-        if (code >= kFirstUpperControl && code < kAfterUpperControls) continue;
-        const auto found = font.raw.glyphIndexesForString(QString(QChar(code)));
-        font.glyphs[code] = found.isEmpty() ? 0 : found.front();
-    }
+    QString codes;
+    for (int code = 32; code < 256; ++code)
+        if (code < kFirstUpperControl || code >= kAfterUpperControls) codes.append(QChar(code));
+    const auto glyphs = font.raw.glyphIndexesForString(codes);  // one for each of these codes
+    for (qsizetype i = 0; i < glyphs.size(); ++i) font.glyphs[codes[i].unicode()] = glyphs[i];
 }
 
 // Compares only what decides which font of the desktop is chosen.
@@ -31,18 +31,26 @@ static bool SameFont(const LOGFONTW& one, const LOGFONTW& other) {
            FromWide(one.lfFaceName) == FromWide(other.lfFaceName);
 }
 
+constexpr LONG kListedHeight = 8;  // of the faces that EnumFontFamiliesW lists; a first start's
+
+// The one place that chooses a font of the desktop: equal requests load it only once.
+static QFont DesktopFont(const QString& family, LONG height) {
+    QFont font(family);
+    font.setStyleHint(QFont::Monospace);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    font.setPixelSize(static_cast<int>(height));
+    return font;
+}
+
 // Keeps the last font, because a start asks for the same font twice: to choose the screen's size,
 // and to draw.
 std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted) {
     if (g_made_last && SameFont(wanted, g_face_made_last)) return g_made_last;
     const auto data = std::make_shared<FontData>();
     data->height = std::max<LONG>(std::abs(wanted.lfHeight), 1);
-    data->font = QFont(FromWide(wanted.lfFaceName));
-    data->font.setStyleHint(QFont::Monospace);
+    data->font = DesktopFont(FromWide(wanted.lfFaceName), data->height);
     data->font.setBold(wanted.lfWeight >= FW_BOLD);
     data->font.setItalic(wanted.lfItalic);
-    data->font.setHintingPreference(QFont::PreferNoHinting);
-    data->font.setPixelSize(static_cast<int>(data->height));
     data->raw = QRawFont::fromFont(data->font);
     data->fixed = QFontInfo(data->font).fixedPitch();  // before the size changes: a size is a load
     const double cell = data->raw.ascent() + data->raw.descent();
@@ -87,13 +95,21 @@ const LineFont& LineFontOf(const QFont& font) {
     line.font = font;
     line.raw = QRawFont::fromFont(font);
     line.run.setRawFont(line.raw);
-    for (char16_t c = u' '; c < 127; ++c) {
-        const auto found = line.raw.glyphIndexesForString(QString(QChar(c)));
-        if (found.isEmpty()) continue;
-        line.glyphs[c] = found.front();
-        line.advances[c] = line.raw.advancesForGlyphIndexes(found).value(0).x();
+    QString codes;
+    std::fill(std::begin(line.advances), std::end(line.advances), 0.0);  // of control characters
+    for (char16_t c = u' '; c < kFirstUpperControl; ++c) {
+        codes.append(QChar(c));
+        line.advances[c].reset();
     }
+    const auto glyphs = line.raw.glyphIndexesForString(codes);
+    for (qsizetype i = 0; i < glyphs.size(); ++i) line.glyphs[codes[i].unicode()] = glyphs[i];
     return line;
+}
+
+double LineAdvance(const LineFont& font, char16_t code) {
+    std::optional<double>& known = font.advances[code];
+    if (!known) known = font.raw.advancesForGlyphIndexes({font.glyphs[code]}).value(0).x();
+    return *known;
 }
 
 void ForgetFonts() {
@@ -108,7 +124,7 @@ static int TellOfFamily(const QString& name, LPCWSTR wanted, FONTENUMPROCW proce
                         LPARAM parameter) {
     if (name.size() >= LF_FACESIZE || (wanted && name != FromWide(wanted))) return 1;
     LOGFONTW font = {};
-    font.lfHeight = 8;
+    font.lfHeight = kListedHeight;
     font.lfWeight = FW_NORMAL;
     font.lfCharSet = DEFAULT_CHARSET;
     font.lfPitchAndFamily = FIXED_PITCH;
@@ -118,10 +134,17 @@ static int TellOfFamily(const QString& name, LPCWSTR wanted, FONTENUMPROCW proce
     return procedure(&font, &metrics, 4, parameter);  // 4: a scalable font
 }
 
+// The desktop may name its font by an alias. The toolkit loads the font to know its family, so it
+// is asked for the font that a first start draws with.
+static QString OwnFixedFamily() {
+    const QString name = QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+    return QFontInfo(DesktopFont(name, kListedHeight)).family();
+}
+
 // The desktop's own fixed-pitch family comes first. The others are looked up only if the procedure
 // wants more, because the toolkit reads each font for that.
 int EnumFontFamiliesW(HDC, LPCWSTR family, FONTENUMPROCW procedure, LPARAM parameter) {
-    const QString own = QFontInfo(QFontDatabase::systemFont(QFontDatabase::FixedFont)).family();
+    const QString own = OwnFixedFamily();
     int result = TellOfFamily(own, family, procedure, parameter);
     if (result == 0) return 0;
     for (const QString& name : QFontDatabase::families()) {

@@ -93,7 +93,7 @@ void DrawLineOfText(QPainter& painter, const LineFont& font, QPointF place,
         if (used == kMost) break;
         glyphs[static_cast<size_t>(used)] = font.glyphs[c];
         places[static_cast<size_t>(used++)] = place;
-        place.rx() += font.advances[c];
+        place.rx() += LineAdvance(font, c);
     }
     font.run.setRawData(glyphs.data(), places.data(), used);
     painter.drawGlyphRun(QPointF(0, 0), font.run);

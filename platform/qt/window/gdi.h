@@ -35,7 +35,7 @@ struct LineFont {
     QFont font;
     QRawFont raw;
     quint32 glyphs[128] = {};
-    double advances[128] = {};  // pixels
+    mutable std::optional<double> advances[128] = {};  // pixels; measured when it is first drawn
     mutable QGlyphRun run;
 };
 
@@ -62,6 +62,7 @@ std::shared_ptr<const FontData> MakeFont(const LOGFONTW& wanted);
 bool GlyphOverhangs(const FontData& font, char16_t code);  // `code` is below 256
 const FontData& FontOf(HDC dc);                            // the selected font, or the system font
 const LineFont& LineFontOf(const QFont& font);
+double LineAdvance(const LineFont& font, char16_t code);  // `code` is below 128
 void ForgetFonts();
 
 // gdi.cpp
