@@ -2,7 +2,8 @@
 // Any bytes of a host through the Telnet engine, three times: byte by byte with a check of the
 // state after each one, in chunks of the buffer's size, and cut as the first bytes of the input
 // say. All runs must show and send the same. In the first byte, bit 0 turns on the trace and bit 1
-// starts in a subnegotiation that the last connection left incomplete.
+// starts in a subnegotiation that the last connection left incomplete. With bit 2 there is one more
+// run, with the automatic login: each response is sent at most once, and nothing else changes.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -117,18 +118,6 @@ static Outcome RunByteByByte(const std::string& bytes, uint8_t flags) {
     return Take();
 }
 
-static Outcome RunCut(const std::string& bytes, uint8_t flags, const uint8_t* cuts, size_t count) {
-    Connect(flags);
-    size_t turn = 0;
-    for (size_t at = 0; at < bytes.size();) {
-        const size_t length = count ? cuts[turn++ % count] + size_t{1} : kReceiveSize;
-        Receive(bytes.substr(at, length));
-        at += length;
-    }
-    CheckBounds();
-    return Take();
-}
-
 // Compares the Telnet state without the buffer of the current chunk.
 static bool SameTelnet(const TelnetState& a, const TelnetState& b) {
     return a.iac_seen == b.iac_seen && a.last_command == b.last_command &&
@@ -136,6 +125,42 @@ static bool SameTelnet(const TelnetState& a, const TelnetState& b) {
            memcmp(a.subneg_buffer, b.subneg_buffer, kSubnegSize) == 0 &&
            memcmp(a.his_options, b.his_options, kTelnetOptions) == 0 &&
            memcmp(a.my_options, b.my_options, kTelnetOptions) == 0;
+}
+
+static void ReceiveCut(const std::string& bytes, const uint8_t* cuts, size_t count) {
+    size_t turn = 0;
+    for (size_t at = 0; at < bytes.size();) {
+        const size_t length = count ? cuts[turn++ % count] + size_t{1} : kReceiveSize;
+        Receive(bytes.substr(at, length));
+        at += length;
+    }
+    CheckBounds();
+}
+
+static Outcome RunCut(const std::string& bytes, uint8_t flags, const uint8_t* cuts, size_t count) {
+    Connect(flags);
+    ReceiveCut(bytes, cuts, count);
+    return Take();
+}
+
+static void RunLogin(const std::string& bytes, uint8_t flags, const uint8_t* cuts,
+                     const Outcome& expected) {
+    const AutoLogin& login = session.login;
+    Connect(flags);
+    lstrcpyW(session.settings.sear1, TEXT("in:"));
+    lstrcpyW(session.settings.resp1, TEXT("visitor\\015"));  // 8 bytes
+    lstrcpyW(session.settings.sear2, TEXT("d:"));
+    lstrcpyW(session.settings.resp2, TEXT("house\\015"));  // 6 bytes
+    ArmAutoLogin();
+    ReceiveCut(bytes, cuts, kHeadBytes - 1);
+    Require(login.login_armed1 <= 1 && login.login_armed2 <= 1, "the responses' marks");
+    Require(wire.size() ==
+                expected.wire.size() + (login.login_armed1 ? 0 : 8) + (login.login_armed2 ? 0 : 6),
+            "only the responses are sent too");
+    Require(
+        display.size() == expected.display.size() && SameTelnet(session.telnet, expected.telnet),
+        "a response changes nothing");
+    session.login = {};
 }
 
 // The data of a chunk is shown after its trace lines, so the order depends on the chunks. The shown
@@ -155,5 +180,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const Outcome expected = RunByteByByte(bytes, flags);
     RequireSame(expected, RunCut(bytes, flags, nullptr, 0), flags & 1);
     RequireSame(expected, RunCut(bytes, flags, data + 1, kHeadBytes - 1), flags & 1);
+    if (flags & 4) RunLogin(bytes, flags, data + 1, expected);
     return 0;
 }

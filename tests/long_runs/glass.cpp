@@ -110,14 +110,72 @@ static QImage Shown(QWidget* glass) {
     return store->copy(QRect(glass->mapTo(DeviceScreen(), QPoint()), glass->size()));
 }
 
+// The smallest rectangle around the pixels that differ.
+static QRect Difference(const QImage& one, const QImage& other) {
+    QRect box;
+    for (int y = 0; y < one.height(); ++y)
+        for (int x = 0; x < one.width(); ++x)
+            if (one.pixel(x, y) != other.pixel(x, y)) box |= QRect(x, y, 1, 1);
+    return box;
+}
+
+// The cells that the rectangle touches, the first ones if there are many.
+static std::string CellsIn(const QRect& box) {
+    constexpr int kMost = 12;
+    const ViewState& view = session.view;
+    if (view.cell_width < 1 || view.cell_height < 1) return "";
+    std::string text;
+    int told = 0;
+    for (int i = box.top() / view.cell_height + 1; i <= box.bottom() / view.cell_height + 1; ++i) {
+        const int row = view.view_top + i;
+        if (row > session.screen.rows) break;
+        const DWORD* cells = GetPaintRow(row);
+        const int from = view.view_left + box.left() / view.cell_width + 1;
+        const int to = view.view_left + box.right() / view.cell_width + 1;
+        for (int col = from; col <= std::min(to, kScreenColumns) && told < kMost; ++col, ++told)
+            text += "\n  " + Describe(cells[col], row, col);
+    }
+    return text;
+}
+
+static std::string DescribeView() {
+    const ViewState& view = session.view;
+    const ScreenBuffer& screen = session.screen;
+    std::ostringstream text;
+    text << "; " << view.visible_rows << " by " << view.visible_columns << " cells of "
+         << view.cell_width << "x" << view.cell_height << " seen, cursor " << screen.cursor_row
+         << "," << screen.cursor_col << ", painted " << view.painted_cursor_row << ","
+         << view.painted_cursor_col << ", blink phase " << view.blink_phase << ", selection "
+         << screen.selection_active << ", font "
+         << QString::fromUtf16(session.settings.fname).toStdString() << " "
+         << session.settings.fsize << (session.settings.font_bold ? " bold" : "")
+         << (session.settings.font_italic ? " italic" : "");
+    return text.str();
+}
+
+static void KeepPictures(const QImage& shown, const QImage& whole) {
+    const char* folder = std::getenv("QUILL_SOAK_PICTURES");
+    if (!folder) return;
+    shown.save(QString(folder) + "/shown.png");
+    whole.save(QString(folder) + "/whole.png");
+}
+
 void ExpectPictureOfGrid() {
     OnWindowThread([] {
-        QWidget* glass = FindWindowRecord(session.client_window)->widget;
+        const Window* window = FindWindowRecord(session.client_window);
         UpdateWindow(session.client_window);
-        const QImage shown = Shown(glass);
+        const bool due = !window->invalid.isEmpty();
+        const QImage shown = Shown(window->widget);
         EXPECT_EQ("", CellNotShown(shown)) << "is not what the glass shows";
         RepaintTerminal();
         UpdateWindow(session.client_window);
-        EXPECT_TRUE(shown == Shown(glass)) << "the glass shows something else";
+        const QImage whole = Shown(window->widget);
+        if (shown == whole) return;
+        const QRect box = Difference(shown, whole);
+        KeepPictures(shown, whole);
+        ADD_FAILURE() << "the glass of " << shown.width() << "x" << shown.height()
+                      << " shows something else at " << box.x() << "," << box.y() << ", "
+                      << box.width() << "x" << box.height() << (due ? ", and a paint is due" : "")
+                      << DescribeView() << CellsIn(box);
     });
 }

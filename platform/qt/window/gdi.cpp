@@ -255,7 +255,8 @@ BOOL GetTextMetricsW(HDC dc, TEXTMETRICW* metrics) {
     // underline.
     metrics->tmDescent = std::max(static_cast<LONG>(std::floor(font.descent)), LONG{1});
     metrics->tmAscent = metrics->tmHeight - metrics->tmDescent;
-    metrics->tmExternalLeading = static_cast<LONG>(std::lround(font.leading));
+    // Some fonts have lines that are lower than their letters. A cell is not.
+    metrics->tmExternalLeading = std::max(static_cast<LONG>(std::lround(font.leading)), LONG{0});
     metrics->tmAveCharWidth = static_cast<LONG>(std::lround(font.raw.averageCharWidth()));
     metrics->tmMaxCharWidth = static_cast<LONG>(std::ceil(font.raw.maxCharWidth()));
     metrics->tmPitchAndFamily = font.fixed ? 0 : TMPF_FIXED_PITCH;
