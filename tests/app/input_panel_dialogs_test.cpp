@@ -10,6 +10,7 @@
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
+#include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
@@ -222,6 +223,34 @@ TEST(InputPanelInDialogs, ATapMovesEveryOpenDialogAboveIt) {
         TapAsTheDesktopDoes("Esc");
         EXPECT_TRUE(Gone(sheet));
         EXPECT_FALSE(PanelIsUp());
+    });
+}
+
+TEST(InputPanelInDialogs, AFieldThatTheRoomCutsOffIsScrolledIntoSight) {
+    RunProgram(SmallDevice(240, 206), [] {
+        OpenOnSmallDevice(IDM_AUTO_LOGIN);
+        TapField(IDC_RESP2, TapAsAFinger);
+        EXPECT_TRUE(PanelIsUp());
+        OnWindowThread([] {
+            const QLineEdit* field = FieldOf(IDC_RESP2);
+            EXPECT_EQ(field->visibleRegion(), QRegion(field->rect()));
+        });
+    });
+}
+
+// Faster than the program takes them.
+TEST(InputPanelInDialogs, AKeyIsTypedWhereTheKeyBeforeItHasMovedTheFocus) {
+    RunProgram(SmallDevice(), [] {
+        TapPanelButton();
+        OpenOnSmallDevice(IDM_AUTO_LOGIN);
+        OnWindowThread([] {
+            for (const char* label : {"a", "Tab", "b", "Tab", "c"})
+                QTest::mouseClick(KeyLabelled(label), Qt::LeftButton);
+        });
+        EXPECT_TRUE(Eventually([] {
+            return ControlText(IDC_SEAR1) == "a" && ControlText(IDC_RESP1) == "b" &&
+                   ControlText(IDC_SEAR2) == "c";
+        })) << ControlText(IDC_SEAR1).toStdString();
     });
 }
 

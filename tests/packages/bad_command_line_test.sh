@@ -113,6 +113,18 @@ refuses 'goes with --export' --with-passwords
 refuses 'takes no host' --export a
 refuses 'takes no host' --profiles a
 
+# Every place of a name or a number with everything that is wrong there.
+for bad in "$long" '' '"a' "a'b" a/b "$escape" --; do
+    refuses '' -- "$bad"
+    refuses '' -- a "$bad"
+    refuses '' -- "telnet://$bad"
+    refuses '' -- "telnet://a:$bad"
+    refuses '' -- "ssh://$bad"
+    refuses '' -- "ssh://$bad@a"
+    refuses '' -- "ssh://a:$bad"
+    refuses '' --profile "$bad"
+done
+
 # Folders: no word about them moves a terminal's cursor.
 for name in "$escape" "$eight_bits" "$backwards" "$no_text"; do
     refuses 'is no folder' -platform offscreen --root "/dev/null/$name"

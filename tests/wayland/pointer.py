@@ -3,7 +3,7 @@
 """A pointer for a compositor that has no input device: it clicks where its standard input says.
 
 Lines of the input: "click X Y", or "type X Y WIDTH HEIGHT WORD...", which taps the words on a soft
-keyboard at that place, with Tab and Enter by their names. Prints "ready" when the compositor has it,
+keyboard at that place, with Esc, Tab, Enter and Space by name. Prints "ready" when the compositor has it,
 and each line after it is done.
 
 Usage: pointer.py SCREEN-WIDTH SCREEN-HEIGHT
@@ -18,7 +18,7 @@ SEAT, MANAGER = "wl_seat", "zwlr_virtual_pointer_manager_v1"
 DISPLAY_ID = 1
 LEFT_BUTTON = 0x110
 # Rows of the soft keyboard: the first key's left edge, the keys of one unit, its other keys' middles.
-UNITS, ROWS = 15, [(1.25, "1234567890-=", {}), (1.5, "qwertyuiop[]\\", {"Tab": 0.75}),
+UNITS, ROWS = 15, [(1.25, "1234567890-=", {"Esc": 0.6}), (1.5, "qwertyuiop[]\\", {"Tab": 0.75}),
                    (2, "asdfghjkl;'", {"Enter": 14}), (2.5, "zxcvbnm,./", {}), (3.5, "`", {"Space": 8})]
 
 
@@ -109,7 +109,7 @@ def main():
         else:
             place = tuple(map(int, words[:4]))
             for word in words[4:]:
-                for key in [word] if word in ("Tab", "Enter", "Space") else word:
+                for key in [word] if word in ("Esc", "Tab", "Enter", "Space") else word:
                     pointer.tap(place, key)
         print(line, end="", flush=True)
 

@@ -42,7 +42,7 @@ port=$(first_line "$work/port")
 
 panel=80 strip=26 # heights, in pixels of the device; this one has 400 by 300
 start() {
-    "$program" --root "$work/root" --screen 400x300 --scale 1 "ssh://127.0.0.1:$port" 2>"$work/err" &
+    "$program" --root "$work/root" --screen 400x300 --scale 1 "$@" 2>"$work/err" &
     client=$!
     ends_with_us $client
     await 20 window_place 'Quill T' || fail "no window"
@@ -62,7 +62,7 @@ end() {
 }
 
 # How the dialog is without a soft keyboard.
-start
+start "ssh://127.0.0.1:$port"
 place_of 'Sign on'
 own_width=$width own_height=$height
 # It is drawn when it has many colours.
@@ -73,20 +73,24 @@ drawn() {
 await 10 drawn "$pictures/sign-on-alone.png" || fail "the dialog is not drawn"
 end
 
-# signs_on: with a soft keyboard; the server answers once it is shown.
-signs_on() {
-    rm -f "$work/seen"
+shows_keyboard() { hand click $((left + width - 12)) $((top + height - strip / 2)); }
+# opens_box: with a soft keyboard; the server answers once it is shown. Sets `device`.
+opens_box() {
     kill -STOP $server
-    start
+    start "ssh://127.0.0.1:$port"
     place_of 'Quill T'
     device=$width
-    hand click $((left + width - 12)) $((top + height - strip / 2))
+    shows_keyboard
     kill -CONT $server
     place_of 'Sign on'
     grown() { [ "$(window_place 'Sign on' | sed 's/.* //')" = "${device}x$((own_height + panel))" ]; }
     await 10 grown ||
         fail "the dialog of ${own_width}x$own_height is $(window_place 'Sign on') with the soft keyboard of a device $device wide"
     place_of 'Sign on'
+}
+signs_on() {
+    rm -f "$work/seen"
+    opens_box
     # Its own part is the same as before; the text cursor may blink.
     looks_as_before() {
         drawn "$pictures/sign-on-keyboard.png" || return 1
@@ -110,4 +114,29 @@ signs_on
 # Empty, but set: with the compositor's input method.
 export QT_IM_MODULE=
 signs_on
+# The keyboard goes back before the dialog is gone.
+opens_box
+end
+
+# A dialog over a dialog takes the keyboard from it, and it comes back.
+has_size() { [ "$(window_place "$1" | sed 's/.* //')" = "$2" ]; }
+start
+place_of 'Quill T'
+shows_keyboard
+hand click $((left + 30)) $((top + 14)) # the bar's button
+place_of 'Connect$'
+await 10 has_size 'Connect$' "400x$((68 + panel))" || fail "the first dialog: $(window_place 'Connect$')"
+place_of 'Connect$'
+hand click $((left + 138)) $((top + 52)) # Advanced
+await 10 has_size 'Connect Advanced' "400x$((170 + panel))" || fail "the second dialog: $(window_place 'Connect Advanced')"
+place_of 'Connect Advanced'
+hand type $left $((top + height - panel)) $width $panel Esc
+gone() { ! window_place 'Connect Advanced'; }
+await 10 gone || fail "the second dialog is still there"
+place_of 'Connect$'
+[ $height -eq $((68 + panel)) ] || fail "the first dialog again: $place"
+hand type $left $((top + height - panel)) $width $panel Esc
+gone() { ! window_place 'Connect$'; }
+await 10 gone || fail "the first dialog is still there"
+end
 echo "a sign-on by the soft keyboard, which covers nothing of the dialog"

@@ -36,12 +36,12 @@ open_sway() {
     export SWAYSOCK WAYLAND_DISPLAY
 }
 
-# window_place [TITLE]: the place of the program's window whose title begins so, as X,Y WIDTHxHEIGHT.
+# window_place [PATTERN]: the place of the program's window whose title begins so, as X,Y WIDTHxHEIGHT.
 window_place() {
     swaymsg -t get_tree | /usr/bin/python3 -c '
-import json, sys
+import json, re, sys
 def windows(node):
-    if node.get("app_id") == "quill" and (node["name"] or "").startswith(sys.argv[1]):
+    if node.get("app_id") == "quill" and re.match(sys.argv[1], node["name"] or ""):
         yield node["rect"]
     for each in node["nodes"] + node["floating_nodes"]:
         yield from windows(each)

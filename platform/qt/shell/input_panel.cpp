@@ -199,10 +199,13 @@ void InputPanel::setVisible(bool visible) {
     QWidget::setVisible(visible);
 }
 
+void InputPanel::FillFoot() {
+    const QSize size = parentWidget()->size();
+    setGeometry(0, size.height() - kInputPanelHeight, size.width(), kInputPanelHeight);
+}
+
 bool InputPanel::eventFilter(QObject* dialog, QEvent* event) {
-    const QWidget* parent = parentWidget();
-    if (event->type() == QEvent::Resize && dialog == parent)
-        setGeometry(0, parent->height() - kInputPanelHeight, parent->width(), kInputPanelHeight);
+    if (event->type() == QEvent::Resize && dialog == parentWidget()) FillFoot();
     return QWidget::eventFilter(dialog, event);
 }
 

@@ -85,12 +85,13 @@ static void MoveToOwnWindow(InputPanel* panel, QWidget* dialog) {
     panel->show();
 }
 
-// The dialog's margin below its controls; the panel is as wide as the device, or wider.
-static void SetFoot(QWidget* dialog, int height) {
-    QSize size = dialog->size();
-    size.rheight() += height - dialog->contentsMargins().bottom();
-    if (height > 0) size.setWidth(std::max(size.width(), DeviceScreen()->width()));
-    dialog->setContentsMargins(0, 0, 0, height);
+// Makes room below the dialog's controls, as wide as the device. The room stays while the dialog is
+// open, also while the panel is in another one above it.
+static void MakeFoot(QWidget* dialog) {
+    if (dialog->contentsMargins().bottom() > 0) return;
+    const QSize size(std::max(dialog->width(), DeviceScreen()->width()),
+                     dialog->height() + kInputPanelHeight);
+    dialog->setContentsMargins(0, 0, 0, kInputPanelHeight);
     dialog->setMaximumSize(dialog->maximumSize().expandedTo(size));
     dialog->resize(size);
 }
@@ -99,11 +100,16 @@ static void MoveToFoot(InputPanel* panel, QWidget* dialog) {
     QWidget* before = panel->parentWidget();
     if (before == (dialog ? dialog : DeviceScreen())) return;
     panel->LetGo();
-    panel->setParent(dialog ? dialog : DeviceScreen());
     before->removeEventFilter(panel);
-    if (before != DeviceScreen()) SetFoot(before, 0);
-    if (dialog) dialog->installEventFilter(panel), SetFoot(dialog, kInputPanelHeight);
-    ArrangeScreen();
+    if (dialog) {
+        MakeFoot(dialog);
+        panel->setParent(dialog);
+        dialog->installEventFilter(panel);
+        panel->FillFoot();
+    } else {
+        panel->setParent(DeviceScreen());
+        ArrangeScreen();
+    }
     panel->show();
 }
 

@@ -106,7 +106,8 @@ class InputPanel : public QWidget {
 
     void LetGo();  // releases a key that is held down
     void setVisible(bool visible) override;
-    bool eventFilter(QObject* dialog, QEvent* event) override;  // keeps the panel at its foot
+    void FillFoot();  // of the dialog that the panel is in
+    bool eventFilter(QObject* dialog, QEvent* event) override;
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
