@@ -185,7 +185,6 @@ static void SettleRemainder(Columns* columns, int divisorCount, int64_t above) {
         carry = sum >> 16;
     }
     columns->low[first - 1] = static_cast<int32_t>(above) + carry;
-    columns->high[first] = 0;
 }
 
 // Subtracts the divisor once more if the remainder is not less than it: the estimates are sometimes

@@ -83,7 +83,7 @@ static int FilterChunk(const BYTE* bytes, int count) {
         std::memcpy(data + kept, bytes + i, static_cast<size_t>(run));
         kept += run;
         i += run;
-        if (i < count && !TelnetReceiveByte(bytes[i])) data[kept++] = bytes[i];
+        if (i < count) TelnetReceiveByte(bytes[i]);  // never data behind a run
     }
     return kept;
 }

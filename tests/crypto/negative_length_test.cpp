@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <cstring>
+#include <memory>
 
 #include "crypto/block_ciphers.h"
 #include "crypto/hashes.h"
@@ -141,6 +142,16 @@ TEST(Reader, FieldThatIsMissingIsZeroAndTheReaderStays) {
     EXPECT_FALSE(TakeBytes(&reader, 4, &block));
     EXPECT_EQ(block, nullptr);
     EXPECT_EQ(reader.left, 3);
+}
+
+// In a block of its exact size, so that the sanitizer sees a read past its end.
+TEST(Reader, NameOfADssKeyThatIsTooShortIsNotReadFurther) {
+    for (uint8_t length = 0; length < 7; length++) {
+        const auto blob = std::make_unique<uint8_t[]>(4u + length);
+        blob[3] = length;
+        std::memcpy(blob.get() + 4, "ssh-dss", length);
+        EXPECT_EQ(nullptr, DssParseKey(blob.get(), 4 + length)) << int{length};
+    }
 }
 
 TEST(Wiping, TakesEverySizeAndNothingElse) {

@@ -95,8 +95,8 @@ def print_table(mutants, folder_of):
         result = "equal" if name in equal else fields[4]
         for row in (counts.setdefault(folder_of(fields[1]), {}), total):
             row[result] = row.get(result, 0) + 1
-    print("| folder | mutants that build | killed | survived | shown to be equal | caught | of the rest | did not build |"
-          "\n|---|--:|--:|--:|--:|--:|--:|--:|")
+    print("| folder | mutants that build | killed | survived | shown to be equal | caught | of the rest | did not build |",
+          "|---|--:|--:|--:|--:|--:|--:|--:|", sep="\n")
     for folder, row in sorted(counts.items()) + [("all", total)]:
         killed, survived, same, broken = (row.get(k, 0) for k in ("killed", "survived", "equal", "did not build"))
         print(f"| `{folder}` | {killed + survived + same} | {killed} | {survived} | {same} | "
