@@ -73,6 +73,17 @@ int AskForAll(const ExactImage& image) {
 
 }  // namespace
 
+TEST_F(Resources, OfTheImageBeforeAreForgotten) {
+    const LPCWSTR type = MAKEINTRESOURCE(kResourceAccelerator), name = MAKEINTRESOURCE(8);
+    EXPECT_NE("none", Find(type, name));
+    SetResourceImage(image.data(), 32);  // the empty entry at the front
+    EXPECT_EQ("none", Find(type, name));
+    SetResourceImage(image.data(), image.size());
+    EXPECT_NE("none", Find(type, name));
+    SetResourceImage(nullptr, 0);
+    EXPECT_EQ("none", Find(type, name));
+}
+
 TEST_F(Resources, AcceleratorsComeInOrder) {
     const HACCEL table = LoadAcceleratorsW(nullptr, MAKEINTRESOURCE(7));
     ASSERT_NE(nullptr, table);
