@@ -97,11 +97,12 @@ def record(bench, name, presses):
 
 def print_chain(name, trace, probe, rows):
     chains = [trace.chain(probe, pressed, ended) for _, pressed, ended in rows]
-    kinds = collections.Counter(tuple(step[0] for step in chain) for chain in chains if chain)
+    chains = [chain for chain in chains if chain and len(chain) > 2]  # otherwise the probe was awake
+    kinds = collections.Counter(tuple(step[0] for step in chain) for chain in chains)
     if not kinds:
         return print(f"{name}: no chain was found")
     kind, count = kinds.most_common(1)[0]
-    same = [chain for chain in chains if chain and tuple(step[0] for step in chain) == kind]
+    same = [chain for chain in chains if tuple(step[0] for step in chain) == kind]
     total = statistics.median(row[0] for row in rows)
     print(f"\n{name}: {count} of {len(rows)} presses have this chain; median of all {total:.0f} us")
     print("| step | wake-up, us | work, us |\n|---|---:|---:|")

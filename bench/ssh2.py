@@ -8,7 +8,7 @@ It measures for the client and for `xterm -e ssh -c 3des-cbc`:
   throughput   the shell's cat of a file, until the reply to a request for the cursor position, which
                both send only after they have processed everything before it
 
-and four lower limits of the throughput time:
+and four figures to compare the throughput time with:
   floor        `ssh -c 3des-cbc HOST cat FILE > /dev/null`, without a terminal at either end
   terminal     the same with a terminal at the server's end, as for a shell (`ssh -tt`)
   one thread   Quill's own protocol and terminal on one thread, without a window and with Quill's

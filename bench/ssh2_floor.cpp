@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The least time that an SSH-2 session of this program can take: its own protocol and terminal on
-// one thread, without a window, a message queue or a receiving thread. bench/ssh2.py runs it.
+// An SSH-2 session of this program without what is around it: its own protocol and terminal on one
+// thread, without a window, a message queue or a receiving thread. bench/ssh2.py runs it.
 //
 //   ssh2_floor SOCKET [BYTES]   signs on with the name and password of bench/ssh2.py at the server
 //   to
