@@ -58,7 +58,7 @@ end() {
     kill $client || fail "the program has gone"
     code=0
     wait $client || code=$?
-    [ $code -eq 0 ] || fail "the program ended with $code: $(cat "$work/err")"
+    [ $code -eq 0 ] || fail "the program ended with $code: $(tail -n 3 "$work/err")"
 }
 
 # How the dialog is without a soft keyboard.
@@ -120,6 +120,7 @@ end
 
 # A dialog over a dialog takes the keyboard from it, and it comes back.
 has_size() { [ "$(window_place "$1" | sed 's/.* //')" = "$2" ]; }
+export WAYLAND_DEBUG=1 # it tells each size that a window draws
 start
 place_of 'Quill T'
 shows_keyboard
@@ -135,6 +136,7 @@ gone() { ! window_place 'Connect Advanced'; }
 await 10 gone || fail "the second dialog is still there"
 place_of 'Connect$'
 [ $height -eq $((68 + panel)) ] || fail "the first dialog again: $place"
+! grep -q "set_window_geometry(0, 0, 400, $((68 + 2 * panel)))" "$work/err" || fail "the first dialog has room for two keyboards"
 hand type $left $((top + height - panel)) $width $panel Esc
 gone() { ! window_place 'Connect$'; }
 await 10 gone || fail "the first dialog is still there"
