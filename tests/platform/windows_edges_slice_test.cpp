@@ -160,16 +160,6 @@ TEST_F(WindowEdges, AWindowThatBecameValidStartsToWaitAnew) {
     EXPECT_FALSE(FrameOverdue());
 }
 
-// As when the desktop does not show the window: the toolkit then paints nothing.
-TEST_F(WindowEdges, AWindowThatTheToolkitDoesNotPaintIsLeftInPeace) {
-    InvalidateRect(top, nullptr, TRUE);
-    EXPECT_TRUE(RunUntil([this] { return FindWindowRecord(top)->invalid.isEmpty(); }));
-    WidgetOf(top)->setUpdatesEnabled(false);
-    InvalidateRect(top, nullptr, TRUE);
-    EXPECT_TRUE(RunUntil([this] { return FindWindowRecord(top)->invalid.isEmpty(); }));
-    WidgetOf(top)->setUpdatesEnabled(true);
-}
-
 // ---------------------------------------------------------------- fonts and text
 
 TEST_F(WindowEdges, WithoutAFontTextHasTheHeightOfTheSystemsFont) {
