@@ -64,7 +64,7 @@ void UseSmallWindow() {
     TapPanelButton();
     PostToMain(WM_HELP);
     Settle();
-    Use([] { WinMain(nullptr, nullptr, nullptr, SW_SHOW); });
+    if (ProgramRuns()) Use([] { WinMain(nullptr, nullptr, nullptr, SW_SHOW); });
 }
 
 void ResetAll() {
