@@ -56,6 +56,12 @@ TEST(Manifest, MakesTheProgramAwareOfTheMonitorsScale) {
     EXPECT_TRUE(IsProcessDPIAware());
     EXPECT_EQ(DPI_AWARENESS_PER_MONITOR_AWARE,
               GetAwarenessFromDpiAwarenessContext(GetThreadDpiAwarenessContext()));
+    // Wine counts every program as aware; so this is what the manifest says.
+    wchar_t setting[64] = {};
+    EXPECT_TRUE(QueryActCtxSettingsW(0, nullptr,
+                                     L"http://schemas.microsoft.com/SMI/2016/WindowsSettings",
+                                     L"dpiAwareness", setting, 64, nullptr));
+    EXPECT_STREQ(L"PerMonitorV2, PerMonitor", setting);
 }
 
 // Windows has the current common controls in a separate folder.
