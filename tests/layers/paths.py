@@ -23,7 +23,8 @@ PAGES = (".md",)
 SOURCES = (".cpp", ".h", ".py", ".sh", ".rc", ".cmake", ".txt")
 # The system's own headers, and a pattern of names.
 ELSEWHERE = ("winsock2.h", "winsock.h", "windows.h", "commctrl.h", "commdlg.h", "prsht.h", "raserror.h",
-             "aygshell.h", "sipapi.h", "not_run.txt", "ras.h", "term.h", "NUMBER-NAME.txt")
+             "aygshell.h", "sipapi.h", "not_run.txt", "ras.h", "term.h", "NUMBER-NAME.txt", "totals.json",
+             "build/fuzz-run/totals.json")
 
 
 def listed():

@@ -251,7 +251,7 @@ TEST_F(WindowEdges, ALineOfTextHasTheGlyphsOfAllPrintableAscii) {
         const auto found = raw.glyphIndexesForString(QString(QChar(c)));
         ASSERT_EQ(1, found.size());
         EXPECT_EQ(found[0], line.glyphs[c]) << static_cast<int>(c);
-        EXPECT_GT(line.advances[c], 0) << static_cast<int>(c);
+        EXPECT_GT(LineAdvance(line, c), 0) << static_cast<int>(c);
     }
 }
 

@@ -113,8 +113,12 @@ void DialogWidget::closeEvent(QCloseEvent* event) {
     QueueInput(dialog_, WM_CLOSE, 0, 0);
 }
 
+// A window is wider than its content where the soft keyboard below needs the width. A hidden window
+// has no valid size yet, so the content is centred only from here on.
 void DialogWidget::resizeEvent(QResizeEvent*) {
-    if (body_) body_->setGeometry(contentsRect());
+    if (!body_) return;
+    body_->setGeometry(contentsRect());
+    if (auto* area = qobject_cast<QScrollArea*>(body_)) area->setAlignment(Qt::AlignHCenter);
 }
 
 constexpr WindowOperations kDialogOperations = {nullptr, PlaceDialog, ShowOwnWindow, BringOwnWindow,
@@ -195,7 +199,6 @@ QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {
     auto* area = new QScrollArea(parent);
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);
-    area->setAlignment(Qt::AlignHCenter);
     area->viewport()->move(0, 0);  // removes the offset of the frame that it was made with
     *content = new QWidget;
     area->setWidget(*content);
