@@ -120,7 +120,7 @@ function(quill_device_test name label)
     list(GET label 0 prefix)
     add_test(NAME ${prefix}.${name}
              COMMAND ${name} --gtest_brief=1 --gtest_output=xml:${CMAKE_BINARY_DIR}/reports/${name}.xml)
-    set_tests_properties(${prefix}.${name} PROPERTIES LABELS "${label}" TIMEOUT 600 ENVIRONMENT
+    set_tests_properties(${prefix}.${name} PROPERTIES LABELS "${label}" TIMEOUT 1200 ENVIRONMENT
                          QUILL_JUDGE_ANSWERS=${CMAKE_SOURCE_DIR}/build/devices/judge.answers)
 endfunction()
 
