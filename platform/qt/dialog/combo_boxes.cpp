@@ -5,7 +5,6 @@
 #include <QLineEdit>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/shell/shell.h"
 
 constexpr int kUsualLimit = 32767;
 
@@ -29,7 +28,6 @@ static void MakeEditable(HWND control, QComboBox* combo) {
     combo->setInsertPolicy(QComboBox::NoInsert);
     combo->setCompleter(nullptr);
     LimitTyping(control, combo, kUsualLimit);
-    OfferInputPanel(combo->lineEdit(), PlaceDialogsAgain);
     QObject::connect(combo->lineEdit(), &QLineEdit::textEdited, combo, [control, combo] {
         if (const Window* window = FindWindowRecord(control))
             LimitTyping(control, combo, window->control->limit);

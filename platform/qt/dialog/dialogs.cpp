@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -161,6 +162,9 @@ Window* MakeDialogWindow(const WindowClass* window_class, HWND owner, const std:
 }
 
 void StartDialog(HWND dialog, LPARAM parameter) {
+    const QWidget* content = FindWindowRecord(dialog)->dialog->content;
+    for (QLineEdit* field : content->findChildren<QLineEdit*>())
+        OfferInputPanel(field, PlaceDialogsAgain);
     const HWND first = FirstTabStop(*FindWindowRecord(dialog));
     const LRESULT focus =
         SendMessageW(dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(first), parameter);

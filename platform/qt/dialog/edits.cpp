@@ -6,7 +6,6 @@
 #include <QRegularExpressionValidator>
 
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/shell/shell.h"
 
 constexpr int kUsualLimit = 32767;
 
@@ -35,7 +34,6 @@ static QWidget* MakeEdit(HWND control, const DialogItem& item, QWidget* parent) 
     }
     LimitTyping(control, edit, kUsualLimit);
     edit->setText(FromWide(item.text.c_str()));
-    OfferInputPanel(edit, PlaceDialogsAgain);
     QObject::connect(edit, &QLineEdit::textEdited, edit, [control, edit] {
         HoldLimit(control, edit);
         QueueNotice(control, EN_CHANGE);
