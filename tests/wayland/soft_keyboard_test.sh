@@ -73,11 +73,26 @@ drawn() {
 await 10 drawn "$pictures/sign-on-alone.png" || fail "the dialog is not drawn"
 end
 
-shows_keyboard() { hand click $((left + width - 12)) $((top + height - strip / 2)); }
+# A click that comes before the window is ready is lost, so it is repeated.
+grab_foot() { grim -g "$left,$((top + height - strip - panel)) ${width}x$panel" "$1"; }
+has_keyboard() {
+    grab_foot "$work/foot.png"
+    [ "$(compare -metric AE "$work/foot.png" "$work/foot-before.png" null: 2>&1)" -gt 2000 ]
+}
+shows_keyboard() {
+    sleep 1 # until the window is painted
+    for try in 1 2 3 4 5; do
+        grab_foot "$work/foot-before.png"
+        hand click $((left + width - 12)) $((top + height - strip / 2))
+        ! await 3 has_keyboard || return 0
+    done
+    fail "the soft keyboard does not come"
+}
 # opens_box: with a soft keyboard; the server answers once it is shown. Sets `device`.
 opens_box() {
     kill -STOP $server
     start "ssh://127.0.0.1:$port"
+    await 20 window_place 'Quill Telnet  ' || fail "the window has no title"
     place_of 'Quill T'
     device=$width
     shows_keyboard
