@@ -226,18 +226,6 @@ TEST(InputPanelInDialogs, ATapMovesEveryOpenDialogAboveIt) {
     });
 }
 
-TEST(InputPanelInDialogs, AFieldThatTheRoomCutsOffIsScrolledIntoSight) {
-    RunProgram(SmallDevice(240, 206), [] {
-        OpenOnSmallDevice(IDM_AUTO_LOGIN);
-        TapField(IDC_RESP2, TapAsAFinger);
-        EXPECT_TRUE(PanelIsUp());
-        OnWindowThread([] {
-            const QLineEdit* field = FieldOf(IDC_RESP2);
-            EXPECT_EQ(field->visibleRegion(), QRegion(field->rect()));
-        });
-    });
-}
-
 // Faster than the program takes them.
 TEST(InputPanelInDialogs, AKeyIsTypedWhereTheKeyBeforeItHasMovedTheFocus) {
     RunProgram(SmallDevice(), [] {

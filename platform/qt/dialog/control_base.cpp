@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What all kinds of controls share: notices to the dialog, texts, entries, dialog units, and the
-// place of the dialog above the input panel.
+// What all kinds of controls share: notices to the dialog, texts, entries and dialog units.
 #include "platform/qt/dialog/dialogs.h"
-#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
 
 static int Scaled(int units, int base, int divisor) {
@@ -76,14 +74,4 @@ int SortedPlace(const QStringList& entries, const QString& text) {
 int PlaceOf(WPARAM row, int count) {
     const int place = static_cast<int>(row) == -1 ? count : static_cast<int>(row);
     return place > count || place < 0 ? -1 : place;
-}
-
-void PlaceDialogsAgain() {
-    for (Window* window : AllWindows()) {
-        if (!window->dialog || !window->widget || !window->widget->isVisible()) continue;
-        const QPoint corner = DeviceScreen()->mapFromGlobal(window->widget->geometry().topLeft());
-        const DialogData& data = *window->dialog;
-        const QSize size = data.sheet ? data.wanted : data.content->size();
-        window->operations->place(*window, QRect(corner, size));
-    }
 }

@@ -161,6 +161,17 @@ Window* MakeDialogWindow(const WindowClass* window_class, HWND owner, const std:
     return window;
 }
 
+// Of all that are open, for another RoomForDialogs.
+static void PlaceDialogsAgain() {
+    for (Window* window : AllWindows()) {
+        if (!window->dialog || !window->widget || !window->widget->isVisible()) continue;
+        const QPoint corner = DeviceScreen()->mapFromGlobal(window->widget->geometry().topLeft());
+        const DialogData& data = *window->dialog;
+        const QSize size = data.sheet ? data.wanted : data.content->size();
+        window->operations->place(*window, QRect(corner, size));
+    }
+}
+
 void StartDialog(HWND dialog, LPARAM parameter) {
     const QWidget* content = FindWindowRecord(dialog)->dialog->content;
     for (QLineEdit* field : content->findChildren<QLineEdit*>())

@@ -95,7 +95,6 @@ void FocusControl(const Window& control);  // also selects an edit's text, as Ta
 void AnswerMessageBoxes(bool answer);  // true: each box presses its default button by itself
 
 // control_base.cpp
-void PlaceDialogsAgain();                   // all that are open, for another RoomForDialogs
 QSize DialogPixels(int width, int height);  // from dialog units
 QString WithoutMnemonic(const QString& text);
 // Notify the dialog by WM_COMMAND: QueueNotice behind the input that is already queued, SendNotice
