@@ -230,6 +230,15 @@ static int RunProgram(const CommandLine& line) {
     return result;
 }
 
+// The toolkit's end of its connection to Wayland can wait for its own thread forever, when the
+// program is ended right after its start. Everything is saved and closed, so the process ends
+// without it.
+static int EndProcess(int result) {
+    if (DesktopTellsPlaces()) return result;
+    std::fflush(nullptr);
+    _exit(result);
+}
+
 // A desktop that follows a link has nobody who reads stderr.
 static bool IsFollowedLink(const std::vector<char*>& arguments) {
     return arguments.size() == 3 && std::strstr(arguments[1], "://") && !isatty(STDERR_FILENO);
@@ -249,7 +258,7 @@ static int RefuseCommandLine(std::vector<char*> given) {
     QMessageBox box(QMessageBox::Warning, "Quill Telnet", QString::fromStdString(LastComplaint()));
     box.setTextFormat(Qt::PlainText);
     box.exec();
-    return 2;
+    return EndProcess(2);
 }
 
 int main(int argc, char** argv) {
@@ -288,5 +297,5 @@ int main(int argc, char** argv) {
     const bool busy = asks && IsProfileBusy(line);
     const int result = busy ? 1 : RunProgram(line);
     CloseDevice();
-    return result;
+    return EndProcess(result);
 }
