@@ -91,8 +91,8 @@ Description: terminal client for Telnet, SSH-1.5 and SSH-2
  of keys that can be changed, three toolbars, a panel of keys for a stylus,
  automatic login, and a terminal description for the host.
  .
- It is made for hosts that nobody may replace. Its SSH is what such hosts
- speak, and no protection on a network of today.
+ It is made for old hosts that cannot be replaced. Its SSH is the one that
+ such hosts have, and does not protect a session on today's networks.
 END
 
 # Whoever made the sources' files, with whatever umask.

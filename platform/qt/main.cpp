@@ -152,16 +152,6 @@ static void ChooseInputMethod() {
     if (!qEnvironmentVariableIsSet("QT_IM_MODULE")) qputenv("QT_IM_MODULE", "compose");
 }
 
-// As other programs do, takes the first display of Wayland if the environment names none.
-static void NameFirstDisplay() {
-    if (!qEnvironmentVariableIsEmpty("DISPLAY")) return;
-    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) return;
-    const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
-    struct stat socket = {};
-    if (folder.isEmpty() || stat((folder + "/wayland-0").constData(), &socket) != 0) return;
-    if (S_ISSOCK(socket.st_mode)) qputenv("WAYLAND_DISPLAY", "wayland-0");
-}
-
 // Without a display the toolkit would abort with a core dump. Its platforms that need no display
 // are named by an option or by QT_QPA_PLATFORM.
 static bool IsDisplayNamed(int argc, char** argv) {
@@ -170,6 +160,16 @@ static bool IsDisplayNamed(int argc, char** argv) {
     for (int i = 1; i < argc; ++i)
         if (std::strstr(argv[i], "-platform") || std::strstr(argv[i], "-display")) return true;
     return false;
+}
+
+// As other programs do, takes the first display of Wayland if nothing names one. Programs that this
+// one starts get that name, too.
+static void NameFirstDisplay(int argc, char** argv) {
+    if (IsDisplayNamed(argc, argv)) return;
+    const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
+    struct stat socket = {};
+    if (folder.isEmpty() || stat((folder + "/wayland-0").constData(), &socket) != 0) return;
+    if (S_ISSOCK(socket.st_mode)) qputenv("WAYLAND_DISPLAY", "wayland-0");
 }
 
 static QtMessageHandler g_usual_messages = nullptr;
@@ -247,7 +247,7 @@ static bool IsFollowedLink(const std::vector<char*>& arguments) {
 // Exit code 2, whatever the toolkit says.
 static int RefuseCommandLine(std::vector<char*> given) {
     int count = 1;
-    NameFirstDisplay();
+    NameFirstDisplay(count, given.data());
     if (!IsFollowedLink(given) || !IsDisplayNamed(count, given.data())) return 2;
     LeaveMuteBuses();
     ChooseInputMethod();
@@ -267,7 +267,7 @@ int main(int argc, char** argv) {
     if (!TakeCommandLine(&argc, argv, &line)) return RefuseCommandLine(given);
     if (line.task != Task::kRun) return DoTask(line);
     const HostOptions& options = line.options;
-    NameFirstDisplay();
+    NameFirstDisplay(argc, argv);
     if (!IsDisplayNamed(argc, argv)) {
         std::fputs("quill: there is no display (DISPLAY and WAYLAND_DISPLAY are empty)\n", stderr);
         return 1;
@@ -288,7 +288,7 @@ int main(int argc, char** argv) {
     qInstallMessageHandler(nullptr);
     QApplication::setQuitOnLastWindowClosed(false);
     NameEntry(line.profile);
-    if (!MakeSettingsFolder(line)) return 2;
+    if (!MakeSettingsFolder(line)) return EndProcess(2);
     OpenDevice(options);
     RestoreVariables(variables);
     const double scale = choose ? ScaleThatFits(DeviceScreen()->size()) : kUsualScale;

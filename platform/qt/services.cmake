@@ -14,7 +14,7 @@ set(SERVICES export_settings files kernel posix_sockets registry registry_store 
 list(TRANSFORM SERVICES PREPEND services/)
 list(TRANSFORM SERVICES APPEND .cpp)
 quill_library(platform_services ${SERVICES})
-# Export, resources and the registry's file are read once in a run.
+# These work at the start, at the end and when a person asks.
 quill_small(services/export_settings.cpp services/files.cpp services/run_values.cpp services/resources.cpp
     services/registry.cpp services/registry_store.cpp services/remote_access.cpp)
 # Its strings are short: -O3 would unroll their loops.

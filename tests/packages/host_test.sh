@@ -82,7 +82,7 @@ wait $second || code=$?
 [ $code -eq 1 ] || fail "the second start ended with $code"
 kill -0 $client || fail "the first program has ended"
 has_window "$session_title" || fail "the first session has ended"
-# Without a host it is handed over to without a word, as ever.
+# A start without a host brings the open window to the front, and prints nothing.
 timeout -k 5 20 "$program" --root "$root" 2>"$work/second" || fail "the third start ended with $?"
 [ ! -s "$work/second" ] || fail "said: $(cat "$work/second")"
 # A picture or the text of a session that this start would open: it has none, says so, and shows no box.

@@ -161,7 +161,7 @@ Window* MakeDialogWindow(const WindowClass* window_class, HWND owner, const std:
     return window;
 }
 
-// Of all that are open, for another RoomForDialogs.
+// Places every open dialog again, because RoomForDialogs has changed.
 static void PlaceDialogsAgain() {
     for (Window* window : AllWindows()) {
         if (!window->dialog || !window->widget || !window->widget->isVisible()) continue;

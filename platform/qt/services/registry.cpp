@@ -31,8 +31,8 @@ struct Registry {
     bool unread = false;          // the file failed to give a key or a value
     std::set<std::string> known;  // values that were read, set or deleted
     UINT_PTR last = 0;
-    std::u16string walked;  // the last way that was walked from the root; empty: none
-    std::string reached;    // where it leads
+    std::u16string walked;  // the last path that was opened below the root, as the caller wrote it
+    std::string reached;    // the same path as the file stores it
 };
 
 }  // namespace
@@ -109,7 +109,7 @@ static HKEY AddKey(Registry& registry, const std::string& path, DWORD access) {
 // for each value.
 static LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool* created) {
     if (!sub_key) sub_key = u"";
-    if (!created && *path == kLocalMachine && registry.walked == sub_key) {
+    if (!created && *sub_key && *path == kLocalMachine && registry.walked == sub_key) {
         *path = registry.reached;
         return ErrorOf(registry.store.HasKey(*path));
     }

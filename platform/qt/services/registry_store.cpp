@@ -308,6 +308,7 @@ static std::string BytesOf(sqlite3_stmt* statement, int column) {
 
 static NamedValue RowOf(sqlite3_stmt* statement) {
     const auto type = static_cast<uint32_t>(sqlite3_column_int64(statement, 1));
+    sqlite3_column_text(statement, 0);  // turns a name of a file in UTF-16 into UTF-8
     return {BytesOf(statement, 0), {type, BytesOf(statement, 2)}};
 }
 
@@ -344,6 +345,7 @@ int RegistryStore::Run(Statement which, const std::string& key, const std::strin
     const int result = RunOnce(which, key, name, value, rows);
     if (!IsDamage(result)) return result;
     Abandon();
+    if (rows) rows->clear();  // they are of the file that was set aside
     return Open(true) ? RunOnce(which, key, name, value, rows) : result;
 }
 
@@ -397,7 +399,7 @@ StoreResult RegistryStore::Read(const std::string& key, const std::string& name,
     std::vector<NamedValue> rows;
     if (Run(kRead, key, &name, nullptr, &rows) != SQLITE_DONE) return StoreResult::kFailed;
     if (rows.empty()) return StoreResult::kNotFound;
-    *value = std::move(rows.back().value);  // if the file was set aside, the last is of the new one
+    *value = std::move(rows.front().value);
     return StoreResult::kOk;
 }
 

@@ -31,7 +31,8 @@ static bool SameFont(const LOGFONTW& one, const LOGFONTW& other) {
            FromWide(one.lfFaceName) == FromWide(other.lfFaceName);
 }
 
-constexpr LONG kListedHeight = 8;  // of the faces that EnumFontFamiliesW lists; a first start's
+// The height of the faces that EnumFontFamiliesW lists. A first start draws with it, too.
+constexpr LONG kListedHeight = 8;
 
 // The one place that chooses a font of the desktop: equal requests load it only once.
 static QFont DesktopFont(const QString& family, LONG height) {

@@ -34,7 +34,7 @@ struct QueuedMessage {
 
 static std::mutex g_posted_mutex;
 static std::deque<MSG> g_posted;
-static std::atomic<bool> g_something_posted{false};  // what PostedChanged saw last
+static std::atomic<bool> g_something_posted{false};  // true while g_posted has a message
 static std::set<HWND> g_takers;                      // the windows that messages can be posted to
 static std::atomic<bool> g_waiting{false};
 static std::atomic<QAbstractEventDispatcher*> g_dispatcher{nullptr};
