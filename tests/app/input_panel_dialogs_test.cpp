@@ -12,28 +12,13 @@
 #include "platform/qt/window/window.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
+#include "tests/app/soft_keyboard.h"
 #include "tests/qt_driver/driver.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
 
 namespace {
-
-Stage SmallDevice(int width = 240, int height = 320) {
-    Stage stage;
-    stage.width = width, stage.height = height;
-    return stage;
-}
-
-void TapPanelButton() {
-    OnWindowThread([] { QTest::mouseClick(ShellMenuStrip()->panel_button(), Qt::LeftButton); });
-}
-
-PanelKey* KeyLabelled(const QString& label) {
-    for (PanelKey* key : ShellInputPanel()->findChildren<PanelKey*>())
-        if (key->accessibleName() == label) return key;
-    return nullptr;
-}
 
 // Clicks through the window system, which blocks the mouse for windows below a modal dialog.
 void TapAsTheDesktopDoes(const QString& label) {

@@ -9,6 +9,7 @@
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
+#include "tests/app/soft_keyboard.h"
 #include "tests/qt_driver/driver.h"
 #include "tests/support/drawn.h"
 #include "tests/support/fake_host.h"
@@ -17,22 +18,6 @@
 #include "ui/view/view.h"
 
 namespace {
-
-Stage SmallDevice(int width = 240, int height = 320) {
-    Stage stage;
-    stage.width = width, stage.height = height;
-    return stage;
-}
-
-void TapPanelButton() {
-    OnWindowThread([] { QTest::mouseClick(ShellMenuStrip()->panel_button(), Qt::LeftButton); });
-}
-
-PanelKey* KeyLabelled(const QString& label) {
-    for (PanelKey* key : ShellInputPanel()->findChildren<PanelKey*>())
-        if (key->accessibleName() == label) return key;
-    return nullptr;
-}
 
 void Tap(const QString& label) {
     OnWindowThread([&] {

@@ -13,6 +13,7 @@
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
+#include "tests/app/soft_keyboard.h"
 #include "tests/qt_driver/driver.h"
 #include "tests/support/person.h"
 #include "tests/support/sessions.h"
@@ -269,12 +270,6 @@ TEST(CommandBarEdges, AStripThatIsMissingOrTooSmallHasNoPictures) {
 // ---------------------------------------------------------------- the input panel
 
 namespace {
-
-PanelKey* KeyLabelled(const QString& label) {
-    for (PanelKey* key : ShellInputPanel()->findChildren<PanelKey*>())
-        if (key->accessibleName() == label) return key;
-    return nullptr;
-}
 
 class KeyTexts : public QObject {
   public:
