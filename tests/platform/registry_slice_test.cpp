@@ -410,6 +410,16 @@ TEST_F(RegistryFileOnDisk, ClosingKeepsKeysOpen) {
     RegCloseKey(key);
 }
 
+// The first call of a process: no other path has been opened before.
+TEST_F(RegistryFileOnDisk, TheRootItselfOpens) {
+    for (const LPCWSTR way : {static_cast<LPCWSTR>(nullptr), u""}) {
+        HKEY key = nullptr;
+        EXPECT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, way, 0, KEY_QUERY_VALUE, &key));
+        EXPECT_NE(nullptr, key);
+        RegCloseKey(key);
+    }
+}
+
 namespace {
 
 // Makes every call on a folder that cannot be used; returns 0 if each call failed.
