@@ -252,6 +252,59 @@ TEST(Menus, ANarrowBarHasTheDesktopsButtonForTheRest) {
     });
 }
 
+// Presses the button from the queue, as a person does: a menu that ran a loop of its own would hold
+// up whoever waits for the press.
+void PressRestButton() {
+    QMetaObject::invokeMethod(
+        ShellMenuStrip(),
+        [] {
+            auto* button =
+                ShellMenuStrip()->bar()->findChild<QToolButton*>("qt_menubar_ext_button");
+            QTest::mouseClick(button, Qt::LeftButton);
+        },
+        Qt::QueuedConnection);
+}
+
+bool RestIsOpen() {
+    return QApplication::activePopupWidget() && QApplication::activePopupWidget()->isVisible();
+}
+
+TEST(Menus, TheTerminalGoesOnWhileTheMenuOfTheRestIsOpen) {
+    FakeHost host;
+    RunProgram({.width = 120}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        host.Send("x");
+        ASSERT_TRUE(FileMenuReads("&Disconnect... 40011"));
+        PressRestButton();
+        ASSERT_TRUE(Eventually(RestIsOpen));
+        host.Send("yz");
+        EXPECT_TRUE(TerminalShows("xyz"));
+        OnWindowThread([] {
+            QWidget* menu = QApplication::activePopupWidget();
+            ASSERT_NE(menu, nullptr);
+            const QWidget* bar = ShellMenuStrip();
+            EXPECT_LE(menu->geometry().bottom(), bar->mapToGlobal(QPoint(0, bar->height())).y());
+            EXPECT_EQ(menu->actions().last()->text(), "&Settings");
+            menu->close();
+        });
+        EXPECT_TRUE(Eventually([] { return !RestIsOpen(); }));
+        PressRestButton();
+        ASSERT_TRUE(Eventually(RestIsOpen)) << "it opens again";
+        OnWindowThread([] {
+            QWindow* menu = QApplication::activePopupWidget()->windowHandle();
+            auto* button =
+                ShellMenuStrip()->bar()->findChild<QToolButton*>("qt_menubar_ext_button");
+            const QPoint place = button->mapToGlobal(button->rect().center());
+            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->mapFromGlobal(place));
+        });
+        OnWindowThread([] { EXPECT_FALSE(RestIsOpen()) << "a press on its button closes it"; });
+        TypeText("after");
+        EXPECT_EQ(host.Read(5), "after") << "the keys are the terminal's";
+    });
+}
+
 TEST(Menus, TappedTitleOpensItsMenuUpward) {
     RunProgram({}, [] {
         Ready();

@@ -106,6 +106,21 @@ class KeyboardPicture : public QIconEngine {
     QColor color_;
 };
 
+// Opens the menu of the titles that do not fit into the bar. Their button would open it in a loop
+// of its own, in which the program's messages wait and the terminal does not go on.
+class RestOpener : public QObject {
+  public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::MouseButtonPress) return false;
+        QMenu* menu = static_cast<QToolButton*>(watched)->menu();
+        const QPoint above(0, menu ? -menu->sizeHint().height() : 0);
+        if (menu) menu->popup(static_cast<QWidget*>(watched)->mapToGlobal(above));
+        return true;
+    }
+};
+
 }  // namespace
 
 // Fills all menus at the start. A menu that is filled only when it is about to be shown for the
@@ -142,6 +157,8 @@ MenuStrip::MenuStrip(QWidget* screen) : QWidget(screen) {
     bar_ = new QMenuBar(this);
     bar_->setNativeMenuBar(false);
     bar_->setDefaultUp(true);
+    if (auto* rest = bar_->findChild<QToolButton*>("qt_menubar_ext_button"))
+        rest->installEventFilter(new RestOpener(this));
     panel_button_ = new QToolButton(this);
     panel_button_->setAutoRaise(true);
     panel_button_->setFocusPolicy(Qt::NoFocus);
@@ -171,10 +188,9 @@ void MenuStrip::ShowMenus(HWND bar, HWND window, const std::vector<MenuItem>& me
 // deleted later.
 void MenuStrip::RemoveMenus(HWND bar) {
     if (bar != owner_) return;
-    for (QMenu* menu : bar_->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly)) {
+    for (QMenu* menu : bar_->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly))
         menu->close();
-        menu->deleteLater();
-    }
+    for (const QAction* title : bar_->actions()) title->menu()->deleteLater();
     bar_->clear();
     owner_ = nullptr;
 }
