@@ -365,6 +365,24 @@ TEST(InputPanel, KeysFillItWithoutOverlapOnEveryWidth) {
     });
 }
 
+TEST(InputPanel, EachLetterAndDigitIsAFifteenthOfARowWide) {
+    RunProgram(SmallDevice(), [] {
+        TapPanelButton();
+        for (const int width : {240, 640, 1500}) {
+            ResizeDevice(width, 320);
+            OnWindowThread([=] {
+                int keys = 0;
+                for (PanelKey* key : ShellInputPanel()->findChildren<PanelKey*>()) {
+                    if (key->text().size() != 1 || !key->text()[0].isLetterOrNumber()) continue;
+                    EXPECT_NEAR(width / 15.0, key->width(), 1) << key->text().toStdString();
+                    ++keys;
+                }
+                EXPECT_EQ(26 + 10, keys);
+            });
+        }
+    });
+}
+
 // True if there is ink between a key's label and its frame. Call it on the window thread.
 bool TouchesItsEdge(PanelKey* key) {
     const QImage face = key->grab().toImage().convertToFormat(QImage::Format_Grayscale8);

@@ -18,7 +18,12 @@ namespace {
 struct SelectCall {
     bool reads;
     long seconds, microseconds;  // -1: no time-out
+    std::vector<SOCKET> excepts;
 };
+
+// A wait that leaves other sockets in its sets than those that it was called with.
+std::atomic<bool> g_leaves_others = false;
+constexpr SOCKET kOther = 0x5A5A;
 
 struct SocketLog {
     std::mutex mutex;
@@ -115,9 +120,16 @@ int LoggedSelect(int ignored, SliceSocketSet* read, SliceSocketSet* write, Slice
     {
         const std::lock_guard<std::mutex> lock(g_log.mutex);
         if (g_log.selects.size() < 100000)
-            g_log.selects.push_back({read != nullptr && read->fd_count > 0,
-                                     timeout ? timeout->tv_sec : -1,
-                                     timeout ? timeout->tv_usec : -1});
+            g_log.selects.push_back(
+                {read != nullptr && read->fd_count > 0,
+                 timeout ? timeout->tv_sec : -1,
+                 timeout ? timeout->tv_usec : -1,
+                 {except->fd_array, except->fd_array + std::min(except->fd_count, 64u)}});
+    }
+    if (g_leaves_others.exchange(false)) {
+        for (SliceSocketSet* set : {read, except})
+            for (set->fd_count = 0; set->fd_count < 3;) set->fd_array[set->fd_count++] = kOther;
+        return 0;
     }
     return RealSelect(ignored, read, write, except, timeout);
 }
@@ -294,6 +306,25 @@ TEST(SocketCalls, EachWaitForTheSocketEndsAfterAFifthOfASecond) {
             Close();
             ASSERT_TRUE(Offline());
         }
+    });
+}
+
+TEST(SocketCalls, EachWaitIsForTheSessionsSocketAlone) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        ForgetCalls();
+        g_leaves_others = true;
+        SetHost(u"127.0.0.1", host.port);
+        Connect();
+        ASSERT_TRUE(host.Accept());
+        ASSERT_TRUE(Eventually([] { return Selects().size() >= 3; }));
+        EXPECT_FALSE(g_leaves_others);
+        OnWindowThread([] {
+            for (const SelectCall& call : Selects())
+                EXPECT_EQ(std::vector<SOCKET>{session.socket}, call.excepts);
+        });
+        host.Send("hello");
+        EXPECT_TRUE(TerminalShows("hello"));
     });
 }
 

@@ -6,6 +6,7 @@ import sys
 
 from programs import LIST
 
+BY_BUILD = "(by build)"  # at the end of what noticed a mutant that was built alone
 EQUAL = pathlib.Path(__file__).with_name("equal.txt")
 
 
@@ -16,6 +17,11 @@ def read_list():
             fields = line.split("\t")
             rows[fields[0]] = fields
     return rows
+
+
+def say_if_empty(rows):
+    if not rows:
+        print(f"No mutant has been tried here: {LIST} comes with the first run.", file=sys.stderr)
 
 
 def keep(mutant, path, result, by):
@@ -88,16 +94,18 @@ def percent(part, whole):
 def print_table(mutants, folder_of):
     """caught: of all that build. of the rest: without those that equal.txt has."""
     rows = read_list()
+    say_if_empty(rows)
     fitting = present(rows, mutants)
     equal = equal_names(fitting, mutants)
-    counts, total = {}, {}
+    counts, total, built = {}, {}, {}
     for name, fields in fitting.items():
         result = "equal" if name in equal else fields[4]
-        for row in (counts.setdefault(folder_of(fields[1]), {}), total):
+        alone = fields[5].endswith(BY_BUILD)
+        for row in (built,) if alone else (counts.setdefault(folder_of(fields[1]), {}), total):
             row[result] = row.get(result, 0) + 1
     print("| folder | mutants that build | killed | survived | shown to be equal | caught | of the rest | did not build |",
           "|---|--:|--:|--:|--:|--:|--:|--:|", sep="\n")
-    for folder, row in sorted(counts.items()) + [("all", total)]:
+    for folder, row in sorted(counts.items()) + [("all", total)] + ([("by build", built)] if built else []):
         killed, survived, same, broken = (row.get(k, 0) for k in ("killed", "survived", "equal", "did not build"))
         print(f"| `{folder}` | {killed + survived + same} | {killed} | {survived} | {same} | "
               f"{percent(killed, killed + survived + same)} | {percent(killed, killed + survived)} | {broken} |")
@@ -107,9 +115,10 @@ def print_table(mutants, folder_of):
 
 def print_survivors(mutants):
     rows = present(read_list(), mutants)
+    say_if_empty(rows)
     equal = equal_names(rows, mutants)
     operators = {name: key[1] for key, name in keyed(mutants).items()}
     for name, fields in sorted(rows.items(), key=lambda row: (row[1][1], int(row[1][2]))):
         if fields[4] == "survived" and name not in equal:
-            reached = f" ({fields[5]})" if fields[5] else ""
+            reached = f" ({fields[5].strip('()')})" if fields[5] else ""
             print(f"{name} {fields[1]}:{fields[2]}: {operators[name]}{reached}\n    - {fields[6]}\n    + {fields[7]}")

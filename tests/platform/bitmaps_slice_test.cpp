@@ -90,6 +90,18 @@ TEST(Bitmaps, BytesOfAColourAreBlueGreenRed) {
     EXPECT_EQ((Pixels{kBlue, 0x00FFFF}), PixelsOf(MakeBitmap({.height = 1, .bits = 32}, {}, four)));
 }
 
+TEST(Bitmaps, EachPixelOfALongRowHasItsOwnBytes) {
+    Bytes three, four;
+    Pixels expected;
+    for (uint32_t i = 0; i < 16; ++i) {
+        expected.push_back(0x102030 + 0x070503 * i);
+        Add(&three, expected.back(), 3);
+        Add(&four, expected.back(), 4);
+    }
+    EXPECT_EQ(expected, PixelsOf(MakeBitmap({.width = 16, .height = 1, .bits = 24}, {}, three)));
+    EXPECT_EQ(expected, PixelsOf(MakeBitmap({.width = 16, .height = 1, .bits = 32}, {}, four)));
+}
+
 TEST(Bitmaps, ANegativeHeightCountsFromTheTop) {
     const Bytes rows = {0x10, 0, 0, 0, 0x23, 0, 0, 0};
     const Pixels colors = Ramp(16);

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <QColorDialog>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 
 #include "platform/qt/window/device_screen.h"
 #include "tests/qt_driver/driver.h"
@@ -87,6 +89,21 @@ TEST_F(ColorDialog, ChooserStaysOnTheDesktop) {
     OnNextDialog([] {
         const QRect desktop = DeviceScreen()->screen()->availableGeometry();
         EXPECT_TRUE(desktop.contains(ShownColorDialog()->window()->frameGeometry()));
+        ShownColorDialog()->reject();
+    });
+    EXPECT_FALSE(FindChooser()(&ask.request));
+}
+
+TEST_F(ColorDialog, ChooserIsWholeWhereTheDesktopHasRoom) {
+    ColorRequest ask;
+    OnNextDialog([] {
+        const auto* area = ShownColorDialog()->window()->findChild<QScrollArea*>();
+        ASSERT_NE(nullptr, area);
+        const QRect desktop = DeviceScreen()->screen()->availableGeometry();
+        ASSERT_GT(desktop.height(), ShownColorDialog()->window()->frameGeometry().height());
+        EXPECT_EQ(area->viewport()->size(), ShownColorDialog()->size());
+        EXPECT_FALSE(area->verticalScrollBar()->isVisible());
+        EXPECT_FALSE(area->horizontalScrollBar()->isVisible());
         ShownColorDialog()->reject();
     });
     EXPECT_FALSE(FindChooser()(&ask.request));

@@ -2,6 +2,8 @@
 // Answers of dialogs and their controls to what programs ask seldom, and message boxes of all
 // sizes.
 #include <QApplication>
+#include <QFontMetrics>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -107,6 +109,50 @@ TEST_F(DialogEdges, OnlyADialogHasTheValuesOfADialog) {
             EXPECT_EQ(0, GetWindowLongW(other, DWLP_USER));
         }
         EXPECT_EQ(42, GetWindowLongW(dialog, DWLP_USER));
+    });
+}
+
+TEST_F(DialogEdges, OnlyThePasswordIsHiddenWhileItIsTyped) {
+    On(kEverything, [](HWND) {
+        for (const int id : {kName, kPassword, kDigits}) {
+            const auto* edit = qobject_cast<QLineEdit*>(DialogWidgetOf(id));
+            ASSERT_NE(nullptr, edit);
+            EXPECT_EQ(id == kPassword ? QLineEdit::Password : QLineEdit::Normal, edit->echoMode())
+                << id;
+        }
+    });
+}
+
+TEST_F(DialogEdges, AGroupBoxIsAFrameWithATitleBehindItsControls) {
+    constexpr int kCipher = 205;
+    On(kEverything, [](HWND dialog) {
+        const auto* box = qobject_cast<QGroupBox*>(DialogWidgetOf(kCipher));
+        ASSERT_NE(nullptr, box);
+        EXPECT_EQ("Cipher", box->title());
+        const QWidget* button = DialogWidgetOf(kOne);
+        const QPoint middle = button->geometry().center();
+        EXPECT_TRUE(box->geometry().contains(middle));
+        EXPECT_EQ(button, button->parentWidget()->childAt(middle));
+        EXPECT_EQ(0, Tell(dialog, kCipher, BM_GETCHECK));
+    });
+}
+
+// Four units across are the mean width of a letter, and eight down the height of the font. Other
+// numbers of units are rounded to the nearest pixel, a half up.
+TEST_F(DialogEdges, UnitsAreRoundedToTheNearestPixel) {
+    On(kEverything, [](HWND dialog) {
+        const QFontMetrics metrics(QApplication::font());
+        const int letters =
+            metrics.horizontalAdvance("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
+        const int across = qRound(letters / 52.0), down = metrics.height();
+        for (int units = 0; units < 200; ++units) {
+            RECT rect = {units, units, 2 * units, 2 * units};
+            ASSERT_TRUE(MapDialogRect(dialog, &rect));
+            EXPECT_EQ(qRound(units * across / 4.0), rect.left) << units;
+            EXPECT_EQ(qRound(units * down / 8.0), rect.top) << units;
+            EXPECT_EQ(qRound(2 * units * across / 4.0), rect.right) << units;
+            EXPECT_EQ(qRound(2 * units * down / 8.0), rect.bottom) << units;
+        }
     });
 }
 

@@ -6,6 +6,7 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
 #include "tests/platform/test_windows.h"
 #include "tests/support/frame_clock.h"
@@ -342,4 +343,82 @@ TEST_F(Frames, AHiddenWindowIsNotPainted) {
     UpdateWindow(children[0]);
     EXPECT_TRUE(Of(WM_PAINT).empty());
     EXPECT_TRUE(FindWindowRecord(children[0])->invalid.isEmpty());
+}
+
+namespace {
+
+// Whether a rest before the first frame waits for the store of the device's screen.
+class RestBeforeAnyFrame : public testing::Environment {
+  public:
+    void SetUp() override {
+        WNDCLASSW hidden = {};
+        hidden.lpfnWndProc = DefWindowProcW;
+        hidden.lpszClassName = TEXT("QuillHiddenWindow");
+        RegisterClassW(&hidden);
+        const HWND window = CreateWindowExW(0, hidden.lpszClassName, nullptr, 0, 0, 0, 10, 10,
+                                            nullptr, nullptr, nullptr, nullptr);
+        DeviceScreen()->show();
+        QCoreApplication::processEvents();
+        ready = ReadyStore(FindWindowRecord(window)->widget->window()) != nullptr;
+        g_begun.clear();
+        SettleFrames();
+        waits = g_begun.size();
+        DeviceScreen()->hide();
+        DestroyWindow(window);
+    }
+    bool ready = false;
+    size_t waits = 0;
+};
+RestBeforeAnyFrame* g_rest =
+    static_cast<RestBeforeAnyFrame*>(testing::AddGlobalTestEnvironment(new RestBeforeAnyFrame));
+
+}  // namespace
+
+TEST_F(Frames, ARestBeforeTheFirstFrameWaitsForNothing) {
+    EXPECT_TRUE(g_rest->ready);
+    EXPECT_EQ(0u, g_rest->waits);
+}
+
+// Of windows in the same place, the later one is on top.
+TEST_F(Frames, AWindowPaintsNothingWhereALaterOneCoversIt) {
+    const HWND last = Child(4, 0, 14, 4, 10, 10);
+    PaintAndDo([](HWND) {});
+    ASSERT_TRUE(RunUntil([&] { return !Of(WM_PAINT, last).empty(); }));
+    const QWidget* widget = FindWindowRecord(top)->widget;
+    const QPoint corner = widget->mapTo(widget->window(), QPoint(0, 0));
+    const auto painted = [&](HWND window) {
+        HurryFrames();
+        RunUntilIdle();
+        HurryFrames();
+        g_begun.clear();
+        InvalidateRect(window, nullptr, FALSE);
+        RunUntilIdle();
+        return g_begun.size() == 1 ? g_begun[0].translated(-corner) : QRegion();
+    };
+    const QRegion covered(14, 4, 10, 10);
+    EXPECT_EQ(QRegion(0, 0, 10, 10), painted(children[0]));
+    EXPECT_EQ(QRegion(10, 0, 10, 10) - covered, painted(children[1]));
+    EXPECT_EQ(QRegion(20, 0, 10, 10) - covered, painted(children[2]));
+    EXPECT_EQ(covered, painted(last));
+    ShowWindow(last, SW_HIDE);
+    EXPECT_EQ(QRegion(10, 0, 10, 10), painted(children[1]));
+}
+
+// Otherwise the queue would try to paint it without end.
+TEST_F(Frames, AWindowThatTheDesktopDoesNotShowIsValidAndPaintedWhenItComesBack) {
+    PaintAndDo([](HWND) {});
+    QWidget* screen = FindWindowRecord(top)->widget->window();
+    const QSize size = screen->size();
+    screen->setUpdatesEnabled(false);
+    screen->resize(size + QSize(1, 1));  // its store is not ready
+    ASSERT_EQ(nullptr, ReadyStore(screen));
+    RunUntilIdle();
+    heard.clear();
+    InvalidateRect(children[0], nullptr, FALSE);
+    UpdateWindow(children[0]);
+    EXPECT_TRUE(Of(WM_PAINT).empty());
+    EXPECT_TRUE(FindWindowRecord(children[0])->invalid.isEmpty());
+    screen->resize(size);
+    screen->setUpdatesEnabled(true);
+    EXPECT_TRUE(RunUntil([this] { return !Of(WM_PAINT, children[0]).empty(); }));
 }
