@@ -68,11 +68,13 @@ struct FlagRow {
 
 }  // namespace
 
+static void Ask(CommandLine* line, Task task) { line->task = std::max(line->task, task); }
+
 static const FlagRow kFlags[] = {
-    {"--help", [](CommandLine* l) { l->task = Task::kHelp; }},
-    {"--version", [](CommandLine* l) { l->task = Task::kVersion; }},
-    {"--profiles", [](CommandLine* l) { l->task = Task::kProfiles; }},
-    {"--export", [](CommandLine* l) { l->task = Task::kExport; }},
+    {"--help", [](CommandLine* l) { Ask(l, Task::kHelp); }},
+    {"--version", [](CommandLine* l) { Ask(l, Task::kVersion); }},
+    {"--profiles", [](CommandLine* l) { Ask(l, Task::kProfiles); }},
+    {"--export", [](CommandLine* l) { Ask(l, Task::kExport); }},
     {"--with-passwords", [](CommandLine* l) { l->with_passwords = true; }},
 };
 
@@ -141,16 +143,28 @@ struct Reader {
     char** argv;
     int next = 1;
     int kept = 1;
+    std::vector<std::string> options;
     std::vector<std::string> operands;
 };
 
 }  // namespace
 
+static bool IsGiven(const Reader& reader, const char* option) {
+    return std::count(reader.options.begin(), reader.options.end(), option) > 0;
+}
+
 static bool TakeValue(Reader* reader, const ValueRow& row, CommandLine* line) {
+    if (IsGiven(*reader, row.name)) return Complain(row.name, "is given twice");
+    reader->options.push_back(row.name);
     if (reader->next < reader->argc && row.take(reader->argv[reader->next], line))
         return reader->next++, true;
     std::fprintf(stderr, "quill: %s wants %s (quill --help tells more)\n", row.name, row.wanted);
     return false;
+}
+
+static bool TakeFlag(Reader* reader, const FlagRow& row, CommandLine* line) {
+    reader->options.push_back(row.name);
+    return row.take(line), true;
 }
 
 static bool TakeToolkitOption(Reader* reader, char* option) {
@@ -158,6 +172,7 @@ static bool TakeToolkitOption(Reader* reader, char* option) {
     if (!value && !IsToolkit(kToolkitFlags, option) && !HasToolkitValue(option))
         return Complain(option, "is no option");
     if (value && reader->next == reader->argc) return Complain(option, "has no value");
+    reader->options.push_back(option);
     reader->argv[reader->kept++] = option;
     if (value) reader->argv[reader->kept++] = reader->argv[reader->next++];
     return true;
@@ -171,7 +186,7 @@ static bool TakeArgument(Reader* reader, CommandLine* line) {
         return true;
     }
     if (const ValueRow* row = FindRow(kValues, argument)) return TakeValue(reader, *row, line);
-    if (const FlagRow* row = FindRow(kFlags, argument)) return row->take(line), true;
+    if (const FlagRow* row = FindRow(kFlags, argument)) return TakeFlag(reader, *row, line);
     if (argument[0] == '-' && argument[1]) return TakeToolkitOption(reader, argument);
     return reader->operands.push_back(argument), true;
 }
@@ -190,25 +205,56 @@ static bool TakeOperands(const std::vector<std::string>& operands, CommandLine* 
     return true;
 }
 
-static bool GoTogether(const CommandLine& line) {
+namespace {
+
+// A task that opens no window, and the options that it takes.
+struct TaskOptionsRow {
+    Task task;
+    const char* name;
+    const char* options[3];
+};
+
+}  // namespace
+
+static const TaskOptionsRow kTaskOptions[] = {
+    {Task::kProfiles, "--profiles", {}},
+    {Task::kExport, "--export", {"--with-passwords", "--profile", "--root"}},
+};
+
+static bool Takes(const TaskOptionsRow& row, const std::string& option) {
+    return option == row.name || std::any_of(std::begin(row.options), std::end(row.options),
+                                             [&](const char* o) { return o && option == o; });
+}
+
+static bool HasEffect(const Reader& reader, const TaskOptionsRow& row) {
+    const std::string name = row.name;
+    for (const std::string& option : reader.options)
+        if (!Takes(row, option)) return Complain(option, "has no effect with " + name);
+    if (reader.operands.empty()) return true;
+    return Complain(reader.operands[0], "is one word too many: " + name + " takes no host");
+}
+
+// Only --help and --version ignore the rest of the command line.
+static bool GoTogether(const Reader& reader, const CommandLine& line) {
+    if (line.task == Task::kHelp || line.task == Task::kVersion) return true;
+    if (line.with_passwords && line.task != Task::kExport)
+        return Complain("--with-passwords", "goes with --export only");
+    for (const TaskOptionsRow& row : kTaskOptions)
+        if (row.task == line.task && !HasEffect(reader, row)) return false;
     if (!line.profile.empty() && !line.options.root.empty())
         return Complain("--profile", "and --root both name the settings");
-    if (line.with_passwords && line.task != Task::kExport)
-        return Complain("--with-passwords", "goes with --export alone");
-    if (line.task == Task::kExport && !line.target.host.empty())
-        return Complain(line.target.host, "is one word too many: --export takes no host");
-    if (line.task == Task::kProfiles && !line.target.host.empty())
-        return Complain(line.target.host, "is one word too many: --profiles takes no host");
+    if (WantsFile(line.options) && line.options.snapshot == line.options.text)
+        return Complain("--snapshot", "and --text both name the same file");
     return true;
 }
 
 bool TakeCommandLine(int* argc, char** argv, CommandLine* line) {
-    Reader reader{*argc, argv, 1, 1, {}};
+    Reader reader{*argc, argv, 1, 1, {}, {}};
     while (reader.next < reader.argc)
         if (!TakeArgument(&reader, line)) return false;
     *argc = reader.kept;
     argv[reader.kept] = nullptr;
-    if (!TakeOperands(reader.operands, line) || !GoTogether(*line)) return false;
+    if (!TakeOperands(reader.operands, line) || !GoTogether(reader, *line)) return false;
     if (!line->profile.empty()) line->options.root = ProfileFolder(line->profile);
     return true;
 }
@@ -225,10 +271,11 @@ void TellHelp(std::FILE* stream) {
         "settings (Telnet at first); the port is 23, or 22 with SSH, unless you name it.\n"
         "\n"
         "  --profile NAME     the settings and window of that name, made if missing\n"
-        "  --profiles         list the profiles\n"
-        "  --export           print the settings as an mconfig.cfg, without passwords\n"
-        "  --with-passwords   with --export: the passwords, too\n"
-        "  --help, --version\n"
+        "  --profiles         list the profiles; nothing else goes with it\n"
+        "  --export           print the settings as an mconfig.cfg, without passwords;\n"
+        "                     of --profile NAME or --root FOLDER, if one is named\n"
+        "  --with-passwords   with --export only: the passwords, too\n"
+        "  --help, --version  whatever else is on the line\n"
         "\n"
         "  --root FOLDER      settings in another folder\n"
         "  --screen WxH       size of the device's screen, such as 240x320\n"

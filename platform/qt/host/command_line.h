@@ -11,7 +11,8 @@
 #include "platform/qt/host/host.h"
 #include "platform/qt/services/registry.h"
 
-enum class Task { kRun, kHelp, kVersion, kProfiles, kExport };
+// If the command line names several, it is the last of these.
+enum class Task { kRun, kProfiles, kExport, kVersion, kHelp };
 
 struct CommandLine {
     Task task = Task::kRun;
