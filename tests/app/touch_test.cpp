@@ -476,7 +476,7 @@ TEST(Touch, FunctionAndCursorKeysOfTheSoftKeyboardAreSent) {
 
 TEST(Touch, ScrollsWhatASmallScreenCutsOff) {
     OnDevice([](FakeHost&) {
-        constexpr int kArrow = 5;  // from the end
+        constexpr int kArrow = 5, kMostTaps = 60;  // an arrow is so far from the end
         QScrollBar *down = nullptr, *across = nullptr;
         OnWindowThread([&] {
             down = FindWindowRecord(session.client_window)->vertical.bar;
@@ -490,8 +490,9 @@ TEST(Touch, ScrollsWhatASmallScreenCutsOff) {
                                   : QPoint(bar->width() / 2, place));
             });
         };
-        while (!Eventually([&] { return down->isVisible() && across->isVisible(); }, 100))
-            TapBar("larger font");
+        const auto cut = [&] { return down->isVisible() && across->isVisible(); };
+        for (int taps = 0; taps < kMostTaps && !Eventually(cut, 100); ++taps) TapBar("larger font");
+        ASSERT_TRUE(cut());
         tap(down, true);
         EXPECT_TRUE(Eventually([] { return session.view.view_top > 0; }));
         tap(down, false);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Threads that wait together, and a system that has no more descriptors.
+// Threads that wait together, a system that has no more descriptors, and errors that have no number
+// of their own.
 #include <gtest/gtest.h>
+#include <netdb.h>
 #include <sys/resource.h>
 
 #include <atomic>
@@ -47,4 +49,11 @@ TEST(LocalSocketEdges, WithoutADescriptorNobodyListens) {
     ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &before));
     EXPECT_LT(listener, 0);
     EXPECT_LT(caller, 0);
+}
+
+TEST(SocketErrors, OneWithoutANumberIsAnInvalidArgumentOrANameThatIsUnknown) {
+    EXPECT_EQ(10061, WinsockError(ECONNREFUSED));
+    EXPECT_EQ(10022, WinsockError(ENOTBLK));
+    EXPECT_EQ(11002, WinsockLookupError(EAI_AGAIN));
+    EXPECT_EQ(11001, WinsockLookupError(EAI_SERVICE));
 }

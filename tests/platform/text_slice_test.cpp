@@ -51,6 +51,12 @@ TEST(WsprintfLimits, PrecisionTurnsLeadingZerosOff) {
     EXPECT_EQ(u"   07", std::u16string(text));
 }
 
+TEST(WsprintfLimits, SharpPutsAPrefixBeforeHexadecimalDigits) {
+    WCHAR text[32];
+    wsprintfW(text, u"%#x %#X %#06x %#d", 0x1F, 0x1F, 0x1F, 7);
+    EXPECT_EQ(u"0x1f 0X1F 0x001f 7", std::u16string(text));
+}
+
 TEST(WsprintfLimits, HugeWidthsAreCut) {
     WCHAR text[1024];
     EXPECT_EQ(1023, wsprintfW(text, u"%99999999999999999999d", 1));

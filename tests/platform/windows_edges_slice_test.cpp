@@ -3,6 +3,7 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTest>
 #include <QToolButton>
 #include <set>
@@ -190,6 +191,71 @@ TEST_F(WindowEdges, AWindowThatBecameValidStartsToWaitAnew) {
     EXPECT_FALSE(FrameOverdue());
 }
 
+TEST_F(WindowEdges, AKeyOfTheProgramsOwnGoesToTheActiveWindow) {
+    std::vector<std::pair<UINT, bool>> keys;  // the message, and whether the key is down
+    answer = [&](const Heard& now, LRESULT*) {
+        if (now.window == top && now.wparam == VK_F1 &&
+            (now.message == WM_KEYDOWN || now.message == WM_KEYUP))
+            keys.push_back({now.message, GetKeyState(VK_F1) < 0});
+        return false;
+    };
+    SetFocus(top);
+    keybd_event(VK_F1, 0, 0, 0);
+    keybd_event(VK_F1, 0, KEYEVENTF_KEYUP, 0);
+    RunUntilIdle();
+    EXPECT_EQ((std::vector<std::pair<UINT, bool>>{{WM_KEYDOWN, true}, {WM_KEYUP, false}}), keys);
+}
+
+TEST_F(WindowEdges, TheScreensFocusKeysAndEndAreTheProgramWindows) {
+    answer = [](const Heard& now, LRESULT*) { return now.message == WM_CLOSE; };
+    EXPECT_FALSE(DeviceScreen()->close()) << "the program decides";
+    QTest::keyClick(DeviceScreen(), Qt::Key_F5);
+    RunUntilIdle();
+    EXPECT_TRUE(DeviceScreen()->isVisible());
+    EXPECT_EQ(1u, Of(WM_CLOSE, top).size());
+    EXPECT_EQ(1u, Of(WM_KEYDOWN, top).size());
+    EXPECT_EQ(1u, Of(WM_KEYUP, top).size());
+    DeviceScreen()->activateWindow();
+    DeviceScreen()->setFocus();
+    EXPECT_TRUE(RunUntil([&] { return QApplication::focusWidget() == WidgetOf(top); }));
+}
+
+TEST_F(WindowEdges, AWindowIsFoundByBothOfItsNames) {
+    EXPECT_EQ(top, FindWindowW(TEXT("QuillTestWindow"), TEXT("tests")));
+    EXPECT_EQ(top, FindWindowW(nullptr, TEXT("tests")));
+    EXPECT_EQ(nullptr, FindWindowW(TEXT("QuillTestWindow"), TEXT("test")));
+    EXPECT_EQ(nullptr, FindWindowW(TEXT("OtherWindow"), TEXT("tests")));
+}
+
+TEST_F(WindowEdges, AnUnknownMeasureIsZero) { EXPECT_EQ(0, GetSystemMetrics(9999)); }
+
+TEST_F(WindowEdges, OutsideAPaintNothingCanBePainted) {
+    PAINTSTRUCT paint;
+    EXPECT_EQ(nullptr, BeginPaint(top, &paint));
+    EXPECT_EQ(nullptr, paint.hdc);
+}
+
+TEST_F(WindowEdges, ASlantedLineGoesFromCornerToCorner) {
+    const HWND child = Child(1, 0, 0, 0, 40, 40);
+    answer = [&](const Heard& now, LRESULT*) {
+        if (now.message != WM_PAINT || now.window != child) return false;
+        PAINTSTRUCT paint;
+        const HDC dc = BeginPaint(child, &paint);
+        const POINT line[] = {{0, 0}, {30, 30}};
+        const HPEN pen = CreatePen(PS_SOLID, 1, RGB(255, 0, 0));
+        const HGDIOBJ before = SelectObject(dc, pen);
+        EXPECT_TRUE(Polyline(dc, line, 2));
+        SelectObject(dc, before);
+        DeleteObject(pen);
+        EndPaint(child, &paint);
+        return true;
+    };
+    const QImage picture = WidgetOf(child)->grab().toImage();
+    for (int at = 0; at < 30; ++at) EXPECT_EQ(QColor(Qt::red), picture.pixelColor(at, at)) << at;
+    for (const QPoint other : {QPoint(10, 0), QPoint(0, 10), QPoint(35, 35)})
+        EXPECT_NE(QColor(Qt::red), picture.pixelColor(other));
+}
+
 // ---------------------------------------------------------------- fonts and text
 
 TEST_F(WindowEdges, WithoutAFontTextHasTheHeightOfTheSystemsFont) {
@@ -314,6 +380,29 @@ TEST_F(WindowEdges, AClosedClipboardTakesNothing) {
 // none of those that the tests run on.
 TEST_F(WindowEdges, TheMenuBarStaysOnTheDevicesScreen) {
     EXPECT_TRUE(g_own_bars.contains(ShellMenuStrip()->bar()));
+}
+
+static QImage PictureOf(const QIcon& icon, const QSize& size) {
+    QImage picture(size, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    icon.paint(&painter, picture.rect());
+    return picture;
+}
+
+TEST_F(WindowEdges, AnIconIsTheSameHoweverItIsAskedFor) {
+    const QIcon late =
+        QApplication::style()->standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton);
+    for (const QIcon& icon : {ShellMenuStrip()->panel_button()->icon(), late}) {
+        const QSize size(22, 14);
+        const QImage painted = PictureOf(icon, size);
+        EXPECT_NE(PictureOf(QIcon(), size), painted);
+        QIcon copy = icon;
+        copy.addPixmap(QPixmap(1, 1));  // makes it a copy of its own
+        EXPECT_EQ(painted, PictureOf(copy, size));
+        const QImage asked = copy.pixmap(size).toImage();
+        EXPECT_EQ(PictureOf(QIcon(QPixmap::fromImage(asked)), size), painted);
+    }
 }
 
 TEST_F(WindowEdges, ThePanelsButtonShowsAKeyboardOfSixKeysInARow) {

@@ -2,6 +2,7 @@
 // The implementation of sockets: numbers, descriptors, threads, a machine without a network.
 #include <gtest/gtest.h>
 #include <sched.h>
+#include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -214,6 +215,26 @@ TEST_F(WinsockInside, ManyConnectionsLeaveNoDescriptorOpen) {
     EXPECT_EQ(before, OpenDescriptors());
 }
 
+// A socket takes two descriptors.
+TEST_F(WinsockInside, WithoutDescriptorsASocketDoesNotOpen) {
+    const size_t open = OpenDescriptors();
+    rlimit before = {};
+    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &before));
+    const int next = dup(0);
+    close(next);
+    for (const int room : {0, 1}) {
+        rlimit few = before;
+        few.rlim_cur = static_cast<rlim_t>(next + room);
+        ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &few));
+        const SOCKET number = socket(AF_INET, SOCK_STREAM, 0);
+        const int error = WSAGetLastError();
+        ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &before));
+        EXPECT_EQ(INVALID_SOCKET, number) << room;
+        EXPECT_EQ(10024, error) << room;
+    }
+    EXPECT_EQ(open, OpenDescriptors());
+}
+
 TEST_F(WinsockInside, RefusedConnectionsLeaveNoDescriptorOpen) {
     const uint16_t port = UnusedPort();
     const size_t before = OpenDescriptors();
@@ -271,6 +292,28 @@ TEST_F(WinsockInside, SeveralThreadsWaitForOneSocket) {
     closesocket(number);
     for (std::thread& reader : readers) reader.join();
     for (std::atomic<int>& error : errors) EXPECT_EQ(WSAENOTSOCK, error);
+}
+
+TEST_F(WinsockInside, SignalsDoNotEndAWait) {
+    constexpr int kSignals = 100;
+    struct sigaction action = {}, before = {};
+    action.sa_handler = [](int) {};
+    ASSERT_EQ(0, sigaction(SIGUSR1, &action, &before));
+    LoopbackPeer peer;
+    const SOCKET number = NewSocket();
+    Connect(number, "127.0.0.1", peer.port());
+    ASSERT_TRUE(peer.Accept());
+    std::atomic<int> ready{-2};
+    std::thread waits([&] { ready = SelectForReading(number); });
+    for (int i = 0; i < kSignals; ++i) {
+        pthread_kill(waits.native_handle(), SIGUSR1);
+        Sleep(2);
+    }
+    EXPECT_EQ(-2, ready) << "it still waits";
+    peer.Send("x");
+    waits.join();
+    EXPECT_EQ(1, ready);
+    sigaction(SIGUSR1, &before, nullptr);
 }
 
 TEST_F(WinsockInside, EndOfAConnectionDoesNotKeepAnIdleWaitBusy) {

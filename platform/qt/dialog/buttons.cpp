@@ -94,8 +94,6 @@ struct ButtonRow {
 }  // namespace
 
 static const ButtonRow kButtons[] = {
-    {BS_PUSHBUTTON, Make<PushButton>},
-    {BS_DEFPUSHBUTTON, Make<PushButton>},
     {BS_CHECKBOX, Make<PlainButton<QCheckBox>>},
     {BS_AUTOCHECKBOX, Make<QCheckBox>},
     {BS_RADIOBUTTON, Make<PlainButton<QRadioButton>>},

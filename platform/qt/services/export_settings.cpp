@@ -102,15 +102,14 @@ static std::u16string TextOf(const std::string& data) {
     return text.substr(0, text.find(u'\0'));
 }
 
-// False if the code page does not have all of its letters.
+// False if the code page does not have all of its letters. The text has room: see TextOf.
 static bool AnsiOf(const std::u16string& text, std::string* bytes) {
-    char ansi[kLongestValue];
-    WCHAR back[kLongestValue];
+    char ansi[kLongestValue] = {};
+    WCHAR back[kLongestValue] = {};
     const int count = static_cast<int>(text.size()) + 1;
     const int size =
         WideCharToMultiByte(CP_ACP, 0, text.c_str(), count, ansi, sizeof(ansi), nullptr, nullptr);
-    if (size <= 0 || MultiByteToWideChar(CP_ACP, 0, ansi, size, back, kLongestValue) != count)
-        return false;
+    MultiByteToWideChar(CP_ACP, 0, ansi, size, back, kLongestValue);
     *bytes = ansi;
     return text == back;
 }

@@ -160,7 +160,7 @@ static void Ask(const char* request) {
 
 constexpr WindowOperations kOtherOperations = {
     nullptr,
-    [](Window&, const QRect&) {},
+    nullptr,  // only windows of the table are moved
     [](Window&, int) { return Ask("show"), BOOL{TRUE}; },
     [](Window&) { return Ask("foreground"), BOOL{TRUE}; },
     [](Window&, UINT message, WPARAM, LPARAM) {
