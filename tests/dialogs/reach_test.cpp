@@ -8,6 +8,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QtMath>
 
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/window.h"
@@ -137,11 +138,12 @@ TEST_P(OnEachScreen, ToolbarNamesAreShownWholeBesideTheirMarks) {
 // Expects an empty area below the last whole line. Call it on the window thread.
 void ExpectNothingBelowTheLastLine(QListWidget* list) {
     const QImage face = list->viewport()->grab().toImage();
-    int end = 0;
+    int last = 0;
     for (int row = 0; row < list->count(); row++) {
         const QRect line = list->visualItemRect(list->item(row));
-        if (line.top() >= 0 && line.bottom() < face.height()) end = line.bottom() + 1;
+        if (line.top() >= 0 && line.bottom() < list->viewport()->height()) last = line.bottom() + 1;
     }
+    const int end = qCeil(last * face.devicePixelRatio());
     ASSERT_GT(end, face.height() / 2);
     for (int y = end; y < face.height(); y++)
         for (int x = 0; x < face.width(); x++)

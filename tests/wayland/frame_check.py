@@ -1,14 +1,18 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Looks at a picture of the frame that frame_host.py paints: all its lines are whole, from end to end.
+"""Looks at a picture of the frame that frame_host.py paints: all its lines are whole, from end to end,
+and there is no other line.
 
-Usage: frame_check.py PICTURE SCALE DENSITY [PICTURE-AT-SCALE-1]
+Usage: frame_check.py PICTURE SCALE DENSITY [PICTURE-AT-SCALE-1 | none]
+       none: of a dialog, which has no line at all
 """
+import re
 import subprocess
 import sys
 
 DARK = 64  # of 255; lines are black on white
 COLUMNS, ROWS = 60, 16
+LEAST = 30  # pixels of the device; the widest picture of the program's is shorter
 
 
 def pixels(path):
@@ -21,17 +25,9 @@ def pixels(path):
     return width, height, data
 
 
-def runs(line, least, most=100000):
-    """(first, after the last) of the dark runs of those lengths."""
-    found, start = [], None
-    for i, value in enumerate(line + b"\xff"):
-        if value < DARK:
-            start = i if start is None else start
-        elif start is not None:
-            if least <= i - start <= most:
-                found.append((start, i))
-            start = None
-    return found
+def runs(line, least):
+    """(first, after the last) of the dark runs that are at least so long."""
+    return [run.span() for run in re.finditer(b"[\\0-\\x%02x]{%d,}" % (DARK - 1, least), line)]
 
 
 def thick(places):
@@ -45,29 +41,38 @@ def thick(places):
     return lines
 
 
+def all_lines(width, height, data, panel, least):
+    """The lines by their rows and by their columns, below the panel."""
+    across, down = {}, {}
+    for y in range(panel, height):
+        for found in runs(data[y * width:(y + 1) * width], least):
+            assert y not in across, f"row {y} has two lines: {across[y]} and {found}"
+            across[y] = found
+    for x in range(width):
+        for found in runs(data[panel * width + x::width], least):
+            assert x not in down, f"column {x} has two lines: {down[x]} and {found}"
+            down[x] = found[0] + panel, found[1] + panel
+    return across, down
+
+
 def check(path, scale, density):
     """A gap of one pixel would halve a line, and it would not be found."""
     width, height, data = pixels(path)
     panel = int(34 * density)  # the compositor's, with a clock; the program has its bar there
-    rows = [data[y * width:(y + 1) * width] for y in range(height)]
     across_least = int((COLUMNS - 2) * 4 * scale)  # a cell is at least 4 wide and 7 high
     down_least = int(ROWS * 7 * scale)
-    across = {y: runs(rows[y], across_least, int(across_least * 1.3)) for y in range(panel, height)}
-    across = {y: found[0] for y, found in across.items() if len(found) == 1}
-    lines = thick(across)
-    assert len(lines) == 3, f"{len(lines)} whole lines across in place of 3"
+    across, downs_found = all_lines(width, height, data, panel, int(LEAST * scale))
+    assert across, "there is no line"
+    lines, downs = thick(across), thick(downs_found)
+    assert len(lines) == 3, f"{len(lines)} lines across in place of 3, in the rows {lines}"
+    assert len(downs) == 3, f"{len(downs)} lines down in place of 3, in the columns {downs}"
     left, right = next(iter(across.values()))
+    assert right - left >= across_least, "the lines across are broken"
     assert set(across.values()) == {(left, right)}, "the lines across differ in their ends"
-    columns = {}
-    for x in range(left, right):
-        found = runs(bytes(data[y * width + x] for y in range(height)), down_least)
-        if found:
-            columns[x] = found[0]
-    downs = thick(columns)
-    assert len(downs) == 3, f"{len(downs)} whole lines down in place of 3"
     assert downs[0][0] == left, "the left line does not begin where those across do"
     top, bottom = lines[0][0], lines[-1][1]
-    assert {found for found in columns.values()} == {(top, bottom)}, "corners are open"
+    assert bottom - top >= down_least, "the lines down are broken"
+    assert set(downs_found.values()) == {(top, bottom)}, "corners are open"
     widths = {last - first for first, last in lines}
     assert max(widths) - min(widths) <= 1 and min(widths) >= int(scale), f"lines of {widths} pixels"
     return left, top, data, width
@@ -104,6 +109,12 @@ def check_not_enlarged(left, top, data, width, scale, path):
         assert far > 20, f"the text is that of scale 1, enlarged: {far} pixels differ"
 
 
+def check_none(path, scale):
+    width, height, data = pixels(path)
+    lines = all_lines(width, height, data, 0, int(LEAST * scale))
+    assert lines == ({}, {}), f"lines: {lines}"
+
+
 def check_sharpness(left, top, data, width, scale):
     """Text is drawn at the screen's density: a stretched one would be made of equal squares."""
     side = int(scale)
@@ -120,6 +131,9 @@ def check_sharpness(left, top, data, width, scale):
 def main():
     path, scale, density = sys.argv[1], float(sys.argv[2]), float(sys.argv[3])
     whole = scale * density
+    if sys.argv[4:] == ["none"]:
+        check_none(path, whole)
+        return
     found = check(path, whole, density)
     check_sharpness(*found, whole)
     if whole > 1 and len(sys.argv) > 4:

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """A pointer for a compositor that has no input device: it clicks where its standard input says.
 
-Lines of the input: "click X Y", or "type X Y WIDTH HEIGHT WORD...", which taps the words on a soft
+Lines of the input: "click X Y", "move X Y", or "type X Y WIDTH HEIGHT WORD...", which taps the words on a soft
 keyboard at that place, with Esc, Tab, Enter and Space by name. Prints "ready" when the compositor has it,
 and each line after it is done.
 
@@ -84,6 +84,10 @@ class Pointer:
         self.compositor.send(self.thing, number, struct.pack(f"={1 + len(words)}I", now, *words))
         self.compositor.send(self.thing, 4)  # a frame
 
+    def move(self, x, y):
+        self.request(1, int(x), int(y), *self.size)
+        self.compositor.settle()
+
     def click(self, x, y):
         self.request(1, int(x), int(y), *self.size)
         for down in (1, 0):
@@ -104,8 +108,8 @@ def main():
     print("ready", flush=True)
     for line in sys.stdin:
         command, *words = line.split()
-        if command == "click":
-            pointer.click(*map(int, words))
+        if command in ("click", "move"):
+            getattr(pointer, command)(*map(int, words))
         else:
             place = tuple(map(int, words[:4]))
             for word in words[4:]:

@@ -14,21 +14,8 @@ need convert compare
 mkdir -p "$pictures"
 open_sway 1 'output HEADLESS-1 mode 900x700 position 0 0 scale 1'
 
-mkfifo "$work/hand" "$work/open"
-: >"$work/done"
-/usr/bin/python3 "$here/pointer.py" 900 700 <"$work/hand" >"$work/done" &
-ends_with_us $!
-exec 7>"$work/hand"
-await 10 grep -q ready "$work/done" || { echo "$script: the compositor takes no pointer of a program" >&2; exit 77; }
-# hand COMMAND...: the pointer has done it.
-commands=0
-has_done() { [ "$(wc -l <"$work/done")" -gt $commands ]; }
-hand() {
-    commands=$((commands + 1))
-    echo "$@" >&7
-    await 20 has_done || fail "the pointer did not: $*"
-}
-
+open_hand 900 700
+mkfifo "$work/open"
 : >"$work/port"
 # A command of the session's shell.
 mkdir "$work/bin"
@@ -46,13 +33,6 @@ start() {
     client=$!
     ends_with_us $client
     await 20 window_place 'Quill T' || fail "no window"
-}
-# place_of TITLE: sets left, top, width and height.
-place_of() {
-    await 20 window_place "$1" || fail "no window '$1'"
-    place=$(window_place "$1")
-    left=${place%%,*} top=${place#*,} width=${place#* }
-    top=${top%% *} height=${width#*x} width=${width%x*}
 }
 end() {
     kill $client || fail "the program has gone"

@@ -48,3 +48,30 @@ def windows(node):
 print("%(x)d,%(y)d %(width)dx%(height)d" % next(windows(json.load(sys.stdin))))' "${1:-}"
 }
 command_compositor() { swaymsg "$@" >/dev/null || fail "the compositor does not obey: $*"; }
+
+# place_of TITLE: waits for that window; sets left, top, width and height.
+place_of() {
+    await 20 window_place "$1" || fail "no window '$1'"
+    place=$(window_place "$1")
+    left=${place%%,*} top=${place#*,} width=${place#* }
+    top=${top%% *} height=${width#*x} width=${width%x*}
+}
+
+# open_hand WIDTH HEIGHT: a pointer on a desktop of that size.
+open_hand() {
+    mkfifo "$work/hand"
+    : >"$work/done"
+    /usr/bin/python3 "$here/pointer.py" "$1" "$2" <"$work/hand" >"$work/done" &
+    ends_with_us $!
+    exec 7>"$work/hand"
+    await 10 grep -q ready "$work/done" ||
+        { echo "$script: the compositor takes no pointer of a program" >&2; exit 77; }
+    commands=0
+}
+# hand COMMAND...: the pointer has done it.
+has_done() { [ "$(wc -l <"$work/done")" -gt $commands ]; }
+hand() {
+    commands=$((commands + 1))
+    echo "$@" >&7
+    await 20 has_done || fail "the pointer did not: $*"
+}

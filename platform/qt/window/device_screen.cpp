@@ -2,7 +2,10 @@
 // The desktop window that shows the device's screen.
 #include "platform/qt/window/device_screen.h"
 
+#include <cmath>
+#include <QBackingStore>
 #include <QCloseEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QWindow>
 
@@ -114,8 +117,110 @@ static void FollowMonitor(const QScreen* monitor) {
                      Qt::QueuedConnection);
 }
 
+// ---------------------------------------------------------------- scales with a fraction
+
+// Before the toolkit paints a part of a window on Wayland, it clears that part in whole units of
+// the compositor. At a scale with a fraction the part can end between two units. If the screen is
+// dense, so that a unit is several of its pixels, some pixels would be cleared and not painted:
+// black lines. So a window is painted whole there, or up to whole units.
+constexpr int kMostPixels = 16;  // looked at to find some that are whole units together
+
+static double g_units = 1;       // of the compositor in a pixel of the program
+static bool g_painting = false;  // what is painted now ends at whole units
+static bool g_edges_due = false;
+
+bool EndsBetweenUnits(const QWidget* top) {
+    const QWindow* window = top->windowHandle();
+    return std::trunc(g_units) != g_units && window && window->devicePixelRatio() > g_units;
+}
+
+// The toolkit leaves out the children that cover the window, so each of them is named.
+static void RepaintTop(QWidget* top, const QRegion& part) {
+    for (QWidget* child : top->findChildren<QWidget*>())
+        if (child->window() == top)
+            child->update(part.translated(-child->mapTo(top, QPoint(0, 0))));
+    g_painting = g_edges_due = true;
+    top->repaint(part);
+    g_painting = g_edges_due = false;
+    QCoreApplication::removePostedEvents(top, QEvent::UpdateRequest);
+}
+
+// Returns the smallest number of pixels that are whole units together; 0: more than are looked at.
+static int PixelsOfWholeUnits() {
+    for (int pixels = 1; pixels <= kMostPixels; ++pixels)
+        if (std::trunc(pixels * g_units) == pixels * g_units) return pixels;
+    return 0;
+}
+
+static QRegion UpToWholeUnits(const QWidget* top, const QRegion& part) {
+    const int pixels = PixelsOfWholeUnits();
+    if (pixels == 0) return top->rect();
+    const auto up = [=](int edge) { return (edge + pixels - 1) / pixels * pixels; };
+    QRegion whole;
+    for (const QRect& rect : part & top->rect())
+        whole += QRect(QPoint(rect.left() / pixels * pixels, rect.top() / pixels * pixels),
+                       QPoint(up(rect.right() + 1) - 1, up(rect.bottom() + 1) - 1));
+    return whole;
+}
+
+// What the toolkit is about to paint comes first, because it would be painted with the part.
+void RepaintPart(QWidget* widget, const QRegion& part) {
+    QWidget* top = widget->window();
+    if (!EndsBetweenUnits(top)) return widget->repaint(part);
+    QCoreApplication::sendPostedEvents(top, QEvent::UpdateRequest);
+    RepaintTop(top, UpToWholeUnits(top, part.translated(widget->mapTo(top, QPoint(0, 0)))));
+}
+
+// The window itself can end between two units. What is left of the last ones gets its colour, by a
+// view of the surface's pixels that is not clipped to the window.
+static void PaintEdges(const QWidget* top) {
+    g_edges_due = false;
+    QBackingStore* store = EndsBetweenUnits(top) ? top->backingStore() : nullptr;
+    auto* image = store ? dynamic_cast<QImage*>(store->paintDevice()) : nullptr;
+    if (!image || image->isNull()) return;
+    QImage pixels(image->bits(), image->width(), image->height(), image->bytesPerLine(),
+                  image->format());
+    const QSize painted = QSizeF(QSizeF(top->size()) * image->devicePixelRatio()).toSize();
+    const QColor color = top->palette().color(QPalette::Window);
+    QPainter painter(&pixels);
+    painter.fillRect(0, painted.height(), pixels.width(), pixels.height(), color);
+    painter.fillRect(painted.width(), 0, pixels.width(), pixels.height(), color);
+}
+
+namespace {
+
+class WholePaints : public QObject {
+  public:
+    using QObject::QObject;
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() == QEvent::Expose) g_edges_due = true;
+        if (!object->isWidgetType()) return false;
+        auto* widget = static_cast<QWidget*>(object);
+        if (event->type() == QEvent::UpdateRequest) return PaintsWhole(widget);
+        if (event->type() == QEvent::Paint && g_edges_due) PaintEdges(widget->window());
+        return false;
+    }
+
+  private:
+    static bool PaintsWhole(QWidget* top) {
+        if (g_painting || !top->isVisible() || !EndsBetweenUnits(top)) return false;
+        RepaintTop(top, top->rect());
+        return true;
+    }
+};
+
+}  // namespace
+
+static void PaintWholeUnits() {
+    g_units = DesktopTellsPlaces() ? 1 : qEnvironmentVariable("QT_SCALE_FACTOR").toDouble();
+    if (std::trunc(g_units) != g_units) qApp->installEventFilter(new WholePaints(g_screen.get()));
+}
+
+// ---------------------------------------------------------------- the screen
+
 void OpenDeviceScreen(QSize size) {
     g_screen = std::make_unique<ScreenWidget>(size);
+    PaintWholeUnits();
     for (const QScreen* monitor : QGuiApplication::screens()) FollowMonitor(monitor);
     QObject::connect(qApp, &QGuiApplication::screenAdded, g_screen.get(), FollowMonitor);
 }

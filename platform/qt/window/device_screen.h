@@ -34,6 +34,9 @@ void TakeFromScreen(HWND dialog);
 Window* TopMostDialog();    // null: no dialog is open
 QWidget* TopMostWidget();   // the parent of a box over everything: that dialog, else the screen
 bool DesktopTellsPlaces();  // false on Wayland, whose compositor alone places windows
-void ReturnFocus();         // to the program's window, after a box or dialog over it has closed
+// True if a part of the window that is painted anew can end between two units of the compositor.
+bool EndsBetweenUnits(const QWidget* top);
+void RepaintPart(QWidget* widget, const QRegion& part);  // at once, and around it up to whole units
+void ReturnFocus();  // to the program's window, after a box or dialog over it has closed
 
 #endif

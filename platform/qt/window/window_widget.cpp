@@ -13,6 +13,7 @@
 #include <QTouchEvent>
 #include <QWindow>
 
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
 
 // Returns the region of `part` that no other widget covers, in coordinates of the desktop window.
@@ -44,7 +45,7 @@ void WindowWidget::PaintInvalid() {
     if (!window || window->invalid.isEmpty()) return;
     own_paint_ = true;
     paint_came_ = false;
-    if (!PaintStraight(window->invalid)) repaint(window->invalid);
+    if (!PaintStraight(window->invalid)) RepaintPart(this, window->invalid);
     own_paint_ = false;
     // The desktop does not show the window, which is painted whole when it comes back.
     window = FindWindowRecord(window_);
@@ -58,7 +59,7 @@ void WindowWidget::PaintInvalid() {
 bool WindowWidget::PaintStraight(const QRegion& invalid) {
     QWidget* top = QWidget::window();
     QBackingStore* store = ReadyStore(top);
-    if (!store || !isVisible()) return false;
+    if (!store || !isVisible() || EndsBetweenUnits(top)) return false;
     const QPoint corner = mapTo(top, QPoint(0, 0));
     store_region_ = UncoveredPart(this, invalid);
     const QRegion region = store_region_;
