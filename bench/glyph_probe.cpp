@@ -79,9 +79,18 @@ void Rest(int milliseconds) {
 
 // ---------------------------------------------------------------- the screen
 
-void OpenScreen() {
-    screen.display = XOpenDisplay(nullptr);
+// The server starts again when its last program ends, and refuses programs until it has.
+void OpenDisplay() {
+    constexpr int kTries = 100, kRestBetween = 20;
+    for (int i = 0; i < kTries && !screen.display; ++i) {
+        screen.display = XOpenDisplay(nullptr);
+        if (!screen.display) Rest(kRestBetween);
+    }
     if (!screen.display) Fail("no display");
+}
+
+void OpenScreen() {
+    OpenDisplay();
     screen.root = DefaultRootWindow(screen.display);
     int error = 0;
     if (!XDamageQueryExtension(screen.display, &screen.damage_event, &error))

@@ -277,12 +277,16 @@ static uint32_t Color(const uint8_t* bytes) {
 }
 
 // Up to 8 bits are an index into the palette, and the first pixel of a byte has its highest bits.
-static uint32_t PixelOf(const uint8_t* row, unsigned x, unsigned bits,
-                        const std::vector<uint32_t>& palette) {
-    const unsigned place = x * bits;
-    if (bits > 8) return Color(row + place / 8);
-    const unsigned index = (row[place / 8] >> (8 - bits - place % 8)) & ((1u << bits) - 1);
-    return index < palette.size() ? palette[index] : 0;
+static void TakeRow(const uint8_t* row, unsigned bits, const uint32_t* palette, uint32_t* next,
+                    const uint32_t* end) {
+    if (bits > 8) {
+        for (; next < end; row += bits / 8) *next++ = Color(row);
+        return;
+    }
+    const unsigned mask = (1u << bits) - 1;
+    for (; next < end; ++row)
+        for (unsigned shift = 8; shift > 0 && next < end;)
+            *next++ = palette[(*row >> (shift -= bits)) & mask];
 }
 
 static bool SideFits(int side) { return side >= 1 && side <= kLargestBitmap; }
@@ -309,6 +313,7 @@ static bool TakePalette(ResourceReader* reader, const Header& header,
     const DWORD count = header.colors || header.bits > 8 ? header.colors : most;
     if (count > most) return false;
     for (DWORD i = 0; i < count; ++i) palette->push_back(reader->TakeDword() & 0xFFFFFF);
+    palette->resize(kMostHints);  // an index without an entry is black
     return reader->ok;
 }
 
@@ -316,7 +321,8 @@ static size_t StrideOf(int width, WORD bits) {
     return (static_cast<size_t>(width) * bits + 31) / 32 * 4;
 }
 
-// Reads the next pixels, each of `bits` bits, and looks them up in the palette.
+// Reads the next pixels, each of `bits` bits, and looks them up in the palette, which has an entry
+// for each index.
 static bool TakePixels(ResourceReader* reader, const Header& header, WORD bits,
                        const std::vector<uint32_t>& palette, Bitmap* bitmap) {
     const int height = std::abs(header.height);
@@ -326,11 +332,10 @@ static bool TakePixels(ResourceReader* reader, const Header& header, WORD bits,
     *bitmap = {header.width, height, {}};
     bitmap->pixels.resize(static_cast<size_t>(header.width) * static_cast<size_t>(height));
     uint32_t* next = bitmap->pixels.data();
-    for (int y = 0; y < height; ++y) {
+    for (int y = 0; y < height; ++y, next += header.width) {
         const int line = header.height < 0 ? y : height - 1 - y;
         const uint8_t* row = rows + stride * static_cast<size_t>(line);
-        for (int x = 0; x < header.width; ++x)
-            *next++ = PixelOf(row, static_cast<unsigned>(x), bits, palette);
+        TakeRow(row, bits, palette.data(), next, next + header.width);
     }
     reader->Skip(stride * static_cast<size_t>(height));
     return true;
