@@ -41,17 +41,22 @@ dated() { sed -e "s/@VERSION@/$version/g" -e "s/@DATE@/$day/g" "$1"; }
 
 strip --strip-unneeded -R .comment -R .note -o "$root/usr/bin/quill" "$build/platform/qt/quill"
 cp resources/telnet.htm resources/quill.ti "$documents/"
-# All documents lie in one folder; the manual page is in place of what else they refer to.
-for page in fleet hosts hosts_names sequences; do
-    sed -e 's|\[README\](../README.md)|quill(1)|g' -e 's|(../resources/quill.ti)|(quill.ti)|g' \
-        "docs/$page.md" >"$documents/$page.md"
-done
+# All documents lie in one folder, and the manual page is in place of the README. What only the sources
+# have is called theirs.
+pages='fleet hosts hosts_names sequences'
+refer() {
+    sed -E -e 's#\[README\]\(\.\./README\.md\)#quill(1)#g' \
+        -e 's#\[resources/quill\.ti\]\(\.\./resources/quill\.ti\)#[quill.ti](quill.ti)#g' \
+        -e "s#\`docs/($(echo "$pages" | tr ' ' '|'))\.md\`#\`\1.md\`#g" \
+        -e 's#`(docs|packaging|protocol|terminal|tests|ui)/[^` ]*`#& of the sources#g'
+}
+for page in $pages; do refer <"docs/$page.md" >"$documents/$page.md"; done
 cp "$build"/resources/terminfo/q/quill* "$root/usr/share/terminfo/q/"
 cp packaging/desktop/quill.desktop "$root/usr/share/applications/"
 dated packaging/desktop/quill.metainfo.xml >"$root/usr/share/metainfo/org.quillware.quill.metainfo.xml"
 dated packaging/desktop/quill.1 | gzip -9n >"$root/usr/share/man/man1/quill.1.gz"
 packaging/icons.sh "$root/usr/share/icons/hicolor"
-gzip -9n <CHANGELOG.md >"$documents/NEWS.md.gz"
+refer <CHANGELOG.md | gzip -9n >"$documents/NEWS.md.gz"
 gzip -9n >"$documents/changelog.gz" <<END
 quill ($version) stable; urgency=medium
 

@@ -65,6 +65,24 @@ Section
     WriteRegDWORD HKCU "${REMOVAL}" "EstimatedSize" $0
 SectionEnd
 
+; Sets $1 to the name of a file in the folder that is not the installer's, or to nothing.
+Function un.FindOtherFile
+    FindFirst $2 $1 "$INSTDIR\*.*"
+    ${DoWhile} $1 != ""
+        ${If} $1 != "."
+        ${AndIf} $1 != ".."
+        ${AndIf} $1 != "quill.exe"
+        ${AndIf} $1 != "telnet.htm"
+        ${AndIf} $1 != "quill.ti"
+        ${AndIf} $1 != "LICENSE.txt"
+        ${AndIf} $1 != "remove.exe"
+            ${ExitDo}
+        ${EndIf}
+        FindNext $2 $1
+    ${Loop}
+    FindClose $2
+FunctionEnd
+
 ; The settings stay: they are the user's, and a later installation finds them again.
 Section "Uninstall"
     SetShellVarContext current
@@ -80,11 +98,15 @@ Section "Uninstall"
     Delete "$INSTDIR\remove.exe"
     Delete "$SMPROGRAMS\Quill.lnk"
     DeleteRegKey HKCU "${REMOVAL}"
-    ; A deleted file is in its folder until the last program closes it: remove.exe may still run.
-    StrCpy $0 50 ; tries
+    ; A deleted file is in its folder until the last program closes it: remove.exe may still run. A file
+    ; of the user's stays, and so does the folder.
+    StrCpy $0 300 ; tries
     ${DoWhile} $0 > 0
         RMDir "$INSTDIR"
-        ${IfNot} ${FileExists} "$INSTDIR\*.*"
+        Call un.FindOtherFile
+        ${If} $1 != ""
+        ${OrIf} $EXEDIR == $INSTDIR
+        ${OrIfNot} ${FileExists} "$INSTDIR\*.*"
             ${ExitDo}
         ${EndIf}
         Sleep 100

@@ -205,12 +205,8 @@ class Heard:
         self.listener = Atspi.EventListener.new(self.take)
         for kind in kinds:
             assert self.listener.register(kind)
-        # The program learns from the bus that somebody listens.
-        end = time.monotonic() + 0.5
-        while time.monotonic() < end:
-            while GLib.MainContext.default().iteration(False):
-                pass
-            time.sleep(0.01)
+        # The bus tells the program of the listener first, and then asks it for its windows.
+        eventually(lambda: windows() is not None, "the answer of a program")
 
     def take(self, event):
         try:

@@ -83,7 +83,7 @@ TEST(InputPanel, CoveredRowsAreCountedFromItsHeight) {
     });
 }
 
-TEST(InputPanel, CoveredRowsWithoutAHorizontalBar) {
+TEST(InputPanel, CoveredRowsAreCountedWithoutAHorizontalBar) {
     FakeHost host;
     WithSession(host, [] {
         int wanted = 0;
@@ -97,7 +97,7 @@ TEST(InputPanel, CoveredRowsWithoutAHorizontalBar) {
     });
 }
 
-TEST(InputPanel, CoveredRowsWithoutAStatusBar) {
+TEST(InputPanel, CoveredRowsAreCountedWithoutAStatusBar) {
     FakeHost host;
     OnSmallDevice(host, [] {
         int wanted = 0;
@@ -326,7 +326,7 @@ TEST(InputPanel, LatchesHoldForOneKey) {
 }
 
 // The same as on a real keyboard; Ctl with Space is the character 0.
-TEST(InputPanel, ControlCharactersOtherThanLetters) {
+TEST(InputPanel, CtlMakesControlCharactersThatAreNoLetters) {
     FakeHost host;
     OnSmallDevice(host, [&] {
         TapPanelButton();

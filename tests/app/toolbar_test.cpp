@@ -173,7 +173,7 @@ TEST(Toolbar, SwapStepsThroughTheBarsOfANarrowScreenWhichAllLackP6) {
     });
 }
 
-TEST(Toolbar, AtMostElevenButtonsOnAWindowOf240Pixels) {
+TEST(Toolbar, AWindowOf240PixelsShowsElevenButtonsAtMost) {
     RunProgram(OfWidth(240, [] { StoreAllRows(7); }), [] {
         EXPECT_TRUE(Shows(NamesOfAllRows(11)));
         OnWindowThread([] {

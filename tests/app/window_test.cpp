@@ -290,7 +290,7 @@ struct Size {
 const Size kSizes[] = {{100, 80},  {4000, 3000}, {240, 320}, {640, 240}, {101, 2000},
                        {3999, 81}, {350, 200},   {349, 200}, {800, 600}};
 
-TEST(Window, EverySizeOfTheDeviceWhileTheHostFloods) {
+TEST(Window, TakesEverySizeOfTheDeviceWhileTheHostFloods) {
     FakeHost host;
     WithSession(host, [&] {
         for (const Size& size : kSizes) {

@@ -78,7 +78,7 @@ static void CompareStreams(const char* name, const ByteString& key, const ByteSt
     }
 }
 
-TEST(CipherOracle, DesCbc) {
+TEST(CipherOracle, DesCbcMatchesLibcrypto) {
     for (int round = 0; round < kRounds && !HasFatalFailure(); round++) {
         const ByteString key = RandomBytes(8), iv = RandomBytes(8);
         DesContext context;
@@ -96,7 +96,7 @@ TEST(CipherOracle, DesCbc) {
     }
 }
 
-TEST(CipherOracle, TripleDesOfSsh2) {
+TEST(CipherOracle, TripleDesOfSsh2MatchesLibcrypto) {
     for (int round = 0; round < kRounds && !HasFatalFailure(); round++) {
         const ByteString key = RandomBytes(24), iv = RandomBytes(8);
         kTripleDesCbc.setOutgoingKey(key.data());
@@ -110,7 +110,7 @@ TEST(CipherOracle, TripleDesOfSsh2) {
     }
 }
 
-TEST(CipherOracle, BlowfishOfSsh2) {
+TEST(CipherOracle, BlowfishOfSsh2MatchesLibcrypto) {
     for (int round = 0; round < kRounds / 3 && !HasFatalFailure(); round++) {
         const ByteString key = RandomBytes(16), iv = RandomBytes(8);
         kBlowfishCbc.setOutgoingKey(key.data());
@@ -124,7 +124,7 @@ TEST(CipherOracle, BlowfishOfSsh2) {
     }
 }
 
-TEST(CipherOracle, BlowfishWithKeysOfEveryLength) {
+TEST(CipherOracle, BlowfishMatchesLibcryptoWithKeysOfEveryLength) {
     static BlowfishContext forth, back;
     for (int length = 1; length <= 72 && !HasFatalFailure(); length++) {
         const ByteString key = RandomBytes(length), iv = RandomBytes(8);
@@ -189,7 +189,7 @@ TEST(CipherOracle, BlowfishOfSsh1IsTheCommonOneWithEachWordReversed) {
     }
 }
 
-TEST(CipherOracle, DesOfSsh1) {
+TEST(CipherOracle, DesOfSsh1MatchesLibcrypto) {
     const ByteString zero(8);
     for (int round = 0; round < kRounds && !HasFatalFailure(); round++) {
         const ByteString key = RandomBytes(8);

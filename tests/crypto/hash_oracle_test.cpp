@@ -45,9 +45,9 @@ static void CompareSha1() {
     }
 }
 
-TEST(HashOracle, Sha1) { CompareSha1(); }
+TEST(HashOracle, Sha1MatchesLibcrypto) { CompareSha1(); }
 
-TEST(HashOracle, Sha1Portable) {
+TEST(HashOracle, PortableSha1MatchesLibcrypto) {
     Sha1Compressor fastest = sha1_compressor;
     sha1_compressor = Sha1CompressPortable;
     CompareSha1();
@@ -63,16 +63,16 @@ static void CompareSha512() {
     }
 }
 
-TEST(HashOracle, Sha512) { CompareSha512(); }
+TEST(HashOracle, Sha512MatchesLibcrypto) { CompareSha512(); }
 
-TEST(HashOracle, Sha512Portable) {
+TEST(HashOracle, PortableSha512MatchesLibcrypto) {
     Sha512Compressor fastest = sha512_compressor;
     sha512_compressor = Sha512CompressPortable;
     CompareSha512();
     sha512_compressor = fastest;
 }
 
-TEST(HashOracle, Md5) {
+TEST(HashOracle, Md5MatchesLibcrypto) {
     for (int round = 0; round < kRounds; round++) {
         const ByteString message = RandomMessage();
         ASSERT_EQ((InPieces<Md5Context, kMd5Size>(message, Md5Init, Md5Update, Md5Final)),
@@ -80,7 +80,7 @@ TEST(HashOracle, Md5) {
     }
 }
 
-TEST(HashOracle, HmacSha1WithKeysUpTo64Bytes) {
+TEST(HashOracle, HmacSha1MatchesLibcryptoWithKeysUpTo64Bytes) {
     for (int round = 0; round < kRounds; round++) {
         const ByteString key = RandomBytes(RandomBelow(65)), message = RandomMessage();
         uint8_t ours[kSha1Size], theirs[EVP_MAX_MD_SIZE];

@@ -379,7 +379,7 @@ TEST_F(DemoHost, TwentySessionsAtOnceAreIndependent) {
     }
 }
 
-TEST_F(DemoHost, SessionsOneAfterTheOther) {
+TEST_F(DemoHost, ServesOneSessionAfterTheOther) {
     for (int i = 0; i < 10; ++i) ExpectServes(host);
 }
 

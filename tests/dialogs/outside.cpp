@@ -76,7 +76,7 @@ Stage FreshStage() {
     return stage;
 }
 
-TEST(OutsideDialogs, ConnectByMouse) {
+TEST(OutsideDialogs, ConnectIsFilledInByMouse) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const HWND connect = OpenByKeys("ctrl+shift+n", "Connect");
@@ -103,7 +103,7 @@ TEST(OutsideDialogs, ConnectByMouse) {
     });
 }
 
-TEST(OutsideDialogs, ConnectByKeysOnly) {
+TEST(OutsideDialogs, ConnectIsFilledInByKeysOnly) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const HWND connect = OpenByKeys("ctrl+shift+n", "Connect");
@@ -125,7 +125,7 @@ TEST(OutsideDialogs, ConnectByKeysOnly) {
     });
 }
 
-TEST(OutsideDialogs, PropertiesByMouse) {
+TEST(OutsideDialogs, PropertiesAreSetByMouse) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const HWND sheet = OpenByKeys("alt+s p", "Properties");
@@ -143,7 +143,7 @@ TEST(OutsideDialogs, PropertiesByMouse) {
     });
 }
 
-TEST(OutsideDialogs, AutoLoginByKeysAndEsc) {
+TEST(OutsideDialogs, AutoLoginIsFilledInByKeysAndLeftByEsc) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         HWND dialog = OpenByKeys("alt+s Down Down Return", "Auto Login");
@@ -162,7 +162,7 @@ TEST(OutsideDialogs, AutoLoginByKeysAndEsc) {
     });
 }
 
-TEST(OutsideDialogs, FontByMouseAndKeys) {
+TEST(OutsideDialogs, FontIsChosenByMouseAndKeys) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {
         const HWND dialog = OpenByKeys("alt+s f", "Font");

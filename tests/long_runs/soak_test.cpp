@@ -127,7 +127,7 @@ static void Watch(LongRun& run, const std::atomic<bool>& over) {
     }
 }
 
-TEST(Soak, HostUserAndNetworkAtOnce) {
+TEST(Soak, SurvivesHostUserAndNetworkAtOnce) {
     Soak soak;
     soak.seed = Asked("QUILL_SOAK_SEED", 1);
     soak.first = soak.session = Asked("QUILL_SOAK_FROM", 0);

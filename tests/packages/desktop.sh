@@ -50,6 +50,22 @@ finds_title() {
 }
 main_window() { await 30 finds_title "$1" || fail "no window with the title $1"; }
 
+# caught_up WINDOW: its program has taken every message that X sent it until now.
+caught_up() {
+    /usr/bin/python3 "$(dirname "$0")/x_window.py" ping "$1" 2>"$work/ping" || fail "$(cat "$work/ping")"
+}
+
+# answer_box: presses Return in the program's message box until it has gone.
+has_no_box() { ! has_window '^Quill Telnet$'; }
+answer_box() {
+    for try in 1 2 3 4 5; do
+        box=$(xdotool search --onlyvisible --name '^Quill Telnet$' 2>/dev/null | tail -n 1)
+        xdotool windowfocus --sync "$box" key Return 2>/dev/null || :
+        ! await 5 has_no_box || return 0
+    done
+    fail "the box did not close"
+}
+
 # open_window ARGUMENTS...: sets `client`; its stderr is in $work/err.
 open_window() {
     "$program" "$@" 2>"$work/err" &

@@ -74,10 +74,8 @@ second=$!
 ends_with_us $second
 await 20 has_window '^Quill Telnet$' || fail "no box: $(cat "$work/second")"
 grep -q 'already runs' "$work/second" || fail "said: $(cat "$work/second")"
+answer_box
 code=0
-box=$(xdotool search --name '^Quill Telnet$' | tail -n 1)
-sleep 0.5
-xdotool windowfocus "$box" key Return 2>/dev/null || :
 wait $second || code=$?
 [ $code -eq 1 ] || fail "the second start ended with $code"
 kill -0 $client || fail "the first program has ended"
@@ -101,10 +99,8 @@ second=$!
 ends_with_us $second
 await 20 has_window '^Quill Telnet$' || fail "no box: $(cat "$work/second")"
 grep -q 'is no host' "$work/second" || fail "said: $(cat "$work/second")"
+answer_box
 code=0
-box=$(xdotool search --name '^Quill Telnet$' | tail -n 1)
-sleep 0.5
-xdotool windowfocus "$box" key Return 2>/dev/null || :
 wait $second || code=$?
 [ $code -eq 2 ] || fail "a bad address ended with $code"
 [ ! -e "$home/data" ] || fail "a bad address wrote something"

@@ -30,7 +30,7 @@ clean_up() {
     for each in $started; do kill "$each" 2>/dev/null || :; done
     wait
 }
-need Xvfb xdotool import identify dpkg dpkg-deb chroot mount
+need Xvfb xdotool xwininfo import convert dpkg dpkg-deb chroot mount socat
 package=$(realpath "$1")
 demo=$2
 
@@ -89,34 +89,49 @@ open_screen
 "$demo" >"$work/host" &
 ends_with_us $!
 port=$(first_line "$work/host")
+# What passes between the program and the host is in two files.
+: >"$work/sent"
+: >"$work/received"
+socat -d -d -lf"$work/relay.log" -r "$work/sent" -R "$work/received" \
+    TCP4-LISTEN:0,bind=127.0.0.1,reuseaddr,fork,nodelay "TCP4:127.0.0.1:${port##*:},nodelay" &
+ends_with_us $!
+await 10 grep -q 'listening on' "$work/relay.log" || fail "no relay"
+port=$(sed -n 's/.*listening on .*127\.0\.0\.1:\([0-9]*\).*/\1/p' "$work/relay.log")
+received() { tr -d '\000' <"$work/received" | grep -aq "$1"; }
 start() {
     inside HOME=/home/tester DISPLAY="$DISPLAY" QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR=/home/tester \
         "$@" 2>"$work/err" &
     client=$!
     ends_with_us $client
 }
-start $(sed -n "s|^Exec=\(.*\) %u|\1 telnet://127.0.0.1:${port##*:}|p" "$root/usr/share/applications/quill.desktop")
+start $(sed -n "s|^Exec=\(.*\) %u|\1 telnet://127.0.0.1:$port|p" "$root/usr/share/applications/quill.desktop")
 find_window
-painted() {
-    import -window "$window" "$work/picture.png" && [ "$(identify -format '%k' "$work/picture.png")" -gt 3 ]
+await 20 received 'login:' || fail "the host did not answer: $(cat "$work/err")"
+# rows_of_text: the rows of pixels of the terminal that have more than its background. The bars are above
+# and below it.
+rows_of_text() {
+    width=$(xwininfo -id "$window" | sed -n 's/^ *Width: //p') height=$(xwininfo -id "$window" | sed -n 's/^ *Height: //p')
+    import -window "$window" -crop "${width}x$((height - 140))+0+60" +repage "$work/text.png" &&
+        convert "$work/text.png" -colorspace Gray -depth 8 gray:- |
+        od -An -v -tu1 -w"$width" | awk '{ for (i = 2; i <= NF; ++i) if ($i != $1) { rows++; next } } END { print rows + 0 }'
 }
+painted() { [ "$(rows_of_text)" -ge 10 ]; }
 await 20 painted || fail "the window is not painted: $(cat "$work/err")"
-sleep 1
 
 # Removed while it runs: the session goes on, and ends as ever.
-picture() { import -window "$window" rgb:- | md5sum; }
 dpkg_quietly -r quill
 [ ! -e "$root/usr/bin/quill" ] || fail "the program is left"
 kill -0 $client || fail "the program ended with its package"
-before=$(picture)
-is_another() { [ "$(picture)" != "$before" ]; }
-xdotool windowfocus "$window" 2>/dev/null || :
-sleep 0.5
-xdotool type --delay 20 anna
+rows=$(rows_of_text)
+! received 'assword:' || fail "the host asks for the password too early"
+has_more_rows() { [ "$(rows_of_text)" -gt "$rows" ]; }
+xdotool windowfocus --sync "$window" type --delay 20 anna
 xdotool key Return
-await 10 is_another || fail "the session stands still without the package"
+await 10 received 'assword:' || fail "the session stands still without the package"
+await 10 has_more_rows || fail "without the package the window does not show what the host sends"
+rows=$(rows_of_text)
 xdotool key ctrl+shift+plus
-sleep 1
+await 10 has_more_rows || fail "the letters did not grow"
 kill -TERM $(pgrep -P $client -x quill || echo $client)
 code=0
 wait $client || code=$?
@@ -143,7 +158,7 @@ left=$(comm -13 "$work/before" "$work/after" |
         esac
     done)
 [ -z "$left" ] || fail "left behind: $left"
-named=$(find "$layer" -name '*quill*' ! -path "$layer/home/*" ! -path "*/tmp/*" ! -path "$layer/work/*" -print)
+named=$(cd "$layer" && find . -name '*quill*' ! -path './home/*' ! -path './tmp/*' -print)
 [ -z "$named" ] || fail "left behind: $named"
 [ "$(cd "$root/home/tester" && find . -type f | sort | tr '\n' ' ')" = \
     "./.local/share/quill/registry.db ./.local/share/quill/window.cfg " ] ||

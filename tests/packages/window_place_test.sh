@@ -19,6 +19,20 @@ opened() {
     main_window '^Quill Telnet  \['
     await 10 shown || fail "the window is not shown"
 }
+# is_near X Y: a pixel of the device is at most three of the desktop's.
+is_near() {
+    x=$(field 'Absolute upper-left X') y=$(field 'Absolute upper-left Y')
+    [ $((x - $1)) -ge -3 ] && [ $((x - $1)) -le 3 ] && [ $((y - $2)) -ge -3 ] && [ $((y - $2)) -le 3 ]
+}
+# move_to X Y: the frame; the program knows the new place, too. Sets `moved` to that of the window.
+is_elsewhere() { ! is_corner "$before"; }
+move_to() {
+    before=$(corner)
+    xdotool windowmove "$window" $1 $2
+    await 10 is_elsewhere || fail "the window did not move to $1,$2: $before"
+    caught_up "$window"
+    moved=$(corner)
+}
 shown() { xwininfo -id "$window" | grep -q IsViewable; }
 is_managed() { xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'; }
 use_screen() {
@@ -34,9 +48,8 @@ opened --scale 2
 first=$(shape)
 [ ! -e "$place" ] || fail "a place was kept before the end"
 xdotool windowsize --sync "$window" 900 640
-xdotool windowmove "$window" 300 200
 await 10 is_shape 900x640 || fail "the window did not take its size: $(shape)"
-sleep 0.5
+move_to 300 200
 end_window
 [ "$(stat -c %a "$place")" = 600 ] || fail "others may read the place"
 grep -qx 'size 450 320' "$place" || fail "kept: $(cat "$place")"
@@ -44,9 +57,7 @@ grep -qx 'size 450 320' "$place" || fail "kept: $(cat "$place")"
 
 opened --scale 2
 await 10 is_shape 900x640 || fail "the size is not back: $(shape)"
-is_near() { [ "$(field 'Absolute upper-left X')" -ge 298 ] && [ "$(field 'Absolute upper-left X')" -le 302 ] &&
-    [ "$(field 'Absolute upper-left Y')" -ge 198 ] && [ "$(field 'Absolute upper-left Y')" -le 202 ]; }
-await 10 is_near || fail "the place is not back: $(corner)"
+await 10 is_near ${moved%,*} ${moved#*,} || fail "the place is not back: $(corner) instead of $moved"
 back=$(corner)
 end_window
 for run in 1 2 3; do
@@ -60,11 +71,11 @@ done
 cp "$place" "$work/kept"
 for scale in 1.5 3; do
     opened --scale $scale
-    xdotool windowmove "$window" 311 217
-    sleep 0.5
+    move_to 311 217
     end_window
     opened --scale $scale
-    sleep 0.5
+    await 10 is_near ${moved%,*} ${moved#*,} || fail "the place is not back at $scale: $(corner) instead of $moved"
+    caught_up "$window"
     back=$(corner)
     end_window
     for run in 1 2 3; do
@@ -77,7 +88,7 @@ cp "$work/kept" "$place"
 # Maximised: the size of before stays behind it.
 opened --scale 2
 xdotool windowfocus "$window" || :
-/usr/bin/python3 "$(dirname "$0")/maximize.py" "$window"
+/usr/bin/python3 "$(dirname "$0")/x_window.py" maximize "$window"
 is_wide() { [ "$(field Width)" -ge 1590 ]; }
 await 10 is_wide || fail "not maximised: $(shape)"
 end_window

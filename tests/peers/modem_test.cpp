@@ -166,7 +166,7 @@ TEST_F(ModemDial, ChatsOwnWordsGiveTheRefusalsError) {
     }
 }
 
-TEST_F(ModemDial, HangingUpWhileTheModemStillDials) {
+TEST_F(ModemDial, HangingUpEndsADialThatIsNotThroughYet) {
     Modem modem("");
     RunProgram({}, [&] {
         Dial();

@@ -62,7 +62,7 @@ void ManyLines() {
     });
 }
 
-TEST(InetutilsTelnetd, LoginTypedByAPerson) {
+TEST(InetutilsTelnetd, LetsInAPersonWhoTypes) {
     Server server("telnetd.sh");
     START_OR_SKIP(server);
     WithLogin(server, [] {
@@ -83,7 +83,7 @@ TEST(InetutilsTelnetd, TerminalTypeAndSizeArrive) {
     });
 }
 
-TEST(InetutilsTelnetd, TwentyThousandLinesIntact) {
+TEST(InetutilsTelnetd, TwentyThousandLinesArriveIntact) {
     Server server("telnetd.sh");
     START_OR_SKIP(server);
     WithLogin(server, [] { ManyLines(); });
@@ -147,7 +147,7 @@ TEST(BusyboxTelnetd, LogsInByItself) {
     LogInByItself(server);
 }
 
-TEST(BusyboxTelnetd, LoginTypedByAPerson) {
+TEST(BusyboxTelnetd, LetsInAPersonWhoTypes) {
     Server server("busybox_telnetd.sh");
     START_OR_SKIP(server);
     WithLogin(server, [] {
@@ -156,7 +156,7 @@ TEST(BusyboxTelnetd, LoginTypedByAPerson) {
     });
 }
 
-TEST(BusyboxTelnetd, TwentyThousandLinesIntact) {
+TEST(BusyboxTelnetd, TwentyThousandLinesArriveIntact) {
     Server server("busybox_telnetd.sh");
     START_OR_SKIP(server);
     WithLogin(server, [] { ManyLines(); });

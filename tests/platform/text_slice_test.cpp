@@ -5,7 +5,7 @@
 #include "platform/qt/services/services.h"
 #include "windows_ce.h"
 
-TEST(WideText, Utf8AndBack) {
+TEST(WideText, BecomesUtf8AndComesBack) {
     const std::u16string text = u"a\u00e9\u20ac\U0001F600";
     EXPECT_EQ("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", Utf8FromWide(text));
     EXPECT_EQ(text, WideFromUtf8(Utf8FromWide(text)));

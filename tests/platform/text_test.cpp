@@ -33,7 +33,7 @@ TEST(CodePage, EveryByteComesBack) {
     }
 }
 
-TEST(CodePage, WindowsPositions) {
+TEST(CodePage, HasThePositionsOfWindows) {
     const char bytes[] = "\x80\x85\x8A\x9F\xA0\xE4\xFF\x81\x8D\x8F\x90\x9D";
     WCHAR text[20];
     EXPECT_EQ(13, MultiByteToWideChar(CP_ACP, 0, bytes, -1, text, 20));
@@ -72,14 +72,14 @@ TEST(CodePage, NothingToConvertIsAnError) {
     EXPECT_EQ(0, WideCharToMultiByte(CP_ACP, 0, TEXT("hello"), 0, bytes, 4, nullptr, nullptr));
 }
 
-TEST(Wsprintf, Numbers) {
+TEST(Wsprintf, FormatsNumbers) {
     EXPECT_EQ(TEXT("-7 -7 4294967289"), Format(TEXT("%d %i %u"), -7, -7, -7));
     EXPECT_EQ(TEXT("ff FF 0"), Format(TEXT("%x %X %x"), 255, 255, 0));
     EXPECT_EQ(TEXT("-2147483648"), Format(TEXT("%d"), static_cast<int>(0x80000000u)));
     EXPECT_EQ(TEXT("key65"), Format(TEXT("key%d"), 65));
 }
 
-TEST(Wsprintf, WidthZerosAndSide) {
+TEST(Wsprintf, PadsNumbersWithBlanksOrZerosOnEitherSide) {
     EXPECT_EQ(TEXT("[   42]"), Format(TEXT("[%5d]"), 42));
     EXPECT_EQ(TEXT("[42   ]"), Format(TEXT("[%-5d]"), 42));
     EXPECT_EQ(TEXT("[00042]"), Format(TEXT("[%05d]"), 42));
@@ -87,7 +87,7 @@ TEST(Wsprintf, WidthZerosAndSide) {
     EXPECT_EQ(TEXT("[0000beef]"), Format(TEXT("[%08x]"), 0xbeef));
 }
 
-TEST(Wsprintf, Texts) {
+TEST(Wsprintf, FormatsTexts) {
     EXPECT_EQ(TEXT("wide narrow"), Format(TEXT("%s %S"), TEXT("wide"), "narrow"));
     EXPECT_EQ(TEXT("narrow wide"), Format(TEXT("%hs %lS"), "narrow", TEXT("wide")));
     EXPECT_EQ(TEXT("narrow wide"), Format(TEXT("%hS %ls"), "narrow", TEXT("wide")));
@@ -107,7 +107,7 @@ TEST(Wsprintf, LongTextEndsAt1023) {
     EXPECT_EQ(1023, lstrlenW(room));
 }
 
-TEST(Strings, LengthAndCopies) {
+TEST(Strings, AreMeasuredAndCopied) {
     WCHAR text[10];
     EXPECT_EQ(5, lstrlenW(TEXT("hello")));
     EXPECT_EQ(0, lstrlenW(TEXT("")));
@@ -116,7 +116,7 @@ TEST(Strings, LengthAndCopies) {
     EXPECT_EQ(Text(TEXT("hello")), text);
 }
 
-TEST(Strings, Comparing) {
+TEST(Strings, AreComparedWithAndWithoutCase) {
     EXPECT_EQ(0, lstrcmpW(TEXT("abc"), TEXT("abc")));
     EXPECT_LT(lstrcmpW(TEXT("abc"), TEXT("abd")), 0);
     EXPECT_GT(lstrcmpW(TEXT("abc"), TEXT("ab")), 0);

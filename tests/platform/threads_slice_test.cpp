@@ -31,7 +31,7 @@ TEST(SystemTimeSet, FirstMomentIsAThursday) {
     EXPECT_EQ(0, time.wMilliseconds);
 }
 
-TEST(SystemTimeSet, LeapDayToTheMillisecond) {
+TEST(SystemTimeSet, IsALeapDayToTheMillisecond) {
     const SYSTEMTIME time = TimeAt(951868799987);  // 2000-02-29 23:59:59.987, a Tuesday
     EXPECT_EQ(2000, time.wYear);
     EXPECT_EQ(2, time.wMonth);

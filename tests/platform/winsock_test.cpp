@@ -309,7 +309,7 @@ TEST_F(Winsock, UnknownNameDoesNotResolve) {
     EXPECT_EQ(nullptr, gethostbyname(std::string(5000, 'a').c_str()));
 }
 
-TEST(DottedAddress, FourParts) {
+TEST(DottedAddress, HasItsFourPartsAsBytes) {
     EXPECT_EQ(Dotted(192, 168, 0, 1), inet_addr("192.168.0.1"));
     EXPECT_EQ(0u, inet_addr("0.0.0.0"));
     EXPECT_EQ(Dotted(255, 255, 255, 254), inet_addr("255.255.255.254"));
@@ -321,7 +321,7 @@ TEST(DottedAddress, FewerPartsFillTheRest) {
     EXPECT_EQ(Dotted(127, 0, 0, 1), inet_addr("2130706433"));
 }
 
-TEST(DottedAddress, HexadecimalAndOctalParts) {
+TEST(DottedAddress, PartsMayBeHexadecimalOrOctal) {
     EXPECT_EQ(Dotted(127, 0, 0, 1), inet_addr("0x7f.0.0.01"));
     EXPECT_EQ(Dotted(8, 255, 0, 9), inet_addr("010.0xFF.0x0.9"));
 }

@@ -56,9 +56,9 @@ constexpr int kControlKeys[] = {162, 163};
 
 }  // namespace
 
-TEST_F(VirtualKeys, EveryCodeWithoutModifiers) { ExpectAllKeys(false, false); }
+TEST_F(VirtualKeys, EveryCodeSendsItsRowWithoutModifiers) { ExpectAllKeys(false, false); }
 
-TEST_F(VirtualKeys, EveryCodeWithShift) {
+TEST_F(VirtualKeys, EveryCodeSendsItsRowWithShift) {
     for (const int key : kShiftKeys) {
         key_states = {{key, kKeyDown}};
         ExpectAllKeys(true, false);
@@ -67,7 +67,7 @@ TEST_F(VirtualKeys, EveryCodeWithShift) {
     ExpectAllKeys(true, false);
 }
 
-TEST_F(VirtualKeys, EveryCodeWithCtrl) {
+TEST_F(VirtualKeys, EveryCodeSendsItsRowWithCtrl) {
     for (const int key : kControlKeys) {
         key_states = {{key, kKeyDown}};
         ExpectAllKeys(false, true);
@@ -76,7 +76,7 @@ TEST_F(VirtualKeys, EveryCodeWithCtrl) {
     ExpectAllKeys(false, true);
 }
 
-TEST_F(VirtualKeys, EveryCodeWithShiftAndCtrl) {
+TEST_F(VirtualKeys, EveryCodeSendsItsRowWithShiftAndCtrl) {
     for (const int shift : kShiftKeys)
         for (const int control : kControlKeys) {
             key_states = {{shift, kKeyDown}, {control, kKeyDown}};

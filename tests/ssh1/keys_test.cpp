@@ -99,7 +99,7 @@ TEST(SessionKey, NeedsAKeyOfThirtyFiveBytes) {
     }
 }
 
-TEST(SessionKey, EveryKeySizeFrom512To2048) {
+TEST(SessionKey, IsMadeForEveryKeySizeFrom512To2048) {
     for (size_t size = 64; size <= 256; size += 32) {
         ScriptedHost host;
         host.host_modulus = std::string(size, '\xC5');

@@ -79,9 +79,9 @@ void ExpectBox(const QStringList& options, DWORD cipher, const std::string& text
 
 // ---------------------------------------------------------------- ciphers and keys
 
-TEST(Ciphers, Des) { ExpectWorkingShell({}, kDes); }
-TEST(Ciphers, TripleDes) { ExpectWorkingShell({}, kTripleDes); }
-TEST(Ciphers, Blowfish) { ExpectWorkingShell({}, kBlowfish); }
+TEST(Ciphers, DesOpensAShell) { ExpectWorkingShell({}, kDes); }
+TEST(Ciphers, TripleDesOpensAShell) { ExpectWorkingShell({}, kTripleDes); }
+TEST(Ciphers, BlowfishOpensAShell) { ExpectWorkingShell({}, kBlowfish); }
 
 TEST(Ciphers, TheServerSeesTheChosenOne) {
     const char* lines[] = {"cipher 2", "cipher 3", "cipher 6"};
@@ -100,12 +100,12 @@ QStringList Keys(int host, int server) {
     return {"--host-bits", QString::number(host), "--server-bits", QString::number(server)};
 }
 
-TEST(Keys, HostKeyLonger) { ExpectWorkingShell(Keys(1024, 768)); }
-TEST(Keys, HostKeyShorter) { ExpectWorkingShell(Keys(768, 1024)); }
-TEST(Keys, Of512And2048Bits) { ExpectWorkingShell(Keys(512, 2048)); }
-TEST(Keys, Of2048And512Bits) { ExpectWorkingShell(Keys(2048, 512)); }
-TEST(Keys, Of2048And1024Bits) { ExpectWorkingShell(Keys(2048, 1024)); }
-TEST(Keys, OfOddLengths) { ExpectWorkingShell(Keys(1001, 777)); }
+TEST(Keys, HostKeyMayBeTheLongerOne) { ExpectWorkingShell(Keys(1024, 768)); }
+TEST(Keys, HostKeyMayBeTheShorterOne) { ExpectWorkingShell(Keys(768, 1024)); }
+TEST(Keys, Of512And2048BitsOpenAShell) { ExpectWorkingShell(Keys(512, 2048)); }
+TEST(Keys, Of2048And512BitsOpenAShell) { ExpectWorkingShell(Keys(2048, 512)); }
+TEST(Keys, Of2048And1024BitsOpenAShell) { ExpectWorkingShell(Keys(2048, 1024)); }
+TEST(Keys, OfOddLengthsOpenAShell) { ExpectWorkingShell(Keys(1001, 777)); }
 
 // A number as long as the key leaves no room for the padding.
 TEST(Keys, OfOneLengthCannotCarryASessionKey) {
@@ -137,7 +137,7 @@ TEST(Login, StatusLineReadsSecure) {
     });
 }
 
-TEST(Login, WrongPasswordThenTheRightOne) {
+TEST(Login, SucceedsWithTheRightPasswordAfterAWrongOne) {
     WithProgram({}, kBlowfish, [](TestServer& server) {
         OnWindowThread([] {
             lstrcpyW(session.settings.ssh_p, u"guess");
@@ -192,7 +192,7 @@ TEST(Login, RefusedTerminalStillGivesAShell) {
     });
 }
 
-TEST(Login, SecondSessionOfTheSameProgram) {
+TEST(Login, OpensASecondSessionOfTheSameProgram) {
     WithShell({}, kDes, [](TestServer& server) {
         Close();
         EXPECT_TRUE(Offline());
@@ -212,7 +212,7 @@ TEST(Session, IgnoreAndDebugMessagesAnywhere) {
         ExpectWorkingShell({"--chatter", "--pieces", pieces});
 }
 
-TEST(Session, TwentyThousandLinesIntact) {
+TEST(Session, TwentyThousandLinesArriveIntact) {
     std::string expected;
     for (int i = 1; i <= 20000; i++)
         expected.append("line ").append(std::to_string(i)).append("\r\n");

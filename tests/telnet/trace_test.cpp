@@ -62,7 +62,7 @@ TEST(Trace, NothingIsWrittenWithoutTheSetting) {
     }
 }
 
-TEST(Trace, HostLinesOfEveryOption) {
+TEST(Trace, HostLinesNameEveryOption) {
     for (int option = 0; option < 256; option++) {
         const std::string name = NameOf(option);
         EXPECT_EQ(HostLine(kWill, option), "HOST: IAC WILL " + name + " \n\r");
@@ -72,7 +72,7 @@ TEST(Trace, HostLinesOfEveryOption) {
     }
 }
 
-TEST(Trace, ClientLinesOfEveryOption) {
+TEST(Trace, ClientLinesNameEveryOption) {
     for (int option = 0; option < 256; option++) {
         const std::string name = NameOf(option);
         EXPECT_EQ(ClientLine(kWill, option), "CLIENT: IAC  WILL " + name + "\n\r");

@@ -201,7 +201,7 @@ TEST_F(HotspotTap, InADoubleWidthRowGoesByTheScreensCells) {
     EXPECT_EQ(Tap(21), "") << "where the digit is drawn";
 }
 
-TEST_F(HotspotTap, NumbersOfEveryLengthAtTheRowsEdges) {
+TEST_F(HotspotTap, SendsNumbersOfEveryLengthAtTheRowsEdges) {
     for (int digits = 1; digits <= 80; digits++) {
         for (const int first : {1, 2, 3, 81 - digits - 1, 81 - digits}) {
             if (first < 1 || first + digits > 82) continue;
@@ -241,7 +241,7 @@ std::string Expected(const std::string& line, int col) {
 }
 
 // Every text of five characters out of six kinds, with a tap on the second one.
-TEST_F(HotspotTap, EveryTextOfFiveCharactersAtTheEdgesOfTheRow) {
+TEST_F(HotspotTap, SendsWhatTheRuleSaysOfEveryTextOfFiveCharacters) {
     const std::string kinds = " .:19x";
     for (const int col : {1, 2, 3, 40, 74, 75, 77, 80}) {
         std::string line(90, ' ');
@@ -259,7 +259,7 @@ TEST_F(HotspotTap, EveryTextOfFiveCharactersAtTheEdgesOfTheRow) {
 }
 
 // Every cell of the screen, while text of the host arrives between the two taps.
-TEST_F(HotspotTap, EveryCellWhileTextArrives) {
+TEST_F(HotspotTap, TakesEveryCellWhileTextArrives) {
     const std::string menu =
         "  1. Mail 12: News  123. x9. ( 4.)  5. 66.  7: 8.8 99: 10.  1.   2.  34. 5:.  6.";
     ASSERT_EQ(menu.size(), 80u);

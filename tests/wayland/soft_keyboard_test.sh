@@ -59,8 +59,13 @@ has_keyboard() {
     grab_foot "$work/foot.png"
     [ "$(compare -metric AE "$work/foot.png" "$work/foot-before.png" null: 2>&1)" -gt 2000 ]
 }
+# The pictures of the buttons have many colours.
+is_painted() {
+    grim -g "$left,$top ${width}x$height" "$work/window.png" &&
+        [ "$(convert "$work/window.png" -unique-colors -format %w info:)" -gt 20 ]
+}
 shows_keyboard() {
-    sleep 1 # until the window is painted
+    await 20 is_painted || fail "the window is not painted"
     for try in 1 2 3 4 5; do
         grab_foot "$work/foot-before.png"
         hand click $((left + width - 12)) $((top + height - strip / 2))

@@ -8,7 +8,7 @@ set -eu
 . "$(dirname "$0")/../support/outside.sh"
 program=$1 pictures=$2
 . "$(dirname "$0")/compositor.sh"
-need weston-screenshooter
+need weston-screenshooter convert
 /usr/bin/python3 -c 'import paramiko' 2>/dev/null || { echo "$script: python3-paramiko is missing" >&2; exit 77; }
 mkdir -p "$pictures"
 open_compositor 1
@@ -20,17 +20,27 @@ ends_with_us $!
 exec 8>"$work/open"
 port=$(first_line "$work/port")
 
-# signs_on [NAME=VALUE]: the box of the sign-on is drawn, with the focus in an empty field, and goes on.
-# A window gets its buffers after its title.
+# signs_on [NAME=VALUE]: the box of the sign-on is drawn, the cursor of an empty field blinks, and the
+# program goes on. A window gets its buffers after its title.
 box_is_drawn() { sed -n '/set_title("Sign on to the host")/,$p' "$work/err" | grep -q 'wl_surface.*attach(wl_buffer'; }
+take_picture() {
+    (cd "$work" && rm -f wayland-screenshot-*.png && weston-screenshooter) && mv "$work"/wayland-screenshot-*.png "$1"
+}
+# Two pictures differ by an upright line alone; the compositor's clock above does not count.
+cursor_blinks() {
+    mv "$pictures/sign-on.png" "$work/before.png"
+    take_picture "$pictures/sign-on.png" || return 1
+    line=$(convert "$work/before.png" "$pictures/sign-on.png" -compose difference -composite -crop +0+40 +repage \
+        -threshold 10% -trim -format '%w %h' info: 2>/dev/null)
+    [ "${line% *}" -le 4 ] && [ "${line#* }" -ge 8 ]
+}
 signs_on() {
     env "$@" WAYLAND_DEBUG=1 "$program" --root "$work/root" "ssh://127.0.0.1:$port" 2>"$work/err" &
     client=$!
     ends_with_us $client
     await 30 box_is_drawn || fail "$*: no box"
-    sleep 1 # the cursor blinks
-    (cd "$work" && rm -f wayland-screenshot-*.png && weston-screenshooter) || fail "no picture"
-    mv "$work"/wayland-screenshot-*.png "$pictures/sign-on.png"
+    take_picture "$pictures/sign-on.png" || fail "no picture"
+    await 20 cursor_blinks || fail "$*: no cursor blinks in $pictures/sign-on.png"
     kill $client || fail "$*: the program has gone"
     code=0
     wait $client || code=$?

@@ -48,7 +48,7 @@ shown() {
     mv "$work"/wayland-screenshot-*.png "$pictures/screen-$scale-$density.png"
     frame_check "$pictures/screen-$scale-$density.png" >/dev/null
 }
-await 5 shown || fail "no whole frame in $pictures/screen-$scale-$density.png"
+await 30 shown || fail "no whole frame in $pictures/screen-$scale-$density.png"
 kill "$client"
 code=0
 wait "$client" || code=$?

@@ -70,5 +70,15 @@ timeout 100 wine "$work/setup.exe" /S || fail "the later installation elsewhere 
 timeout 100 wine "$other/remove.exe" /S || fail "the removal elsewhere ended with $?"
 gone_elsewhere() { [ ! -e "$other" ]; }
 await 30 gone_elsewhere || fail "the removal elsewhere left $(ls "$other")"
+
+# A file that the user keeps there, and nothing else, is left.
+timeout 100 wine "$work/setup.exe" /S '/D=C:\QuillElsewhere' || fail "the third installation ended with $?"
+echo mine >"$other/notes.txt"
+timeout 100 wine "$other/remove.exe" /S || fail "the removal beside the user's file ended with $?"
+only_notes() { [ "$(ls "$other")" = notes.txt ]; }
+await 30 only_notes || fail "the removal beside the user's file left $(ls "$other")"
+has_no_entry() { ! wine reg query "$removal"; }
+await 30 has_no_entry || fail "still in the list of programs beside the user's file"
+rm -r "$other"
 [ "$(setting fsize)" = 0x8 ] || fail "the settings went with the program: $(setting fsize)"
 echo "installed and removed by a $kind installer of $(wc -c <"$work/setup.exe") bytes"
