@@ -231,6 +231,12 @@ TEST_F(WindowEdges, TheDeviceOpensAsLargeAsTheTerminal) {
     EXPECT_EQ(metrics.tmHeight * 24 + bars, g_opened->size.height());
 }
 
+TEST_F(WindowEdges, AFolderBelowAFileCannotBeTheRoot) {
+    EXPECT_FALSE(MakeRoot("/dev/null/folder"));
+    EXPECT_TRUE(MakeRoot(""));
+    EXPECT_TRUE(MakeRoot("/dev"));
+}
+
 TEST_F(WindowEdges, TextIsKeptFromTheLastStartOfTheRecord) {
     const DrawingObserver before = drawing_observer;
     const auto draw = [&] {
