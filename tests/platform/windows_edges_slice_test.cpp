@@ -322,6 +322,15 @@ TEST_F(WindowEdges, TheMenuBarStaysOnTheDevicesScreen) {
     EXPECT_TRUE(g_own_bars.contains(ShellMenuStrip()->bar()));
 }
 
+TEST_F(WindowEdges, ThePanelsButtonIsAtTheRightEndOfTheMenuBar) {
+    constexpr int kButton = 34;
+    const QSize strip = ShellMenuStrip()->size();
+    EXPECT_EQ(QRect(strip.width() - kButton, 1, kButton, strip.height() - 2),
+              ShellMenuStrip()->panel_button()->geometry());
+    EXPECT_EQ(0, ShellMenuStrip()->bar()->x());
+    EXPECT_EQ(strip.width() - kButton, ShellMenuStrip()->bar()->width());
+}
+
 TEST_F(WindowEdges, ThePanelsButtonShowsAKeyboardOfSixKeysInARow) {
     constexpr int kTimes = 10;
     QImage picture(22 * kTimes, 14 * kTimes, QImage::Format_ARGB32);
