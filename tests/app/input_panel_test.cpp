@@ -383,6 +383,29 @@ TEST(InputPanel, EachLetterAndDigitIsAFifteenthOfARowWide) {
     });
 }
 
+TEST(InputPanel, KeysAreInTheOrderOfAKeyboard) {
+    RunProgram(SmallDevice(), [] {
+        TapPanelButton();
+        OnWindowThread([] {
+            std::map<int, std::map<int, QString>> rows;
+            for (PanelKey* key : ShellInputPanel()->findChildren<PanelKey*>())
+                rows[key->y()][key->x()] = key->text();
+            QStringList labels;
+            for (const auto& [y, keys] : rows) {
+                QStringList row;
+                for (const auto& [x, label] : keys) row += label;
+                labels += row.join('|');
+            }
+            EXPECT_EQ((QStringList{
+                          "Esc|1|2|3|4|5|6|7|8|9|0|-|=|Bksp", "Tab|q|w|e|r|t|y|u|i|o|p|[|]|\\",
+                          "CAP|a|s|d|f|g|h|j|k|l|;|'|Enter", "Shift|z|x|c|v|b|n|m|,|.|/|\u2191|Del",
+                          "Ctl|Fn|`| |\u2190|\u2193|\u2192"}),
+                      labels)
+                << labels.join('\n').toStdString();
+        });
+    });
+}
+
 // True if there is ink between a key's label and its frame. Call it on the window thread.
 bool TouchesItsEdge(PanelKey* key) {
     const QImage face = key->grab().toImage().convertToFormat(QImage::Format_Grayscale8);

@@ -192,6 +192,7 @@ class Programs:
         if not self.tree.sanitized:
             limits.append(f"--as={MEMORY}")
         with tempfile.TemporaryDirectory(dir=WORK / "tmp") as folder:
+            os.chmod(folder, 0o755)  # a test may give up root's rights
             environment = self.environment(folder, mutant, reached)
             environment.update(QT_QPA_PLATFORM="offscreen", GTEST_FAIL_FAST="1")
             flags = pathlib.Path(folder) / "flags"

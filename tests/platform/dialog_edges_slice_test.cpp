@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
+#include <QStyle>
 #include <QTimer>
 
 #include "platform/qt/window/device_screen.h"
@@ -154,6 +155,23 @@ TEST_F(DialogEdges, UnitsAreRoundedToTheNearestPixel) {
             EXPECT_EQ(qRound(2 * units * down / 8.0), rect.bottom) << units;
         }
     });
+}
+
+// Otherwise the bar would cover a part of what the dialog shows.
+TEST_F(DialogEdges, ADialogThatTheDeviceCutsOffIsLargerByItsScrollBar) {
+    const QSize before = DeviceScreen()->size();
+    const int bar = QApplication::style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    const auto shown = [](QSize device) {
+        QSize size;
+        DeviceScreen()->resize(device);
+        On(kEverything, [&](HWND dialog) { size = FindWindowRecord(dialog)->widget->size(); });
+        return size;
+    };
+    const QSize whole = shown(QSize(900, 700));
+    EXPECT_EQ(QSize(whole.width() + bar, 100), shown(QSize(900, 100)));
+    EXPECT_EQ(QSize(100, whole.height() + bar), shown(QSize(100, 700)));
+    EXPECT_EQ(QSize(100, 100), shown(QSize(100, 100)));
+    DeviceScreen()->resize(before);
 }
 
 // ---------------------------------------------------------------- message boxes

@@ -34,6 +34,11 @@ TEST(WideText, SurrogateHalvesAreNotJoined) {
     EXPECT_NE(Utf8FromWide(high), Utf8FromWide(other));
     EXPECT_NE(Utf8FromWide(high), Utf8FromWide(low));
     EXPECT_EQ(6u, Utf8FromWide(low + high).size());
+    static const char16_t kNoLow[] = {0xD7FF, 0xDBFF, 0xE000}, kNoHigh[] = {0xD7FF, 0xDC00, 0xE000};
+    for (const char16_t neighbour : kNoLow)
+        EXPECT_EQ(6u, Utf8FromWide(high + neighbour).size()) << static_cast<int>(neighbour);
+    for (const char16_t neighbour : kNoHigh)
+        EXPECT_EQ(6u, Utf8FromWide(neighbour + low).size()) << static_cast<int>(neighbour);
 }
 
 TEST(WideText, CaseConversionNeverMapsIntoAscii) {

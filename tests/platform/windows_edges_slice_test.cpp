@@ -297,6 +297,12 @@ TEST_F(WindowEdges, TheDeviceOpensAsLargeAsTheTerminal) {
     EXPECT_EQ(metrics.tmHeight * 24 + bars, g_opened->size.height());
 }
 
+TEST_F(WindowEdges, AFolderBelowAFileCannotBeTheRoot) {
+    EXPECT_FALSE(MakeRoot("/dev/null/folder"));
+    EXPECT_TRUE(MakeRoot(""));
+    EXPECT_TRUE(MakeRoot("/dev"));
+}
+
 TEST_F(WindowEdges, TextIsKeptFromTheLastStartOfTheRecord) {
     const DrawingObserver before = drawing_observer;
     const auto draw = [&] {
@@ -403,6 +409,15 @@ TEST_F(WindowEdges, AnIconIsTheSameHoweverItIsAskedFor) {
         const QImage asked = copy.pixmap(size).toImage();
         EXPECT_EQ(PictureOf(QIcon(QPixmap::fromImage(asked)), size), painted);
     }
+}
+
+TEST_F(WindowEdges, ThePanelsButtonIsAtTheRightEndOfTheMenuBar) {
+    constexpr int kButton = 34;
+    const QSize strip = ShellMenuStrip()->size();
+    EXPECT_EQ(QRect(strip.width() - kButton, 1, kButton, strip.height() - 2),
+              ShellMenuStrip()->panel_button()->geometry());
+    EXPECT_EQ(0, ShellMenuStrip()->bar()->x());
+    EXPECT_EQ(strip.width() - kButton, ShellMenuStrip()->bar()->width());
 }
 
 TEST_F(WindowEdges, ThePanelsButtonShowsAKeyboardOfSixKeysInARow) {

@@ -177,6 +177,11 @@ TEST(SendResponse, OtherCharactersAreCopied) {
     EXPECT_EQ(Response(""), "");
 }
 
+TEST(SendResponse, HasAtMost256Bytes) {
+    for (const size_t size : {255u, 256u, 257u, 1000u})
+        EXPECT_EQ(Response(std::string(size, 'x')), std::string(std::min<size_t>(size, 256), 'x'));
+}
+
 TEST(SendResponse, ThreeDigitsAreOneByte) {
     EXPECT_EQ(Response("\\012\\015"), "\n\r");
     EXPECT_EQ(Response("user\\015"), "user\r");
