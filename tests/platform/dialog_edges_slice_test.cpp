@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QTimer>
 
+#include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
 #include "tests/platform/test_dialogs.h"
@@ -107,6 +108,16 @@ TEST_F(DialogEdges, OnlyADialogHasTheValuesOfADialog) {
             EXPECT_EQ(0, GetWindowLongW(other, DWLP_USER));
         }
         EXPECT_EQ(42, GetWindowLongW(dialog, DWLP_USER));
+    });
+}
+
+TEST_F(DialogEdges, WithoutAControlThatIsEnabledThereIsNoTabStop) {
+    On(kEverything, [](HWND dialog) {
+        const Window& window = *FindWindowRecord(dialog);
+        EXPECT_NE(nullptr, FirstTabStop(window));
+        for (const Window* each : AllWindows())
+            if (each->parent == dialog) EnableWindow(each->handle, FALSE);
+        EXPECT_EQ(nullptr, FirstTabStop(window));
     });
 }
 
