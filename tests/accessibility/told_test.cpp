@@ -9,6 +9,7 @@
 
 #include "platform/qt/window/accessible.h"
 #include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/window_widget.h"
 #include "tests/platform/test_windows.h"
 
 namespace {
@@ -223,4 +224,7 @@ TEST_F(ScreenReader, GetsOtherWindowsOfTheProgramFromTheToolkit) {
     const HWND child = Child(1);
     EXPECT_EQ(QAccessible::Client, InterfaceOf(child)->role());
     EXPECT_EQ(nullptr, TextOf(child));
+    // One that is in no table, as while it is made.
+    WindowWidget fresh(child, nullptr);
+    EXPECT_EQ(QAccessible::Client, QAccessible::queryAccessibleInterface(&fresh)->role());
 }

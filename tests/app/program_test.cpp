@@ -14,13 +14,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
+int ExitCodeOfCommand(const std::string& command) {
+    const int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 // Its exit code; 124 where it takes too long. What it says on stderr is in FOLDER/said.
 int ExitCodeOf(const std::string& folder, const std::string& options,
                const std::string& before = "") {
     const std::string command = before + " timeout -k 5 100 '" QUILL_PROGRAM "' --root '" + folder +
                                 "/root' " + options + " 2>'" + folder + "/said'";
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return ExitCodeOfCommand(command);
 }
 
 std::string Said(const std::string& folder) {
@@ -37,8 +41,28 @@ TEST(Program, WithoutADisplayEndsWithOneAndMakesNoFolder) {
     EXPECT_FALSE(fs::exists(folder + "/root"));
 }
 
-// The invisible desktop has 800 by 800 pixels. A device's pixel is two by two of them where there is
-// room.
+// A desktop follows a link, so a box would tell what is wrong with it.
+TEST(Program, RefusesALinkWithTwoAlsoWhereTheToolkitCannotStart) {
+    const std::string folder = FreshRoot();
+    EXPECT_EQ(2, ExitCodeOfCommand(
+                     "env DISPLAY=:9999 QT_QPA_PLATFORM=xcb timeout -k 5 100 '" QUILL_PROGRAM
+                     "' 'telnet://two words' 2>'" +
+                     folder + "/said'"));
+    EXPECT_NE(std::string::npos, Said(folder).find("two words")) << Said(folder);
+}
+
+TEST(Program, TellsItsVersionWithoutADesktop) {
+    const std::string folder = FreshRoot();
+    EXPECT_EQ(0,
+              ExitCodeOf(folder, "--version >'" + folder + "/version'", "env -u QT_QPA_PLATFORM"));
+    std::ifstream file(folder + "/version");
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_TRUE(text.starts_with("quill ") && text.ends_with("\n")) << text;
+    EXPECT_EQ("", Said(folder));
+}
+
+// The invisible desktop has 800 by 800 pixels. A device's pixel is two by two of them where there
+// is room.
 TEST(Program, MakesItsPixelsSmallerOnASmallDesktop) {
     const std::string folder = FreshRoot(), picture = folder + "/picture.png";
     EXPECT_EQ(0, ExitCodeOf(folder, "--screen 320x240 --snapshot '" + picture + "'"));

@@ -118,6 +118,20 @@ TEST(OtherPage, MarkAndSettingAreToggledIndependently) {
     });
 }
 
+TEST(OtherPage, AButtonThatIsNoneOfItsMarksTogglesNothing) {
+    const Stage stage = FreshStage();
+    RunProgram(stage, [] {
+        const OpenSheet open = OpenOther();
+        OnWindowThread([&] {
+            for (const int id : {IDC_TERMTYPE, 999})
+                EXPECT_EQ(0, SendMessageW(open.page, WM_COMMAND,
+                                          static_cast<WPARAM>(MAKELONG(id, BN_CLICKED)), 0));
+        });
+        CloseBy(open, IDOK);
+        for (const MarkCase& each : kMarks) EXPECT_EQ(s.*each.field, each.fallback) << each.name;
+    });
+}
+
 struct TextCase {
     int id;
     const char* name;

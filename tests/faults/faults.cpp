@@ -15,7 +15,8 @@
 extern "C" char __executable_start;
 
 static std::mutex g_mutex;  // of the following
-static std::map<uintptr_t, int> g_reached;
+static std::map<uintptr_t, int>& g_reached =
+    *new std::map<uintptr_t, int>;  // also at the process's end
 static uintptr_t g_failing = 0;
 static int g_left = 0;  // the failing place fails when this gets 0
 static const char* g_every = nullptr;

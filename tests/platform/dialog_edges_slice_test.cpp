@@ -12,6 +12,7 @@
 #include <QStyle>
 #include <QTimer>
 
+#include "platform/qt/dialog/dialogs.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
 #include "tests/platform/test_dialogs.h"
@@ -172,6 +173,16 @@ TEST_F(DialogEdges, ADialogThatTheDeviceCutsOffIsLargerByItsScrollBar) {
     EXPECT_EQ(QSize(100, whole.height() + bar), shown(QSize(100, 700)));
     EXPECT_EQ(QSize(100, 100), shown(QSize(100, 100)));
     DeviceScreen()->resize(before);
+}
+
+TEST_F(DialogEdges, WithoutAControlThatIsEnabledThereIsNoTabStop) {
+    On(kEverything, [](HWND dialog) {
+        const Window& window = *FindWindowRecord(dialog);
+        EXPECT_NE(nullptr, FirstTabStop(window));
+        for (const Window* each : AllWindows())
+            if (each->parent == dialog) EnableWindow(each->handle, FALSE);
+        EXPECT_EQ(nullptr, FirstTabStop(window));
+    });
 }
 
 // ---------------------------------------------------------------- message boxes

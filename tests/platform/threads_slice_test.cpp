@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 // A clock set by the test, and threads that no other thread waits for.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <fstream>
 
 #include "tests/support/services_test_hooks.h"
 #include "windows_ce.h"
@@ -52,6 +56,25 @@ TEST(Threads, ManyShortThreadsStartAndEnd) {
         ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event, INFINITE));
         CloseHandle(event);
     }
+}
+
+// A stack for which there is no room among the addresses.
+TEST(Threads, OneThatCannotStartHasNoHandle) {
+    constexpr rlim_t kRoom = rlim_t{1} << 30;
+    constexpr DWORD kStack = 0xF0000000;
+    rlim_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    rlimit before = {};
+    ASSERT_EQ(0, getrlimit(RLIMIT_AS, &before));
+    rlimit little = before;
+    little.rlim_cur = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + kRoom;
+    ASSERT_EQ(0, setrlimit(RLIMIT_AS, &little));
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE thread = CreateThread(nullptr, kStack, CloseItself, event, 0, nullptr);
+    ASSERT_EQ(0, setrlimit(RLIMIT_AS, &before));
+    EXPECT_EQ(nullptr, thread);
+    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(event, 0));
+    CloseHandle(event);
 }
 
 TEST(Threads, SuspendedStartIsRefused) {

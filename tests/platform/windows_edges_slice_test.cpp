@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What windows, keys, fonts and the clipboard do in cases that come up seldom.
+#include <QBackingStore>
 #include <QMenuBar>
 #include <QPainter>
 #include <QScrollBar>
@@ -233,6 +234,33 @@ TEST_F(WindowEdges, OutsideAPaintNothingCanBePainted) {
     PAINTSTRUCT paint;
     EXPECT_EQ(nullptr, BeginPaint(top, &paint));
     EXPECT_EQ(nullptr, paint.hdc);
+}
+
+// The toolkit makes such a store anew, which loses what other parts of the window show.
+TEST_F(WindowEdges, AStoreOfAnotherSizeIsPaintedWhole) {
+    RunUntilIdle();
+    QBackingStore* store = DeviceScreen()->backingStore();
+    ASSERT_NE(nullptr, store);
+    std::vector<QRect> painted;
+    answer = [&](const Heard& now, LRESULT*) {
+        if (now.message != WM_PAINT || now.window != top) return false;
+        PAINTSTRUCT paint;
+        BeginPaint(top, &paint);
+        const RECT& part = paint.rcPaint;
+        painted.push_back(
+            QRect(QPoint(static_cast<int>(part.left), static_cast<int>(part.top)),
+                  QPoint(static_cast<int>(part.right) - 1, static_cast<int>(part.bottom) - 1)));
+        EndPaint(top, &paint);
+        return true;
+    };
+    const RECT corner = {0, 0, 5, 5};
+    for (const bool other_size : {false, true}) {
+        if (other_size) store->resize(QSize(10, 10));
+        InvalidateRect(top, &corner, TRUE);
+        UpdateWindow(top);
+    }
+    EXPECT_EQ(DeviceScreen()->size(), store->size());
+    EXPECT_EQ((std::vector<QRect>{QRect(0, 0, 5, 5), WidgetOf(top)->rect()}), painted);
 }
 
 TEST_F(WindowEdges, ASlantedLineGoesFromCornerToCorner) {

@@ -10,12 +10,25 @@
 #include <atomic>
 #include <filesystem>
 #include <set>
+#include <system_error>
 #include <thread>
 #include <vector>
 
 #include "tests/platform/loopback_peer.h"
 #include "tests/support/services_test_hooks.h"
 #include "windows_ce.h"
+
+// The linker leads the starts of threads here.
+static bool g_no_threads = false;
+
+void RealStart(std::thread* thread, void* state, void (*depends)()) asm(
+    "__real__ZNSt6thread15_M_start_threadESt10unique_ptrINS_6_StateESt14default_deleteIS1_EEPFvvE");
+void StartOrFail(std::thread* thread, void* state, void (*depends)()) asm(
+    "__wrap__ZNSt6thread15_M_start_threadESt10unique_ptrINS_6_StateESt14default_deleteIS1_EEPFvvE");
+void StartOrFail(std::thread* thread, void* state, void (*depends)()) {
+    if (g_no_threads) throw std::system_error(EAGAIN, std::system_category());
+    RealStart(thread, state, depends);
+}
 
 namespace {
 
@@ -78,6 +91,14 @@ int SelectForReading(SOCKET number) {
     FD_SET(number, &except);
     TIMEVAL timeout = {100, 0};
     return select(0, &read, nullptr, &except, &timeout);
+}
+
+int SelectForWriting(SOCKET number, long milliseconds) {
+    fd_set write;
+    FD_ZERO(&write);
+    FD_SET(number, &write);
+    TIMEVAL timeout = {milliseconds / 1000, milliseconds % 1000 * 1000};
+    return select(0, nullptr, &write, nullptr, &timeout);
 }
 
 // Waits and reads until another thread closes the socket.
@@ -149,6 +170,29 @@ TEST_F(WinsockInside, MoreThanTheKernelHoldsArrivesInOrder) {
     EXPECT_TRUE(ThreadsBecome(before));
     EXPECT_EQ(4, send(number, "more", 4, 0));
     EXPECT_EQ("more", peer.Receive(4));
+    closesocket(number);
+}
+
+TEST_F(WinsockInside, WithoutAThreadForTheBacklogASendTakesWhatTheKernelHolds) {
+    constexpr size_t kPiece = 1000000, kMost = 20 * kPiece;
+    LoopbackPeer peer;
+    const SOCKET number = NewSocket();
+    Connect(number, "127.0.0.1", peer.port());
+    ASSERT_TRUE(peer.Accept());
+    const std::string bytes = Numbered(kMost);
+    g_no_threads = true;
+    size_t sent = 0;
+    int count = 1;
+    while (count > 0 && sent + kPiece <= kMost) {
+        count = send(number, bytes.data() + sent, static_cast<int>(kPiece), 0);
+        sent += static_cast<size_t>(std::max(count, 0));
+    }
+    EXPECT_EQ(SOCKET_ERROR, count);
+    EXPECT_EQ(WSAEWOULDBLOCK, WSAGetLastError());
+    g_no_threads = false;
+    EXPECT_EQ(3, send(number, "end", 3, 0));
+    EXPECT_TRUE(peer.Receive(sent) == bytes.substr(0, sent));
+    EXPECT_EQ("end", peer.Receive(3));
     closesocket(number);
 }
 
@@ -292,6 +336,24 @@ TEST_F(WinsockInside, SeveralThreadsWaitForOneSocket) {
     closesocket(number);
     for (std::thread& reader : readers) reader.join();
     for (std::atomic<int>& error : errors) EXPECT_EQ(WSAENOTSOCK, error);
+}
+
+// A peer whose queue of callers is full answers when it has accepted one.
+TEST_F(WinsockInside, AWaitEndsWithARequestThatTakesItsTime) {
+    constexpr size_t kMostCallers = 200;
+    LoopbackPeer peer;
+    std::vector<SOCKET> callers;
+    do {
+        callers.push_back(NewSocket());
+        Connect(callers.back(), "127.0.0.1", peer.port());
+    } while (SelectForWriting(callers.back(), 200) > 0 && callers.size() < kMostCallers);
+    ASSERT_LT(callers.size(), kMostCallers);
+    std::thread accepts([&] {
+        for (size_t i = 0; i < callers.size(); ++i) peer.Accept();
+    });
+    EXPECT_EQ(1, SelectForWriting(callers.back(), 100000));
+    accepts.join();
+    for (const SOCKET each : callers) closesocket(each);
 }
 
 TEST_F(WinsockInside, SignalsDoNotEndAWait) {

@@ -242,7 +242,7 @@ bool RegistryStore::Open(bool damaged) {
         const Opened opened = OpenFile();
         if (opened == Opened::kSound) return busy_.reset(), true;
         Abandon();
-        if (opened == Opened::kFailed || !SetAside(path_)) return false;
+        if (opened == Opened::kFailed || !SetAside(path_)) break;
     }
     return false;
 }
