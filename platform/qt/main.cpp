@@ -15,7 +15,10 @@
 #include <QFile>
 #include <QMessageBox>
 #include <QScreen>
+#include <QSemaphore>
+#include <QSessionManager>
 #include <QSocketNotifier>
+#include <QThread>
 #include <QTimer>
 
 #include "platform/qt/dialog/dialogs.h"
@@ -24,6 +27,7 @@
 #include "platform/qt/host/mute_bus.h"
 #include "platform/qt/host/profiles.h"
 #include "platform/qt/services/services.h"
+#include "platform/qt/shell/shell.h"
 #include "platform/qt/terminal_source.h"
 #include "platform/qt/window/device_screen.h"
 #include "windows_ce.h"
@@ -173,12 +177,34 @@ static void NameFirstDisplay(int argc, char** argv) {
 }
 
 static QtMessageHandler g_usual_messages = nullptr;
+static void (*g_save)() = nullptr;  // while the program runs
 
-// A toolkit that cannot start says why, and would then abort with a core dump.
-static void EndOnFatalMessage(QtMsgType type, const QMessageLogContext& place,
-                              const QString& text) {
+static void SaveAtLoss() {
+    if (g_save) g_save();
+    EndDialUps();
+}
+
+// The window thread may wait for the lost display, so it is not waited for without end.
+static void SaveByWindowThread() {
+    constexpr int kPatience = 3000;  // milliseconds
+    static QSemaphore saved;
+    const auto save = [] {
+        SaveAtLoss();
+        saved.release();
+    };
+    QMetaObject::invokeMethod(qApp, save, Qt::QueuedConnection);
+    saved.tryAcquire(1, kPatience);
+}
+
+// A toolkit that cannot start says why, and would then abort with a core dump. A toolkit that has
+// lost its display says that, and then ends the process. That end can crash while a screen reader
+// listens, so it is not waited for.
+static void EndOnLastMessage(QtMsgType type, const QMessageLogContext& place, const QString& text) {
     g_usual_messages(type, place, text);
-    if (type == QtFatalMsg) _exit(1);
+    if (type != QtFatalMsg && !text.contains("connection broke")) return;
+    const bool own = QThread::currentThread() == qApp->thread();
+    own ? SaveAtLoss() : SaveByWindowThread();
+    _exit(1);
 }
 
 static void SetScale(double scale) { qputenv("QT_SCALE_FACTOR", QByteArray::number(scale)); }
@@ -208,6 +234,45 @@ static bool KeepsPlace(const HostOptions& options) {
     return options.screen.isEmpty() && !WantsFile(options);
 }
 
+static void SavePlaceAndSettings() {
+    ReleaseRegistry();
+    SaveWindowPlace();
+    SaveLoadedSettings();
+}
+
+static void SaveSettingsOnly() {
+    ReleaseRegistry();
+    SaveLoadedSettings();
+}
+
+// At the end of the desktop's session on X, the session's manager asks for what is to be saved, and
+// starts the program in the next session with the same arguments.
+static void FollowSession(const std::vector<char*>& given) {
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp, [] {
+        if (g_save) g_save();
+    });
+    QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, [=](QSessionManager& manager) {
+        QStringList again{QCoreApplication::applicationFilePath()};
+        for (size_t i = 1; i < given.size() && given[i]; ++i) again << given[i];
+        const auto session = again.indexOf("-session");
+        if (session > 0) again.remove(session, std::min<qsizetype>(2, again.size() - session));
+        manager.setRestartCommand(again << "-session" << manager.sessionId());
+    });
+}
+
+namespace {
+
+class Application : public QApplication {
+  public:
+    using QApplication::QApplication;
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::Quit) return PostQuitMessage(0), true;
+        return QApplication::event(event);
+    }
+};
+
+}  // namespace
+
 static void TellIfReadOnly() {
     if (access(DeviceRoot().c_str(), W_OK) == 0) return;
     std::fprintf(stderr, "quill: %s cannot be written; the settings of this run are not kept\n",
@@ -216,6 +281,7 @@ static void TellIfReadOnly() {
 
 static int RunProgram(const CommandLine& line) {
     const HostOptions& options = line.options;
+    g_save = KeepsPlace(options) ? SavePlaceAndSettings : SaveSettingsOnly;
     TellIfReadOnly();
     if (!line.target.host.empty()) ConnectThisRun(line.target);
     MarkWindow(line.profile);
@@ -226,6 +292,7 @@ static int RunProgram(const CommandLine& line) {
     HoldRegistry();  // for the load of the settings, until the first wait for a message
     QTimer::singleShot(0, qApp, ReleaseRegistry);
     const int result = WinMain(nullptr, nullptr, nullptr, SW_SHOW);
+    g_save = nullptr;
     if (KeepsPlace(options)) SaveWindowPlace();
     return result;
 }
@@ -283,11 +350,11 @@ int main(int argc, char** argv) {
 
     LeaveMuteBuses();
     ChooseInputMethod();
-    g_usual_messages = qInstallMessageHandler(EndOnFatalMessage);
-    QApplication application(argc, argv);
-    qInstallMessageHandler(nullptr);
+    g_usual_messages = qInstallMessageHandler(EndOnLastMessage);
+    Application application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     NameEntry(line.profile);
+    FollowSession(given);
     if (!MakeSettingsFolder(line)) return EndProcess(2);
     OpenDevice(options);
     RestoreVariables(variables);

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Reads the terminal's text for screen readers from the session record.
+// Reads the terminal's text for screen readers from the session record, and its settings.
 #include "platform/qt/terminal_source.h"
 
 #include "platform/qt/window/accessible.h"
 #include "session/session_state.h"
+#include "settings/settings.h"
 #include "terminal/screen_buffer.h"
 
 namespace {
@@ -84,4 +85,9 @@ static TextScreen ReadTerminal() {
 void ServeTerminalText() {
     text_screen_source.window = [] { return session.client_window; };
     text_screen_source.read = ReadTerminal;
+}
+
+// The program loads its accelerators after its settings.
+void SaveLoadedSettings() {
+    if (session.accelerators && session.save_settings == 1) SaveSettings();
 }

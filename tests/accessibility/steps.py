@@ -90,6 +90,54 @@ def lines_are_heard(path, work):
     program.end()
 
 
+def selection_is_read(path, work):
+    host, program = in_session(path, work)
+    screen = terminal()
+    host.send("\033[2J\033[3;1Hdock 4 is open\033[4;1H12 pallets\033[10;1H")
+    eventually(lambda: "pallets" in text_of(screen), "the host's text")
+    assert Atspi.Text.get_n_selections(screen) == 0
+    heard = Heard("object:text-selection-changed")
+
+    def middle(word):
+        place = Atspi.Text.get_character_extents(screen, text_of(screen).index(word), Atspi.CoordType.SCREEN)
+        return place.x + place.width // 2, place.y + place.height // 2
+
+    def drag(first, last):
+        (left, top), (right, bottom) = first, last
+        subprocess.run(["xdotool", "mousemove", str(left), str(top), "mousedown", "1", "mousemove",
+                        str(right), str(bottom), "mouseup", "1"], check=True, timeout=PATIENCE)
+
+    def selected():
+        ranges = [Atspi.Text.get_selection(screen, i) for i in range(Atspi.Text.get_n_selections(screen))]
+        return [text_of(screen)[each.start_offset:each.end_offset] for each in ranges]
+
+    # Letter by letter, as the stylus marks it.
+    drag(middle("is open"), middle("pen"))
+    eventually(lambda: selected() == ["is op"], "the selection of a row")
+    eventually(lambda: heard.events, "a word of the selection")
+    # Where the stylus marks several rows, each has its piece of the columns.
+    heard.events.clear()
+    rows = ["ck", " p"]
+    drag(middle("ck 4"), middle("pallets"))
+    eventually(lambda: selected() == rows, "the selection of two rows")
+    # Only the stylus selects, and only the host moves the cursor.
+    Atspi.Text.set_selection(screen, 0, 0, 4)
+    Atspi.Text.add_selection(screen, 0, 4)
+    Atspi.Text.remove_selection(screen, 0)
+    Atspi.Text.set_caret_offset(screen, 0)
+    assert selected() == rows, selected()
+    assert caret(screen) == (9, 0), caret(screen)
+    # Text from the host drops it.
+    eventually(lambda: heard.events, "a word of the second selection")
+    heard.events.clear()
+    host.send("\033[11;5H")
+    eventually(lambda: Atspi.Text.get_n_selections(screen) == 0, "the end of the selection")
+    eventually(lambda: heard.events, "a word of its end")
+    eventually(lambda: caret(screen) == (10, 4), "the cursor where the host has put it")
+    host.answered()
+    program.end()
+
+
 def buttons_by_action(path, work):
     host, program = in_session(path, work)
     find("push button", "disconnect")
@@ -532,7 +580,7 @@ def readers_bus_that_falls_silent(path, work):
 def main():
     path, work, step = sys.argv[1:]
     follow_changes()
-    steps = [names_and_roles, rows_and_cursor, lines_are_heard, buttons_by_action,
+    steps = [names_and_roles, rows_and_cursor, selection_is_read, lines_are_heard, buttons_by_action,
              dialog_filled_in, controls_of_each_dialog, sign_on_is_filled_in, bars_that_change,
              message_box_is_read, bus_that_dies, bus_that_is_not_there, bus_that_never_answers,
              bus_with_a_full_queue, readers_bus_that_never_answers,

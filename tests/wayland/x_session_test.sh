@@ -1,0 +1,54 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# The end of a session of the X desktop: its manager asks the program to save itself, gets the command that
+# starts the same profile again, and ends it. Settings and place are saved when the manager has its answer.
+# Exit code 77: not possible here.
+# Usage: x_session_test.sh PROGRAM
+set -eu
+. "$(dirname "$0")/../support/outside.sh"
+need Xvfb xdotool
+program=$1
+here=$(cd "$(dirname "$0")" && pwd)
+/usr/bin/python3 -c 'import ctypes; ctypes.CDLL("libSM.so.6")' 2>/dev/null ||
+    { echo "$script: the library of session managers is missing" >&2; exit 77; }
+# What the toolkit's libraries keep until the end is theirs.
+export ASAN_OPTIONS="${ASAN_OPTIONS:-}:detect_leaks=0"
+export HOME="$work" XDG_DATA_HOME="$work/data" ICEAUTHORITY="$work/ice"
+open_screen 1600x1200
+
+mkfifo "$work/word"
+: >"$work/told"
+/usr/bin/python3 "$here/session_manager.py" <"$work/word" >"$work/told" &
+ends_with_us $!
+exec 7>"$work/word"
+SESSION_MANAGER=$(first_line "$work/told")
+export SESSION_MANAGER
+
+# In a session with a host, whose end the program would ask about.
+: >"$work/port"
+/usr/bin/python3 "$here/frame_host.py" >"$work/port" &
+ends_with_us $!
+env -u SESSION_MANAGER QT_QPA_PLATFORM=offscreen timeout -k 5 60 "$program" --profile stores --text "$work/text" ||
+    fail "the first start ended with $?"
+printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\nconfirm_exit = 1\n' "$(first_line "$work/port")" \
+    >"$(dirname "$(find "$work/data" -name registry.db)")/mconfig.cfg"
+env -u SESSION_MANAGER QT_QPA_PLATFORM=offscreen timeout -k 5 60 "$program" --profile stores --text "$work/text" ||
+    fail "the second start ended with $?"
+"$program" --profile stores --scale 2 2>"$work/err" &
+client=$!
+ends_with_us $client
+await 30 has_window "$session_title" || fail "no session"
+await 20 grep -qx saved "$work/told" || fail "it was not saved: $(cat "$work/told" "$work/err")"
+sed '1d;/^saved$/,$d' "$work/told" >"$work/again"
+grep -qx -- --profile "$work/again" && grep -qx stores "$work/again" && grep -qx -- -session "$work/again" ||
+    fail "the command is $(tr '\n' ' ' <"$work/again")"
+[ "$(head -n 1 "$work/again")" = "$(readlink -f "$program")" ] || fail "it starts $(head -n 1 "$work/again")"
+echo end >&7
+gone() { ! kill -0 $client 2>/dev/null; }
+await 20 gone || fail "the program is still there"
+code=0
+wait $client || code=$?
+[ $code -eq 0 ] || fail "the program ended with $code: $(tail -n 5 "$work/err")"
+place=$(find "$work/data" -name window.cfg)
+[ -n "$place" ] && grep -q '^size ' "$place" || fail "the window's place is not kept"
+echo "the manager of an X session saves and ends the program, and would start its profile again"
