@@ -108,6 +108,17 @@ TEST(SessionKey, IsMadeForEveryKeySizeFrom512To2048) {
     }
 }
 
+TEST(SessionKey, LongestKeyHas16384Bits) {
+    ScriptedHost host;
+    host.host_modulus = std::string(2048, '\xC5');
+    ExpectAccepted(host, host.PublicKeyData(), "host key of 16384 bits");
+    EXPECT_EQ(host.key_bits, 16384);
+    host.host_modulus.swap(host.server_modulus);
+    ExpectAccepted(host, host.PublicKeyData(), "server key of 16384 bits");
+    host.server_modulus += '\1';
+    ExpectRefused(host, host.PublicKeyData(), "a byte more");
+}
+
 // After the session key, packets in both directions are encrypted with it.
 void ExpectSessionUnderTheKey(ScriptedHost& host, const std::string& what) {
     ASSERT_TRUE(host.TakeSessionKey()) << what;
