@@ -35,8 +35,11 @@ await 60 test -s "$work/port" || {
 open_screen
 # F13 to F20 get keys of their own. xdotool would add a missing key for the time of its press, which a busy
 # program may miss.
-xkbcomp "$DISPLAY" - 2>/dev/null | sed -E 's/(key <FK(1[3-9]|20)> +\{ +\[) +[A-Za-z0-9_]+/\1 F\2/' |
-    xkbcomp - "$DISPLAY" 2>/dev/null
+xkbcomp "$DISPLAY" - 2>/dev/null |
+    sed -E -e '/key <FK(1[3-9]|20)> /d' -e '/^xkb_symbols/,/^};/{/^};/i \
+    key <FK13> {[F13]}; key <FK14> {[F14]}; key <FK15> {[F15]}; key <FK16> {[F16]}; \
+    key <FK17> {[F17]}; key <FK18> {[F18]}; key <FK19> {[F19]}; key <FK20> {[F20]};
+    }' | xkbcomp - "$DISPLAY" 2>/dev/null || fail "no keys for F13 to F20"
 start_program "$(head -n 1 "$work/port")" --scale 1
 await 30 test -e "$work/recording" || fail "the session did not begin"
 sleep 1
