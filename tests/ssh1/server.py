@@ -177,6 +177,8 @@ class Connection:
         if self.pty:
             self.child, master = pty.fork()
             if self.child == 0:
+                # The programs of the shell end with its terminal, also if the tests run under nohup.
+                signal.signal(signal.SIGHUP, signal.SIG_DFL)
                 os.execve(arguments[0], arguments, environment)
             fcntl.ioctl(master, termios.TIOCSWINSZ, struct.pack("HHHH", *self.pty[:2], 0, 0))
             return master, {master: wire.SMSG_STDOUT_DATA}

@@ -19,6 +19,8 @@ def start_shell(term, columns, rows):
     """A bash with the prompt "$ " on a new pty; returns its process id and the pty's descriptor."""
     pid, master = pty.fork()
     if pid == 0:
+        # The programs of the shell end with its terminal, also if the tests run under nohup.
+        signal.signal(signal.SIGHUP, signal.SIG_DFL)
         os.chdir("/")
         environment = {
             "PATH": os.environ.get("PATH", "/usr/bin:/bin") + ":" + os.environ.get("QUILL_PEERS_PATH", ""),
