@@ -107,6 +107,15 @@ TEST_F(WindowEdges, AWindowHasTheScrollBarsOfItsStyleOnly) {
     EXPECT_EQ(2, BarsOf(Child(4, WS_VSCROLL | WS_HSCROLL)));
 }
 
+TEST_F(WindowEdges, WindowsAreListedFromTheOldestToTheYoungest) {
+    const std::vector<HWND> made = {top, Child(1), Child(2), Child(3), Child(4)};
+    std::vector<HWND> listed;
+    for (const Window* window : AllWindows())
+        if (std::count(made.begin(), made.end(), window->handle)) listed.push_back(window->handle);
+    EXPECT_EQ(made, listed);
+    EXPECT_EQ(0, std::count(made.begin(), made.end(), nullptr));
+}
+
 TEST_F(WindowEdges, ATapBesideTheThumbMovesByThePage) {
     const HWND child = Child(1, WS_VSCROLL);
     SCROLLINFO info = {};
