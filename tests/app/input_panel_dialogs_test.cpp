@@ -51,6 +51,26 @@ void ExpectBackOnTheScreen() {
     });
 }
 
+// Where a dialog holds the panel at its foot, the panel outlives the dialog, as it is.
+TEST(InputPanelInDialogs, OutlivesTheDialogThatHoldsIt) {
+    for (const bool shown : {false, true}) {
+        RunProgram(SmallDevice(), [=] {
+            const HWND dialog = OpenOnSmallDevice(40011);
+            OnWindowThread([=] {
+                ShellInputPanel()->setParent(FindWindowRecord(dialog)->widget);
+                ShellInputPanel()->setVisible(shown);
+                EndDialog(dialog, 0);
+            });
+            ASSERT_TRUE(Gone(dialog));
+            OnWindowThread([=] {
+                ASSERT_NE(ShellInputPanel(), nullptr);
+                EXPECT_EQ(ShellInputPanel()->parentWidget(), DeviceScreen());
+                EXPECT_EQ(InputPanelShown(), shown);
+            });
+        });
+    }
+}
+
 TEST(InputPanelInDialogs, TypesIntoADialog) {
     FakeHost host;
     RunProgram(SmallDevice(), [&] {

@@ -12,7 +12,8 @@ here=$(cd "$(dirname "$0")" && pwd)
 . "$here/sway.sh"
 need convert compare
 mkdir -p "$pictures"
-open_sway 1 "output HEADLESS-1 mode $((1300 * density))x$((900 * density)) position 0 0 scale $density"
+mode=$(/usr/bin/python3 -c "print('%dx%d' % (1300 * $density, 900 * $density))")
+open_sway 1 "output HEADLESS-1 mode $mode position 0 0 scale $density"
 open_hand 1300 900
 
 : >"$work/port"
@@ -42,7 +43,7 @@ is_whole() { grab "$1" && /usr/bin/python3 "$here/frame_check.py" "$picture" "$s
 shows_whole() { await 10 is_whole "$1" || fail "$2 in $picture: $(is_whole "$1" 2>&1 | tail -n 1)"; }
 is_clean() { grab "$1" && /usr/bin/python3 "$here/frame_check.py" "$picture" "$scale" "$density" none; }
 
-for scale in 1.25 1.5 1.25 1.5 1.25 1.5 1.25 1.5; do
+for scale in 1 1.25 1.5 2 3; do
     "$program" --root "$work/root" --scale "$scale" 2>"$work/err" &
     client=$!
     ends_with_us $client

@@ -99,6 +99,7 @@ static void MakeFoot(QWidget* dialog) {
 static void MoveToFoot(InputPanel* panel, QWidget* dialog) {
     QWidget* before = panel->parentWidget();
     if (before == (dialog ? dialog : DeviceScreen())) return;
+    const bool shown = !panel->isHidden();  // a widget with a new parent is hidden
     panel->LetGo();
     before->removeEventFilter(panel);
     if (dialog) {
@@ -110,7 +111,7 @@ static void MoveToFoot(InputPanel* panel, QWidget* dialog) {
         panel->setParent(DeviceScreen());
         ArrangeScreen();
     }
-    panel->show();
+    panel->setVisible(shown);
 }
 
 void LendInputPanel(QWidget* dialog) {
