@@ -363,7 +363,6 @@ class RestBeforeAnyFrame : public testing::Environment {
         g_begun.clear();
         SettleFrames();
         waits = g_begun.size();
-        DeviceScreen()->hide();
         DestroyWindow(window);
     }
     bool ready = false;
