@@ -68,7 +68,6 @@ struct MenuItem {
     std::u16string text;  // & marks its mnemonic; empty: a separator
     WORD id = 0;          // of the command; 0 for a submenu and a separator
     std::vector<MenuItem> items;
-    bool operator==(const MenuItem&) const = default;
 };
 
 // Returns the menu's top-level items; empty if there is no such menu or it is damaged.

@@ -4,10 +4,6 @@
 // and screen reader can use them; they never take the focus from the window. The pictures come from
 // the resources and are shown in the desktop's colours. The status window is a line of text at the
 // bottom of its parent.
-//
-// The program changes its bar by destroying it and making another one. What a destroyed bar has on
-// the screen stays for the next one, which changes only what differs: to show and to hide a button
-// takes an answer of the X server each.
 #include "platform/qt/shell/shell.h"
 
 #include <cmath>
@@ -17,11 +13,9 @@
 #include <QToolButton>
 
 #include "platform/qt/services/resources.h"
-#include "platform/qt/window/accessible.h"
 #include "platform/qt/window/gdi.h"
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
-#include "platform/qt/window/window_widget.h"
 
 constexpr int kBarPicture = 16;       // pixels of a picture's sides
 constexpr int kTwiceAsLarge = 10000;  // added to a bitmap's number: the larger version
@@ -132,28 +126,14 @@ constexpr int kButtonMargin = 2;  // above and below a button
 
 namespace {
 
-struct Button {
-    QToolButton* widget = nullptr;  // a child of the bar's widget
-    int command = 0;
-    qint64 picture = 0;  // the key of its icon
-};
-
 struct CommandBar {
     std::vector<QIcon> pictures;
-    std::vector<Button> buttons;  // from the left
-    std::vector<Button> spare;    // of the bar before, from the left
-};
-
-struct LeftBar {
-    QPointer<WindowWidget> widget;
-    std::vector<Button> buttons;
-    QRegion invalid;
+    std::vector<QPointer<QToolButton>> buttons;  // from the left
 };
 
 }  // namespace
 
 static std::map<HWND, CommandBar> g_bars;
-static LeftBar g_left;  // what the bar that was destroyed last has left
 
 static QWidget* WidgetOf(HWND bar) {
     const Window* window = FindWindowRecord(bar);
@@ -173,101 +153,27 @@ static void QueueCommand(HWND bar, int id) {
                    reinterpret_cast<LPARAM>(bar));
 }
 
-static void Press(const QToolButton* button) {
-    for (const auto& [bar, record] : g_bars)
-        for (const Button& each : record.buttons)
-            if (each.widget == button) return QueueCommand(bar, each.command);
-}
-
-static void Remove(QWidget* widget) {
-    if (!widget) return;
-    TellWidgetGone(widget);
-    widget->hide();
-    widget->deleteLater();
-}
-
-static void RemoveLeftBar() {
-    Remove(g_left.widget);
-    g_left = {};
-}
-
-static void RemoveSpareButtons(HWND bar) {
-    CommandBar* record = FindBar(bar);
-    if (!record) return;
-    for (const Button& each : record->spare) Remove(each.widget);
-    record->spare.clear();
-}
-
-static void LeaveBar(Window* window) {
-    CommandBar& record = g_bars[window->handle];
-    RemoveLeftBar();
-    g_left = {PaintedWidget(*window), std::move(record.buttons), window->invalid};
-    for (Button& each : record.spare) g_left.buttons.push_back(std::move(each));
-    g_bars.erase(window->handle);
-    window->widget = nullptr;
-    if (g_left.widget)
-        QMetaObject::invokeMethod(g_left.widget, RemoveLeftBar, Qt::QueuedConnection);
-}
-
-// Puts what is left into the place of the new bar's widget.
-static void TakeLeftBar(Window* window) {
-    QWidget* made = window->widget;
-    if (!g_left.widget || g_left.widget->parentWidget() != made->parentWidget()) return;
-    const HWND handle = window->handle;
-    LeftBar left = std::exchange(g_left, {});
-    left.widget->setGeometry(made->geometry());
-    made->resize(0, 0);  // the toolkit paints again where a widget is deleted
-    delete made;
-    left.widget->Serve(handle);
-    window->widget = left.widget.data();
-    window->invalid += left.invalid;
-    g_bars[handle].spare = std::move(left.buttons);
-    QMetaObject::invokeMethod(
-        window->widget, [handle] { RemoveSpareButtons(handle); }, Qt::QueuedConnection);
-}
-
-static QToolButton* MakeButton(HWND bar) {
+static QToolButton* MakeButton(HWND bar, const CommandBar& record, const TBBUTTON& wanted) {
     auto* button = new QToolButton(WidgetOf(bar));
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);
     button->setIconSize(QSize(kBarPicture, kBarPicture));
-    QObject::connect(button, &QToolButton::clicked, button, [button] { Press(button); });
+    const auto index = static_cast<size_t>(wanted.iBitmap);
+    if (wanted.iBitmap >= 0 && index < record.pictures.size())
+        button->setIcon(record.pictures[index]);
+    button->setEnabled(wanted.fsState & TBSTATE_ENABLED);
+    const int id = wanted.idCommand;
+    QObject::connect(button, &QToolButton::clicked, button, [=] { QueueCommand(bar, id); });
     return button;
 }
 
-static Button TakeSpareButton(CommandBar* record) {
-    if (record->spare.empty()) return {};
-    const Button button = record->spare.front();
-    record->spare.erase(record->spare.begin());
-    return button;
-}
-
-static void Name(QToolButton* button, const QString& text) {
-    if (button->accessibleName() == text) return;
-    button->setToolTip(text);
-    button->setAccessibleName(text);
-}
-
-// Makes a button of another bar, or a new one, what is wanted. A press that began on another button
-// does not count for this one.
-static void Dress(Button* button, const QIcon& picture, const TBBUTTON& wanted) {
-    QToolButton* widget = button->widget;
-    const qint64 key = picture.cacheKey();
-    const bool same_picture = button->picture == key;
-    if (!same_picture) widget->setIcon(picture);
-    if (!same_picture || button->command != wanted.idCommand) {
-        widget->setDown(false);
-        Name(widget, QString());
+static void ArrangeButtons(const CommandBar& record) {
+    int left = 0;
+    for (const auto& button : record.buttons) {
+        button->setGeometry(left, kButtonMargin, kButtonWidth,
+                            kCommandBarHeight - 2 * kButtonMargin);
+        left += kButtonWidth;
     }
-    widget->setEnabled(wanted.fsState & TBSTATE_ENABLED);
-    button->command = wanted.idCommand;
-    button->picture = key;
-}
-
-static void ArrangeButtons(const CommandBar& record, int first) {
-    for (int i = first; i < static_cast<int>(record.buttons.size()); ++i)
-        record.buttons[static_cast<size_t>(i)].widget->setGeometry(
-            i * kButtonWidth, kButtonMargin, kButtonWidth, kCommandBarHeight - 2 * kButtonMargin);
 }
 
 static void EraseBar(HWND handle, HDC dc) {
@@ -283,11 +189,10 @@ static LRESULT CALLBACK CommandBarProcedure(HWND handle, UINT message, WPARAM wp
                                             LPARAM lparam) {
     if (message == WM_CREATE) {
         g_bars[handle] = {};
-        TakeLeftBar(FindWindowRecord(handle));
         WidgetOf(handle)->setFocusPolicy(Qt::NoFocus);
         return 0;
     }
-    if (message == WM_DESTROY) return LeaveBar(FindWindowRecord(handle)), 0;
+    if (message == WM_DESTROY) return g_bars.erase(handle), 0;
     if (message != WM_ERASEBKGND) return DefWindowProcW(handle, message, wparam, lparam);
     EraseBar(handle, reinterpret_cast<HDC>(wparam));
     return 1;
@@ -329,23 +234,21 @@ BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button) {
     CommandBar* record = FindBar(bar);
     if (!record || !button || index < 0) return FALSE;
     const int count = static_cast<int>(record->buttons.size());
-    Button next = TakeSpareButton(record);
-    if (!next.widget) next.widget = MakeButton(bar);
-    const auto picture = static_cast<size_t>(button->iBitmap);
-    const bool known = button->iBitmap >= 0 && picture < record->pictures.size();
-    Dress(&next, known ? record->pictures[picture] : QIcon(), *button);
-    const int place = std::min(index, count);
-    record->buttons.insert(record->buttons.begin() + place, next);
-    ArrangeButtons(*record, place);
-    next.widget->show();
+    QToolButton* widget = MakeButton(bar, *record, *button);
+    record->buttons.insert(record->buttons.begin() + std::min(index, count), widget);
+    ArrangeButtons(*record);
+    widget->show();
     return TRUE;
 }
 
 BOOL CommandBar_AddToolTips(HWND bar, UINT count, LPWSTR* tips) {
     CommandBar* record = FindBar(bar);
     if (!record || !tips) return FALSE;
-    for (size_t i = 0; i < record->buttons.size() && i < count; ++i)
-        Name(record->buttons[i].widget, FromWide(tips[i]));
+    for (size_t i = 0; i < record->buttons.size() && i < count; ++i) {
+        const QString text = FromWide(tips[i]);
+        record->buttons[i]->setToolTip(text);
+        record->buttons[i]->setAccessibleName(text);
+    }
     return TRUE;
 }
 

@@ -176,35 +176,23 @@ void MenuStrip::resizeEvent(QResizeEvent*) {
     panel_button_->setGeometry(bar_width, 1, kPanelButtonWidth, height() - 2);
 }
 
-void MenuStrip::ShowMenus(HWND bar, HWND window, std::vector<MenuItem> menus) {
+void MenuStrip::ShowMenus(HWND bar, HWND window, const std::vector<MenuItem>& menus) {
     RemoveMenus(owner_);
-    owner_ = bar;
-    if (window == window_ && menus == menus_) return;
-    Clear();
     for (const MenuItem& menu : menus)
         FillMenu(bar_->addMenu(FromWide(menu.text.c_str())), window, menu.items);
-    window_ = window;
-    menus_.swap(menus);
+    owner_ = bar;
     resizeEvent(nullptr);
 }
 
+// Closes a menu that is open. It may be the one whose key or click is being handled, so it is
+// deleted later.
 void MenuStrip::RemoveMenus(HWND bar) {
     if (bar != owner_) return;
     for (QMenu* menu : bar_->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly))
-        if (menu->isVisible()) menu->close();
-    owner_ = nullptr;
-    const auto clear = [this] {
-        if (!owner_) Clear();
-    };
-    QMetaObject::invokeMethod(this, clear, Qt::QueuedConnection);
-}
-
-// The menu may be the one whose key or click is being handled, so it is deleted later.
-void MenuStrip::Clear() {
+        menu->close();
     for (const QAction* title : bar_->actions()) title->menu()->deleteLater();
     bar_->clear();
-    window_ = nullptr;
-    menus_.clear();
+    owner_ = nullptr;
 }
 
 MenuStrip* ShellMenuStrip() { return g_strip; }
@@ -221,11 +209,11 @@ bool ActivateMenuBar() {
 BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
     if (!info || info->cbSize != sizeof(SHMENUBARINFO) || !(info->dwFlags & SHCMBF_HMENU))
         return FALSE;
-    std::vector<MenuItem> menus = ReadMenu(static_cast<WORD>(info->nToolBarId));
+    const std::vector<MenuItem> menus = ReadMenu(static_cast<WORD>(info->nToolBarId));
     if (menus.empty()) return FALSE;
     info->hwndMB = CreateWindowExW(0, u"QuillMenuBar", nullptr, WS_CHILD, 0, 0, 0, 0,
                                    info->hwndParent, nullptr, info->hInstRes, nullptr);
     if (!info->hwndMB) return FALSE;
-    ShellMenuStrip()->ShowMenus(info->hwndMB, info->hwndParent, std::move(menus));
+    ShellMenuStrip()->ShowMenus(info->hwndMB, info->hwndParent, menus);
     return TRUE;
 }

@@ -11,7 +11,6 @@
 #include <QWidget>
 #include <vector>
 
-#include "platform/qt/services/resources.h"
 #include "platform/qt/window/window.h"
 
 class QLineEdit;
@@ -50,16 +49,16 @@ void EndDialUps();  // hangs up all dials that the program has left
 // The shell's strip at the bottom of the device: it holds the program's menu bar and the button of
 // the input panel.
 
+struct MenuItem;
+
 class MenuStrip : public QWidget {
     Q_OBJECT
   public:
     explicit MenuStrip(QWidget* screen);
 
     // Replaces the menus that are shown. Their commands go to `window`.
-    void ShowMenus(HWND bar, HWND window, std::vector<MenuItem> menus);
-    // Closes the menus. They stay in the strip until the queue is next empty, and longer if a new
-    // bar shows the same ones. Does nothing if another bar's menus are shown.
-    void RemoveMenus(HWND bar);
+    void ShowMenus(HWND bar, HWND window, const std::vector<MenuItem>& menus);
+    void RemoveMenus(HWND bar);  // does nothing if another bar's menus are shown
     QMenuBar* bar() const { return bar_; }
     QToolButton* panel_button() const { return panel_button_; }
 
@@ -67,13 +66,9 @@ class MenuStrip : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    void Clear();
-
     QMenuBar* bar_;
     QToolButton* panel_button_;
     HWND owner_ = nullptr;  // the menu bar window whose menus are shown
-    HWND window_ = nullptr;
-    std::vector<MenuItem> menus_;  // shown now
 };
 
 void UseDeviceStyle();        // for all windows; call it before the first one is made

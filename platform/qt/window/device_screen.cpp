@@ -122,11 +122,10 @@ static void FollowMonitor(const QScreen* monitor) {
 // Before the toolkit paints a part of a window on Wayland, it clears that part in whole units of
 // the compositor. At a scale with a fraction the part can end between two units. If the screen is
 // dense, so that a unit is several of its pixels, some pixels would be cleared and not painted:
-// black lines. So a window is painted whole there, or up to whole units.
-constexpr int kMostPixels = 16;  // looked at to find some that are whole units together
-
+// black lines. So a window is painted whole there. A part that is larger than what changed would
+// not do: it touches a window beside it, which then becomes invalid, and so on without end.
 static double g_units = 1;       // of the compositor in a pixel of the program
-static bool g_painting = false;  // what is painted now ends at whole units
+static bool g_painting = false;  // a window is being painted whole
 static bool g_edges_due = false;
 
 bool EndsBetweenUnits(const QWidget* top) {
@@ -135,40 +134,17 @@ bool EndsBetweenUnits(const QWidget* top) {
 }
 
 // The toolkit leaves out the children that cover the window, so each of them is named.
-static void RepaintTop(QWidget* top, const QRegion& part) {
+static void RepaintTop(QWidget* top) {
     for (QWidget* child : top->findChildren<QWidget*>())
-        if (child->window() == top)
-            child->update(part.translated(-child->mapTo(top, QPoint(0, 0))));
+        if (child->window() == top) child->update();
     g_painting = g_edges_due = true;
-    top->repaint(part);
+    top->repaint();
     g_painting = g_edges_due = false;
     QCoreApplication::removePostedEvents(top, QEvent::UpdateRequest);
 }
 
-// Returns the smallest number of pixels that are whole units together; 0: more than are looked at.
-static int PixelsOfWholeUnits() {
-    for (int pixels = 1; pixels <= kMostPixels; ++pixels)
-        if (std::trunc(pixels * g_units) == pixels * g_units) return pixels;
-    return 0;
-}
-
-static QRegion UpToWholeUnits(const QWidget* top, const QRegion& part) {
-    const int pixels = PixelsOfWholeUnits();
-    if (pixels == 0) return top->rect();
-    const auto up = [=](int edge) { return (edge + pixels - 1) / pixels * pixels; };
-    QRegion whole;
-    for (const QRect& rect : part & top->rect())
-        whole += QRect(QPoint(rect.left() / pixels * pixels, rect.top() / pixels * pixels),
-                       QPoint(up(rect.right() + 1) - 1, up(rect.bottom() + 1) - 1));
-    return whole;
-}
-
-// What the toolkit is about to paint comes first, because it would be painted with the part.
 void RepaintPart(QWidget* widget, const QRegion& part) {
-    QWidget* top = widget->window();
-    if (!EndsBetweenUnits(top)) return widget->repaint(part);
-    QCoreApplication::sendPostedEvents(top, QEvent::UpdateRequest);
-    RepaintTop(top, UpToWholeUnits(top, part.translated(widget->mapTo(top, QPoint(0, 0)))));
+    EndsBetweenUnits(widget->window()) ? RepaintTop(widget->window()) : widget->repaint(part);
 }
 
 // The window itself can end between two units. What is left of the last ones gets its colour, by a
@@ -204,7 +180,7 @@ class WholePaints : public QObject {
   private:
     static bool PaintsWhole(QWidget* top) {
         if (g_painting || !top->isVisible() || !EndsBetweenUnits(top)) return false;
-        RepaintTop(top, top->rect());
+        RepaintTop(top);
         return true;
     }
 };

@@ -40,12 +40,6 @@ WindowWidget::WindowWidget(HWND window, QWidget* parent) : QWidget(parent), wind
     setFocusPolicy(FindWindowRecord(window)->parent ? Qt::NoFocus : Qt::StrongFocus);
 }
 
-void WindowWidget::Serve(HWND window) {
-    window_ = window;
-    finger_ = -1;
-    since_tap_.invalidate();
-}
-
 void WindowWidget::PaintInvalid() {
     Window* window = FindWindowRecord(window_);
     if (!window || window->invalid.isEmpty()) return;

@@ -17,8 +17,6 @@ class WindowWidget : public QWidget {
   public:
     WindowWidget(HWND window, QWidget* parent);
 
-    void Serve(HWND window);  // from now on this widget belongs to that window
-
     // Paints at once what InvalidateRect has collected.
     void PaintInvalid();
     bool painting() const { return painting_; }
