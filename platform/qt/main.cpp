@@ -256,7 +256,9 @@ static void FollowSession(const std::vector<char*>& given) {
         for (size_t i = 1; i < given.size() && given[i]; ++i) again << given[i];
         const auto session = again.indexOf("-session");
         if (session > 0) again.remove(session, std::min<qsizetype>(2, again.size() - session));
-        manager.setRestartCommand(again << "-session" << manager.sessionId());
+        again.insert(1, manager.sessionId());
+        again.insert(1, "-session");  // not behind a host or --
+        manager.setRestartCommand(again);
     });
 }
 

@@ -179,6 +179,8 @@ TEST(ToolkitOptions, AreTakenWithTheirValues) {
     EXPECT_TRUE(TakesAndKeeps({"--style=fusion", "-platform", "offscreen", "-reverse"}));
     EXPECT_FALSE(TakesAndKeeps({"-stile=fusion"}));
     EXPECT_FALSE(TakesAndKeeps({"-reverse=1"}));
+    EXPECT_FALSE(TakesAndKeeps({"-platform=offscreen"})) << "the toolkit would not take it";
+    EXPECT_FALSE(TakesAndKeeps({"--display=:77"}));
     EXPECT_FALSE(TakesAndKeeps({"-style"}));
 }
 

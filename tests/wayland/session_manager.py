@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """A session manager for one client. Prints its address; when the client has saved itself, the command that
-would start it again, one argument a line, and "saved". A line of standard input ends the client.
+would start it again, one argument a line, and "saved". It shall save itself at its start and with each line "save" of
+standard input; with another line it ends.
 """
 import ctypes
 import select
@@ -9,7 +10,7 @@ import sys
 
 ICE, SM = ctypes.CDLL("libICE.so.6"), ctypes.CDLL("libSM.so.6")
 POINTER = ctypes.c_void_p
-LOCAL, NOT_FAST, NO_QUESTIONS = 1, 0, 0
+LOCAL, BOTH, SHUTDOWN, NOT_FAST, NO_QUESTIONS = 1, 2, 1, 0, 0
 IDLE = 0.05  # seconds
 
 
@@ -103,8 +104,10 @@ def main():
             elif ready in peers:
                 if ICE.IceProcessMessages(POINTER(peers[ready]), None, None) != 0:
                     return
-            elif not sys.stdin.readline():
+            elif not (word := sys.stdin.readline()):
                 return
+            elif word == "save\n":
+                SM.SmsSaveYourself(POINTER(client), BOTH, SHUTDOWN, NO_QUESTIONS, NOT_FAST)
             else:
                 SM.SmsDie(POINTER(client))
 

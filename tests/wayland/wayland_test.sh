@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 # The program under Wayland: a session on a headless compositor of the test's own, at one scale, with
-# pictures of the program's own and of the compositor's screen.
+# pictures of the program's own and of the compositor's screen. Afterwards nothing is painted any more.
 # Exit code 77: not possible here.
 # Usage: wayland_test.sh PROGRAM SCALE PICTURES [OUTPUT-SCALE]
 set -eu
@@ -39,7 +39,7 @@ frame_check "$own" || fail "see $own"
 
 # The next one has its settings, and its window is on the compositor's screen. A window there keeps
 # its size within the frame that the toolkit draws.
-"$program" --root "$work/root" --scale "$scale" &
+WAYLAND_DEBUG=1 "$program" --root "$work/root" --scale "$scale" 2>"$work/err" &
 client=$!
 ends_with_us $client
 shown() {
@@ -49,8 +49,11 @@ shown() {
     frame_check "$pictures/screen-$scale-$density.png" >/dev/null
 }
 await 30 shown || fail "no whole frame in $pictures/screen-$scale-$density.png"
+paints() { grep -c 'wl_surface@.*commit' "$work/err"; }
+rests() { before=$(paints) && sleep 1 && [ "$before" = "$(paints)" ]; }
+await 2 rests || fail "the window is painted without end" # 20 times a second
 kill "$client"
 code=0
 wait "$client" || code=$?
 [ $code -eq 0 ] || fail "the program ended with $code"
-echo "scale $scale on a screen of density $density: whole lines, sharp text"
+echo "scale $scale on a screen of density $density: whole lines, sharp text, and a window at rest"

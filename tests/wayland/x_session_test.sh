@@ -34,15 +34,27 @@ printf 'host = "127.0.0.1"\nport = %s\nautoconnect = 1\nconfirm_exit = 1\n' "$(f
     >"$(dirname "$(find "$work/data" -name registry.db)")/mconfig.cfg"
 env -u SESSION_MANAGER QT_QPA_PLATFORM=offscreen timeout -k 5 60 "$program" --profile stores --text "$work/text" ||
     fail "the second start ended with $?"
-"$program" --profile stores --scale 2 2>"$work/err" &
+port=$(cat "$work/port")
+"$program" --profile stores --scale 2 -- 127.0.0.1 "$port" 2>"$work/err" &
 client=$!
 ends_with_us $client
 await 30 has_window "$session_title" || fail "no session"
 await 20 grep -qx saved "$work/told" || fail "it was not saved: $(cat "$work/told" "$work/err")"
 sed '1d;/^saved$/,$d' "$work/told" >"$work/again"
-grep -qx -- --profile "$work/again" && grep -qx stores "$work/again" && grep -qx -- -session "$work/again" ||
-    fail "the command is $(tr '\n' ' ' <"$work/again")"
-[ "$(head -n 1 "$work/again")" = "$(readlink -f "$program")" ] || fail "it starts $(head -n 1 "$work/again")"
+again=$(sed 3d "$work/again" | tr '\n' ' ') # without the session's name
+[ "$again" = "$(readlink -f "$program") -session --profile stores --scale 2 -- 127.0.0.1 $port " ] ||
+    fail "the command is $again"
+
+# At the end of the session it saves what has changed, before it is ended.
+saves_twice() { [ "$(grep -cx saved "$work/told")" -ge 2 ]; }
+setting() { env -u SESSION_MANAGER "$program" --profile stores --export | sed -n 's/^fsize = //p'; }
+window=$(xdotool search --onlyvisible --name "$session_title" | head -n 1)
+before=$(setting)
+has_grown() { xdotool windowfocus "$window" key --window "$window" ctrl+shift+plus && sleep 1 &&
+    echo save >&7 && sleep 1 && [ "$(setting)" -gt "$before" ]; }
+await 1 has_grown || fail "the font's size $before is not saved"
+await 20 saves_twice || fail "it did not save itself again"
+kill -0 $client || fail "it ended before it was told to"
 echo end >&7
 gone() { ! kill -0 $client 2>/dev/null; }
 await 20 gone || fail "the program is still there"

@@ -104,10 +104,9 @@ static bool IsToolkit(const char* const (&names)[count], const char* option) {
     return false;
 }
 
-// The value may also follow an equals sign, as in -style=fusion.
+// The toolkit takes the value of this one behind an equals sign, too, and of no other.
 static bool HasToolkitValue(const std::string& option) {
-    const size_t equals = option.find('=');
-    return equals != option.npos && IsToolkit(kToolkitValues, option.substr(0, equals).c_str());
+    return option.starts_with("-style=") || option.starts_with("--style=");
 }
 
 // In UTF-8.
@@ -265,17 +264,18 @@ void TellHelp(std::FILE* stream) {
         "       quill [OPTIONS] telnet://HOST[:PORT]\n"
         "       quill [OPTIONS] ssh://[USER@]HOST[:PORT]\n"
         "\n"
-        "Opens a window; with a host or an address, connects at once. Host, port, protocol\n"
-        "and login then apply to this run only: the host in the settings does not change,\n"
-        "and its passwords are not sent to another one. HOST uses the protocol from the\n"
-        "settings (Telnet at first); the port is 23, or 22 with SSH, unless you name it.\n"
+        "Opens a window; with a host or an address, connects at once. Host, port,\n"
+        "protocol and login then apply to this run only: the host in the settings does\n"
+        "not change, and its passwords are not sent to another one. HOST uses the\n"
+        "protocol from the settings (Telnet at first); the port is 23, or 22 with SSH,\n"
+        "unless you name it.\n"
         "\n"
         "  --profile NAME     the settings and window of that name, made if missing\n"
         "  --profiles         list the profiles; nothing else goes with it\n"
         "  --export           print the settings as an mconfig.cfg, without passwords;\n"
         "                     of --profile NAME or --root FOLDER, if one is named\n"
         "  --with-passwords   with --export only: the passwords, too\n"
-        "  --help, --version  whatever else is on the line\n"
+        "  --help, --version  whatever other options are on the line\n"
         "\n"
         "  --root FOLDER      settings in another folder\n"
         "  --screen WxH       size of the device's screen, such as 240x320\n"
