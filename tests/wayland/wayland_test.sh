@@ -51,7 +51,7 @@ shown() {
 await 30 shown || fail "no whole frame in $pictures/screen-$scale-$density.png"
 paints() { grep -c 'wl_surface@.*commit' "$work/err"; }
 rests() { before=$(paints) && sleep 1 && [ "$before" = "$(paints)" ]; }
-await 2 rests || fail "the window is painted without end" # 20 times a second
+await 2 rests || fail "the window is painted without end" # 20 tries of a second
 kill "$client"
 code=0
 wait "$client" || code=$?
