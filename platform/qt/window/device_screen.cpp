@@ -119,10 +119,10 @@ static void FollowMonitor(const QScreen* monitor) {
 
 // ---------------------------------------------------------------- scales with a fraction
 
-// Before the toolkit paints a part of a window on Wayland, it clears that part in whole units of
-// the compositor. At a scale with a fraction the part can end between two units. If the screen is
+// Before the toolkit paints an area of a window on Wayland, it clears that area in whole units of
+// the compositor. At a scale with a fraction the area can end between two units. If the screen is
 // dense, so that a unit is several of its pixels, some pixels would be cleared and not painted:
-// black lines. So a window is painted whole there. A part that is larger than what changed would
+// black lines. So a window is painted whole there. An area that is larger than what changed would
 // not do: it touches a window beside it, which then becomes invalid, and so on without end.
 static double g_units = 1;       // of the compositor in a pixel of the program
 static bool g_painting = false;  // a window is being painted whole
