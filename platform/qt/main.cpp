@@ -202,7 +202,7 @@ static void SaveByWindowThread() {
 static void EndOnLastMessage(QtMsgType type, const QMessageLogContext& place, const QString& text) {
     g_usual_messages(type, place, text);
     if (type != QtFatalMsg && !text.contains("connection broke")) return;
-    const bool own = QThread::currentThread() == qApp->thread();
+    const bool own = !qApp || QThread::currentThread() == qApp->thread();
     own ? SaveAtLoss() : SaveByWindowThread();
     _exit(1);
 }

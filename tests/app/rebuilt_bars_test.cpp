@@ -3,7 +3,6 @@
 // began before does.
 #include <gtest/gtest.h>
 #include <QtTest/qtestmouse.h>
-#include <QImage>
 #include <QMenuBar>
 #include <QToolButton>
 

@@ -105,14 +105,16 @@ if [ $desktop = weston ]; then
     has_saved 'desktop 900 650'
     exit 0
 fi
-# A click that comes before the window is ready is lost, so it is repeated, on a new desktop.
+# A click that comes before the window is ready is lost, so it is repeated, later and on a new desktop.
 for try in 1 2 3 4; do
     opens
     starts
     resizes
     await 20 has_place || fail "the window did not take its size"
-    press 188 28 # the button for larger letters
-    sleep 1
+    for press in 1 2 3; do
+        press 188 28 # the button for larger letters
+        sleep 1
+    done
     dies
     has_saved 'size 450 320'
     has_saved "$kept"

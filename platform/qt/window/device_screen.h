@@ -36,7 +36,8 @@ QWidget* TopMostWidget();   // the parent of a box over everything: that dialog,
 bool DesktopTellsPlaces();  // false on Wayland, whose compositor alone places windows
 // True if a part of the window that is painted anew can end between two units of the compositor.
 bool EndsBetweenUnits(const QWidget* top);
-void RepaintPart(QWidget* widget, const QRegion& part);  // at once; the whole window if it can
+// Repaints the part at once; if it can end so, the whole window.
+void RepaintPart(QWidget* widget, const QRegion& part);
 void ReturnFocus();  // to the program's window, after a box or dialog over it has closed
 
 #endif
