@@ -64,8 +64,12 @@ is_painted() {
     grim -g "$left,$top ${width}x$height" "$work/window.png" &&
         [ "$(convert "$work/window.png" -unique-colors -format %w info:)" -gt 20 ]
 }
+is_still() {
+    is_painted && cp "$work/window.png" "$work/window-before.png" && sleep 0.5 && is_painted &&
+        cmp -s "$work/window.png" "$work/window-before.png"
+}
 shows_keyboard() {
-    await 20 is_painted || fail "the window is not painted"
+    await 10 is_still || fail "the window is not painted"
     for try in 1 2 3 4 5; do
         grab_foot "$work/foot-before.png"
         hand click $((left + width - 12)) $((top + height - strip / 2))
