@@ -11,6 +11,7 @@
 #include <map>
 #include <optional>
 #include <QApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QMessageBox>
@@ -142,12 +143,21 @@ static double ScaleThatFits(const QSize& device) {
     return scale;
 }
 
+static const char* const kChosenScale = "QUILL_CHOSEN_SCALE";
+
 // The toolkit reads its scale only when it starts, so the program executes itself again with
-// another one.
-static void StartAgain(std::vector<char*> arguments, double scale) {
-    std::string option = "--scale", value = QByteArray::number(scale).toStdString();
-    arguments.insert(arguments.begin() + 1, {option.data(), value.data()});
+// another one. A variable holds that, so that the arguments remain those of the user.
+static void StartAgain(const std::vector<char*>& arguments, double scale) {
+    qputenv(kChosenScale, QByteArray::number(scale));
     execv("/proc/self/exe", arguments.data());
+    qunsetenv(kChosenScale);
+}
+
+// Returns the scale that the program has chosen before it executed itself again, or 0.
+static double TakeChosenScale() {
+    const double scale = qgetenv(kChosenScale).toDouble();
+    qunsetenv(kChosenScale);
+    return scale >= 1 && scale <= kUsualScale ? scale : 0;
 }
 
 // The input method that the toolkit takes on Wayland by itself crashes in an empty text field if
@@ -245,6 +255,16 @@ static void SaveSettingsOnly() {
     SaveLoadedSettings();
 }
 
+// Not every session manager goes to the folder that the program was started in.
+static QStringList GivenCommand(const std::vector<char*>& given) {
+    QStringList command{QCoreApplication::applicationFilePath()};
+    for (size_t i = 1; i < given.size() && given[i]; ++i) {
+        const bool root = command.back() == "--root";
+        command << (root ? QString::fromStdString(DeviceRoot()) : QString(given[i]));
+    }
+    return command;
+}
+
 // At the end of the desktop's session on X, the session's manager asks for what is to be saved, and
 // starts the program in the next session with the same arguments.
 static void FollowSession(const std::vector<char*>& given) {
@@ -252,13 +272,13 @@ static void FollowSession(const std::vector<char*>& given) {
         if (g_save) g_save();
     });
     QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, [=](QSessionManager& manager) {
-        QStringList again{QCoreApplication::applicationFilePath()};
-        for (size_t i = 1; i < given.size() && given[i]; ++i) again << given[i];
+        QStringList again = GivenCommand(given);
         const auto session = again.indexOf("-session");
         if (session > 0) again.remove(session, std::min<qsizetype>(2, again.size() - session));
         again.insert(1, manager.sessionId());
         again.insert(1, "-session");  // not behind a host or --
         manager.setRestartCommand(again);
+        manager.setManagerProperty("CurrentDirectory", QDir::currentPath());
     });
 }
 
@@ -342,8 +362,9 @@ int main(int argc, char** argv) {
         return 1;
     }
     const Variables variables = ToolkitVariables();
-    const bool choose = options.scale == 0 && qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR");
-    if (choose || options.scale > 0) SetScale(choose ? kUsualScale : options.scale);
+    const double wanted = options.scale > 0 ? options.scale : TakeChosenScale();
+    const bool choose = wanted == 0 && qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR");
+    if (choose || wanted > 0) SetScale(choose ? kUsualScale : wanted);
     NameAfterProfile(argv, line.profile);
     QApplication::setApplicationName("quill");
     QApplication::setApplicationDisplayName("");
@@ -364,6 +385,7 @@ int main(int argc, char** argv) {
     if (scale != kUsualScale) StartAgain(given, scale);
     const bool asks = !line.target.host.empty() || WantsFile(options);
     const bool busy = asks && IsProfileBusy(line);
+    if (!asks) TellIfSizeIsKept(options);
     const int result = busy ? 1 : RunProgram(line);
     CloseDevice();
     return EndProcess(result);

@@ -159,6 +159,32 @@ def buttons_by_action(path, work):
     program.end()
 
 
+def titles_that_do_not_fit(path, work):
+    """Each is a menu item all the same, and the terminal goes on while its menu is open."""
+    host = Host()
+    program = Program(path, work, host.port, ["--screen", "120x320"])
+    press(find("push button", "OK", top=dialog("Quill Telnet")))
+    host.accept()
+    host.send("\r")
+    main_window("[127.0.0.1]")
+    find("menu item", "Disconnect...")  # the bar is that of a session
+    screen = terminal()
+    titles = children(find("menu bar"))
+    assert [each.get_name() for each in titles] == ["File", "Fx", "Keys", "Settings"]
+    for title in titles:
+        def is_open():
+            return any(has(each, "showing") for each in children(title))
+
+        assert title.get_action_name(0) == "ShowMenu" and title.do_action(0)
+        eventually(is_open, f"the menu {title.get_name()}")
+        host.send(f"\033[2J\033[Hbelow {title.get_name()}")
+        eventually(lambda: text_of(screen).startswith(f"below {title.get_name()}"), "the host's text")
+        assert is_open()
+        assert title.do_action(0)
+        eventually(lambda: not is_open(), f"the end of the menu {title.get_name()}")
+    program.end()
+
+
 def fill_in(box, name, text):
     edit = find("text", name, top=box)
     assert has(edit, "editable")
@@ -525,7 +551,8 @@ def launcher_that_takes_its_time(path, work):
     program.end()
 
 
-VARIABLES = ("DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS", "QT_SCALE_FACTOR", "QT_IM_MODULE")
+CHOICE = "QUILL_CHOSEN_SCALE"
+VARIABLES = ("DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS", "QT_SCALE_FACTOR", "QT_IM_MODULE", CHOICE)
 
 
 def environment(path):
@@ -548,9 +575,7 @@ def programs_that_it_starts(path, work):
     process = subprocess.Popen([path, "--root", root, "--screen", "700x500"])
     subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "^Quill Telnet  ",
                     "windowfocus", "--sync", "key", "ctrl+shift+h"], check=True, timeout=2 * PATIENCE)
-    words = pathlib.Path(f"/proc/{process.pid}/cmdline").read_bytes().split(b"\0")
-    assert words[1] == b"--scale", words
-    assert environment(f"/proc/{process.pid}/environ") == given
+    assert environment(f"/proc/{process.pid}/environ") == given | {CHOICE: "1.25"}
     eventually(lambda: os.path.exists(work + "/viewed"), "the viewer")
     assert environment(work + "/viewer") == given, environment(work + "/viewer")
     process.send_signal(signal.SIGTERM)
@@ -581,7 +606,7 @@ def main():
     path, work, step = sys.argv[1:]
     follow_changes()
     steps = [names_and_roles, rows_and_cursor, selection_is_read, lines_are_heard, buttons_by_action,
-             dialog_filled_in, controls_of_each_dialog, sign_on_is_filled_in, bars_that_change,
+             titles_that_do_not_fit, dialog_filled_in, controls_of_each_dialog, sign_on_is_filled_in, bars_that_change,
              message_box_is_read, bus_that_dies, bus_that_is_not_there, bus_that_never_answers,
              bus_with_a_full_queue, readers_bus_that_never_answers,
              readers_bus_named_by_the_environment, launcher_that_never_answers,

@@ -51,22 +51,51 @@ void ExpectBackOnTheScreen() {
     });
 }
 
+void PutIntoFoot(QWidget* dialog, bool shown) {
+    ShellInputPanel()->setParent(dialog);
+    ShellInputPanel()->setVisible(shown);
+}
+
+void ExpectOnTheScreen(bool shown) {
+    OnWindowThread([=] {
+        ASSERT_NE(ShellInputPanel(), nullptr);
+        EXPECT_EQ(ShellInputPanel()->parentWidget(), DeviceScreen());
+        EXPECT_EQ(InputPanelShown(), shown);
+    });
+}
+
 // Where a dialog holds the panel at its foot, the panel outlives the dialog, as it is.
 TEST(InputPanelInDialogs, OutlivesTheDialogThatHoldsIt) {
     for (const bool shown : {false, true}) {
         RunProgram(SmallDevice(), [=] {
             const HWND dialog = OpenOnSmallDevice(40011);
             OnWindowThread([=] {
-                ShellInputPanel()->setParent(FindWindowRecord(dialog)->widget);
-                ShellInputPanel()->setVisible(shown);
+                PutIntoFoot(FindWindowRecord(dialog)->widget, shown);
                 EndDialog(dialog, 0);
             });
             ASSERT_TRUE(Gone(dialog));
-            OnWindowThread([=] {
-                ASSERT_NE(ShellInputPanel(), nullptr);
-                EXPECT_EQ(ShellInputPanel()->parentWidget(), DeviceScreen());
-                EXPECT_EQ(InputPanelShown(), shown);
-            });
+            ExpectOnTheScreen(shown);
+        });
+    }
+}
+
+void OpenChooser() {
+    PostToMain(WM_COMMAND, IDM_COLOR_TEXT);
+    ASSERT_TRUE(Eventually([] { return ShownColorDialog() != nullptr; }));
+}
+
+void CloseChooser() {
+    OnWindowThread([] { ShownColorDialog()->reject(); });
+    EXPECT_TRUE(Eventually([] { return ShownColorDialog() == nullptr; }));
+}
+
+TEST(InputPanelInDialogs, OutlivesTheColorChooserThatHoldsIt) {
+    for (const bool shown : {false, true}) {
+        RunProgram(SmallDevice(), [=] {
+            OpenChooser();
+            OnWindowThread([=] { PutIntoFoot(ShownColorDialog()->window(), shown); });
+            CloseChooser();
+            ExpectOnTheScreen(shown);
         });
     }
 }
@@ -188,6 +217,55 @@ TEST(InputPanelInDialogs, OfFingerAndMouseOnlyTheFingerShowsItInADialog) {
         TapAsTheDesktopDoes("Esc");
         EXPECT_TRUE(Gone(dialog));
         EXPECT_FALSE(PanelIsUp()) << "only a dialog wanted it";
+    });
+}
+
+void ExpectGrownByTheFoot(const QWidget* dialog, QSize own) {
+    EXPECT_EQ(dialog->width(), std::max(own.width(), 240));
+    EXPECT_EQ(dialog->height(), own.height() + 80);
+}
+
+// The tap places the dialog again.
+TEST(InputPanelInDialogs, ADialogWithRoomForItAtItsFootKeepsThatWhenAFieldIsTapped) {
+    RunProgram(SmallDevice(), [] {
+        const HWND dialog = OpenOnSmallDevice(40011);
+        QSize own;
+        OnWindowThread([&] {
+            QWidget* widget = FindWindowRecord(dialog)->widget;
+            own = widget->size();
+            widget->setContentsMargins(0, 0, 0, 80);
+        });
+        TapField(1255, TapAsAFinger);
+        OnWindowThread([&] {
+            ExpectGrownByTheFoot(FindWindowRecord(dialog)->widget, own);
+            EndDialog(dialog, 0);
+        });
+        EXPECT_TRUE(Gone(dialog));
+    });
+}
+
+void TapFirstFieldOfTheChooser() {
+    OnWindowThread([] { TapAsAFinger(ShownColorDialog()->findChild<QLineEdit*>()); });
+    OnWindowThread([] {});
+    OnWindowThread([] {});
+}
+
+TEST(InputPanelInDialogs, AColorChooserWithRoomForItAtItsFootKeepsThatWhenAFieldIsTapped) {
+    RunProgram(SmallDevice(), [] {
+        OpenChooser();
+        TapFirstFieldOfTheChooser();
+        EXPECT_TRUE(PanelIsUp());
+        QSize own;
+        OnWindowThread([&] {
+            QWidget* window = ShownColorDialog()->window();
+            own = window->size();
+            ShowInputPanel(false);
+            window->setContentsMargins(0, 0, 0, 80);
+        });
+        TapFirstFieldOfTheChooser();
+        EXPECT_TRUE(PanelIsUp());
+        OnWindowThread([&] { ExpectGrownByTheFoot(ShownColorDialog()->window(), own); });
+        CloseChooser();
     });
 }
 

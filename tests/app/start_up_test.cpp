@@ -163,8 +163,11 @@ TEST(StartUp, CloseButtonEndsTheProgramWithCode0) {
 int StartSecond(const std::string& root, QByteArray* said = nullptr) {
     QProcess second;
     second.setProcessChannelMode(QProcess::MergedChannels);
-    second.start(QUILL_PROGRAM, {"-platform", "offscreen", "--scale", "1", "--root",
-                                 QString::fromStdString(root)});
+    // An option would make it say that the window keeps its own scale.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QT_SCALE_FACTOR", "1");
+    second.setProcessEnvironment(environment);
+    second.start(QUILL_PROGRAM, {"-platform", "offscreen", "--root", QString::fromStdString(root)});
     EXPECT_TRUE(second.waitForFinished(20000));
     for (QByteArray line = second.readLine(); said && !line.isEmpty(); line = second.readLine())
         if (line.startsWith("quill")) *said += line;  // the toolkit may print lines too

@@ -8,6 +8,8 @@ set -eu
 need Xvfb xdotool xwininfo xprop openbox
 program=$1 demo=$2
 . "$(dirname "$0")/desktop.sh"
+open_screen 640x480
+small=$DISPLAY # the usual scale is too large for it
 open_screen 1600x1200
 openbox >/dev/null 2>&1 &
 ends_with_us $!
@@ -38,10 +40,13 @@ count_windows 2 || fail "there are other windows"
 
 # comes_to_front WINDOW WHERE ARGUMENTS...
 comes_to_front() {
-    expected=$1 where=$2
+    expected=$1 where=$2 word=
     shift 2
-    timeout -k 5 30 "$program" "$@" 2>"$work/said" || fail "a second start on a window $where ended with $?"
-    [ ! -s "$work/said" ] || fail "a second start said: $(cat "$work/said")"
+    case " $* " in *' --screen '* | *' --scale '*)
+        word="quill: Quill already runs on $home/data/quill/profiles/$2, so its window keeps its size and scale" ;;
+    esac
+    DISPLAY=${start_on:-$DISPLAY} timeout -k 5 30 "$program" "$@" 2>"$work/said" || fail "a second start on a window $where ended with $?"
+    [ "$(cat "$work/said")" = "$word" ] || fail "a second start by $* said: $(cat "$work/said")"
     await 10 is_front "$expected" || fail "a window $where does not come to the front by $*"
     xwininfo -id "$expected" | grep -q IsViewable || fail "a window $where is not shown"
     count_windows 2 || fail "a second start opened a window"
@@ -53,6 +58,19 @@ is_minimized() { ! xwininfo -id "$first" | grep -q IsViewable; }
 await 10 is_minimized || fail "the window is not minimised"
 comes_to_front "$first" "that is minimised" --profile stores
 comes_to_front "$first" "in front already" --profile stores
+
+# A size or a scale: the window keeps its own, and the second start says so, once.
+size=$(xdotool getwindowgeometry "$first" | grep Geometry)
+comes_to_front "$second" "below another" --profile depot --scale 1
+comes_to_front "$first" "below another" --profile stores --screen 320x240
+comes_to_front "$second" "below another" --profile depot --screen 320x240 --scale 3
+comes_to_front "$first" "below another" --profile stores
+# Where the start chooses a scale by itself, nobody has asked for one.
+start_on=$small
+comes_to_front "$second" "of another screen" --profile depot
+start_on=
+comes_to_front "$first" "below another" --profile stores
+[ "$(xdotool getwindowgeometry "$first" | grep Geometry)" = "$size" ] || fail "the window has another size"
 
 # With a host: the window comes to the front, its session stays, and nothing is connected to.
 xdotool windowactivate --sync "$second"

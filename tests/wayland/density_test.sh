@@ -13,7 +13,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 need convert compare
 mkdir -p "$pictures"
 open_sway 2 'output HEADLESS-1 mode 900x700 position 0 0 scale 1' \
-    'output HEADLESS-2 mode 1400x1000 position 900 0 scale 2' \
+    'output HEADLESS-2 mode 2100x1500 position 900 0 scale 2' \
     'workspace 1 output HEADLESS-1' 'workspace 2 output HEADLESS-2'
 
 : >"$work/port"
@@ -58,6 +58,8 @@ command_compositor output HEADLESS-2 scale 1
 shows 1 "the second screen became less dense"
 command_compositor output HEADLESS-2 scale 2
 shows 2 "the second screen became as it was"
+command_compositor output HEADLESS-2 scale 3
+shows 3 "the second screen became three times as dense"
 command_compositor '[app_id="quill"]' move container to output HEADLESS-1, focus
 shows 1 "the window moved back"
 [ "$(window_place | sed 's/.* //')" = "$size" ] || fail "the window has another size: $(window_place)"

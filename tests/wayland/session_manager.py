@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """A session manager for one client. Prints its address; when the client has saved itself, the command that
-would start it again, one argument a line, and "saved". It shall save itself at its start and with each line "save" of
-standard input; with another line it ends.
+would start it again, one argument a line, "in FOLDER", and "saved". It shall save itself at its start and with
+each line "save" of standard input; with another line it ends, and then the manager does. Before that it may go
+and come again, as a client does that executes itself again.
 """
 import ctypes
 import select
@@ -33,6 +34,7 @@ NEW_CLIENT = ctypes.CFUNCTYPE(ctypes.c_int, POINTER, POINTER, ctypes.POINTER(cty
 REGISTER = ctypes.CFUNCTYPE(ctypes.c_int, POINTER, POINTER, POINTER)
 OTHER = ctypes.CFUNCTYPE(None, POINTER, POINTER, POINTER, POINTER)
 PROPERTIES = ctypes.CFUNCTYPE(None, POINTER, POINTER, ctypes.c_int, ctypes.POINTER(ctypes.POINTER(Property)))
+IO_ERROR = ctypes.CFUNCTYPE(None, POINTER)
 ALLOW = ctypes.CFUNCTYPE(ctypes.c_int, POINTER)
 NAMES = ("register", "interact", "interacted", "request", "phase2", "done", "close", "set", "delete", "get")
 for procedure in (SM.SmsGenerateClientID, ICE.IceAcceptConnection):
@@ -53,9 +55,12 @@ def register(connection, data, before):
 @PROPERTIES
 def take(connection, data, count, properties):
     for each in properties[:count]:
+        values = [ctypes.string_at(value.value, value.length).decode()
+                  for value in each.contents.values[:each.contents.count]]
         if each.contents.name == b"RestartCommand":
-            for value in each.contents.values[:each.contents.count]:
-                print(ctypes.string_at(value.value, value.length).decode())
+            print(*values, sep="\n")
+        elif each.contents.name == b"CurrentDirectory":
+            print("in", *values)
 
 
 @OTHER
@@ -80,12 +85,18 @@ def new_client(connection, data, mask, callbacks, reason):
     return 1
 
 
+@IO_ERROR
+def has_gone(connection):
+    pass  # the library would end the process
+
+
 @ALLOW
 def allow(name):
     return 1
 
 
 def main():
+    ICE.IceSetIOErrorHandler(has_gone)
     error = ctypes.create_string_buffer(256)
     assert SM.SmsInitialize(b"test", b"1", new_client, None, allow, len(error), error), error.value
     count, listeners = ctypes.c_int(), ctypes.POINTER(POINTER)()
@@ -94,7 +105,7 @@ def main():
         ICE.IceSetHostBasedAuthProc(POINTER(each), allow)
     print(ICE.IceComposeNetworkIdList(count, listeners).decode(), flush=True)
     doors = {ICE.IceGetListenConnectionNumber(POINTER(each)): each for each in listeners[:count.value]}
-    peers = {}
+    peers, ending = {}, False
     while True:
         for ready in select.select([sys.stdin, *doors, *peers], [], [])[0]:
             if ready in doors:
@@ -103,12 +114,15 @@ def main():
                 peers[ICE.IceConnectionNumber(POINTER(peer))] = peer
             elif ready in peers:
                 if ICE.IceProcessMessages(POINTER(peers[ready]), None, None) != 0:
-                    return
+                    if ending:
+                        return
+                    del peers[ready]
             elif not (word := sys.stdin.readline()):
                 return
             elif word == "save\n":
                 SM.SmsSaveYourself(POINTER(client), BOTH, SHUTDOWN, NO_QUESTIONS, NOT_FAST)
             else:
+                ending = True
                 SM.SmsDie(POINTER(client))
 
 

@@ -145,4 +145,39 @@ hand type $left $((top + height - panel)) $width $panel Esc
 gone() { ! window_place 'Connect$'; }
 await 10 gone || fail "the first dialog is still there"
 end
+# The colour chooser has all of its height above the keyboard, though the device is lower.
+unset WAYLAND_DEBUG
+has_chooser() { window_place Select; }
+opens_chooser() {
+    place_of 'Quill T'
+    for try in 1 2 3; do
+        await 10 is_still || fail "the window is not painted"
+        hand click $((left + 130)) $((top + height - strip / 2))
+        sleep 1
+        hand click $((left + 150)) $((top + height - strip - 100)) # one of the four colours
+        ! await 3 has_chooser || return 0
+    done
+    fail "there is no chooser"
+}
+closes_chooser() {
+    hand type $left $((top + height - panel)) $width $panel Esc
+    gone() { ! has_chooser; }
+    await 10 gone || fail "the chooser is still there"
+}
+start
+opens_chooser
+place_of Select
+own_width=$width own_height=$height
+[ $own_height -gt 300 ] || fail "the chooser is $own_height high without a keyboard"
+end
+start
+place_of 'Quill T'
+shows_keyboard
+opens_chooser
+await 10 has_size Select "${own_width}x$((own_height + panel))" ||
+    fail "the chooser of ${own_width}x$own_height is $(window_place Select) with the soft keyboard"
+place_of Select
+grim "$pictures/chooser-keyboard.png"
+closes_chooser
+end
 echo "a sign-on by the soft keyboard, which covers nothing of the dialog"

@@ -106,11 +106,13 @@ static QSize FrameSize() { return DeviceScreen()->frameGeometry().size() - Devic
 // The input panel is needed to type into the chooser's fields.
 static bool LeavesPanelFree() { return RoomForDialogs() != DeviceScreen()->size(); }
 
-// The desktop's screen, or its part above a shown input panel.
+// The desktop's screen, or its part above a shown input panel. On Wayland the panel is below the
+// chooser in the same window, and needs no more than its height.
 static QRect RoomForChooser() {
     QRect room = DeviceScreen()->screen()->availableGeometry();
     const int panel = DeviceScreen()->mapToGlobal(InputPanelPlace().topLeft()).y();
-    if (LeavesPanelFree()) room.setBottom(panel - 1);
+    if (LeavesPanelFree())
+        room.setBottom(DesktopTellsPlaces() ? panel - 1 : room.bottom() - kInputPanelHeight);
     return room;
 }
 
@@ -123,7 +125,7 @@ static void SetSize(QDialog* window, QColorDialog* chooser, const QWidget& butto
     QSize size = chooser->sizeHint();
     size.rheight() += buttons.sizeHint().height() + 2 * kMargin;
     if (size.height() > room.height()) size.rwidth() += bar;
-    window->resize(size.boundedTo(room));
+    window->resize(WithFoot(*window, size.boundedTo(room)));
 }
 
 // The desktop would put the window over the middle of the device, and so over the panel.
@@ -186,6 +188,7 @@ BOOL ShowColorDialog(LPVOID parameter) {
     window.hide();
     const Window* outer = TopMostDialog();
     LendInputPanel(outer ? outer->widget.data() : nullptr);
+    TakeInputPanelFrom(&window);
     if (below && below->isVisible()) below->activateWindow();
     return chosen;
 }

@@ -235,12 +235,13 @@ void PlaceDialog(Window& window, const QRect& rect) {
     if (whole.height() > room.height()) size.rwidth() += bar;
     if (whole.width() > room.width()) size.rheight() += bar;
     size = size.boundedTo(room);
+    const QSize outer = WithFoot(*window.widget, size);
     if (!window.dialog->sheet) window.dialog->content->setFixedSize(whole);
-    window.widget->setMaximumSize(whole.expandedTo(size));
+    window.widget->setMaximumSize(whole.expandedTo(outer));
     QPoint corner = rect.topLeft();
     if (room != DeviceScreen()->size())
         corner.setY(std::min(corner.y(), room.height() - size.height()));
-    window.widget->setGeometry(QRect(DeviceScreen()->mapToGlobal(corner), size));
+    window.widget->setGeometry(QRect(DeviceScreen()->mapToGlobal(corner), outer));
     SendSize(window);
 }
 

@@ -101,3 +101,11 @@ bool IsProfileBusy(const CommandLine& line) {
     if (!isatty(STDERR_FILENO)) QMessageBox::information(nullptr, "Quill Telnet", text);
     return true;
 }
+
+void TellIfSizeIsKept(const HostOptions& options) {
+    const bool named = !options.screen.isEmpty() || options.scale > 0;
+    if (!named || !FindOtherInstance()) return;
+    std::fprintf(stderr,
+                 "quill: Quill already runs on %s, so its window keeps its size and scale\n",
+                 Printable(DeviceRoot()).c_str());
+}

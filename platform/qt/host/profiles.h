@@ -24,4 +24,8 @@ void MarkWindow(const std::string& profile);
 // shows the same in a message box if stderr is no terminal.
 bool IsProfileBusy(const CommandLine& line);
 
+// For any other start: says in one line on stderr that a program that already runs on these
+// settings keeps its size and scale, if the command line names others.
+void TellIfSizeIsKept(const HostOptions& options);
+
 #endif

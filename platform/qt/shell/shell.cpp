@@ -85,13 +85,19 @@ static void MoveToOwnWindow(InputPanel* panel, QWidget* dialog) {
     panel->show();
 }
 
+QSize WithFoot(const QWidget& dialog, QSize size) {
+    const int foot = dialog.contentsMargins().bottom();
+    if (foot == 0) return size;
+    return QSize(std::max(size.width(), DeviceScreen()->width()), size.height() + foot);
+}
+
 // Makes room below the dialog's controls, as wide as the device. The room stays while the dialog is
 // open, also while the panel is in another one above it.
 static void MakeFoot(QWidget* dialog) {
     if (dialog->contentsMargins().bottom() > 0) return;
-    const QSize size(std::max(dialog->width(), DeviceScreen()->width()),
-                     dialog->height() + kInputPanelHeight);
+    const QSize own = dialog->size();
     dialog->setContentsMargins(0, 0, 0, kInputPanelHeight);
+    const QSize size = WithFoot(*dialog, own);
     dialog->setMaximumSize(dialog->maximumSize().expandedTo(size));
     dialog->resize(size);
 }

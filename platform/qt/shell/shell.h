@@ -27,6 +27,8 @@ bool InputPanelShown();
 // Null moves it back to the screen, or hides it if a tap into a field has shown it.
 void LendInputPanel(QWidget* dialog);
 void TakeInputPanelFrom(const QWidget* dialog);  // before a dialog is deleted
+// The size of a dialog whose own part has that size: with the foot, if the panel has been there.
+QSize WithFoot(const QWidget& dialog, QSize size);
 // From now on a tap into the field by a finger or a stylus shows the panel. `make_room` then fits
 // the open dialogs into RoomForDialogs.
 void OfferInputPanel(QLineEdit* field, const std::function<void()>& make_room);
