@@ -2,6 +2,7 @@
 // The library of common dialogs, which a program looks up at run time. Its only dialog is the
 // colour chooser: the toolkit's own, in a window that fits on the desktop and whose buttons are
 // always visible.
+#include <QAbstractSpinBox>
 #include <QColorDialog>
 #include <QDialogButtonBox>
 #include <QKeyEvent>
@@ -140,6 +141,15 @@ static void PlaceAbovePanel(QDialog* window) {
     window->move(place.topLeft());
 }
 
+// The menu of a number field would open in a loop of its own, in which the program's messages wait.
+// The menu of the edit in it does not.
+static void MenusWithoutLoops(const QColorDialog* chooser) {
+    for (QAbstractSpinBox* number : chooser->findChildren<QAbstractSpinBox*>())
+        number->setContextMenuPolicy(Qt::NoContextMenu);
+    for (QLineEdit* field : chooser->findChildren<QLineEdit*>())
+        field->setContextMenuPolicy(Qt::DefaultContextMenu);
+}
+
 static void PutInWindow(QColorDialog* chooser, QDialog* window) {
     auto* layout = new QVBoxLayout(window);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -158,6 +168,7 @@ static void PutInWindow(QColorDialog* chooser, QDialog* window) {
     };
     fit();
     for (QLineEdit* field : chooser->findChildren<QLineEdit*>()) OfferInputPanel(field, fit);
+    MenusWithoutLoops(chooser);
     chooser->show();
 }
 
@@ -168,7 +179,7 @@ BOOL ShowColorDialog(LPVOID parameter) {
     if (request->hwndOwner && !IsWindow(request->hwndOwner)) return FALSE;
     if (!TemplateIsThere(*request)) return FALSE;
     PutCustomColors(request->lpCustColors);
-    QDialog window(TopMostWidget());
+    QDialog window(ParentOfBox());
     const QPointer<QWidget> below = window.parentWidget();
     QColorDialog* chooser = MakeChooser(*request);
     PutInWindow(chooser, &window);
@@ -179,6 +190,7 @@ BOOL ShowColorDialog(LPVOID parameter) {
     });
     QObject::connect(&window, &QDialog::finished, &window, [&] { done = true; });
     window.setWindowModality(Qt::ApplicationModal);
+    DropInput();
     window.show();
     LendInputPanel(&window);
     if (window_observer.dialog) window_observer.dialog();

@@ -191,6 +191,7 @@ INT_PTR RunDialogLoop(HWND dialog, bool at_once) {
     const std::shared_ptr<DialogData> data = window->dialog;
     const QPointer<QWidget> below = window->widget->parentWidget();
     PutOverScreen(dialog);
+    DropInput();
     const auto over = [&] { return data->ended || QuitPosted() || !FindWindowRecord(dialog); };
     if (!at_once) DispatchPosted(over);
     if (!over()) {
@@ -207,7 +208,7 @@ INT_PTR RunDialogLoop(HWND dialog, bool at_once) {
     const Window* outer = TopMostDialog();
     LendInputPanel(outer ? outer->widget.data() : nullptr);
     if (below && below->isVisible()) below->activateWindow();
-    return data->result;
+    return data->ended ? data->result : -1;
 }
 
 QScrollArea* MakeScrolledContent(QWidget* parent, QWidget** content) {

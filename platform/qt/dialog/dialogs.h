@@ -52,7 +52,7 @@ Window* MakeDialogWindow(const WindowClass* window_class, HWND owner, const std:
                          DLGPROC procedure);
 void StartDialog(HWND dialog, LPARAM parameter);  // sends WM_INITDIALOG and sets the focus
 // Runs the dialog until it ends, then destroys it. Shows it at once, or only after the messages
-// that are already posted.
+// that are already posted. Returns -1 if the program or the owner has ended before the dialog.
 INT_PTR RunDialogLoop(HWND dialog, bool at_once);
 extern const WindowOperations kDialogOperations;
 void PlaceDialog(Window& window, const QRect& rect);  // in coordinates of the device's screen

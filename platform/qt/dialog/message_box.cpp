@@ -97,7 +97,7 @@ class BoundedBox : public QMessageBox {
 
 int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
     Window* window = TopLevelOf(FindWindowRecord(owner));
-    BoundedBox box(window ? TopMostWidget() : nullptr);
+    BoundedBox box(window ? ParentOfBox() : nullptr);
     box.setWindowTitle(FromWide(caption));
     box.setTextFormat(Qt::PlainText);
     box.setText(FromWide(text));
@@ -106,6 +106,7 @@ int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
     if ((type & 0xFu) == MB_OKCANCEL) box.addButton(QMessageBox::Cancel);
     box.setDefaultButton(ok);
     box.setWindowModality(Qt::ApplicationModal);
+    DropInput();
     box.show();
     if (g_answer) QTimer::singleShot(0, ok, &QPushButton::click);
     RunModalLoop([&] { return !box.isVisible(); });

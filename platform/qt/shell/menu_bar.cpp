@@ -11,6 +11,7 @@
 #include <QStyleOption>
 
 #include "platform/qt/services/resources.h"
+#include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
 
 constexpr int kPanelButtonWidth = 34;
@@ -46,7 +47,9 @@ class LateIcon : public QIconEngine {
     QIcon icon_;
 };
 
-// The style of all windows, which is the desktop's with two differences.
+// The style of all windows, which is the desktop's with three differences.
+//
+// The menu of a scroll bar would open in a loop of its own, in which the program's messages wait.
 //
 // Some styles draw a line below the bar: a piece below each title and a piece below the rest, with
 // gaps between them. This bar is the last row of the screen and needs no line below it. A pixel
@@ -58,6 +61,11 @@ class DeviceStyle : public QProxyStyle {
         if (which == SP_ToolBarHorizontalExtensionButton)
             return QIcon(new LateIcon(baseStyle(), which));
         return QProxyStyle::standardIcon(which, option, widget);
+    }
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* result) const override {
+        if (hint == SH_ScrollBar_ContextMenu) return 0;
+        return QProxyStyle::styleHint(hint, option, widget, result);
     }
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override {
@@ -185,13 +193,14 @@ void MenuStrip::ShowMenus(HWND bar, HWND window, const std::vector<MenuItem>& me
 }
 
 // Closes a menu that is open. It may be the one whose key or click is being handled, so it is
-// deleted later.
+// deleted later. A bar that Alt has chosen gives the keys back.
 void MenuStrip::RemoveMenus(HWND bar) {
     if (bar != owner_) return;
     for (QMenu* menu : bar_->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly))
         menu->close();
     for (const QAction* title : bar_->actions()) title->menu()->deleteLater();
     bar_->clear();
+    if (bar_->hasFocus()) ReturnFocus();
     owner_ = nullptr;
 }
 

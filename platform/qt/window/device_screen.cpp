@@ -209,7 +209,10 @@ void CloseDeviceScreen() { g_screen.reset(); }
 
 QWidget* DeviceScreen() { return g_screen.get(); }
 
-void SetDeviceTitle(const QString& title) { g_screen->setWindowTitle(title); }
+// The toolkit takes "[*]" for its mark of a changed document, and shows "[*][*]" as "[*]".
+void SetDeviceTitle(const QString& title) {
+    g_screen->setWindowTitle(QString(title).replace("[*]", "[*][*]"));
+}
 
 bool OpenScreenMenu() {
     const auto open = g_screen->foot().open_menu;
@@ -233,11 +236,20 @@ QWidget* TopMostWidget() {
     return top && top->widget ? top->widget.data() : DeviceScreen();
 }
 
+QWidget* ParentOfBox() {
+    for (auto each = g_over.rbegin(); each != g_over.rend(); ++each) {
+        const Window* dialog = FindWindowRecord(*each);
+        if (dialog && dialog->widget && dialog->widget->isVisible()) return dialog->widget;
+    }
+    return DeviceScreen();
+}
+
 bool DesktopTellsPlaces() { return !QGuiApplication::platformName().startsWith("wayland"); }
 
 // Not every desktop returns the focus by itself.
 void ReturnFocus() {
-    if (!g_screen || QApplication::activeModalWidget()) return;
+    if (!g_screen) return;
+    if (QWidget* modal = QApplication::activeModalWidget()) return modal->activateWindow();
     g_screen->activateWindow();
     if (Window* window = ProgramWindow()) window->widget->setFocus();
 }

@@ -32,12 +32,13 @@ QRect InputPanelPlace();  // on the device's screen, shown or not
 void PutOverScreen(HWND dialog);
 void TakeFromScreen(HWND dialog);
 Window* TopMostDialog();    // null: no dialog is open
-QWidget* TopMostWidget();   // the parent of a box over everything: that dialog, else the screen
+QWidget* TopMostWidget();   // that dialog, else the screen
+QWidget* ParentOfBox();     // the topmost dialog that has appeared, else the screen
 bool DesktopTellsPlaces();  // false on Wayland, whose compositor alone places windows
 // True if a part of the window that is painted anew can end between two units of the compositor.
 bool EndsBetweenUnits(const QWidget* top);
 // Repaints the part at once; if it can end so, the whole window.
 void RepaintPart(QWidget* widget, const QRegion& part);
-void ReturnFocus();  // to the program's window, after a box or dialog over it has closed
+void ReturnFocus();  // to the dialog that is still open, or else to the program's window
 
 #endif

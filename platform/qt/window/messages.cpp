@@ -278,6 +278,15 @@ BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove)
     return TRUE;
 }
 
+// A control's notice of what has already happened in it, such as another selection in a list.
+static bool IsNotice(const MSG& message) {
+    return message.message == WM_COMMAND && HIWORD(message.wParam) != BN_CLICKED;
+}
+
+void DropInput() {
+    std::erase_if(g_input, [](const QueuedMessage& m) { return !IsNotice(m.message); });
+}
+
 void RunModalLoop(const std::function<bool()>& done) {
     MSG message;
     while (!done() && !g_quit) {

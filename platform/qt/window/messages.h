@@ -19,6 +19,9 @@ void QueueKey(HWND window, UINT message, WPARAM key, LPARAM flags, const QString
 void SetKeyDown(size_t virtual_key, bool down);
 bool IsKeyDown(size_t virtual_key);  // according to the last event
 
+// Call it when a box or a dialog opens: the windows below it take no input, not even what came just
+// before it. Notices of their controls stay in the queue.
+void DropInput();
 void RunModalLoop(const std::function<bool()>& done);  // dispatches until done() or WM_QUIT
 // Dispatches posted messages, for a frame's time at most, but neither input nor the toolkit's
 // events.
