@@ -320,6 +320,15 @@ TEST_F(Ssh2Channel, DataOf4000BytesLeavesTheWindow) {
     EXPECT_EQ(session.ssh2.localWindow, 8000);
 }
 
+TEST_F(Ssh2Channel, EveryOpenGrantsTheWholeWindowAgain) {
+    ToShell();
+    Give(Data(std::string(1000, 'd')));
+    Give(Message(52));
+    Expect(Message(90, Str("session") + U32(27) + U32(8000) + U32(16384)));
+    Give(Data(std::string(4000, 'd')));
+    ExpectSilence();
+}
+
 TEST_F(Ssh2Channel, DataOf4001BytesIsAnsweredByAnAdjustOf4001) {
     ToShell();
     Give(Data(std::string(4001, 'd')));
