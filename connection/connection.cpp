@@ -73,6 +73,7 @@ static int OpenSocket() {
     u_long on = 1;
     ioctlsocket(socket_made, FIONBIO, &on);
     session.socket.store(socket_made, std::memory_order_release);
+    ++session.sockets_made;
     return 1;
 }
 

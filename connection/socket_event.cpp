@@ -24,13 +24,13 @@ static bool Stale() {
 // A message box that is shown here lets other messages run, and these may start a new session. This
 // event must not give that session's buffer to its receiving thread.
 void OnSocketEvent(WPARAM kind) {
-    const SOCKET served = session.socket.load(std::memory_order_acquire);
+    const SessionMark served = CurrentSession();
     if (kind == 1) {
         session.connect_pending = 0;
         SessionClosed();
     } else if (kind == 0 && !Stale()) {
         TakeChunk();
     }
-    const SOCKET left = session.socket.load(std::memory_order_acquire);
-    if (left == served || left == INVALID_SOCKET) HandBackBuffer();
+    const SessionMark left = CurrentSession();
+    if (left == served || left.socket == INVALID_SOCKET) HandBackBuffer();
 }

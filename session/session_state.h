@@ -79,6 +79,7 @@ struct SessionState {
     DWORD dial_request = 0;     // 1: the user agreed to dial; the timer starts it
     DWORD dialling = 0;         // 1: a dial is in progress
     int last_dial_state = -1;   // the last state of any dial; -1: no state yet
+    DWORD sockets_made = 0;     // modulo 2^32
     HRASCONN ras_connection = nullptr;
     SOCKADDR_IN peer = {};
 
@@ -123,5 +124,17 @@ extern SessionState session;
 
 // True while a session is connected. Any thread may call this.
 inline bool Connected() { return session.connected.load(std::memory_order_acquire) != 0; }
+
+// Tells one session from another. The socket alone does not: the system may give the number of a
+// closed socket to the next one.
+struct SessionMark {
+    SOCKET socket;
+    DWORD sockets_made;
+    bool operator==(const SessionMark&) const = default;
+};
+
+inline SessionMark CurrentSession() {
+    return {session.socket.load(std::memory_order_acquire), session.sockets_made};
+}
 
 #endif

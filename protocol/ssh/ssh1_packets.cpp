@@ -82,7 +82,7 @@ bool Ssh1OpenPacket(const BYTE* bytes, int length, Ssh1Packet* packet) {
 }
 
 void Ssh1EndSession(LPCWSTR text) {
-    const SOCKET served = session.socket.load(std::memory_order_acquire);
+    const SessionMark served = CurrentSession();
     ShowError(text);
     if (SshSessionIsCurrent(served)) CloseSession();
 }

@@ -27,8 +27,6 @@ enum State {
 
 }  // namespace
 
-static SOCKET ServedSocket() { return session.socket.load(std::memory_order_acquire); }
-
 static void GoTo(State state) {
     session.ssh1.ssh1State = state;
     session.ssh_progress = static_cast<DWORD>(state);
@@ -40,7 +38,7 @@ static void GoTo(State state) {
 // Returns false if the session has ended: the dialog could not be shown, or the session ended while
 // the dialog was open.
 static bool AskForUser() {
-    const SOCKET served = ServedSocket();
+    const SessionMark served = CurrentSession();
     const bool shown = session_ports.ask_sign_on();
     if (!SshSessionIsCurrent(served)) return false;
     if (!shown) CloseSession();
@@ -74,7 +72,7 @@ static void SendPassword(const BYTE*, int) {
 }
 
 static void AskAgain(const BYTE*, int) {
-    const SOCKET served = ServedSocket();
+    const SessionMark served = CurrentSession();
     ShowError(TEXT("Login incorrect"));
     if (!SshSessionIsCurrent(served)) return;
     session.ssh1.loginFailed = 1;
@@ -161,7 +159,7 @@ static const StateRow kStates[] = {
 // ---------------------------------------------------------------- received chunks
 
 // Handles the complete packets at the front. Stops as soon as one of them ends the session.
-static void HandleWholePackets(SOCKET served) {
+static void HandleWholePackets(const SessionMark& served) {
     SshState& ssh = session.ssh;
     int at = 0;
     while (ssh.recvFill - at >= kLengthFieldSize) {
@@ -170,6 +168,7 @@ static void HandleWholePackets(SOCKET served) {
         Ssh1HandlePacket(ssh.recvBuf + at, static_cast<int>(needed));
         if (!SshSessionIsCurrent(served)) return;
         at += static_cast<int>(needed);
+        if (ssh.recvFill < at) return;  // a refused connect has emptied the buffer
     }
     ssh.recvFill -= at;
     std::memmove(ssh.recvBuf, ssh.recvBuf + at, static_cast<size_t>(ssh.recvFill));
@@ -187,7 +186,7 @@ static void Forget() {
 
 void Ssh1TakeChunk(const BYTE* bytes, int count) {
     SshState& ssh = session.ssh;
-    const SOCKET served = ServedSocket();
+    const SessionMark served = CurrentSession();
     if (count > kSshReassemblySize - ssh.recvFill) {
         ShowError(TEXT("SSH out of memory"));
         if (!SshSessionIsCurrent(served)) return;

@@ -76,7 +76,7 @@ static int CompletePacket() {
 // Handles one packet; returns false if there is no complete one, or if the handler ended the
 // session. In that case the waiting bytes are dropped only if there is no socket: otherwise a new
 // session may have begun, and they belong to it.
-static bool TakePacket(SOCKET served) {
+static bool TakePacket(const SessionMark& served) {
     SshState& ssh = session.ssh;
     const int size = CompletePacket();
     if (size == 0) return false;
@@ -86,6 +86,7 @@ static bool TakePacket(SOCKET served) {
         if (session.socket.load(std::memory_order_acquire) == INVALID_SOCKET) DropWaiting();
         return false;
     }
+    if (ssh.recvFill < size) return false;  // a refused connect has emptied the buffer
     ssh.recvFill -= size;
     std::memmove(ssh.recvBuf, ssh.recvBuf + size, static_cast<size_t>(ssh.recvFill));
     return true;
@@ -122,7 +123,7 @@ static void Dispatch(BYTE number) {
 
 void Ssh2TakeChunk(const BYTE* bytes, int count) {
     if (!session.ssh2.inMac) return;  // the session began with SSH-1
-    const SOCKET served = session.socket.load(std::memory_order_acquire);
+    const SessionMark served = CurrentSession();
     Append(bytes, count);
     while (TakePacket(served)) {
     }
@@ -175,7 +176,7 @@ constexpr int kCredentialSize = 80;
 
 // Returns false if nothing more may be sent, since the connection can end while the dialog is open.
 static bool SignOn() {
-    const SOCKET served = session.socket.load(std::memory_order_acquire);
+    const SessionMark served = CurrentSession();
     const bool shown = session_ports.ask_sign_on();
     if (!SshSessionIsCurrent(served) || !HasCipher()) return false;
     if (!shown) CloseSession();
@@ -183,7 +184,7 @@ static bool SignOn() {
 }
 
 static void RefuseEmptyName() {
-    const SOCKET served = session.socket.load(std::memory_order_acquire);
+    const SessionMark served = CurrentSession();
     ShowError(TEXT("Cannot sign on to the host without a valid user name"));
     if (SshSessionIsCurrent(served)) CloseSession();
 }

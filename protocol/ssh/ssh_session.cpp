@@ -22,9 +22,8 @@ void CloseSession() {
     session_ports.close_session();
 }
 
-bool SshSessionIsCurrent(SOCKET served) {
-    return served != INVALID_SOCKET && Connected() &&
-           session.socket.load(std::memory_order_acquire) == served;
+bool SshSessionIsCurrent(const SessionMark& served) {
+    return served.socket != INVALID_SOCKET && Connected() && CurrentSession() == served;
 }
 
 // ---------------------------------------------------------------- the fields of packets

@@ -4,6 +4,7 @@
 #ifndef QUILL_PROTOCOL_SSH_SSH_SESSION_H
 #define QUILL_PROTOCOL_SSH_SSH_SESSION_H
 
+#include "session/session_state.h"
 #include "windows_ce.h"
 
 // Writes a packet to the socket. Does nothing while not connected.
@@ -15,9 +16,9 @@ void ResetCiphers();
 // Ends the session after a fatal SSH error: calls ResetCiphers, then closes the session.
 void CloseSession();
 
-// True while `served` is still the socket of the current, connected session. Check this after each
-// call that may show a dialog or close the session: other messages run during a dialog.
-bool SshSessionIsCurrent(SOCKET served);
+// True while `served` is still the current session and is connected. Check this after each call
+// that may show a dialog or close the session: other messages run during a dialog.
+bool SshSessionIsCurrent(const SessionMark& served);
 
 // ---------------------------------------------------------------- the fields of packets
 

@@ -71,6 +71,25 @@ TEST(Connection, ConnectingWhileOnlineShowsAlreadyASession) {
     });
 }
 
+// The number of a socket alone does not tell them apart: the system may use it again.
+TEST(Connection, EverySessionIsCountedAndARefusedConnectIsNot) {
+    FakeHost host;
+    RunProgram({}, [&] {
+        SetHost(u"127.0.0.1", host.port);
+        for (DWORD made = 1; made <= 2; ++made) {
+            Connect();
+            ASSERT_TRUE(host.Accept());
+            Connect();
+            OnWindowThread([&] {
+                EXPECT_EQ(CurrentSession().sockets_made, made);
+                EXPECT_EQ(CurrentSession().socket, session.socket.load());
+            });
+            Close();
+            ASSERT_TRUE(DismissBox(kNotPossible));
+        }
+    });
+}
+
 TEST(Connection, DottedAddressIsNeverLookedUpByName) {
     FakeHost host;
     services_test_hooks.host_lookups = 0;

@@ -129,6 +129,21 @@ TEST(SignOnDialog, SessionThatIsClosedMeanwhileSendsNothingMore) {
     });
 }
 
+// The dial's connect is refused, since a session is up. It restarts that session's protocol, so the
+// server soon ends it.
+TEST(SignOnDialog, DialThatConnectsMeanwhileLeavesTheProgramRunning) {
+    Connecting([](TestServer& server) {
+        ASSERT_TRUE(DialogShown());
+        PostToMain(WM_RASDIALEVENT, RASCS_Connected);
+        ASSERT_TRUE(DismissBox("Error: Already a session to the UNIX Host"));
+        OnWindowThread([] { QApplication::activeModalWidget()->activateWindow(); });
+        SignOn("visitor", "warehouse7");
+        EXPECT_TRUE(server.Tells("user visitor"));
+        OnWindowThread([] { EXPECT_GE(session.ssh.recvFill, 0); });
+        EXPECT_TRUE(ProgramRuns());
+    });
+}
+
 TEST(SignOnDialog, SessionOpenedMeanwhileIsNotTouched) {
     Connecting([](TestServer& server) {
         ASSERT_TRUE(DialogShown());

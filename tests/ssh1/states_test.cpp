@@ -372,6 +372,34 @@ TEST(Interrupted, SessionThatEndsBehindTheDialogIsOverThoughItsSocketNumberStays
     EXPECT_EQ(Wire(), "");
 }
 
+// A connect that is refused, since a session is up, empties the receive buffer.
+TEST(Interrupted, RefusedConnectBehindTheDialogLeavesNoPacketToRemove) {
+    ScriptedHost host = SessionInState(1);
+    session.settings.ssh_def = 0;
+    outside.during_dialog = BeginProtocol;
+    Receive(Join({host.Packet(14), host.Packet(15)}));
+    EXPECT_EQ(outside.asked, 1);
+    EXPECT_EQ(session.ssh.recvFill, 0);
+}
+
+// The system gives the socket of the next session the number of the closed one.
+TEST(Interrupted, NextSessionBehindTheDialogIsNotTouchedThoughItsSocketNumberIsTheSame) {
+    ScriptedHost host = SessionInState(1);
+    session.settings.ssh_def = 0;
+    outside.during_dialog = [] {
+        ForgetSshSession();
+        BeginProtocol();
+        ++session.sockets_made;
+        Receive("SSH-1.5-next\r\n");
+        Receive("abc");
+    };
+    Receive(Join({host.Packet(14), host.Packet(15)}));
+    EXPECT_EQ(Wire(), "SSH-1.5-1.0.00\n") << "no user name";
+    EXPECT_EQ(session.ssh1.ssh1State, 0);
+    EXPECT_EQ(session.ssh.recvFill, 3);
+    EXPECT_EQ(outside.closed, 0);
+}
+
 // The chunk was already queued when the user closed the session.
 TEST(Interrupted, PacketAfterTheUsersCloseShowsNoDialogOrMessage) {
     for (int state = 0; state <= 5; state++) {

@@ -139,6 +139,38 @@ TEST_F(Ssh2Authentication, NextSessionBehindTheDialogKeepsWhatItHasReceived) {
     EXPECT_EQ(session.receive_ready, 0u) << "the buffer is the next session's";
 }
 
+// A connect that is refused, since a session is up, empties the receive buffer.
+TEST_F(Ssh2Authentication, RefusedConnectDuringTheDialogLeavesNoPacketToRemove) {
+    session.settings.ssh_def = 0;
+    outside.sign_on = [] { return BeginProtocol(), true; };
+    ToService();
+    std::string bytes = Seal(server, Message(6));
+    bytes += Seal(server, Message(52));
+    Receive(bytes);
+    EXPECT_EQ(outside.sign_ons, 1);
+    EXPECT_EQ(session.ssh.recvFill, 0);
+    EXPECT_EQ(session.receive_ready, 1u);
+}
+
+// The system gives the socket of the next session the number of the closed one.
+TEST_F(Ssh2Authentication, NextSessionIsNotTouchedThoughItsSocketNumberIsTheSame) {
+    session.settings.ssh_def = 0;
+    outside.sign_on = [] {
+        ForgetSshSession();
+        BeginProtocol();
+        ++session.sockets_made;
+        Receive("SSH-2.0-next\r\n");
+        Receive("abc");
+        session.receive_ready = 0;
+        return true;
+    };
+    ToService();
+    Give(Message(6));
+    EXPECT_EQ(outside.wire, kClientLine);
+    EXPECT_EQ(session.ssh.recvFill, 3);
+    EXPECT_EQ(session.receive_ready, 0u) << "the buffer is the next session's";
+}
+
 // The host drops the line while the dialog is open: the session state is cleared, but its socket
 // number stays until the next session.
 TEST_F(Ssh2Authentication, SessionThatEndsDuringTheDialogIsOverThoughItsSocketNumberStays) {
@@ -286,6 +318,15 @@ TEST_F(Ssh2Channel, DataOf4000BytesLeavesTheWindow) {
     Give(Data("d"));
     Expect(Adjust(4001));
     EXPECT_EQ(session.ssh2.localWindow, 8000);
+}
+
+TEST_F(Ssh2Channel, EveryOpenGrantsTheWholeWindowAgain) {
+    ToShell();
+    Give(Data(std::string(1000, 'd')));
+    Give(Message(52));
+    Expect(Message(90, Str("session") + U32(27) + U32(8000) + U32(16384)));
+    Give(Data(std::string(4000, 'd')));
+    ExpectSilence();
 }
 
 TEST_F(Ssh2Channel, DataOf4001BytesIsAnsweredByAnAdjustOf4001) {

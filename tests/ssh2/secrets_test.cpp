@@ -107,6 +107,21 @@ TEST_F(Ssh2Secrets, DataHeldForNewKeysIsWipedBeforeItIsReleased) {
     Expect(ClientData(typed + more));
 }
 
+TEST_F(Ssh2Secrets, HeldDataIsWipedWhereItMovesToALargerBlock) {
+    const std::string typed = "typed while keys are exchanged";
+    ToShell();
+    Offer();
+    const BYTE* first = nullptr;
+    const int held = ReleasedWith(typed, [&] {
+        Type(typed);
+        first = session.ssh2.heldData;
+        Type(std::string(1000, '.'));
+    });
+    if (held < 0) GTEST_SKIP() << "the allocator has no hooks in this build";
+    EXPECT_EQ(held, 0);
+    EXPECT_NE(session.ssh2.heldData, first);
+}
+
 TEST_F(Ssh2Secrets, DataHeldAtTheEndOfTheSessionIsWipedToo) {
     const std::string typed = "typed while keys are exchanged";
     ToShell();

@@ -173,6 +173,19 @@ TEST_F(Ssh2Packets, PacketOf65534BytesIsTaken) {
     Offer();
 }
 
+TEST_F(Ssh2Packets, PacketWhoseSizeDoesNotFitItsLengthFieldIsDropped) {
+    Identify();
+    const std::string packet = Seal(server, Message(2));
+    for (const size_t size : {packet.size() - 1, packet.size() + 1}) {
+        std::vector<BYTE> bytes(packet.begin(), packet.end());
+        bytes.resize(size);
+        Ssh2HandlePacket(bytes.data(), static_cast<int>(size));
+        EXPECT_EQ(session.ssh2.recvSeq, 0u) << size;
+    }
+    Receive(packet);
+    EXPECT_EQ(session.ssh2.recvSeq, 1u);
+}
+
 TEST_F(Ssh2Packets, NothingIsSentWhileNoConnectionIsUp) {
     ToShell();
     session.connected = 0;

@@ -51,7 +51,9 @@ void TerminalWrite(const BYTE* bytes, int count) {
     Happened('W');
     outside.terminal_writes++;
     outside.display.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(count));
-    if (outside.socket_after_write) session.socket = outside.socket_after_write;
+    if (!outside.socket_after_write) return;
+    session.socket = outside.socket_after_write;
+    ++session.sockets_made;
 }
 
 static void TakeSshChunk(const BYTE* bytes, int count) {

@@ -53,6 +53,15 @@ TEST(SocketEvent, BufferOfANewSessionIsNotHandedBackForTheOldOne) {
     EXPECT_EQ(outside.wakes, 0);
 }
 
+// The system gives the socket of the next session the number of the closed one.
+TEST(SocketEvent, BufferOfANewSessionWhoseSocketHasTheSameNumberIsNotHandedBack) {
+    NewSession();
+    outside.socket_after_write = session.socket;
+    Receive("text");
+    EXPECT_EQ(session.receive_ready.load(), 0u);
+    EXPECT_EQ(outside.wakes, 0);
+}
+
 TEST(SocketEvent, ChunkOfOnlyNegotiationShowsNothingAndChecksNoLogin) {
     NewSession();
     SetText(session.settings.sear1, "\xFF");
