@@ -3,9 +3,15 @@
 # Prints how many instructions a key exchange of SSH-2, a megabyte of 3DES and a screen cost here and on
 # the other processors, in optimised builds. QEMU's user mode runs all of them, also the build for this
 # machine, and a plugin counts. The cost of a program that does nothing is subtracted.
-# Usage: tests/devices/cost.sh PROCESSOR...
+# Usage: tests/devices/cost.sh [armel] [mips] [mipsel] [s390x]
 set -eu
 cd "$(dirname "$0")/../.."
+for device; do
+    case $device in
+        armel | mips | mipsel | s390x) ;;
+        *) echo "usage: tests/devices/cost.sh [armel] [mips] [mipsel] [s390x]" >&2 && exit 2 ;;
+    esac
+done
 mkdir -p build
 cc -O2 -Wall -Wextra -Werror -shared -fPIC -o build/count_instructions.so tests/devices/count_instructions.c
 

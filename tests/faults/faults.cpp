@@ -7,6 +7,7 @@
 #include <array>
 #include <atomic>
 #include <cstdio>
+#include <filesystem>
 #include <mutex>
 #include <sstream>
 
@@ -153,18 +154,16 @@ static std::map<uintptr_t, std::string> WrappedCalls(const std::string& program)
     return calls;
 }
 
-static const char* const kFolders[] = {"app/",      "connection/", "crypto/",
-                                       "protocol/", "session/",    "settings/",
-                                       "terminal/", "text/",       "ui/"};
+static bool IsSlice(const std::string& file) { return file.starts_with("platform/"); }
+static bool IsTest(const std::string& file) { return file.starts_with("tests/"); }
 
 // The file below the top of the tree, or nothing for code of the tests and of the slice.
 static std::string InProgram(const std::string& line) {
     const size_t up = line.rfind("../");
     std::string file = up == std::string::npos ? line : line.substr(up + 3);
     if (file.starts_with(QUILL_TOP "/")) file.erase(0, sizeof(QUILL_TOP));
-    for (const char* folder : kFolders)
-        if (file.starts_with(folder)) return file;
-    return "";
+    const bool in_tree = std::filesystem::exists(QUILL_TOP "/" + file.substr(0, file.find(':')));
+    return in_tree && !IsSlice(file) && !IsTest(file) ? file : "";
 }
 
 static Places MakePlaces() {

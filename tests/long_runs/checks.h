@@ -27,7 +27,7 @@ struct Held {
 };
 Held WhatIsHeld();
 std::string Describe(const Held& held);
-// Empty, or which of them has grown.
-std::string Growth(const Held& before, const Held& now);
+// Empty, or which of them has grown, the bytes by more than `room`.
+std::string Growth(const Held& before, const Held& now, long room);
 
 #endif

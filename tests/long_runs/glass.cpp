@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <QBackingStore>
 #include <sstream>
+#include <vector>
 
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
@@ -60,20 +61,73 @@ static bool AllOf(const QImage& picture, const QRect& middle, QRgb color) {
     return true;
 }
 
-static QRect MiddleOfCell(int row, int col) {
+static QRect RectOfCell(int row, int col) {
     const ViewState& view = session.view;
     const int left = (col - view.view_left - 1) * view.cell_width;
     const int top = (row - view.view_top - 1) * view.cell_height;
-    const int side = view.cell_width / 4;
-    return {left + side, top, view.cell_width - 2 * side, view.cell_height};
+    return {left, top, view.cell_width, view.cell_height};
 }
 
-// A letter leaves the background somewhere, and shows it elsewhere; an empty cell is all
-// background.
+static QRect MiddleOf(const QRect& cell) {
+    const int side = cell.width() / 4;
+    return cell.adjusted(side, 0, -side, 0);
+}
+
+static int Channel(QRgb color, int which) { return static_cast<int>(color >> 8 * which & 0xff); }
+
+// The edges of letters are smooth: each pixel is background, text or something between. The toolkit
+// mixes each channel by itself, darker ones a little more.
+static bool IsMix(QRgb pixel, const CellColors& colors) {
+    constexpr int kRounding = 3, kLeastRange = 64;
+    constexpr double kApart = 0.25;
+    double least = 1, most = 0;  // parts of text
+    for (int i = 0; i < 3; ++i) {
+        const int from = Channel(colors.background, i), to = Channel(colors.text, i);
+        const int at = Channel(pixel, i);
+        if (at < std::min(from, to) - kRounding || at > std::max(from, to) + kRounding)
+            return false;
+        if (std::abs(to - from) < kLeastRange) continue;
+        const double part = 1.0 * (at - from) / (to - from);
+        least = std::min(least, part);
+        most = std::max(most, part);
+    }
+    return most - least <= kApart;
+}
+
+static bool AllMixed(const QImage& picture, const QRect& cell, const CellColors& colors) {
+    for (int y = cell.top(); y <= cell.bottom(); ++y)
+        for (int x = cell.left(); x <= cell.right(); ++x)
+            if (!IsMix(picture.pixel(x, y), colors)) return false;
+    return true;
+}
+
+// The lines that a cell has whatever its font: the underline, and two of the graphic characters.
+static std::vector<QRect> LinesOf(DWORD cell, const QRect& rect) {
+    const DWORD code = cell & 0xff;
+    const int offset = session.view.underline_offset;
+    const int center_x = (rect.left() + rect.left() + rect.width()) / 2;
+    const int center_y = (rect.top() + rect.top() + rect.height()) / 2;
+    std::vector<QRect> lines;
+    const bool underlined = cell & kCellUnderline && code != ',' && code != '_';
+    if (underlined && offset > 0 && offset <= rect.height())
+        lines.push_back({rect.left(), rect.top() + rect.height() - offset, rect.width(), 1});
+    if (cell & kCellGraphic && code == 'q')
+        lines.push_back({rect.left(), center_y, rect.width(), 1});
+    if (cell & kCellGraphic && code == 'x')
+        lines.push_back({center_x, rect.top(), 1, rect.height()});
+    return lines;
+}
+
+// A cell has its two colours only; a letter leaves the background somewhere, and an empty cell is
+// all background.
 static bool IsShown(const QImage& picture, const DWORD* cell, int row, int col) {
     const CellColors colors = ColorsOfCell(*cell);
-    const QRect middle = MiddleOfCell(row, col);
-    if (*cell & kCellUnderline || !picture.rect().contains(middle)) return true;
+    const QRect whole = RectOfCell(row, col), middle = MiddleOf(whole);
+    if (!picture.rect().contains(whole)) return true;
+    if (!AllMixed(picture, whole, colors)) return false;
+    for (const QRect& line : LinesOf(*cell, whole))
+        if (!AllOf(picture, line, colors.text)) return false;
+    if (*cell & kCellUnderline) return true;
     if (IsAmongEmpty(cell)) return AllOf(picture, middle, colors.background);
     if (!IsLetter(*cell) || colors.text == colors.background) return true;
     return !AllOf(picture, middle, colors.background);

@@ -216,6 +216,25 @@ TEST(Cipher, BlowfishIsListedBeforeTssAndRc4) {
               "Server supports: IDEA 3-DES BLOWFISH TSS RC4 ");
 }
 
+TEST(Cipher, EachOfTheServersIsListedByItsOwnBit) {
+    const struct {
+        int bit;
+        const char* name;
+    } kRows[] = {{1, "IDEA "}, {2, "DES "}, {3, "3-DES "},
+                 {4, "TSS "},  {5, "RC4 "}, {6, "BLOWFISH "}};
+    for (const auto& row : kRows) {
+        ScriptedHost host;
+        host.ciphers = 1u << row.bit;
+        NewSession();
+        session.settings.ssh_type = 3;
+        Receive(host.PublicKey());
+        EXPECT_EQ(Box(),
+                  "Error: Server does not support selected encryption . Try another encryption\n"
+                  "Server supports: " +
+                      std::string(row.name));
+    }
+}
+
 TEST(Cipher, ServerWithoutAnyIsReported) {
     ScriptedHost host;
     host.ciphers = 0;
