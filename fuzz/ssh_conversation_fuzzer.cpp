@@ -208,7 +208,7 @@ static std::string Fingerprint() {
 
 static bool IsZero(const void* bytes, size_t size) {
     const BYTE* at = static_cast<const BYTE*>(bytes);
-    return std::all_of(at, at + size, [](BYTE byte) { return byte == 0; });
+    return at[0] == 0 && memcmp(at, at + 1, size - 1) == 0;
 }
 
 static void EndSession() {
