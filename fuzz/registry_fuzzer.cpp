@@ -241,7 +241,6 @@ static Loaded CheckRegistry(const std::string& file, const std::string& log) {
     SaveSettings();
     Require(Load() == loaded, "what is saved is loaded");
     Require(LoadAnew() == loaded, "what is saved stays");
-    SaveSettings();
     const SettingsExport text = CheckExport();
     CheckFile();
     Require(LoadAnew() == loaded, "an export changes nothing");
