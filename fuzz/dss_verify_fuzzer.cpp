@@ -1,12 +1,22 @@
 // SPDX-License-Identifier: MIT
 // DssVerify on any signature. The first byte chooses a valid key (of 256 bits, for speed) or one of
 // small odd numbers, with which many more signatures pass the range checks. The rest is the blob.
+// GMP judges the same signature.
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
-#include "crypto/public_key.h"
+#include "crypto/hashes.h"
+#include "fuzz/judged_powers.h"
 
 static DssKey* KeyOf(const char* p, const char* q, const char* g, const char* y);
+
+// The 40 bytes of r and s in either form of a signature, or nothing.
+static std::string SignatureOf(const std::string& blob) {
+    static const std::string kName("\0\0\0\7ssh-dss", 11);
+    if (blob.size() == 40) return blob;
+    return blob.starts_with(kName) && blob.size() >= 55 ? blob.substr(15, 40) : std::string();
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     static DssKey* const kKeys[] = {
@@ -19,7 +29,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     };
     static const uint8_t kData[20] = {1, 2, 3};
     if (size == 0) return 0;
-    DssVerify(kKeys[bytes[0] % 3], bytes + 1, static_cast<int>(size - 1), kData, sizeof(kData));
+    const DssKey& key = *kKeys[bytes[0] % 3];
+    uint8_t digest[kSha1Size];
+    Sha1(kData, sizeof(kData), digest);
+    const std::string signature =
+        SignatureOf(std::string(reinterpret_cast<const char*>(bytes) + 1, size - 1));
+    const bool good = !signature.empty() &&
+                      IsSignature(key, reinterpret_cast<const uint8_t*>(signature.data()), digest);
+    Require(DssVerify(&key, bytes + 1, static_cast<int>(size - 1), kData, sizeof(kData)) == good,
+            "the verdict");
     return 0;
 }
 

@@ -11,12 +11,18 @@
 //   4  the image of the resources itself
 //   5  the program's own image with patches
 //   6  a dialog template, a bitmap or an icon
+// and further on in turns of seven, but for
+//   254  the values of one run (host, port, protocol and user of the command line), then rows
+//   255  a configuration file, which is imported
+// Bit 7 resets the settings at the end of 0, 1, 2 and 3.
 //
 // What must hold for a registry file: every field is within its bounds; rows of the input are read
 // as the settings' header says; a file that is set aside has the bytes of the input; what is loaded
-// is saved, and loaded again it is the same; the file is then sound, and an export changes nothing
-// in it. For resources: everything that is found lies inside the image, pictures and menus are
-// within their bounds, and the same comes of a second reading.
+// is saved, and loaded again it is the same, value by value and at once; the file is then sound,
+// and an export changes nothing in it. What the export can say comes back by its import. A reset
+// leaves the defaults, and the values of one run never reach the file. For resources: everything
+// that is found lies inside the image, pictures and menus are within their bounds, and the same
+// comes of a second reading.
 #include <dirent.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -152,15 +158,22 @@ static Loaded TakeLoaded() {
     return loaded;
 }
 
+static Loaded defaults;
+static bool resets;
+
 static Loaded Load() {
     std::memset(static_cast<void*>(&session.settings), 0xA5, sizeof(session.settings));
     LoadSettings();
     return TakeLoaded();
 }
 
+// As the program's start does it: all values in one go.
 static Loaded LoadAnew() {
     CloseRegistry();
-    return Load();
+    HoldRegistry();
+    const Loaded loaded = Load();
+    ReleaseRegistry();
+    return loaded;
 }
 
 // ---------------------------------------------------------------- the registry's file
@@ -187,12 +200,26 @@ static void CheckFile() {
     sqlite3_close(database);
 }
 
-static void CheckExport() {
+static SettingsExport CheckExport() {
     CloseRegistry();
     const std::string before = ReadAll(file_path);
     SettingsExport text;
     Require(ExportSettings(root, true, &text), "a sound file can be exported");
     Require(text.file.size() < 100000 && ReadAll(file_path) == before, "an export only reads");
+    return text;
+}
+
+static void Import(const std::string& file) {
+    const std::string path = root + "/mconfig.cfg";
+    EmptyRoot();
+    WriteAll(path, file);
+    ImportConfigFile(nullptr);
+    Require(!std::filesystem::exists(path), "an imported file is deleted");
+}
+
+static void CheckReset() {
+    ResetSettings();
+    Require(LoadAnew() == defaults, "a reset leaves the defaults");
 }
 
 // A file that is set aside at once is kept as it came.
@@ -205,7 +232,7 @@ static void CheckSetAside(const std::string& given, bool with_log) {
         Require(ReadAll(file_path + ".damaged") == given, "a damaged file is kept");
 }
 
-static void CheckRegistry(const std::string& file, const std::string& log) {
+static Loaded CheckRegistry(const std::string& file, const std::string& log) {
     EmptyRoot();
     WriteAll(file_path, file);
     if (!log.empty()) WriteAll(log_path, log);
@@ -214,13 +241,17 @@ static void CheckRegistry(const std::string& file, const std::string& log) {
     SaveSettings();
     Require(Load() == loaded, "what is saved is loaded");
     Require(LoadAnew() == loaded, "what is saved stays");
-    SaveSettings();
-    CheckExport();
+    const SettingsExport text = CheckExport();
     CheckFile();
     Require(LoadAnew() == loaded, "an export changes nothing");
     EmptyRoot();
     SaveSettings();
     Require(LoadAnew() == loaded, "everything is saved where nothing was");
+    if (resets) CheckReset();
+    if (!text.unsaid.empty()) return loaded;
+    Import(text.file);
+    Require(LoadAnew() == loaded, "what an export says is imported");
+    return loaded;
 }
 
 // ---------------------------------------------------------------- rows
@@ -291,7 +322,8 @@ static std::string WithoutCase(std::string name) {
 
 static std::u16string Wide(const char* text) { return std::u16string(text, text + strlen(text)); }
 
-static void CheckRows(Input* input) {
+// Afterwards the file has these rows and no others.
+static std::map<std::string, Row> WriteRows(Input* input) {
     EmptyRoot();
     WriteAll(file_path, good_file);
     std::map<std::string, Row> rows;
@@ -306,6 +338,11 @@ static void CheckRows(Input* input) {
     }
     sqlite3_exec(database, "COMMIT", nullptr, nullptr, nullptr);
     sqlite3_close(database);
+    return rows;
+}
+
+static void CheckRows(Input* input) {
+    const std::map<std::string, Row> rows = WriteRows(input);
     const Loaded loaded = Load();
     for (size_t i = 0; i < std::size(number_settings); ++i) {
         const NumberSetting& row = number_settings[i];
@@ -323,8 +360,47 @@ static void CheckRows(Input* input) {
                 "a text is read as it is stored");
     }
     CloseRegistry();
-    CheckRegistry(ReadAll(file_path), "");
-    Require(Load() == loaded, "the same again");
+    Require(CheckRegistry(ReadAll(file_path), "") == loaded, "the same again");
+}
+
+// ---------------------------------------------------------------- the import and one run
+
+static void CheckImport(Input* input) {
+    Import(TakeRest(input));
+    const Loaded loaded = LoadAnew();
+    SaveSettings();
+    Require(LoadAnew() == loaded, "what was imported is saved");
+    CheckExport();
+    CheckFile();
+}
+
+static std::string TakePlain(Input* input) {
+    std::string text = TakeText(input, TakeNumber(input, 1) % kSettingUnits);
+    for (char& c : text) c = static_cast<char>('!' + (c & 63));
+    return text;
+}
+
+// What is read for this run is this run's; what is stored stays.
+static void CheckRun(Input* input) {
+    RunTarget target;
+    target.host = TakePlain(input);
+    target.user = TakePlain(input);
+    target.port = static_cast<int>(TakeNumber(input, 2));
+    target.protocol = static_cast<RunProtocol>(TakeNumber(input, 1) % 3);
+    WriteRows(input);
+    const Loaded stored = LoadAnew();
+    SaveSettings();
+    ConnectThisRun(target);
+    LoadAnew();
+    const Settings& s = session.settings;
+    const std::u16string host = s.host, user = s.ssh_u;
+    Require(host == Wide(target.host.c_str()), "the run's host");
+    Require(s.port == static_cast<DWORD>(target.port ? target.port : s.ssh ? 22 : 23), "its port");
+    Require(target.protocol != RunProtocol::kSsh || s.ssh == 1, "its protocol");
+    Require(target.user.empty() || user == Wide(target.user.c_str()), "its user");
+    SaveSettings();
+    ForgetRun();
+    Require(LoadAnew() == stored, "a run leaves the stored values");
 }
 
 // ---------------------------------------------------------------- resources
@@ -409,6 +485,7 @@ static void (*const kRuns[])(Input*) = {RunFile,  RunPatchedFile,  RunPatchedLog
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     MakeRoot();
     LoadSettings();
+    defaults = TakeLoaded();
     SaveSettings();
     CloseRegistry();
     good_file = ReadAll(file_path);
@@ -424,6 +501,12 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 1 || size > 16384) return 0;
     Input input = {data + 1, size - 1};
-    kRuns[data[0] % std::size(kRuns)](&input);
+    resets = data[0] & 128;
+    if (data[0] == 255)
+        CheckImport(&input);
+    else if (data[0] == 254)
+        CheckRun(&input);
+    else
+        kRuns[data[0] % std::size(kRuns)](&input);
     return 0;
 }

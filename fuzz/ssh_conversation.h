@@ -47,7 +47,10 @@ struct Script {
     bool ssh2 = false;
     uint32_t ssh_type = 0;  // 0..2
     bool refuses_first = false;
-    bool ends = false;  // the server ends the session
+    bool ends = false;       // the server ends the session
+    bool asks = false;       // the password is not remembered
+    bool has_user = true;    // there is a user name
+    bool has_cipher = true;  // SSH-1: the server has the user's cipher
     std::vector<Piece> pieces;
 };
 

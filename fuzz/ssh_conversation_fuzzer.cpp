@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Conversations of both SSH versions with a scripted server, with the real ciphers, MACs, checksums
 // and key exchange, in which one packet of the server is wrong. The input:
-//   byte 0     bit 0 SSH-2, bits 1 and 2 the cipher, bit 4 the first password is refused, bit 5 the
-//              server ends the session
+//   byte 0     bit 0 SSH-2, bits 1 and 2 the cipher, bit 3 the password is not remembered, bit 4
+//   the
+//              first password is refused, bit 5 the server ends the session, bit 6 there is no user
+//              name, bit 7 the server of SSH-1 has no cipher
 //   byte 1     the packet of the server that is wrong
 //   bytes 2-5  what is wrong with it: kind, place (2 bytes), value
 //   bytes 6, 7 how the bytes are cut into chunks
@@ -11,7 +13,9 @@
 //              kind the text is repeated 64 times.
 //
 // What must hold:
-// - Without a fault all text is shown, all that is typed arrives, and no message is shown.
+// - Without a fault all text is shown, all that is typed arrives, and no message is shown. Without
+// a
+//   user name or a cipher the session ends with its message, and no password is sent.
 // - A packet that is changed on the wire once there are keys is not acted on, nor what follows it:
 //   the session goes as if the server had fallen silent. On SSH-1 it ends with the stated message.
 // - A fault in the first key exchange of SSH-2 changes nothing, or no password is sent.
@@ -40,6 +44,8 @@ static const SOCKET kSocket = 7;
 static const size_t kMostPieces = 12;
 static const size_t kHeaderSize = 8;
 static const char kChecksumBox[] = "SSH message with illegal CRC checksum. Session must close!!!";
+static const char kNoNameBox[] = "Cannot sign on to the host without a valid user name";
+static const char kNoCipherBox[] = "Server does not support selected encryption ";
 static const char kTooLargeBox[] = "Illegal SSH message. Out of memory";
 
 Run run;
@@ -89,6 +95,7 @@ int MessageBoxW(HWND, LPCWSTR text, LPCWSTR, UINT) {
 
 static bool AskSignOn() {
     run.outcome.sign_ons++;
+    WideFromAnsi(kPassword, session.settings.ssh_p, kSettingUnits);
     return true;
 }
 
@@ -208,7 +215,7 @@ static std::string Fingerprint() {
 
 static bool IsZero(const void* bytes, size_t size) {
     const BYTE* at = static_cast<const BYTE*>(bytes);
-    return std::all_of(at, at + size, [](BYTE byte) { return byte == 0; });
+    return at[0] == 0 && memcmp(at, at + 1, size - 1) == 0;
 }
 
 static void EndSession() {
@@ -240,8 +247,8 @@ static void BeginSession(const Script& script) {
     session.settings.ssh = 1;
     session.settings.ssh_type = script.ssh_type;
     session.settings.ssh_type2 = script.ssh2;
-    session.settings.ssh_def = 1;
-    WideFromAnsi(kUser, session.settings.ssh_u, kSettingUnits);
+    session.settings.ssh_def = !script.asks;
+    if (script.has_user) WideFromAnsi(kUser, session.settings.ssh_u, kSettingUnits);
     WideFromAnsi(kPassword, session.settings.ssh_p, kSettingUnits);
     WideFromAnsi("vt220", session.settings.termtype, kSettingUnits);
     BeginProtocol();
@@ -302,7 +309,10 @@ static void CheckWhole(const Script& script, const Outcome& whole) {
         whole.boxes.size() ==
             (script.ssh2 ? 0u : script.refuses_first + (script.ends && script.pieces.size() % 2)),
         "no message without a reason");
-    Require(whole.sign_ons == (script.refuses_first ? 1 : 0), "the user is asked only if refused");
+    Require(whole.sign_ons == script.refuses_first + script.asks, "the user is asked if needed");
+    Require(script.ssh2 || !script.asks ||
+                IsZero(session.settings.ssh_p, sizeof(session.settings.ssh_p)),
+            "a password that is not remembered is wiped");
     Require(whole.closes <= (script.ends ? 1 : 0), "it ends at its end");
 }
 
@@ -310,6 +320,16 @@ static bool SaysPassword(const Outcome& outcome) {
     return std::any_of(outcome.messages.begin(), outcome.messages.end(), [](const auto& message) {
         return message.find(kPassword) != std::string::npos;
     });
+}
+
+static bool IsRefused(const Script& script) { return !script.has_user || !script.has_cipher; }
+
+static void CheckRefused(const Script& script, const Outcome& whole) {
+    const char* const box = script.has_cipher ? kNoNameBox : kNoCipherBox;
+    Require(whole.boxes.size() == 1 && whole.boxes[0].starts_with(box),
+            "the message of the refusal");
+    Require(whole.display.empty() && whole.closes == 1, "the session ends");
+    Require(!SaysPassword(whole), "no password without a user or a cipher");
 }
 
 // Once there are keys.
@@ -423,6 +443,9 @@ static Script TakeScript(uint8_t flags, Input* input) {
     script.ssh_type = (flags >> 1 & 3) % 3;
     script.refuses_first = flags & 16;
     script.ends = flags & 32;
+    script.asks = flags & 8;
+    script.has_user = !(flags & 64);
+    script.has_cipher = script.ssh2 || !(flags & 128);
     while (input->left > 0 && script.pieces.size() < kMostPieces)
         script.pieces.push_back(TakePiece(input));
     return script;
@@ -448,6 +471,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const Fault fault = TakeFault(data);
     const std::vector<size_t> cuts = {data[6] + size_t{1}, data[7] + size_t{1}};
     const Outcome whole = Converse(script, {}, SIZE_MAX, {});
+    if (IsRefused(script)) return CheckRefused(script, whole), 0;
     CheckWhole(script, whole);
     if (fault.kind == FaultKind::kNone) {
         Require(Converse(script, {}, SIZE_MAX, cuts) == whole, "the cuts do not matter");

@@ -60,6 +60,7 @@ static void GoOn(ScriptedHost& host, const Piece& piece) {
 
 void TalkSsh1(const Script& script) {
     ScriptedHost host;
+    if (!script.has_cipher) host.ciphers = 0;
     Carry("SSH-1.5-scripted\n");
     Flush();
     if (!ExchangeKeys(host)) return;

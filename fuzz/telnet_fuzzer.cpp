@@ -3,9 +3,13 @@
 // state after each one, in chunks of the buffer's size, and cut as the first bytes of the input
 // say. All runs must show and send the same. In the first byte, bit 0 turns on the trace and bit 1
 // starts in a subnegotiation that the last connection left incomplete. With bit 2 there is one more
-// run, with the automatic login: each response is sent at most once, and nothing else changes.
+// run, with the automatic login: each response is sent at most once, and nothing else changes. A
+// second implementation of the protocol says what is sent, and without the trace what is shown.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
+#include <map>
 #include <string>
 
 #include "connection/connection.h"
@@ -173,11 +177,102 @@ static void RequireSame(const Outcome& a, const Outcome& b, bool traced) {
     Require(a.localecho == b.localecho, "the same echo");
 }
 
+// ---------------------------------------------------------------- a second implementation
+
+namespace {
+
+struct Model {
+    bool traced, in_subnegotiation;
+    bool iac = false;
+    uint8_t command = 0;  // the last one; a later IAC and option repeat it
+    std::map<uint8_t, bool> mine = {{1, true}}, his = {};
+    uint8_t first = 0, second = 0;  // bytes of the last subnegotiation
+    size_t count = 0;
+    DWORD echo = 0;
+    std::string wire = {}, shown = {};
+};
+
+}  // namespace
+
+static void Answer(Model* m, uint8_t command, uint8_t option) {
+    m->wire += {'\xFF', static_cast<char>(command), static_cast<char>(option)};
+}
+
+static void AnswerChange(Model* m, bool* value, bool on, uint8_t command, uint8_t option) {
+    const bool known = option < kTelnetOptions;
+    if (known && *value == on) return;
+    if (known) *value = on;
+    Answer(m, command, option);
+}
+
+static bool IsOneOf(uint8_t option, std::initializer_list<uint8_t> options) {
+    return std::find(options.begin(), options.end(), option) != options.end();
+}
+
+static void TakeOption(Model* m, uint8_t option) {
+    enum { kSb = 250, kWill, kWont, kDo, kDont };
+    const bool echo = option == 1;
+    if (echo && m->command >= kWill) m->echo = m->command == kWont || m->command == kDo;
+    if (m->command == kSb) {
+        m->in_subnegotiation = true;
+        m->first = option;
+        m->count = 1;
+    } else if (m->command == kWill) {
+        if (echo) m->mine[1] = false;
+        if (!IsOneOf(option, {0, 1, 3, 24})) return Answer(m, kDont, option);
+        AnswerChange(m, &m->his[option], true, kDo, option);
+    } else if (m->command == kWont) {
+        AnswerChange(m, &m->his[option], false, kDont, option);
+    } else if (m->command == kDo) {
+        if (echo) m->his[1] = false;
+        if (!IsOneOf(option, {1, 3, 24})) return Answer(m, kWont, option);
+        AnswerChange(m, &m->mine[option], true, kWill, option);
+    } else if (m->command == kDont) {
+        AnswerChange(m, &m->mine[option], false, kWont, option);
+    }
+}
+
+static void TakeOfSubnegotiation(Model* m, uint8_t byte) {
+    if (byte != 240) {
+        if (m->count == 0) m->first = byte;
+        if (m->count == 1) m->second = byte;
+        ++m->count;
+        return;
+    }
+    m->in_subnegotiation = false;
+    if (m->first == 24 && m->second == 1) m->wire += std::string("\xFF\xFA\x18\0vt220\xFF\xF0", 11);
+}
+
+static void TakeModelByte(Model* m, uint8_t byte) {
+    if (m->in_subnegotiation) return TakeOfSubnegotiation(m, byte);
+    if (byte == 255) {
+        m->iac = true;
+    } else if (!m->iac) {
+        m->shown += static_cast<char>(byte);
+    } else if (byte >= 250) {
+        m->command = byte;
+    } else if (byte == 242) {
+        m->iac = !m->traced;
+    } else {
+        m->iac = false;
+        TakeOption(m, byte);
+    }
+}
+
+static void CheckModel(const std::string& bytes, uint8_t flags, const Outcome& outcome) {
+    Model model = {(flags & 1) != 0, (flags & 2) != 0};
+    for (const char c : bytes) TakeModelByte(&model, static_cast<uint8_t>(c));
+    Require(outcome.wire == model.wire, "the answers of the protocol");
+    Require((flags & 1) || outcome.display == model.shown, "the data without the commands");
+    Require(outcome.localecho == model.echo, "the echo of the last request");
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < kHeadBytes) return 0;
     const std::string bytes(reinterpret_cast<const char*>(data) + kHeadBytes, size - kHeadBytes);
     const uint8_t flags = data[0];
     const Outcome expected = RunByteByByte(bytes, flags);
+    CheckModel(bytes, flags, expected);
     RequireSame(expected, RunCut(bytes, flags, nullptr, 0), flags & 1);
     RequireSame(expected, RunCut(bytes, flags, data + 1, kHeadBytes - 1), flags & 1);
     if (flags & 4) RunLogin(bytes, flags, data + 1, expected);

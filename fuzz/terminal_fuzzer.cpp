@@ -2,8 +2,10 @@
 // Any bytes into the terminal, three times: byte by byte with a check of all bounds after each one,
 // as one chunk, and cut as the first four bytes of the input say. All runs must end in the same
 // state and send the same replies.
+#include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "terminal/screen_buffer.h"
 #include "tests/terminal/terminal_state.h"
@@ -34,9 +36,24 @@ static void FeedCut(const std::string& bytes, const uint8_t* cuts, std::string* 
     }
 }
 
+using Row = std::array<DWORD, kScreenColumns>;
+
+static Row PaintRow(int row) {
+    Row cells;
+    memcpy(cells.data(), GetPaintRow(row) + 1, sizeof(cells));
+    return cells;
+}
+
+// A selection of the whole screen reverses its rows and changes nothing else.
 static void ReadEveryRow() {
+    static Row rows[kRingLines + 1];
+    SetSelection(0, 0, 0, 0);
+    for (int row = 1; row <= kRingLines; ++row) rows[row] = PaintRow(row);
+    for (int row = 1; row <= kScreenRows; ++row)
+        for (DWORD& cell : rows[row]) cell |= kCellReverse;
     SetSelection(1, 1, kScreenColumns, kScreenRows);
-    for (int row = 1; row <= kRingLines; ++row) GetPaintRow(row);
+    for (int row = 1; row <= kRingLines; ++row)
+        Require(PaintRow(row) == rows[row] ? "" : "a row", "painted as it is selected");
     AnyBlinking();
     MarkBlinkingRows();
 }

@@ -15,8 +15,11 @@
 #include <QPushButton>
 #include <QTabBar>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "connection/connection.h"
+#include "fuzz/window_outside.h"
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
@@ -25,16 +28,20 @@
 #include "protocol/telnet/telnet.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
+#include "settings/key_map.h"
+#include "settings/settings.h"
+#include "settings/toolbars.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
+#include "tests/settings/settings_rows.h"
 
-static unsigned TakeByte(EventInput* input) {
+unsigned TakeByte(EventInput* input) {
     if (input->left == 0) return 0;
     --input->left;
     return *input->at++;
 }
 
-static std::string TakeText(EventInput* input) {
+std::string TakeText(EventInput* input) {
     const size_t count = std::min<size_t>(TakeByte(input), input->left);
     const std::string text(reinterpret_cast<const char*>(input->at), count);
     input->at += count;
@@ -57,15 +64,18 @@ void BeginFakeSession() {
     PostMessageW(session.main_window, WM_SOCKET_CONNECTED, 0, 0);
 }
 
-static void HostBytes(EventInput* input) {
-    const std::string bytes = TakeText(input);
-    if (bytes.empty() || session.socket != kHostSocket || session.receive_ready != 1) return;
+void HostSays(const std::string& bytes) {
+    if (bytes.empty() || bytes.size() > kReceiveSize || session.socket != kHostSocket ||
+        session.receive_ready != 1)
+        return;
     std::memset(session.receive_buffer, '#', kReceiveSize);
     bytes.copy(session.receive_buffer, kReceiveSize);
     session.receive_count = static_cast<int>(bytes.size());
     session.receive_ready = 0;
     PostMessageW(session.main_window, WM_SOCKET_DATA, 0, 0);
 }
+
+static void HostBytes(EventInput* input) { HostSays(TakeText(input)); }
 
 static void HostCloses(EventInput*) {
     if (session.socket != kHostSocket) return;
@@ -79,7 +89,7 @@ static void HostComes(EventInput*) {
 
 // ---------------------------------------------------------------- keys
 
-static QWidget* Top() {
+QWidget* TopWidget() {
     if (QWidget* popup = QApplication::activePopupWidget()) return popup;
     QWidget* modal = QApplication::activeModalWidget();
     return modal ? modal : DeviceScreen();
@@ -89,7 +99,7 @@ static void SendKey(QEvent::Type type, int key, Qt::KeyboardModifiers modifiers,
                     const QString& text) {
     QWidget* target = QApplication::activePopupWidget();
     if (!target) target = QApplication::focusWidget();
-    if (!target) target = Top();
+    if (!target) target = TopWidget();
     QKeyEvent event(type, key, modifiers, text);
     QApplication::sendEvent(target, &event);
 }
@@ -143,8 +153,7 @@ static void SendMouse(QWidget* target, QEvent::Type type, QPoint place, bool dow
     QApplication::sendEvent(target, &event);
 }
 
-// A place a little beyond the window's edges, too.
-static QPoint TakePlace(EventInput* input, const QWidget& window) {
+QPoint TakePlace(EventInput* input, const QWidget& window) {
     const auto along = [&](int size) {
         return static_cast<int>(TakeByte(input)) * (size + 40) / 255 - 20;
     };
@@ -166,7 +175,7 @@ static void TapOn(QWidget* target, QPoint place) {
 
 static void Stylus(EventInput* input) {
     enum { kDown, kMove, kUp, kTap, kDoubleTap, kWays };
-    QWidget* top = Top();
+    QWidget* top = TopWidget();
     const unsigned way = TakeByte(input) % kWays;
     const QPoint place = TakePlace(input, *top);
     QWidget* target = WidgetAt(top, place);
@@ -189,7 +198,7 @@ static void Stylus(EventInput* input) {
 // What a person finds in a dialog.
 static void TapControl(EventInput* input) {
     QList<QWidget*> controls;
-    for (QWidget* widget : Top()->findChildren<QWidget*>()) {
+    for (QWidget* widget : TopWidget()->findChildren<QWidget*>()) {
         const bool control = qobject_cast<QAbstractButton*>(widget) ||
                              qobject_cast<QLineEdit*>(widget) || qobject_cast<QComboBox*>(widget) ||
                              qobject_cast<QTabBar*>(widget) || qobject_cast<QListWidget*>(widget);
@@ -252,15 +261,15 @@ static void Clipboard(EventInput* input) {
 }
 
 static void Activation(EventInput* input) {
-    if (TakeByte(input) & 1) return Top()->activateWindow();
+    if (TakeByte(input) & 1) return TopWidget()->activateWindow();
     if (QWidget* focus = QApplication::focusWidget()) focus->clearFocus();
     QEvent event(QEvent::WindowDeactivate);
-    QApplication::sendEvent(Top(), &event);
+    QApplication::sendEvent(TopWidget(), &event);
 }
 
 static void Panel(EventInput*) { ShowInputPanel(!InputPanelShown()); }
 
-static void CloseWindow(EventInput*) { Top()->close(); }
+static void CloseWindow(EventInput*) { TopWidget()->close(); }
 
 // As the dialogs set them.
 static void Switch(EventInput* input) {
@@ -272,6 +281,38 @@ static void Switch(EventInput* input) {
     *field = which & 128 ? 1 : 0;
 }
 
+// ---------------------------------------------------------------- what must hold
+
+static bool g_compare = false;
+
+static void Compare(EventInput*) { g_compare = true; }
+
+bool TakeWishToCompare() { return std::exchange(g_compare, false); }
+
+static std::vector<std::u16string> WhatIsSaved() {
+    std::vector<std::u16string> all;
+    for (const NumberSetting& row : number_settings)
+        all.push_back({static_cast<char16_t>(*row.field), static_cast<char16_t>(*row.field >> 16)});
+    for (const TextSetting& row : text_settings) all.emplace_back(row.field);
+    for (const ToolbarButton* button = toolbar_buttons; button->name; ++button)
+        for (const DWORD bar : {button->onBar1, button->onBar2, button->onBar3})
+            all.push_back({static_cast<char16_t>(bar)});
+    for (const KeyMapEntry* key = key_map; key->name; ++key) {
+        const std::string text = key->text ? key->text : "";
+        all.emplace_back(text.begin(), text.end());
+    }
+    return all;
+}
+
+// As if the program ended and began.
+static void SaveAndLoad(EventInput*) {
+    const std::vector<std::u16string> before = WhatIsSaved();
+    SaveSettings();
+    std::memset(static_cast<void*>(&session.settings), 0xA5, sizeof(session.settings));
+    LoadSettings();
+    Require(WhatIsSaved() == before, "what the dialogs set is saved and loaded");
+}
+
 // ---------------------------------------------------------------- the table
 
 // The host's bytes have more than one row: they are what happens most.
@@ -280,10 +321,20 @@ static void (*const kEvents[])(EventInput*) = {
     TapControl, TapPanel,  Command,    Command,        Tick,     Scroll,     Resize, Clipboard,
     Activation, Panel,     HostCloses, HostComes,      Switch,   CloseWindow};
 
+// The last numbers of events.
+static void (*const kFromOutside[])(EventInput*) = {
+    SshSession,  SshPacket,    SshPacket,   SshPacket,    SshPacket, SshPacket,
+    DialState,   NetworkState, SecondStart, ScreenReader, Finger,    Finger,
+    InputMethod, Desktop,      SaveAndLoad, Compare,      Compare,   Compare};
+static const unsigned kFirstFromOutside = 128 - std::size(kFromOutside);
+
 bool DoEvent(EventInput* input) {
-    const unsigned kind = TakeByte(input);
-    kEvents[(kind & 127) % std::size(kEvents)](input);
-    return kind & 128;
+    const unsigned kind = TakeByte(input), number = kind & 127;
+    if (number >= kFirstFromOutside)
+        kFromOutside[number - kFirstFromOutside](input);
+    else
+        kEvents[number % std::size(kEvents)](input);
+    return kind & 128 && !g_compare;
 }
 
 // ---------------------------------------------------------------- the end

@@ -6,6 +6,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <QPoint>
+#include <QWidget>
+#include <string>
 
 #include "windows_ce.h"
 
@@ -17,12 +20,20 @@ struct EventInput {
     size_t left = 0;
 };
 
+unsigned TakeByte(EventInput* input);
+std::string TakeText(EventInput* input);
+QPoint TakePlace(EventInput* input, const QWidget& window);  // a little beyond its edges, too
+
 // Does the next event. Returns true if the next one is to come before the program has done all that
 // this one causes.
 bool DoEvent(EventInput* input);
-void ForgetStylus();  // nothing is pressed
+void ForgetStylus();       // nothing is pressed
+bool TakeWishToCompare();  // true once after an event that asks to compare the picture
 
-void BeginFakeSession();  // as a connection that came up
+void BeginFakeSession();                  // as a connection that came up
+void HostSays(const std::string& bytes);  // nothing, if the program cannot read now
+
+QWidget* TopWidget();  // the popup, the dialog or the screen that a person reaches
 
 // One step towards a screen without boxes, dialogs and menus; false if there are none.
 bool CloseTopMost();

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 // The running program on the slice: a host, a person and the desktop do what the input says
-// (window_events.h). The first byte of the input says whether there is a session (bit 0) and sets
-// the device's size (bits 1 and 2). The program starts once for many inputs and again if it has
-// ended. Its network is a double, its clock stands still, and each event comes when the program
-// waits for messages.
+// (window_events.h, window_outside.h). The first byte of the input says whether there is a session
+// (bit 0) and sets the device's size (bits 1 and 2). The program starts once for many inputs and
+// again if it has ended. Its network is a double, its clock stands still, and each event comes when
+// the program waits for messages.
 //
 // At the end of an input, all dialogs are left by Cancel. What must hold then:
 // - no dialog or box stays open,
-// - the terminal is within its bounds,
-// - the terminal's window has the picture that painting everything anew gives,
-// - put back to the state after the start, the program has the windows, the terminal and the
-// picture
-//   that it had then.
+// - the terminal is within its bounds, as it is after each event,
+// - the terminal's window has the picture that painting everything anew gives; an event can ask for
+//   this at any time,
+// - put back to the state after the start, the program has the windows and the picture that it had
+//   then.
 #include <pthread.h>
 #include <signal.h>
 #include <unistd.h>
@@ -21,6 +21,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <mutex>
 #include <new>
 #include <QAbstractEventDispatcher>
@@ -28,11 +29,14 @@
 #include <QBackingStore>
 #include <QClipboard>
 #include <thread>
+#include <vector>
 
-#include "fuzz/window_events.h"
+#include "fuzz/window_balance.h"
+#include "fuzz/window_outside.h"
 #include "platform/qt/host/host.h"
 #include "platform/qt/services/services.h"
 #include "platform/qt/shell/shell.h"
+#include "platform/qt/terminal_source.h"
 #include "platform/qt/window/device_screen.h"
 #include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
@@ -55,8 +59,7 @@ static const int kMostSteps = 400;  // to leave all dialogs, and to come to rest
 
 static std::string root;
 
-static void Require(bool holds, const std::string& what) {
-    if (holds) return;
+void Break(const std::string& what) {
     fprintf(stderr, "broken: %s\n", what.c_str());
     abort();
 }
@@ -87,11 +90,17 @@ UINT_PTR NoTimer(HWND window, UINT_PTR id, UINT milliseconds,
                  TIMERPROC) __asm__("__wrap__Z8SetTimerP11SliceWindowmjPFvS0_jmjE");
 UINT_PTR NoTimer(HWND, UINT_PTR id, UINT, TIMERPROC) { return id; }
 
-BOOL NoHelp(LPCWSTR, LPWSTR, LPVOID, LPVOID, BOOL, DWORD, LPVOID, LPCWSTR, LPVOID, PROCESS_INFORMATION*) __asm__(
-    "__wrap__Z14CreateProcessWPKDsPDsPvS2_ijS2_S0_S2_P19PROCESS_INFORMATION");
-BOOL NoHelp(LPCWSTR, LPWSTR, LPVOID, LPVOID, BOOL, DWORD, LPVOID, LPCWSTR, LPVOID,
-            PROCESS_INFORMATION*) {
-    return TRUE;
+DWORD FakeDial(LPVOID, LPCWSTR, RASDIALPARAMSW*, DWORD, LPVOID,
+               HRASCONN*) __asm__("__wrap__Z7RasDialPvPKDsP14RASDIALPARAMSWjS_PP11SliceDialUp");
+DWORD FakeDial(LPVOID, LPCWSTR, RASDIALPARAMSW*, DWORD, LPVOID, HRASCONN* connection) {
+    if (NextDialError() == 0) *connection = reinterpret_cast<HRASCONN>(kHostSocket);
+    return NextDialError();
+}
+
+DWORD FakeHangUp(HRASCONN) __asm__("__wrap__Z9RasHangUpP11SliceDialUp");
+DWORD FakeHangUp(HRASCONN) {
+    PostMessageW(session.main_window, WM_RASDIALEVENT, RASCS_Disconnected, 0);
+    return 0;
 }
 
 // The queue polls for a moment before it sleeps. On a busy machine each yield would take long.
@@ -99,12 +108,13 @@ int NoYield() __asm__("__wrap_sched_yield");
 int NoYield() { return 0; }
 
 static int NetworkError(NetworkCall call) {
-    const int kRefused = 10061, kNoHost = 11001;
-    if (call == NetworkCall::kConnect) return kRefused;
+    const int kNoHost = 11001;
+    if (call == NetworkCall::kConnect) return NextConnectError();
     return call == NetworkCall::kHostLookup ? kNoHost : 0;
 }
 
-static DialUpHost NoDialUp() { return {"/nonexistent", "/bin/false", 0}; }
+static std::string peers;  // the folder of the modem's entries
+static DialUpHost DialUp() { return {peers.c_str(), "/bin/false", 0}; }
 
 // ---------------------------------------------------------------- the state after the start
 
@@ -115,17 +125,27 @@ struct Start {
     QImage picture;
     size_t windows;
     qsizetype widgets;
+    qsizetype tops;
+    Balance balance;
 };
 static Start start;
 
-// What the screen shows, without painting it.
-static QImage Shown() {
+// What the screen shows, without painting it. Not copied: each picture of that size would be a new
+// mapping of memory.
+static const QImage& Shown() {
     QBackingStore* store = ReadyStore(DeviceScreen());
     Require(store && store->paintDevice()->devType() == QInternal::Image, "the screen has a store");
-    return static_cast<QImage*>(store->paintDevice())->copy();
+    const auto& image = *static_cast<const QImage*>(store->paintDevice());
+    Require(image.depth() == 32, "its pixels have 32 bits");
+    return image;
 }
 
 static qsizetype WidgetsKept() { return DeviceScreen()->findChildren<QWidget*>().size(); }
+
+// The input panel stays a window of its own after a dialog that had it.
+static qsizetype TopsKept() {
+    return QApplication::topLevelWidgets().size() - ShellInputPanel()->isWindow();
+}
 
 static void NoteTables() {
     start.settings = session.settings;
@@ -138,9 +158,11 @@ static void NoteTables() {
 }
 
 static void NoteShown() {
-    start.picture = Shown();
+    start.picture = Shown().copy();
     start.windows = AllWindows().size();
     start.widgets = WidgetsKept();
+    start.tops = TopsKept();
+    start.balance = balance;
 }
 
 static void RestoreTables() {
@@ -162,6 +184,7 @@ static void RestoreSession() {
     session.connected = 0;
     session.connect_pending = session.closing = session.dial_request = session.dialling = 0;
     session.last_dial_state = -1;
+    session.ras_connection = nullptr;
     session.key_taken = 0;
     session.toolbar = 1;
     session.save_settings = 1;
@@ -176,6 +199,7 @@ static void RestoreSession() {
 static void RestoreWindows() {
     QApplication::clipboard()->clear();
     ForgetStylus();
+    EndOutside();
     for (size_t key = 0; key < 256; ++key) SetKeyDown(key, false);
     ShowInputPanel(false);
     DeviceScreen()->resize(kDeviceWidth, kDeviceHeight);
@@ -211,31 +235,52 @@ static QRect Glass() {
     return area.translated(client->widget->mapTo(DeviceScreen(), QPoint(0, 0)));
 }
 
+// Row by row, into memory that stays.
+static void CopyPixels(const QRect& part, std::vector<QRgb>* pixels) {
+    const QImage& image = Shown();
+    const auto width = static_cast<size_t>(part.width());
+    pixels->resize(width * static_cast<size_t>(part.height()));
+    for (int row = 0; row < part.height(); ++row) {
+        const uchar* line = image.constScanLine(part.top() + row);
+        memcpy(pixels->data() + width * static_cast<size_t>(row),
+               reinterpret_cast<const QRgb*>(line) + part.left(), width * sizeof(QRgb));
+    }
+}
+
+static QImage PictureOf(const std::vector<QRgb>& pixels, QSize size) {
+    const auto* bytes = reinterpret_cast<const uchar*>(pixels.data());
+    return QImage(bytes, size.width(), size.height(), QImage::Format_RGB32).copy();
+}
+
+static void Keep(const char* name, const QImage& picture) {
+    if (const char* folder = getenv("QUILL_FUZZ_PICTURES"))
+        picture.save(QString(folder) + "/" + name);
+}
 // Painted at once, so that nothing comes between the two pictures.
 static void CheckPicture() {
-    if (!DeviceScreen()->isVisible()) return;
-    const QImage shown = Shown().copy(Glass());
+    if (!DeviceScreen()->isVisible() || DeviceScreen()->isMinimized()) return;
+    static std::vector<QRgb> shown, whole;
+    const QRect part = Glass() & Shown().rect();
+    CopyPixels(part, &shown);
     RepaintTerminal();
     UpdateWindow(session.client_window);
-    const QImage whole = Shown().copy(Glass());
+    CopyPixels(part, &whole);
     if (shown == whole) return;
-    if (const char* folder = getenv("QUILL_FUZZ_PICTURES")) {
-        shown.save(QString(folder) + "/shown.png");
-        whole.save(QString(folder) + "/whole.png");
-    }
-    Require(false, "the window shows what painting it anew gives");
+    Keep("shown.png", PictureOf(shown, part.size()));
+    Keep("whole.png", PictureOf(whole, part.size()));
+    Break("the window shows what painting it anew gives");
 }
 
 static void CheckStart() {
     Require(AllWindows().size() == start.windows, "no window is left");
     Require(WidgetsKept() == start.widgets, "no widget is left: " + std::to_string(WidgetsKept()) +
                                                 " instead of " + std::to_string(start.widgets));
-    const QImage shown = Shown();
-    if (shown != start.picture && getenv("QUILL_FUZZ_PICTURES")) {
-        shown.save(QString(getenv("QUILL_FUZZ_PICTURES")) + "/shown.png");
-        start.picture.save(QString(getenv("QUILL_FUZZ_PICTURES")) + "/whole.png");
-    }
-    Require(shown == start.picture, "put back, the program shows what it showed at its start");
+    Require(TopsKept() == start.tops, "no window of the toolkit is left");
+    Require(balance == start.balance, "all that the device gave is given back");
+    if (Shown() == start.picture) return;
+    Keep("shown.png", Shown());
+    Keep("whole.png", start.picture);
+    Break("put back, the program shows what it showed at its start");
 }
 
 // ---------------------------------------------------------------- from step to step
@@ -271,6 +316,7 @@ static void BeginInput() {
         {kDeviceWidth, kDeviceHeight}, {240, 320}, {320, 240}, {640, 480}};
     stage = Stage::kEvents;
     steps = 0;
+    BeginOutside();
     const unsigned flags = events.left > 0 ? *events.at : 0;
     if (events.left > 0) ++events.at, --events.left;
     DeviceScreen()->resize(kSizes[flags >> 1 & 3]);
@@ -286,6 +332,7 @@ static bool Painting() {
 
 static void Leave() {
     Require(++steps < kMostSteps, "dialogs can be left");
+    if (steps == 1) return LeaveOutside();
     if (CloseTopMost()) return;
     CheckTerminal();
     CheckPicture();
@@ -308,9 +355,11 @@ static void Step() {
             NoteShown();
             return BeginInput();
         case Stage::kEvents:
+            CheckTerminal();
+            if (TakeWishToCompare()) CheckPicture();
             while (events.left > 0 && DoEvent(&events)) {
             }
-            if (events.left == 0) stage = Stage::kLeaving;
+            if (events.left == 0) stage = Stage::kLeaving, steps = 0;
             return;
         case Stage::kLeaving:
             return Leave();
@@ -343,8 +392,16 @@ static void EmptyRoot() {
         std::filesystem::remove_all(entry.path());
 }
 
+static void MakePeers() {
+    peers = root + "/peers";
+    std::filesystem::create_directory(peers);
+    for (const char* name : {"/office", "/provider", "/provider.bak"})
+        std::ofstream(peers + name) << "connect\n";
+}
+
 static void RunProgramOnce() {
     EmptyRoot();
+    MakePeers();
     session.~SessionState();
     std::memset(static_cast<void*>(&session), 0, sizeof(session));
     new (&session) SessionState();
@@ -399,10 +456,13 @@ int main(int argc, char** argv) {
     setenv("QT_NO_GLIB", "1", 0);
     HoldAlarms(SIG_BLOCK);
     int own_count = 1;
+    // What its platform for tests cannot do, the toolkit says each time.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     QApplication application(own_count, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setCursorFlashTime(0);
-    services_observer = {NetworkError, [] { return int64_t{5}; }, NoDialUp};
+    ServeTerminalText();
+    services_observer = {NetworkError, [] { return int64_t{5}; }, DialUp};
     window_observer.idle = OnIdle;
     MakeRoot();
     std::thread driver([&] {
