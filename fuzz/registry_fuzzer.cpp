@@ -222,13 +222,18 @@ static void CheckReset() {
     Require(LoadAnew() == defaults, "a reset leaves the defaults");
 }
 
-// A file that is set aside at once is kept as it came.
+// A file that is not used is kept as it came. The second name keeps the file's number from another.
 static void CheckSetAside(const std::string& given, bool with_log) {
+    const std::string second_name = file_path + ".given";
+    std::filesystem::create_hard_link(file_path, second_name);
     HKEY key;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kSettingsKeyName, 0, KEY_QUERY_VALUE, &key) ==
         ERROR_SUCCESS)
         RegCloseKey(key);
-    if (!with_log && std::filesystem::exists(file_path + ".damaged"))
+    std::error_code none;
+    const bool used = std::filesystem::equivalent(file_path, second_name, none);
+    std::filesystem::remove(second_name);
+    if (!with_log && !used)
         Require(ReadAll(file_path + ".damaged") == given, "a damaged file is kept");
 }
 
