@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Which row a virtual key selects: every code with every modifier, compared with separate rules.
+#include <cstdlib>
+#include <utility>
+
 #include "settings/key_map.h"
 #include "tests/settings/device.h"
 #include "tests/settings/window_doubles.h"
@@ -159,6 +162,12 @@ TEST_F(DefaultKeys, BackspaceWithAnyOtherTextInItsRowIsTaken) {
     EXPECT_FALSE(TableTakesKey(VK_BACK));
     SetKeyText(&key_map[37], u"");
     EXPECT_TRUE(TableTakesKey(VK_ESCAPE)) << "an empty row";
+}
+
+TEST_F(DefaultKeys, BackspaceRowWithoutATextIsTakenAndSendsNothing) {
+    free(std::exchange(key_map[39].text, nullptr));
+    EXPECT_TRUE(TableTakesKey(VK_BACK));
+    EXPECT_STREQ("", TranslateVirtualKey(VK_BACK));
 }
 
 TEST_F(DefaultKeys, ShiftF9ToF12SendNothing) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What TerminalWrite does with the host's bytes: selection, replies, following the cursor, status.
 #include "program_double.h"
+#include "session/session_ports.h"
 #include "terminal/interpreter.h"
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
@@ -37,6 +38,13 @@ TEST_F(HostBytes, ASelectionIsDroppedAndTheWholeWindowRepainted) {
     EXPECT_FALSE(session.screen.selection_active);
     EXPECT_TRUE(session.view.full_repaint);
     EXPECT_EQ(Paint()[0], "fill 0,0 640x384 eeeeee");
+}
+
+TEST_F(HostBytes, TheSelectionIsDroppedBeforeTheFirstByte) {
+    session_ports.repaint = [] { program_calls.push_back("Repaint"); };
+    SetSelection(3, 2, 5, 4);
+    Write("\005");
+    EXPECT_EQ(program_calls, (Lines{"Repaint", "SessionSend 0 QUILL"}));
 }
 
 TEST_F(HostBytes, EachReplyIsSentWholeAndAtOnceWithoutEscaping) {
