@@ -232,9 +232,9 @@ static void CheckSetAside(const std::string& given, bool with_log) {
         Require(ReadAll(file_path + ".damaged") == given, "a damaged file is kept");
 }
 
-// The program uses what it has loaded.
+// The program uses what it has loaded. Not in 256 calls: the fuzzer counts them in a byte.
 static void CheckUse() {
-    for (int key = 0; key < 256; ++key) {
+    for (int key = 1; key < 256; ++key) {
         const char* bytes = TranslateVirtualKey(key);
         Require(!bytes || strlen(bytes) <= kLongestKeyText, "the bytes of a key");
         Require(bytes || !TableTakesKey(key), "only a key with a row is the table's");
