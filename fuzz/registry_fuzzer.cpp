@@ -237,12 +237,29 @@ static void CheckSetAside(const std::string& given, bool with_log) {
         Require(ReadAll(file_path + ".damaged") == given, "a damaged file is kept");
 }
 
+// The program uses what it has loaded. Not in 256 calls: the fuzzer counts them in a byte.
+static void CheckUse() {
+    for (int key = 1; key < 256; ++key) {
+        const char* bytes = TranslateVirtualKey(key);
+        Require(!bytes || strlen(bytes) <= kLongestKeyText, "the bytes of a key");
+        Require(bytes || !TableTakesKey(key), "only a key with a row is the table's");
+    }
+    for (int bar = 1; bar <= kToolbars; ++bar) {
+        int buttons = 0, shown = 0;
+        for (int row = 0; row < kToolbarRows; ++row)
+            buttons += OnBar(toolbar_buttons[row], bar) != 0;
+        while (ToolbarAction(shown, bar) != 0) ++shown;
+        Require(shown == buttons, "a bar's buttons have actions");
+    }
+}
+
 static Loaded CheckRegistry(const std::string& file, const std::string& log) {
     EmptyRoot();
     WriteAll(file_path, file);
     if (!log.empty()) WriteAll(log_path, log);
     CheckSetAside(file, !log.empty());
     const Loaded loaded = Load();
+    CheckUse();
     SaveSettings();
     Require(Load() == loaded, "what is saved is loaded");
     Require(LoadAnew() == loaded, "what is saved stays");

@@ -52,6 +52,7 @@ std::string TakeText(EventInput* input) {
 // ---------------------------------------------------------------- the host
 
 void BeginFakeSession() {
+    ArmAutoLogin();
     session.closing = 0;
     TerminalStart();
     TelnetReset();
