@@ -113,6 +113,35 @@ TEST(InputPanel, CoveredRowsAreCountedWithoutAStatusBar) {
     });
 }
 
+TEST(InputPanel, CoveredRowsAreCountedAgainForALargerFont) {
+    FakeHost host;
+    OnSmallDevice(host, [] {
+        TapPanelButton();
+        ASSERT_TRUE(Eventually([] { return session.view.covered_rows > 0; }));
+        int before = 0;
+        OnWindowThread([&] { before = session.view.covered_rows; });
+        for (int i = 0; i < 8; i++) PostToMain(WM_COMMAND, 40009);
+        EXPECT_TRUE(Eventually([&] {
+            return session.view.covered_rows < before &&
+                   session.view.covered_rows == RowsExpected(true);
+        }));
+    });
+}
+
+TEST(InputPanel, ItsButtonIsDownWhileItIsShown) {
+    RunProgram(SmallDevice(), [] {
+        for (const DWORD shown : {DWORD{SIPF_ON}, DWORD{0}, DWORD{SIPF_ON}}) {
+            OnWindowThread([=] {
+                SIPINFO panel = {};
+                panel.cbSize = sizeof(panel);
+                panel.fdwFlags = shown;
+                SHSipInfo(SPI_SETSIPINFO, 0, &panel, 0);
+                EXPECT_EQ(ShellMenuStrip()->panel_button()->isChecked(), shown != 0);
+            });
+        }
+    });
+}
+
 bool CursorAboveThePanel() {
     UpdateWindow(session.client_window);
     const int row = session.screen.cursor_row - session.view.view_top;
