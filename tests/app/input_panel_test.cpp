@@ -329,6 +329,22 @@ TEST(InputPanel, EveryKeyReachesTheHostAsOnAKeyboard) {
     });
 }
 
+TEST(InputPanel, ALatchDoesNotCountForAButtonOfTheBar) {
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        TapPanelButton();
+        for (const char* latch : {"Shift", "Ctl"}) {
+            Tap(latch), Tap("Enter");
+            EXPECT_EQ(host.Read(1), "\r");
+            OnWindowThread([] {
+                for (QToolButton* button : DeviceScreen()->findChildren<QToolButton*>())
+                    if (button->accessibleName() == "P1") QTest::mouseClick(button, Qt::LeftButton);
+            });
+            EXPECT_EQ(host.Read(2), "\217P") << latch;
+        }
+    });
+}
+
 TEST(InputPanel, LatchesHoldForOneKey) {
     FakeHost host;
     OnSmallDevice(host, [&] {
