@@ -113,6 +113,35 @@ TEST(InputPanel, CoveredRowsAreCountedWithoutAStatusBar) {
     });
 }
 
+TEST(InputPanel, CoveredRowsAreCountedAgainForALargerFont) {
+    FakeHost host;
+    OnSmallDevice(host, [] {
+        TapPanelButton();
+        ASSERT_TRUE(Eventually([] { return session.view.covered_rows > 0; }));
+        int before = 0;
+        OnWindowThread([&] { before = session.view.covered_rows; });
+        for (int i = 0; i < 8; i++) PostToMain(WM_COMMAND, 40009);
+        EXPECT_TRUE(Eventually([&] {
+            return session.view.covered_rows < before &&
+                   session.view.covered_rows == RowsExpected(true);
+        }));
+    });
+}
+
+TEST(InputPanel, ItsButtonIsDownWhileItIsShown) {
+    RunProgram(SmallDevice(), [] {
+        for (const DWORD shown : {DWORD{SIPF_ON}, DWORD{0}, DWORD{SIPF_ON}}) {
+            OnWindowThread([=] {
+                SIPINFO panel = {};
+                panel.cbSize = sizeof(panel);
+                panel.fdwFlags = shown;
+                SHSipInfo(SPI_SETSIPINFO, 0, &panel, 0);
+                EXPECT_EQ(ShellMenuStrip()->panel_button()->isChecked(), shown != 0);
+            });
+        }
+    });
+}
+
 bool CursorAboveThePanel() {
     UpdateWindow(session.client_window);
     const int row = session.screen.cursor_row - session.view.view_top;
@@ -297,6 +326,22 @@ TEST(InputPanel, EveryKeyReachesTheHostAsOnAKeyboard) {
             EXPECT_EQ(host.Read(std::strlen(row.bytes)), row.bytes) << row.label;
         }
         EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
+TEST(InputPanel, ALatchDoesNotCountForAButtonOfTheBar) {
+    FakeHost host;
+    OnSmallDevice(host, [&] {
+        TapPanelButton();
+        for (const char* latch : {"Shift", "Ctl"}) {
+            Tap(latch), Tap("Enter");
+            EXPECT_EQ(host.Read(1), "\r");
+            OnWindowThread([] {
+                for (QToolButton* button : DeviceScreen()->findChildren<QToolButton*>())
+                    if (button->accessibleName() == "P1") QTest::mouseClick(button, Qt::LeftButton);
+            });
+            EXPECT_EQ(host.Read(2), "\217P") << latch;
+        }
     });
 }
 

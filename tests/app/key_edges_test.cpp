@@ -221,4 +221,22 @@ TEST(KeyEdges, StoredSequenceThatIsTooLongIsReplacedByTheDefault) {
     });
 }
 
+TEST(KeyEdges, WithAltTooAnAcceleratorsKeyIsTheHosts) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Strike(Qt::Key_N, kBoth | Qt::AltModifier, "\x0e");
+        EXPECT_EQ(host.Read(1), "\x0e");
+        OnWindowThread([] { EXPECT_EQ(session.connected, 1u); });
+    });
+}
+
+// As a compose key does that types more than one letter.
+TEST(KeyEdges, CharactersOfOneKeyKeepTheirOrder) {
+    FakeHost host;
+    WithSession(host, [&] {
+        Strike(Qt::Key_unknown, Qt::NoModifier, "abc");
+        EXPECT_EQ(host.Read(3), "abc");
+    });
+}
+
 }  // namespace

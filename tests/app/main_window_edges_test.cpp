@@ -90,6 +90,29 @@ TEST(MainWindowEdges, KeysGoToTheHostAfterATapOnTheTerminal) {
     });
 }
 
+TEST(MainWindowEdges, KeysGoToTheHostWhereTheDesktopFocusesTheWholeDevice) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] {
+            DeviceScreen()->setFocus();
+            EXPECT_EQ(QApplication::focusWidget(), FindWindowRecord(session.main_window)->widget);
+        });
+        TypeText("x");
+        EXPECT_EQ(host.Read(1), "x");
+    });
+}
+
+TEST(MainWindowEdges, CommandBarIsAlwaysAsWideAsTheWindow) {
+    RunProgram({}, [] {
+        for (const int width : {800, 300, 640}) {
+            ResizeDevice(width, 480);
+            EXPECT_TRUE(Eventually([=] {
+                return FindWindowRecord(session.command_bar)->widget->width() == width;
+            })) << width;
+        }
+    });
+}
+
 TEST(MainWindowEdges, KeysGoToTheHostAfterAScrollBarWasUsed) {
     FakeHost host;
     OnDevice(240, 200, [&] {

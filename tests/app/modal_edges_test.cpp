@@ -255,6 +255,28 @@ TEST(ModalEdges, ABoxOverTwoDialogsBelongsToTheLast) {
     });
 }
 
+// The dialog gets the releases of the keys that have opened it.
+TEST(ModalEdges, KeysThatOpenedABoxAreNotHeldAfterIt) {
+    FakeHost host;
+    WithSession(host, [&] {
+        OnWindowThread([] {
+            session.settings.confirm_exit = 1;
+            const auto both = Qt::ControlModifier | Qt::ShiftModifier;
+            QTest::keyPress(QApplication::focusWidget(), Qt::Key_Control);
+            QTest::keyPress(QApplication::focusWidget(), Qt::Key_Shift, Qt::ControlModifier);
+            QTest::keyPress(QApplication::focusWidget(), Qt::Key_N, both);
+        });
+        ASSERT_EQ(AwaitBox(), kMayClose);
+        PressCancel();
+        OnWindowThread([] {
+            const QToolButton* button = ButtonNamed("P1");
+            const QPoint at = button->mapTo(DeviceScreen(), button->rect().center());
+            QTest::mouseClick(DeviceScreen()->windowHandle(), Qt::LeftButton, {}, at);
+        });
+        EXPECT_EQ(host.Read(2), "\217P");
+    });
+}
+
 // ---------------------------------------------------------------- the program's end
 
 // What AskSignOn returns when this happens while its dialog is open.

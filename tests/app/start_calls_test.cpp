@@ -163,4 +163,15 @@ TEST(StartCalls, EndClosesTheSessionFreesTheEventsAndStopsTheSocketLibrary) {
     }
 }
 
+TEST(StartCalls, EndForgetsTheSecretsOfTheSession) {
+    RunProgram({}, [] {
+        OnWindowThread([] {
+            session.ssh2.sendSeq = 7;
+            std::memset(session.ssh.recvBuf, 'k', sizeof(session.ssh.recvBuf));
+        });
+    });
+    EXPECT_EQ(session.ssh2.sendSeq, 0u);
+    for (const auto byte : session.ssh.recvBuf) ASSERT_EQ(byte, 0);
+}
+
 }  // namespace

@@ -446,4 +446,14 @@ TEST(Finger, TheSecondFingerDoesNothing) {
     });
 }
 
+TEST(Finger, AThirdTapIsAFirstOne) {
+    WithText(kMenu, [](FakeHost& host) {
+        TapTwice(3, 6);
+        Touch([](auto& f) { f.press(0, Middle(3, 6), Terminal()); });
+        Touch([](auto& f) { f.release(0, Middle(3, 6), Terminal()); });
+        EXPECT_EQ(host.Read(2), "1\r");
+        EXPECT_EQ(host.ReadSome(50), "");
+    });
+}
+
 }  // namespace

@@ -220,6 +220,29 @@ TEST_F(DialogEdges, OnlyABoxWiderThanTheDeviceIsMadeNarrow) {
     });
 }
 
+TEST(MessageBoxEdges, ABoxThatTheProgramsEndClosesIsNotAnsweredByOk) {
+    QTimer::singleShot(0, [] { PostQuitMessage(3); });
+    EXPECT_EQ(IDCANCEL, MessageBoxW(nullptr, TEXT("text"), TEXT("Quill"), MB_OK));
+    MSG message;
+    EXPECT_FALSE(GetMessageW(&message, nullptr, 0, 0));
+}
+
+TEST_F(DialogEdges, ClosingWithCancelSwitchedOffBeeps) {
+    On(kEverything, [](HWND dialog) {
+        EnableWindow(GetDlgItem(dialog, IDCANCEL), FALSE);
+        const int before = BeepCount();
+        SendMessageW(dialog, WM_CLOSE, 0, 0);
+        EXPECT_EQ(before + 1, BeepCount());
+    });
+}
+
+TEST_F(DialogEdges, ANewCaptionIsTheTitleOnTheDesktop) {
+    On(kEverything, [](HWND dialog) {
+        SetWindowTextW(dialog, TEXT("Renamed"));
+        EXPECT_EQ("Renamed", DialogTitle());
+    });
+}
+
 TEST(MessageBoxEdges, AStormOfBellsSoundsButNotForEach) {
     constexpr int kBells = 100000;
     for (int i = 0; i < kBells; ++i) MessageBeep(0);

@@ -127,6 +127,22 @@ TEST_F(WindowEdges, ATapBesideTheThumbMovesByThePage) {
     EXPECT_EQ(17, WidgetOf(child)->findChild<QScrollBar*>()->pageStep());
 }
 
+TEST_F(WindowEdges, AScrollBarWhoseProgramDoesNothingStaysWhereItIs) {
+    const HWND child = Child(1, WS_VSCROLL);
+    SCROLLINFO info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
+    info.nMax = 99;
+    info.nPage = 17;
+    info.nPos = 20;
+    SetScrollInfo(child, SB_VERT, &info, TRUE);
+    auto* bar = WidgetOf(child)->findChild<QScrollBar*>();
+    for (const auto action : {QAbstractSlider::SliderSingleStepAdd,
+                              QAbstractSlider::SliderPageStepSub, QAbstractSlider::SliderToMaximum})
+        bar->triggerAction(action);
+    EXPECT_EQ(20, bar->value());
+}
+
 TEST_F(WindowEdges, TheRightButtonIsNoStylus) {
     QTest::mousePress(WidgetOf(top), Qt::RightButton);
     QTest::mouseRelease(WidgetOf(top), Qt::RightButton);

@@ -10,6 +10,7 @@
 
 #include "platform/qt/window/accessible.h"
 #include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/messages.h"
 
 struct PanelKeyRow {
     int row;              // from the top
@@ -147,6 +148,7 @@ static void Tap(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
             QKeyEvent event(way, key, modifiers, text);
             if (target) QCoreApplication::sendEvent(target, &event);
         }
+        ReleaseModifiers();  // a latch holds for this key only
     };
     QMetaObject::invokeMethod(g_panel, type, Qt::QueuedConnection);
 }

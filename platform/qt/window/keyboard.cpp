@@ -125,6 +125,8 @@ static void FollowModifiers(Qt::KeyboardModifiers modifiers) {
     if (modifiers & Qt::AltModifier) hold(VK_LMENU, VK_RMENU);
 }
 
+void ReleaseModifiers() { FollowModifiers(Qt::NoModifier); }
+
 static bool AcceleratorFits(const AcceleratorRow& row, const MSG& message) {
     const bool key = row.flags & kAcceleratorKey;
     const bool down = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;

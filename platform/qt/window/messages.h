@@ -36,6 +36,7 @@ bool QuitPosted();
 // keyboard.cpp
 void QueueKeyEvent(HWND window, QKeyEvent* event, bool down);
 void QueueCommittedText(HWND window, const QString& text);
+void ReleaseModifiers();  // their releases do not come here
 
 // ---------------------------------------------------------------- frames
 

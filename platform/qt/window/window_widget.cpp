@@ -3,6 +3,7 @@
 #include "platform/qt/window/window_widget.h"
 
 #include <QBackingStore>
+#include <QFocusEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -113,6 +114,12 @@ void WindowWidget::PaintWindow(const QRegion& reachable) {
 void WindowWidget::keyPressEvent(QKeyEvent* event) { QueueKeyEvent(window_, event, true); }
 
 void WindowWidget::keyReleaseEvent(QKeyEvent* event) { QueueKeyEvent(window_, event, false); }
+
+// From now on, another window of the desktop gets the keys.
+void WindowWidget::focusOutEvent(QFocusEvent* event) {
+    if (event->reason() == Qt::ActiveWindowFocusReason) ReleaseModifiers();
+    QWidget::focusOutEvent(event);
+}
 
 void WindowWidget::inputMethodEvent(QInputMethodEvent* event) {
     QueueCommittedText(window_, event->commitString());
