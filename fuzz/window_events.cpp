@@ -34,6 +34,7 @@
 #include "terminal/modes.h"
 #include "terminal/screen_buffer.h"
 #include "tests/settings/settings_rows.h"
+#include "ui/view/view.h"
 
 unsigned TakeByte(EventInput* input) {
     if (input->left == 0) return 0;
@@ -57,6 +58,7 @@ void BeginFakeSession() {
     TerminalStart();
     TelnetReset();
     ClearAllLines();
+    RepaintTerminal();
     BeginProtocol();
     session.connect_pending = 1;
     session.socket = kHostSocket;
