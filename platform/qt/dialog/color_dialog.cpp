@@ -143,11 +143,10 @@ static void PlaceAbovePanel(QDialog* window) {
 
 // The menu of a number field would open in a loop of its own, in which the program's messages wait.
 // The menu of the edit in it does not.
-static void MenusWithoutLoops(const QColorDialog* chooser) {
-    for (QAbstractSpinBox* number : chooser->findChildren<QAbstractSpinBox*>())
+static void OpenMenuWithoutLoop(QLineEdit* field) {
+    if (auto* number = qobject_cast<QAbstractSpinBox*>(field->parentWidget()))
         number->setContextMenuPolicy(Qt::NoContextMenu);
-    for (QLineEdit* field : chooser->findChildren<QLineEdit*>())
-        field->setContextMenuPolicy(Qt::DefaultContextMenu);
+    field->setContextMenuPolicy(Qt::DefaultContextMenu);
 }
 
 static void PutInWindow(QColorDialog* chooser, QDialog* window) {
@@ -167,8 +166,10 @@ static void PutInWindow(QColorDialog* chooser, QDialog* window) {
         if (LeavesPanelFree()) PlaceAbovePanel(window);
     };
     fit();
-    for (QLineEdit* field : chooser->findChildren<QLineEdit*>()) OfferInputPanel(field, fit);
-    MenusWithoutLoops(chooser);
+    for (QLineEdit* field : chooser->findChildren<QLineEdit*>()) {
+        OfferInputPanel(field, fit);
+        OpenMenuWithoutLoop(field);
+    }
     chooser->show();
 }
 

@@ -223,6 +223,10 @@ void TakeMessagesFor(HWND window) {
     g_takers.insert(window);
 }
 
+static void EraseInput(const std::function<bool(const MSG&)>& matches) {
+    std::erase_if(g_input, [&](const QueuedMessage& m) { return matches(m.message); });
+}
+
 void ForgetWindowMessages(HWND window) {
     {
         const std::lock_guard<std::mutex> lock(g_posted_mutex);
@@ -230,7 +234,7 @@ void ForgetWindowMessages(HWND window) {
         std::erase_if(g_posted, [&](const MSG& m) { return m.hwnd == window; });
         PostedChanged();
     }
-    std::erase_if(g_input, [&](const QueuedMessage& m) { return m.message.hwnd == window; });
+    EraseInput([&](const MSG& m) { return m.hwnd == window; });
     std::erase_if(g_timers, [&](const MSG& m) { return m.hwnd == window; });
     std::erase_if(g_running_timers, [&](const auto& t) { return t.first.first == window; });
 }
@@ -284,7 +288,7 @@ static bool IsNotice(const MSG& message) {
 }
 
 void DropInput() {
-    std::erase_if(g_input, [](const QueuedMessage& m) { return !IsNotice(m.message); });
+    EraseInput([](const MSG& m) { return !IsNotice(m); });
 }
 
 void RunModalLoop(const std::function<bool()>& done) {
