@@ -28,6 +28,7 @@
 #include <QApplication>
 #include <QBackingStore>
 #include <QClipboard>
+#include <QCursor>
 #include <thread>
 #include <vector>
 
@@ -256,6 +257,7 @@ static void Keep(const char* name, const QImage& picture) {
     if (const char* folder = getenv("QUILL_FUZZ_PICTURES"))
         picture.save(QString(folder) + "/" + name);
 }
+
 // Painted at once, so that nothing comes between the two pictures.
 static void CheckPicture() {
     if (!DeviceScreen()->isVisible() || DeviceScreen()->isMinimized()) return;
@@ -461,6 +463,7 @@ int main(int argc, char** argv) {
     QApplication application(own_count, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setCursorFlashTime(0);
+    QCursor::setPos(9999, 9999);  // the toolkit's own pointer would light the button below it
     ServeTerminalText();
     services_observer = {NetworkError, [] { return int64_t{5}; }, DialUp};
     window_observer.idle = OnIdle;
