@@ -217,14 +217,6 @@ void GiveRow(int row, const std::u16string& text) {
     OnWindowThread([&] { SetKeyText(&key_map[row], text.c_str()); });
 }
 
-void BeginSession(FakeHost& host) {
-    SetHost(u"127.0.0.1", host.port);
-    Connect();
-    ASSERT_TRUE(host.Accept());
-    host.Send("hello");
-    ASSERT_TRUE(TerminalShows("hello"));
-}
-
 TEST(Keyboard, KeyInTheTableIsNeverSentAsItsCharacter) {
     const std::u16string texts[] = {u"",         u"\\000", u"\\",
                                     u"\\000abc", u"\\08",  std::u16string(255, u'x')};

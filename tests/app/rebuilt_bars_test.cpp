@@ -83,12 +83,8 @@ void WithUsedBars(const std::function<void()>& person) {
     });
 }
 
-void BeginSession(FakeHost& host) {
-    SetHost(u"127.0.0.1", host.port);
-    Connect();
-    ASSERT_TRUE(host.Accept());
-    host.Send("hello");
-    ASSERT_TRUE(TerminalShows("hello"));
+void BeginSessionWithBars(FakeHost& host) {
+    BeginSession(host);
     ASSERT_TRUE(Eventually([] { return ButtonNamed("disconnect") != nullptr; }));
     ASSERT_TRUE(QueueIsEmpty());
 }
@@ -149,7 +145,7 @@ TEST(RebuiltBars, APressDoesNotCountForTheButtonThatTakesThePlace) {
     WithUsedBars([&] {
         OnWindowThread([] { session.settings.confirm_exit = 0; });
         Mouse(QTest::MousePress, "connect");
-        BeginSession(host);
+        BeginSessionWithBars(host);
         Mouse(QTest::MouseMove, "disconnect", QPoint(1, 0));
         Mouse(QTest::MouseRelease, "disconnect");
         EXPECT_TRUE(QueueIsEmpty());

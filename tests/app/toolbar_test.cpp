@@ -117,14 +117,6 @@ void WithAllButtons(const std::function<void()>& person) {
 }
 
 // All 27 buttons, and a session with the host.
-void BeginSession(FakeHost& host) {
-    SetHost(u"127.0.0.1", host.port);
-    Connect();
-    ASSERT_TRUE(host.Accept());
-    host.Send("hello");
-    ASSERT_TRUE(TerminalShows("hello"));
-}
-
 void WithAllButtonsOnline(FakeHost& host, const std::function<void()>& person) {
     WithAllButtons([&] {
         BeginSession(host);

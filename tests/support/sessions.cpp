@@ -32,13 +32,17 @@ bool Offline() {
     return Eventually([] { return session.connected == 0 && session.connect_pending == 0; });
 }
 
+void BeginSession(FakeHost& host) {
+    SetHost(u"127.0.0.1", host.port);
+    Connect();
+    ASSERT_TRUE(host.Accept());
+    host.Send("hello");
+    ASSERT_TRUE(TerminalShows("hello"));
+}
+
 void WithSession(FakeHost& host, const std::function<void()>& person) {
     RunProgram({}, [&] {
-        SetHost(u"127.0.0.1", host.port);
-        Connect();
-        ASSERT_TRUE(host.Accept());
-        host.Send("hello");
-        ASSERT_TRUE(TerminalShows("hello"));
+        BeginSession(host);
         person();
     });
 }

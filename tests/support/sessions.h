@@ -14,6 +14,8 @@ void Close();
 bool Online();   // waits until the session is up
 bool Offline();  // waits until no session is up
 
+// Connects to the host, which sends "hello".
+void BeginSession(FakeHost& host);
 // Runs the program with a session to the host, which has sent "hello".
 void WithSession(FakeHost& host, const std::function<void()>& person);
 
