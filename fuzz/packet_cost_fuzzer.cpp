@@ -9,7 +9,7 @@
 //   4   SSH-1 with a shell open
 #include <string>
 
-#include "crypto/packet_checks.h"
+#include "fuzz/cipher_off.h"
 #include "protocol/protocols.h"
 #include "protocol/ssh/ssh2.h"
 #include "protocol/telnet/telnet.h"
@@ -19,7 +19,6 @@
 #include "text/bytes.h"
 
 static const SOCKET kSocket = 7;
-static const size_t kMacSize = 20;
 static const size_t kMostPayload = kSshReassemblySize - 64;  // leaves room for the frame
 
 // ---------------------------------------------------------------- the platform and the program
@@ -35,16 +34,6 @@ void TerminalWrite(const BYTE*, int count) {
 int MessageBoxW(HWND, LPCWSTR, LPCWSTR, UINT) { return IDOK; }
 
 const Protocol kTelnetProtocol = {nullptr, nullptr, nullptr, nullptr, [] {}};
-
-// ---------------------------------------------------------------- a cipher switched off
-
-static void NoKey(const uint8_t*) {}
-static void NoCipher(uint8_t*, int) {}
-static void NoMac(uint8_t* packet, int length, uint32_t) { memset(packet + length, 0, kMacSize); }
-static int AnyMac(const uint8_t*, int, uint32_t) { return 1; }
-
-static const SshCipher kOff = {"off", NoKey, NoKey, NoKey, NoKey, NoCipher, NoCipher, "off", 8, 0};
-static const SshMac kAny = {"any", NoKey, NoKey, NoMac, AnyMac, "any", kMacSize};
 
 // ---------------------------------------------------------------- one packet
 

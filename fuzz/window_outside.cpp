@@ -14,7 +14,7 @@
 #include <QUrl>
 #include <QWindow>
 
-#include "crypto/packet_checks.h"
+#include "fuzz/cipher_off.h"
 #include "platform/qt/services/posix_sockets.h"
 #include "platform/qt/services/services.h"
 #include "platform/qt/window/accessible.h"
@@ -28,16 +28,6 @@
 #include "text/text.h"
 
 // ---------------------------------------------------------------- the server of SSH
-
-static const int kMacSize = 20;
-
-static void NoKey(const uint8_t*) {}
-static void NoCipher(uint8_t*, int) {}
-static void NoMac(uint8_t* packet, int length, uint32_t) { memset(packet + length, 0, kMacSize); }
-static int AnyMac(const uint8_t*, int, uint32_t) { return 1; }
-
-static const SshCipher kOff = {"off", NoKey, NoKey, NoKey, NoKey, NoCipher, NoCipher, "off", 8, 0};
-static const SshMac kAny = {"any", NoKey, NoKey, NoMac, AnyMac, "any", kMacSize};
 
 static std::string Uint32(size_t value) {
     uint8_t bytes[4];
