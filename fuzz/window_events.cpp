@@ -145,15 +145,20 @@ static void TypeText(EventInput* input) {
 
 // ---------------------------------------------------------------- the stylus
 
-static QPointer<QWidget> g_pressed;
+constexpr QPoint kOutside(-9999, -9999);  // of all windows
 
-void ForgetStylus() { g_pressed.clear(); }
+static QPointer<QWidget> g_pressed;
 
 static void SendMouse(QWidget* target, QEvent::Type type, QPoint place, bool down) {
     const bool move = type == QEvent::MouseMove;
     QMouseEvent event(type, place, target->mapToGlobal(place), move ? Qt::NoButton : Qt::LeftButton,
                       down ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(target, &event);
+}
+
+void LiftStylus() {
+    if (g_pressed) SendMouse(g_pressed, QEvent::MouseButtonRelease, kOutside, false);
+    g_pressed.clear();
 }
 
 QPoint TakePlace(EventInput* input, const QWidget& window) {

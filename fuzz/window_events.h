@@ -27,7 +27,7 @@ QPoint TakePlace(EventInput* input, const QWidget& window);  // a little beyond 
 // Does the next event. Returns true if the next one is to come before the program has done all that
 // this one causes.
 bool DoEvent(EventInput* input);
-void ForgetStylus();       // nothing is pressed
+void LiftStylus();         // outside of all windows, if it is down
 bool TakeWishToCompare();  // true once after an event that asks to compare the picture
 
 void BeginFakeSession();                  // as a connection that came up

@@ -199,7 +199,6 @@ static void RestoreSession() {
 
 static void RestoreWindows() {
     QApplication::clipboard()->clear();
-    ForgetStylus();
     EndOutside();
     for (size_t key = 0; key < 256; ++key) SetKeyDown(key, false);
     ShowInputPanel(false);
@@ -334,7 +333,10 @@ static bool Painting() {
 
 static void Leave() {
     Require(++steps < kMostSteps, "dialogs can be left");
-    if (steps == 1) return LeaveOutside();
+    if (steps == 1) {
+        LiftStylus();
+        return LeaveOutside();
+    }
     if (CloseTopMost()) return;
     CheckTerminal();
     CheckPicture();
