@@ -143,8 +143,8 @@ static void RepaintTop(QWidget* top) {
     QCoreApplication::removePostedEvents(top, QEvent::UpdateRequest);
 }
 
-void RepaintPart(QWidget* widget, const QRegion& part) {
-    EndsBetweenUnits(widget->window()) ? RepaintTop(widget->window()) : widget->repaint(part);
+void RepaintPart(QWidget* widget, const QRegion& area) {
+    EndsBetweenUnits(widget->window()) ? RepaintTop(widget->window()) : widget->repaint(area);
 }
 
 // The window itself can end between two units. What is left of the last ones gets its colour, by a

@@ -35,10 +35,10 @@ Window* TopMostDialog();    // null: no dialog is open
 QWidget* TopMostWidget();   // that dialog, else the screen
 QWidget* ParentOfBox();     // the topmost dialog that has appeared, else the screen
 bool DesktopTellsPlaces();  // false on Wayland, whose compositor alone places windows
-// True if a part of the window that is painted anew can end between two units of the compositor.
+// True if an area of the window that is painted anew can end between two units of the compositor.
 bool EndsBetweenUnits(const QWidget* top);
-// Repaints the part at once; if it can end so, the whole window.
-void RepaintPart(QWidget* widget, const QRegion& part);
+// Repaints the area at once, or the whole window where the area can end so.
+void RepaintPart(QWidget* widget, const QRegion& area);
 void ReturnFocus();  // to the dialog that is still open, or else to the program's window
 
 #endif
