@@ -31,14 +31,6 @@ bool NoBox() {
     return Eventually([] { return ShownMessageBox() == nullptr; });
 }
 
-void ConnectTo(FakeHost& host) {
-    SetHost(u"127.0.0.1", host.port);
-    Connect();
-    ASSERT_TRUE(host.Accept());
-    host.Send("hello");
-    ASSERT_TRUE(TerminalShows("hello"));
-}
-
 void OnDevice(int width, int height, const std::function<void()>& person) {
     Stage stage;
     stage.width = width, stage.height = height;
@@ -116,7 +108,7 @@ TEST(MainWindowEdges, CommandBarIsAlwaysAsWideAsTheWindow) {
 TEST(MainWindowEdges, KeysGoToTheHostAfterAScrollBarWasUsed) {
     FakeHost host;
     OnDevice(240, 200, [&] {
-        ConnectTo(host);
+        BeginSession(host);
         OnWindowThread([] {
             for (const auto* bar : {FindWindowRecord(session.client_window)->vertical.bar,
                                     FindWindowRecord(session.client_window)->horizontal.bar}) {
@@ -136,7 +128,7 @@ TEST(MainWindowEdges, PanelThatWasUpBeforeTheSessionKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
         ShowPanel(true);
-        ConnectTo(host);
+        BeginSession(host);
         EXPECT_TRUE(FootStaysInSight(host));
     });
 }
@@ -146,7 +138,7 @@ TEST(MainWindowEdges, SmallerFontUnderThePanelKeepsTheCursorVisible) {
     OnDevice(240, 320, [&] {
         OnWindowThread([] { session.settings.fsize = 20; });
         PostToMain(WM_COMMAND, 40009);
-        ConnectTo(host);
+        BeginSession(host);
         ShowPanel(true);
         for (int i = 0; i < 12; i++) PostToMain(WM_COMMAND, 40010);
         ASSERT_TRUE(Eventually([] { return session.settings.fsize < 12; }));
@@ -157,7 +149,7 @@ TEST(MainWindowEdges, SmallerFontUnderThePanelKeepsTheCursorVisible) {
 TEST(MainWindowEdges, WiderDeviceUnderThePanelKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
-        ConnectTo(host);
+        BeginSession(host);
         ShowPanel(true);
         for (const QSize& size : {QSize(640, 320), QSize(240, 320), QSize(700, 260)}) {
             ResizeDevice(size.width(), size.height());
@@ -169,7 +161,7 @@ TEST(MainWindowEdges, WiderDeviceUnderThePanelKeepsTheCursorVisible) {
 TEST(MainWindowEdges, StatusBarHiddenUnderThePanelKeepsTheCursorVisible) {
     FakeHost host;
     OnDevice(240, 320, [&] {
-        ConnectTo(host);
+        BeginSession(host);
         ShowPanel(true);
         OnWindowThread([] {
             session.settings.hidestatus = 1;
@@ -183,7 +175,7 @@ TEST(MainWindowEdges, StatusBarHiddenUnderThePanelKeepsTheCursorVisible) {
 TEST(MainWindowEdges, ManySettingChangesEndInTheShellsLastState) {
     FakeHost host;
     OnDevice(240, 320, [&] {
-        ConnectTo(host);
+        BeginSession(host);
         for (int round = 0; round < 20; round++) {
             host.TrySend("flooding with text\r\n");
             OnWindowThread([=] {

@@ -39,11 +39,7 @@ HWND CommandBar() {
 
 // Opens a session and closes it, so that the test continues with a used session record.
 void UseOnce(FakeHost& host) {
-    SetHost(u"127.0.0.1", host.port);
-    Connect();
-    ASSERT_TRUE(host.Accept());
-    host.Send("hello");
-    ASSERT_TRUE(TerminalShows("hello"));
+    BeginSession(host);
     Close();
     ASSERT_TRUE(Offline());
 }
