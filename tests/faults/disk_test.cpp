@@ -15,6 +15,7 @@
 #include <random>
 #include <thread>
 
+#include "platform/qt/services/registry.h"
 #include "resources/resource_ids.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
@@ -427,15 +428,56 @@ TEST_F(SmallDisk, EmptiedDuringTheFirstRunGetsTheSettings) {
     EXPECT_EQ(kNewPort, StoredNumber(root, "port"));
 }
 
-TEST_F(SmallDisk, FullAtTheStartKeepsItsSettings) {
+TEST_F(SmallDisk, FullAtTheStartHasItsSettingsAndGetsTheNewOnes) {
     StoreUsersSettings(root);
     Fill();
     UseProgram(root, [&] {
+        EXPECT_EQ(kKeptPort, Port());
+        Work();
+        Empty();
+        SaveByDialog();
+        EXPECT_EQ(kNewPort, StoredNumber(root, "port"));
+    });
+}
+
+TEST_F(SmallDisk, FullForAWholeRunHasItsSettingsAndKeepsThem) {
+    StoreUsersSettings(root);
+    Fill();
+    UseProgram(root, [&] {
+        EXPECT_EQ(kKeptPort, Port());
+        Work();
+    });
+    Empty();
+    ExpectNextRun(root, kKeptPort);
+}
+
+// Leaves the log of a program that was killed, with this port in it.
+static void LeaveLog(const std::string& root, DWORD port) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open(File(root).c_str(), &database));
+    sqlite3_db_config(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    char statement[100];
+    std::snprintf(statement, sizeof(statement),
+                  "UPDATE registry SET data = x'%02X%02X0000' WHERE name = 'port'", port & 0xFF,
+                  port >> 8);
+    EXPECT_EQ(SQLITE_OK, sqlite3_exec(database, statement, nullptr, nullptr, nullptr));
+    sqlite3_close(database);
+    fs::remove(File(root) + "-shm");
+    ASSERT_GT(fs::file_size(File(root) + "-wal"), 0u);
+}
+
+// The newest settings are in the log, so the file alone is not read, and nothing is replaced.
+TEST_F(SmallDisk, FullAtTheStartKeepsTheSettingsOfALog) {
+    StoreUsersSettings(root);
+    LeaveLog(root, kKeptPort + 1);
+    Fill();
+    UseProgram(root, [&] {
+        EXPECT_EQ(23u, Port());
         Work();
         Empty();
         SaveByDialog();
     });
-    ExpectNextRun(root, kKeptPort);
+    ExpectNextRun(root, kKeptPort + 1);
 }
 
 TEST_F(SmallDisk, FullFromTheMiddleOnKeepsItsSettings) {
@@ -461,13 +503,91 @@ TEST_F(SmallDisk, EmptiedInTimeGetsTheSettings) {
     EXPECT_EQ(kNewPort, StoredNumber(root, "port"));
 }
 
-TEST_F(SmallDisk, ReadOnlyKeepsItsSettings) {
+TEST_F(SmallDisk, ReadOnlyHasItsSettingsAndKeepsThem) {
     StoreUsersSettings(root);
     ASSERT_TRUE(MakeReadOnly(root));
-    UseProgram(root, Work);
+    UseProgram(root, [] {
+        EXPECT_EQ(kKeptPort, Port());
+        Work();
+    });
     TakeAway();
     PutBack();
     ExpectNextRun(root, kKeptPort);
+}
+
+// Characters that mean something in a URI.
+TEST_F(SmallDisk, ReadOnlyFolderOfAnyNameHasItsSettings) {
+    const std::string named = root + "/50%41?immutable=0#1&mode=rw";
+    ASSERT_TRUE(fs::create_directory(named));
+    StoreUsersSettings(named);
+    ASSERT_TRUE(MakeReadOnly(root));
+    UseProgram(named, [] { EXPECT_EQ(kKeptPort, Port()); });
+}
+
+TEST_F(SmallDisk, ReadOnlyWithADamagedFileKeepsTheFile) {
+    const std::string bytes = RandomBytes(20000);
+    Write(File(root), bytes);
+    ASSERT_TRUE(MakeReadOnly(root));
+    UseProgram(root, [] {
+        EXPECT_EQ(23u, Port());
+        Work();
+    });
+    EXPECT_TRUE(bytes == Read(File(root)));
+    EXPECT_FALSE(fs::exists(File(root) + ".damaged"));
+}
+
+TEST_F(SmallDisk, ReadOnlyWithoutAFileStartsWithTheDefaults) {
+    ASSERT_TRUE(MakeReadOnly(root));
+    UseProgram(root, [] {
+        EXPECT_EQ(23u, Port());
+        Work();
+    });
+    EXPECT_FALSE(fs::exists(File(root)));
+}
+
+// A transaction that was cut off, of another program: the file alone is not sound.
+TEST_F(SmallDisk, ReadOnlyWithAJournalStartsWithTheDefaults) {
+    StoreUsersSettings(root);
+    Write(File(root) + "-journal", RandomBytes(1000));
+    ASSERT_TRUE(MakeReadOnly(root));
+    UseProgram(root, [] {
+        EXPECT_EQ(23u, Port());
+        Work();
+    });
+}
+
+// The exported line of the port; empty if nothing can be exported.
+static std::string ExportedPort(const std::string& root) {
+    SettingsExport result;
+    if (!ExportSettings(root, false, &result)) return "";
+    const size_t line = result.file.find("\nport = ") + 1;
+    return result.file.substr(line, result.file.find_first_of("\r\n", line) - line);
+}
+
+TEST_F(SmallDisk, SettingsAreExportedFromAReadOnlyOrFullDisk) {
+    StoreUsersSettings(root);
+    Fill();
+    EXPECT_EQ("port = 4711", ExportedPort(root));
+    ASSERT_TRUE(MakeReadOnly(root));
+    EXPECT_EQ("port = 4711", ExportedPort(root));
+}
+
+TEST_F(SmallDisk, SettingsOfALogAreNotExportedFromAFullDisk) {
+    StoreUsersSettings(root);
+    LeaveLog(root, kKeptPort + 1);
+    Fill();
+    EXPECT_EQ("", ExportedPort(root));
+    Empty();
+    EXPECT_EQ("port = 4712", ExportedPort(root));
+}
+
+TEST_F(DiskFaults, SettingsAreNotExportedWhileAnotherProcessLocksThem) {
+    StoreUsersSettings(root);
+    OtherProcess other(LockBy(root, "PRAGMA journal_mode = DELETE; BEGIN EXCLUSIVE"));
+    ASSERT_TRUE(other.locked());
+    EXPECT_EQ("", ExportedPort(root));
+    other.Release();
+    EXPECT_EQ("port = 4711", ExportedPort(root));
 }
 
 TEST_F(SmallDisk, TakenAwayWhileTheProgramRunsDoesNotStopIt) {

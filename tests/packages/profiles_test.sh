@@ -75,4 +75,31 @@ grep -q offline "$work/open/text" || fail "in a folder that cannot be written it
 grep -q 'locked cannot be written; the settings of this run are not kept' "$work/said" ||
     fail "said: $(cat "$work/said")"
 [ -z "$(ls -A "$locked")" ] || fail "written nevertheless: $(ls -A "$locked")"
+
+# Settings that it may only read hold all the same, also in an export: it connects to the stored host.
+cat >"$work/host.py" <<'END'
+import socket
+listener = socket.create_server(("127.0.0.1", 0))
+print(listener.getsockname()[1], flush=True)
+peer, _ = listener.accept()
+peer.sendall(b"from the stored host")
+peer.recv(1)
+END
+/usr/bin/python3 "$work/host.py" >"$work/port" &
+ends_with_us $!
+port=$(first_line "$work/port")
+chmod 755 "$locked"
+store "$locked" host=127.0.0.1 "port=$port"
+/usr/bin/python3 -c 'import sqlite3, sys
+sqlite3.connect(sys.argv[1], isolation_level=None).execute(
+    "UPDATE registry SET data = ? WHERE name = ?", [b"\1\0\0\0", "autoconnect"])' "$locked/registry.db"
+chmod 644 "$locked/registry.db"
+chmod 555 "$locked"
+plainly timeout -k 5 60 "$work/open/quill" --export --profile locked >"$work/exported" ||
+    fail "the export from a folder that cannot be written ended with $?"
+grep -q "^port = $port$" "$work/exported" || fail "exported: $(cat "$work/exported")"
+QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR=$work/nowhere plainly timeout -k 5 60 "$work/open/quill" \
+    --profile locked --text "$work/open/text" 2>"$work/said" || fail "it ended with $?: $(cat "$work/said")"
+grep -q 'from the stored host' "$work/open/text" || fail "with settings to read it shows: $(cat "$work/open/text")"
+[ "$(ls -A "$locked")" = registry.db ] || fail "written nevertheless: $(ls -A "$locked")"
 echo "profiles: a folder, a window and a mark each"

@@ -460,17 +460,47 @@ TEST_F(RegistryFileOnDisk, ReadOnlyFolderGivesErrors) {
     chmod(DeviceRoot().c_str(), 0700);
 }
 
-TEST_F(RegistryFileOnDisk, ReadOnlyFileGivesErrorsAndStays) {
-    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
+// In another user's folder, whose file is for reading, or for writing too; then the log cannot be
+// made.
+TEST_F(RegistryFileOnDisk, FileWithoutALogIsReadAndStays) {
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 815));
     CloseRegistry();
+    chmod(DeviceRoot().c_str(), 0555);
+    for (const mode_t mode : {0444, 0666}) {
+        chmod(RegistryFile().c_str(), mode);
+        const pid_t child = Fork([] {
+            if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+            DWORD number = 0;
+            const bool read = LoadNumber(1, &number) && number == 815;
+            const bool written =
+                SaveNumber(1, 1) == ERROR_SUCCESS || SaveNumber(2, 2) == ERROR_SUCCESS;
+            const bool missing = !LoadNumber(2, &number);
+            return (read ? 1 : 0) + (written ? 2 : 0) + (missing ? 4 : 0);
+        });
+        EXPECT_EQ(1 + 4, WEXITSTATUS(WaitFor(child))) << mode;
+        EXPECT_FALSE(std::filesystem::exists(RegistryFile() + ".damaged"));
+    }
+    chmod(DeviceRoot().c_str(), 0700);
+}
+
+TEST_F(RegistryFileOnDisk, ReadOnlyFileIsWrittenOnceThatIsPermitted) {
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 815));
+    CloseRegistry();
+    for (const std::string& path : {DeviceRoot(), RegistryFile()})
+        ASSERT_TRUE(geteuid() != 0 || chown(path.c_str(), 65534, 65534) == 0);
     chmod(RegistryFile().c_str(), 0444);
-    chmod(DeviceRoot().c_str(), 0755);
     const pid_t child = Fork([] {
         if (geteuid() == 0 && seteuid(65534) != 0) return 100;
-        return CountSuccesses();
+        HoldRegistry();
+        DWORD number = 0;
+        const bool read = LoadNumber(1, &number) && number == 815;
+        const bool refused = SaveNumber(1, 1) != ERROR_SUCCESS;
+        chmod(RegistryFile().c_str(), 0600);
+        const bool written = SaveNumber(1, 816) == ERROR_SUCCESS;
+        const bool kept = LoadNumber(1, &number) && number == 816;
+        return (read ? 1 : 0) + (refused ? 2 : 0) + (written ? 4 : 0) + (kept ? 8 : 0);
     });
-    EXPECT_EQ(0, WEXITSTATUS(WaitFor(child)));
-    EXPECT_FALSE(std::filesystem::exists(RegistryFile() + ".damaged"));
+    EXPECT_EQ(15, WEXITSTATUS(WaitFor(child)));
 }
 
 TEST_F(RegistryFileOnDisk, DeletedFileIsCreatedAgain) {

@@ -38,18 +38,6 @@ static bool IsOneOf(const char* const (&names)[count], const std::string& name) 
     return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
-// Opens the file for writing, because a reader alone may not open another program's log.
-static sqlite3* OpenStore(const std::string& root) {
-    sqlite3* database = nullptr;
-    const std::string path = root + "/registry.db";
-    if (sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK) {
-        sqlite3_busy_timeout(database, kBusyMilliseconds);
-        return database;
-    }
-    sqlite3_close(database);
-    return nullptr;
-}
-
 static Value TakeRow(sqlite3_stmt* statement) {
     Value value;
     value.name = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
@@ -60,7 +48,7 @@ static Value TakeRow(sqlite3_stmt* statement) {
     return value;
 }
 
-static bool ReadValues(sqlite3* database, std::vector<Value>* values) {
+static int ReadRows(sqlite3* database, std::vector<Value>* values) {
     sqlite3_stmt* statement = nullptr;
     const char kQuery[] =
         "SELECT name, type, data FROM registry WHERE key = ?1 AND name IS NOT NULL";
@@ -71,6 +59,28 @@ static bool ReadValues(sqlite3* database, std::vector<Value>* values) {
             values->push_back(TakeRow(statement));
     }
     sqlite3_finalize(statement);
+    return result;
+}
+
+static int ReadFile(const std::string& name, int flags, std::vector<Value>* values) {
+    values->clear();
+    sqlite3* database = nullptr;
+    int result = sqlite3_open_v2(name.c_str(), &database, flags, nullptr);
+    if (result == SQLITE_OK) {
+        sqlite3_busy_timeout(database, kBusyMilliseconds);
+        result = ReadRows(database, values);
+    }
+    sqlite3_close(database);
+    return result;
+}
+
+// Opens the file for writing, because a reader alone may not open another program's log.
+static bool ReadValues(const std::string& path, std::vector<Value>* values) {
+    int result = ReadFile(path, SQLITE_OPEN_READWRITE, values);
+    if (result == SQLITE_DONE || IsBusy(result)) return result == SQLITE_DONE;
+    const std::string immutable = ImmutableName(path);
+    if (!immutable.empty())
+        result = ReadFile(immutable, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, values);
     return result == SQLITE_DONE;
 }
 
@@ -174,11 +184,8 @@ void AddValue(const Value& value, bool with_passwords, SettingsExport* result) {
 bool IsEmptyAtFirst(const std::string& name) { return IsOneOf(kEmptyAtFirst, name); }
 
 bool ExportSettings(const std::string& root, bool with_passwords, SettingsExport* result) {
-    sqlite3* database = OpenStore(root);
     std::vector<Value> values;
-    const bool read = database && ReadValues(database, &values);
-    sqlite3_close(database);
-    if (!read) return false;
+    if (!ReadValues(root + kRegistryFile, &values)) return false;
     std::sort(values.begin(), values.end(), ComesBefore);
     *result = {kHeading, {}, {}};
     for (const Value& value : values) AddValue(value, with_passwords, result);

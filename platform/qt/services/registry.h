@@ -3,8 +3,9 @@
 // and mode 0600. It is in WAL mode, so a process that is killed at any moment leaves each value
 // either old or new. A row without a name means that its key exists. If the file cannot be read as
 // that table, it is renamed to registry.db.damaged (then .damaged-2, ...), and a new one is
-// created. Several processes may share a root. If a value could not be read, the program went on
-// with another one: until CloseRegistry, a stored value that this process has not read, set or
+// created. If nothing can be written there, it is read as it is, unless it has a log; each write
+// tries again. Several processes may share a root. If a value could not be read, the program went
+// on with another one: until CloseRegistry, a stored value that this process has not read, set or
 // deleted is then not replaced with a different one.
 //
 // Below: the program's own key in the registry, the values that hold for one run only, and the
@@ -31,6 +32,14 @@ void ReleaseRegistry();
 
 struct sqlite3;
 struct sqlite3_stmt;
+
+inline constexpr char kRegistryFile[] = "/registry.db";  // in the root
+
+// True for SQLite's results where another process keeps the file locked.
+bool IsBusy(int result);
+// SQLite's URI of the file where nothing can be written, to open it for reading only. Empty if the
+// file has a log: what is in the log could not be read.
+std::string ImmutableName(const std::string& path);
 
 enum class StoreResult {
     kOk,
@@ -64,7 +73,7 @@ class RegistryStore {
 
   private:
     enum Statement { kHasKey, kMakeKey, kRead, kReadKey, kWrite, kDelete, kStatements };
-    enum class Opened { kSound, kDamaged, kFailed };
+    enum class Opened { kSound, kDamaged, kFailed, kBusy };
 
     int Run(Statement which, const std::string& key, const std::string* name,
             const StoredValue* value, std::vector<NamedValue>* rows);
@@ -79,7 +88,10 @@ class RegistryStore {
     bool IsOwnFile() const;  // the open file is still the one with this name
     bool Open(bool damaged);
     Opened OpenFile();
-    Opened TakeFile();
+    Opened OpenForReading();  // where nothing can be written
+    Opened TakeFile(int flags);
+    bool Connect(const std::string& name, int flags);
+    bool ReadsOnly() const;
     Opened CheckContent(bool* empty);
     Opened Prepare();
     Opened Classify(int result);

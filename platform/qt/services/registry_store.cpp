@@ -17,7 +17,6 @@ constexpr int kBusyMilliseconds = 3000;
 constexpr int kBusyStep = 5;  // milliseconds
 constexpr std::chrono::seconds kBusyMemory(1);
 constexpr mode_t kOwnerAlone = 0600;
-static const char kFileName[] = "/registry.db";
 
 // Compared with the schema in the file, letter by letter.
 static const char kSchema[] =
@@ -62,6 +61,8 @@ static bool IsDamage(int result) {
     return code == SQLITE_CORRUPT || code == SQLITE_NOTADB || code == SQLITE_FORMAT;
 }
 
+bool IsBusy(int result) { return (result & 0xFF) == SQLITE_BUSY; }
+
 namespace {
 
 // Only one process at a time opens the file or sets it aside. The lock is on the folder and ends
@@ -98,6 +99,31 @@ static bool Exists(const std::string& path) {
     return lstat(path.c_str(), &status) == 0;
 }
 
+static bool HasContent(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && status.st_size > 0;
+}
+
+// In SQLite's URI of the file some bytes have a meaning.
+static std::string UriPath(const std::string& path) {
+    std::string uri;
+    for (const char byte : path) {
+        const char* const hex = byte == '%' ? "%25" : byte == '?' ? "%3f" : "%23";
+        if (byte == '%' || byte == '?' || byte == '#')
+            uri += hex;
+        else
+            uri += byte;
+    }
+    return uri;
+}
+
+// An immutable file needs no lock, log or index, so SQLite writes nothing. It would not read the
+// log of such a file.
+std::string ImmutableName(const std::string& path) {
+    if (HasContent(path + "-wal") || HasContent(path + "-journal")) return "";
+    return "file://" + UriPath(path) + "?immutable=1";
+}
+
 static std::string FreeDamagedName(const std::string& path) {
     std::string name = path + ".damaged";
     for (int i = 2; Exists(name) || Exists(name + "-wal") || Exists(name + "-journal"); ++i)
@@ -121,10 +147,7 @@ constexpr size_t kHeaderBytes = 100, kWriteVersion = 18, kReadVersion = 19;
 // False for versions that SQLite would open for reading only, and for a log without its database.
 static bool HasSoundHeader(int file, const struct stat& status, const std::string& path) {
     unsigned char header[kHeaderBytes] = {};
-    if (status.st_size == 0) {
-        struct stat log;
-        return stat((path + "-wal").c_str(), &log) != 0 || log.st_size == 0;
-    }
+    if (status.st_size == 0) return !HasContent(path + "-wal");
     if (pread(file, header, sizeof(header), 0) != sizeof(header)) return false;
     return header[kWriteVersion] <= 2 && header[kReadVersion] <= 2;
 }
@@ -158,27 +181,29 @@ int RegistryStore::Patience() const {
 }
 
 void RegistryStore::NoteBusy(int result) {
-    if ((result & 0xFF) == SQLITE_BUSY) busy_ = std::chrono::steady_clock::now();
+    if (IsBusy(result)) busy_ = std::chrono::steady_clock::now();
 }
 
 RegistryStore::Opened RegistryStore::Classify(int result) {
     NoteBusy(result);
     if (result == SQLITE_OK) return Opened::kSound;
+    if (IsBusy(result)) return Opened::kBusy;
     // SQLITE_ERROR means that another program made the file: the table is missing, or the format
     // differs.
-    return IsDamage(result) || (result & 0xFF) == SQLITE_ERROR ? Opened::kDamaged : Opened::kFailed;
+    const bool damaged = IsDamage(result) || (result & 0xFF) == SQLITE_ERROR;
+    return damaged ? Opened::kDamaged : Opened::kFailed;
 }
 
-// Afterwards the file exists, and only its owner can read it. SQLite must not have it open in this
-// process: closing any descriptor of it would release SQLite's locks.
-RegistryStore::Opened RegistryStore::TakeFile() {
-    const int file = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
+// With O_RDWR | O_CREAT, the file exists afterwards, and only its owner can read it. SQLite must
+// not have it open in this process: closing any descriptor of it would release SQLite's locks.
+RegistryStore::Opened RegistryStore::TakeFile(int flags) {
+    const int file = open(path_.c_str(), flags | O_CLOEXEC | O_NONBLOCK, kOwnerAlone);
     if (file < 0) return errno == EISDIR || errno == ENXIO ? Opened::kDamaged : Opened::kFailed;
     struct stat status;
     Opened opened = Opened::kDamaged;
     if (fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
         HasSoundHeader(file, status, path_)) {
-        if (status.st_mode & 077) fchmod(file, kOwnerAlone);
+        if ((flags & O_RDWR) && (status.st_mode & 077)) fchmod(file, kOwnerAlone);
         device_ = status.st_dev;
         inode_ = status.st_ino;
         opened = Opened::kSound;
@@ -211,16 +236,20 @@ RegistryStore::Opened RegistryStore::Prepare() {
     return Opened::kSound;
 }
 
-RegistryStore::Opened RegistryStore::OpenFile() {
-    const Opened file = TakeFile();
-    if (file != Opened::kSound) return file;
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX;
-    if (sqlite3_open_v2(path_.c_str(), &database_, flags, nullptr) != SQLITE_OK)
-        return Opened::kFailed;
+bool RegistryStore::Connect(const std::string& name, int flags) {
+    const int all_flags = flags | SQLITE_OPEN_NOMUTEX;
+    if (sqlite3_open_v2(name.c_str(), &database_, all_flags, nullptr) != SQLITE_OK) return false;
     sqlite3_extended_result_codes(database_, 1);
     sqlite3_busy_timeout(database_, Patience());
     sqlite3_db_config(database_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(database_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    return true;
+}
+
+RegistryStore::Opened RegistryStore::OpenFile() {
+    const Opened file = TakeFile(O_RDWR | O_CREAT);
+    if (file != Opened::kSound) return file;
+    if (!Connect(path_, SQLITE_OPEN_READWRITE)) return Opened::kFailed;
     bool empty = false;
     const Opened content = CheckContent(&empty);
     if (content != Opened::kSound) return content;
@@ -231,8 +260,21 @@ RegistryStore::Opened RegistryStore::OpenFile() {
     return result == SQLITE_OK ? Prepare() : Classify(result);
 }
 
+RegistryStore::Opened RegistryStore::OpenForReading() {
+    const std::string name = ImmutableName(path_);
+    if (name.empty()) return Opened::kFailed;
+    const Opened file = TakeFile(O_RDONLY);
+    if (file != Opened::kSound) return file;
+    if (!Connect(name, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI)) return Opened::kFailed;
+    bool empty = false;
+    const Opened content = CheckContent(&empty);
+    return content == Opened::kSound ? Prepare() : content;
+}
+
+bool RegistryStore::ReadsOnly() const { return sqlite3_db_readonly(database_, "main") == 1; }
+
 bool RegistryStore::Open(bool damaged) {
-    path_ = DeviceRoot() + kFileName;
+    path_ = DeviceRoot() + kRegistryFile;
     const FolderLock lock(DeviceRoot(), Patience());
     if (lock.busy()) NoteBusy(SQLITE_BUSY);
     if (!lock.held()) return false;
@@ -242,8 +284,10 @@ bool RegistryStore::Open(bool damaged) {
         const Opened opened = OpenFile();
         if (opened == Opened::kSound) return busy_.reset(), true;
         Abandon();
-        if (opened == Opened::kFailed || !SetAside(path_)) break;
+        if (opened == Opened::kFailed && OpenForReading() == Opened::kSound) return true;
+        if (opened != Opened::kDamaged || !SetAside(path_)) break;
     }
+    Abandon();
     return false;
 }
 
@@ -258,7 +302,7 @@ bool RegistryStore::IsInTransaction() const {
 
 bool RegistryStore::IsAtRoot() const {
     const std::string_view root = DeviceRoot(), path = path_;
-    return path.starts_with(root) && path.substr(root.size()) == kFileName;
+    return path.starts_with(root) && path.substr(root.size()) == kRegistryFile;
 }
 
 bool RegistryStore::Ready() {
@@ -278,6 +322,7 @@ void RegistryStore::Release() {
     holds_ = false;
     ForgetHeld();
     if (IsInTransaction()) Execute(database_, "COMMIT");
+    if (database_ && ReadsOnly()) Abandon();  // by now it may be possible to write
 }
 
 void RegistryStore::Close() {
