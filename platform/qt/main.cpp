@@ -350,6 +350,14 @@ static int RefuseCommandLine(std::vector<char*> given) {
     return EndProcess(2);
 }
 
+// A second start shows the window that is open; one that asks for a host or a file is refused.
+static int RunUnlessBusy(const CommandLine& line) {
+    const bool asks = !line.target.host.empty() || WantsFile(line.options);
+    if (asks && IsProfileBusy(line)) return 1;
+    if (!asks) TellIfSizeIsKept(line.options);
+    return RunProgram(line);
+}
+
 int main(int argc, char** argv) {
     std::vector<char*> given(argv, argv + argc + 1);
     CommandLine line;
@@ -383,10 +391,7 @@ int main(int argc, char** argv) {
     RestoreVariables(variables);
     const double scale = choose ? ScaleThatFits(DeviceScreen()->size()) : kUsualScale;
     if (scale != kUsualScale) StartAgain(given, scale);
-    const bool asks = !line.target.host.empty() || WantsFile(options);
-    const bool busy = asks && IsProfileBusy(line);
-    if (!asks) TellIfSizeIsKept(options);
-    const int result = busy ? 1 : RunProgram(line);
+    const int result = RunUnlessBusy(line);
     CloseDevice();
     return EndProcess(result);
 }

@@ -105,30 +105,35 @@ static HKEY AddKey(Registry& registry, const std::string& path, DWORD access) {
     return key;
 }
 
-// If `created` is given, creates the keys that are missing on the way. A start walks the same way
-// for each value.
+// If `created` is given, creates the keys that are missing on the way.
+static LONG AddNames(Registry& registry, LPCWSTR sub_key, std::string* path, bool* created) {
+    std::u16string name;
+    while (TakeName(&sub_key, &name)) {
+        if (name.size() > kLongestKeyName) return ERROR_INVALID_PARAMETER;
+        path->append("\\").append(StoredName(name));
+        const StoreResult made =
+            created ? registry.store.MakeKey(*path, created) : StoreResult::kOk;
+        if (made != StoreResult::kOk) return ErrorOf(made);
+    }
+    return ERROR_SUCCESS;
+}
+
+// `created` as above. A start walks the same way for each value.
 static LONG WalkTo(Registry& registry, LPCWSTR sub_key, std::string* path, bool* created) {
     if (!sub_key) sub_key = u"";
     if (!created && *sub_key && *path == kLocalMachine && registry.walked == sub_key) {
         *path = registry.reached;
         return ErrorOf(registry.store.HasKey(*path));
     }
-    const LPCWSTR way = sub_key;
-    const bool from_root = *path == kLocalMachine;
     if (*sub_key == u'\\') return kErrorBadPathname;
-    std::u16string name;
-    bool asked = false;  // the store, so it is usable
-    while (TakeName(&sub_key, &name)) {
-        if (name.size() > kLongestKeyName) return ERROR_INVALID_PARAMETER;
-        path->append("\\").append(StoredName(name));
-        if (!created) continue;
-        const StoreResult made = registry.store.MakeKey(*path, created);
-        if (made != StoreResult::kOk) return ErrorOf(made);
-        asked = true;
-    }
+    const std::string start = *path;
+    const LONG error = AddNames(registry, sub_key, path, created);
+    if (error != ERROR_SUCCESS) return error;
+    if (created != nullptr && *path != start)
+        return ERROR_SUCCESS;  // the store made it, so it is usable
     if (created != nullptr || *path == kLocalMachine)
-        return asked || registry.store.IsUsable() ? ERROR_SUCCESS : kErrorRegistryFailed;
-    if (from_root) registry.walked = way, registry.reached = *path;
+        return registry.store.IsUsable() ? ERROR_SUCCESS : kErrorRegistryFailed;
+    if (start == kLocalMachine) registry.walked = sub_key, registry.reached = *path;
     return ErrorOf(registry.store.HasKey(*path));
 }
 

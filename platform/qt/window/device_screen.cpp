@@ -2,6 +2,7 @@
 // The desktop window that shows the device's screen.
 #include "platform/qt/window/device_screen.h"
 
+#include <algorithm>
 #include <cmath>
 #include <QBackingStore>
 #include <QCloseEvent>
@@ -236,12 +237,14 @@ QWidget* TopMostWidget() {
     return top && top->widget ? top->widget.data() : DeviceScreen();
 }
 
+static bool IsShown(HWND dialog) {
+    const Window* window = FindWindowRecord(dialog);
+    return window && window->widget && window->widget->isVisible();
+}
+
 QWidget* ParentOfBox() {
-    for (auto each = g_over.rbegin(); each != g_over.rend(); ++each) {
-        const Window* dialog = FindWindowRecord(*each);
-        if (dialog && dialog->widget && dialog->widget->isVisible()) return dialog->widget;
-    }
-    return DeviceScreen();
+    const auto shown = std::find_if(g_over.rbegin(), g_over.rend(), IsShown);
+    return shown == g_over.rend() ? DeviceScreen() : FindWindowRecord(*shown)->widget.data();
 }
 
 bool DesktopTellsPlaces() { return !QGuiApplication::platformName().startsWith("wayland"); }
