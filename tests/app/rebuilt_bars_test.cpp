@@ -3,11 +3,14 @@
 // began before does.
 #include <gtest/gtest.h>
 #include <QtTest/qtestmouse.h>
+#include <QBackingStore>
+#include <QImage>
 #include <QMenuBar>
 #include <QToolButton>
 
 #include "platform/qt/shell/shell.h"
 #include "platform/qt/window/device_screen.h"
+#include "platform/qt/window/messages.h"
 #include "platform/qt/window/window.h"
 #include "session/session_state.h"
 #include "settings/settings.h"
@@ -139,6 +142,124 @@ TEST(RebuiltBars, AButtonHasNoNameUntilItGetsOne) {
         });
     });
 }
+
+// ---------------------------------------------------------------- the desktop's colours
+
+namespace {
+
+QPalette Dark() {
+    QPalette dark(QColor(0x20, 0x30, 0x40));
+    dark.setColor(QPalette::ButtonText, QColor(0xEE, 0xDD, 0xCC));
+    dark.setColor(QPalette::Dark, QColor(0x11, 0x22, 0x33));
+    dark.setColor(QPalette::Light, QColor(0x44, 0x55, 0x66));
+    return dark;
+}
+
+// The desktop's colours while it exists.
+class DesktopColors {
+  public:
+    explicit DesktopColors(const QPalette& colors) { Set(colors); }
+    ~DesktopColors() { Set(before_); }
+    DesktopColors(const DesktopColors&) = delete;
+    DesktopColors& operator=(const DesktopColors&) = delete;
+
+  private:
+    static void Set(const QPalette& colors) {
+        OnWindowThread([&] { QApplication::setPalette(colors); });
+        EXPECT_TRUE(Eventually([&] {
+            return BarWidget() &&
+                   BarWidget()->palette().color(QPalette::Light) == colors.color(QPalette::Light);
+        }));
+    }
+    QPalette before_ = QApplication::palette();
+};
+
+std::vector<QImage> ButtonPictures(double ratio) {
+    std::vector<QImage> pictures;
+    for (const QToolButton* button : Buttons())
+        pictures.push_back(button->icon().pixmap(QSize(16, 16), ratio).toImage());
+    return pictures;
+}
+
+int Distinct(const std::vector<QImage>& pictures) {
+    int count = 0;
+    for (size_t i = 0; i < pictures.size(); ++i)
+        count += std::find(pictures.begin(), pictures.begin() + static_cast<long>(i),
+                           pictures[i]) == pictures.begin() + static_cast<long>(i);
+    return count;
+}
+
+}  // namespace
+
+TEST(RebuiltBars, PicturesFollowTheDesktopsColours) {
+    WithUsedBars([] {
+        std::vector<QImage> plain[2], later[2], made_then[2];
+        const auto take = [](std::vector<QImage>* pictures) {
+            OnWindowThread([&] {
+                pictures[0] = ButtonPictures(1);
+                pictures[1] = ButtonPictures(2);
+            });
+        };
+        take(plain);
+        {
+            const DesktopColors dark(Dark());
+            take(later);
+            OnWindowThread(RebuildMenuBar);
+            ASSERT_TRUE(QueueIsEmpty());
+            ASSERT_TRUE(Eventually([] { return Buttons().size() == kButtons; }));
+            take(made_then);
+        }
+        for (int i = 0; i < 2; ++i) {
+            ASSERT_EQ(later[i].size(), static_cast<size_t>(kButtons));
+            EXPECT_EQ(Distinct(later[i]), Distinct(plain[i]));
+            EXPECT_GE(Distinct(plain[i]), kButtons - 1);
+            for (size_t each = 0; each < later[i].size(); ++each) {
+                EXPECT_NE(later[i][each], plain[i][each]) << each;
+                EXPECT_EQ(later[i][each], made_then[i][each]) << each;
+            }
+        }
+        take(later);
+        for (int i = 0; i < 2; ++i) EXPECT_EQ(later[i], plain[i]);
+    });
+}
+
+// What the desktop shows, against all of it painted anew.
+TEST(RebuiltBars, TheWholeScreenFollowsTheDesktopsColours) {
+    WithUsedBars([] {
+        const DesktopColors dark(Dark());
+        ASSERT_TRUE(QueueIsEmpty());
+        ASSERT_TRUE(Eventually([] { return ReadyStore(DeviceScreen()) != nullptr; }));
+        OnWindowThread([] {
+            QApplication::sendPostedEvents();
+            const auto* store = static_cast<QImage*>(ReadyStore(DeviceScreen())->paintDevice());
+            const QImage shown = store->copy();
+            EXPECT_EQ(shown, DeviceScreen()->grab().toImage().convertToFormat(shown.format()));
+        });
+    });
+}
+
+// The larger version of a picture is as wide as two. The second button is put in front.
+TEST(RebuiltBars, EachButtonHasItsOwnPictureOfAStrip) {
+    constexpr int kLargerPicture = 11541;
+    WithUsedBars([] {
+        OnWindowThread([] {
+            CommandBar_Destroy(session.command_bar);
+            session.command_bar = CommandBar_Create(nullptr, session.main_window, 1);
+            EXPECT_EQ(0, CommandBar_AddBitmap(session.command_bar, nullptr, 1541, 1, 16, 16));
+            EXPECT_EQ(
+                1, CommandBar_AddBitmap(session.command_bar, nullptr, kLargerPicture, 2, 16, 16));
+            for (const int picture : {2, 1}) {
+                TBBUTTON button = {};
+                button.iBitmap = picture;
+                EXPECT_TRUE(CommandBar_InsertButton(session.command_bar, 0, &button));
+            }
+            ASSERT_EQ(Buttons().size(), 2);
+            EXPECT_EQ(Distinct(ButtonPictures(1)), 2);
+        });
+    });
+}
+
+// ---------------------------------------------------------------- presses
 
 TEST(RebuiltBars, APressDoesNotCountForTheButtonThatTakesThePlace) {
     FakeHost host;

@@ -126,9 +126,35 @@ constexpr int kButtonMargin = 2;  // above and below a button
 
 namespace {
 
+struct Picture {
+    int id = 0, count = 0;  // the bitmap with its number of pictures
+    size_t index = 0;
+};
+
 struct CommandBar {
-    std::vector<QIcon> pictures;
+    std::vector<Picture> pictures;
     std::vector<QPointer<QToolButton>> buttons;  // from the left
+};
+
+// Its picture follows the desktop when that changes its colours.
+class PictureButton : public QToolButton {
+  public:
+    PictureButton(QWidget* bar, const Picture& picture) : QToolButton(bar), picture_(picture) {
+        ShowPicture();
+    }
+
+  protected:
+    void changeEvent(QEvent* event) override {
+        QToolButton::changeEvent(event);
+        if (event->type() == QEvent::PaletteChange) ShowPicture();
+    }
+
+  private:
+    void ShowPicture() {
+        const auto& icons = BarPictures(picture_.id, picture_.count, parentWidget()->palette());
+        if (picture_.index < icons.size()) setIcon(icons[picture_.index]);
+    }
+    Picture picture_;
 };
 
 }  // namespace
@@ -154,13 +180,12 @@ static void QueueCommand(HWND bar, int id) {
 }
 
 static QToolButton* MakeButton(HWND bar, const CommandBar& record, const TBBUTTON& wanted) {
-    auto* button = new QToolButton(WidgetOf(bar));
+    const auto index = static_cast<size_t>(wanted.iBitmap);
+    const bool known = wanted.iBitmap >= 0 && index < record.pictures.size();
+    auto* button = new PictureButton(WidgetOf(bar), known ? record.pictures[index] : Picture());
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);
     button->setIconSize(QSize(kBarPicture, kBarPicture));
-    const auto index = static_cast<size_t>(wanted.iBitmap);
-    if (wanted.iBitmap >= 0 && index < record.pictures.size())
-        button->setIcon(record.pictures[index]);
     button->setEnabled(wanted.fsState & TBSTATE_ENABLED);
     const int id = wanted.idCommand;
     QObject::connect(button, &QToolButton::clicked, button, [=] { QueueCommand(bar, id); });
@@ -223,11 +248,11 @@ int CommandBar_AddBitmap(HWND bar, HINSTANCE, int id, int count, int width, int 
     CommandBar* record = FindBar(bar);
     if (!record || id < 0 || id > 0xFFFF - kTwiceAsLarge || count < 1) return -1;
     if (width != kBarPicture || height != kBarPicture) return -1;
-    const std::vector<QIcon>& pictures = BarPictures(id, count, WidgetOf(bar)->palette());
-    if (pictures.empty()) return -1;
-    const int first = static_cast<int>(record->pictures.size());
-    record->pictures.insert(record->pictures.end(), pictures.begin(), pictures.end());
-    return first;
+    if (BarPictures(id, count, WidgetOf(bar)->palette()).empty()) return -1;
+    const size_t first = record->pictures.size();
+    for (size_t i = 0; i < static_cast<size_t>(count); ++i)
+        record->pictures.push_back({id, count, i});
+    return static_cast<int>(first);
 }
 
 BOOL CommandBar_InsertButton(HWND bar, int index, const TBBUTTON* button) {
