@@ -223,6 +223,39 @@ TEST(RebuiltBars, PicturesFollowTheDesktopsColours) {
     });
 }
 
+// The desktop's colours usually change while another window is the active one.
+TEST(RebuiltBars, PicturesOfAnInactiveWindowHaveTheColoursOfAnActiveOne) {
+    WithUsedBars([] {
+        QPalette faint = Dark();
+        faint.setColor(QPalette::Inactive, QPalette::ButtonText, QColor(0x55, 0x55, 0x55));
+        faint.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x66, 0x66, 0x66));
+        std::vector<QImage> inactive, disabled, active;
+        const auto pictures_in = [](const QPalette& colors) {
+            const DesktopColors now(colors);
+            std::vector<QImage> pictures;
+            OnWindowThread([&] { pictures = ButtonPictures(1); });
+            return pictures;
+        };
+        OnWindowThread([] { DeviceScreen()->activateWindow(); });
+        ASSERT_TRUE(Eventually([] { return DeviceScreen()->isActiveWindow(); }));
+        active = pictures_in(faint);
+        OnWindowThread([] { EnableWindow(session.main_window, FALSE); });
+        disabled = pictures_in(faint);
+        QWidget* other = nullptr;
+        OnWindowThread([&] {
+            EnableWindow(session.main_window, TRUE);
+            other = new QWidget;
+            other->show();
+            other->activateWindow();
+        });
+        EXPECT_TRUE(Eventually([] { return !DeviceScreen()->isActiveWindow(); }));
+        inactive = pictures_in(faint);
+        OnWindowThread([&] { delete other; });
+        EXPECT_TRUE(active == disabled);
+        EXPECT_TRUE(active == inactive);
+    });
+}
+
 // What the desktop shows, against all of it painted anew.
 TEST(RebuiltBars, TheWholeScreenFollowsTheDesktopsColours) {
     WithUsedBars([] {

@@ -23,7 +23,8 @@ constexpr int kTwice = 2;
 
 namespace {
 
-// Pictures are drawn in the device's colours; each of these is replaced by one of the desktop's.
+// Pictures are drawn in the device's colours; each of these is replaced by one of the desktop's, in
+// every window that of an active one.
 struct SystemColor {
     uint32_t drawn;  // 0x00RRGGBB
     QPalette::ColorRole role;
@@ -53,13 +54,14 @@ static std::map<int, Pictures> g_pictures;  // by the bitmap's number
 static QRgb Shown(uint32_t drawn, const QPalette& palette) {
     if (drawn == kFace) return qRgba(0, 0, 0, 0);
     for (const SystemColor& row : kSystemColors)
-        if (row.drawn == drawn) return palette.color(row.role).rgb();
+        if (row.drawn == drawn) return palette.color(QPalette::Active, row.role).rgb();
     return 0xFF000000u | drawn;
 }
 
 static bool SameColors(const QPalette& one, const QPalette& other) {
     for (const SystemColor& row : kSystemColors)
-        if (one.color(row.role) != other.color(row.role)) return false;
+        if (one.color(QPalette::Active, row.role) != other.color(QPalette::Active, row.role))
+            return false;
     return true;
 }
 
