@@ -451,6 +451,14 @@ TEST_F(SmallDisk, FullForAWholeRunHasItsSettingsAndKeepsThem) {
     ExpectNextRun(root, kKeptPort);
 }
 
+// The exported line of the port; empty if nothing can be exported.
+static std::string ExportedPort(const std::string& root) {
+    SettingsExport result;
+    if (!ExportSettings(root, false, &result)) return "";
+    const size_t line = result.file.find("\nport = ") + 1;
+    return result.file.substr(line, result.file.find_first_of("\r\n", line) - line);
+}
+
 // Leaves the log of a program that was killed, with this port in it.
 static void LeaveLog(const std::string& root, DWORD port) {
     sqlite3* database = nullptr;
@@ -478,6 +486,23 @@ TEST_F(SmallDisk, FullAtTheStartKeepsTheSettingsOfALog) {
         SaveByDialog();
     });
     ExpectNextRun(root, kKeptPort + 1);
+}
+
+// A log lies beside the file itself, not beside a link to it.
+TEST_F(SmallDisk, FullAtTheStartKeepsTheSettingsOfALogBehindALink) {
+    const std::string linked = FreshRoot();
+    StoreUsersSettings(root);
+    LeaveLog(root, kKeptPort + 1);
+    fs::create_symlink(File(root), File(linked));
+    Fill();
+    EXPECT_EQ("", ExportedPort(linked));
+    UseProgram(linked, [&] {
+        EXPECT_EQ(23u, Port());
+        Work();
+        Empty();
+        SaveByDialog();
+    });
+    ExpectNextRun(linked, kKeptPort + 1);
 }
 
 TEST_F(SmallDisk, FullFromTheMiddleOnKeepsItsSettings) {
@@ -556,20 +581,21 @@ TEST_F(SmallDisk, ReadOnlyWithAJournalStartsWithTheDefaults) {
     });
 }
 
-// The exported line of the port; empty if nothing can be exported.
-static std::string ExportedPort(const std::string& root) {
-    SettingsExport result;
-    if (!ExportSettings(root, false, &result)) return "";
-    const size_t line = result.file.find("\nport = ") + 1;
-    return result.file.substr(line, result.file.find_first_of("\r\n", line) - line);
-}
-
 TEST_F(SmallDisk, SettingsAreExportedFromAReadOnlyOrFullDisk) {
     StoreUsersSettings(root);
     Fill();
     EXPECT_EQ("port = 4711", ExportedPort(root));
     ASSERT_TRUE(MakeReadOnly(root));
     EXPECT_EQ("port = 4711", ExportedPort(root));
+}
+
+TEST_F(SmallDisk, SettingsAreExportedFromAReadOnlyFolderBelowTheCurrentOne) {
+    StoreUsersSettings(root);
+    ASSERT_TRUE(MakeReadOnly(root));
+    const fs::path before = fs::current_path();
+    fs::current_path(fs::path(root).parent_path());
+    EXPECT_EQ("port = 4711", ExportedPort(fs::path(root).filename()));
+    fs::current_path(before);
 }
 
 TEST_F(SmallDisk, SettingsOfALogAreNotExportedFromAFullDisk) {

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
 
 #include "platform/qt/services/services.h"
 
@@ -120,8 +122,11 @@ static std::string UriPath(const std::string& path) {
 // An immutable file needs no lock, log or index, so SQLite writes nothing. It would not read the
 // log of such a file.
 std::string ImmutableName(const std::string& path) {
-    if (HasContent(path + "-wal") || HasContent(path + "-journal")) return "";
-    return "file://" + UriPath(path) + "?immutable=1";
+    char file[PATH_MAX];  // SQLite's log is beside it, not beside a link to it
+    if (!realpath(path.c_str(), file)) return "";
+    if (HasContent(std::string(file) + "-wal") || HasContent(std::string(file) + "-journal"))
+        return "";
+    return "file://" + UriPath(file) + "?immutable=1";
 }
 
 static std::string FreeDamagedName(const std::string& path) {
