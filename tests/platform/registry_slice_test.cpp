@@ -503,6 +503,48 @@ TEST_F(RegistryFileOnDisk, ReadOnlyFileIsWrittenOnceThatIsPermitted) {
     EXPECT_EQ(15, WEXITSTATUS(WaitFor(child)));
 }
 
+namespace {
+
+bool Change(const char* statements) {
+    sqlite3* database = nullptr;
+    const bool changed = sqlite3_open(RegistryFile().c_str(), &database) == SQLITE_OK &&
+                         sqlite3_exec(database, statements, nullptr, nullptr, nullptr) == SQLITE_OK;
+    return sqlite3_close(database) == SQLITE_OK && changed;
+}
+
+}  // namespace
+
+// A file that is read without locks can change on the way, and then seems to be damaged. It has
+// more pages than SQLite keeps in memory.
+TEST_F(RegistryFileOnDisk, ReadOnlyFileThatBecomesShorterIsReadAgain) {
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 815));
+    const std::string large(1'000'000, 'x');
+    for (const LPCWSTR name : {u"large1", u"large2", u"large3", u"large4"})
+        ASSERT_EQ(ERROR_SUCCESS, Save(name, REG_SZ, large.data(), 1'000'000));
+    CloseRegistry();
+    for (const std::string& path : {DeviceRoot(), RegistryFile()})
+        ASSERT_TRUE(geteuid() != 0 || chown(path.c_str(), 65534, 65534) == 0);
+    chmod(RegistryFile().c_str(), 0444);
+    const pid_t child = Fork([] {
+        if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+        DWORD number = 0;
+        const bool read = LoadNumber(1, &number) && number == 815;
+        chmod(RegistryFile().c_str(), 0600);
+        const bool changed = Change("DELETE FROM registry WHERE name LIKE 'large%'; VACUUM");
+        HKEY key = nullptr;
+        RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPath, 0, KEY_QUERY_VALUE, &key);
+        bool missing = false;
+        for (const LPCWSTR name : {u"large1", u"large2", u"large3", u"large4"}) {
+            const LONG error = RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr);
+            missing = missing || error == ERROR_FILE_NOT_FOUND;
+        }
+        const bool kept = LoadNumber(1, &number) && number == 815;
+        return (read ? 1 : 0) + (changed ? 2 : 0) + (missing ? 4 : 0) + (kept ? 8 : 0);
+    });
+    EXPECT_EQ(15, WEXITSTATUS(WaitFor(child)));
+    EXPECT_FALSE(std::filesystem::exists(RegistryFile() + ".damaged"));
+}
+
 TEST_F(RegistryFileOnDisk, DeletedFileIsCreatedAgain) {
     ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
     std::filesystem::rename(RegistryFile(), RegistryFile() + ".kept");

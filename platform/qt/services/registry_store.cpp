@@ -394,9 +394,10 @@ int RegistryStore::Run(Statement which, const std::string& key, const std::strin
     if (holds_ && !IsInTransaction()) Execute(database_, "BEGIN");
     const int result = RunOnce(which, key, name, value, rows);
     if (!IsDamage(result)) return result;
+    const bool damaged = !ReadsOnly();  // without locks, another process may have changed the file
     Abandon();
-    if (rows) rows->clear();  // they are of the file that was set aside
-    return Open(true) ? RunOnce(which, key, name, value, rows) : result;
+    if (rows) rows->clear();  // they are of the file as it was
+    return Open(damaged) ? RunOnce(which, key, name, value, rows) : result;
 }
 
 static StoreResult FoundOr(int result) {
