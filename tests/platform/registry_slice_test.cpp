@@ -545,6 +545,30 @@ TEST_F(RegistryFileOnDisk, ReadOnlyFileThatBecomesShorterIsReadAgain) {
     EXPECT_FALSE(std::filesystem::exists(RegistryFile() + ".damaged"));
 }
 
+// The first save could only read the file, and there it lacked the value.
+TEST_F(RegistryFileOnDisk, UnreadValueOfAnotherProcessStaysAfterTheFileCouldOnlyBeRead) {
+    ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 815));
+    CloseRegistry();
+    for (const std::string& path : {DeviceRoot(), RegistryFile()})
+        ASSERT_TRUE(geteuid() != 0 || chown(path.c_str(), 65534, 65534) == 0);
+    chmod(RegistryFile().c_str(), 0);
+    const pid_t child = Fork([] {
+        if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+        DWORD number = 0;
+        const bool unread = !LoadNumber(2, &number);
+        chmod(RegistryFile().c_str(), 0444);
+        const bool refused = SaveNumber(2, 2) != ERROR_SUCCESS;
+        chmod(RegistryFile().c_str(), 0600);
+        const bool changed = Change(
+            "INSERT INTO registry SELECT key, 'key2', type, x'09000000' "
+            "FROM registry WHERE name = 'key1'");
+        const bool kept = SaveNumber(2, 2) != ERROR_SUCCESS && LoadNumber(2, &number);
+        return (unread ? 1 : 0) + (refused ? 2 : 0) + (changed ? 4 : 0) +
+               (kept && number == 9 ? 8 : 0);
+    });
+    EXPECT_EQ(15, WEXITSTATUS(WaitFor(child)));
+}
+
 TEST_F(RegistryFileOnDisk, DeletedFileIsCreatedAgain) {
     ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
     std::filesystem::rename(RegistryFile(), RegistryFile() + ".kept");

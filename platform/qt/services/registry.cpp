@@ -92,6 +92,7 @@ static LONG CheckOverwrite(Registry& registry, const std::string& path,
                            const std::string& value_name, const StoredValue& value) {
     const std::string place = ValuePlace(path, value_name);
     if (!registry.unread || registry.known.contains(place)) return ERROR_SUCCESS;
+    registry.store.Release();  // what was read before may be old by now
     StoredValue stored;
     const StoreResult read = registry.store.Read(path, value_name, &stored);
     const bool same = stored.type == value.type && stored.data == value.data;
