@@ -561,6 +561,15 @@ TEST_F(SmallDisk, ReadOnlyWithADamagedFileKeepsTheFile) {
     EXPECT_FALSE(fs::exists(File(root) + ".damaged"));
 }
 
+TEST_F(SmallDisk, ReadOnlyWithAFileOfAnotherVersionStartsWithTheDefaults) {
+    const char kOther[] =
+        "CREATE TABLE registry (key, name, type, data, UNIQUE (key, name)); INSERT INTO registry "
+        "VALUES ('HKEY_LOCAL_MACHINE\\Software\\QUILLWARE\\TELNET', 'port', 4, x'67120000')";
+    Write(File(root), DatabaseWith(FreshRoot(), kOther));
+    ASSERT_TRUE(MakeReadOnly(root));
+    UseProgram(root, [] { EXPECT_EQ(23u, Port()); });
+}
+
 TEST_F(SmallDisk, ReadOnlyWithoutAFileStartsWithTheDefaults) {
     ASSERT_TRUE(MakeReadOnly(root));
     UseProgram(root, [] {

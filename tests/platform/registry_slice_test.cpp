@@ -569,6 +569,21 @@ TEST_F(RegistryFileOnDisk, UnreadValueOfAnotherProcessStaysAfterTheFileCouldOnly
     EXPECT_EQ(15, WEXITSTATUS(WaitFor(child)));
 }
 
+// To open a pipe for reading waits for its writer.
+TEST_F(RegistryFileOnDisk, PipeThatCanOnlyBeReadDoesNotStopTheProgram) {
+    ASSERT_EQ(0, mkfifo(RegistryFile().c_str(), 0444));
+    chmod(DeviceRoot().c_str(), 0555);
+    const pid_t child = Fork([] {
+        if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+        alarm(20);
+        return CountSuccesses();
+    });
+    const int status = WaitFor(child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(0, WEXITSTATUS(status));
+    chmod(DeviceRoot().c_str(), 0700);
+}
+
 TEST_F(RegistryFileOnDisk, DeletedFileIsCreatedAgain) {
     ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 1));
     std::filesystem::rename(RegistryFile(), RegistryFile() + ".kept");
