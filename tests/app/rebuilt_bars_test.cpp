@@ -250,6 +250,11 @@ TEST(RebuiltBars, PicturesOfAnInactiveWindowHaveTheColoursOfAnActiveOne) {
         });
         EXPECT_TRUE(Eventually([] { return !DeviceScreen()->isActiveWindow(); }));
         inactive = pictures_in(faint);
+        {
+            const DesktopColors first(faint);
+            faint.setColor(QPalette::Active, QPalette::ButtonText, QColor(0xAA, 0xBB, 0xCC));
+            EXPECT_FALSE(pictures_in(faint) == inactive);
+        }
         OnWindowThread([&] { delete other; });
         EXPECT_TRUE(active == disabled);
         EXPECT_TRUE(active == inactive);
