@@ -4,6 +4,7 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
+#include <QPixmapCache>
 #include <QUrl>
 
 #include "connection/connection.h"
@@ -48,6 +49,29 @@ TEST(Commands, DisconnectActsAtOnceWithoutConfirmExit) {
         EXPECT_TRUE(Offline());
         EXPECT_TRUE(host.Closed());
         OnWindowThread([] { EXPECT_EQ(ShownMessageBox(), nullptr); });
+    });
+}
+
+// The toolkit keeps the name of each icon that it has drawn, so boxes share theirs. It has
+// forgotten the icon itself after some time.
+TEST(Commands, EachWarningHasTheSameIconUntilTheDesktopChangesItsColours) {
+    FakeHost host;
+    WithSession(host, [&] {
+        ConfirmExit(true);
+        const auto icon_of_a_box = [] {
+            qint64 icon = 0;
+            OnWindowThread(QPixmapCache::clear);
+            PostToMain(WM_COMMAND, 40011);
+            EXPECT_EQ(AwaitBox(), kMayClose);
+            OnWindowThread([&] { icon = ShownMessageBox()->iconPixmap().cacheKey(); });
+            PressCancel();
+            return icon;
+        };
+        const qint64 first = icon_of_a_box();
+        EXPECT_EQ(first, icon_of_a_box());
+        OnWindowThread([] { QApplication::setPalette(QPalette(Qt::darkGray)); });
+        EXPECT_NE(first, icon_of_a_box());
+        OnWindowThread([] { QApplication::setPalette(QPalette()); });
     });
 }
 

@@ -3,6 +3,7 @@
 // mouse, touch, Alt with a letter and the arrow keys reach every entry.
 #include "platform/qt/shell/shell.h"
 
+#include <map>
 #include <QApplication>
 #include <QIconEngine>
 #include <QMenu>
@@ -47,7 +48,9 @@ class LateIcon : public QIconEngine {
     QIcon icon_;
 };
 
-// The style of all windows, which is the desktop's with three differences.
+// The style of all windows, which is the desktop's with four differences.
+//
+// An icon is made once: the toolkit keeps the name of each one that it has drawn, for ever.
 //
 // The menu of a scroll bar would open in a loop of its own, in which the program's messages wait.
 //
@@ -58,10 +61,19 @@ class DeviceStyle : public QProxyStyle {
   public:
     QIcon standardIcon(StandardPixmap which, const QStyleOption* option,
                        const QWidget* widget) const override {
-        if (which == SP_ToolBarHorizontalExtensionButton)
-            return QIcon(new LateIcon(baseStyle(), which));
-        return QProxyStyle::standardIcon(which, option, widget);
+        if (option) return QProxyStyle::standardIcon(which, option, widget);
+        QIcon& icon = icons_[which];
+        if (icon.isNull())
+            icon = which == SP_ToolBarHorizontalExtensionButton
+                       ? QIcon(new LateIcon(baseStyle(), which))
+                       : QProxyStyle::standardIcon(which, option, widget);
+        return icon;
     }
+    void polish(QPalette& palette) override {
+        icons_.clear();  // those of the desktop may have changed, too
+        QProxyStyle::polish(palette);
+    }
+    using QProxyStyle::polish;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* result) const override {
         if (hint == SH_ScrollBar_ContextMenu) return 0;
@@ -78,6 +90,9 @@ class DeviceStyle : public QProxyStyle {
         line.setBottom(line.bottom() + touched);
         painter->fillRect(line, option->palette.window());
     }
+
+  private:
+    mutable std::map<StandardPixmap, QIcon> icons_;
 };
 
 // A small keyboard, drawn for whatever density the screen has.
