@@ -3,10 +3,12 @@
 // make the random one longer or another; QUILL_RECONNECTS does so for the other one. A failure
 // names seed, session and step.
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <chrono>
 #include <QApplication>
 #include <QClipboard>
 #include <thread>
+#include <vector>
 
 #include "platform/qt/host/host.h"
 #include "session/session_state.h"
@@ -26,6 +28,11 @@ static constexpr int kPatience = 1800;    // seconds of one step, on a machine w
 static constexpr long kRoomOfAStart = 6000000;  // bytes
 static constexpr long kRoomOfReconnects = 500000;
 
+// The second half of a run is one start. The least of the heap in some sessions does not contain
+// what comes and goes, so it shows what is kept for ever.
+static constexpr long kRoomOfALongStart = 300000;
+static constexpr int kLongStart = 1000, kSessionsOfALeast = 300;
+
 static long Asked(const char* name, long otherwise) {
     const char* value = std::getenv(name);
     return value ? std::atol(value) : otherwise;
@@ -39,8 +46,9 @@ struct Soak {
     long session = 0;
     long first = 0;
     long first_of_start = 0;
-    Clock::time_point end;
+    Clock::time_point half, end;
     Held warm = {};
+    std::vector<long> bytes;  // after each session of this start
 };
 
 static bool Failed() { return testing::Test::HasFailure(); }
@@ -73,6 +81,7 @@ static void ExpectNothingGrew(Soak& soak) {
     const long done = soak.session - soak.first_of_start;
     if (done < kWarmSessions) return;
     Held held = WhatIsHeld();
+    soak.bytes.push_back(held.bytes);
     if (done == kWarmSessions) soak.warm = held, Tell(soak, held);  // of this start
     // Threads and files of what has just ended may still be going.
     for (int i = 0; i < 200 && !Growth(soak.warm, held, kRoomOfAStart).empty(); ++i) {
@@ -81,6 +90,19 @@ static void ExpectNothingGrew(Soak& soak) {
     }
     EXPECT_EQ("", Growth(soak.warm, held, kRoomOfAStart));
     if (soak.session % 200 == 0) Tell(soak, held);
+}
+
+static long LeastFrom(std::vector<long>::const_iterator first) {
+    return *std::min_element(first, first + kSessionsOfALeast);
+}
+
+static void ExpectNoSlowGrowth(const Soak& soak) {
+    if (soak.bytes.size() < kLongStart) return;
+    const long before = LeastFrom(soak.bytes.begin() + kSessionsOfALeast);
+    const long after = LeastFrom(soak.bytes.end() - kSessionsOfALeast);
+    std::printf("%zu sessions of one start: %ld bytes, then %ld\n", soak.bytes.size(), before,
+                after);
+    EXPECT_LE(after - before, kRoomOfALongStart) << "bytes that are kept for ever";
 }
 
 static void OneSession(Soak& soak) {
@@ -105,17 +127,21 @@ static void OneSession(Soak& soak) {
 
 static void OneStart(Soak& soak) {
     soak.first_of_start = soak.session;
+    soak.bytes.clear();
+    const bool last = Clock::now() >= soak.half;
     counts.objects = 0;  // what the last start held went with its device
     const long keys = counts.keys, sockets = counts.sockets, contexts = counts.contexts;
     Stage stage{.root = soak.run.root, .before = [&] { StageDialUp(soak.run); }};
     RunProgram(stage, [&] {
         OnWindowThread([] { ForgetScreenText(); });
-        for (int i = 0; i < kSessionsOfAStart && !Failed() && Clock::now() < soak.end; ++i) {
+        for (int i = 0; (last || i < kSessionsOfAStart) && !Failed() && Clock::now() < soak.end;
+             ++i) {
             OneSession(soak);
             ++soak.session;
         }
     });
     if (Failed()) return;
+    ExpectNoSlowGrowth(soak);
     ExpectMemoryStored(soak.run.root);
     EXPECT_EQ(keys, counts.keys) << "registry keys are open after the program's end";
     EXPECT_EQ(sockets, counts.sockets) << "sockets are open after the program's end";
@@ -139,7 +165,9 @@ TEST(Soak, SurvivesHostUserAndNetworkAtOnce) {
     Soak soak;
     soak.seed = Asked("QUILL_SOAK_SEED", 1);
     soak.first = soak.session = Asked("QUILL_SOAK_FROM", 0);
-    soak.end = Clock::now() + std::chrono::seconds(Asked("QUILL_SOAK_SECONDS", 20));
+    const std::chrono::seconds time(Asked("QUILL_SOAK_SECONDS", 20));
+    soak.half = Clock::now() + time / 2;
+    soak.end = Clock::now() + time;
     soak.run.root = FreshRoot();
     soak.run.dial = FreshRoot();
     std::atomic<bool> over{false};
