@@ -118,6 +118,21 @@ pid_t Fork(Procedure procedure) {
     return child;
 }
 
+constexpr uid_t kUser = 65534;  // of the tests that root runs
+
+// The result of the process is 100 if it cannot be that user's.
+template <typename Procedure>
+pid_t ForkAsUser(Procedure procedure) {
+    return Fork([&] { return geteuid() == 0 && seteuid(kUser) != 0 ? 100 : procedure(); });
+}
+
+// The folder and the file become that user's, and the file gets the mode.
+bool GiveToUser(mode_t mode) {
+    for (const std::string& path : {DeviceRoot(), RegistryFile()})
+        if (geteuid() == 0 && chown(path.c_str(), kUser, kUser) != 0) return false;
+    return chmod(RegistryFile().c_str(), mode) == 0;
+}
+
 Progress* SharedProgress() {
     void* memory =
         mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
@@ -452,10 +467,7 @@ TEST_F(RegistryFileOnDisk, MissingFolderGivesErrors) {
 
 TEST_F(RegistryFileOnDisk, ReadOnlyFolderGivesErrors) {
     chmod(DeviceRoot().c_str(), 0555);
-    const pid_t child = Fork([] {
-        if (geteuid() == 0 && seteuid(65534) != 0) return 100;
-        return CountSuccesses();
-    });
+    const pid_t child = ForkAsUser([] { return CountSuccesses(); });
     EXPECT_EQ(0, WEXITSTATUS(WaitFor(child)));
     chmod(DeviceRoot().c_str(), 0700);
 }
@@ -468,8 +480,7 @@ TEST_F(RegistryFileOnDisk, FileWithoutALogIsReadAndStays) {
     chmod(DeviceRoot().c_str(), 0555);
     for (const mode_t mode : {0444, 0666}) {
         chmod(RegistryFile().c_str(), mode);
-        const pid_t child = Fork([] {
-            if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+        const pid_t child = ForkAsUser([] {
             DWORD number = 0;
             const bool read = LoadNumber(1, &number) && number == 815;
             const bool written =
@@ -486,11 +497,8 @@ TEST_F(RegistryFileOnDisk, FileWithoutALogIsReadAndStays) {
 TEST_F(RegistryFileOnDisk, ReadOnlyFileIsWrittenOnceThatIsPermitted) {
     ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 815));
     CloseRegistry();
-    for (const std::string& path : {DeviceRoot(), RegistryFile()})
-        ASSERT_TRUE(geteuid() != 0 || chown(path.c_str(), 65534, 65534) == 0);
-    chmod(RegistryFile().c_str(), 0444);
-    const pid_t child = Fork([] {
-        if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+    ASSERT_TRUE(GiveToUser(0444));
+    const pid_t child = ForkAsUser([] {
         HoldRegistry();
         DWORD number = 0;
         const bool read = LoadNumber(1, &number) && number == 815;
@@ -522,11 +530,8 @@ TEST_F(RegistryFileOnDisk, ReadOnlyFileThatBecomesShorterIsReadAgain) {
     for (const LPCWSTR name : {u"large1", u"large2", u"large3", u"large4"})
         ASSERT_EQ(ERROR_SUCCESS, Save(name, REG_SZ, large.data(), 1'000'000));
     CloseRegistry();
-    for (const std::string& path : {DeviceRoot(), RegistryFile()})
-        ASSERT_TRUE(geteuid() != 0 || chown(path.c_str(), 65534, 65534) == 0);
-    chmod(RegistryFile().c_str(), 0444);
-    const pid_t child = Fork([] {
-        if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+    ASSERT_TRUE(GiveToUser(0444));
+    const pid_t child = ForkAsUser([] {
         DWORD number = 0;
         const bool read = LoadNumber(1, &number) && number == 815;
         chmod(RegistryFile().c_str(), 0600);
@@ -549,11 +554,8 @@ TEST_F(RegistryFileOnDisk, ReadOnlyFileThatBecomesShorterIsReadAgain) {
 TEST_F(RegistryFileOnDisk, UnreadValueOfAnotherProcessStaysAfterTheFileCouldOnlyBeRead) {
     ASSERT_EQ(ERROR_SUCCESS, SaveNumber(1, 815));
     CloseRegistry();
-    for (const std::string& path : {DeviceRoot(), RegistryFile()})
-        ASSERT_TRUE(geteuid() != 0 || chown(path.c_str(), 65534, 65534) == 0);
-    chmod(RegistryFile().c_str(), 0);
-    const pid_t child = Fork([] {
-        if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+    ASSERT_TRUE(GiveToUser(0));
+    const pid_t child = ForkAsUser([] {
         DWORD number = 0;
         const bool unread = !LoadNumber(2, &number);
         chmod(RegistryFile().c_str(), 0444);
@@ -573,8 +575,7 @@ TEST_F(RegistryFileOnDisk, UnreadValueOfAnotherProcessStaysAfterTheFileCouldOnly
 TEST_F(RegistryFileOnDisk, PipeThatCanOnlyBeReadDoesNotStopTheProgram) {
     ASSERT_EQ(0, mkfifo(RegistryFile().c_str(), 0444));
     chmod(DeviceRoot().c_str(), 0555);
-    const pid_t child = Fork([] {
-        if (geteuid() == 0 && seteuid(65534) != 0) return 100;
+    const pid_t child = ForkAsUser([] {
         alarm(20);
         return CountSuccesses();
     });

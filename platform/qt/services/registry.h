@@ -163,8 +163,9 @@ struct SettingsExport {
 };
 
 // Reads ROOT/registry.db without changing it; another program may have it open. False if there is
-// no such file or it is damaged. Passwords are `ssh_p` and the responses of the automatic login,
-// because most hosts ask for a password there.
+// no such file, it is damaged or locked, or it has a log where nothing can be written. Passwords
+// are `ssh_p` and the responses of the automatic login, because most hosts ask for a password
+// there.
 bool ExportSettings(const std::string& root, bool with_passwords, SettingsExport* result);
 
 // True for texts whose default is empty: a new device needs no line for an empty one.
