@@ -247,8 +247,12 @@ TEST(FaultPlaces, AreReachedOrKnown) {
                 lines, reached.size(), unreached.size());
 }
 
-// Or a file has another name now.
+// Or a file has another name now. Without optimisation the calls of inline procedures in the
+// device's header are not within their callers.
 TEST(FaultPlaces, OfEachStatedBoxExist) {
+#ifndef __OPTIMIZE__
+    GTEST_SKIP() << "this build has no inline calls";
+#endif
     for (const Stated& row : kStated) {
         const bool exists = std::any_of(AllPlaces().begin(), AllPlaces().end(),
                                         [&](const auto& at) { return IsOf(row, at.second); });

@@ -103,8 +103,17 @@ void SignOnWithPassword() {
 
 bool ShowsRow(const std::string& row) { return TerminalShows('\n' + row + '\n'); }
 
-static bool AtPrompt() {
-    return Eventually([] { return TerminalRow(session.screen.cursor_row) == "$"; });
+static bool IsAtPrompt() { return TerminalRow(session.screen.cursor_row) == "$"; }
+
+static bool AtPrompt() { return Eventually(IsAtPrompt); }
+
+// What is typed while tcsh changes the mode of its line can lose its beginning.
+void TypeAtPrompt(const std::string& text) {
+    ASSERT_TRUE(AtPrompt()) << TerminalText();
+    const int row = session.screen.cursor_row;
+    TypeText(text + "\n");
+    ASSERT_TRUE(Eventually([&] { return session.screen.cursor_row > row && IsAtPrompt(); }, 20000))
+        << TerminalText();
 }
 
 void PasteAtPrompt(const std::string& text) {
@@ -119,6 +128,7 @@ void PasteAtPrompt(const std::string& text) {
 }
 
 void RunAtPrompt(const std::string& command, const std::string& row) {
+    ASSERT_TRUE(AtPrompt()) << TerminalText();
     ClearAndRun(command);
     EXPECT_TRUE(ShowsRow(row)) << TerminalText();
 }

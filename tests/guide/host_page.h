@@ -45,6 +45,7 @@ void WithConfig(const std::string& lines, const std::function<void()>& person);
 
 void SignOnWithPassword();                    // in the SSH sign-on dialog; it has the name already
 bool ShowsRow(const std::string& row);        // waits for a row with exactly this text
+void TypeAtPrompt(const std::string& text);   // a command without output; waits for a new prompt
 void PasteAtPrompt(const std::string& text);  // pastes and waits for a new prompt
 void RunAtPrompt(const std::string& command, const std::string& row);  // and waits for the row
 

@@ -143,17 +143,18 @@ TEST(HostsPage, UserOfTcshHasTheEntryAfterTheBoxes) {
         PasteAtPrompt(Recipe("csh"));
         PasteAtPrompt(Recipe("csh"));
         PasteAtPrompt(Recipe("locale"));
-        TypeText("exit\nstty erase '^?'\nsource .login\n");
+        for (const char* command : {"exit", "stty erase '^?'", "source .login"})
+            TypeAtPrompt(command);
         RunAtPrompt("echo $version | cut -c1-4; grep -c setenv .login; tput cols", "tcsh\n4\n80");
         RunAtPrompt("stty -a | grep -o 'erase = ^H'; echo now=$TERMINFO",
                     "erase = ^H\nnow=/mnt/home/visitor/.terminfo");
         RunAtPrompt("locale charmap; echo $LANG $LOCPATH",
                     "CP1252\nde_DE.CP1252 /mnt/home/visitor/.locale");
-        TypeText("stty erase '^?'\n");
+        TypeAtPrompt("stty erase '^?'");
         RunAtPrompt("sane | od -An -tx1 -w18; stty -a | grep -o 'erase = ^H'",
                     " f0 1b 5c 1b 63 1b 29 42 1b 5b 31 32 68 1b 5b 32 30 6c\nerase = ^H");
         RunAtPrompt("(source .login) < /dev/null |& wc -c", "0");
-        TypeText("unsetenv TERMINFO; setenv TERM vt100; source .login\n");
+        TypeAtPrompt("unsetenv TERMINFO; setenv TERM vt100; source .login");
         RunAtPrompt("env | grep -c TERMINFO", "0");
     });
 }

@@ -45,9 +45,27 @@ ends() {
     wait $client || code=$?
     [ $code -eq 0 ] || fail "the program ended with $code: $(tail -n 5 "$work/err")"
 }
+setting() { env -u SESSION_MANAGER "$program" "$@" --export | sed -n 's/^fsize = //p'; }
+saves_twice() { [ "$(grep -cx saved "$work/told")" -ge 2 ]; }
+has_grown() {
+    xdotool windowfocus "$window" key --window "$window" ctrl+shift+plus && sleep 1 &&
+        echo save >&7 && sleep 1 && [ "$(setting "$@")" -gt "$before" ]
+}
+# saves TITLE ARGUMENTS...: it saves a larger font when it is asked to, and goes on.
+saves() {
+    await 30 has_window "$1" || fail "no window $1"
+    window=$(xdotool search --onlyvisible --name "$1" | head -n 1)
+    shift
+    before=$(setting "$@")
+    await 1 has_grown "$@" || fail "the font's size $before is not saved"
+    await 20 saves_twice || fail "it did not save itself again"
+    kill -0 $client || fail "it ended before it was told to"
+}
 
 # The folder of the settings is beside that of the start. The usual scale is too large for this window, and the
 # program's choice of another one is not a word of the person.
+env -u SESSION_MANAGER QT_QPA_PLATFORM=offscreen timeout -k 5 60 "$program" --root "$work/beside" \
+    --text "$work/text" || fail "the start without a session ended with $?"
 opens_manager
 mkdir "$work/first"
 cd "$work/first"
@@ -58,11 +76,12 @@ ends_with_us $client
 has_chosen() { tr '\0' '\n' <"/proc/$client/environ" | grep -qx QUILL_CHOSEN_SCALE=1.5; }
 await 20 has_chosen || fail "it chose no scale: $(cat "$work/err")"
 expects "$work/first" --root "$work/beside" --screen 1000x700
+saves '^Quill Telnet' --root "$work/beside"
 echo end >&7
 ends
 wait $manager || fail "the manager ended with $?"
 cd /
-[ -e "$work/beside/registry.db" ] || fail "no settings beside it"
+[ ! -e "$work/beside/window.cfg" ] || fail "it keeps a size that it was given"
 
 opens_manager
 
@@ -84,15 +103,7 @@ await 30 has_window "$session_title" || fail "no session"
 expects / --profile stores --scale 2 -- 127.0.0.1 "$port"
 
 # At the end of the session it saves what has changed, before it is ended.
-saves_twice() { [ "$(grep -cx saved "$work/told")" -ge 2 ]; }
-setting() { env -u SESSION_MANAGER "$program" --profile stores --export | sed -n 's/^fsize = //p'; }
-window=$(xdotool search --onlyvisible --name "$session_title" | head -n 1)
-before=$(setting)
-has_grown() { xdotool windowfocus "$window" key --window "$window" ctrl+shift+plus && sleep 1 &&
-    echo save >&7 && sleep 1 && [ "$(setting)" -gt "$before" ]; }
-await 1 has_grown || fail "the font's size $before is not saved"
-await 20 saves_twice || fail "it did not save itself again"
-kill -0 $client || fail "it ended before it was told to"
+saves "$session_title" --profile stores
 echo end >&7
 ends
 place=$(find "$work/data" -name window.cfg)
