@@ -634,6 +634,7 @@ TEST(Toolbar, BarAcceptsOnlyPicturesOfTheResources) {
             EXPECT_EQ(-1, CommandBar_AddBitmap(bar, nullptr, 1540, INT32_MAX, 16, 16));
             EXPECT_EQ(-1, CommandBar_AddBitmap(bar, nullptr, 1540, 0, 16, 16));
             EXPECT_EQ(-1, CommandBar_AddBitmap(bar, nullptr, -1, 1, 16, 16));
+            EXPECT_EQ(-1, CommandBar_AddBitmap(nullptr, nullptr, 1540, 1, 16, 16)) << "no bar";
             EXPECT_EQ(-1, CommandBar_AddBitmap(bar, nullptr, INT32_MAX, 1, 16, 16));
             TBBUTTON button = {};
             button.iBitmap = 99;
