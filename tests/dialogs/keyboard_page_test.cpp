@@ -246,6 +246,20 @@ TEST(ChangeKey, ARowWithoutATextOpensEmptyAndCanBeGivenOne) {
     });
 }
 
+TEST(ChangeKey, TheLongestTextIsShownWholeAndCancelKeepsIt) {
+    static const Text kLongest = Text(254, u'a') + u'b';
+    RunProgram(FreshStage(), [] {
+        OnWindowThread([] { ASSERT_TRUE(SetKeyText(&key_map[4], kLongest.c_str())); });
+        const OpenSheet open = OpenKeyboard();
+        ClickLine(open.page, IDC_KEYS, 4);
+        EXPECT_EQ(Shown(open), std::vector<Text>{kLongest});
+        const HWND change = OpenChange(open);
+        EXPECT_EQ(TextOf(change, IDC_KEY_TEXT), kLongest);
+        CloseBy(change, IDCANCEL);
+        EXPECT_EQ(key_map[4].text, std::string(254, 'a') + 'b');
+    });
+}
+
 TEST(ChangeKey, IsCentredOverTheSheetOrPlacedAtItsCorner) {
     RunProgram(FreshStage(), [] {
         const OpenSheet open = OpenKeyboard();
