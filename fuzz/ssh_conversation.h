@@ -18,7 +18,7 @@ enum class FaultKind : uint8_t {
     kDrop,           // the packet does not come
     kDouble,         // it comes twice
     kSwap,           // it comes after the next one
-    kCutShort,       // its last bytes do not come
+    kCutShort,       // its last bytes do not come, and the next packet follows at once
     kPayloadBit,     // one bit is wrong before it is sealed
     kPayloadShort,   // the last bytes are missing before it is sealed
     kPayloadLength,  // four bytes, where a length may be, are another number before it is sealed
@@ -71,6 +71,8 @@ struct Run {
     std::vector<size_t> cuts;
 
     bool struck = false;     // the fault has come
+    std::string cut_off;     // by it
+    bool made_good = false;  // the next packet begins with what was cut off
     bool line_came = false;  // the client's
     size_t packets = 0;      // that the server has sent
     std::string pending;     // on the wire, not delivered yet

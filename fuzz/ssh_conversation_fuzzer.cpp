@@ -152,13 +152,18 @@ static void Put(const std::string& bytes) {
 
 void Carry(const std::string& sealed) {
     std::string bytes = sealed;
+    const std::string cut_off = std::exchange(run.cut_off, std::string());
+    run.made_good = run.made_good || (!cut_off.empty() && sealed.starts_with(cut_off));
     if (Strikes(FaultKind::kWireBit)) ChangeBit(&bytes, run.fault.place %= bytes.size() * 8);
     if (Strikes(FaultKind::kWireByte))
         bytes[run.fault.place % 8] =
             static_cast<char>(bytes[run.fault.place % 8] + run.fault.value % 255 + 1);
     if (Strikes(FaultKind::kDrop)) bytes.clear();
     if (Strikes(FaultKind::kDouble)) bytes += sealed;
-    if (Strikes(FaultKind::kCutShort)) bytes = Shortened(bytes, run.fault.value);
+    if (Strikes(FaultKind::kCutShort)) {
+        bytes = Shortened(sealed, run.fault.value);
+        run.cut_off = sealed.substr(bytes.size());
+    }
     const bool overtaken = Strikes(FaultKind::kSwap);
     if (run.packets++ >= run.silent_from) return;
     if (overtaken) {
@@ -386,6 +391,7 @@ static Outcome Silenced(const Script& script, const Fault& fault) {
 static void CheckFault(const Script& script, const Fault& fault, bool struck, const Outcome& whole,
                        const Outcome& silent, const Outcome& faulty) {
     if (!struck) return Require(faulty == whole, "no fault, nothing wrong");
+    if (run.made_good) return;  // the packet that was cut short is whole, and the next one is wrong
     const bool sealed = fault.packet >= (script.ssh2 ? kFirstSealed2 : kFirstSealed1);
     // A packet that comes twice makes the client count one more: it then drops the first sealed
     // packet of that server, and takes the next one.

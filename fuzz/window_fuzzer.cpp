@@ -286,7 +286,16 @@ static void CheckStart() {
 
 // ---------------------------------------------------------------- from step to step
 
-enum class Stage { kStarting, kPanelShown, kStarted, kEvents, kLeaving, kRestoring, kWaiting };
+enum class Stage {
+    kStarting,
+    kPanelShown,
+    kStarted,
+    kEvents,
+    kLifting,
+    kLeaving,
+    kRestoring,
+    kWaiting
+};
 
 static std::mutex mutex;
 static std::condition_variable turn;
@@ -333,10 +342,6 @@ static bool Painting() {
 
 static void Leave() {
     Require(++steps < kMostSteps, "dialogs can be left");
-    if (steps == 1) {
-        LiftStylus();
-        return LeaveOutside();
-    }
     if (CloseTopMost()) return;
     CheckTerminal();
     CheckPicture();
@@ -363,7 +368,12 @@ static void Step() {
             if (TakeWishToCompare()) CheckPicture();
             while (events.left > 0 && DoEvent(&events)) {
             }
-            if (events.left == 0) stage = Stage::kLeaving, steps = 0;
+            if (events.left == 0) stage = Stage::kLifting;
+            return;
+        case Stage::kLifting:
+            LiftStylus();
+            LeaveOutside();
+            stage = Stage::kLeaving, steps = 0;
             return;
         case Stage::kLeaving:
             return Leave();
