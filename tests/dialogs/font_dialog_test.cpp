@@ -96,6 +96,19 @@ TEST(FontDialog, OkTakesTheFaceAndTheResultIsItsPosition) {
     });
 }
 
+TEST(FontDialog, OkTakesTheFirstFaceToo) {
+    RunProgram(FreshStage(), [] {
+        AddFace(u"Second Mono");
+        OnWindowThread([] { lstrcpyW(s.fname, u"Second Mono"); });
+        const HWND dialog = OpenFont();
+        ClickLine(dialog, IDC_FONTS, 0);
+        ClickControl(dialog, IDOK);
+        ASSERT_TRUE(Closed(dialog));
+        EXPECT_EQ(std::u16string(s.fname), Face(0));
+        EXPECT_EQ(session.dialog_result, 0);
+    });
+}
+
 TEST(FontDialog, CancelKeepsFaceAndMarksAndTheResultIsMinusOne) {
     const Stage stage = FreshStage();
     RunProgram(stage, [&] {

@@ -210,6 +210,25 @@ TEST_F(RegistryFileOnDisk, ProcessKilledWhileCreatingItLeavesAnIntactFile) {
     munmap(progress, sizeof(*progress));
 }
 
+TEST_F(RegistryFileOnDisk, LeavesNoFileOpenOnceItIsClosed) {
+    const auto open_files = [] {
+        const std::filesystem::directory_iterator list("/proc/self/fd");
+        return std::distance(begin(list), end(list));
+    };
+    CloseRegistry();
+    const auto before = open_files();
+    DWORD number = 0;
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_EQ(ERROR_SUCCESS, SaveNumber(0, 5));
+        EXPECT_LT(before, open_files());
+        CloseRegistry();
+        EXPECT_EQ(before, open_files()) << "after a write";
+        EXPECT_TRUE(LoadNumber(0, &number));
+        CloseRegistry();
+        EXPECT_EQ(before, open_files()) << "after a read";
+    }
+}
+
 TEST_F(RegistryFileOnDisk, TwoProcessesShareIt) {
     const auto save_from = [](int first) {
         for (int i = 0; i < 200; i++)
