@@ -473,6 +473,24 @@ TEST_F(WindowEdges, ThePanelsButtonIsAtTheRightEndOfTheMenuBar) {
     EXPECT_EQ(strip.width() - kButton, ShellMenuStrip()->bar()->width());
 }
 
+TEST_F(WindowEdges, AMenuBarWithoutMenusCannotBeChosen) {
+    ASSERT_TRUE(ShellMenuStrip()->bar()->actions().isEmpty());
+    EXPECT_FALSE(ActivateMenuBar());
+    EXPECT_FALSE(ShellMenuStrip()->bar()->hasFocus());
+}
+
+TEST_F(WindowEdges, ThePanelsButtonIsFlatUntilItIsPressed) {
+    QToolButton* const button = ShellMenuStrip()->panel_button();
+    const auto left_edge = [&] { return button->grab().toImage().pixel(1, button->height() / 2); };
+    const QRgb bar =
+        ShellMenuStrip()->grab().toImage().pixel(button->x() - 1, button->height() / 2);
+    EXPECT_EQ(bar, left_edge());
+    button->setDown(true);
+    EXPECT_NE(bar, left_edge());
+    button->setDown(false);
+    EXPECT_EQ(bar, left_edge());
+}
+
 TEST_F(WindowEdges, ThePanelsButtonShowsAKeyboardOfSixKeysInARow) {
     constexpr int kTimes = 10;
     QImage picture(22 * kTimes, 14 * kTimes, QImage::Format_ARGB32);
