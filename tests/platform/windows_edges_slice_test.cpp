@@ -3,6 +3,7 @@
 #include <QBackingStore>
 #include <QMenuBar>
 #include <QPainter>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QStyle>
 #include <QTest>
@@ -471,6 +472,15 @@ TEST_F(WindowEdges, ThePanelsButtonIsAtTheRightEndOfTheMenuBar) {
               ShellMenuStrip()->panel_button()->geometry());
     EXPECT_EQ(0, ShellMenuStrip()->bar()->x());
     EXPECT_EQ(strip.width() - kButton, ShellMenuStrip()->bar()->width());
+}
+
+// The style paints over the lower edge of a title in the menu bar alone.
+TEST_F(WindowEdges, APushButtonKeepsItsLowerEdge) {
+    QPushButton button("Word");
+    button.resize(80, 30);
+    const QImage picture = button.grab().toImage();
+    const QRgb window = button.palette().window().color().rgb();
+    EXPECT_TRUE(picture.pixel(40, 29) != window || picture.pixel(40, 28) != window);
 }
 
 TEST_F(WindowEdges, AMenuBarWithoutMenusCannotBeChosen) {
